@@ -1,0 +1,81 @@
+#pragma once
+
+#include "calyxclient_export.h"
+#include "transport/XHRRequest.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QNetworkAccessManager>
+#include <QNetworkCookieJar>
+#include <QNetworkReply>
+#include <QObject>
+#include <QPointer>
+#include <QThread>
+#include <QTimer>
+
+class QTcpSocket;
+class SockJSXHRPollingWorker;
+
+/// A SockJS session over plain HTTP: frames come in as answers to lasting "/xhr" or "/xhr_streaming"
+/// requests, and go out as "/xhr_send" posts. Both sides share one cookie jar and one proxy.
+///
+/// Lives on the thread that made it, and runs one thread of its own for the receiving side. Everything in it
+/// may be called, and it may be deleted, from any slot connected to its signals.
+class CALYXCLIENT_EXPORT SockJSXHRPolling : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit SockJSXHRPolling(QObject* parent);
+    /// Ends and joins the worker thread, within a moment; emits nothing. Posts that are not out yet are lost.
+    ~SockJSXHRPolling() override;
+
+    /// Connects to \p host and \p port (with TLS when \p secure, the certificate verified) through the
+    /// system's proxy, and asks for the first frames of the session at \p path, with "/xhr_streaming" or
+    /// "/xhr".
+    ///
+    /// Blocks for up to 30 seconds, without events. False when the connection cannot be made, or
+    /// when \p host or \p path holds a blank or a control character. Emits nothing before it returns.
+    bool start(QString host, int port, bool secure, QString path, bool streaming);
+
+    /// Asks for the next frames. Does nothing while such a request is waiting or in flight.
+    void doPoll();
+
+    /// Posts \p frame, once all earlier frames have been answered. A post that fails, or is not answered for
+    /// 30 seconds, is lost with a debug line.
+    void sendTextMessage(QString frame);
+
+    /// Ends the receiving side: connectionClosed() follows from the event loop. Frames sent before still go
+    /// out.
+    void close();
+
+    /// Hands the transport over to itself: it emits nothing any more, has no parent, closes, and deletes
+    /// itself once its thread has ended and its frames are out, at the latest when no post has been answered
+    /// for 10 seconds or when the application object goes.
+    void retire();
+
+    /// The number of cookies that a receive request would carry.
+    int getCookieCount();
+    /// Those cookies, each as name, "=", value and "; ".
+    QString getCookieString();
+
+    /// Queues one POST of \p payload to \p path on the receiving side. Refused with a debug line after
+    /// close() and when \p path holds a blank or a control character.
+    void doRequestXHR(const QString& path, const QString& payload);
+
+Q_SIGNALS:
+    /// The receiving side has ended: after close(), after the server's end of the session, or because the
+    /// server could not be reached any more. Once, and nothing follows it.
+    void connectionClosed();
+    /// One SockJS frame, or what the server sent in place of one.
+    void textMessageReceived(QString message);
+
+private Q_SLOTS:
+    void onReceivedHeadersResponse(XHRRequest* request, QStringMap headers);
+    void onReceivedMessageResponse(XHRRequest* request, QString message);
+    void onNAMRequestFinished(QNetworkReply* reply);
+    void onReconnected();
+
+private:
+    Q_DISABLE_COPY(SockJSXHRPolling)
+};

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "calyxclient_export.h"
+
+#include <QMap>
+#include <QObject>
+#include <QString>
+
+/// The name under which header maps travel in queued signals.
+using QStringMap = QMap<QString, QString>;
+
+/// One HTTP request of the receiving side of an XHR transport, and what its answer's header said.
+///
+/// Has no parent. Who makes it releases it, with deleteLater() once it has been handed to a worker or a
+/// signal; a worker never does. The worker writes the answer's values before it emits the request, and not
+/// after.
+class CALYXCLIENT_EXPORT XHRRequest : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// \p path is the request path, \p payload the complete text that goes to the socket. A null \p payload
+    /// makes a request that is dropped instead of being written.
+    XHRRequest(const QString& path, const QString& payload, QObject* parent = nullptr);
+
+    QString path() const { return m_path; }
+    QString payload() const { return m_payload; }
+    /// A number of its own for each request of the process, from 1.
+    int requestId() const { return m_requestId; }
+
+    /// Whether the answer came chunked; false before its header has come.
+    bool isChunked() const { return m_chunked; }
+    void setChunked(bool chunked) { m_chunked = chunked; }
+    /// The length that the answer's header gave, in bytes; 0 without a usable one and before the header has
+    /// come.
+    int contentLength() const { return m_contentLength; }
+    void setContentLength(int length) { m_contentLength = length; }
+
+private:
+    static int REQUEST_COUNTER;
+
+    int m_requestId;
+    QString m_path;
+    QString m_payload;
+    bool m_chunked = false;
+    int m_contentLength = 0;
+};
