@@ -1,0 +1,197 @@
+import EventBus from 'vertx3-eventbus-client';
+import { answerPoll, answerQuestion, responseTime, seedOf } from './answers.js';
+import { decodeData, encodeData } from './codec.js';
+import { OPEN_MS } from './limits.js';
+import { post } from './rest.js';
+
+const DEVICE_TYPES = ['tablet', 'laptop', 'phone'];
+const FIRST_NAMES = ['Ann', 'Zoë', 'Łukasz', 'Ада', '小明', 'José', 'Bea', 'Tom'];
+// As often as the presenter; the client's own default of 5 s is a thousand frames a second from 5,000 learners.
+const PING_MS = 60000;
+
+const forms = {
+  question: {
+    type: 'questionResponse',
+    answer: (question, index) => ({
+      questionId: question.id,
+      questionSetMode: question.questionSetMode,
+      ...answerQuestion(question, index),
+    }),
+  },
+  poll: {
+    type: 'pollResponse',
+    answer: (poll, index) => ({ pollId: poll.id, blob: answerPoll(poll, index) }),
+  },
+};
+
+/** One simulated device of a learner in one session, from its join to its end. */
+export class Learner {
+  questions = 0;
+  cards = 0;
+  answers = 0;
+  dialogs = 0;
+  heavyNotices = 0;
+  decodeFailures = 0;
+  #index;
+  #settings;
+  #bus;
+  #leave;
+  // The question that is to be answered: {form, document}; gone once it is answered or stopped.
+  #open = null;
+  #timer;
+  #due = false;
+  #paused = false;
+  #assessment = null;
+
+  /** settings: url, transports (undefined: all), answerAfter in ms, and note(text) for what goes wrong. */
+  constructor(index, settings) {
+    this.#index = index;
+    this.#settings = settings;
+    this.userName = `${FIRST_NAMES[index % FIRST_NAMES.length]} ${index + 1}`;
+    this.deviceType = DEVICE_TYPES[index % DEVICE_TYPES.length];
+    /** Resolves when the learner has left or the session is over. */
+    this.ended = new Promise((resolve) => { this.#leave = resolve; });
+  }
+
+  /** Resolves once the join message has been sent; rejects when the service or the bus refuses. */
+  async join(sessionCode, signal) {
+    const { url, transports } = this.#settings;
+    const joined = await post(url, '/tavisto/classroom/session/join', {
+      userName: this.userName,
+      sessionCode,
+      mode: 'learner',
+      deviceName: `simulated-${this.#index + 1}`,
+      deviceType: this.deviceType,
+    }, { signal });
+    this.token = joined.userToken;
+    this.sessionToken = joined.sessionToken;
+    this.#bus = new EventBus(`${joined.serverUrl}/eventbus`, { transports, vertxbus_ping_interval: PING_MS });
+    await this.#opened();
+    this.#listen();
+    this.#publish('join', { userName: this.userName, deviceType: this.deviceType });
+  }
+
+  leave() {
+    this.#drop();
+    this.#assessment = null;
+    const live = this.#bus && [EventBus.CONNECTING, EventBus.OPEN].includes(this.#bus.state);
+    if (live) this.#bus.close();
+    this.#leave();
+  }
+
+  #opened() {
+    return new Promise((resolve, reject) => {
+      const timer = setTimeout(() => reject(new Error('the bus did not open in time')), OPEN_MS);
+      this.#bus.onerror = (error) => this.#settings.note(`${this.userName}: ${JSON.stringify(error)}`);
+      this.#bus.onopen = () => {
+        clearTimeout(timer);
+        resolve();
+      };
+      this.#bus.onclose = (event) => {
+        clearTimeout(timer);
+        reject(new Error(`the bus was closed: ${event.code} ${event.reason}`));
+        this.leave();
+      };
+    });
+  }
+
+  #listen() {
+    const root = this.sessionToken;
+    for (const address of [root, `${root}.learner`, `${root}.user.${this.token}`]) {
+      this.#bus.registerHandler(address, (error, message) => this.#receive(error, message));
+    }
+  }
+
+  #publish(type, value) {
+    if (this.#bus.state !== EventBus.OPEN) return false;
+    const address = `${this.sessionToken}.presenter`;
+    this.#bus.publish(address, { from: this.token, type, data: encodeData(value) });
+    return true;
+  }
+
+  #receive(error, message) {
+    const type = message?.body?.type;
+    const handle = error ? undefined : Learner.#handlers.get(type);
+    if (!handle) return;
+    try {
+      handle(this, decodeData(message.body.data));
+    } catch (reason) {
+      this.decodeFailures += 1;
+      this.#settings.note(`${this.userName}: "${type}" cannot be read: ${reason.message}`);
+    }
+  }
+
+  // A Map, and one for all learners: a type such as "constructor" is not found in it.
+  static #handlers = new Map(Object.entries({
+    questionStart: (learner, question) => learner.#ask(forms.question, question),
+    poll: (learner, poll) => learner.#ask(forms.poll, poll),
+    // The id is not looked at: a question is stopped by the id of its poll, which learners never see.
+    pollStop: (learner) => learner.#drop(),
+    pause: (learner) => { learner.#paused = true; },
+    resume: (learner) => learner.#resume(),
+    heavy: (learner) => { learner.heavyNotices += 1; },
+    showCard: (learner) => { learner.cards += 1; },
+    dialogShow: (learner) => { learner.dialogs += 1; },
+    questionSetReview: (learner) => { learner.dialogs += 1; },
+    assessmentStart: (learner, options) => learner.#startAssessment(options),
+    assessmentStop: (learner) => learner.#stopAssessment(),
+    disconnect: (learner) => learner.leave(),
+  }));
+
+  #ask(form, document) {
+    this.#drop();
+    this.questions += 1;
+    this.#open = { form, document };
+    const { answerAfter = 0 } = this.#settings;
+    if (answerAfter > 0) this.#timer = setTimeout(() => this.#answerDue(), answerAfter);
+    else this.#answerDue();
+  }
+
+  // A new question starts unpaused, as a new poll does.
+  #drop() {
+    clearTimeout(this.#timer);
+    this.#open = null;
+    this.#due = false;
+    this.#paused = false;
+  }
+
+  #resume() {
+    this.#paused = false;
+    if (this.#due) this.#answer();
+  }
+
+  #answerDue() {
+    this.#due = true;
+    if (!this.#paused) this.#answer();
+  }
+
+  #answer() {
+    const { form, document } = this.#open;
+    this.#drop();
+    const time = responseTime(seedOf(this.#index, document.id), this.#settings.answerAfter);
+    const sent = this.#publish(form.type, {
+      ...form.answer(document, this.#index),
+      responseTime: time,
+      studentAssessmentToken: this.#assessment?.token,
+    });
+    if (sent) this.answers += 1;
+    this.#nextAssessmentQuestion();
+  }
+
+  #startAssessment({ assessmentToken, questionCount = 1, startingQuestionNumber = 0 }) {
+    this.#assessment = { token: assessmentToken, count: questionCount, next: startingQuestionNumber || 1 };
+    this.#nextAssessmentQuestion();
+  }
+
+  #stopAssessment() {
+    this.#assessment = null;
+    this.#drop();
+  }
+
+  #nextAssessmentQuestion() {
+    const assessment = this.#assessment;
+    if (!assessment || assessment.next > assessment.count) return;
+    this.#publish('questionGet', { questionNumber: assessment.next, assessmentToken: assessment.token });
+    assessment.next += 1;
+  }
+}

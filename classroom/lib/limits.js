@@ -1,0 +1,46 @@
+// Every bound of the local classroom, in one place. Beyond a bound a request is refused, a frame is
+// answered with an error or the oldest entry makes room: nothing grows for as long as the process runs.
+
+const KIB = 1024;
+const MIB = 1024 * KIB;
+
+export const MAX_JSON_BODY = 1 * MIB;
+export const MAX_UPLOAD_BODY = 32 * MIB;
+// A body that is too large is still read (and thrown away) up to here, so that the sender gets to see
+// the refusal; whoever sends more than this loses the connection.
+export const MAX_DRAINED_BODY = 128 * MIB;
+
+export const MAX_FIELD_LENGTH = 1000;
+
+export const MAX_LOGINS = 10000;
+export const LOGIN_IDLE_MS = 30 * 60 * 1000;
+export const MAX_DEVICE_TOKENS = 1000;
+export const MAX_REGISTRATIONS = 1000;
+export const MAX_USERS_REGISTERED = 1000;
+
+export const MAX_SESSIONS = 100;
+export const MAX_USERS_PER_SESSION = 10000;
+
+export const MAX_STORED_UPLOADS = 1000;
+export const MAX_STORED_UPLOAD_BYTES = 256 * MIB;
+
+// An image card of 8 MB arrives as base64 of a compressed block that holds base64 already: some 14.3 MB.
+export const MAX_FRAME = 16 * MIB;
+export const MAX_ADDRESS_LENGTH = 200;
+export const MAX_ADDRESSES_PER_CONNECTION = 100;
+export const MAX_CONNECTIONS = 20000;
+export const MAX_PENDING_REPLIES = 10000;
+// What may wait for one slow device before it is cut off.
+export const MAX_QUEUED_MESSAGES = 1000;
+export const MAX_QUEUED_BYTES = 64 * MIB;
+
+export const MAX_WAITERS = 1000;
+export const WAIT_MS = 25000;
+
+// Learners: payloads kept decoded or encoded, and how many learners join at once.
+export const MAX_CACHED_PAYLOADS = 256;
+export const MAX_CACHED_CHARS = 64 * MIB;
+export const MAX_BLOCK_TEXT = 256 * MIB;
+export const JOINS_AT_ONCE = 50;
+export const OPEN_MS = 30000;
+export const REQUEST_MS = 60000;

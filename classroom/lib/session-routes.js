@@ -1,0 +1,64 @@
+// Sessions from their creation to their end, and who is in them.
+
+import { Refusal, success } from './envelope.js';
+import { requireSourceSystem, requireTexts } from './fields.js';
+import { ownAddress } from './http.js';
+import { MODES } from './sessions.js';
+
+function create({ classroom, user }) {
+  return success({ sessionCode: classroom.sessions.create(user).code });
+}
+
+function start({ classroom, body, user }) {
+  requireSourceSystem(body, 'session');
+  const [code, , version] = requireTexts(body, 'session', ['sessionCode', 'serverUrl', 'version']);
+  if (!/^3\./.test(version)) throw new Refusal(400, 'session.error.version');
+  const session = classroom.sessions.start(code, user);
+  return success({ sessionCode: session.code, sessionToken: session.token });
+}
+
+// Learners and the remote control are devices that only know the code; a presenter has logged in. Each is
+// given the address at which it has reached us, not the presenter's: that one may be a loopback address.
+function join({ classroom, body, user, request }) {
+  const names = ['userName', 'sessionCode', 'mode', 'deviceName', 'deviceType'];
+  const [userName, code, mode, deviceName, deviceType] = requireTexts(body, 'session', names);
+  if (!MODES.includes(mode)) throw new Refusal(400, 'session.error.mode');
+  if (mode === 'presenter' && user === undefined) throw new Refusal(403, 'login.error.required');
+  const session = classroom.sessions.byCode(code);
+  if (!session.started) throw new Refusal(409, 'session.error.notStarted');
+  const joined = session.join({ userName, mode, deviceName, deviceType });
+  return success({ userToken: joined.token, sessionToken: session.token, serverUrl: ownAddress(request) });
+}
+
+function getUsers({ classroom, body }) {
+  const [token] = requireTexts(body, 'session', ['sessionToken']);
+  const users = classroom.sessions.byToken(token).present();
+  return success({
+    users: users.map(({ token: userToken, userName, mode, deviceName, deviceType }) => (
+      { userToken, userName, mode, deviceName, deviceType })),
+  });
+}
+
+function stop({ classroom, body, user }) {
+  const [token] = requireTexts(body, 'session', ['sessionToken']);
+  classroom.sessions.stop(token, user);
+  return success();
+}
+
+export const sessionRoutes = [
+  { path: '/tavisto/session/create', login: true, handle: create },
+  {
+    path: '/tavisto/session/getcollabserverurl',
+    login: true,
+    handle: ({ request }) => success({ url: ownAddress(request) }),
+  },
+  {
+    path: '/tavisto/config/findTenantFeatureDetails',
+    login: true,
+    handle: ({ classroom }) => success({ sockJSProtocols: classroom.options.sockjsTransports }),
+  },
+  { path: '/tavisto/session/start', login: true, handle: start },
+  { path: '/tavisto/classroom/session/join', handle: join },
+  { path: '/tavisto/session/getusers', login: true, handle: getUsers },
+  { path: '/tavisto/session/stop', login: true, handle: stop },
+];

@@ -1,0 +1,119 @@
+import { randomInt, randomUUID } from 'node:crypto';
+import { EventEmitter } from 'node:events';
+import { Refusal } from './envelope.js';
+import { MAX_SESSIONS, MAX_USERS_PER_SESSION } from './limits.js';
+
+export const MODES = ['learner', 'presenter', 'controller'];
+
+/** One classroom session: known by its code from creation, by its token once started. */
+class Session {
+  token = null;
+  sequence = 0;
+  users = new Map();
+  // The bus connections that have registered one of the session's addresses; kept by the bus.
+  connections = new Set();
+
+  constructor(code, owner) {
+    this.code = code;
+    this.owner = owner;
+  }
+
+  get started() {
+    return this.token !== null;
+  }
+
+  present() {
+    return [...this.users.values()].filter((user) => !user.left);
+  }
+
+  join({ userName, mode, deviceName, deviceType }) {
+    if (this.users.size >= MAX_USERS_PER_SESSION) throw new Refusal(429, 'session.error.full');
+    const user = { token: randomUUID(), userName, mode, deviceName, deviceType, left: false };
+    this.users.set(user.token, user);
+    return user;
+  }
+
+  summary() {
+    const users = Object.fromEntries(MODES.map((mode) => [mode, 0]));
+    for (const { mode } of this.present()) users[mode] += 1;
+    return { code: this.code, started: this.started, sequence: this.sequence, users };
+  }
+}
+
+/** All live sessions. Emits "started" and "stopped", each with the session. */
+export class Sessions extends EventEmitter {
+  #byCode = new Map();
+  #byToken = new Map();
+  #sequence = 0;
+
+  constructor() {
+    super();
+    this.setMaxListeners(0);
+  }
+
+  create(owner) {
+    this.#makeRoom();
+    let code;
+    do code = String(randomInt(100000, 1000000)); while (this.#byCode.has(code));
+    const session = new Session(code, owner);
+    this.#byCode.set(code, session);
+    return session;
+  }
+
+  // A host that goes away leaves its session behind. The first to make room is one that was never
+  // started (nothing can stop such a one), then a started one that nobody is connected to.
+  #makeRoom() {
+    if (this.#byCode.size < MAX_SESSIONS) return;
+    const all = [...this.#byCode.values()];
+    const idle = all.find((session) => !session.started) ?? all.find((session) => session.connections.size === 0);
+    if (!idle) throw new Refusal(429, 'session.error.tooMany');
+    this.#remove(idle);
+  }
+
+  /** Starting a started session again gives the same token: a host may rejoin its own lesson. */
+  start(code, owner) {
+    const session = this.byCode(code);
+    if (session.owner !== owner) throw new Refusal(403, 'session.error.notOwner');
+    if (session.started) return session;
+    session.token = randomUUID();
+    session.sequence = ++this.#sequence;
+    this.#byToken.set(session.token, session);
+    this.emit('started', session);
+    return session;
+  }
+
+  stop(token, owner) {
+    const session = this.byToken(token);
+    if (session.owner !== owner) throw new Refusal(403, 'session.error.notOwner');
+    this.#remove(session);
+  }
+
+  #remove(session) {
+    this.#byCode.delete(session.code);
+    if (!session.started) return;
+    this.#byToken.delete(session.token);
+    this.emit('stopped', session);
+  }
+
+  byCode(code) {
+    const session = this.#byCode.get(code);
+    if (!session) throw new Refusal(404, 'session.error.unknownCode');
+    return session;
+  }
+
+  byToken(token) {
+    const session = this.#byToken.get(token);
+    if (!session) throw new Refusal(404, 'session.error.unknownSession');
+    return session;
+  }
+
+  /** The live session that a bus address belongs to: its token, or its token, a point and more. */
+  owning(address) {
+    const point = address.indexOf('.');
+    return this.#byToken.get(point < 0 ? address : address.slice(0, point));
+  }
+
+  list() {
+    return [...this.#byCode.values()].map((session) => session.summary());
+  }
+}

@@ -1,0 +1,66 @@
+#!/usr/bin/env node
+import { Classroom } from './lib/classroom.js';
+import {
+  UsageError, commaList, parseOptions, runProgram, untilSignalled, wholeNumber,
+} from './lib/command-line.js';
+
+const USAGE = `usage: node server.js [options]
+
+Runs the local classroom: the classroom service and its event bus, in memory.
+Prints "listening http://HOST:PORT" when it is ready; SIGINT or SIGTERM ends it.
+
+  --host HOST                the address to bind to (127.0.0.1)
+  --port PORT                the port; 0, the default, takes a free one
+  --user NAME:PASSWORD       one more account; may be given again
+  --gzip                     send the service's replies gzip-encoded
+  --sockjs-transports LIST   the tenant's transports, as the service names them
+                             (websocket,xhr-streaming,xhr-polling)
+  --disable-websocket        let the event bus refuse WebSockets
+  --quiet                    no line on stderr for each request
+  --help                     this text
+`;
+
+const OPTIONS = {
+  host: { type: 'string', default: '127.0.0.1' },
+  port: { type: 'string', default: '0' },
+  user: { type: 'string', multiple: true, default: [] },
+  gzip: { type: 'boolean', default: false },
+  'sockjs-transports': { type: 'string' },
+  'disable-websocket': { type: 'boolean', default: false },
+  quiet: { type: 'boolean', default: false },
+};
+
+function account(text) {
+  const match = /^([^:]+):(.+)$/.exec(text);
+  if (!match) throw new UsageError(`--user takes NAME:PASSWORD, not "${text}"`);
+  return { userId: match[1], password: match[2] };
+}
+
+function read(args) {
+  const values = parseOptions(args, OPTIONS);
+  const transports = values['sockjs-transports'];
+  return {
+    help: values.help,
+    host: values.host,
+    port: wholeNumber('port', values.port, 0, 65535),
+    classroom: {
+      users: values.user.map(account),
+      gzip: values.gzip,
+      websocket: !values['disable-websocket'],
+      ...(transports === undefined ? {} : { sockjsTransports: commaList(transports) }),
+      ...(values.quiet ? {} : { log: (line) => process.stderr.write(`${line}\n`) }),
+    },
+  };
+}
+
+async function run({ host, port, classroom: options }) {
+  const signalled = untilSignalled();
+  const classroom = new Classroom(options);
+  process.stdout.write(`listening ${await classroom.listen(host, port)}\n`);
+  await signalled;
+  await classroom.close();
+  // Timers of closed bus connections would keep the process for seconds more.
+  process.exit(0);
+}
+
+await runProgram(USAGE, read, run);
