@@ -1,0 +1,15 @@
+# Public headers: <CalyxClient/Name> for every public class, value type and enum namespace, and
+# <CalyxClient/folder/Name.h>, both in the build tree and where the library is installed.
+
+# calyxclient_forward(<target> <header below src, without .h> <name>...)
+function(calyxclient_forward target header)
+    get_filename_component(folder "${header}" DIRECTORY)
+    set(root "${PROJECT_BINARY_DIR}/include/CalyxClient")
+    foreach(name IN LISTS ARGN)
+        file(CONFIGURE OUTPUT "${root}/${name}" CONTENT "#include \"@header@.h\"\n" @ONLY)
+        install(FILES "${root}/${name}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/CalyxClient" COMPONENT Development)
+    endforeach()
+    file(CONFIGURE OUTPUT "${root}/${header}.h" CONTENT "#include \"@header@.h\"\n" @ONLY)
+    install(FILES "${PROJECT_SOURCE_DIR}/src/${header}.h"
+        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/CalyxClient/${folder}" COMPONENT Development)
+endfunction()

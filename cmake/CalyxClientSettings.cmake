@@ -1,0 +1,38 @@
+# What every target of ours is built with.
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+endif()
+
+option(CALYXCLIENT_WARNINGS "Build our own code with many warnings" OFF)
+option(CALYXCLIENT_WERROR "Treat warnings in our own code as errors" OFF)
+
+find_program(CALYXCLIENT_CCACHE ccache)
+mark_as_advanced(CALYXCLIENT_CCACHE)
+if(CALYXCLIENT_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_C_COMPILER_LAUNCHER "${CALYXCLIENT_CCACHE}")
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CALYXCLIENT_CCACHE}")
+endif()
+
+# Settings of one target of ours: language level, moc, warnings, sanitizers.
+function(calyxclient_settings target)
+    set_target_properties(${target} PROPERTIES
+        AUTOMOC ON
+        CXX_STANDARD 17
+        CXX_STANDARD_REQUIRED ON
+        CXX_EXTENSIONS OFF)
+    target_compile_definitions(${target} PRIVATE
+        QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING QT_STRICT_ITERATORS)
+    if(CALYXCLIENT_WARNINGS)
+        target_compile_options(${target} PRIVATE
+            $<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wshadow;-Wconversion;-Wnon-virtual-dtor>)
+    endif()
+    if(CALYXCLIENT_WERROR)
+        target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-Werror>)
+    endif()
+    if(CALYXCLIENT_SANITIZERS)
+        target_compile_options(${target} PRIVATE
+            -fsanitize=${CALYXCLIENT_SANITIZERS} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+        target_link_options(${target} PRIVATE -fsanitize=${CALYXCLIENT_SANITIZERS})
+    endif()
+endfunction()

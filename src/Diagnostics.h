@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QLoggingCategory>
+
+// For qCDebug(diagnostics): the default category, so that the messages are those of a plain qDebug(), but
+// no text is built while the category is off.
+inline const QLoggingCategory& diagnostics()
+{
+    return *QLoggingCategory::defaultCategory();
+}

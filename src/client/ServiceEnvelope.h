@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+#include <QVariant>
+
+/// Reads the JSON envelope of the service's replies.
+namespace ServiceEnvelope {
+
+/// The body as a map; empty when it is no JSON or no object.
+QVariantMap parse(const QString& body);
+/// The same; \p ok tells whether the body is JSON at all.
+QVariantMap parse(const QString& body, bool* ok);
+/// The map under "data"; empty when there is none.
+QVariantMap data(const QVariantMap& envelope);
+
+} // namespace ServiceEnvelope

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "calyxclient_export.h"
+
+#include <QObject>
+#include <QString>
+
+namespace Calyx {
+
+/// One answer option of a question.
+class CALYXCLIENT_EXPORT ActivityOption : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString id READ id WRITE setID)
+    Q_PROPERTY(QString optionText READ optionText WRITE setoptionText)
+    Q_PROPERTY(int displaySeqNumber READ displaySeqNumber WRITE setdisplaySeqNumber)
+    Q_PROPERTY(bool math READ math WRITE setmath)
+
+public:
+    explicit ActivityOption(QObject* parent = nullptr);
+
+    /// What an answer names it by, for example "A".
+    QString id() const { return m_id; }
+    QString optionText() const { return m_optionText; }
+    /// Position among the options, from 1.
+    int displaySeqNumber() const { return m_displaySeqNumber; }
+    /// Whether the text holds LaTeX.
+    bool math() const { return m_math; }
+
+public Q_SLOTS:
+    void setID(QString value);
+    void setoptionText(QString optionText);
+    void setdisplaySeqNumber(int displaySeqNumber);
+    void setmath(bool math);
+
+private:
+    QString m_id = QStringLiteral("");
+    QString m_optionText = QStringLiteral("");
+    int m_displaySeqNumber = 0;
+    bool m_math = false;
+};
+
+} // namespace Calyx

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "calyxclient_export.h"
+#include "model/QuestionFeedback.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QVariant>
+
+namespace Calyx {
+
+/// What every question has. JsonSerializer writes its properties.
+///
+/// Setters store the value unchanged. Objects handed to setfeedBack() and setcard() are not taken over; those
+/// that the constructor made stay children of the question until it goes.
+class CALYXCLIENT_EXPORT QuestionBase : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString id READ id WRITE setID)
+    Q_PROPERTY(QString questionSetMode READ questionSetMode WRITE setquestionSetMode)
+    Q_PROPERTY(int questionNumber READ questionNumber WRITE setquestionNumber)
+    Q_PROPERTY(QString type READ getType WRITE setType)
+    Q_PROPERTY(QVariantMap activityType READ activityType WRITE setactivityType)
+    Q_PROPERTY(QObject* feedBack READ feedBack WRITE setfeedBack)
+    Q_PROPERTY(QString instructions READ instructions WRITE setinstructions)
+    Q_PROPERTY(QString passage READ passage WRITE setpassage)
+    Q_PROPERTY(QObject* card READ card WRITE setcard)
+    Q_PROPERTY(QString hint READ hint WRITE sethint)
+    Q_PROPERTY(bool math READ math WRITE setmath)
+    Q_PROPERTY(bool hasNext READ hasNext WRITE sethasNext)
+    Q_PROPERTY(bool navigable READ navigable WRITE setnavigable)
+
+public:
+    explicit QuestionBase(QObject* parent = nullptr);
+
+    /// The id under which answers come back: 8 letters and digits, the same for questions made within one
+    /// second.
+    QString id() const { return m_id; }
+    /// "Poll", or "Assessment" for a question of an assessment.
+    QString questionSetMode() const { return m_questionSetMode; }
+    /// Number within an assessment.
+    int questionNumber() const { return m_questionNumber; }
+    /// Same as getType().
+    QString type() const { return getType(); }
+    /// "id" and "name" of the kind of activity; filled in when the question is sent.
+    QVariantMap activityType() const { return m_activityType; }
+    /// A QuestionFeedback unless another object was set; null once that has been deleted.
+    QObject* feedBack() const { return m_feedBack; }
+    QString instructions() const { return m_instructions; }
+    QString passage() const { return m_passage; }
+    /// A Card, or an object without properties, which is written as an empty object.
+    QObject* card() const { return m_card; }
+    QString hint() const { return m_hint; }
+    /// Whether the texts hold LaTeX.
+    bool math() const { return m_math; }
+    bool hasNext() const { return m_hasNext; }
+    bool navigable() const { return m_navigable; }
+
+    /// Tells the learner's device that the question was answered before.
+    void configurePriorAnswer();
+
+public Q_SLOTS:
+    /// The name of the question's kind, as in PollType::POLL_TYPE_STR(); here what setType() stored.
+    virtual QString getType() const;
+    /// Guesses the labelling scheme from the options; nothing to do without options.
+    virtual void inferOrdinalType();
+    /// Sets the answer that the learner gave before.
+    virtual void setPriorAnswer(QString answer);
+
+    void setID(QString value);
+    void setquestionSetMode(QString questionSetMode);
+    void setquestionNumber(int questionNumber);
+    void setType(QString type);
+    void setactivityType(QVariantMap activityType);
+    void setfeedBack(QObject* feedBack);
+    void setfeedBack(Calyx::QuestionFeedback* feedBack);
+    void setinstructions(QString instructions);
+    void setpassage(QString passage);
+    void setcard(QObject* card);
+    void sethint(QString hint);
+    void setmath(bool math);
+    void sethasNext(bool hasNext);
+    void setnavigable(bool navigable);
+
+protected:
+    /// Sets \p value as property \p name of the feedback object, whatever its class; dropped when there is
+    /// none.
+    void setFeedBackProperty(const char* name, const QVariant& value);
+
+private:
+    QString m_id;
+    QString m_questionSetMode = QStringLiteral("Poll");
+    int m_questionNumber = 0;
+    QString m_type = QStringLiteral("");
+    QVariantMap m_activityType;
+    QPointer<QObject> m_feedBack;
+    QString m_instructions = QStringLiteral("");
+    QString m_passage = QStringLiteral("");
+    QPointer<QObject> m_card;
+    QString m_hint = QStringLiteral("");
+    bool m_math = false;
+    bool m_hasNext = false;
+    bool m_navigable = false;
+};
+
+} // namespace Calyx

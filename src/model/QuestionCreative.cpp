@@ -1,0 +1,12 @@
+#include "model/QuestionCreative.h"
+
+namespace Calyx {
+
+QuestionCreative::QuestionCreative(QObject* parent) : QuestionBaseWithOptions(parent) {}
+
+QString QuestionCreative::getType() const
+{
+    return QStringLiteral("creative");
+}
+
+} // namespace Calyx

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "calyxclient_export.h"
+#include "model/QuestionBaseWithOptions.h"
+
+namespace Calyx {
+
+/// A drawing or other free work.
+class CALYXCLIENT_EXPORT QuestionCreative : public QuestionBaseWithOptions
+{
+    Q_OBJECT
+
+public:
+    explicit QuestionCreative(QObject* parent = nullptr);
+
+    QString getType() const override;
+};
+
+} // namespace Calyx

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "calyxclient_export.h"
+
+#include <QObject>
+#include <QVariant>
+
+namespace Calyx {
+
+/// Answer and feedback state of a question.
+class CALYXCLIENT_EXPORT QuestionFeedback : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool showFeedback READ showFeedback WRITE setshowFeedback)
+    Q_PROPERTY(bool showCorrectAnswer READ showCorrectAnswer WRITE setshowCorrectAnswer)
+    Q_PROPERTY(QVariant correctAnswer READ correctAnswer WRITE setcorrectAnswer)
+    Q_PROPERTY(QVariant activityScoreStatus READ activityScoreStatus WRITE setactivityScoreStatus)
+    Q_PROPERTY(QVariant activityResponseStatus READ activityResponseStatus WRITE setactivityResponseStatus)
+    Q_PROPERTY(QVariantList correctOptions READ correctOptions WRITE setcorrectOptions)
+    Q_PROPERTY(bool allowResubmit READ allowResubmit WRITE setallowResubmit)
+    Q_PROPERTY(QVariant correctFeedback READ correctFeedback WRITE setcorrectFeedback)
+    Q_PROPERTY(QVariant inCorrectFeedback READ inCorrectFeedback WRITE setinCorrectFeedback)
+    Q_PROPERTY(QVariant answer READ answer WRITE setanswer)
+    Q_PROPERTY(QVariant jsonAnswer READ jsonAnswer WRITE setjsonAnswer)
+    Q_PROPERTY(QVariantList optionAnswers READ optionAnswers WRITE setoptionAnswers)
+    Q_PROPERTY(QVariantList optionFeedbacks READ optionFeedbacks WRITE setoptionFeedbacks)
+    Q_PROPERTY(int numberOfRetries READ numberOfRetries WRITE setnumberOfRetries)
+    Q_PROPERTY(int numberOfRetriesRemaining READ numberOfRetriesRemaining WRITE setnumberOfRetriesRemaining)
+    Q_PROPERTY(QVariant remainingTime READ remainingTime WRITE setremainingTime)
+
+public:
+    explicit QuestionFeedback(QObject* parent = nullptr);
+
+    bool showFeedback() const { return m_showFeedback; }
+    bool showCorrectAnswer() const { return m_showCorrectAnswer; }
+    QVariant correctAnswer() const { return m_correctAnswer; }
+    QVariant activityScoreStatus() const { return m_activityScoreStatus; }
+    QVariant activityResponseStatus() const { return m_activityResponseStatus; }
+    QVariantList correctOptions() const { return m_correctOptions; }
+    /// Learners may resubmit unless told otherwise.
+    bool allowResubmit() const { return m_allowResubmit; }
+    QVariant correctFeedback() const { return m_correctFeedback; }
+    QVariant inCorrectFeedback() const { return m_inCorrectFeedback; }
+    QVariant answer() const { return m_answer; }
+    QVariant jsonAnswer() const { return m_jsonAnswer; }
+    /// The options answered before: maps that hold "activityOptionId".
+    QVariantList optionAnswers() const { return m_optionAnswers; }
+    QVariantList optionFeedbacks() const { return m_optionFeedbacks; }
+    int numberOfRetries() const { return m_numberOfRetries; }
+    /// 99 tells the device that the question was answered before.
+    int numberOfRetriesRemaining() const { return m_numberOfRetriesRemaining; }
+    QVariant remainingTime() const { return m_remainingTime; }
+
+public Q_SLOTS:
+    void setshowFeedback(bool showFeedback);
+    void setshowCorrectAnswer(bool showCorrectAnswer);
+    void setcorrectAnswer(QVariant correctAnswer);
+    void setactivityScoreStatus(QVariant activityScoreStatus);
+    void setactivityResponseStatus(QVariant activityResponseStatus);
+    void setcorrectOptions(QVariantList correctOptions);
+    void setallowResubmit(bool allowResubmit);
+    void setcorrectFeedback(QVariant correctFeedback);
+    void setinCorrectFeedback(QVariant inCorrectFeedback);
+    void setanswer(QVariant answer);
+    void setjsonAnswer(QVariant jsonAnswer);
+    void setoptionAnswers(QVariantList optionAnswers);
+    void setoptionFeedbacks(QVariantList optionFeedbacks);
+    void setnumberOfRetries(int numberOfRetries);
+    void setnumberOfRetriesRemaining(int numberOfRetriesRemaining);
+    void setremainingTime(QVariant remainingTime);
+
+private:
+    bool m_showFeedback = false;
+    bool m_showCorrectAnswer = false;
+    QVariant m_correctAnswer;
+    QVariant m_activityScoreStatus;
+    QVariant m_activityResponseStatus;
+    QVariantList m_correctOptions;
+    bool m_allowResubmit = true;
+    QVariant m_correctFeedback;
+    QVariant m_inCorrectFeedback;
+    QVariant m_answer;
+    QVariant m_jsonAnswer;
+    QVariantList m_optionAnswers;
+    QVariantList m_optionFeedbacks;
+    int m_numberOfRetries = 0;
+    int m_numberOfRetriesRemaining = 0;
+    QVariant m_remainingTime;
+};
+
+} // namespace Calyx

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "calyxclient_export.h"
+
+#include <QObject>
+#include <QString>
+#include <QVariant>
+
+namespace Calyx {
+
+/// How the options of a question are labelled.
+class CALYXCLIENT_EXPORT QuestionMetadata : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString ordinalType READ ordinalType WRITE setordinalType)
+    Q_PROPERTY(QVariantList options READ options WRITE setoptions)
+
+public:
+    explicit QuestionMetadata(QObject* parent = nullptr);
+
+    /// The name of the scheme, as in OrdinalType::ORDINAL_TYPE_STR().
+    QString ordinalType() const { return m_ordinalType; }
+    /// The indices of the options, from 0; empty when the scheme was only inferred.
+    QVariantList options() const { return m_options; }
+
+public Q_SLOTS:
+    void setordinalType(QString ordinalType);
+    void setoptions(QVariantList options);
+
+private:
+    QString m_ordinalType = QStringLiteral("");
+    QVariantList m_options;
+};
+
+} // namespace Calyx

@@ -1,0 +1,17 @@
+#include "model/QuestionNumeric.h"
+
+namespace Calyx {
+
+QuestionNumeric::QuestionNumeric(QObject* parent) : QuestionBase(parent) {}
+
+QString QuestionNumeric::getType() const
+{
+    return QStringLiteral("number");
+}
+
+void QuestionNumeric::setnoOfDecimals(int noOfDecimals)
+{
+    m_noOfDecimals = noOfDecimals;
+}
+
+} // namespace Calyx

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "calyxclient_export.h"
+#include "model/QuestionBaseWithOptions.h"
+
+namespace Calyx {
+
+/// Options to be brought into order.
+class CALYXCLIENT_EXPORT QuestionSort : public QuestionBaseWithOptions
+{
+    Q_OBJECT
+
+public:
+    explicit QuestionSort(QObject* parent = nullptr);
+
+    QString getType() const override;
+
+public Q_SLOTS:
+    /// Takes each character of \p answer for the id of one option, in order.
+    void setPriorAnswer(QString answer) override;
+};
+
+} // namespace Calyx

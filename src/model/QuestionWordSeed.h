@@ -1,0 +1,19 @@
+#pragma once
+
+#include "calyxclient_export.h"
+#include "model/QuestionBase.h"
+
+namespace Calyx {
+
+/// Single words, collected.
+class CALYXCLIENT_EXPORT QuestionWordSeed : public QuestionBase
+{
+    Q_OBJECT
+
+public:
+    explicit QuestionWordSeed(QObject* parent = nullptr);
+
+    QString getType() const override;
+};
+
+} // namespace Calyx

@@ -1,0 +1,421 @@
+#include "transport/SockJSConnector.h"
+
+#include "Diagnostics.h"
+#include "transport/QSystemConfigurationProxyFactory.h"
+#include "transport/RANDSTRING.h"
+#include "transport/SockJSXHRPolling.h"
+#include "transport/WebSocketRelease.h"
+
+#include <QEventLoop>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QWebSocket>
+
+namespace {
+
+constexpr int sessionIdLength = 8;
+constexpr int inactivityInterval = 1800000; // ms
+constexpr int inactivityLimit = 3601;       // s
+
+QString jsonText(const QJsonDocument& document)
+{
+    return QString::fromUtf8(document.toJson().constData());
+}
+
+// One outbound message as a SockJS frame: an indented array of one string. The servers get it as it is.
+QString frameOf(const QString& message)
+{
+    QString frame = jsonText(QJsonDocument(QJsonArray{message}));
+    frame.replace(QLatin1String("[ "), QLatin1String("["));
+    frame.replace(QLatin1String(" ]"), QLatin1String("]"));
+    return frame;
+}
+
+QVariantList messagesIn(const QString& frame)
+{
+    return QJsonDocument::fromJson(frame.mid(1).toUtf8()).toVariant().toList();
+}
+
+} // namespace
+
+SockJSConnector::SockJSConnector(QObject* parent) : QObject(parent)
+{
+    m_openLimitTimer.setSingleShot(true);
+    connect(&m_openLimitTimer, &QTimer::timeout, this, &SockJSConnector::onOpenLimit);
+}
+
+SockJSConnector::~SockJSConnector()
+{
+    endAttempt();
+    dropTransports();
+}
+
+QMap<SockJSConnector::PROTOCOL_TYPE, QString> SockJSConnector::PROTOCOL_TYPE_STR()
+{
+    return {{WEBSOCKET, QStringLiteral("websocket")},
+            {XHR_POLLING, QStringLiteral("xhr-polling")},
+            {XHR_STREAMING, QStringLiteral("xhr-streaming")}};
+}
+
+QList<SockJSConnector::PROTOCOL_TYPE> SockJSConnector::GetDefaultProtocols()
+{
+    return PROTOCOL_TYPE_STR().keys();
+}
+
+QList<SockJSConnector::PROTOCOL_TYPE> SockJSConnector::GetProtocolsFromStrings(QStringList names)
+{
+    const QMap<PROTOCOL_TYPE, QString> table = PROTOCOL_TYPE_STR();
+    QList<PROTOCOL_TYPE> protocols;
+    for (const QString& name : qAsConst(names))
+        protocols.append(table.keys(name));
+    if (protocols.isEmpty()) {
+        qCDebug(diagnostics) << "[SockJSConnector] No protocols specified. Using defaults.";
+        return GetDefaultProtocols();
+    }
+    return protocols;
+}
+
+bool SockJSConnector::open(QUrl url, QList<PROTOCOL_TYPE> protocols)
+{
+    const QPointer<SockJSConnector> self(this);
+    endAttempt();
+    const int attempt = m_attempt;
+    // The end of the connection before belongs before anything of the new one. It must not open a fallback
+    // any more.
+    m_closing = true;
+    if (m_endPending)
+        onClosed();
+    if (!self || m_attempt != attempt)
+        return false;
+    dropTransports();
+    m_sessionOpen = false;
+
+    m_lastActivity = QDateTime::currentDateTimeUtc();
+    m_closedForInactivity = false;
+    startInactivityTimer();
+    m_closing = false;
+    readUrl(url);
+    m_protocolIndex = 0;
+    m_protocols = protocols;
+    makeSessionId();
+    tryRemainingProtocols();
+    return false;
+}
+
+void SockJSConnector::startInactivityTimer()
+{
+    if (m_inactivityTimer)
+        return;
+    m_inactivityTimer = new QTimer(this);
+    connect(m_inactivityTimer, SIGNAL(timeout()), this, SLOT(onTimeout()));
+    m_inactivityTimer->start(inactivityInterval);
+}
+
+void SockJSConnector::readUrl(const QUrl& url)
+{
+    constexpr int httpPort = 80;
+    constexpr int httpsPort = 443;
+    m_secure = url.scheme() == QLatin1String("wss") || url.scheme() == QLatin1String("https");
+    m_port = url.port(m_secure ? httpsPort : httpPort);
+    m_host = url.host(QUrl::FullyDecoded);
+    m_path = url.path(QUrl::FullyDecoded);
+    if (m_path.endsWith(QLatin1Char('/')))
+        m_path.chop(1);
+}
+
+void SockJSConnector::makeSessionId()
+{
+    m_sessionId = RANDSTRING::Generate(sessionIdLength);
+    if (!m_recentSessionIds.contains(m_sessionId))
+        m_recentSessionIds.clear();
+    for (int length = 2 * sessionIdLength; m_recentSessionIds.contains(m_sessionId);
+         length += sessionIdLength)
+        m_sessionId = RANDSTRING::Generate(length).right(sessionIdLength);
+    m_recentSessionIds.append(m_sessionId);
+}
+
+QString SockJSConnector::basePath() const
+{
+    return m_path + QStringLiteral("/eventbus/119/") + m_sessionId;
+}
+
+QUrl SockJSConnector::webSocketUrl() const
+{
+    const QString scheme = m_secure ? QStringLiteral("wss://") : QStringLiteral("ws://");
+    const QString host =
+        m_host.contains(QLatin1Char(':')) ? QLatin1Char('[') + m_host + QLatin1Char(']') : m_host;
+    return QUrl(scheme + host + QLatin1Char(':') + QString::number(m_port) + basePath() +
+                QStringLiteral("/websocket"));
+}
+
+void SockJSConnector::tryRemainingProtocols()
+{
+    const QPointer<SockJSConnector> self(this);
+    const int attempt = m_attempt;
+    while (self && m_attempt == attempt && m_protocolIndex < m_protocols.size()) {
+        if (tryNextProtocol())
+            return;
+    }
+}
+
+bool SockJSConnector::tryNextProtocol()
+{
+    const int index = m_protocolIndex++;
+    const int protocol = index < m_protocols.size() ? m_protocols.at(index) : 0;
+    switch (protocol) {
+    case WEBSOCKET:
+        return openWebsocket();
+    case XHR_STREAMING:
+        return openXHRPolling(true);
+    case XHR_POLLING:
+        return openXHRPolling(false);
+    default:
+        qCDebug(diagnostics) << "[SockJSConnector] No more protocols found!";
+        return false;
+    }
+}
+
+bool SockJSConnector::openWebsocket()
+{
+    const QString proxy = QSystemConfigurationProxyFactory::getProxyString();
+    if (!proxy.isEmpty())
+        QSystemConfigurationProxyFactory::exportToEnvironment(proxy);
+    const QUrl url = webSocketUrl();
+    qCDebug(diagnostics) << "[SockJSConnector] Websocket url =" << url.toString();
+
+    m_openState = Pending;
+    m_upgraded = false;
+    m_webSocket = new QWebSocket(QString(), QWebSocketProtocol::Version13);
+    m_webSocket->setProxy(QSystemConfigurationProxyFactory::getPrimaryProxy());
+    connect(m_webSocket, SIGNAL(connected()), this, SLOT(openstate1()));
+    connect(m_webSocket, SIGNAL(disconnected()), this, SLOT(openstate2()));
+    // A refused upgrade is reported as an error only, never as `disconnected`.
+    connect(m_webSocket, SIGNAL(error(QAbstractSocket::SocketError)), this, SLOT(openstate2()));
+    // Heard from now on: the first frame can come in one packet with the upgrade.
+    connect(m_webSocket, SIGNAL(textMessageReceived(QString)), this, SLOT(onTextMessageReceived(QString)));
+    startOpenLimit();
+    m_webSocket->open(url);
+    if (!waitForWebSocket())
+        return false;
+
+    disconnect(m_webSocket); // our own signals; the state is watched on
+    qCDebug(diagnostics) << "[SockJSConnector] CONNECTED via Websocket";
+    if (m_openState == Connected)
+        connect(m_webSocket, SIGNAL(disconnected()), this, SLOT(onClosed()));
+    else // ended again while we were waking up
+        queueEnd();
+    return true;
+}
+
+// True once the socket is upgraded. False otherwise, the socket released; also when the attempt is over or we
+// are gone.
+bool SockJSConnector::waitForWebSocket()
+{
+    const QPointer<SockJSConnector> self(this);
+    const int attempt = m_attempt;
+    bool interrupted = false;
+    if (m_openState == Pending) {
+        QEventLoop loop;
+        m_openWait = &loop;
+        loop.exec();
+        // Not by us: the application is quitting, and nothing will be waited for any more.
+        interrupted = self && m_attempt == attempt && m_openState == Pending;
+    }
+    if (!self || m_attempt != attempt)
+        return false;
+    if (m_upgraded)
+        return true;
+    if (interrupted)
+        endAttempt();
+    dropWebSocket();
+    return false;
+}
+
+bool SockJSConnector::openXHRPolling(bool streaming)
+{
+    m_xhr = new SockJSXHRPolling(this);
+    startOpenLimit();
+    if (!m_xhr->start(m_host, m_port, m_secure, basePath(), streaming)) {
+        m_xhr->retire();
+        m_xhr = nullptr;
+        return false;
+    }
+    qCDebug(diagnostics).noquote() << "[SockJSConnector] CONNECTED via xhr_" +
+                                          QString(QLatin1String(streaming ? "streaming" : "polling"));
+    connect(m_xhr, SIGNAL(textMessageReceived(QString)), this, SLOT(onTextMessageReceived(QString)));
+    connect(m_xhr, SIGNAL(connectionClosed()), this, SLOT(onClosed()));
+    return true;
+}
+
+void SockJSConnector::setOpenLimit(int msecs)
+{
+    m_openLimit = msecs;
+}
+
+void SockJSConnector::startOpenLimit()
+{
+    if (m_openLimit > 0)
+        m_openLimitTimer.start(m_openLimit);
+    else
+        m_openLimitTimer.stop();
+}
+
+void SockJSConnector::onOpenLimit()
+{
+    if (m_sessionOpen)
+        return;
+    if (m_openWait) { // open() goes on with the next transport
+        m_openState = Disconnected;
+        m_upgraded = false;
+        m_openWait->quit();
+        return;
+    }
+    dropTransports();
+    tryRemainingProtocols();
+}
+
+void SockJSConnector::openstate1()
+{
+    m_openState = Connected;
+    m_upgraded = true;
+    if (m_openWait)
+        m_openWait->quit();
+}
+
+void SockJSConnector::openstate2()
+{
+    m_openState = Disconnected;
+    if (m_openWait)
+        m_openWait->quit();
+}
+
+void SockJSConnector::onConnected()
+{
+    qCDebug(diagnostics) << "[SockJSConnector] Websocket connected";
+    m_sessionOpen = true;
+    Q_EMIT connected();
+}
+
+void SockJSConnector::onTextMessageReceived(QString message)
+{
+    if (message == QLatin1String("o") && !m_sessionOpen) {
+        m_openLimitTimer.stop();
+        m_sessionOpen = true;
+        Q_EMIT connected();
+        return;
+    }
+    if (!message.startsWith(QLatin1Char('a')))
+        return;
+    const QPointer<SockJSConnector> self(this);
+    const QVariantList messages = messagesIn(message);
+    for (const QVariant& element : messages) {
+        Q_EMIT sockJSMessage(element.toString());
+        if (!self)
+            return;
+    }
+}
+
+void SockJSConnector::sendMessage(QString message, bool bSkipActivity)
+{
+    const QString frame = frameOf(message);
+    if (!bSkipActivity)
+        m_lastActivity = QDateTime::currentDateTimeUtc();
+    if (m_webSocket)
+        m_webSocket->sendTextMessage(frame);
+    else if (m_xhr)
+        m_xhr->sendTextMessage(frame);
+}
+
+void SockJSConnector::sendMessage(QMap<QString, QVariant> message)
+{
+    sendMessage(jsonText(QJsonDocument::fromVariant(message)), false);
+}
+
+void SockJSConnector::onTimeout()
+{
+    if (m_lastActivity.secsTo(QDateTime::currentDateTimeUtc()) < inactivityLimit || !m_sessionOpen)
+        return;
+    m_closedForInactivity = true;
+    m_inactivityTimer->stop();
+    shutDown();
+}
+
+void SockJSConnector::close()
+{
+    shutDown();
+}
+
+// Closes what is open; the end of a connection that was up is told from the event loop.
+void SockJSConnector::shutDown()
+{
+    const bool wasUp = isTransportUp();
+    endAttempt();
+    m_closing = true;
+    m_sessionOpen = false;
+    dropTransports();
+    if (!wasUp)
+        return;
+    queueEnd();
+}
+
+// The end of the connection will be handled from the event loop, or at the start of the next open().
+void SockJSConnector::queueEnd()
+{
+    m_endPending = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (m_endPending)
+                onClosed();
+        },
+        Qt::QueuedConnection);
+}
+
+void SockJSConnector::onClosed()
+{
+    qCDebug(diagnostics) << "[SockJSConnector] Websocket CLOSED";
+    m_endPending = false;
+    if (!m_sessionOpen && !m_closing && m_webSocket) {
+        dropWebSocket();
+        if (openXHRPolling(false)) {
+            qCDebug(diagnostics) << "[SockJSConnector] Fallback to XHR_Polling";
+            return;
+        }
+    }
+    m_sessionOpen = false;
+    dropTransports();
+    Q_EMIT closed(m_closedForInactivity);
+}
+
+bool SockJSConnector::isTransportUp() const
+{
+    return m_xhr || (m_webSocket && m_upgraded);
+}
+
+// Whatever open() is still waiting for is over.
+void SockJSConnector::endAttempt()
+{
+    ++m_attempt;
+    if (m_openWait)
+        m_openWait->quit();
+    m_openWait = nullptr;
+}
+
+void SockJSConnector::dropTransports()
+{
+    m_openLimitTimer.stop();
+    dropWebSocket();
+    if (SockJSXHRPolling* xhr = m_xhr) {
+        m_xhr = nullptr;
+        xhr->disconnect(this);
+        xhr->retire();
+    }
+}
+
+void SockJSConnector::dropWebSocket()
+{
+    if (QWebSocket* socket = m_webSocket) {
+        m_webSocket = nullptr;
+        releaseWebSocket(socket);
+    }
+}

@@ -1,0 +1,149 @@
+#pragma once
+
+#include "calyxclient_export.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QMap>
+#include <QObject>
+#include <QPointer>
+#include <QStringList>
+#include <QTimer>
+#include <QUrl>
+#include <QVariant>
+
+class QEventLoop;
+class QWebSocket;
+class SockJSXHRPolling;
+
+/// The client end of a SockJS connection: picks a transport from an ordered list, takes inbound frames apart
+/// and wraps outbound messages.
+///
+/// Lives on the thread that created it. Any operation, close() and deletion included, may be called from any
+/// slot connected to its signals.
+class CALYXCLIENT_EXPORT SockJSConnector : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The transports. The values can be combined as bits; 0 is none of them.
+    enum PROTOCOL_TYPE {
+        WEBSOCKET = 1,     ///< "websocket"
+        XHR_STREAMING = 2, ///< "xhr-streaming"
+        XHR_POLLING = 4    ///< "xhr-polling"
+    };
+    Q_ENUM(PROTOCOL_TYPE)
+
+    explicit SockJSConnector(QObject* parent = nullptr);
+    /// Gives every socket and thread back and emits nothing. Messages that were sent still go out.
+    ~SockJSConnector() override;
+
+    /// Each transport with the name that services and hosts use for it.
+    static QMap<PROTOCOL_TYPE, QString> PROTOCOL_TYPE_STR();
+    /// WebSocket, XHR streaming, XHR polling, in this order.
+    static QList<PROTOCOL_TYPE> GetDefaultProtocols();
+    /// The transports named in \p names, in that order, duplicates kept, unknown names (case counts) left
+    /// out; the default list when nothing is left.
+    static QList<PROTOCOL_TYPE> GetProtocolsFromStrings(QStringList names);
+
+    /// Opens a new session at \p url (ws, wss, http or https; the port defaults to 80 or 443), trying \p
+    /// protocols in order until the first that opens.
+    ///
+    /// Blocks until a transport is up or all have failed: a WebSocket for as long as its server takes, in a
+    /// nested event loop that processes everything; an XHR transport for up to 30 seconds, without events.
+    /// Always returns false: success is told by connected(), and that all transports failed by nothing. A
+    /// connection that is open is closed first.
+    bool open(QUrl url, QList<PROTOCOL_TYPE> protocols);
+
+    /// Closes the connection. On an open one closed(false) follows, once, from the event loop.
+    void close();
+
+    /// Sends \p message as one SockJS frame; dropped without a word when no transport is up. Unless
+    /// \p bSkipActivity is set, the connection counts as used at this time.
+    void sendMessage(QString message, bool bSkipActivity);
+    /// Sends \p message as JSON text, as sendMessage(text, false).
+    void sendMessage(QMap<QString, QVariant> message);
+
+    /// Whether the SockJS session is open: its open frame has come and its end has not.
+    bool isConnected() const { return m_sessionOpen; }
+    /// The id of the session last opened, 8 characters; null before the first open().
+    QString sessionId() const { return m_sessionId; }
+
+    /// Milliseconds that a transport may take from its start to its open frame. One that takes longer is
+    /// given up without closed(), and the next of the list is tried. 0, the default, sets no limit. Counts
+    /// from the next open().
+    void setOpenLimit(int msecs);
+    int openLimit() const { return m_openLimit; }
+
+Q_SIGNALS:
+    /// The session is open.
+    void connected();
+    /// One message of the session, decoded from its frame.
+    void sockJSMessage(QString message);
+    /// Declared for hosts that connect to it; never emitted.
+    void error(int errorCode);
+    /// The connection has ended. \p bClosedForInactivity: because nothing but pings was sent for over an
+    /// hour.
+    void closed(bool bClosedForInactivity);
+
+protected Q_SLOTS:
+    void onConnected();
+    void onClosed();
+    void onTextMessageReceived(QString message);
+    void onTimeout();
+    void openstate1();
+    void openstate2();
+
+private:
+    enum OpenState { Pending = 0, Connected = 1, Disconnected = 2 };
+
+    void readUrl(const QUrl& url);
+    void makeSessionId();
+    QString basePath() const;
+    QUrl webSocketUrl() const;
+    void startInactivityTimer();
+
+    void tryRemainingProtocols();
+    bool tryNextProtocol();
+    bool openWebsocket();
+    bool waitForWebSocket();
+    bool openXHRPolling(bool streaming);
+    void startOpenLimit();
+    void onOpenLimit();
+
+    bool isTransportUp() const;
+    void dropTransports();
+    void dropWebSocket();
+    void endAttempt();
+    void shutDown();
+    void queueEnd();
+
+    QList<PROTOCOL_TYPE> m_protocols;
+    int m_protocolIndex = 0;
+    bool m_secure = false;
+    int m_port = 0;
+    QString m_host;
+    QString m_sessionId;
+    QString m_path;
+    bool m_closedForInactivity = false;
+    QDateTime m_lastActivity;
+    QTimer* m_inactivityTimer = nullptr;
+    bool m_closing = false;
+    bool m_sessionOpen = false;
+    QPointer<SockJSXHRPolling> m_xhr;
+    QWebSocket* m_webSocket = nullptr;
+    int m_openState = Pending;
+
+    // Ids used within the current second, in which the generator repeats itself.
+    QStringList m_recentSessionIds;
+    // Set once the server has accepted the upgrade, also when the socket has been closed again since.
+    bool m_upgraded = false;
+    QTimer m_openLimitTimer;
+    int m_openLimit = 0;
+    // Counts the calls of open() and close(): whoever waited in an event loop sees by it that its attempt is
+    // over.
+    int m_attempt = 0;
+    QPointer<QEventLoop> m_openWait;
+    // The connection has ended, and onClosed() has not been told yet.
+    bool m_endPending = false;
+};
