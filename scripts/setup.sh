@@ -1,0 +1,94 @@
+# Sourced by run and test: finds out what this machine lacks, installs it, and builds.
+# shellcheck shell=bash
+
+project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+build="$project/build/dev"
+
+# The classroom, the learners and the host meet on loopback: a proxy must not stand in between.
+unset http_proxy https_proxy all_proxy no_proxy HTTP_PROXY HTTPS_PROXY ALL_PROXY NO_PROXY
+
+if [ -t 1 ] && [ -z "${NO_COLOR:-}" ]; then
+    bold=$'\e[1m' plain=$'\e[0m'
+else
+    bold='' plain=''
+fi
+
+step() { printf '%s==> %s%s\n' "$bold" "$*" "$plain"; }
+fail() {
+    printf '%s: %s\n' "$(basename "$0")" "$*" >&2
+    exit 1
+}
+
+# What building and running needs, as Debian packages. The tests add theirs.
+packages=(cmake ninja-build g++ pkg-config qtbase5-dev libqt5websockets5-dev zlib1g-dev lzma-dev libedit-dev)
+
+has_package() { [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
+
+has_node() {
+    command -v npm >/dev/null && command -v node >/dev/null \
+        && [ "$(node -p 'Number(process.versions.node.split(".")[0]) >= 18')" = true ]
+}
+
+install_packages() {
+    command -v apt-get >/dev/null \
+        || fail "this machine has no apt-get. Install by hand what these Debian packages hold: $*"
+    local root=()
+    if [ "$(id -u)" != 0 ]; then
+        command -v sudo >/dev/null || fail "not root, and no sudo. Have these packages installed: $*"
+        root=(sudo)
+    fi
+    step "Installing packages: $*"
+    "${root[@]}" apt-get update -qq || fail "apt-get update failed. Is this machine online?"
+    "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "$@" >/dev/null \
+        || fail "apt-get could not install: $*"
+}
+
+install_missing_packages() {
+    local missing=() package
+    for package in "${packages[@]}"; do
+        has_package "$package" || missing+=("$package")
+    done
+    has_node || missing+=(nodejs npm)
+    if [ ${#missing[@]} -gt 0 ]; then
+        install_packages "${missing[@]}"
+    fi
+}
+
+# npm ci empties node_modules, so only after the lock file has changed.
+install_node_modules() {
+    local folder=$project/classroom stamp
+    stamp=$folder/node_modules/.installed-lock
+    cmp -s "$folder/package-lock.json" "$stamp" && return
+    step "Installing the classroom's node modules"
+    (cd "$folder" && npm ci --no-audit --no-fund --loglevel=error) || fail "npm ci failed in classroom/"
+    cp "$folder/package-lock.json" "$stamp"
+}
+
+# Runs a command quietly; its output is shown when it fails. On a terminal the last line shows as it goes.
+quietly() {
+    local log
+    log=$(mktemp)
+    if [ -t 1 ]; then
+        "$@" 2>&1 | tee "$log" | while IFS= read -r line; do printf '\r\e[K%s' "${line:0:${COLUMNS:-80}}"; done
+        local status=${PIPESTATUS[0]}
+        printf '\r\e[K'
+    else
+        "$@" >"$log" 2>&1
+        local status=$?
+    fi
+    [ "$status" = 0 ] || cat "$log"
+    rm -f "$log"
+    return "$status"
+}
+
+# configure and build: everything, or the targets named.
+build_project() {
+    if [ ! -f "$build/build.ninja" ]; then
+        step "Configuring"
+        (cd "$project" && quietly cmake --preset dev) || fail "cmake could not configure the project"
+    fi
+    step "Building"
+    local targets=()
+    [ $# = 0 ] || targets=(--target "$@")
+    quietly cmake --build "$build" "${targets[@]}" || fail "the build failed"
+}
