@@ -60,7 +60,7 @@ QString JsonSerializer::serializeToJson(QObject const* object)
 QString JsonSerializer::serializeToJson(QVariantMap const& map)
 {
     const QByteArray json = QJsonDocument::fromVariant(map).toJson();
-    const QString text = QString::fromUtf8(json.constData());
+    QString text = QString::fromUtf8(json.constData());
     if (text.isEmpty())
         qCDebug(diagnostics) << "[JsonSerializer] ERROR: ";
     return text;
