@@ -1,1 +1,341 @@
 #include "transport/HttpAnswerParser.h"
+
+#include <algorithm>
+
+namespace {
+
+const char headBegin[] = "HTTP/";
+
+// Proxies write names in lower case; everyone else, and the code that looks them up, in this one.
+QString usualSpelling(const QByteArray& name)
+{
+    QByteArray spelled = name.trimmed().toLower();
+    bool first = true;
+    for (char& c : spelled) {
+        if (first && c >= 'a' && c <= 'z')
+            c = static_cast<char>(c - 'a' + 'A');
+        first = c == '-';
+    }
+    return QString::fromUtf8(spelled);
+}
+
+// QString::fromUtf8(QByteArray) would stop at a NUL.
+QString decoded(const QByteArray& bytes)
+{
+    return QString::fromUtf8(bytes.constData(), bytes.size());
+}
+
+void insertHeader(QMap<QString, QString>* headers, const QByteArray& line)
+{
+    const int colon = line.indexOf(':');
+    if (colon < 1)
+        return;
+    const QString name = usualSpelling(line.left(colon));
+    QString value = decoded(line.mid(colon + 1));
+    // A balancer's cookie and the server's own come as two lines, and the session needs both.
+    if (name == QLatin1String("Set-Cookie") && headers->contains(name))
+        value.prepend(headers->value(name) + QLatin1Char('\n'));
+    headers->insert(name, value);
+}
+
+// The position behind the empty line that ends the header at begin; -1 while it has not come.
+int endOfHead(const QByteArray& data, int begin)
+{
+    int position = begin;
+    while (data.indexOf('\n', position) >= 0) {
+        if (HttpAnswerParser::takeLine(data, &position).isEmpty())
+            return position;
+    }
+    return -1;
+}
+
+bool isHexadecimal(const QByteArray& text)
+{
+    return !text.isEmpty() && std::all_of(text.begin(), text.end(), [](char c) {
+        return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+    });
+}
+
+bool isDecimal(const QByteArray& text)
+{
+    return !text.isEmpty() &&
+           std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+// A number too large for its type still is one, and not the 0 that stands for "no number".
+constexpr qulonglong tooLarge = ~qulonglong(0);
+
+qulonglong readChunkNumber(const QByteArray& line)
+{
+    const QByteArray number = line.split(';').first().trimmed();
+    bool ok = false;
+    const qulonglong size = number.toULongLong(&ok, 16);
+    if (ok)
+        return size;
+    return isHexadecimal(number) ? tooLarge : 0;
+}
+
+qulonglong readContentLength(const QString& value)
+{
+    const QByteArray number = value.trimmed().toLatin1();
+    if (!isDecimal(number))
+        return 0;
+    bool ok = false;
+    const qulonglong length = number.toULongLong(&ok);
+    return ok ? length : tooLarge;
+}
+
+} // namespace
+
+QByteArray HttpAnswerParser::takeLine(const QByteArray& data, int* position)
+{
+    const int newline = data.indexOf('\n', *position);
+    int end = newline < 0 ? data.size() : newline;
+    const int begin = *position;
+    *position = newline < 0 ? data.size() : newline + 1;
+    if (newline > begin && data.at(newline - 1) == '\r')
+        --end;
+    return data.mid(begin, end - begin);
+}
+
+void HttpAnswerParser::add(const QByteArray& bytes)
+{
+    if (m_state == Failed)
+        return;
+    m_buffer.remove(0, m_read);
+    m_read = 0;
+    m_buffer += bytes;
+}
+
+void HttpAnswerParser::reset()
+{
+    m_state = Head;
+    m_silent = false;
+    m_buffer.clear();
+    m_read = 0;
+    m_scanned = 0;
+    m_body.clear();
+}
+
+bool HttpAnswerParser::isBetweenAnswers() const
+{
+    return m_state == Head && m_buffer.indexOf(headBegin, m_read) < 0;
+}
+
+HttpAnswerParser::Event HttpAnswerParser::next()
+{
+    for (;;) {
+        const State state = m_state;
+        const int read = m_read;
+        Event event = step();
+        if (event.type != Event::Incomplete || (m_state == state && m_read == read))
+            return event;
+    }
+}
+
+HttpAnswerParser::Event HttpAnswerParser::step()
+{
+    switch (m_state) {
+    case Head:
+        return readHead();
+    case ChunkSize:
+        return readChunkSize();
+    case Body:
+        return readBody();
+    case Failed:
+        break;
+    }
+    return Event();
+}
+
+HttpAnswerParser::Event HttpAnswerParser::readHead()
+{
+    skipLineBreaks();
+    const int begin = m_buffer.indexOf(headBegin, m_read);
+    const int end = begin < 0 ? -1 : endOfHead(m_buffer, begin);
+    const int needed = end < 0 ? pendingSize() : end - m_read;
+    if (needed > MaxHeadSize)
+        return fail();
+    if (end < 0)
+        return Event();
+    const QByteArray head = m_buffer.mid(begin, end - begin);
+    consume(end - m_read);
+    return readHeader(head);
+}
+
+HttpAnswerParser::Event HttpAnswerParser::readHeader(const QByteArray& head)
+{
+    Event event;
+    int position = 0;
+    const int status = takeLine(head, &position).mid(sizeof(headBegin) - 1).split(' ').value(1).toInt();
+    while (position < head.size())
+        insertHeader(&event.headers, takeLine(head, &position));
+
+    const QString encoding = event.headers.value(QStringLiteral("Transfer-Encoding"));
+    event.chunked = encoding.trimmed().endsWith(QLatin1String("chunked"), Qt::CaseInsensitive);
+    const QString connection = event.headers.value(QStringLiteral("Connection"));
+    event.closes = connection.trimmed().compare(QLatin1String("close"), Qt::CaseInsensitive) == 0;
+    const qulonglong length = readContentLength(event.headers.value(QStringLiteral("Content-Length")));
+    if (length > MaxBodySize)
+        return fail();
+    event.contentLength = static_cast<int>(length);
+    if (frameBody(event, status))
+        event.type = Event::Header;
+    return event;
+}
+
+// Sets how the body after a header is bounded. False for an interim header, after which the real one follows.
+bool HttpAnswerParser::frameBody(const Event& header, int status)
+{
+    m_silent = false;
+    m_lineSkipped = false;
+    m_remaining = header.contentLength;
+    if (header.chunked) {
+        m_state = ChunkSize;
+        return true;
+    }
+    const bool interim = status >= 100 && status < 200;
+    if (interim)
+        return false;
+    const QString length = header.headers.value(QStringLiteral("Content-Length")).trimmed();
+    const bool bounded = isDecimal(length.toLatin1()) || status == 204 || status == 304;
+    m_bound = bounded ? Length : UntilClose;
+    m_state = Body;
+    return true;
+}
+
+HttpAnswerParser::Event HttpAnswerParser::readChunkSize()
+{
+    const int newline = m_buffer.indexOf('\n', m_read);
+    const int needed = newline < 0 ? pendingSize() : newline - m_read;
+    if (needed > MaxHeadSize)
+        return fail();
+    if (newline < 0)
+        return Event();
+    int position = m_read;
+    const QByteArray line = takeLine(m_buffer, &position);
+    consume(position - m_read);
+
+    Event event;
+    if (line.isEmpty() && !m_lineSkipped) {
+        m_lineSkipped = true;
+        event.type = Event::ChunkContinued;
+        return event;
+    }
+    m_lineSkipped = false;
+    const qulonglong size = readChunkNumber(line);
+    if (size < (m_streaming ? 1U : 2U)) {
+        const int textSize = decoded(m_body).size();
+        event = endAnswer();
+        event.endChunkSize = textSize;
+        return event;
+    }
+    if (size > qulonglong(MaxBodySize - m_body.size()))
+        return fail();
+    m_bound = Chunk;
+    m_remaining = static_cast<int>(size);
+    m_state = Body;
+    return event;
+}
+
+HttpAnswerParser::Event HttpAnswerParser::readBody()
+{
+    const int available = m_bound == UntilClose ? pendingSize() : std::min(pendingSize(), m_remaining);
+    if (m_streaming) {
+        Event frame = readFrame(available);
+        if (frame.type != Event::Incomplete)
+            return frame;
+    }
+    if (m_bound == UntilClose)
+        return readUnbounded();
+    if (available < m_remaining)
+        return Event();
+    return endPiece();
+}
+
+HttpAnswerParser::Event HttpAnswerParser::readFrame(int available)
+{
+    Event event;
+    const int begin = m_read + m_scanned;
+    const auto end = m_buffer.cbegin() + m_read + available;
+    const auto newline = std::find(m_buffer.cbegin() + begin, end, '\n');
+    if (newline == end) {
+        m_scanned = available;
+        return event;
+    }
+    const int size = static_cast<int>(newline - m_buffer.cbegin()) - m_read;
+    appendToBody(size);
+    consume(1);
+    if (m_bound != UntilClose)
+        m_remaining -= size + 1;
+    event.type = Event::Message;
+    event.text = decoded(m_body);
+    m_body.clear();
+    return event;
+}
+
+// Nothing says where such a body ends. Every SockJS answer ends with a newline; the rest end with the
+// connection.
+HttpAnswerParser::Event HttpAnswerParser::readUnbounded()
+{
+    if (pendingSize() > MaxBodySize)
+        return fail();
+    if (!m_silent && (m_streaming || !m_buffer.endsWith('\n') || !hasPending()))
+        return Event();
+    appendToBody(pendingSize());
+    return endAnswer();
+}
+
+HttpAnswerParser::Event HttpAnswerParser::endPiece()
+{
+    appendToBody(m_remaining);
+    m_remaining = 0;
+    if (m_bound == Length)
+        return endAnswer();
+    m_state = ChunkSize;
+    if (m_buffer.mid(m_read, 2) == "\r\n")
+        consume(2);
+    return Event();
+}
+
+HttpAnswerParser::Event HttpAnswerParser::endAnswer()
+{
+    Event event;
+    event.type = m_body.isEmpty() ? Event::Empty : Event::Message;
+    event.ends = true;
+    if (m_body.endsWith('\n'))
+        m_body.chop(1);
+    event.text = decoded(m_body);
+    m_body.clear();
+    m_state = Head;
+    m_silent = false;
+    return event;
+}
+
+HttpAnswerParser::Event HttpAnswerParser::fail()
+{
+    reset();
+    m_state = Failed;
+    Event event;
+    event.type = Event::Broken;
+    return event;
+}
+
+// What follows an end chunk is only an empty line, and belongs to no answer.
+void HttpAnswerParser::skipLineBreaks()
+{
+    while (hasPending() && (m_buffer.at(m_read) == '\r' || m_buffer.at(m_read) == '\n'))
+        consume(1);
+}
+
+void HttpAnswerParser::appendToBody(int count)
+{
+    m_body.append(m_buffer.constData() + m_read, count);
+    consume(count);
+}
+
+void HttpAnswerParser::consume(int count)
+{
+    m_read += count;
+    m_scanned = 0;
+}

@@ -6,38 +6,43 @@
 
 /// Takes the answers of one HTTP/1.1 connection apart: bytes in, events out. No socket, no signals, no clock.
 ///
-/// However the bytes are split over calls of add(), the same events come out of next(). Memory stays within
-/// MaxHeadSize and MaxBodySize plus the bytes of one add(), whatever the far end claims.
+/// However the bytes are split over calls of add(), the same headers and texts come out of next(). Memory
+/// stays within a small multiple of what has been received, and that within MaxHeadSize and MaxBodySize,
+/// whatever the far end claims.
 class HttpAnswerParser
 {
 public:
-    /// Bytes that a header, or a chunk's size line, may have, garbage before it included.
+    /// Bytes that a header may have with the garbage before it, or the line with a chunk's size.
     static constexpr int MaxHeadSize = 64 * 1024;
-    /// Bytes that a body, a chunk, or on a stream one frame, may have.
+    /// Bytes that a body, a chunk, or one frame of a stream may have.
     static constexpr int MaxBodySize = 256 * 1024 * 1024;
 
     struct Event
     {
         enum Type {
             Incomplete,     ///< more bytes are needed
-            Header,         ///< the header of an answer: headers, chunked, contentLength and closes are set
+            Header,         ///< an answer's header: headers, chunked, contentLength and closes are set
             Message,        ///< a body, or one frame of a stream: text is set
-            Empty,          ///< the answer has ended without (further) text
-            ChunkContinued, ///< an empty line stood before a chunk's size
-            EndChunk,       ///< a chunked body is complete: size is the length of its text still to come
+            Empty,          ///< the answer has ended without text, or without text after its last frame
+            ChunkContinued, ///< the line break after a chunk came later than the chunk
             Broken          ///< a limit is overrun; nothing more comes before reset()
         };
         Type type = Incomplete;
+        /// Names in their usual spelling, values as they stand after the colon. A later line replaces an
+        /// earlier one of the same name, but several Set-Cookie lines are one value with a newline between
+        /// them.
         QMap<QString, QString> headers;
         bool chunked = false;
-        int contentLength = 0;
-        bool closes = false; ///< the sender is going to close the connection after this answer
-        QString text;
-        bool ends = false; ///< with Message: the answer has ended with it
-        int size = 0;
+        int contentLength = 0; ///< 0 without a usable one
+        bool closes = false;   ///< the sender closes the connection after this answer
+        QString text;          ///< without the newline at its end
+        bool ends = false;     ///< the answer has ended with this Message or Empty
+        int endChunkSize =
+            -1; ///< where an end chunk has ended it: the characters of text that stood before it
     };
 
-    /// Whether the next answer's frames are taken out as soon as their newline has come.
+    /// Whether frames are taken out of the next answer as soon as their newline has come. On a stream
+    /// a chunk of one byte is data, because proxies cut a stream anywhere; elsewhere it ends the body.
     void setStreaming(bool streaming) { m_streaming = streaming; }
 
     void add(const QByteArray& bytes);
@@ -45,42 +50,50 @@ public:
     Event next();
     /// The sender has gone or fallen silent: ends a body that has neither chunks nor a length. next() then
     /// gives it.
-    void endUnbounded();
-    /// Forgets everything, as for a new connection.
+    void endUnbounded() { m_silent = isUnbounded(); }
+    /// Forgets all bytes and looks for a header. The streaming mode stays.
     void reset();
 
-    /// Nothing of an answer has come since the last one ended; what has come is left over from that one.
+    /// Whether no answer has begun since the last one ended: what is pending is left over, or garbage.
     bool isBetweenAnswers() const;
-    /// Whether an answer without chunks or length is being received.
+    /// Whether an answer without chunks and without a length is being received.
     bool isUnbounded() const { return m_state == Body && m_bound == UntilClose; }
-    /// The bytes that have come and are still parts of something incomplete.
+    /// Whether bytes have come that belong to something still incomplete.
+    bool hasPending() const { return pendingSize() > 0; }
+    /// Those bytes.
     QByteArray pending() const { return m_buffer.mid(m_read); }
-    bool hasPending() const { return m_read < m_buffer.size(); }
+
+    /// The line of \p data at \p position, without its LF or CR LF. Moves \p position behind that.
+    static QByteArray takeLine(const QByteArray& data, int* position);
 
 private:
     enum State { Head, ChunkSize, Body, Failed };
     enum Bound { Chunk, Length, UntilClose };
 
+    Event step();
     Event readHead();
-    Event readHeaderLines(int begin, int end);
+    Event readHeader(const QByteArray& head);
     Event readChunkSize();
     Event readBody();
     Event readFrame(int available);
-    Event takePiece(int size);
-    Event endAnswer(bool announceChunkEnd);
+    Event readUnbounded();
+    Event endPiece();
+    Event endAnswer();
     Event fail();
-    bool takeLine(QByteArray* line);
+    bool frameBody(const Event& header, int status);
+    void skipLineBreaks();
+    void appendToBody(int count);
     void consume(int count);
+    int pendingSize() const { return m_buffer.size() - m_read; }
 
     State m_state = Head;
     Bound m_bound = UntilClose;
     bool m_streaming = false;
     bool m_silent = false;
-    QByteArray m_buffer;
-    int m_read = 0;
-    int m_scanned = 0;
-    int m_remaining = 0;
     bool m_lineSkipped = false;
-    bool m_endChunkSeen = false;
+    QByteArray m_buffer;
+    int m_read = 0;      // bytes of m_buffer that are done with
+    int m_scanned = 0;   // bytes behind those that hold no newline
+    int m_remaining = 0; // bytes that the current chunk or body still lacks
     QByteArray m_body;
 };

@@ -1,28 +1,351 @@
 #include "transport/SockJSXHRPolling.h"
 
-SockJSXHRPolling::SockJSXHRPolling(QObject* parent) : QObject(parent) {}
-SockJSXHRPolling::~SockJSXHRPolling() = default;
-bool SockJSXHRPolling::start(QString, int, bool, QString, bool)
+#include "Diagnostics.h"
+#include "transport/QSystemConfigurationProxyFactory.h"
+#include "transport/SockJSXHRPollingWorker.h"
+
+#include <QCoreApplication>
+#include <QNetworkCookie>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QSslSocket>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int postLimit = 30000; // milliseconds
+constexpr int retireLimit = 10000;
+
+// Such a character would let the text around it end a line of a raw request, or split its first one.
+bool breaksLine(QChar c)
 {
-    return false;
+    return c < QLatin1Char(' ') || c == QChar(0x7f);
 }
-void SockJSXHRPolling::doPoll() {}
-void SockJSXHRPolling::sendTextMessage(QString) {}
-void SockJSXHRPolling::close() {}
-void SockJSXHRPolling::retire()
+
+bool isSafeInRequest(const QString& text)
 {
-    deleteLater();
+    return std::none_of(text.begin(), text.end(),
+                        [](QChar c) { return breaksLine(c) || c == QLatin1Char(' '); });
 }
+
+bool isSafeInCookie(const QByteArray& text)
+{
+    return std::none_of(text.begin(), text.end(), [](char c) { return breaksLine(QLatin1Char(c)); });
+}
+
+bool isPolling(const XHRRequest* request)
+{
+    return request && request->path().endsWith(QLatin1String("xhr"));
+}
+
+// Both sides' cookies come in here and go out as text of the raw requests.
+class LineSafeCookieJar : public QNetworkCookieJar
+{
+public:
+    using QNetworkCookieJar::QNetworkCookieJar;
+
+protected:
+    bool validateCookie(const QNetworkCookie& cookie, const QUrl& url) const override
+    {
+        if (isSafeInCookie(cookie.name()) && isSafeInCookie(cookie.value()))
+            return QNetworkCookieJar::validateCookie(cookie, url);
+        qCDebug(diagnostics) << "[SockJSXHRPolling] Refused a cookie with control characters";
+        return false;
+    }
+};
+
+// Retired transports have no owner. Those that are left when the application object goes are ended here,
+// because their threads must not outlive it.
+QList<SockJSXHRPolling*>& retiredTransports()
+{
+    static QList<SockJSXHRPolling*> transports;
+    return transports;
+}
+
+void endRetiredTransports()
+{
+    while (!retiredTransports().isEmpty())
+        delete retiredTransports().takeLast();
+}
+
+} // namespace
+
+SockJSXHRPolling::SockJSXHRPolling(QObject* parent)
+    : QObject(parent), m_nam(new QNetworkAccessManager(this)), m_cookieJar(new LineSafeCookieJar(this))
+{
+    m_nam->setCookieJar(m_cookieJar);
+    m_cookieJar->setParent(this); // the manager has made itself the parent
+    connect(m_nam, &QNetworkAccessManager::finished, this, &SockJSXHRPolling::onNAMRequestFinished);
+    m_retireLimit.setSingleShot(true);
+    connect(&m_retireLimit, &QTimer::timeout, this, &QObject::deleteLater);
+}
+
+SockJSXHRPolling::~SockJSXHRPolling()
+{
+    retiredTransports().removeOne(this);
+    joinThread();
+    qDeleteAll(m_requests);
+}
+
+bool SockJSXHRPolling::start(QString host, int port, bool secure, QString path, bool streaming)
+{
+    if (m_worker || !isSafeInRequest(host) || !isSafeInRequest(path)) {
+        qCDebug(diagnostics)
+            << "[SockJSXHRPolling] Can't start: already started, or host or path are not usable";
+        return false;
+    }
+    joinThread();
+    m_closed = false;
+    m_keepAlive = true;
+    m_streaming = streaming;
+    m_sessionOpen = false;
+    m_currentRequest = nullptr;
+    setAddress(host, port, secure, path);
+
+    const QNetworkProxy proxy = QSystemConfigurationProxyFactory::getPrimaryProxy();
+    m_nam->setProxy(proxy);
+    QTcpSocket* socket = secure ? new QSslSocket : new QTcpSocket;
+    socket->setProxy(proxy);
+    auto* worker = new SockJSXHRPollingWorker(nullptr, socket, host, port, secure, m_keepAlive);
+    if (!worker->connectToServer()) {
+        qCDebug(diagnostics).noquote() << "[SockJSXHRPolling]" << socket->errorString();
+        delete worker;
+        delete socket;
+        return false;
+    }
+    startThread(worker, socket);
+    doPoll();
+    return true;
+}
+
+void SockJSXHRPolling::setAddress(const QString& host, int port, bool secure, const QString& path)
+{
+    const QString scheme = secure ? QStringLiteral("s") : QString();
+    const QString relative = path.startsWith(QLatin1Char('/')) ? path.mid(1) : path;
+    // A URL keeps an IPv6 address apart from the port by brackets.
+    const QString urlHost = host.contains(QLatin1Char(':')) ? QStringLiteral("[%0]").arg(host) : host;
+    m_host = urlHost;
+    m_path = QLatin1Char('/') + relative;
+    m_baseUrl = QStringLiteral("http%0://%1:%2").arg(scheme, urlHost, QString::number(port));
+    m_fullUrl = QStringLiteral("%0/%1").arg(m_baseUrl, relative);
+    if (m_fullUrl.endsWith(QLatin1Char('/')))
+        m_fullUrl.chop(1);
+}
+
+void SockJSXHRPolling::startThread(SockJSXHRPollingWorker* worker, QTcpSocket* socket)
+{
+    using Worker = SockJSXHRPollingWorker;
+    auto* thread = new QThread;
+    worker->moveToThread(thread);
+    socket->moveToThread(thread);
+    connect(worker, &Worker::receivedHeadersResponse, this, &SockJSXHRPolling::onReceivedHeadersResponse);
+    connect(worker, &Worker::receivedMessageResponse, this, &SockJSXHRPolling::onReceivedMessageResponse);
+    connect(worker, &Worker::receivedEmptyResponse, this, &SockJSXHRPolling::onReceivedEmptyResponse);
+    connect(worker, &Worker::requestLost, this, &SockJSXHRPolling::releaseRequest);
+    connect(worker, &Worker::reconnected, this, &SockJSXHRPolling::onReconnected);
+    connect(thread, &QThread::finished, thread, &QObject::deleteLater);
+    connect(thread, &QThread::finished, socket, &QObject::deleteLater);
+    // Before quit(): from then on the thread deletes the worker, and nothing may reach it.
+    connect(worker, &Worker::finished, this, &SockJSXHRPolling::onWorkerFinished);
+    connect(worker, &Worker::finished, thread, &QThread::quit);
+    connect(worker, &Worker::finished, this, &SockJSXHRPolling::connectionClosed);
+    connect(thread, &QThread::started, worker, &Worker::process);
+    connect(thread, &QThread::finished, worker, &QObject::deleteLater);
+    connect(thread, &QObject::destroyed, this, &SockJSXHRPolling::endRetirement);
+    m_worker = worker;
+    m_thread = thread;
+    thread->start();
+}
+
+void SockJSXHRPolling::joinThread()
+{
+    if (m_worker)
+        m_worker->forceClose();
+    m_worker = nullptr;
+    if (!m_thread)
+        return;
+    QThread* thread = m_thread;
+    m_thread = nullptr;
+    thread->disconnect(this);
+    thread->quit();
+    thread->wait();
+    delete thread;
+}
+
+void SockJSXHRPolling::onWorkerFinished()
+{
+    m_worker = nullptr;
+    m_closed = true;
+    m_currentRequest = nullptr;
+    while (!m_requests.isEmpty())
+        m_requests.takeLast()->deleteLater();
+}
+
+void SockJSXHRPolling::doPoll()
+{
+    // A second request beside a pending one makes a server end the session.
+    if (m_worker && m_worker->isReceiving())
+        return;
+    doRequestXHR(m_path + (m_streaming ? QLatin1String("/xhr_streaming") : QLatin1String("/xhr")), QString());
+}
+
+void SockJSXHRPolling::onReconnected()
+{
+    doPoll();
+}
+
+void SockJSXHRPolling::doRequestXHR(const QString& path, const QString& payload)
+{
+    if (m_closed || !m_worker) {
+        qCDebug(diagnostics) << "[SockJSXHRPolling] Can't make request when in closed state!";
+        return;
+    }
+    if (!isSafeInRequest(path)) {
+        qCDebug(diagnostics)
+            << "[SockJSXHRPolling] Can't make request: blank or control character in its path";
+        return;
+    }
+    const QString text = QStringLiteral("POST %0 HTTP/1.1\r\n%1\r\n%2\r\n\r\n");
+    auto* request = new XHRRequest(path, text.arg(path, headerBlock(payload), payload));
+    m_requests.append(request);
+    if (!m_worker->queueRequest(request)) {
+        m_requests.removeOne(request);
+        delete request;
+    }
+}
+
+QString SockJSXHRPolling::headerBlock(const QString& payload)
+{
+    QString block = QStringLiteral("Host: %0\r\n").arg(m_host);
+    block +=
+        m_keepAlive ? QLatin1String("Connection: keep-alive\r\n") : QLatin1String("Connection: close\r\n");
+    block += QLatin1String("Accept-Encoding: identity\r\n");
+    block += QLatin1String("Content-Type: application/json\r\n");
+    block += QStringLiteral("Content-Length: %0\r\n").arg(payload.toUtf8().size());
+    if (getCookieCount() > 0)
+        block += QLatin1String("Cookie: ") + getCookieString() + QLatin1String("\r\n");
+    return block;
+}
+
 int SockJSXHRPolling::getCookieCount()
 {
-    return 0;
+    return m_cookieJar->cookiesForUrl(QUrl(m_fullUrl)).size();
 }
+
 QString SockJSXHRPolling::getCookieString()
 {
-    return QString();
+    QString text;
+    const QList<QNetworkCookie> cookies = m_cookieJar->cookiesForUrl(QUrl(m_fullUrl));
+    for (const QNetworkCookie& cookie : cookies)
+        text += QStringLiteral("%0=%1; ").arg(QString::fromUtf8(cookie.name()),
+                                              QString::fromUtf8(cookie.value()));
+    return text;
 }
-void SockJSXHRPolling::doRequestXHR(const QString&, const QString&) {}
-void SockJSXHRPolling::onReceivedHeadersResponse(XHRRequest*, QStringMap) {}
-void SockJSXHRPolling::onReceivedMessageResponse(XHRRequest*, QString) {}
-void SockJSXHRPolling::onNAMRequestFinished(QNetworkReply*) {}
-void SockJSXHRPolling::onReconnected() {}
+
+void SockJSXHRPolling::onReceivedHeadersResponse(XHRRequest* request, QStringMap headers)
+{
+    if (m_currentRequest && m_currentRequest != request)
+        releaseRequest(m_currentRequest);
+    m_currentRequest = request;
+    for (auto header = headers.cbegin(); header != headers.cend(); ++header) {
+        if (!header.key().contains(QLatin1String("Set-Cookie")))
+            continue;
+        m_cookieJar->setCookiesFromUrl(QNetworkCookie::parseCookies(header.value().toUtf8()),
+                                       QUrl(m_fullUrl));
+        qCDebug(diagnostics) << "[SockJSXHRPolling] parsed cookies";
+    }
+}
+
+void SockJSXHRPolling::releaseRequest(XHRRequest* request)
+{
+    if (m_currentRequest == request)
+        m_currentRequest = nullptr;
+    m_requests.removeOne(request);
+    request->deleteLater();
+}
+
+void SockJSXHRPolling::onReceivedMessageResponse(XHRRequest* request, QString message)
+{
+    qCDebug(diagnostics).noquote().nospace() << "[SockJSXHRPolling] RECEIVED: " << message;
+    const bool opens = message == QLatin1String("o");
+    const bool sessionOver = message.startsWith(QLatin1Char('c')) || (opens && m_sessionOpen);
+    m_sessionOpen = m_sessionOpen || opens;
+    // Whoever hears the message may delete this object, and may let other events in.
+    const QPointer<SockJSXHRPolling> self(this);
+    const bool polling = isPolling(request);
+    Q_EMIT textMessageReceived(message);
+    if (!self)
+        return;
+    if (polling)
+        doPoll();
+    if (sessionOver)
+        close();
+}
+
+void SockJSXHRPolling::onReceivedEmptyResponse(XHRRequest* request)
+{
+    if (isPolling(request))
+        doPoll();
+}
+
+void SockJSXHRPolling::sendTextMessage(QString frame)
+{
+    m_frames.append(frame.toUtf8());
+    if (!m_posting)
+        postNextFrame();
+}
+
+void SockJSXHRPolling::postNextFrame()
+{
+    QNetworkRequest request(QUrl(m_fullUrl + QLatin1String("/xhr_send")));
+    request.setRawHeader("accept-encoding", "identity");
+    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json; charset=UTF-8"));
+    request.setRawHeader("Connection", m_keepAlive ? "keep-alive" : "close");
+    request.setTransferTimeout(postLimit);
+    m_posting = true;
+    m_nam->post(request, m_frames.takeFirst());
+}
+
+void SockJSXHRPolling::onNAMRequestFinished(QNetworkReply* reply)
+{
+    if (reply->error() != QNetworkReply::NoError)
+        qCDebug(diagnostics).noquote().nospace()
+            << "[SockJSXHRPolling] xhr_send error: " << reply->errorString();
+    reply->deleteLater();
+    m_posting = !m_frames.isEmpty();
+    if (m_posting)
+        postNextFrame();
+    if (m_retired) {
+        m_retireLimit.start(retireLimit);
+        endRetirement();
+    }
+}
+
+void SockJSXHRPolling::close()
+{
+    m_closed = true;
+    if (m_worker)
+        m_worker->forceClose();
+}
+
+void SockJSXHRPolling::retire()
+{
+    m_retired = true;
+    blockSignals(true);
+    setParent(nullptr);
+    close();
+    if (QCoreApplication::instance() && QCoreApplication::instance()->thread() == thread()) {
+        retiredTransports().append(this);
+        qRemovePostRoutine(endRetiredTransports);
+        qAddPostRoutine(endRetiredTransports);
+    }
+    m_retireLimit.start(retireLimit);
+    endRetirement();
+}
+
+void SockJSXHRPolling::endRetirement()
+{
+    if (m_retired && !m_thread && !m_posting)
+        deleteLater();
+}

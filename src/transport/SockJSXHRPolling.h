@@ -75,7 +75,37 @@ private Q_SLOTS:
     void onReceivedMessageResponse(XHRRequest* request, QString message);
     void onNAMRequestFinished(QNetworkReply* reply);
     void onReconnected();
+    void onReceivedEmptyResponse(XHRRequest* request);
+    void onWorkerFinished();
+    void releaseRequest(XHRRequest* request);
 
 private:
     Q_DISABLE_COPY(SockJSXHRPolling)
+
+    void setAddress(const QString& host, int port, bool secure, const QString& path);
+    void startThread(SockJSXHRPollingWorker* worker, QTcpSocket* socket);
+    void joinThread();
+    QString headerBlock(const QString& payload);
+    void postNextFrame();
+    void endRetirement();
+
+    QNetworkAccessManager* m_nam;
+    QNetworkCookieJar* m_cookieJar;
+    QString m_host;
+    QString m_path;
+    QString m_baseUrl;
+    QString m_fullUrl;
+    bool m_closed = false;
+    bool m_keepAlive = true;
+    bool m_streaming = false;
+    SockJSXHRPollingWorker* m_worker = nullptr; // null before its thread may delete it
+    QPointer<QThread> m_thread;
+    XHRRequest* m_currentRequest = nullptr;
+
+    QList<XHRRequest*> m_requests; // those that the worker has taken and that are not yet released
+    bool m_sessionOpen = false;    // the first open frame has come
+    QList<QByteArray> m_frames;    // still to be posted
+    bool m_posting = false;
+    bool m_retired = false;
+    QTimer m_retireLimit{this};
 };

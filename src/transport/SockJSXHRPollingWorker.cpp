@@ -1,37 +1,470 @@
 #include "transport/SockJSXHRPollingWorker.h"
 
+#include "Diagnostics.h"
 #include "transport/HttpAnswerParser.h"
 
-SockJSXHRPollingWorker::SockJSXHRPollingWorker(QObject* parent, QTcpSocket*, QString, int, bool, bool)
+#include <QEventLoop>
+#include <QSslSocket>
+#include <QTimer>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr int connectLimit = 30000; // milliseconds, as all below
+constexpr int lockLimit = 1000;
+constexpr int idleWait = 1000;
+constexpr int stallLimit = 2000;
+constexpr int maxQueueSize = 51;
+constexpr int maxConnectAttempts = 10;
+
+bool isStreaming(const XHRRequest* request)
+{
+    return request->path().endsWith(QLatin1String("xhr_streaming"));
+}
+
+bool isReceiveRequest(const XHRRequest* request)
+{
+    return isStreaming(request) || request->path().endsWith(QLatin1String("xhr"));
+}
+
+// An open frame, a heartbeat or an array of messages.
+bool isGoodFrame(const QString& text)
+{
+    return text == QLatin1String("o") || text == QLatin1String("h") || text.startsWith(QLatin1Char('a'));
+}
+
+void logEndChunk(int size)
+{
+    qCDebug(diagnostics).nospace() << "[SockJSXHRPollingWorker] chunk complete size " << size;
+}
+
+} // namespace
+
+SockJSXHRPollingWorker::SockJSXHRPollingWorker(QObject* parent, QTcpSocket* socket, QString host, int port,
+                                               bool ssl, bool keepAlive)
     : QObject(parent)
-{}
+    , m_host(host)
+    , m_port(port)
+    , m_ssl(ssl)
+    , m_keepAlive(keepAlive)
+    , m_socket(socket)
+    , m_parser(std::make_unique<HttpAnswerParser>())
+{
+    qRegisterMetaType<QStringMap>("QStringMap");
+}
+
 SockJSXHRPollingWorker::~SockJSXHRPollingWorker() = default;
+
 bool SockJSXHRPollingWorker::connectToServer()
 {
-    return false;
+    beginConnecting();
+    if (m_ssl)
+        return static_cast<QSslSocket*>(m_socket)->waitForEncrypted(connectLimit);
+    return m_socket->waitForConnected(connectLimit);
 }
-bool SockJSXHRPollingWorker::queueRequest(XHRRequest*)
+
+void SockJSXHRPollingWorker::beginConnecting()
 {
-    return false;
+    const auto port = static_cast<quint16>(m_port);
+    if (m_ssl)
+        static_cast<QSslSocket*>(m_socket)->connectToHostEncrypted(m_host, port);
+    else
+        m_socket->connectToHost(m_host, port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
 }
+
+bool SockJSXHRPollingWorker::queueRequest(XHRRequest* request)
+{
+    if (m_stop) {
+        qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Async socket tx queue error: Socket closing!";
+        return false;
+    }
+    if (!m_mutex.tryLock(lockLimit)) {
+        qCDebug(diagnostics)
+            << "[SockJSXHRPollingWorker] Async socket tx queue error: Failed to establish mutex lock!";
+        return false;
+    }
+    const bool accepted = m_waiting < maxQueueSize;
+    if (accepted) {
+        m_txQueue.append(request);
+        if (isReceiveRequest(request))
+            ++m_receiving;
+        ++m_waiting;
+    }
+    m_mutex.unlock();
+    if (accepted)
+        QMetaObject::invokeMethod(this, &SockJSXHRPollingWorker::wake, Qt::QueuedConnection);
+    else
+        qCDebug(diagnostics)
+            << "[SockJSXHRPollingWorker] Async socket tx queue error: Too many items in queue!";
+    return accepted;
+}
+
 void SockJSXHRPollingWorker::forceClose()
 {
     m_stop = true;
+    QMetaObject::invokeMethod(this, &SockJSXHRPollingWorker::wake, Qt::QueuedConnection);
 }
-bool SockJSXHRPollingWorker::isReceiving() const
+
+void SockJSXHRPollingWorker::transmitNextRequest()
 {
-    return false;
+    if (!m_mutex.tryLock(lockLimit))
+        return;
+    XHRRequest* request = nullptr;
+    if (m_waiting > 0) {
+        request = m_txQueue.takeFirst();
+        --m_waiting;
+    }
+    m_mutex.unlock();
+    if (!request)
+        return;
+    if (request->payload().isNull()) {
+        lose(request);
+        return;
+    }
+    m_parser->setStreaming(isStreaming(request));
+    m_sentQueue.append(request);
+    m_socket->write(request->payload().toUtf8());
+    m_socket->flush();
 }
-void SockJSXHRPollingWorker::transmitNextRequest() {}
-int SockJSXHRPollingWorker::parseHttpHeaderResponse(QByteArray, int*, QMap<QString, QString>*)
-{
-    return 0;
-}
-int SockJSXHRPollingWorker::parseMessageResponse(QByteArray, bool, QString*, int)
-{
-    return 0;
-}
+
 void SockJSXHRPollingWorker::process()
 {
+    watchSocket();
+    m_connected = m_socket->state() == QAbstractSocket::ConnectedState;
+    while (!m_stop && runOnce()) {
+    }
     Q_EMIT finished();
+}
+
+void SockJSXHRPollingWorker::watchSocket()
+{
+    connect(m_socket, &QTcpSocket::readyRead, this, &SockJSXHRPollingWorker::wake);
+    connect(m_socket, &QTcpSocket::stateChanged, this, &SockJSXHRPollingWorker::wake);
+    if (m_ssl)
+        connect(static_cast<QSslSocket*>(m_socket), &QSslSocket::encrypted, this,
+                &SockJSXHRPollingWorker::wake);
+}
+
+bool SockJSXHRPollingWorker::runOnce()
+{
+    if (!m_socket->isOpen() && m_keepAlive && !m_closedHere)
+        return false;
+    receive();
+    switch (m_socket->state()) {
+    case QAbstractSocket::UnconnectedState:
+        return restoreConnection();
+    case QAbstractSocket::ConnectedState:
+        serve();
+        return true;
+    default:
+        waitForEvent(idleWait);
+        return true;
+    }
+}
+
+void SockJSXHRPollingWorker::serve()
+{
+    m_connected = true;
+    if (mayTransmit()) {
+        m_parser->reset();
+        transmitNextRequest();
+        return;
+    }
+    waitForEvent(timeToWait());
+    if (m_socket->bytesAvailable() == 0)
+        checkTimeLimits();
+}
+
+// What is left over from the last answer is not half received; an answer to no request is.
+bool SockJSXHRPollingWorker::mayTransmit() const
+{
+    return m_waiting > 0 && !isInFlight() && m_hold.hasExpired() && m_parser->isBetweenAnswers();
+}
+
+int SockJSXHRPollingWorker::timeToWait() const
+{
+    qint64 msecs = idleWait;
+    if (!m_hold.hasExpired())
+        msecs = std::min(msecs, m_hold.remainingTime());
+    if (m_parser->hasPending())
+        msecs = std::min(msecs, stallLimit + 1 - m_lastReceived.elapsed());
+    if (!m_resync.isForever())
+        msecs = std::min(msecs, m_resync.remainingTime());
+    return static_cast<int>(std::max<qint64>(msecs, 0));
+}
+
+// Ends early when the socket has news, and when wake() comes from another thread.
+void SockJSXHRPollingWorker::waitForEvent(int msecs)
+{
+    QEventLoop loop;
+    QTimer::singleShot(msecs, Qt::PreciseTimer, &loop, &QEventLoop::quit);
+    m_wait = &loop;
+    const int result = loop.exec();
+    m_wait = nullptr;
+    // A loop that does not even start belongs to a thread that is to quit.
+    if (result != 0)
+        m_stop = true;
+}
+
+void SockJSXHRPollingWorker::wake()
+{
+    if (m_wait)
+        m_wait->quit();
+}
+
+void SockJSXHRPollingWorker::receive()
+{
+    if (m_socket->bytesAvailable() <= 0)
+        return;
+    m_lastReceived.start();
+    m_parser->add(m_socket->readAll());
+    readEvents();
+}
+
+void SockJSXHRPollingWorker::readEvents()
+{
+    using Event = HttpAnswerParser::Event;
+    while (!m_stop) {
+        const Event event = m_parser->next();
+        switch (event.type) {
+        case Event::Incomplete:
+            return;
+        case Event::Header:
+            beginAnswer(event.headers, event.chunked, event.contentLength, event.closes);
+            break;
+        case Event::ChunkContinued:
+            qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Chunk_continued";
+            break;
+        case Event::Message:
+        case Event::Empty:
+            if (event.endChunkSize >= 0)
+                logEndChunk(event.endChunkSize);
+            if (event.type == Event::Message)
+                deliver(event.text, event.ends);
+            else
+                deliverEnd();
+            break;
+        case Event::Broken:
+            qCDebug(diagnostics)
+                << "[SockJSXHRPollingWorker] Answer beyond all limits, dropping the connection";
+            m_hold.setRemainingTime(idleWait);
+            dropConnection();
+            return;
+        }
+    }
+}
+
+void SockJSXHRPollingWorker::beginAnswer(const QStringMap& headers, bool chunked, int contentLength,
+                                         bool closes)
+{
+    m_resync = QDeadlineTimer(QDeadlineTimer::Forever);
+    XHRRequest* request = m_sentQueue.isEmpty() ? m_answer.request : m_sentQueue.takeFirst();
+    m_answer = Answer();
+    m_answer.request = request;
+    m_answer.closes = closes;
+    if (!request)
+        return;
+    if (chunked)
+        qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Detected transfer-encoding: chunked header";
+    request->setChunked(chunked);
+    request->setContentLength(contentLength);
+    Q_EMIT receivedHeadersResponse(request, headers);
+}
+
+// The request counts as answered before the signal goes out, because the receiver asks for the next answer at
+// once.
+void SockJSXHRPollingWorker::deliver(const QString& text, bool ends)
+{
+    XHRRequest* request = m_answer.request;
+    m_answer.hasText = true;
+    m_answer.isGood = m_answer.isGood || isGoodFrame(text);
+    if (ends)
+        endAnswer();
+    if (request)
+        Q_EMIT receivedMessageResponse(request, text);
+}
+
+void SockJSXHRPollingWorker::deliverEnd()
+{
+    XHRRequest* request = m_answer.request;
+    const bool empty = !m_answer.hasText;
+    endAnswer();
+    if (request && empty)
+        Q_EMIT receivedEmptyResponse(request);
+}
+
+void SockJSXHRPollingWorker::endAnswer()
+{
+    const Answer answer = std::exchange(m_answer, Answer());
+    if (answer.request) {
+        m_answered = true;
+        letGo(answer.request);
+        // A server that fails is asked once a second.
+        if (!answer.isGood)
+            m_hold.setRemainingTime(idleWait);
+    }
+    // The next streaming request follows from the reconnection.
+    if (answer.closes || (answer.request && isStreaming(answer.request)))
+        dropConnection();
+}
+
+void SockJSXHRPollingWorker::checkTimeLimits()
+{
+    if (m_parser->hasPending() && m_lastReceived.hasExpired(stallLimit)) {
+        if (m_parser->isUnbounded()) {
+            m_parser->endUnbounded();
+            readEvents();
+        } else {
+            discardPending();
+        }
+    } else if (m_resync.hasExpired()) {
+        dropConnection();
+    }
+}
+
+// Where the next answer begins is unknown now. One that comes at once is taken; otherwise the connection is
+// given up, because the request would never be answered.
+void SockJSXHRPollingWorker::discardPending()
+{
+    qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Incoming data timeout, clearing buffer";
+    qCDebug(diagnostics).noquote().nospace()
+        << "[SockJSXHRPollingWorker.BufferData] = " << m_parser->pending();
+    m_parser->reset();
+    if (isInFlight())
+        m_resync.setRemainingTime(idleWait);
+}
+
+// Ends the connection so that it is made anew. What is in flight on it is lost.
+void SockJSXHRPollingWorker::dropConnection()
+{
+    m_connected = false;
+    m_closedHere = true;
+    m_parser->reset();
+    loseInFlight();
+    m_socket->abort();
+}
+
+// The far end has ended the connection.
+void SockJSXHRPollingWorker::endConnection()
+{
+    m_connected = false;
+    m_parser->endUnbounded();
+    readEvents();
+    if (!m_answered)
+        m_hold.setRemainingTime(idleWait);
+    m_parser->reset();
+    loseInFlight();
+}
+
+bool SockJSXHRPollingWorker::restoreConnection()
+{
+    if (m_connected)
+        endConnection();
+    if (!m_hold.hasExpired()) {
+        waitForEvent(static_cast<int>(m_hold.remainingTime()));
+        return true;
+    }
+    if (m_keepAlive)
+        qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Connection lost, attempting to re-establish...";
+    if (reconnect()) {
+        m_connectAttempts = 0;
+        Q_EMIT reconnected();
+        return true;
+    }
+    if (m_stop || m_connectAttempts++ < maxConnectAttempts)
+        return true;
+    qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Connection attempts exceeded retry limit!";
+    return false;
+}
+
+// As connectToServer(), but within the event loop, so that forceClose() ends it.
+bool SockJSXHRPollingWorker::reconnect()
+{
+    m_closedHere = true;
+    m_answered = false;
+    const QDeadlineTimer limit(connectLimit);
+    beginConnecting();
+    while (!m_stop && !isReady() && !limit.hasExpired() &&
+           m_socket->state() != QAbstractSocket::UnconnectedState)
+        waitForEvent(static_cast<int>(limit.remainingTime()));
+    m_connected = isReady();
+    if (m_connected)
+        m_closedHere = false;
+    else
+        m_socket->abort();
+    return m_connected;
+}
+
+bool SockJSXHRPollingWorker::isReady() const
+{
+    return m_socket->state() == QAbstractSocket::ConnectedState &&
+           (!m_ssl || static_cast<QSslSocket*>(m_socket)->isEncrypted());
+}
+
+void SockJSXHRPollingWorker::loseInFlight()
+{
+    m_resync = QDeadlineTimer(QDeadlineTimer::Forever);
+    if (XHRRequest* request = std::exchange(m_answer, Answer()).request)
+        lose(request);
+    while (!m_sentQueue.isEmpty())
+        lose(m_sentQueue.takeFirst());
+}
+
+void SockJSXHRPollingWorker::lose(XHRRequest* request)
+{
+    letGo(request);
+    Q_EMIT requestLost(request);
+}
+
+void SockJSXHRPollingWorker::letGo(const XHRRequest* request)
+{
+    if (isReceiveRequest(request))
+        --m_receiving;
+}
+
+int SockJSXHRPollingWorker::parseHttpHeaderResponse(QByteArray data, int* status,
+                                                    QMap<QString, QString>* headers)
+{
+    *status = -1;
+    int position = data.indexOf("HTTP/");
+    if (position < 0)
+        return 0;
+    *status = 200;
+    HttpAnswerParser::takeLine(data, &position);
+    while (position < data.size()) {
+        const QByteArray line = HttpAnswerParser::takeLine(data, &position);
+        if (line.isEmpty())
+            break;
+        const int colon = line.indexOf(':');
+        if (colon > 0)
+            headers->insert(QString::fromUtf8(line.left(colon)), QString::fromUtf8(line.mid(colon + 1)));
+    }
+    return position;
+}
+
+int SockJSXHRPollingWorker::parseMessageResponse(QByteArray data, bool chunked, QString* out,
+                                                 int contentLength)
+{
+    if (!chunked) {
+        const int size = contentLength < 2 ? data.size() : std::min(contentLength, data.size());
+        out->append(QString::fromUtf8(data.constData(), size));
+        return size;
+    }
+    int position = 0;
+    QByteArray line = HttpAnswerParser::takeLine(data, &position);
+    if (line.isEmpty()) {
+        qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Chunk_continued";
+        line = HttpAnswerParser::takeLine(data, &position);
+    }
+    const int size = line.toInt(nullptr, 16);
+    if (size < 2) {
+        logEndChunk(out->length());
+        return -1;
+    }
+    if (size > data.size() - position)
+        return 0;
+    out->append(QString::fromUtf8(data.constData() + position, size));
+    return position + size + 2;
 }

@@ -33,62 +33,125 @@ public:
     /// port are where it is connected to, at first and again whenever the connection is lost.
     SockJSXHRPollingWorker(QObject* parent, QTcpSocket* socket, QString host, int port, bool ssl,
                            bool keepAlive);
+    /// Frees no request.
     ~SockJSXHRPollingWorker() override;
 
     /// Connects the socket, with TLS the handshake included. Blocks for up to 30 seconds, without events.
     /// False when that failed; the socket's errorString() tells why.
     bool connectToServer();
 
-    /// Puts \p request at the end of the queue; it is written when no other is in flight, at once if none is.
-    /// False when the worker is closing, when the queue is locked for over a second, or when it holds 51
-    /// requests. The request stays the caller's in either case and must live until its answer, or its loss,
-    /// is reported.
+    /// Puts \p request at the end of the queue. It is written when no other is in flight, at once if none is.
+    ///
+    /// False, with a debug line, when the worker is closing, when the queue stays locked for a second, or
+    /// when it holds 51 requests. The request stays the caller's in either case. One that was taken must live
+    /// until its answer or its loss has been reported, or the worker has finished.
     bool queueRequest(XHRRequest* request);
 
-    /// Ends process() within 50 ms. Requests that are waiting are never written.
+    /// Ends process() within 50 ms. What waits in the queue is never written.
     void forceClose();
 
     /// Whether a receive request ("/xhr" or "/xhr_streaming") is waiting or in flight.
-    bool isReceiving() const;
+    bool isReceiving() const { return m_receiving.load() > 0; }
 
-    /// Writes the first waiting request to the socket, if there is one. A step of process(), which calls it
-    /// only when nothing is in flight and nothing half received.
+    /// Writes the first waiting request to the socket, if there is one. A step of process(), which takes it
+    /// only when nothing is in flight and nothing is half received.
     void transmitNextRequest();
 
-    /// Reads the header of the answer in \p data. Sets \p status to 200 (-1 when there is no "HTTP/"
-    /// anywhere) and adds each line's name and value to \p headers, a later duplicate in place of an earlier
-    /// one; names as they are, values with the blank after the colon. Returns the number of bytes up to and
-    /// with the empty line or the end of the data, 0 when there is no "HTTP/".
+    /// Reads the header in \p data, after whatever stands before it. Sets \p status to 200 whatever the
+    /// answer's status is, and adds each line's name and value to \p headers: names as they are, values with
+    /// the blank after the colon, a later duplicate in place of an earlier one. Returns the bytes up to and
+    /// with the empty line, or all of \p data when there is none. Without an "HTTP/" in \p data: 0, and \p
+    /// status is -1.
     int parseHttpHeaderResponse(QByteArray data, int* status, QMap<QString, QString>* headers);
 
-    /// Appends the body in \p data, or its next chunk, to \p out and returns the number of bytes read. 0:
-    /// there is not enough data. -1: the end chunk of a chunked body, which is any size below 2 and any line
-    /// that is no number. A \p contentLength below 2 sets no bound.
+    /// Appends the body in \p data, or its first chunk, to \p out and returns the bytes read; 0 when there
+    /// are not enough. -1 is the end of a chunked body: a chunk size below 2, or a line that is no number. A
+    /// \p contentLength below 2 sets no bound. \p data is taken to hold whole UTF-8 characters.
     int parseMessageResponse(QByteArray data, bool chunked, QString* out, int contentLength);
 
 public Q_SLOTS:
-    /// Runs until forceClose(), until the socket is closed by someone else, or until the eleventh failure in
-    /// a row to reconnect; then emits finished(). Runs an event loop of this thread while it waits.
+    /// Runs until forceClose(), until someone else closes the socket, or until the eleventh failure in a row
+    /// to reconnect; then emits finished(). Runs an event loop of this thread while it waits.
     void process();
 
 Q_SIGNALS:
     /// process() has ended; nothing follows.
     void finished();
-    /// A lost connection has been made anew. What was in flight on the old one is gone (requestLost).
+    /// A lost connection has been made anew. What was in flight on the old one has been reported by
+    /// requestLost().
     void reconnected();
-    /// The header of the answer to \p request has come. Names in their usual spelling ("Set-Cookie"); several
-    /// Set-Cookie lines are one value with a newline between them. The transport releases the request
-    /// that came with the signal before this one.
+    /// The header of the answer to \p request has come. Names are in their usual spelling ("Set-Cookie");
+    /// several Set-Cookie lines are one value with a newline between them.
     void receivedHeadersResponse(XHRRequest* request, QStringMap headers);
-    /// The body of the answer to \p request, or one frame of a streamed body, without its trailing newline.
+    /// The body of the answer to \p request, or one frame of a streamed one, without the newline at its end.
     void receivedMessageResponse(XHRRequest* request, QString message);
-    /// The answer to \p request is complete and has had no text in it.
+    /// The answer to \p request is complete, and no text was in it.
     void receivedEmptyResponse(XHRRequest* request);
-    /// \p request will not be answered (any further); the worker has let go of it.
+    /// \p request will not be answered, or not any further; the worker has let go of it.
     void requestLost(XHRRequest* request);
+
+private Q_SLOTS:
+    void wake();
 
 private:
     Q_DISABLE_COPY(SockJSXHRPollingWorker)
 
+    // What is known of the answer that is being received.
+    struct Answer
+    {
+        XHRRequest* request = nullptr; // null: it answers no request of ours
+        bool closes = false;           // the connection ends after it
+        bool hasText = false;
+        bool isGood = false; // it has given a frame that keeps the session going
+    };
+
+    void beginConnecting();
+    void watchSocket();
+    bool runOnce();
+    void serve();
+    bool mayTransmit() const;
+    bool isInFlight() const { return m_answer.request || !m_sentQueue.isEmpty(); }
+    int timeToWait() const;
+    void waitForEvent(int msecs);
+
+    void receive();
+    void readEvents();
+    void beginAnswer(const QStringMap& headers, bool chunked, int contentLength, bool closes);
+    void deliver(const QString& text, bool ends);
+    void deliverEnd();
+    void endAnswer();
+    void checkTimeLimits();
+    void discardPending();
+
+    void dropConnection();
+    void endConnection();
+    bool restoreConnection();
+    bool reconnect();
+    bool isReady() const;
+    void loseInFlight();
+    void lose(XHRRequest* request);
+    void letGo(const XHRRequest* request);
+
+    QElapsedTimer m_lastReceived;
+    int m_connectAttempts = 0;
+    QString m_host;
+    int m_port;
+    bool m_ssl;
+    bool m_keepAlive;
     std::atomic<bool> m_stop{false};
+    QMutex m_mutex;
+    QList<XHRRequest*> m_txQueue;
+    QList<XHRRequest*> m_sentQueue;
+    QTcpSocket* m_socket;
+
+    std::atomic<int> m_waiting{0};   // the size of m_txQueue
+    std::atomic<int> m_receiving{0}; // receive requests that are waiting or in flight
+    std::unique_ptr<HttpAnswerParser> m_parser;
+    QEventLoop* m_wait = nullptr;
+    Answer m_answer;
+    bool m_connected = false;
+    bool m_closedHere = false; // the socket is closed because this class closed it
+    bool m_answered = false;   // this connection has brought an answer
+    QDeadlineTimer m_hold;     // no request is written and no connection made before it has passed
+    QDeadlineTimer m_resync{QDeadlineTimer::Forever}; // when to give up on an answer that was cut by a stall
 };

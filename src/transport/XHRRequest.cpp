@@ -1,6 +1,6 @@
 #include "transport/XHRRequest.h"
 
-int XHRRequest::REQUEST_COUNTER = 0;
+std::atomic<int> XHRRequest::REQUEST_COUNTER{0};
 
 XHRRequest::XHRRequest(const QString& path, const QString& payload, QObject* parent)
     : QObject(parent), m_requestId(++REQUEST_COUNTER), m_path(path), m_payload(payload)

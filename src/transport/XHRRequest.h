@@ -6,6 +6,8 @@
 #include <QObject>
 #include <QString>
 
+#include <atomic>
+
 /// The name under which header maps travel in queued signals.
 using QStringMap = QMap<QString, QString>;
 
@@ -37,7 +39,7 @@ public:
     void setContentLength(int length) { m_contentLength = length; }
 
 private:
-    static int REQUEST_COUNTER;
+    static std::atomic<int> REQUEST_COUNTER;
 
     int m_requestId;
     QString m_path;
