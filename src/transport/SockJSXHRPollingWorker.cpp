@@ -2,20 +2,17 @@
 
 #include "Diagnostics.h"
 #include "transport/HttpAnswerParser.h"
-
-#include <QEventLoop>
-#include <QSslSocket>
-#include <QTimer>
+#include "transport/RawConnection.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace {
 
-constexpr int connectLimit = 30000; // milliseconds, as all below
-constexpr int lockLimit = 1000;
+constexpr int lockLimit = 1000; // milliseconds, as all below
 constexpr int idleWait = 1000;
 constexpr int stallLimit = 2000;
+
 constexpr int maxQueueSize = 51;
 constexpr int maxConnectAttempts = 10;
 
@@ -45,11 +42,8 @@ void logEndChunk(int size)
 SockJSXHRPollingWorker::SockJSXHRPollingWorker(QObject* parent, QTcpSocket* socket, QString host, int port,
                                                bool ssl, bool keepAlive)
     : QObject(parent)
-    , m_host(host)
-    , m_port(port)
-    , m_ssl(ssl)
     , m_keepAlive(keepAlive)
-    , m_socket(socket)
+    , m_connection(new RawConnection(this, socket, host, port, ssl))
     , m_parser(std::make_unique<HttpAnswerParser>())
 {
     qRegisterMetaType<QStringMap>("QStringMap");
@@ -59,19 +53,7 @@ SockJSXHRPollingWorker::~SockJSXHRPollingWorker() = default;
 
 bool SockJSXHRPollingWorker::connectToServer()
 {
-    beginConnecting();
-    if (m_ssl)
-        return static_cast<QSslSocket*>(m_socket)->waitForEncrypted(connectLimit);
-    return m_socket->waitForConnected(connectLimit);
-}
-
-void SockJSXHRPollingWorker::beginConnecting()
-{
-    const auto port = static_cast<quint16>(m_port);
-    if (m_ssl)
-        static_cast<QSslSocket*>(m_socket)->connectToHostEncrypted(m_host, port);
-    else
-        m_socket->connectToHost(m_host, port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
+    return m_connection->connectBlocking();
 }
 
 bool SockJSXHRPollingWorker::queueRequest(XHRRequest* request)
@@ -94,7 +76,7 @@ bool SockJSXHRPollingWorker::queueRequest(XHRRequest* request)
     }
     m_mutex.unlock();
     if (accepted)
-        QMetaObject::invokeMethod(this, &SockJSXHRPollingWorker::wake, Qt::QueuedConnection);
+        wakeFromAnyThread();
     else
         qCDebug(diagnostics)
             << "[SockJSXHRPollingWorker] Async socket tx queue error: Too many items in queue!";
@@ -104,7 +86,12 @@ bool SockJSXHRPollingWorker::queueRequest(XHRRequest* request)
 void SockJSXHRPollingWorker::forceClose()
 {
     m_stop = true;
-    QMetaObject::invokeMethod(this, &SockJSXHRPollingWorker::wake, Qt::QueuedConnection);
+    wakeFromAnyThread();
+}
+
+void SockJSXHRPollingWorker::wakeFromAnyThread()
+{
+    QMetaObject::invokeMethod(m_connection, &RawConnection::wake, Qt::QueuedConnection);
 }
 
 void SockJSXHRPollingWorker::transmitNextRequest()
@@ -125,43 +112,29 @@ void SockJSXHRPollingWorker::transmitNextRequest()
     }
     m_parser->setStreaming(isStreaming(request));
     m_sentQueue.append(request);
-    m_socket->write(request->payload().toUtf8());
-    m_socket->flush();
+    m_connection->write(request->payload().toUtf8());
 }
 
 void SockJSXHRPollingWorker::process()
 {
-    watchSocket();
-    m_connected = m_socket->state() == QAbstractSocket::ConnectedState;
+    m_connected = m_connection->isConnected();
     while (!m_stop && runOnce()) {
     }
     Q_EMIT finished();
 }
 
-void SockJSXHRPollingWorker::watchSocket()
-{
-    connect(m_socket, &QTcpSocket::readyRead, this, &SockJSXHRPollingWorker::wake);
-    connect(m_socket, &QTcpSocket::stateChanged, this, &SockJSXHRPollingWorker::wake);
-    if (m_ssl)
-        connect(static_cast<QSslSocket*>(m_socket), &QSslSocket::encrypted, this,
-                &SockJSXHRPollingWorker::wake);
-}
-
 bool SockJSXHRPollingWorker::runOnce()
 {
-    if (!m_socket->isOpen() && m_keepAlive && !m_closedHere)
+    if (m_connection->isClosed() && m_keepAlive)
         return false;
     receive();
-    switch (m_socket->state()) {
-    case QAbstractSocket::UnconnectedState:
+    if (m_connection->isUnconnected())
         return restoreConnection();
-    case QAbstractSocket::ConnectedState:
+    if (m_connection->isConnected())
         serve();
-        return true;
-    default:
-        waitForEvent(idleWait);
-        return true;
-    }
+    else
+        wait(idleWait);
+    return true;
 }
 
 void SockJSXHRPollingWorker::serve()
@@ -172,8 +145,8 @@ void SockJSXHRPollingWorker::serve()
         transmitNextRequest();
         return;
     }
-    waitForEvent(timeToWait());
-    if (m_socket->bytesAvailable() == 0)
+    wait(timeToWait());
+    if (!m_connection->hasBytes())
         checkTimeLimits();
 }
 
@@ -183,7 +156,13 @@ bool SockJSXHRPollingWorker::mayTransmit() const
     return m_waiting > 0 && !isInFlight() && m_hold.hasExpired() && m_parser->isBetweenAnswers();
 }
 
-int SockJSXHRPollingWorker::timeToWait() const
+void SockJSXHRPollingWorker::wait(qint64 msecs)
+{
+    if (!m_connection->wait(static_cast<int>(msecs)))
+        m_stop = true;
+}
+
+qint64 SockJSXHRPollingWorker::timeToWait() const
 {
     qint64 msecs = idleWait;
     if (!m_hold.hasExpired())
@@ -192,34 +171,15 @@ int SockJSXHRPollingWorker::timeToWait() const
         msecs = std::min(msecs, stallLimit + 1 - m_lastReceived.elapsed());
     if (!m_resync.isForever())
         msecs = std::min(msecs, m_resync.remainingTime());
-    return static_cast<int>(std::max<qint64>(msecs, 0));
-}
-
-// Ends early when the socket has news, and when wake() comes from another thread.
-void SockJSXHRPollingWorker::waitForEvent(int msecs)
-{
-    QEventLoop loop;
-    QTimer::singleShot(msecs, Qt::PreciseTimer, &loop, &QEventLoop::quit);
-    m_wait = &loop;
-    const int result = loop.exec();
-    m_wait = nullptr;
-    // A loop that does not even start belongs to a thread that is to quit.
-    if (result != 0)
-        m_stop = true;
-}
-
-void SockJSXHRPollingWorker::wake()
-{
-    if (m_wait)
-        m_wait->quit();
+    return std::max<qint64>(msecs, 0);
 }
 
 void SockJSXHRPollingWorker::receive()
 {
-    if (m_socket->bytesAvailable() <= 0)
+    if (!m_connection->hasBytes())
         return;
     m_lastReceived.start();
-    m_parser->add(m_socket->readAll());
+    m_parser->add(m_connection->readAll());
     readEvents();
 }
 
@@ -340,10 +300,9 @@ void SockJSXHRPollingWorker::discardPending()
 void SockJSXHRPollingWorker::dropConnection()
 {
     m_connected = false;
-    m_closedHere = true;
+    m_connection->drop();
     m_parser->reset();
     loseInFlight();
-    m_socket->abort();
 }
 
 // The far end has ended the connection.
@@ -363,12 +322,14 @@ bool SockJSXHRPollingWorker::restoreConnection()
     if (m_connected)
         endConnection();
     if (!m_hold.hasExpired()) {
-        waitForEvent(static_cast<int>(m_hold.remainingTime()));
+        wait(m_hold.remainingTime());
         return true;
     }
     if (m_keepAlive)
         qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Connection lost, attempting to re-establish...";
-    if (reconnect()) {
+    m_answered = false;
+    m_connected = m_connection->connectWaiting(m_stop);
+    if (m_connected) {
         m_connectAttempts = 0;
         Q_EMIT reconnected();
         return true;
@@ -377,30 +338,6 @@ bool SockJSXHRPollingWorker::restoreConnection()
         return true;
     qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Connection attempts exceeded retry limit!";
     return false;
-}
-
-// As connectToServer(), but within the event loop, so that forceClose() ends it.
-bool SockJSXHRPollingWorker::reconnect()
-{
-    m_closedHere = true;
-    m_answered = false;
-    const QDeadlineTimer limit(connectLimit);
-    beginConnecting();
-    while (!m_stop && !isReady() && !limit.hasExpired() &&
-           m_socket->state() != QAbstractSocket::UnconnectedState)
-        waitForEvent(static_cast<int>(limit.remainingTime()));
-    m_connected = isReady();
-    if (m_connected)
-        m_closedHere = false;
-    else
-        m_socket->abort();
-    return m_connected;
-}
-
-bool SockJSXHRPollingWorker::isReady() const
-{
-    return m_socket->state() == QAbstractSocket::ConnectedState &&
-           (!m_ssl || static_cast<QSslSocket*>(m_socket)->isEncrypted());
 }
 
 void SockJSXHRPollingWorker::loseInFlight()

@@ -14,8 +14,8 @@
 #include <memory>
 
 class HttpAnswerParser;
-class QEventLoop;
 class QTcpSocket;
+class RawConnection;
 
 /// The receiving side of an XHR transport: HTTP/1.1 by hand over one lasting TCP or TLS socket, on a thread
 /// of its own.
@@ -90,9 +90,6 @@ Q_SIGNALS:
     /// \p request will not be answered, or not any further; the worker has let go of it.
     void requestLost(XHRRequest* request);
 
-private Q_SLOTS:
-    void wake();
-
 private:
     Q_DISABLE_COPY(SockJSXHRPollingWorker)
 
@@ -105,14 +102,13 @@ private:
         bool isGood = false; // it has given a frame that keeps the session going
     };
 
-    void beginConnecting();
-    void watchSocket();
     bool runOnce();
     void serve();
     bool mayTransmit() const;
     bool isInFlight() const { return m_answer.request || !m_sentQueue.isEmpty(); }
-    int timeToWait() const;
-    void waitForEvent(int msecs);
+    qint64 timeToWait() const;
+    void wait(qint64 msecs);
+    void wakeFromAnyThread();
 
     void receive();
     void readEvents();
@@ -126,32 +122,25 @@ private:
     void dropConnection();
     void endConnection();
     bool restoreConnection();
-    bool reconnect();
-    bool isReady() const;
     void loseInFlight();
     void lose(XHRRequest* request);
     void letGo(const XHRRequest* request);
 
     QElapsedTimer m_lastReceived;
     int m_connectAttempts = 0;
-    QString m_host;
-    int m_port;
-    bool m_ssl;
     bool m_keepAlive;
     std::atomic<bool> m_stop{false};
     QMutex m_mutex;
     QList<XHRRequest*> m_txQueue;
     QList<XHRRequest*> m_sentQueue;
-    QTcpSocket* m_socket;
 
     std::atomic<int> m_waiting{0};   // the size of m_txQueue
     std::atomic<int> m_receiving{0}; // receive requests that are waiting or in flight
+    RawConnection* m_connection;
     std::unique_ptr<HttpAnswerParser> m_parser;
-    QEventLoop* m_wait = nullptr;
     Answer m_answer;
     bool m_connected = false;
-    bool m_closedHere = false; // the socket is closed because this class closed it
-    bool m_answered = false;   // this connection has brought an answer
-    QDeadlineTimer m_hold;     // no request is written and no connection made before it has passed
+    bool m_answered = false; // this connection has brought an answer
+    QDeadlineTimer m_hold;   // no request is written and no connection made before it has passed
     QDeadlineTimer m_resync{QDeadlineTimer::Forever}; // when to give up on an answer that was cut by a stall
 };

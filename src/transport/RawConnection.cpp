@@ -1,0 +1,106 @@
+#include "transport/RawConnection.h"
+
+#include <QDeadlineTimer>
+#include <QEventLoop>
+#include <QSslSocket>
+#include <QTimer>
+
+RawConnection::RawConnection(QObject* parent, QTcpSocket* socket, const QString& host, int port, bool secure)
+    : QObject(parent), m_socket(socket), m_host(host), m_port(static_cast<quint16>(port)), m_secure(secure)
+{
+    connect(m_socket, &QTcpSocket::readyRead, this, &RawConnection::wake);
+    connect(m_socket, &QTcpSocket::stateChanged, this, &RawConnection::wake);
+    if (m_secure)
+        connect(static_cast<QSslSocket*>(m_socket), &QSslSocket::encrypted, this, &RawConnection::wake);
+}
+
+void RawConnection::begin()
+{
+    if (m_tls)
+        m_tls->connectToHostEncrypted(m_host, m_port);
+    else
+        m_socket->connectToHost(m_host, m_port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
+}
+
+bool RawConnection::connectBlocking()
+{
+    begin();
+    if (m_tls)
+        return m_tls->waitForEncrypted(ConnectLimit);
+    return m_socket->waitForConnected(ConnectLimit);
+}
+
+// The socket's own waits cannot be cut in slices: one that times out gives the connection up.
+bool RawConnection::connectWaiting(const std::atomic<bool>& stop)
+{
+    const QDeadlineTimer limit(ConnectLimit);
+    begin();
+    while (!stop && !isReady() && !isUnconnected() && !limit.hasExpired()) {
+        if (!wait(static_cast<int>(limit.remainingTime())))
+            break;
+    }
+    if (!isReady())
+        drop();
+    m_dropped = !isReady();
+    return isReady();
+}
+
+void RawConnection::drop()
+{
+    m_dropped = true;
+    m_socket->abort();
+}
+
+bool RawConnection::isReady() const
+{
+    return isConnected() && (!m_tls || m_tls->isEncrypted());
+}
+
+bool RawConnection::isConnected() const
+{
+    return m_socket->state() == QAbstractSocket::ConnectedState;
+}
+
+bool RawConnection::isUnconnected() const
+{
+    return m_socket->state() == QAbstractSocket::UnconnectedState;
+}
+
+// A socket that the far end has left is still open, in this sense.
+bool RawConnection::isClosed() const
+{
+    return !m_socket->isOpen() && !m_dropped;
+}
+
+bool RawConnection::hasBytes() const
+{
+    return m_socket->bytesAvailable() > 0;
+}
+
+QByteArray RawConnection::readAll()
+{
+    return m_socket->readAll();
+}
+
+void RawConnection::write(const QByteArray& bytes)
+{
+    m_socket->write(bytes);
+    m_socket->flush();
+}
+
+bool RawConnection::wait(int msecs)
+{
+    QEventLoop loop;
+    QTimer::singleShot(msecs, Qt::PreciseTimer, &loop, &QEventLoop::quit);
+    m_wait = &loop;
+    // A loop that is not even started belongs to a thread that is to quit.
+    const bool ran = loop.exec() == 0;
+    m_wait = nullptr;
+    return ran;
+}
+
+void RawConnection::wake()
+{
+    if (m_wait)
+        m_wait->quit();
+}
