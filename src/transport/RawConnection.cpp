@@ -6,12 +6,18 @@
 #include <QTimer>
 
 RawConnection::RawConnection(QObject* parent, QTcpSocket* socket, const QString& host, int port, bool secure)
-    : QObject(parent), m_socket(socket), m_host(host), m_port(static_cast<quint16>(port)), m_secure(secure)
+    : QObject(parent)
+    , m_socket(socket)
+    , m_tls(secure ? qobject_cast<QSslSocket*>(socket) : nullptr)
+    , m_host(host)
+    , m_port(static_cast<quint16>(port))
 {
-    connect(m_socket, &QTcpSocket::readyRead, this, &RawConnection::wake);
-    connect(m_socket, &QTcpSocket::stateChanged, this, &RawConnection::wake);
-    if (m_secure)
-        connect(static_cast<QSslSocket*>(m_socket), &QSslSocket::encrypted, this, &RawConnection::wake);
+    if (m_socket) {
+        connect(m_socket, &QTcpSocket::readyRead, this, &RawConnection::wake);
+        connect(m_socket, &QTcpSocket::stateChanged, this, &RawConnection::wake);
+    }
+    if (m_tls)
+        connect(m_tls, &QSslSocket::encrypted, this, &RawConnection::wake);
 }
 
 void RawConnection::begin()
