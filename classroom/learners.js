@@ -11,7 +11,8 @@ the session ends, then one line of totals is printed. Exit status 0: all have jo
 that they were sent could be decoded.
 
   --url URL            the classroom's address
-  --session CODE|auto  the code of a started session; "auto" takes the newest, or waits for one
+  --session CODE|auto  the code of a started session; "auto" takes the newest whose presenter is
+                       on the bus, or waits for one
   --count N            how many learners
   --answer-after MS    how long each thinks before it answers (0)
   --repeat             when a session has ended, wait for the next, until SIGINT or SIGTERM

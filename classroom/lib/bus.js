@@ -21,6 +21,8 @@ function parseFrame(text) {
   }
 }
 
+const presenterAddress = (session) => `${session.token}.presenter`;
+
 const isAddress = (value) => typeof value === 'string' && value !== '';
 
 function received(address, { body = null, headers, replyAddress }) {
@@ -35,10 +37,10 @@ export class Bus {
   #connections = new Set();
   #addresses = new Addresses();
   #replies = new BoundedMap(MAX_PENDING_REPLIES);
-  #presence = new Presence((session, body) => this.#publish(`${session.token}.presenter`, { body }));
+  #presence = new Presence((session, body) => this.#publish(presenterAddress(session), { body }));
   #handlers = {
     register: (connection, frame, session) => this.#register(connection, frame, session),
-    unregister: (connection, frame) => this.#unregister(connection, frame),
+    unregister: (connection, frame, session) => this.#unregister(connection, frame, session),
     publish: (connection, frame) => this.#publish(frame.address, frame),
     send: (connection, frame) => this.#send(connection, frame),
   };
@@ -118,11 +120,13 @@ export class Bus {
     }
     this.#addresses.add(address, connection);
     session.connections.add(connection);
+    if (address === presenterAddress(session)) this.#sessions.addPresenter(session, connection);
     this.#presence.registered(session, address, connection);
   }
 
-  #unregister(connection, { address }) {
+  #unregister(connection, { address }, session) {
     this.#addresses.remove(address, connection);
+    if (address === presenterAddress(session)) session.presenters.delete(connection);
     this.#presence.unregistered(address, connection);
   }
 
@@ -156,7 +160,9 @@ export class Bus {
   #ended(connection) {
     this.#connections.delete(connection);
     for (const address of [...connection.addresses]) {
-      this.#sessions.owning(address)?.connections.delete(connection);
+      const session = this.#sessions.owning(address);
+      session?.connections.delete(connection);
+      session?.presenters.delete(connection);
       this.#addresses.remove(address, connection);
     }
     this.#presence.ended(connection);

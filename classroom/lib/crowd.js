@@ -1,3 +1,4 @@
+import { setMaxListeners } from 'node:events';
 import { Learner } from './learner.js';
 import { JOINS_AT_ONCE } from './limits.js';
 import { requestJson } from './rest.js';
@@ -32,6 +33,8 @@ export class Crowd {
   async attend(code, signal) {
     const learners = Array.from({ length: this.#settings.count }, (_, i) => new Learner(i, this.#settings));
     const leaveAll = () => learners.forEach((learner) => learner.leave());
+    // Every join that is under way listens to the signal: no leak, whatever Node thinks of more than ten.
+    setMaxListeners(0, signal);
     signal.addEventListener('abort', leaveAll);
     const joined = await this.#joinAll(learners, code, signal);
     this.#settings.note(`session ${code}: ${joined.length} of ${learners.length} learners joined`);
@@ -87,10 +90,10 @@ export async function findSession(url, code, signal) {
   return session;
 }
 
-/** The newest started session with a sequence number above `since`; waits for one. */
+/** The newest session with a listening presenter and a sequence number above `since`; waits for one. */
 export async function waitForSession(url, since, signal) {
   for (;;) {
-    const sessions = await listSessions(url, `?wait=started&since=${since}`, signal);
+    const sessions = await listSessions(url, `?wait=listening&since=${since}`, signal);
     if (sessions.length > 0) return sessions.reduce((a, b) => (b.sequence > a.sequence ? b : a));
   }
 }

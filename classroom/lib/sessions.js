@@ -12,6 +12,8 @@ class Session {
   users = new Map();
   // The bus connections that have registered one of the session's addresses; kept by the bus.
   connections = new Set();
+  // Those of them at which a presenter hears its learners; kept by the bus too.
+  presenters = new Set();
 
   constructor(code, owner) {
     this.code = code;
@@ -20,6 +22,10 @@ class Session {
 
   get started() {
     return this.token !== null;
+  }
+
+  get listening() {
+    return this.presenters.size > 0;
   }
 
   present() {
@@ -36,11 +42,12 @@ class Session {
   summary() {
     const users = Object.fromEntries(MODES.map((mode) => [mode, 0]));
     for (const { mode } of this.present()) users[mode] += 1;
-    return { code: this.code, started: this.started, sequence: this.sequence, users };
+    const { code, started, listening, sequence } = this;
+    return { code, started, listening, sequence, users };
   }
 }
 
-/** All live sessions. Emits "started" and "stopped", each with the session. */
+/** All live sessions. Emits "started", "listening" (a presenter on the bus) and "stopped", each with the session. */
 export class Sessions extends EventEmitter {
   #byCode = new Map();
   #byToken = new Map();
@@ -80,6 +87,11 @@ export class Sessions extends EventEmitter {
     this.#byToken.set(session.token, session);
     this.emit('started', session);
     return session;
+  }
+
+  addPresenter(session, connection) {
+    session.presenters.add(connection);
+    this.emit('listening', session);
   }
 
   stop(token, owner) {

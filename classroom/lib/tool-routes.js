@@ -4,34 +4,46 @@ import { Refusal } from './envelope.js';
 import { isLoopback, sendJson } from './http.js';
 import { MAX_WAITERS, WAIT_MS } from './limits.js';
 
-/** Resolves when a session is started, when the wait is over, or when the client has gone. */
-function nextStart(sessions, response) {
+// What can be waited for: the event that may bring it, which is also the property of a session that tells.
+// A learner waits for "listening": what it says before a presenter is on the bus is lost.
+const WAITS = ['started', 'listening'];
+
+/** Resolves when the event comes, when the time is over, or when the client has gone. */
+function nextEvent(sessions, event, response, msecs) {
   return new Promise((resolve) => {
     const done = () => {
       clearTimeout(timer);
-      sessions.off('started', done);
+      sessions.off(event, done);
       response.off('close', done);
       resolve();
     };
-    const timer = setTimeout(done, WAIT_MS);
-    sessions.on('started', done);
+    const timer = setTimeout(done, msecs);
+    sessions.on(event, done);
     response.on('close', done);
   });
 }
 
-// With wait=started only started sessions count, and only those whose sequence number is above
-// "since" (0 when absent): so that no session can slip through between two calls.
-async function listSessions({ classroom: { sessions }, request, response, query }) {
-  if (!isLoopback(request.socket.remoteAddress)) throw new Refusal(403, 'classroom.error.loopbackOnly');
+// Only sessions whose sequence number is above "since" (0 when absent) count in a wait: so that no session
+// can slip through between two calls.
+async function waitFor({ classroom: { sessions }, response, query }, event) {
   const since = Number(query.get('since') ?? 0);
+  if (!WAITS.includes(event)) throw new Refusal(400, 'classroom.error.wait');
   if (!Number.isInteger(since)) throw new Refusal(400, 'classroom.error.since');
-  const waited = () => sessions.list().filter(({ sequence }) => sequence > since);
-  const waits = query.get('wait') === 'started';
-  if (waits && waited().length === 0) {
-    if (sessions.listenerCount('started') >= MAX_WAITERS) throw new Refusal(429, 'classroom.error.tooManyWaiting');
-    await nextStart(sessions, response);
+  const fitting = () => sessions.list().filter((session) => session[event] && session.sequence > since);
+  if (fitting().length > 0) return fitting();
+  if (sessions.listenerCount(event) >= MAX_WAITERS) throw new Refusal(429, 'classroom.error.tooManyWaiting');
+  const end = Date.now() + WAIT_MS;
+  while (fitting().length === 0 && Date.now() < end && !response.destroyed) {
+    await nextEvent(sessions, event, response, end - Date.now());
   }
-  sendJson(response, 200, waits ? waited() : sessions.list());
+  return fitting();
+}
+
+async function listSessions(context) {
+  const { request, response, query, classroom } = context;
+  if (!isLoopback(request.socket.remoteAddress)) throw new Refusal(403, 'classroom.error.loopbackOnly');
+  const wait = query.get('wait');
+  sendJson(response, 200, wait === null ? classroom.sessions.list() : await waitFor(context, wait));
 }
 
 export const toolRoutes = [

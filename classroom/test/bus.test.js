@@ -174,7 +174,7 @@ check('WebSockets can be refused; the other transports then serve', async (t) =>
 
 check('an image card of eight megabytes passes over every transport', async (t) => {
   const { url, token } = await lesson(t);
-  // 8 MB of image are 10.7 MB of base64 in the card, and 14.3 MB once that is compressed (in vain) and base64 again.
+  // 8 MB of image are 10.7 MB of base64 in the card, and 14.3 MB were that compressed in vain and base64 again.
   const card = 'A'.repeat(14_400_000);
   for (const transport of ['websocket', 'xhr-streaming', 'xhr-polling']) {
     const client = await BusClient.open(t, url, [token], { transports: [transport] });
@@ -281,6 +281,22 @@ check('presenters, strangers and made-up tokens come and go unreported', async (
   await client.closed;
   await presenter.settled(token);
   assert.deepEqual(presenter.frames, []);
+});
+
+check('a presenter is listening from its register until it unregisters or its connection ends', async (t) => {
+  const { url, token, classroom } = await lesson(t);
+  const listening = () => classroom.sessions.list()[0].listening;
+  const presenter = await BusClient.open(t, url, [token]);
+  assert.equal(listening(), false);
+  for (const end of [() => presenter.unregister(`${token}.presenter`), () => presenter.socket.close()]) {
+    presenter.register(`${token}.presenter`);
+    await presenter.settled(token);
+    assert.equal(listening(), true);
+    const other = await BusClient.open(t, url, [token]);
+    end();
+    while (listening()) await other.settled(token);
+    assert.equal(listening(), false);
+  }
 });
 
 // --- the end of a session ---

@@ -97,17 +97,17 @@ check('learners whose session is stopped without a goodbye are done all the same
 
 check('auto waits for a start; repeat goes on to the next session until a signal', async (t) => {
   const { url } = await runServer(t, ['--quiet']);
-  const learners = learnersOf(t, url, ['--session', 'auto', '--count', '3', '--repeat', '--quiet']);
+  const learners = learnersOf(t, url, ['--session', 'auto', '--count', '12', '--repeat', '--quiet']);
   for (const id of ['one', 'two']) {
     const presenter = await Presenter.open(t, url);
-    await presenter.all('join', 3);
+    await presenter.all('join', 12);
     presenter.ask({ id, type: 'text' });
-    await presenter.all('questionResponse', 3);
+    await presenter.all('questionResponse', 12);
     await presenter.stop();
   }
   learners.child.kill('SIGTERM');
   assert.deepEqual(await learners.exited, { code: 0, signal: null });
-  assert.deepEqual(learners.lines, ['learners: joined=6 questions=2 cards=0 answers=6 decode-failures=0']);
+  assert.deepEqual(learners.lines, ['learners: joined=24 questions=2 cards=0 answers=24 decode-failures=0']);
   assert.equal(learners.stderr(), '');
 });
 

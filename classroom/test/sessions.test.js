@@ -1,4 +1,5 @@
 import assert from 'node:assert/strict';
+import { BusClient } from './support/bus-client.js';
 import { check } from './support/check.js';
 import { Host, assertRefused, startClassroom, startSession } from './support/classroom.js';
 
@@ -135,8 +136,8 @@ check('sessions are listed with who is in them', async (t) => {
   await host.join(code, 'learner');
   const { value } = await host.send('GET', '/classroom/sessions');
   assert.deepEqual(value, [
-    { code, started: true, sequence: 1, users: { learner: 2, presenter: 1, controller: 0 } },
-    { code: created, started: false, sequence: 0, users: { learner: 0, presenter: 0, controller: 0 } },
+    { code, started: true, listening: false, sequence: 1, users: { learner: 2, presenter: 1, controller: 0 } },
+    { code: created, started: false, listening: false, sequence: 0, users: { learner: 0, presenter: 0, controller: 0 } },
   ]);
 });
 
@@ -151,6 +152,16 @@ check('a wait for a started session ends with the start, and finds one that is t
   const second = await startSession(url);
   assert.deepEqual((await next).value.map(({ code }) => code), [second.code]);
   assertRefused(await new Host(url).send('GET', '/classroom/sessions?wait=started&since=x'), 400, 'classroom.error.since');
+});
+
+check('a wait for a listening presenter does not end with the start', async (t) => {
+  const { url } = await startClassroom(t);
+  const waiting = new Host(url).send('GET', '/classroom/sessions?wait=listening');
+  const { code, token } = await startSession(url);
+  await startSession(url);
+  await BusClient.open(t, url, [`${token}.presenter`]);
+  assert.deepEqual((await waiting).value.map((session) => session.code), [code]);
+  assertRefused(await new Host(url).send('GET', '/classroom/sessions?wait=x'), 400, 'classroom.error.wait');
 });
 
 check('whoever gives up waiting is forgotten', async (t) => {
