@@ -1,0 +1,441 @@
+// What every data class keeps to: its properties with their order, types and defaults, one public setter slot
+// for each, and its property names as the keys of its JSON.
+
+#include "support/LogRecorder.h"
+
+#include <CalyxClient/ActivityOption>
+#include <CalyxClient/AssessmentOptions>
+#include <CalyxClient/CalyxCollabMessage>
+#include <CalyxClient/Card>
+#include <CalyxClient/JsonSerializer>
+#include <CalyxClient/QuestionCreative>
+#include <CalyxClient/QuestionFeedback>
+#include <CalyxClient/QuestionMathFormula>
+#include <CalyxClient/QuestionMetadata>
+#include <CalyxClient/QuestionMultiChoice>
+#include <CalyxClient/QuestionNumeric>
+#include <CalyxClient/QuestionScale>
+#include <CalyxClient/QuestionSort>
+#include <CalyxClient/QuestionText>
+#include <CalyxClient/QuestionWordSeed>
+#include <CalyxClient/QuestionYesNo>
+
+#include <QJsonDocument>
+#include <QMetaMethod>
+#include <QMetaProperty>
+#include <QObject>
+#include <QPointer>
+#include <QTest>
+
+#include <memory>
+
+namespace {
+
+struct Property
+{
+    const char* name;
+    int type;
+    QVariant initial;
+    // Null for one that cannot be set.
+    const char* setter;
+};
+using Properties = QVector<Property>;
+using Make = QObject* (*)(QObject*);
+
+constexpr int STRING = QMetaType::QString;
+constexpr int INT = QMetaType::Int;
+constexpr int BOOL = QMetaType::Bool;
+constexpr int ANY = QMetaType::QVariant;
+constexpr int LIST = QMetaType::QVariantList;
+constexpr int MAP = QMetaType::QVariantMap;
+constexpr int OBJECT = QMetaType::QObjectStar;
+
+const QVariant EMPTY = QVariant(QStringLiteral(""));
+const QVariant NOTHING;
+// Of an object-valued property, the initial value is the class of the object.
+const QVariant PLAIN = QVariant(QStringLiteral("QObject"));
+
+Properties question(const QString& type, const Properties& own = {})
+{
+    const QVariant feedBack = QStringLiteral("Calyx::QuestionFeedback");
+    const Properties base{{"id", STRING, NOTHING, "setID"},
+                          {"questionSetMode", STRING, QStringLiteral("Poll"), "setquestionSetMode"},
+                          {"questionNumber", INT, 0, "setquestionNumber"},
+                          {"type", STRING, type, "setType"},
+                          {"activityType", MAP, QVariantMap(), "setactivityType"},
+                          {"feedBack", OBJECT, feedBack, "setfeedBack"},
+                          {"instructions", STRING, EMPTY, "setinstructions"},
+                          {"passage", STRING, EMPTY, "setpassage"},
+                          {"card", OBJECT, PLAIN, "setcard"},
+                          {"hint", STRING, EMPTY, "sethint"},
+                          {"math", BOOL, false, "setmath"},
+                          {"hasNext", BOOL, false, "sethasNext"},
+                          {"navigable", BOOL, false, "setnavigable"}};
+    return base + own;
+}
+
+Properties questionWithOptions(const QString& type, const Properties& own = {})
+{
+    const QVariant options = QVariant::fromValue(QList<QObject*>());
+    const Properties more{{"metadata", OBJECT, QStringLiteral("Calyx::QuestionMetadata"), "setmetadata"},
+                          {"activityOptions", ANY, options, nullptr}};
+    return question(type, more + own);
+}
+
+Properties option()
+{
+    return {{"id", STRING, EMPTY, "setID"},
+            {"optionText", STRING, EMPTY, "setoptionText"},
+            {"displaySeqNumber", INT, 0, "setdisplaySeqNumber"},
+            {"math", BOOL, false, "setmath"}};
+}
+
+Properties metadata()
+{
+    return {{"ordinalType", STRING, EMPTY, "setordinalType"},
+            {"options", LIST, QVariantList(), "setoptions"}};
+}
+
+Properties feedback()
+{
+    return {{"showFeedback", BOOL, false, "setshowFeedback"},
+            {"showCorrectAnswer", BOOL, false, "setshowCorrectAnswer"},
+            {"correctAnswer", ANY, NOTHING, "setcorrectAnswer"},
+            {"activityScoreStatus", ANY, NOTHING, "setactivityScoreStatus"},
+            {"activityResponseStatus", ANY, NOTHING, "setactivityResponseStatus"},
+            {"correctOptions", LIST, QVariantList(), "setcorrectOptions"},
+            {"allowResubmit", BOOL, true, "setallowResubmit"},
+            {"correctFeedback", ANY, NOTHING, "setcorrectFeedback"},
+            {"inCorrectFeedback", ANY, NOTHING, "setinCorrectFeedback"},
+            {"answer", ANY, NOTHING, "setanswer"},
+            {"jsonAnswer", ANY, NOTHING, "setjsonAnswer"},
+            {"optionAnswers", LIST, QVariantList(), "setoptionAnswers"},
+            {"optionFeedbacks", LIST, QVariantList(), "setoptionFeedbacks"},
+            {"numberOfRetries", INT, 0, "setnumberOfRetries"},
+            {"numberOfRetriesRemaining", INT, 0, "setnumberOfRetriesRemaining"},
+            {"remainingTime", ANY, NOTHING, "setremainingTime"}};
+}
+
+Properties card()
+{
+    const QVariantMap styles{{QStringLiteral("backgroundColor"), EMPTY},
+                             {QStringLiteral("backgroundImage"), EMPTY},
+                             {QStringLiteral("backgroundSize"), QStringLiteral("100%")}};
+    return {{"active", BOOL, true, "setactive"},
+            {"autoSend", BOOL, true, "setautoSend"},
+            {"components", LIST, QVariantList(), "setcomponents"},
+            {"hasRendered", BOOL, true, "sethasRendered"},
+            {"id", STRING, EMPTY, "setid"},
+            {"isTeacherCard", BOOL, true, "setisTeacherCard"},
+            {"notes", STRING, EMPTY, "setnotes"},
+            {"ordinal", INT, 1, "setordinal"},
+            {"primary", BOOL, true, "setprimary"},
+            {"pristine", BOOL, true, "setpristine"},
+            {"remoteId", STRING, EMPTY, "setremoteId"},
+            {"segment", MAP, QVariantMap(), "setsegment"},
+            {"styles", MAP, styles, "setstyles"},
+            {"tracks", LIST, QVariantList(), "settracks"},
+            {"type", STRING, QStringLiteral("TEACHER"), "settype"},
+            {"visible", BOOL, true, "setvisible"}};
+}
+
+Properties assessment()
+{
+    return {{"assessmentToken", STRING, EMPTY, "setassessmentToken"},
+            {"allowSkipQuestion", BOOL, false, "setallowSkipQuestion"},
+            {"allowNavigateQuestionSet", BOOL, false, "setallowNavigateQuestionSet"},
+            {"allowResubmitResponse", BOOL, true, "setallowResubmitResponse"},
+            {"showSummaryOnAssessmentCompletion", BOOL, false, "setshowSummaryOnAssessmentCompletion"},
+            {"showAnswerOnIncorrectResponse", BOOL, false, "setshowAnswerOnIncorrectResponse"},
+            {"showFeedback", BOOL, false, "setshowFeedback"},
+            {"questionCount", INT, 1, "setquestionCount"},
+            {"startingQuestionNumber", INT, 0, "setstartingQuestionNumber"},
+            {"allowedTime", INT, 0, "setallowedTime"},
+            {"currentAssessmentSectionId", STRING, EMPTY, "setcurrentAssessmentSectionId"},
+            {"title", STRING, EMPTY, "settitle"},
+            {"description", STRING, EMPTY, "setdescription"},
+            {"scored", BOOL, false, "setscored"},
+            {"assessmentSectionConfigurations", MAP, QVariantMap{{QStringLiteral("leveled"), false}},
+             "setassessmentSectionConfigurations"}};
+}
+
+Properties message()
+{
+    return {{"from", STRING, EMPTY, "setfrom"},
+            {"type", STRING, EMPTY, "settype"},
+            {"version", STRING, QStringLiteral("3.0.0"), "setversion"},
+            {"sourceSystem", STRING, QStringLiteral("Lumora"), "setsourceSystem"},
+            {"data", ANY, NOTHING, "setdata"}};
+}
+
+template<class Class>
+QObject* make(QObject* parent)
+{
+    return parent ? new Class(parent) : new Class;
+}
+
+template<class Class>
+void addClass(const Properties& properties)
+{
+    QTest::newRow(Class::staticMetaObject.className()) << Make(&make<Class>) << properties;
+}
+
+// One that is unlike every default.
+QVariant sample(const Property& property)
+{
+    switch (property.type) {
+    case STRING:
+        return QString::fromUtf8(u8"a \"b\" %1 ä😀");
+    case INT:
+        return -77;
+    case BOOL:
+        return !property.initial.toBool();
+    case LIST:
+        return QVariantList{1, QStringLiteral("two")};
+    case MAP:
+        return QVariantMap{{QStringLiteral("key"), QVariantList{true}}};
+    default:
+        return 2.5;
+    }
+}
+
+QMetaMethod setterOf(const QObject& object, const Property& property)
+{
+    const QMetaObject* meta = object.metaObject();
+    for (int i = 0; i < meta->methodCount(); ++i) {
+        const QMetaMethod method = meta->method(i);
+        if (method.name() == property.setter && method.parameterCount() == 1 &&
+            method.parameterType(0) == property.type)
+            return method;
+    }
+    return {};
+}
+
+bool setBySlot(QObject* object, const Property& property, const QVariant& value)
+{
+    const QMetaMethod setter = setterOf(*object, property);
+    const void* data = property.type == ANY ? &value : value.constData();
+    return setter.invoke(object, Qt::DirectConnection,
+                         QGenericArgument(QMetaType::typeName(property.type), data));
+}
+
+bool isQuestionType(const QObject& object, const Property& property)
+{
+    return qobject_cast<const Calyx::QuestionBase*>(&object) && qstrcmp(property.name, "type") == 0;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Make)
+Q_DECLARE_METATYPE(Properties)
+
+class tst_DataClasses : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void propertiesInOrder_data() { classes(); }
+    void propertiesInOrder();
+    void defaults_data() { classes(); }
+    void defaults();
+    void settersAreSlotsNamedAfterTheProperty_data() { classes(); }
+    void settersAreSlotsNamedAfterTheProperty();
+    void settersStoreTheValueUnchanged_data() { classes(); }
+    void settersStoreTheValueUnchanged();
+    void settersEmitNothing_data() { classes(); }
+    void settersEmitNothing();
+    void setPropertyGoesThroughTheSetter_data() { classes(); }
+    void setPropertyGoesThroughTheSetter();
+    void jsonKeysAreThePropertyNames_data() { classes(); }
+    void jsonKeysAreThePropertyNames();
+    void objectsBelongToTheirParent_data() { classes(); }
+    void objectsBelongToTheirParent();
+
+private:
+    void classes();
+};
+
+void tst_DataClasses::classes()
+{
+    QTest::addColumn<Make>("make");
+    QTest::addColumn<Properties>("properties");
+
+    addClass<Calyx::QuestionBase>(question(QString()));
+    addClass<Calyx::QuestionBaseWithOptions>(questionWithOptions(QString()));
+    addClass<Calyx::QuestionYesNo>(questionWithOptions(QStringLiteral("yes-no-other")));
+    addClass<Calyx::QuestionMultiChoice>(questionWithOptions(
+        QStringLiteral("multiple"), {{"numberOfCorrectOptions", INT, 1, "setnumberOfCorrectOptions"}}));
+    addClass<Calyx::QuestionScale>(questionWithOptions(QStringLiteral("scale")));
+    addClass<Calyx::QuestionSort>(questionWithOptions(QStringLiteral("sort")));
+    addClass<Calyx::QuestionCreative>(questionWithOptions(QStringLiteral("creative")));
+    addClass<Calyx::QuestionText>(question(QStringLiteral("text"), {{"maxChars", INT, 0, "setmaxChars"}}));
+    addClass<Calyx::QuestionNumeric>(
+        question(QStringLiteral("number"), {{"noOfDecimals", INT, 0, "setnoOfDecimals"}}));
+    addClass<Calyx::QuestionWordSeed>(question(QStringLiteral("word-seed")));
+    addClass<Calyx::QuestionMathFormula>(question(QStringLiteral("math formula")));
+    addClass<Calyx::ActivityOption>(option());
+    addClass<Calyx::QuestionMetadata>(metadata());
+    addClass<Calyx::QuestionFeedback>(feedback());
+    addClass<Calyx::Card>(card());
+    addClass<Calyx::AssessmentOptions>(assessment());
+    addClass<Calyx::CalyxCollabMessage>(message());
+}
+
+void tst_DataClasses::propertiesInOrder()
+{
+    QFETCH(Make, make);
+    QFETCH(Properties, properties);
+    const std::unique_ptr<QObject> object(make(nullptr));
+    const QMetaObject* meta = object->metaObject();
+    QStringList expected{QStringLiteral("objectName")};
+    for (const Property& property : properties)
+        expected.append(QString::fromLatin1(property.name));
+    QStringList names;
+    for (int i = 0; i < meta->propertyCount(); ++i)
+        names.append(QString::fromLatin1(meta->property(i).name()));
+    QCOMPARE(names, expected);
+
+    for (int i = 0; i < properties.size(); ++i) {
+        const QMetaProperty property = meta->property(i + 1);
+        QVERIFY2(property.isReadable(), property.name());
+        QCOMPARE(property.isWritable(), properties.at(i).setter != nullptr);
+        if (properties.at(i).setter)
+            QCOMPARE(property.userType(), properties.at(i).type);
+    }
+}
+
+void tst_DataClasses::defaults()
+{
+    QFETCH(Make, make);
+    QFETCH(Properties, properties);
+    const std::unique_ptr<QObject> object(make(nullptr));
+    for (const Property& property : properties) {
+        const QVariant value = object->property(property.name);
+        if (property.type == OBJECT) {
+            auto* child = value.value<QObject*>();
+            QVERIFY2(child, property.name);
+            QCOMPARE(QString::fromLatin1(child->metaObject()->className()), property.initial.toString());
+            QCOMPARE(child->parent(), object.get());
+        } else if (property.type == STRING && !property.initial.isValid()) {
+            QVERIFY2(value.toString().size() == 8, property.name);
+        } else if (property.setter) {
+            QVERIFY2(value == property.initial && value.isValid() == property.initial.isValid(),
+                     property.name);
+        } else {
+            QCOMPARE(value.userType(), property.initial.userType());
+            QVERIFY2(value.value<QList<QObject*>>().isEmpty(), property.name);
+        }
+    }
+}
+
+void tst_DataClasses::settersAreSlotsNamedAfterTheProperty()
+{
+    QFETCH(Make, make);
+    QFETCH(Properties, properties);
+    const std::unique_ptr<QObject> object(make(nullptr));
+    for (const Property& property : properties) {
+        if (!property.setter) {
+            const QByteArray setter = QByteArray("set") + property.name;
+            for (int i = 0; i < object->metaObject()->methodCount(); ++i)
+                QVERIFY2(object->metaObject()->method(i).name() != setter, property.name);
+            continue;
+        }
+        const QMetaMethod setter = setterOf(*object, property);
+        QVERIFY2(setter.isValid(), property.name);
+        QVERIFY2(setter.methodType() == QMetaMethod::Slot, property.name);
+        QVERIFY2(setter.access() == QMetaMethod::Public, property.name);
+        QVERIFY2(setter.returnType() == QMetaType::Void, property.name);
+    }
+}
+
+void tst_DataClasses::settersStoreTheValueUnchanged()
+{
+    QFETCH(Make, make);
+    QFETCH(Properties, properties);
+    const std::unique_ptr<QObject> object(make(nullptr));
+    QObject other;
+    for (const Property& property : properties) {
+        // What kind a question is of is not for its setter to say.
+        if (!property.setter || isQuestionType(*object, property))
+            continue;
+        const QVariant value = property.type == OBJECT ? QVariant::fromValue(&other) : sample(property);
+        QVERIFY2(setBySlot(object.get(), property, value), property.name);
+        QVERIFY2(object->property(property.name) == value, property.name);
+    }
+    // None has changed what another has set.
+    for (const Property& property : properties) {
+        if (property.setter && property.type != OBJECT && !isQuestionType(*object, property))
+            QVERIFY2(object->property(property.name) == sample(property), property.name);
+    }
+    QVERIFY(!other.parent());
+}
+
+void tst_DataClasses::settersEmitNothing()
+{
+    QFETCH(Make, make);
+    const std::unique_ptr<QObject> object(make(nullptr));
+    const QMetaObject* meta = object->metaObject();
+    for (int i = QObject::staticMetaObject.methodCount(); i < meta->methodCount(); ++i)
+        QVERIFY2(meta->method(i).methodType() != QMetaMethod::Signal, meta->method(i).methodSignature().constData());
+    for (int i = 1; i < meta->propertyCount(); ++i)
+        QVERIFY2(!meta->property(i).hasNotifySignal(), meta->property(i).name());
+}
+
+void tst_DataClasses::setPropertyGoesThroughTheSetter()
+{
+    QFETCH(Make, make);
+    QFETCH(Properties, properties);
+    const std::unique_ptr<QObject> object(make(nullptr));
+    for (const Property& property : properties) {
+        if (property.type == OBJECT || isQuestionType(*object, property))
+            continue;
+        const QVariant before = object->property(property.name);
+        const QVariant value = sample(property);
+        QCOMPARE(object->setProperty(property.name, value), property.setter != nullptr);
+        if (property.setter)
+            QVERIFY2(object->property(property.name) == value, property.name);
+        else
+            QCOMPARE(object->property(property.name).userType(), before.userType());
+    }
+}
+
+void tst_DataClasses::jsonKeysAreThePropertyNames()
+{
+    QFETCH(Make, make);
+    QFETCH(Properties, properties);
+    const std::unique_ptr<QObject> object(make(nullptr));
+    object->setObjectName(QStringLiteral("named"));
+    QStringList expected;
+    for (const Property& property : properties)
+        expected.append(QString::fromLatin1(property.name));
+    expected.sort();
+
+    const LogRecorder log;
+    const QString json = Calyx::JsonSerializer::serializeToJson(object.get());
+    QCOMPARE(QJsonDocument::fromJson(json.toUtf8()).toVariant().toMap().keys(), expected);
+    QVERIFY(json.startsWith(QStringLiteral("{\n    \"") + expected.first()));
+    QVERIFY(json.endsWith(QLatin1String("\n}\n")));
+    // Nothing in a new object is too deep to be written.
+    QCOMPARE(log.debug(QStringLiteral("[JsonSerializer] ERROR")), QStringList());
+}
+
+void tst_DataClasses::objectsBelongToTheirParent()
+{
+    QFETCH(Make, make);
+    auto parent = std::make_unique<QObject>();
+    const QPointer<QObject> object = make(parent.get());
+    QCOMPARE(object->parent(), parent.get());
+    QList<QPointer<QObject>> children;
+    for (QObject* child : object->children())
+        children.append(child);
+    parent.reset();
+    QVERIFY(!object);
+    for (const QPointer<QObject>& child : children)
+        QVERIFY(!child);
+
+    const std::unique_ptr<QObject> alone(make(nullptr));
+    QVERIFY(!alone->parent());
+}
+
+QTEST_GUILESS_MAIN(tst_DataClasses)
+#include "tst_DataClasses.moc"
