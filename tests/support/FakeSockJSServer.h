@@ -1,0 +1,130 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QMap>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QStringList>
+#include <QTcpServer>
+#include <QUrl>
+#include <QWebSocketServer>
+
+class QTcpSocket;
+class QWebSocket;
+
+/// The server's end of SockJS on loopback and a free port, for tests that script what a server does.
+///
+/// WebSockets are those of a real QWebSocketServer; polling gets just enough HTTP. It lives on the test's
+/// thread, whose event loop has to run for anything to happen. Every request and every frame is recorded.
+class FakeSockJSServer : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// What happens to a WebSocket upgrade.
+    enum Upgrade {
+        Open,              ///< upgraded, then the first frames
+        OpenInSamePacket,  ///< upgraded, with the first frames in the same packet
+        Mute,              ///< upgraded, and not a frame
+        CloseAfterUpgrade, ///< upgraded, then closed as WebSockets are
+        EndAfterUpgrade,   ///< upgraded, then the connection ends
+        ResetAfterUpgrade, ///< upgraded, then the connection is reset
+        Refuse403,
+        Refuse404,
+        Answer200,
+        AnswerGarbage,
+        EndInstead,   ///< the connection ends without an answer
+        ResetInstead, ///< the connection is reset
+        Silent        ///< no answer, until answerUpgrade()
+    };
+    Q_ENUM(Upgrade)
+
+    struct Request
+    {
+        QByteArray method;
+        QString path;                         // as it was sent
+        QMap<QByteArray, QByteArray> headers; // names in lower case
+        QByteArray body;
+
+        /// The SockJS session id in the path.
+        QString sessionId() const;
+        /// The path up to the session id.
+        QString base() const;
+    };
+
+    explicit FakeSockJSServer(QObject* parent = nullptr);
+    ~FakeSockJSServer() override;
+
+    quint16 port() const;
+    QUrl url(const QString& path = QString(), const QString& scheme = QStringLiteral("http")) const;
+
+    /// One for each upgrade, in order; the last one stands for all that follow.
+    void setUpgrades(const QList<Upgrade>& upgrades);
+    void setUpgrade(Upgrade upgrade) { setUpgrades({upgrade}); }
+    /// What a new session gets at once; "o" unless set.
+    void setFirstFrames(const QStringList& frames);
+    /// Upgrades the connection that has been left without an answer longest.
+    void answerUpgrade();
+    /// No new connections from now on.
+    void stopListening();
+
+    QList<Request> requests() const { return m_requests; }
+    QStringList paths() const;
+    /// Number of requests whose path ends with \p suffix.
+    int count(const QString& suffix) const;
+
+    /// The next frame that a client sent; waits for it. Null when none comes.
+    QString nextFrame();
+    /// nextFrame(), taken out of its one-element array.
+    QString nextMessage();
+    /// Frames that nobody has asked for yet.
+    QStringList unreadFrames() const { return m_unread; }
+
+    /// Sends \p frame in the newest session.
+    void inject(const QString& frame);
+    /// Sends \p messages as one "a" frame.
+    void injectMessages(const QStringList& messages);
+    /// Sends \p bytes as a binary message.
+    void injectBinary(const QByteArray& bytes);
+    /// Closes the newest WebSocket.
+    void closeSession();
+
+    /// Sockets that clients have open.
+    int openConnections() const;
+    /// WebSockets that have ended.
+    int endedSessions() const { return m_ended; }
+
+Q_SIGNALS:
+    /// A request has come and has not been answered yet.
+    void requested(QString path);
+
+private:
+    void onNewConnection();
+    void onReadyRead(QTcpSocket* socket);
+    bool readRequest(QTcpSocket* socket, Request* request);
+    void handle(QTcpSocket* socket, const Request& request);
+    void handlePost(QTcpSocket* socket, const Request& request);
+    void handleUpgrade(QTcpSocket* socket, const Request& request);
+    Upgrade takeUpgrade();
+    void upgrade(QTcpSocket* socket);
+    void upgradeByHand(QTcpSocket* socket, const Request& request, const QStringList& frames);
+    void onWebSocket();
+    void answerPoll();
+
+    QTcpServer m_listener;
+    QWebSocketServer m_webSockets;
+    QList<Upgrade> m_upgrades{Open};
+    Upgrade m_current = Open;
+    QStringList m_firstFrames{QStringLiteral("o")};
+    QList<Request> m_requests;
+    QStringList m_unread;
+    QPointer<QWebSocket> m_webSocket;
+    QPointer<QTcpSocket> m_raw;            // a WebSocket that was upgraded by hand
+    QPointer<QTcpSocket> m_poll;           // a poll without an answer
+    QList<QPointer<QTcpSocket>> m_waiting; // upgrades without an answer
+    QStringList m_pollFrames;
+    QString m_polledSession;
+    int m_ended = 0;
+};
