@@ -1,0 +1,810 @@
+// The request engine: what goes out, what becomes of the answer.
+
+#include "support/ClientProbe.h"
+#include "support/FakeService.h"
+#include "support/Gzip.h"
+#include "support/LogRecorder.h"
+
+#include <CalyxClient/Lzma>
+#include <CalyxClient/PresenterClient>
+
+#include <QMetaMethod>
+#include <QNetworkAccessManager>
+#include <QNetworkCookieJar>
+#include <QSignalSpy>
+#include <QTest>
+
+using Answer = FakeService::Answer;
+
+class tst_PresenterClient : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void declaresItsSignalAndSlotsInOrder();
+    void baseAddressLosesOneTrailingSlash_data();
+    void baseAddressLosesOneTrailingSlash();
+    void startsLoggedOutWithNullTexts();
+    void ownsItsNetworkManagerAndCookieJar();
+
+    void postsJson();
+    void postsMultipart();
+    void encodesTextAsUtf8();
+    void sendsBytesAsTheyAre();
+    void sendsCookiesBack();
+    void keepsCookiesPerClient();
+
+    void success_data();
+    void success();
+    void httpErrorGoesToTheFailureHandlerWithItsBody();
+    void networkErrorGoesToTheFailureHandler_data();
+    void networkErrorGoesToTheFailureHandler();
+    void missingHandlersAreSkipped_data();
+    void missingHandlersAreSkipped();
+    void returnsAtOnceWhenNotToldToWait();
+    void handlerRunsBeforeRequestProcessed();
+    void callbackIsGoneWhenRequestProcessedIsEmitted();
+    void repliesAreReleased();
+    void replyOfNoRequestIsReleasedAndAnnounced();
+    void logsTheBody();
+    void logsErrorAndBody();
+    void logsNoErrorForAGoodReply();
+
+    void redirectChangesTheBaseAddress_data();
+    void redirectChangesTheBaseAddress();
+    void redirectCallsNoHandler();
+    void redirectEndsTheOperation();
+    void redirectIsFollowedByTheNextRequest();
+    void otherRedirectsAreAnswersLikeAnyOther_data();
+    void otherRedirectsAreAnswersLikeAnyOther();
+
+    void gzipIsInflated();
+    void gzipOfAFailureIsInflated();
+    void gzipNameIsCaseSensitive();
+    void badGzipGivesAnEmptyBody_data();
+    void badGzipGivesAnEmptyBody();
+    void bodyEndsAtItsFirstNul_data();
+    void bodyEndsAtItsFirstNul();
+
+    void checkServerPostsAnEmptyBody();
+    void checkServer_data();
+    void checkServer();
+    void checkServerWithoutAnyService();
+    void checkServerClearsTheLastError();
+    void serverCheckLooksOnlyAtTheSyntax_data();
+    void serverCheckLooksOnlyAtTheSyntax();
+
+    void firstErrorKeyCounts_data();
+    void firstErrorKeyCounts();
+    void decompressesLzma();
+    void badLzmaLeavesTheTextAsItWas();
+};
+
+void tst_PresenterClient::declaresItsSignalAndSlotsInOrder()
+{
+    const QMetaObject& meta = PresenterClient::staticMetaObject;
+    QList<QByteArray> signatures;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+        signatures.append(meta.method(i).methodSignature());
+    QCOMPARE(signatures, (QList<QByteArray>{"requestProcessed()", "slotRequestFinished(QNetworkReply*)",
+                                            "onPingTimer()", "slotSslErrors(QNetworkReply*,QList<QSslError>)",
+                                            "authenticationRequired(QNetworkReply*,QAuthenticator*)"}));
+    QCOMPARE(meta.method(meta.methodOffset()).methodType(), QMetaMethod::Signal);
+    for (int i = meta.methodOffset() + 1; i < meta.methodCount(); ++i) {
+        QCOMPARE(meta.method(i).methodType(), QMetaMethod::Slot);
+        QCOMPARE(meta.method(i).access(), QMetaMethod::Protected);
+    }
+}
+
+void tst_PresenterClient::baseAddressLosesOneTrailingSlash_data()
+{
+    QTest::addColumn<QString>("given");
+    QTest::addColumn<QString>("kept");
+
+    QTest::newRow("none") << "https://host.example"
+                          << "https://host.example";
+    QTest::newRow("one") << "https://host.example/"
+                         << "https://host.example";
+    QTest::newRow("two") << "https://host.example//"
+                         << "https://host.example/";
+    QTest::newRow("below a path") << "https://host.example:8443/a/"
+                                  << "https://host.example:8443/a";
+    QTest::newRow("nothing") << ""
+                             << "";
+}
+
+void tst_PresenterClient::baseAddressLosesOneTrailingSlash()
+{
+    QFETCH(QString, given);
+    QFETCH(QString, kept);
+
+    QCOMPARE(PresenterClient(nullptr, given).server(), kept);
+}
+
+void tst_PresenterClient::startsLoggedOutWithNullTexts()
+{
+    const PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+
+    QVERIFY(!client.isLoggedIn());
+    QVERIFY(!client.isServerReachable());
+    QVERIFY(client.lastError().isNull());
+    QVERIFY(client.userId().isNull());
+    QVERIFY(client.registration().isNull());
+    QVERIFY(client.sessionCode().isNull());
+    QVERIFY(client.sessionToken().isNull());
+    QVERIFY(client.userToken().isNull());
+    QVERIFY(client.collabServerUrl().isNull());
+    QVERIFY(client.resourceId().isNull());
+    QVERIFY(client.resourcePath().isNull());
+    QVERIFY(client.sockJSProtocols().isEmpty());
+    QVERIFY(client.learners().isEmpty());
+    QVERIFY(!client.collab());
+    QCOMPARE(PresenterClient::MULTIPART_BOUNDARY, QStringLiteral("----boundary"));
+}
+
+void tst_PresenterClient::ownsItsNetworkManagerAndCookieJar()
+{
+    QObject parent;
+    auto* client = new PresenterClient(&parent, QStringLiteral("http://127.0.0.1:1"));
+
+    QCOMPARE(client->parent(), &parent);
+    const auto managers = client->findChildren<QNetworkAccessManager*>();
+    QCOMPARE(managers.size(), 1);
+    QCOMPARE(client->findChildren<QNetworkCookieJar*>(),
+             QList<QNetworkCookieJar*>{managers.first()->cookieJar()});
+}
+
+void tst_PresenterClient::postsJson()
+{
+    FakeService service;
+    service.expect("/tavisto/any?a=b", Answer::json("{}"));
+    ClientProbe client(service.url());
+    client.doRequest(true, QUrl(service.url() + "/tavisto/any?a=b"), QStringLiteral(R"({"k":"v"})"),
+                     ClientProbe::successHandler());
+
+    const FakeService::Request request = service.last();
+    QCOMPARE(request.method, QByteArray("POST"));
+    QCOMPARE(request.header("accept-encoding"), QByteArray("identity"));
+    QCOMPARE(request.header("content-type"), QByteArray("application/json; charset=UTF-8"));
+    QCOMPARE(request.body, QByteArray(R"({"k":"v"})"));
+    QVERIFY(request.header("authorization").isNull());
+    QVERIFY(request.header("cookie").isNull());
+    QCOMPARE(client.successes, QStringList{"{}"});
+}
+
+void tst_PresenterClient::postsMultipart()
+{
+    FakeService service;
+    service.expect("/up", Answer::json("{}"));
+    ClientProbe client(service.url());
+    client.doRequest(true, QUrl(service.url() + "/up"), QStringLiteral("parts"), nullptr, nullptr, true);
+
+    QCOMPARE(service.last().method, QByteArray("POST"));
+    QCOMPARE(service.last().header("accept-encoding"), QByteArray("identity"));
+    QCOMPARE(service.last().header("content-type"),
+             QByteArray("multipart/form-data; charset=UTF-8; boundary=----boundary"));
+    QCOMPARE(service.last().body, QByteArray("parts"));
+}
+
+void tst_PresenterClient::encodesTextAsUtf8()
+{
+    FakeService service;
+    service.expect("/a", Answer::json("{}"));
+    ClientProbe client(service.url());
+    client.doRequest(true, QUrl(service.url() + "/a"), QString::fromUtf8("Zoë \xf0\x9f\x8e\x93 %1 \""),
+                     nullptr, nullptr, false);
+
+    QCOMPARE(service.last().body, QByteArray("Zoë \xf0\x9f\x8e\x93 %1 \""));
+}
+
+void tst_PresenterClient::sendsBytesAsTheyAre()
+{
+    const QByteArray bytes("\xff\x00\x80\r\n\x01", 6);
+    FakeService service;
+    service.expect("/a", Answer::json("{}"));
+    ClientProbe client(service.url());
+    client.doRequest(true, QUrl(service.url() + "/a"), bytes, nullptr, nullptr, true);
+
+    QCOMPARE(service.last().body, bytes);
+}
+
+void tst_PresenterClient::sendsCookiesBack()
+{
+    FakeService service;
+    service.expect("/a", Answer::json("{}").with("Set-Cookie", "JSESSIONID=s1; Path=/; HttpOnly"));
+    service.expect("/b", Answer::json("{}"));
+    ClientProbe client(service.url());
+    client.request(QStringLiteral("/a"));
+    client.request(QStringLiteral("/b"));
+
+    QVERIFY(service.requests().at(0).header("cookie").isNull());
+    QCOMPARE(service.requests().at(1).header("cookie"), QByteArray("JSESSIONID=s1"));
+}
+
+void tst_PresenterClient::keepsCookiesPerClient()
+{
+    FakeService service;
+    service.expect("/a", Answer::json("{}").with("Set-Cookie", "JSESSIONID=s1; Path=/"));
+    service.expect("/b", Answer::json("{}"));
+    ClientProbe(service.url()).request(QStringLiteral("/a"));
+    ClientProbe(service.url()).request(QStringLiteral("/b"));
+
+    QVERIFY(service.last().header("cookie").isNull());
+}
+
+void tst_PresenterClient::success_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("body");
+
+    QTest::newRow("200") << 200 << QByteArray(R"({"data":{"name":"Zoë"}})");
+    QTest::newRow("201") << 201 << QByteArray("created");
+    QTest::newRow("empty") << 200 << QByteArray();
+    QTest::newRow("large") << 200 << QByteArray(300000, 'x');
+    QTest::newRow("line ends kept") << 200 << QByteArray("a\r\nb\n");
+}
+
+void tst_PresenterClient::success()
+{
+    QFETCH(int, status);
+    QFETCH(QByteArray, body);
+
+    FakeService service;
+    service.expect("/a", Answer::json(body, status));
+    ClientProbe client(service.url());
+    const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+    client.request(QStringLiteral("/a"));
+
+    QCOMPARE(client.successes, QStringList{QString::fromUtf8(body)});
+    QVERIFY(client.failures.isEmpty());
+    QCOMPARE(processed.size(), 1);
+}
+
+void tst_PresenterClient::httpErrorGoesToTheFailureHandlerWithItsBody()
+{
+    FakeService service;
+    service.expect("/a", Answer::json(R"({"errorMsgKeys":["x"]})", 500));
+    ClientProbe client(service.url());
+    const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+    client.request(QStringLiteral("/a"));
+
+    QVERIFY(client.successes.isEmpty());
+    QCOMPARE(client.failures, QStringList{R"({"errorMsgKeys":["x"]})"});
+    QCOMPARE(client.errors, QList<QNetworkReply::NetworkError>{QNetworkReply::InternalServerError});
+    QCOMPARE(processed.size(), 1);
+}
+
+void tst_PresenterClient::networkErrorGoesToTheFailureHandler_data()
+{
+    QTest::addColumn<bool>("cut");
+
+    QTest::newRow("no answer, service gone") << false;
+    QTest::newRow("answer cut short") << true;
+}
+
+void tst_PresenterClient::networkErrorGoesToTheFailureHandler()
+{
+    QFETCH(bool, cut);
+
+    FakeService service;
+    service.expect("/a", cut ? Answer::cut(R"({"data":{}})") : Answer::gone());
+    ClientProbe client(service.url());
+    const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+    client.request(QStringLiteral("/a"));
+
+    QVERIFY(client.successes.isEmpty());
+    QCOMPARE(client.failures.size(), 1);
+    QVERIFY(client.errors.first() != QNetworkReply::NoError);
+    QCOMPARE(processed.size(), 1);
+}
+
+void tst_PresenterClient::missingHandlersAreSkipped_data()
+{
+    QTest::addColumn<int>("status");
+
+    QTest::newRow("success") << 200;
+    QTest::newRow("failure") << 500;
+}
+
+void tst_PresenterClient::missingHandlersAreSkipped()
+{
+    QFETCH(int, status);
+
+    FakeService service;
+    service.expect("/a", Answer::json("{}", status));
+    PresenterClient client(nullptr, service.url());
+    const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+    client.doRequest(true, QUrl(service.url() + "/a"), QString(), nullptr);
+
+    QCOMPARE(processed.size(), 1);
+}
+
+void tst_PresenterClient::returnsAtOnceWhenNotToldToWait()
+{
+    FakeService service;
+    service.expect("/a", Answer::json("1"));
+    ClientProbe client(service.url());
+    client.request(QStringLiteral("/a"), false);
+
+    QVERIFY(service.requests().isEmpty());
+    QVERIFY(client.successes.isEmpty());
+    QTRY_COMPARE(client.successes, QStringList{"1"});
+}
+
+void tst_PresenterClient::handlerRunsBeforeRequestProcessed()
+{
+    FakeService service;
+    service.expect("/a", Answer::json("1"));
+    ClientProbe client(service.url());
+    int handledBefore = -1;
+    connect(&client, &PresenterClient::requestProcessed, this,
+            [&] { handledBefore = client.successes.size(); });
+    client.request(QStringLiteral("/a"));
+
+    QCOMPARE(handledBefore, 1);
+}
+
+// A reply that is reported a second time finds no handler any more.
+void tst_PresenterClient::callbackIsGoneWhenRequestProcessedIsEmitted()
+{
+    FakeService service;
+    service.expect("/a", Answer::json("1"));
+    ClientProbe client(service.url());
+    QNetworkReply* reply = nullptr;
+    connect(client.findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
+            [&](QNetworkReply* finished) { reply = finished; });
+    client.request(QStringLiteral("/a"));
+    QVERIFY(reply);
+    QVERIFY(QMetaObject::invokeMethod(&client, "slotRequestFinished", Q_ARG(QNetworkReply*, reply)));
+
+    QCOMPARE(client.successes, QStringList{"1"});
+}
+
+void tst_PresenterClient::repliesAreReleased()
+{
+    FakeService service;
+    service.expect("/ok", Answer::json("1"));
+    service.expect("/bad", Answer::json("1", 500));
+    service.expect("/moved", Answer::redirect("http://elsewhere.example/"));
+    ClientProbe client(service.url());
+    QList<QPointer<QNetworkReply>> replies;
+    connect(client.findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
+            [&](QNetworkReply* reply) { replies.append(reply); });
+    client.request(QStringLiteral("/ok"));
+    client.request(QStringLiteral("/bad"));
+    client.request(QStringLiteral("/moved"));
+
+    QCOMPARE(replies.size(), 3);
+    for (const auto& reply : qAsConst(replies))
+        QTRY_VERIFY(reply.isNull());
+}
+
+void tst_PresenterClient::replyOfNoRequestIsReleasedAndAnnounced()
+{
+    FakeService service;
+    service.expect("/a", Answer::json("1"));
+    ClientProbe client(service.url());
+    const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+    QNetworkAccessManager manager;
+    const QPointer<QNetworkReply> reply = manager.get(QNetworkRequest(QUrl(service.url() + "/a")));
+    QTRY_VERIFY(reply->isFinished());
+    QVERIFY(QMetaObject::invokeMethod(&client, "slotRequestFinished", Q_ARG(QNetworkReply*, reply)));
+
+    QCOMPARE(processed.size(), 1);
+    QVERIFY(client.successes.isEmpty());
+    QTRY_VERIFY(reply.isNull());
+}
+
+void tst_PresenterClient::logsTheBody()
+{
+    FakeService service;
+    service.expect("/a", Answer::json("[1,2]"));
+    ClientProbe client(service.url());
+    const LogRecorder log;
+    client.request(QStringLiteral("/a"));
+
+    const QStringList lines = log.debug(QStringLiteral("[REST Response] "));
+    QCOMPARE(lines.size(), 1);
+    QVERIFY(lines.first().contains("[1,2]"));
+    for (const LogRecorder::Message& message : log.messages())
+        QCOMPARE(message.category, QStringLiteral("default"));
+}
+
+void tst_PresenterClient::logsErrorAndBody()
+{
+    FakeService service;
+    service.expect("/a", Answer::json("[1,2]", 500));
+    ClientProbe client(service.url());
+    QString errorString;
+    connect(client.findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
+            [&](QNetworkReply* reply) { errorString = reply->errorString(); });
+    const LogRecorder log;
+    client.request(QStringLiteral("/a"));
+
+    QVERIFY(!errorString.isEmpty());
+    QCOMPARE(log.debug(QStringLiteral("[REST Response] ")).size(), 1);
+    QString line = log.debug().last();
+    line.replace("\\n", "\n"); // Qt's quoting of texts in debug output is as good
+    QVERIFY2(line.contains("ERROR: " + errorString + "\nRESPONSE: [1,2]"), qPrintable(line));
+}
+
+void tst_PresenterClient::logsNoErrorForAGoodReply()
+{
+    FakeService service;
+    service.expect("/a", Answer::json("[1,2]"));
+    ClientProbe client(service.url());
+    const LogRecorder log;
+    client.request(QStringLiteral("/a"));
+
+    QVERIFY(!log.debug().isEmpty());
+    QVERIFY(log.debug().filter(QStringLiteral("ERROR")).isEmpty());
+    QVERIFY(log.warnings().isEmpty());
+}
+
+void tst_PresenterClient::redirectChangesTheBaseAddress_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("location");
+    QTest::addColumn<QString>("server");
+
+    for (const int status : {301, 302, 303, 307, 308}) {
+        QTest::newRow(qPrintable(QStringLiteral("status %1").arg(status)))
+            << status << QByteArray("https://moved.example/tavisto") << "https://moved.example";
+    }
+    const QList<QPair<QByteArray, QString>> targets{
+        {"https://moved.example", "https://moved.example"},
+        {"https://moved.example/login?next=%2F#top", "https://moved.example"},
+        {"https://moved.example:8443/", "https://moved.example:8443"},
+        {"https://moved.example:443/", "https://moved.example:443"},
+        {"https://moved.example:80/", "https://moved.example"},
+        {"http://moved.example/a", "http://moved.example"},
+        {"http://moved.example:80/a", "http://moved.example"},
+        {"http://moved.example:8080/a", "http://moved.example:8080"},
+        {"http://moved.example:443/a", "http://moved.example:443"},
+        {"https://b\xc3\xbc"
+         "cher.example/",
+         "https://xn--bcher-kva.example"},
+    };
+    for (const auto& target : targets)
+        QTest::newRow(target.first.constData()) << 302 << target.first << target.second;
+}
+
+void tst_PresenterClient::redirectChangesTheBaseAddress()
+{
+    QFETCH(int, status);
+    QFETCH(QByteArray, location);
+    QFETCH(QString, server);
+
+    FakeService service;
+    service.expect("/tavisto", Answer::redirect(location, status));
+    PresenterClient client(nullptr, service.url());
+
+    QVERIFY(client.checkServer(QString(), QString()));
+    QVERIFY(client.isServerReachable());
+    QCOMPARE(client.server(), server);
+}
+
+void tst_PresenterClient::redirectCallsNoHandler()
+{
+    FakeService service;
+    service.expect("/a", Answer::redirect("https://moved.example/"));
+    ClientProbe client(service.url());
+    const LogRecorder log;
+    client.request(QStringLiteral("/a"));
+
+    QVERIFY(client.successes.isEmpty());
+    QVERIFY(client.failures.isEmpty());
+    QVERIFY(log.debug(QStringLiteral("[REST Response]")).isEmpty());
+}
+
+void tst_PresenterClient::redirectEndsTheOperation()
+{
+    FakeService service;
+    service.expect("/tavisto/login/submit", Answer::redirect("https://moved.example/"));
+    PresenterClient client(nullptr, service.url());
+    const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+
+    QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+    QCOMPARE(processed.size(), 1);
+    QVERIFY(client.lastError().isNull());
+    QVERIFY(client.isServerReachable());
+    QCOMPARE(client.server(), QStringLiteral("https://moved.example"));
+}
+
+void tst_PresenterClient::redirectIsFollowedByTheNextRequest()
+{
+    FakeService oldService;
+    FakeService newService;
+    oldService.expect("/tavisto", Answer::redirect(newService.url().toUtf8() + "/some/where?x=1"));
+    newService.expect("/tavisto", Answer::json("{}"));
+    PresenterClient client(nullptr, oldService.url());
+
+    QVERIFY(client.checkServer(QString(), QString()));
+    QCOMPARE(client.server(), newService.url());
+    QVERIFY(newService.requests().isEmpty());
+    QVERIFY(client.checkServer(QString(), QString()));
+}
+
+void tst_PresenterClient::otherRedirectsAreAnswersLikeAnyOther_data()
+{
+    QTest::addColumn<QByteArray>("location");
+
+    QTest::newRow("another scheme") << QByteArray("ftp://moved.example/");
+    QTest::newRow("wss") << QByteArray("wss://moved.example/");
+    QTest::newRow("no scheme") << QByteArray("/elsewhere");
+}
+
+void tst_PresenterClient::otherRedirectsAreAnswersLikeAnyOther()
+{
+    QFETCH(QByteArray, location);
+
+    FakeService service;
+    service.expect("/tavisto", Answer::redirect(location));
+    service.expect("/a", Answer::redirect(location));
+    ClientProbe client(service.url());
+
+    QVERIFY(!client.checkServer(QString(), QString())); // an empty body is no JSON
+    client.request(QStringLiteral("/a"));
+    QCOMPARE(client.successes.size() + client.failures.size(), 1);
+    QCOMPARE(client.server(), service.url());
+}
+
+void tst_PresenterClient::gzipIsInflated()
+{
+    const QByteArray text = R"({"data":{"name":"Zoë"}})";
+    const QByteArray packed = Gzip::gzip(text);
+    FakeService service;
+    service.expect("/a", Answer::json(packed).with("Content-Encoding", "gzip"));
+    ClientProbe client(service.url());
+    const LogRecorder log;
+    client.request(QStringLiteral("/a"));
+
+    QCOMPARE(client.successes, QStringList{QString::fromUtf8(text)});
+    const QStringList lines = log.debug(QStringLiteral("[REST Responze.gzip] Compressed size: "));
+    QCOMPARE(lines.size(), 1);
+    QVERIFY2(lines.first().trimmed().endsWith(' ' + QString::number(packed.size())),
+             qPrintable(lines.first()));
+    QCOMPARE(log.debug(QStringLiteral("[REST Response] ")).size(), 1);
+}
+
+void tst_PresenterClient::gzipOfAFailureIsInflated()
+{
+    FakeService service;
+    service.expect("/a", Answer::json(Gzip::gzip("{\"a\":1}"), 500).with("content-encoding", "gzip"));
+    ClientProbe client(service.url());
+    client.request(QStringLiteral("/a"));
+
+    QCOMPARE(client.failures, QStringList{"{\"a\":1}"});
+}
+
+void tst_PresenterClient::gzipNameIsCaseSensitive()
+{
+    FakeService service;
+    service.expect("/tavisto", Answer::json(Gzip::gzip("{}")).with("Content-Encoding", "GZIP"));
+    service.expect("/tavisto", Answer::json("{}").with("Content-Encoding", "GZIP"));
+    PresenterClient client(nullptr, service.url());
+    const LogRecorder log;
+
+    QVERIFY(!client.checkServer(QString(), QString()));
+    QVERIFY(client.checkServer(QString(), QString()));
+    QVERIFY(log.debug(QStringLiteral("[REST Responze.gzip]")).isEmpty());
+}
+
+void tst_PresenterClient::badGzipGivesAnEmptyBody_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<bool>("warned");
+
+    QByteArray corrupt = Gzip::gzip(QByteArray(5000, 'x'));
+    corrupt[corrupt.size() - 8] = char(corrupt.at(corrupt.size() - 8) ^ 1);
+    QTest::newRow("no byte") << QByteArray() << true;
+    QTest::newRow("4 bytes") << QByteArray("\x1f\x8b\x08\x00", 4) << true;
+    QTest::newRow("5 bytes") << QByteArray("\x1f\x8b\x08\x00\x00", 5) << false;
+    QTest::newRow("plain text") << QByteArray(R"({"data":{}})") << false;
+    QTest::newRow("wrong checksum") << corrupt << false;
+}
+
+void tst_PresenterClient::badGzipGivesAnEmptyBody()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(bool, warned);
+
+    FakeService service;
+    service.expect("/a", Answer::json(bytes).with("Content-Encoding", "gzip"));
+    ClientProbe client(service.url());
+    const LogRecorder log;
+    client.request(QStringLiteral("/a"));
+
+    QCOMPARE(client.successes, QStringList{QString()});
+    QCOMPARE(log.warnings(), warned ? QStringList{"gUncompress: Input data is truncated"} : QStringList());
+}
+
+void tst_PresenterClient::bodyEndsAtItsFirstNul_data()
+{
+    QTest::addColumn<bool>("gzip");
+
+    QTest::newRow("plain") << false;
+    QTest::newRow("gzip") << true;
+}
+
+void tst_PresenterClient::bodyEndsAtItsFirstNul()
+{
+    QFETCH(bool, gzip);
+
+    const QByteArray body("{\"a\":1}\0garbage\0", 16);
+    Answer answer = Answer::json(gzip ? Gzip::gzip(body) : body);
+    if (gzip)
+        answer.with("Content-Encoding", "gzip");
+    FakeService service;
+    service.expect("/a", answer);
+    service.expect("/tavisto", answer);
+    ClientProbe client(service.url());
+    client.request(QStringLiteral("/a"));
+
+    QCOMPARE(client.successes, QStringList{"{\"a\":1}"});
+    QVERIFY(client.checkServer(QString(), QString()));
+}
+
+void tst_PresenterClient::checkServerPostsAnEmptyBody()
+{
+    FakeService service;
+    service.expect("/tavisto", Answer::json("{}"));
+    PresenterClient client(nullptr, service.url());
+
+    QVERIFY(client.checkServer(QString(), QString()));
+    QCOMPARE(service.last().method, QByteArray("POST"));
+    QCOMPARE(service.last().body, QByteArray());
+    QCOMPARE(service.last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
+}
+
+void tst_PresenterClient::checkServer_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<bool>("reachable");
+
+    QTest::newRow("empty object") << 200 << QByteArray("{}") << true;
+    QTest::newRow("array") << 200 << QByteArray("[]") << true;
+    QTest::newRow("error envelope") << 200 << QByteArray(R"({"success":false,"errorMsgKeys":["a.error"]})")
+                                    << true;
+    QTest::newRow("html") << 200 << QByteArray("<html></html>") << false;
+    QTest::newRow("empty body") << 200 << QByteArray() << false;
+    QTest::newRow("half an object") << 200 << QByteArray("{\"a\":") << false;
+    QTest::newRow("http error") << 500 << QByteArray("{}") << false;
+    QTest::newRow("not found") << 404 << QByteArray("{}") << false;
+}
+
+void tst_PresenterClient::checkServer()
+{
+    QFETCH(int, status);
+    QFETCH(QByteArray, body);
+    QFETCH(bool, reachable);
+
+    FakeService service;
+    service.expect("/tavisto", Answer::json("{}"));
+    service.expect("/tavisto", Answer::json(body, status));
+    PresenterClient client(nullptr, service.url());
+
+    QVERIFY(client.checkServer(QString(), QString()));
+    QCOMPARE(client.checkServer(QString(), QString()), reachable);
+    QCOMPARE(client.isServerReachable(), reachable);
+}
+
+void tst_PresenterClient::checkServerWithoutAnyService()
+{
+    FakeService service;
+    service.expect("/tavisto", Answer::gone());
+    PresenterClient client(nullptr, service.url());
+
+    QVERIFY(!client.checkServer(QString(), QString()));
+    QVERIFY(!client.checkServer(QString(), QString())); // nobody listens any more
+    QVERIFY(client.lastError().isNull());
+}
+
+void tst_PresenterClient::checkServerClearsTheLastError()
+{
+    FakeService service;
+    service.expect("/tavisto", Answer::json("{}"));
+    service.expect("/tavisto", Answer::json(R"({"errorMsgKeys":["b.error"]})", 500));
+    PresenterClient client(nullptr, service.url());
+    client.loginFailureResponse(nullptr, QStringLiteral(R"({"errorMsgKeys":["a.error"]})"));
+    QCOMPARE(client.lastError(), QStringLiteral("a.error"));
+
+    QVERIFY(client.checkServer(QString(), QString()));
+    QVERIFY(client.lastError().isNull());
+    QVERIFY(!client.checkServer(QString(), QString()));
+    QVERIFY(client.lastError().isNull()); // it has no failure handler
+}
+
+void tst_PresenterClient::serverCheckLooksOnlyAtTheSyntax_data()
+{
+    QTest::addColumn<QString>("body");
+    QTest::addColumn<bool>("reachable");
+
+    QTest::newRow("object") << "{\"success\":false}" << true;
+    QTest::newRow("array") << " [ ] " << true;
+    QTest::newRow("null text") << QString() << false;
+    QTest::newRow("blank") << " " << false;
+    QTest::newRow("garbage behind") << "{} x" << false;
+    QTest::newRow("bare number") << "1" << false;
+}
+
+void tst_PresenterClient::serverCheckLooksOnlyAtTheSyntax()
+{
+    QFETCH(QString, body);
+    QFETCH(bool, reachable);
+
+    PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+    client.serverCheckResponse(QStringLiteral("{}"));
+    QVERIFY(client.isServerReachable());
+    client.serverCheckResponse(body);
+
+    QCOMPARE(client.isServerReachable(), reachable);
+}
+
+void tst_PresenterClient::firstErrorKeyCounts_data()
+{
+    QTest::addColumn<QVariant>("reply");
+    QTest::addColumn<QString>("error"); // null: none
+
+    const auto row = [](const char* name, const QVariant& keys, const QString& error) {
+        QTest::newRow(name) << QVariant(QVariantMap{{"errorMsgKeys", keys}}) << error;
+    };
+    row("contains error", QVariantList{"login.error.password"}, "login.error.password");
+    row("is error", QVariantList{"error"}, "error");
+    row("inside a word", QVariantList{"Terrors"}, "Terrors");
+    row("first of two", QVariantList{"a.error", "b.error"}, "a.error");
+    row("only the second", QVariantList{"login.refused", "b.error"}, QString());
+    row("capital", QVariantList{"login.Error"}, QString());
+    row("empty list", QVariantList(), QString());
+    row("first is empty", QVariantList{"", "b.error"}, QString());
+    row("first is null", QVariantList{QVariant(), "b.error"}, QString());
+    row("first is an object", QVariantList{QVariantMap{{"error", "error"}}}, QString());
+    row("string list", QStringList{"a.error"}, "a.error");
+    row("text instead of a list", "a.error", QString());
+    row("object instead of a list", QVariantMap{{"error", "error"}}, QString());
+    row("null instead of a list", QVariant::fromValue(nullptr), QString());
+    QTest::newRow("no key") << QVariant(QVariantMap{{"infoMsgKeys", QVariantList{"a.error"}}}) << QString();
+    QTest::newRow("no map") << QVariant(QVariantList{"a.error"}) << QString();
+    QTest::newRow("nothing") << QVariant() << QString();
+}
+
+void tst_PresenterClient::firstErrorKeyCounts()
+{
+    QFETCH(QVariant, reply);
+    QFETCH(QString, error);
+
+    PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+    QString found = QStringLiteral("earlier");
+
+    QCOMPARE(client.isErrorInErrorMsgKeys(reply, found), !error.isNull());
+    QCOMPARE(found, error);
+    QCOMPARE(found.isNull(), error.isNull());
+    QVERIFY(client.lastError().isNull());
+}
+
+void tst_PresenterClient::decompressesLzma()
+{
+    const QString text = QString::fromUtf8("Zoë \"%1\"\n");
+    QString packed;
+    QVERIFY(Lzma::compress64(text, &packed));
+    PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+    QString unpacked;
+
+    QVERIFY(client.LzmaDecompress64(packed, &unpacked));
+    QCOMPARE(unpacked, text);
+}
+
+void tst_PresenterClient::badLzmaLeavesTheTextAsItWas()
+{
+    PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+    QString text = QStringLiteral("before");
+
+    QVERIFY(!client.LzmaDecompress64(QStringLiteral("AAAAAAAAAAAAAAAAAA=="), &text)); // 13 bytes
+    QVERIFY(!client.LzmaDecompress64(QString(), &text));
+    QCOMPARE(text, QStringLiteral("before"));
+}
+
+QTEST_GUILESS_MAIN(tst_PresenterClient)
+
+#include "tst_PresenterClient.moc"
