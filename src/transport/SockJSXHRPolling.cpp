@@ -185,7 +185,7 @@ void SockJSXHRPolling::onWorkerFinished()
 void SockJSXHRPolling::doPoll()
 {
     // A second request beside a pending one makes a server end the session.
-    if (m_worker && m_worker->isReceiving())
+    if (!m_closed && m_worker && m_worker->isReceiving())
         return;
     doRequestXHR(m_path + (m_streaming ? QLatin1String("/xhr_streaming") : QLatin1String("/xhr")), QString());
 }
