@@ -3,7 +3,7 @@
 #include "support/ClientProbe.h"
 #include "support/FakeService.h"
 #include "support/LogRecorder.h"
-#include "support/TestClock.h"
+#include "support/TimerClock.h"
 
 #include <CalyxClient/PresenterClient>
 
@@ -225,7 +225,7 @@ void tst_PresenterClientWait::answerAfter9SecondsIsInTime()
 {
     FakeService service;
     service.expect("/a", Answer::json("1").held().then([&] {
-        TestClock::advance(BEFORE_THE_LIMIT);
+        TimerClock::advance(BEFORE_THE_LIMIT);
         // A round of the event loop, in which a limit that had passed would show.
         QTimer::singleShot(0, &service, [&] { service.release(); });
     }));
@@ -239,7 +239,7 @@ void tst_PresenterClientWait::answerAfter9SecondsIsInTime()
 void tst_PresenterClientWait::stalledBodyIsAbortedToo()
 {
     FakeService service;
-    service.expect("/a", Answer::stalled(R"({"data":{}})").then([] { TestClock::advance(PAST_THE_LIMIT); }));
+    service.expect("/a", Answer::stalled(R"({"data":{}})").then([] { TimerClock::advance(PAST_THE_LIMIT); }));
     ClientProbe client(service.url());
     client.request(QStringLiteral("/a"));
 
@@ -266,7 +266,7 @@ void tst_PresenterClientWait::timeOutEndsTheOperation()
     FakeService service;
     for (const QByteArray& path : operation.paths.mid(0, operation.paths.size() - 1))
         service.expect(path, Answer::json(ALL_IS_WELL));
-    service.expect(operation.paths.last(), Answer::never().then([] { TestClock::advance(PAST_THE_LIMIT); }));
+    service.expect(operation.paths.last(), Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
     auto client = std::make_unique<PresenterClient>(nullptr, service.url());
     operation.prepare(client.get());
     const QSignalSpy processed(client.get(), SIGNAL(requestProcessed()));
@@ -282,7 +282,7 @@ void tst_PresenterClientWait::timeOutEndsTheOperation()
 void tst_PresenterClientWait::nextOperationAfterATimeOutSucceeds()
 {
     FakeService service;
-    service.expect("/tavisto", Answer::never().then([] { TestClock::advance(PAST_THE_LIMIT); }));
+    service.expect("/tavisto", Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
     service.expect("/tavisto", Answer::json("{}"));
     PresenterClient client(nullptr, service.url());
 
@@ -297,7 +297,7 @@ void tst_PresenterClientWait::requestWithoutWaitHasNoTimeLimit()
     ClientProbe client(service.url());
     client.request(QStringLiteral("/a"), false);
     QTRY_COMPARE(service.requests().size(), 1);
-    TestClock::advance(2 * PAST_THE_LIMIT);
+    TimerClock::advance(2 * PAST_THE_LIMIT);
     service.release();
 
     QTRY_COMPARE(client.successes, QStringList{"1"});
@@ -339,7 +339,7 @@ void tst_PresenterClientWait::earlierRequestOutlivesTheTimeOut()
 {
     FakeService service;
     service.expect("/slow", Answer::json("slow").held());
-    service.expect("/own", Answer::never().then([] { TestClock::advance(PAST_THE_LIMIT); }));
+    service.expect("/own", Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
     ClientProbe client(service.url());
     client.request(QStringLiteral("/slow"), false);
     QTRY_COMPARE(service.requests().size(), 1);
@@ -554,7 +554,7 @@ void tst_PresenterClientWait::clientDestroyedOnARedirect()
 void tst_PresenterClientWait::clientDestroyedOnATimeOut()
 {
     FakeService service;
-    service.expect("/tavisto/login/submit", Answer::never().then([] { TestClock::advance(PAST_THE_LIMIT); }));
+    service.expect("/tavisto/login/submit", Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
     const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
     connect(client, &PresenterClient::requestProcessed, &service, [&] { delete client; });
 

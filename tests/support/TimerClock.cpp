@@ -1,19 +1,18 @@
-#include "support/TestClock.h"
+#include "support/TimerClock.h"
 
 #include <QtGlobal>
 
-#include <atomic>
 #include <ctime>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 namespace {
 
-std::atomic<qint64> aheadNanoseconds{0};
+thread_local qint64 aheadNanoseconds = 0;
 
 } // namespace
 
-void TestClock::advance(int msecs)
+void TimerClock::advance(int msecs)
 {
     aheadNanoseconds += qint64(msecs) * 1000000;
 }

@@ -1,0 +1,611 @@
+// Creating and stopping a classroom session, and who is in it.
+
+#include "support/FakeService.h"
+#include "support/FakeSockJSServer.h"
+#include "support/LogRecorder.h"
+#include "support/TimerClock.h"
+
+#include <CalyxClient/Learner>
+#include <CalyxClient/PresenterClient>
+#include <CalyxClient/PresenterCollab>
+
+#include <QSignalSpy>
+#include <QTest>
+
+#include <functional>
+#include <memory>
+
+using Answer = FakeService::Answer;
+
+namespace {
+
+const char USER[] = "/tavisto/login/user";
+const char SUBMIT[] = "/tavisto/login/submit";
+const char CREATE[] = "/tavisto/session/create";
+const char USERS[] = "/tavisto/session/getusers";
+const char STOP[] = "/tavisto/session/stop";
+
+const char LOGGED_IN[] = R"({"data":{"userLoginId":"u"}})";
+const char CREATED[] = R"({"data":{"sessionCode":"123456"}})";
+
+void createSession(PresenterClient& client)
+{
+    client.sessionSuccessResponse(QString::fromLatin1(CREATED));
+}
+
+void openSession(PresenterClient& client, const QString& token = QStringLiteral("T"))
+{
+    createSession(client);
+    client.sessionStartSuccessResponse(QStringLiteral(R"({"data":{"sessionToken":"%1"}})").arg(token));
+}
+
+/// The learners as "deviceId userName deviceType".
+QStringList texts(const QList<Calyx::Learner>& learners)
+{
+    QStringList texts;
+    for (const Calyx::Learner& learner : learners)
+        texts.append(learner.deviceId + ' ' + learner.userName + ' ' + learner.deviceType);
+    return texts;
+}
+
+} // namespace
+
+class tst_PresenterClientSession : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void asksWhoIsLoggedInAndCreates();
+    void code_data();
+    void code();
+    void refusedCreationKeepsTheErrorKey_data();
+    void refusedCreationKeepsTheErrorKey();
+    void unansweredCreationFails_data();
+    void unansweredCreationFails();
+    void creationForgetsTheEarlierSessionFirst();
+    void creationClearsTheLastError();
+    void logsInAgainWhenNeeded();
+    void failedReLoginCreatesNothing();
+    void unknownUserCreatesNothing();
+    void handlersLeaveThingsAloneWithoutJson();
+
+    void asksForTheLearnersOfTheSession();
+    void noLearnersWithoutASession();
+    void learners_data();
+    void learners();
+    void badListLeavesTheLearners_data();
+    void badListLeavesTheLearners();
+    void failedRequestLeavesTheLearners_data();
+    void failedRequestLeavesTheLearners();
+    void learnerIsAValue();
+
+    void stopsTheSession();
+    void stopSetsOnlyTokenAndCodeToNull();
+    void secondStopFindsNoSession();
+    void sessionThatWasNeverStartedIsNotStopped();
+    void stopNeedsNoGoodAnswer_data();
+    void stopNeedsNoGoodAnswer();
+    void stopClosesTheChannelFirst();
+    void stopLogsAfterTheRequest();
+
+    void destructorStopsTheSession();
+    void destructorOfACreatedSessionOnlyLogs();
+    void destructorWithoutSessionDoesNothing();
+    void destructorWaitsNoLongerThanTheLimit();
+    void destructorClosesTheChannel();
+};
+
+void tst_PresenterClientSession::asksWhoIsLoggedInAndCreates()
+{
+    FakeService service;
+    service.expect(USER, Answer::json(LOGGED_IN));
+    service.expect(CREATE, Answer::json(CREATED));
+    PresenterClient client(nullptr, service.url());
+
+    QVERIFY(client.doStartSession(QStringLiteral("not used")));
+    QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
+    QVERIFY(client.sessionToken().isNull());
+    QVERIFY(client.isLoggedIn());
+    for (const FakeService::Request& request : service.requests()) {
+        QCOMPARE(request.method, QByteArray("POST"));
+        QCOMPARE(request.header("content-type"), QByteArray("application/json; charset=UTF-8"));
+        QCOMPARE(request.body, QByteArray("{}"));
+    }
+}
+
+void tst_PresenterClientSession::code_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<bool>("created");
+    QTest::addColumn<QString>("code");
+
+    QTest::newRow("text") << QByteArray(R"({"data":{"sessionCode":"012345"}})") << true << "012345";
+    QTest::newRow("number") << QByteArray(R"({"data":{"sessionCode":123456}})") << true << "123456";
+    QTest::newRow("empty") << QByteArray(R"({"data":{"sessionCode":""}})") << true << "";
+    QTest::newRow("absent") << QByteArray(R"({"data":{}})") << false << QString();
+    QTest::newRow("no data") << QByteArray(R"({"success":true})") << false << QString();
+    QTest::newRow("data is a text") << QByteArray(R"({"data":"sessionCode"})") << false << QString();
+    QTest::newRow("no JSON") << QByteArray("<html>") << false << QString();
+    QTest::newRow("error key, but no HTTP error")
+        << QByteArray(R"({"errorMsgKeys":["a.error"],"data":{"sessionCode":"1"}})") << true << "1";
+}
+
+void tst_PresenterClientSession::code()
+{
+    QFETCH(QByteArray, body);
+    QFETCH(bool, created);
+    QFETCH(QString, code);
+
+    FakeService service;
+    service.expect(USER, Answer::json(LOGGED_IN));
+    service.expect(CREATE, Answer::json(body));
+    PresenterClient client(nullptr, service.url());
+
+    QCOMPARE(client.doStartSession(QString()), created);
+    QCOMPARE(client.sessionCode(), code);
+    QCOMPARE(client.sessionCode().isNull(), code.isNull());
+}
+
+void tst_PresenterClientSession::refusedCreationKeepsTheErrorKey_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("error");
+
+    QTest::newRow("first key") << QByteArray(R"({"errorMsgKeys":["session.error","b.error"]})")
+                               << "session.error";
+    QTest::newRow("first key without error")
+        << QByteArray(R"({"errorMsgKeys":["session.refused","b.error"]})") << QString();
+    QTest::newRow("a code all the same") << QByteArray(CREATED) << QString();
+    QTest::newRow("no JSON") << QByteArray("error") << QString();
+}
+
+void tst_PresenterClientSession::refusedCreationKeepsTheErrorKey()
+{
+    QFETCH(QByteArray, body);
+    QFETCH(QString, error);
+
+    FakeService service;
+    service.expect(USER, Answer::json(LOGGED_IN));
+    service.expect(CREATE, Answer::json(body, 500));
+    PresenterClient client(nullptr, service.url());
+
+    QVERIFY(!client.doStartSession(QString()));
+    QCOMPARE(client.lastError(), error);
+    QCOMPARE(client.lastError().isNull(), error.isNull());
+    QVERIFY(client.sessionCode().isNull());
+}
+
+void tst_PresenterClientSession::unansweredCreationFails_data()
+{
+    QTest::addColumn<bool>("cut");
+
+    QTest::newRow("service gone") << false;
+    QTest::newRow("answer cut short") << true;
+}
+
+void tst_PresenterClientSession::unansweredCreationFails()
+{
+    QFETCH(bool, cut);
+
+    FakeService service;
+    service.expect(USER, Answer::json(LOGGED_IN));
+    service.expect(CREATE, cut ? Answer::cut(CREATED) : Answer::gone());
+    PresenterClient client(nullptr, service.url());
+
+    QVERIFY(!client.doStartSession(QString()));
+    QVERIFY(client.sessionCode().isNull());
+    QVERIFY(client.lastError().isNull());
+}
+
+void tst_PresenterClientSession::creationForgetsTheEarlierSessionFirst()
+{
+    FakeService service;
+    PresenterClient client(nullptr, service.url());
+    openSession(client);
+    bool forgottenMeanwhile = false;
+    service.expect(USER, Answer::json(LOGGED_IN));
+    service.expect(CREATE, Answer::json("{}", 500).then([&] {
+        forgottenMeanwhile = client.sessionCode().isNull() && client.sessionToken().isNull();
+    }));
+
+    QVERIFY(!client.doStartSession(QString()));
+    QVERIFY(forgottenMeanwhile);
+    QVERIFY(client.sessionCode().isNull());
+    QVERIFY(client.sessionToken().isNull());
+}
+
+void tst_PresenterClientSession::creationClearsTheLastError()
+{
+    FakeService service;
+    service.expect(USER, Answer::json(LOGGED_IN));
+    service.expect(CREATE, Answer::json(CREATED));
+    PresenterClient client(nullptr, service.url());
+    client.sessionFailureResponse(nullptr, QStringLiteral(R"({"errorMsgKeys":["earlier.error"]})"));
+    QCOMPARE(client.lastError(), QStringLiteral("earlier.error"));
+
+    QVERIFY(client.doStartSession(QString()));
+    QVERIFY(client.lastError().isNull());
+}
+
+// A service that does not know us any more answers the question for the user with an error.
+void tst_PresenterClientSession::logsInAgainWhenNeeded()
+{
+    FakeService service;
+    service.expect(SUBMIT, Answer::json("{}"));
+    service.expect(USER, Answer::json("{}", 401));
+    service.expect(SUBMIT, Answer::json(R"({"infoMsgs":["success"]})"));
+    service.expect(CREATE, Answer::json(CREATED));
+    PresenterClient client(nullptr, service.url());
+    QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+
+    QVERIFY(client.doStartSession(QString()));
+    QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
+}
+
+void tst_PresenterClientSession::failedReLoginCreatesNothing()
+{
+    FakeService service;
+    service.expect(SUBMIT, Answer::json("{}"));
+    service.expect(USER, Answer::json("{}", 401));
+    service.expect(SUBMIT, Answer::json(R"({"errorMsgKeys":["login.error"]})", 401));
+    PresenterClient client(nullptr, service.url());
+    QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+    createSession(client);
+
+    QVERIFY(!client.doStartSession(QString()));
+    QCOMPARE(client.lastError(), QStringLiteral("login.error"));
+    QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
+}
+
+// Without a user id there is nobody to log in again.
+void tst_PresenterClientSession::unknownUserCreatesNothing()
+{
+    FakeService service;
+    service.expect(SUBMIT, Answer::json(R"({"infoMsgs":["success"]})"));
+    service.expect(USER, Answer::json(R"({"data":{}})"));
+    PresenterClient client(nullptr, service.url());
+    QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+
+    QVERIFY(!client.doStartSession(QString()));
+}
+
+void tst_PresenterClientSession::handlersLeaveThingsAloneWithoutJson()
+{
+    PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+    createSession(client);
+    client.sessionFailureResponse(nullptr, QStringLiteral(R"({"errorMsgKeys":["a.error"]})"));
+    client.sessionSuccessResponse(QStringLiteral("{\"data\":"));
+    client.sessionFailureResponse(nullptr, QStringLiteral("error"));
+
+    QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
+    QCOMPARE(client.lastError(), QStringLiteral("a.error"));
+    client.sessionFailureResponse(nullptr, QStringLiteral("{}"));
+    QVERIFY(client.lastError().isNull());
+}
+
+void tst_PresenterClientSession::asksForTheLearnersOfTheSession()
+{
+    FakeService service;
+    service.expect(USERS, Answer::json(R"({"data":{"users":[]}})"));
+    PresenterClient client(nullptr, service.url());
+    openSession(client, QString::fromUtf8("é\\\"%1"));
+    QCOMPARE(client.sessionToken(), QString::fromUtf8("é\"%1"));
+
+    QVERIFY(client.doGetLearners());
+    QCOMPARE(service.last().method, QByteArray("POST"));
+    QCOMPARE(service.last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
+    QCOMPARE(service.last().body, QByteArray("{\"sessionToken\":\"é\"%1\"}"));
+    service.expect(STOP, Answer::json("{}"));
+}
+
+void tst_PresenterClientSession::noLearnersWithoutASession()
+{
+    FakeService service;
+    PresenterClient client(nullptr, service.url());
+    createSession(client);
+    const LogRecorder log;
+
+    QVERIFY(!client.doGetLearners());
+    QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to get users for!"});
+}
+
+void tst_PresenterClientSession::learners_data()
+{
+    QTest::addColumn<QByteArray>("users");
+    QTest::addColumn<QStringList>("learners");
+
+    const auto row = [](const char* name, const char* users, const QStringList& learners) {
+        QTest::newRow(name) << QByteArray(users) << learners;
+    };
+    row("none", "[]", {});
+    row("one", R"([{"userToken":"d1","userName":"Zoë","deviceType":"tablet","mode":"learner"}])",
+        {QString::fromUtf8("d1 Zoë tablet")});
+    row("in order, twice the same",
+        R"([{"userToken":"d2","mode":"learner"},{"userToken":"d1","mode":"learner"},)"
+        R"({"userToken":"d2","mode":"learner"}])",
+        {"d2  ", "d1  ", "d2  "});
+    row("learners only",
+        R"([{"userToken":"p","mode":"presenter"},{"userToken":"c","mode":"Learner"},{"userToken":"n"},)"
+        R"({"userToken":"b","mode":"learner "},{"userToken":"z","mode":null},{"userToken":"d","mode":"learner"}])",
+        {"d  "});
+    row("nothing but the mode", R"([{"mode":"learner"}])", {"  "});
+    row("no objects", R"(["learner",1,null,[],{"mode":"learner","userToken":"d"}])", {"d  "});
+    row("numbers", R"([{"mode":"learner","userToken":1,"userName":2,"deviceType":3}])", {"1 2 3"});
+}
+
+void tst_PresenterClientSession::learners()
+{
+    QFETCH(QByteArray, users);
+    QFETCH(QStringList, learners);
+
+    FakeService service;
+    service.expect(USERS, Answer::json("{\"data\":{\"users\":" + users + "}}"));
+    PresenterClient client(nullptr, service.url());
+    openSession(client);
+    client.getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
+    QCOMPARE(client.learners().size(), 1);
+
+    QVERIFY(client.doGetLearners());
+    QCOMPARE(texts(client.learners()), learners);
+    service.expect(STOP, Answer::json("{}"));
+}
+
+void tst_PresenterClientSession::badListLeavesTheLearners_data()
+{
+    QTest::addColumn<QByteArray>("body");
+
+    QTest::newRow("text") << QByteArray(R"({"data":{"users":"none"}})");
+    QTest::newRow("object") << QByteArray(R"({"data":{"users":{"mode":"learner"}}})");
+    QTest::newRow("null") << QByteArray(R"({"data":{"users":null}})");
+    QTest::newRow("absent") << QByteArray(R"({"data":{}})");
+    QTest::newRow("no data") << QByteArray("{}");
+    QTest::newRow("no JSON") << QByteArray(R"({"data":{"users":[)");
+    QTest::newRow("empty") << QByteArray();
+}
+
+void tst_PresenterClientSession::badListLeavesTheLearners()
+{
+    QFETCH(QByteArray, body);
+
+    FakeService service;
+    service.expect(USERS, Answer::json(body));
+    PresenterClient client(nullptr, service.url());
+    openSession(client);
+    client.getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
+
+    QVERIFY(client.doGetLearners());
+    QCOMPARE(texts(client.learners()), QStringList{"old  "});
+    service.expect(STOP, Answer::json("{}"));
+}
+
+void tst_PresenterClientSession::failedRequestLeavesTheLearners_data()
+{
+    QTest::addColumn<bool>("cut");
+
+    QTest::newRow("http error") << false;
+    QTest::newRow("answer cut short") << true;
+}
+
+void tst_PresenterClientSession::failedRequestLeavesTheLearners()
+{
+    QFETCH(bool, cut);
+
+    const QByteArray body(R"({"errorMsgKeys":["a.error"],"data":{"users":[]}})");
+    FakeService service;
+    service.expect(USERS, cut ? Answer::cut(body) : Answer::json(body, 500));
+    PresenterClient client(nullptr, service.url());
+    openSession(client);
+    client.getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
+
+    QVERIFY(client.doGetLearners());
+    QCOMPARE(texts(client.learners()), QStringList{"old  "});
+    QVERIFY(client.lastError().isNull());
+    service.expect(STOP, Answer::json("{}"));
+}
+
+void tst_PresenterClientSession::learnerIsAValue()
+{
+    const Calyx::Learner empty;
+    QVERIFY(empty.deviceId.isNull() && empty.userName.isNull() && empty.deviceType.isNull());
+    Calyx::Learner one(QStringLiteral("d"), QStringLiteral("n"), QStringLiteral("t"));
+    const Calyx::Learner copy = one;
+    one.userName = QStringLiteral("changed");
+
+    QCOMPARE(texts({copy}), QStringList{"d n t"});
+    QVERIFY(QMetaType::type("Calyx::Learner") != QMetaType::UnknownType);
+}
+
+void tst_PresenterClientSession::stopsTheSession()
+{
+    FakeService service;
+    service.expect(STOP, Answer::json("{}"));
+    PresenterClient client(nullptr, service.url());
+    openSession(client, QStringLiteral("%1"));
+
+    QVERIFY(client.doStopSession());
+    QCOMPARE(service.last().method, QByteArray("POST"));
+    QCOMPARE(service.last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
+    QCOMPARE(service.last().body, QByteArray(R"({"sessionToken":"%1"})"));
+}
+
+void tst_PresenterClientSession::stopSetsOnlyTokenAndCodeToNull()
+{
+    FakeService service;
+    service.expect(STOP, Answer::json("{}"));
+    PresenterClient client(nullptr, service.url());
+    openSession(client);
+    client.getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"d"}]}})");
+    client.getCollabUrlResponse(R"({"data":{"url":"http://127.0.0.1:1"}})");
+    client.sessionJoinResponse(R"({"data":{"userToken":"U"}})");
+    client.doStopSession();
+
+    QVERIFY(client.sessionToken().isNull());
+    QVERIFY(client.sessionCode().isNull());
+    QCOMPARE(client.learners().size(), 1);
+    QCOMPARE(client.collabServerUrl(), QStringLiteral("http://127.0.0.1:1"));
+    QCOMPARE(client.userToken(), QStringLiteral("U"));
+}
+
+void tst_PresenterClientSession::secondStopFindsNoSession()
+{
+    FakeService service;
+    service.expect(STOP, Answer::json("{}"));
+    PresenterClient client(nullptr, service.url());
+    openSession(client);
+    QVERIFY(client.doStopSession());
+    const LogRecorder log;
+
+    QVERIFY(!client.doStopSession());
+    QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to stop!"});
+}
+
+void tst_PresenterClientSession::sessionThatWasNeverStartedIsNotStopped()
+{
+    FakeService service;
+    PresenterClient client(nullptr, service.url());
+    createSession(client);
+    const LogRecorder log;
+
+    QVERIFY(!client.doStopSession());
+    QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to stop!"});
+    QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
+}
+
+void tst_PresenterClientSession::stopNeedsNoGoodAnswer_data()
+{
+    QTest::addColumn<int>("kind");
+
+    QTest::newRow("http error") << 0;
+    QTest::newRow("no JSON") << 1;
+    QTest::newRow("service gone") << 2;
+}
+
+void tst_PresenterClientSession::stopNeedsNoGoodAnswer()
+{
+    QFETCH(int, kind);
+
+    const Answer answers[] = {Answer::json(R"({"errorMsgKeys":["a.error"]})", 500), Answer::json("bye"),
+                              Answer::gone()};
+    FakeService service;
+    service.expect(STOP, answers[kind]);
+    PresenterClient client(nullptr, service.url());
+    openSession(client);
+
+    QVERIFY(client.doStopSession());
+    QVERIFY(client.sessionToken().isNull());
+    QVERIFY(client.sessionCode().isNull());
+    QVERIFY(client.lastError().isNull());
+}
+
+static PresenterCollab* openChannel(PresenterClient& client, FakeService& service, FakeSockJSServer& bus)
+{
+    service.expect("/tavisto/session/getcollabserverurl",
+                   Answer::json("{\"data\":{\"url\":\"" + bus.url().toEncoded() + "\"}}"));
+    service.expect("/tavisto/config/findTenantFeatureDetails",
+                   Answer::json(R"({"data":{"sockJSProtocols":["websocket"]}})"));
+    service.expect("/tavisto/session/start", Answer::json(R"({"data":{"sessionToken":"T"}})"));
+    service.expect("/tavisto/classroom/session/join", Answer::json(R"({"data":{"userToken":"U"}})"));
+    createSession(client);
+    PresenterCollab* collab = nullptr;
+    if (!client.startWebsocket(&collab))
+        return nullptr;
+    for (int i = 0; i < 3; ++i)
+        bus.nextMessage(); // the registrations
+    return collab;
+}
+
+void tst_PresenterClientSession::stopClosesTheChannelFirst()
+{
+    FakeService service;
+    FakeSockJSServer bus;
+    PresenterClient client(nullptr, service.url());
+    PresenterCollab* collab = openChannel(client, service, bus);
+    QVERIFY(collab && collab->isConnected());
+    const QSignalSpy closed(collab, SIGNAL(connectionClosed(bool)));
+    bool openMeanwhile = true;
+    service.expect(STOP, Answer::json("{}").then([&] { openMeanwhile = collab->isConnected(); }));
+
+    QVERIFY(client.doStopSession());
+    QVERIFY(!openMeanwhile);
+    QVERIFY(bus.nextMessage().contains(R"("type":"disconnect")"));
+    QTRY_COMPARE(closed.size(), 1);
+    QCOMPARE(closed.first().first().toBool(), false);
+    QTRY_COMPARE(bus.endedSessions(), 1);
+}
+
+void tst_PresenterClientSession::stopLogsAfterTheRequest()
+{
+    const QString line = QStringLiteral("[PresenterClient] Stopping session, closing websocket...");
+    FakeService service;
+    PresenterClient client(nullptr, service.url());
+    openSession(client);
+    const LogRecorder log;
+    int before = -1;
+    service.expect(STOP, Answer::json("{}").then([&] { before = log.debug(line).size(); }));
+    client.doStopSession();
+
+    QCOMPARE(before, 0);
+    QCOMPARE(log.debug().last(), line);
+}
+
+void tst_PresenterClientSession::destructorStopsTheSession()
+{
+    FakeService service;
+    service.expect(STOP, Answer::json("{}"));
+    auto client = std::make_unique<PresenterClient>(nullptr, service.url());
+    openSession(*client);
+    client.reset();
+
+    QCOMPARE(service.last().body, QByteArray(R"({"sessionToken":"T"})"));
+}
+
+void tst_PresenterClientSession::destructorOfACreatedSessionOnlyLogs()
+{
+    FakeService service;
+    auto client = std::make_unique<PresenterClient>(nullptr, service.url());
+    createSession(*client);
+    const LogRecorder log;
+    client.reset();
+
+    QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to stop!"});
+}
+
+void tst_PresenterClientSession::destructorWithoutSessionDoesNothing()
+{
+    FakeService service;
+    auto client = std::make_unique<PresenterClient>(nullptr, service.url());
+    const LogRecorder log;
+    client.reset();
+
+    QVERIFY(log.messages().isEmpty());
+}
+
+void tst_PresenterClientSession::destructorWaitsNoLongerThanTheLimit()
+{
+    FakeService service;
+    service.expect(STOP, Answer::never().then([] { TimerClock::advance(10600); }));
+    auto client = std::make_unique<PresenterClient>(nullptr, service.url());
+    openSession(*client);
+    client.reset();
+
+    QTRY_COMPARE(service.abandoned(), 1);
+}
+
+void tst_PresenterClientSession::destructorClosesTheChannel()
+{
+    FakeService service;
+    FakeSockJSServer bus;
+    auto client = std::make_unique<PresenterClient>(nullptr, service.url());
+    const QPointer<PresenterCollab> collab = openChannel(*client, service, bus);
+    QVERIFY(collab);
+    service.expect(STOP, Answer::json("{}"));
+    client.reset();
+
+    QVERIFY(!collab);
+    QVERIFY(bus.nextMessage().contains(R"("type":"disconnect")"));
+    QTRY_COMPARE(bus.endedSessions(), 1);
+}
+
+QTEST_GUILESS_MAIN(tst_PresenterClientSession)
+
+#include "tst_PresenterClientSession.moc"
