@@ -1,13 +1,12 @@
 // Creating and stopping a classroom session, and who is in it.
 
 #include "support/FakeService.h"
-#include "support/FakeSockJSServer.h"
+#include "support/Lesson.h"
 #include "support/LogRecorder.h"
 #include "support/TimerClock.h"
 
 #include <CalyxClient/Learner>
 #include <CalyxClient/PresenterClient>
-#include <CalyxClient/PresenterCollab>
 
 #include <QSignalSpy>
 #include <QTest>
@@ -497,40 +496,21 @@ void tst_PresenterClientSession::stopNeedsNoGoodAnswer()
     QVERIFY(client.lastError().isNull());
 }
 
-static PresenterCollab* openChannel(PresenterClient& client, FakeService& service, FakeSockJSServer& bus)
-{
-    service.expect("/tavisto/session/getcollabserverurl",
-                   Answer::json("{\"data\":{\"url\":\"" + bus.url().toEncoded() + "\"}}"));
-    service.expect("/tavisto/config/findTenantFeatureDetails",
-                   Answer::json(R"({"data":{"sockJSProtocols":["websocket"]}})"));
-    service.expect("/tavisto/session/start", Answer::json(R"({"data":{"sessionToken":"T"}})"));
-    service.expect("/tavisto/classroom/session/join", Answer::json(R"({"data":{"userToken":"U"}})"));
-    createSession(client);
-    PresenterCollab* collab = nullptr;
-    if (!client.startWebsocket(&collab))
-        return nullptr;
-    for (int i = 0; i < 3; ++i)
-        bus.nextMessage(); // the registrations
-    return collab;
-}
-
 void tst_PresenterClientSession::stopClosesTheChannelFirst()
 {
-    FakeService service;
-    FakeSockJSServer bus;
-    PresenterClient client(nullptr, service.url());
-    PresenterCollab* collab = openChannel(client, service, bus);
-    QVERIFY(collab && collab->isConnected());
-    const QSignalSpy closed(collab, SIGNAL(connectionClosed(bool)));
+    Lesson lesson;
+    QVERIFY(lesson.startWell());
+    QTRY_VERIFY(lesson.collab->isConnected());
+    const QSignalSpy closed(lesson.collab, SIGNAL(connectionClosed(bool)));
     bool openMeanwhile = true;
-    service.expect(STOP, Answer::json("{}").then([&] { openMeanwhile = collab->isConnected(); }));
+    lesson.service.expect(STOP,
+                          Answer::json("{}").then([&] { openMeanwhile = lesson.collab->isConnected(); }));
 
-    QVERIFY(client.doStopSession());
+    QVERIFY(lesson.client->doStopSession());
     QVERIFY(!openMeanwhile);
-    QVERIFY(bus.nextMessage().contains(R"("type":"disconnect")"));
     QTRY_COMPARE(closed.size(), 1);
     QCOMPARE(closed.first().first().toBool(), false);
-    QTRY_COMPARE(bus.endedSessions(), 1);
+    QTRY_COMPARE(lesson.bus.endedSessions(), 1);
 }
 
 void tst_PresenterClientSession::stopLogsAfterTheRequest()
@@ -593,17 +573,17 @@ void tst_PresenterClientSession::destructorWaitsNoLongerThanTheLimit()
 
 void tst_PresenterClientSession::destructorClosesTheChannel()
 {
-    FakeService service;
-    FakeSockJSServer bus;
-    auto client = std::make_unique<PresenterClient>(nullptr, service.url());
-    const QPointer<PresenterCollab> collab = openChannel(*client, service, bus);
-    QVERIFY(collab);
-    service.expect(STOP, Answer::json("{}"));
-    client.reset();
+    Lesson lesson;
+    QVERIFY(lesson.startWell());
+    const QPointer<PresenterCollab> collab = lesson.collab;
+    for (int i = 0; i < 3; ++i)
+        lesson.bus.nextMessage(); // the registrations
+    lesson.service.expect(STOP, Answer::json("{}"));
+    lesson.client.reset();
 
     QVERIFY(!collab);
-    QVERIFY(bus.nextMessage().contains(R"("type":"disconnect")"));
-    QTRY_COMPARE(bus.endedSessions(), 1);
+    QVERIFY(lesson.bus.nextMessage().contains(R"("type":"disconnect")"));
+    QTRY_COMPARE(lesson.bus.endedSessions(), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_PresenterClientSession)

@@ -554,7 +554,8 @@ void tst_PresenterClientWait::clientDestroyedOnARedirect()
 void tst_PresenterClientWait::clientDestroyedOnATimeOut()
 {
     FakeService service;
-    service.expect("/tavisto/login/submit", Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
+    service.expect("/tavisto/login/submit",
+                   Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
     const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
     connect(client, &PresenterClient::requestProcessed, &service, [&] { delete client; });
 
