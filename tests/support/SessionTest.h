@@ -1,0 +1,32 @@
+#pragma once
+
+#include "support/LiveSession.h"
+
+#include <QObject>
+
+#include <memory>
+
+/// Base of the session's tests: each function gets a new session, with its own event bus and log.
+class SessionTest : public QObject
+{
+    Q_OBJECT
+
+protected:
+    using Server = FakeSockJSServer;
+    using Publish = LiveSession::Publish;
+
+    PresenterCollab* collab() const { return m_session->collab(); }
+    Server& server() const { return m_session->server(); }
+    LogRecorder& log() const { return m_session->log(); }
+    /// Number of compressed publishes that were dropped.
+    int dropped() const;
+    /// Starts a poll and returns the question that reaches the event bus; empty when something else does.
+    QVariantMap startedQuestion(Calyx::PollType::POLL_TYPE type, Calyx::OrdinalType::ORDINAL_TYPE ordinal,
+                                int count, int extra = 0);
+
+    std::unique_ptr<LiveSession> m_session;
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+};

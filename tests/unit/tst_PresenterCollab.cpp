@@ -1,0 +1,542 @@
+#include "collab/CalyxCollabMessage.h"
+#include "collab/CollaborationMessageHandler.h"
+#include "collab/PresenterCollab.h"
+#include "support/SessionTest.h"
+#include "support/TimerClock.h"
+#include "support/WallClock.h"
+#include "transport/SockJSConnector.h"
+
+#include <QMetaMethod>
+#include <QScopeGuard>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+
+using Calyx::CalyxCollabMessage;
+
+namespace {
+
+const auto pingMessage = QStringLiteral("{\"type\":\"ping\"}");
+const auto emptyText = QStringLiteral("\"\"");
+
+QString registerMessage(const QString& address)
+{
+    return QStringLiteral("{\"type\":\"register\",\"address\":\"") + address + QStringLiteral("\"}");
+}
+
+// What Qt's debug stream does to a text that it quotes.
+QString unquoted(QString line)
+{
+    return line.replace(QLatin1String("\\\""), QLatin1String("\""))
+        .replace(QLatin1String("\\n"), QLatin1String("\n"));
+}
+
+} // namespace
+
+/// The session itself: opening, registering, publishing, pinging, relaying.
+class TestPresenterCollab : public SessionTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void keepsWhatItWasConstructedWith();
+    void signalsAndSlotsAreDeclaredInOrder();
+    void openLogsTheServer();
+    void openUsesTheDefaultTransports();
+    void openUsesTheNamedTransports();
+    void registersItsThreeAddressesInOrder();
+    void registersAgainWhenOpenedAgain();
+    void registersNothingBeforeTheChannelIsUp();
+    void pingsEveryMinuteOnceConnected();
+    void pingDoesNotLookAtTheConnection();
+    void pingsAreNoActivityAndPublishesAre();
+    void compressedPublish_data();
+    void compressedPublish();
+    void compressedPublishToTheSession();
+    void placeholdersInValuesGoOutAsTheyAre();
+    void compressedPublishWhileDisconnectedIsDropped();
+    void compressedPublishBeforeTheOpenFrameIsDropped();
+    void objectPublish_data();
+    void objectPublish();
+    void objectPublishOfADataObject();
+    void objectPublishWithoutDataIsLoggedAndSent();
+    void objectPublishWhileDisconnectedIsHandedOn();
+    void removeLearnerTellsTheDevice();
+    void removeLearnerWhileDisconnectedStillReports();
+    void relaysWhatComesIn();
+    void doesNotRelayQuestionRequests();
+
+private:
+    QTimer* pingTimer() const { return collab()->findChild<QTimer*>(QString(), Qt::FindDirectChildrenOnly); }
+};
+
+void TestPresenterCollab::keepsWhatItWasConstructedWith()
+{
+    QObject parent;
+    auto* session = new PresenterCollab(&parent, QStringLiteral("http://h/b"), QStringLiteral("123456"),
+                                        QStringLiteral("token"), QStringLiteral("user"));
+
+    QCOMPARE(session->parent(), &parent);
+    QCOMPARE(session->serverUrl(), QStringLiteral("http://h/b"));
+    QCOMPARE(session->sessionCode(), QStringLiteral("123456"));
+    QCOMPARE(session->sessionToken(), QStringLiteral("token"));
+    QCOMPARE(session->userToken(), QStringLiteral("user"));
+    QVERIFY(session->currentPollId().isEmpty());
+    QVERIFY(session->currentQuestionId().isEmpty());
+    QVERIFY(!session->isConnected());
+    QCOMPARE(session->connector()->parent(), session);
+    QCOMPARE(session->messageHandler()->parent(), session);
+    auto* timer = session->findChild<QTimer*>(QString(), Qt::FindDirectChildrenOnly);
+    QVERIFY(timer);
+    QVERIFY(!timer->isActive());
+    QCOMPARE(session->getCardImageRef(false), QString());
+}
+
+void TestPresenterCollab::signalsAndSlotsAreDeclaredInOrder()
+{
+    const auto& meta = PresenterCollab::staticMetaObject;
+    QStringList signatures;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+        signatures.append(QLatin1String(meta.method(i).methodSignature()));
+    QCOMPARE(signatures,
+             QStringList({"connectionClosed(bool)", "learnerPollResponse(QString,QString,int,QString)",
+                          "learnerJoin(Learner)", "learnerUnregister(QString)", "controllerRegister(bool)",
+                          "remoteControl(RemoteControlMessage)", "unhandledMessage(QVariantMap,QVariant)",
+                          "onConnected()", "onClosed(bool)", "onPingTimer()"}));
+}
+
+void TestPresenterCollab::openLogsTheServer()
+{
+    server().stopListening();
+
+    collab()->open();
+    const auto byDefault = log().debug(QStringLiteral("Connecting to collaboration server (default):"));
+    QCOMPARE(byDefault.size(), 1);
+    QVERIFY(byDefault.first().contains(collab()->serverUrl()));
+
+    collab()->open({QStringLiteral("websocket"), QStringLiteral("nothing")});
+    const auto named = log().debug(QStringLiteral("Connecting to collaboration server:"));
+    QCOMPARE(named.size(), 1);
+    const auto text = named.first();
+    QVERIFY2(text.indexOf(collab()->serverUrl()) < text.indexOf(QLatin1String(" [")), qPrintable(text));
+    QVERIFY2(text.contains(QLatin1String("websocket, nothing")), qPrintable(text));
+    QVERIFY2(text.contains(QLatin1Char(']')), qPrintable(text));
+}
+
+void TestPresenterCollab::openUsesTheDefaultTransports()
+{
+    server().setUpgrade(Server::Refuse403);
+
+    collab()->open();
+
+    QTRY_COMPARE(server().requests().size(), 2);
+    QVERIFY(server().paths().at(0).endsWith(QLatin1String("/websocket")));
+    QVERIFY(server().paths().at(1).endsWith(QLatin1String("/xhr_streaming")));
+    QVERIFY(server().paths().at(0).startsWith(QLatin1String("/bus/eventbus/119/")));
+}
+
+void TestPresenterCollab::openUsesTheNamedTransports()
+{
+    server().setFirstFrames({});
+
+    collab()->open({QStringLiteral("carrier-pigeon"), QStringLiteral("xhr-polling")});
+
+    QTRY_VERIFY(!server().requests().isEmpty());
+    QVERIFY(server().paths().first().endsWith(QLatin1String("/xhr")));
+}
+
+void TestPresenterCollab::registersItsThreeAddressesInOrder()
+{
+    collab()->open({QStringLiteral("websocket")});
+
+    for (const char* address : {"abc", "abc.presenter", "abc.presenter.teacher-7"})
+        QCOMPARE(server().nextMessage(), registerMessage(QLatin1String(address)));
+    QVERIFY(m_session->nothingWasSent());
+}
+
+void TestPresenterCollab::registersAgainWhenOpenedAgain()
+{
+    QVERIFY(m_session->open());
+    server().closeSession();
+    QTRY_VERIFY(!collab()->isConnected());
+    QVERIFY(m_session->open());
+    collab()->close();
+    QCOMPARE(m_session->nextPublish().type, QStringLiteral("disconnect"));
+
+    QVERIFY(m_session->open()); // reads the registers
+    QVERIFY(m_session->nothingWasSent());
+}
+
+void TestPresenterCollab::registersNothingBeforeTheChannelIsUp()
+{
+    server().setUpgrade(Server::Mute);
+    collab()->open({QStringLiteral("websocket")});
+    QVERIFY(!collab()->isConnected());
+    QVERIFY(!pingTimer()->isActive());
+    QVERIFY(m_session->nothingWasSent());
+
+    server().inject(QStringLiteral("o"));
+
+    QVERIFY(m_session->readRegisters());
+    QVERIFY(collab()->isConnected());
+    QVERIFY(pingTimer()->isActive());
+}
+
+void TestPresenterCollab::pingsEveryMinuteOnceConnected()
+{
+    QVERIFY(m_session->open());
+    QVERIFY(pingTimer()->isActive());
+    QCOMPARE(pingTimer()->interval(), 60000);
+    QVERIFY(!pingTimer()->isSingleShot());
+
+    for (int i = 0; i < 3; ++i) {
+        TimerClock::advance(60000);
+        QCOMPARE(server().nextMessage(), pingMessage);
+    }
+    QVERIFY(QMetaObject::invokeMethod(collab(), "onPingTimer"));
+    QCOMPARE(server().nextMessage(), pingMessage);
+}
+
+void TestPresenterCollab::pingDoesNotLookAtTheConnection()
+{
+    collab()->sendPing();
+    QVERIFY(QMetaObject::invokeMethod(collab(), "onPingTimer"));
+    QVERIFY(log().messages().isEmpty());
+
+    server().setUpgrade(Server::Mute);
+    collab()->open({QStringLiteral("websocket")});
+    QVERIFY(!collab()->isConnected());
+    collab()->sendPing();
+    QCOMPARE(server().nextMessage(), pingMessage);
+}
+
+void TestPresenterCollab::pingsAreNoActivityAndPublishesAre()
+{
+    WallClock::freeze();
+    const auto release = qScopeGuard(WallClock::release);
+    QVERIFY(m_session->open());
+    QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
+
+    WallClock::advance(3600);
+    collab()->publishMessage(QStringLiteral("type"), QStringLiteral("1"));
+    QCOMPARE(m_session->nextPublish().type, QStringLiteral("type"));
+    WallClock::advance(3600);
+    CalyxCollabMessage message;
+    collab()->publishMessage(QString(), &message);
+    WallClock::advance(3600);
+    QVERIFY(QMetaObject::invokeMethod(collab()->connector(), "onTimeout"));
+    QVERIFY(collab()->isConnected());
+
+    collab()->sendPing();
+    WallClock::advance(1);
+    QVERIFY(QMetaObject::invokeMethod(collab()->connector(), "onTimeout"));
+    QTRY_COMPARE(closed.size(), 1);
+    QCOMPARE(closed.first().first().toBool(), true);
+    QVERIFY(!pingTimer()->isActive());
+}
+
+void TestPresenterCollab::compressedPublish_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("resolved");
+    QTest::addColumn<QString>("data");
+
+    const QString large(300000, QLatin1Char('x'));
+    QTest::newRow("below the session") << ".learner"
+                                       << "abc.learner"
+                                       << "{\"a\":1}";
+    QTest::newRow("without the point") << "x.learner"
+                                       << "x.learner"
+                                       << "{}";
+    QTest::newRow("empty address") << ""
+                                   << ""
+                                   << "{}";
+    QTest::newRow("a point alone") << "."
+                                   << "abc."
+                                   << "{}";
+    QTest::newRow("the session itself") << "abc"
+                                        << "abc"
+                                        << "[1]";
+    QTest::newRow("a device") << ".user.d1"
+                              << "abc.user.d1"
+                              << "\"\"";
+    QTest::newRow("empty data") << ".learner"
+                                << "abc.learner"
+                                << "";
+    QTest::newRow("outside ASCII") << ".learner"
+                                   << "abc.learner"
+                                   << QString::fromUtf8("h\xc3\xa9 \xe4\xb8\xad \xf0\x9f\x98\x80");
+    QTest::newRow("brackets and blanks") << ".learner"
+                                         << "abc.learner"
+                                         << "[ 1, [ 2 ] ]";
+    QTest::newRow("large") << ".learner"
+                           << "abc.learner" << large;
+}
+
+void TestPresenterCollab::compressedPublish()
+{
+    QFETCH(QString, address);
+    QFETCH(QString, resolved);
+    QFETCH(QString, data);
+    QVERIFY(m_session->open());
+    m_session->forgetLog();
+
+    collab()->publishMessage(address, QStringLiteral("someType"), data);
+    collab()->publishMessage64(address, QStringLiteral("someType"), data);
+
+    for (int i = 0; i < 2; ++i) {
+        const auto publish = m_session->nextPublish();
+        QCOMPARE(publish.text, LiveSession::compressedFrame(resolved, QStringLiteral("teacher-7"),
+                                                            QStringLiteral("someType"), publish.base64));
+        QCOMPARE(publish.data, data);
+    }
+    QVERIFY2(log().messages().isEmpty(), "a compressed publish is not logged");
+}
+
+void TestPresenterCollab::compressedPublishToTheSession()
+{
+    QVERIFY(m_session->open());
+
+    collab()->publishMessage(QStringLiteral("hello"), QStringLiteral("{\"x\":2}"));
+
+    const auto publish = m_session->nextPublish();
+    QCOMPARE(publish.text, LiveSession::compressedFrame(QStringLiteral("abc"), QStringLiteral("teacher-7"),
+                                                        QStringLiteral("hello"), publish.base64));
+    QCOMPARE(publish.data, QStringLiteral("{\"x\":2}"));
+}
+
+void TestPresenterCollab::placeholdersInValuesGoOutAsTheyAre()
+{
+    m_session = std::make_unique<LiveSession>(QStringLiteral("t%1"), QStringLiteral("u%2%3"));
+    QVERIFY(m_session->open()); // reads the registers
+
+    collab()->publishMessage(QStringLiteral(".%1%3"), QStringLiteral("%0%3"), QStringLiteral("%1 %2"));
+    auto publish = m_session->nextPublish();
+    QCOMPARE(publish.text, LiveSession::compressedFrame(QStringLiteral("t%1.%1%3"), QStringLiteral("u%2%3"),
+                                                        QStringLiteral("%0%3"), publish.base64));
+    QCOMPARE(publish.data, QStringLiteral("%1 %2"));
+
+    CalyxCollabMessage message;
+    message.settype(QStringLiteral("%1"));
+    collab()->publishMessage(QStringLiteral("%1"), &message);
+    publish = m_session->nextPublish();
+    QCOMPARE(publish.address, QStringLiteral("%1"));
+    QCOMPARE(publish.type, QStringLiteral("%1"));
+    QCOMPARE(publish.from, QStringLiteral("u%2%3"));
+}
+
+void TestPresenterCollab::compressedPublishWhileDisconnectedIsDropped()
+{
+    collab()->publishMessage(QStringLiteral("type"), QStringLiteral("1"));
+    QCOMPARE(dropped(), 1);
+    collab()->publishMessage(QStringLiteral(".learner"), QStringLiteral("type"), QStringLiteral("2"));
+    QCOMPARE(dropped(), 2);
+    collab()->publishMessage64(QStringLiteral(".learner"), QStringLiteral("type"), QStringLiteral("3"));
+    QCOMPARE(dropped(), 3);
+
+    QVERIFY(m_session->open());
+    QVERIFY(m_session->nothingWasSent());
+
+    server().closeSession();
+    QTRY_VERIFY(!collab()->isConnected());
+    collab()->publishMessage(QStringLiteral("type"), QStringLiteral("4"));
+    QCOMPARE(dropped(), 4);
+}
+
+void TestPresenterCollab::compressedPublishBeforeTheOpenFrameIsDropped()
+{
+    server().setUpgrade(Server::Mute);
+    collab()->open({QStringLiteral("websocket")});
+
+    collab()->publishMessage(QStringLiteral("type"), QStringLiteral("1"));
+
+    QCOMPARE(dropped(), 1);
+    QVERIFY(m_session->nothingWasSent());
+}
+
+void TestPresenterCollab::objectPublish_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("resolved");
+    QTest::addColumn<QVariantMap>("map");
+    QTest::addColumn<QString>("data");
+
+    const auto json = QStringLiteral("{\n    \"a\": 1,\n    \"b\": \"x\"\n}\n");
+    QTest::newRow("below the session") << ".learner"
+                                       << "abc.learner" << QVariantMap{{"b", "x"}, {"a", 1}} << json;
+    QTest::newRow("without the point") << "x.y"
+                                       << "x.y" << QVariantMap{{"b", "x"}, {"a", 1}} << json;
+    QTest::newRow("empty address") << ""
+                                   << "" << QVariantMap{{"b", "x"}, {"a", 1}} << json;
+    QTest::newRow("empty map") << "abc"
+                               << "abc" << QVariantMap{} << "{\n}\n";
+}
+
+void TestPresenterCollab::objectPublish()
+{
+    QFETCH(QString, address);
+    QFETCH(QString, resolved);
+    QFETCH(QVariantMap, map);
+    QFETCH(QString, data);
+    QVERIFY(m_session->open());
+    CalyxCollabMessage message;
+    message.setfrom(QStringLiteral("somebody else"));
+    message.settype(QStringLiteral("someType"));
+    message.setdata(map);
+    m_session->forgetLog();
+
+    collab()->publishMessage(address, &message);
+
+    const auto publish = m_session->nextPublish();
+    const auto json =
+        QStringLiteral("{\n    \"data\": [\n        \"%1\"\n    ],\n    \"from\": \"teacher-7\",\n"
+                       "    \"sourceSystem\": \"Lumora\",\n    \"type\": \"someType\",\n"
+                       "    \"version\": \"3.0.0\"\n}\n")
+            .arg(publish.base64);
+    const auto frame = QStringLiteral("{\"type\":\"publish\",\"address\":\"") + resolved +
+                       QStringLiteral("\",\"body\":") + json + QLatin1Char('}');
+    // SockJS framing takes the blank in front of a closing bracket.
+    QCOMPARE(publish.text, QString(frame).replace(QLatin1String(" ]"), QLatin1String("]")));
+    QCOMPARE(publish.data, data);
+    QCOMPARE(message.from(), QStringLiteral("teacher-7"));
+    QCOMPARE(message.data(), QVariant(QVariantList{publish.base64}));
+
+    const auto transmitted = log().debug(QStringLiteral("TRANSMIT: "));
+    QCOMPARE(transmitted.size(), 1);
+    QVERIFY2(unquoted(transmitted.first()).contains(frame), qPrintable(transmitted.first()));
+}
+
+void TestPresenterCollab::objectPublishOfADataObject()
+{
+    QVERIFY(m_session->open());
+    CalyxCollabMessage carried;
+    carried.settype(QStringLiteral("inner"));
+    CalyxCollabMessage message;
+    message.setdata(QVariantMap{{"not", "this"}});
+    message.setdataobject(&carried);
+
+    collab()->publishMessage(QStringLiteral(".learner"), &message);
+
+    const auto publish = m_session->nextPublish();
+    QVERIFY2(publish.data.contains(QLatin1String("\"type\": \"inner\"")), qPrintable(publish.data));
+    QVERIFY(!publish.data.contains(QLatin1String("this")));
+}
+
+void TestPresenterCollab::objectPublishWithoutDataIsLoggedAndSent()
+{
+    const auto invalid = QStringLiteral("[CalyxCollabMessage] data object in message is invalid!");
+    QVERIFY(m_session->open());
+
+    CalyxCollabMessage empty;
+    collab()->publishMessage(QStringLiteral(".learner"), &empty);
+    QCOMPARE(log().debug(invalid).size(), 1);
+    auto publish = m_session->nextPublish();
+    QVERIFY(publish.body.contains(QStringLiteral("data")));
+    QVERIFY(publish.body.value(QStringLiteral("data")).isNull());
+
+    CalyxCollabMessage text;
+    text.setdata(QStringLiteral("as it stood"));
+    collab()->publishMessage(QStringLiteral(".learner"), &text);
+    QCOMPARE(log().debug(invalid).size(), 2);
+    publish = m_session->nextPublish();
+    QCOMPARE(publish.body.value(QStringLiteral("data")).toString(), QStringLiteral("as it stood"));
+}
+
+void TestPresenterCollab::objectPublishWhileDisconnectedIsHandedOn()
+{
+    CalyxCollabMessage message;
+    message.setdata(QVariantMap{{"a", 1}});
+
+    collab()->publishMessage(QStringLiteral(".learner"), &message);
+
+    QVERIFY(log().debug(LiveSession::notConnected()).isEmpty());
+    QCOMPARE(log().debug(QStringLiteral("TRANSMIT: ")).size(), 1);
+    QCOMPARE(message.from(), QStringLiteral("teacher-7"));
+    QVERIFY(m_session->open());
+    QVERIFY(m_session->nothingWasSent());
+}
+
+void TestPresenterCollab::removeLearnerTellsTheDevice()
+{
+    QVERIFY(m_session->open());
+    QSignalSpy gone(collab(), &PresenterCollab::learnerUnregister);
+
+    collab()->removeLearner(QStringLiteral("d%1"));
+
+    QCOMPARE(gone.size(), 1);
+    QCOMPARE(gone.first().first().toString(), QStringLiteral("d%1"));
+    const auto publish = m_session->nextPublish();
+    QCOMPARE(publish.address, QStringLiteral("abc.user.d%1"));
+    QCOMPARE(publish.type, QStringLiteral("disconnect"));
+    QCOMPARE(publish.data, emptyText);
+}
+
+void TestPresenterCollab::removeLearnerWhileDisconnectedStillReports()
+{
+    QSignalSpy gone(collab(), &PresenterCollab::learnerUnregister);
+
+    collab()->removeLearner(QStringLiteral("d1"));
+
+    QCOMPARE(gone.size(), 1);
+    QCOMPARE(gone.first().first().toString(), QStringLiteral("d1"));
+    QCOMPARE(dropped(), 1);
+}
+
+void TestPresenterCollab::relaysWhatComesIn()
+{
+    QVERIFY(m_session->open());
+    QSignalSpy answers(collab(), SIGNAL(learnerPollResponse(QString, QString, int, QString)));
+    QSignalSpy joins(collab(), SIGNAL(learnerJoin(Learner)));
+    QSignalSpy departures(collab(), SIGNAL(learnerUnregister(QString)));
+    QSignalSpy controllers(collab(), SIGNAL(controllerRegister(bool)));
+    QSignalSpy commands(collab(), SIGNAL(remoteControl(RemoteControlMessage)));
+    QSignalSpy others(collab(), SIGNAL(unhandledMessage(QVariantMap, QVariant)));
+    const auto client = [](const char* type) { return QVariantMap{{"token", "t1"}, {"type", type}}; };
+
+    m_session->receive("pollResponse", "d1",
+                       {{"pollId", "p1"}, {"responseTime", 2500}, {"blob", QVariantMap{{"input", "x"}}}});
+    m_session->receive("join", "d2", {{"userName", "Ann"}, {"deviceType", "tablet"}});
+    m_session->receive({{"action", "unregister"}, {"client", client("user")}});
+    m_session->receive({{"action", "unregister"}, {"client", client("controller")}});
+    m_session->receive("nextCard", "d3", {{"card", 4}});
+    m_session->receive("somethingNew", "d4", {{"a", 1}});
+    QVERIFY(m_session->syncInbound());
+
+    QCOMPARE(answers.size(), 1);
+    QCOMPARE(answers.first(), QVariantList({"d1", "p1", 2500, "x"}));
+    QCOMPARE(joins.size(), 1);
+    const auto learner = joins.first().first().value<Calyx::Learner>();
+    QCOMPARE(learner.deviceId, QStringLiteral("d2"));
+    QCOMPARE(learner.userName, QStringLiteral("Ann"));
+    QCOMPARE(learner.deviceType, QStringLiteral("tablet"));
+    QCOMPARE(departures.size(), 1);
+    QCOMPARE(departures.first(), QVariantList({"t1"}));
+    QCOMPARE(controllers.size(), 1);
+    QCOMPARE(controllers.first(), QVariantList({false}));
+    QCOMPARE(commands.size(), 1);
+    const auto command = commands.first().first().value<Calyx::RemoteControlMessage>();
+    QCOMPARE(command.from, QStringLiteral("d3"));
+    QCOMPARE(command.type, QStringLiteral("nextCard"));
+    QCOMPARE(command.data, QVariant(QVariantMap{{"card", 4}}));
+    QCOMPARE(others.size(), 1);
+    QCOMPARE(others.first().at(0).toMap().value("from").toString(), QStringLiteral("d4"));
+    QCOMPARE(others.first().at(1), QVariant(QVariantMap{{"a", 1}}));
+}
+
+void TestPresenterCollab::doesNotRelayQuestionRequests()
+{
+    QVERIFY(m_session->open());
+    QSignalSpy others(collab(), &PresenterCollab::unhandledMessage);
+    QSignalSpy requests(collab()->messageHandler(), &CollaborationMessageHandler::learnerGetQuestion);
+
+    m_session->receive("questionGet", "d1", {{"questionNumber", 3}});
+    QTRY_COMPARE(requests.size(), 1);
+
+    QCOMPARE(requests.first(), QVariantList({"d1", 3}));
+    QCOMPARE(others.size(), 0);
+    QCOMPARE(PresenterCollab::staticMetaObject.indexOfSignal("learnerGetQuestion(QString,int)"), -1);
+}
+
+QTEST_GUILESS_MAIN(TestPresenterCollab)
+#include "tst_PresenterCollab.moc"
