@@ -376,7 +376,8 @@ void tst_DataClasses::settersEmitNothing()
     const std::unique_ptr<QObject> object(make(nullptr));
     const QMetaObject* meta = object->metaObject();
     for (int i = QObject::staticMetaObject.methodCount(); i < meta->methodCount(); ++i)
-        QVERIFY2(meta->method(i).methodType() != QMetaMethod::Signal, meta->method(i).methodSignature().constData());
+        QVERIFY2(meta->method(i).methodType() != QMetaMethod::Signal,
+                 meta->method(i).methodSignature().constData());
     for (int i = 1; i < meta->propertyCount(); ++i)
         QVERIFY2(!meta->property(i).hasNotifySignal(), meta->property(i).name());
 }

@@ -1,0 +1,123 @@
+// What is made of the system's answer. No environment can make Qt give several entries, or one without a
+// port, so this program stands in for the system itself: its own systemProxyForQuery() is found before Qt's.
+
+#include <CalyxClient/QSystemConfigurationProxyFactory>
+
+#include <QNetworkProxy>
+#include <QObject>
+#include <QTest>
+#include <QUrl>
+
+namespace {
+
+QList<QNetworkProxy> theSystemsAnswer;
+QList<QNetworkProxyQuery> asked;
+
+QNetworkProxy entry(QNetworkProxy::ProxyType type, const char* host, quint16 port, const char* user = "",
+                    const char* password = "")
+{
+    QNetworkProxy proxy(type, QString::fromLatin1(host), port, QString::fromLatin1(user),
+                        QString::fromLatin1(password));
+    // A port of 0 would have become the type's usual one.
+    proxy.setPort(port);
+    return proxy;
+}
+
+} // namespace
+
+QList<QNetworkProxy> QNetworkProxyFactory::systemProxyForQuery(const QNetworkProxyQuery& query)
+{
+    asked.append(query);
+    return theSystemsAnswer;
+}
+
+class tst_QSystemConfigurationProxyFactorySystem : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void asksForAPublicPlainWebAddress();
+    void onlyTheFirstEntryCounts_data();
+    void onlyTheFirstEntryCounts();
+    void firstEntryIsGivenWhole();
+    void noProxyIsEmptyInAllItsParts();
+};
+
+void tst_QSystemConfigurationProxyFactorySystem::init()
+{
+    theSystemsAnswer.clear();
+    asked.clear();
+}
+
+void tst_QSystemConfigurationProxyFactorySystem::asksForAPublicPlainWebAddress()
+{
+    QSystemConfigurationProxyFactory::getPrimaryProxy();
+    QSystemConfigurationProxyFactory::getProxyString();
+    QVERIFY(asked.size() >= 2);
+    for (const QNetworkProxyQuery& query : qAsConst(asked)) {
+        QCOMPARE(query.queryType(), QNetworkProxyQuery::UrlRequest);
+        QCOMPARE(query.url().scheme(), QStringLiteral("http"));
+        QVERIFY(query.url().host().contains(QLatin1Char('.')));
+        QVERIFY(query.url().port() == -1 || query.url().port() == 80);
+        QCOMPARE(query.url(), asked.first().url());
+    }
+}
+
+void tst_QSystemConfigurationProxyFactorySystem::onlyTheFirstEntryCounts_data()
+{
+    QTest::addColumn<QList<QNetworkProxy>>("answer");
+    QTest::addColumn<QString>("text");
+
+    const QNetworkProxy none(QNetworkProxy::NoProxy);
+    const QNetworkProxy http = entry(QNetworkProxy::HttpProxy, "h.test", 3128);
+    const QNetworkProxy caching = entry(QNetworkProxy::HttpCachingProxy, "c.test", 3129, "user", "secret");
+    const QNetworkProxy socks = entry(QNetworkProxy::Socks5Proxy, "s.test", 65535);
+    const QNetworkProxy portless = entry(QNetworkProxy::HttpProxy, "zero.test", 0);
+    QTest::newRow("empty list") << QList<QNetworkProxy>() << "";
+    QTest::newRow("no proxy") << QList<QNetworkProxy>{none} << "";
+    QTest::newRow("one") << QList<QNetworkProxy>{http} << "h.test:3128";
+    QTest::newRow("with credentials") << QList<QNetworkProxy>{caching} << "c.test:3129";
+    QTest::newRow("several") << QList<QNetworkProxy>{socks, http, caching, none} << "s.test:65535";
+    QTest::newRow("no proxy before one") << QList<QNetworkProxy>{none, http} << "";
+    QTest::newRow("host with port 0") << QList<QNetworkProxy>{portless} << "";
+    QTest::newRow("host with port 0 before one") << QList<QNetworkProxy>{portless, http} << "";
+}
+
+void tst_QSystemConfigurationProxyFactorySystem::onlyTheFirstEntryCounts()
+{
+    QFETCH(QList<QNetworkProxy>, answer);
+    QFETCH(QString, text);
+    theSystemsAnswer = answer;
+    QCOMPARE(QSystemConfigurationProxyFactory::getProxyString(), text);
+    const QNetworkProxy proxy = QSystemConfigurationProxyFactory::getPrimaryProxy();
+    if (text.isEmpty())
+        QCOMPARE(proxy.type(), QNetworkProxy::NoProxy);
+    else
+        QCOMPARE(proxy, answer.first());
+}
+
+void tst_QSystemConfigurationProxyFactorySystem::firstEntryIsGivenWhole()
+{
+    theSystemsAnswer = {entry(QNetworkProxy::HttpCachingProxy, "c.test", 3129, "user", "secret")};
+    const QNetworkProxy proxy = QSystemConfigurationProxyFactory::getPrimaryProxy();
+    QCOMPARE(proxy.type(), QNetworkProxy::HttpCachingProxy);
+    QCOMPARE(proxy.hostName(), QStringLiteral("c.test"));
+    QCOMPARE(proxy.port(), quint16(3129));
+    QCOMPARE(proxy.user(), QStringLiteral("user"));
+    QCOMPARE(proxy.password(), QStringLiteral("secret"));
+}
+
+void tst_QSystemConfigurationProxyFactorySystem::noProxyIsEmptyInAllItsParts()
+{
+    theSystemsAnswer = {entry(QNetworkProxy::HttpProxy, "zero.test", 0, "user", "secret")};
+    const QNetworkProxy proxy = QSystemConfigurationProxyFactory::getPrimaryProxy();
+    QCOMPARE(proxy.type(), QNetworkProxy::NoProxy);
+    QCOMPARE(proxy.hostName(), QString());
+    QCOMPARE(proxy.port(), quint16(0));
+    QCOMPARE(proxy.user(), QString());
+    QCOMPARE(proxy.password(), QString());
+}
+
+QTEST_GUILESS_MAIN(tst_QSystemConfigurationProxyFactorySystem)
+#include "tst_QSystemConfigurationProxyFactorySystem.moc"
