@@ -1,5 +1,6 @@
 #include "support/ScriptedHttpServer.h"
 
+#include <QEventLoop>
 #include <QSslSocket>
 #include <QTcpServer>
 #include <QTimer>
@@ -192,20 +193,40 @@ ScriptedHttpServer::Script ScriptedHttpServer::bytewise(const QByteArray& bytes)
 }
 
 ScriptedHttpServer::ScriptedHttpServer(const QSslConfiguration& tls)
-    : m_listener(new ScriptedListener(this, tls))
 {
     m_clock.start();
-    if (m_listener->listen(QHostAddress::LocalHost))
-        m_port = m_listener->serverPort();
-    m_listener->moveToThread(&m_thread);
-    QObject::connect(&m_thread, &QThread::finished, m_listener, &QObject::deleteLater);
-    m_thread.start();
+    std::promise<quint16> listening;
+    m_thread = std::thread([&] { run(tls, &listening); });
+    m_port = listening.get_future().get();
 }
 
 ScriptedHttpServer::~ScriptedHttpServer()
 {
-    m_thread.quit();
-    m_thread.wait();
+    QMetaObject::invokeMethod(m_loop, "quit", Qt::QueuedConnection);
+    m_thread.join();
+}
+
+void ScriptedHttpServer::run(const QSslConfiguration& tls, std::promise<quint16>* listening)
+{
+    QEventLoop loop;
+    ScriptedListener listener(this, tls);
+    listener.listen(QHostAddress::LocalHost);
+    m_loop = &loop;
+    m_listener = &listener;
+    listening->set_value(listener.serverPort());
+    loop.exec();
+}
+
+// Has \p action done on the server's thread.
+void ScriptedHttpServer::invoke(const std::function<void()>& action) const
+{
+    std::promise<void> done;
+    const auto act = [&] {
+        action();
+        done.set_value();
+    };
+    QMetaObject::invokeMethod(m_listener, act, Qt::QueuedConnection);
+    done.get_future().wait();
 }
 
 bool ScriptedHttpServer::takeScript(const QByteArray& path, Script* script)
@@ -252,57 +273,45 @@ bool ScriptedHttpServer::isUsedUp() const
 
 void ScriptedHttpServer::release()
 {
-    QMetaObject::invokeMethod(
-        m_listener,
-        [this] {
-            const QList<ScriptedConnection*> connections = m_listener->connections();
-            for (ScriptedConnection* connection : connections)
-                connection->release();
-        },
-        Qt::BlockingQueuedConnection);
+    invoke([this] {
+        const QList<ScriptedConnection*> connections = m_listener->connections();
+        for (ScriptedConnection* connection : connections)
+            connection->release();
+    });
 }
 
 void ScriptedHttpServer::sendNow(const QByteArray& bytes)
 {
-    QMetaObject::invokeMethod(
-        m_listener,
-        [this, bytes] {
-            if (m_listener->connections().isEmpty())
-                return;
-            QTcpSocket* socket = m_listener->connections().last()->socket();
-            socket->write(bytes);
-            socket->flush();
-        },
-        Qt::BlockingQueuedConnection);
+    invoke([this, bytes] {
+        if (m_listener->connections().isEmpty())
+            return;
+        QTcpSocket* socket = m_listener->connections().last()->socket();
+        socket->write(bytes);
+        socket->flush();
+    });
 }
 
 void ScriptedHttpServer::dropConnections(bool reset)
 {
-    QMetaObject::invokeMethod(
-        m_listener,
-        [this, reset] {
-            const QList<ScriptedConnection*> connections = m_listener->connections();
-            for (ScriptedConnection* connection : connections) {
-                if (reset)
-                    resetOnClose(connection->socket());
-                connection->socket()->abort();
-            }
-        },
-        Qt::BlockingQueuedConnection);
+    invoke([this, reset] {
+        const QList<ScriptedConnection*> connections = m_listener->connections();
+        for (ScriptedConnection* connection : connections) {
+            if (reset)
+                resetOnClose(connection->socket());
+            connection->socket()->abort();
+        }
+    });
 }
 
 void ScriptedHttpServer::stopListening()
 {
-    QMetaObject::invokeMethod(
-        m_listener, [this] { m_listener->close(); }, Qt::BlockingQueuedConnection);
+    invoke([this] { m_listener->close(); });
 }
 
 bool ScriptedHttpServer::listenAgain()
 {
     bool listening = false;
-    QMetaObject::invokeMethod(
-        m_listener, [this, &listening] { listening = m_listener->listen(QHostAddress::LocalHost, m_port); },
-        Qt::BlockingQueuedConnection);
+    invoke([this, &listening] { listening = m_listener->listen(QHostAddress::LocalHost, m_port); });
     return listening;
 }
 

@@ -5,11 +5,14 @@
 #include <QList>
 #include <QMap>
 #include <QSslConfiguration>
-#include <QThread>
 #include <QVector>
 
+#include <functional>
+#include <future>
 #include <mutex>
+#include <thread>
 
+class QEventLoop;
 class ScriptedListener;
 
 /// A real HTTP server on loopback, on a free port and on a thread of its own, which does to each request what
@@ -94,10 +97,14 @@ public:
 private:
     friend class ScriptedListener;
 
+    void run(const QSslConfiguration& tls, std::promise<quint16>* listening);
+    void invoke(const std::function<void()>& action) const;
     bool takeScript(const QByteArray& path, Script* script);
 
-    QThread m_thread;
-    ScriptedListener* m_listener;
+    // The standard library's thread, because the thread sanitizer does not see how Qt's are joined.
+    std::thread m_thread;
+    ScriptedListener* m_listener = nullptr;
+    QEventLoop* m_loop = nullptr;
     quint16 m_port = 0;
     QElapsedTimer m_clock;
 

@@ -845,7 +845,7 @@ void tst_SockJSXHRPolling::destructorIsPrompt()
         clock.start();
         session.reset();
         best = std::min(best, clock.elapsed());
-        QTRY_COMPARE(ProcessResources::threads(), threads);
+        QTRY_VERIFY(ProcessResources::threads() <= threads);
     }
     QVERIFY2(best <= 100, qPrintable(QString::number(best)));
 }
@@ -870,8 +870,8 @@ void tst_SockJSXHRPolling::givesItsThreadsAndDescriptorsBack()
     for (int i = 0; i < 20; ++i)
         QVERIFY(runOnce());
     QTRY_COMPARE(server.openConnections(), 0);
-    QTRY_COMPARE(ProcessResources::threads(), threads);
-    QTRY_COMPARE(ProcessResources::descriptors(), descriptors);
+    QTRY_VERIFY(ProcessResources::threads() <= threads);
+    QTRY_VERIFY(ProcessResources::descriptors() <= descriptors);
 }
 
 void tst_SockJSXHRPolling::retiredTransportIsSilentAndGoes()

@@ -362,7 +362,7 @@ void tst_SockJSXHRPollingWorker::dropsARequestWithoutText()
     QVERIFY(run.queue(QStringLiteral("/next")));
     QTRY_COMPARE(server.count(), 1);
     QCOMPARE(server.requests().first().path, QByteArray("/next"));
-    QCOMPARE(run.reports, QStringList("lost 0"));
+    QTRY_COMPARE(run.reports, QStringList("lost 0"));
     QVERIFY(!run.worker->isReceiving());
 }
 
@@ -1035,8 +1035,8 @@ void tst_SockJSXHRPollingWorker::givesItsDescriptorsAndThreadsBack()
     for (int i = 0; i < 20; ++i)
         QVERIFY(runOnce(3));
     QTRY_COMPARE(server.openConnections(), 0);
-    QTRY_COMPARE(ProcessResources::threads(), threads);
-    QTRY_COMPARE(ProcessResources::descriptors(), descriptors);
+    QTRY_VERIFY(ProcessResources::threads() <= threads);
+    QTRY_VERIFY(ProcessResources::descriptors() <= descriptors);
 }
 
 QTEST_GUILESS_MAIN(tst_SockJSXHRPollingWorker)
