@@ -1,6 +1,7 @@
 #include "support/ConnectorProbe.h"
 
-#include <QTest>
+#include "support/WaitFor.h"
+
 #include <QTimer>
 
 ConnectorProbe::ConnectorProbe(SockJSConnector* connector) : m_connector(connector)
@@ -36,8 +37,7 @@ bool ConnectorProbe::open(const QUrl& url, const QList<SockJSConnector::PROTOCOL
 
 bool ConnectorProbe::openSession(const QUrl& url, const QList<SockJSConnector::PROTOCOL_TYPE>& protocols)
 {
-    return open(url, protocols) &&
-           QTest::qWaitFor([this] { return m_connector && m_connector->isConnected(); });
+    return open(url, protocols) && waitFor([this] { return m_connector && m_connector->isConnected(); });
 }
 
 QStringList ConnectorProbe::messages() const

@@ -1,8 +1,7 @@
 #include "support/ConnectorTest.h"
 
+#include "support/WaitFor.h"
 #include "support/WallClock.h"
-
-#include <QTest>
 
 void ConnectorTest::setUp()
 {
@@ -36,7 +35,7 @@ bool ConnectorTest::syncInbound()
 {
     const auto text = QStringLiteral("sync %1").arg(++m_syncs);
     m_server->injectMessages({text});
-    return QTest::qWaitFor([&] { return m_probe->messages().contains(text); });
+    return waitFor([&] { return m_probe->messages().contains(text); });
 }
 
 bool ConnectorTest::syncOutbound()

@@ -1,18 +1,17 @@
 #include "support/FakeSockJSServer.h"
 
+#include "support/WaitFor.h"
+
 #include <QCryptographicHash>
 #include <QHostAddress>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QTcpSocket>
-#include <QTest>
 #include <QWebSocket>
 
 #include <sys/socket.h>
 
 namespace {
-
-const int waitLimit = 20000;
 
 void reset(QTcpSocket* socket)
 {
@@ -150,7 +149,7 @@ int FakeSockJSServer::count(const QString& suffix) const
 
 QString FakeSockJSServer::nextFrame()
 {
-    if (!QTest::qWaitFor([this] { return !m_unread.isEmpty(); }, waitLimit))
+    if (!waitFor([this] { return !m_unread.isEmpty(); }))
         return QString();
     return m_unread.takeFirst();
 }
@@ -205,6 +204,7 @@ int FakeSockJSServer::openConnections() const
 void FakeSockJSServer::onNewConnection()
 {
     while (auto* socket = m_listener.nextPendingConnection()) {
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1); // or small frames wait for one another
         connect(socket, &QTcpSocket::readyRead, this, [this, socket] { onReadyRead(socket); });
         connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
         onReadyRead(socket);

@@ -1,10 +1,10 @@
 #include "support/LiveSession.h"
 
 #include "compression/Lzma.h"
+#include "support/WaitFor.h"
 #include "transport/SockJSConnector.h"
 
 #include <QJsonDocument>
-#include <QTest>
 
 namespace {
 
@@ -44,7 +44,7 @@ void LiveSession::forgetLog()
 bool LiveSession::open()
 {
     m_collab->open({QStringLiteral("websocket")});
-    return QTest::qWaitFor([this] { return m_collab && m_collab->isConnected(); }) && readRegisters();
+    return waitFor([this] { return m_collab && m_collab->isConnected(); }) && readRegisters();
 }
 
 bool LiveSession::readRegisters()
@@ -108,7 +108,7 @@ bool LiveSession::syncInbound()
     const auto connection = connect(m_collab->connector(), &SockJSConnector::sockJSMessage, this,
                                     [&](const QString& message) { heard = heard || message == text; });
     m_server.injectMessages({text});
-    const bool inTime = QTest::qWaitFor([&] { return heard; });
+    const bool inTime = waitFor([&] { return heard; });
     disconnect(connection);
     return inTime;
 }

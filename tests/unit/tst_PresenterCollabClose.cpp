@@ -1,6 +1,7 @@
 #include "collab/CollaborationMessageHandler.h"
 #include "support/ProcessResources.h"
 #include "support/SessionTest.h"
+#include "support/WaitFor.h"
 #include "transport/SockJSConnector.h"
 
 #include <QRandomGenerator>
@@ -319,7 +320,7 @@ void TestPresenterCollabClose::nothingIsLeftBehind()
         m_session = std::make_unique<LiveSession>();
         const bool opened = m_session->open() && m_session->syncInbound();
         end();
-        const bool ended = QTest::qWaitFor([this] { return server().openConnections() == 0; });
+        const bool ended = waitFor([this] { return server().openConnections() == 0; });
         m_session.reset();
         return opened && ended;
     };

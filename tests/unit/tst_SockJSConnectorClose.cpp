@@ -1,5 +1,6 @@
 #include "support/ConnectorTest.h"
 #include "support/ProcessResources.h"
+#include "support/WaitFor.h"
 
 #include <QTest>
 
@@ -242,16 +243,17 @@ void TestSockJSConnectorClose::hostActsInASlot()
 void TestSockJSConnectorClose::nothingIsLeftBehind()
 {
     const auto session = [this](const std::function<void()>& end) {
+        tearDown();
         setUp();
         const bool opened = openSession() && syncInbound() && syncOutbound();
         end();
-        const bool ended = QTest::qWaitFor([this] { return m_server->openConnections() == 0; });
-        tearDown();
+        const bool ended = waitFor([this] { return m_server->openConnections() == 0; });
         return opened && ended;
     };
     // The first session may start what a process keeps for good.
     QVERIFY(session([this] { m_connector->close(); }));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    tearDown();
     const int descriptors = ProcessResources::descriptors();
     const int threads = ProcessResources::threads();
 
@@ -261,6 +263,7 @@ void TestSockJSConnectorClose::nothingIsLeftBehind()
         QVERIFY(session([this] { delete m_connector; }));
     }
 
+    tearDown();
     QTRY_COMPARE(ProcessResources::descriptors(), descriptors);
     QTRY_COMPARE(ProcessResources::threads(), threads);
 }

@@ -1,5 +1,6 @@
 #include "support/ConnectorTest.h"
 #include "support/ProcessResources.h"
+#include "support/WaitFor.h"
 
 #include <QTest>
 
@@ -305,15 +306,16 @@ void TestSockJSConnectorFallback::closeBeforeTheOpenFrameSilencesIt()
 void TestSockJSConnectorFallback::nothingIsLeftBehind()
 {
     const auto attempt = [this](Server::Upgrade upgrade) {
+        tearDown();
         setUp();
         m_server->setUpgrade(upgrade);
         m_connector->setOpenLimit(50);
         const bool returned = m_probe->open(m_server->url(), webSocket);
-        const bool ended = QTest::qWaitFor([this] { return m_server->openConnections() == 0; });
-        tearDown();
+        const bool ended = waitFor([this] { return m_server->openConnections() == 0; });
         return returned && ended;
     };
     QVERIFY(attempt(Server::Refuse403));
+    tearDown();
     const int descriptors = ProcessResources::descriptors();
     const int threads = ProcessResources::threads();
 
@@ -323,6 +325,7 @@ void TestSockJSConnectorFallback::nothingIsLeftBehind()
             QVERIFY(attempt(upgrade));
     }
 
+    tearDown();
     QTRY_COMPARE(ProcessResources::descriptors(), descriptors);
     QTRY_COMPARE(ProcessResources::threads(), threads);
 }
