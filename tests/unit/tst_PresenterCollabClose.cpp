@@ -49,6 +49,7 @@ private Q_SLOTS:
     void closeBeforeTheChannelIsUpClosesItOnceItIs();
     void closeDuringTheWaitClosesTheChannelOnceItIsUp();
     void openAfterACloseThatCameEarlyRegisters();
+    void openRightAfterCloseKeepsTheNewChannel();
     void closeSendsALargeCardFirst();
     void deletionSendsWhatWasPublished();
     void theServersEndStopsThePingAndIsReported();
@@ -185,6 +186,24 @@ void TestPresenterCollabClose::openAfterACloseThatCameEarlyRegisters()
     QVERIFY(m_session->syncInbound());
     QVERIFY(collab()->isConnected());
     QVERIFY(pingTimer()->isActive());
+}
+
+void TestPresenterCollabClose::openRightAfterCloseKeepsTheNewChannel()
+{
+    QVERIFY(m_session->open());
+    QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
+
+    collab()->close();
+    collab()->open({QStringLiteral("websocket")});
+
+    QCOMPARE(m_session->nextPublish().type, QStringLiteral("disconnect"));
+    QVERIFY(m_session->readRegisters());
+    QTRY_COMPARE(server().openConnections(), 1);
+    QVERIFY(m_session->syncInbound());
+    QCOMPARE(closed.size(), 1);
+    QVERIFY(collab()->isConnected());
+    QVERIFY(pingTimer()->isActive());
+    QVERIFY(m_session->nothingWasSent());
 }
 
 void TestPresenterCollabClose::closeSendsALargeCardFirst()

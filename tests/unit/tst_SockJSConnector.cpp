@@ -44,6 +44,7 @@ private Q_SLOTS:
     void onlyAnExactOOpensTheSession();
     void connectedIsEmittedOnceForSeveralOpenFrames();
     void onConnectedOpensTheSessionByItself();
+    void manyMessagesKeepTheirOrder();
 };
 
 void TestSockJSConnector::protocolTableNamesTheThreeTransports()
@@ -328,6 +329,24 @@ void TestSockJSConnector::onConnectedOpensTheSessionByItself()
     QCOMPARE(m_probe->events(), QStringList({"connected"}));
     QVERIFY(m_connector->isConnected());
     QCOMPARE(m_log->debug(QStringLiteral("[SockJSConnector] Websocket connected")).size(), 1);
+}
+
+void TestSockJSConnector::manyMessagesKeepTheirOrder()
+{
+    QVERIFY(openSession());
+    QStringList sent;
+    for (int i = 0; i < 2000; ++i)
+        sent.append(QString::number(i) + QString(i % 700, QChar(0xe9)));
+
+    for (int i = 0; i < sent.size(); i += 4)
+        m_server->injectMessages(sent.mid(i, 4));
+    for (const auto& message : qAsConst(sent))
+        m_connector->sendMessage(message, false);
+
+    for (const auto& message : qAsConst(sent))
+        QCOMPARE(m_server->nextMessage(), message);
+    QVERIFY(syncInbound());
+    QCOMPARE(m_probe->messages().mid(0, sent.size()), sent);
 }
 
 QTEST_GUILESS_MAIN(TestSockJSConnector)

@@ -41,6 +41,8 @@ class TestSockJSConnectorFallback : public ConnectorTest
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { m_threads = ProcessResources::threads(); }
+
     void aRefusedUpgradeGoesToTheNextTransport_data();
     void aRefusedUpgradeGoesToTheNextTransport();
     void nobodyListeningGoesToTheNextEntry();
@@ -56,11 +58,17 @@ private Q_SLOTS:
     void aDropBeforeTheOpenFrameFallsBackToPolling();
     void theFallbackIgnoresTheList();
     void aSessionComesUpOverTheFallback();
+    void hostActsWhenTheFallbackIsUp_data();
+    void hostActsWhenTheFallbackIsUp();
     void aFailedFallbackIsReportedAsClosed();
     void aDropAfterTheOpenFrameDoesNotFallBack();
     void closeBeforeTheOpenFrameIsFollowedByClosedFalse();
     void closeBeforeTheOpenFrameSilencesIt();
     void nothingIsLeftBehind();
+    void pollingLeavesNothingBehind();
+
+private:
+    int m_threads = 0; // before the first test
 };
 
 void TestSockJSConnectorFallback::aRefusedUpgradeGoesToTheNextTransport_data()
@@ -246,6 +254,55 @@ void TestSockJSConnectorFallback::aSessionComesUpOverTheFallback()
     QTRY_COMPARE(m_probe->count(QStringLiteral("closed false")), 1);
 }
 
+void TestSockJSConnectorFallback::hostActsWhenTheFallbackIsUp_data()
+{
+    QTest::addColumn<QString>("signal");
+    QTest::addColumn<QString>("action");
+
+    for (const char* signal : {"connected", "message"}) {
+        for (const char* action : {"close", "delete", "open"})
+            QTest::addRow("%s in %s", action, signal) << signal << action;
+    }
+}
+
+void TestSockJSConnectorFallback::hostActsWhenTheFallbackIsUp()
+{
+    QFETCH(QString, signal);
+    QFETCH(QString, action);
+    m_server->setUpgrades({Server::CloseAfterUpgrade, Server::Open});
+    m_server->setFirstFrames({"o", "a[\"one\",\"two\"]"});
+    QObject host;
+    int calls = 0;
+    const auto once = [&] {
+        if (calls++ > 0)
+            return;
+        if (action == QLatin1String("close"))
+            m_connector->close();
+        else if (action == QLatin1String("delete"))
+            delete m_connector;
+        else
+            m_probe->open(m_server->url(QStringLiteral("/second")), webSocket);
+    };
+    if (signal == QLatin1String("connected"))
+        connect(m_connector, &SockJSConnector::connected, &host, once);
+    else
+        connect(m_connector, &SockJSConnector::sockJSMessage, &host, once);
+
+    QVERIFY(m_probe->open(m_server->url(QStringLiteral("/first")), webSocket));
+    QTRY_VERIFY(calls > 0);
+
+    if (action == QLatin1String("open")) {
+        QTRY_COMPARE(m_probe->count(QStringLiteral("connected")), 2);
+        QTRY_COMPARE(m_server->openConnections(), 1);
+        QVERIFY(syncInbound());
+        QVERIFY(m_connector->isConnected());
+    } else {
+        QTRY_COMPARE(m_server->openConnections(), 0);
+        QCOMPARE(m_connector.isNull(), action == QLatin1String("delete"));
+        QTRY_COMPARE(m_probe->count(QStringLiteral("closed false")), m_connector ? 1 : 0);
+    }
+}
+
 void TestSockJSConnectorFallback::aFailedFallbackIsReportedAsClosed()
 {
     m_server->setUpgrade(Server::CloseAfterUpgrade);
@@ -328,6 +385,36 @@ void TestSockJSConnectorFallback::nothingIsLeftBehind()
     tearDown();
     QTRY_COMPARE(ProcessResources::descriptors(), descriptors);
     QTRY_COMPARE(ProcessResources::threads(), threads);
+}
+
+void TestSockJSConnectorFallback::pollingLeavesNothingBehind()
+{
+    const auto session = [this](bool close) {
+        tearDown();
+        setUp();
+        m_server->setUpgrade(Server::CloseAfterUpgrade);
+        const bool open = openSession() && syncInbound() && syncOutbound();
+        if (close)
+            m_connector->close();
+        else
+            delete m_connector;
+        const bool ended = waitFor([this] { return m_server->openConnections() == 0; });
+        return open && ended;
+    };
+    QVERIFY(session(true));
+    tearDown();
+    // The thread of the first one may take a moment to end.
+    QTRY_COMPARE(ProcessResources::threads(), m_threads);
+    const int descriptors = ProcessResources::descriptors();
+
+    for (int i = 0; i < 5; ++i) {
+        QVERIFY(session(true));
+        QVERIFY(session(false));
+    }
+
+    tearDown();
+    QTRY_COMPARE(ProcessResources::threads(), m_threads);
+    QTRY_COMPARE(ProcessResources::descriptors(), descriptors);
 }
 
 QTEST_GUILESS_MAIN(TestSockJSConnectorFallback)

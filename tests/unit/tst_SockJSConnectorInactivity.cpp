@@ -20,6 +20,7 @@ private Q_SLOTS:
     void inactivityTimerIsNotRestartedByTheNextOpen();
     void closedTellsInactivityOnlyForThatConnection();
     void closeAfterAnInactivityCloseDoesNotReportTwice();
+    void inactivityClosesPollingToo();
 };
 
 void TestSockJSConnectorInactivity::inactivityTimerRunsEveryHalfHour()
@@ -199,6 +200,21 @@ void TestSockJSConnectorInactivity::closeAfterAnInactivityCloseDoesNotReportTwic
     QVERIFY(syncInbound());
     QCOMPARE(m_probe->count(QStringLiteral("closed true")), 1);
     QVERIFY(!m_probe->hasClosed());
+}
+
+void TestSockJSConnectorInactivity::inactivityClosesPollingToo()
+{
+    WallClock::freeze();
+    QVERIFY(m_probe->openSession(m_server->url(), {SockJSConnector::XHR_POLLING}));
+
+    WallClock::advance(3600);
+    QVERIFY(QMetaObject::invokeMethod(m_connector, "onTimeout"));
+    QVERIFY(m_connector->isConnected());
+    WallClock::advance(1);
+    QVERIFY(QMetaObject::invokeMethod(m_connector, "onTimeout"));
+
+    QTRY_COMPARE(m_probe->events(), QStringList({"connected", "closed true"}));
+    QTRY_COMPARE(m_server->openConnections(), 0);
 }
 
 QTEST_GUILESS_MAIN(TestSockJSConnectorInactivity)
