@@ -1,0 +1,46 @@
+#include "app/Waiter.h"
+
+#include <QEventLoop>
+#include <QTimer>
+
+#include <limits>
+
+Waiter::Result Waiter::until(const std::function<bool()>& condition, qint64 msecs)
+{
+    if (condition())
+        return Met;
+    if (m_down || m_loop)
+        return Interrupted;
+    QEventLoop loop;
+    QTimer::singleShot(static_cast<int>(qMin<qint64>(msecs, std::numeric_limits<int>::max())),
+                       Qt::PreciseTimer, &loop, [&loop] { loop.exit(TimedOut); });
+    m_condition = condition;
+    m_loop = &loop;
+    const auto result = static_cast<Result>(loop.exec());
+    m_loop = nullptr;
+    m_condition = nullptr;
+    return result;
+}
+
+bool Waiter::pause(int msecs)
+{
+    return until([] { return false; }, msecs) == TimedOut;
+}
+
+void Waiter::poke()
+{
+    if (m_loop && m_condition())
+        m_loop->exit(Met);
+}
+
+void Waiter::interrupt()
+{
+    if (m_loop)
+        m_loop->exit(Interrupted);
+}
+
+void Waiter::shutDown()
+{
+    m_down = true;
+    interrupt();
+}

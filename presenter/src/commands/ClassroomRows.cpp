@@ -1,0 +1,72 @@
+#include "commands/CommandRows.h"
+#include "commands/Handlers.h"
+
+#include <iterator>
+
+namespace {
+
+using P = Place;
+
+// A row tells all about a command; clang-format would put each member on a line of its own.
+// clang-format off
+const Command rows[] = {
+    {"poll", "TYPE [ORDINAL] [OPTIONS] [EXTRA] [picture FILE | ref REFERENCE]", "Put a poll to the learners.",
+     "TYPE: true-false, yes-no-other, multiple, scale, sort, text, word-seed, number, creative,\n"
+     "math-formula. ORDINAL labels the options: true-false, yes-no, yes-no-maybe, yes-no-unsure,\n"
+     "yes-no-other, alpha-upper, alpha-lower, number, agreement, confidence, generic. OPTIONS is\n"
+     "their number; of a number poll, its decimals. EXTRA is the number of correct options of a\n"
+     "multiple choice. What is left out is what the type usually has. A picture is a PNG file, or\n"
+     "an address from which devices can load it. A poll that runs is stopped first.\n"
+     "Examples: poll true-false    poll multiple alpha-upper 5 2    poll number 2\n"
+     "          poll scale agreement 5 picture images/leaf.png",
+     1, -1, false, {P::PollType, P::Ordinal}, "", Handlers::poll},
+    {"poll stop", "", "Stop the poll and show its final tally.", "", 0, 0, false, {}, "", Handlers::pollStop},
+    {"poll pause", "", "Let the learners pause.", "", 0, 0, false, {}, "", Handlers::pollPause},
+    {"poll resume", "", "Let the learners go on.", "", 0, 0, false, {}, "", Handlers::pollResume},
+    {"poll status", "", "Show the answers so far and whose are missing.",
+     "", 0, 0, false, {}, "", Handlers::pollStatus},
+    {"card", "FILE", "Show a PNG picture on the learners' devices.",
+     "The picture travels in the message; a large one is announced before.",
+     1, 1, false, {P::File}, "", Handlers::card},
+    {"card ref", "REFERENCE", "Show a picture that devices load from an address.",
+     "", 1, 1, false, {}, "", Handlers::cardReference},
+    {"card upload", "FILE", "Upload a picture and show it by its address.",
+     "", 1, 1, false, {P::File}, "", Handlers::cardUpload},
+    {"upload", "FILE", "Store a file at the service and print its address.",
+     "", 1, 1, false, {P::File}, "", Handlers::upload},
+    {"heavy", "", "Tell the learners' devices that something large is coming.",
+     "", 0, 0, false, {}, "", Handlers::heavy},
+    {"remote lesson", "ID NAME", "Tell the remote control which lesson this is.",
+     "", 2, 2, false, {}, "", Handlers::remoteLesson},
+    {"remote card", "NUMBER TOTAL", "Tell the remote control which card is shown.",
+     "", 2, 2, false, {P::Number, P::Number}, "", Handlers::remoteCard},
+    {"remote active", "", "Tell the remote control that the presenter is here.",
+     "", 0, 0, false, {}, "", Handlers::remoteActive},
+    {"assessment start", "[to=LEARNER] [questions=N] [time=N] [title=TEXT]", "Begin an assessment.",
+     "For one learner or, without \"to\", for the class; with the number of its questions, the time\n"
+     "allowed, and its title.",
+     0, -1, false, {}, "", Handlers::assessmentStart},
+    {"assessment question", "TYPE [ORDINAL] [OPTIONS] [EXTRA] [to=LEARNER] [text=TEXT]",
+     "Send a question of the assessment.",
+     "The types are those of \"poll\". Its answers are counted as a poll's.",
+     1, -1, false, {P::PollType, P::Ordinal}, "", Handlers::assessmentQuestion},
+    {"assessment dialog", "[to=LEARNER] [dismissible=no] TEXT", "Show a text on the learners' devices.",
+     "", 1, -1, false, {}, "", Handlers::assessmentDialog},
+    {"assessment review", "[to=LEARNER] TEXT", "Let the learners review their questions.",
+     "", 1, -1, false, {}, "", Handlers::assessmentReview},
+    {"assessment pause", "", "Let the learners pause.", "", 0, 0, false, {}, "", Handlers::assessmentPause},
+    {"assessment resume", "", "Let the learners go on.", "", 0, 0, false, {}, "", Handlers::assessmentResume},
+    {"assessment stop", "", "End the assessment.", "", 0, 0, false, {}, "", Handlers::assessmentStop},
+    {"publish", "ADDRESS TYPE JSON", "Publish a message of your own.",
+     "An ADDRESS that begins with \".\" is below the session: .learner, .controller, .user.DEVICE.\n"
+     "Example: publish .learner heavy '\"\"'",
+     3, 3, false, {}, "", Handlers::publish},
+};
+// clang-format on
+
+} // namespace
+
+QVector<Command> CommandRows::classroom()
+{
+    return QVector<Command>(std::begin(rows), std::end(rows));
+}

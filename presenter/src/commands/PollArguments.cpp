@@ -1,0 +1,52 @@
+#include "commands/PollArguments.h"
+
+#include "text/Suggestions.h"
+
+namespace {
+
+bool takeNumber(Arguments& arguments, int& number)
+{
+    bool isNumber = false;
+    const int value = arguments.value(0).toInt(&isNumber);
+    if (!isNumber)
+        return false;
+    arguments.removeFirst();
+    number = value;
+    return true;
+}
+
+Outcome unknown(const char* what, const QString& name, const QStringList& known)
+{
+    return Outcome::failed(QStringLiteral("There is no %1 \"%2\".%3 The %1s are: %4.")
+                               .arg(QLatin1String(what), name, Suggestions::question(name, known),
+                                    known.join(QStringLiteral(", "))));
+}
+
+} // namespace
+
+Outcome PollArguments::take(Arguments& arguments, PollSpec& spec)
+{
+    if (arguments.isEmpty() || !PollKinds::readType(arguments.first(), spec.type))
+        return unknown("poll type", arguments.value(0), PollKinds::typeNames());
+    spec = PollKinds::usual(spec.type);
+    arguments.removeFirst();
+
+    const auto isOption = [](const QString& word) {
+        return word == QLatin1String("picture") || word == QLatin1String("ref") ||
+               word.contains(QLatin1Char('='));
+    };
+    bool isNumber = false;
+    if (!arguments.isEmpty())
+        arguments.first().toInt(&isNumber);
+    if (!arguments.isEmpty() && !isNumber && !isOption(arguments.first())) {
+        if (!PollKinds::readOrdinal(arguments.first(), spec.ordinal))
+            return unknown("labelling", arguments.first(), PollKinds::ordinalNames());
+        arguments.removeFirst();
+    }
+    if (takeNumber(arguments, spec.options))
+        spec.extra = qMin(spec.extra, spec.options);
+    takeNumber(arguments, spec.extra);
+
+    const QString fault = PollKinds::fault(spec);
+    return fault.isEmpty() ? Outcome::done() : Outcome::failed(fault);
+}

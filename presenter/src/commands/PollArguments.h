@@ -1,0 +1,12 @@
+#pragma once
+
+#include "commands/Command.h"
+#include "lesson/PollKinds.h"
+
+/// Reads "TYPE [ORDINAL] [OPTIONS] [EXTRA]" from the start of arguments.
+namespace PollArguments {
+
+/// Takes the words that it reads.
+Outcome take(Arguments& arguments, PollSpec& spec);
+
+} // namespace PollArguments

@@ -1,0 +1,255 @@
+#include "lesson/Lesson.h"
+
+#include "text/Text.h"
+
+#include <CalyxClient/CollaborationMessageHandler>
+#include <CalyxClient/QuestionBase>
+#include <CalyxClient/SockJSConnector>
+
+#include <QJsonDocument>
+#include <QTime>
+#include <QUuid>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Calyx;
+
+namespace {
+
+constexpr int longestText = 200;
+
+// A payload on one line.
+QString shown(const QVariant& data)
+{
+    QString text = data.toString();
+    if (data.type() == QVariant::Map || data.type() == QVariant::List)
+        text = QString::fromUtf8(QJsonDocument::fromVariant(data).toJson(QJsonDocument::Compact));
+    return Text::clean(text).left(longestText);
+}
+
+} // namespace
+
+Lesson::Lesson(const QString& server) : m_client(nullptr, server)
+{
+    constexpr int patience = 2000; // ms
+    m_earlyTimer.setSingleShot(true);
+    m_earlyTimer.setInterval(patience);
+    connect(&m_earlyTimer, &QTimer::timeout, this, [this] {
+        const QList<Learner> early = std::exchange(m_early, {});
+        for (const Learner& learner : early)
+            join(learner);
+    });
+}
+
+void Lesson::adopt(PresenterCollab* collab)
+{
+    if (m_collab && m_collab != collab)
+        m_collab->deleteLater(); // the client has forgotten it, but would keep it
+    m_collab = collab;
+    m_expectsClose = false;
+    m_early.clear();
+    m_roster.clear();
+    connect(collab, &PresenterCollab::learnerJoin, this, &Lesson::join);
+    connect(collab, &PresenterCollab::learnerUnregister, this, &Lesson::onLeave);
+    connect(collab, &PresenterCollab::learnerPollResponse, this,
+            [this](const QString& deviceId, const QString& answerId, int, const QString& answer) {
+                onAnswer(deviceId, answerId, answer);
+            });
+    connect(collab, &PresenterCollab::controllerRegister, this, &Lesson::onController);
+    connect(collab, &PresenterCollab::remoteControl, this, &Lesson::onRemoteControl);
+    connect(collab, &PresenterCollab::unhandledMessage, this, &Lesson::onUnhandled);
+    connect(collab, &PresenterCollab::connectionClosed, this, &Lesson::onClosed);
+    connect(collab->connector(), &SockJSConnector::connected, this, &Lesson::changed);
+}
+
+// False when the list is the one before: then the request may have failed, and the list may even be that of
+// another session.
+bool Lesson::fetchLearners()
+{
+    const auto ids = [this] {
+        QStringList list;
+        const QList<Learner> learners = m_client.learners();
+        for (const Learner& learner : learners)
+            list.append(learner.deviceId);
+        return list;
+    };
+    const QStringList before = ids();
+    return m_client.doGetLearners() && ids() != before;
+}
+
+void Lesson::refreshLearners()
+{
+    if (!fetchLearners())
+        return;
+    m_early.clear();
+    const QList<Learner> listed = m_client.learners();
+    const QStringList missing = m_roster.presentExcept(listed);
+    for (const Learner& learner : listed)
+        join(learner);
+    for (const QString& deviceId : missing)
+        onLeave(deviceId);
+}
+
+void Lesson::findEarlyLearners()
+{
+    if (!fetchLearners())
+        return;
+    m_early = m_client.learners();
+    m_earlyTimer.start();
+}
+
+void Lesson::forgetSession()
+{
+    m_assessment.reset();
+    m_early.clear();
+    m_roster.clear();
+    Q_EMIT changed();
+}
+
+int Lesson::msecsToNewId() const
+{
+    constexpr int second = 1000;
+    constexpr int tick = 10; // the clock from which the ids are made lags by this much at most
+    if (std::time(nullptr) != m_lastIdSecond)
+        return 0;
+    return second - QTime::currentTime().msec() + tick;
+}
+
+void Lesson::startPoll(const PollSpec& spec)
+{
+    m_collab->startPoll(spec.type, spec.ordinal, spec.options, spec.extra);
+    m_lastIdSecond = std::time(nullptr);
+    m_isQuestion = false;
+    const QString question = m_collab->currentQuestionId();
+    m_board.start(spec, question.isEmpty() ? m_collab->currentPollId() : question);
+    Q_EMIT changed();
+}
+
+void Lesson::stopPoll()
+{
+    if (m_collab && !m_isQuestion)
+        m_collab->stopPoll();
+    m_board.stop(m_roster);
+    Q_EMIT changed();
+}
+
+void Lesson::setPaused(bool paused)
+{
+    if (paused)
+        m_collab->pausePoll();
+    else
+        m_collab->resumePoll();
+    m_board.setPaused(paused);
+    Q_EMIT changed();
+}
+
+PresenterAssessment* Lesson::beginAssessment()
+{
+    m_assessment = std::make_unique<PresenterAssessment>(nullptr, m_collab);
+    m_questions = 0;
+    connect(m_assessment.get(), &PresenterAssessment::learnerGetQuestion, this,
+            [this](const QString& deviceId, int number) {
+                Q_EMIT happened(
+                    QStringLiteral("  %1 asks for question %2").arg(m_roster.name(deviceId)).arg(number),
+                    Ink::Plain);
+            });
+    return m_assessment.get();
+}
+
+void Lesson::sendQuestion(const QString& id, QuestionBase* question, const PollSpec& spec)
+{
+    const std::unique_ptr<QuestionBase> owned(question);
+    // The id that a question comes with is shared by all that are made within the same second.
+    question->setID(QUuid::createUuid().toString(QUuid::WithoutBraces));
+    question->setquestionNumber(++m_questions);
+    m_assessment->sendQuestion(id, question);
+    m_isQuestion = true;
+    m_board.start(spec, question->id());
+    Q_EMIT changed();
+}
+
+void Lesson::tellJoin(const QString& deviceId)
+{
+    m_mostLearners = qMax(m_mostLearners, m_roster.presentCount());
+    Q_EMIT happened(QStringLiteral("  + %1 has joined, %2 here")
+                        .arg(m_roster.name(deviceId), QString::number(m_roster.presentCount())),
+                    Ink::Faint);
+}
+
+void Lesson::tellLeave(const QString& deviceId)
+{
+    Q_EMIT happened(QStringLiteral("  - %1 has left, %2 here")
+                        .arg(m_roster.name(deviceId), QString::number(m_roster.presentCount())),
+                    Ink::Faint);
+}
+
+void Lesson::join(const Learner& learner)
+{
+    if (!m_roster.join(learner))
+        return;
+    tellJoin(learner.deviceId);
+    Q_EMIT changed();
+}
+
+void Lesson::onLeave(const QString& deviceId)
+{
+    m_early.erase(std::remove_if(m_early.begin(), m_early.end(),
+                                 [&](const Learner& learner) { return learner.deviceId == deviceId; }),
+                  m_early.end());
+    if (!m_roster.leave(deviceId))
+        return;
+    tellLeave(deviceId);
+    Q_EMIT changed();
+}
+
+void Lesson::onAnswer(const QString& deviceId, const QString& answerId, const QString& answer)
+{
+    const PollBoard::Verdict verdict = m_board.addAnswer(deviceId, answerId, answer);
+    if (verdict == PollBoard::TooLate)
+        Q_EMIT happened(QStringLiteral("  The answer of %1 came too late").arg(m_roster.name(deviceId)),
+                        Ink::Faint);
+    else if (verdict == PollBoard::UnknownPoll)
+        Q_EMIT happened(
+            QStringLiteral("  An answer of %1 belongs to no poll of ours").arg(m_roster.name(deviceId)),
+            Ink::Faint);
+    Q_EMIT changed();
+}
+
+void Lesson::onController(bool isHere)
+{
+    Q_EMIT happened(
+        QLatin1String(isHere ? "  The remote control has joined" : "  The remote control has left"),
+        Ink::Plain);
+}
+
+void Lesson::onRemoteControl(const RemoteControlMessage& message)
+{
+    if (message.from == m_collab->userToken()) // our own "pause", for example
+        return;
+    QString text = QStringLiteral("  Remote control: ") + Text::clean(message.type);
+    if (const QString data = shown(message.data); !data.isEmpty())
+        text += QLatin1Char(' ') + data;
+    Q_EMIT happened(text, Ink::Strong);
+}
+
+void Lesson::onUnhandled(const QVariantMap& body, const QVariant& data)
+{
+    // The bus brings what we publish to the whole session back to us.
+    if (body.value(QStringLiteral("from")).toString() == m_collab->userToken())
+        return;
+    const auto text = [&](const char* key) { return shown(body.value(QLatin1String(key))); };
+    Q_EMIT happened(QStringLiteral("  A message of the unknown type \"%1\" from %2: %3")
+                        .arg(text("type"), text("from"), shown(data)),
+                    Ink::Plain);
+}
+
+void Lesson::onClosed(bool forInactivity)
+{
+    if (!m_expectsClose)
+        Q_EMIT happened(QLatin1String(forInactivity
+                                          ? "The live channel was closed: it was not used for an hour."
+                                          : "The live channel was closed by the other end or the network."),
+                        Ink::Bad);
+    Q_EMIT changed();
+}

@@ -1,0 +1,111 @@
+#pragma once
+
+#include "lesson/PollBoard.h"
+#include "lesson/Roster.h"
+#include "text/Style.h"
+
+#include <CalyxClient/PresenterAssessment>
+#include <CalyxClient/PresenterClient>
+#include <CalyxClient/PresenterCollab>
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+#include <QVariant>
+
+#include <ctime>
+#include <memory>
+
+/// The lesson as it stands: the service's client, the live channel, who takes part, the polls so far.
+class Lesson : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// An OAuth login that waits for its registration.
+    struct Registration
+    {
+        QString provider;
+        QString code;
+        QString data; ///< as the service sent it
+    };
+
+    explicit Lesson(const QString& server);
+
+    PresenterClient& client() { return m_client; }
+    /// Null before the first session has gone live.
+    PresenterCollab* collab() const { return m_collab; }
+    bool isLive() const { return m_collab && m_collab->isConnected(); }
+    const Roster& roster() const { return m_roster; }
+    PollBoard& board() { return m_board; }
+    const PollBoard& board() const { return m_board; }
+    PresenterAssessment* assessment() const { return m_assessment.get(); }
+
+    /// From now on, what \p collab receives is this lesson's.
+    void adopt(PresenterCollab* collab);
+    /// Asks the service who is in the session, and takes its list for the truth.
+    void refreshLearners();
+    /// Asks it too, for those who joined before the channel was open and were not heard. Who is listed may
+    /// not have opened his own channel yet and would miss a poll that goes out now: he counts once he is
+    /// heard, or after a while.
+    void findEarlyLearners();
+    /// Whether the channel will be closed by us, which is no news.
+    void expectClose(bool expect = true) { m_expectsClose = expect; }
+    /// The session is over, and everybody has left it.
+    void forgetSession();
+
+    /// Questions that are made within the same second have the same id, so that a late answer to one would
+    /// count for the next. About how many milliseconds until a poll gets an id of its own; 0 when it would
+    /// now.
+    int msecsToNewId() const;
+    void startPoll(const PollSpec& spec);
+    /// The poll that runs. A question of an assessment is not taken back: only the counting ends.
+    void stopPoll();
+    void setPaused(bool paused);
+
+    /// An assessment of its own token. The one before is forgotten.
+    PresenterAssessment* beginAssessment();
+    void endAssessment() { m_assessment.reset(); }
+    /// Sends \p question, which is deleted, to the device \p id or to all, and counts its answers.
+    void sendQuestion(const QString& id, Calyx::QuestionBase* question, const PollSpec& spec);
+
+    void countCard() { ++m_cards; }
+    int cards() const { return m_cards; }
+    /// The most learners who were here at once.
+    int mostLearners() const { return m_mostLearners; }
+
+    Registration registration;
+    QString deviceToken; ///< the one that the service gave last
+
+Q_SIGNALS:
+    /// Something that a wait or a chart depends on.
+    void changed();
+    /// Something came from outside.
+    void happened(const QString& text, Ink ink);
+
+private:
+    bool fetchLearners();
+    void join(const Calyx::Learner& learner);
+    void onLeave(const QString& deviceId);
+    void onAnswer(const QString& deviceId, const QString& answerId, const QString& answer);
+    void onController(bool isHere);
+    void onRemoteControl(const Calyx::RemoteControlMessage& message);
+    void onUnhandled(const QVariantMap& body, const QVariant& data);
+    void onClosed(bool forInactivity);
+    void tellJoin(const QString& deviceId);
+    void tellLeave(const QString& deviceId);
+
+    PresenterClient m_client;
+    QPointer<PresenterCollab> m_collab;
+    std::unique_ptr<PresenterAssessment> m_assessment;
+    Roster m_roster;
+    QList<Calyx::Learner> m_early; // listed, not heard yet
+    QTimer m_earlyTimer;
+    PollBoard m_board;
+    int m_cards = 0;
+    int m_mostLearners = 0;
+    int m_questions = 0;
+    std::time_t m_lastIdSecond = 0;
+    bool m_isQuestion = false; // what runs is a question of an assessment
+    bool m_expectsClose = false;
+};

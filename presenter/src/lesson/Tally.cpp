@@ -1,0 +1,122 @@
+#include "lesson/Tally.h"
+
+#include "text/Text.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int longestAnswer = 500; // characters; more would only be memory
+
+bool isBefore(const QString& a, const QString& b)
+{
+    bool aIsNumber = false;
+    bool bIsNumber = false;
+    const double numberA = a.toDouble(&aIsNumber);
+    const double numberB = b.toDouble(&bIsNumber);
+    if (aIsNumber && bIsNumber && numberA != numberB)
+        return numberA < numberB;
+    return a < b;
+}
+
+QVector<Bar> mostFrequentFirst(const QHash<QString, int>& counts)
+{
+    QVector<Bar> bars;
+    for (auto count = counts.begin(); count != counts.end(); ++count)
+        bars.append({count.key(), count.value()});
+    std::sort(bars.begin(), bars.end(), [](const Bar& a, const Bar& b) {
+        return a.count == b.count ? isBefore(a.label, b.label) : a.count > b.count;
+    });
+    return bars;
+}
+
+} // namespace
+
+Tally::Tally(Counting counting, const QVector<AnswerOption>& options) : m_counting(counting)
+{
+    QStringList ids;
+    for (const AnswerOption& option : options) {
+        if (!ids.contains(option.id)) // all options after the second of a yes/no scheme share one id
+            m_options.append(option);
+        ids.append(option.id);
+    }
+}
+
+bool Tally::add(const QString& deviceId, const QString& answer)
+{
+    const bool isFirst = !m_answers.contains(deviceId);
+    m_answers.insert(deviceId, Text::clean(answer).left(longestAnswer));
+    return isFirst;
+}
+
+QVector<Bar> Tally::bars() const
+{
+    QHash<QString, int> counts;
+    for (const QString& answer : m_answers) {
+        const QStringList keys = keysOf(answer);
+        for (const QString& key : keys)
+            ++counts[key];
+    }
+    QVector<Bar> bars;
+    for (const AnswerOption& option : m_options)
+        bars.append({option.title(), counts.take(option.title())});
+    return bars + mostFrequentFirst(counts);
+}
+
+// The labels of the bars that an answer counts for.
+QStringList Tally::keysOf(const QString& answer) const
+{
+    if (answer.isEmpty())
+        return {QStringLiteral("(empty)")};
+    QStringList keys = m_counting == EachOption ? optionsIn(answer) : QStringList(answer);
+    keys.removeDuplicates();
+    return keys;
+}
+
+// Picks are divided by commas, option ids follow each other without anything; some devices send an option's
+// text.
+QStringList Tally::optionsIn(const QString& answer) const
+{
+    QStringList ids;
+    const QStringList parts = answer.split(QLatin1Char(','));
+    for (const QString& part : parts) {
+        if (optionNamed(part) >= 0)
+            ids.append(part);
+        else if (!takeApart(part, ids))
+            return {answer};
+    }
+    if (ids.isEmpty()) // nothing but commas
+        return {answer};
+    QStringList titles;
+    for (const QString& id : qAsConst(ids))
+        titles.append(m_options.at(optionNamed(id)).title());
+    return titles;
+}
+
+int Tally::optionNamed(const QString& part) const
+{
+    for (int i = 0; i < m_options.size(); ++i) {
+        const AnswerOption& option = m_options.at(i);
+        if (option.id == part || (!option.text.isEmpty() && option.text == part))
+            return i;
+    }
+    return -1;
+}
+
+// The longest id that fits, again and again: "112" is "11" and "2" where both are options.
+bool Tally::takeApart(const QString& answer, QStringList& ids) const
+{
+    QStringList found;
+    for (int at = 0; at < answer.size(); at += found.last().size()) {
+        QString best;
+        for (const AnswerOption& option : m_options) {
+            if (option.id.size() > best.size() && answer.midRef(at).startsWith(option.id))
+                best = option.id;
+        }
+        if (best.isEmpty())
+            return false;
+        found.append(best);
+    }
+    ids += found;
+    return true;
+}

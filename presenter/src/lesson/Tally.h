@@ -1,0 +1,49 @@
+#pragma once
+
+#include "text/Bar.h"
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+/// An option of a poll: the id that answers name it by, and what is shown for it.
+struct AnswerOption
+{
+    QString id;
+    QString label;
+    QString text;
+
+    QString title() const { return text.isEmpty() ? label : label + QLatin1Char(' ') + text; }
+};
+
+/// Counts the answers to one poll: one for each device, the last that it sent.
+class Tally
+{
+public:
+    enum Counting {
+        EachOption, ///< an answer may name several options, and each of them counts
+        WholeAnswer ///< equal answers count together
+    };
+
+    explicit Tally(Counting counting = WholeAnswer, const QVector<AnswerOption>& options = {});
+
+    /// False when the device had answered before; its new answer counts.
+    bool add(const QString& deviceId, const QString& answer);
+
+    int answered() const { return m_answers.size(); }
+    bool hasAnswered(const QString& deviceId) const { return m_answers.contains(deviceId); }
+    QStringList devices() const { return m_answers.keys(); }
+    /// The options in their order, those that nobody chose included, then other answers, most frequent first.
+    QVector<Bar> bars() const;
+
+private:
+    QStringList optionsIn(const QString& answer) const;
+    bool takeApart(const QString& answer, QStringList& ids) const;
+    int optionNamed(const QString& part) const;
+    QStringList keysOf(const QString& answer) const;
+
+    Counting m_counting;
+    QVector<AnswerOption> m_options;
+    QHash<QString, QString> m_answers; // by device id
+};

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QString>
+
+/// One bar of a chart.
+struct Bar
+{
+    QString label;
+    int count;
+};

@@ -1,0 +1,97 @@
+#include "text/Chart.h"
+
+#include "text/Text.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int eighths = 8;
+const QString indent = QStringLiteral("  ");
+constexpr int leastTitle = 8;
+
+struct Measures
+{
+    int label = 0;
+    int bar = 0;
+    int count = 0;
+    int top = 1; // the largest count
+};
+
+QString barOf(int count, const Measures& measures, bool unicode)
+{
+    const qint64 scale = unicode ? eighths : 1;
+    const qint64 units = count * measures.bar * scale / measures.top;
+    QString bar((static_cast<int>(units / scale)), unicode ? QChar(0x2588) : QLatin1Char('#'));
+    if (units % scale > 0)
+        bar += QChar(0x2590 - static_cast<int>(units % scale)); // U+258F one eighth ... U+2589 seven
+    if (bar.isEmpty() && count > 0)
+        bar = unicode ? QChar(0x258F) : QLatin1Char('#');
+    return bar;
+}
+
+Measures measure(const QVector<Bar>& bars, const Style& style)
+{
+    constexpr int percent = 5; // "100 %"
+    const int gaps = 4 * indent.size();
+    Measures measures;
+    for (const Bar& bar : bars) {
+        measures.label = qMax(measures.label, Text::width(bar.label));
+        measures.top = qMax(measures.top, bar.count);
+    }
+    measures.count = QString::number(measures.top).size();
+    const int room = style.columns - 1 - gaps - measures.count - percent;
+    measures.label = qMin(measures.label, qMax(room / 2, 1));
+    measures.bar = qMax(room - measures.label, 1);
+    return measures;
+}
+
+QString barLine(const Bar& bar, int answered, const Measures& measures, const Style& style)
+{
+    const QString label =
+        Text::padRight(Text::elide(bar.label, measures.label, style.unicode), measures.label);
+    const QString drawn = Text::padRight(barOf(bar.count, measures, style.unicode), measures.bar);
+    const QString count = Text::padLeft(QString::number(bar.count), measures.count);
+    constexpr int hundred = 100;
+    const int percent = answered > 0 ? (bar.count * hundred + answered / 2) / answered : 0;
+    return indent + label + indent + style.paint(Ink::Bar, drawn) + indent + count + indent +
+           Text::padLeft(QString::number(percent), 3) + QStringLiteral(" %");
+}
+
+QString head(const ChartData& data, const Style& style)
+{
+    QString state = QStringLiteral("%1 of %2 answered  %3")
+                        .arg(data.answered)
+                        .arg(data.expected)
+                        .arg(Text::duration(data.seconds));
+    if (data.isPaused)
+        state += QStringLiteral("  paused");
+    const Ink ink = data.answered >= data.expected && data.expected > 0 ? Ink::Good : Ink::Plain;
+    const int room = style.columns - 1 - Text::width(state) - indent.size();
+    if (room < leastTitle)
+        return style.paint(ink, Text::elide(state, style.columns - 1, style.unicode));
+    return style.paint(Ink::Strong, Text::elide(data.title, room, style.unicode)) + indent +
+           style.paint(ink, state);
+}
+
+} // namespace
+
+QStringList Chart::lines(const ChartData& data, const Style& style, int mostLines)
+{
+    QStringList lines = {head(data, style)};
+    if (data.bars.isEmpty() && mostLines > 1)
+        lines.append(indent + style.paint(Ink::Faint, QStringLiteral("No answers yet.")));
+    int shown = qMin(data.bars.size(), mostLines - 1);
+    if (shown < data.bars.size())
+        shown = qMax(shown - 1, 0); // the last line tells of the others
+    const QVector<Bar> bars = data.bars.mid(0, shown);
+    const Measures measures = measure(bars, style);
+    for (const Bar& bar : bars)
+        lines.append(barLine(bar, data.answered, measures, style));
+    const int hidden = data.bars.size() - shown;
+    if (hidden > 0 && mostLines > 1)
+        lines.append(indent +
+                     style.paint(Ink::Faint,
+                                 QStringLiteral("and %1 more").arg(Text::count(hidden, "different answer"))));
+    return lines;
+}
