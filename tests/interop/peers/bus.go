@@ -1,0 +1,147 @@
+// A SockJS server that does what is published to it, as bus.js does.
+package main
+
+import (
+	"encoding/json"
+	"flag"
+	"fmt"
+	"net"
+	"net/http"
+	"strings"
+	"sync"
+	"time"
+
+	"github.com/igm/sockjs-go/v3/sockjs"
+)
+
+const shown = 300
+
+var count = flag.Int("count", 10000, "how many numbered texts there are")
+
+var alphabet = []string{
+	"a", "Ä", "ж", "€", "漢", "😀", "\"", "\\", "\n", "<", "\u2028", "%1", "\u0301", "]", "\t", "🏫",
+}
+
+func say(line string) {
+	if len(line) > shown {
+		line = line[:shown]
+	}
+	fmt.Println(line)
+}
+
+func size(number int) int {
+	spread := number * 7919
+	if number%1000 == 999 {
+		return 60000
+	}
+	if number%50 == 49 {
+		return 2000 + spread%4000
+	}
+	return 20 + spread%280
+}
+
+func numbered(number int) string {
+	var text strings.Builder
+	fmt.Fprintf(&text, "%06d:", number)
+	for i := number; ; i++ {
+		character := alphabet[i%len(alphabet)]
+		if text.Len()+len(character) > size(number) {
+			break
+		}
+		text.WriteString(character)
+	}
+	return text.String() + strings.Repeat(".", size(number)-text.Len())
+}
+
+func sendNumbers(session sockjs.Session) {
+	for from := 0; from < *count; {
+		for next := from + 1 + from%37; from < next && from < *count; from++ {
+			if session.Send(numbered(from)) != nil {
+				return
+			}
+		}
+		time.Sleep(time.Millisecond)
+	}
+}
+
+// The TCP connections that clients have open.
+type connections struct {
+	mutex sync.Mutex
+	open  map[net.Conn]bool
+}
+
+func (c *connections) changed(conn net.Conn, state http.ConnState) {
+	c.mutex.Lock()
+	defer c.mutex.Unlock()
+	if state == http.StateClosed {
+		delete(c.open, conn)
+	} else {
+		c.open[conn] = true
+	}
+}
+
+func (c *connections) cut() {
+	c.mutex.Lock()
+	defer c.mutex.Unlock()
+	for conn := range c.open {
+		conn.Close()
+	}
+}
+
+func (c *connections) take(session sockjs.Session, text string) {
+	if text[0] >= '0' && text[0] <= '9' {
+		session.Send(text)
+		return
+	}
+	say("frame " + text)
+	var frame struct{ Body struct{ Type string } }
+	json.Unmarshal([]byte(text), &frame)
+	switch frame.Body.Type {
+	case "numbers":
+		go sendNumbers(session)
+	case "leave":
+		session.Close(3000, "over")
+	case "cut":
+		c.cut()
+	}
+}
+
+func main() {
+	port := flag.Int("port", 0, "0 takes a free one")
+	limit := flag.Uint("response-limit", 131072, "bytes of a streamed answer")
+	heartbeat := flag.Int("heartbeat", 25000, "milliseconds")
+	flag.Parse()
+
+	open := &connections{open: map[net.Conn]bool{}}
+	options := sockjs.DefaultOptions
+	options.ResponseLimit = uint32(*limit)
+	options.HeartbeatDelay = time.Duration(*heartbeat) * time.Millisecond
+	handler := sockjs.NewHandler("/eventbus", options, func(session sockjs.Session) {
+		id := strings.Split(session.Request().URL.Path, "/")[2]
+		names := map[sockjs.ReceiverType]string{
+			sockjs.ReceiverTypeWebsocket:    "websocket",
+			sockjs.ReceiverTypeXHRStreaming: "xhr-streaming",
+			sockjs.ReceiverTypeXHR:          "xhr-polling",
+		}
+		say("open " + id + " " + names[session.ReceiverType()])
+		for {
+			text, err := session.Recv()
+			if err != nil {
+				break
+			}
+			open.take(session, text)
+		}
+		say("close " + id)
+	})
+	listener, err := net.Listen("tcp", fmt.Sprintf("127.0.0.1:%d", *port))
+	if err != nil {
+		panic(err)
+	}
+	fmt.Printf("listening http://%s\n", listener.Addr())
+	told := http.HandlerFunc(func(response http.ResponseWriter, request *http.Request) {
+		say("request " + request.URL.Path + " " + request.Header.Get("Cookie"))
+		handler.ServeHTTP(response, request)
+		say("answered " + request.URL.Path)
+	})
+	panic((&http.Server{Handler: told, ConnState: open.changed}).Serve(listener))
+}

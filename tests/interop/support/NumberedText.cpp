@@ -1,0 +1,61 @@
+#include "interop/support/NumberedText.h"
+
+#include <QStringList>
+
+namespace {
+
+const QStringList& alphabet()
+{
+    static const QStringList characters = {
+        QStringLiteral("a"),      QStringLiteral("Ä"), QStringLiteral("ж"),      QStringLiteral("€"),
+        QStringLiteral("漢"),     QStringLiteral("😀"), QStringLiteral("\""),     QStringLiteral("\\"),
+        QStringLiteral("\n"),     QStringLiteral("<"), QStringLiteral("\u2028"), QStringLiteral("%1"),
+        QStringLiteral("\u0301"), QStringLiteral("]"), QStringLiteral("\t"),     QStringLiteral("🏫"),
+    };
+    return characters;
+}
+
+} // namespace
+
+int NumberedText::size(int number)
+{
+    const int spread = number * 7919;
+    if (number % 1000 == 999)
+        return 60000;
+    if (number % 50 == 49)
+        return 2000 + spread % 4000;
+    return 20 + spread % 280;
+}
+
+QString NumberedText::text(int number)
+{
+    QString text = QString::number(number).rightJustified(6, QLatin1Char('0')) + QLatin1Char(':');
+    int left = size(number) - text.size();
+    for (int i = number;; ++i) {
+        const QString& character = alphabet().at(i % alphabet().size());
+        const int bytes = character.toUtf8().size();
+        if (bytes > left)
+            break;
+        text += character;
+        left -= bytes;
+    }
+    return text + QString(left, QLatin1Char('.'));
+}
+
+void NumberedText::Sequence::take(const QString& text)
+{
+    const int expected = m_first + m_count;
+    if (text == NumberedText::text(expected)) {
+        ++m_count;
+    } else if (m_fault.isNull()) {
+        m_fault = QStringLiteral("expected number %1, got \"%2\" of %3 characters")
+                      .arg(QString::number(expected), text.left(40), QString::number(text.size()));
+    }
+}
+
+void NumberedText::Sequence::restart(int first)
+{
+    m_first = first;
+    m_count = 0;
+    m_fault.clear();
+}

@@ -1,0 +1,274 @@
+#include "interop/support/Host.h"
+#include "interop/support/Main.h"
+#include "interop/support/Peers.h"
+#include "support/ProcessResources.h"
+
+#include <QTimer>
+
+/// Servers and filters that do something else with a WebSocket's upgrade than to upgrade.
+class TestRefusedUpgrades : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void nextTransportComesUp_data() { addRows({"403", "200", "reset"}); }
+    void nextTransportComesUp();
+    void withoutAnotherTransportNothingFollows_data() { addRows({"403", "200", "reset"}); }
+    void withoutAnotherTransportNothingFollows();
+    void openLimitEndsTheWait_data() { addRows({"silence", "mute"}); }
+    void openLimitEndsTheWait();
+    void droppedBeforeOpenFrameGoesOnByPolling_data() { addRows({"drop", "dropLater", "resetLater"}); }
+    void droppedBeforeOpenFrameGoesOnByPolling();
+
+    void closeDuringTheWaitEndsIt_data() { addRows({"403", "200", "reset", "drop", "silence"}); }
+    void closeDuringTheWaitEndsIt();
+    void openDuringTheWaitReplacesIt_data() { addRows({"403", "200", "reset", "drop", "silence"}); }
+    void openDuringTheWaitReplacesIt();
+    void deletionDuringTheWaitEndsIt_data() { addRows({"403", "200", "reset", "drop", "silence"}); }
+    void deletionDuringTheWaitEndsIt();
+
+    void closeBeforeOpenFrame_data() { addRows({"dropLater", "resetLater", "mute"}); }
+    void closeBeforeOpenFrame();
+    void openBeforeOpenFrame_data() { addRows({"dropLater", "resetLater", "mute"}); }
+    void openBeforeOpenFrame();
+    void leavingBeforeOpenFrame_data() { addRows({"dropLater", "resetLater"}); }
+    void leavingBeforeOpenFrame();
+
+    void givesThreadsAndDescriptorsBack_data();
+    void givesThreadsAndDescriptorsBack();
+
+private:
+    void addRows(const QStringList& upgrades);
+    QByteArray start(Peer* bus);
+};
+
+namespace {
+
+const QStringList webSocketThenStreaming = {Transport::webSocket, Transport::streaming};
+
+// Runs \p action as soon as the server has the upgrade, from an event loop that someone else runs.
+void onUpgrade(const Peer* bus, QObject* context, const std::function<void()>& action)
+{
+    auto* timer = new QTimer(context);
+    QObject::connect(timer, &QTimer::timeout, context, [=] {
+        if (bus->count(QStringLiteral("upgrade ")) == 0)
+            return;
+        timer->stop();
+        action();
+    });
+    timer->start(1);
+}
+
+} // namespace
+
+void TestRefusedUpgrades::addRows(const QStringList& upgrades)
+{
+    QTest::addColumn<QString>("upgrade");
+    for (const QString& upgrade : upgrades)
+        QTest::newRow(qPrintable(upgrade)) << upgrade;
+}
+
+QByteArray TestRefusedUpgrades::start(Peer* bus)
+{
+    QFETCH(QString, upgrade);
+    bus->setProgram(Peers::nodeBus(
+        {QStringLiteral("--count"), QStringLiteral("100"), QStringLiteral("--upgrade"), upgrade}));
+    return bus->start();
+}
+
+void TestRefusedUpgrades::nextTransportComesUp()
+{
+    Peer bus;
+    VERIFY_STARTED(start(&bus));
+    Host host(bus.url());
+    QVERIFY(host.open(webSocketThenStreaming));
+    const QString id = host.connector()->sessionId();
+    QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
+    QCOMPARE(bus.lines(QStringLiteral("open ")), {QStringLiteral("open %1 xhr-streaming").arg(id)});
+    QCOMPARE(bus.lines(QStringLiteral("upgrade ")), {QStringLiteral("upgrade ") + id});
+    QCOMPARE(host.closed(), 0);
+    QVERIFY(host.close());
+    QCOMPARE(host.connected(), 1);
+}
+
+void TestRefusedUpgrades::withoutAnotherTransportNothingFollows()
+{
+    Peer bus;
+    VERIFY_STARTED(start(&bus));
+    Host host(bus.url());
+    QVERIFY(host.tryOpen({Transport::webSocket}));
+    QVERIFY(!host.collab()->isConnected());
+    QCOMPARE(bus.count(QStringLiteral("upgrade ")), 1);
+    QVERIFY(host.open(Transport::polling));
+    QCOMPARE(host.connected(), 1);
+    QCOMPARE(host.closed(), 0);
+    QVERIFY(host.close());
+}
+
+void TestRefusedUpgrades::openLimitEndsTheWait()
+{
+    Peer bus;
+    VERIFY_STARTED(start(&bus));
+    Host host(bus.url());
+    host.connector()->setOpenLimit(500);
+    QVERIFY(host.open(webSocketThenStreaming));
+    QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
+    QCOMPARE(bus.count(QStringLiteral("open ")), 1);
+    QVERIFY(bus.lines(QStringLiteral("open ")).at(0).endsWith(Transport::streaming));
+    QCOMPARE(host.connected(), 1);
+    QCOMPARE(host.closed(), 0);
+    QVERIFY(host.close());
+}
+
+// Whatever stands next in the list, and in the same session.
+void TestRefusedUpgrades::droppedBeforeOpenFrameGoesOnByPolling()
+{
+    Peer bus;
+    VERIFY_STARTED(start(&bus));
+    Host host(bus.url());
+    QVERIFY(host.open(webSocketThenStreaming));
+    const QString id = host.connector()->sessionId();
+    QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
+    QCOMPARE(bus.lines(QStringLiteral("open ")), {QStringLiteral("open %1 xhr-polling").arg(id)});
+    QCOMPARE(bus.lines(QStringLiteral("upgrade ")), {QStringLiteral("upgrade ") + id});
+    QCOMPARE(host.closed(), 0);
+    QVERIFY(host.close());
+    QCOMPARE(host.connected(), 1);
+}
+
+void TestRefusedUpgrades::closeDuringTheWaitEndsIt()
+{
+    QFETCH(QString, upgrade);
+    Peer bus;
+    VERIFY_STARTED(start(&bus));
+    Host host(bus.url());
+    // With an answer to come, before that; without one, when the server has had the upgrade for sure.
+    if (upgrade == QLatin1String("silence"))
+        onUpgrade(&bus, &host, [&] { host.connector()->close(); });
+    else
+        QTimer::singleShot(0, &host, [&] { host.connector()->close(); });
+    QVERIFY(host.tryOpen(webSocketThenStreaming));
+    QVERIFY(!host.collab()->isConnected());
+
+    QVERIFY(host.open(Transport::polling));
+    QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
+    QCOMPARE(bus.count(QStringLiteral("open ")), 1);
+    QCOMPARE(host.closed(), 0);
+    QVERIFY(host.close());
+    QCOMPARE(host.connected(), 1);
+}
+
+void TestRefusedUpgrades::openDuringTheWaitReplacesIt()
+{
+    QFETCH(QString, upgrade);
+    Peer bus;
+    VERIFY_STARTED(start(&bus));
+    Host host(bus.url());
+    const auto openAgain = [&] { host.collab()->open({Transport::polling}); };
+    if (upgrade == QLatin1String("silence"))
+        onUpgrade(&bus, &host, openAgain);
+    else
+        QTimer::singleShot(0, &host, openAgain);
+    QVERIFY(host.open(webSocketThenStreaming));
+    QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
+    QCOMPARE(bus.lines(QStringLiteral("open ")),
+             {QStringLiteral("open %1 xhr-polling").arg(host.connector()->sessionId())});
+    QCOMPARE(host.closed(), 0);
+    QVERIFY(host.close());
+    QCOMPARE(host.connected(), 1);
+}
+
+void TestRefusedUpgrades::deletionDuringTheWaitEndsIt()
+{
+    QFETCH(QString, upgrade);
+    Peer bus;
+    VERIFY_STARTED(start(&bus));
+    Host host(bus.url());
+    if (upgrade == QLatin1String("silence"))
+        onUpgrade(&bus, &host, [&] { delete host.collab(); });
+    else
+        QTimer::singleShot(0, &host, [&] { delete host.collab(); });
+    QVERIFY(host.tryOpen(webSocketThenStreaming));
+    QVERIFY(!host.collab());
+    QCOMPARE(host.connected(), 0);
+    QCOMPARE(host.closed(), 0);
+    QCOMPARE(bus.count(QStringLiteral("request ")), 0);
+}
+
+// The connection is up, so that its end is told; there is no fallback.
+void TestRefusedUpgrades::closeBeforeOpenFrame()
+{
+    Peer bus;
+    VERIFY_STARTED(start(&bus));
+    Host host(bus.url());
+    QVERIFY(host.tryOpen(webSocketThenStreaming));
+    host.connector()->close();
+    QVERIFY(host.waitForClosed(1));
+    QVERIFY(host.open(Transport::streaming));
+    QCOMPARE(bus.count(QStringLiteral("open ")), 1);
+    QCOMPARE(host.closed(), 1);
+    QVERIFY(host.close());
+    QCOMPARE(host.connected(), 1);
+}
+
+void TestRefusedUpgrades::openBeforeOpenFrame()
+{
+    Peer bus;
+    VERIFY_STARTED(start(&bus));
+    Host host(bus.url());
+    QVERIFY(host.tryOpen(webSocketThenStreaming));
+    QVERIFY(host.open(Transport::streaming));
+    QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
+    QCOMPARE(bus.lines(QStringLiteral("open ")),
+             {QStringLiteral("open %1 xhr-streaming").arg(host.connector()->sessionId())});
+    QCOMPARE(host.closed(), 0);
+    QVERIFY(host.close());
+    QCOMPARE(host.connected(), 1);
+}
+
+// The fallback comes up when the host has left already: it is closed at once, and nothing is registered.
+void TestRefusedUpgrades::leavingBeforeOpenFrame()
+{
+    Peer bus;
+    VERIFY_STARTED(start(&bus));
+    Host host(bus.url());
+    QVERIFY(host.tryOpen(webSocketThenStreaming));
+    host.collab()->close();
+    QVERIFY(host.waitForClosed(1));
+    QCOMPARE(bus.count(QStringLiteral("frame ")), 0);
+    QVERIFY(host.open(Transport::streaming));
+    QVERIFY(bus.waitFor(QStringLiteral("frame "), 3));
+    QCOMPARE(host.closed(), 1);
+    QVERIFY(host.close());
+}
+
+void TestRefusedUpgrades::givesThreadsAndDescriptorsBack_data()
+{
+    addRows({"403", "200", "reset", "silence", "drop", "dropLater", "resetLater", "mute"});
+}
+
+void TestRefusedUpgrades::givesThreadsAndDescriptorsBack()
+{
+    Peer bus;
+    VERIFY_STARTED(start(&bus));
+    int threads = 0;
+    int descriptors = 0;
+    for (int round = 0; round < 10; ++round) {
+        Host host(bus.url());
+        host.connector()->setOpenLimit(200);
+        QVERIFY(host.open(webSocketThenStreaming));
+        if (round % 2 == 0)
+            QVERIFY(host.close());
+        if (round == 1) {
+            threads = ProcessResources::threads();
+            descriptors = ProcessResources::descriptors();
+        }
+    }
+    QTRY_VERIFY2_WITH_TIMEOUT(ProcessResources::threads() <= threads,
+                              qPrintable(QString::number(ProcessResources::threads())), 15000);
+    QTRY_VERIFY2_WITH_TIMEOUT(ProcessResources::descriptors() <= descriptors,
+                              qPrintable(QString::number(ProcessResources::descriptors())), 15000);
+}
+
+INTEROP_MAIN(TestRefusedUpgrades)
+#include "tst_RefusedUpgrades.moc"
