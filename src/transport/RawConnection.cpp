@@ -37,13 +37,13 @@ bool RawConnection::connectBlocking()
 }
 
 // The socket's own waits cannot be cut in slices: one that times out gives the connection up.
-bool RawConnection::connectWaiting(const std::atomic<bool>& stop)
+bool RawConnection::connectWaiting(std::atomic<bool>* stop)
 {
     const QDeadlineTimer limit(ConnectLimit);
     begin();
-    while (!stop && !isReady() && !isUnconnected() && !limit.hasExpired()) {
+    while (!*stop && !isReady() && !isUnconnected() && !limit.hasExpired()) {
         if (!wait(static_cast<int>(limit.remainingTime())))
-            break;
+            *stop = true;
     }
     if (!isReady())
         drop();

@@ -25,8 +25,9 @@ public:
 
     /// Connects without events.
     bool connectBlocking();
-    /// The same within the event loop. Given up when \p stop is set and wake() is called.
-    bool connectWaiting(const std::atomic<bool>& stop);
+    /// The same within the event loop. Given up when \p stop is set and wake() is called; sets it when the
+    /// thread is to quit.
+    bool connectWaiting(std::atomic<bool>* stop);
     /// Ends the connection at once; it may be made again.
     void drop();
 

@@ -16,6 +16,7 @@ namespace {
 
 constexpr int postLimit = 30000; // milliseconds
 constexpr int retireLimit = 10000;
+constexpr qint64 postAnswerSize = 64 * 1024;
 
 // Such a character would let the text around it end a line of a raw request, or split its first one.
 bool breaksLine(QChar c)
@@ -155,6 +156,7 @@ void SockJSXHRPolling::startThread(SockJSXHRPollingWorker* worker, QTcpSocket* s
     connect(thread, &QObject::destroyed, this, &SockJSXHRPolling::endRetirement);
     m_worker = worker;
     m_thread = thread;
+    m_onThread = {worker, socket};
     thread->start();
 }
 
@@ -171,6 +173,9 @@ void SockJSXHRPolling::joinThread()
     thread->quit();
     thread->wait();
     delete thread;
+    // It deletes nothing when the application object is gone.
+    for (const QPointer<QObject>& object : qAsConst(m_onThread))
+        delete object;
 }
 
 void SockJSXHRPolling::onWorkerFinished()
@@ -304,7 +309,8 @@ void SockJSXHRPolling::postNextFrame()
     request.setRawHeader("Connection", m_keepAlive ? "keep-alive" : "close");
     request.setTransferTimeout(postLimit);
     m_posting = true;
-    m_nam->post(request, m_frames.takeFirst());
+    // Nobody reads the answer. One without end stops here, and postLimit ends it.
+    m_nam->post(request, m_frames.takeFirst())->setReadBufferSize(postAnswerSize);
 }
 
 void SockJSXHRPolling::onNAMRequestFinished(QNetworkReply* reply)

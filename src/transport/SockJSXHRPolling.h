@@ -100,6 +100,7 @@ private:
     bool m_streaming = false;
     SockJSXHRPollingWorker* m_worker = nullptr; // null before its thread may delete it
     QPointer<QThread> m_thread;
+    QList<QPointer<QObject>> m_onThread; // what it deletes at its end; not to be looked at before
     XHRRequest* m_currentRequest = nullptr;
 
     QList<XHRRequest*> m_requests; // those that the worker has taken and that are not yet released

@@ -328,7 +328,7 @@ bool SockJSXHRPollingWorker::restoreConnection()
     if (m_keepAlive)
         qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Connection lost, attempting to re-establish...";
     m_answered = false;
-    m_connected = m_connection->connectWaiting(m_stop);
+    m_connected = m_connection->connectWaiting(&m_stop);
     if (m_connected) {
         m_connectAttempts = 0;
         Q_EMIT reconnected();

@@ -1,16 +1,11 @@
 #include "support/LogRecorder.h"
-#include "support/ProcessResources.h"
 #include "support/ScriptedHttpServer.h"
-#include "support/TestCertificates.h"
 #include "support/WorkerRun.h"
 
 #include <QElapsedTimer>
 #include <QMetaMethod>
 #include <QNetworkProxy>
-#include <QTcpServer>
 #include <QtTest>
-
-#include <functional>
 
 using HttpText::chunk;
 using HttpText::chunked;
@@ -21,12 +16,7 @@ using Server = ScriptedHttpServer;
 
 namespace {
 
-const QString lostLine =
-    QStringLiteral("[SockJSXHRPollingWorker] Connection lost, attempting to re-establish...");
 const QString stallLine = QStringLiteral("[SockJSXHRPollingWorker] Incoming data timeout, clearing buffer");
-const QString bufferLine = QStringLiteral("[SockJSXHRPollingWorker.BufferData] = ");
-const QString limitLine =
-    QStringLiteral("[SockJSXHRPollingWorker] Connection attempts exceeded retry limit!");
 
 // Longer than the worker's idle wait and its stall limit together.
 constexpr int patience = 8000;
@@ -56,11 +46,6 @@ private Q_SLOTS:
     void messageParserAppends();
     void messageParserLogs();
 
-    void connectsOverTcp();
-    void connectsOverTls();
-    void refusesAnUnknownCertificate();
-    void reportsAFailedConnection();
-
     void writesTheRequestAsItIs();
     void transmitTakesTheFirstRequest();
     void dropsARequestWithoutText();
@@ -79,43 +64,7 @@ private Q_SLOTS:
     void deliversABodyWithoutEndWhenTheSenderFallsSilent();
     void deliversABodyThatEndsWithTheConnection();
 
-    void stallIsDiscarded_data();
-    void stallIsDiscarded();
-    void shortPauseIsWaitedOut_data();
-    void shortPauseIsWaitedOut();
-    void freshAnswerAfterAStallIsTaken();
-    void garbageIsDiscardedAfterAStall();
-
-    void answerToNoRequestIsDropped();
-    void timeoutAnswerOfABalancerIsDropped();
-    void secondAnswerToOneRequestIsDropped();
-
-    void emptyAnswerIsReported();
-    void badAnswerKeepsTheFullWait_data();
-    void badAnswerKeepsTheFullWait();
-    void serverThatNeverAnswersIsAskedOnceASecond();
-    void overrunIsABrokenConnection_data();
-    void overrunIsABrokenConnection();
-
-    void reconnectsAfterEveryAnswerAtOnce();
-    void obeysConnectionClose();
-    void reconnectStartsEmpty();
-    void requestInFlightIsLostWithItsConnection();
-    void waitingRequestOutlivesTheConnection();
-    void eleventhFailureInARowEnds();
-    void successfulReconnectCountsAnew();
-    void reconnectsOverTls();
-
     void streamDeliversFramesAtTheirNewline();
-    void streamEndDropsTheConnection();
-    void preludeAloneKeepsTheFullWait();
-
-    void stopsWithinFiftyMilliseconds_data();
-    void stopsWithinFiftyMilliseconds();
-    void stopsInTheMiddleOfAReconnect();
-    void stopsWhenTheThreadIsToldToQuit();
-    void endsWhenTheSocketIsClosed();
-    void givesItsDescriptorsAndThreadsBack();
 };
 
 void tst_SockJSXHRPollingWorker::initTestCase()
@@ -284,48 +233,6 @@ void tst_SockJSXHRPollingWorker::messageParserLogs()
                                        "[SockJSXHRPollingWorker] chunk complete size 3"}));
 }
 
-void tst_SockJSXHRPollingWorker::connectsOverTcp()
-{
-    const Server server;
-    WorkerRun run(server.port());
-    QVERIFY(run.worker->connectToServer());
-    QTRY_COMPARE(server.connections(), 1);
-}
-
-void tst_SockJSXHRPollingWorker::connectsOverTls()
-{
-    const TestCertificates::TrustedRoot trusted;
-    Server server(TestCertificates::server(QStringLiteral("loopback")));
-    server.answerAlways("/xhr", plain("o\n"));
-    WorkerRun run(server.port(), true);
-    QVERIFY(run.start());
-    QVERIFY(run.queue());
-    QTRY_COMPARE(run.messages, QStringList("o"));
-}
-
-void tst_SockJSXHRPollingWorker::refusesAnUnknownCertificate()
-{
-    const Server unknown(TestCertificates::server(QStringLiteral("loopback")));
-    QVERIFY(!WorkerRun(unknown.port(), true).worker->connectToServer());
-
-    const TestCertificates::TrustedRoot trusted;
-    const Server elsewhere(TestCertificates::server(QStringLiteral("elsewhere")));
-    QVERIFY(!WorkerRun(elsewhere.port(), true).worker->connectToServer());
-    QCOMPARE(elsewhere.received(0), QByteArray());
-}
-
-void tst_SockJSXHRPollingWorker::reportsAFailedConnection()
-{
-    quint16 port = 0;
-    {
-        const Server gone;
-        port = gone.port();
-    }
-    WorkerRun run(port);
-    QVERIFY(!run.worker->connectToServer());
-    QVERIFY(!run.socket->errorString().isEmpty());
-}
-
 void tst_SockJSXHRPollingWorker::writesTheRequestAsItIs()
 {
     const Server server;
@@ -372,9 +279,11 @@ void tst_SockJSXHRPollingWorker::writesWithinFiftyMilliseconds()
     server.answerAlways("/xhr", chunked("o\n"));
     WorkerRun run(server.port());
     QVERIFY(run.start());
-    // The best of some, because the machine may be busy; a poll with a second's wait would never get there.
+    QVERIFY(run.queue());
+    QTRY_COMPARE(run.messages.size(), 1);
+    // The best of some, because the machine may be busy. One that waits a second never gets there.
     qint64 best = patience;
-    for (int i = 0; i < 10 && best > 50; ++i) {
+    for (int i = 1; i < 10 && best > 50; ++i) {
         QElapsedTimer clock;
         clock.start();
         QVERIFY(run.queue());
@@ -548,353 +457,6 @@ void tst_SockJSXHRPollingWorker::deliversABodyThatEndsWithTheConnection()
     QTRY_COMPARE(run.reports, QStringList({"header 0", "message 0", "reconnected"}));
 }
 
-void tst_SockJSXHRPollingWorker::stallIsDiscarded_data()
-{
-    QTest::addColumn<QByteArray>("begin");
-    QTest::addColumn<QByteArray>("pending");
-    QTest::newRow("in the header") << QByteArray("HTTP/1.1 200 OK\r\nConte")
-                                   << QByteArray("HTTP/1.1 200 OK\r\nConte");
-    QTest::newRow("in a chunk's size") << chunkedHead() + "1" << QByteArray("1");
-    QTest::newRow("in a chunk") << chunkedHead() + "5\r\nab" << QByteArray("ab");
-    QTest::newRow("in the end chunk") << chunkedHead() + chunk("ab") + "0" << QByteArray("0");
-    QTest::newRow("in a body with a length")
-        << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nab") << QByteArray("ab");
-}
-
-void tst_SockJSXHRPollingWorker::stallIsDiscarded()
-{
-    QFETCH(QByteArray, begin);
-    QFETCH(QByteArray, pending);
-    Server server;
-    server.answer("/xhr", begin);
-    server.answer("/xhr", plain("o\n"));
-    WorkerRun run(server.port());
-    run.queueAgain = true;
-    LogRecorder log;
-    QVERIFY(run.start());
-    QVERIFY(run.queue());
-    QElapsedTimer clock;
-    clock.start();
-    QTRY_COMPARE_WITH_TIMEOUT(run.messages, QStringList("o"), patience);
-    QVERIFY(clock.elapsed() > 2000);
-    QVERIFY2(clock.elapsed() < 5000, "the server's session would be gone");
-    QCOMPARE(log.debug(stallLine), QStringList(stallLine));
-    QCOMPARE(log.debug(bufferLine), QStringList(bufferLine + pending));
-    QVERIFY(run.reports.contains(QStringLiteral("lost 0")));
-    QCOMPARE(run.reconnects, 1);
-}
-
-void tst_SockJSXHRPollingWorker::shortPauseIsWaitedOut_data()
-{
-    QTest::addColumn<QByteArray>("begin");
-    QTest::addColumn<QByteArray>("rest");
-    const QByteArray answer = chunkedHead() + chunk("abcde") + endChunk();
-    for (const char* place : {"in the header", "in a chunk's size", "after a chunk's size", "in a chunk",
-                              "after a chunk", "in the end chunk"}) {
-        static const QMap<QByteArray, int> splits{{"in the header", 20},
-                                                  {"in a chunk's size", chunkedHead().size() + 1},
-                                                  {"after a chunk's size", chunkedHead().size() + 3},
-                                                  {"in a chunk", chunkedHead().size() + 5},
-                                                  {"after a chunk", chunkedHead().size() + 8},
-                                                  {"in the end chunk", chunkedHead().size() + 11}};
-        const int split = splits.value(place);
-        QTest::newRow(place) << answer.left(split) << answer.mid(split);
-    }
-}
-
-void tst_SockJSXHRPollingWorker::shortPauseIsWaitedOut()
-{
-    QFETCH(QByteArray, begin);
-    QFETCH(QByteArray, rest);
-    Server server;
-    server.answer("/xhr", Server::Script{Server::send(begin), Server::pause(1500), Server::send(rest)});
-    WorkerRun run(server.port());
-    LogRecorder log;
-    QVERIFY(run.start());
-    QVERIFY(run.queue());
-    QTRY_COMPARE(run.messages, QStringList("abcde"));
-    QCOMPARE(run.reports, QStringList({"header 0", "message 0"}));
-    QCOMPARE(log.debug(stallLine), QStringList());
-}
-
-void tst_SockJSXHRPollingWorker::freshAnswerAfterAStallIsTaken()
-{
-    Server server;
-    server.answer("/xhr", "HTTP/1.1 200 OK\r\nConte");
-    WorkerRun run(server.port());
-    LogRecorder log;
-    QVERIFY(run.start());
-    QVERIFY(run.queue());
-    QTRY_COMPARE_WITH_TIMEOUT(log.debug(stallLine).size(), 1, patience);
-    server.sendNow(plain("o\n"));
-    QTRY_COMPARE(run.messages, QStringList("o"));
-    QCOMPARE(run.reports, QStringList({"header 0", "message 0"}));
-}
-
-void tst_SockJSXHRPollingWorker::garbageIsDiscardedAfterAStall()
-{
-    Server server;
-    server.onConnect({Server::send("garbage")});
-    server.answer("/xhr", plain("o\n"));
-    WorkerRun run(server.port());
-    LogRecorder log;
-    QVERIFY(run.start());
-    QTRY_COMPARE_WITH_TIMEOUT(log.debug(bufferLine), QStringList(bufferLine + "garbage"), patience);
-    QVERIFY(run.queue());
-    QTRY_COMPARE(run.messages, QStringList("o"));
-    QCOMPARE(run.reconnects, 0);
-}
-
-void tst_SockJSXHRPollingWorker::answerToNoRequestIsDropped()
-{
-    Server server;
-    server.onConnect({Server::send(chunked("nobody asked\n"))});
-    server.answer("/xhr", plain("o\n"));
-    WorkerRun run(server.port());
-    LogRecorder log;
-    QVERIFY(run.start());
-    // Only now it is the answer to no request.
-    QTRY_COMPARE(log.debug(), QStringList("[SockJSXHRPollingWorker] chunk complete size 13"));
-    QVERIFY(run.queue());
-    QTRY_COMPARE(run.reports, QStringList({"header 0", "message 0"}));
-    QCOMPARE(run.messages, QStringList("o"));
-}
-
-void tst_SockJSXHRPollingWorker::timeoutAnswerOfABalancerIsDropped()
-{
-    Server server;
-    server.onConnect(
-        {Server::send("HTTP/1.1 408 Request Time-out\r\ncontent-length: 4\r\nconnection: close\r\n\r\n<h1>"),
-         Server::close()});
-    server.answer("/xhr", plain("o\n"));
-    WorkerRun run(server.port());
-    QVERIFY(run.start());
-    QTRY_COMPARE(run.reconnects, 1);
-    QVERIFY(run.queue());
-    QTRY_COMPARE(run.messages, QStringList("o"));
-    QCOMPARE(run.reports, QStringList({"reconnected", "header 0", "message 0"}));
-}
-
-void tst_SockJSXHRPollingWorker::secondAnswerToOneRequestIsDropped()
-{
-    Server server;
-    server.answer("/xhr", plain("h\n") + plain("h\n") + chunked("h\n"));
-    server.answer("/xhr", plain("a[]\n"));
-    WorkerRun run(server.port());
-    QVERIFY(run.start());
-    QVERIFY(run.queue());
-    QTRY_COMPARE(run.messages, QStringList("h"));
-    QVERIFY(run.queue());
-    QTRY_COMPARE(run.messages, QStringList({"h", "a[]"}));
-    QCOMPARE(run.reports, QStringList({"header 0", "message 0", "header 1", "message 1"}));
-}
-
-void tst_SockJSXHRPollingWorker::emptyAnswerIsReported()
-{
-    Server server;
-    server.answer("/xhr", plain(""));
-    server.answer("/xhr", chunkedHead() + endChunk());
-    WorkerRun run(server.port());
-    QVERIFY(run.start());
-    QVERIFY(run.queue());
-    QVERIFY(run.queue());
-    QTRY_COMPARE(run.reports, QStringList({"header 0", "empty 0", "header 1", "empty 1"}));
-    QCOMPARE(run.messages, QStringList());
-}
-
-void tst_SockJSXHRPollingWorker::badAnswerKeepsTheFullWait_data()
-{
-    QTest::addColumn<QByteArray>("answer");
-    QTest::addColumn<bool>("waits");
-    QTest::newRow("open") << plain("o\n") << false;
-    QTest::newRow("heartbeat") << plain("h\n") << false;
-    QTest::newRow("messages") << plain("a[\"x\"]\n") << false;
-    QTest::newRow("page") << plain("<html>\n") << true;
-    QTest::newRow("close frame") << plain("c[3000,\"Go away!\"]\n") << true;
-    QTest::newRow("nothing") << plain("") << true;
-    QTest::newRow("not found") << QByteArray("HTTP/1.1 404 Not Found\r\nContent-Length: 4\r\n\r\nwhat")
-                               << true;
-    QTest::newRow("page, then closed") << plain("<html>\n", "Connection: close\r\n") << true;
-    QTest::newRow("messages, then closed") << plain("a[]\n", "Connection: close\r\n") << false;
-}
-
-void tst_SockJSXHRPollingWorker::badAnswerKeepsTheFullWait()
-{
-    QFETCH(QByteArray, answer);
-    QFETCH(bool, waits);
-    Server server;
-    server.answer("/xhr", answer);
-    server.answer("/xhr", plain("o\n"));
-    WorkerRun run(server.port());
-    QVERIFY(run.start());
-    QVERIFY(run.queue());
-    QVERIFY(run.queue());
-    QTRY_COMPARE(server.count(), 2);
-    const QList<Server::Request> requests = server.requests();
-    const qint64 gap = requests.last().msecs - requests.first().msecs;
-    QVERIFY2(waits ? gap >= 980 && gap < 2000 : gap < 900, qPrintable(QString::number(gap)));
-}
-
-void tst_SockJSXHRPollingWorker::serverThatNeverAnswersIsAskedOnceASecond()
-{
-    Server server;
-    for (int i = 0; i < 3; ++i)
-        server.answer("/xhr", Server::Script{i == 1 ? Server::reset() : Server::close()});
-    server.answer("/xhr", plain("o\n"));
-    WorkerRun run(server.port());
-    run.queueAgain = true;
-    QVERIFY(run.start());
-    QVERIFY(run.queue());
-    QTRY_COMPARE_WITH_TIMEOUT(run.messages, QStringList("o"), patience);
-    const QList<Server::Request> requests = server.requests();
-    for (int i = 1; i < requests.size(); ++i) {
-        const qint64 gap = requests.at(i).msecs - requests.at(i - 1).msecs;
-        QVERIFY2(gap >= 980 && gap < 2000, qPrintable(QString::number(gap)));
-    }
-    QCOMPARE(run.reconnects, 3);
-}
-
-void tst_SockJSXHRPollingWorker::overrunIsABrokenConnection_data()
-{
-    QTest::addColumn<QByteArray>("answer");
-    QTest::newRow("chunk of 2^64-1") << chunkedHead() + "ffffffffffffffff\r\nab";
-    QTest::newRow("length of 2^63") << QByteArray(
-        "HTTP/1.1 200 OK\r\nContent-Length: 9223372036854775808\r\n\r\nab");
-    QTest::newRow("header without end") << "HTTP/1.1 200 OK\r\n" + QByteArray(4 * 1024 * 1024, 'x');
-}
-
-void tst_SockJSXHRPollingWorker::overrunIsABrokenConnection()
-{
-    QFETCH(QByteArray, answer);
-    Server server;
-    server.answer("/xhr", answer);
-    server.answer("/xhr", plain("o\n"));
-    WorkerRun run(server.port());
-    run.queueAgain = true;
-    QVERIFY(run.start());
-    QVERIFY(run.queue());
-    QTRY_COMPARE_WITH_TIMEOUT(run.messages, QStringList("o"), patience);
-    QCOMPARE(server.requests().last().connection, 1);
-    QVERIFY(server.requests().last().msecs - server.requests().first().msecs >= 980);
-    QVERIFY(run.reports.contains(QStringLiteral("lost 0")));
-}
-
-void tst_SockJSXHRPollingWorker::reconnectsAfterEveryAnswerAtOnce()
-{
-    Server server;
-    constexpr int answers = 5;
-    for (int i = 0; i < answers; ++i)
-        server.answer("/xhr", Server::Script{Server::send(plain("h\n")), Server::close()});
-    WorkerRun run(server.port());
-    run.queueAgain = true;
-    LogRecorder log;
-    QVERIFY(run.start());
-    QVERIFY(run.queue());
-    QTRY_COMPARE(run.messages.size(), answers);
-    const QList<Server::Request> requests = server.requests();
-    QVERIFY(requests.at(answers - 1).msecs - requests.first().msecs < 1000);
-    QCOMPARE(requests.at(answers - 1).connection, answers - 1);
-    QVERIFY(log.debug(lostLine).size() >= answers - 1);
-}
-
-void tst_SockJSXHRPollingWorker::obeysConnectionClose()
-{
-    Server server;
-    server.answer("/xhr", plain("h\n", "Connection: close\r\n"));
-    server.answer("/xhr", plain("h\n"));
-    WorkerRun run(server.port());
-    QVERIFY(run.start());
-    QVERIFY(run.queue());
-    QVERIFY(run.queue());
-    QTRY_COMPARE(run.messages.size(), 2);
-    QCOMPARE(server.requests().last().connection, 1);
-}
-
-void tst_SockJSXHRPollingWorker::reconnectStartsEmpty()
-{
-    Server server;
-    server.answer("/xhr",
-                  Server::Script{Server::send(chunkedHead() + chunk("old") + "5\r\nab"), Server::close()});
-    server.answer("/xhr", chunked("new\n"));
-    WorkerRun run(server.port());
-    run.queueAgain = true;
-    QVERIFY(run.start());
-    QVERIFY(run.queue());
-    QTRY_COMPARE(run.messages, QStringList("new"));
-    QCOMPARE(run.reports, QStringList({"header 0", "lost 0", "reconnected", "header 1", "message 1"}));
-}
-
-void tst_SockJSXHRPollingWorker::requestInFlightIsLostWithItsConnection()
-{
-    Server server;
-    server.answer("/xhr", Server::Script{Server::close()});
-    WorkerRun run(server.port());
-    QVERIFY(run.start());
-    QVERIFY(run.queue());
-    QTRY_COMPARE(run.reports, QStringList({"lost 0", "reconnected"}));
-    QVERIFY(!run.worker->isReceiving());
-    QCOMPARE(server.count(), 1);
-}
-
-void tst_SockJSXHRPollingWorker::waitingRequestOutlivesTheConnection()
-{
-    Server server;
-    server.answer("/first", Server::Script{Server::hold(), Server::close()});
-    server.answer("/xhr", plain("o\n"));
-    WorkerRun run(server.port());
-    QVERIFY(run.start());
-    QVERIFY(run.queue(QStringLiteral("/first")));
-    QTRY_COMPARE(server.count(), 1);
-    QVERIFY(run.queue());
-    server.release();
-    QTRY_COMPARE(run.messages, QStringList("o"));
-    QCOMPARE(run.reports, QStringList({"lost 0", "reconnected", "header 1", "message 1"}));
-}
-
-void tst_SockJSXHRPollingWorker::eleventhFailureInARowEnds()
-{
-    Server server;
-    WorkerRun run(server.port());
-    QVERIFY(run.start());
-    QTRY_COMPARE(server.openConnections(), 1);
-    LogRecorder log;
-    server.stopListening();
-    server.dropConnections();
-    QTRY_COMPARE(run.ends, 1);
-    QCOMPARE(log.debug(lostLine).size(), 11);
-    QCOMPARE(log.debug(limitLine).size(), 1);
-    QCOMPARE(run.reports, QStringList("finished"));
-}
-
-void tst_SockJSXHRPollingWorker::successfulReconnectCountsAnew()
-{
-    Server server;
-    WorkerRun run(server.port());
-    QVERIFY(run.start());
-    QTRY_COMPARE(server.openConnections(), 1);
-    server.dropConnections();
-    QTRY_COMPARE(run.reconnects, 1);
-    QTRY_COMPARE(server.openConnections(), 1);
-    LogRecorder log;
-    server.stopListening();
-    server.dropConnections();
-    QTRY_COMPARE(run.ends, 1);
-    QCOMPARE(log.debug(lostLine).size(), 11);
-}
-
-void tst_SockJSXHRPollingWorker::reconnectsOverTls()
-{
-    const TestCertificates::TrustedRoot trusted;
-    Server server(TestCertificates::server(QStringLiteral("loopback")));
-    server.answer("/xhr", Server::Script{Server::send(plain("h\n")), Server::close()});
-    server.answer("/xhr", plain("a[]\n"));
-    WorkerRun run(server.port(), true);
-    run.queueAgain = true;
-    QVERIFY(run.start());
-    QVERIFY(run.queue());
-    QTRY_COMPARE(run.messages, QStringList({"h", "a[]"}));
-}
-
 void tst_SockJSXHRPollingWorker::streamDeliversFramesAtTheirNewline()
 {
     Server server;
@@ -909,134 +471,6 @@ void tst_SockJSXHRPollingWorker::streamDeliversFramesAtTheirNewline()
     server.release();
     QTRY_COMPARE(run.messages, QStringList({prelude, "o", "a[\"x\"]"}));
     QVERIFY(run.worker->isReceiving());
-}
-
-void tst_SockJSXHRPollingWorker::streamEndDropsTheConnection()
-{
-    Server server;
-    server.answer("/xhr_streaming", chunkedHead() + chunk("o\n") + chunk("h") + endChunk());
-    server.answer("/xhr", plain("o\n"));
-    WorkerRun run(server.port());
-    run.queueAgain = true;
-    QVERIFY(run.start());
-    QVERIFY(run.queue(QStringLiteral("/p/xhr_streaming")));
-    QTRY_COMPARE(run.messages, QStringList({"o", "h", "o"}));
-    QCOMPARE(run.reports,
-             QStringList({"header 0", "message 0", "message 0", "reconnected", "header 1", "message 1"}));
-    QCOMPARE(server.requests().last().connection, 1);
-    QVERIFY(server.requests().last().msecs - server.requests().first().msecs < 900);
-}
-
-void tst_SockJSXHRPollingWorker::preludeAloneKeepsTheFullWait()
-{
-    Server server;
-    server.answer("/xhr_streaming", chunkedHead() + chunk(HttpText::prelude()) + endChunk());
-    WorkerRun run(server.port());
-    run.queueAgain = true;
-    QVERIFY(run.start());
-    QVERIFY(run.queue(QStringLiteral("/p/xhr_streaming")));
-    QTRY_COMPARE(server.count(), 2);
-    QVERIFY(server.requests().last().msecs - server.requests().first().msecs >= 980);
-}
-
-void tst_SockJSXHRPollingWorker::stopsWithinFiftyMilliseconds_data()
-{
-    QTest::addColumn<QByteArray>("answer");
-    QTest::newRow("a poll is pending") << QByteArray();
-    QTest::newRow("an answer is half received") << chunkedHead() + "5\r\nab";
-    QTest::newRow("the next request is held back") << plain("");
-}
-
-void tst_SockJSXHRPollingWorker::stopsWithinFiftyMilliseconds()
-{
-    QFETCH(QByteArray, answer);
-    qint64 best = patience;
-    for (int i = 0; i < 5 && best > 50; ++i) {
-        Server server;
-        if (!answer.isEmpty())
-            server.answer("/xhr", answer);
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(server.count(), 1);
-        QTRY_VERIFY(answer.isEmpty() || !run.reports.isEmpty());
-        QElapsedTimer clock;
-        clock.start();
-        run.worker->forceClose();
-        run.thread.quit();
-        QVERIFY(run.thread.wait(patience));
-        best = std::min(best, clock.elapsed());
-        QTRY_COMPARE(run.ends, 1);
-    }
-    QVERIFY2(best <= 50, qPrintable(QString::number(best)));
-}
-
-void tst_SockJSXHRPollingWorker::stopsInTheMiddleOfAReconnect()
-{
-    Server server;
-    // A proxy that takes the connection and never answers keeps the worker connecting for the full 30
-    // seconds.
-    QTcpServer silentProxy;
-    QVERIFY(silentProxy.listen(QHostAddress::LocalHost));
-    WorkerRun run(server.port());
-    QVERIFY(run.worker->connectToServer());
-    run.socket->setProxy(
-        QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), silentProxy.serverPort()));
-    run.startThread();
-    QTRY_COMPARE(server.openConnections(), 1);
-    server.dropConnections();
-    QTRY_VERIFY(silentProxy.hasPendingConnections());
-    QElapsedTimer clock;
-    clock.start();
-    run.worker->forceClose();
-    QTRY_COMPARE(run.ends, 1);
-    QVERIFY2(clock.elapsed() < 500, qPrintable(QString::number(clock.elapsed())));
-    QCOMPARE(run.reports, QStringList("finished"));
-}
-
-void tst_SockJSXHRPollingWorker::stopsWhenTheThreadIsToldToQuit()
-{
-    const Server server;
-    WorkerRun run(server.port());
-    QVERIFY(run.start());
-    QVERIFY(run.queue());
-    QTRY_COMPARE(server.count(), 1);
-    run.thread.quit();
-    QVERIFY(run.thread.wait(patience));
-    QTRY_COMPARE(run.ends, 1);
-}
-
-void tst_SockJSXHRPollingWorker::endsWhenTheSocketIsClosed()
-{
-    const Server server;
-    WorkerRun run(server.port());
-    QVERIFY(run.worker->connectToServer());
-    run.socket->close();
-    int ends = 0;
-    connect(run.worker, &SockJSXHRPollingWorker::finished, &run, [&ends] { ++ends; });
-    run.worker->process();
-    QCOMPARE(ends, 1);
-}
-
-void tst_SockJSXHRPollingWorker::givesItsDescriptorsAndThreadsBack()
-{
-    Server server;
-    server.answerAlways("/xhr", Server::Script{Server::send(plain("h\n")), Server::close()});
-    const auto runOnce = [&server](int answers) {
-        WorkerRun run(server.port());
-        run.queueAgain = true;
-        return run.start() && run.queue() &&
-               QTest::qWaitFor([&] { return run.messages.size() >= answers; }, patience);
-    };
-    QVERIFY(runOnce(1));
-    QTRY_COMPARE(server.openConnections(), 0);
-    const int threads = ProcessResources::threads();
-    const int descriptors = ProcessResources::descriptors();
-    for (int i = 0; i < 20; ++i)
-        QVERIFY(runOnce(3));
-    QTRY_COMPARE(server.openConnections(), 0);
-    QTRY_VERIFY(ProcessResources::threads() <= threads);
-    QTRY_VERIFY(ProcessResources::descriptors() <= descriptors);
 }
 
 QTEST_GUILESS_MAIN(tst_SockJSXHRPollingWorker)
