@@ -54,7 +54,7 @@ export class Bus {
       log: () => {},
       faye_server_options: { maxLength: MAX_FRAME },
       // The script of the iframe transports: never from elsewhere.
-      sockjs_url: '/sockjs.min.js',
+      sockjs_url: '/vendor/sockjs.js',
     });
     server.on('connection', (socket) => this.#connected(socket));
     this.#sockjsHandler = server.middleware();

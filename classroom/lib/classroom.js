@@ -3,6 +3,7 @@ import { accountRoutes } from './account-routes.js';
 import { Accounts } from './accounts.js';
 import { Bus } from './bus.js';
 import { Logins } from './logins.js';
+import { servePage } from './pages.js';
 import { resourceRoutes } from './resource-routes.js';
 import { Router } from './router.js';
 import { sessionRoutes } from './session-routes.js';
@@ -83,7 +84,7 @@ export class Classroom {
     response.on('close', () => {
       this.log(`${request.method} ${path} ${response.statusCode} ${Date.now() - begun}ms`);
     });
-    if (this.#bus.handle(request, response, path)) return;
+    if (this.#bus.handle(request, response, path) || servePage(request, response, path)) return;
     this.#router.handle(request, response, path, new URLSearchParams(query));
   }
 

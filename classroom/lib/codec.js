@@ -1,50 +1,14 @@
 // Payloads of the event bus: text, LZMA-compressed into a stand-alone block, base64.
 
 import lzma from 'lzma';
+import { BlockCodec } from '../public/js/codec/block.js';
 import { MAX_BLOCK_TEXT, MAX_CACHED_CHARS, MAX_CACHED_PAYLOADS } from './limits.js';
 import { PayloadCache } from './payload-cache.js';
 
-const HEADER_BYTES = 13;
-const SIZE_OFFSET = 5;
-const UNKNOWN_SIZE = 0xffffffffffffffffn;
-// The smallest dictionary of the codec, 64 KiB: payloads are small, and a large one costs every block.
-const MODE = 1;
+const blocks = new BlockCodec(lzma, MAX_BLOCK_TEXT);
 
-const utf8 = new TextDecoder('utf-8', { fatal: true, ignoreBOM: true });
-
-// The block as the codec gets it, mended in two places. Its size is blanked out: given one, the codec stops
-// there, and neither a size that is too small nor a missing end marker would be noticed. And past the end the
-// codec reads on as if there were more, and makes gigabytes out of nothing: an element beyond the last one
-// that throws when it is read ends that.
-function codecInput(block) {
-  const input = Array.from(block).fill(0xff, SIZE_OFFSET, HEADER_BYTES);
-  input.length += 1;
-  const end = { get: () => { throw new Error('the block ends early'); } };
-  return Object.setPrototypeOf(input, Object.create(Array.prototype, { [block.length]: end }));
-}
-
-function claimedSize(block) {
-  if (block.length <= HEADER_BYTES) throw new Error('shorter than a block');
-  const size = block.readBigUInt64LE(SIZE_OFFSET);
-  if (size === UNKNOWN_SIZE) return undefined;
-  if (size > MAX_BLOCK_TEXT) throw new Error('claims too large a text');
-  return Number(size);
-}
-
-/** The block for a text. The codec is given bytes: from text it takes the Basic Multilingual Plane only. */
-export function compressBlock(text) {
-  return Buffer.from(lzma.compress(Buffer.from(text, 'utf8'), MODE));
-}
-
-/** The text in a block; throws when it is cut, corrupt, without an end marker or not of the size that it claims. */
-export function decompressBlock(block) {
-  const size = claimedSize(block);
-  // Text where the bytes are plain UTF-8 without characters beyond the BMP, bytes in every other case.
-  const output = lzma.decompress(codecInput(block));
-  const bytes = typeof output === 'string' ? Buffer.from(output, 'utf8') : Buffer.from(output);
-  if (size !== undefined && bytes.length !== size) throw new Error('not of the size that the block claims');
-  return typeof output === 'string' ? output : utf8.decode(bytes);
-}
+export const compressBlock = (text) => Buffer.from(blocks.compress(text));
+export const decompressBlock = (block) => blocks.decompress(block);
 
 const decoded = new PayloadCache(MAX_CACHED_PAYLOADS, MAX_CACHED_CHARS);
 const encoded = new PayloadCache(MAX_CACHED_PAYLOADS, MAX_CACHED_CHARS);

@@ -26,7 +26,7 @@ function join({ classroom, body, user, request }) {
   if (mode === 'presenter' && user === undefined) throw new Refusal(403, 'login.error.required');
   const session = classroom.sessions.byCode(code);
   if (!session.started) throw new Refusal(409, 'session.error.notStarted');
-  const joined = session.join({ userName, mode, deviceName, deviceType });
+  const joined = session.join({ userToken: body.userToken, userName, mode, deviceName, deviceType });
   return success({ userToken: joined.token, sessionToken: session.token, serverUrl: ownAddress(request) });
 }
 

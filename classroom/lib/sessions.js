@@ -32,7 +32,10 @@ class Session {
     return [...this.users.values()].filter((user) => !user.left);
   }
 
-  join({ userName, mode, deviceName, deviceType }) {
+  /** A device that names the token it was given before comes back as the user that it was. */
+  join({ userToken, userName, mode, deviceName, deviceType }) {
+    const known = this.users.get(userToken);
+    if (known?.mode === mode) return Object.assign(known, { userName, deviceName, deviceType, left: false });
     if (this.users.size >= MAX_USERS_PER_SESSION) throw new Refusal(429, 'session.error.full');
     const user = { token: randomUUID(), userName, mode, deviceName, deviceType, left: false };
     this.users.set(user.token, user);

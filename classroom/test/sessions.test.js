@@ -179,3 +179,27 @@ check('whoever gives up waiting is forgotten', async (t) => {
   await assert.rejects(wait);
   await forgotten;
 });
+
+check('a device that names its token joins again as the user that it was', async (t) => {
+  const { url } = await startClassroom(t);
+  const { host, code, token } = await startSession(url);
+  const first = await host.join(code, 'learner', { userName: 'Ann' });
+  const again = await host.join(code, 'learner', { userName: 'Ann B.', userToken: first.userToken });
+  assert.deepEqual(again, first);
+  const { users } = await host.data('/tavisto/session/getusers', { sessionToken: token });
+  assert.deepEqual(users.map(({ userToken, userName }) => [userToken, userName]), [[first.userToken, 'Ann B.']]);
+});
+
+check('a token of another mode, of another session or of nobody makes a new user', async (t) => {
+  const { url } = await startClassroom(t);
+  const { host, code } = await startSession(url);
+  const { userToken } = await host.join(code, 'learner');
+  const { code: elsewhere } = await startSession(url);
+  const tokens = [
+    await host.join(code, 'controller', { userToken }),
+    await host.join(elsewhere, 'learner', { userToken }),
+    await host.join(code, 'learner', { userToken: 'nobody' }),
+    await host.join(code, 'learner', { userToken: { not: 'a text' } }),
+  ].map((joined) => joined.userToken);
+  assert.equal(new Set([userToken, ...tokens]).size, 5);
+});

@@ -1,0 +1,53 @@
+import { button, el, freshId } from '../ui/dom.js';
+import { formula } from '../ui/formula.js';
+
+// What a key says, what it is called, what it writes, and where in that the cursor goes.
+const KEYS = [
+  ['a⁄b', 'Fraction', '\\frac{}{}', 6],
+  ['√', 'Root', '\\sqrt{}', 6],
+  ['xⁿ', 'Power', '^{}', 2],
+  ['xₙ', 'Index', '_{}', 2],
+  ['π', 'Pi', '\\pi ', 4],
+  ['×', 'Times', '\\times ', 7],
+  ['≤', 'Less or equal', '\\le ', 4],
+  ['≥', 'Greater or equal', '\\ge ', 4],
+];
+
+function insert(input, text, cursor) {
+  const { selectionStart, selectionEnd } = input;
+  input.setRangeText(text, selectionStart, selectionEnd);
+  input.setSelectionRange(selectionStart + cursor, selectionStart + cursor);
+  input.focus();
+}
+
+/** A formula as LaTeX, with keys for what is tedious to type, and a look at how it will read. */
+export function formulaControl({ start, changed }) {
+  const id = freshId('formula');
+  const preview = el('div', { class: 'preview', role: 'group', 'aria-label': 'How it reads' });
+  const show = () => {
+    preview.replaceChildren(input.value.trim() === '' ? el('span', { class: 'hint' }, 'Your formula shows here.')
+      : formula(input.value));
+  };
+  const edited = () => {
+    show();
+    changed();
+  };
+  const input = el('input', {
+    id, class: 'field code', type: 'text', autocomplete: 'off', autocapitalize: 'none', spellcheck: 'false', oninput: edited,
+  });
+  input.value = start?.text ?? '';
+  const keys = KEYS.map(([sign, name, text, cursor]) => button(sign, () => {
+    insert(input, text, cursor);
+    edited();
+  }, { class: 'key', 'aria-label': name, title: name }));
+  show();
+  return {
+    element: el('div', { class: 'write' }, el('label', { for: id }, 'Your formula'), preview, input,
+      el('div', { class: 'keys', role: 'group', 'aria-label': 'Insert' }, ...keys)),
+    hint: '',
+    draft: () => ({ text: input.value }),
+    read: () => (input.value.trim() === '' ? { problem: 'Write a formula first.' }
+      : { answer: { text: input.value.trim() } }),
+    focus: () => input.focus(),
+  };
+}

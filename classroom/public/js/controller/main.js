@@ -1,0 +1,93 @@
+// The remote control's page: joins, shows what the presenter is at, and sends its commands.
+
+import { Device } from '../device/device.js';
+import { Place } from '../device/place.js';
+import { Refused } from '../device/service.js';
+import { button, el, title } from '../ui/dom.js';
+import { joinForm } from '../ui/join-form.js';
+import { showNotices } from '../ui/notices.js';
+import { showScreen } from '../ui/screen.js';
+import { showWho } from '../ui/who.js';
+import { ASKED_AT_ONCE } from './commands.js';
+import { RemotePage } from './remote-page.js';
+import { RemoteState } from './state.js';
+
+const NAME = 'Remote control';
+const ANSWER_MS = 5000;
+
+const ENDS = {
+  stopped: ['This session has ended', 'There is nothing left to control.'],
+  removed: ['This remote control has been sent away', 'The presenter has taken it out of the session.'],
+  elsewhere: ['The remote control is elsewhere', 'Another window has taken its place.'],
+};
+
+const place = new Place('controller');
+const givenCode = new URLSearchParams(location.search).get('code') ?? '';
+
+function askToJoin({ focus = true } = {}) {
+  showWho(null);
+  const join = ({ code, userToken }) => control({ code, userName: NAME, userToken });
+  showScreen(joinForm({
+    heading: NAME, text: 'The presenter shows the code of its session.', code: givenCode, asksName: false, join,
+  }), NAME, { focus });
+}
+
+function ended(reason) {
+  if (reason === 'elsewhere') place.leave();
+  else place.forget();
+  const [heading, text] = ENDS[reason];
+  showWho(null);
+  showNotices([]);
+  showScreen(el('article', { class: 'sheet' }, title(heading), el('p', {}, text),
+    el('div', { class: 'actions' }, button('Join a session', () => askToJoin(), { class: 'primary' }))), NAME);
+}
+
+async function control(wanted) {
+  const state = new RemoteState(() => page.render());
+  const send = ({ type }, data = {}) => {
+    if (type === 'presenterActive') {
+      state.asked();
+      setTimeout(() => state.waited(), ANSWER_MS);
+    }
+    return device.publish(type, data);
+  };
+  const page = new RemotePage(state, send);
+  const states = {
+    open: () => {
+      showNotices([]);
+      ASKED_AT_ONCE.forEach((type) => send({ type }));
+    },
+    lost: () => showNotices([{ text: 'The connection is lost. It is being made again …', kind: 'warning' }]),
+    over: ended,
+  };
+  const device = new Device({
+    mode: 'controller',
+    deviceType: 'controller',
+    addresses: ['.controller'],
+    handlers: state.handlers,
+    onState: (now, reason) => states[now](reason),
+  });
+  const taken = await device.join(wanted);
+  place.take(taken);
+  showWho({ ...taken, userName: '' }, () => {
+    device.leave();
+    place.leave();
+    showNotices([]);
+    askToJoin();
+  });
+  showScreen(page.element, NAME);
+}
+
+async function begin() {
+  const { current } = place;
+  if (!current || (givenCode && givenCode !== current.code)) return askToJoin({ focus: false });
+  try {
+    return await control(current);
+  } catch (error) {
+    if (error instanceof Refused) place.forget();
+    else place.leave();
+    return askToJoin();
+  }
+}
+
+begin();

@@ -1,0 +1,107 @@
+import { announce } from '../ui/announcer.js';
+import { confirmed } from '../ui/confirm.js';
+import { button, el, freshId, setText } from '../ui/dom.js';
+import { ADD_IMAGE, GROUPS, STOP } from './commands.js';
+import { pictureFrom } from './image.js';
+
+const PRESENCE = {
+  unknown: 'not asked yet',
+  asked: 'asking …',
+  active: 'is there',
+  silent: 'does not answer',
+};
+
+/** The page of the remote control: what the presenter is at, and a button for each command. */
+export class RemotePage {
+  #state;
+  #send;
+  #lesson = el('h1', { tabindex: '-1' });
+  #lessonId = el('p', { class: 'lesson-id' });
+  #card = el('dd');
+  #presence = el('dd');
+  #sent = el('p', { class: 'sent', hidden: true });
+  #picker = el('input', { type: 'file', accept: 'image/*', class: 'unseen', tabindex: '-1', 'aria-hidden': 'true' });
+  element;
+
+  /** send(command, data) resolves with whether it has gone out. */
+  constructor(state, send) {
+    this.#state = state;
+    this.#send = send;
+    this.#picker.addEventListener('change', () => this.#addImage());
+    this.element = el('div', { class: 'remote' }, this.#status(), ...GROUPS.map((group) => this.#group(group)), this.#rest());
+    this.render();
+  }
+
+  #status() {
+    return el('section', { class: 'sheet status', 'aria-label': 'Presenter' },
+      el('p', { class: 'kind' }, 'Lesson'), this.#lesson, this.#lessonId,
+      el('dl', {},
+        el('div', {}, el('dt', {}, 'Card'), this.#card),
+        el('div', {}, el('dt', {}, 'Presenter'), this.#presence)));
+  }
+
+  #group({ name, commands }) {
+    const id = freshId('group');
+    return el('section', { class: 'group', 'aria-labelledby': id }, el('h2', { id }, name),
+      el('div', { class: 'commands' }, ...commands.map((command) => button(command.label, () => this.#give(command), {
+        class: `command ${command.kind ?? ''}`,
+      }))));
+  }
+
+  #rest() {
+    const id = freshId('group');
+    return el('section', { class: 'group', 'aria-labelledby': id }, el('h2', { id }, 'Lesson'),
+      el('div', { class: 'commands' },
+        button(ADD_IMAGE.label, () => this.#picker.click(), { class: 'command wide' }), this.#picker,
+        button(STOP.label, () => this.#stop(), { class: 'command wide danger' })), this.#sent);
+  }
+
+  render() {
+    const { lesson, card, presence } = this.#state;
+    this.#set(this.#lesson, lesson ? lesson.name || 'A lesson without a name' : 'No lesson yet');
+    setText(this.#lessonId, lesson?.id ?? '');
+    this.#set(this.#card, cardInWords(card));
+    this.#set(this.#presence, PRESENCE[presence]);
+    this.#presence.className = `presence ${presence}`;
+  }
+
+  // Says what has changed, and only that.
+  #set(element, text) {
+    if (element.textContent === text) return;
+    if (element.textContent !== '') announce(text);
+    element.textContent = text;
+  }
+
+  #tell(text) {
+    setText(this.#sent, text);
+    announce(text);
+  }
+
+  async #give(command, data = {}) {
+    const sent = await this.#send(command, data);
+    this.#tell(sent ? `${command.said}: sent` : `${command.said}: not sent, there is no connection`);
+  }
+
+  async #stop() {
+    if (await confirmed('End the session for everyone?', STOP.label)) await this.#give(STOP);
+  }
+
+  async #addImage() {
+    const [file] = this.#picker.files;
+    this.#picker.value = '';
+    if (!file) return;
+    this.#tell(`${ADD_IMAGE.said}: on its way …`);
+    try {
+      await this.#give(ADD_IMAGE, await pictureFrom(file));
+    } catch {
+      this.#tell('This file is no picture that can be read.');
+    }
+  }
+}
+
+function cardInWords(card) {
+  if (!card) return 'not told yet';
+  if (card.total === 0) return 'no cards';
+  const name = card.name && card.name !== String(card.current) ? `: ${card.name}` : '';
+  return `${card.current} of ${card.total}${name}`;
+}

@@ -1,0 +1,158 @@
+import { Codec } from '../codec/codec.js';
+import { Refused, join } from './service.js';
+
+const { EventBus } = globalThis;
+
+const PING_MS = 60000;
+const FIRST_RETRY_MS = 500;
+const LAST_RETRY_MS = 8000;
+const CLOSED_WITH_SESSION = 3001;
+const SESSION_IS_OVER = ['session.error.unknownCode', 'session.error.notStarted'];
+
+/**
+ * One device of a session on the event bus. A dropped connection is made again, under the same token, until the
+ * session ends, the device is sent away, or it leaves.
+ */
+export class Device {
+  // Tells this page from another one that has taken the same place.
+  #page = crypto.getRandomValues(new Uint32Array(2)).join('-');
+  #codec = new Codec();
+  #settings;
+  #profile;
+  #token;
+  #bus = null;
+  #tries = 0;
+  #timer;
+  #over = false;
+  #receiving = Promise.resolve();
+  #sending = Promise.resolve();
+
+  /**
+   * settings: mode; addresses, what to listen at beside the session's and the own one (".learner"); handlers, a
+   * function (value, isMine) by message type; onState(state, reason), with the states "open", "lost" and "over" and
+   * the reasons "stopped", "removed" and "elsewhere".
+   */
+  constructor(settings) {
+    this.#settings = settings;
+    addEventListener('online', () => this.#retryNow());
+  }
+
+  get connected() {
+    return this.#bus?.state === EventBus.OPEN;
+  }
+
+  /** Joins with {code, userName, userToken}; resolves with the place taken. Rejects when the service refuses. */
+  async join({ code, userName, userToken }) {
+    const { mode, deviceType } = this.#settings;
+    this.#profile = { sessionCode: code, userName, userToken, mode, deviceName: 'browser', deviceType };
+    await this.#rejoin();
+    return { code, userName, userToken: this.#profile.userToken };
+  }
+
+  /** Sends to the presenter; resolves with whether it has gone out. */
+  publish(type, value) {
+    const sent = this.#sending.then(async () => {
+      const data = await this.#codec.encode(value);
+      if (!this.connected) return false;
+      this.#bus.publish(`${this.#token}.presenter`, { from: this.#profile.userToken, type, data });
+      return true;
+    });
+    this.#sending = sent.catch(() => {});
+    return sent;
+  }
+
+  leave() {
+    this.#over = true;
+    clearTimeout(this.#timer);
+    if ([EventBus.CONNECTING, EventBus.OPEN].includes(this.#bus?.state)) this.#bus.close();
+  }
+
+  async #rejoin() {
+    const { userToken, sessionToken } = await join(this.#profile);
+    if (this.#over) return;
+    this.#profile.userToken = userToken;
+    this.#token = sessionToken;
+    this.#open();
+  }
+
+  #open() {
+    const bus = new EventBus(`${location.origin}/eventbus`, { vertxbus_ping_interval: PING_MS });
+    this.#bus = bus;
+    bus.onopen = () => this.#opened(bus);
+    bus.onclose = ({ code }) => this.#closed(code);
+    bus.onerror = (error) => console.warn('The bus reports', error);
+  }
+
+  #opened(bus) {
+    this.#tries = 0;
+    const own = `${this.#token}.user.${this.#profile.userToken}`;
+    const others = this.#settings.addresses.map((address) => this.#token + address);
+    for (const address of [this.#token, ...others, own]) {
+      bus.registerHandler(address, (error, message) => {
+        if (!error && bus === this.#bus) this.#receive(message.body, address === own);
+      });
+    }
+    bus.publish(own, { type: 'here', page: this.#page });
+    this.#settings.onState('open');
+  }
+
+  // One after the other, although each is decoded elsewhere: a "pollStop" never overtakes its question.
+  #receive(body, isMine) {
+    if (body?.type === 'here' && isMine) {
+      if (body.page !== this.#page) this.#end('elsewhere');
+    } else if (body?.type === 'disconnect') {
+      this.#receiving = this.#receiving.then(() => this.#end(isMine ? 'removed' : 'stopped'));
+    } else if (Object.hasOwn(this.#settings.handlers, body?.type)) {
+      this.#receiving = this.#receiving.then(() => this.#handle(body, isMine));
+    }
+  }
+
+  async #handle({ type, data }, isMine) {
+    try {
+      const value = await this.#codec.decode(data);
+      if (!this.#over) this.#settings.handlers[type](value, isMine);
+    } catch (error) {
+      console.warn(`A "${type}" cannot be read:`, error.message);
+    }
+  }
+
+  #closed(code) {
+    if (this.#over) return;
+    if (code === CLOSED_WITH_SESSION) {
+      this.#receiving.then(() => this.#end('stopped'));
+      return;
+    }
+    this.#settings.onState('lost');
+    this.#retryLater();
+  }
+
+  #retryLater() {
+    const pause = Math.min(FIRST_RETRY_MS * 2 ** this.#tries, LAST_RETRY_MS);
+    this.#tries += 1;
+    // Not all at once, when a whole class has lost its connection.
+    this.#timer = setTimeout(() => this.#retry(), pause * (0.75 + Math.random() / 2));
+  }
+
+  #retryNow() {
+    if (this.#over || this.#timer === undefined) return;
+    clearTimeout(this.#timer);
+    this.#retry();
+  }
+
+  async #retry() {
+    this.#timer = undefined;
+    try {
+      await this.#rejoin();
+    } catch (error) {
+      if (this.#over) return;
+      if (error instanceof Refused && SESSION_IS_OVER.includes(error.key)) this.#end('stopped');
+      else this.#retryLater();
+    }
+  }
+
+  #end(reason) {
+    if (this.#over) return;
+    this.leave();
+    this.#settings.onState('over', reason);
+  }
+}

@@ -1,0 +1,31 @@
+/** What the service refuses, by the key that it gives. */
+export class Refused extends Error {
+  constructor(key) {
+    super(key);
+    this.key = key;
+  }
+}
+
+const MESSAGES = {
+  'session.error.full': 'This session is full.',
+  'session.error.notStarted': 'This session has not been started yet. Try again in a moment.',
+  'session.error.unknownCode': 'There is no session with this code. Look at the code once more.',
+};
+
+/** A sentence for whoever could not join. */
+export function explain(error) {
+  if (error instanceof Refused) return MESSAGES[error.key] ?? `The classroom does not let you in (${error.key}).`;
+  return 'The classroom cannot be reached. Look whether this device is connected.';
+}
+
+/** Joins a session; resolves with {userToken, sessionToken}. With a userToken: as the user that it belongs to. */
+export async function join(profile) {
+  const reply = await fetch('/tavisto/classroom/session/join', {
+    method: 'POST',
+    headers: { 'content-type': 'application/json; charset=UTF-8' },
+    body: JSON.stringify(profile),
+  });
+  const { success, errorMsgKeys, data } = await reply.json();
+  if (!success) throw new Refused(errorMsgKeys[0]);
+  return data;
+}

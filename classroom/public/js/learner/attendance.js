@@ -1,0 +1,82 @@
+import { Device } from '../device/device.js';
+import { recall, remember } from '../device/storage.js';
+import { Lesson } from '../model/lesson.js';
+import { LessonPage } from './lesson-page.js';
+
+const LESSON_KEY = 'classroom.lesson';
+
+function deviceType() {
+  if (!matchMedia('(pointer: coarse)').matches) return 'laptop';
+  return Math.min(screen.width, screen.height) < 600 ? 'phone' : 'tablet';
+}
+
+/** A learner's part in one session: the device, the lesson and its page, from the join to the end. */
+export class Attendance {
+  place = null;
+  #onEnd;
+  #timer;
+  #lesson = new Lesson({
+    publish: (type, value) => this.#device.publish(type, value),
+    changed: () => this.#changed(),
+  });
+  #page = new LessonPage(this.#lesson);
+  #device = new Device({
+    mode: 'learner',
+    deviceType: deviceType(),
+    addresses: ['.learner'],
+    handlers: this.#lesson.handlers,
+    onState: (state, reason) => this.#states[state](reason),
+  });
+  #states = {
+    open: () => this.#opened(),
+    lost: () => this.#page.showLost(true),
+    over: (reason) => this.#over(reason),
+  };
+
+  /** onEnd(reason): the session is over, or this device's part in it. */
+  constructor(onEnd) {
+    this.#onEnd = onEnd;
+  }
+
+  /** Joins, or comes back to a place. Rejects when the service refuses. */
+  async join(wanted) {
+    this.place = await this.#device.join(wanted);
+    const saved = recall('sessionStorage', LESSON_KEY);
+    if (saved?.userToken === this.place.userToken) this.#lesson.restore(saved.lesson);
+    else this.#changed();
+    this.#timer = setInterval(() => this.#page.tick(), 1000);
+    addEventListener('pagehide', this.#keep);
+    document.addEventListener('visibilitychange', this.#keep);
+  }
+
+  leave() {
+    this.#device.leave();
+    clearInterval(this.#timer);
+    removeEventListener('pagehide', this.#keep);
+    document.removeEventListener('visibilitychange', this.#keep);
+    remember('sessionStorage', LESSON_KEY, null);
+    this.#page.close();
+  }
+
+  // The lesson as it stands, for the page that comes after a reload. One that is too large is not kept at all.
+  #keep = () => {
+    const kept = remember('sessionStorage', LESSON_KEY, { userToken: this.place.userToken, lesson: this.#lesson });
+    if (!kept) remember('sessionStorage', LESSON_KEY, null);
+  };
+
+  #changed() {
+    this.#page.render();
+    this.#keep();
+  }
+
+  #opened() {
+    this.#device.publish('join', { userName: this.place.userName, deviceType: deviceType() });
+    if (this.#lesson.shows === 'coming') this.#lesson.askAgain();
+    this.#page.showLost(false);
+  }
+
+  #over(reason) {
+    this.leave();
+    this.#onEnd(reason);
+  }
+}

@@ -1,0 +1,245 @@
+import { Activity } from './activity.js';
+import { responseTo } from './answer.js';
+import { Assessment } from './assessment.js';
+import { isObject, textOf } from './text.js';
+
+// What is there to be seen with each thing that a lesson shows.
+const SUBJECTS = {
+  coming: 'assessment',
+  question: 'activity',
+  stopped: 'activity',
+  card: 'card',
+  review: 'review',
+  finished: 'assessment',
+  over: 'assessment',
+};
+
+/**
+ * What a learner has on the page, and what becomes of it with each message from the presenter and each thing that
+ * the learner does. Knows nothing of the page.
+ *
+ * `shows` is one of: waiting, coming (a question has been asked for), question, stopped, card, review, finished (the
+ * end of an assessment has been reached), over (it has been stopped).
+ */
+export class Lesson {
+  shows = 'waiting';
+  activity = null;
+  assessment = null;
+  card = null;
+  review = null;
+  // A text over everything else: {text, dismissible}.
+  notice = null;
+  paused = false;
+  // A large picture has been announced.
+  expectsPicture = false;
+  #publish;
+  #changed;
+  #now;
+
+  /** publish(type, value) resolves with whether it has gone out; changed() is called after each change. */
+  constructor({ publish, changed, now = Date.now }) {
+    this.#publish = publish;
+    this.#changed = changed;
+    this.#now = now;
+  }
+
+  /** What to do with the presenter's messages, by type. */
+  handlers = {
+    questionStart: (document) => this.#ask('question', document),
+    poll: (document) => this.#ask('poll', document),
+    // The id is not looked at: a question is stopped by the id of its poll, which learners never see.
+    pollStop: () => this.#stop(),
+    pause: () => this.#pause(),
+    resume: () => this.#resume(),
+    heavy: () => this.#update({ expectsPicture: true }),
+    showCard: (card) => this.#showCard(card),
+    dialogShow: (dialog) => this.#showDialog(dialog),
+    questionSetReview: (review) => this.#showReview(review),
+    assessmentStart: (options) => this.#startAssessment(options),
+    assessmentStop: (which) => this.#stopAssessment(which),
+  };
+
+  get mayAnswer() {
+    const { activity, assessment } = this;
+    if (!activity || activity.closed || activity.sending || this.paused || assessment?.timeUp) return false;
+    return activity.answer === null || activity.changing;
+  }
+
+  get mayChangeAnswer() {
+    const { activity, assessment } = this;
+    if (!activity?.answer || activity.closed || assessment?.timeUp) return false;
+    return activity.document.feedBack?.allowResubmit !== false && (assessment?.mayChangeAnswers ?? true);
+  }
+
+  get mayNavigate() {
+    const { activity, assessment } = this;
+    if (!assessment || assessment.timeUp || assessment.over || this.paused) return false;
+    return assessment.mayNavigate || this.shows === 'review' || activity?.document.navigable === true;
+  }
+
+  get mayGoOn() {
+    const { activity, assessment } = this;
+    if (!assessment || assessment.timeUp || this.paused) return false;
+    return (activity?.answer ?? null) !== null || activity?.closed || assessment.maySkip || this.mayNavigate;
+  }
+
+  // --- what the learner does ---
+
+  keepDraft(draft) {
+    if (this.activity) this.activity.draft = draft;
+  }
+
+  async answer(answer) {
+    const { activity, assessment } = this;
+    if (!this.mayAnswer) return;
+    Object.assign(activity, { sending: true, failed: false });
+    this.#changed();
+    const token = activity.number > 0 ? assessment?.token : undefined;
+    const { type, value } = responseTo(activity, answer, Math.round(activity.watch.elapsed), token);
+    const sent = await this.#publish(type, value).catch(() => false);
+    Object.assign(activity, { sending: false, failed: !sent });
+    if (sent) Object.assign(activity, { answer, draft: null, changing: false });
+    this.#changed();
+  }
+
+  changeAnswer() {
+    if (!this.mayChangeAnswer) return;
+    this.activity.changing = true;
+    this.#changed();
+  }
+
+  /** Asks the presenter for a question of the assessment. */
+  goTo(number) {
+    const { assessment } = this;
+    if (!assessment) return;
+    assessment.current = number;
+    this.activity?.watch.pause();
+    this.#update({ shows: 'coming', card: null, review: null });
+    this.askAgain();
+  }
+
+  askAgain() {
+    const { token, current } = this.assessment;
+    this.#publish('questionGet', { questionNumber: current, assessmentToken: token }).catch(() => false);
+  }
+
+  goOn() {
+    const { assessment, activity } = this;
+    // A poll that came in between is no step on the way.
+    if (activity?.number === 0) this.goTo(assessment.current);
+    else if (assessment.current < assessment.count) this.goTo(assessment.current + 1);
+    else this.#update({ shows: 'finished' });
+  }
+
+  dismiss() {
+    this.#update({ notice: null });
+  }
+
+  /** From a card back to the question that is still open. */
+  backToQuestion() {
+    this.#update({ shows: 'question', card: null });
+  }
+
+  /** To be called now and then while there is a time limit. */
+  tick() {
+    const { assessment } = this;
+    if (!assessment || assessment.timeUp || assessment.over || assessment.remaining !== 0) return;
+    assessment.timeUp = true;
+    this.#update({ shows: 'finished' });
+  }
+
+  // --- what the presenter does ---
+
+  #update(changes) {
+    Object.assign(this, changes);
+    this.#changed();
+  }
+
+  // A question sent once more, in an assessment on the way back to it, is found as it was left.
+  #ask(kind, document) {
+    if (!isObject(document)) return;
+    if (this.assessment?.over) this.assessment = null;
+    const isOurs = this.assessment !== null && document.questionSetMode === 'Assessment';
+    const number = isOurs ? this.assessment.numberOf(document) : 0;
+    this.activity = this.#asLeft(new Activity({ kind, document, number }, this.#now));
+    if (isOurs) this.assessment.show(this.activity);
+    this.#unpause();
+    this.#update({ shows: 'question', card: null, review: null, notice: null, expectsPicture: false });
+  }
+
+  #asLeft(activity) {
+    const { document, number } = activity;
+    const known = [this.activity, this.assessment?.at(number)].find((one) => activity.isSameAs(one));
+    return known ? new Activity({ ...known.toJSON(), document, number, closed: false }, this.#now) : activity;
+  }
+
+  #stop() {
+    this.#unpause();
+    if (this.activity) this.activity.closed = true;
+    this.#update({ shows: this.shows === 'question' ? 'stopped' : this.shows, notice: null });
+  }
+
+  #watches() {
+    return [this.activity?.watch, this.assessment?.watch].filter(Boolean);
+  }
+
+  #pause() {
+    this.#watches().forEach((watch) => watch.pause());
+    this.#update({ paused: true });
+  }
+
+  #unpause() {
+    this.#watches().forEach((watch) => watch.resume());
+    this.paused = false;
+  }
+
+  #resume() {
+    this.#unpause();
+    this.#changed();
+  }
+
+  #showCard(card) {
+    if (isObject(card)) this.#update({ shows: 'card', card, notice: null, expectsPicture: false });
+  }
+
+  #showDialog({ text, isDismissible }) {
+    this.#update({ notice: { text: textOf(text), dismissible: isDismissible === true } });
+  }
+
+  #showReview({ text }) {
+    this.#update({ shows: 'review', review: textOf(text), notice: null });
+  }
+
+  #startAssessment(options) {
+    if (!isObject(options)) return;
+    this.assessment = new Assessment(options, this.#now);
+    Object.assign(this, { activity: null, notice: null, paused: false });
+    this.goTo(this.assessment.current);
+  }
+
+  #stopAssessment(which) {
+    const { assessment } = this;
+    if (!assessment || (which?.assessmentToken && which.assessmentToken !== assessment.token)) return;
+    assessment.over = true;
+    this.paused = false;
+    this.#update({ shows: 'over', activity: null, card: null, review: null, notice: null });
+  }
+
+  // --- over a reload ---
+
+  toJSON() {
+    const { shows, activity, assessment, card, review, notice, paused } = this;
+    return { shows, activity, assessment, card, review, notice, paused };
+  }
+
+  restore(saved) {
+    if (!isObject(saved)) return;
+    const { card, review, notice, paused } = saved;
+    Object.assign(this, { card, review, notice, paused });
+    this.assessment = Assessment.from(saved.assessment, this.#now);
+    this.activity = isObject(saved.activity?.document) ? new Activity(saved.activity, this.#now) : null;
+    if (this.assessment && this.activity?.number > 0) this.assessment.keep(this.activity);
+    this.shows = this[SUBJECTS[saved.shows]] ? saved.shows : 'waiting';
+    this.#changed();
+  }
+}
