@@ -1,0 +1,5 @@
+# Sourced by test and .ci/run, after setup.sh: the Debian packages that the tests need besides.
+# shellcheck shell=bash disable=SC2154
+
+# The codec's and TLS's other implementations, and the servers that the transports are tried against.
+packages+=(xz-utils openssl haproxy nginx-light tinyproxy golang-go golang-github-igm-sockjs-go-dev)
