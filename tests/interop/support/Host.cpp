@@ -1,5 +1,6 @@
 #include "interop/support/Host.h"
 
+#include <QJsonDocument>
 #include <QTest>
 #include <QTimer>
 
@@ -11,8 +12,13 @@ constexpr int numbersLimit = 90000;
 } // namespace
 
 Host::Host(const QUrl& server, const QString& token)
-    : m_collab(new PresenterCollab(nullptr, server.toString(), QStringLiteral("code"), token,
-                                   QStringLiteral("host")))
+    : Host(new PresenterCollab(nullptr, server.toString(), QStringLiteral("code"), token,
+                               QStringLiteral("host")))
+{
+    m_isOwner = true;
+}
+
+Host::Host(PresenterCollab* collab) : m_collab(collab), m_isOwner(false)
 {
     connect(connector(), &SockJSConnector::connected, this, [this] { ++m_connected; });
     connect(connector(), &SockJSConnector::sockJSMessage, this, &Host::take);
@@ -22,7 +28,8 @@ Host::Host(const QUrl& server, const QString& token)
 
 Host::~Host()
 {
-    delete m_collab;
+    if (m_isOwner)
+        delete m_collab;
 }
 
 void Host::take(const QString& message)
@@ -73,6 +80,24 @@ bool Host::waitForClosed(int times)
 void Host::publish(const QString& type)
 {
     m_collab->publishMessage(QStringLiteral(".peer"), type, QStringLiteral("\"Prüfung €\""));
+}
+
+bool Host::exchange(int count)
+{
+    QStringList sent;
+    m_messages.clear();
+    for (int number = 0; number < count; ++number) {
+        sent.append(QStringLiteral("übung %1").arg(number));
+        m_collab->publishMessage(sent.last(), QStringLiteral("\"%1\"").arg(number));
+    }
+    if (!QTest::qWaitFor([&] { return m_messages.size() >= count; }, openLimit) || m_messages.size() > count)
+        return false;
+    QStringList received;
+    for (const QString& message : qAsConst(m_messages)) {
+        const QVariantMap frame = QJsonDocument::fromJson(message.toUtf8()).toVariant().toMap();
+        received.append(frame.value(QStringLiteral("body")).toMap().value(QStringLiteral("type")).toString());
+    }
+    return received == sent;
 }
 
 bool Host::receiveNumbers(int count)

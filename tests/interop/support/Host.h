@@ -18,6 +18,8 @@ class Host : public QObject
 public:
     /// \p server is where the bus is, \p token the session's.
     explicit Host(const QUrl& server, const QString& token = QStringLiteral("session"));
+    /// A host whose channel \p collab has been opened already; that stays the caller's.
+    explicit Host(PresenterCollab* collab);
     ~Host() override;
 
     PresenterCollab* collab() const { return m_collab; }
@@ -34,6 +36,8 @@ public:
     bool waitForClosed(int times);
     /// Publishes a message of type \p type: a peer does what it names.
     void publish(const QString& type);
+    /// Publishes \p count messages to the whole session, and waits until they have come back in order.
+    bool exchange(int count);
     /// Has the peer send its numbered texts, and waits for the first \p count of them.
     bool receiveNumbers(int count);
 
@@ -49,6 +53,7 @@ private:
     void take(const QString& message);
 
     QPointer<PresenterCollab> m_collab;
+    bool m_isOwner;
     int m_connected = 0;
     int m_closed = 0;
     int m_closedForInactivity = 0;

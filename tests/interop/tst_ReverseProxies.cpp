@@ -1,0 +1,118 @@
+#include "interop/support/Host.h"
+#include "interop/support/Main.h"
+#include "interop/support/Peers.h"
+
+/// nginx in front of the server, as it comes and set up for streaming.
+class TestReverseProxies : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void withDefaultsPollingComesUp();
+    void withDefaultsStreamingAloneFails();
+    void withDefaultsCarriesTenThousandTexts();
+    void setUpForStreaming_data();
+    void setUpForStreaming();
+};
+
+namespace {
+
+constexpr int openLimit = 1500; // milliseconds
+
+const QString forStreaming = QStringLiteral("proxy_http_version 1.1;\n"
+                                            "proxy_buffering off;\n"
+                                            "proxy_read_timeout 1h;\n"
+                                            "proxy_set_header Host $http_host;\n"
+                                            "proxy_set_header Upgrade $http_upgrade;\n"
+                                            "proxy_set_header Connection $upgrade_or_nothing;\n");
+
+} // namespace
+
+// It upgrades nothing, and keeps a streamed answer back until it is whole.
+void TestReverseProxies::withDefaultsPollingComesUp()
+{
+    Peer bus(Peers::nodeBus());
+    VERIFY_STARTED(bus.start());
+    Peer nginx(Peers::nginx(bus.port()));
+    VERIFY_STARTED(nginx.start());
+    Host host(nginx.url());
+    host.connector()->setOpenLimit(openLimit);
+    for (int round = 1; round <= 3; ++round) {
+        QVERIFY(host.open(Transport::all));
+        const QStringList opened = bus.lines(QStringLiteral("open ") + host.connector()->sessionId());
+        QVERIFY2(opened.last().endsWith(Transport::polling), qPrintable(opened.join(QLatin1Char('\n'))));
+        QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
+        QCOMPARE(host.connected(), round);
+        QCOMPARE(host.closed(), round - 1);
+        QVERIFY(host.close());
+    }
+    QCOMPARE(bus.count(QStringLiteral("upgrade ")), 0);
+}
+
+void TestReverseProxies::withDefaultsStreamingAloneFails()
+{
+    Peer bus(Peers::nodeBus());
+    VERIFY_STARTED(bus.start());
+    Peer nginx(Peers::nginx(bus.port()));
+    VERIFY_STARTED(nginx.start());
+    Host host(nginx.url());
+    host.connector()->setOpenLimit(openLimit);
+    QVERIFY(host.tryOpen({Transport::webSocket, Transport::streaming}));
+    // The server has opened a session, and has seen it go when the limit was over.
+    QVERIFY(bus.waitFor(QStringLiteral("close ") + host.connector()->sessionId()));
+    QVERIFY(!host.collab()->isConnected());
+    QCOMPARE(host.connected(), 0);
+    QCOMPARE(host.closed(), 0);
+}
+
+void TestReverseProxies::withDefaultsCarriesTenThousandTexts()
+{
+    Peer bus(Peers::nodeBus());
+    VERIFY_STARTED(bus.start());
+    Peer nginx(Peers::nginx(bus.port()));
+    VERIFY_STARTED(nginx.start());
+    Host host(nginx.url());
+    for (int round = 0; round < 3; ++round) {
+        QVERIFY(host.open(Transport::polling));
+        QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
+        QCOMPARE(host.closed(), round);
+        QVERIFY(host.close());
+    }
+}
+
+void TestReverseProxies::setUpForStreaming_data()
+{
+    QTest::addColumn<QString>("transport");
+    for (const QString& transport : Transport::all)
+        QTest::newRow(qPrintable(transport)) << transport;
+}
+
+void TestReverseProxies::setUpForStreaming()
+{
+    QFETCH(QString, transport);
+    Peer bus(Peers::nodeBus());
+    VERIFY_STARTED(bus.start());
+    Peer nginx(Peers::nginx(bus.port(), forStreaming));
+    VERIFY_STARTED(nginx.start());
+    Host host(nginx.url());
+    host.connector()->setOpenLimit(openLimit);
+    // The transport comes up by itself, not for want of the ones before it.
+    const QStringList list = Transport::all.mid(Transport::all.indexOf(transport));
+    for (int round = 1; round <= 2; ++round) {
+        QVERIFY(host.open(list));
+        QCOMPARE(bus.lines(QStringLiteral("open ")).last(),
+                 QStringLiteral("open %1 %2").arg(host.connector()->sessionId(), transport));
+        QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
+        QCOMPARE(host.closed(), round - 1);
+        QVERIFY(host.close());
+    }
+    QCOMPARE(bus.count(QStringLiteral("open ")), 2);
+
+    QVERIFY(host.open(list));
+    host.publish(QStringLiteral("leave"));
+    QVERIFY(host.waitForClosed(3));
+    QCOMPARE(host.connected(), 3);
+}
+
+INTEROP_MAIN(TestReverseProxies)
+#include "tst_ReverseProxies.moc"
