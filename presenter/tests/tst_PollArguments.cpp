@@ -36,12 +36,12 @@ private Q_SLOTS:
     {
         QFETCH(QString, words);
         Arguments arguments = words.split(QLatin1Char(' '));
-        PollSpec spec;
-        const Outcome outcome = PollArguments::take(arguments, spec);
+        PollPlan plan;
+        const Outcome outcome = PollArguments::take(arguments, plan);
         QVERIFY2(outcome.isDone(), qPrintable(outcome.message));
-        QTEST(int(spec.ordinal), "ordinal");
-        QTEST(spec.options, "options");
-        QTEST(spec.extra, "extra");
+        QTEST(int(plan.ordinal), "ordinal");
+        QTEST(plan.options, "options");
+        QTEST(plan.extra, "extra");
         QTEST(arguments, "rest");
     }
 
@@ -68,8 +68,8 @@ private Q_SLOTS:
         QFETCH(QString, words);
         QFETCH(QString, part);
         Arguments arguments = words.split(QLatin1Char(' '));
-        PollSpec spec;
-        const Outcome outcome = PollArguments::take(arguments, spec);
+        PollPlan plan;
+        const Outcome outcome = PollArguments::take(arguments, plan);
         QVERIFY(!outcome.isDone());
         QVERIFY2(outcome.message.contains(part), qPrintable(outcome.message));
     }

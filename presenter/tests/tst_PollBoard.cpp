@@ -8,7 +8,7 @@ using Calyx::Learner;
 
 namespace {
 
-PollSpec textPoll()
+PollPlan textPoll()
 {
     return PollKinds::usual(Calyx::PollType::TEXT);
 }

@@ -6,10 +6,10 @@ using namespace Calyx;
 
 namespace {
 
-QStringList labels(const PollSpec& spec)
+QStringList labels(const PollPlan& plan)
 {
     QStringList labels;
-    const QVector<Bar> bars = PollKinds::tally(spec).bars();
+    const QVector<Bar> bars = PollKinds::tally(plan).bars();
     for (const Bar& bar : bars)
         labels.append(bar.label);
     return labels;
@@ -102,9 +102,9 @@ private Q_SLOTS:
         QFETCH(int, ordinal);
         QFETCH(int, options);
         QFETCH(int, extra);
-        const PollSpec spec = {static_cast<PollType::POLL_TYPE>(type),
+        const PollPlan plan = {static_cast<PollType::POLL_TYPE>(type),
                                static_cast<OrdinalType::ORDINAL_TYPE>(ordinal), options, extra, false};
-        QTEST(PollKinds::fault(spec).isEmpty(), "good");
+        QTEST(PollKinds::fault(plan).isEmpty(), "good");
     }
 
     void barsAreThoseOfTheOptions()
@@ -118,10 +118,10 @@ private Q_SLOTS:
     // Such a poll goes out as a document, whose answers name options by number.
     void picksByNumberAreShownByLabel()
     {
-        PollSpec spec = PollKinds::usual(PollType::WORD_SEED);
-        spec.ordinal = OrdinalType::ALPHA_UPPER;
-        spec.options = 3;
-        Tally tally = PollKinds::tally(spec);
+        PollPlan plan = PollKinds::usual(PollType::WORD_SEED);
+        plan.ordinal = OrdinalType::ALPHA_UPPER;
+        plan.options = 3;
+        Tally tally = PollKinds::tally(plan);
         tally.add("d", "0,2");
         QCOMPARE(tally.bars().at(0).label, QStringLiteral("A"));
         QCOMPARE(tally.bars().at(0).count, 1);
@@ -141,11 +141,11 @@ private Q_SLOTS:
     {
         QCOMPARE(PollKinds::description(PollKinds::usual(PollType::TRUE_FALSE)),
                  QStringLiteral("true-false, 2 options"));
-        PollSpec spec = {PollType::MULTIPLE, OrdinalType::ALPHA_UPPER, 4, 2, true};
-        QCOMPARE(PollKinds::description(spec),
+        PollPlan plan = {PollType::MULTIPLE, OrdinalType::ALPHA_UPPER, 4, 2, true};
+        QCOMPARE(PollKinds::description(plan),
                  QStringLiteral("multiple, alpha-upper, 4 options, 2 correct, with a picture"));
-        spec = {PollType::NUMBER, OrdinalType::NUMBER, 1, 0, false};
-        QCOMPARE(PollKinds::description(spec), QStringLiteral("number, 1 decimal"));
+        plan = {PollType::NUMBER, OrdinalType::NUMBER, 1, 0, false};
+        QCOMPARE(PollKinds::description(plan), QStringLiteral("number, 1 decimal"));
     }
 };
 

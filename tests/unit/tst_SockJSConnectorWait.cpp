@@ -162,7 +162,7 @@ void TestSockJSConnectorWait::theLimitGivesUpASilentServer()
 void TestSockJSConnectorWait::theLimitGivesUpAServerWithoutOpenFrame()
 {
     m_server->setUpgrades({Server::Mute, Server::Mute, Server::Open});
-    m_connector->setOpenLimit(200);
+    m_connector->setOpenLimit(500);
 
     QVERIFY(m_probe->open(m_server->url(), webSocket + webSocket + webSocketThenPolling));
 

@@ -50,13 +50,13 @@ Outcome misunderstood(const Arguments& rest)
         QStringLiteral("\"%1\" is not understood. See \"help assessment\".").arg(rest.first()));
 }
 
-QuestionBase* createQuestion(PresenterCollab* collab, const PollSpec& spec)
+QuestionBase* createQuestion(PresenterCollab* collab, const PollPlan& plan)
 {
     if (QuestionBase* question =
-            collab->createPollQuestion(spec.type, spec.ordinal, spec.options, spec.extra))
+            collab->createPollQuestion(plan.type, plan.ordinal, plan.options, plan.extra))
         return question;
     // As polls, these two go out as documents; in an assessment they are questions like all others.
-    if (spec.type == PollType::WORD_SEED)
+    if (plan.type == PollType::WORD_SEED)
         return new QuestionWordSeed;
     return new QuestionCreative;
 }
@@ -116,16 +116,16 @@ Outcome Handlers::assessmentQuestion(Host& host, const Arguments& given)
         return found;
     QString instructions;
     Support::takeSetting(arguments, QStringLiteral("text"), instructions);
-    PollSpec spec;
-    if (const Outcome read = PollArguments::take(arguments, spec); !read.isDone())
+    PollPlan plan;
+    if (const Outcome read = PollArguments::take(arguments, plan); !read.isDone())
         return read;
     if (!arguments.isEmpty())
         return misunderstood(arguments);
 
     Support::stopPoll(host);
-    QuestionBase* const question = createQuestion(host.lesson.collab(), spec);
+    QuestionBase* const question = createQuestion(host.lesson.collab(), plan);
     question->setinstructions(instructions);
-    host.lesson.sendQuestion(deviceId, question, spec);
+    host.lesson.sendQuestion(deviceId, question, plan);
     return Outcome::done();
 }
 

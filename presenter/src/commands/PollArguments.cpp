@@ -24,11 +24,11 @@ Outcome unknown(const char* what, const QString& name, const QStringList& known)
 
 } // namespace
 
-Outcome PollArguments::take(Arguments& arguments, PollSpec& spec)
+Outcome PollArguments::take(Arguments& arguments, PollPlan& plan)
 {
-    if (arguments.isEmpty() || !PollKinds::readType(arguments.first(), spec.type))
+    if (arguments.isEmpty() || !PollKinds::readType(arguments.first(), plan.type))
         return unknown("poll type", arguments.value(0), PollKinds::typeNames());
-    spec = PollKinds::usual(spec.type);
+    plan = PollKinds::usual(plan.type);
     arguments.removeFirst();
 
     const auto isOption = [](const QString& word) {
@@ -39,14 +39,14 @@ Outcome PollArguments::take(Arguments& arguments, PollSpec& spec)
     if (!arguments.isEmpty())
         arguments.first().toInt(&isNumber);
     if (!arguments.isEmpty() && !isNumber && !isOption(arguments.first())) {
-        if (!PollKinds::readOrdinal(arguments.first(), spec.ordinal))
+        if (!PollKinds::readOrdinal(arguments.first(), plan.ordinal))
             return unknown("labelling", arguments.first(), PollKinds::ordinalNames());
         arguments.removeFirst();
     }
-    if (takeNumber(arguments, spec.options))
-        spec.extra = qMin(spec.extra, spec.options);
-    takeNumber(arguments, spec.extra);
+    if (takeNumber(arguments, plan.options))
+        plan.extra = qMin(plan.extra, plan.options);
+    takeNumber(arguments, plan.extra);
 
-    const QString fault = PollKinds::fault(spec);
+    const QString fault = PollKinds::fault(plan);
     return fault.isEmpty() ? Outcome::done() : Outcome::failed(fault);
 }

@@ -7,6 +7,6 @@
 namespace PollArguments {
 
 /// Takes the words that it reads.
-Outcome take(Arguments& arguments, PollSpec& spec);
+Outcome take(Arguments& arguments, PollPlan& plan);
 
 } // namespace PollArguments

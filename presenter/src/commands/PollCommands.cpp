@@ -77,11 +77,11 @@ Outcome Handlers::poll(Host& host, const Arguments& given)
     if (const Outcome live = Support::needLive(host); !live.isDone())
         return live;
     Arguments arguments = given;
-    PollSpec spec;
-    if (const Outcome read = PollArguments::take(arguments, spec); !read.isDone())
+    PollPlan plan;
+    if (const Outcome read = PollArguments::take(arguments, plan); !read.isDone())
         return read;
     Picture picture;
-    spec.hasPicture = !arguments.isEmpty();
+    plan.hasPicture = !arguments.isEmpty();
     if (const Outcome read = readPicture(host, arguments, picture); !read.isDone())
         return read;
 
@@ -93,11 +93,11 @@ Outcome Handlers::poll(Host& host, const Arguments& given)
     if (const Outcome live = Support::needLive(host); !live.isDone())
         return live;
     setPicture(host.lesson.collab(), picture);
-    host.lesson.startPoll(spec);
+    host.lesson.startPoll(plan);
     if (!host.screen.isLive())
         host.screen.note(
             QStringLiteral("Poll %1 has started: %2.")
-                .arg(QString::number(host.lesson.board().last()->number()), PollKinds::description(spec)));
+                .arg(QString::number(host.lesson.board().last()->number()), PollKinds::description(plan)));
     return Outcome::done();
 }
 
@@ -148,7 +148,7 @@ Outcome Handlers::summary(Host& host, const Arguments&)
     QVector<QStringList> rows;
     for (const Poll& poll : lesson.board().polls()) {
         const ChartData data = poll.chart(lesson.roster());
-        rows.append({QString::number(poll.number()), PollKinds::typeName(poll.spec().type),
+        rows.append({QString::number(poll.number()), PollKinds::typeName(poll.plan().type),
                      QStringLiteral("%1 of %2").arg(data.answered).arg(data.expected),
                      Text::duration(data.seconds), mostFrequent(data.bars)});
     }

@@ -116,13 +116,13 @@ int Lesson::msecsToNewId() const
     return second - QTime::currentTime().msec() + tick;
 }
 
-void Lesson::startPoll(const PollSpec& spec)
+void Lesson::startPoll(const PollPlan& plan)
 {
-    m_collab->startPoll(spec.type, spec.ordinal, spec.options, spec.extra);
+    m_collab->startPoll(plan.type, plan.ordinal, plan.options, plan.extra);
     m_lastIdSecond = std::time(nullptr);
     m_isQuestion = false;
     const QString question = m_collab->currentQuestionId();
-    m_board.start(spec, question.isEmpty() ? m_collab->currentPollId() : question);
+    m_board.start(plan, question.isEmpty() ? m_collab->currentPollId() : question);
     Q_EMIT changed();
 }
 
@@ -157,7 +157,7 @@ PresenterAssessment* Lesson::beginAssessment()
     return m_assessment.get();
 }
 
-void Lesson::sendQuestion(const QString& id, QuestionBase* question, const PollSpec& spec)
+void Lesson::sendQuestion(const QString& id, QuestionBase* question, const PollPlan& plan)
 {
     const std::unique_ptr<QuestionBase> owned(question);
     // The id that a question comes with is shared by all that are made within the same second.
@@ -165,7 +165,7 @@ void Lesson::sendQuestion(const QString& id, QuestionBase* question, const PollS
     question->setquestionNumber(++m_questions);
     m_assessment->sendQuestion(id, question);
     m_isQuestion = true;
-    m_board.start(spec, question->id());
+    m_board.start(plan, question->id());
     Q_EMIT changed();
 }
 

@@ -58,7 +58,7 @@ public:
     /// count for the next. About how many milliseconds until a poll gets an id of its own; 0 when it would
     /// now.
     int msecsToNewId() const;
-    void startPoll(const PollSpec& spec);
+    void startPoll(const PollPlan& plan);
     /// The poll that runs. A question of an assessment is not taken back: only the counting ends.
     void stopPoll();
     void setPaused(bool paused);
@@ -67,7 +67,7 @@ public:
     PresenterAssessment* beginAssessment();
     void endAssessment() { m_assessment.reset(); }
     /// Sends \p question, which is deleted, to the device \p id or to all, and counts its answers.
-    void sendQuestion(const QString& id, Calyx::QuestionBase* question, const PollSpec& spec);
+    void sendQuestion(const QString& id, Calyx::QuestionBase* question, const PollPlan& plan);
 
     void countCard() { ++m_cards; }
     int cards() const { return m_cards; }

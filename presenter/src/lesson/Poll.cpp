@@ -2,8 +2,8 @@
 
 #include "lesson/Roster.h"
 
-Poll::Poll(int number, const PollSpec& spec, const QString& answerId)
-    : m_number(number), m_spec(spec), m_answerId(answerId), m_tally(PollKinds::tally(spec))
+Poll::Poll(int number, const PollPlan& plan, const QString& answerId)
+    : m_number(number), m_plan(plan), m_answerId(answerId), m_tally(PollKinds::tally(plan))
 {
     m_clock.start();
 }
@@ -38,7 +38,7 @@ ChartData Poll::chart(const Roster& roster) const
 {
     constexpr int second = 1000;
     ChartData data;
-    data.title = QStringLiteral("Poll %1: %2").arg(m_number).arg(PollKinds::description(m_spec));
+    data.title = QStringLiteral("Poll %1: %2").arg(m_number).arg(PollKinds::description(m_plan));
     data.bars = m_tally.bars();
     data.answered = m_tally.answered();
     data.expected = expected(roster);

@@ -14,10 +14,10 @@ class Poll
 {
 public:
     /// \p answerId is the id under which its answers come back.
-    Poll(int number, const PollSpec& spec, const QString& answerId);
+    Poll(int number, const PollPlan& plan, const QString& answerId);
 
     int number() const { return m_number; }
-    PollSpec spec() const { return m_spec; }
+    PollPlan plan() const { return m_plan; }
     QString answerId() const { return m_answerId; }
     bool isRunning() const { return m_running; }
     const Tally& tally() const { return m_tally; }
@@ -34,7 +34,7 @@ public:
 
 private:
     int m_number;
-    PollSpec m_spec;
+    PollPlan m_plan;
     QString m_answerId;
     Tally m_tally;
     QElapsedTimer m_clock;

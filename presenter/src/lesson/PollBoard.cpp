@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-void PollBoard::start(const PollSpec& spec, const QString& answerId)
+void PollBoard::start(const PollPlan& plan, const QString& answerId)
 {
-    m_polls.append(Poll(m_polls.size() + 1, spec, answerId));
+    m_polls.append(Poll(m_polls.size() + 1, plan, answerId));
 }
 
 void PollBoard::stop(const Roster& roster)

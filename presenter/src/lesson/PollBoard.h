@@ -10,7 +10,7 @@ class PollBoard
 public:
     enum Verdict { Counted, TooLate, UnknownPoll };
 
-    void start(const PollSpec& spec, const QString& answerId);
+    void start(const PollPlan& plan, const QString& answerId);
     void stop(const Roster& roster);
 
     /// Counts an answer for the running poll; none other's count changes.

@@ -13,7 +13,7 @@ enum class OptionMeaning { None, Options, Picks, Decimals };
 // What goes with a kind. Picks are options that answers name by number, whatever they are labelled.
 struct Kind
 {
-    PollSpec usual;
+    PollPlan usual;
     OptionMeaning meaning;
     Tally::Counting counting;
 };
@@ -108,64 +108,64 @@ bool PollKinds::readOrdinal(const QString& name, OrdinalType::ORDINAL_TYPE& ordi
     return read(OrdinalType::ORDINAL_TYPE_STR(), name, ordinal);
 }
 
-PollSpec PollKinds::usual(PollType::POLL_TYPE type)
+PollPlan PollKinds::usual(PollType::POLL_TYPE type)
 {
     return kindOf(type).usual;
 }
 
-QString PollKinds::fault(const PollSpec& spec)
+QString PollKinds::fault(const PollPlan& plan)
 {
     constexpr int letters = 26;
     constexpr int mostOptions = 100;
     constexpr int mostDecimals = 10;
-    const OptionMeaning meaning = kindOf(spec.type).meaning;
-    int most = isLetters(spec.ordinal) ? letters : mostOptions;
+    const OptionMeaning meaning = kindOf(plan.type).meaning;
+    int most = isLetters(plan.ordinal) ? letters : mostOptions;
     if (meaning == OptionMeaning::Decimals)
         most = mostDecimals;
-    if (meaning == OptionMeaning::None && spec.options != 0)
-        return QStringLiteral("A poll of type %1 has no options.").arg(typeName(spec.type));
-    if (spec.options < 0 || spec.options > most)
+    if (meaning == OptionMeaning::None && plan.options != 0)
+        return QStringLiteral("A poll of type %1 has no options.").arg(typeName(plan.type));
+    if (plan.options < 0 || plan.options > most)
         return QStringLiteral("%1 takes from 0 to %2, not %3.")
             .arg(QLatin1String(meaning == OptionMeaning::Decimals ? "The number of decimals"
                                                                   : "The number of options"))
             .arg(most)
-            .arg(spec.options);
-    if (spec.type != PollType::MULTIPLE)
-        return spec.extra == 0 ? QString()
+            .arg(plan.options);
+    if (plan.type != PollType::MULTIPLE)
+        return plan.extra == 0 ? QString()
                                : QStringLiteral("Only a multiple choice has a number of correct options.");
-    if (spec.extra < 0 || spec.extra > spec.options)
+    if (plan.extra < 0 || plan.extra > plan.options)
         return QStringLiteral("The number of correct options takes from 0 to %1, not %2.")
-            .arg(spec.options)
-            .arg(spec.extra);
+            .arg(plan.options)
+            .arg(plan.extra);
     return QString();
 }
 
-Tally PollKinds::tally(const PollSpec& spec)
+Tally PollKinds::tally(const PollPlan& plan)
 {
-    const Kind& kind = kindOf(spec.type);
-    const bool isPicked = kind.meaning == OptionMeaning::Picks && spec.options > 0;
+    const Kind& kind = kindOf(plan.type);
+    const bool isPicked = kind.meaning == OptionMeaning::Picks && plan.options > 0;
     QVector<AnswerOption> options;
     if (isPicked || kind.counting == Tally::EachOption) {
-        for (int i = 0; i < spec.options; ++i) {
-            const QString label = OrdinalType::optionId(spec.ordinal, i);
+        for (int i = 0; i < plan.options; ++i) {
+            const QString label = OrdinalType::optionId(plan.ordinal, i);
             const QString id = isPicked ? QString::number(i) : label;
-            options.append({id, label, OrdinalType::optionText(spec.ordinal, i)});
+            options.append({id, label, OrdinalType::optionText(plan.ordinal, i)});
         }
     }
     return Tally(isPicked ? Tally::EachOption : kind.counting, options);
 }
 
-QString PollKinds::description(const PollSpec& spec)
+QString PollKinds::description(const PollPlan& plan)
 {
-    QStringList parts = {typeName(spec.type)};
-    if (kindOf(spec.type).meaning == OptionMeaning::Decimals)
-        parts.append(Text::count(spec.options, "decimal"));
-    else if (spec.options > 0)
-        parts += {ordinalName(spec.ordinal), Text::count(spec.options, "option")};
+    QStringList parts = {typeName(plan.type)};
+    if (kindOf(plan.type).meaning == OptionMeaning::Decimals)
+        parts.append(Text::count(plan.options, "decimal"));
+    else if (plan.options > 0)
+        parts += {ordinalName(plan.ordinal), Text::count(plan.options, "option")};
     parts.removeDuplicates(); // two kinds are called as their labelling is
-    if (spec.type == PollType::MULTIPLE && spec.extra > 1)
-        parts.append(QStringLiteral("%1 correct").arg(spec.extra));
-    if (spec.hasPicture)
+    if (plan.type == PollType::MULTIPLE && plan.extra > 1)
+        parts.append(QStringLiteral("%1 correct").arg(plan.extra));
+    if (plan.hasPicture)
         parts.append(QStringLiteral("with a picture"));
     return parts.join(QStringLiteral(", "));
 }

@@ -9,7 +9,7 @@
 #include <QStringList>
 
 /// What is asked: a poll's kind, how its options are labelled, and the numbers that go with it.
-struct PollSpec
+struct PollPlan
 {
     Calyx::PollType::POLL_TYPE type = Calyx::PollType::TEXT;
     Calyx::OrdinalType::ORDINAL_TYPE ordinal = Calyx::OrdinalType::GENERIC;
@@ -34,15 +34,15 @@ bool readType(const QString& name, Calyx::PollType::POLL_TYPE& type);
 bool readOrdinal(const QString& name, Calyx::OrdinalType::ORDINAL_TYPE& ordinal);
 
 /// A poll of this kind as a teacher most likely wants it.
-PollSpec usual(Calyx::PollType::POLL_TYPE type);
+PollPlan usual(Calyx::PollType::POLL_TYPE type);
 
 /// What is wrong with the numbers; empty when nothing is.
-QString fault(const PollSpec& spec);
+QString fault(const PollPlan& plan);
 
 /// Ready to count the answers to such a poll.
-Tally tally(const PollSpec& spec);
+Tally tally(const PollPlan& plan);
 
 /// "multiple, alpha-upper, 4 options, 2 correct, with a picture".
-QString description(const PollSpec& spec);
+QString description(const PollPlan& plan);
 
 } // namespace PollKinds

@@ -21,7 +21,7 @@ struct Measures
 QString barOf(int count, const Measures& measures, bool unicode)
 {
     const qint64 scale = unicode ? eighths : 1;
-    const qint64 units = count * measures.bar * scale / measures.top;
+    const qint64 units = qint64{count} * measures.bar * scale / measures.top;
     QString bar((static_cast<int>(units / scale)), unicode ? QChar(0x2588) : QLatin1Char('#'));
     if (units % scale > 0)
         bar += QChar(0x2590 - static_cast<int>(units % scale)); // U+258F one eighth ... U+2589 seven

@@ -1,4 +1,4 @@
-import { button, el, freshId } from '../ui/dom.js';
+import { el, freshId } from '../ui/dom.js';
 import { formula } from '../ui/formula.js';
 
 // What a key says, what it is called, what it writes, and where in that the cursor goes.
@@ -36,10 +36,15 @@ export function formulaControl({ start, changed }) {
     id, class: 'field code', type: 'text', autocomplete: 'off', autocapitalize: 'none', spellcheck: 'false', oninput: edited,
   });
   input.value = start?.text ?? '';
-  const keys = KEYS.map(([sign, name, text, cursor]) => button(sign, () => {
-    insert(input, text, cursor);
-    edited();
-  }, { class: 'key', 'aria-label': name, title: name }));
+  const keys = KEYS.map(([sign, name, text, cursor]) => el('button', {
+    type: 'button',
+    class: 'key',
+    title: name,
+    onclick: () => {
+      insert(input, text, cursor);
+      edited();
+    },
+  }, el('span', { 'aria-hidden': 'true' }, sign), el('span', { class: 'unseen' }, name)));
   show();
   return {
     element: el('div', { class: 'write' }, el('label', { for: id }, 'Your formula'), preview, input,
