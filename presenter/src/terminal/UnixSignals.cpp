@@ -2,6 +2,7 @@
 
 #include <QSocketNotifier>
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -16,7 +17,9 @@ constexpr int watched[] = {SIGINT, SIGTERM, SIGHUP, SIGWINCH, SIGCONT};
 int ends[2] = {-1, -1};
 termios terminal;
 bool isTerminal = false;
-volatile std::sig_atomic_t requests = 0;
+// Two signals may be handled on two threads at once.
+std::atomic<int> requests = 0;
+static_assert(std::atomic<int>::is_always_lock_free);
 
 // Only calls that are safe in a signal handler.
 extern "C" void handleSignal(int signal)
@@ -25,13 +28,11 @@ extern "C" void handleSignal(int signal)
     constexpr int exitBase = 128;
     const int error = errno;
     const bool asksToEnd = signal == SIGINT || signal == SIGTERM || signal == SIGHUP;
-    if (asksToEnd && requests >= patience) {
+    if (asksToEnd && requests++ >= patience) {
         if (isTerminal)
             tcsetattr(STDIN_FILENO, TCSANOW, &terminal);
         _exit(exitBase + signal);
     }
-    if (asksToEnd)
-        requests = requests + 1;
     const char byte = static_cast<char>(signal);
     const ssize_t written = write(ends[1], &byte, 1);
     static_cast<void>(written); // a full pipe holds enough signals
