@@ -264,6 +264,9 @@ void SockJSConnector::onOpenLimit()
 {
     if (m_sessionOpen)
         return;
+    // The server may have opened the session, its "o" held back on the way, and refuses a second receiver of
+    // it.
+    makeSessionId();
     if (m_openWait) { // open() goes on with the next transport
         m_openState = Disconnected;
         m_upgraded = false;

@@ -66,7 +66,8 @@ public:
 
     /// Whether the SockJS session is open: its open frame has come and its end has not.
     bool isConnected() const { return m_sessionOpen; }
-    /// The id of the session last opened, 8 characters; null before the first open().
+    /// The id of the session last opened, 8 characters; null before the first open(). A transport that is
+    /// tried after one that was given up at the open limit opens a session of its own.
     QString sessionId() const { return m_sessionId; }
 
     /// Milliseconds that a transport may take from its start to its open frame. One that takes longer is

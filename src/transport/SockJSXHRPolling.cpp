@@ -16,6 +16,7 @@ namespace {
 
 constexpr int postLimit = 30000; // milliseconds
 constexpr int retireLimit = 10000;
+constexpr int farewellLimit = 2000;
 constexpr qint64 postAnswerSize = 64 * 1024;
 
 // Such a character would let the text around it end a line of a raw request, or split its first one.
@@ -323,6 +324,8 @@ void SockJSXHRPolling::onNAMRequestFinished(QNetworkReply* reply)
     if (m_posting)
         postNextFrame();
     if (m_retired) {
+        if (!m_posting)
+            close();
         m_retireLimit.start(retireLimit);
         endRetirement();
     }
@@ -340,7 +343,12 @@ void SockJSXHRPolling::retire()
     m_retired = true;
     blockSignals(true);
     setParent(nullptr);
-    close();
+    m_closed = true;
+    // A server ends the session when its receiver goes, and refuses what is posted to it afterwards.
+    if (m_posting)
+        QTimer::singleShot(farewellLimit, this, &SockJSXHRPolling::close);
+    else
+        close();
     if (QCoreApplication::instance() && QCoreApplication::instance()->thread() == thread()) {
         retiredTransports().append(this);
         qRemovePostRoutine(endRetiredTransports);

@@ -172,7 +172,7 @@ void TestSockJSConnectorWait::theLimitGivesUpAServerWithoutOpenFrame()
     QVERIFY(syncInbound());
     QCOMPARE(m_server->count(QStringLiteral("/websocket")), 3);
     QCOMPARE(m_server->count(QStringLiteral("/xhr")), 0);
-    QCOMPARE(m_server->requests().first().sessionId(), m_server->requests().last().sessionId());
+    QVERIFY(m_server->requests().first().sessionId() != m_server->requests().last().sessionId());
     QCOMPARE(m_probe->count(QStringLiteral("connected")), 1);
     QVERIFY(!m_probe->hasClosed());
 }
