@@ -17,7 +17,7 @@ namespace {
 constexpr int postLimit = 30000; // milliseconds
 constexpr int retireLimit = 10000;
 constexpr int farewellLimit = 2000;
-constexpr qint64 postAnswerSize = 64 * 1024;
+constexpr qint64 postAnswerSize = qint64{64} * 1024;
 
 // Such a character would let the text around it end a line of a raw request, or split its first one.
 bool breaksLine(QChar c)

@@ -82,7 +82,7 @@ bool Support::takeSetting(Arguments& arguments, const QString& name, QString& va
 
 Outcome Support::readFile(Host& host, const QString& name, QByteArray& content)
 {
-    constexpr qint64 largest = 16 * 1024 * 1024;
+    constexpr qint64 largest = qint64{16} * 1024 * 1024;
     QFile file(QDir(host.folder).filePath(name));
     if (!file.open(QIODevice::ReadOnly))
         return Outcome::failed(QStringLiteral("%1 cannot be read: %2.").arg(name, file.errorString()));

@@ -64,7 +64,7 @@ EditedLines::EditedLines(const QString& prompt, Screen& screen, Complete complet
 
 EditedLines::~EditedLines()
 {
-    stop();
+    EditedLines::stop();
     active = nullptr;
 }
 

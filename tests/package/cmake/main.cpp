@@ -12,8 +12,8 @@ int main(int argc, char** argv)
     PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1/"));
     QString packed;
     QString unpacked;
-    const bool codecWorks = Lzma::compress64(QStringLiteral("chalk"), &packed)
-        && Lzma::decompress64(packed, &unpacked) && unpacked == QLatin1String("chalk");
+    const bool codecWorks = Lzma::compress64(QStringLiteral("chalk"), &packed) &&
+                            Lzma::decompress64(packed, &unpacked) && unpacked == QLatin1String("chalk");
     const bool serverRefuses = !client.checkServer(QString(), QString());
     return codecWorks && serverRefuses ? 0 : 1;
 }
