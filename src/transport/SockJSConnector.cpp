@@ -9,6 +9,7 @@
 #include <QEventLoop>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QMutex>
 #include <QWebSocket>
 
 namespace {
@@ -34,6 +35,25 @@ QString frameOf(const QString& message)
 QVariantList messagesIn(const QString& frame)
 {
     return QJsonDocument::fromJson(frame.mid(1).toUtf8()).toVariant().toList();
+}
+
+// The generator repeats itself within a second: for this connector, for others that open a session at the
+// same server, and for one whose transport is still saying goodbye.
+QString freshSessionId(const QString& server, const QString& last)
+{
+    static QMutex mutex;
+    static QString generated;
+    static QStringList used; // since then
+    const QMutexLocker lock(&mutex);
+    QString id = RANDSTRING::Generate(sessionIdLength);
+    if (id != generated)
+        used.clear();
+    generated = id;
+    for (int length = 2 * sessionIdLength; id == last || used.contains(server + id);
+         length += sessionIdLength)
+        id = RANDSTRING::Generate(length).right(sessionIdLength);
+    used.append(server + id);
+    return id;
 }
 
 } // namespace
@@ -125,13 +145,7 @@ void SockJSConnector::readUrl(const QUrl& url)
 
 void SockJSConnector::makeSessionId()
 {
-    m_sessionId = RANDSTRING::Generate(sessionIdLength);
-    if (!m_recentSessionIds.contains(m_sessionId))
-        m_recentSessionIds.clear();
-    for (int length = 2 * sessionIdLength; m_recentSessionIds.contains(m_sessionId);
-         length += sessionIdLength)
-        m_sessionId = RANDSTRING::Generate(length).right(sessionIdLength);
-    m_recentSessionIds.append(m_sessionId);
+    m_sessionId = freshSessionId(m_host + QLatin1Char(':') + QString::number(m_port) + m_path, m_sessionId);
 }
 
 QString SockJSConnector::basePath() const

@@ -136,7 +136,6 @@ private:
     int m_openState = Pending;
 
     // Ids used within the current second, in which the generator repeats itself.
-    QStringList m_recentSessionIds;
     // Set once the server has accepted the upgrade, also when the socket has been closed again since.
     bool m_upgraded = false;
     QTimer m_openLimitTimer;

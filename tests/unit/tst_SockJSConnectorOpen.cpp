@@ -19,6 +19,7 @@ private Q_SLOTS:
     void logsTheTransportThatIsUp();
     void sessionIdIsTheGeneratedOne();
     void sessionIdsOfOneSecondDiffer();
+    void twoConnectorsOfOneSecondOpenTwoSessions();
     void openRightAfterCloseIsANewSession();
     void aSecondOpenEndsTheFirstSession();
     void openFrameInTheUpgradesPacketIsHeard();
@@ -145,6 +146,16 @@ void TestSockJSConnectorOpen::sessionIdsOfOneSecondDiffer()
     const auto next = RANDSTRING::Generate(8);
     QVERIFY(openSession());
     QCOMPARE(m_connector->sessionId(), next);
+}
+
+void TestSockJSConnectorOpen::twoConnectorsOfOneSecondOpenTwoSessions()
+{
+    WallClock::freeze();
+    QVERIFY(openSession());
+    SockJSConnector other;
+    other.open(m_server->url(), webSocket);
+    QTRY_VERIFY(other.isConnected());
+    QVERIFY(other.sessionId() != m_connector->sessionId());
 }
 
 void TestSockJSConnectorOpen::openRightAfterCloseIsANewSession()
