@@ -28,7 +28,10 @@ Outcome run(Owner* owner, Signal signal, Condition isFinished, int msecs)
             loop.quit();
     });
     QObject::connect(owner, &QObject::destroyed, &loop, &QEventLoop::quit);
-    QTimer::singleShot(msecs, Qt::PreciseTimer, &loop, &QEventLoop::quit);
+    QTimer limit; // ends with the wait: a QTimer::singleShot() would live on until its time has come
+    limit.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&limit, &QTimer::timeout, &loop, &QEventLoop::quit);
+    limit.start(msecs);
     loop.exec(QEventLoop::ExcludeUserInputEvents);
     if (!guard)
         return OwnerGone;
