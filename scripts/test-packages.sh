@@ -3,3 +3,5 @@
 
 # The codec's and TLS's other implementations, and the servers that the transports are tried against.
 packages+=(xz-utils openssl haproxy nginx-light tinyproxy golang-go golang-github-igm-sockjs-go-dev)
+# The browser in which the pages are tried, and what it writes with.
+packages+=(chromium fonts-open-sans fonts-urw-base35 fonts-dejavu-core)

@@ -123,7 +123,7 @@ check('feedback is given once there is an answer, and only as far as it is to be
 });
 
 check('a question without words asks in its own', () => {
-  assert.equal(promptFor(question({ type: 'multiple', numberOfCorrectOptions: 2 })), 'Which ones are it?');
+  assert.equal(promptFor(question({ type: 'multiple', numberOfCorrectOptions: 2 })), 'Which of these apply?');
   assert.equal(promptFor(question({ type: 'multiple', numberOfCorrectOptions: 1 })), 'Which one is it?');
   assert.equal(promptFor(poll({ type: 'word-seed', metadata: { options: [0] } })), 'Which do you pick?');
   assert.equal(promptFor(question({ type: 'constructor' })), 'What do you say?');

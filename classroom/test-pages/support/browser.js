@@ -5,14 +5,16 @@ import { chromium } from 'playwright-core';
 const { resolve } = createRequire(import.meta.url);
 
 const FLAGS = [
-  '--headless', '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
-  '--disable-component-update', '--disable-sync', '--no-proxy-server',
+  // As root in a container: without a sandbox, a graphics processor or much shared memory.
+  '--headless', '--no-sandbox', '--disable-gpu', '--disable-dev-shm-usage',
+  '--disable-quic', '--no-first-run', '--disable-background-networking', '--disable-component-update', '--disable-sync',
+  '--no-proxy-server',
   // Whatever a page asks for: it gets loopback or nothing.
   '--host-resolver-rules=MAP * ~NOTFOUND, EXCLUDE 127.0.0.1',
 ];
 
 // Longer than anything takes, shorter than the watchdog: so that the message is that of the step that failed.
-const STEP_MS = 20000;
+const STEP_MS = 60000;
 
 export const DESKTOP = { viewport: { width: 1024, height: 768 } };
 export const PHONE = { viewport: { width: 320, height: 640 }, hasTouch: true, isMobile: true, deviceScaleFactor: 2 };

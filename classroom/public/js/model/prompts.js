@@ -31,7 +31,7 @@ const NAMES = {
 export function promptFor({ kind, document }) {
   const { type, numberOfCorrectOptions } = document;
   if (kind === 'poll' && hasOwnOptions({ kind, document })) return 'Which do you pick?';
-  if (type === 'multiple' && numberOfCorrectOptions !== 1) return 'Which ones are it?';
+  if (type === 'multiple' && numberOfCorrectOptions !== 1) return 'Which of these apply?';
   return Object.hasOwn(PROMPTS, type) ? PROMPTS[type] : 'What do you say?';
 }
 
