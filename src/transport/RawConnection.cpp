@@ -28,18 +28,18 @@ void RawConnection::begin()
         m_socket->connectToHost(m_host, m_port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
 }
 
-bool RawConnection::connectBlocking()
+bool RawConnection::connectBlocking(int msecs)
 {
     begin();
     if (m_tls)
-        return m_tls->waitForEncrypted(ConnectLimit);
-    return m_socket->waitForConnected(ConnectLimit);
+        return m_tls->waitForEncrypted(msecs);
+    return m_socket->waitForConnected(msecs);
 }
 
 // The socket's own waits cannot be cut in slices: one that times out gives the connection up.
-bool RawConnection::connectWaiting(std::atomic<bool>* stop)
+bool RawConnection::connectWaiting(int msecs, std::atomic<bool>* stop)
 {
-    const QDeadlineTimer limit(ConnectLimit);
+    const QDeadlineTimer limit(msecs);
     begin();
     while (!*stop && !isReady() && !isUnconnected() && !limit.hasExpired()) {
         if (!wait(static_cast<int>(limit.remainingTime())))

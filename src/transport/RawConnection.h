@@ -17,17 +17,14 @@ class RawConnection : public QObject
     Q_OBJECT
 
 public:
-    /// Milliseconds that making a connection may take, with TLS the handshake included.
-    static constexpr int ConnectLimit = 30000;
-
     /// \p socket, a QSslSocket when \p secure, stays the caller's and lives on the thread of this object.
     RawConnection(QObject* parent, QTcpSocket* socket, const QString& host, int port, bool secure);
 
-    /// Connects without events.
-    bool connectBlocking();
+    /// Connects without events, within \p msecs, with TLS the handshake included.
+    bool connectBlocking(int msecs);
     /// The same within the event loop. Given up when \p stop is set and wake() is called; sets it when the
     /// thread is to quit.
-    bool connectWaiting(std::atomic<bool>* stop);
+    bool connectWaiting(int msecs, std::atomic<bool>* stop);
     /// Ends the connection at once; it may be made again.
     void drop();
 

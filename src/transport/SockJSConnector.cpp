@@ -4,6 +4,7 @@
 #include "transport/QSystemConfigurationProxyFactory.h"
 #include "transport/RANDSTRING.h"
 #include "transport/SockJSXHRPolling.h"
+#include "transport/SockJSXHRPollingWorker.h"
 #include "transport/WebSocketRelease.h"
 
 #include <QEventLoop>
@@ -248,6 +249,8 @@ bool SockJSConnector::waitForWebSocket()
 bool SockJSConnector::openXHRPolling(bool streaming)
 {
     m_xhr = new SockJSXHRPolling(this);
+    if (m_openLimit > 0)
+        m_xhr->setConnectLimit(qMin(m_openLimit, SockJSXHRPollingWorker::ConnectLimit));
     startOpenLimit();
     if (!m_xhr->start(m_host, m_port, m_secure, basePath(), streaming)) {
         m_xhr->retire();

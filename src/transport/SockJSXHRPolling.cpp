@@ -110,7 +110,7 @@ bool SockJSXHRPolling::start(QString host, int port, bool secure, QString path, 
     QTcpSocket* socket = secure ? new QSslSocket : new QTcpSocket;
     socket->setProxy(proxy);
     auto* worker = new SockJSXHRPollingWorker(nullptr, socket, host, port, secure, m_keepAlive);
-    if (!worker->connectToServer()) {
+    if (!worker->connectToServer(m_connectLimit)) {
         qCDebug(diagnostics).noquote() << "[SockJSXHRPolling]" << socket->errorString();
         delete worker;
         delete socket;

@@ -34,9 +34,12 @@ public:
     /// system's proxy, and asks for the first frames of the session at \p path, with "/xhr_streaming" or
     /// "/xhr".
     ///
-    /// Blocks for up to 30 seconds, without events. False when the connection cannot be made, or
+    /// Blocks for up to the connect limit, without events. False when the connection cannot be made, or
     /// when \p host or \p path holds a blank or a control character. Emits nothing before it returns.
     bool start(QString host, int port, bool secure, QString path, bool streaming);
+
+    /// Milliseconds that start() may block: 30 seconds unless told otherwise.
+    void setConnectLimit(int msecs) { m_connectLimit = msecs; }
 
     /// Asks for the next frames. Does nothing while such a request is waiting or in flight.
     void doPoll();
@@ -107,6 +110,7 @@ private:
     bool m_sessionOpen = false;    // the first open frame has come
     QList<QByteArray> m_frames;    // still to be posted
     bool m_posting = false;
+    int m_connectLimit = 30000; // milliseconds
     bool m_retired = false;
     QTimer m_retireLimit{this};
 };

@@ -51,9 +51,9 @@ SockJSXHRPollingWorker::SockJSXHRPollingWorker(QObject* parent, QTcpSocket* sock
 
 SockJSXHRPollingWorker::~SockJSXHRPollingWorker() = default;
 
-bool SockJSXHRPollingWorker::connectToServer()
+bool SockJSXHRPollingWorker::connectToServer(int msecs)
 {
-    return m_connection->connectBlocking();
+    return m_connection->connectBlocking(msecs);
 }
 
 bool SockJSXHRPollingWorker::queueRequest(XHRRequest* request)
@@ -328,7 +328,7 @@ bool SockJSXHRPollingWorker::restoreConnection()
     if (m_keepAlive)
         qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Connection lost, attempting to re-establish...";
     m_answered = false;
-    m_connected = m_connection->connectWaiting(&m_stop);
+    m_connected = m_connection->connectWaiting(ConnectLimit, &m_stop);
     if (m_connected) {
         m_connectAttempts = 0;
         Q_EMIT reconnected();

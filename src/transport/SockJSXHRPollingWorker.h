@@ -36,9 +36,12 @@ public:
     /// Frees no request.
     ~SockJSXHRPollingWorker() override;
 
-    /// Connects the socket, with TLS the handshake included. Blocks for up to 30 seconds, without events.
+    /// Milliseconds that making a connection may take, unless told otherwise.
+    static constexpr int ConnectLimit = 30000;
+
+    /// Connects the socket, with TLS the handshake included. Blocks for up to \p msecs, without events.
     /// False when that failed; the socket's errorString() tells why.
-    bool connectToServer();
+    bool connectToServer(int msecs = ConnectLimit);
 
     /// Puts \p request at the end of the queue. It is written when no other is in flight, at once if none is.
     ///

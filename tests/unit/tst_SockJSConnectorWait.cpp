@@ -1,5 +1,7 @@
 #include "support/ConnectorTest.h"
 
+#include <QElapsedTimer>
+#include <QTcpServer>
 #include <QTest>
 #include <QTimer>
 
@@ -23,6 +25,7 @@ private Q_SLOTS:
     void theLimitGivesUpASilentServer();
     void theLimitGivesUpAServerWithoutOpenFrame();
     void theLimitOnTheLastEntryIsSilent();
+    void theLimitBoundsAPollingHandshake();
     void theLimitDoesNotTouchAnOpenSession();
     void closeEndsTheLimit();
     void theLimitCountsFromTheNextOpen();
@@ -189,6 +192,22 @@ void TestSockJSConnectorWait::theLimitOnTheLastEntryIsSilent()
     QVERIFY(m_probe->events().isEmpty());
     QVERIFY(!m_connector->isConnected());
     QCOMPARE(m_server->count(QStringLiteral("/xhr")), 0);
+}
+
+void TestSockJSConnectorWait::theLimitBoundsAPollingHandshake()
+{
+    constexpr int withoutLimit = 30000; // milliseconds
+    QTcpServer mute;                    // takes the connection, and answers no handshake
+    QVERIFY(mute.listen(QHostAddress::LocalHost));
+    m_connector->setOpenLimit(200);
+    QElapsedTimer clock;
+    clock.start();
+
+    m_connector->open(QUrl(QStringLiteral("https://127.0.0.1:%1").arg(mute.serverPort())),
+                      {SockJSConnector::XHR_STREAMING, SockJSConnector::XHR_POLLING});
+
+    QVERIFY(clock.elapsed() < withoutLimit);
+    QVERIFY(m_probe->events().isEmpty());
 }
 
 void TestSockJSConnectorWait::theLimitDoesNotTouchAnOpenSession()
