@@ -1,0 +1,33 @@
+import { amount, duration } from './statistics.mjs';
+
+function goalOf(goal, size) {
+  if (!goal) return '';
+  if (goal.milliseconds !== undefined) return size === goal.size ? `< ${goal.milliseconds} ms` : '';
+  return `≤ ${goal.at?.[size] ?? goal.most}`;
+}
+
+function isMet(goal, { size, ours, ratio }) {
+  if (!goalOf(goal, size)) return '';
+  const met = goal.milliseconds !== undefined
+    ? ours.median < goal.milliseconds * 1e6
+    : ratio <= (goal.at?.[size] ?? goal.most);
+  return met ? 'yes' : 'no';
+}
+
+const line = (cells) => `| ${cells.join(' | ')} |`;
+
+// The results as a table in Markdown.
+export function table({ rows }) {
+  const lines = [
+    line(['row', 'size', 'ours', 'peer', 'ratio', 'goal', 'met', 'ours, each']),
+    line(['---', '---:', '---:', '---:', '---:', '---:', '---', '---:']),
+  ];
+  for (const { name, unit, goal, sizes } of rows) {
+    for (const entry of sizes) {
+      const { size, ours, peer, ratio } = entry;
+      lines.push(line([name, `${amount(size)} ${unit}`, duration(ours.median), duration(peer.median), ratio.toFixed(2),
+        goalOf(goal, size), isMet(goal, entry), duration(ours.median / size)]));
+    }
+  }
+  return lines.join('\n');
+}
