@@ -2,9 +2,12 @@
 
 import assert from 'node:assert/strict';
 import { after } from 'node:test';
+import { fileURLToPath } from 'node:url';
+import { ADD_IMAGE, ASKED_AT_ONCE, GROUPS, STOP } from '../public/js/controller/commands.js';
 import { check } from './support/check.js';
 import { closeBrowser } from './support/browser.js';
 import { field, heading, send, sent } from './support/class.js';
+import { command, joinController, stateOf, told } from './support/controller.js';
 import { learnerOf, teachWithLibrary } from './support/host.js';
 
 after(closeBrowser);
@@ -52,4 +55,58 @@ check('every kind of poll is answered on the page and counted by the host', asyn
     await heading(page, 'This question is closed');
   }
   await host.finish();
+});
+
+const PICTURE = fileURLToPath(new URL('../../presenter/lessons/images/leaf.png', import.meta.url));
+
+async function assertShown(image) {
+  await image.waitFor();
+  await image.evaluate((element) => element.decode());
+  assert.ok(await image.evaluate((element) => element.naturalWidth) > 0);
+}
+
+check('a picture shows as a card, uploaded or in the message, and behind a poll', async (t) => {
+  const room = await teachWithLibrary(t);
+  const page = await learnerOf(t, room);
+  const card = page.getByRole('img', { name: 'Card from your teacher' });
+  await room.host.do(`card upload "${PICTURE}"`);
+  await assertShown(card);
+  assert.match(await card.getAttribute('src'), /\/downloadResourceFile\?/);
+  await room.host.do('poll text');
+  await heading(page, 'Write your answer');
+  await room.host.do(`card "${PICTURE}"`);
+  await assertShown(card);
+  assert.match(await card.getAttribute('src'), /^data:image\/png;base64,/);
+  await room.host.do(`poll multiple alpha-upper 3 picture "${PICTURE}"`);
+  await assertShown(page.getByRole('img', { name: 'Picture to this question' }));
+  await room.host.finish();
+  await heading(page, 'This session has ended');
+});
+
+const COMMANDS = GROUPS.flatMap(({ commands }) => commands);
+// What it asks at once it has asked before.
+const seen = (host, type) => host.line(new RegExp(`Remote control\\b.*\\b${type}\\b`), ASKED_AT_ONCE.includes(type) ? 2 : 1);
+
+check('the host sees every command of the remote control, and the remote control what the host tells it', async (t) => {
+  const { url, host } = await teachWithLibrary(t);
+  const { page } = await joinController(t, url, host.code);
+  for (const { type, label, said } of COMMANDS) {
+    await command(page, label).click();
+    await told(page, `${said}: sent`);
+    await seen(host, type);
+  }
+  const [chooser] = await Promise.all([page.waitForEvent('filechooser'), command(page, ADD_IMAGE.label).click()]);
+  await chooser.setFiles(PICTURE);
+  await seen(host, ADD_IMAGE.type);
+  await host.do('remote lesson leaves-1 "Leaves and light"');
+  await host.do('remote card 2 5');
+  await host.do('remote active');
+  await heading(page, 'Leaves and light');
+  await stateOf(page, 'Card', '2 of 5');
+  await stateOf(page, 'Presenter', 'is there');
+  await command(page, STOP.label).click();
+  await page.getByRole('dialog').getByRole('button', { name: STOP.label }).click();
+  await seen(host, STOP.type);
+  await host.finish();
+  await heading(page, 'This session has ended');
 });

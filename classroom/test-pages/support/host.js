@@ -65,10 +65,11 @@ export class RealHost {
     this.#child.stdin.write(`${command}\n`);
   }
 
-  /** The match of the first line that fits, which may have been printed before. */
-  async line(pattern) {
-    await this.#until(() => this.lines.some((line) => pattern.test(line)), String(pattern));
-    return this.lines.map((line) => pattern.exec(line)).find(Boolean);
+  /** The match of the first line that fits, which may have been printed before; or of the one that fits the n-th time. */
+  async line(pattern, n = 1) {
+    const matches = () => this.lines.map((line) => pattern.exec(line)).filter(Boolean);
+    await this.#until(() => matches().length >= n, String(pattern));
+    return matches()[n - 1];
   }
 
   /** Stops the poll; resolves with what was counted, {label: count}. */

@@ -1,0 +1,153 @@
+import assert from 'node:assert/strict';
+import { after } from 'node:test';
+import { ADD_IMAGE, ASKED_AT_ONCE, GROUPS, STOP } from '../public/js/controller/commands.js';
+import { assertAccessible } from './support/accessible.js';
+import { PHONE, closeBrowser, openContext, openPage } from './support/browser.js';
+import { check } from './support/check.js';
+import { heading, teach } from './support/class.js';
+import { codeField, command, joinController, stateOf, told } from './support/controller.js';
+import { press, tabTo } from './support/keyboard.js';
+import { PNG } from './support/pictures.js';
+import { openWire } from './support/wire.js';
+
+after(closeBrowser);
+
+const COMMANDS = GROUPS.flatMap(({ commands }) => commands);
+
+/** A class with a remote control, which has asked what it asks at once; with the wire between them when that is wanted. */
+async function control(t, { hasWire = false, ...options } = {}) {
+  const room = await teach(t);
+  const wire = hasWire ? await openWire(t, room.url) : null;
+  const joined = await joinController(t, wire?.url ?? room.url, room.presenter.code, options);
+  const [{ from }] = await askedAtOnce(room);
+  return { ...room, ...joined, wire, token: from };
+}
+
+const TYPES = [...COMMANDS, ADD_IMAGE, STOP].map(({ type }) => type);
+const nextCommand = ({ presenter }) => presenter.bus.nextBody(({ type }) => TYPES.includes(type));
+
+async function askedAtOnce(room) {
+  const asked = [];
+  for (const type of ASKED_AT_ONCE) asked.push(await room.presenter.bus.nextBody((body) => body.type === type));
+  return asked;
+}
+
+const pictureFile = { name: 'leaf.png', mimeType: 'image/png', buffer: PNG };
+
+check('a remote control joins by code alone, with the keyboard, and asks what there is', async (t) => {
+  const room = await teach(t);
+  const page = await openPage(t, await openContext(t));
+  await page.goto(`${room.url}/controller`);
+  await assertAccessible(page);
+  await tabTo(page, codeField(page));
+  await page.keyboard.type(room.presenter.code);
+  await press(page, 'Enter');
+  await heading(page, 'No lesson yet');
+  const { client } = await room.presenter.bus.nextBody((body) => body.action === 'register');
+  assert.equal(client.type, 'controller');
+  assert.deepEqual((await askedAtOnce(room)).map(({ from }) => from), ASKED_AT_ONCE.map(() => client.token));
+  await assertAccessible(page);
+});
+
+check('each command goes out from a tap on a telephone', async (t) => {
+  const room = await control(t, PHONE);
+  const { page, token } = room;
+  for (const { type, label, said } of COMMANDS) {
+    await command(page, label).tap();
+    const { from, type: got } = await nextCommand(room);
+    assert.deepEqual([from, got], [token, type]);
+    await told(page, `${said}: sent`);
+  }
+  await assertAccessible(page);
+});
+
+check('each command goes out with the keyboard alone', async (t) => {
+  const room = await control(t);
+  for (const { type, label } of COMMANDS) {
+    await tabTo(room.page, command(room.page, label));
+    await press(room.page, 'Enter');
+    assert.equal((await nextCommand(room)).type, type);
+  }
+});
+
+check('a picture is added as a card; what is no picture is not', async (t) => {
+  const { page, presenter } = await control(t);
+  const [chooser] = await Promise.all([page.waitForEvent('filechooser'), command(page, ADD_IMAGE.label).click()]);
+  await chooser.setFiles(pictureFile);
+  const { value } = await presenter.next('addImageCard');
+  assert.equal(value.name, 'leaf.png');
+  assert.match(value.url, /^data:image\/jpeg;base64,/);
+  await told(page, 'Picture: sent');
+  const [second] = await Promise.all([page.waitForEvent('filechooser'), command(page, ADD_IMAGE.label).click()]);
+  await second.setFiles({ ...pictureFile, buffer: Buffer.from('no picture') });
+  await told(page, 'This file is no picture that can be read.');
+});
+
+check('the session is stopped only after a second question', async (t) => {
+  const room = await control(t);
+  const { page } = room;
+  const dialog = page.getByRole('dialog', { name: 'End the session for everyone?' });
+  for (const change of [() => press(page, 'Escape'), () => dialog.getByRole('button', { name: 'Cancel' }).click()]) {
+    await command(page, STOP.label).click();
+    await dialog.waitFor();
+    await assertAccessible(page);
+    await change();
+    await dialog.waitFor({ state: 'detached' });
+  }
+  await command(page, 'Next').click();
+  assert.equal((await nextCommand(room)).type, 'nextCard');
+  await command(page, STOP.label).click();
+  await dialog.getByRole('button', { name: STOP.label }).click();
+  assert.equal((await nextCommand(room)).type, 'stopSession');
+  await room.presenter.stop();
+  await heading(page, 'This session has ended');
+  await assertAccessible(page);
+});
+
+check('lesson, card and presence show as text, and a screen reader is told', async (t) => {
+  const { page, presenter } = await control(t);
+  presenter.publish('currentLesson', { lessonId: 'l-1', name: '<b>Leaves</b> & light' }, '.controller');
+  await heading(page, '<b>Leaves</b> & light');
+  await page.getByText('l-1').waitFor();
+  presenter.publish('currentCard', { currentCard: '2', totalCards: '3', cards: [{ name: '1' }, { name: 'A root' }, { name: '3' }] }, '.controller');
+  await stateOf(page, 'Card', '2 of 3: A root');
+  await page.getByRole('status').filter({ hasText: '2 of 3: A root' }).waitFor({ state: 'attached' });
+  presenter.publish('presenterIsActive', '%0', '.controller');
+  await stateOf(page, 'Presenter', 'is there');
+  await assertAccessible(page);
+  presenter.publish('currentCard', { currentCard: '0', totalCards: '0', cards: [] }, '.controller');
+  await stateOf(page, 'Card', 'no cards');
+});
+
+check('a presenter that does not answer is silent until it does', async (t) => {
+  const { page, presenter } = await control(t, { prepare: (context) => context.clock.install() });
+  await page.clock.runFor(6000);
+  await stateOf(page, 'Presenter', 'does not answer');
+  await assertAccessible(page);
+  presenter.publish('presenterIsActive', '%0', '.controller');
+  await stateOf(page, 'Presenter', 'is there');
+});
+
+check('after a reload the remote control is who it was', async (t) => {
+  const room = await control(t);
+  await room.page.reload();
+  const asked = await askedAtOnce(room);
+  assert.ok(asked.every(({ from }) => from === room.token));
+  await heading(room.page, 'No lesson yet');
+});
+
+check('a dropped connection is made again, and a command that cannot go out says so', async (t) => {
+  const room = await control(t, { hasWire: true });
+  const { page, wire, token } = room;
+  page.mayFail = true;
+  wire.cut();
+  await page.getByText('The connection is lost.').waitFor();
+  await command(page, 'Next').click();
+  await told(page, 'Next card: not sent, there is no connection');
+  await assertAccessible(page);
+  wire.mend();
+  assert.equal((await askedAtOnce(room))[0].from, token);
+  await page.getByText('The connection is lost.').waitFor({ state: 'detached' });
+  await command(page, 'Next').click();
+  assert.equal((await nextCommand(room)).type, 'nextCard');
+});

@@ -1,0 +1,23 @@
+import { field, heading } from './class.js';
+import { openContext, openPage } from './browser.js';
+
+/** The remote control's page in a window of its own, joined by hand: {page, context}. */
+export async function joinController(t, url, code, { prepare, ...options } = {}) {
+  const context = await openContext(t, options);
+  await prepare?.(context);
+  const page = await openPage(t, context);
+  await page.goto(`${url}/controller?code=${code}`);
+  await page.getByRole('button', { name: 'Join' }).click();
+  await heading(page, 'No lesson yet');
+  return { page, context };
+}
+
+export const command = (page, name) => page.getByRole('button', { name, exact: true });
+
+/** What stands beside a name in the presenter's state: "Card" or "Presenter". */
+export const stateOf = (page, name, text) => page.locator('dt', { hasText: name }).locator('+ dd', { hasText: text }).waitFor();
+
+/** The sentence about the command that was given last. */
+export const told = (page, text) => page.locator('.sent', { hasText: text }).waitFor();
+
+export const codeField = (page) => field(page, 'Session code');
