@@ -5,3 +5,5 @@
 packages+=(xz-utils openssl haproxy nginx-light tinyproxy golang-go golang-github-igm-sockjs-go-dev)
 # The browser in which the pages are tried, and what it writes with.
 packages+=(chromium fonts-open-sans fonts-urw-base35 fonts-dejavu-core)
+# A host's makefile.
+packages+=(make)

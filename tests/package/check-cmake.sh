@@ -1,15 +1,14 @@
 #!/usr/bin/env bash
-# Installs the build $1 with the cmake $2 into a folder with a blank in its name, moves that folder, and builds and runs
-# a host against it.
-set -euo pipefail
+# Hosts find the installed build $1 with CMake: in a folder with a blank in its name, moved after the installation.
+# shellcheck source-path=SCRIPTDIR source=common.sh
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-build=$1 cmake=$2
-here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+install_moved "$1"
+cmake_host "$here/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCOMPONENTS="calyxclient;calyx-presenter"
+grep -q "^calyx-presenter [0-9]" "$work/cmake build/presenter-version" || fail "calyx-presenter does not run"
 
-"$cmake" --install "$build" --prefix "$work/first place" >/dev/null
-mv "$work/first place" "$work/moved here"
-"$cmake" -S "$here/cmake" -B "$work/host" -DCMAKE_PREFIX_PATH="$work/moved here" -DCMAKE_BUILD_TYPE=Debug
-"$cmake" --build "$work/host"
-"$work/host/outside-host"
+cannot_configure "requested version \"99" "$here/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DVERSION=99
+cannot_configure "Component missing: blackboard" "$here/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCOMPONENTS=blackboard
+
+rm "$prefix"/bin/calyx-presenter
+cannot_configure "Component missing: calyx-presenter" "$here/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCOMPONENTS=calyx-presenter

@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# A host finds the installed build $1 with qmake: by calyxclient.pri in a folder with a blank in its name, moved after
+# the installation; by pkg-config in a folder without, as qmake cuts what pkg-config answers at blanks.
+# shellcheck source-path=SCRIPTDIR source=common.sh
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+install_moved "$1"
+LD_LIBRARY_PATH=$(folder_of "$prefix" 'libcalyxclient.so.?') \
+    qmake_host pri PRI="$(folder_of "$prefix" calyxclient.pri)/calyxclient.pri"
+
+mv "$prefix" "$work/moved-again"
+PKG_CONFIG_PATH=$(folder_of "$work/moved-again" calyxclient.pc)
+LD_LIBRARY_PATH=$(folder_of "$work/moved-again" 'libcalyxclient.so.?')
+export PKG_CONFIG_PATH LD_LIBRARY_PATH
+qmake_host pkgconfig
