@@ -1,14 +1,18 @@
 #include "support/TestCertificates.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <QSslKey>
 
 namespace {
 
+QString pathOf(const QString& fileName)
+{
+    return QStringLiteral(TEST_SUPPORT_DIR "/certs/") + fileName;
+}
+
 QByteArray read(const QString& fileName)
 {
-    QFile file(QFileInfo(QStringLiteral(__FILE__)).path() + QStringLiteral("/certs/") + fileName);
+    QFile file(pathOf(fileName));
     if (!file.open(QIODevice::ReadOnly))
         qFatal("cannot read %s", qPrintable(file.fileName()));
     return file.readAll();
@@ -21,11 +25,16 @@ QSslCertificate TestCertificates::certificate(const QString& name)
     return QSslCertificate(read(name + QStringLiteral(".pem")));
 }
 
+QString TestCertificates::fileName(const QString& certificate)
+{
+    return pathOf(certificate + QStringLiteral(".pem"));
+}
+
 QSslConfiguration TestCertificates::server(const QString& name)
 {
     QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
     tls.setLocalCertificateChain({certificate(name), certificate(QStringLiteral("root"))});
-    tls.setPrivateKey(QSslKey(read(name + QStringLiteral(".key")), QSsl::Ec));
+    tls.setPrivateKey(QSslKey(read(name + QStringLiteral(".pem.key")), QSsl::Ec));
     tls.setPeerVerifyMode(QSslSocket::VerifyNone);
     return tls;
 }

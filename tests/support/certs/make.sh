@@ -1,30 +1,51 @@
 #!/usr/bin/env bash
-# Makes the certificates of the TLS tests anew, valid for a hundred years. They protect nothing: the keys are public.
+# Makes the certificates of the TLS tests anew. They protect nothing: the keys are public. Valid from the past on,
+# whatever the clock of the machine that tests.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
 
-request() { # name, subject
-    openssl ecparam -name prime256v1 -genkey -noout -out "$1.key"
-    openssl req -new -key "$1.key" -subj "$2" -out "$1.csr"
+cat >"$folder/ca.cnf" <<END
+[ca]
+default_ca = main
+[main]
+database = $folder/index
+new_certs_dir = $folder
+rand_serial = yes
+default_md = sha256
+policy = any
+unique_subject = no
+email_in_dn = no
+[any]
+organizationName = optional
+commonName = optional
+END
+
+# name, subject, extension, end of validity, options that name the signer
+certificate() {
+    : >"$folder/index"
+    [ -e "$1.pem.key" ] || openssl ecparam -name prime256v1 -genkey -noout -out "$1.pem.key"
+    openssl req -new -key "$1.pem.key" -subj "$2" -out "$folder/$1.csr"
+    openssl ca -batch -notext -config "$folder/ca.cnf" -in "$folder/$1.csr" -out "$1.pem" -startdate 20000101000000Z \
+        -enddate "$4" -extfile <(echo "$3") "${@:5}"
 }
 
-# name, subject: a root certificate that has signed itself
-root() {
-    request "$1" "$2"
-    openssl x509 -req -in "$1.csr" -key "$1.key" -days 36500 -out "$1.pem" \
-        -extfile <(echo 'basicConstraints=critical,CA:true')
+root() { # name, subject
+    certificate "$1" "$2" 'basicConstraints=critical,CA:true' 21000101000000Z -selfsign -keyfile "$1.pem.key"
 }
 
-# name, subject, alternative names, root
-leaf() {
-    request "$1" "$2"
-    openssl x509 -req -in "$1.csr" -CA "$4.pem" -CAkey "$4.key" -CAcreateserial -days 36500 -out "$1.pem" \
-        -extfile <(echo "subjectAltName=$3")
+leaf() { # name, subject, alternative names, root, end of validity
+    certificate "$1" "$2" "subjectAltName=$3" "$5" -cert "$4.pem" -keyfile "$4.pem.key"
 }
 
+rm -f ./*.key
+for name in root nameless stranger; do openssl ecparam -name prime256v1 -genkey -noout -out "$name.pem.key"; done
 root root '/O=Calyx tests/CN=Calyx Test Root'
 root nameless '/O=A root without a common name'
-leaf loopback '/CN=127.0.0.1' 'IP:127.0.0.1,DNS:localhost' root
-leaf elsewhere '/CN=elsewhere.example' 'DNS:elsewhere.example' root
-
-rm -f ./*.csr ./*.srl root.key nameless.key
+root stranger '/O=Calyx tests/CN=A root that nobody trusts'
+leaf loopback '/CN=127.0.0.1' 'IP:127.0.0.1,DNS:localhost' root 21000101000000Z
+leaf elsewhere '/CN=elsewhere.example' 'DNS:elsewhere.example' root 21000101000000Z
+leaf expired '/CN=127.0.0.1' 'IP:127.0.0.1,DNS:localhost' root 20010101000000Z
+leaf unknown '/CN=127.0.0.1' 'IP:127.0.0.1,DNS:localhost' stranger 21000101000000Z
+rm -f root.pem.key nameless.pem.key stranger.pem.key
