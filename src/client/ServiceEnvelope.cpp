@@ -1,6 +1,6 @@
 #include "client/ServiceEnvelope.h"
 
-#include <QJsonDocument>
+#include "JsonReader.h"
 
 QVariantMap ServiceEnvelope::parse(const QString& body)
 {
@@ -11,7 +11,7 @@ QVariantMap ServiceEnvelope::parse(const QString& body)
 QVariantMap ServiceEnvelope::parse(const QString& body, bool* ok)
 {
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(body.toUtf8(), &error);
+    const QJsonDocument document = JsonReader::read(body, &error);
     *ok = error.error == QJsonParseError::NoError;
     return document.toVariant().toMap();
 }

@@ -1,9 +1,8 @@
 #include "collab/CollaborationMessageHandler.h"
 
 #include "Diagnostics.h"
+#include "JsonReader.h"
 #include "collab/PayloadDecoder.h"
-
-#include <QJsonDocument>
 
 namespace {
 
@@ -57,7 +56,7 @@ void CollaborationMessageHandler::onHandleMessage(QString message)
 {
     qCDebug(diagnostics) << "[MessageHandler]" << message << "\n";
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(message.toUtf8(), &error);
+    const QJsonDocument document = JsonReader::read(message, &error);
     if (error.error != QJsonParseError::NoError)
         return;
     const QVariantMap body = document.toVariant().toMap().value(QStringLiteral("body")).toMap();

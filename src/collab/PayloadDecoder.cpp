@@ -1,9 +1,8 @@
 #include "collab/PayloadDecoder.h"
 
 #include "Diagnostics.h"
+#include "JsonReader.h"
 #include "compression/Lzma.h"
-
-#include <QJsonDocument>
 
 namespace {
 
@@ -15,7 +14,7 @@ QVariant decodeText(const QString& text)
         return text;
     }
     qCDebug(diagnostics) << "[MessageHandler.Decompressed from String] " << json;
-    const QJsonDocument document = QJsonDocument::fromJson(json.toUtf8());
+    const QJsonDocument document = JsonReader::read(json);
     return document.isObject() ? document.toVariant() : QVariant();
 }
 
@@ -47,7 +46,7 @@ QVariant decodeList(const QVariantList& list)
     }
     qCDebug(diagnostics) << "[MessageHandler.Decompressed from List] " << json;
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(json.toUtf8(), &error);
+    const QJsonDocument document = JsonReader::read(json, &error);
     if (error.error != QJsonParseError::NoError)
         return json.toLatin1();
     return document.toVariant();

@@ -1,6 +1,7 @@
 #include "transport/SockJSConnector.h"
 
 #include "Diagnostics.h"
+#include "JsonReader.h"
 #include "transport/QSystemConfigurationProxyFactory.h"
 #include "transport/RANDSTRING.h"
 #include "transport/SockJSXHRPolling.h"
@@ -35,7 +36,7 @@ QString frameOf(const QString& message)
 
 QVariantList messagesIn(const QString& frame)
 {
-    return QJsonDocument::fromJson(frame.mid(1).toUtf8()).toVariant().toList();
+    return JsonReader::read(frame.mid(1)).toVariant().toList();
 }
 
 // The generator repeats itself within a second: for this connector, for others that open a session at the

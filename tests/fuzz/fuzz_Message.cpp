@@ -1,5 +1,6 @@
 // One inbound message, as it comes out of a SockJS frame: the input is its text.
 
+#include "JsonReader.h"
 #include "collab/CollaborationMessageHandler.h"
 #include "support/Fuzz.h"
 
@@ -38,7 +39,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     handler.onHandleMessage(message);
     Fuzz::require(handler.signalCount <= 1, "a message gives one signal at most");
 
-    const QVariant document = QJsonDocument::fromJson(message.toUtf8()).toVariant();
+    const QVariant document = JsonReader::read(message).toVariant();
     const QVariantMap body = document.toMap().value(QStringLiteral("body")).toMap();
     if (body.isEmpty())
         Fuzz::require(handler.signalCount == 0, "no body, no signal");

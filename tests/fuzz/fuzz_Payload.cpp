@@ -2,6 +2,7 @@
 //   s  a text           n  a list of numbers: the bytes    c  chunks, one a line
 //   j  any JSON list    b  a block, which every carrier then carries
 
+#include "JsonReader.h"
 #include "collab/PayloadDecoder.h"
 #include "compression/Lzma.h"
 #include "support/Fuzz.h"
@@ -72,7 +73,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         PayloadDecoder::decode(chunks(rest));
         break;
     case 'j':
-        PayloadDecoder::decode(QJsonDocument::fromJson(rest).toVariant());
+        PayloadDecoder::decode(JsonReader::read(QString::fromUtf8(rest)).toVariant());
         break;
     case 'b':
         requireSameFromAllCarriers(rest);

@@ -1,5 +1,6 @@
 // JsonSerializer on maps: the input is JSON, whose objects become maps.
 
+#include "JsonReader.h"
 #include "model/JsonSerializer.h"
 #include "support/Fuzz.h"
 
@@ -8,7 +9,7 @@
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const QByteArray json = Fuzz::bytes(data, size);
-    const QJsonDocument document = QJsonDocument::fromJson(json);
+    const QJsonDocument document = JsonReader::read(QString::fromUtf8(json));
     const QVariantMap map = document.toVariant().toMap();
     const QString text = Calyx::JsonSerializer::serializeToJson(map);
     QJsonParseError error;

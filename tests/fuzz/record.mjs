@@ -133,7 +133,7 @@ function saveFrame(frame) {
   if (!frame.startsWith('a')) return;
   for (const message of JSON.parse(frame.slice(1))) {
     save('Message', Buffer.from(message));
-    save('Serializer', Buffer.from(message));
+    for (const target of ['Serializer', 'Json']) save(target, Buffer.from(message));
     const data = JSON.parse(message).body?.data;
     if (data !== undefined) savePayload(data);
   }

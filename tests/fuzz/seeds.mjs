@@ -22,6 +22,8 @@ const HOSTILE = [
   '{"body":{"action":"unregister","client":"user"}}', '{"body":{"action":"unregister","client":["user"]}}',
   '{"body":{"action":"unregister","client":{"type":"controller","token":{}}}}', '['.repeat(1030), '{"a":'.repeat(1030),
 ];
+const REPEATED = ['{"a":{"x":1},"a":{"y":2}}', '{"a":[1],"\\u0061":[2],"a":5}', '[{"b":{"a":{"c":{}},"a":[]},"b":"x"}]',
+  '{"\\ud800":{"x":1},"\\ud801":{"y":2}}', '{"\\n":[1],"\\u000a":2}', '{"\\ud83d\\ude00":[1],"\ud83d\ude00":[2]}', '{"a":{"x":1},"a":'];
 const answer = (mode, sizes, text) => Buffer.concat([Buffer.from(mode), Buffer.from(sizes), Buffer.from(text)]);
 const HEAD = 'HTTP/1.1 200 OK\r\n';
 const CHUNKED = `${HEAD}Transfer-Encoding: chunked\r\n\r\n`;
@@ -43,8 +45,9 @@ const REPLIES = [
 ];
 
 export const handMade = {
+  Json: [...HOSTILE, ...REPEATED],
   Message: [
-    ...HOSTILE,
+    ...HOSTILE, ...REPEATED,
     ...COMMANDS.map((type) => message({ type, from: 'd', data: [OBJECT] })),
     ...['join', 'pollResponse', 'questionResponse', 'questionGet', 'chat'].flatMap((type) =>
       DATA.map((data) => message({ type, from: 'd', data }))),

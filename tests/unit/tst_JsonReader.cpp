@@ -1,0 +1,122 @@
+#include "JsonReader.h"
+
+#include <QtTest>
+
+#include <malloc.h>
+
+namespace {
+
+QByteArray compact(const QString& text)
+{
+    return JsonReader::read(text).toJson(QJsonDocument::Compact);
+}
+
+} // namespace
+
+class tst_JsonReader : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void lastOfSeveralMembersCounts_data();
+    void lastOfSeveralMembersCounts();
+    void replacedMembersTakeNoMemory_data() { lastOfSeveralMembersCounts_data(); }
+    void replacedMembersTakeNoMemory();
+    void whatIsNoJsonIsNull_data();
+    void whatIsNoJsonIsNull();
+    void objectsDownToTheDeepestLevelAreRead();
+    void manyMembersAreReadInOneGo();
+};
+
+void tst_JsonReader::lastOfSeveralMembersCounts_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QByteArray>("expected");
+    const auto row = [](const char* name, const char* text, const char* expected) {
+        QTest::newRow(name) << QString::fromUtf8(text) << QByteArray(expected);
+    };
+    row("none is repeated", R"({"a":{"x":1},"b":{"x":2}})", R"({"a":{"x":1},"b":{"x":2}})");
+    row("two numbers", R"({"a":1,"a":2})", R"({"a":2})");
+    row("object by object", R"({"a":{"x":1},"a":{"y":2}})", R"({"a":{"y":2}})");
+    row("list by list", R"({"a":[1,2],"a":[3]})", R"({"a":[3]})");
+    row("object by number", R"({"a":{"x":1},"a":2})", R"({"a":2})");
+    row("number by object", R"({"a":2,"a":{"x":1}})", R"({"a":{"x":1}})");
+    row("three times", R"({"a":{"x":1},"a":[2],"a":{"z":3}})", R"({"a":{"z":3}})");
+    row("others between", R"({"a":{"x":1},"b":[2],"a":{"y":3}})", R"({"a":{"y":3},"b":[2]})");
+    row("one level down", R"({"o":{"a":[1],"a":[2]}})", R"({"o":{"a":[2]}})");
+    row("in a list", R"([{"a":[1],"a":[2]},{"a":[3]}])", R"([{"a":[2]},{"a":[3]}])");
+    row("on two levels", R"({"a":{"a":[1],"a":[2]},"a":{"a":[3]}})", R"({"a":{"a":[3]}})");
+    row("same name on two levels", R"({"a":{"a":{"a":[1]}}})", R"({"a":{"a":{"a":[1]}}})");
+    row("name of escapes", R"({"a":[1],"\u0061":[2]})", R"({"a":[2]})");
+    row("name of short escapes", R"({"\n\"":[1],"\u000a\u0022":[2]})", R"({"\n\"":[2]})");
+    row("name of a surrogate pair", u8R"({"\ud83d\ude00":[1],"😀":[2]})", u8R"({"😀":[2]})");
+    row("braces in a text", R"({"a":["}]"],"a":["\"}"]})", R"({"a":["\"}"]})");
+    row("names that look alike", R"({"a":[1],"a ":[2],"A":[3]})", R"({"A":[3],"a":[1],"a ":[2]})");
+    row("values that look like names", R"({"a":[1],"b":"a"})", R"({"a":[1],"b":"a"})");
+    row("the empty name", R"({"":[1],"":[2]})", R"({"":[2]})");
+    row("blanks", " {\n\"a\" :\t[ 1 ] , \"a\"\r: [ 2 ]\n} ", R"({"a":[2]})");
+}
+
+void tst_JsonReader::lastOfSeveralMembersCounts()
+{
+    QFETCH(QString, text);
+    QFETCH(QByteArray, expected);
+    QJsonParseError error;
+    QCOMPARE(JsonReader::read(text, &error).toJson(QJsonDocument::Compact), expected);
+    QCOMPARE(error.error, QJsonParseError::NoError);
+}
+
+void tst_JsonReader::replacedMembersTakeNoMemory()
+{
+    QFETCH(QString, text);
+    constexpr int times = 2000;
+    compact(text);
+    const size_t before = mallinfo2().uordblks;
+    for (int i = 0; i < times; ++i)
+        compact(text);
+    const size_t after = mallinfo2().uordblks;
+    QVERIFY2(after < before + times, qPrintable(QString::number(after - before)));
+}
+
+void tst_JsonReader::whatIsNoJsonIsNull_data()
+{
+    QTest::addColumn<QString>("text");
+    for (const char* text :
+         {"", "{", "}", "]", "[}", "{\"a\"", "{\"a\":{\"x\":1},\"a\":", "{\"a\":{\"x\":1},\"a\":2}}", "\"",
+          "\"\\", "{\"a\":[1],\"\\u00", "{,\"a\":1}", "{\"a\":{}\"a\":2}", "null", "5"})
+        QTest::newRow(text) << QString::fromLatin1(text);
+}
+
+void tst_JsonReader::whatIsNoJsonIsNull()
+{
+    QFETCH(QString, text);
+    QJsonParseError error;
+    QVERIFY(JsonReader::read(text, &error).isNull());
+    QVERIFY(error.error != QJsonParseError::NoError);
+}
+
+void tst_JsonReader::objectsDownToTheDeepestLevelAreRead()
+{
+    constexpr int deepest = 1024;
+    const auto nested = [](int depth) {
+        const QString inner = QStringLiteral(R"({"a":[1],"a":2})");
+        return QStringLiteral("[").repeated(depth - 2) + inner + QStringLiteral("]").repeated(depth - 2);
+    };
+    QVERIFY(JsonReader::read(nested(deepest)).isArray());
+    QVERIFY(JsonReader::read(nested(deepest + 2)).isNull());
+    QVERIFY(JsonReader::read(QString(1000000, QLatin1Char('['))).isNull());
+    QVERIFY(JsonReader::read(QStringLiteral(R"({"a":)").repeated(1000000)).isNull());
+}
+
+void tst_JsonReader::manyMembersAreReadInOneGo()
+{
+    constexpr int count = 100000;
+    QString text = QStringLiteral("{");
+    for (int i = 0; i < count; ++i)
+        text += QStringLiteral("\"%1\":[%1],\"%1\":[],").arg(i);
+    text += QStringLiteral("\"\":0}");
+    QCOMPARE(JsonReader::read(text).toVariant().toMap().size(), count + 1);
+}
+
+QTEST_GUILESS_MAIN(tst_JsonReader)
+#include "tst_JsonReader.moc"
