@@ -189,6 +189,7 @@ bool HttpAnswerParser::frameBody(const Event& header, int status)
 {
     m_silent = false;
     m_lineSkipped = false;
+    m_breakOwed = false;
     m_remaining = header.contentLength;
     if (header.chunked) {
         m_state = ChunkSize;
@@ -212,13 +213,15 @@ HttpAnswerParser::Event HttpAnswerParser::readChunkSize()
         return fail();
     if (newline < 0)
         return Event();
+    const bool isLateBreak = m_breakOwed && startsWithBreak();
+    m_breakOwed = false;
     int position = m_read;
     const QByteArray line = takeLine(m_buffer, &position);
     consume(position - m_read);
 
     Event event;
-    if (line.isEmpty() && !m_lineSkipped) {
-        m_lineSkipped = true;
+    if (line.isEmpty() && (isLateBreak || !m_lineSkipped)) {
+        m_lineSkipped = !isLateBreak;
         event.type = Event::ChunkContinued;
         return event;
     }
@@ -293,7 +296,8 @@ HttpAnswerParser::Event HttpAnswerParser::endPiece()
     if (m_bound == Length)
         return endAnswer();
     m_state = ChunkSize;
-    if (m_buffer.mid(m_read, 2) == "\r\n")
+    m_breakOwed = !startsWithBreak();
+    if (!m_breakOwed)
         consume(2);
     return Event();
 }

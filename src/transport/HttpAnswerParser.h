@@ -84,6 +84,7 @@ private:
     void skipLineBreaks();
     void appendToBody(int count);
     void consume(int count);
+    bool startsWithBreak() const { return m_buffer.mid(m_read, 2) == "\r\n"; }
     int pendingSize() const { return m_buffer.size() - m_read; }
 
     State m_state = Head;
@@ -91,6 +92,7 @@ private:
     bool m_streaming = false;
     bool m_silent = false;
     bool m_lineSkipped = false;
+    bool m_breakOwed = false; // the line break after the last chunk has not come yet
     QByteArray m_buffer;
     int m_read = 0;      // bytes of m_buffer that are done with
     int m_scanned = 0;   // bytes behind those that hold no newline

@@ -161,6 +161,8 @@ void tst_HttpAnswerParser::answers_data()
         {chunkedHeader, "last a[\"HTTP/1.1 200 OK\\r\\n\"]"});
     row("several chunks are one message", chunkedHead() + chunk("ab") + chunk("cde\n") + endChunk(),
         {chunkedHeader, "last abcde"});
+    row("an empty line between chunks", chunkedHead() + chunk("ab") + "\r\n" + chunk("cd\n") + endChunk(),
+        {chunkedHeader, "last abcd"});
     row("newlines inside a polled body stay", chunked("a\nb\n"), {chunkedHeader, "last a\nb"});
     row("text outside ASCII", plain(QStringLiteral("a[\"äß€😀\"]\n").toUtf8()),
         {header("Content-Length: 17"), QStringLiteral("last a[\"äß€😀\"]")});
