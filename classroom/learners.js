@@ -7,8 +7,9 @@ import { Crowd, findSession, waitForSession } from './lib/crowd.js';
 const USAGE = `usage: node learners.js --url URL --session CODE|auto --count N [options]
 
 Joins simulated learners to a session of the classroom at URL. They answer what they are asked until
-the session ends, then one line of totals is printed. Exit status 0: all have joined, and everything
-that they were sent could be decoded.
+the session ends, then one line of totals is printed and, for each assessment, a table of what they meant
+to answer. Exit status 0: all have joined, and everything that they were sent could be
+decoded.
 
   --url URL            the classroom's address
   --session CODE|auto  the code of a started session; "auto" takes the newest whose presenter is
@@ -85,7 +86,7 @@ async function run(settings) {
   } catch (error) {
     if (!abort.signal.aborted) throw error;
   }
-  process.stdout.write(`${crowd.summary()}\n`);
+  process.stdout.write([crowd.summary(), ...crowd.meantAnswers(), ''].join('\n'));
   // Clients that have been closed keep timers for a while.
   process.exit(crowd.ok ? 0 : 1);
 }

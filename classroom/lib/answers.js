@@ -70,6 +70,12 @@ export function answerQuestion(question, index) {
   return { answer: (WRITTEN[question.type] ?? WRITTEN.text)(seed, question) };
 }
 
+/** The answer to a question as a presenter gets it: the ids of the options follow each other without anything. */
+export function answerInWords(question, index) {
+  const { answer = '', optionAnswers = [] } = answerQuestion(question, index);
+  return answer + optionAnswers.map(({ activityOptionId }) => activityOptionId).join('');
+}
+
 /** The "blob" for a "poll" document: a list of picked options, or typed input where there are none. */
 export function answerPoll(poll, index) {
   const seed = seedOf(index, poll.id);

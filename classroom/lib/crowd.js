@@ -2,6 +2,7 @@ import { setMaxListeners } from 'node:events';
 import { Learner } from './learner.js';
 import { JOINS_AT_ONCE } from './limits.js';
 import { requestJson } from './rest.js';
+import { tableLines } from './table.js';
 
 const most = (learners, what) => learners.reduce((top, learner) => Math.max(top, learner[what]), 0);
 const sum = (learners, what) => learners.reduce((total, learner) => total + learner[what], 0);
@@ -10,6 +11,8 @@ const sum = (learners, what) => learners.reduce((total, learner) => total + lear
 export class Crowd {
   totals = { joined: 0, questions: 0, cards: 0, answers: 0, decodeFailures: 0 };
   refused = 0;
+  // The assessments by token: {title, rows}, a row for each learner: the name, then what was meant as each answer.
+  #assessments = new Map();
   #settings;
 
   /** settings: those of a Learner, and count. */
@@ -27,6 +30,15 @@ export class Crowd {
     const { joined, questions, cards, answers, decodeFailures } = this.totals;
     return `learners: joined=${joined} questions=${questions} cards=${cards} answers=${answers} `
       + `decode-failures=${decodeFailures}`;
+  }
+
+  /** What the learners meant to answer, as the lines of a table for each assessment. */
+  meantAnswers() {
+    return [...this.#assessments.values()].flatMap(({ title, rows }) => {
+      const most = Math.max(...rows.map((row) => row.length)) - 1;
+      const header = ['Learner', ...Array.from({ length: most }, (_, i) => `${i + 1}`)];
+      return [`Meant as answers${title && ` to "${title}"`}:`, ...tableLines([header, ...rows])];
+    });
   }
 
   /** Attends one session until all learners have left it, or until the signal makes them leave. */
@@ -75,6 +87,16 @@ export class Crowd {
     this.totals.cards += most(learners, 'cards');
     this.totals.answers += sum(learners, 'answers');
     this.totals.decodeFailures += sum(learners, 'decodeFailures');
+    for (const learner of learners) this.#collectMeant(learner);
+  }
+
+  #collectMeant({ userName, meant }) {
+    for (const { token, title, answers } of meant) {
+      const last = Math.max(0, ...answers.keys());
+      const row = [userName, ...Array.from({ length: last }, (_, i) => answers.get(i + 1) ?? '-')];
+      if (!this.#assessments.has(token)) this.#assessments.set(token, { title, rows: [] });
+      this.#assessments.get(token).rows.push(row);
+    }
   }
 }
 

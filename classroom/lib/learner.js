@@ -1,5 +1,5 @@
 import EventBus from 'vertx3-eventbus-client';
-import { answerPoll, answerQuestion, responseTime, seedOf } from './answers.js';
+import { answerInWords, answerPoll, answerQuestion, responseTime, seedOf } from './answers.js';
 import { decodeData, encodeData } from './codec.js';
 import { OPEN_MS } from './limits.js';
 import { post } from './rest.js';
@@ -32,6 +32,8 @@ export class Learner {
   dialogs = 0;
   heavyNotices = 0;
   decodeFailures = 0;
+  // What is meant as answers, for each assessment: {title, token, answers}, the answers a Map by question number.
+  meant = [];
   #index;
   #settings;
   #bus;
@@ -141,6 +143,9 @@ export class Learner {
   #ask(form, document) {
     this.#drop();
     this.questions += 1;
+    if (this.#isOfAssessment(document)) {
+      this.meant.at(-1).answers.set(document.questionNumber, answerInWords(document, this.#index));
+    }
     this.#open = { form, document };
     const { answerAfter = 0 } = this.#settings;
     if (answerAfter > 0) this.#timer = setTimeout(() => this.#answerDue(), answerAfter);
@@ -175,12 +180,17 @@ export class Learner {
       studentAssessmentToken: this.#assessment?.token,
     });
     if (sent) this.answers += 1;
-    this.#nextAssessmentQuestion();
+    this.#goOn(document);
   }
 
-  #startAssessment({ assessmentToken, questionCount = 1, startingQuestionNumber = 0 }) {
-    this.#assessment = { token: assessmentToken, count: questionCount, next: startingQuestionNumber || 1 };
-    this.#nextAssessmentQuestion();
+  #isOfAssessment({ questionSetMode }) {
+    return this.#assessment !== null && questionSetMode === 'Assessment';
+  }
+
+  #startAssessment({ assessmentToken, title = '', questionCount = 1, startingQuestionNumber = 0 }) {
+    this.#assessment = { token: assessmentToken, count: questionCount, current: startingQuestionNumber || 1 };
+    this.meant.push({ title, token: assessmentToken, answers: new Map() });
+    this.#getQuestion();
   }
 
   #stopAssessment() {
@@ -188,10 +198,15 @@ export class Learner {
     this.#drop();
   }
 
-  #nextAssessmentQuestion() {
-    const assessment = this.#assessment;
-    if (!assessment || assessment.next > assessment.count) return;
-    this.#publish('questionGet', { questionNumber: assessment.next, assessmentToken: assessment.token });
-    assessment.next += 1;
+  // A poll in between has taken the place of the question that was open: that one is asked for again.
+  #goOn(answered) {
+    if (!this.#assessment) return;
+    if (this.#isOfAssessment(answered)) this.#assessment.current += 1;
+    this.#getQuestion();
+  }
+
+  #getQuestion() {
+    const { token, current, count } = this.#assessment;
+    if (current <= count) this.#publish('questionGet', { questionNumber: current, assessmentToken: token });
   }
 }

@@ -222,6 +222,43 @@ check('a learner works through an assessment, question by question', async (t) =
   assert.deepEqual([learner.questions, learner.answers, learner.dialogs], [4, 4, 2]);
 });
 
+check('a poll in the midst of an assessment takes no question away', async (t) => {
+  const { presenter } = await lesson(t, { answerAfter: 100 });
+  presenter.publishObject('assessmentStart', { assessmentToken: 'a', questionCount: 1 });
+  await presenter.next('questionGet');
+  presenter.ask({ id: 'q1', questionNumber: 1, type: 'text', questionSetMode: 'Assessment' });
+  presenter.ask({ id: 'between', type: 'text' });
+  assert.equal((await presenter.next('questionResponse')).value.questionId, 'between');
+  assert.equal((await presenter.next('questionGet')).value.questionNumber, 1);
+});
+
+check('what learners mean to answer in assessments is told in words', async (t) => {
+  const { url } = await startClassroom(t);
+  const presenter = await Presenter.open(t, url);
+  const crowd = new Crowd({ url, count: 2, note: () => {} });
+  const attended = crowd.attend(presenter.code, new AbortController().signal);
+  const indexes = indexByToken(await presenter.all('join', 2));
+  const questions = [
+    { id: 'q1', type: 'multiple', numberOfCorrectOptions: 2, activityOptions: options('A', 'B', 'C') },
+    { id: 'q2', type: 'text' },
+  ].map((question, i) => ({ ...question, questionNumber: i + 1, questionSetMode: 'Assessment' }));
+  presenter.publishObject('assessmentStart', { assessmentToken: 'a', title: 'Test', questionCount: 2 });
+  const sent = new Map([[0, []], [1, []]]);
+  for (const question of questions) {
+    await presenter.all('questionGet', 2);
+    presenter.ask(question);
+    for (const { from, value } of await presenter.all('questionResponse', 2)) {
+      const picked = value.optionAnswers?.map(({ activityOptionId }) => activityOptionId).join('');
+      sent.get(indexes.get(from)).push(picked ?? value.answer);
+    }
+  }
+  await presenter.stop();
+  await attended;
+  const [heading, header, ...rows] = crowd.meantAnswers().map((line) => line.trim().split(/ {2,}/));
+  assert.deepEqual([heading, header], [['Meant as answers to "Test":'], ['Learner', '1', '2']]);
+  assert.deepEqual(rows.sort(), [[nameOf(0), ...sent.get(0)], [nameOf(1), ...sent.get(1)]].sort());
+});
+
 check('an assessment without a starting number begins with question 1', async (t) => {
   const { presenter } = await lesson(t);
   presenter.publishObject('assessmentStart', { assessmentToken: 'a', questionCount: 1, startingQuestionNumber: 0 });

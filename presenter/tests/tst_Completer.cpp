@@ -28,7 +28,7 @@ private Q_SLOTS:
         QTest::newRow("command") << "logo" << 0 << QStringList{"logout"};
         QTest::newRow("case") << "LOGO" << 0 << QStringList{"logout"};
         QTest::newRow("second word") << "session re" << 8 << QStringList{"reconnect"};
-        QTest::newRow("second words") << "wait " << 5 << QStringList({"answers", "learners"});
+        QTest::newRow("second words") << "wait " << 5 << QStringList({"answers", "assessment", "learners"});
         QTest::newRow("poll type") << "poll tr" << 5 << QStringList{"true-false"};
         QTest::newRow("poll type or command")
             << "poll s" << 5 << QStringList({"scale", "sort", "status", "stop"});
@@ -45,6 +45,11 @@ private Q_SLOTS:
         QTest::newRow("transport") << "session reconnect web" << 18 << QStringList{"websocket"};
         QTest::newRow("help") << "help whoa" << 5 << QStringList{"whoami"};
         QTest::newRow("help of a family") << "help session sta" << 13 << QStringList{"start"};
+        QTest::newRow("name of a setting") << "assessment start ti" << 17 << QStringList({"time=", "title="});
+        QTest::newRow("addressee") << "assessment start to=Z" << 17 << QStringList{"to=Zoë"};
+        QTest::newRow("addressee with a blank")
+            << "assessment start to=\"L" << 17 << QStringList{"\"to=Li Mei\""};
+        QTest::newRow("behind the last word") << "wait answers all within 5 " << 26 << QStringList{};
         QTest::newRow("setting") << "set open" << 4 << QStringList{"open-limit"};
         QTest::newRow("nothing") << "say he" << 4 << QStringList{};
         QTest::newRow("unknown command") << "dance w" << 6 << QStringList{};

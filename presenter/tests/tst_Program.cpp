@@ -298,33 +298,6 @@ private Q_SLOTS:
         QVERIFY(presenter.errors().contains("is not a PNG file"));
     }
 
-    void anAssessmentIsSent()
-    {
-        FakeClassroom classroom;
-        Presenter presenter(arguments(classroom));
-        presenter.write(goLive + "wait learners 1\nassessment start questions=2 title=\"My test\"\n"
-                                 "assessment question creative to=Ann text=\"Why?\"\nwait answers 1\n"
-                                 "assessment dialog Well done\nassessment review to=Ann Look again\n"
-                                 "assessment stop\n");
-        presenter.closeInput();
-        TRY(classroom.isPresenterHere());
-        classroom.join("d1", "Ann");
-        TRY(!classroom.lastQuestion().isEmpty());
-        classroom.send("d1", "questionGet", QVariantMap{{"questionNumber", 1}});
-        classroom.answer("d1", classroom.lastQuestion(), {}, "Because");
-        TRY_ENDED(presenter, 0);
-        QStringList sent;
-        const QList<FakeClassroom::Message> messages = classroom.messages();
-        for (const FakeClassroom::Message& message : messages)
-            sent.append(message.address.section(QLatin1Char('.'), 1) + '/' + message.type);
-        QCOMPARE(sent, QStringList({"/assessmentStart", "user.d1/questionStart", "/dialogShow",
-                                    "user.d1/questionSetReview", "/assessmentStop", "/disconnect"}));
-        QVERIFY(messages.at(0).text.contains("My test"));
-        QVERIFY(messages.at(1).text.contains("Why?"));
-        QVERIFY(presenter.output().contains("Ann asks for question 1"));
-        QVERIFY(presenter.output().contains(QRegularExpression("  Because  █+  1  100 %")));
-    }
-
     void aNewUserRegisters()
     {
         FakeClassroom classroom;

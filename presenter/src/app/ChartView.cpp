@@ -25,7 +25,8 @@ void ChartView::draw()
     constexpr int leastLines = 3;
     constexpr int mostLines = 16;
     const PollBoard& board = m_lesson.board();
-    if (!m_screen.isLive() || !board.isRunning()) {
+    const AssessmentDesk& desk = m_lesson.desk();
+    if (!m_screen.isLive() || !(board.isRunning() || desk.isRunning())) {
         m_clock.stop();
         m_screen.setLiveLines({});
         return;
@@ -33,5 +34,6 @@ void ChartView::draw()
     if (!m_clock.isActive())
         m_clock.start();
     const int room = qBound(leastLines, m_screen.style().rows - rowsLeftFree, mostLines);
-    m_screen.setLiveLines(Chart::lines(board.last()->chart(m_lesson.roster()), m_screen.style(), room));
+    const ChartData data = board.isRunning() ? board.last()->chart(m_lesson.roster()) : desk.progress();
+    m_screen.setLiveLines(Chart::lines(data, m_screen.style(), room));
 }

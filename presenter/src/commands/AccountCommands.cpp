@@ -165,7 +165,7 @@ Outcome Handlers::keepAlive(Host& host, const Arguments&)
 
 Outcome Handlers::logout(Host& host, const Arguments&)
 {
-    Support::stopPoll(host);
+    Support::stopActivities(host);
     host.lesson.expectClose();
     const bool done = host.lesson.client().doLogout();
     if (host.lesson.client().sessionToken().isEmpty())

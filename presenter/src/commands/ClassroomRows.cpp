@@ -19,7 +19,7 @@ const Command rows[] = {
      "an address from which devices can load it. A poll that runs is stopped first.\n"
      "Examples: poll true-false    poll multiple alpha-upper 5 2    poll number 2\n"
      "          poll scale agreement 5 picture images/leaf.png",
-     1, -1, false, {P::PollType, P::Ordinal}, "", Handlers::poll},
+     1, -1, false, {P::PollType, P::Ordinal}, "picture ref", Handlers::poll},
     {"poll stop", "", "Stop the poll and show its final tally.", "", 0, 0, false, {}, "", Handlers::pollStop},
     {"poll pause", "", "Let the learners pause.", "", 0, 0, false, {}, "", Handlers::pollPause},
     {"poll resume", "", "Let the learners go on.", "", 0, 0, false, {}, "", Handlers::pollResume},
@@ -42,21 +42,37 @@ const Command rows[] = {
      "", 2, 2, false, {P::Number, P::Number}, "", Handlers::remoteCard},
     {"remote active", "", "Tell the remote control that the presenter is here.",
      "", 0, 0, false, {}, "", Handlers::remoteActive},
-    {"assessment start", "[to=LEARNER] [questions=N] [time=N] [title=TEXT]", "Begin an assessment.",
-     "For one learner or, without \"to\", for the class; with the number of its questions, the time\n"
-     "allowed, and its title.",
-     0, -1, false, {}, "", Handlers::assessmentStart},
-    {"assessment question", "TYPE [ORDINAL] [OPTIONS] [EXTRA] [to=LEARNER] [text=TEXT]",
-     "Send a question of the assessment.",
-     "The types are those of \"poll\". Its answers are counted as a poll's.",
-     1, -1, false, {P::PollType, P::Ordinal}, "", Handlers::assessmentQuestion},
+    {"assessment question",
+     "TYPE [ORDINAL] [OPTIONS] [EXTRA] [text=TEXT] [choices=A|B] [answer=ANSWER]",
+     "Write a question of the next assessment.",
+     "The types are those of \"poll\". Choices are what the options say; their number is that of the\n"
+     "options. ANSWER is the right one, for the marks: options by their ids, a number, or words. Where\n"
+     "several are right, \"|\" divides them. Nothing goes out before \"assessment start\".\n"
+     "Examples: assessment question number text=\"How many legs has a spider?\" answer=8\n"
+     "          assessment question multiple choices=oxygen|water|light answer=BC",
+     1, -1, false, {P::PollType, P::Ordinal}, "text= choices= answer=", Handlers::assessmentQuestion},
+    {"assessment start",
+     "[to=LEARNER] [title=TEXT] [time=SECONDS] [SETTING=yes|no ...]",
+     "Begin an assessment of the questions written.",
+     "For one learner or, without \"to\", for the class and whoever joins it. Each learner gets the\n"
+     "questions as he asks for them, at his own pace. While one is under way for single learners,\n"
+     "\"to\" adds another. Without \"time\" it takes as long as it takes. The questions stay for another\n"
+     "start, until the first of a new set is written. The settings, and what they are unless told\n"
+     "otherwise: skip=no, questions may be skipped; navigate=no, one may go back to questions;\n"
+     "resubmit=yes, answers may be changed; summary=no, the device shows a summary at the end.",
+     0, -1, false, {}, "to= title= time= skip= navigate= resubmit= summary=", Handlers::assessmentStart},
+    {"assessment results", "", "Show the results so far, by learner and by question.",
+     "A mark stands before each answer that has a right one.",
+     0, 0, false, {}, "", Handlers::assessmentResults},
     {"assessment dialog", "[to=LEARNER] [dismissible=no] TEXT", "Show a text on the learners' devices.",
-     "", 1, -1, false, {}, "", Handlers::assessmentDialog},
+     "Also without an assessment.",
+     1, -1, false, {}, "to= dismissible=", Handlers::assessmentDialog},
     {"assessment review", "[to=LEARNER] TEXT", "Let the learners review their questions.",
-     "", 1, -1, false, {}, "", Handlers::assessmentReview},
+     "", 1, -1, false, {}, "to=", Handlers::assessmentReview},
     {"assessment pause", "", "Let the learners pause.", "", 0, 0, false, {}, "", Handlers::assessmentPause},
     {"assessment resume", "", "Let the learners go on.", "", 0, 0, false, {}, "", Handlers::assessmentResume},
-    {"assessment stop", "", "End the assessment.", "", 0, 0, false, {}, "", Handlers::assessmentStop},
+    {"assessment stop", "", "End the assessment and show its results.",
+     "", 0, 0, false, {}, "", Handlers::assessmentStop},
     {"publish", "ADDRESS TYPE JSON", "Publish a message of your own.",
      "An ADDRESS that begins with \".\" is below the session: .learner, .controller, .user.DEVICE.\n"
      "Example: publish .learner heavy '\"\"'",

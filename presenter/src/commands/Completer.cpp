@@ -35,6 +35,21 @@ QStringList nameWords(const QStringList& words)
     return next;
 }
 
+// "to=" is followed by a learner; any other word may be one that the command knows.
+QStringList anywhere(const Command& command, int index, const QString& piece, const QStringList& learners)
+{
+    const QString to = QStringLiteral("to=");
+    if (command.most >= 0 && index >= command.most)
+        return {};
+    const QStringList keywords = CommandTable::keywords(command);
+    if (!keywords.contains(to) || !piece.startsWith(to))
+        return keywords;
+    QStringList settings;
+    for (const QString& learner : learners)
+        settings.append(to + learner);
+    return settings;
+}
+
 QStringList atPlace(const Command& command, const QStringList& arguments, const QString& piece,
                     const QStringList& learners, const QString& folder)
 {
@@ -59,8 +74,9 @@ QStringList atPlace(const Command& command, const QStringList& arguments, const 
         return CommandTable::keywords(command);
     case Place::Amount:
         return {QStringLiteral("all")};
-    case Place::Number:
     case Place::Anything:
+        return anywhere(command, arguments.size(), piece, learners);
+    case Place::Number:
         break;
     }
     return {};

@@ -66,6 +66,30 @@ Outcome needAnyPoll(const Lesson& lesson)
     return Outcome::failed(QStringLiteral("No poll has been put. Use \"poll TYPE\"."));
 }
 
+// How many learners are wanted to finish.
+int wantedFinishers(const Lesson& lesson, const QString& amount)
+{
+    return amount == QLatin1String("all") ? qMax(lesson.desk().expected(), 1) : amount.toInt();
+}
+
+QString finisherState(const Lesson& lesson, const QString& amount)
+{
+    QString state = QStringLiteral("%1 of %2 learners have finished")
+                        .arg(lesson.desk().finished())
+                        .arg(wantedFinishers(lesson, amount));
+    const QStringList others = lesson.desk().unfinished();
+    if (lesson.desk().isRunning() && !others.isEmpty())
+        state += QStringLiteral("; not yet %1").arg(Text::list(others, mostNames));
+    return state;
+}
+
+Outcome needAnyAssessment(const Lesson& lesson)
+{
+    if (lesson.desk().sheet())
+        return Outcome::done();
+    return Outcome::failed(QStringLiteral("There has been no assessment. Use \"assessment start\"."));
+}
+
 Outcome setTransports(Host& host, const QStringList& names)
 {
     const QStringList known = SockJSConnector::PROTOCOL_TYPE_STR().values();
@@ -139,6 +163,17 @@ Outcome Handlers::waitAnswers(Host& host, const Arguments& arguments)
         [&] { return answerState(lesson, amount); });
 }
 
+Outcome Handlers::waitAssessment(Host& host, const Arguments& arguments)
+{
+    const Lesson& lesson = host.lesson;
+    if (const Outcome any = needAnyAssessment(lesson); !any.isDone())
+        return any;
+    const QString amount = arguments.first();
+    return wait(
+        host, arguments, [&] { return lesson.desk().finished() >= wantedFinishers(lesson, amount); },
+        [&] { return finisherState(lesson, amount); });
+}
+
 Outcome Handlers::expectLearners(Host& host, const Arguments& arguments)
 {
     const int wanted = arguments.first().toInt();
@@ -155,6 +190,16 @@ Outcome Handlers::expectAnswers(Host& host, const Arguments& arguments)
     if (host.lesson.board().last()->tally().answered() == wantedAnswers(host.lesson, amount))
         return Outcome::done();
     return Outcome::failed(QStringLiteral("Expected otherwise: %1.").arg(answerState(host.lesson, amount)));
+}
+
+Outcome Handlers::expectAssessment(Host& host, const Arguments& arguments)
+{
+    if (const Outcome any = needAnyAssessment(host.lesson); !any.isDone())
+        return any;
+    const QString amount = arguments.first();
+    if (host.lesson.desk().finished() == wantedFinishers(host.lesson, amount))
+        return Outcome::done();
+    return Outcome::failed(QStringLiteral("Expected otherwise: %1.").arg(finisherState(host.lesson, amount)));
 }
 
 Outcome Handlers::set(Host& host, const Arguments& arguments)

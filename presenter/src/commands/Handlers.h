@@ -52,8 +52,9 @@ Outcome publish(Host& host, const Arguments& arguments);
 Outcome ping(Host& host, const Arguments& arguments);
 
 // AssessmentCommands
-Outcome assessmentStart(Host& host, const Arguments& arguments);
 Outcome assessmentQuestion(Host& host, const Arguments& arguments);
+Outcome assessmentStart(Host& host, const Arguments& arguments);
+Outcome assessmentResults(Host& host, const Arguments& arguments);
 Outcome assessmentDialog(Host& host, const Arguments& arguments);
 Outcome assessmentReview(Host& host, const Arguments& arguments);
 Outcome assessmentPause(Host& host, const Arguments& arguments);
@@ -66,8 +67,10 @@ Outcome heading(Host& host, const Arguments& arguments);
 Outcome pause(Host& host, const Arguments& arguments);
 Outcome waitLearners(Host& host, const Arguments& arguments);
 Outcome waitAnswers(Host& host, const Arguments& arguments);
+Outcome waitAssessment(Host& host, const Arguments& arguments);
 Outcome expectLearners(Host& host, const Arguments& arguments);
 Outcome expectAnswers(Host& host, const Arguments& arguments);
+Outcome expectAssessment(Host& host, const Arguments& arguments);
 Outcome set(Host& host, const Arguments& arguments);
 Outcome help(Host& host, const Arguments& arguments);
 Outcome quit(Host& host, const Arguments& arguments);

@@ -156,7 +156,7 @@ Outcome Handlers::sessionStop(Host& host, const Arguments&)
 {
     PresenterClient& client = host.lesson.client();
     const QString code = Text::clean(client.sessionCode());
-    Support::stopPoll(host);
+    Support::stopActivities(host);
     host.lesson.expectClose();
     if (!client.doStopSession())
         return Outcome::failed(QStringLiteral("There is no session to stop."));

@@ -1,6 +1,7 @@
 #include "commands/Support.h"
 
 #include "app/Host.h"
+#include "lesson/AssessmentReport.h"
 #include "lesson/Lesson.h"
 #include "terminal/Screen.h"
 #include "text/Chart.h"
@@ -80,6 +81,27 @@ bool Support::takeSetting(Arguments& arguments, const QString& name, QString& va
     return false;
 }
 
+Outcome Support::takeFlag(Arguments& arguments, const QString& name, bool& flag)
+{
+    QString value = flag ? QStringLiteral("yes") : QStringLiteral("no");
+    takeSetting(arguments, name, value);
+    flag = value == QLatin1String("yes");
+    return flag || value == QLatin1String("no")
+               ? Outcome::done()
+               : Outcome::failed(QStringLiteral("\"%1\" takes yes or no, not \"%2\".").arg(name, value));
+}
+
+Outcome Support::takeCount(Arguments& arguments, const QString& name, int& number)
+{
+    QString value = QString::number(number);
+    takeSetting(arguments, name, value);
+    bool isNumber = false;
+    number = value.toInt(&isNumber);
+    return isNumber && number >= 0
+               ? Outcome::done()
+               : Outcome::failed(QStringLiteral("\"%1\" takes a whole number, not \"%2\".").arg(name, value));
+}
+
 Outcome Support::readFile(Host& host, const QString& name, QByteArray& content)
 {
     constexpr qint64 largest = qint64{16} * 1024 * 1024;
@@ -130,10 +152,37 @@ void Support::stopPoll(Host& host)
     host.screen.print(Chart::lines(data, host.screen.style(), mostLines));
 }
 
+void Support::printResults(Host& host)
+{
+    const AssessmentDesk& desk = host.lesson.desk();
+    const Style& style = host.screen.style();
+    host.screen.print(Chart::lines(desk.progress(), style, 1));
+    if (!desk.sheet()->participants().isEmpty())
+        host.screen.print(AssessmentReport::byLearner(*desk.sheet(), style) +
+                          AssessmentReport::byQuestion(*desk.sheet(), style));
+    host.screen.print(QStringLiteral("  ") + AssessmentReport::total(*desk.sheet()));
+}
+
+void Support::stopAssessment(Host& host)
+{
+    AssessmentDesk& desk = host.lesson.desk();
+    if (!desk.isRunning())
+        return;
+    desk.stop();
+    host.screen.setLiveLines({});
+    printResults(host);
+}
+
+void Support::stopActivities(Host& host)
+{
+    stopPoll(host);
+    stopAssessment(host);
+}
+
 bool Support::endLesson(Host& host)
 {
     PresenterClient& client = host.lesson.client();
-    stopPoll(host);
+    stopActivities(host);
     host.lesson.expectClose();
     if (!client.sessionToken().isEmpty()) {
         client.doStopSession();

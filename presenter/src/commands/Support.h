@@ -28,8 +28,19 @@ Outcome readPicture(Host& host, const QString& name, QByteArray& content);
 /// The device of the one learner that \p text names.
 Outcome findLearner(Host& host, const QString& text, QString& deviceId);
 
+/// Takes "NAME=yes" or "NAME=no"; \p flag stays as it is without.
+Outcome takeFlag(Arguments& arguments, const QString& name, bool& flag);
+/// Takes "NAME=NUMBER", a whole number from 0.
+Outcome takeCount(Arguments& arguments, const QString& name, int& number);
+
 /// Stops the poll that runs, if any, and prints its final tally.
 void stopPoll(Host& host);
+/// Prints the results of the assessment that is under way or was last.
+void printResults(Host& host);
+/// Stops the assessment that is under way, if any, and prints its results.
+void stopAssessment(Host& host);
+/// Both of them.
+void stopActivities(Host& host);
 /// Stops what is open and logs out, as far as it goes. False when something of it failed.
 bool endLesson(Host& host);
 

@@ -3,12 +3,11 @@
 #include "text/Text.h"
 
 #include <CalyxClient/CollaborationMessageHandler>
-#include <CalyxClient/QuestionBase>
+#include <CalyxClient/PresenterAssessment>
 #include <CalyxClient/SockJSConnector>
 
 #include <QJsonDocument>
 #include <QTime>
-#include <QUuid>
 
 #include <algorithm>
 #include <utility>
@@ -30,8 +29,10 @@ QString shown(const QVariant& data)
 
 } // namespace
 
-Lesson::Lesson(const QString& server) : m_client(nullptr, server)
+Lesson::Lesson(const QString& server) : m_client(nullptr, server), m_desk(m_roster)
 {
+    connect(&m_desk, &AssessmentDesk::changed, this, &Lesson::changed);
+    connect(&m_desk, &AssessmentDesk::happened, this, &Lesson::happened);
     constexpr int patience = 2000; // ms
     m_earlyTimer.setSingleShot(true);
     m_earlyTimer.setInterval(patience);
@@ -101,7 +102,6 @@ void Lesson::findEarlyLearners()
 
 void Lesson::forgetSession()
 {
-    m_assessment.reset();
     m_early.clear();
     m_roster.clear();
     Q_EMIT changed();
@@ -120,7 +120,6 @@ void Lesson::startPoll(const PollPlan& plan)
 {
     m_collab->startPoll(plan.type, plan.ordinal, plan.options, plan.extra);
     m_lastIdSecond = std::time(nullptr);
-    m_isQuestion = false;
     const QString question = m_collab->currentQuestionId();
     m_board.start(plan, question.isEmpty() ? m_collab->currentPollId() : question);
     Q_EMIT changed();
@@ -128,7 +127,7 @@ void Lesson::startPoll(const PollPlan& plan)
 
 void Lesson::stopPoll()
 {
-    if (m_collab && !m_isQuestion)
+    if (m_collab)
         m_collab->stopPoll();
     m_board.stop(m_roster);
     Q_EMIT changed();
@@ -144,29 +143,9 @@ void Lesson::setPaused(bool paused)
     Q_EMIT changed();
 }
 
-PresenterAssessment* Lesson::beginAssessment()
+void Lesson::showText(const QString& id, const QString& text, bool isDismissible, bool isReview)
 {
-    m_assessment = std::make_unique<PresenterAssessment>(nullptr, m_collab);
-    m_questions = 0;
-    connect(m_assessment.get(), &PresenterAssessment::learnerGetQuestion, this,
-            [this](const QString& deviceId, int number) {
-                Q_EMIT happened(
-                    QStringLiteral("  %1 asks for question %2").arg(m_roster.name(deviceId)).arg(number),
-                    Ink::Plain);
-            });
-    return m_assessment.get();
-}
-
-void Lesson::sendQuestion(const QString& id, QuestionBase* question, const PollPlan& plan)
-{
-    const std::unique_ptr<QuestionBase> owned(question);
-    // The id that a question comes with is shared by all that are made within the same second.
-    question->setID(QUuid::createUuid().toString(QUuid::WithoutBraces));
-    question->setquestionNumber(++m_questions);
-    m_assessment->sendQuestion(id, question);
-    m_isQuestion = true;
-    m_board.start(plan, question->id());
-    Q_EMIT changed();
+    PresenterAssessment(nullptr, m_collab).sendMessage(id, text, isDismissible, isReview);
 }
 
 void Lesson::tellJoin(const QString& deviceId)
@@ -189,6 +168,7 @@ void Lesson::join(const Learner& learner)
     if (!m_roster.join(learner))
         return;
     tellJoin(learner.deviceId);
+    m_desk.onJoin(learner.deviceId);
     Q_EMIT changed();
 }
 
@@ -205,6 +185,8 @@ void Lesson::onLeave(const QString& deviceId)
 
 void Lesson::onAnswer(const QString& deviceId, const QString& answerId, const QString& answer)
 {
+    if (m_desk.takeAnswer(deviceId, answerId, answer))
+        return;
     const PollBoard::Verdict verdict = m_board.addAnswer(deviceId, answerId, answer);
     if (verdict == PollBoard::TooLate)
         Q_EMIT happened(QStringLiteral("  The answer of %1 came too late").arg(m_roster.name(deviceId)),

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "lesson/AssessmentDesk.h"
 #include "lesson/PollBoard.h"
 #include "lesson/Roster.h"
 #include "text/Style.h"
 
-#include <CalyxClient/PresenterAssessment>
 #include <CalyxClient/PresenterClient>
 #include <CalyxClient/PresenterCollab>
 
@@ -14,7 +14,6 @@
 #include <QVariant>
 
 #include <ctime>
-#include <memory>
 
 /// The lesson as it stands: the service's client, the live channel, who takes part, the polls so far.
 class Lesson : public QObject
@@ -39,7 +38,8 @@ public:
     const Roster& roster() const { return m_roster; }
     PollBoard& board() { return m_board; }
     const PollBoard& board() const { return m_board; }
-    PresenterAssessment* assessment() const { return m_assessment.get(); }
+    AssessmentDesk& desk() { return m_desk; }
+    const AssessmentDesk& desk() const { return m_desk; }
 
     /// From now on, what \p collab receives is this lesson's.
     void adopt(PresenterCollab* collab);
@@ -59,15 +59,12 @@ public:
     /// now.
     int msecsToNewId() const;
     void startPoll(const PollPlan& plan);
-    /// The poll that runs. A question of an assessment is not taken back: only the counting ends.
     void stopPoll();
     void setPaused(bool paused);
 
-    /// An assessment of its own token. The one before is forgotten.
-    PresenterAssessment* beginAssessment();
-    void endAssessment() { m_assessment.reset(); }
-    /// Sends \p question, which is deleted, to the device \p id or to all, and counts its answers.
-    void sendQuestion(const QString& id, Calyx::QuestionBase* question, const PollPlan& plan);
+    /// Shows \p text to the device \p id or, where that is empty, to all: as a dialog, or as what leads a
+    /// review of the questions.
+    void showText(const QString& id, const QString& text, bool isDismissible, bool isReview);
 
     void countCard() { ++m_cards; }
     int cards() const { return m_cards; }
@@ -97,15 +94,13 @@ private:
 
     PresenterClient m_client;
     QPointer<PresenterCollab> m_collab;
-    std::unique_ptr<PresenterAssessment> m_assessment;
     Roster m_roster;
+    AssessmentDesk m_desk;
     QList<Calyx::Learner> m_early; // listed, not heard yet
     QTimer m_earlyTimer;
     PollBoard m_board;
     int m_cards = 0;
     int m_mostLearners = 0;
-    int m_questions = 0;
     std::time_t m_lastIdSecond = 0;
-    bool m_isQuestion = false; // what runs is a question of an assessment
     bool m_expectsClose = false;
 };

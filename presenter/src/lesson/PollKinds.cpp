@@ -140,19 +140,26 @@ QString PollKinds::fault(const PollPlan& plan)
     return QString();
 }
 
+QVector<AnswerOption> PollKinds::options(const PollPlan& plan)
+{
+    const bool isPicked = kindOf(plan.type).meaning == OptionMeaning::Picks;
+    QVector<AnswerOption> options;
+    if (!isPicked && kindOf(plan.type).meaning != OptionMeaning::Options)
+        return options;
+    for (int i = 0; i < plan.options; ++i) {
+        const QString label = OrdinalType::optionId(plan.ordinal, i);
+        const QString id = isPicked ? QString::number(i) : label;
+        options.append({id, label, OrdinalType::optionText(plan.ordinal, i)});
+    }
+    return options;
+}
+
 Tally PollKinds::tally(const PollPlan& plan)
 {
     const Kind& kind = kindOf(plan.type);
-    const bool isPicked = kind.meaning == OptionMeaning::Picks && plan.options > 0;
-    QVector<AnswerOption> options;
-    if (isPicked || kind.counting == Tally::EachOption) {
-        for (int i = 0; i < plan.options; ++i) {
-            const QString label = OrdinalType::optionId(plan.ordinal, i);
-            const QString id = isPicked ? QString::number(i) : label;
-            options.append({id, label, OrdinalType::optionText(plan.ordinal, i)});
-        }
-    }
-    return Tally(isPicked ? Tally::EachOption : kind.counting, options);
+    if (kind.meaning == OptionMeaning::Picks && plan.options > 0)
+        return Tally(Tally::EachOption, options(plan));
+    return kind.counting == Tally::EachOption ? Tally(kind.counting, options(plan)) : Tally(kind.counting);
 }
 
 QString PollKinds::description(const PollPlan& plan)

@@ -39,6 +39,9 @@ PollPlan usual(Calyx::PollType::POLL_TYPE type);
 /// What is wrong with the numbers; empty when nothing is.
 QString fault(const PollPlan& plan);
 
+/// The options of such a poll, as its answers name them.
+QVector<AnswerOption> options(const PollPlan& plan);
+
 /// Ready to count the answers to such a poll.
 Tally tally(const PollPlan& plan);
 

@@ -68,14 +68,16 @@ QStringList Tally::keysOf(const QString& answer) const
 {
     if (answer.isEmpty())
         return {QStringLiteral("(empty)")};
-    QStringList keys = m_counting == EachOption ? optionsIn(answer) : QStringList(answer);
+    QStringList keys;
+    if (m_counting != EachOption || !readOptions(answer, keys))
+        keys = QStringList(answer);
     keys.removeDuplicates();
     return keys;
 }
 
 // Picks are divided by commas, option ids follow each other without anything; some devices send an option's
 // text.
-QStringList Tally::optionsIn(const QString& answer) const
+bool Tally::readOptions(const QString& answer, QStringList& titles) const
 {
     QStringList ids;
     const QStringList parts = answer.split(QLatin1Char(','));
@@ -83,14 +85,12 @@ QStringList Tally::optionsIn(const QString& answer) const
         if (optionNamed(part) >= 0)
             ids.append(part);
         else if (!takeApart(part, ids))
-            return {answer};
+            return false;
     }
-    if (ids.isEmpty()) // nothing but commas
-        return {answer};
-    QStringList titles;
+    titles.clear();
     for (const QString& id : qAsConst(ids))
         titles.append(m_options.at(optionNamed(id)).title());
-    return titles;
+    return !ids.isEmpty(); // else nothing but commas
 }
 
 int Tally::optionNamed(const QString& part) const

@@ -36,9 +36,10 @@ public:
     QStringList devices() const { return m_answers.keys(); }
     /// The options in their order, those that nobody chose included, then other answers, most frequent first.
     QVector<Bar> bars() const;
+    /// The titles of the options that \p answer names, in its order; false when it names anything else.
+    bool readOptions(const QString& answer, QStringList& titles) const;
 
 private:
-    QStringList optionsIn(const QString& answer) const;
     bool takeApart(const QString& answer, QStringList& ids) const;
     int optionNamed(const QString& part) const;
     QStringList keysOf(const QString& answer) const;

@@ -193,8 +193,9 @@ void EditedLines::complete()
         m_screen.print(QStringLiteral("  ") + completion.candidates.join(QStringLiteral("  ")));
         return;
     }
-    // A folder goes on.
-    const bool isComplete = isOne && !common.endsWith(QLatin1Char('/'));
+    // A folder goes on, and so does the name of a setting.
+    const bool goesOn = common.endsWith(QLatin1Char('/')) || common.endsWith(QLatin1Char('='));
+    const bool isComplete = isOne && !goesOn;
     const QString end = QLatin1String(isComplete ? " " : "");
     m_screen.hideBlock();
     if (common.startsWith(piece)) {

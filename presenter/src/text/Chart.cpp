@@ -46,24 +46,24 @@ Measures measure(const QVector<Bar>& bars, const Style& style)
     return measures;
 }
 
-QString barLine(const Bar& bar, int answered, const Measures& measures, const Style& style)
+QString barLine(const Bar& bar, int whole, const Measures& measures, const Style& style)
 {
     const QString label =
         Text::padRight(Text::elide(bar.label, measures.label, style.unicode), measures.label);
     const QString drawn = Text::padRight(barOf(bar.count, measures, style.unicode), measures.bar);
     const QString count = Text::padLeft(QString::number(bar.count), measures.count);
     constexpr int hundred = 100;
-    const int percent = answered > 0 ? (bar.count * hundred + answered / 2) / answered : 0;
+    const int percent = whole > 0 ? (bar.count * hundred + whole / 2) / whole : 0;
     return indent + label + indent + style.paint(Ink::Bar, drawn) + indent + count + indent +
            Text::padLeft(QString::number(percent), 3) + QStringLiteral(" %");
 }
 
 QString head(const ChartData& data, const Style& style)
 {
-    QString state = QStringLiteral("%1 of %2 answered  %3")
+    QString state = QStringLiteral("%1 of %2 %3  %4")
                         .arg(data.answered)
                         .arg(data.expected)
-                        .arg(Text::duration(data.seconds));
+                        .arg(data.doing, Text::duration(data.seconds));
     if (data.isPaused)
         state += QStringLiteral("  paused");
     const Ink ink = data.answered >= data.expected && data.expected > 0 ? Ink::Good : Ink::Plain;
@@ -86,8 +86,9 @@ QStringList Chart::lines(const ChartData& data, const Style& style, int mostLine
         shown = qMax(shown - 1, 0); // the last line tells of the others
     const QVector<Bar> bars = data.bars.mid(0, shown);
     const Measures measures = measure(bars, style);
+    const int whole = data.whole < 0 ? data.answered : data.whole;
     for (const Bar& bar : bars)
-        lines.append(barLine(bar, data.answered, measures, style));
+        lines.append(barLine(bar, whole, measures, style));
     const int hidden = data.bars.size() - shown;
     if (hidden > 0 && mostLines > 1)
         lines.append(indent +

@@ -14,6 +14,10 @@ struct ChartData
     QVector<Bar> bars;
     int answered = 0;
     int expected = 0;
+    /// What those who count as answered have done.
+    QString doing = QStringLiteral("answered");
+    /// What is 100 %; negative: the number of those who have answered.
+    int whole = -1;
     int seconds = 0;
     bool isPaused = false;
 };
