@@ -7,3 +7,5 @@ packages+=(xz-utils openssl haproxy nginx-light tinyproxy golang-go golang-githu
 packages+=(chromium fonts-open-sans fonts-urw-base35 fonts-dejavu-core)
 # A host's makefile.
 packages+=(make)
+# The API reference, and its Qt help collection.
+packages+=(doxygen qttools5-dev-tools)

@@ -23,12 +23,16 @@ public:
     /// The version of the protocol that this library speaks, "3.0.0".
     static const QString PROTOCOL_VERSION;
 
+    /// A message of this protocol version without type and data.
     explicit CalyxCollabMessage(QObject* parent = nullptr);
 
     /// Sender; PresenterCollab overwrites it with its user token.
     QString from() const { return m_from; }
+    /// What kind of message it is, for example "questionStart"; empty at first.
     QString type() const { return m_type; }
+    /// PROTOCOL_VERSION unless it was set.
     QString version() const { return m_version; }
+    /// "Lumora" unless it was set.
     QString sourceSystem() const { return m_sourceSystem; }
     /// What goes out as "data": before compileData() a map or nothing, afterwards a list that holds one
     /// base64 text.
@@ -42,11 +46,16 @@ public:
     void compileData();
 
 public Q_SLOTS:
+    ///@{
+    /// Stores the value unchanged, for the key of its name in the message's JSON.
     void setfrom(QString from);
     void settype(QString type);
     void setversion(QString version);
     void setsourceSystem(QString sourceSystem);
     void setdata(QVariant data);
+    ///@}
+    /// Sets the object that compileData() serialises; it stays the caller's. Null for none: then data()
+    /// counts.
     void setdataobject(QObject* object);
 
 private:

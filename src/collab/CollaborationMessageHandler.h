@@ -18,10 +18,13 @@ class CALYXCLIENT_EXPORT CollaborationMessageHandler : public QObject
     Q_OBJECT
 
 public:
-    // The spellings by which hosts connect to the signals.
+    ///@{
+    /// The spelling by which hosts connect to the signals.
     using Learner = Calyx::Learner;
     using RemoteControlMessage = Calyx::RemoteControlMessage;
+    ///@}
 
+    /// One belongs to each PresenterCollab.
     explicit CollaborationMessageHandler(QObject* parent = nullptr);
 
     /// The decoded "data" of \p body: a map, a list, a string, bytes, or an invalid value when there is none
@@ -33,10 +36,17 @@ public:
     /// A learner or a controller has gone: learnerUnregister() or controllerRegister(false).
     void actionUnregister(QVariantMap body);
 
+    /// "join": learnerJoin() from the body's "from" and the data's "userName" and "deviceType".
     void dataJoin(QVariantMap body, QVariant data);
+    /// "pollResponse": learnerPollResponse() from "pollId", "responseTime" and "blob", of which a list "pick"
+    /// counts, else "input".
     void dataPollResponse(QVariantMap body, QVariant data);
+    /// "questionResponse": learnerPollResponse() from "questionId", "responseTime", "answer" and
+    /// "optionAnswers".
     void dataQuestionResponse(QVariantMap body, QVariant data);
+    /// "questionGet": learnerGetQuestion() from "questionNumber".
     void dataGetQuestion(QVariantMap body, QVariant data);
+    /// A command of the remote control: remoteControl() with the body's "from" and "type".
     void dataRemote(QVariantMap body, QVariant data);
 
 Q_SIGNALS:
@@ -44,9 +54,13 @@ Q_SIGNALS:
     /// question (the question's id, whole seconds). \p answer: several picks of a poll are joined with ",",
     /// the option ids of a question are joined without anything.
     void learnerPollResponse(QString deviceId, QString pollId, int responseTime, QString answer);
+    /// A learner's device has joined.
     void learnerJoin(Learner learner);
+    /// A learner's device has left.
     void learnerUnregister(QString deviceId);
+    /// The remote control has come (never by an inbound message) or gone.
     void controllerRegister(bool isRegister);
+    /// A command of the remote control.
     void remoteControl(RemoteControlMessage Signal);
     /// A message of a type that this class does not know: its body, and its decoded data as getDataValue()
     /// gives it.
@@ -55,6 +69,8 @@ Q_SIGNALS:
     void learnerGetQuestion(QString id, int questionId);
 
 protected Q_SLOTS:
+    /// Takes one frame: its body's "action" counts first, else its "type". Emits one signal at most. What is
+    /// no JSON, an unknown action, and a body with neither are dropped, with a debug line at most.
     void onHandleMessage(QString message);
 
 private:

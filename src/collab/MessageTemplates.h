@@ -9,13 +9,16 @@ namespace Calyx {
 /// A publish whose body is a JSON text: address, body.
 const QString PUBLISH_MESSAGE_3 = QStringLiteral(R"({"type":"publish","address":"%0","body":%1})");
 
-/// What marks formula text that is embedded in other text.
+///@{
+/// What marks the start and the end of formula text that is embedded in other text.
 const QString CALYX_LATEX_START = QStringLiteral(R"(<span class="mathquill-embedded-latex">)");
 const QString CALYX_LATEX_END = QStringLiteral("</span>");
+///@}
 
+/// What keeps the channel alive. No placeholders.
 const QString PING_MESSAGE = QStringLiteral(R"({"type":"ping"})");
 
-/// Address.
+/// Asks the bus for what is published to an address: address.
 const QString REGISTER_MESSAGE = QStringLiteral(R"({"type":"register","address":"%0"})");
 
 /// A publish with compressed data: address, sender's user token, message type, base64 text of the data.

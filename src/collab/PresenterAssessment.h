@@ -35,19 +35,25 @@ public:
     bool start(QString id, Calyx::AssessmentOptions* options);
     /// Publishes "assessmentStop" to the whole session.
     void stop();
-    /// Pauses and resumes the session's current poll.
+    ///@{
+    /// PresenterCollab::pausePoll() and PresenterCollab::resumePoll(): what is sent names the session's
+    /// current poll, not this assessment.
     void pause();
     void resume();
+    ///@}
     /// Publishes \p question as "questionStart" in the mode "Assessment". Always true; \p question stays the
     /// caller's.
     bool sendQuestion(QString id, Calyx::QuestionBase* question);
+    ///@{
     /// Publishes a dialog with \p text ("dialogShow"), or, with \p review, the review of the questions
     /// ("questionSetReview"); \p isDismissible counts for the dialog only.
     void sendMessage(QString text, bool isDismissible, bool review);
     void sendMessage(QString id, QString text, bool isDismissible, bool review);
+    ///@}
 
 Q_SIGNALS:
-    /// A learner asks for a question, by its number.
+    /// The learner's device \p id asks for the question with the number \p questionId, 0 when it named none.
+    /// Every assessment of the session hears it. Answer with sendQuestion().
     void learnerGetQuestion(QString id, int questionId);
 
 private:

@@ -7,7 +7,7 @@
 
 namespace Calyx {
 
-/// One answer option of a question.
+/// One answer option of a question. Each getter is a Qt property and a key of the JSON.
 class CALYXCLIENT_EXPORT ActivityOption : public QObject
 {
     Q_OBJECT
@@ -17,10 +17,12 @@ class CALYXCLIENT_EXPORT ActivityOption : public QObject
     Q_PROPERTY(bool math READ math WRITE setmath)
 
 public:
+    /// An option with empty texts and the number 0.
     explicit ActivityOption(QObject* parent = nullptr);
 
     /// What an answer names it by, for example "A".
     QString id() const { return m_id; }
+    /// What the learner reads; empty where the labelling scheme says all.
     QString optionText() const { return m_optionText; }
     /// Position among the options, from 1.
     int displaySeqNumber() const { return m_displaySeqNumber; }
@@ -28,10 +30,13 @@ public:
     bool math() const { return m_math; }
 
 public Q_SLOTS:
+    ///@{
+    /// Stores the value unchanged; emits nothing. The getter of the same name tells what it means.
     void setID(QString value);
     void setoptionText(QString optionText);
     void setdisplaySeqNumber(int displaySeqNumber);
     void setmath(bool math);
+    ///@}
 
 private:
     QString m_id = QStringLiteral("");

@@ -8,7 +8,8 @@
 
 namespace Calyx {
 
-/// The settings of an assessment, and the data of its start message.
+/// The settings of an assessment, and the data of its start message. Each getter is a Qt property and a key
+/// of the JSON. The learners' devices carry the settings out; the library checks none.
 class CALYXCLIENT_EXPORT AssessmentOptions : public QObject
 {
     Q_OBJECT
@@ -33,26 +34,43 @@ class CALYXCLIENT_EXPORT AssessmentOptions : public QObject
                    setassessmentSectionConfigurations)
 
 public:
+    /// The settings that each getter names.
     explicit AssessmentOptions(QObject* parent = nullptr);
 
-    /// Set by PresenterAssessment::start().
+    /// Set by PresenterAssessment::start(), whatever it was; empty at first.
     QString assessmentToken() const { return m_assessmentToken; }
+    /// Whether a learner may go on without an answer; false at first.
     bool allowSkipQuestion() const { return m_allowSkipQuestion; }
+    /// Whether a learner may go back and forth between the questions; false at first.
     bool allowNavigateQuestionSet() const { return m_allowNavigateQuestionSet; }
+    /// Whether a learner may change an answer; true at first.
     bool allowResubmitResponse() const { return m_allowResubmitResponse; }
+    /// Whether the learner sees a summary at the end; false at first.
     bool showSummaryOnAssessmentCompletion() const { return m_showSummaryOnAssessmentCompletion; }
+    /// Whether the learner sees the right answer after a wrong one; false at first.
     bool showAnswerOnIncorrectResponse() const { return m_showAnswerOnIncorrectResponse; }
+    /// Whether the learner is told how the answer was; false at first.
     bool showFeedback() const { return m_showFeedback; }
+    /// How many questions there are; 1 at first.
     int questionCount() const { return m_questionCount; }
+    /// The question to begin with; 0, as at first, for the first one.
     int startingQuestionNumber() const { return m_startingQuestionNumber; }
+    /// Seconds for all questions together; 0, as at first, for no limit.
     int allowedTime() const { return m_allowedTime; }
+    /// The section that the questions belong to; empty at first, for none.
     QString currentAssessmentSectionId() const { return m_currentAssessmentSectionId; }
+    /// The title that learners read; empty at first.
     QString title() const { return m_title; }
+    /// The description that learners read; empty at first.
     QString description() const { return m_description; }
+    /// Whether the answers count towards a score; false at first.
     bool scored() const { return m_scored; }
+    /// Settings of the sections; {"leveled": false} at first.
     QVariantMap assessmentSectionConfigurations() const { return m_assessmentSectionConfigurations; }
 
 public Q_SLOTS:
+    ///@{
+    /// Stores the value unchanged; emits nothing. The getter of the same name tells what it means.
     void setassessmentToken(QString assessmentToken);
     void setallowSkipQuestion(bool allowSkipQuestion);
     void setallowNavigateQuestionSet(bool allowNavigateQuestionSet);
@@ -68,6 +86,7 @@ public Q_SLOTS:
     void setdescription(QString description);
     void setscored(bool scored);
     void setassessmentSectionConfigurations(QVariantMap assessmentSectionConfigurations);
+    ///@}
 
 private:
     QString m_assessmentToken = QStringLiteral("");

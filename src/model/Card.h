@@ -8,7 +8,8 @@
 
 namespace Calyx {
 
-/// A teacher card, as learner devices show it.
+/// A teacher card, as learner devices show it. Each getter is a Qt property and a key of the JSON. The values
+/// go out as they are, for the devices to understand.
 class CALYXCLIENT_EXPORT Card : public QObject
 {
     Q_OBJECT
@@ -30,27 +31,46 @@ class CALYXCLIENT_EXPORT Card : public QObject
     Q_PROPERTY(bool visible READ visible WRITE setvisible)
 
 public:
+    /// A visible teacher card without a picture, with the values that each getter names.
     explicit Card(QObject* parent = nullptr);
 
+    /// Whether the card is in use; true at first.
     bool active() const { return m_active; }
+    /// Whether the card goes to learners without being asked for; true at first.
     bool autoSend() const { return m_autoSend; }
+    /// The pictures and texts on the card, a map each; empty at first.
     QVariantList components() const { return m_components; }
+    /// Whether the card has been drawn; true at first.
     bool hasRendered() const { return m_hasRendered; }
+    /// The card's id; that of the question for a card behind a question. Empty at first.
     QString id() const { return m_id; }
+    /// Whether the card is the teacher's; true at first.
     bool isTeacherCard() const { return m_isTeacherCard; }
+    /// The teacher's notes; empty at first.
     QString notes() const { return m_notes; }
+    /// The place of the card in the lesson; 1 at first.
     int ordinal() const { return m_ordinal; }
+    /// Whether the card is the main one of its segment; true at first.
     bool primary() const { return m_primary; }
+    /// Whether the card is unchanged since it was made; true at first.
     bool pristine() const { return m_pristine; }
+    /// The card's id on the service; empty at first.
     QString remoteId() const { return m_remoteId; }
+    /// The part of the lesson that the card belongs to; empty at first.
     QVariantMap segment() const { return m_segment; }
-    /// "backgroundColor", "backgroundImage" and "backgroundSize", as in CSS.
+    /// "backgroundColor" and "backgroundImage" (both empty at first) and "backgroundSize" ("100%"), as in
+    /// CSS.
     QVariantMap styles() const { return m_styles; }
+    /// The tracks of the lesson that the card belongs to; empty at first.
     QVariantList tracks() const { return m_tracks; }
+    /// The kind of card; "TEACHER" at first.
     QString type() const { return m_type; }
+    /// Whether devices show the card; true at first.
     bool visible() const { return m_visible; }
 
 public Q_SLOTS:
+    ///@{
+    /// Stores the value unchanged; emits nothing. The getter of the same name tells what it means.
     void setactive(bool active);
     void setautoSend(bool autoSend);
     void setcomponents(QVariantList components);
@@ -67,6 +87,7 @@ public Q_SLOTS:
     void settracks(QVariantList tracks);
     void settype(QString type);
     void setvisible(bool visible);
+    ///@}
     /// Sets the background image to \p url, unchanged: a data URI, or a CSS `url('...')`.
     void setBackgroundImage(QString url);
 

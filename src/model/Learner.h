@@ -20,7 +20,9 @@ struct CALYXCLIENT_EXPORT Learner
     /// The kind of device, as the service names it.
     QString deviceType;
 
+    /// All three texts null.
     Learner() = default;
+    /// The three texts as they are.
     Learner(const QString& deviceId, const QString& userName, const QString& deviceType);
 };
 

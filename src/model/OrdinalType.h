@@ -10,18 +10,20 @@ namespace Calyx {
 /// The schemes by which answer options are labelled.
 namespace OrdinalType {
 
+/// A labelling scheme: 0 to 10, in this order. Not to be mixed up with the kinds of poll, some of which have
+/// the same names.
 enum ORDINAL_TYPE {
-    TRUE_FALSE = 0,
-    YES_NO,
-    YES_NO_MAYBE,
-    YES_NO_UNSURE,
-    YES_NO_OTHER,
-    ALPHA_UPPER,
-    ALPHA_LOWER,
-    NUMBER,
-    AGREEMENT,
-    CONFIDENCE,
-    GENERIC
+    TRUE_FALSE = 0, ///< "true-false": options "A", "B", then "?", shown as TRUE, FALSE, DONTKNOW
+    YES_NO,         ///< "yes-no": options "A", "B", then "?", shown as YES, NO, DONTKNOW
+    YES_NO_MAYBE,   ///< "yes-no-maybe": as YES_NO
+    YES_NO_UNSURE,  ///< "yes-no-unsure": as YES_NO
+    YES_NO_OTHER,   ///< "yes-no-other": as YES_NO
+    ALPHA_UPPER,    ///< "alpha-upper": options "A", "B", "C"
+    ALPHA_LOWER,    ///< "alpha-lower": options "a", "b", "c"
+    NUMBER,         ///< "number": options "0", "1", "2"
+    AGREEMENT,      ///< "agreement": numbered as NUMBER
+    CONFIDENCE,     ///< "confidence": numbered as NUMBER
+    GENERIC         ///< "generic": numbered as NUMBER
 };
 
 /// The name that each scheme has on the wire, for example "alpha-upper".

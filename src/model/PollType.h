@@ -10,17 +10,18 @@ namespace Calyx {
 /// The kinds of poll.
 namespace PollType {
 
+/// A kind of poll: 0 to 9, in this order.
 enum POLL_TYPE {
-    TRUE_FALSE = 0,
-    YES_NO_OTHER,
-    MULTIPLE,
-    SCALE,
-    SORT,
-    TEXT,
-    WORD_SEED,
-    NUMBER,
-    CREATIVE,
-    MATH_FORMULA
+    TRUE_FALSE = 0, ///< "true-false": true or false
+    YES_NO_OTHER,   ///< "yes-no-other": yes, no, or a third option
+    MULTIPLE,       ///< "multiple": one or several of the options
+    SCALE,          ///< "scale": one step of a scale
+    SORT,           ///< "sort": the options, brought into order
+    TEXT,           ///< "text": a free text
+    WORD_SEED,      ///< "word-seed": single words; goes out as a poll document
+    NUMBER,         ///< "number": a number
+    CREATIVE,       ///< "creative": free work; goes out as a poll document
+    MATH_FORMULA    ///< "math formula": a formula in LaTeX
 };
 
 /// The name that each kind has on the wire, for example "yes-no-other".

@@ -10,7 +10,7 @@
 
 namespace Calyx {
 
-/// What every question has. JsonSerializer writes its properties.
+/// What every question has. Each getter is a Qt property and a key of the JSON.
 ///
 /// Setters store the value unchanged. Objects handed to setfeedBack() and setcard() are not taken over; those
 /// that the constructor made stay children of the question until it goes.
@@ -32,6 +32,7 @@ class CALYXCLIENT_EXPORT QuestionBase : public QObject
     Q_PROPERTY(bool navigable READ navigable WRITE setnavigable)
 
 public:
+    /// A question of no kind, with a new id, a QuestionFeedback and no card.
     explicit QuestionBase(QObject* parent = nullptr);
 
     /// The id under which answers come back: 8 letters and digits, the same for questions made within one
@@ -47,14 +48,19 @@ public:
     QVariantMap activityType() const { return m_activityType; }
     /// A QuestionFeedback unless another object was set; null once that has been deleted.
     QObject* feedBack() const { return m_feedBack; }
+    /// What is asked; empty at first: the device then asks in words of its own.
     QString instructions() const { return m_instructions; }
+    /// A text to read before answering; empty at first.
     QString passage() const { return m_passage; }
     /// A Card, or an object without properties, which is written as an empty object.
     QObject* card() const { return m_card; }
+    /// A hint that the learner may look at; empty at first.
     QString hint() const { return m_hint; }
     /// Whether the texts hold LaTeX.
     bool math() const { return m_math; }
+    /// Whether another question follows; false at first.
     bool hasNext() const { return m_hasNext; }
+    /// Whether the learner may go to other questions from here; false at first.
     bool navigable() const { return m_navigable; }
 
     /// Tells the learner's device that the question was answered before.
@@ -68,6 +74,8 @@ public Q_SLOTS:
     /// Sets the answer that the learner gave before.
     virtual void setPriorAnswer(QString answer);
 
+    ///@{
+    /// Stores the value unchanged; emits nothing. The getter of the same name tells what it means.
     void setID(QString value);
     void setquestionSetMode(QString questionSetMode);
     void setquestionNumber(int questionNumber);
@@ -82,6 +90,7 @@ public Q_SLOTS:
     void setmath(bool math);
     void sethasNext(bool hasNext);
     void setnavigable(bool navigable);
+    ///@}
 
 protected:
     /// Sets \p value as property \p name of the feedback object, whatever its class; dropped when there is

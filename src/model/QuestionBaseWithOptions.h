@@ -22,6 +22,7 @@ class CALYXCLIENT_EXPORT QuestionBaseWithOptions : public QuestionBase
     Q_PROPERTY(QVariant activityOptions READ getactivityOptions)
 
 public:
+    /// A question without options yet.
     explicit QuestionBaseWithOptions(QObject* parent = nullptr);
 
     /// A QuestionMetadata unless another object was set; null once that has been deleted. Not taken over when
@@ -50,8 +51,11 @@ public Q_SLOTS:
     /// Sets \p answer as the one option that the learner chose before.
     void setPriorAnswer(QString answer) override;
 
+    ///@{
+    /// Replaces the metadata object; \p metadata stays the caller's, and the one before stays a child.
     void setmetadata(QObject* metadata);
     void setmetadata(Calyx::QuestionMetadata* metadata);
+    ///@}
 
 protected:
     /// Sets the options with \p ids as those that the learner chose before, in this order.

@@ -11,8 +11,10 @@ class CALYXCLIENT_EXPORT QuestionCreative : public QuestionBaseWithOptions
     Q_OBJECT
 
 public:
+    /// A question as QuestionBaseWithOptions makes it.
     explicit QuestionCreative(QObject* parent = nullptr);
 
+    /// Always "creative".
     QString getType() const override;
 };
 

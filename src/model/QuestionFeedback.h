@@ -7,7 +7,8 @@
 
 namespace Calyx {
 
-/// Answer and feedback state of a question.
+/// Answer and feedback state of a question. Each getter is a Qt property and a key of the JSON; an invalid
+/// value is written as null. The learners' devices carry it out.
 class CALYXCLIENT_EXPORT QuestionFeedback : public QObject
 {
     Q_OBJECT
@@ -29,29 +30,45 @@ class CALYXCLIENT_EXPORT QuestionFeedback : public QObject
     Q_PROPERTY(QVariant remainingTime READ remainingTime WRITE setremainingTime)
 
 public:
+    /// The state of a question that nobody has answered.
     explicit QuestionFeedback(QObject* parent = nullptr);
 
+    /// Whether the learner reads correctFeedback() or inCorrectFeedback(); false at first.
     bool showFeedback() const { return m_showFeedback; }
+    /// Whether the learner sees the right answer; false at first.
     bool showCorrectAnswer() const { return m_showCorrectAnswer; }
+    /// The right answer to a question without options; invalid at first.
     QVariant correctAnswer() const { return m_correctAnswer; }
+    /// How the answer was scored, in the service's own words; invalid at first.
     QVariant activityScoreStatus() const { return m_activityScoreStatus; }
+    /// How far the answer has come, in the service's own words; invalid at first.
     QVariant activityResponseStatus() const { return m_activityResponseStatus; }
+    /// The right options: ids, or maps that hold "activityOptionId"; empty at first.
     QVariantList correctOptions() const { return m_correctOptions; }
     /// Learners may resubmit unless told otherwise.
     bool allowResubmit() const { return m_allowResubmit; }
+    /// What the learner reads after a right answer; invalid at first.
     QVariant correctFeedback() const { return m_correctFeedback; }
+    /// What the learner reads after a wrong answer; invalid at first.
     QVariant inCorrectFeedback() const { return m_inCorrectFeedback; }
+    /// The answer given before to a question without options; invalid at first.
     QVariant answer() const { return m_answer; }
+    /// The answer given before where it is more than a text; invalid at first.
     QVariant jsonAnswer() const { return m_jsonAnswer; }
     /// The options answered before: maps that hold "activityOptionId".
     QVariantList optionAnswers() const { return m_optionAnswers; }
+    /// What the learner reads about each option; empty at first.
     QVariantList optionFeedbacks() const { return m_optionFeedbacks; }
+    /// How often the learner may try again; 0 at first.
     int numberOfRetries() const { return m_numberOfRetries; }
     /// 99 tells the device that the question was answered before.
     int numberOfRetriesRemaining() const { return m_numberOfRetriesRemaining; }
+    /// The time that is left for the answer; invalid at first, for no limit.
     QVariant remainingTime() const { return m_remainingTime; }
 
 public Q_SLOTS:
+    ///@{
+    /// Stores the value unchanged; emits nothing. The getter of the same name tells what it means.
     void setshowFeedback(bool showFeedback);
     void setshowCorrectAnswer(bool showCorrectAnswer);
     void setcorrectAnswer(QVariant correctAnswer);
@@ -68,6 +85,7 @@ public Q_SLOTS:
     void setnumberOfRetries(int numberOfRetries);
     void setnumberOfRetriesRemaining(int numberOfRetriesRemaining);
     void setremainingTime(QVariant remainingTime);
+    ///@}
 
 private:
     bool m_showFeedback = false;

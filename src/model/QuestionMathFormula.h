@@ -11,8 +11,10 @@ class CALYXCLIENT_EXPORT QuestionMathFormula : public QuestionBase
     Q_OBJECT
 
 public:
+    /// A question as QuestionBase makes it.
     explicit QuestionMathFormula(QObject* parent = nullptr);
 
+    /// Always "math formula".
     QString getType() const override;
 };
 

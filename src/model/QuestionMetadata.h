@@ -8,7 +8,7 @@
 
 namespace Calyx {
 
-/// How the options of a question are labelled.
+/// How the options of a question are labelled. Each getter is a Qt property and a key of the JSON.
 class CALYXCLIENT_EXPORT QuestionMetadata : public QObject
 {
     Q_OBJECT
@@ -16,6 +16,7 @@ class CALYXCLIENT_EXPORT QuestionMetadata : public QObject
     Q_PROPERTY(QVariantList options READ options WRITE setoptions)
 
 public:
+    /// No scheme and no options.
     explicit QuestionMetadata(QObject* parent = nullptr);
 
     /// The name of the scheme, as in OrdinalType::ORDINAL_TYPE_STR().
@@ -24,8 +25,11 @@ public:
     QVariantList options() const { return m_options; }
 
 public Q_SLOTS:
+    ///@{
+    /// Stores the value unchanged; emits nothing. The getter of the same name tells what it means.
     void setordinalType(QString ordinalType);
     void setoptions(QVariantList options);
+    ///@}
 
 private:
     QString m_ordinalType = QStringLiteral("");

@@ -12,13 +12,17 @@ class CALYXCLIENT_EXPORT QuestionMultiChoice : public QuestionBaseWithOptions
     Q_PROPERTY(int numberOfCorrectOptions READ numberOfCorrectOptions WRITE setnumberOfCorrectOptions)
 
 public:
+    /// A question as QuestionBaseWithOptions makes it.
     explicit QuestionMultiChoice(QObject* parent = nullptr);
 
+    /// Always "multiple".
     QString getType() const override;
 
+    /// How many options are right, and so how many the learner picks; 1 at first.
     int numberOfCorrectOptions() const { return m_numberOfCorrectOptions; }
 
 public Q_SLOTS:
+    /// Stores the value unchanged; emits nothing.
     void setnumberOfCorrectOptions(int numberOfCorrectOptions);
     /// Takes each character of \p answer for the id of one option, in order.
     void setPriorAnswer(QString answer) override;

@@ -11,8 +11,10 @@ class CALYXCLIENT_EXPORT QuestionScale : public QuestionBaseWithOptions
     Q_OBJECT
 
 public:
+    /// A question as QuestionBaseWithOptions makes it.
     explicit QuestionScale(QObject* parent = nullptr);
 
+    /// Always "scale".
     QString getType() const override;
 };
 

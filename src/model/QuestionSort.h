@@ -11,8 +11,10 @@ class CALYXCLIENT_EXPORT QuestionSort : public QuestionBaseWithOptions
     Q_OBJECT
 
 public:
+    /// A question as QuestionBaseWithOptions makes it.
     explicit QuestionSort(QObject* parent = nullptr);
 
+    /// Always "sort".
     QString getType() const override;
 
 public Q_SLOTS:

@@ -11,8 +11,10 @@ class CALYXCLIENT_EXPORT QuestionWordSeed : public QuestionBase
     Q_OBJECT
 
 public:
+    /// A question as QuestionBase makes it.
     explicit QuestionWordSeed(QObject* parent = nullptr);
 
+    /// Always "word-seed".
     QString getType() const override;
 };
 

@@ -20,7 +20,9 @@ struct CALYXCLIENT_EXPORT RemoteControlMessage
     /// The decoded payload: a map, or what else the decoding gave; invalid when there is none.
     QVariant data;
 
+    /// No sender, no command, no payload.
     RemoteControlMessage() = default;
+    /// The three values as they are.
     RemoteControlMessage(const QString& from, const QString& type, const QVariant& data);
 };
 

@@ -34,6 +34,7 @@ public:
     };
     Q_ENUM(PROTOCOL_TYPE)
 
+    /// A connector without a connection. Sends nothing.
     explicit SockJSConnector(QObject* parent = nullptr);
     /// Gives every socket and thread back and emits nothing. Messages that were sent still go out.
     ~SockJSConnector() override;
@@ -55,7 +56,8 @@ public:
     /// connection that is open is closed first.
     bool open(QUrl url, QList<PROTOCOL_TYPE> protocols);
 
-    /// Closes the connection. On an open one closed(false) follows, once, from the event loop.
+    /// Closes the connection, and ends an open() that is still waiting. On an open one closed(false) follows,
+    /// once, from the event loop.
     void close();
 
     /// Sends \p message as one SockJS frame; dropped without a word when no transport is up. Unless
@@ -74,6 +76,7 @@ public:
     /// given up without closed(), and the next of the list is tried. 0, the default, sets no limit. Counts
     /// from the next open().
     void setOpenLimit(int msecs);
+    /// What setOpenLimit() has set, in milliseconds.
     int openLimit() const { return m_openLimit; }
 
 Q_SIGNALS:
@@ -88,11 +91,18 @@ Q_SIGNALS:
     void closed(bool bClosedForInactivity);
 
 protected Q_SLOTS:
+    /// Takes the session for open, whatever the server says: connected().
     void onConnected();
+    /// A transport has ended: falls back from a WebSocket to XHR polling before the open frame, else
+    /// closed().
     void onClosed();
+    /// Takes one SockJS frame apart: connected() at the open frame, sockJSMessage() for each message.
     void onTextMessageReceived(QString message);
+    /// Closes a connection that has not been used for over an hour.
     void onTimeout();
+    /// The WebSocket that is being opened is up.
     void openstate1();
+    /// The WebSocket that is being opened has failed or ended.
     void openstate2();
 
 private:

@@ -26,6 +26,7 @@ class CALYXCLIENT_EXPORT SockJSXHRPolling : public QObject
     Q_OBJECT
 
 public:
+    /// A transport that is not started.
     explicit SockJSXHRPolling(QObject* parent);
     /// Ends and joins the worker thread, within a moment; emits nothing. Posts that are not out yet are lost.
     ~SockJSXHRPolling() override;

@@ -25,17 +25,21 @@ public:
     /// makes a request that is dropped instead of being written.
     XHRRequest(const QString& path, const QString& payload, QObject* parent = nullptr);
 
+    /// The request path; its end tells what kind of request it is.
     QString path() const { return m_path; }
+    /// The request line, the headers and the body, as they go to the socket.
     QString payload() const { return m_payload; }
     /// A number of its own for each request of the process, from 1.
     int requestId() const { return m_requestId; }
 
     /// Whether the answer came chunked; false before its header has come.
     bool isChunked() const { return m_chunked; }
+    /// For the worker.
     void setChunked(bool chunked) { m_chunked = chunked; }
     /// The length that the answer's header gave, in bytes; 0 without a usable one and before the header has
     /// come.
     int contentLength() const { return m_contentLength; }
+    /// For the worker.
     void setContentLength(int length) { m_contentLength = length; }
 
 private:
