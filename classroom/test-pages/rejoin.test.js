@@ -2,8 +2,8 @@ import assert from 'node:assert/strict';
 import { after } from 'node:test';
 import { check } from './support/check.js';
 import { assertAccessible } from './support/accessible.js';
-import { closeBrowser, openPage } from './support/browser.js';
-import { field, heading, joinLearner, lesson, send, sent, teach } from './support/class.js';
+import { closeBrowser, openContext, openPage } from './support/browser.js';
+import { field, heading, joinLearner, lesson, send, sendForm, sent, teach } from './support/class.js';
 import { openWire } from './support/wire.js';
 
 after(closeBrowser);
@@ -127,4 +127,20 @@ check('a link to another session is followed, whatever place there was', async (
   await page.goto(`${url}/?code=654321`);
   await heading(page, 'Join your class');
   assert.equal(await field(page, 'Session code').inputValue(), '654321');
+});
+
+check('a codec that could not be loaded is loaded for the next message', async (t) => {
+  const { url, presenter } = await teach(t);
+  const context = await openContext(t);
+  await context.route('**/vendor/lzma.js', (route) => route.abort(), { times: 1 });
+  const page = await openPage(t, context);
+  page.mayFail = true;
+  await page.goto(`${url}/?code=${presenter.code}`);
+  const failed = page.waitForEvent('console', (message) => message.text().startsWith('A "join" cannot be sent'));
+  await sendForm(page, { name: 'Ann' });
+  await failed;
+  presenter.ask({ id: 'q', type: 'word-seed' });
+  await field(page, WORD).fill('begun');
+  await send(page).click();
+  assert.equal((await presenter.next('questionResponse')).value.answer, 'begun');
 });

@@ -1,5 +1,6 @@
 import assert from 'node:assert/strict';
 import { createRequire } from 'node:module';
+import { fileURLToPath } from 'node:url';
 import { chromium } from 'playwright-core';
 
 const { resolve } = createRequire(import.meta.url);
@@ -21,7 +22,11 @@ export const PHONE = { viewport: { width: 320, height: 640 }, hasTouch: true, is
 
 let launched;
 
-const launch = () => chromium.launch({ executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', args: FLAGS });
+const FONTS = fileURLToPath(new URL('fonts.conf', import.meta.url));
+
+const launch = () => chromium.launch({
+  executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', args: FLAGS, env: { ...process.env, FONTCONFIG_FILE: FONTS },
+});
 
 /** To be called once when the tests of a file are over. */
 export async function closeBrowser() {

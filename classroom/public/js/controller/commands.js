@@ -26,7 +26,7 @@ export const GROUPS = [
   {
     name: 'Presenter',
     commands: [
-      { type: 'presenterActive', label: 'Is it there?', said: 'Question to the presenter' },
+      { type: 'presenterActive', label: 'Is the presenter there?', said: 'Question to the presenter', kind: 'wide' },
       { type: 'requestLessonInfo', label: 'Ask for the lesson', said: 'Request for the lesson’s name' },
       { type: 'requestLesson', label: 'Ask for its cards', said: 'Request for the lesson’s cards' },
     ],

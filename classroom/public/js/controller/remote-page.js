@@ -28,7 +28,8 @@ export class RemotePage {
     this.#state = state;
     this.#send = send;
     this.#picker.addEventListener('change', () => this.#addImage());
-    this.element = el('div', { class: 'remote' }, this.#status(), ...GROUPS.map((group) => this.#group(group)), this.#rest());
+    this.element = el('div', { class: 'remote' }, this.#status(), ...GROUPS.map((group) => this.#group(group)), this.#rest(),
+      this.#sent);
     this.render();
   }
 
@@ -53,7 +54,7 @@ export class RemotePage {
     return el('section', { class: 'group', 'aria-labelledby': id }, el('h2', { id }, 'Lesson'),
       el('div', { class: 'commands' },
         button(ADD_IMAGE.label, () => this.#picker.click(), { class: 'command wide' }), this.#picker,
-        button(STOP.label, () => this.#stop(), { class: 'command wide danger' })), this.#sent);
+        button(STOP.label, () => this.#stop(), { class: 'command wide danger' })));
   }
 
   render() {

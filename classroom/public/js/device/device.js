@@ -56,8 +56,11 @@ export class Device {
       if (!this.connected) return false;
       this.#bus.publish(`${this.#token}.presenter`, { from: this.#profile.userToken, type, data });
       return true;
+    }).catch((error) => {
+      console.warn(`A "${type}" cannot be sent:`, error.message);
+      return false;
     });
-    this.#sending = sent.catch(() => {});
+    this.#sending = sent;
     return sent;
   }
 

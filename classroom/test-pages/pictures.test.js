@@ -1,0 +1,100 @@
+// The pictures of the pages in docs/images. They are made anew by each run, and kept where nothing shows to have changed.
+
+import assert from 'node:assert/strict';
+import { after } from 'node:test';
+import { mkdtempSync, readFileSync, rmSync } from 'node:fs';
+import { tmpdir } from 'node:os';
+import { join, sep } from 'node:path';
+import { closeBrowser } from './support/browser.js';
+import { check } from './support/check.js';
+import { field, heading, lesson, options, send, sent, teach, withTexts } from './support/class.js';
+import { joinController, stateOf } from './support/controller.js';
+import { asDataUri, card } from './support/pictures.js';
+import { takePicture } from './support/screenshot.js';
+
+after(closeBrowser);
+
+// Not high: a picture is as high as its page, and at least this.
+const PHONE = { viewport: { width: 390, height: 480 }, hasTouch: true, isMobile: true, deviceScaleFactor: 2 };
+const TABLET = { viewport: { width: 820, height: 480 }, deviceScaleFactor: 1.5 };
+const LEAF = readFileSync(new URL('../../presenter/lessons/images/leaf.png', import.meta.url));
+
+const CHOICE = {
+  id: 'choice', type: 'multiple', numberOfCorrectOptions: 2, instructions: 'Which two of these does a leaf take in?',
+  activityOptions: withTexts({ A: 'Oxygen', B: 'Carbon dioxide', C: 'Water', D: 'Sugar' }),
+  metadata: { ordinalType: 'alpha-upper', options: [] },
+};
+
+check('a poll on a telephone', async (t) => {
+  const { presenter, page } = await lesson(t, PHONE);
+  presenter.ask(CHOICE);
+  await page.getByRole('checkbox', { name: 'B Carbon dioxide' }).check();
+  await takePicture(page, 'learner-poll');
+});
+
+check('a card on a telephone', async (t) => {
+  const { presenter, page } = await lesson(t, PHONE);
+  presenter.publish('showCard', card(asDataUri(LEAF)), '.learner');
+  await page.getByRole('img', { name: 'Card from your teacher' }).evaluate((element) => element.decode());
+  await takePicture(page, 'learner-card');
+});
+
+check('an answered question in the dark', async (t) => {
+  const { presenter, page } = await lesson(t, { ...PHONE, colorScheme: 'dark' });
+  presenter.ask({
+    id: 'scale', type: 'scale', instructions: 'How sure are you of that?', activityOptions: options('0', '1', '2', '3', '4'),
+    metadata: { ordinalType: 'confidence', options: [0, 1, 2, 3, 4] },
+  });
+  await page.getByRole('radio', { name: 'Fairly confident' }).check();
+  await send(page).click();
+  await sent(page);
+  await takePicture(page, 'learner-dark');
+});
+
+check('an assessment on a tablet', async (t) => {
+  const { presenter, page, token } = await lesson(t, TABLET);
+  presenter.publishObject('assessmentStart', {
+    assessmentToken: 'leaves', questionCount: 5, title: 'Leaves and light', allowNavigateQuestionSet: true,
+  });
+  const give = async (number, question) => {
+    await presenter.next('questionGet');
+    presenter.ask({ id: `q${number}`, questionSetMode: 'Assessment', questionNumber: number, ...question }, `.user.${token}`);
+  };
+  await give(1, { type: 'number', instructions: 'How many leaves does a clover have?' });
+  await field(page, 'Your number').fill('3');
+  await send(page).click();
+  await sent(page);
+  await page.getByRole('button', { name: 'Next question' }).click();
+  await give(2, {
+    type: 'sort', instructions: 'Put these in order, from below to above.', activityOptions: withTexts({ A: 'Leaf', B: 'Root', C: 'Stem' }),
+    metadata: { ordinalType: 'alpha-upper', options: [] },
+  });
+  await heading(page, 'Put these in order, from below to above.');
+  await takePicture(page, 'learner-assessment');
+});
+
+check('the remote control on a telephone', async (t) => {
+  const { url, presenter } = await teach(t);
+  const { page } = await joinController(t, url, presenter.code, PHONE);
+  await presenter.next('requestLesson');
+  presenter.publish('currentLesson', { lessonId: 'Biology 7.3', name: 'Photosynthesis' }, '.controller');
+  presenter.publish('currentCard', { currentCard: '3', totalCards: '7', cards: [] }, '.controller');
+  presenter.publish('presenterIsActive', '%0', '.controller');
+  await heading(page, 'Photosynthesis');
+  await stateOf(page, 'Card', '3 of 7');
+  await stateOf(page, 'Presenter', 'is there');
+  await takePicture(page, 'controller');
+});
+
+check('a picture is written when something shows to have changed, and only then', async (t) => {
+  const folder = mkdtempSync(join(tmpdir(), 'pictures-')) + sep;
+  t.after(() => rmSync(folder, { recursive: true }));
+  const { presenter, page } = await lesson(t, PHONE);
+  assert.equal(await takePicture(page, 'page', folder), true);
+  assert.equal(await takePicture(page, 'page', folder), false);
+  presenter.ask(CHOICE);
+  await heading(page, CHOICE.instructions);
+  assert.equal(await takePicture(page, 'page', folder), true);
+  await page.getByRole('checkbox', { name: 'C Water' }).check();
+  assert.equal(await takePicture(page, 'page', folder), true);
+});
