@@ -181,6 +181,8 @@ check('a question that was answered before shows the answer and what is said abo
   await page.getByRole('radio', { name: 'Water' }).check();
   await send(page).click();
   assert.deepEqual((await presenter.next('questionResponse')).value.optionAnswers, [{ activityOptionId: 'B' }]);
+  await sent(page);
+  assert.equal(await page.getByText('Not quite.').count(), 0);
 });
 
 check('passage, hint and the picture behind a question are there to be read', async (t) => {

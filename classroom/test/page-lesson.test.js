@@ -45,6 +45,22 @@ check('an answer that may not be changed is not', async () => {
   assert.deepEqual([one.mayChangeAnswer, sent.length], [false, 1]);
 });
 
+check('an answer that was given before is changed, also over a reload, until the question comes again', async () => {
+  const made = lesson();
+  const before = (id) => choice('q', { feedBack: { numberOfRetriesRemaining: 99, optionAnswers: [{ activityOptionId: id }] } });
+  made.receive('questionStart', before('A'));
+  assert.deepEqual([made.lesson.activity.answer, made.lesson.activity.wasAnsweredBefore], [{ picked: [0] }, true]);
+  made.lesson.changeAnswer();
+  await made.lesson.answer({ picked: [1] });
+  const later = made.open();
+  later.restore(JSON.parse(JSON.stringify(made.lesson)));
+  for (const { activity } of [made.lesson, later]) {
+    assert.deepEqual([activity.answer, activity.wasAnsweredBefore], [{ picked: [1] }, false]);
+  }
+  later.handlers.questionStart(before('B'));
+  assert.deepEqual([later.activity.answer, later.activity.wasAnsweredBefore], [{ picked: [1] }, true]);
+});
+
 check('an answer that does not go out is not taken for one that has', async () => {
   const made = lesson();
   made.receive('questionStart', choice('q'));

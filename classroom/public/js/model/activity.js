@@ -10,10 +10,13 @@ export class Activity {
   changing = false;
   closed = false;
 
-  constructor({ kind, document, number = 0, draft = null, answer = null, closed = false, watch }, now) {
-    Object.assign(this, { kind, document, number, draft, answer, closed, watch: new Stopwatch(now, watch) });
-    this.answer = priorAnswer(this) ?? answer;
-    this.wasAnsweredBefore = priorAnswer(this) !== null;
+  // wasAnsweredBefore is known of one that was kept; of one that comes its document tells.
+  constructor({ kind, document, number = 0, draft = null, answer = null, closed = false, watch, wasAnsweredBefore }, now) {
+    Object.assign(this, { kind, document, number, draft, answer, closed, watch: new Stopwatch(now, watch), wasAnsweredBefore });
+    if (wasAnsweredBefore !== undefined) return;
+    const prior = priorAnswer(this);
+    this.answer = prior ?? answer;
+    this.wasAnsweredBefore = prior !== null;
   }
 
   get id() {
@@ -25,7 +28,7 @@ export class Activity {
   }
 
   toJSON() {
-    const { kind, document, number, draft, answer, closed, watch } = this;
-    return { kind, document, number, draft, answer, closed, watch: watch.toJSON() };
+    const { kind, document, number, draft, answer, closed, watch, wasAnsweredBefore } = this;
+    return { kind, document, number, draft, answer, closed, watch: watch.toJSON(), wasAnsweredBefore };
   }
 }

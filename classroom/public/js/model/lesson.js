@@ -98,7 +98,7 @@ export class Lesson {
     const { type, value } = responseTo(activity, answer, Math.round(activity.watch.elapsed), token);
     const sent = await this.#publish(type, value).catch(() => false);
     Object.assign(activity, { sending: false, failed: !sent });
-    if (sent) Object.assign(activity, { answer, draft: null, changing: false });
+    if (sent) Object.assign(activity, { answer, draft: null, changing: false, wasAnsweredBefore: false });
     this.#changed();
   }
 
@@ -170,7 +170,8 @@ export class Lesson {
   #asLeft(activity) {
     const { document, number } = activity;
     const known = [this.activity, this.assessment?.at(number)].find((one) => activity.isSameAs(one));
-    return known ? new Activity({ ...known.toJSON(), document, number, closed: false }, this.#now) : activity;
+    if (!known) return activity;
+    return new Activity({ ...known.toJSON(), document, number, closed: false, wasAnsweredBefore: undefined }, this.#now);
   }
 
   #stop() {
