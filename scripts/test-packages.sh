@@ -5,6 +5,8 @@
 packages+=(xz-utils openssl haproxy nginx-light tinyproxy golang-go golang-github-igm-sockjs-go-dev)
 # The browser in which the pages are tried, and what it writes with.
 packages+=(chromium fonts-open-sans fonts-urw-base35 fonts-dejavu-core)
+# What the desk writes learners' names with; its pictures are made with fonts-open-sans.
+packages+=(fonts-droid-fallback)
 # A host's makefile.
 packages+=(make)
 # The API reference, and its Qt help collection.

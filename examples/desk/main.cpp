@@ -1,0 +1,17 @@
+#include "DeskWindow.h"
+#include "Theme.h"
+
+#include <QApplication>
+#include <QLoggingCategory>
+
+// desk [ADDRESS]: the classroom service's.
+int main(int argc, char** argv)
+{
+    // The library writes down every message that comes and goes.
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+    QApplication application(argc, argv);
+    Theme::apply(application);
+    DeskWindow window(QApplication::arguments().value(1));
+    window.show();
+    return QApplication::exec();
+}

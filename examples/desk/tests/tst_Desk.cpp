@@ -1,0 +1,434 @@
+#include "Classmates.h"
+#include "DeskRobot.h"
+#include "Picture.h"
+#include "PollKinds.h"
+#include "Theme.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDropEvent>
+#include <QElapsedTimer>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QLoggingCategory>
+#include <QMimeData>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+namespace {
+
+/// Takes connections and never answers.
+class SilentServer : public QTcpServer
+{
+public:
+    SilentServer() { listen(QHostAddress::LocalHost); }
+    QString url() const { return QStringLiteral("http://127.0.0.1:%1").arg(serverPort()); }
+};
+
+NodeProgram* learners(const QString& url, int count)
+{
+    return new NodeProgram(QStringLiteral(DESK_CLASSROOM "/learners.js"),
+                           {QStringLiteral("--url"), url, QStringLiteral("--session"), QStringLiteral("auto"),
+                            QStringLiteral("--count"), QString::number(count), QStringLiteral("--quiet")});
+}
+
+QString answersInWords(const DeskRobot& desk)
+{
+    const QWidget* chart = desk.find("Answers");
+    return chart ? chart->accessibleDescription() : QString();
+}
+
+void dropOnCards(DeskRobot& desk, const QString& file)
+{
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(file)});
+    QWidget* const deck = desk.find("Cards");
+    const QPoint middle = deck->rect().center();
+    QDragEnterEvent enter(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(deck, &enter);
+    QVERIFY(enter.isAccepted());
+    QDropEvent drop(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(deck, &drop);
+}
+
+int sumOf(const QString& words)
+{
+    int sum = 0;
+    for (const QString& bar : words.split(QStringLiteral(", ")))
+        sum += bar.section(QStringLiteral(": "), -1).toInt();
+    return sum;
+}
+
+} // namespace
+
+class tst_Desk : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void saysWhyOneCannotLogInYet();
+    void tellsAWrongPassword();
+    void tellsAnAddressWhereNothingIs();
+    void canBeUsedWhileItWaits();
+    void closesWhileItWaits();
+    void putsEveryKindOfPoll();
+    void pausesAndResumes();
+    void showsCardsFromFilesAndDrops();
+    void refusesWhatIsNoPicture();
+    void obeysTheRemoteControl();
+    void endsTheLessonWhenItIsClosed();
+    void tellsALostConnection();
+    void worksByKeyboard();
+    void namesAllThatCanBeUsed();
+    void looksAsInThePictures();
+
+private:
+    DeskRobot& deskAt(const QString& server);
+    void remember(const QString& code) { m_code = code; }
+    NodeProgram* devices(const QStringList& answering = {});
+
+    std::unique_ptr<LocalClassroom> m_classroom;
+    std::unique_ptr<DeskRobot> m_desk;
+    QString m_code;
+};
+
+void tst_Desk::init()
+{
+    m_classroom = std::make_unique<LocalClassroom>();
+    QVERIFY2(!m_classroom->url().isEmpty(), "the classroom does not start");
+}
+
+void tst_Desk::cleanup()
+{
+    m_desk.reset();
+    m_classroom.reset();
+}
+
+DeskRobot& tst_Desk::deskAt(const QString& server)
+{
+    m_desk = std::make_unique<DeskRobot>(server);
+    return *m_desk;
+}
+
+NodeProgram* tst_Desk::devices(const QStringList& answering)
+{
+    return new NodeProgram(QStringLiteral(DESK_TESTS "/devices.mjs"),
+                           QStringList{QStringLiteral(DESK_CLASSROOM), m_classroom->url(), m_code} +
+                               answering);
+}
+
+void tst_Desk::saysWhyOneCannotLogInYet()
+{
+    DeskRobot& desk = deskAt(m_classroom->url());
+    QVERIFY(desk.show());
+    QVERIFY(!desk.find("Log in")->isEnabled());
+    QVERIFY(desk.find("Log in")->toolTip().contains(QStringLiteral("your password first")));
+    desk.type("User name", QStringLiteral("teacher"));
+    QVERIFY(!desk.find("Log in")->isEnabled());
+    desk.type("Password", QStringLiteral("chalk"));
+    QVERIFY(desk.find("Log in")->isEnabled());
+}
+
+void tst_Desk::tellsAWrongPassword()
+{
+    DeskRobot& desk = deskAt(m_classroom->url());
+    QVERIFY(desk.logIn(QStringLiteral("cha\"lk")));
+    QVERIFY(desk.reads(QStringLiteral("The service says: login.error.badCredentials")));
+    QVERIFY(desk.reads(QStringLiteral("Check the user name and the password")));
+    QTRY_VERIFY(desk.find("Password")->hasFocus());
+    QVERIFY(Picture::keep(&desk.window(), QStringLiteral("error"), desk.find("Service")->geometry()));
+}
+
+void tst_Desk::tellsAnAddressWhereNothingIs()
+{
+    const QString nowhere = SilentServer().url(); // closed again by now
+    DeskRobot& desk = deskAt(nowhere);
+    QVERIFY(desk.logIn());
+    QVERIFY(desk.reads(QStringLiteral("No classroom service answers at ") + nowhere));
+}
+
+void tst_Desk::canBeUsedWhileItWaits()
+{
+    const SilentServer silent;
+    DeskRobot& desk = deskAt(silent.url());
+    QVERIFY(desk.logIn());
+    QVERIFY(desk.find("Progress"));
+    QVERIFY(!desk.find("Log in")->isEnabled());
+    QVERIFY(desk.find("Log in")->toolTip().startsWith(QStringLiteral("Logging in to")));
+    QTRY_VERIFY(silent.hasPendingConnections());
+    QElapsedTimer clock;
+    clock.start();
+    QVERIFY(desk.click("Cancel"));
+    QVERIFY(desk.awaits("Log in"));
+    QVERIFY2(clock.elapsed() < 9000, "it waited for the service's 10 seconds");
+    QVERIFY(!desk.find("Progress"));
+    // It can be tried again.
+    desk.type("Service", m_classroom->url());
+    desk.type("Password", QStringLiteral("chalk"));
+    QVERIFY(desk.click("Log in"));
+    QVERIFY(desk.awaits("Start lesson"));
+}
+
+void tst_Desk::closesWhileItWaits()
+{
+    SilentServer silent;
+    DeskRobot& desk = deskAt(silent.url());
+    QVERIFY(desk.logIn());
+    QTRY_VERIFY(silent.hasPendingConnections());
+    QTcpSocket* const connection = silent.nextPendingConnection();
+    QTRY_VERIFY(connection->bytesAvailable() > 0);
+    QElapsedTimer clock;
+    clock.start();
+    desk.close();
+    QVERIFY2(clock.elapsed() < 9000, "it waited for the service's 10 seconds");
+    QTRY_COMPARE(connection->state(), QAbstractSocket::UnconnectedState);
+    QVERIFY(QApplication::topLevelWidgets().isEmpty());
+}
+
+void tst_Desk::putsEveryKindOfPoll()
+{
+    constexpr int count = 12;
+    DeskRobot& desk = deskAt(m_classroom->url());
+    const std::unique_ptr<NodeProgram> crowd(learners(m_classroom->url(), count));
+    QVERIFY(!desk.startLesson().isNull());
+    QVERIFY(desk.reads(QStringLiteral("Learners (%1)").arg(count)));
+    for (int kind = 0; kind < PollKinds::all().size(); ++kind) {
+        QVERIFY(desk.awaits("Kind of poll"));
+        desk.find<QComboBox>("Kind of poll")->setCurrentIndex(kind);
+        QVERIFY(desk.click("Start poll"));
+        QVERIFY2(desk.reads(QStringLiteral("%1 of %1 answered").arg(count)),
+                 qPrintable(PollKinds::all().at(kind).name));
+        QCOMPARE(sumOf(answersInWords(desk)), count);
+        QVERIFY(!desk.find("Start poll")->isEnabled());
+        QCOMPARE(desk.find("Start poll")->toolTip(), QStringLiteral("A poll is running: stop it first."));
+        QVERIFY(desk.click("Stop poll"));
+    }
+    QVERIFY(desk.click("End lesson"));
+    QVERIFY(desk.awaits("Start lesson"));
+    QCOMPARE(crowd->lineWith(QStringLiteral("learners: ")),
+             QStringLiteral("learners: joined=%1 questions=10 cards=0 answers=%2 decode-failures=0")
+                 .arg(count)
+                 .arg(count * PollKinds::all().size()));
+    QVERIFY(desk.click("Log out"));
+    QVERIFY(desk.awaits("Service"));
+}
+
+void tst_Desk::pausesAndResumes()
+{
+    DeskRobot& desk = deskAt(m_classroom->url());
+    remember(desk.startLesson());
+    const std::unique_ptr<NodeProgram> remote(devices());
+    QVERIFY(!remote->lineWith(QStringLiteral("joined")).isNull());
+    QVERIFY(!desk.find("Pause")->isEnabled());
+    QCOMPARE(desk.find("Pause")->toolTip(), QStringLiteral("No poll is running."));
+    QVERIFY(desk.click("Start poll"));
+    QVERIFY(desk.click("Pause"));
+    QVERIFY(desk.reads(QStringLiteral("Multiple choice (paused)")));
+    QVERIFY(!remote->lineWith(QStringLiteral("remote: pause")).isNull());
+    QVERIFY(desk.click("Resume"));
+    QVERIFY(desk.awaits("Pause"));
+    QVERIFY(!remote->lineWith(QStringLiteral("remote: resume")).isNull());
+}
+
+void tst_Desk::showsCardsFromFilesAndDrops()
+{
+    DeskRobot& desk = deskAt(m_classroom->url());
+    const std::unique_ptr<NodeProgram> crowd(learners(m_classroom->url(), 2));
+    QVERIFY(!desk.startLesson().isNull());
+    QVERIFY(desk.reads(QStringLiteral("Learners (2)")));
+    QCOMPARE(desk.find("Show to learners")->toolTip(), QStringLiteral("Add a picture first."));
+
+    QVERIFY(desk.click("Add picture"));
+    QFileDialog* dialog = nullptr;
+    QTRY_VERIFY(dialog = desk.window().findChild<QFileDialog*>());
+    auto* const name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    QVERIFY(name);
+    name->setText(QStringLiteral(DESK_LEAF));
+    QTest::keyClick(name, Qt::Key_Return);
+    QVERIFY(desk.reads(QStringLiteral("1 of 1")));
+    QVERIFY(desk.click("Show to learners"));
+    QVERIFY(desk.click("End lesson"));
+    QVERIFY(crowd->lineWith(QStringLiteral("learners: ")).contains(QStringLiteral("cards=1 ")));
+
+    dropOnCards(desk, QStringLiteral(DESK_LEAF));
+    QVERIFY(desk.reads(QStringLiteral("2 of 2")));
+    QVERIFY(desk.click("Previous"));
+    QVERIFY(desk.reads(QStringLiteral("1 of 2")));
+}
+
+void tst_Desk::refusesWhatIsNoPicture()
+{
+    DeskRobot& desk = deskAt(m_classroom->url());
+    QVERIFY(desk.logIn());
+    QVERIFY(desk.awaits("Start lesson"));
+    dropOnCards(desk, QStringLiteral(DESK_TESTS "/devices.mjs"));
+    QVERIFY(desk.reads(QStringLiteral("devices.mjs cannot be a card")));
+    QVERIFY(desk.click("Dismiss"));
+    QVERIFY(!desk.find("Dismiss"));
+}
+
+void tst_Desk::obeysTheRemoteControl()
+{
+    DeskRobot& desk = deskAt(m_classroom->url());
+    remember(desk.startLesson());
+    const std::unique_ptr<NodeProgram> remote(devices());
+    QVERIFY(!remote->lineWith(QStringLiteral("joined")).isNull());
+    dropOnCards(desk, QStringLiteral(DESK_LEAF));
+    QVERIFY(desk.reads(QStringLiteral("1 of 1")));
+    QVERIFY(!remote->lineWith(QStringLiteral("remote: currentCard {\"currentCard\":\"1\"")).isNull());
+
+    remote->say(QStringLiteral("presenterActive"));
+    QVERIFY(!remote->lineWith(QStringLiteral("remote: presenterIsActive")).isNull());
+    remote->say(QStringLiteral("requestLessonInfo"));
+    QVERIFY(
+        remote->lineWith(QStringLiteral("remote: currentLesson")).contains(QStringLiteral("at the desk")));
+
+    QFile leaf(QStringLiteral(DESK_LEAF));
+    QVERIFY(leaf.open(QIODevice::ReadOnly));
+    remote->say(QStringLiteral("addImageCard {\"name\":\"leaf\",\"url\":\"data:image/png;base64,%1\"}")
+                    .arg(QString::fromLatin1(leaf.readAll().toBase64())));
+    QVERIFY(desk.reads(QStringLiteral("2 of 2")));
+    remote->say(QStringLiteral("previousCard"));
+    QVERIFY(desk.reads(QStringLiteral("1 of 2")));
+    remote->say(QStringLiteral("nextCard"));
+    QVERIFY(desk.reads(QStringLiteral("2 of 2")));
+    QVERIFY(desk.reads(QStringLiteral("Next card")));
+
+    QVERIFY(desk.click("Start poll"));
+    QVERIFY(desk.awaits("Pause"));
+    for (const char* pausing : {"pause", "lockAll"}) {
+        remote->say(QString::fromLatin1(pausing));
+        QVERIFY(desk.awaits("Resume"));
+        remote->say(QLatin1String(pausing) == QLatin1String("pause") ? QStringLiteral("resume")
+                                                                     : QStringLiteral("unlockAll"));
+        QVERIFY(desk.awaits("Pause"));
+    }
+    const std::unique_ptr<NodeProgram> crowd(learners(m_classroom->url(), 2));
+    QVERIFY(desk.reads(QStringLiteral("Learners (2)")));
+    remote->say(QStringLiteral("pushCurrentCard"));
+    remote->say(QStringLiteral("stopSession"));
+    QVERIFY(desk.awaits("Start lesson"));
+    QVERIFY(crowd->lineWith(QStringLiteral("learners: ")).contains(QStringLiteral("cards=1 ")));
+}
+
+void tst_Desk::endsTheLessonWhenItIsClosed()
+{
+    DeskRobot& desk = deskAt(m_classroom->url());
+    const std::unique_ptr<NodeProgram> crowd(learners(m_classroom->url(), 2));
+    QVERIFY(!desk.startLesson().isNull());
+    QVERIFY(desk.reads(QStringLiteral("Learners (2)")));
+    desk.close();
+    QVERIFY(!crowd->lineWith(QStringLiteral("learners: joined=2")).isNull());
+}
+
+void tst_Desk::tellsALostConnection()
+{
+    DeskRobot& desk = deskAt(m_classroom->url());
+    QVERIFY(!desk.startLesson().isNull());
+    m_classroom->kill();
+    QVERIFY(m_classroom->waitForFinished());
+    QVERIFY(desk.reads(QStringLiteral("The connection to the lesson is lost")));
+    QCOMPARE(desk.find("Start poll")->toolTip(), QStringLiteral("The connection is lost: reconnect first."));
+    QVERIFY(desk.find("Reconnect")->isEnabled());
+    QVERIFY(desk.click("End lesson"));
+    QVERIFY(desk.awaits("Start lesson"));
+}
+
+void tst_Desk::worksByKeyboard()
+{
+    DeskRobot& desk = deskAt(m_classroom->url());
+    QVERIFY(desk.show());
+    QVERIFY(desk.find("User name")->hasFocus());
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("teacher"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("chalk"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    QVERIFY(desk.awaits("Start lesson"));
+    QTRY_VERIFY(desk.find("Start lesson")->hasFocus());
+    desk.press(Qt::Key_L);
+    QVERIFY(desk.awaits("Start poll"));
+    QTRY_VERIFY(desk.find("Kind of poll")->hasFocus());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+    QCOMPARE(desk.find<QComboBox>("Kind of poll")->currentText(), QStringLiteral("True or false"));
+    desk.press(Qt::Key_P);
+    QVERIFY(desk.awaits("Pause"));
+    desk.press(Qt::Key_U);
+    QVERIFY(desk.awaits("Resume"));
+    desk.press(Qt::Key_T);
+    QVERIFY(desk.awaits("Start poll"));
+    desk.press(Qt::Key_E);
+    QVERIFY(desk.awaits("Start lesson"));
+    desk.press(Qt::Key_O);
+    QVERIFY(desk.awaits("Service"));
+}
+
+void tst_Desk::namesAllThatCanBeUsed()
+{
+    DeskRobot& desk = deskAt(m_classroom->url());
+    QVERIFY(desk.show());
+    int controls = 0;
+    const QList<QWidget*> widgets = desk.window().findChildren<QWidget*>();
+    for (const QWidget* widget : widgets) {
+        // What a control is made of goes by the control's name.
+        const bool isPart =
+            widget->window() != &desk.window() || (widget->parentWidget()->focusPolicy() & Qt::TabFocus) != 0;
+        if (!(widget->focusPolicy() & Qt::TabFocus) || isPart)
+            continue;
+        ++controls;
+        QVERIFY2(!widget->accessibleName().isEmpty(), widget->metaObject()->className());
+        QVERIFY2(!widget->accessibleDescription().isEmpty() || widget->inherits("QGraphicsView"),
+                 qPrintable(widget->accessibleName()));
+    }
+    QCOMPARE(controls, 20);
+}
+
+// A class whose answers are always the same, so that the picture is; only the code differs.
+void tst_Desk::looksAsInThePictures()
+{
+    DeskRobot& desk = deskAt(m_classroom->url());
+    QVERIFY(desk.show());
+    QVERIFY(Picture::keep(&desk.window(), QStringLiteral("login"), desk.find("Service")->geometry()));
+    remember(desk.startLesson());
+    const QStringList answers = {
+        QStringLiteral("Amara=1"),     QStringLiteral("Bea=1"),     QStringLiteral("Chidi=0"),
+        QStringLiteral("Dilan=1"),     QStringLiteral("Elif=2"),    QStringLiteral("Farid=1"),
+        QStringLiteral("Greta=3"),     QStringLiteral("Hana=none"), QStringLiteral("Ines=0"),
+        QStringLiteral("Jos\u00e9=1"), QStringLiteral("Kofi=2"),    QStringLiteral("Lena=none")};
+    const std::unique_ptr<NodeProgram> remote(devices(answers));
+    QVERIFY(desk.reads(QStringLiteral("Learners (12)")));
+    dropOnCards(desk, QStringLiteral(DESK_LEAF));
+    QVERIFY(desk.reads(QStringLiteral("1 of 1")));
+    QVERIFY(!remote->lineWith(QStringLiteral("joined")).isNull());
+    remote->say(QStringLiteral("pushCurrentCard"));
+    QVERIFY(desk.reads(QStringLiteral("Its last command: Show the card")));
+    QVERIFY(desk.click("Start poll"));
+    QVERIFY(desk.reads(QStringLiteral("10 of 12 answered")));
+    QCOMPARE(answersInWords(desk), QStringLiteral("A: 2, B: 5, C: 2, D: 1"));
+    const QString code = QStringLiteral("Lesson code ") + m_code;
+    QWidget* const label = desk.find(qPrintable(code));
+    QVERIFY(label);
+    const QRect changing(label->mapTo(&desk.window(), QPoint()), label->size());
+    QVERIFY(Picture::keep(&desk.window(), QStringLiteral("lesson"), changing));
+}
+
+int main(int argc, char** argv)
+{
+    for (const char* name :
+         {"http_proxy", "https_proxy", "all_proxy", "HTTP_PROXY", "HTTPS_PROXY", "ALL_PROXY"})
+        qunsetenv(name);
+    // Nothing here needs a window manager or an X server, and this platform draws the same pixels without.
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false")); // the library's notes
+    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setFont(QFont(QStringLiteral("Open Sans"), 10)); // the same pictures everywhere
+    Theme::apply(application);
+    tst_Desk test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_Desk.moc"
