@@ -156,6 +156,46 @@ private Q_SLOTS:
         QCOMPARE(classroom.requests().last(), QStringLiteral("/login/logout"));
     }
 
+    void theRemoteControlStopsTheSessionAndThePromptStays()
+    {
+        FakeClassroom classroom;
+        Terminal terminal(arguments(classroom));
+        terminal.type("login\rsession start\r");
+        TRY(terminal.text().contains("is live"));
+        terminal.type("wait learners 3\r");
+        TRY(terminal.text().contains("calyx> wait learners 3"));
+        classroom.remote("stopSession");
+        TRY(terminal.text().contains("Session 123456 is stopped."));
+        terminal.type("say still here\r");
+        TRY(terminal.text().endsWith("\nstill here\ncalyx>"));
+        QCOMPARE(classroom.requests().last(), QStringLiteral("/session/stop"));
+        terminal.type("quit\r");
+        TRY_ENDED(0);
+    }
+
+    void theProgressOfAnAssessmentIsShown()
+    {
+        FakeClassroom classroom;
+        Terminal terminal(arguments(classroom));
+        terminal.type("login\rsession start\rassessment question text\rassessment question number\r");
+        TRY(terminal.text().contains("is live"));
+        classroom.join("d1", "Ann");
+        classroom.join("d2", "Bea");
+        TRY(terminal.text().contains("2 here"));
+        terminal.type("assessment start title=Leaves\r");
+        TRY(terminal.text().contains("Leaves  0 of 2 finished"));
+        classroom.send("d1", "questionGet", QVariantMap{{"questionNumber", 1}});
+        TRY(!classroom.lastQuestion().isEmpty());
+        classroom.answer("d1", classroom.lastQuestion(), {}, "word");
+        TRY(terminal.text().contains(
+            QRegularExpression("  1 text    █+  1   50 %\n  2 number +0    0 %\ncalyx>$")));
+        terminal.type("assessment stop\r");
+        TRY(terminal.text().contains("  2 learners, 1 answer.\ncalyx>"));
+        QCOMPARE(terminal.screen().filter("of 2 finished").size(), 1);
+        terminal.type("quit\r");
+        TRY_ENDED(0);
+    }
+
     void anotherWidthIsUsed()
     {
         FakeClassroom classroom;

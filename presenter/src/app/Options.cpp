@@ -36,7 +36,7 @@ way; at the prompt, Ctrl-C first gives up what is under way. A third such signal
 at once.
 
 Exit status:
-  0    the whole lesson did what it says
+  0    the whole lesson did what it says, or the remote control ended it
   1    something in it failed
   2    the command line or the script is wrong; nothing was done
   3    the service could not be reached

@@ -47,6 +47,19 @@ void Runner::giveUp()
     m_host.waiter.interrupt();
 }
 
+void Runner::stopSession()
+{
+    m_queue.clear();
+    if (m_onFailure == EndLesson) {
+        m_isStopped = true;
+        m_host.isQuitting = true;
+    } else {
+        m_queue.enqueue({QStringLiteral("session stop"), QString()});
+    }
+    m_host.waiter.interrupt();
+    runSoon();
+}
+
 void Runner::runSoon()
 {
     QMetaObject::invokeMethod(this, &Runner::runNext, Qt::QueuedConnection);
@@ -84,8 +97,8 @@ void Runner::run(const CommandLine& line)
 
 void Runner::fail(const CommandLine& line, const Outcome& outcome)
 {
-    // What a signal cut short is no failure of its own.
-    if (m_signal != 0)
+    // What a signal or the remote control cut short is no failure of its own.
+    if (m_signal != 0 || m_isStopped)
         return;
     const QString origin = line.origin.isEmpty() ? QString() : line.origin + QStringLiteral(": ");
     m_host.screen.error(origin + outcome.message);

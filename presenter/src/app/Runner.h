@@ -27,6 +27,9 @@ public:
     /// A signal asks to end the lesson. Where failed commands do not end it, SIGINT first gives up what is
     /// under way.
     void interrupt(int signal);
+    /// The remote control asks to stop the session. Where failed commands end the lesson, this ends it, too,
+    /// as something that was to be.
+    void stopSession();
 
 Q_SIGNALS:
     /// What was open has been stopped; the program can exit.
@@ -47,6 +50,7 @@ private:
     bool m_isGivenUp = false; // the command under way
     bool m_isInputOver = false;
     bool m_isEnding = false;
+    bool m_isStopped = false; // by the remote control
     int m_signal = 0;
     int m_status = ExitCode::Done;
 };

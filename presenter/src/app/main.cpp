@@ -130,6 +130,7 @@ int run(QCoreApplication& application, const Options& options, const ScriptFile:
 
     const bool hasScript = !options.script.isEmpty();
     Runner runner(host, hasScript || !isTyped() ? Runner::EndLesson : Runner::GoOn);
+    QObject::connect(&lesson.remoteControl(), &RemoteControl::stopRequested, &runner, &Runner::stopSession);
     UnixSignals unixSignals;
     QObject::connect(&unixSignals, &UnixSignals::received, &runner, [&](int signal) {
         if (signal == SIGWINCH || signal == SIGCONT)
@@ -142,6 +143,7 @@ int run(QCoreApplication& application, const Options& options, const ScriptFile:
     std::unique_ptr<LineSource> source;
     if (hasScript) {
         host.folder = QFileInfo(options.script).absolutePath();
+        lesson.name = QFileInfo(options.script).completeBaseName();
         for (const CommandLine& line : script.lines)
             runner.add(line);
         runner.finishInput();

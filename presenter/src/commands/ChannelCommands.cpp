@@ -52,3 +52,29 @@ Outcome Handlers::ping(Host& host, const Arguments&)
         host.lesson.collab()->sendPing();
     return live;
 }
+
+Outcome Handlers::lesson(Host& host, const Arguments& given)
+{
+    Arguments arguments = given;
+    Support::takeSetting(arguments, QStringLiteral("id"), host.lesson.id);
+    if (!arguments.isEmpty())
+        host.lesson.name = arguments.join(QLatin1Char(' '));
+    host.lesson.remoteControl().tellLesson();
+    return Outcome::done();
+}
+
+Outcome Handlers::lock(Host& host, const Arguments&)
+{
+    const Outcome live = Support::needLive(host);
+    if (live.isDone())
+        host.lesson.setLocked(true);
+    return live;
+}
+
+Outcome Handlers::unlock(Host& host, const Arguments&)
+{
+    const Outcome live = Support::needLive(host);
+    if (live.isDone())
+        host.lesson.setLocked(false);
+    return live;
+}

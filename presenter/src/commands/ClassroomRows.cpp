@@ -10,16 +10,17 @@ using P = Place;
 // A row tells all about a command; clang-format would put each member on a line of its own.
 // clang-format off
 const Command rows[] = {
-    {"poll", "TYPE [ORDINAL] [OPTIONS] [EXTRA] [picture FILE | ref REFERENCE]", "Put a poll to the learners.",
+    {"poll", "TYPE [ORDINAL] [OPTIONS] [EXTRA] [picture FILE | upload FILE | ref REFERENCE]", "Put a poll to the learners.",
      "TYPE: true-false, yes-no-other, multiple, scale, sort, text, word-seed, number, creative,\n"
      "math-formula. ORDINAL labels the options: true-false, yes-no, yes-no-maybe, yes-no-unsure,\n"
      "yes-no-other, alpha-upper, alpha-lower, number, agreement, confidence, generic. OPTIONS is\n"
      "their number; of a number poll, its decimals. EXTRA is the number of correct options of a\n"
-     "multiple choice. What is left out is what the type usually has. A picture is a PNG file, or\n"
-     "an address from which devices can load it. A poll that runs is stopped first.\n"
+     "multiple choice. What is left out is what the type usually has. A picture is a PNG file that\n"
+     "travels in the message, a file that is uploaded, or an address from which devices can load it.\n"
+     "A poll that runs is stopped first.\n"
      "Examples: poll true-false    poll multiple alpha-upper 5 2    poll number 2\n"
      "          poll scale agreement 5 picture images/leaf.png",
-     1, -1, false, {P::PollType, P::Ordinal}, "picture ref", Handlers::poll},
+     1, -1, false, {P::PollType, P::Ordinal}, "picture upload ref", Handlers::poll},
     {"poll stop", "", "Stop the poll and show its final tally.", "", 0, 0, false, {}, "", Handlers::pollStop},
     {"poll pause", "", "Let the learners pause.", "", 0, 0, false, {}, "", Handlers::pollPause},
     {"poll resume", "", "Let the learners go on.", "", 0, 0, false, {}, "", Handlers::pollResume},
@@ -36,8 +37,29 @@ const Command rows[] = {
      "", 1, 1, false, {P::File}, "", Handlers::upload},
     {"heavy", "", "Tell the learners' devices that something large is coming.",
      "", 0, 0, false, {}, "", Handlers::heavy},
-    {"remote lesson", "ID NAME", "Tell the remote control which lesson this is.",
-     "", 2, 2, false, {}, "", Handlers::remoteLesson},
+    {"deck", "", "List the cards of the lesson.",
+     "They are what the remote control goes through, and pushes to the learners.",
+     0, 0, false, {}, "", Handlers::deck},
+    {"deck add", "FILE [name=TEXT]", "Add a PNG picture to the lesson's cards.",
+     "", 1, 2, false, {P::File}, "name=", Handlers::deckAdd},
+    {"deck upload", "FILE [name=TEXT]", "Upload a picture and add it by its address.",
+     "", 1, 2, false, {P::File}, "name=", Handlers::deckUpload},
+    {"deck ref", "REFERENCE [name=TEXT]", "Add a picture that devices load from an address.",
+     "", 1, 2, false, {}, "name=", Handlers::deckReference},
+    {"deck next", "", "Go to the next card.", "", 0, 0, false, {}, "", Handlers::deckNext},
+    {"deck previous", "", "Go to the card before.", "", 0, 0, false, {}, "", Handlers::deckPrevious},
+    {"deck go", "NUMBER", "Go to a card.", "", 1, 1, false, {P::Number}, "", Handlers::deckGo},
+    {"deck show", "", "Show the current card on the learners' devices.",
+     "", 0, 0, false, {}, "", Handlers::deckShow},
+    {"lock", "", "Cover the learners' devices with a text.",
+     "Until \"unlock\", or until the next poll starts.",
+     0, 0, false, {}, "", Handlers::lock},
+    {"unlock", "", "Let the learners go on.", "", 0, 0, false, {}, "", Handlers::unlock},
+    {"lesson", "[NAME] [id=ID]", "Name the lesson, for the remote control.",
+     "Without a name of its own it is called as its script.",
+     1, -1, false, {}, "id=", Handlers::lesson},
+    {"remote lesson", "ID NAME", "Tell the remote control of some lesson.",
+     "By itself it is told of this one.", 2, 2, false, {}, "", Handlers::remoteLesson},
     {"remote card", "NUMBER TOTAL", "Tell the remote control which card is shown.",
      "", 2, 2, false, {P::Number, P::Number}, "", Handlers::remoteCard},
     {"remote active", "", "Tell the remote control that the presenter is here.",

@@ -55,7 +55,7 @@ QStringList atPlace(const Command& command, const QStringList& arguments, const 
 {
     // Behind these words stands a file, at whatever place.
     const QString before = arguments.isEmpty() ? QString() : arguments.last();
-    if (before == QLatin1String("picture"))
+    if (before == QLatin1String("picture") || before == QLatin1String("upload"))
         return files(piece, folder);
     switch (CommandTable::place(command, arguments.size())) {
     case Place::PollType:

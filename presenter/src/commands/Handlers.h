@@ -43,8 +43,19 @@ Outcome cardReference(Host& host, const Arguments& arguments);
 Outcome cardUpload(Host& host, const Arguments& arguments);
 Outcome upload(Host& host, const Arguments& arguments);
 Outcome heavy(Host& host, const Arguments& arguments);
+Outcome deck(Host& host, const Arguments& arguments);
+Outcome deckAdd(Host& host, const Arguments& arguments);
+Outcome deckUpload(Host& host, const Arguments& arguments);
+Outcome deckReference(Host& host, const Arguments& arguments);
+Outcome deckNext(Host& host, const Arguments& arguments);
+Outcome deckPrevious(Host& host, const Arguments& arguments);
+Outcome deckGo(Host& host, const Arguments& arguments);
+Outcome deckShow(Host& host, const Arguments& arguments);
 
 // ChannelCommands
+Outcome lesson(Host& host, const Arguments& arguments);
+Outcome lock(Host& host, const Arguments& arguments);
+Outcome unlock(Host& host, const Arguments& arguments);
 Outcome remoteLesson(Host& host, const Arguments& arguments);
 Outcome remoteCard(Host& host, const Arguments& arguments);
 Outcome remoteActive(Host& host, const Arguments& arguments);

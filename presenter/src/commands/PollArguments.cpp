@@ -32,8 +32,9 @@ Outcome PollArguments::take(Arguments& arguments, PollPlan& plan)
     arguments.removeFirst();
 
     const auto isOption = [](const QString& word) {
-        return word == QLatin1String("picture") || word == QLatin1String("ref") ||
-               word.contains(QLatin1Char('='));
+        static const QStringList pictures = {QStringLiteral("picture"), QStringLiteral("upload"),
+                                             QStringLiteral("ref")};
+        return pictures.contains(word) || word.contains(QLatin1Char('='));
     };
     bool isNumber = false;
     if (!arguments.isEmpty())

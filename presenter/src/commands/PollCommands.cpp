@@ -6,7 +6,6 @@
 #include "lesson/Lesson.h"
 #include "terminal/Screen.h"
 #include "text/Chart.h"
-#include "text/JsonText.h"
 #include "text/Table.h"
 #include "text/Text.h"
 
@@ -22,35 +21,25 @@ Outcome needPoll(Host& host)
     return host.lesson.board().isRunning() ? Outcome::done() : Outcome::failed(noPoll);
 }
 
-// What goes along with a poll.
-struct Picture
-{
-    QByteArray png;
-    QString reference;
-};
-
-// "picture FILE" or "ref REFERENCE".
+// "picture FILE", "upload FILE" or "ref REFERENCE".
 Outcome readPicture(Host& host, const Arguments& arguments, Picture& picture)
 {
+    const QString kind = arguments.value(0);
     if (arguments.isEmpty())
         return Outcome::done();
-    if (arguments.size() == 2 && arguments.first() == QLatin1String("picture"))
-        return Support::readPicture(host, arguments.last(), picture.png);
-    if (arguments.size() == 2 && arguments.first() == QLatin1String("ref")) {
-        picture.reference = arguments.last();
+    if (arguments.size() == 2 && kind == QLatin1String("picture"))
+        return Support::readPicture(host, arguments.last(), picture);
+    if (arguments.size() == 2 && kind == QLatin1String("upload")) {
+        Support::Upload upload;
+        const Outcome stored = Support::upload(host, arguments.last(), upload);
+        picture = Picture::ofReference(upload.address);
+        return stored;
+    }
+    if (arguments.size() == 2 && kind == QLatin1String("ref")) {
+        picture = Picture::ofReference(arguments.last());
         return Outcome::done();
     }
-    return Outcome::failed(
-        QStringLiteral("\"%1\" is not understood here. See \"help poll\".").arg(arguments.first()));
-}
-
-void setPicture(PresenterCollab* collab, const Picture& picture)
-{
-    collab->clearCardImage();
-    if (!picture.png.isEmpty())
-        collab->setCardImage(picture.png);
-    if (!picture.reference.isEmpty())
-        collab->setCardImageRef(JsonText::escaped(picture.reference));
+    return Outcome::failed(QStringLiteral("\"%1\" is not understood here. See \"help poll\".").arg(kind));
 }
 
 // All bars that are as long as the longest.
@@ -92,7 +81,7 @@ Outcome Handlers::poll(Host& host, const Arguments& given)
     }
     if (const Outcome live = Support::needLive(host); !live.isDone())
         return live;
-    setPicture(host.lesson.collab(), picture);
+    picture.setOn(host.lesson.collab());
     host.lesson.startPoll(plan);
     if (!host.screen.isLive())
         host.screen.note(

@@ -10,6 +10,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 namespace {
 
@@ -114,13 +115,36 @@ Outcome Support::readFile(Host& host, const QString& name, QByteArray& content)
     return Outcome::done();
 }
 
-Outcome Support::readPicture(Host& host, const QString& name, QByteArray& content)
+Outcome Support::readPicture(Host& host, const QString& name, Picture& picture)
 {
+    QByteArray content;
     const Outcome read = readFile(host, name, content);
     if (read.isDone() && !content.startsWith("\x89PNG\r\n\x1a\n"))
         return Outcome::failed(
-            QStringLiteral("%1 is not a PNG file. Show others with \"card upload\".").arg(name));
+            QStringLiteral("%1 is not a PNG file. Others can be uploaded: see \"help card\".").arg(name));
+    picture = Picture::ofPng(content);
     return read;
+}
+
+Outcome Support::upload(Host& host, const QString& name, Upload& upload)
+{
+    QByteArray content;
+    if (const Outcome read = readFile(host, name, content); !read.isDone())
+        return read;
+    // The service takes the name as it stands, between double quotes.
+    QString plainName = Text::clean(QFileInfo(name).fileName());
+    plainName.replace(QLatin1Char('"'), QLatin1Char('_'));
+    QString path;
+    PresenterClient& client = host.lesson.client();
+    if (!client.doUploadResource(plainName, content, &upload.id, &path))
+        return refused(host, QStringLiteral("The upload of %1").arg(name),
+                       QStringLiteral("Check that you are logged in and that the file is not too large for "
+                                      "the service."));
+    if (upload.id.isEmpty())
+        return Outcome::failed(
+            QStringLiteral("%1 was uploaded, but the service gave no id for it.").arg(name));
+    upload.address = client.server() + path;
+    return Outcome::done();
 }
 
 Outcome Support::findLearner(Host& host, const QString& text, QString& deviceId)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "commands/Command.h"
+#include "lesson/Picture.h"
 
 #include <QByteArray>
 #include <QString>
@@ -23,7 +24,15 @@ bool takeSetting(Arguments& arguments, const QString& name, QString& value);
 /// Reads a file whose name is relative to the lesson's folder.
 Outcome readFile(Host& host, const QString& name, QByteArray& content);
 /// Reads a PNG file.
-Outcome readPicture(Host& host, const QString& name, QByteArray& content);
+Outcome readPicture(Host& host, const QString& name, Picture& picture);
+
+/// A file that the service keeps.
+struct Upload
+{
+    QString id;
+    QString address;
+};
+Outcome upload(Host& host, const QString& name, Upload& upload);
 
 /// The device of the one learner that \p text names.
 Outcome findLearner(Host& host, const QString& text, QString& deviceId);

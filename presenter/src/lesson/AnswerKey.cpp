@@ -1,7 +1,5 @@
 #include "lesson/AnswerKey.h"
 
-#include "text/Text.h"
-
 #include <algorithm>
 
 using namespace Calyx;

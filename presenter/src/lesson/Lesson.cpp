@@ -8,6 +8,7 @@
 
 #include <QJsonDocument>
 #include <QTime>
+#include <QUuid>
 
 #include <algorithm>
 #include <utility>
@@ -24,15 +25,20 @@ QString shown(const QVariant& data)
     QString text = data.toString();
     if (data.type() == QVariant::Map || data.type() == QVariant::List)
         text = QString::fromUtf8(QJsonDocument::fromVariant(data).toJson(QJsonDocument::Compact));
-    return Text::clean(text).left(longestText);
+    return Text::clean(text.left(2 * longestText)).left(longestText); // a picture is long
 }
 
 } // namespace
 
-Lesson::Lesson(const QString& server) : m_client(nullptr, server), m_desk(m_roster)
+Lesson::Lesson(const QString& server)
+    : id(QUuid::createUuid().toString(QUuid::WithoutBraces))
+    , m_client(nullptr, server)
+    , m_desk(m_roster)
+    , m_remoteControl(*this)
 {
     connect(&m_desk, &AssessmentDesk::changed, this, &Lesson::changed);
     connect(&m_desk, &AssessmentDesk::happened, this, &Lesson::happened);
+    connect(&m_remoteControl, &RemoteControl::happened, this, &Lesson::happened);
     constexpr int patience = 2000; // ms
     m_earlyTimer.setSingleShot(true);
     m_earlyTimer.setInterval(patience);
@@ -104,6 +110,7 @@ void Lesson::forgetSession()
 {
     m_early.clear();
     m_roster.clear();
+    m_isLocked = false;
     Q_EMIT changed();
 }
 
@@ -120,6 +127,7 @@ void Lesson::startPoll(const PollPlan& plan)
 {
     m_collab->startPoll(plan.type, plan.ordinal, plan.options, plan.extra);
     m_lastIdSecond = std::time(nullptr);
+    m_isLocked = false; // the question takes the place of the text
     const QString question = m_collab->currentQuestionId();
     m_board.start(plan, question.isEmpty() ? m_collab->currentPollId() : question);
     Q_EMIT changed();
@@ -148,6 +156,49 @@ void Lesson::showText(const QString& id, const QString& text, bool isDismissible
     PresenterAssessment(nullptr, m_collab).sendMessage(id, text, isDismissible, isReview);
 }
 
+bool Lesson::goToCard(int number)
+{
+    if (!m_deck.go(number))
+        return false;
+    Q_EMIT happened(
+        QStringLiteral("  Card %1 of %2: %3")
+            .arg(QString::number(number), QString::number(m_deck.count()), m_deck.card(number).name),
+        Ink::Plain);
+    return true;
+}
+
+bool Lesson::showCurrentCard()
+{
+    if (m_deck.current() == 0)
+        return false;
+    const Deck::Card& card = m_deck.card(m_deck.current());
+    showPicture(card.picture, card.name);
+    return true;
+}
+
+void Lesson::showPicture(const Picture& picture, const QString& name)
+{
+    picture.setOn(m_collab);
+    m_collab->showImageCard(true);
+    ++m_cards;
+    Q_EMIT happened(QStringLiteral("Card shown: %1").arg(name), Ink::Plain);
+}
+
+void Lesson::setLocked(bool locked)
+{
+    if (locked || m_isLocked) {
+        m_isLocked = locked;
+        showLock(QString());
+    }
+}
+
+// There is no message that takes a text away: another takes its place.
+void Lesson::showLock(const QString& id)
+{
+    const char* const text = m_isLocked ? "Please look at your teacher." : "You can go on.";
+    showText(id, QLatin1String(text), !m_isLocked, false);
+}
+
 void Lesson::tellJoin(const QString& deviceId)
 {
     m_mostLearners = qMax(m_mostLearners, m_roster.presentCount());
@@ -169,6 +220,8 @@ void Lesson::join(const Learner& learner)
         return;
     tellJoin(learner.deviceId);
     m_desk.onJoin(learner.deviceId);
+    if (m_isLocked)
+        showLock(learner.deviceId);
     Q_EMIT changed();
 }
 
@@ -213,6 +266,12 @@ void Lesson::onRemoteControl(const RemoteControlMessage& message)
     if (const QString data = shown(message.data); !data.isEmpty())
         text += QLatin1Char(' ') + data;
     Q_EMIT happened(text, Ink::Strong);
+    // Every device of the session can send such a message.
+    if (m_roster.isPresent(message.from))
+        Q_EMIT happened(QStringLiteral("  Not done: it came from %1.").arg(m_roster.name(message.from)),
+                        Ink::Bad);
+    else
+        m_remoteControl.obey(message);
 }
 
 void Lesson::onUnhandled(const QVariantMap& body, const QVariant& data)

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "lesson/AssessmentDesk.h"
+#include "lesson/Deck.h"
 #include "lesson/PollBoard.h"
+#include "lesson/RemoteControl.h"
 #include "lesson/Roster.h"
 #include "text/Style.h"
 
@@ -66,7 +68,22 @@ public:
     /// review of the questions.
     void showText(const QString& id, const QString& text, bool isDismissible, bool isReview);
 
-    void countCard() { ++m_cards; }
+    /// What the remote control gets to know of it.
+    QString id;
+    QString name = QStringLiteral("Lesson");
+
+    RemoteControl& remoteControl() { return m_remoteControl; }
+    const Deck& deck() const { return m_deck; }
+    void addCard(const Deck::Card& card) { m_deck.add(card); }
+    /// False when there is no such card.
+    bool goToCard(int number);
+    /// Shows the deck's current card to the learners. False when there is none.
+    bool showCurrentCard();
+    void showPicture(const Picture& picture, const QString& name);
+
+    /// Covers the learners' devices with a text until they are unlocked, or a poll starts.
+    void setLocked(bool locked);
+
     int cards() const { return m_cards; }
     /// The most learners who were here at once.
     int mostLearners() const { return m_mostLearners; }
@@ -89,6 +106,7 @@ private:
     void onRemoteControl(const Calyx::RemoteControlMessage& message);
     void onUnhandled(const QVariantMap& body, const QVariant& data);
     void onClosed(bool forInactivity);
+    void showLock(const QString& id);
     void tellJoin(const QString& deviceId);
     void tellLeave(const QString& deviceId);
 
@@ -99,8 +117,11 @@ private:
     QList<Calyx::Learner> m_early; // listed, not heard yet
     QTimer m_earlyTimer;
     PollBoard m_board;
+    Deck m_deck;
+    RemoteControl m_remoteControl;
     int m_cards = 0;
     int m_mostLearners = 0;
     std::time_t m_lastIdSecond = 0;
+    bool m_isLocked = false;
     bool m_expectsClose = false;
 };

@@ -4,6 +4,7 @@ import { spawn } from 'node:child_process';
 import { once } from 'node:events';
 import { join } from 'node:path';
 import { createInterface } from 'node:readline';
+import { pathToFileURL } from 'node:url';
 
 const [presenter, source] = process.argv.slice(2);
 const running = new Set();
@@ -32,6 +33,9 @@ async function listeningUrl(child) {
   throw new Error('the classroom ended before it listened');
 }
 
+/** A module of the classroom. */
+export const classroomModule = (name) => import(pathToFileURL(join(source, 'classroom', 'lib', name)));
+
 export const lessonFile = (name) => join(source, 'presenter', 'lessons', name);
 
 export function numberOf(text, pattern) {
@@ -41,20 +45,24 @@ export function numberOf(text, pattern) {
 }
 
 /**
- * Teaches the lesson of that name to so many learners; alongside({ url }) may take part. What the host and the learners
- * have printed, once all have ended well.
+ * Teaches the lesson of that name to so many learners. What the host and the learners have printed, once all have ended
+ * well. watch(url), if any, is waited for before the learners come; what it resolves with is called after the lesson,
+ * while the classroom is still there.
  */
-export async function teach(name, count, alongside = async () => {}) {
+export async function teach(name, count, watch = async () => () => {}) {
   const classroom = node('server.js', '--port', '0', '--quiet');
   const url = await listeningUrl(classroom.child);
-  const learners = node('learners.js', '--url', url, '--session', 'auto', '--count', String(count));
   const host = start(presenter, [
     '--server', url, '--user', 'teacher', '--password', 'chalk', '--script', lessonFile(name),
   ]);
-  const [lesson] = await Promise.all([host.ended, alongside({ url })]);
+  const endedEarly = host.ended.then(({ text }) => assert.fail(`the host has ended already:\n${text}`));
+  const conclude = await Promise.race([watch(url), endedEarly]);
+  const learners = node('learners.js', '--url', url, '--session', 'auto', '--count', String(count));
+  const lesson = await host.ended;
   assert.equal(lesson.code, 0, lesson.text);
   const totals = await learners.ended;
   assert.equal(totals.code, 0, totals.text);
+  await conclude();
   classroom.child.kill('SIGTERM');
   assert.equal((await classroom.ended).code, 0, 'the classroom did not end cleanly');
   return { lesson: lesson.text, learners: totals.text };

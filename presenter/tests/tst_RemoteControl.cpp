@@ -1,0 +1,328 @@
+#include "FakeClassroom.h"
+#include "Presenter.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+constexpr int limit = 30000; // ms
+
+const QString goLive = QStringLiteral("login\nsession start\n");
+const QString leaf = QStringLiteral("\"" CALYX_LESSONS "/images/leaf.png\"");
+const QString threeCards = QStringLiteral("lesson Light and leaves id=l-1\ndeck add %1 name=\"My leaf\"\n"
+                                          "deck ref http://pictures.example/two.png\ndeck upload %1\n")
+                               .arg(leaf);
+
+QStringList arguments(const FakeClassroom& classroom, const QStringList& more = {})
+{
+    return QStringList{"--server", classroom.url(), "--user", "teacher", "--password", "chalk"} + more;
+}
+
+// What the presenter has sent of a type, decoded.
+QList<QJsonObject> sent(const FakeClassroom& classroom, const QString& type)
+{
+    QList<QJsonObject> all;
+    for (const FakeClassroom::Message& message : classroom.messages()) {
+        if (message.type == type)
+            all.append(QJsonDocument::fromJson(message.text.toUtf8()).object());
+    }
+    return all;
+}
+
+int count(const FakeClassroom& classroom, const QString& type)
+{
+    return sent(classroom, type).size();
+}
+
+// "2 of 3", as the remote control was told last.
+QString card(const FakeClassroom& classroom)
+{
+    const QList<QJsonObject> all = sent(classroom, "currentCard");
+    if (all.isEmpty())
+        return QString();
+    return all.last().value("currentCard").toVariant().toString() + " of " +
+           all.last().value("totalCards").toVariant().toString();
+}
+
+QString shownUrl(const FakeClassroom& classroom)
+{
+    const QJsonArray components = sent(classroom, "showCard").last().value("components").toArray();
+    return components.first().toObject().value("blob").toObject().value("url").toString();
+}
+
+} // namespace
+
+#define TRY(condition)                                                                                       \
+    QTRY_VERIFY2_WITH_TIMEOUT(condition, qPrintable(presenter.output() + presenter.errors()), limit)
+#define TRY_OUTPUT(text) TRY(presenter.output().contains(text))
+#define TRY_ENDED(expected)                                                                                  \
+    TRY(!presenter.isRunning());                                                                             \
+    QVERIFY2(presenter.status() == (expected), qPrintable(presenter.output() + presenter.errors()))
+
+// What the remote control asks for, and what the host makes of it.
+class tst_RemoteControl : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void requestsAreAnswered()
+    {
+        FakeClassroom classroom;
+        Presenter presenter(arguments(classroom));
+        presenter.write("login\n" + threeCards + "session start\n");
+        TRY_OUTPUT("is live");
+        classroom.remote("presenterActive");
+        TRY(count(classroom, "presenterIsActive") == 1);
+        classroom.remote("requestLessonInfo");
+        TRY(count(classroom, "currentLesson") == 1);
+        QCOMPARE(sent(classroom, "currentLesson").first().value("lessonId").toString(),
+                 QStringLiteral("l-1"));
+        QCOMPARE(sent(classroom, "currentLesson").first().value("name").toString(),
+                 QStringLiteral("Light and leaves"));
+        QCOMPARE(count(classroom, "currentCard"), 0);
+        classroom.remote("requestLesson");
+        TRY(count(classroom, "currentLesson") == 2);
+        TRY(card(classroom) == "1 of 3");
+        for (const FakeClassroom::Message& message : classroom.messages())
+            QCOMPARE(message.address, QStringLiteral("session-token.controller"));
+        presenter.closeInput();
+        TRY_ENDED(0);
+    }
+
+    void cardsAreGoneThroughAndPushed()
+    {
+        FakeClassroom classroom;
+        Presenter presenter(arguments(classroom));
+        presenter.write("login\n" + threeCards + "session start\n");
+        TRY_OUTPUT("is live");
+        classroom.remote("pushCurrentCard");
+        TRY(count(classroom, "showCard") == 1);
+        QVERIFY(shownUrl(classroom).startsWith("data:image/png;base64,"));
+        classroom.remote("nextCard");
+        TRY(card(classroom) == "2 of 3");
+        QCOMPARE(count(classroom, "showCard"), 1); // going is not showing
+        classroom.remote("pushCurrentCard");
+        TRY(count(classroom, "showCard") == 2);
+        QCOMPARE(shownUrl(classroom), QStringLiteral("http://pictures.example/two.png"));
+        classroom.remote("nextCard");
+        classroom.remote("nextCard");
+        TRY_OUTPUT("Not done: there is no further card.");
+        QCOMPARE(card(classroom), QStringLiteral("3 of 3"));
+        QCOMPARE(count(classroom, "currentCard"), 5);
+        classroom.remote("pushCurrentCard");
+        TRY(count(classroom, "showCard") == 3);
+        QVERIFY(shownUrl(classroom).endsWith("?resourceId=resource-1"));
+        classroom.remote("previousCard");
+        classroom.remote("previousCard");
+        classroom.remote("previousCard");
+        TRY_OUTPUT("Not done: there is no earlier card.");
+        QCOMPARE(card(classroom), QStringLiteral("1 of 3"));
+        presenter.write("deck next\ndeck\n");
+        presenter.closeInput();
+        TRY_ENDED(0);
+        QCOMPARE(card(classroom), QStringLiteral("2 of 3")); // told of what is typed, too
+        const QString output = presenter.output();
+        QVERIFY2(output.contains("  Card 2 of 3: two.png\n"), qPrintable(output));
+        QVERIFY2(output.contains("     1  My leaf   PNG, 5707 bytes\n"), qPrintable(output));
+        QVERIFY2(output.contains("  >  2  two.png   http://pictures.example/two.png\n"), qPrintable(output));
+    }
+
+    void aPictureBecomesACard()
+    {
+        FakeClassroom classroom;
+        Presenter presenter(arguments(classroom));
+        presenter.write(goLive);
+        TRY_OUTPUT("is live");
+        classroom.remote("pushCurrentCard");
+        TRY_OUTPUT("Not done: there is no card.");
+        QCOMPARE(count(classroom, "showCard"), 0);
+        QCOMPARE(card(classroom), QStringLiteral("0 of 0"));
+        const QString small = QStringLiteral("data:image/jpeg;base64,/9j/4AAQSkZJRg==");
+        classroom.remote("addImageCard", QVariantMap{{"name", "Board\033[2J"}, {"url", small}});
+        TRY(card(classroom) == "1 of 1");
+        QCOMPARE(count(classroom, "showCard"), 0);
+        classroom.remote("pushCurrentCard");
+        TRY(count(classroom, "showCard") == 1);
+        QCOMPARE(shownUrl(classroom), small);
+        QCOMPARE(count(classroom, "heavy"), 0);
+        classroom.remote("addImageCard",
+                         QVariantMap{{"url", "data:image/png;base64," + QString(600000, 'A')}});
+        TRY(card(classroom) == "2 of 2");
+        classroom.remote("pushCurrentCard");
+        TRY(count(classroom, "showCard") == 2);
+        QCOMPARE(count(classroom, "heavy"), 1);
+        presenter.closeInput();
+        TRY_ENDED(0);
+        QVERIFY(presenter.output().contains("  Card 1 of 1: Board[2J\n"));
+        QVERIFY(presenter.output().contains("  Card 2 of 2: Picture\n"));
+    }
+
+    void whatIsNoPictureIsNoCard_data()
+    {
+        QTest::addColumn<QVariant>("data");
+        QTest::newRow("nothing") << QVariant();
+        QTest::newRow("no address") << QVariant(QVariantMap{{"name", "x"}});
+        QTest::newRow("script") << QVariant(QVariantMap{{"url", "javascript:alert(1)"}});
+        QTest::newRow("file") << QVariant(QVariantMap{{"url", "file:///etc/hostname"}});
+        QTest::newRow("text") << QVariant(QVariantMap{{"url", "data:text/html;base64,AAAA"}});
+        QTest::newRow("not base64") << QVariant(QVariantMap{{"url", "data:image/png;base64,AA\"AA"}});
+        QTest::newRow("empty") << QVariant(QVariantMap{{"url", "data:image/png;base64,"}});
+    }
+
+    void whatIsNoPictureIsNoCard()
+    {
+        QFETCH(QVariant, data);
+        FakeClassroom classroom;
+        Presenter presenter(arguments(classroom));
+        presenter.write(goLive);
+        TRY_OUTPUT("is live");
+        classroom.remote("addImageCard", data);
+        TRY_OUTPUT("Not done: this is no picture.");
+        QCOMPARE(count(classroom, "currentCard"), 0);
+        presenter.closeInput();
+        TRY_ENDED(0);
+    }
+
+    void pollsAndAssessmentsArePausedAndResumed()
+    {
+        FakeClassroom classroom;
+        Presenter presenter(arguments(classroom));
+        presenter.write(goLive);
+        TRY_OUTPUT("is live");
+        classroom.remote("pause");
+        TRY_OUTPUT("Not done: neither a poll nor an assessment is under way.");
+        QCOMPARE(count(classroom, "pause"), 0);
+        presenter.write("poll text\n");
+        TRY(!classroom.lastQuestion().isEmpty());
+        classroom.remote("pause");
+        TRY(count(classroom, "pause") == 1);
+        presenter.write("poll status\n");
+        TRY_OUTPUT("  paused");
+        classroom.remote("resume");
+        TRY(count(classroom, "resume") == 1);
+        presenter.write("assessment question text\nassessment start\n");
+        TRY(count(classroom, "assessmentStart") == 1);
+        classroom.remote("pause");
+        TRY(count(classroom, "pause") == 2);
+        classroom.remote("resume");
+        TRY(count(classroom, "resume") == 2);
+        presenter.closeInput();
+        TRY_ENDED(0);
+    }
+
+    void devicesAreLockedAndUnlocked()
+    {
+        FakeClassroom classroom;
+        Presenter presenter(arguments(classroom));
+        presenter.write(goLive);
+        TRY_OUTPUT("is live");
+        classroom.remote("unlockAll"); // nothing is locked
+        classroom.remote("lockAll");
+        TRY(count(classroom, "dialogShow") == 1);
+        QCOMPARE(sent(classroom, "dialogShow").last().value("isDismissible").toBool(true), false);
+        classroom.join("d1", "Ann"); // comes to a locked class
+        TRY(count(classroom, "dialogShow") == 2);
+        QCOMPARE(classroom.messages().last().address, QStringLiteral("session-token.user.d1"));
+        classroom.remote("unlockAll");
+        TRY(count(classroom, "dialogShow") == 3);
+        QCOMPARE(sent(classroom, "dialogShow").last().value("isDismissible").toBool(), true);
+        presenter.write("lock\npoll text\n");
+        TRY(!classroom.lastQuestion().isEmpty());
+        classroom.join("d2", "Bea"); // the poll has unlocked
+        presenter.write("unlock\n");
+        presenter.closeInput();
+        TRY_ENDED(0);
+        QCOMPARE(count(classroom, "dialogShow"), 4);
+    }
+
+    void aLearnersDeviceIsNoRemoteControl()
+    {
+        FakeClassroom classroom;
+        Presenter presenter(arguments(classroom));
+        presenter.write(goLive);
+        TRY_OUTPUT("is live");
+        classroom.join("d1", "Ann");
+        classroom.send("d1", "stopSession", QVariant());
+        TRY_OUTPUT("Not done: it came from Ann.");
+        presenter.write("poll text\n"); // the session goes on
+        TRY(!classroom.lastQuestion().isEmpty());
+        presenter.closeInput();
+        TRY_ENDED(0);
+    }
+
+    void stoppingTheSessionEndsTheLessonWell()
+    {
+        FakeClassroom classroom;
+        QTemporaryDir folder;
+        QFile script(folder.filePath("ended.lesson"));
+        QVERIFY(script.open(QIODevice::WriteOnly));
+        script.write("login\nsession start\nsay waiting\nwait learners 5\nsay never said\n");
+        script.close();
+        Presenter presenter(arguments(classroom, {"--script", script.fileName()}));
+        TRY_OUTPUT("waiting");
+        classroom.remote("requestLessonInfo");
+        TRY(count(classroom, "currentLesson") == 1);
+        QCOMPARE(sent(classroom, "currentLesson").first().value("name").toString(), QStringLiteral("ended"));
+        classroom.remote("stopSession");
+        TRY_ENDED(0);
+        QCOMPARE(presenter.errors(), QString());
+        QVERIFY(!presenter.output().contains("never said"));
+        QCOMPARE(count(classroom, "disconnect"), 1);
+        QCOMPARE(classroom.requests().mid(classroom.requests().size() - 2),
+                 QStringList({"/session/stop", "/login/logout"}));
+    }
+
+    void anUploadedPictureGoesWithAPoll()
+    {
+        FakeClassroom classroom;
+        Presenter presenter(arguments(classroom));
+        presenter.write(goLive + QStringLiteral("poll text upload %1\npoll word-seed upload %1\n").arg(leaf));
+        presenter.closeInput();
+        TRY_ENDED(0);
+        const QString address =
+            QStringLiteral("url('%1/tavisto/resource/downloadResourceFile?resourceId=resource-1')")
+                .arg(classroom.url());
+        for (const char* type : {"questionStart", "poll"}) {
+            const QJsonObject styles =
+                sent(classroom, type).first().value("card").toObject().value("styles").toObject();
+            QCOMPARE(styles.value("backgroundImage").toString(), address);
+        }
+        QVERIFY(classroom.body("/resource/uploadResourceFile").contains("filename=\"leaf.png\""));
+    }
+
+    void cardsThatAreNotThereAreRefused_data()
+    {
+        QTest::addColumn<QString>("lines");
+        QTest::addColumn<QString>("part");
+        QTest::newRow("none to show") << goLive + "deck show\n"
+                                      << "The lesson has no cards.";
+        QTest::newRow("none further") << "deck add " + leaf + "\ndeck next\n"
+                                      << "There is no card 2: the lesson has 1 card.";
+        QTest::newRow("no such number") << "deck go 1\n"
+                                        << "There is no card 1: the lesson has 0 cards.";
+        QTest::newRow("no file") << "deck add no.png\n"
+                                 << "no.png cannot be read";
+        QTest::newRow("no upload") << "deck upload no.png\n"
+                                   << "no.png cannot be read";
+        QTest::newRow("not live") << "lock\n"
+                                  << "No session is live.";
+    }
+
+    void cardsThatAreNotThereAreRefused()
+    {
+        QFETCH(QString, lines);
+        QFETCH(QString, part);
+        FakeClassroom classroom;
+        Presenter presenter(arguments(classroom));
+        presenter.write(lines);
+        TRY_ENDED(1);
+        QVERIFY2(presenter.errors().contains(part), qPrintable(presenter.errors()));
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_RemoteControl)
+#include "tst_RemoteControl.moc"
