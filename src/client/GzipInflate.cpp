@@ -9,6 +9,7 @@ namespace {
 constexpr int smallestInput = 5;
 constexpr int detectHeader = 15 + 32; // the largest window, and zlib or gzip by the header
 constexpr uInt bufferSize = 1024;
+constexpr int largestResult = 64 * 1024 * 1024;
 
 bool isFatal(int result)
 {
@@ -40,7 +41,7 @@ QByteArray gUncompress(const QByteArray& data)
             return QByteArray();
         }
         result.append(buffer, static_cast<int>(bufferSize - stream.avail_out));
-    } while (stream.avail_out == 0);
+    } while (stream.avail_out == 0 && result.size() <= largestResult);
     inflateEnd(&stream);
-    return result;
+    return result.size() <= largestResult ? result : QByteArray();
 }

@@ -20,6 +20,7 @@
 namespace {
 
 constexpr int replyLimit = 10000; // ms
+constexpr qint64 largestReply = 64 * 1024 * 1024;
 
 QString issuerName(const QSslCertificate& certificate)
 {
@@ -99,12 +100,16 @@ void PresenterClient::doRequest(bool wait, const QUrl& url, const QByteArray& bo
                                 : QStringLiteral("application/json; charset=UTF-8"));
     QNetworkReply* reply = m_manager->post(request, body);
     m_callbacks[reply] = {success, failure};
+    connect(reply, &QNetworkReply::readyRead, reply, [reply] {
+        if (reply->bytesAvailable() > largestReply)
+            reply->abort(); // ends in slotRequestFinished(), as any failed reply
+    });
     if (!wait)
         return;
     const auto isProcessed = [this, reply] { return !m_callbacks.contains(reply); };
     if (NestedWait::run(this, &PresenterClient::requestProcessed, isProcessed, replyLimit) ==
         NestedWait::TimedOut)
-        reply->abort(); // ends in slotRequestFinished(), as any failed reply
+        reply->abort();
 }
 
 // One operation's request. False when the client has been destroyed during the wait.

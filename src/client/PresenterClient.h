@@ -103,8 +103,8 @@ public:
     /// Posts \p body as JSON (or, with \p multipart, as multipart form data) to \p url. With \p wait, blocks
     /// until the reply has been processed: the success handler was called with its body, or the failure
     /// handler with the reply and its body. A redirect calls neither. A reply that takes longer than 10
-    /// seconds is aborted and fails. Either handler may be null; handlers set what the accessors tell.
-    /// Without \p wait, requestProcessed() tells that the reply has come.
+    /// seconds, or is larger than 64 MiB, is aborted and fails. Either handler may be null; handlers set what
+    /// the accessors tell. Without \p wait, requestProcessed() tells that the reply has come.
     void doRequest(bool wait, const QUrl& url, const QString& body, SuccessHandler success);
     void doRequest(bool wait, const QUrl& url, const QString& body, SuccessHandler success,
                    FailureHandler failure, bool multipart);

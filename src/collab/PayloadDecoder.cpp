@@ -6,10 +6,19 @@
 
 namespace {
 
+// Characters, of all chunks together. A picture takes some 15 million; a frame of 50 kB can hold a text that
+// takes all memory once it is JSON.
+constexpr int largestPayload = 32 * 1024 * 1024;
+
+bool isTooLarge(const QString& text)
+{
+    return text.size() > largestPayload;
+}
+
 QVariant decodeText(const QString& text)
 {
     QString json;
-    if (!Lzma::decompress64(text, &json) && !Lzma::decompress(text, &json)) {
+    if ((!Lzma::decompress64(text, &json) && !Lzma::decompress(text, &json)) || isTooLarge(json)) {
         qCDebug(diagnostics) << "[MessageHandler.Decompressed] FAILED to decompress, forwarding raw string!";
         return text;
     }
@@ -26,6 +35,8 @@ bool decompressChunks(const QVariantList& chunks, QString* out)
         QString part;
         if (!text.isEmpty() && Lzma::decompress64(text, &part)) {
             out->append(part);
+            if (isTooLarge(*out))
+                return false;
             any = true;
         }
     }
@@ -40,7 +51,7 @@ QVariant decodeList(const QVariantList& list)
     if (list.first().userType() == QMetaType::QString) {
         if (!decompressChunks(list, &json))
             return QVariant();
-    } else if (!Lzma::decompress(list, &json)) {
+    } else if (!Lzma::decompress(list, &json) || isTooLarge(json)) {
         qCDebug(diagnostics) << "[MessageHandler.Decompressed] FAILED to decompress List!";
         return QVariant();
     }

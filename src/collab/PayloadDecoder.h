@@ -3,7 +3,8 @@
 #include <QVariant>
 
 /// Decodes the "data" of an inbound message body: a compressed base64 text, a list of such texts (chunks,
-/// each compressed on its own), or compressed bytes as a list of numbers.
+/// each compressed on its own), or compressed bytes as a list of numbers. More than 32 million characters of
+/// text, all chunks together, count as data that cannot be decoded.
 namespace PayloadDecoder {
 
 /// The decoded value; invalid when there is no data or it cannot be decoded. A single text that is not

@@ -78,6 +78,15 @@ bool compressText(const QString& text, Bytes& block, size_t& blockLen)
                          blockLen);
 }
 
+// What no encoder is set to, and xz refuses as well: the tables then take 6 MiB, which a block of 20 bytes
+// would have us fill, and a message can hold many.
+bool hasLargeTables(unsigned char contexts)
+{
+    const int literalContexts = contexts % 9;
+    const int literalPositions = contexts / 9 % 5;
+    return literalContexts + literalPositions > 4;
+}
+
 // The decoder with an output buffer that grows with what is really decoded: the sizes in a block are claims.
 class BlockDecoder
 {
@@ -88,7 +97,7 @@ public:
 
     bool decode(const unsigned char* block, size_t len)
     {
-        if (len < smallestBlock)
+        if (len < smallestBlock || hasLargeTables(block[0]))
             return false;
         const qint32 claimed = qFromLittleEndian<qint32>(block + sizeOffset);
         if (claimed < 0 || LzmaDec_AllocateProbs(&m_state, block, LZMA_PROPS_SIZE, &g_Alloc) != SZ_OK)

@@ -16,7 +16,8 @@
 ///
 /// All operations return true on success and leave what their pointer arguments point to as it was on
 /// failure; none logs. They may be called on any thread. They take time and memory in proportion to what they
-/// read and write, never to what a block claims; a block of more than 256 MiB of decoded bytes fails.
+/// read and write, never to what a block claims; a block of more than 256 MiB of decoded bytes fails, and so
+/// does one whose lc and lp together are above 4.
 class CALYXCLIENT_EXPORT Lzma
 {
 public:

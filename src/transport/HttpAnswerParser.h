@@ -15,7 +15,7 @@ public:
     /// Bytes that a header may have with the garbage before it, or the line with a chunk's size.
     static constexpr int MaxHeadSize = 64 * 1024;
     /// Bytes that a body, a chunk, or one frame of a stream may have.
-    static constexpr int MaxBodySize = 256 * 1024 * 1024;
+    static constexpr int MaxBodySize = 64 * 1024 * 1024;
 
     struct Event
     {

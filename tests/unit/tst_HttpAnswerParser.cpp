@@ -422,7 +422,7 @@ void tst_HttpAnswerParser::largestHeaderIsTaken()
 void tst_HttpAnswerParser::largestLengthIsAwaited()
 {
     HttpAnswerParser parser;
-    parser.add(head("Content-Length: 268435456\r\n") + "ab");
+    parser.add(head("Content-Length: 67108864\r\n") + "ab");
     QCOMPARE(parser.next().contentLength, HttpAnswerParser::MaxBodySize);
     QCOMPARE(parser.next().type, Event::Incomplete);
     QCOMPARE(parser.pending(), QByteArray("ab"));
@@ -457,7 +457,7 @@ void tst_HttpAnswerParser::endlessFrameOfAStreamIsBroken()
         event = parser.next();
     }
     QCOMPARE(event.type, Event::Broken);
-    QCOMPARE(pieces, 65);
+    QCOMPARE(pieces, 17);
 }
 
 void tst_HttpAnswerParser::resetAfterAnOverrunStartsAnew()

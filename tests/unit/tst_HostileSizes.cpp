@@ -1,0 +1,139 @@
+// Little that claims or becomes much: what comes from outside must not take the host's memory or time.
+
+#include "support/ClientProbe.h"
+#include "support/FakeService.h"
+#include "support/Gzip.h"
+
+#include <CalyxClient/CollaborationMessageHandler>
+#include <CalyxClient/Lzma>
+#include <CalyxClient/gUncompress>
+
+#include <QtTest>
+
+using Answer = FakeService::Answer;
+
+namespace {
+
+constexpr int MiB = 1024 * 1024;
+constexpr int LARGEST_REPLY = 64 * MiB;
+constexpr int LARGEST_PAYLOAD = 32 * MiB;
+
+QByteArray blockOf(const QString& text)
+{
+    QString base64;
+    return Lzma::compress64(text, &base64) ? QByteArray::fromBase64(base64.toLatin1()) : QByteArray();
+}
+
+// A JSON object of so many characters.
+QString objectOf(int size)
+{
+    const QString empty = QStringLiteral(R"({"a":""})");
+    return QString(empty).insert(empty.size() - 2, QString(size - empty.size(), QLatin1Char('x')));
+}
+
+QVariantList numbers(const QByteArray& bytes)
+{
+    QVariantList list;
+    for (const char byte : bytes)
+        list.append(int(byte));
+    return list;
+}
+
+QVariant decoded(const QVariant& data)
+{
+    return CollaborationMessageHandler().getDataValue({{QStringLiteral("data"), data}});
+}
+
+} // namespace
+
+class tst_HostileSizes : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void inflatedReplyIsBounded();
+    void replyIsBounded();
+    void payloadIsBounded();
+    void chunksTogetherAreBounded();
+    void blockWithLargeTablesIsRefused_data();
+    void blockWithLargeTablesIsRefused();
+};
+
+void tst_HostileSizes::initTestCase()
+{
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false")); // megabytes of it
+}
+
+void tst_HostileSizes::inflatedReplyIsBounded()
+{
+    QCOMPARE(gUncompress(Gzip::gzip(QByteArray(LARGEST_REPLY, 'x'))).size(), LARGEST_REPLY);
+    const QByteArray bomb = Gzip::gzip(QByteArray(LARGEST_REPLY + 1, 'x'));
+    QVERIFY(bomb.size() < MiB);
+    QCOMPARE(gUncompress(bomb), QByteArray());
+}
+
+void tst_HostileSizes::replyIsBounded()
+{
+    FakeService service;
+    ClientProbe client(service.url());
+    service.expect("/large", Answer::json('"' + QByteArray(LARGEST_REPLY + MiB, 'x') + '"'));
+    client.request(QStringLiteral("/large"));
+    QCOMPARE(client.successes, QStringList());
+    QCOMPARE(client.failures, QStringList(QString()));
+    QCOMPARE(client.errors, {QNetworkReply::OperationCanceledError});
+
+    service.expect("/next", Answer::json("{}"));
+    client.request(QStringLiteral("/next"));
+    QCOMPARE(client.successes, QStringList(QStringLiteral("{}")));
+}
+
+void tst_HostileSizes::payloadIsBounded()
+{
+    const QByteArray most = blockOf(objectOf(LARGEST_PAYLOAD));
+    const QByteArray more = blockOf(objectOf(LARGEST_PAYLOAD + 1));
+    QVERIFY(more.size() < MiB);
+    const QString text = QString::fromLatin1(most.toBase64());
+    const QString largerText = QString::fromLatin1(more.toBase64());
+    QCOMPARE(decoded(text).userType(), int(QMetaType::QVariantMap));
+    QCOMPARE(decoded(numbers(most)).userType(), int(QMetaType::QVariantMap));
+    QCOMPARE(decoded(largerText), QVariant(largerText)); // as any text that cannot be decoded
+    QVERIFY(!decoded(numbers(more)).isValid());
+    QVERIFY(!decoded(QVariantList{largerText}).isValid());
+}
+
+void tst_HostileSizes::chunksTogetherAreBounded()
+{
+    const auto chunk = [](const QString& text) { return QString::fromLatin1(blockOf(text).toBase64()); };
+    const QString object = objectOf(LARGEST_PAYLOAD);
+    const QVariant first = chunk(object.left(MiB));
+    const QVariant second = chunk(object.mid(MiB));
+    QCOMPARE(decoded(QVariantList{first, second}).userType(), int(QMetaType::QVariantMap));
+    QVERIFY(!decoded(QVariantList{first, second, chunk(QStringLiteral(" "))}).isValid());
+    QVERIFY(!decoded(QVariantList{second, second, second, second, second}).isValid());
+}
+
+void tst_HostileSizes::blockWithLargeTablesIsRefused_data()
+{
+    QTest::addColumn<int>("lc");
+    QTest::addColumn<int>("lp");
+    for (int lc = 0; lc <= 8; ++lc) {
+        for (int lp = 0; lp <= 4; ++lp)
+            QTest::addRow("lc=%d lp=%d", lc, lp) << lc << lp;
+    }
+}
+
+void tst_HostileSizes::blockWithLargeTablesIsRefused()
+{
+    QFETCH(int, lc);
+    QFETCH(int, lp);
+    QByteArray block = blockOf(QString()); // holds no literal, which alone needs these tables
+    for (int pb = 0; pb <= 4; ++pb) {
+        block[0] = static_cast<char>((pb * 5 + lp) * 9 + lc);
+        QString text;
+        QCOMPARE(Lzma::decompress64(QString::fromLatin1(block.toBase64()), &text), lc + lp <= 4);
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_HostileSizes)
+#include "tst_HostileSizes.moc"
