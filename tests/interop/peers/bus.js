@@ -3,6 +3,7 @@
 // A SockJS server that does what is published to it: the type of the published body says what.
 //
 //   numbers   sends the numbered texts, a few at a time
+//   answers   sends a hundred poll answers, numbered on from those before
 //   leave     closes the session
 //   cut       ends every TCP connection
 //
@@ -17,6 +18,7 @@ const numbers = require('./numbers');
 const upgrades = require('./upgrades');
 
 const SHOWN = 300;
+const ANSWERS = 100;
 
 const { values: options } = parseArgs({
   options: {
@@ -25,6 +27,7 @@ const { values: options } = parseArgs({
     'response-limit': { type: 'string', default: '131072' },
     heartbeat: { type: 'string', default: '25000' },
     upgrade: { type: 'string' },
+    answer: { type: 'string' },
   },
 });
 
@@ -46,8 +49,20 @@ function sendNumbers(connection, from = 0) {
   if (next < Number(options.count)) setTimeout(sendNumbers, 1, connection, next);
 }
 
+// As devices send them and the bus passes them on, with the payload that --answer names.
+let answers = 0;
+
+function sendAnswers(connection) {
+  for (let i = 0; i < ANSWERS; i += 1) {
+    answers += 1;
+    const body = { from: `device-${answers}`, type: 'pollResponse', data: [options.answer] };
+    connection.write(JSON.stringify({ type: 'rec', address: 'session', body }));
+  }
+}
+
 const actions = {
   numbers: sendNumbers,
+  answers: sendAnswers,
   leave: (connection) => connection.close(3000, 'over'),
   cut: () => sockets.forEach((socket) => socket.destroy()),
 };
