@@ -1,0 +1,28 @@
+// The host of the guide, on the local classroom with three simulated learners and a remote control. Arguments: the
+// program.
+import assert from 'node:assert/strict';
+import { startRemoteControl } from './support/remote-control.mjs';
+import { Program, SOURCE, startClassroom, startLearners, withPrograms } from './support/programs.mjs';
+
+const LEARNERS = 3;
+
+await withPrograms(async () => {
+  const [, url] = await startClassroom();
+  const learners = startLearners(url, LEARNERS);
+  const picture = `${SOURCE}presenter/lessons/images/leaf.png`;
+  const host = new Program(process.argv[2], [url, 'teacher', 'chalk', String(LEARNERS), picture]);
+  const [, code] = await host.says(/^Join with the code (\S+)$/m);
+  await host.says(/^ok learners$/m);
+  // Asks which lesson it is, and for the next card.
+  const remote = await startRemoteControl(url, code);
+  remote.send('requestLessonInfo');
+  const told = await remote.hears('currentLesson');
+  assert.deepEqual(told, { lessonId: 'leaves', name: 'Photosynthesis' });
+  assert.equal((await remote.hears('currentCard')).currentCard, '1');
+  remote.send('nextCard');
+  await host.succeeds();
+  remote.close();
+  await learners.succeeds();
+  // Two polls and two questions of an assessment; the picture by its address, and as bytes.
+  assert.match(learners.output, /joined=3 questions=4 cards=2 answers=12 decode-failures=0/);
+});
