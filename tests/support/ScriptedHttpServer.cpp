@@ -29,6 +29,7 @@ public:
         m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
         m_timer.setSingleShot(true);
         connect(&m_timer, &QTimer::timeout, this, [this] { run(); });
+        connect(m_socket, &QTcpSocket::bytesWritten, this, [this] { run(); });
     }
 
     QTcpSocket* socket() const { return m_socket; }
@@ -50,8 +51,16 @@ public:
 private:
     void run()
     {
-        while (!m_steps.isEmpty() && !m_holding && !m_timer.isActive())
+        while (!m_steps.isEmpty() && isConnected() && !m_holding && !m_timer.isActive() && !isFull())
             perform(m_steps.takeFirst());
+    }
+
+    bool isConnected() const { return m_socket->state() == QAbstractSocket::ConnectedState; }
+
+    // In the middle of a flood that the peer does not take.
+    bool isFull() const
+    {
+        return m_steps.first().kind == ScriptedHttpServer::Step::Flood && m_socket->bytesToWrite() > 0;
     }
 
     void perform(const ScriptedHttpServer::Step& step)
@@ -61,6 +70,11 @@ private:
         case Step::Send:
             m_socket->write(step.bytes);
             m_socket->flush();
+            break;
+        case Step::Flood:
+            m_socket->write(step.bytes);
+            if (step.times > 1)
+                m_steps.prepend(ScriptedHttpServer::flood(step.bytes, step.times - 1));
             break;
         case Step::Pause:
             m_timer.start(step.msecs);

@@ -25,13 +25,16 @@ public:
     /// One thing that the server does with a connection. The steps of a script follow each other.
     struct Step
     {
-        enum Kind { Send, Pause, Hold, Close, Reset } kind;
+        enum Kind { Send, Flood, Pause, Hold, Close, Reset } kind;
         QByteArray bytes;
         int msecs;
+        int times = 1;
     };
     using Script = QVector<Step>;
 
     static Step send(const QByteArray& bytes) { return {Step::Send, bytes, 0}; }
+    /// Sends \p bytes \p times times, no faster than the peer takes them and without keeping them.
+    static Step flood(const QByteArray& bytes, int times) { return {Step::Flood, bytes, 0, times}; }
     /// Lets \p msecs pass: part of what the server does to its peer, not a wait of the test.
     static Step pause(int msecs) { return {Step::Pause, QByteArray(), msecs}; }
     /// Goes on when release() is called.

@@ -1,0 +1,298 @@
+#include "faults/support/Bounds.h"
+#include "faults/support/FaultSession.h"
+#include "faults/support/Resources.h"
+#include "support/LogRecorder.h"
+#include "support/WaitFor.h"
+
+#include <QNetworkProxy>
+#include <QtTest>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+using HttpText::chunk;
+using HttpText::chunked;
+using HttpText::chunkedHead;
+using HttpText::endChunk;
+using HttpText::plain;
+using Fault = FaultSession::Fault;
+using Server = ScriptedHttpServer;
+
+namespace {
+
+enum Ending { Stays, Closes, Resets };
+
+const QByteArray one = "a[\"one\"]\n";
+const QStringList gotOne = {QStringLiteral("one")};
+
+QByteArray head(const QByteArray& lines)
+{
+    return "HTTP/1.1 200 OK\r\n" + lines + "\r\n";
+}
+
+Server::Script sent(const QByteArray& bytes)
+{
+    return {Server::send(bytes)};
+}
+
+Server::Step hundredMegabytes(const QByteArray& kilobyte)
+{
+    constexpr int atOnce = 64;
+    return Server::flood(kilobyte.repeated(atOnce), 100 * 1024 / atOnce);
+}
+
+QVector<Fault> tooManyAnswers()
+{
+    const QByteArray two = plain("a[\"two\"]\n");
+    return {
+        {"two answers to one request", sent(plain(one) + two), gotOne},
+        {"two chunked ones", sent(chunked(one) + chunked("a[\"two\"]\n")), gotOne},
+        {"three of them", sent(chunked(one) + two + chunked("a[\"three\"]\n")), gotOne},
+        {"a second one in pieces",
+         sent(plain(one) + two.left(20)) + Server::Script{Server::pause(300), Server::send(two.mid(20))},
+         gotOne},
+        {"half a second one", sent(plain(one) + two.left(20)), gotOne},
+        {"a time-out of a balancer behind it",
+         sent(plain(one) + "HTTP/1.1 408 Request Time-out\r\ncontent-length: 2\r\n\r\nno"), gotOne},
+        {"an end chunk too many", sent(chunked(one) + endChunk()), gotOne},
+        {"line breaks between answers", sent("\r\n\r\n\n" + plain(one) + "\r\n\r\n"), gotOne},
+    };
+}
+
+QVector<Fault> garbage()
+{
+    const QByteArray binary = QByteArray::fromHex("00ff16030100c3280a0d0d0a");
+    return {
+        {"garbage before an answer", sent("garbage\r\nHTTQ/1.1\r\n\r\n" + plain(one)), gotOne},
+        {"binary garbage before it", sent(binary + chunked(one)), gotOne},
+        {"garbage behind it", sent(plain(one) + "garbage"), gotOne},
+        {"nothing but garbage", sent("garbage\r\n" + binary)},
+        {"64 kB of garbage", sent(QByteArray(64 * 1024 + 1, 'x'))},
+        {"HTTP/1.1 inside a body", sent(plain("a[\"HTTP/1.1 200 OK\"]\n")), {"HTTP/1.1 200 OK"}},
+        {"a whole answer inside a body",
+         sent(plain("a[\"x\",\"" + plain("y").simplified() + "\"]\n")),
+         {"x", "HTTP/1.1 200 OK Content-Length: 1 y"}},
+        {"HTTP/1.1 inside a chunk", sent(chunked("a[\"HTTP/1.1 200 OK\\r\\n\"]\n")), {"HTTP/1.1 200 OK\r\n"}},
+        {"HTTP/1.1 in two chunks",
+         sent(chunkedHead() + chunk("a[\"HT") + chunk("TP/1.1 200 OK\"]\n") + endChunk()),
+         {"HTTP/1.1 200 OK"}},
+        {"HTTP/1.1 as a chunk's size", sent(chunkedHead() + "HTTP/1.1 200 OK\r\n\r\n")},
+        {"NULs in the header", sent(head(QByteArray("A\0B: \0\r\nContent-Length: 9\r\n", 27)) + one), gotOne},
+        {"a header of odd lines", sent(head(": x\r\nnothing\r\n:\r\nA:\r\nContent-Length: 9\r\n") + one),
+         gotOne},
+    };
+}
+
+QVector<Fault> wrongChunks()
+{
+    return {
+        {"a chunk of 2^64-1", sent(chunkedHead() + "ffffffffffffffff\r\n" + one)},
+        {"a chunk of 0x and 2^64-1", sent(chunkedHead() + "0xffffffffffffffff\r\n" + one)},
+        {"a chunk beyond 64 bits", sent(chunkedHead() + "fffffffffffffffff\r\n" + one)},
+        {"a chunk of 2^63", sent(chunkedHead() + "8000000000000000\r\n" + one)},
+        {"a chunk of 2^31", sent(chunkedHead() + "80000000\r\n" + one)},
+        {"a chunk of -1", sent(chunkedHead() + "-1\r\n" + one)},
+        {"a chunk size of text", sent(chunkedHead() + "chunk\r\n" + one)},
+        {"64 kB of chunk size", sent(chunkedHead() + QByteArray(64 * 1024 + 1, '0'))},
+    };
+}
+
+// Without a usable length a polled body ends with its newline, and a streamed one with the connection.
+QVector<Fault> wrongLengths(bool streaming, bool ended)
+{
+    const bool asksAgain = !streaming || ended;
+    return {
+        {"a length of -1", sent(head("Content-Length: -1\r\n") + one), gotOne, asksAgain},
+        {"a length of text", sent(head("Content-Length: nine\r\n") + one), gotOne, asksAgain},
+        {"an empty length", sent(head("Content-Length:\r\n") + one), gotOne, asksAgain},
+        {"no length at all", sent(head("") + one), gotOne, asksAgain},
+        {"no length and no body", sent(head("")), {}, ended},
+        {"a length of 2^31", sent(head("Content-Length: 2147483648\r\n") + one)},
+        {"a length of 2^63", sent(head("Content-Length: 9223372036854775808\r\n") + one)},
+        {"a length of 2^64", sent(head("Content-Length: 18446744073709551616\r\n") + one)},
+        {"a length too small", sent(head("Content-Length: 5\r\n") + one)},
+        {"a length of 0 with a body", sent(head("Content-Length: 0\r\n") + one)},
+    };
+}
+
+QVector<Fault> otherAnswers()
+{
+    return {
+        {"an empty body", sent(plain(""))},
+        {"an empty chunked body", sent(chunkedHead() + endChunk())},
+        {"not found", sent("HTTP/1.1 404 Not Found\r\nContent-Length: 4\r\n\r\nwhat")},
+        {"a failing server", sent("HTTP/1.1 500 Oops\r\nContent-Length: 9\r\n\r\n<html/>\r\n")},
+        {"no content", sent("HTTP/1.1 204 No Content\r\n\r\n")},
+        {"an announcement before it", sent("HTTP/1.1 100 Continue\r\n\r\n" + plain(one)), gotOne},
+        {"a frame that is no JSON", sent(plain("a[\"one\n"))},
+        {"a frame of an object", sent(plain("a{\"one\":1}\n"))},
+        {"an unknown frame", sent(plain("x[\"one\"]\n"))},
+        {"a close frame", sent(plain("c[3000,\"Go away!\"]\n")), {}, false, true},
+        {"a second open frame", sent(plain("o\n")), {}, false, true},
+    };
+}
+
+QVector<Fault> allFaults(bool streaming, Ending ending)
+{
+    QVector<Fault> faults = tooManyAnswers() + garbage() + wrongChunks() +
+                            wrongLengths(streaming, ending != Stays) + otherAnswers();
+    for (Fault& fault : faults) {
+        if (ending != Stays)
+            fault.script += ending == Closes ? Server::close() : Server::reset();
+    }
+    return faults;
+}
+
+} // namespace
+
+/// Servers that lie and flood, over whole sessions. All faults of a row happen at the same time, because each
+/// may cost some seconds.
+class TestHostileAnswers : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init() { m_log = std::make_unique<LogRecorder>(); }
+    void cleanup();
+
+    void sessionGoesOn_data();
+    void sessionGoesOn();
+    void unfinishedAnswerIsGivenUp_data() { addTransports(); }
+    void unfinishedAnswerIsGivenUp();
+    void hundredMegabytesOfHeader_data();
+    void hundredMegabytesOfHeader();
+    void hundredMegabytesOfLineBreaks_data() { addTransports(); }
+    void hundredMegabytesOfLineBreaks();
+
+private:
+    static void addTransports();
+    void run(const QVector<Fault>& faults, bool streaming);
+
+    std::unique_ptr<Resources> m_before;
+    std::unique_ptr<LogRecorder> m_log;
+};
+
+void TestHostileAnswers::initTestCase()
+{
+    QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
+    // The first session starts what a process keeps for good.
+    {
+        FaultSession session({"none", sent(plain(one)), gotOne}, false);
+        QVERIFY(session.open());
+        QVERIFY(waitFor([&] { return session.isThrough(); }));
+    }
+    m_before = std::make_unique<Resources>();
+}
+
+void TestHostileAnswers::cleanup()
+{
+    QVERIFY(m_before->areBack());
+    QCOMPARE(m_log->warnings(), QStringList());
+    m_log.reset();
+}
+
+void TestHostileAnswers::run(const QVector<Fault>& faults, bool streaming)
+{
+    std::vector<std::unique_ptr<FaultSession>> sessions;
+    for (const Fault& fault : faults) {
+        sessions.push_back(std::make_unique<FaultSession>(fault, streaming));
+        QVERIFY2(sessions.back()->open(), fault.name);
+    }
+    for (const auto& session : sessions) {
+        const bool through = waitFor([&] { return session->isThrough(); }, Bounds::recovery);
+        QVERIFY2(through && session->verdict().isEmpty(), qPrintable(session->verdict()));
+        QVERIFY2(session->duration() <= Bounds::recovery, qPrintable(session->name()));
+    }
+    for (const auto& session : sessions) {
+        session->connector()->close();
+        QVERIFY2(waitFor([&] { return session->probe().hasClosed(); }), qPrintable(session->name()));
+        QCOMPARE(session->probe().count(QStringLiteral("closed false")), 1);
+    }
+}
+
+void TestHostileAnswers::sessionGoesOn_data()
+{
+    QTest::addColumn<bool>("streaming");
+    QTest::addColumn<int>("ending");
+    for (const bool streaming : {false, true}) {
+        const char* transport = streaming ? "streaming" : "polling";
+        QTest::addRow("%s, the connection stays", transport) << streaming << int(Stays);
+        QTest::addRow("%s, the server closes it", transport) << streaming << int(Closes);
+        QTest::addRow("%s, the server resets it", transport) << streaming << int(Resets);
+    }
+}
+
+void TestHostileAnswers::sessionGoesOn()
+{
+    QFETCH(bool, streaming);
+    QFETCH(int, ending);
+    run(allFaults(streaming, Ending(ending)), streaming);
+}
+
+void TestHostileAnswers::addTransports()
+{
+    QTest::addColumn<bool>("streaming");
+    QTest::newRow("polling") << false;
+    QTest::newRow("streaming") << true;
+}
+
+// The server says how much is to come, and falls silent before that.
+void TestHostileAnswers::unfinishedAnswerIsGivenUp()
+{
+    QFETCH(bool, streaming);
+    const QStringList got = streaming ? gotOne : QStringList();
+    run({{"less than the length", sent(head("Content-Length: 100\r\n") + one + "a["), got},
+         {"less than a length of 2^28", sent(head("Content-Length: 268435456\r\n") + one + "a["), got},
+         {"less than the chunk", sent(chunkedHead() + "64\r\n" + one + "a["), got},
+         {"less than a chunk of 2^28", sent(chunkedHead() + "fffffff\r\n" + one + "a["), got},
+         {"half a header", sent("HTTP/1.1 200 OK\r\nContent-Le")}},
+        streaming);
+    const QString stall = QStringLiteral("[SockJSXHRPollingWorker] Incoming data timeout, clearing buffer");
+    const QString buffer = QStringLiteral("[SockJSXHRPollingWorker.BufferData] = ");
+    const QString pending = streaming ? QStringLiteral("a[") : QString::fromUtf8(one + "a[");
+    QCOMPARE(m_log->debug(stall).size(), 5);
+    QCOMPARE(m_log->debug(buffer).count(buffer + pending), 4);
+    QCOMPARE(m_log->debug(buffer).count(buffer + QStringLiteral("HTTP/1.1 200 OK\r\nContent-Le")), 1);
+}
+
+void TestHostileAnswers::hundredMegabytesOfHeader_data()
+{
+    QTest::addColumn<bool>("streaming");
+    QTest::addColumn<QByteArray>("begin");
+    QTest::addColumn<QByteArray>("piece");
+    const QByteArray status = "HTTP/1.1 200 OK\r\n";
+    for (const bool streaming : {false, true}) {
+        const char* transport = streaming ? "streaming" : "polling";
+        QTest::addRow("%s, one line", transport) << streaming << status + "A: " << QByteArray(1024, 'x');
+        QTest::addRow("%s, many lines", transport)
+            << streaming << status << "A: " + QByteArray(1019, 'x') + "\r\n";
+        QTest::addRow("%s, no header at all", transport)
+            << streaming << QByteArray() << QByteArray(1024, 'x');
+    }
+}
+
+void TestHostileAnswers::hundredMegabytesOfHeader()
+{
+    QFETCH(bool, streaming);
+    QFETCH(QByteArray, begin);
+    QFETCH(QByteArray, piece);
+    const Server::Script flood{Server::send(begin), hundredMegabytes(piece)};
+    const PeakMemory memory;
+    run({{"a flood", flood}}, streaming);
+    QVERIFY2(memory.growth() <= Bounds::header, qPrintable(QString::number(memory.growth())));
+}
+
+// They belong to no header, and the answer behind them counts.
+void TestHostileAnswers::hundredMegabytesOfLineBreaks()
+{
+    QFETCH(bool, streaming);
+    const Server::Script flood{hundredMegabytes(QByteArray("\r\n").repeated(512)), Server::send(plain(one))};
+    const PeakMemory memory;
+    run({{"a flood", flood, gotOne}}, streaming);
+    QVERIFY2(memory.growth() <= Bounds::header, qPrintable(QString::number(memory.growth())));
+}
+
+QTEST_GUILESS_MAIN(TestHostileAnswers)
+#include "tst_HostileAnswers.moc"
