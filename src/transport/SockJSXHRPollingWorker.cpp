@@ -219,6 +219,12 @@ void SockJSXHRPollingWorker::readEvents()
 void SockJSXHRPollingWorker::beginAnswer(const QStringMap& headers, bool chunked, int contentLength,
                                          bool closes)
 {
+    // Text of the answer that was cut can look like a header, but without a length, and its end would never
+    // come.
+    if (!m_resync.isForever() && m_parser->isUnbounded()) {
+        dropConnection();
+        return;
+    }
     m_resync = QDeadlineTimer(QDeadlineTimer::Forever);
     XHRRequest* request = m_sentQueue.isEmpty() ? m_answer.request : m_sentQueue.takeFirst();
     m_answer = Answer();

@@ -37,6 +37,7 @@ private Q_SLOTS:
     void shortPauseIsWaitedOut();
     void longPauseBetweenPiecesIsNoStall();
     void freshAnswerAfterAStallIsTaken();
+    void textAfterAStallIsNoAnswer();
     void garbageIsDiscardedAfterAStall();
 
     void answerToNoRequestIsDropped();
@@ -157,6 +158,24 @@ void tst_SockJSXHRPollingWorkerFaults::freshAnswerAfterAStallIsTaken()
     server.sendNow(plain("o\n"));
     QTRY_COMPARE(run.messages, QStringList("o"));
     QCOMPARE(run.reports, QStringList({"header 0", "message 0"}));
+}
+
+// What is left of the answer that was cut can hold an "HTTP/" in a text, with the line break of its chunk
+// behind it.
+void tst_SockJSXHRPollingWorkerFaults::textAfterAStallIsNoAnswer()
+{
+    Server server;
+    server.answer("/xhr_streaming", chunkedHead() + "64\r\na[");
+    server.answer("/xhr", plain("o\n"));
+    WorkerRun run(server.port());
+    run.queueAgain = true;
+    LogRecorder log;
+    QVERIFY(run.start());
+    QVERIFY(run.queue(QStringLiteral("/p/xhr_streaming")));
+    QTRY_COMPARE_WITH_TIMEOUT(log.debug(stallLine).size(), 1, patience);
+    server.sendNow("\"HTTP/1.1\"]\n\r\n" + chunk("a[\"x\"]\n") + endChunk());
+    QTRY_COMPARE_WITH_TIMEOUT(run.messages, QStringList("o"), patience);
+    QCOMPARE(run.reports, QStringList({"header 0", "lost 0", "reconnected", "header 1", "message 1"}));
 }
 
 void tst_SockJSXHRPollingWorkerFaults::garbageIsDiscardedAfterAStall()
