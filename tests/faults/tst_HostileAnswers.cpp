@@ -198,7 +198,7 @@ void TestHostileAnswers::run(const QVector<Fault>& faults, bool streaming)
     std::vector<std::unique_ptr<FaultSession>> sessions;
     for (const Fault& fault : faults) {
         sessions.push_back(std::make_unique<FaultSession>(fault, streaming));
-        QVERIFY2(sessions.back()->open(), fault.name);
+        QVERIFY2(sessions.back()->open(), qPrintable(fault.name));
     }
     for (const auto& session : sessions) {
         const bool through = waitFor([&] { return session->isThrough(); }, Bounds::recovery);

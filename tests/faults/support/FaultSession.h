@@ -12,7 +12,7 @@ class FaultSession
 public:
     struct Fault
     {
-        const char* name;
+        QString name;
         ScriptedHttpServer::Script script;
         QStringList messages = {};
         bool asksAgain = true; ///< otherwise the answer just goes on
@@ -29,7 +29,7 @@ public:
     /// Milliseconds between the first and the last request.
     qint64 duration() const;
 
-    QString name() const { return QLatin1String(m_fault.name); }
+    QString name() const { return m_fault.name; }
     SockJSConnector* connector() { return &m_connector; }
     ScriptedHttpServer* server() { return &m_server; }
     const ConnectorProbe& probe() const { return m_probe; }
