@@ -15,6 +15,8 @@ RawConnection::RawConnection(QObject* parent, QTcpSocket* socket, const QString&
     if (m_socket) {
         connect(m_socket, &QTcpSocket::readyRead, this, &RawConnection::wake);
         connect(m_socket, &QTcpSocket::stateChanged, this, &RawConnection::wake);
+        // Qt closes a socket whose write fails.
+        connect(m_socket, &QTcpSocket::errorOccurred, this, [this] { m_dropped = true; });
     }
     if (m_tls)
         connect(m_tls, &QSslSocket::encrypted, this, &RawConnection::wake);

@@ -53,6 +53,6 @@ private:
     QSslSocket* m_tls; // the same one, or null
     QString m_host;
     quint16 m_port;
-    bool m_dropped = false; // the socket is closed because this class closed it
+    bool m_dropped = false; // the socket is closed because this class closed it, or because it failed
     QEventLoop* m_wait = nullptr;
 };

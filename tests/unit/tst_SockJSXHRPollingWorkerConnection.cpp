@@ -46,6 +46,7 @@ private Q_SLOTS:
     void reconnectStartsEmpty();
     void requestInFlightIsLostWithItsConnection();
     void waitingRequestOutlivesTheConnection();
+    void reconnectsWhenAWriteFails();
     void eleventhFailureInARowEnds();
     void successfulReconnectCountsAnew();
     void reconnectsOverTls();
@@ -181,6 +182,23 @@ void tst_SockJSXHRPollingWorkerConnection::waitingRequestOutlivesTheConnection()
     QTRY_COMPARE(server.count(), 1);
     QVERIFY(run.queue());
     server.release();
+    QTRY_COMPARE(run.messages, QStringList("o"));
+    QCOMPARE(run.reports, QStringList({"lost 0", "reconnected", "header 1", "message 1"}));
+}
+
+// The worker writes before it can read of the reset: then Qt closes the socket.
+void tst_SockJSXHRPollingWorkerConnection::reconnectsWhenAWriteFails()
+{
+    Server server;
+    server.answer("/xhr", plain("o\n"));
+    WorkerRun run(server.port());
+    run.queueAgain = true;
+    QVERIFY(run.worker->connectToServer());
+    while (server.openConnections() == 0)
+        QThread::yieldCurrentThread();
+    server.dropConnections(true);
+    QVERIFY(run.queue());
+    run.startThread();
     QTRY_COMPARE(run.messages, QStringList("o"));
     QCOMPARE(run.reports, QStringList({"lost 0", "reconnected", "header 1", "message 1"}));
 }
