@@ -8,7 +8,7 @@ import { join, sep } from 'node:path';
 import { closeBrowser } from './support/browser.js';
 import { check } from './support/check.js';
 import { field, heading, lesson, options, send, sent, teach, withTexts } from './support/class.js';
-import { joinController, stateOf } from './support/controller.js';
+import { command, joinController, stateOf, told } from './support/controller.js';
 import { asDataUri, card } from './support/pictures.js';
 import { takePicture } from './support/screenshot.js';
 
@@ -75,7 +75,8 @@ check('an assessment on a tablet', async (t) => {
 
 check('the remote control on a telephone', async (t) => {
   const { url, presenter } = await teach(t);
-  const { page } = await joinController(t, url, presenter.code, PHONE);
+  // As high as its page: the line at the foot stays in sight.
+  const { page } = await joinController(t, url, presenter.code, { ...PHONE, viewport: { width: 390, height: 1060 } });
   await presenter.next('requestLesson');
   presenter.publish('currentLesson', { lessonId: 'Biology 7.3', name: 'Photosynthesis' }, '.controller');
   presenter.publish('currentCard', { currentCard: '3', totalCards: '7', cards: [] }, '.controller');
@@ -83,6 +84,8 @@ check('the remote control on a telephone', async (t) => {
   await heading(page, 'Photosynthesis');
   await stateOf(page, 'Card', '3 of 7');
   await stateOf(page, 'Presenter', 'is there');
+  await command(page, 'Next').click();
+  await told(page, 'Next card: sent');
   await takePicture(page, 'controller');
 });
 
