@@ -1,5 +1,7 @@
-import { field, heading } from './class.js';
+import { field } from './class.js';
 import { openContext, openPage } from './browser.js';
+
+export const command = (page, name) => page.getByRole('button', { name, exact: true });
 
 /** The remote control's page in a window of its own, joined by hand: {page, context}. */
 export async function joinController(t, url, code, { prepare, ...options } = {}) {
@@ -8,11 +10,9 @@ export async function joinController(t, url, code, { prepare, ...options } = {})
   const page = await openPage(t, context);
   await page.goto(`${url}/controller?code=${code}`);
   await page.getByRole('button', { name: 'Join' }).click();
-  await heading(page, 'No lesson yet');
+  await command(page, 'Next').waitFor();
   return { page, context };
 }
-
-export const command = (page, name) => page.getByRole('button', { name, exact: true });
 
 /** What stands beside a name in the presenter's state: "Card" or "Presenter". */
 export const stateOf = (page, name, text) => page.locator('dt', { hasText: name }).locator('+ dd', { hasText: text }).waitFor();
