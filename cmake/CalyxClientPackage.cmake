@@ -5,7 +5,7 @@ include(CMakePackageConfigHelpers)
 
 set(CALYXCLIENT_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/CalyxClient")
 set(CALYXCLIENT_PC_DIR "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
-set(CALYXCLIENT_PRI_DIR "${CMAKE_INSTALL_DATADIR}/calyxclient")
+set(CALYXCLIENT_PRI_DIR "${CMAKE_INSTALL_LIBDIR}/qmake")
 set(CALYXCLIENT_PACKAGE_BUILD_DIR "${PROJECT_BINARY_DIR}/package")
 
 # Who links the static library links what it is made of.
