@@ -15,6 +15,9 @@ export function nameOf({ way, text }) {
   return `${way} ${body?.action ?? body?.type ?? type}`;
 }
 
+/** Whether a name is that of a frame that carries a message. */
+export const isFrame = (name) => /^(out|in) \w\w+$/.test(name);
+
 /** The decoded data of a frame's message. What is no JSON document, a bare string, comes back as it stands. */
 export const dataIn = (frame) => decodeData(messageIn(frame).body.data);
 

@@ -75,10 +75,10 @@ async function useRemoteControl(tap, url, code, host) {
 
 const requestText = ({ line, headers, body }) => [line, ...headers, '', body].join('\n').trimEnd();
 
-/** A map from a name to what was recorded first under it: a frame's text, or a request and its answer. */
+/** A map from a name to all texts that were recorded under it, in order: frames, or requests and their answers. */
 export async function record(presenter) {
   const named = new Map();
-  const keep = (name, text) => { if (!named.has(name)) named.set(name, text); };
+  const keep = (name, text) => { named.set(name, [...(named.get(name) ?? []), text]); };
   for (const entry of await teach(presenter, 'websocket', LESSON, useRemoteControl)) {
     if (entry.request) {
       const path = entry.request.line.split(' ')[1];
