@@ -33,6 +33,9 @@ Terminal::Terminal(const QStringList& arguments, int columns, int rows)
     if (openpty(&m_master, &m_slave, nullptr, nullptr, &size) != 0)
         qFatal("No pseudo terminal");
     fcntl(m_master, F_SETFL, O_NONBLOCK);
+    // Held by the program itself, the terminal would outlive a test that crashes, and the program with it.
+    fcntl(m_master, F_SETFD, FD_CLOEXEC);
+    fcntl(m_slave, F_SETFD, FD_CLOEXEC);
     auto* notifier = new QSocketNotifier(m_master, QSocketNotifier::Read, this);
     connect(notifier, &QSocketNotifier::activated, this, &Terminal::read);
     QProcessEnvironment environment = Presenter::environment();
