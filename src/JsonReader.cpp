@@ -127,7 +127,11 @@ private:
 
 QJsonDocument JsonReader::read(const QString& text, QJsonParseError* error)
 {
-    QByteArray json = text.toUtf8();
-    RepeatedMembers(&json).overwrite();
-    return QJsonDocument::fromJson(json, error);
+    return read(text.toUtf8(), error);
+}
+
+QJsonDocument JsonReader::read(QByteArray utf8, QJsonParseError* error)
+{
+    RepeatedMembers(&utf8).overwrite();
+    return QJsonDocument::fromJson(utf8, error);
 }

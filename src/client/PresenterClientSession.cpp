@@ -4,6 +4,10 @@
 #include "client/ServiceEnvelope.h"
 #include "collab/PresenterCollab.h"
 
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QJsonValue>
+
 namespace {
 
 QString sessionBody(const QString& sessionToken)
@@ -14,6 +18,12 @@ QString sessionBody(const QString& sessionToken)
 QString text(const QVariantMap& map, const char* key)
 {
     return map.value(QLatin1String(key)).toString();
+}
+
+QString text(const QJsonObject& object, const char* key)
+{
+    const QJsonValue value = object.value(QLatin1String(key));
+    return value.isString() ? value.toString() : value.toVariant().toString();
 }
 
 } // namespace
@@ -59,13 +69,15 @@ bool PresenterClient::doGetLearners()
 
 void PresenterClient::getLearnersResponse(QString body)
 {
-    const QVariant users = ServiceEnvelope::data(ServiceEnvelope::parse(body)).value(QStringLiteral("users"));
-    if (!users.canConvert<QVariantList>())
+    const QJsonValue users =
+        ServiceEnvelope::object(body).value(QLatin1String("data")).toObject().value(QLatin1String("users"));
+    if (!users.isArray())
         return;
     m_learners.clear();
-    const QVariantList entries = users.toList();
-    for (const QVariant& entry : entries) {
-        const QVariantMap user = entry.toMap();
+    const QJsonArray entries = users.toArray();
+    m_learners.reserve(entries.size());
+    for (const QJsonValue& entry : entries) {
+        const QJsonObject user = entry.toObject();
         if (text(user, "mode") == QLatin1String("learner"))
             m_learners.append(
                 Learner(text(user, "userToken"), text(user, "userName"), text(user, "deviceType")));

@@ -16,6 +16,11 @@ QVariantMap ServiceEnvelope::parse(const QString& body, bool* ok)
     return document.toVariant().toMap();
 }
 
+QJsonObject ServiceEnvelope::object(const QString& body)
+{
+    return JsonReader::read(body).object();
+}
+
 QVariantMap ServiceEnvelope::data(const QVariantMap& envelope)
 {
     return envelope.value(QStringLiteral("data")).toMap();

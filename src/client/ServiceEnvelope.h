@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QJsonObject>
 #include <QString>
 #include <QVariant>
 
@@ -10,6 +11,8 @@ namespace ServiceEnvelope {
 QVariantMap parse(const QString& body);
 /// The same; \p ok tells whether the body is JSON at all.
 QVariantMap parse(const QString& body, bool* ok);
+/// The same as JSON, for long replies.
+QJsonObject object(const QString& body);
 /// The map under "data"; empty when there is none.
 QVariantMap data(const QVariantMap& envelope);
 

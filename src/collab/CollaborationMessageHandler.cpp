@@ -4,11 +4,42 @@
 #include "JsonReader.h"
 #include "collab/PayloadDecoder.h"
 
+#include <QJsonObject>
+
 namespace {
+
+// Messages are read as they were parsed, without turning them into variants first; what hosts hand over
+// consists of variants. The same functions read both.
+
+QVariant leaf(const QVariantMap& map, const char* key)
+{
+    return map.value(QLatin1String(key));
+}
+
+QVariant leaf(const QJsonObject& object, const char* key)
+{
+    return object.value(QLatin1String(key)).toVariant();
+}
 
 QString text(const QVariantMap& map, const char* key)
 {
-    return map.value(QLatin1String(key)).toString();
+    return leaf(map, key).toString();
+}
+
+QString text(const QJsonObject& object, const char* key)
+{
+    const QJsonValue value = object.value(QLatin1String(key));
+    return value.isString() ? value.toString() : value.toVariant().toString();
+}
+
+QVariantMap child(const QVariantMap& map, const char* key)
+{
+    return leaf(map, key).toMap();
+}
+
+QJsonObject child(const QJsonObject& object, const char* key)
+{
+    return object.value(QLatin1String(key)).toObject();
 }
 
 // A value as text that ends at its first zero byte.
@@ -17,11 +48,12 @@ QString textUpToNul(const QVariant& value)
     return QString::fromUtf8(value.toByteArray().constData());
 }
 
-QString pickedOrTyped(const QVariantMap& blob)
+template<typename Map>
+QString pickedOrTyped(const Map& blob)
 {
-    const QVariant pick = blob.value(QStringLiteral("pick"));
+    const QVariant pick = leaf(blob, "pick");
     if (!pick.canConvert<QVariantList>())
-        return textUpToNul(blob.value(QStringLiteral("input")));
+        return textUpToNul(leaf(blob, "input"));
     QStringList picks;
     const QVariantList list = pick.toList();
     for (const QVariant& element : list)
@@ -39,17 +71,16 @@ CollaborationMessageHandler::CollaborationMessageHandler(QObject* parent) : QObj
     // "register" stays out on purpose: devices tell of themselves with "join".
     m_actions.insert(QStringLiteral("unregister"), &CollaborationMessageHandler::actionUnregister);
 
-    m_dataTypes.insert(QStringLiteral("join"), &CollaborationMessageHandler::dataJoin);
-    m_dataTypes.insert(QStringLiteral("pollResponse"), &CollaborationMessageHandler::dataPollResponse);
-    m_dataTypes.insert(QStringLiteral("questionResponse"),
-                       &CollaborationMessageHandler::dataQuestionResponse);
-    m_dataTypes.insert(QStringLiteral("questionGet"), &CollaborationMessageHandler::dataGetQuestion);
+    m_dataTypes.insert(QStringLiteral("join"), &CollaborationMessageHandler::onJoin);
+    m_dataTypes.insert(QStringLiteral("pollResponse"), &CollaborationMessageHandler::onPollResponse);
+    m_dataTypes.insert(QStringLiteral("questionResponse"), &CollaborationMessageHandler::onQuestionResponse);
+    m_dataTypes.insert(QStringLiteral("questionGet"), &CollaborationMessageHandler::onGetQuestion);
     static const char* const remoteCommands[] = {
         "stopSession",     "requestLessonInfo", "requestLesson", "presenterActive", "pause",
         "resume",          "lockAll",           "unlockAll",     "nextCard",        "previousCard",
         "pushCurrentCard", "stopSession",       "addImageCard"};
     for (const char* command : remoteCommands)
-        m_dataTypes.insert(QLatin1String(command), &CollaborationMessageHandler::dataRemote);
+        m_dataTypes.insert(QLatin1String(command), &CollaborationMessageHandler::onRemote);
 }
 
 void CollaborationMessageHandler::onHandleMessage(QString message)
@@ -59,7 +90,7 @@ void CollaborationMessageHandler::onHandleMessage(QString message)
     const QJsonDocument document = JsonReader::read(message, &error);
     if (error.error != QJsonParseError::NoError)
         return;
-    const QVariantMap body = document.toVariant().toMap().value(QStringLiteral("body")).toMap();
+    const QJsonObject body = child(document.object(), "body");
 
     const QString action = text(body, "action");
     if (!action.isNull()) {
@@ -71,26 +102,26 @@ void CollaborationMessageHandler::onHandleMessage(QString message)
         handleData(type, body);
 }
 
-void CollaborationMessageHandler::handleAction(const QString& action, const QVariantMap& body)
+void CollaborationMessageHandler::handleAction(const QString& action, const QJsonObject& body)
 {
     qCDebug(diagnostics) << "[MessageHandler.ACTION]" << action;
     if (const ActionHandler handler = m_actions.value(action))
-        (this->*handler)(body);
+        (this->*handler)(body.toVariantMap());
 }
 
-void CollaborationMessageHandler::handleData(const QString& type, const QVariantMap& body)
+void CollaborationMessageHandler::handleData(const QString& type, const QJsonObject& body)
 {
     qCDebug(diagnostics) << "[MessageHandler.TYPE]" << type;
-    const QVariant data = getDataValue(body);
+    const Payload payload = PayloadDecoder::read(leaf(body, "data"));
     if (const DataHandler handler = m_dataTypes.value(type))
-        (this->*handler)(body, data);
+        (this->*handler)(body, payload);
     else
-        Q_EMIT unhandledMessage(body, data);
+        Q_EMIT unhandledMessage(body.toVariantMap(), payload.value());
 }
 
 QVariant CollaborationMessageHandler::getDataValue(QVariantMap body)
 {
-    return PayloadDecoder::decode(body.value(QStringLiteral("data")));
+    return PayloadDecoder::decode(leaf(body, "data"));
 }
 
 void CollaborationMessageHandler::actionRegister(QVariantMap body)
@@ -118,30 +149,60 @@ void CollaborationMessageHandler::actionUnregister(QVariantMap body)
 
 void CollaborationMessageHandler::dataJoin(QVariantMap body, QVariant data)
 {
+    tellJoin(body, data.toMap());
+}
+
+void CollaborationMessageHandler::onJoin(const QJsonObject& body, const Payload& payload)
+{
+    tellJoin(body, payload.object());
+}
+
+template<typename Map>
+void CollaborationMessageHandler::tellJoin(const Map& body, const Map& payload)
+{
     const QString from = text(body, "from");
-    const QVariantMap payload = data.toMap();
     qCDebug(diagnostics) << "JOIN" << from;
     Q_EMIT learnerJoin(Learner(from, text(payload, "userName"), text(payload, "deviceType")));
 }
 
 void CollaborationMessageHandler::dataPollResponse(QVariantMap body, QVariant data)
 {
+    tellPollResponse(body, data.toMap());
+}
+
+void CollaborationMessageHandler::onPollResponse(const QJsonObject& body, const Payload& payload)
+{
+    tellPollResponse(body, payload.object());
+}
+
+template<typename Map>
+void CollaborationMessageHandler::tellPollResponse(const Map& body, const Map& payload)
+{
     const QString deviceId = text(body, "from");
-    const QVariantMap payload = data.toMap();
-    const QString answer = pickedOrTyped(payload.value(QStringLiteral("blob")).toMap());
+    const QString answer = pickedOrTyped(child(payload, "blob"));
     qCDebug(diagnostics) << "POLL_RESPONSE" << deviceId << ":" << answer;
-    Q_EMIT learnerPollResponse(deviceId, text(payload, "pollId"),
-                               payload.value(QStringLiteral("responseTime")).toInt(), answer);
+    Q_EMIT learnerPollResponse(deviceId, text(payload, "pollId"), leaf(payload, "responseTime").toInt(),
+                               answer);
 }
 
 void CollaborationMessageHandler::dataQuestionResponse(QVariantMap body, QVariant data)
 {
+    tellQuestionResponse(body, data.toMap());
+}
+
+void CollaborationMessageHandler::onQuestionResponse(const QJsonObject& body, const Payload& payload)
+{
+    tellQuestionResponse(body, payload.object());
+}
+
+template<typename Map>
+void CollaborationMessageHandler::tellQuestionResponse(const Map& body, const Map& payload)
+{
     constexpr int millisecondsPerSecond = 1000;
     const QString deviceId = text(body, "from");
-    const QVariantMap payload = data.toMap();
-    const int responseTime = payload.value(QStringLiteral("responseTime")).toInt() / millisecondsPerSecond;
+    const int responseTime = leaf(payload, "responseTime").toInt() / millisecondsPerSecond;
     QString answer = text(payload, "answer");
-    const QVariantList options = payload.value(QStringLiteral("optionAnswers")).toList();
+    const QVariantList options = leaf(payload, "optionAnswers").toList();
     for (const QVariant& option : options)
         answer += text(option.toMap(), "activityOptionId");
     qCDebug(diagnostics) << "[DEBUG] RECEIVED RESPONSE FROM DEVICE " << deviceId << " of value: " << answer;
@@ -150,8 +211,19 @@ void CollaborationMessageHandler::dataQuestionResponse(QVariantMap body, QVarian
 
 void CollaborationMessageHandler::dataGetQuestion(QVariantMap body, QVariant data)
 {
+    tellGetQuestion(body, data.toMap());
+}
+
+void CollaborationMessageHandler::onGetQuestion(const QJsonObject& body, const Payload& payload)
+{
+    tellGetQuestion(body, payload.object());
+}
+
+template<typename Map>
+void CollaborationMessageHandler::tellGetQuestion(const Map& body, const Map& payload)
+{
     const QString id = text(body, "from");
-    const int questionNumber = data.toMap().value(QStringLiteral("questionNumber")).toInt();
+    const int questionNumber = leaf(payload, "questionNumber").toInt();
     qCDebug(diagnostics) << "Learner " << id << " requesting question " << questionNumber;
     Q_EMIT learnerGetQuestion(id, questionNumber);
 }
@@ -159,4 +231,9 @@ void CollaborationMessageHandler::dataGetQuestion(QVariantMap body, QVariant dat
 void CollaborationMessageHandler::dataRemote(QVariantMap body, QVariant data)
 {
     Q_EMIT remoteControl(RemoteControlMessage(text(body, "from"), text(body, "type"), data));
+}
+
+void CollaborationMessageHandler::onRemote(const QJsonObject& body, const Payload& payload)
+{
+    Q_EMIT remoteControl(RemoteControlMessage(text(body, "from"), text(body, "type"), payload.value()));
 }

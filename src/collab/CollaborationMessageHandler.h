@@ -9,6 +9,12 @@
 #include <QString>
 #include <QVariant>
 
+class QJsonObject;
+
+namespace PayloadDecoder {
+struct Payload;
+}
+
 /// Turns each inbound event-bus frame into one signal.
 ///
 /// Reads leniently: a missing key is an empty string, zero or an empty map. All signals are emitted
@@ -75,10 +81,26 @@ protected Q_SLOTS:
 
 private:
     using ActionHandler = void (CollaborationMessageHandler::*)(QVariantMap);
-    using DataHandler = void (CollaborationMessageHandler::*)(QVariantMap, QVariant);
+    using Payload = PayloadDecoder::Payload;
+    using DataHandler = void (CollaborationMessageHandler::*)(const QJsonObject&, const Payload&);
 
-    void handleAction(const QString& action, const QVariantMap& body);
-    void handleData(const QString& type, const QVariantMap& body);
+    void handleAction(const QString& action, const QJsonObject& body);
+    void handleData(const QString& type, const QJsonObject& body);
+
+    void onJoin(const QJsonObject& body, const Payload& payload);
+    void onPollResponse(const QJsonObject& body, const Payload& payload);
+    void onQuestionResponse(const QJsonObject& body, const Payload& payload);
+    void onGetQuestion(const QJsonObject& body, const Payload& payload);
+    void onRemote(const QJsonObject& body, const Payload& payload);
+
+    template<typename Map>
+    void tellJoin(const Map& body, const Map& payload);
+    template<typename Map>
+    void tellPollResponse(const Map& body, const Map& payload);
+    template<typename Map>
+    void tellQuestionResponse(const Map& body, const Map& payload);
+    template<typename Map>
+    void tellGetQuestion(const Map& body, const Map& payload);
 
     QMap<QString, ActionHandler> m_actions;
     QMap<QString, DataHandler> m_dataTypes;

@@ -3,39 +3,56 @@
 #include "Diagnostics.h"
 #include "JsonReader.h"
 #include "compression/Lzma.h"
+#include "compression/LzmaBlock.h"
 
 namespace {
+
+using PayloadDecoder::Payload;
 
 // Characters, of all chunks together. A picture takes some 15 million; a frame of 50 kB can hold a text that
 // takes all memory once it is JSON.
 constexpr int largestPayload = 32 * 1024 * 1024;
 
-bool isTooLarge(const QString& text)
+bool isTooLarge(const QByteArray& utf8)
 {
-    return text.size() > largestPayload;
+    return utf8.size() > largestPayload && QString::fromUtf8(utf8).size() > largestPayload;
 }
 
-QVariant decodeText(const QString& text)
+bool decompressText(const QString& text, QByteArray* json)
 {
-    QString json;
-    if ((!Lzma::decompress64(text, &json) && !Lzma::decompress(text, &json)) || isTooLarge(json)) {
+    if (LzmaBlock::decode64(text, json))
+        return true;
+    QString decoded;
+    if (!Lzma::decompress(text, &decoded))
+        return false;
+    *json = decoded.toUtf8();
+    return true;
+}
+
+Payload decodeText(const QString& text)
+{
+    QByteArray json;
+    if (!decompressText(text, &json) || isTooLarge(json)) {
         qCDebug(diagnostics) << "[MessageHandler.Decompressed] FAILED to decompress, forwarding raw string!";
-        return text;
+        return {QJsonDocument(), text};
     }
-    qCDebug(diagnostics) << "[MessageHandler.Decompressed from String] " << json;
+    qCDebug(diagnostics) << "[MessageHandler.Decompressed from String] " << QString::fromUtf8(json);
     const QJsonDocument document = JsonReader::read(json);
-    return document.isObject() ? document.toVariant() : QVariant();
+    return {document.isObject() ? document : QJsonDocument(), QVariant()};
 }
 
-bool decompressChunks(const QVariantList& chunks, QString* out)
+bool decompressChunks(const QVariantList& chunks, QByteArray* json)
 {
     bool any = false;
     for (const QVariant& chunk : chunks) {
         const QString text = chunk.toString();
-        QString part;
-        if (!text.isEmpty() && Lzma::decompress64(text, &part)) {
-            out->append(part);
-            if (isTooLarge(*out))
+        QByteArray part;
+        if (!text.isEmpty() && LzmaBlock::decode64(text, &part)) {
+            if (any)
+                json->append(part);
+            else
+                *json = part;
+            if (isTooLarge(*json))
                 return false;
             any = true;
         }
@@ -43,35 +60,47 @@ bool decompressChunks(const QVariantList& chunks, QString* out)
     return any;
 }
 
-QVariant decodeList(const QVariantList& list)
+bool decompressBytes(const QVariantList& bytes, QByteArray* json)
 {
-    QString json;
-    if (list.isEmpty())
-        return QVariant();
-    if (list.first().userType() == QMetaType::QString) {
-        if (!decompressChunks(list, &json))
-            return QVariant();
-    } else if (!Lzma::decompress(list, &json) || isTooLarge(json)) {
+    QString text;
+    if (!Lzma::decompress(bytes, &text) || text.size() > largestPayload) {
         qCDebug(diagnostics) << "[MessageHandler.Decompressed] FAILED to decompress List!";
-        return QVariant();
+        return false;
     }
-    qCDebug(diagnostics) << "[MessageHandler.Decompressed from List] " << json;
+    *json = text.toUtf8();
+    return true;
+}
+
+Payload decodeList(const QVariantList& list)
+{
+    if (list.isEmpty())
+        return {};
+    QByteArray json;
+    const bool isText = list.first().userType() == QMetaType::QString;
+    if (!(isText ? decompressChunks(list, &json) : decompressBytes(list, &json)))
+        return {};
+    qCDebug(diagnostics) << "[MessageHandler.Decompressed from List] " << QString::fromUtf8(json);
     QJsonParseError error;
     const QJsonDocument document = JsonReader::read(json, &error);
     if (error.error != QJsonParseError::NoError)
-        return json.toLatin1();
-    return document.toVariant();
+        return {QJsonDocument(), QString::fromUtf8(json).toLatin1()};
+    return {document, QVariant()};
 }
 
 } // namespace
 
-QVariant PayloadDecoder::decode(const QVariant& data)
+PayloadDecoder::Payload PayloadDecoder::read(const QVariant& data)
 {
     if (data.userType() == QMetaType::Nullptr) // which Qt would convert to a string
-        return QVariant();
+        return {};
     if (data.canConvert<QString>())
         return decodeText(data.toString());
     if (data.canConvert<QVariantList>())
         return decodeList(data.toList());
-    return QVariant();
+    return {};
+}
+
+QVariant PayloadDecoder::decode(const QVariant& data)
+{
+    return read(data).value();
 }

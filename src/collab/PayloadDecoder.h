@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QVariant>
 
 /// Decodes the "data" of an inbound message body: a compressed base64 text, a list of such texts (chunks,
@@ -7,9 +9,23 @@
 /// text, all chunks together, count as data that cannot be decoded.
 namespace PayloadDecoder {
 
-/// The decoded value; invalid when there is no data or it cannot be decoded. A single text that is not
-/// compressed comes back as it is. A single text gives only maps; a list gives any JSON object or list, or,
-/// when its text is no JSON, that text as Latin-1 bytes.
+/// Decoded data: JSON, or something else, or nothing.
+struct Payload
+{
+    QJsonDocument document;
+    QVariant other;
+
+    /// The value; invalid when there is no data or it cannot be decoded. A single text that is not compressed
+    /// comes back as it is. A single text gives only maps; a list gives any JSON object or list, or, when its
+    /// text is no JSON, that text as Latin-1 bytes.
+    QVariant value() const { return document.isNull() ? other : document.toVariant(); }
+    /// The value where it is a map; else an empty one.
+    QJsonObject object() const { return document.object(); }
+};
+
+Payload read(const QVariant& data);
+
+/// The value of read().
 QVariant decode(const QVariant& data);
 
 } // namespace PayloadDecoder

@@ -1,15 +1,14 @@
 #include "transport/SockJSConnector.h"
 
 #include "Diagnostics.h"
-#include "JsonReader.h"
 #include "transport/QSystemConfigurationProxyFactory.h"
 #include "transport/RANDSTRING.h"
+#include "transport/SockJSFrame.h"
 #include "transport/SockJSXHRPolling.h"
 #include "transport/SockJSXHRPollingWorker.h"
 #include "transport/WebSocketRelease.h"
 
 #include <QEventLoop>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QMutex>
 #include <QWebSocket>
@@ -19,25 +18,6 @@ namespace {
 constexpr int sessionIdLength = 8;
 constexpr int inactivityInterval = 1800000; // ms
 constexpr int inactivityLimit = 3601;       // s
-
-QString jsonText(const QJsonDocument& document)
-{
-    return QString::fromUtf8(document.toJson().constData());
-}
-
-// One outbound message as a SockJS frame: an indented array of one string. The servers get it as it is.
-QString frameOf(const QString& message)
-{
-    QString frame = jsonText(QJsonDocument(QJsonArray{message}));
-    frame.replace(QLatin1String("[ "), QLatin1String("["));
-    frame.replace(QLatin1String(" ]"), QLatin1String("]"));
-    return frame;
-}
-
-QVariantList messagesIn(const QString& frame)
-{
-    return JsonReader::read(frame.mid(1)).toVariant().toList();
-}
 
 // The generator repeats itself within a second: for this connector, for others that open a session at the
 // same server, and for one whose transport is still saying goodbye.
@@ -328,9 +308,9 @@ void SockJSConnector::onTextMessageReceived(QString message)
     if (!message.startsWith(QLatin1Char('a')))
         return;
     const QPointer<SockJSConnector> self(this);
-    const QVariantList messages = messagesIn(message);
-    for (const QVariant& element : messages) {
-        Q_EMIT sockJSMessage(element.toString());
+    const QStringList messages = SockJSFrame::messages(message);
+    for (const QString& text : messages) {
+        Q_EMIT sockJSMessage(text);
         if (!self)
             return;
     }
@@ -338,18 +318,17 @@ void SockJSConnector::onTextMessageReceived(QString message)
 
 void SockJSConnector::sendMessage(QString message, bool bSkipActivity)
 {
-    const QString frame = frameOf(message);
     if (!bSkipActivity)
         m_lastActivity = QDateTime::currentDateTimeUtc();
     if (m_webSocket)
-        m_webSocket->sendTextMessage(frame);
+        m_webSocket->sendTextMessage(SockJSFrame::encode(message));
     else if (m_xhr)
-        m_xhr->sendTextMessage(frame);
+        m_xhr->sendTextMessage(SockJSFrame::encode(message));
 }
 
 void SockJSConnector::sendMessage(QMap<QString, QVariant> message)
 {
-    sendMessage(jsonText(QJsonDocument::fromVariant(message)), false);
+    sendMessage(QString::fromUtf8(QJsonDocument::fromVariant(message).toJson().constData()), false);
 }
 
 void SockJSConnector::onTimeout()

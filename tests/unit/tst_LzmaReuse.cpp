@@ -1,0 +1,119 @@
+#include "compression/Base64.h"
+
+#include <CalyxClient/Lzma>
+
+#include <QRandomGenerator>
+#include <QTest>
+
+#include <thread>
+
+namespace {
+
+QString compressed(const QString& text)
+{
+    QString base64;
+    return Lzma::compress64(text, &base64) ? base64 : QString();
+}
+
+// By a thread that has compressed nothing before.
+QString compressedAfresh(const QString& text)
+{
+    QString base64;
+    std::thread([&] { base64 = compressed(text); }).join();
+    return base64;
+}
+
+QString decompressed(const QString& base64)
+{
+    QString text;
+    return Lzma::decompress64(base64, &text) ? text : QString();
+}
+
+// Words that come again, near and far, within a text and from one text to the next.
+QString randomText(QRandomGenerator& random)
+{
+    static const QStringList words = {QStringLiteral("question"), QStringLiteral("{\"id\":\""),
+                                      QStringLiteral("漢字"),     QStringLiteral("aaaaaaaaaaaaaaaaaaaaaaaa"),
+                                      QStringLiteral("\","),      QStringLiteral("0123456789")};
+    QString text;
+    const int size = random.bounded(random.bounded(2) ? 200 : 60000);
+    while (text.size() < size)
+        text +=
+            random.bounded(4) ? words.at(random.bounded(words.size())) : QString::number(random.generate());
+    return text;
+}
+
+QByteArray randomBytes(QRandomGenerator& random, int size)
+{
+    QByteArray bytes(size, Qt::Uninitialized);
+    for (char& byte : bytes)
+        byte = char(random.generate());
+    return bytes;
+}
+
+} // namespace
+
+/// The coders keep what they can from one text to the next of a thread: nobody can tell.
+class tst_LzmaReuse : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void blocksDoNotDependOnThoseBefore();
+    void failedBlockLeavesNothingBehind();
+    void base64IsThatOfQt();
+    void foreignCharactersAreSkippedAsQtSkipsThem();
+};
+
+void tst_LzmaReuse::blocksDoNotDependOnThoseBefore()
+{
+    QRandomGenerator random(7);
+    for (int i = 0; i < 200; ++i) {
+        const QString text = randomText(random);
+        const QString block = compressed(text);
+        QVERIFY(!block.isEmpty());
+        QCOMPARE(block, compressedAfresh(text));
+        QCOMPARE(decompressed(block), text);
+    }
+}
+
+void tst_LzmaReuse::failedBlockLeavesNothingBehind()
+{
+    const QString text = QStringLiteral("{\"pollId\":\"0b6c7e0e\",\"responseTime\":2500}");
+    const QString block = compressed(text);
+    QByteArray bytes = QByteArray::fromBase64(block.toLatin1());
+    for (int at = 0; at < bytes.size(); ++at) {
+        QByteArray broken = bytes;
+        broken[at] = char(~broken.at(at));
+        decompressed(QString::fromLatin1(broken.toBase64())); // whatever it is
+        QCOMPARE(decompressed(block), text);
+    }
+    QCOMPARE(compressed(text), block);
+}
+
+void tst_LzmaReuse::base64IsThatOfQt()
+{
+    QRandomGenerator random(11);
+    for (int size = 0; size < 70; ++size) {
+        const QByteArray bytes = randomBytes(random, size);
+        const QString text = QString::fromLatin1(bytes.toBase64());
+        QCOMPARE(Base64::encode(reinterpret_cast<const unsigned char*>(bytes.constData()), size_t(size)),
+                 text);
+        QCOMPARE(Base64::decode(text), bytes);
+    }
+}
+
+void tst_LzmaReuse::foreignCharactersAreSkippedAsQtSkipsThem()
+{
+    QRandomGenerator random(13);
+    static const QString foreign = QStringLiteral("=-_ \n\"äĀ漢\u0141\U0001f600");
+    for (int i = 0; i < 2000; ++i) {
+        QString text = QString::fromLatin1(randomBytes(random, random.bounded(30)).toBase64());
+        for (int j = random.bounded(6); j > 0; --j)
+            text.insert(random.bounded(text.size() + 1), foreign.at(random.bounded(foreign.size())));
+        QCOMPARE(Base64::decode(text), QByteArray::fromBase64(text.toUtf8()));
+    }
+}
+
+QTEST_APPLESS_MAIN(tst_LzmaReuse)
+#include "tst_LzmaReuse.moc"

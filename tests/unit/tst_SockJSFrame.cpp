@@ -1,0 +1,115 @@
+#include "transport/SockJSFrame.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QTest>
+
+/// Frames as texts: what comes out is what Qt's own JSON reader and writer make of them.
+class tst_SockJSFrame : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void messagesAreThoseOfQtsReader_data();
+    void messagesAreThoseOfQtsReader();
+    void manyMessagesInOneFrame();
+    void frameIsThatOfQtsWriter_data();
+    void frameIsThatOfQtsWriter();
+    void blanksAtBracketsAreDropped();
+};
+
+void tst_SockJSFrame::messagesAreThoseOfQtsReader_data()
+{
+    QTest::addColumn<QString>("array");
+    const QStringList arrays = {
+        QStringLiteral("[]"),
+        QStringLiteral(R"(["a"])"),
+        QStringLiteral(R"(["a","b"])"),
+        QStringLiteral(R"(["","","x"])"),
+        QStringLiteral(R"([ "a" , "b" ] )"),
+        QStringLiteral(R"(["\"\\\/\b\f\n\r\t"])"),
+        QStringLiteral(R"(["\u0041\u00e9\ud83d\ude00"])"),
+        QStringLiteral(R"(["\ud83d"])"),
+        QStringLiteral(R"(["\q\'"])"),
+        QStringLiteral("[\"a\tb\"]"),
+        QStringLiteral("[\"\u00e4\u6f22\U0001f600\u2028\"]"),
+        QLatin1String("[\"") + QChar(0xd800) + QLatin1String("\"]"),
+        QLatin1String("[\"") + QChar(0xd83d) + QLatin1String("x\"]"),
+        QLatin1String("[\"a") + QChar(0) + QLatin1String("b\"]"),
+        QLatin1String("[\"") + QChar(0x7f) + QLatin1String("\"]"),
+        QStringLiteral("[1,true,null,1.5,{},[\"x\"],\"y\"]"),
+        QStringLiteral(R"(["a",1])"),
+        QStringLiteral(R"(["a")"),
+        QStringLiteral(R"(["a)"),
+        QStringLiteral("[\"a\\"),
+        QStringLiteral(R"(["a",])"),
+        QStringLiteral(R"(["a"]])"),
+        QStringLiteral(R"(["a"] x)"),
+        QStringLiteral(R"(["a""b"])"),
+        QStringLiteral("["),
+        QStringLiteral("[["),
+        QString(),
+        QStringLiteral(R"({"a":"b"})"),
+        QStringLiteral(R"("a")"),
+        QChar(QChar::ByteOrderMark) + QStringLiteral(R"(["a"])"),
+    };
+    for (int i = 0; i < arrays.size(); ++i)
+        QTest::addRow("%d", i) << arrays.at(i);
+}
+
+void tst_SockJSFrame::messagesAreThoseOfQtsReader()
+{
+    QFETCH(QString, array);
+    QStringList expected;
+    const QVariantList list = QJsonDocument::fromJson(array.toUtf8()).toVariant().toList();
+    for (const QVariant& element : list)
+        expected.append(element.toString());
+    QCOMPARE(SockJSFrame::messages(QLatin1Char('a') + array), expected);
+}
+
+void tst_SockJSFrame::manyMessagesInOneFrame()
+{
+    constexpr int count = 20000; // in time and memory that grow with the text, not with its square
+    QStringList sent;
+    QJsonArray array;
+    for (int i = 0; i < count; ++i) {
+        sent.append(QStringLiteral("{\"number\":%1}").arg(i));
+        array.append(sent.last());
+    }
+    const QString frame =
+        QLatin1Char('a') + QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
+    QCOMPARE(SockJSFrame::messages(frame), sent);
+}
+
+void tst_SockJSFrame::frameIsThatOfQtsWriter_data()
+{
+    QTest::addColumn<QString>("message");
+    const QStringList messages = {
+        QString(),
+        QStringLiteral("text"),
+        QStringLiteral(R"({"type":"ping"})"),
+        QStringLiteral("\"\\/\b\f\n\r\t"),
+        QStringLiteral("\u0001\u001f\u007f"),
+        QStringLiteral("\u00e4\u6f22\U0001f600\u2028<>&"),
+        QString(QChar(0xd800)),
+        QString(QChar(0xdc00)),
+        QChar(0xd83d) + QStringLiteral("x"),
+        QLatin1String("a") + QChar(0) + QLatin1String("b"),
+    };
+    for (int i = 0; i < messages.size(); ++i)
+        QTest::addRow("%d", i) << messages.at(i);
+}
+
+void tst_SockJSFrame::frameIsThatOfQtsWriter()
+{
+    QFETCH(QString, message);
+    QCOMPARE(SockJSFrame::encode(message), QString::fromUtf8(QJsonDocument(QJsonArray{message}).toJson()));
+}
+
+void tst_SockJSFrame::blanksAtBracketsAreDropped()
+{
+    QCOMPARE(SockJSFrame::encode(QStringLiteral("x[ 1 ]y[  ]")), QStringLiteral("[\n    \"x[1]y[]\"\n]\n"));
+}
+
+QTEST_APPLESS_MAIN(tst_SockJSFrame)
+#include "tst_SockJSFrame.moc"
