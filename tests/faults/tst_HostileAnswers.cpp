@@ -177,13 +177,11 @@ private:
 void TestHostileAnswers::initTestCase()
 {
     QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
-    // The first session starts what a process keeps for good.
-    {
+    m_before = std::make_unique<Resources>([] {
         FaultSession session({"none", sent(plain(one)), gotOne}, false);
         QVERIFY(session.open());
         QVERIFY(waitFor([&] { return session.isThrough(); }));
-    }
-    m_before = std::make_unique<Resources>();
+    });
 }
 
 void TestHostileAnswers::cleanup()

@@ -121,13 +121,11 @@ private:
 void TestPauses::initTestCase()
 {
     QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
-    // The first session starts what a process keeps for good.
-    {
+    m_before = std::make_unique<Resources>([] {
         FaultSession session({QStringLiteral("none"), {Server::send(FaultSession::good(false, "h"))}}, false);
         QVERIFY(session.open());
         QVERIFY(waitFor([&] { return session.isThrough(); }));
-    }
-    m_before = std::make_unique<Resources>();
+    });
 }
 
 void TestPauses::cleanup()

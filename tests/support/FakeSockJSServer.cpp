@@ -1,5 +1,6 @@
 #include "support/FakeSockJSServer.h"
 
+#include "support/ScriptedHttpServer.h"
 #include "support/WaitFor.h"
 
 #include <QCryptographicHash>
@@ -166,6 +167,8 @@ void FakeSockJSServer::inject(const QString& frame)
         m_webSocket->sendTextMessage(frame);
     } else if (m_raw) {
         m_raw->write(rawFrame(frame));
+    } else if (m_stream) {
+        m_stream->write(HttpText::chunk(frame.toUtf8() + '\n'));
     } else {
         m_pollFrames.append(frame);
         answerPoll();
@@ -190,6 +193,25 @@ void FakeSockJSServer::closeSession()
         m_webSocket->close();
     else if (m_raw)
         m_raw->disconnectFromHost();
+    else
+        inject(QStringLiteral("c[3000,\"Go away!\"]"));
+}
+
+void FakeSockJSServer::injectHalf()
+{
+    if (m_raw)
+        m_raw->write(rawFrame(QStringLiteral("a[\"half\"]")).left(5));
+    else if (m_stream)
+        m_stream->write("ff\r\na[\"ha");
+    else if (m_poll)
+        m_poll->write(answer("200 OK", "a[\"half\"]\n").chopped(5));
+}
+
+void FakeSockJSServer::dropConnections()
+{
+    const auto sockets = m_listener.findChildren<QTcpSocket*>();
+    for (auto* socket : sockets)
+        socket->abort();
 }
 
 int FakeSockJSServer::openConnections() const
@@ -259,10 +281,12 @@ void FakeSockJSServer::handlePost(QTcpSocket* socket, const Request& request)
 {
     if (request.path.endsWith(QLatin1String("/xhr_send"))) {
         m_unread.append(QString::fromUtf8(request.body));
-        socket->write("HTTP/1.1 204 No Content\r\n\r\n");
+        if (!m_holdsPosts)
+            socket->write("HTTP/1.1 204 No Content\r\n\r\n");
         return;
     }
-    if (!request.path.endsWith(QLatin1String("/xhr")))
+    const bool streaming = request.path.endsWith(QLatin1String("/xhr_streaming"));
+    if (!streaming && !request.path.endsWith(QLatin1String("/xhr")))
         return;
     if (m_polledSession != request.sessionId()) {
         m_polledSession = request.sessionId();
@@ -270,8 +294,20 @@ void FakeSockJSServer::handlePost(QTcpSocket* socket, const Request& request)
     }
     m_webSocket = nullptr;
     m_raw = nullptr;
-    m_poll = socket;
-    answerPoll();
+    m_poll = streaming ? nullptr : socket;
+    m_stream = nullptr;
+    if (streaming)
+        beginStream(socket);
+    else
+        answerPoll();
+}
+
+void FakeSockJSServer::beginStream(QTcpSocket* socket)
+{
+    m_stream = socket;
+    socket->write(HttpText::chunkedHead() + HttpText::chunk(HttpText::prelude()));
+    while (!m_pollFrames.isEmpty())
+        socket->write(HttpText::chunk(m_pollFrames.takeFirst().toUtf8() + '\n'));
 }
 
 void FakeSockJSServer::answerPoll()

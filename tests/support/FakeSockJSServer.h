@@ -16,8 +16,9 @@ class QWebSocket;
 
 /// The server's end of SockJS on loopback and a free port, for tests that script what a server does.
 ///
-/// WebSockets are those of a real QWebSocketServer; polling gets just enough HTTP. It lives on the test's
-/// thread, whose event loop has to run for anything to happen. Every request and every frame is recorded.
+/// WebSockets are those of a real QWebSocketServer; polling and streaming get just enough HTTP. It lives on
+/// the test's thread, whose event loop has to run for anything to happen. Every request and every frame is
+/// recorded.
 class FakeSockJSServer : public QObject
 {
     Q_OBJECT
@@ -88,8 +89,14 @@ public:
     void injectMessages(const QStringList& messages);
     /// Sends \p bytes as a binary message.
     void injectBinary(const QByteArray& bytes);
-    /// Closes the newest WebSocket.
+    /// Sends a part of a frame in the newest session, whose WebSocket has come up OpenInSamePacket.
+    void injectHalf();
+    /// Closes the newest session: its WebSocket, or with a close frame.
     void closeSession();
+    /// Ends all connections at once.
+    void dropConnections();
+    /// Leaves "/xhr_send" without an answer from now on.
+    void holdPosts() { m_holdsPosts = true; }
 
     /// Sockets that clients have open.
     int openConnections() const;
@@ -111,6 +118,7 @@ private:
     void upgrade(QTcpSocket* socket);
     void upgradeByHand(QTcpSocket* socket, const Request& request, const QStringList& frames);
     void onWebSocket();
+    void beginStream(QTcpSocket* socket);
     void answerPoll();
 
     QTcpServer m_listener;
@@ -123,8 +131,10 @@ private:
     QPointer<QWebSocket> m_webSocket;
     QPointer<QTcpSocket> m_raw;            // a WebSocket that was upgraded by hand
     QPointer<QTcpSocket> m_poll;           // a poll without an answer
+    QPointer<QTcpSocket> m_stream;         // a streamed answer
     QList<QPointer<QTcpSocket>> m_waiting; // upgrades without an answer
     QStringList m_pollFrames;
     QString m_polledSession;
+    bool m_holdsPosts = false;
     int m_ended = 0;
 };

@@ -25,9 +25,13 @@ qint64 memory(const QByteArray& name)
 
 } // namespace
 
-Resources::Resources()
-    : m_threads(ProcessResources::threads()), m_descriptors(ProcessResources::descriptors())
-{}
+Resources::Resources(const std::function<void()>& firstUse) : m_threads(ProcessResources::threads())
+{
+    firstUse();
+    if (!QTest::qWaitFor([this] { return ProcessResources::threads() <= m_threads; }, Bounds::givingBack))
+        qWarning("%d threads instead of %d", ProcessResources::threads(), m_threads);
+    m_descriptors = ProcessResources::descriptors();
+}
 
 bool Resources::areBack() const
 {
