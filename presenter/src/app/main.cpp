@@ -143,7 +143,7 @@ int run(QCoreApplication& application, const Options& options, const ScriptFile:
     std::unique_ptr<LineSource> source;
     if (hasScript) {
         host.folder = QFileInfo(options.script).absolutePath();
-        lesson.name = QFileInfo(options.script).completeBaseName();
+        lesson.lessonName = QFileInfo(options.script).completeBaseName();
         for (const CommandLine& line : script.lines)
             runner.add(line);
         runner.finishInput();

@@ -56,9 +56,9 @@ Outcome Handlers::ping(Host& host, const Arguments&)
 Outcome Handlers::lesson(Host& host, const Arguments& given)
 {
     Arguments arguments = given;
-    Support::takeSetting(arguments, QStringLiteral("id"), host.lesson.id);
+    Support::takeSetting(arguments, QStringLiteral("id"), host.lesson.lessonId);
     if (!arguments.isEmpty())
-        host.lesson.name = arguments.join(QLatin1Char(' '));
+        host.lesson.lessonName = arguments.join(QLatin1Char(' '));
     host.lesson.remoteControl().tellLesson();
     return Outcome::done();
 }

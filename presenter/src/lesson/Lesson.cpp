@@ -31,7 +31,7 @@ QString shown(const QVariant& data)
 } // namespace
 
 Lesson::Lesson(const QString& server)
-    : id(QUuid::createUuid().toString(QUuid::WithoutBraces))
+    : lessonId(QUuid::createUuid().toString(QUuid::WithoutBraces))
     , m_client(nullptr, server)
     , m_desk(m_roster)
     , m_remoteControl(*this)

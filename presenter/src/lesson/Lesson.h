@@ -69,8 +69,8 @@ public:
     void showText(const QString& id, const QString& text, bool isDismissible, bool isReview);
 
     /// What the remote control gets to know of it.
-    QString id;
-    QString name = QStringLiteral("Lesson");
+    QString lessonId;
+    QString lessonName = QStringLiteral("Lesson");
 
     RemoteControl& remoteControl() { return m_remoteControl; }
     const Deck& deck() const { return m_deck; }

@@ -61,8 +61,8 @@ void RemoteControl::obey(const RemoteControlMessage& message)
 void RemoteControl::tellLesson()
 {
     if (m_lesson.isLive())
-        m_lesson.collab()->sendCurrentLessonToRemote(JsonText::escaped(m_lesson.id),
-                                                     JsonText::escaped(m_lesson.name));
+        m_lesson.collab()->sendCurrentLessonToRemote(JsonText::escaped(m_lesson.lessonId),
+                                                     JsonText::escaped(m_lesson.lessonName));
 }
 
 void RemoteControl::tellCard()
