@@ -4,8 +4,8 @@
 extern "C" {
 #endif
 
-/* From now on the encoders that this thread runs start behind what is in their hash, or, with 0, empty it. Only encoders
- * whose memory was zeroed when it was allocated may keep their hash. */
+/* From now on the encoders that this thread runs start behind what is in their hash, or, with 0, empty it.
+ * Only encoders whose memory was zeroed when it was allocated may keep their hash. */
 void LzmaMatchFinder_keepHash(int keep);
 
 #ifdef __cplusplus

@@ -4,7 +4,6 @@
 #include "interop/support/Peers.h"
 #include "support/ProcessResources.h"
 
-
 #include <QRegularExpression>
 #include <QSet>
 

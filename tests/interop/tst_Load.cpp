@@ -1,0 +1,128 @@
+#include "interop/support/ClassroomSession.h"
+#include "interop/support/Host.h"
+#include "interop/support/Main.h"
+#include "interop/support/Peers.h"
+
+#include <CalyxClient/CollaborationMessageHandler>
+#include <CalyxClient/Learner>
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QSet>
+#include <QTimer>
+
+#include <ctime>
+
+/// A full classroom answers one poll. CALYX_LOAD_LEARNERS says how full; 5000 is a whole university's.
+class TestLoad : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyAnswerComesOnce_data();
+    void everyAnswerComesOnce();
+};
+
+namespace {
+
+constexpr int usualLearners = 300;
+constexpr int limit = 240000; // ms
+constexpr qint64 longestTurn = 100;
+
+int learners()
+{
+    const int asked = qEnvironmentVariableIntValue("CALYX_LOAD_LEARNERS");
+    return asked > 0 ? asked : usualLearners;
+}
+
+// How long this thread keeps its event loop from turning. The time that it computes, not the time that it
+// waits for a processor which others are using.
+class Turns : public QObject
+{
+public:
+    Turns()
+    {
+        connect(&m_timer, &QTimer::timeout, this, [this] {
+            const qint64 now = cpuMsecs();
+            m_longest = qMax(m_longest, now - m_last);
+            m_last = now;
+        });
+        m_timer.start(1);
+    }
+    qint64 longest() const { return m_longest; }
+
+private:
+    static qint64 cpuMsecs()
+    {
+        constexpr qint64 thousand = 1000;
+        timespec time = {};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return time.tv_sec * thousand + time.tv_nsec / (thousand * thousand);
+    }
+
+    QTimer m_timer;
+    qint64 m_last = cpuMsecs();
+    qint64 m_longest = 0;
+};
+
+} // namespace
+
+void TestLoad::everyAnswerComesOnce_data()
+{
+    QTest::addColumn<QString>("transport");
+    for (const QString& transport : Transport::all)
+        QTest::newRow(qPrintable(transport)) << transport;
+}
+
+void TestLoad::everyAnswerComesOnce()
+{
+    QFETCH(QString, transport);
+    const int count = learners();
+    Peer classroom(Peers::classroom({QStringLiteral("--quiet")}));
+    VERIFY_STARTED(classroom.start());
+    ClassroomSession lesson(classroom.url());
+    QVERIFY(lesson.create());
+    lesson.client().setSockJSOverrideProtocols({transport});
+    PresenterCollab* collab = nullptr;
+    QVERIFY(lesson.client().startWebsocket(&collab));
+    QTRY_VERIFY(collab->isConnected());
+
+    QSet<QString> here;
+    QMap<QString, int> answers;
+    int all = 0;
+    const CollaborationMessageHandler* handler = collab->messageHandler();
+    connect(handler, &CollaborationMessageHandler::learnerJoin, this,
+            [&here](const Calyx::Learner& learner) { here.insert(learner.deviceId); });
+    connect(handler, &CollaborationMessageHandler::learnerPollResponse, this, [&](const QString& device) {
+        ++answers[device];
+        ++all;
+    });
+    const Turns turns;
+    QElapsedTimer clock;
+    clock.start();
+    QProcess devices;
+    devices.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    devices.start(QStringLiteral("node"),
+                  {QStringLiteral(INTEROP_SOURCE_DIR "/../../classroom/learners.js"),
+                   QStringLiteral("--quiet"), QStringLiteral("--url"), classroom.url().toString(),
+                   QStringLiteral("--session"), lesson.client().sessionCode(), QStringLiteral("--count"),
+                   QString::number(count)});
+    QTRY_COMPARE_WITH_TIMEOUT(here.size(), count, limit);
+    const qint64 joined = clock.restart();
+    collab->startPoll(Calyx::PollType::MULTIPLE, Calyx::OrdinalType::ALPHA_UPPER, 4, 1);
+    QTRY_VERIFY_WITH_TIMEOUT(all >= count, limit);
+    qInfo("%d learners joined in %lld ms and answered in %lld ms; longest turn of the event loop %lld ms",
+          count, static_cast<long long>(joined), static_cast<long long>(clock.elapsed()),
+          static_cast<long long>(turns.longest()));
+
+    QVERIFY(lesson.client().doStopSession());
+    QTRY_COMPARE_WITH_TIMEOUT(devices.state(), QProcess::NotRunning, limit);
+    QCOMPARE(devices.exitCode(), 0);
+    QVERIFY(devices.readAllStandardOutput().contains("answers=" + QByteArray::number(count)));
+    QCOMPARE(all, count);
+    QCOMPARE(answers.size(), count);
+    QVERIFY(turns.longest() < longestTurn);
+}
+
+INTEROP_MAIN(TestLoad)
+#include "tst_Load.moc"
