@@ -64,7 +64,7 @@ class StringArray
 {
 public:
     explicit StringArray(const QString& frame, int begin)
-        : m_in(frame.utf16() + begin), m_end(frame.utf16() + frame.size())
+        : m_in(frame.utf16() + begin), m_end(frame.utf16() + frame.size()), m_string(frame.size() - begin)
     {}
 
     bool read(QStringList* strings)
@@ -123,7 +123,7 @@ private:
 
     const ushort* m_in;
     const ushort* m_end;
-    QVarLengthArray<ushort, 1024> m_string;
+    QVarLengthArray<ushort, 1024> m_string; // room for the longest string that the frame can hold
 };
 
 // Writes the JSON string of \p message, without its quotes, unless it needs more than the usual escapes.

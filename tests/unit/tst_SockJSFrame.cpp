@@ -12,6 +12,7 @@ class tst_SockJSFrame : public QObject
 private Q_SLOTS:
     void messagesAreThoseOfQtsReader_data();
     void messagesAreThoseOfQtsReader();
+    void messagesOfAnyLength();
     void manyMessagesInOneFrame();
     void frameIsThatOfQtsWriter_data();
     void frameIsThatOfQtsWriter();
@@ -65,6 +66,18 @@ void tst_SockJSFrame::messagesAreThoseOfQtsReader()
     for (const QVariant& element : list)
         expected.append(element.toString());
     QCOMPARE(SockJSFrame::messages(QLatin1Char('a') + array), expected);
+}
+
+void tst_SockJSFrame::messagesOfAnyLength()
+{
+    for (const int length : {0, 1, 1023, 1024, 1025, 2048, 100000, 1000000}) {
+        const QString text(length, QLatin1Char('x'));
+        const QString escapes = QStringLiteral("\\n").repeated(length);
+        QCOMPARE(SockJSFrame::messages(QStringLiteral("a[\"%1\"]").arg(text)), QStringList(text));
+        QCOMPARE(SockJSFrame::messages(QStringLiteral("a[\"%1\",\"%2\"]").arg(text, escapes)),
+                 QStringList({text, QString(length, QLatin1Char('\n'))}));
+        QCOMPARE(SockJSFrame::messages(QStringLiteral("a[\"%1").arg(text)), QStringList());
+    }
 }
 
 void tst_SockJSFrame::manyMessagesInOneFrame()
