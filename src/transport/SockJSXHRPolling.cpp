@@ -57,19 +57,24 @@ protected:
     }
 };
 
-// Retired transports have no owner. Those that are left when the application object goes are ended here,
-// because their threads must not outlive it.
-QList<SockJSXHRPolling*>& retiredTransports()
+// Those on the application's thread that have a thread of their own, or no owner. Never freed: a host may end
+// the process before it ends its connectors.
+QList<SockJSXHRPolling*>& transportsOfApplication()
 {
-    static QList<SockJSXHRPolling*> transports;
-    return transports;
+    static auto* transports = new QList<SockJSXHRPolling*>;
+    return *transports;
 }
 
-void endRetiredTransports()
+// Calls a function when the statics go.
+struct AtExit
 {
-    while (!retiredTransports().isEmpty())
-        delete retiredTransports().takeLast();
-}
+    explicit AtExit(void (*what)()) : m_what(what) {}
+    ~AtExit() { m_what(); }
+    Q_DISABLE_COPY(AtExit)
+
+private:
+    void (*m_what)();
+};
 
 } // namespace
 
@@ -85,7 +90,7 @@ SockJSXHRPolling::SockJSXHRPolling(QObject* parent)
 
 SockJSXHRPolling::~SockJSXHRPolling()
 {
-    retiredTransports().removeOne(this);
+    transportsOfApplication().removeOne(this);
     joinThread();
     qDeleteAll(m_requests);
 }
@@ -158,6 +163,7 @@ void SockJSXHRPolling::startThread(SockJSXHRPollingWorker* worker, QTcpSocket* s
     m_worker = worker;
     m_thread = thread;
     m_onThread = {worker, socket};
+    endWithApplication();
     thread->start();
 }
 
@@ -340,6 +346,11 @@ void SockJSXHRPolling::close()
 
 void SockJSXHRPolling::retire()
 {
+    // Nobody will run an event loop any more.
+    if (!QCoreApplication::instance()) {
+        delete this;
+        return;
+    }
     m_retired = true;
     blockSignals(true);
     setParent(nullptr);
@@ -349,13 +360,39 @@ void SockJSXHRPolling::retire()
         QTimer::singleShot(farewellLimit, this, &SockJSXHRPolling::close);
     else
         close();
-    if (QCoreApplication::instance() && QCoreApplication::instance()->thread() == thread()) {
-        retiredTransports().append(this);
-        qRemovePostRoutine(endRetiredTransports);
-        qAddPostRoutine(endRetiredTransports);
-    }
+    endWithApplication();
     m_retireLimit.start(retireLimit);
     endRetirement();
+}
+
+// Its thread must not outlive the application object, and without an owner it must not itself. A host may
+// also call exit() and leave the application object where it is.
+void SockJSXHRPolling::endWithApplication()
+{
+    diagnostics(); // goes later than what is made after it, and the threads use it to their end
+    static const AtExit joins(joinAll);
+    if (!QCoreApplication::instance() || QCoreApplication::instance()->thread() != thread() ||
+        transportsOfApplication().contains(this))
+        return;
+    transportsOfApplication().append(this);
+    qRemovePostRoutine(endAll);
+    qAddPostRoutine(endAll);
+}
+
+void SockJSXHRPolling::joinAll()
+{
+    for (SockJSXHRPolling* transport : qAsConst(transportsOfApplication()))
+        transport->joinThread();
+}
+
+void SockJSXHRPolling::endAll()
+{
+    while (!transportsOfApplication().isEmpty()) {
+        SockJSXHRPolling* transport = transportsOfApplication().takeLast();
+        transport->joinThread();
+        if (transport->m_retired)
+            delete transport;
+    }
 }
 
 void SockJSXHRPolling::endRetirement()

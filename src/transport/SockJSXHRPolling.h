@@ -55,7 +55,7 @@ public:
 
     /// Hands the transport over to itself: it emits nothing any more, has no parent, closes, and deletes
     /// itself once its thread has ended and its frames are out, at the latest when no post has been answered
-    /// for 10 seconds or when the application object goes.
+    /// for 10 seconds or when the application object goes; at once when that is gone.
     void retire();
 
     /// The number of cookies that a receive request would carry.
@@ -92,6 +92,9 @@ private:
     QString headerBlock(const QString& payload);
     void postNextFrame();
     void endRetirement();
+    void endWithApplication();
+    static void joinAll();
+    static void endAll();
 
     QNetworkAccessManager* m_nam;
     QNetworkCookieJar* m_cookieJar;

@@ -15,6 +15,11 @@ void releaseWebSocket(QWebSocket* socket)
 {
     // First of all: QWebSocket's destructor emits `disconnected`, and abort() does.
     socket->disconnect();
+    QCoreApplication* application = QCoreApplication::instance();
+    if (!application) { // nobody will run an event loop any more
+        delete socket;
+        return;
+    }
     if (socket->state() != QAbstractSocket::ConnectedState) {
         socket->abort();
         socket->deleteLater();
@@ -22,8 +27,7 @@ void releaseWebSocket(QWebSocket* socket)
     }
     // Until the peer has read everything the socket belongs to nobody else; the application's end takes it
     // along.
-    QCoreApplication* application = QCoreApplication::instance();
-    if (application && application->thread() == socket->thread())
+    if (application->thread() == socket->thread())
         socket->setParent(application);
     QObject::connect(socket, &QWebSocket::disconnected, socket, &QObject::deleteLater);
     QTimer::singleShot(longestFarewell, socket, [socket] { socket->abort(); });
