@@ -11,7 +11,6 @@
 #include <QLabel>
 #include <QMimeData>
 #include <QPushButton>
-#include <QStyle>
 #include <QVBoxLayout>
 #include <QtConcurrent>
 
@@ -29,10 +28,15 @@ QString fileFilter()
     return QStringLiteral("Pictures (%1)").arg(patterns.join(QLatin1Char(' ')));
 }
 
-bool hasFile(const QMimeData* data)
+QStringList filesIn(const QMimeData* data)
 {
+    QStringList files;
     const QList<QUrl> urls = data->urls();
-    return std::any_of(urls.begin(), urls.end(), [](const QUrl& url) { return url.isLocalFile(); });
+    for (const QUrl& url : urls) {
+        if (url.isLocalFile())
+            files.append(url.toLocalFile());
+    }
+    return files;
 }
 
 } // namespace
@@ -87,16 +91,14 @@ void CardDeck::chooseFile()
     auto* dialog = new QFileDialog(this, QStringLiteral("Add a picture"), QString(), fileFilter());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFiles);
-    connect(dialog, &QFileDialog::filesSelected, this, [this](const QStringList& paths) {
-        for (const QString& path : paths)
-            addFile(path);
-    });
+    connect(dialog, &QFileDialog::filesSelected, this, &CardDeck::addFiles);
     dialog->open();
 }
 
-void CardDeck::addFile(const QString& path)
+void CardDeck::addFiles(const QStringList& paths)
 {
-    readLater([path] { return Cards::fromFile(path); });
+    for (const QString& path : paths)
+        readLater([path] { return Cards::fromFile(path); });
 }
 
 void CardDeck::addDataUri(const QString& name, const QString& url)
@@ -174,14 +176,12 @@ void CardDeck::refresh()
 
 void CardDeck::highlight(bool isOver)
 {
-    m_drop->setProperty("isOver", isOver);
-    m_drop->style()->unpolish(m_drop); // the style sheet looks at properties once
-    m_drop->style()->polish(m_drop);
+    Theme::setLook(m_drop, "isOver", isOver);
 }
 
 void CardDeck::dragEnterEvent(QDragEnterEvent* event)
 {
-    if (!hasFile(event->mimeData()))
+    if (filesIn(event->mimeData()).isEmpty())
         return;
     event->acceptProposedAction();
     highlight(true);
@@ -196,9 +196,5 @@ void CardDeck::dropEvent(QDropEvent* event)
 {
     highlight(false);
     event->acceptProposedAction();
-    const QList<QUrl> urls = event->mimeData()->urls();
-    for (const QUrl& url : urls) {
-        if (url.isLocalFile())
-            addFile(url.toLocalFile());
-    }
+    addFiles(filesIn(event->mimeData()));
 }

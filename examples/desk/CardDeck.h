@@ -26,7 +26,7 @@ public:
     void setWhyNoShow(const QString& reason);
 
     void chooseFile();
-    void addFile(const QString& path);
+    void addFiles(const QStringList& paths);
     /// \p url: a picture as a data URI.
     void addDataUri(const QString& name, const QString& url);
     void next() { goTo(m_current + 1); }

@@ -7,7 +7,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QThread>
-#include <QTime>
 #include <QTimer>
 
 using namespace Calyx;
@@ -23,15 +22,6 @@ QString escaped(const QString& text)
 {
     const QByteArray array = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
     return QString::fromUtf8(array.mid(2, array.size() - 4)); // without [" and "]
-}
-
-// Polls that are made within the same second have the same id, and a late answer to one would count for the
-// next. Milliseconds until a new one is to be had.
-int msecsToNewId(std::time_t lastPoll)
-{
-    constexpr int second = 1000;
-    constexpr int tick = 10; // by which the clock of the ids may lag
-    return std::time(nullptr) == lastPoll ? second - QTime::currentTime().msec() + tick : 0;
 }
 
 } // namespace
@@ -161,30 +151,6 @@ bool Classroom::waitForChannel()
     return m_collab && m_collab->isConnected();
 }
 
-void Classroom::listen()
-{
-    connect(m_collab, &PresenterCollab::learnerJoin, this, [this](const Learner& learner) {
-        Q_EMIT learnerJoined(learner.deviceId, learner.userName, learner.deviceType);
-    });
-    connect(m_collab, &PresenterCollab::learnerUnregister, this, &Classroom::learnerLeft);
-    connect(m_collab, &PresenterCollab::learnerPollResponse, this,
-            [this](const QString& deviceId, const QString& answerId, int, const QString& answer) {
-                Q_EMIT answered(deviceId, answerId, answer);
-            });
-    connect(m_collab, &PresenterCollab::controllerRegister, this, [this](bool isHere) {
-        if (!isHere)
-            Q_EMIT remoteLeft();
-    });
-    connect(m_collab, &PresenterCollab::remoteControl, this, [this](const RemoteControlMessage& message) {
-        if (message.from != m_collab->userToken()) // the bus brings our own "pause" back to us
-            Q_EMIT remoteCommand(message.type, message.data);
-    });
-    connect(m_collab, &PresenterCollab::connectionClosed, this, [this] {
-        if (m_stage == Live)
-            setStage(Lost);
-    });
-}
-
 // Who joined before the channel was open was not heard, and is asked for. Not at once: the service also lists
 // those whose own channel is not open yet, and who would miss a poll that goes out now.
 void Classroom::enterLesson()
@@ -229,64 +195,4 @@ void Classroom::shutDown()
         m_client->doLogout();
     dropClient();
     thread()->quit();
-}
-
-void Classroom::startPoll(const PollKind& kind, int options)
-{
-    if (m_stage != Live)
-        return;
-    if (const int msecs = msecsToNewId(m_lastPoll)) {
-        QTimer::singleShot(msecs, this, [this, kind, options] { startPoll(kind, options); });
-        return;
-    }
-    m_collab->startPoll(kind.type, kind.ordinal, options, kind.type == PollType::MULTIPLE ? 1 : 0);
-    m_lastPoll = std::time(nullptr);
-    const QString question = m_collab->currentQuestionId();
-    Q_EMIT pollStarted(question.isEmpty() ? m_collab->currentPollId() : question);
-}
-
-void Classroom::stopPoll()
-{
-    if (m_stage != Live)
-        return;
-    m_collab->stopPoll();
-    Q_EMIT pollStopped();
-}
-
-void Classroom::setPaused(bool paused)
-{
-    if (m_stage != Live)
-        return;
-    if (paused)
-        m_collab->pausePoll();
-    else
-        m_collab->resumePoll();
-    Q_EMIT pollPaused(paused);
-}
-
-void Classroom::showCard(const QByteArray& png)
-{
-    if (m_stage != Live)
-        return;
-    m_collab->setCardImage(png);
-    m_collab->showImageCard(true);
-    Q_EMIT cardShown();
-}
-
-void Classroom::tellLessonToRemote(const QString& name)
-{
-    if (m_stage == Live)
-        m_collab->sendCurrentLessonToRemote(QStringLiteral("desk"), escaped(name));
-}
-
-void Classroom::tellCardToRemote(int card, int cards)
-{
-    if (m_stage == Live)
-        m_collab->sendCurrentCardToRemote(card, cards);
-}
-
-void Classroom::tellRemoteThatWeAreHere()
-{
-    if (m_stage == Live)
-        m_collab->sendPresenterIsActiveToRemote();
 }

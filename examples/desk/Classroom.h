@@ -47,9 +47,8 @@ public:
     void stopPoll();
     void setPaused(bool paused);
     void showCard(const QByteArray& png);
-    void tellLessonToRemote(const QString& name);
-    void tellCardToRemote(int card, int cards);
-    void tellRemoteThatWeAreHere();
+    /// The channel of the lesson; null while it is not open.
+    PresenterCollab* live() const { return m_stage == Live ? m_collab.data() : nullptr; }
 
 Q_SIGNALS:
     void stageChanged(Classroom::Stage stage, const QString& sessionCode);

@@ -5,6 +5,8 @@
 #include "LessonPage.h"
 #include "LoginPage.h"
 #include "Notice.h"
+#include "PollPanel.h"
+#include "RemoteControl.h"
 #include "Theme.h"
 
 #include <QLabel>
@@ -14,8 +16,13 @@
 #include <QStatusBar>
 #include <QVBoxLayout>
 
+#include <functional>
+
 DeskWindow::DeskWindow(const QString& server)
-    : m_classroom(new Classroom), m_login(new LoginPage(server)), m_lesson(new LessonPage)
+    : m_classroom(new Classroom)
+    , m_login(new LoginPage(server))
+    , m_lesson(new LessonPage)
+    , m_remote(new RemoteControl(this, m_lesson->cards(), m_lesson->poll()))
 {
     layOut();
     connectPages();
@@ -30,7 +37,7 @@ DeskWindow::DeskWindow(const QString& server)
 DeskWindow::~DeskWindow()
 {
     m_classroom->disconnect(this);
-    tell([](Classroom* classroom) { classroom->shutDown(); });
+    tell(&Classroom::shutDown);
     m_thread.wait();
 }
 
@@ -62,8 +69,7 @@ void DeskWindow::layOut()
     statusBar()->addWidget(m_message, 1);
     statusBar()->addPermanentWidget(m_progress);
     statusBar()->addPermanentWidget(m_cancel);
-    m_progress->hide();
-    m_cancel->hide();
+    setBusy(QString());
 }
 
 template<typename Operation>
@@ -71,7 +77,7 @@ void DeskWindow::tell(Operation operation)
 {
     Classroom* const classroom = m_classroom;
     QMetaObject::invokeMethod(
-        classroom, [classroom, operation] { operation(classroom); }, Qt::QueuedConnection);
+        classroom, [classroom, operation] { std::invoke(operation, classroom); }, Qt::QueuedConnection);
 }
 
 template<typename Operation>
@@ -101,56 +107,50 @@ void DeskWindow::connectPages()
                 begin(QStringLiteral("Logging in to %1\u2026").arg(server),
                       [=](Classroom* classroom) { classroom->logIn(server, user, password); });
             });
-    connect(m_lesson, &LessonPage::startLesson, this, [this] {
-        begin(QStringLiteral("Starting the lesson\u2026"),
-              [](Classroom* classroom) { classroom->startLesson(); });
-    });
-    connect(m_lesson, &LessonPage::reconnect, this, [this] {
-        begin(QStringLiteral("Reconnecting\u2026"), [](Classroom* classroom) { classroom->reconnect(); });
-    });
-    connect(m_lesson, &LessonPage::endLesson, this, [this] {
-        begin(QStringLiteral("Ending the lesson\u2026"),
-              [](Classroom* classroom) { classroom->stopLesson(); });
-    });
-    connect(m_lesson, &LessonPage::logOut, this, [this] {
-        begin(QStringLiteral("Logging out\u2026"), [](Classroom* classroom) { classroom->logOut(); });
-    });
-    connect(m_lesson, &LessonPage::startPoll, this, [this](const PollKind& kind, int options) {
+    connect(m_lesson, &LessonPage::startLesson, this,
+            [this] { begin(QStringLiteral("Starting the lesson\u2026"), &Classroom::startLesson); });
+    connect(m_lesson, &LessonPage::reconnect, this,
+            [this] { begin(QStringLiteral("Reconnecting\u2026"), &Classroom::reconnect); });
+    connect(m_lesson, &LessonPage::endLesson, this, &DeskWindow::endLesson);
+    connect(m_lesson, &LessonPage::logOut, this,
+            [this] { begin(QStringLiteral("Logging out\u2026"), &Classroom::logOut); });
+    PollPanel* const poll = m_lesson->poll();
+    connect(poll, &PollPanel::start, this, [this](const PollKind& kind, int options) {
         tell([=](Classroom* classroom) { classroom->startPoll(kind, options); });
     });
-    connect(m_lesson, &LessonPage::pausePoll, this,
+    connect(poll, &PollPanel::pause, this,
             [this](bool isToPause) { tell([=](Classroom* classroom) { classroom->setPaused(isToPause); }); });
-    connect(m_lesson, &LessonPage::stopPoll, this,
-            [this] { tell([](Classroom* classroom) { classroom->stopPoll(); }); });
+    connect(poll, &PollPanel::stop, this, [this] { tell(&Classroom::stopPoll); });
     CardDeck* const cards = m_lesson->cards();
     connect(cards, &CardDeck::cardToShow, this, [this](const QByteArray& png) {
         m_message->setText(QStringLiteral("Showing the card\u2026"));
         tell([=](Classroom* classroom) { classroom->showCard(png); });
     });
-    connect(cards, &CardDeck::changed, this, &DeskWindow::tellCardToRemote);
     connect(cards, &CardDeck::refused, this, [this](const QString& name, const QString& reason) {
         m_notice->show({name + QStringLiteral(" cannot be a card"), QString(), reason});
     });
-    connect(m_cancel, &QPushButton::clicked, this,
-            [this] { tell([](Classroom* classroom) { classroom->giveUp(); }); });
+    connect(m_cancel, &QPushButton::clicked, this, [this] { tell(&Classroom::giveUp); });
 }
 
 void DeskWindow::connectClassroom()
 {
+    PollPanel* const poll = m_lesson->poll();
     connect(m_classroom, &Classroom::finished, this, &DeskWindow::onFinished);
     connect(m_classroom, &Classroom::failed, m_notice, &Notice::show);
     connect(m_classroom, &Classroom::stageChanged, this, &DeskWindow::onStage);
-    connect(m_classroom, &Classroom::learnerJoined, m_lesson, &LessonPage::join);
-    connect(m_classroom, &Classroom::learnerLeft, m_lesson, &LessonPage::leave);
-    connect(m_classroom, &Classroom::pollStarted, m_lesson, &LessonPage::onPollStarted);
-    connect(m_classroom, &Classroom::pollStopped, m_lesson, &LessonPage::onPollStopped);
-    connect(m_classroom, &Classroom::pollPaused, m_lesson, &LessonPage::onPollPaused);
-    connect(m_classroom, &Classroom::answered, m_lesson, &LessonPage::onAnswer);
+    connect(m_classroom, &Classroom::learnerJoined, m_lesson->learners(), &LearnerList::join);
+    connect(m_classroom, &Classroom::learnerLeft, m_lesson->learners(), &LearnerList::leave);
+    connect(m_classroom, &Classroom::pollStarted, poll, &PollPanel::onStarted);
+    connect(m_classroom, &Classroom::pollStopped, poll, &PollPanel::onStopped);
+    connect(m_classroom, &Classroom::pollPaused, poll, &PollPanel::onPaused);
+    connect(m_classroom, &Classroom::answered, poll, &PollPanel::onAnswer);
     connect(m_classroom, &Classroom::cardShown, this,
             [this] { m_message->setText(QStringLiteral("The learners have the card.")); });
-    connect(m_classroom, &Classroom::remoteCommand, this, &DeskWindow::onRemoteCommand);
-    connect(m_classroom, &Classroom::remoteLeft, this,
-            [this] { m_lesson->showRemote(QStringLiteral("It has left.")); });
+}
+
+void DeskWindow::endLesson()
+{
+    begin(QStringLiteral("Ending the lesson\u2026"), &Classroom::stopLesson);
 }
 
 void DeskWindow::onFinished()
@@ -170,63 +170,23 @@ void DeskWindow::onStage(Classroom::Stage stage, const QString& code)
     if (stage == Classroom::Lost)
         m_notice->show({QStringLiteral("The connection to the lesson is lost"), QString(),
                         QStringLiteral("The lesson goes on without you: reconnect to take it up again.")});
-    if (stage == Classroom::LoggedOut)
-        m_pages->setCurrentWidget(m_login);
-    else
-        m_pages->setCurrentWidget(m_lesson);
+    m_pages->setCurrentIndex(stage == Classroom::LoggedOut ? 0 : 1);
     m_lesson->setStage(stage, code);
 }
 
-// Learners' devices cannot be locked but by pausing what they are asked.
 void DeskWindow::connectRemote()
 {
-    CardDeck* const cards = m_lesson->cards();
-    const auto toPause = [this](const QVariantMap&) { m_lesson->pressPause(true); };
-    const auto toResume = [this](const QVariantMap&) { m_lesson->pressPause(false); };
-    const auto toCards = [cards](void (CardDeck::*operation)()) {
-        return [cards, operation](const QVariantMap&) { (cards->*operation)(); };
-    };
-    const auto toTell = [this](auto operation) { return [=](const QVariantMap&) { tell(operation); }; };
-    m_commands = {
-        {QStringLiteral("pause"), {QStringLiteral("Pause"), toPause}},
-        {QStringLiteral("resume"), {QStringLiteral("Resume"), toResume}},
-        {QStringLiteral("lockAll"), {QStringLiteral("Lock all"), toPause}},
-        {QStringLiteral("unlockAll"), {QStringLiteral("Unlock all"), toResume}},
-        {QStringLiteral("nextCard"), {QStringLiteral("Next card"), toCards(&CardDeck::next)}},
-        {QStringLiteral("previousCard"), {QStringLiteral("Previous card"), toCards(&CardDeck::previous)}},
-        {QStringLiteral("pushCurrentCard"),
-         {QStringLiteral("Show the card"), toCards(&CardDeck::showToLearners)}},
-        {QStringLiteral("addImageCard"),
-         {QStringLiteral("Add a picture"),
-          [cards](const QVariantMap& picture) {
-              cards->addDataUri(picture.value(QStringLiteral("name")).toString(),
-                                picture.value(QStringLiteral("url")).toString());
-          }}},
-        {QStringLiteral("presenterActive"), {QStringLiteral("Here"), toTell([](Classroom* classroom) {
-                                                 classroom->tellRemoteThatWeAreHere();
-                                             })}},
-        {QStringLiteral("requestLessonInfo"), {QStringLiteral("Here"), toTell([](Classroom* classroom) {
-                                                   classroom->tellLessonToRemote(
-                                                       QStringLiteral("Lesson at the desk"));
-                                               })}},
-        {QStringLiteral("requestLesson"),
-         {QStringLiteral("Here"), [this](const QVariantMap&) { tellCardToRemote(); }}},
-        {QStringLiteral("stopSession"),
-         {QStringLiteral("End the lesson"), [this](const QVariantMap&) { Q_EMIT m_lesson->endLesson(); }}}};
-}
-
-void DeskWindow::onRemoteCommand(const QString& command, const QVariant& details)
-{
-    const auto known = m_commands.constFind(command);
-    if (known == m_commands.constEnd())
-        return;
-    m_lesson->showRemote(QStringLiteral("Its last command: ") + known->words);
-    known->run(details.toMap());
-}
-
-void DeskWindow::tellCardToRemote()
-{
-    const int card = m_lesson->cards()->current();
-    const int cards = m_lesson->cards()->count();
-    tell([=](Classroom* classroom) { classroom->tellCardToRemote(card, cards); });
+    connect(m_classroom, &Classroom::remoteCommand, m_remote, &RemoteControl::obey);
+    connect(m_classroom, &Classroom::remoteLeft, this,
+            [this] { m_lesson->showRemote(QStringLiteral("It has left.")); });
+    connect(m_remote, &RemoteControl::heard, this, [this](const QString& words) {
+        m_lesson->showRemote(QStringLiteral("Its last command: ") + words);
+    });
+    connect(m_remote, &RemoteControl::wantsToEndTheLesson, this, &DeskWindow::endLesson);
+    connect(m_remote, &RemoteControl::replies, this, [this](const RemoteControl::Reply& reply) {
+        tell([=](Classroom* classroom) {
+            if (classroom->live())
+                reply(classroom->live());
+        });
+    });
 }

@@ -2,15 +2,13 @@
 
 #include "Classroom.h"
 
-#include <QHash>
 #include <QMainWindow>
 #include <QThread>
-
-#include <functional>
 
 class LessonPage;
 class LoginPage;
 class Notice;
+class RemoteControl;
 class QLabel;
 class QProgressBar;
 class QPushButton;
@@ -38,27 +36,19 @@ private:
     void begin(const QString& what, Operation operation);
     void setBusy(const QString& what);
     void onStage(Classroom::Stage stage, const QString& code);
+    void endLesson();
     void onFinished();
     void connectRemote();
-    void onRemoteCommand(const QString& command, const QVariant& data);
-    void tellCardToRemote();
-
-    /// What the remote control can have done, and how that is told.
-    struct Command
-    {
-        QString words;
-        std::function<void(const QVariantMap& data)> run;
-    };
 
     QThread m_thread;
     Classroom* m_classroom;
     Classroom::Stage m_stage = Classroom::LoggedOut;
     LoginPage* m_login;
     LessonPage* m_lesson;
+    RemoteControl* m_remote;
     QStackedWidget* m_pages;
     Notice* m_notice;
     QLabel* m_message;
     QProgressBar* m_progress;
     QPushButton* m_cancel;
-    QHash<QString, Command> m_commands;
 };

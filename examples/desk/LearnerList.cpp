@@ -101,4 +101,5 @@ void LearnerList::refresh()
 {
     m_heading->setText(m_items.isEmpty() ? QStringLiteral("Learners")
                                          : QStringLiteral("Learners (%1)").arg(m_items.size()));
+    Q_EMIT countChanged(m_items.size());
 }

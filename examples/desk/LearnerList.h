@@ -15,13 +15,15 @@ class LearnerList : public QWidget
 public:
     LearnerList();
 
-    int count() const { return m_items.size(); }
     void join(const QString& deviceId, const QString& name, const QString& deviceType);
     void leave(const QString& deviceId);
     void clear();
     void markAnswered(const QString& deviceId);
     /// For the next poll.
     void clearMarks();
+
+Q_SIGNALS:
+    void countChanged(int count);
 
 private:
     void show(QListWidgetItem* item, bool hasAnswered);

@@ -4,7 +4,9 @@
 #include <QFrame>
 #include <QLabel>
 #include <QPushButton>
+#include <QStyle>
 #include <QStyleFactory>
+#include <QVBoxLayout>
 
 namespace {
 
@@ -63,6 +65,15 @@ QFrame* Theme::panel()
     return panel;
 }
 
+QVBoxLayout* Theme::panelBox(QFrame* frame)
+{
+    frame->setObjectName(QStringLiteral("panel"));
+    auto* box = new QVBoxLayout(frame);
+    box->setContentsMargins(16, 14, 16, 16);
+    box->setSpacing(10);
+    return box;
+}
+
 QLabel* Theme::heading(const QString& text, qreal scale)
 {
     auto* label = new QLabel(text);
@@ -101,6 +112,13 @@ void Theme::describe(QWidget* control, const QString& name, const QString& tip)
     control->setAccessibleName(name);
     control->setProperty(tipProperty, tip);
     allow(control, QString());
+}
+
+void Theme::setLook(QWidget* widget, const char* property, const QVariant& value)
+{
+    widget->setProperty(property, value);
+    widget->style()->unpolish(widget); // it looks once
+    widget->style()->polish(widget);
 }
 
 void Theme::allow(QWidget* control, const QString& whyNot)

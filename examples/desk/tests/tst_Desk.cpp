@@ -51,6 +51,12 @@ void dropOnCards(DeskRobot& desk, const QString& file)
     QApplication::sendEvent(deck, &drop);
 }
 
+QRect placeOf(const char* name, DeskRobot& desk)
+{
+    const QWidget* const widget = desk.find(name);
+    return widget ? QRect(widget->mapTo(&desk.window(), QPoint()), widget->size()) : QRect();
+}
+
 int sumOf(const QString& words)
 {
     int sum = 0;
@@ -139,7 +145,7 @@ void tst_Desk::tellsAWrongPassword()
     QVERIFY(desk.reads(QStringLiteral("The service says: login.error.badCredentials")));
     QVERIFY(desk.reads(QStringLiteral("Check the user name and the password")));
     QTRY_VERIFY(desk.find("Password")->hasFocus());
-    QVERIFY(Picture::keep(&desk.window(), QStringLiteral("error"), desk.find("Service")->geometry()));
+    QVERIFY(Picture::keep(&desk.window(), QStringLiteral("error"), placeOf("Service", desk)));
 }
 
 void tst_Desk::tellsAnAddressWhereNothingIs()
@@ -390,7 +396,7 @@ void tst_Desk::looksAsInThePictures()
 {
     DeskRobot& desk = deskAt(m_classroom->url());
     QVERIFY(desk.show());
-    QVERIFY(Picture::keep(&desk.window(), QStringLiteral("login"), desk.find("Service")->geometry()));
+    QVERIFY(Picture::keep(&desk.window(), QStringLiteral("login"), placeOf("Service", desk)));
     remember(desk.startLesson());
     const QStringList answers = {
         QStringLiteral("Amara=1"),     QStringLiteral("Bea=1"),     QStringLiteral("Chidi=0"),
@@ -408,10 +414,7 @@ void tst_Desk::looksAsInThePictures()
     QVERIFY(desk.reads(QStringLiteral("10 of 12 answered")));
     QCOMPARE(answersInWords(desk), QStringLiteral("A: 2, B: 5, C: 2, D: 1"));
     const QString code = QStringLiteral("Lesson code ") + m_code;
-    QWidget* const label = desk.find(qPrintable(code));
-    QVERIFY(label);
-    const QRect changing(label->mapTo(&desk.window(), QPoint()), label->size());
-    QVERIFY(Picture::keep(&desk.window(), QStringLiteral("lesson"), changing));
+    QVERIFY(Picture::keep(&desk.window(), QStringLiteral("lesson"), placeOf(qPrintable(code), desk)));
 }
 
 int main(int argc, char** argv)
