@@ -115,6 +115,7 @@ void Classroom::startLesson()
     if (m_collab)
         m_collab->deleteLater(); // the client has forgotten it, but would keep it
     m_collab = collab;
+    m_isLocked = false;
     listen();
     if (waitForChannel()) {
         enterLesson();

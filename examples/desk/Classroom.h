@@ -47,6 +47,8 @@ public:
     void stopPoll();
     void setPaused(bool paused);
     void showCard(const QByteArray& png);
+    /// Covers the learners' devices with a text until they are unlocked, or a poll starts.
+    void setLocked(bool locked);
     /// The channel of the lesson; null while it is not open.
     PresenterCollab* live() const { return m_stage == Live ? m_collab.data() : nullptr; }
 
@@ -70,6 +72,7 @@ private:
 
     void setStage(Stage stage);
     void listen();
+    void showLock(const QString& deviceId);
     bool waitForChannel();
     void enterLesson();
     void findEarlyLearners();
@@ -79,4 +82,5 @@ private:
     QPointer<PresenterCollab> m_collab; // the client's
     std::time_t m_lastPoll = 0;
     Stage m_stage = LoggedOut;
+    bool m_isLocked = false;
 };

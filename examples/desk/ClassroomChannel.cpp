@@ -1,5 +1,7 @@
 #include "Classroom.h"
 
+#include <CalyxClient/PresenterAssessment>
+
 #include <QTime>
 #include <QTimer>
 
@@ -24,6 +26,8 @@ void Classroom::listen()
 {
     connect(m_collab, &PresenterCollab::learnerJoin, this, [this](const Learner& learner) {
         Q_EMIT learnerJoined(learner.deviceId, learner.userName, learner.deviceType);
+        if (m_isLocked)
+            showLock(learner.deviceId);
     });
     connect(m_collab, &PresenterCollab::learnerUnregister, this, &Classroom::learnerLeft);
     connect(m_collab, &PresenterCollab::learnerPollResponse, this,
@@ -54,6 +58,7 @@ void Classroom::startPoll(const PollKind& kind, int options)
     }
     m_collab->startPoll(kind.type, kind.ordinal, options, kind.type == PollType::MULTIPLE ? 1 : 0);
     m_lastPoll = std::time(nullptr);
+    m_isLocked = false; // the question takes the place of the text
     const QString question = m_collab->currentQuestionId();
     Q_EMIT pollStarted(question.isEmpty() ? m_collab->currentPollId() : question);
 }
@@ -84,4 +89,19 @@ void Classroom::showCard(const QByteArray& png)
     m_collab->setCardImage(png);
     m_collab->showImageCard(true);
     Q_EMIT cardShown();
+}
+
+void Classroom::setLocked(bool locked)
+{
+    if (!live() || locked == m_isLocked)
+        return;
+    m_isLocked = locked;
+    showLock(QString());
+}
+
+// To one device, or to all. There is no message that takes a text away: another takes its place.
+void Classroom::showLock(const QString& deviceId)
+{
+    const char* const text = m_isLocked ? "Please look at your teacher." : "You can go on.";
+    PresenterAssessment(nullptr, m_collab).sendMessage(deviceId, QLatin1String(text), !m_isLocked, false);
 }

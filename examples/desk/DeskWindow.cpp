@@ -183,6 +183,8 @@ void DeskWindow::connectRemote()
         m_lesson->showRemote(QStringLiteral("Its last command: ") + words);
     });
     connect(m_remote, &RemoteControl::wantsToEndTheLesson, this, &DeskWindow::endLesson);
+    connect(m_remote, &RemoteControl::wantsToLock, this,
+            [this](bool isToLock) { tell([=](Classroom* classroom) { classroom->setLocked(isToLock); }); });
     connect(m_remote, &RemoteControl::replies, this, [this](const RemoteControl::Reply& reply) {
         tell([=](Classroom* classroom) {
             if (classroom->live())

@@ -22,11 +22,10 @@ RemoteControl::RemoteControl(QObject* parent, CardDeck* cards, PollPanel* poll) 
             collab->sendCurrentLessonToRemote(QStringLiteral("desk"), QStringLiteral("Lesson at the desk"));
         });
     };
-    // Learners' devices cannot be locked but by pausing what they are asked.
     m_commands = {{"pause", "Pause", pause},
                   {"resume", "Resume", resume},
-                  {"lockAll", "Lock all", pause},
-                  {"unlockAll", "Unlock all", resume},
+                  {"lockAll", "Lock all", [this](const Data&) { Q_EMIT wantsToLock(true); }},
+                  {"unlockAll", "Unlock all", [this](const Data&) { Q_EMIT wantsToLock(false); }},
                   {"nextCard", "Next card", [cards](const Data&) { cards->next(); }},
                   {"previousCard", "Previous card", [cards](const Data&) { cards->previous(); }},
                   {"pushCurrentCard", "Show the card", [cards](const Data&) { cards->showToLearners(); }},

@@ -27,6 +27,7 @@ Q_SIGNALS:
     void heard(const QString& words);
     /// What it is to be told: to be run on the classroom's thread.
     void replies(const RemoteControl::Reply& reply);
+    void wantsToLock(bool isToLock);
     void wantsToEndTheLesson();
 
 private:

@@ -39,14 +39,14 @@ void NodeProgram::end()
     waitForFinished(limit);
 }
 
-QString NodeProgram::lineWith(const QString& begin)
+QString NodeProgram::lineWith(const QString& begin, const QString& part)
 {
     QString found;
     const auto look = [&] {
         m_output += QString::fromUtf8(readAllStandardOutput());
         const QStringList lines = m_output.split(QLatin1Char('\n'));
         for (int i = 0; i + 1 < lines.size() && found.isNull(); ++i) {
-            if (lines.at(i).startsWith(begin))
+            if (lines.at(i).startsWith(begin) && lines.at(i).contains(part))
                 found = lines.at(i);
         }
         return !found.isNull();

@@ -12,8 +12,9 @@ public:
     NodeProgram(const QString& script, const QStringList& arguments);
     ~NodeProgram() override;
 
-    /// The first line on stdout that begins with \p begin, once there is one; null when none comes.
-    QString lineWith(const QString& begin);
+    /// The first line on stdout that begins with \p begin and has \p part in it, once there is one; null when
+    /// none comes.
+    QString lineWith(const QString& begin, const QString& part = QString());
     void say(const QString& line);
     void end();
 

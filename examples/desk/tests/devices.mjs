@@ -5,7 +5,7 @@
 // Each NAME is a learner who picks the option of that number (from 0) of every question that has options, or, with
 // another PICK, never answers. The remote
 // control sends what it reads on stdin, a line for each command: "nextCard", or "addImageCard {...}". What the devices
-// receive is written to stdout: "remote: currentCard {...}".
+// receive is written to stdout: "remote: currentCard {...}", "NAME: dialogShow {...}".
 import { createRequire } from 'node:module';
 import { join, resolve } from 'node:path';
 import { createInterface } from 'node:readline';
@@ -36,6 +36,7 @@ async function joinSession(mode, userName, addresses, receive) {
 
 async function joinLearner(name, pick) {
   const publish = await joinSession('learner', name, ['.learner'], (type, question) => {
+    console.log(`${name}: ${type} ${JSON.stringify(question)}`);
     if (Number.isNaN(pick) || type !== 'questionStart' || !question.activityOptions?.length) return;
     const { id, questionSetMode, activityOptions } = question;
     const option = activityOptions[pick % activityOptions.length];
