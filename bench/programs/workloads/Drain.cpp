@@ -63,3 +63,9 @@ void Drain::take(const QString& text)
     m_messages.append(text);
     m_changed.wakeAll();
 }
+
+bool Drain::hasMessage(int index)
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_messages.size() > index;
+}

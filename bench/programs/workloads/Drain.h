@@ -20,6 +20,7 @@ public:
     QUrl url() const;
     /// Message \p index, once it has come.
     QString message(int index);
+    bool hasMessage(int index);
 
 protected:
     void run() override;

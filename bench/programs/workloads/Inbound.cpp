@@ -1,3 +1,4 @@
+#include "workloads/Answers.h"
 #include "workloads/PlainLzma.h"
 #include "workloads/Workload.h"
 
@@ -25,25 +26,6 @@ struct Answer
                answer == other.answer;
     }
 };
-
-// What a device publishes for an answer, as the bus passes it on.
-QString messageOf(int number)
-{
-    const QString payload =
-        QStringLiteral(
-            R"({"pollId":"0b6c7e0e-3f6a-4d0e-9d5b-0f3c7b1f9a55","responseTime":%1,"blob":{"pick":["B"]}})")
-            .arg(2500 + number % 7000);
-    return QStringLiteral(R"({"type":"rec","address":"6f1c0a52-session","body":{"from":"device-%1",)"
-                          R"("type":"pollResponse","data":["%2"]}})")
-        .arg(number)
-        .arg(PlainLzma::compress64(payload));
-}
-
-QString frameOf(const QString& message)
-{
-    return QLatin1Char('a') +
-           QString::fromUtf8(QJsonDocument(QJsonArray{message}).toJson(QJsonDocument::Compact));
-}
 
 // The message parsed, its payload decoded and parsed, and the four values read: nothing else.
 Answer readMessage(const QString& message)
@@ -100,18 +82,18 @@ private:
     int m_count = 0;
 };
 
-struct Answers
+struct Sample
 {
     Channel channel;
     QStringList messages;
     QStringList frames;
     Answer read;
 
-    explicit Answers(int count)
+    explicit Sample(int count)
     {
         for (int i = 0; i < count; ++i) {
-            messages.append(messageOf(i));
-            frames.append(frameOf(messages.last()));
+            messages.append(Answers::message(i));
+            frames.append(Answers::frame(messages.last()));
         }
     }
 
@@ -134,7 +116,7 @@ struct Answers
     }
 };
 
-void requireSame(Answers& answers)
+void requireSame(Sample& answers)
 {
     answers.feedAll();
     require(answers.channel.count() == answers.frames.size(), "a signal for each answer");
@@ -153,7 +135,7 @@ Workloads inboundWorkloads(Extent extent)
     for (const int count : {1, 10, 100, 1000}) {
         if (extent == Extent::Counted && count != counted)
             continue;
-        const auto answers = std::make_shared<Answers>(count);
+        const auto answers = std::make_shared<Sample>(count);
         requireSame(*answers);
         const auto feed = [answers] { answers->feedAll(); };
         workloads.push_back(

@@ -1,0 +1,61 @@
+#include "sockets/Service.h"
+
+#include <QTcpServer>
+#include <QTcpSocket>
+
+namespace {
+
+// Requests come one at a time; all of them are short.
+void answer(QTcpSocket* socket, QByteArray* request)
+{
+    *request += socket->readAll();
+    const int end = request->indexOf("\r\n\r\n");
+    if (end < 0)
+        return;
+    const QByteArray name = "content-length: ";
+    const int length = request->toLower().indexOf(name);
+    const int size = length < 0 ? 0 : request->mid(length + name.size(), 20).split('\r').first().toInt();
+    if (request->size() < end + 4 + size)
+        return;
+    request->clear();
+    socket->write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: 2\r\n\r\n{}");
+}
+
+} // namespace
+
+Service::Service()
+{
+    start();
+    QMutexLocker lock(&m_mutex);
+    while (m_port == 0)
+        m_changed.wait(&m_mutex);
+}
+
+Service::~Service()
+{
+    quit();
+    wait();
+}
+
+QString Service::url() const
+{
+    return QStringLiteral("http://127.0.0.1:%1").arg(m_port);
+}
+
+void Service::run()
+{
+    QTcpServer server;
+    QObject::connect(&server, &QTcpServer::newConnection, &server, [&server] {
+        QTcpSocket* socket = server.nextPendingConnection();
+        QObject::connect(socket, &QTcpSocket::readyRead, socket,
+                         [socket, request = QByteArray()]() mutable { answer(socket, &request); });
+        QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+    });
+    server.listen(QHostAddress::LocalHost);
+    {
+        const QMutexLocker lock(&m_mutex);
+        m_port = server.serverPort();
+    }
+    m_changed.wakeAll();
+    exec();
+}
