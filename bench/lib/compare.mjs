@@ -1,10 +1,10 @@
-import { execFileSync } from 'node:child_process';
 import { readFileSync, writeFileSync } from 'node:fs';
 import os from 'node:os';
 import { join } from 'node:path';
 import { parseArgs } from 'node:util';
 
 import { rows } from './rows.mjs';
+import { runBus, runCard, runGoogleBenchmark } from './runs.mjs';
 import { median } from './statistics.mjs';
 import { table } from './table.mjs';
 
@@ -12,53 +12,47 @@ const { values: options, positionals: [project, build] } = parseArgs({
   allowPositionals: true,
   options: {
     rounds: { type: 'string', default: '7' },
-    rows: { type: 'string', default: '' },
+    rows: { type: 'string', default: '.*' },
     seconds: { type: 'string', default: '0.1' },
     output: { type: 'string' },
   },
 });
+const wanted = rows.filter(({ name }) => new RegExp(`^(${options.rows})$`).test(name));
 
-// name -> sizes -> { ours: [ns, ...], peer: [ns, ...] }, one number for each round.
-const samples = new Map();
+// name -> size -> { ours: [number, ...], peer: [number, ...], ... }, one number for each round.
+const samples = new Map(wanted.map(({ name }) => [name, new Map()]));
 
-function keep(row, size, side, ns) {
-  if (!samples.has(row)) samples.set(row, new Map());
+function keep({ row, size, side, value }) {
   const sizes = samples.get(row);
-  if (!sizes.has(size)) sizes.set(size, { ours: [], peer: [] });
-  sizes.get(size)[side].push(ns);
+  if (!sizes) return;
+  if (!sizes.has(size)) sizes.set(size, {});
+  (sizes.get(size)[side] ??= []).push(value);
 }
 
-// One round of the in-memory rows: each row's two sides one after the other. CPU time: other programs share the processors.
-function runInMemory() {
-  const output = execFileSync(join(build, 'bench/bench_memory'), [
-    '--benchmark_format=json',
-    `--benchmark_min_time=${options.seconds}`,
-    ...(options.rows ? [`--benchmark_filter=^(${options.rows})/`] : []),
-  ], { encoding: 'utf8', stdio: ['ignore', 'pipe', 'ignore'], maxBuffer: 1 << 26 });
-  if (!output.trim()) return; // no row of this program matches
-  for (const { name, cpu_time: time, time_unit: unit } of JSON.parse(output).benchmarks) {
-    const [row, size, side] = name.split('/');
-    keep(row, Number(size), side, time * { ns: 1, us: 1e3, ms: 1e6, s: 1e9 }[unit]);
+async function runRound() {
+  for (const program of ['bench_memory', 'bench_sockets']) {
+    const names = wanted.filter((row) => row.program === program).map(({ name }) => name);
+    if (names.length) runGoogleBenchmark(build, program, names, options.seconds).forEach(keep);
   }
+  if (wanted.some((row) => row.program === 'bench_client')) (await runBus(project, build, wanted)).forEach(keep);
+  if (wanted.some((row) => row.program === 'bench_card')) runCard(build).forEach(keep);
 }
 
-function summary(size, { ours, peer }) {
-  const ratios = ours.map((time, round) => time / peer[round]);
-  return {
-    size,
-    ours: { median: median(ours), least: Math.min(...ours) },
-    peer: { median: median(peer), least: Math.min(...peer) },
-    ratio: median(ratios), // of the rounds, whose two sides run one after the other
-  };
+const summary = (values) => values && { median: median(values), least: Math.min(...values) };
+
+function summaries(size, { ours, peer, bare }) {
+  // Of the rounds: the two sides of a round run one after the other.
+  const ratio = peer ? median(ours.map((value, round) => value / peer[round])) : undefined;
+  return { size, ours: summary(ours), peer: summary(peer), bare: summary(bare), ratio };
 }
 
 function results() {
   return {
     rounds: Number(options.rounds),
     machine: `${os.cpus().length} x ${os.cpus()[0].model.trim()}`,
-    rows: rows.filter(({ name }) => samples.has(name)).map((row) => ({
+    rows: wanted.map((row) => ({
       ...row,
-      sizes: [...samples.get(row.name)].map(([size, sides]) => summary(size, sides)).sort((a, b) => a.size - b.size),
+      sizes: [...samples.get(row.name)].map(([size, sides]) => summaries(size, sides)).sort((a, b) => a.size - b.size),
     })),
   };
 }
@@ -77,7 +71,7 @@ function merged(file, fresh) {
 
 for (let round = 1; round <= Number(options.rounds); round += 1) {
   process.stderr.write(`round ${round} of ${options.rounds}\n`);
-  runInMemory();
+  await runRound();
 }
 const fresh = results();
 console.log(table(fresh));

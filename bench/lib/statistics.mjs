@@ -17,3 +17,7 @@ export function amount(size) {
   if (size >= 1 << 16) return `${size >> 10} Ki`;
   return `${size}`;
 }
+
+export const bytes = (count) => `${(count / (1 << 20)).toFixed(1)} MiB`;
+
+export const ratio = (value) => value.toFixed(2);

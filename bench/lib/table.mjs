@@ -1,9 +1,9 @@
-import { amount, duration } from './statistics.mjs';
+import { amount, bytes, duration, ratio as number } from './statistics.mjs';
 
 function goalOf(goal, size) {
   if (!goal) return '';
   if (goal.milliseconds !== undefined) return size === goal.size ? `< ${goal.milliseconds} ms` : '';
-  return `≤ ${goal.at?.[size] ?? goal.most}`;
+  return `≤ ${number(goal.at?.[size] ?? goal.most)}`;
 }
 
 function isMet(goal, { size, ours, ratio }) {
@@ -22,11 +22,13 @@ export function table({ rows }) {
     line(['row', 'size', 'ours', 'peer', 'ratio', 'goal', 'met', 'ours, each']),
     line(['---', '---:', '---:', '---:', '---:', '---:', '---', '---:']),
   ];
-  for (const { name, unit, goal, sizes } of rows) {
+  for (const { name, unit, goal, sizes, measure } of rows) {
+    const show = measure === 'bytes' ? bytes : duration;
     for (const entry of sizes) {
       const { size, ours, peer, ratio } = entry;
-      lines.push(line([name, `${amount(size)} ${unit}`, duration(ours.median), duration(peer.median), ratio.toFixed(2),
-        goalOf(goal, size), isMet(goal, entry), duration(ours.median / size)]));
+      lines.push(line([name, `${amount(size)} ${unit}`, show(ours.median), peer ? show(peer.median) : '',
+        ratio === undefined ? '' : number(ratio), goalOf(goal, size), isMet(goal, entry),
+        measure === 'bytes' ? '' : duration(ours.median / size)]));
     }
   }
   return lines.join('\n');

@@ -1,40 +1,36 @@
 'use strict';
 
-// npm `sockjs-client` and `lzma`: client.cjs PORT TRANSPORT COUNT TURNS asks for COUNT answers TURNS times, one after the
-// other, and prints how long each turn took and the CPU time of all, in nanoseconds.
+// npm `sockjs-client` and `lzma`: client.cjs PORT TRANSPORT burst|singles COUNT asks for answers and prints, in nanoseconds,
+// how long the burst took, or the latency of each single answer, and the CPU time of all.
 
 const path = require('path');
 const SockJS = require(path.join(__dirname, '../../classroom/node_modules/sockjs-client'));
 const { read } = require('./answers.cjs');
 
-const [port, transport, count, turns] = process.argv.slice(2);
+const [port, transport, kind, count] = process.argv.slice(2);
 const socket = new SockJS(`http://127.0.0.1:${port}/eventbus`, null, { transports: [transport] });
 const durations = [];
-let left = 0;
+let left = Number(count);
 let begun;
 let cpuBegun;
 
-function ask() {
-  left = Number(count);
-  begun = process.hrtime.bigint();
-  socket.send(`answers:${count}`);
+function finish() {
+  if (kind === 'burst') durations.push(Number(process.hrtime.bigint() - begun));
+  const { user, system } = process.cpuUsage(cpuBegun);
+  console.log(JSON.stringify({ durations, cpu: (user + system) * 1000 }));
+  process.exit();
 }
 
 socket.onopen = () => {
   cpuBegun = process.cpuUsage();
-  ask();
+  begun = process.hrtime.bigint();
+  socket.send(`${kind}:${count}`);
 };
 socket.onmessage = ({ data }) => {
-  if (!read(data)[0].startsWith('device-')) throw new Error(`not an answer: ${data}`);
+  const [deviceId] = read(data);
+  if (!deviceId.startsWith('device-')) throw new Error(`not an answer: ${data}`);
+  const now = performance.timeOrigin + performance.now();
+  if (kind === 'singles') durations.push(Math.round(now * 1e6 - Number(deviceId.slice('device-'.length)) * 1e3));
   left -= 1;
-  if (left > 0) return;
-  durations.push(Number(process.hrtime.bigint() - begun));
-  if (durations.length < Number(turns)) {
-    ask();
-    return;
-  }
-  const { user, system } = process.cpuUsage(cpuBegun);
-  console.log(JSON.stringify({ durations, cpu: (user + system) * 1000 }));
-  socket.close();
-  process.exit();
+  if (left === 0) finish();
 };
