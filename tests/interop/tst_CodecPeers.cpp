@@ -315,21 +315,19 @@ void tst_CodecPeers::whoAcceptsWhat_data()
     QTest::newRow("a literal's context of 4 bits") << withTables(4, 0) << true << true << true;
     QTest::newRow("a literal's context of 8 and 4 bits") << withTables(8, 4) << false << false << true;
     QTest::newRow("a literal's context of 3 and 2 bits") << withTables(3, 2) << false << false << true;
-    QTest::newRow("no dictionary") << withDictionary(0) << true << true << false;
+    QTest::newRow("no dictionary") << withDictionary(0) << true << false << false;
     QTest::newRow("dictionary of an odd size") << withDictionary(12345) << true << false << true;
 }
 
 // Where the three differ, and why we stay with what we do:
 // - A block says how long its text is, if only at most. xz writes -1 and looks for the end marker, which our
-// peers never
-//   send; xz then wants a size that is said to be right to the byte, the package takes what it got until
-//   either end.
+//   peers never send; xz then wants a size that is said to be right to the byte, the package takes what it
+//   got until either end.
 // - Of the size we read 32 bits, and a text ends where it ends: what stands behind it is not looked at.
 // - Tables of more than 4 bits take megabytes for a block of 20 bytes. Neither encoder is set so unless it is
-// asked to.
+//   asked to.
 // - The dictionary's size is a claim: we keep the whole text and need none. xz takes only sizes that it would
-// write, the
-//   package nothing that reaches back further.
+//   write, the package nothing that reaches back further.
 // - The package does not look at the stream's first byte, which is always 0.
 void tst_CodecPeers::whoAcceptsWhat()
 {

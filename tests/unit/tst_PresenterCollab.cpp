@@ -130,7 +130,8 @@ void TestPresenterCollab::openUsesTheDefaultTransports()
 
     collab()->open();
 
-    QTRY_COMPARE(server().requests().size(), 2);
+    // The second comes up, and registers at once.
+    QTRY_VERIFY(server().requests().size() >= 5);
     QVERIFY(server().paths().at(0).endsWith(QLatin1String("/websocket")));
     QVERIFY(server().paths().at(1).endsWith(QLatin1String("/xhr_streaming")));
     QVERIFY(server().paths().at(0).startsWith(QLatin1String("/bus/eventbus/119/")));
