@@ -11,16 +11,12 @@ find_package_handle_standard_args(LzmaSdk REQUIRED_VARS LZMA_SDK_DIR
 
 if(LzmaSdk_FOUND AND NOT TARGET LzmaSdk)
     add_library(LzmaSdk STATIC
-        "${LZMA_SDK_DIR}/LzFind.c" "${LZMA_SDK_DIR}/LzmaDec.c" "${LZMA_SDK_DIR}/LzmaEnc.c"
-        "${CMAKE_CURRENT_LIST_DIR}/LzmaMatchFinder.c")
-    set_source_files_properties("${LZMA_SDK_DIR}/LzFind.c" PROPERTIES
-        COMPILE_DEFINITIONS MatchFinder_CreateVTable=SdkMatchFinder_CreateVTable)
+        "${LZMA_SDK_DIR}/LzFind.c" "${LZMA_SDK_DIR}/LzmaDec.c" "${LZMA_SDK_DIR}/LzmaEnc.c")
     add_library(LzmaSdk::LzmaSdk ALIAS LzmaSdk)
     # The match finder of the multi-threaded encoder is neither shipped there nor wanted here.
     target_compile_definitions(LzmaSdk PRIVATE _7ZIP_ST)
     target_include_directories(LzmaSdk PRIVATE "${LZMA_SDK_DIR}")
-    target_include_directories(LzmaSdk SYSTEM INTERFACE
-        "$<BUILD_INTERFACE:${LZMA_SDK_DIR}>" "$<BUILD_INTERFACE:${CMAKE_CURRENT_LIST_DIR}>")
+    target_include_directories(LzmaSdk SYSTEM INTERFACE "$<BUILD_INTERFACE:${LZMA_SDK_DIR}>")
     set_target_properties(LzmaSdk PROPERTIES
         POSITION_INDEPENDENT_CODE ON
         C_VISIBILITY_PRESET hidden

@@ -1,10 +1,10 @@
 #include "compression/LzmaBlock.h"
 
 #include "compression/Base64.h"
+#include "compression/LzmaMatchFinder.h"
 
 #include <LzmaDec.h>
 #include <LzmaEnc.h>
-#include <LzmaMatchFinder.h>
 
 #include <QtEndian>
 
