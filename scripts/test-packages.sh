@@ -5,7 +5,7 @@
 packages+=(xz-utils openssl haproxy nginx-light tinyproxy golang-go golang-github-igm-sockjs-go-dev)
 # The browser in which the pages are tried, and what it writes with.
 packages+=(chromium fonts-open-sans fonts-urw-base35 fonts-dejavu-core)
-# What the desk writes learners' names with; its pictures are made with fonts-open-sans.
+# What the desk and the terminal's picture write learners' names and answers with; the desk's is made with fonts-open-sans.
 packages+=(fonts-droid-fallback)
 # A host's makefile.
 packages+=(make)

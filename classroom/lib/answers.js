@@ -58,9 +58,9 @@ const WRITTEN = {
   'math formula': (seed) => pickFrom(FORMULAS, seed),
 };
 
-/** The answer's own members for a "questionStart" document: {answer} or {optionAnswers}. */
-export function answerQuestion(question, index) {
-  const seed = seedOf(index, question.id);
+/** The answer's own members for a "questionStart" document: {answer} or {optionAnswers}. It goes by the question's id, or by the key. */
+export function answerQuestion(question, index, key = question.id) {
+  const seed = seedOf(index, key);
   const options = question.activityOptions ?? [];
   if (options.length > 0) {
     const chosen = (PICKED[question.type] ?? pickOne)(options, seed, question);
@@ -71,14 +71,14 @@ export function answerQuestion(question, index) {
 }
 
 /** The answer to a question as a presenter gets it: the ids of the options follow each other without anything. */
-export function answerInWords(question, index) {
-  const { answer = '', optionAnswers = [] } = answerQuestion(question, index);
+export function answerInWords(question, index, key = question.id) {
+  const { answer = '', optionAnswers = [] } = answerQuestion(question, index, key);
   return answer + optionAnswers.map(({ activityOptionId }) => activityOptionId).join('');
 }
 
 /** The "blob" for a "poll" document: a list of picked options, or typed input where there are none. */
-export function answerPoll(poll, index) {
-  const seed = seedOf(index, poll.id);
+export function answerPoll(poll, index, key = poll.id) {
+  const seed = seedOf(index, key);
   const options = poll.metadata?.options ?? [];
   if (options.length === 0) return { input: wordText(seed) };
   const count = 1 + (seed % Math.min(2, options.length));

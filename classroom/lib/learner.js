@@ -12,15 +12,15 @@ const PING_MS = 60000;
 const forms = {
   question: {
     type: 'questionResponse',
-    answer: (question, index) => ({
+    answer: (question, index, key) => ({
       questionId: question.id,
       questionSetMode: question.questionSetMode,
-      ...answerQuestion(question, index),
+      ...answerQuestion(question, index, key),
     }),
   },
   poll: {
     type: 'pollResponse',
-    answer: (poll, index) => ({ pollId: poll.id, blob: answerPoll(poll, index) }),
+    answer: (poll, index, key) => ({ pollId: poll.id, blob: answerPoll(poll, index, key) }),
   },
 };
 
@@ -45,7 +45,10 @@ export class Learner {
   #paused = false;
   #assessment = null;
 
-  /** settings: url, transports (undefined: all), answerAfter in ms, and note(text) for what goes wrong. */
+  /**
+   * settings: url, transports (undefined: all), answerAfter in ms, note(text) for what goes wrong, and answerBy: "order" for
+   * answers that are the same in each lesson, whatever the questions' ids.
+   */
   constructor(index, settings) {
     this.#index = index;
     this.#settings = settings;
@@ -144,7 +147,7 @@ export class Learner {
     this.#drop();
     this.questions += 1;
     if (this.#isOfAssessment(document)) {
-      this.meant.at(-1).answers.set(document.questionNumber, answerInWords(document, this.#index));
+      this.meant.at(-1).answers.set(document.questionNumber, answerInWords(document, this.#index, this.#keyOf(document)));
     }
     this.#open = { form, document };
     const { answerAfter = 0 } = this.#settings;
@@ -173,14 +176,18 @@ export class Learner {
   #answer() {
     const { form, document } = this.#open;
     this.#drop();
-    const time = responseTime(seedOf(this.#index, document.id), this.#settings.answerAfter);
+    const time = responseTime(seedOf(this.#index, this.#keyOf(document)), this.#settings.answerAfter);
     const sent = this.#publish(form.type, {
-      ...form.answer(document, this.#index),
+      ...form.answer(document, this.#index, this.#keyOf(document)),
       responseTime: time,
       studentAssessmentToken: this.#assessment?.token,
     });
     if (sent) this.answers += 1;
     this.#goOn(document);
+  }
+
+  #keyOf({ id }) {
+    return this.#settings.answerBy === 'order' ? `question ${this.questions}` : id;
   }
 
   #isOfAssessment({ questionSetMode }) {

@@ -5,12 +5,17 @@ import { after } from 'node:test';
 import { mkdtempSync, readFileSync, rmSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join, sep } from 'node:path';
-import { closeBrowser } from './support/browser.js';
+import { fileURLToPath } from 'node:url';
+import { startClassroom } from '../test/support/classroom.js';
+import { Crowd, waitForSession } from '../lib/crowd.js';
+import { closeBrowser, openContext, openPage } from './support/browser.js';
 import { check } from './support/check.js';
 import { field, heading, lesson, options, send, sent, teach, withTexts } from './support/class.js';
 import { command, joinController, stateOf, told } from './support/controller.js';
+import { PROGRAM } from './support/host.js';
 import { asDataUri, card } from './support/pictures.js';
 import { takePicture } from './support/screenshot.js';
+import { runOnTerminal, showTerminal } from './support/terminal.js';
 
 after(closeBrowser);
 
@@ -18,6 +23,8 @@ after(closeBrowser);
 const PHONE = { viewport: { width: 390, height: 480 }, hasTouch: true, isMobile: true, deviceScaleFactor: 2 };
 const TABLET = { viewport: { width: 820, height: 480 }, deviceScaleFactor: 1.5 };
 const LEAF = readFileSync(new URL('../../presenter/lessons/images/leaf.png', import.meta.url));
+
+const LESSON = fileURLToPath(new URL('../../presenter/lessons/demo.lesson', import.meta.url));
 
 const CHOICE = {
   id: 'choice', type: 'multiple', numberOfCorrectOptions: 2, instructions: 'Which two of these does a leaf take in?',
@@ -87,6 +94,21 @@ check('the remote control on a telephone', async (t) => {
   await command(page, 'Next').click();
   await told(page, 'Next card: sent');
   await takePicture(page, 'controller');
+});
+
+check('the end of a lesson on a terminal', async (t) => {
+  const { url } = await startClassroom(t);
+  const leaving = new AbortController();
+  t.after(() => leaving.abort());
+  const learners = new Crowd({ url, count: 30, answerBy: 'order', note: () => {} });
+  const attended = waitForSession(url, 0, leaving.signal).then(({ code }) => learners.attend(code, leaving.signal));
+  const written = await runOnTerminal(t, [PROGRAM, '--server', url, '--user', 'teacher', '--script', LESSON], { CALYX_PASSWORD: 'chalk' });
+  await attended;
+  assert.ok(learners.ok, learners.summary());
+  const page = await openPage(t, await openContext(t, { viewport: { width: 740, height: 480 }, deviceScaleFactor: 1.5 }));
+  // Another code each time, and other seconds.
+  await showTerminal(page, written.replaceAll(/\b0:\d\d\b/g, '0:01').replaceAll(/(?<=Session )\d{6}/g, '482913'));
+  await takePicture(page, 'lesson-terminal');
 });
 
 check('a picture is written when something shows to have changed, and only then', async (t) => {

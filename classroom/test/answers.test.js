@@ -13,6 +13,13 @@ check('the same learner gives the same answer, different learners different ones
   assert.notDeepEqual(picked(question), picked({ ...question, id: 'efgh5678' }));
 });
 
+check('with a key of its own a question is answered alike whatever its id', () => {
+  const question = { id: 'abcd1234', type: 'multiple', activityOptions: options('A', 'B', 'C', 'D') };
+  const answersTo = (id, key) => Array.from({ length: 30 }, (_, index) => answerQuestion({ ...question, id }, index, key));
+  assert.deepEqual(answersTo('abcd1234', 'first'), answersTo('efgh5678', 'first'));
+  assert.notDeepEqual(answersTo('abcd1234', 'first'), answersTo('abcd1234', 'second'));
+});
+
 check('every option is chosen by some', () => {
   for (const type of ['true-false', 'yes-no-other', 'multiple', 'scale']) {
     for (const ids of [['A', 'B'], ['A', 'B', 'C'], ['0', '1', '2', '3', '4', '5', '6', '7', '8', '9']]) {

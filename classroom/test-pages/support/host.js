@@ -7,7 +7,8 @@ import { fileURLToPath } from 'node:url';
 import { startClassroom } from '../../test/support/classroom.js';
 import { joinPage } from './class.js';
 
-const PROGRAM = process.env.CALYX_PRESENTER
+/** calyx-presenter. */
+export const PROGRAM = process.env.CALYX_PRESENTER
   ?? fileURLToPath(new URL('../../../build/dev/presenter/calyx-presenter', import.meta.url));
 
 // As long as a slow machine may take for whatever a lesson waits for.

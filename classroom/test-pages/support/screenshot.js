@@ -37,7 +37,7 @@ async function looksLike(page, one, other) {
 /** A picture of the page for the documents; one that shows no change is left as it is. Resolves with true when it was written. */
 export async function takePicture(page, name, folder = FOLDER) {
   // Another code each time, and each time another picture.
-  await page.locator('.who-code').evaluate((element) => { element.textContent = '482\u00a0913'; });
+  await page.evaluate(() => document.querySelectorAll('.who-code').forEach((code) => { code.textContent = '482\u00a0913'; }));
   await page.evaluate(() => document.fonts.ready);
   await page.mouse.move(0, 0);
   const taken = await page.screenshot({ animations: 'disabled', caret: 'hide', fullPage: true });
