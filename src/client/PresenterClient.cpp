@@ -8,10 +8,10 @@
 #include "collab/PresenterCollab.h"
 #include "compression/Lzma.h"
 #include "transport/QSystemConfigurationProxyFactory.h"
+#include "transport/SafeCookieJar.h"
 
 #include <QAuthenticator>
 #include <QNetworkAccessManager>
-#include <QNetworkCookieJar>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QSslCertificate>
@@ -54,7 +54,7 @@ PresenterClient::PresenterClient(QObject* parent, QString server)
     Calyx::registerLearner();
     if (m_server.endsWith(QLatin1Char('/')))
         m_server.chop(1);
-    m_manager->setCookieJar(new QNetworkCookieJar(this));
+    m_manager->setCookieJar(new SafeCookieJar("[PresenterClient]", this));
     m_manager->setProxyFactory(new QSystemConfigurationProxyFactory);
 
     connect(m_manager, SIGNAL(finished(QNetworkReply*)), this, SLOT(slotRequestFinished(QNetworkReply*)));

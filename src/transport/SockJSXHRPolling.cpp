@@ -2,6 +2,8 @@
 
 #include "Diagnostics.h"
 #include "transport/QSystemConfigurationProxyFactory.h"
+#include "transport/RequestText.h"
+#include "transport/SafeCookieJar.h"
 #include "transport/SockJSXHRPollingWorker.h"
 
 #include <QCoreApplication>
@@ -10,8 +12,6 @@
 #include <QNetworkRequest>
 #include <QSslSocket>
 
-#include <algorithm>
-
 namespace {
 
 constexpr int postLimit = 30000; // milliseconds
@@ -19,43 +19,10 @@ constexpr int retireLimit = 10000;
 constexpr int farewellLimit = 2000;
 constexpr qint64 postAnswerSize = qint64{64} * 1024;
 
-// Such a character would let the text around it end a line of a raw request, or split its first one.
-bool breaksLine(QChar c)
-{
-    return c < QLatin1Char(' ') || c == QChar(0x7f);
-}
-
-bool isSafeInRequest(const QString& text)
-{
-    return std::none_of(text.begin(), text.end(),
-                        [](QChar c) { return breaksLine(c) || c == QLatin1Char(' '); });
-}
-
-bool isSafeInCookie(const QByteArray& text)
-{
-    return std::none_of(text.begin(), text.end(), [](char c) { return breaksLine(QLatin1Char(c)); });
-}
-
 bool isPolling(const XHRRequest* request)
 {
     return request && request->path().endsWith(QLatin1String("xhr"));
 }
-
-// Both sides' cookies come in here and go out as text of the raw requests.
-class LineSafeCookieJar : public QNetworkCookieJar
-{
-public:
-    using QNetworkCookieJar::QNetworkCookieJar;
-
-protected:
-    bool validateCookie(const QNetworkCookie& cookie, const QUrl& url) const override
-    {
-        if (isSafeInCookie(cookie.name()) && isSafeInCookie(cookie.value()))
-            return QNetworkCookieJar::validateCookie(cookie, url);
-        qCDebug(diagnostics) << "[SockJSXHRPolling] Refused a cookie with control characters";
-        return false;
-    }
-};
 
 // Those on the application's thread that have a thread of their own, or no owner. Never freed: a host may end
 // the process before it ends its connectors.
@@ -79,7 +46,9 @@ private:
 } // namespace
 
 SockJSXHRPolling::SockJSXHRPolling(QObject* parent)
-    : QObject(parent), m_nam(new QNetworkAccessManager(this)), m_cookieJar(new LineSafeCookieJar(this))
+    : QObject(parent)
+    , m_nam(new QNetworkAccessManager(this))
+    , m_cookieJar(new SafeCookieJar("[SockJSXHRPolling]", this))
 {
     m_nam->setCookieJar(m_cookieJar);
     m_cookieJar->setParent(this); // the manager has made itself the parent
@@ -97,7 +66,7 @@ SockJSXHRPolling::~SockJSXHRPolling()
 
 bool SockJSXHRPolling::start(QString host, int port, bool secure, QString path, bool streaming)
 {
-    if (m_worker || !isSafeInRequest(host) || !isSafeInRequest(path)) {
+    if (m_worker || !RequestText::isSafeInFirstLine(host) || !RequestText::isSafeInFirstLine(path)) {
         qCDebug(diagnostics)
             << "[SockJSXHRPolling] Can't start: already started, or host or path are not usable";
         return false;
@@ -213,7 +182,7 @@ void SockJSXHRPolling::doRequestXHR(const QString& path, const QString& payload)
         qCDebug(diagnostics) << "[SockJSXHRPolling] Can't make request when in closed state!";
         return;
     }
-    if (!isSafeInRequest(path)) {
+    if (!RequestText::isSafeInFirstLine(path)) {
         qCDebug(diagnostics)
             << "[SockJSXHRPolling] Can't make request: blank or control character in its path";
         return;

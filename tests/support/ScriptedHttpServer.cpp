@@ -36,6 +36,13 @@ public:
     int number() const { return m_number; }
     QByteArray* buffer() { return &m_buffer; }
 
+    void hear(const QByteArray& bytes)
+    {
+        m_buffer += bytes;
+        m_heard = true;
+        run();
+    }
+
     void append(const ScriptedHttpServer::Script& script)
     {
         m_steps += script;
@@ -51,7 +58,8 @@ public:
 private:
     void run()
     {
-        while (!m_steps.isEmpty() && isConnected() && !m_holding && !m_timer.isActive() && !isFull())
+        while (!m_steps.isEmpty() && isConnected() && !m_holding && !m_timer.isActive() && !isFull() &&
+               !isListening())
             perform(m_steps.takeFirst());
     }
 
@@ -62,6 +70,8 @@ private:
     {
         return m_steps.first().kind == ScriptedHttpServer::Step::Flood && m_socket->bytesToWrite() > 0;
     }
+
+    bool isListening() const { return m_steps.first().kind == ScriptedHttpServer::Step::Hear && !m_heard; }
 
     void perform(const ScriptedHttpServer::Step& step)
     {
@@ -82,6 +92,8 @@ private:
         case Step::Hold:
             m_holding = true;
             break;
+        case Step::Hear:
+            break; // it has been heard
         case Step::Reset:
             resetOnClose(m_socket);
             m_socket->abort();
@@ -98,6 +110,7 @@ private:
     ScriptedHttpServer::Script m_steps;
     QTimer m_timer{this};
     bool m_holding = false;
+    bool m_heard = false;
 };
 
 class ScriptedListener : public QTcpServer
@@ -140,7 +153,7 @@ private:
             const std::lock_guard<std::mutex> lock(m_owner->m_mutex);
             m_owner->m_received[connection->number()] += bytes;
         }
-        *connection->buffer() += bytes;
+        connection->hear(bytes);
         ScriptedHttpServer::Request request;
         while (takeRequest(connection, &request)) {
             ScriptedHttpServer::Script script;

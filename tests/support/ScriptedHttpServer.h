@@ -25,7 +25,7 @@ public:
     /// One thing that the server does with a connection. The steps of a script follow each other.
     struct Step
     {
-        enum Kind { Send, Flood, Pause, Hold, Close, Reset } kind;
+        enum Kind { Send, Flood, Pause, Hold, Hear, Close, Reset } kind;
         QByteArray bytes;
         int msecs;
         int times = 1;
@@ -39,6 +39,8 @@ public:
     static Step pause(int msecs) { return {Step::Pause, QByteArray(), msecs}; }
     /// Goes on when release() is called.
     static Step hold() { return {Step::Hold, QByteArray(), 0}; }
+    /// Goes on when the peer has sent something on the connection.
+    static Step hear() { return {Step::Hear, QByteArray(), 0}; }
     static Step close() { return {Step::Close, QByteArray(), 0}; }
     /// Ends the connection with a TCP reset.
     static Step reset() { return {Step::Reset, QByteArray(), 0}; }

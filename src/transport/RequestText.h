@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <algorithm>
+
+/// What may stand in the text of a raw request without ending a line of it, or splitting its first one.
+namespace RequestText {
+
+inline bool isControl(QChar c)
+{
+    return c < QLatin1Char(' ') || c == QChar(0x7f);
+}
+
+/// For a host name or a path.
+inline bool isSafeInFirstLine(const QString& text)
+{
+    return std::none_of(text.begin(), text.end(),
+                        [](QChar c) { return isControl(c) || c == QLatin1Char(' '); });
+}
+
+/// For the value of a header line.
+inline bool isSafeInLine(const QByteArray& text)
+{
+    return std::none_of(text.begin(), text.end(), [](char c) { return isControl(QLatin1Char(c)); });
+}
+
+} // namespace RequestText

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QNetworkCookieJar>
+
+/// Keeps cookies that can do no harm in the text of a request, and gives them to the host that set them.
+///
+/// What a plain jar takes, and this one does not: a control character in a cookie's name or value, which
+/// could begin a header line of its own; and a domain that is the end of an IP address, which other addresses
+/// share.
+class SafeCookieJar : public QNetworkCookieJar
+{
+public:
+    /// Refusals are logged with \p tag at the beginning of the line.
+    SafeCookieJar(const char* tag, QObject* parent);
+
+protected:
+    bool validateCookie(const QNetworkCookie& cookie, const QUrl& url) const override;
+
+private:
+    const char* m_tag;
+};
