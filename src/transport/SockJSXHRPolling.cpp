@@ -66,9 +66,10 @@ SockJSXHRPolling::~SockJSXHRPolling()
 
 bool SockJSXHRPolling::start(QString host, int port, bool secure, QString path, bool streaming)
 {
-    if (m_worker || !RequestText::isSafeInFirstLine(host) || !RequestText::isSafeInFirstLine(path)) {
-        qCDebug(diagnostics)
-            << "[SockJSXHRPolling] Can't start: already started, or host or path are not usable";
+    if (m_worker)
+        return false;
+    if (!RequestText::isSafeInFirstLine(host) || !RequestText::isSafeInFirstLine(path)) {
+        qCDebug(diagnostics) << "[SockJSXHRPolling] Can't start: blank or control character in host or path";
         return false;
     }
     joinThread();

@@ -35,8 +35,9 @@ public:
     /// system's proxy, and asks for the first frames of the session at \p path, with "/xhr_streaming" or
     /// "/xhr".
     ///
-    /// Blocks for up to the connect limit, without events. False when the connection cannot be made, or
-    /// when \p host or \p path holds a blank or a control character. Emits nothing before it returns.
+    /// Blocks for up to the connect limit, without events. False when it is started already, when the
+    /// connection cannot be made, or when \p host or \p path holds a blank or a control character. Emits
+    /// nothing before it returns.
     bool start(QString host, int port, bool secure, QString path, bool streaming);
 
     /// Milliseconds that start() may block: 30 seconds unless told otherwise.

@@ -207,8 +207,6 @@ void SockJSXHRPollingWorker::readEvents()
                 deliverEnd();
             break;
         case Event::Broken:
-            qCDebug(diagnostics)
-                << "[SockJSXHRPollingWorker] Answer beyond all limits, dropping the connection";
             m_hold.setRemainingTime(idleWait);
             dropConnection();
             return;
