@@ -9,7 +9,8 @@ function(calyxclient_forward target header)
         file(CONFIGURE OUTPUT "${root}/${name}" CONTENT "#include \"@header@.h\"\n" @ONLY)
         install(FILES "${root}/${name}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/CalyxClient" COMPONENT Development)
     endforeach()
-    file(CONFIGURE OUTPUT "${root}/${header}.h" CONTENT "#include \"@header@.h\"\n" @ONLY)
+    # With its whole path: by its name it may find itself.
+    file(CONFIGURE OUTPUT "${root}/${header}.h" CONTENT "#include \"@PROJECT_SOURCE_DIR@/src/@header@.h\"\n" @ONLY)
     install(FILES "${PROJECT_SOURCE_DIR}/src/${header}.h"
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/CalyxClient/${folder}" COMPONENT Development)
 endfunction()

@@ -107,8 +107,10 @@ void PresenterClient::doRequest(bool wait, const QUrl& url, const QByteArray& bo
     if (!wait)
         return;
     const auto isProcessed = [this, reply] { return !m_callbacks.contains(reply); };
+    // A host that blocks our signals is not told of a reply that has come: the map is asked again.
     if (NestedWait::run(this, &PresenterClient::requestProcessed, isProcessed, replyLimit) ==
-        NestedWait::TimedOut)
+            NestedWait::TimedOut &&
+        !isProcessed())
         reply->abort();
 }
 

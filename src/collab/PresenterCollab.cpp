@@ -105,14 +105,13 @@ void PresenterCollab::onConnected()
         return;
     }
     const QPointer<PresenterCollab> self(this);
+    m_pingTimer.start(pingInterval); // an end that comes while the frames go out stops it again
     const QStringList addresses = {m_sessionToken, below(".presenter"), below(".presenter.") + m_userToken};
     for (const QString& address : addresses) {
         m_connector->sendMessage(REGISTER_MESSAGE.arg(address), false);
         if (!self)
             return;
     }
-    if (m_connector->isConnected())
-        m_pingTimer.start(pingInterval);
 }
 
 void PresenterCollab::onClosed(bool bClosedForInactivity)

@@ -2,6 +2,7 @@
 
 #include <QMutex>
 #include <QMutexLocker>
+#include <QScopedValueRollback>
 #include <QUrl>
 
 namespace {
@@ -10,7 +11,7 @@ const char proxyVariable[] = "http_proxy";
 
 struct Export
 {
-    QMutex mutex;
+    QRecursiveMutex mutex; // the application's own factory may ask this class again
     bool done = false;
     QByteArray exported;
     QByteArray before; // empty when the variable was not set
@@ -82,6 +83,10 @@ void QSystemConfigurationProxyFactory::exportToEnvironment(const QString& proxy)
 
 QList<QNetworkProxy> QSystemConfigurationProxyFactory::queryProxy(const QNetworkProxyQuery& query)
 {
+    static thread_local bool asking = false;
     const ExportSuspension suspension;
+    if (asking) // the application has one of this class as its own
+        return QNetworkProxyFactory::systemProxyForQuery(query);
+    const QScopedValueRollback<bool> guard(asking, true);
     return QNetworkProxyFactory::proxyForQuery(query);
 }

@@ -308,10 +308,14 @@ void SockJSConnector::onTextMessageReceived(QString message)
     if (!message.startsWith(QLatin1Char('a')))
         return;
     const QPointer<SockJSConnector> self(this);
+    const int attempt = m_attempt;
     const QStringList messages = SockJSFrame::messages(message);
     for (const QString& text : messages) {
         Q_EMIT sockJSMessage(text);
         if (!self)
+            return;
+        // Opened anew by a slot: the rest belongs to a connection whose end has been told.
+        if (m_attempt != attempt && !m_endPending)
             return;
     }
 }

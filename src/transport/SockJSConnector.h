@@ -145,7 +145,6 @@ private:
     QWebSocket* m_webSocket = nullptr;
     int m_openState = Pending;
 
-    // Ids used within the current second, in which the generator repeats itself.
     // Set once the server has accepted the upgrade, also when the socket has been closed again since.
     bool m_upgraded = false;
     QTimer m_openLimitTimer;

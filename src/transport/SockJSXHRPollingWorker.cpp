@@ -244,6 +244,8 @@ void SockJSXHRPollingWorker::deliver(const QString& text, bool ends)
     XHRRequest* request = m_answer.request;
     m_answer.hasText = true;
     m_answer.isGood = m_answer.isGood || isGoodFrame(text);
+    // A stream that is cut after its frames has answered.
+    m_answered = m_answered || (request && m_answer.isGood);
     if (ends)
         endAnswer();
     if (request)

@@ -5,6 +5,8 @@
 #include <QNetworkReply>
 #include <QStringList>
 
+#include <functional>
+
 /// A client whose requests can be made directly, with handlers that keep what they get.
 class ClientProbe : public PresenterClient
 {
@@ -23,9 +25,16 @@ public:
     QStringList successes;
     QStringList failures;
     QList<QNetworkReply::NetworkError> errors;
+    /// Called once the success handler has its body.
+    std::function<void()> processed;
 
 private:
-    void onSuccess(QString body) { successes.append(body); }
+    void onSuccess(QString body)
+    {
+        successes.append(body);
+        if (processed)
+            processed();
+    }
     void onFailure(QNetworkReply* reply, QString body)
     {
         failures.append(body);

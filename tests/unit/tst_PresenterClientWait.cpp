@@ -9,6 +9,7 @@
 
 #include <QElapsedTimer>
 #include <QNetworkAccessManager>
+#include <QSignalBlocker>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
@@ -177,6 +178,7 @@ private Q_SLOTS:
     void timeOutEndsTheOperation_data();
     void timeOutEndsTheOperation();
     void nextOperationAfterATimeOutSucceeds();
+    void hostThatBlocksSignalsGetsItsAnswerAtTheLimit();
     void requestWithoutWaitHasNoTimeLimit();
 
     void anotherReplyDoesNotEndTheWait();
@@ -288,6 +290,22 @@ void tst_PresenterClientWait::nextOperationAfterATimeOutSucceeds()
 
     QVERIFY(!client.checkServer(QString(), QString()));
     QVERIFY(client.checkServer(QString(), QString()));
+}
+
+// The wait is not told that the reply has been processed, and the reply is gone when the time is over.
+void tst_PresenterClientWait::hostThatBlocksSignalsGetsItsAnswerAtTheLimit()
+{
+    FakeService service;
+    service.expect("/own", Answer::json("own"));
+    ClientProbe client(service.url());
+    client.processed = [] { TimerClock::advance(PAST_THE_LIMIT); };
+    {
+        const QSignalBlocker blocker(&client);
+        client.request(QStringLiteral("/own"));
+    }
+
+    QCOMPARE(client.successes, QStringList{"own"});
+    QVERIFY(client.failures.isEmpty());
 }
 
 void tst_PresenterClientWait::requestWithoutWaitHasNoTimeLimit()

@@ -49,6 +49,7 @@ private Q_SLOTS:
     void registersAgainWhenOpenedAgain();
     void registersNothingBeforeTheChannelIsUp();
     void pingsEveryMinuteOnceConnected();
+    void pingsOnceToldOfAConnection();
     void pingDoesNotLookAtTheConnection();
     void pingsAreNoActivityAndPublishesAre();
     void compressedPublish_data();
@@ -197,6 +198,13 @@ void TestPresenterCollab::pingsEveryMinuteOnceConnected()
     }
     QVERIFY(QMetaObject::invokeMethod(collab(), "onPingTimer"));
     QCOMPARE(server().nextMessage(), pingMessage);
+}
+
+void TestPresenterCollab::pingsOnceToldOfAConnection()
+{
+    QVERIFY(QMetaObject::invokeMethod(collab(), "onConnected"));
+    QVERIFY(pingTimer()->isActive());
+    QCOMPARE(pingTimer()->interval(), 60000);
 }
 
 void TestPresenterCollab::pingDoesNotLookAtTheConnection()

@@ -109,6 +109,16 @@ public:
     }
 };
 
+/// One that asks the system, by way of the class itself.
+class AskingFactory : public QNetworkProxyFactory
+{
+public:
+    QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery&) override
+    {
+        return {QSystemConfigurationProxyFactory::getPrimaryProxy()};
+    }
+};
+
 const QString NONE = QStringLiteral("none :@:0");
 
 } // namespace
@@ -137,6 +147,8 @@ private Q_SLOTS:
     void factoryAnswersAsTheApplicationWould();
     void proxyOfTheApplicationGoesFirst();
     void factoryOfTheApplicationGoesFirst();
+    void factoryOfTheApplicationMayAskAgain_data();
+    void factoryOfTheApplicationMayAskAgain();
     void requestGoesThroughTheProxyAfterAnExport();
     void requestToAHostWithoutProxyGoesStraightAfterAnExport();
 
@@ -337,6 +349,30 @@ void tst_QSystemConfigurationProxyFactory::factoryOfTheApplicationGoesFirst()
     QCOMPARE(answers(), expected);
     openOnce();
     QCOMPARE(answers(), expected);
+}
+
+void tst_QSystemConfigurationProxyFactory::factoryOfTheApplicationMayAskAgain_data()
+{
+    QTest::addColumn<bool>("isOurs");
+
+    QTest::newRow("one of the class") << true;
+    QTest::newRow("one that asks the class") << false;
+}
+
+void tst_QSystemConfigurationProxyFactory::factoryOfTheApplicationMayAskAgain()
+{
+    QFETCH(bool, isOurs);
+    setEnvironment("http_proxy", "http://p.test:3128");
+    if (isOurs)
+        QNetworkProxyFactory::setApplicationProxyFactory(new QSystemConfigurationProxyFactory);
+    else
+        QNetworkProxyFactory::setApplicationProxyFactory(new AskingFactory);
+    openOnce();
+
+    const QNetworkProxyQuery query(QUrl(QStringLiteral("http://school.test/")));
+    const QStringList proxy{QStringLiteral("http :@p.test:3128")};
+    QCOMPARE(describe(QSystemConfigurationProxyFactory().queryProxy(query)), proxy);
+    QCOMPARE(describe(QNetworkProxyFactory::proxyForQuery(query)), proxy);
 }
 
 void tst_QSystemConfigurationProxyFactory::requestGoesThroughTheProxyAfterAnExport()

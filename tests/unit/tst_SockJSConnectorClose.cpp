@@ -24,6 +24,8 @@ private Q_SLOTS:
     void framesSentBeforeDeletionReachTheServer();
     void hostActsInASlot_data();
     void hostActsInASlot();
+    void restOfAFrameDoesNotOutliveItsSession();
+    void restOfAFrameComesBeforeTheEnd();
     void nothingIsLeftBehind();
 
 private:
@@ -238,6 +240,35 @@ void TestSockJSConnectorClose::hostActsInASlot()
     QVERIFY(m_probe->events().lastIndexOf(QStringLiteral("closed false")) <
             m_probe->events().lastIndexOf(QStringLiteral("connected")));
     QVERIFY(m_probe->count(QStringLiteral("closed false")) <= 1);
+}
+
+// The end of the first session is told when the second is opened; nothing of it comes behind.
+void TestSockJSConnectorClose::restOfAFrameDoesNotOutliveItsSession()
+{
+    connect(m_connector, &SockJSConnector::sockJSMessage, this, [&](const QString& message) {
+        if (message == QLatin1String("one")) {
+            m_connector->close();
+            m_server->setFirstFrames({"o", "a[\"four\"]"});
+            m_probe->open(m_server->url(), webSocket);
+        }
+    });
+    m_server->setFirstFrames({"o", "a[\"one\",\"two\",\"three\"]"});
+
+    QVERIFY(m_probe->open(m_server->url(), webSocket));
+
+    QTRY_COMPARE(m_probe->messages(), QStringList({"one", "four"}));
+}
+
+void TestSockJSConnectorClose::restOfAFrameComesBeforeTheEnd()
+{
+    connect(m_connector, &SockJSConnector::sockJSMessage, m_connector, &SockJSConnector::close);
+    m_server->setFirstFrames({"o", "a[\"one\",\"two\"]"});
+
+    QVERIFY(m_probe->open(m_server->url(), webSocket));
+
+    QTRY_VERIFY(m_probe->hasClosed());
+    QCOMPARE(m_probe->messages(), QStringList({"one", "two"}));
+    QCOMPARE(m_probe->events().last(), QStringLiteral("closed false"));
 }
 
 void TestSockJSConnectorClose::nothingIsLeftBehind()

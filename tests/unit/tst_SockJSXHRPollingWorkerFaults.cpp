@@ -48,6 +48,7 @@ private Q_SLOTS:
     void badAnswerKeepsTheFullWait_data();
     void badAnswerKeepsTheFullWait();
     void serverThatNeverAnswersIsAskedOnceASecond();
+    void streamThatIsCutAfterAFrameIsAskedAnewAtOnce();
     void overrunIsABrokenConnection_data();
     void overrunIsABrokenConnection();
 };
@@ -299,6 +300,24 @@ void tst_SockJSXHRPollingWorkerFaults::serverThatNeverAnswersIsAskedOnceASecond(
         QVERIFY2(gap >= 980 && gap < 2000, qPrintable(QString::number(gap)));
     }
     QCOMPARE(run.reconnects, 3);
+}
+
+// It has answered: there is nothing to spare the server, and messages would come late.
+void tst_SockJSXHRPollingWorkerFaults::streamThatIsCutAfterAFrameIsAskedAnewAtOnce()
+{
+    Server server;
+    server.answer(
+        "/xhr_streaming",
+        Server::Script{Server::send(chunkedHead() + chunk("o\n") + chunk("a[\"x\"]\n")), Server::close()});
+    server.answer("/xhr_streaming", chunkedHead() + chunk("a[\"y\"]\n"));
+    WorkerRun run(server.port());
+    const QString path = QStringLiteral("/p/xhr_streaming");
+    connect(run.worker, &SockJSXHRPollingWorker::reconnected, &run, [&] { run.queue(path); });
+    QVERIFY(run.start());
+    QVERIFY(run.queue(path));
+    QTRY_COMPARE_WITH_TIMEOUT(run.messages, QStringList({"o", "a[\"x\"]", "a[\"y\"]"}), patience);
+    const qint64 gap = server.requests().at(1).msecs - server.requests().at(0).msecs;
+    QVERIFY2(gap < 900, qPrintable(QString::number(gap)));
 }
 
 void tst_SockJSXHRPollingWorkerFaults::overrunIsABrokenConnection_data()
