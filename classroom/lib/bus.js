@@ -7,6 +7,7 @@ import {
 import {
   MAX_ADDRESSES_PER_CONNECTION, MAX_ADDRESS_LENGTH, MAX_CONNECTIONS, MAX_FRAME, MAX_PENDING_REPLIES,
 } from './limits.js';
+import { mayRegister, maySend } from './permissions.js';
 import { Presence } from './presence.js';
 
 const PREFIX = '/eventbus';
@@ -109,8 +110,13 @@ export class Bus {
     if (frame.address.length > MAX_ADDRESS_LENGTH) return connection.fail('address_too_long');
     if (this.#reply(frame)) return undefined;
     const session = this.#sessions.owning(frame.address);
-    if (!session) return connection.fail('access_denied');
+    if (!session || !this.#allows(session, connection, frame)) return connection.fail('access_denied');
     return this.#handlers[frame.type](connection, frame, session);
+  }
+
+  #allows(session, connection, frame) {
+    if (frame.type === 'register') return mayRegister(session, connection, frame);
+    return frame.type === 'unregister' || maySend(session, connection, frame, this.#addresses.all(frame.address));
   }
 
   #register(connection, { address }, session) {

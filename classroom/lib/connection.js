@@ -26,6 +26,10 @@ export class Connection {
     this.#socket = socket;
   }
 
+  get remoteAddress() {
+    return this.#socket.remoteAddress;
+  }
+
   /** Sends a frame that is already text; a connection that does not keep up is closed. */
   deliver(text) {
     this.#socket.write(text);

@@ -9,11 +9,11 @@ function create({ classroom, user }) {
   return success({ sessionCode: classroom.sessions.create(user).code });
 }
 
-function start({ classroom, body, user }) {
+function start({ classroom, body, user, request }) {
   requireSourceSystem(body, 'session');
   const [code, , version] = requireTexts(body, 'session', ['sessionCode', 'serverUrl', 'version']);
   if (!/^3\./.test(version)) throw new Refusal(400, 'session.error.version');
-  const session = classroom.sessions.start(code, user);
+  const session = classroom.sessions.start(code, user, request.socket.remoteAddress);
   return success({ sessionCode: session.code, sessionToken: session.token });
 }
 
@@ -30,9 +30,9 @@ function join({ classroom, body, user, request }) {
   return success({ userToken: joined.token, sessionToken: session.token, serverUrl: ownAddress(request) });
 }
 
-function getUsers({ classroom, body }) {
+function getUsers({ classroom, body, user }) {
   const [token] = requireTexts(body, 'session', ['sessionToken']);
-  const users = classroom.sessions.byToken(token).present();
+  const users = classroom.sessions.owned(token, user).present();
   return success({
     users: users.map(({ token: userToken, userName, mode, deviceName, deviceType }) => (
       { userToken, userName, mode, deviceName, deviceType })),

@@ -8,6 +8,8 @@ export const MODES = ['learner', 'presenter', 'controller'];
 /** One classroom session: known by its code from creation, by its token once started. */
 class Session {
   token = null;
+  // The network address from which it was started last.
+  startedFrom = undefined;
   sequence = 0;
   users = new Map();
   // The bus connections that have registered one of the session's addresses; kept by the bus.
@@ -80,10 +82,11 @@ export class Sessions extends EventEmitter {
     this.#remove(idle);
   }
 
-  /** Starting a started session again gives the same token: a host may rejoin its own lesson. */
-  start(code, owner) {
+  /** Starting a started session again gives the same token: a host may rejoin its own lesson, from elsewhere too. */
+  start(code, owner, from) {
     const session = this.byCode(code);
     if (session.owner !== owner) throw new Refusal(403, 'session.error.notOwner');
+    session.startedFrom = from;
     if (session.started) return session;
     session.token = randomUUID();
     session.sequence = ++this.#sequence;
@@ -97,10 +100,14 @@ export class Sessions extends EventEmitter {
     this.emit('listening', session);
   }
 
-  stop(token, owner) {
+  owned(token, owner) {
     const session = this.byToken(token);
     if (session.owner !== owner) throw new Refusal(403, 'session.error.notOwner');
-    this.#remove(session);
+    return session;
+  }
+
+  stop(token, owner) {
+    this.#remove(this.owned(token, owner));
   }
 
   #remove(session) {

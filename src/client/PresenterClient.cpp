@@ -20,7 +20,7 @@
 namespace {
 
 constexpr int replyLimit = 10000; // ms
-constexpr qint64 largestReply = 64 * 1024 * 1024;
+constexpr qint64 largestReply = qint64(64) * 1024 * 1024;
 
 QString issuerName(const QSslCertificate& certificate)
 {
