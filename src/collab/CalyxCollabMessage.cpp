@@ -1,7 +1,8 @@
 #include "collab/CalyxCollabMessage.h"
 
 #include "Diagnostics.h"
-#include "compression/Lzma.h"
+#include "JsonWriter.h"
+#include "compression/LzmaBlock.h"
 #include "model/JsonSerializer.h"
 
 namespace Calyx {
@@ -12,17 +13,18 @@ CalyxCollabMessage::CalyxCollabMessage(QObject* parent) : QObject(parent) {}
 
 void CalyxCollabMessage::compileData()
 {
-    QString json;
+    QVariantMap map;
     if (m_dataObject) {
-        json = JsonSerializer::serializeToJson(m_dataObject.data());
+        map = JsonSerializer::buildObjectMap(m_dataObject.data(), JsonSerializer::getIgnorePropertiesList(),
+                                             JsonSerializer::MAX_RECURSE_DEPTH);
     } else if (m_data.canConvert<QVariantMap>()) {
-        json = JsonSerializer::serializeToJson(m_data.toMap());
+        map = m_data.toMap();
     } else {
         qCDebug(diagnostics) << "[CalyxCollabMessage] data object in message is invalid!";
         return;
     }
     QString compressed;
-    Lzma::compress64(json, &compressed);
+    LzmaBlock::encode64(JsonWriter::write(map), &compressed);
     m_data = QVariantList{compressed};
 }
 

@@ -47,11 +47,7 @@ bool Lzma::compress(QString text, QString* out)
 
 bool Lzma::compress64(QString text, QString* out)
 {
-    LzmaBlock::Buffer block;
-    if (!compressText(text, &block))
-        return false;
-    *out = Base64::encode(block.bytes.get(), block.size);
-    return true;
+    return LzmaBlock::encode64(text.toUtf8(), out);
 }
 
 bool Lzma::decompress(const unsigned char* block, size_t len, unsigned char** dest)

@@ -198,6 +198,15 @@ bool LzmaBlock::encode(const unsigned char* source, size_t size, Buffer* block)
     return block->bytes && encoder.encode(source, size, block->bytes.get(), room, &block->size);
 }
 
+bool LzmaBlock::encode64(const QByteArray& utf8, QString* base64)
+{
+    Buffer block;
+    if (!encode(reinterpret_cast<const unsigned char*>(utf8.constData()), size_t(utf8.size()), &block))
+        return false;
+    *base64 = Base64::encode(block.bytes.get(), block.size);
+    return true;
+}
+
 bool LzmaBlock::decode(const unsigned char* block, size_t size, Buffer* text)
 {
     thread_local Tables tables;

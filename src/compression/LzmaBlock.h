@@ -28,6 +28,10 @@ constexpr size_t largestText = size_t(256) * 1024 * 1024;
 /// Compresses \p size bytes into a block. The encoder is kept for the thread's next block.
 bool encode(const unsigned char* source, size_t size, Buffer* block);
 
+/// Compresses text in UTF-8 into the base64 of a block. False, with \p base64 as it was, when the encoder
+/// fails.
+bool encode64(const QByteArray& utf8, QString* base64);
+
 /// Decodes a block. Behind the bytes there is room for one more.
 bool decode(const unsigned char* block, size_t size, Buffer* text);
 

@@ -1,8 +1,8 @@
 #include "model/JsonSerializer.h"
 
 #include "Diagnostics.h"
+#include "JsonWriter.h"
 
-#include <QJsonDocument>
 #include <QMetaProperty>
 #include <QObject>
 
@@ -14,13 +14,16 @@ constexpr int listDepth = 2;
 
 QVariantMap readProperties(QObject const* object, const QStringList& ignore)
 {
+    // Else properties of this type cannot be read.
+    static const int listOfMaps = qRegisterMetaType<QList<QVariantMap>>("QList<QVariantMap>");
+    Q_UNUSED(listOfMaps)
     QVariantMap map;
     const QMetaObject* meta = object->metaObject();
     for (int i = 0; i < meta->propertyCount(); ++i) {
         const QMetaProperty property = meta->property(i);
         const QString name = QLatin1String(property.name());
         if (!ignore.contains(name) && property.isReadable())
-            map.insert(name, object->property(property.name()));
+            map.insert(name, property.read(object));
     }
     return map;
 }
@@ -53,14 +56,12 @@ QStringList JsonSerializer::getIgnorePropertiesList()
 
 QString JsonSerializer::serializeToJson(QObject const* object)
 {
-    qRegisterMetaType<QList<QVariantMap>>("QList<QVariantMap>");
     return serializeToJson(buildObjectMap(object, getIgnorePropertiesList(), MAX_RECURSE_DEPTH));
 }
 
 QString JsonSerializer::serializeToJson(QVariantMap const& map)
 {
-    const QByteArray json = QJsonDocument::fromVariant(map).toJson();
-    QString text = QString::fromUtf8(json.constData());
+    QString text = QString::fromUtf8(JsonWriter::write(map));
     if (text.isEmpty())
         qCDebug(diagnostics) << "[JsonSerializer] ERROR: ";
     return text;
