@@ -123,6 +123,41 @@ private:
     std::vector<Level> m_levels;
 };
 
+bool isBlank(char c)
+{
+    return c == ' ' || c == '\n' || c == '\r' || c == '\t';
+}
+
+bool endsValueBefore(const char* comma, const char* begin)
+{
+    while (comma != begin && isBlank(*--comma)) {
+    }
+    return *comma == '}' || *comma == ']';
+}
+
+bool startsStringBehind(const char* comma, const char* end)
+{
+    while (++comma != end && isBlank(*comma)) {
+    }
+    return comma != end && *comma == '"';
+}
+
+// Whether an object or a list can be replaced at all: a member has to follow it. In most messages none does,
+// and they need not be taken apart for it. What stands in a string counts as well, which does no harm.
+bool canRepeatMembers(const QByteArray& json)
+{
+    const char* const begin = json.constData();
+    const char* const end = begin + json.size();
+    for (const char* in = begin; in < end; ++in) {
+        in = static_cast<const char*>(std::memchr(in, ',', size_t(end - in)));
+        if (!in)
+            return false;
+        if (endsValueBefore(in, begin) && startsStringBehind(in, end))
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 QJsonDocument JsonReader::read(const QString& text, QJsonParseError* error)
@@ -132,6 +167,7 @@ QJsonDocument JsonReader::read(const QString& text, QJsonParseError* error)
 
 QJsonDocument JsonReader::read(QByteArray utf8, QJsonParseError* error)
 {
-    RepeatedMembers(&utf8).overwrite();
+    if (canRepeatMembers(utf8))
+        RepeatedMembers(&utf8).overwrite();
     return QJsonDocument::fromJson(utf8, error);
 }

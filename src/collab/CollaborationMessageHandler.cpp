@@ -4,6 +4,7 @@
 #include "JsonReader.h"
 #include "collab/PayloadDecoder.h"
 
+#include <QJsonArray>
 #include <QJsonObject>
 
 namespace {
@@ -48,17 +49,39 @@ QString textUpToNul(const QVariant& value)
     return QString::fromUtf8(value.toByteArray().constData());
 }
 
-template<typename Map>
-QString pickedOrTyped(const Map& blob)
+QString textUpToNul(const QJsonValue& value)
+{
+    if (!value.isString())
+        return textUpToNul(value.toVariant());
+    const QString text = value.toString();
+    const int end = text.indexOf(QChar::Null);
+    return end < 0 ? text : text.left(end);
+}
+
+template<typename List>
+QString joined(const List& picks)
+{
+    QString text;
+    bool isFirst = true;
+    for (const auto& pick : picks) {
+        if (!isFirst)
+            text += QLatin1Char(',');
+        text += textUpToNul(pick);
+        isFirst = false;
+    }
+    return text;
+}
+
+QString pickedOrTyped(const QVariantMap& blob)
 {
     const QVariant pick = leaf(blob, "pick");
-    if (!pick.canConvert<QVariantList>())
-        return textUpToNul(leaf(blob, "input"));
-    QStringList picks;
-    const QVariantList list = pick.toList();
-    for (const QVariant& element : list)
-        picks.append(textUpToNul(element));
-    return picks.join(QLatin1Char(','));
+    return pick.canConvert<QVariantList>() ? joined(pick.toList()) : textUpToNul(leaf(blob, "input"));
+}
+
+QString pickedOrTyped(const QJsonObject& blob)
+{
+    const QJsonValue pick = blob.value(QLatin1String("pick"));
+    return pick.isArray() ? joined(pick.toArray()) : pickedOrTyped(blob.toVariantMap());
 }
 
 } // namespace
@@ -112,7 +135,7 @@ void CollaborationMessageHandler::handleAction(const QString& action, const QJso
 void CollaborationMessageHandler::handleData(const QString& type, const QJsonObject& body)
 {
     qCDebug(diagnostics) << "[MessageHandler.TYPE]" << type;
-    const Payload payload = PayloadDecoder::read(leaf(body, "data"));
+    const Payload payload = PayloadDecoder::read(body.value(QLatin1String("data")));
     if (const DataHandler handler = m_dataTypes.value(type))
         (this->*handler)(body, payload);
     else

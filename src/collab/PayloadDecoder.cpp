@@ -5,6 +5,8 @@
 #include "compression/Lzma.h"
 #include "compression/LzmaBlock.h"
 
+#include <QJsonArray>
+
 namespace {
 
 using PayloadDecoder::Payload;
@@ -41,11 +43,22 @@ Payload decodeText(const QString& text)
     return {document.isObject() ? document : QJsonDocument(), QVariant()};
 }
 
-bool decompressChunks(const QVariantList& chunks, QByteArray* json)
+QString textOf(const QVariant& chunk)
+{
+    return chunk.toString();
+}
+
+QString textOf(const QJsonValue& chunk)
+{
+    return chunk.isString() ? chunk.toString() : chunk.toVariant().toString();
+}
+
+template<typename List>
+bool decompressChunks(const List& chunks, QByteArray* json)
 {
     bool any = false;
-    for (const QVariant& chunk : chunks) {
-        const QString text = chunk.toString();
+    for (const auto& chunk : chunks) {
+        const QString text = textOf(chunk);
         QByteArray part;
         if (!text.isEmpty() && LzmaBlock::decode64(text, &part)) {
             if (any)
@@ -71,20 +84,24 @@ bool decompressBytes(const QVariantList& bytes, QByteArray* json)
     return true;
 }
 
-Payload decodeList(const QVariantList& list)
+Payload payloadOf(const QByteArray& json)
 {
-    if (list.isEmpty())
-        return {};
-    QByteArray json;
-    const bool isText = list.first().userType() == QMetaType::QString;
-    if (!(isText ? decompressChunks(list, &json) : decompressBytes(list, &json)))
-        return {};
     qCDebug(diagnostics) << "[MessageHandler.Decompressed from List] " << QString::fromUtf8(json);
     QJsonParseError error;
     const QJsonDocument document = JsonReader::read(json, &error);
     if (error.error != QJsonParseError::NoError)
         return {QJsonDocument(), QString::fromUtf8(json).toLatin1()};
     return {document, QVariant()};
+}
+
+Payload decodeList(const QVariantList& list)
+{
+    if (list.isEmpty())
+        return {};
+    QByteArray json;
+    const bool isText = list.first().userType() == QMetaType::QString;
+    return (isText ? decompressChunks(list, &json) : decompressBytes(list, &json)) ? payloadOf(json)
+                                                                                   : Payload();
 }
 
 } // namespace
@@ -98,6 +115,15 @@ PayloadDecoder::Payload PayloadDecoder::read(const QVariant& data)
     if (data.canConvert<QVariantList>())
         return decodeList(data.toList());
     return {};
+}
+
+PayloadDecoder::Payload PayloadDecoder::read(const QJsonValue& data)
+{
+    const QJsonArray list = data.toArray();
+    if (!list.first().isString())
+        return read(data.toVariant());
+    QByteArray json;
+    return decompressChunks(list, &json) ? payloadOf(json) : Payload();
 }
 
 QVariant PayloadDecoder::decode(const QVariant& data)

@@ -24,6 +24,8 @@ struct Payload
 };
 
 Payload read(const QVariant& data);
+/// The same of data as it was parsed.
+Payload read(const QJsonValue& data);
 
 /// The value of read().
 QVariant decode(const QVariant& data);
