@@ -52,8 +52,8 @@ private:
 QNetworkProxy QSystemConfigurationProxyFactory::getPrimaryProxy()
 {
     // Only asked about, never contacted: any public web address gives the proxy for ordinary web traffic.
-    const QNetworkProxyQuery query(QUrl(QStringLiteral("http://www.example.com/")),
-                                   QNetworkProxyQuery::UrlRequest);
+    static const QNetworkProxyQuery query(QUrl(QStringLiteral("http://www.example.com/")),
+                                          QNetworkProxyQuery::UrlRequest);
     const ExportSuspension suspension;
     const QList<QNetworkProxy> proxies = QNetworkProxyFactory::systemProxyForQuery(query);
     if (!proxies.isEmpty() && proxies.first().port() != 0)

@@ -9,6 +9,7 @@
 #include "transport/WebSocketRelease.h"
 
 #include <QEventLoop>
+#include <QHash>
 #include <QJsonDocument>
 #include <QMutex>
 #include <QWebSocket>
@@ -20,21 +21,27 @@ constexpr int inactivityInterval = 1800000; // ms
 constexpr int inactivityLimit = 3601;       // s
 
 // The generator repeats itself within a second: for this connector, for others that open a session at the
-// same server, and for one whose transport is still saying goodbye.
+// same server, and for one whose transport is still saying goodbye. So each takes the next characters of one
+// text, which is made longer when it has been used up.
 QString freshSessionId(const QString& server, const QString& last)
 {
     static QMutex mutex;
-    static QString generated;
-    static QStringList used; // since then
+    static QString text;
+    static QHash<QString, int> used; // characters of the text, for each server
     const QMutexLocker lock(&mutex);
-    QString id = RANDSTRING::Generate(sessionIdLength);
-    if (id != generated)
+    const QString first = RANDSTRING::Generate(sessionIdLength);
+    if (!text.startsWith(first)) {
+        text = first;
         used.clear();
-    generated = id;
-    for (int length = 2 * sessionIdLength; id == last || used.contains(server + id);
-         length += sessionIdLength)
-        id = RANDSTRING::Generate(length).right(sessionIdLength);
-    used.append(server + id);
+    }
+    int& begin = used[server];
+    QString id;
+    do {
+        if (begin == text.size())
+            text = RANDSTRING::Generate(2 * text.size());
+        id = text.mid(begin, sessionIdLength);
+        begin += sessionIdLength;
+    } while (id == last);
     return id;
 }
 
@@ -324,10 +331,14 @@ void SockJSConnector::sendMessage(QString message, bool bSkipActivity)
 {
     if (!bSkipActivity)
         m_lastActivity = QDateTime::currentDateTimeUtc();
+    if (!m_webSocket && !m_xhr)
+        return;
+    const QString frame = SockJSFrame::encode(message);
+    message.clear(); // it can be as large as a picture, and sending takes room for another two
     if (m_webSocket)
-        m_webSocket->sendTextMessage(SockJSFrame::encode(message));
-    else if (m_xhr)
-        m_xhr->sendTextMessage(SockJSFrame::encode(message));
+        m_webSocket->sendTextMessage(frame);
+    else
+        m_xhr->sendTextMessage(frame);
 }
 
 void SockJSConnector::sendMessage(QMap<QString, QVariant> message)
