@@ -71,5 +71,6 @@ export const rows = [
   {
     name: 'card-memory', program: 'bench_card', unit: 'bytes', measure: 'bytes', goal: { most: 1 },
     what: '`showImageCard`: peak memory', peer: 'four times the frame, and the picture',
+    bare: 'a bare `QWebSocket` that sends the frame: its text, and what the socket makes of it',
   },
 ];

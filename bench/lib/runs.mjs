@@ -53,9 +53,10 @@ export async function runBus(project, build, rows) {
 }
 
 export function runCard(build) {
-  const { picture, frame, peak } = JSON.parse(run(join(build, 'bench/bench_card'), [String(PICTURE)]));
+  const { picture, frame, peak, bare } = JSON.parse(run(join(build, 'bench/bench_card'), [String(PICTURE)]));
   return [
     { row: 'card-memory', size: picture, side: 'ours', value: peak },
     { row: 'card-memory', size: picture, side: 'peer', value: 4 * frame + picture },
+    { row: 'card-memory', size: picture, side: 'bare', value: bare },
   ];
 }

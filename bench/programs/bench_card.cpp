@@ -1,5 +1,6 @@
 // Peak memory of showImageCard: bench_card MEGABYTES prints, in bytes, what showing a picture of that size
-// takes on top of what the program had before, and the size of the frame that went out.
+// takes on top of what the program had before, the size of the frame that went out, and what a bare
+// QWebSocket takes to send that frame, its text included.
 
 #include "workloads/Drain.h"
 
@@ -10,8 +11,10 @@
 #include <QFile>
 #include <QLoggingCategory>
 #include <QRandomGenerator>
+#include <QWebSocket>
 
 #include <cstdio>
+#include <malloc.h>
 
 namespace {
 
@@ -45,6 +48,26 @@ QByteArray picture(int size)
     return bytes;
 }
 
+// What the program takes at most while \p work runs, on top of \p before.
+template<typename Work>
+qint64 peakOf(qint64 before, Work work)
+{
+    resetPeak();
+    work();
+    return residentBytes("VmHWM") - before;
+}
+
+qint64 peakOfBareSocket(const QUrl& url, const QByteArray& frame)
+{
+    QWebSocket socket;
+    socket.open(url);
+    while (socket.state() != QAbstractSocket::ConnectedState)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    malloc_trim(0); // what is free already counts as well
+    const qint64 before = residentBytes("VmRSS");
+    return peakOf(before, [&] { socket.sendTextMessage(QString::fromLatin1(frame)); });
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -61,14 +84,15 @@ int main(int argc, char** argv)
 
     const qint64 before = residentBytes("VmRSS");
     collab.setCardImage(picture(size));
-    resetPeak();
-    collab.showImageCard(true);
-    const qint64 peak = residentBytes("VmHWM") - before; // the server's thread has not got anything yet
+    // The server's thread has not got anything until events are processed.
+    const qint64 peak = peakOf(before, [&] { collab.showImageCard(true); });
     constexpr int registrations = 3;
     constexpr int heavy = 1;
     while (!server.hasMessage(registrations + heavy))
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-    std::printf("{\"picture\":%d,\"frame\":%d,\"peak\":%lld}\n", size,
-                server.message(registrations + heavy).toUtf8().size(), peak);
+    const QByteArray frame = server.message(registrations + heavy).toUtf8();
+    const qint64 bare = peakOfBareSocket(server.url(), frame);
+    std::printf("{\"picture\":%d,\"frame\":%d,\"peak\":%lld,\"bare\":%lld}\n", size, frame.size(), peak,
+                bare);
     return 0;
 }

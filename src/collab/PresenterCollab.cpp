@@ -5,7 +5,7 @@
 #include "collab/CollaborationMessageHandler.h"
 #include "collab/MessageTemplates.h"
 #include "collab/PollQuestionFactory.h"
-#include "compression/Lzma.h"
+#include "compression/LzmaBlock.h"
 #include "model/Card.h"
 #include "model/JsonSerializer.h"
 #include "model/QuestionBase.h"
@@ -14,6 +14,8 @@
 #include <QPointer>
 #include <QUrl>
 #include <QUuid>
+
+#include <utility>
 
 using namespace Calyx;
 
@@ -26,6 +28,17 @@ const QString emptyJsonString = QStringLiteral(R"("")");
 
 // What poll documents carry as their time; the devices do not read it.
 const QString pollTime = QStringLiteral("1395358151638");
+
+// The forms of a picture take tens of megabytes each: here and where messages are sent none is kept longer
+// than the next one needs it.
+QString compressed(QString data)
+{
+    const QByteArray utf8 = data.toUtf8();
+    data.clear();
+    QString base64;
+    LzmaBlock::encode64(utf8, &base64);
+    return base64;
+}
 
 template<typename Format>
 QString joinNumbers(int first, int count, Format format)
@@ -153,7 +166,7 @@ void PresenterCollab::publishMessage(QString address, CalyxCollabMessage* messag
 
 void PresenterCollab::publishMessage(QString type, QString data)
 {
-    publishMessage(m_sessionToken, type, data);
+    publishMessage(m_sessionToken, type, std::move(data));
 }
 
 void PresenterCollab::publishMessage(QString address, QString type, QString data)
@@ -162,14 +175,13 @@ void PresenterCollab::publishMessage(QString address, QString type, QString data
         qCDebug(diagnostics) << "[PresenterCollab] SockJS socket not connected!";
         return;
     }
-    QString compressed;
-    Lzma::compress64(data, &compressed);
-    m_connector->sendMessage(PUBLISH_MESSAGE64.arg(resolve(address), m_userToken, type, compressed), false);
+    QString message = PUBLISH_MESSAGE64.arg(resolve(address), m_userToken, type, compressed(std::move(data)));
+    m_connector->sendMessage(std::move(message), false);
 }
 
 void PresenterCollab::publishMessage64(QString address, QString type, QString data)
 {
-    publishMessage(address, type, data);
+    publishMessage(address, type, std::move(data));
 }
 
 void PresenterCollab::removeLearner(QString deviceId)
@@ -272,7 +284,7 @@ void PresenterCollab::setCardImageRef(const QString& reference)
 QString PresenterCollab::getCardImageRef(bool asCssUrl)
 {
     if (!m_cardImage.isEmpty())
-        return QStringLiteral("data:image/png;base64,") + QString::fromLatin1(m_cardImage.toBase64());
+        return QString::fromLatin1("data:image/png;base64," + m_cardImage.toBase64());
     if (m_cardImageRef.isNull()) {
         qCDebug(diagnostics) << "[PresenterCollab] No image reference has been set!";
         return QStringLiteral("");
@@ -289,12 +301,14 @@ void PresenterCollab::clearCardImage()
 void PresenterCollab::showImageCard(bool checkHeavy)
 {
     const QPointer<PresenterCollab> self(this);
-    const QString reference = getCardImageRef(false);
+    QString reference = getCardImageRef(false);
     if (checkHeavy && reference.size() >= lightestHeavyImage)
         sendHeavy();
-    if (self)
-        publishMessage(below(".learner"), QStringLiteral("showCard"),
-                       SHOW_CARD_DATA.arg(QStringLiteral("any"), reference));
+    if (!self)
+        return;
+    QString card = SHOW_CARD_DATA.arg(QStringLiteral("any"), reference);
+    reference.clear();
+    publishMessage(below(".learner"), QStringLiteral("showCard"), std::move(card));
     if (self)
         clearCardImage();
 }
