@@ -16,7 +16,7 @@ for (const transport of ['websocket', 'xhr-streaming', 'xhr-polling']) {
     const { url, token } = await lesson(t);
     const address = `${token}.learner`;
     const open = (addresses) => BusClient.open(t, url, addresses, { transports: [transport] });
-    const [sender, learner, other] = [await open([address]), await open([address]), await open([token])];
+    const [sender, learner, other] = [await open([address, `${token}.presenter`]), await open([address]), await open([token])];
     const body = { from: 'x', type: 'heavy', data: ['Öl 🌱'], nested: [1, null, true] };
     sender.publish(address, body);
     const frame = { type: 'rec', address, body };
@@ -48,7 +48,8 @@ check('a send reaches one listener, each in its turn', async (t) => {
   const { url, token } = await lesson(t);
   const first = await BusClient.open(t, url, [`${token}.x`]);
   const second = await BusClient.open(t, url, [`${token}.x`]);
-  for (let i = 0; i < 4; i += 1) first.send({ type: 'send', address: `${token}.x`, body: i });
+  const presenter = await BusClient.open(t, url, [`${token}.presenter`]);
+  for (let i = 0; i < 4; i += 1) presenter.send({ type: 'send', address: `${token}.x`, body: i });
   assert.deepEqual([await first.nextBody(), await first.nextBody()], [0, 2]);
   assert.deepEqual([await second.nextBody(), await second.nextBody()], [1, 3]);
 });
@@ -62,6 +63,7 @@ function openEventBus(t, url) {
 check('an event-bus client gets its reply, or hears that nobody is there', async (t) => {
   const { url, token } = await lesson(t);
   const [asker, answerer] = [await openEventBus(t, url), await openEventBus(t, url)];
+  asker.registerHandler(`${token}.presenter`, () => {}); // who may talk to others
   const ask = (body) => new Promise((resolve) => {
     asker.send(`${token}.ask`, body, (error, message) => resolve({ error, body: message?.body }));
   });
