@@ -2,7 +2,8 @@
 //
 //   T.presenter, T.presenter.<token>   the presenter alone listens: answers come in here, and everyone's token with them.
 //                                      Devices talk to it, each in its own name
-//   T.user.<token>                     one device listens: its token is known to itself and to the presenter
+//   T.user.<token>                     one device listens, which may talk to itself there, over whatever connection: its token
+//                                      is known to itself and to the presenter
 //   all others                         everyone listens
 //
 // Only the presenter talks to others than itself there. The bus knows no login: the presenter is who comes from the network
@@ -12,7 +13,7 @@ const isPresenters = (place) => place === 'presenter' || place.startsWith('prese
 
 const placeOf = (session, address) => address.slice(session.token.length + 1);
 
-const speaksForItself = (connection, body) => [...connection.users].some(({ token }) => token === body?.from);
+const isAt = (connection, userToken) => [...connection.users].some(({ token }) => token === userToken);
 
 export function mayRegister(session, connection, { address }) {
   return !isPresenters(placeOf(session, address)) || connection.remoteAddress === session.startedFrom;
@@ -21,6 +22,8 @@ export function mayRegister(session, connection, { address }) {
 /** listeners: the connections at the address. */
 export function maySend(session, connection, { address, body }, listeners) {
   if (session.presenters.has(connection)) return true;
-  if (isPresenters(placeOf(session, address))) return speaksForItself(connection, body);
+  const place = placeOf(session, address);
+  if (isPresenters(place)) return isAt(connection, body?.from);
+  if (place.startsWith('user.') && isAt(connection, place.slice('user.'.length))) return true;
   return listeners.every((listener) => listener === connection);
 }

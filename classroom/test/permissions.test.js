@@ -70,10 +70,14 @@ check('devices talk neither to each other nor to the class', async (t) => {
 });
 
 check('a device may talk to itself', async (t) => {
-  const { device } = await classOf(t);
+  const { url, device } = await classOf(t);
   const { bus, own } = await device('learner');
   bus.publish(own, 'here');
   assert.equal(await bus.nextBody(), 'here');
+  // A second window of the same browser.
+  const again = await BusClient.open(t, url, [own]);
+  again.publish(own, 'and here');
+  assert.equal(await bus.nextBody(), 'and here');
 });
 
 check('a presenter that has gone is none any more', async (t) => {
