@@ -180,16 +180,17 @@ bool SockJSConnector::tryNextProtocol()
 
 bool SockJSConnector::openWebsocket()
 {
-    const QString proxy = QSystemConfigurationProxyFactory::getProxyString();
-    if (!proxy.isEmpty())
-        QSystemConfigurationProxyFactory::exportToEnvironment(proxy);
+    const QNetworkProxy proxy = QSystemConfigurationProxyFactory::getPrimaryProxy();
+    if (proxy.port() != 0)
+        QSystemConfigurationProxyFactory::exportToEnvironment(proxy.hostName() + QLatin1Char(':') +
+                                                              QString::number(proxy.port()));
     const QUrl url = webSocketUrl();
     qCDebug(diagnostics) << "[SockJSConnector] Websocket url =" << url.toString();
 
     m_openState = Pending;
     m_upgraded = false;
     m_webSocket = new QWebSocket(QString(), QWebSocketProtocol::Version13);
-    m_webSocket->setProxy(QSystemConfigurationProxyFactory::getPrimaryProxy());
+    m_webSocket->setProxy(proxy);
     connect(m_webSocket, SIGNAL(connected()), this, SLOT(openstate1()));
     connect(m_webSocket, SIGNAL(disconnected()), this, SLOT(openstate2()));
     // A refused upgrade is reported as an error only, never as `disconnected`.

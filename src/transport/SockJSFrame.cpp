@@ -7,6 +7,8 @@
 #include <QJsonValue>
 #include <QVarLengthArray>
 
+#include <array>
+
 namespace {
 
 // What follows the backslash in the usual escapes; 0 for all others, among them \u.
@@ -53,9 +55,19 @@ ushort escaped(ushort character)
     }
 }
 
+constexpr std::array<bool, 128> plainTable()
+{
+    std::array<bool, 128> table{};
+    for (unsigned character = 0; character < table.size(); ++character)
+        table[character] = character >= ' ' && character != '"' && character != '\\';
+    return table;
+}
+
+constexpr std::array<bool, 128> plain = plainTable();
+
 bool isPlain(ushort character)
 {
-    return character >= ' ' && character != '"' && character != '\\' && !QChar::isSurrogate(character);
+    return character < plain.size() ? plain[character] : !QChar::isSurrogate(character);
 }
 
 // Reads what servers send, an array of strings with the usual escapes and without blanks between them, in one
