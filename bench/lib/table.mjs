@@ -14,7 +14,7 @@ function isMet(goal, { size, ours, ratio }) {
   return met ? 'yes' : 'no';
 }
 
-const line = (cells) => `| ${cells.join(' | ')} |`;
+export const line = (cells) => `| ${cells.join(' | ')} |`;
 
 // The results as a table in Markdown.
 export function table({ rows }) {
