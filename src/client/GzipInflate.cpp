@@ -2,6 +2,7 @@
 
 #include <QtDebug>
 
+#include <new>
 #include <zlib.h>
 
 namespace {
@@ -14,6 +15,19 @@ constexpr int largestResult = 64 * 1024 * 1024;
 bool isFatal(int result)
 {
     return result == Z_NEED_DICT || result == Z_DATA_ERROR || result == Z_MEM_ERROR;
+}
+
+bool inflateAll(z_stream* stream, QByteArray* result)
+{
+    char buffer[bufferSize];
+    do {
+        stream->next_out = reinterpret_cast<Bytef*>(buffer);
+        stream->avail_out = bufferSize;
+        if (isFatal(inflate(stream, Z_NO_FLUSH)))
+            return false;
+        result->append(buffer, static_cast<int>(bufferSize - stream->avail_out));
+    } while (stream->avail_out == 0 && result->size() <= largestResult);
+    return result->size() <= largestResult;
 }
 
 } // namespace
@@ -32,16 +46,12 @@ QByteArray gUncompress(const QByteArray& data)
         return QByteArray();
 
     QByteArray result;
-    char buffer[bufferSize];
-    do {
-        stream.next_out = reinterpret_cast<Bytef*>(buffer);
-        stream.avail_out = bufferSize;
-        if (isFatal(inflate(&stream, Z_NO_FLUSH))) {
-            inflateEnd(&stream);
-            return QByteArray();
-        }
-        result.append(buffer, static_cast<int>(bufferSize - stream.avail_out));
-    } while (stream.avail_out == 0 && result.size() <= largestResult);
+    try {
+        if (!inflateAll(&stream, &result))
+            result = QByteArray();
+    } catch (const std::bad_alloc&) { // from Qt
+        result = QByteArray();
+    }
     inflateEnd(&stream);
-    return result.size() <= largestResult ? result : QByteArray();
+    return result;
 }

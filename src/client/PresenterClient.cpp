@@ -7,6 +7,7 @@
 #include "collab/CalyxCollabMessage.h"
 #include "collab/PresenterCollab.h"
 #include "compression/Lzma.h"
+#include "transport/Descriptors.h"
 #include "transport/QSystemConfigurationProxyFactory.h"
 #include "transport/SafeCookieJar.h"
 
@@ -92,7 +93,8 @@ void PresenterClient::doRequest(bool wait, const QUrl& url, const QString& body,
 void PresenterClient::doRequest(bool wait, const QUrl& url, const QByteArray& body, SuccessHandler success,
                                 FailureHandler failure, bool multipart)
 {
-    QNetworkRequest request(url);
+    // The first one begins a thread. A request without an address fails like any other.
+    QNetworkRequest request(Descriptors::areSpare() ? url : QUrl());
     request.setRawHeader("accept-encoding", "identity");
     request.setHeader(QNetworkRequest::ContentTypeHeader,
                       multipart ? QStringLiteral("multipart/form-data; charset=UTF-8; boundary=") +
@@ -108,10 +110,15 @@ void PresenterClient::doRequest(bool wait, const QUrl& url, const QByteArray& bo
         return;
     const auto isProcessed = [this, reply] { return !m_callbacks.contains(reply); };
     // A host that blocks our signals is not told of a reply that has come: the map is asked again.
-    if (NestedWait::run(this, &PresenterClient::requestProcessed, isProcessed, replyLimit) ==
-            NestedWait::TimedOut &&
-        !isProcessed())
-        reply->abort();
+    if (NestedWait::run(this, &PresenterClient::requestProcessed, isProcessed, replyLimit) !=
+            NestedWait::TimedOut ||
+        isProcessed())
+        return;
+    const QPointer<PresenterClient> self(this);
+    reply->abort();
+    // The manager may have failed to begin its thread, and would go on without one.
+    if (self && m_callbacks.isEmpty())
+        m_manager->clearConnectionCache();
 }
 
 // One operation's request. False when the client has been destroyed during the wait.

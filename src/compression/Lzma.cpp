@@ -6,6 +6,8 @@
 #include <QByteArray>
 #include <QStringList>
 
+#include <new>
+
 namespace {
 
 unsigned char* bytesOf(QByteArray& array)
@@ -22,18 +24,21 @@ bool compressText(const QString& text, LzmaBlock::Buffer* block)
 
 } // namespace
 
+// Qt throws where there is no memory for a text; nothing of that leaves here.
 bool Lzma::compress(const unsigned char* src, size_t len, unsigned char** dest, size_t* destLen)
-{
+try {
     LzmaBlock::Buffer block;
     if (!LzmaBlock::encode(src, len, &block))
         return false;
     *dest = block.bytes.release();
     *destLen = block.size;
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 bool Lzma::compress(QString text, QString* out)
-{
+try {
     LzmaBlock::Buffer block;
     if (!compressText(text, &block))
         return false;
@@ -43,35 +48,43 @@ bool Lzma::compress(QString text, QString* out)
         numbers.append(QString::number(block.bytes.get()[i]));
     *out = QLatin1Char('[') + numbers.join(QLatin1Char(',')) + QLatin1Char(']');
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 bool Lzma::compress64(QString text, QString* out)
-{
+try {
     return LzmaBlock::encode64(text.toUtf8(), out);
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 bool Lzma::decompress(const unsigned char* block, size_t len, unsigned char** dest)
-{
+try {
     LzmaBlock::Buffer text;
     if (!LzmaBlock::decode(block, len, &text))
         return false;
     text.bytes.get()[text.size] = 0;
     *dest = text.bytes.release();
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 bool Lzma::decompress(unsigned char* block, size_t len, QString* out)
-{
+try {
     LzmaBlock::Buffer text;
     if (!LzmaBlock::decode(block, len, &text))
         return false;
     const auto* bytes = reinterpret_cast<const char*>(text.bytes.get());
     *out = QString::fromUtf8(bytes, int(qstrnlen(bytes, uint(text.size))));
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 bool Lzma::decompress(QString list, QString* out)
-{
+try {
     list.remove(QLatin1Char('[')).remove(QLatin1Char(']'));
     const QVector<QStringRef> parts = list.splitRef(QLatin1Char(','));
     QByteArray block;
@@ -79,19 +92,25 @@ bool Lzma::decompress(QString list, QString* out)
     for (const QStringRef& part : parts)
         block.append(static_cast<char>(part.toInt()));
     return decompress(bytesOf(block), size_t(block.size()), out);
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 bool Lzma::decompress(QList<QVariant> bytes, QString* out)
-{
+try {
     QByteArray block;
     block.reserve(bytes.size());
     for (const QVariant& byte : bytes)
         block.append(static_cast<char>(byte.toInt()));
     return decompress(bytesOf(block), size_t(block.size()), out);
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 bool Lzma::decompress64(QString text, QString* out)
-{
+try {
     QByteArray block = Base64::decode(text);
     return decompress(bytesOf(block), size_t(block.size()), out);
+} catch (const std::bad_alloc&) {
+    return false;
 }

@@ -9,6 +9,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <new>
 
 namespace {
 
@@ -192,19 +193,26 @@ bool isAscii(const char* bytes, size_t size)
 
 bool LzmaBlock::encode(const unsigned char* source, size_t size, Buffer* block)
 {
-    thread_local Encoder encoder;
+    thread_local std::unique_ptr<Encoder> encoder;
+    if (!encoder)
+        encoder = std::make_unique<Encoder>();
     const size_t room = headerSize + size + size / 3 + 128;
     block->bytes.reset(static_cast<unsigned char*>(std::malloc(room)));
-    return block->bytes && encoder.encode(source, size, block->bytes.get(), room, &block->size);
+    if (block->bytes && encoder->encode(source, size, block->bytes.get(), room, &block->size))
+        return true;
+    encoder.reset(); // it may lack memory that there is again next time
+    return false;
 }
 
 bool LzmaBlock::encode64(const QByteArray& utf8, QString* base64)
-{
+try {
     Buffer block;
     if (!encode(reinterpret_cast<const unsigned char*>(utf8.constData()), size_t(utf8.size()), &block))
         return false;
     *base64 = Base64::encode(block.bytes.get(), block.size);
     return true;
+} catch (const std::bad_alloc&) { // from Qt
+    return false;
 }
 
 bool LzmaBlock::decode(const unsigned char* block, size_t size, Buffer* text)
@@ -223,7 +231,7 @@ bool LzmaBlock::decode(const unsigned char* block, size_t size, Buffer* text)
 }
 
 bool LzmaBlock::decode64(const QString& base64, QByteArray* utf8)
-{
+try {
     const QByteArray block = Base64::decode(base64);
     Buffer text;
     if (!decode(reinterpret_cast<const unsigned char*>(block.constData()), size_t(block.size()), &text))
@@ -233,4 +241,6 @@ bool LzmaBlock::decode64(const QString& base64, QByteArray* utf8)
     *utf8 =
         isAscii(bytes, size) ? QByteArray(bytes, int(size)) : QString::fromUtf8(bytes, int(size)).toUtf8();
     return true;
+} catch (const std::bad_alloc&) { // from Qt
+    return false;
 }

@@ -1,6 +1,7 @@
 #include "transport/SockJSXHRPolling.h"
 
 #include "Diagnostics.h"
+#include "transport/Descriptors.h"
 #include "transport/QSystemConfigurationProxyFactory.h"
 #include "transport/RequestText.h"
 #include "transport/SafeCookieJar.h"
@@ -11,6 +12,8 @@
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QSslSocket>
+
+#include <cerrno>
 
 namespace {
 
@@ -91,7 +94,11 @@ bool SockJSXHRPolling::start(QString host, int port, bool secure, QString path, 
         delete socket;
         return false;
     }
-    startThread(worker, socket);
+    if (!startThread(worker, socket)) {
+        qCDebug(diagnostics).noquote() << "[SockJSXHRPolling]" << qt_error_string(EAGAIN);
+        joinThread();
+        return false;
+    }
     doPoll();
     return true;
 }
@@ -110,7 +117,8 @@ void SockJSXHRPolling::setAddress(const QString& host, int port, bool secure, co
         m_fullUrl.chop(1);
 }
 
-void SockJSXHRPolling::startThread(SockJSXHRPollingWorker* worker, QTcpSocket* socket)
+// False when the system has no thread for us.
+bool SockJSXHRPolling::startThread(SockJSXHRPollingWorker* worker, QTcpSocket* socket)
 {
     using Worker = SockJSXHRPollingWorker;
     auto* thread = new QThread;
@@ -133,8 +141,11 @@ void SockJSXHRPolling::startThread(SockJSXHRPollingWorker* worker, QTcpSocket* s
     m_worker = worker;
     m_thread = thread;
     m_onThread = {worker, socket};
+    if (!Descriptors::areSpare())
+        return false;
     endWithApplication();
     thread->start();
+    return thread->isRunning() || thread->isFinished();
 }
 
 void SockJSXHRPolling::joinThread()
@@ -280,7 +291,8 @@ void SockJSXHRPolling::sendTextMessage(QString frame)
 
 void SockJSXHRPolling::postNextFrame()
 {
-    QNetworkRequest request(QUrl(m_fullUrl + QLatin1String("/xhr_send")));
+    // The first one begins a thread. A request without an address fails like any other.
+    QNetworkRequest request(Descriptors::areSpare() ? QUrl(m_fullUrl + QLatin1String("/xhr_send")) : QUrl());
     request.setRawHeader("accept-encoding", "identity");
     request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json; charset=UTF-8"));
     request.setRawHeader("Connection", m_keepAlive ? "keep-alive" : "close");

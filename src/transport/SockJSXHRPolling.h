@@ -88,7 +88,7 @@ private:
     Q_DISABLE_COPY(SockJSXHRPolling)
 
     void setAddress(const QString& host, int port, bool secure, const QString& path);
-    void startThread(SockJSXHRPollingWorker* worker, QTcpSocket* socket);
+    bool startThread(SockJSXHRPollingWorker* worker, QTcpSocket* socket);
     void joinThread();
     QString headerBlock(const QString& payload);
     void postNextFrame();

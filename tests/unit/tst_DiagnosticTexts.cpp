@@ -148,8 +148,8 @@ void tst_DiagnosticTexts::nothingElseWrites_data()
     QTest::addColumn<QString>("name");
     for (const char* name : {"printf(",       "fprintf(",
                              "puts(",         "fputs(",
-                             "fwrite(",       "cout",
-                             "cerr",          "clog",
+                             "fwrite(",       "cout ",
+                             "cerr ",         "clog ",
                              "syslog(",       "fopen(",
                              "ofstream",      "fstream",
                              "QFile(",        "QFile ",
