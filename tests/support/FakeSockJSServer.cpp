@@ -289,6 +289,10 @@ void FakeSockJSServer::handlePost(QTcpSocket* socket, const Request& request)
     if (!streaming && !request.path.endsWith(QLatin1String("/xhr")))
         return;
     if (m_polledSession != request.sessionId()) {
+        // One that is being ended, while another has begun: there is nothing for it any more.
+        if (m_pastSessions.contains(request.sessionId()))
+            return;
+        m_pastSessions.insert(m_polledSession);
         m_polledSession = request.sessionId();
         m_pollFrames = m_firstFrames;
     }

@@ -5,6 +5,7 @@
 #include <QMap>
 #include <QObject>
 #include <QPointer>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QTcpServer>
@@ -135,6 +136,7 @@ private:
     QList<QPointer<QTcpSocket>> m_waiting; // upgrades without an answer
     QStringList m_pollFrames;
     QString m_polledSession;
+    QSet<QString> m_pastSessions;
     bool m_holdsPosts = false;
     int m_ended = 0;
 };
