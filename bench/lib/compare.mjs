@@ -59,14 +59,15 @@ function results() {
 
 // Rows that were not run this time stay as they were.
 function merged(file, fresh) {
-  let before = { rows: [] };
+  let before = { rounds: fresh.rounds, rows: [] };
   try {
     before = JSON.parse(readFileSync(file, 'utf8'));
   } catch {
     // the first run
   }
   const all = new Map([...before.rows, ...fresh.rows].map((row) => [row.name, row]));
-  return { ...fresh, rows: rows.map(({ name }) => all.get(name)).filter(Boolean) };
+  const least = Math.min(before.rounds, fresh.rounds);
+  return { ...fresh, rounds: least, rows: rows.map(({ name }) => all.get(name)).filter(Boolean) };
 }
 
 for (let round = 1; round <= Number(options.rounds); round += 1) {

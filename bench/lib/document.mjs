@@ -32,9 +32,9 @@ const rows = () => [
 
 const parts = {
   rows: rows(),
-  results: `${results.rounds} rounds on ${results.machine}.\n\n${table(results)}`,
+  results: `At least ${results.rounds} rounds on ${results.machine}.\n\n${table(results)}`,
   growth: growth(),
-  plots: drawn.map(({ name, what }) => `![${name}: ${what.replaceAll('`', '')}](images/performance-${name}.svg)`).join('\n'),
+  plots: drawn.map(({ name, what }) => `![${name}: ${what.replaceAll('`', '')}](images/performance-${name}.svg)`).join('\n\n'),
 };
 
 for (const row of drawn) writeFileSync(path(`docs/images/performance-${row.name}.svg`), plot(row));
