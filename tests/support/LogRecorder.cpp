@@ -1,16 +1,15 @@
 #include "support/LogRecorder.h"
 
-#include <QMutex>
-#include <QMutexLocker>
+#include <mutex>
 
 namespace {
 
-QMutex mutex;
+std::mutex mutex; // not Qt's: the thread sanitizer does not see what that does when threads meet
 QList<LogRecorder::Message> recorded;
 
 void record(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
-    const QMutexLocker lock(&mutex);
+    const std::lock_guard<std::mutex> lock(mutex);
     recorded.append({type, QString::fromLatin1(context.category), text});
 }
 
@@ -31,13 +30,13 @@ LogRecorder::LogRecorder() : m_previous(qInstallMessageHandler(record)) {}
 LogRecorder::~LogRecorder()
 {
     qInstallMessageHandler(m_previous);
-    const QMutexLocker lock(&mutex);
+    const std::lock_guard<std::mutex> lock(mutex);
     recorded.clear();
 }
 
 QList<LogRecorder::Message> LogRecorder::messages() const
 {
-    const QMutexLocker lock(&mutex);
+    const std::lock_guard<std::mutex> lock(mutex);
     return recorded;
 }
 
