@@ -1,33 +1,13 @@
 #include "JsonWriter.h"
 
+#include "JsonEscape.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonValue>
 #include <QVarLengthArray>
 
 namespace {
-
-// What follows the backslash in the usual escapes; 0 for all others.
-char escaped(ushort character)
-{
-    switch (character) {
-    case '"':
-    case '\\':
-        return char(character);
-    case '\b':
-        return 'b';
-    case '\f':
-        return 'f';
-    case '\n':
-        return 'n';
-    case '\r':
-        return 'r';
-    case '\t':
-        return 't';
-    default:
-        return 0;
-    }
-}
 
 bool isPlain(ushort character)
 {
@@ -108,9 +88,9 @@ private:
             const ushort unit = character.unicode();
             if (isPlain(unit)) {
                 *next++ = char(unit);
-            } else if (const char letter = escaped(unit)) {
+            } else if (const ushort letter = jsonEscape(unit)) {
                 *next++ = '\\';
-                *next++ = letter;
+                *next++ = char(letter);
             } else {
                 return writeScalar(text);
             }

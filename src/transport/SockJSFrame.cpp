@@ -1,5 +1,6 @@
 #include "transport/SockJSFrame.h"
 
+#include "JsonEscape.h"
 #include "JsonReader.h"
 
 #include <QJsonArray>
@@ -29,27 +30,6 @@ ushort unescaped(ushort character)
         return '\r';
     case 't':
         return '\t';
-    default:
-        return 0;
-    }
-}
-
-ushort escaped(ushort character)
-{
-    switch (character) {
-    case '"':
-    case '\\':
-        return character;
-    case '\b':
-        return 'b';
-    case '\f':
-        return 'f';
-    case '\n':
-        return 'n';
-    case '\r':
-        return 'r';
-    case '\t':
-        return 't';
     default:
         return 0;
     }
@@ -154,7 +134,7 @@ bool writeEscaped(const QString& message, ushort* out, int* length)
         const ushort character = *in++;
         if (isPlain(character)) {
             put(character);
-        } else if (const ushort letter = escaped(character)) {
+        } else if (const ushort letter = jsonEscape(character)) {
             put('\\');
             put(letter);
         } else if (QChar::isHighSurrogate(character) && in != end && QChar::isLowSurrogate(*in)) {
