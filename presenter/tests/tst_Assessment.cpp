@@ -1,24 +1,14 @@
-#include "FakeClassroom.h"
-#include "Presenter.h"
+#include "PresenterTest.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTest>
 
 namespace {
 
-constexpr int limit = 30000; // ms
-
-const QString goLive = QStringLiteral("login\nsession start\n");
 const QString twoQuestions =
     QStringLiteral("assessment question multiple text=\"Which?\" choices=oxygen|water|light answer=BC\n"
                    "assessment question creative text=\"Why?\"\n");
-
-QStringList arguments(const FakeClassroom& classroom)
-{
-    return {"--server", classroom.url(), "--user", "teacher", "--password", "chalk"};
-}
 
 // "user.d1/questionStart", as the messages came.
 QStringList sent(const FakeClassroom& classroom)
@@ -40,14 +30,6 @@ void askFor(FakeClassroom& classroom, const QString& device, int number)
 }
 
 } // namespace
-
-#define TRY(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, limit)
-#define TRY_OUTPUT(text)                                                                                     \
-    QTRY_VERIFY2_WITH_TIMEOUT(presenter.output().contains(text),                                             \
-                              qPrintable(presenter.output() + presenter.errors()), limit)
-#define TRY_ENDED(expected)                                                                                  \
-    TRY(!presenter.isRunning());                                                                             \
-    QVERIFY2(presenter.status() == (expected), qPrintable(presenter.output() + presenter.errors()))
 
 // Assessments, as the program holds them.
 class tst_Assessment : public QObject
@@ -99,7 +81,7 @@ private Q_SLOTS:
         QVERIFY(first.value("id") != second.value("id"));
         QCOMPARE(data(classroom.messages().at(3)).value("id"), first.value("id"));
         presenter.closeInput();
-        TRY_ENDED(0);
+        TRY_ENDED(presenter, 0);
     }
 
     void answersAreMarkedByLearnerAndByQuestion()
@@ -125,7 +107,7 @@ private Q_SLOTS:
         classroom.answer("d2", ids.at(1), {}, "So");
         classroom.answer("d2", ids.at(0), {"A"});
         presenter.closeInput();
-        TRY_ENDED(0);
+        TRY_ENDED(presenter, 0);
         const QString output = presenter.output();
         QCOMPARE(output.count("  Ann      1 of 1  ✓ CB  Because\n  Bea      0 of 1  ✗ A   So\n"), 2);
         QVERIFY2(
@@ -158,7 +140,7 @@ private Q_SLOTS:
         classroom.answer("d1", classroom.lastQuestion(), {"A"});
         TRY_OUTPUT("An answer of Ann does not count");
         presenter.closeInput();
-        TRY_ENDED(0);
+        TRY_ENDED(presenter, 0);
         QVERIFY(presenter.output().contains("  Ann      1 of 1  ✓ BC  –\n")); // printed when the lesson ends
     }
 
@@ -182,7 +164,7 @@ private Q_SLOTS:
         askFor(classroom, "d1", 1);
         TRY(sent(classroom).contains("user.d1/questionStart"));
         presenter.write("assessment start\n");
-        TRY_ENDED(1);
+        TRY_ENDED(presenter, 1);
         QVERIFY(presenter.errors().contains("An assessment is under way."));
         QVERIFY(sent(classroom).contains("/assessmentStop"));
     }
@@ -203,7 +185,7 @@ private Q_SLOTS:
         TRY(sent(classroom).contains("user.d2/questionStart"));
         QVERIFY(!sent(classroom).contains("user.d1/assessmentStart"));
         presenter.closeInput();
-        TRY_ENDED(0);
+        TRY_ENDED(presenter, 0);
         QVERIFY(presenter.output().contains("  2 learners, 0 answers, 0 of 2 right."));
     }
 
@@ -215,7 +197,7 @@ private Q_SLOTS:
                         "assessment start\nassessment stop\nassessment start\nassessment stop\n"
                         "assessment question text\nassessment start\nassessment stop\n");
         presenter.closeInput();
-        TRY_ENDED(0);
+        TRY_ENDED(presenter, 0);
         QList<int> counts;
         QStringList tokens;
         for (const FakeClassroom::Message& message : classroom.messages()) {
@@ -244,7 +226,7 @@ private Q_SLOTS:
         TRY_OUTPUT("The answer of Ann came too late");
         presenter.write("assessment results\n");
         presenter.closeInput();
-        TRY_ENDED(0);
+        TRY_ENDED(presenter, 0);
         QVERIFY(presenter.output().contains("  1 learner, 0 answers, 0 of 1 right."));
     }
 
@@ -259,7 +241,7 @@ private Q_SLOTS:
         TRY_OUTPUT("is live");
         classroom.join("d1", "Ann");
         presenter.closeInput();
-        TRY_ENDED(0);
+        TRY_ENDED(presenter, 0);
         QCOMPARE(sent(classroom), QStringList({"/dialogShow", "/assessmentStart", "/pause", "/resume",
                                                "user.d1/dialogShow", "user.d1/questionSetReview",
                                                "/questionSetReview", "/assessmentStop", "/disconnect"}));
@@ -307,7 +289,7 @@ private Q_SLOTS:
         FakeClassroom classroom;
         Presenter presenter(arguments(classroom));
         presenter.write(lines);
-        TRY_ENDED(1);
+        TRY_ENDED(presenter, 1);
         QVERIFY2(presenter.errors().contains(part), qPrintable(presenter.errors()));
     }
 };

@@ -1,34 +1,12 @@
-#include "FakeClassroom.h"
-#include "Presenter.h"
+#include "PresenterTest.h"
 
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <csignal>
-
-namespace {
-
-constexpr int limit = 30000; // ms
-
-QStringList arguments(const FakeClassroom& classroom, const QStringList& more = {})
-{
-    return QStringList{"--server", classroom.url(), "--user", "teacher", "--password", "chalk"} + more;
-}
-
-const QString goLive = QStringLiteral("login\nsession start\n");
-
-} // namespace
-
-#define TRY(condition) QTRY_VERIFY_WITH_TIMEOUT(condition, limit)
-#define TRY_ENDED(presenter, expected)                                                                       \
-    TRY(!(presenter).isRunning());                                                                           \
-    QVERIFY2((presenter).status() == (expected),                                                             \
-             qPrintable(QStringLiteral("status %1\n").arg((presenter).status()) + (presenter).output() +     \
-                        (presenter).errors()))
 
 class tst_Program : public QObject
 {

@@ -1,26 +1,16 @@
-#include "FakeClassroom.h"
-#include "Presenter.h"
+#include "PresenterTest.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
-#include <QTest>
 
 namespace {
 
-constexpr int limit = 30000; // ms
-
-const QString goLive = QStringLiteral("login\nsession start\n");
 const QString leaf = QStringLiteral("\"" CALYX_LESSONS "/images/leaf.png\"");
 const QString threeCards = QStringLiteral("lesson Light and leaves id=l-1\ndeck add %1 name=\"My leaf\"\n"
                                           "deck ref http://pictures.example/two.png\ndeck upload %1\n")
                                .arg(leaf);
-
-QStringList arguments(const FakeClassroom& classroom, const QStringList& more = {})
-{
-    return QStringList{"--server", classroom.url(), "--user", "teacher", "--password", "chalk"} + more;
-}
 
 // What the presenter has sent of a type, decoded.
 QList<QJsonObject> sent(const FakeClassroom& classroom, const QString& type)
@@ -56,13 +46,6 @@ QString shownUrl(const FakeClassroom& classroom)
 
 } // namespace
 
-#define TRY(condition)                                                                                       \
-    QTRY_VERIFY2_WITH_TIMEOUT(condition, qPrintable(presenter.output() + presenter.errors()), limit)
-#define TRY_OUTPUT(text) TRY(presenter.output().contains(text))
-#define TRY_ENDED(expected)                                                                                  \
-    TRY(!presenter.isRunning());                                                                             \
-    QVERIFY2(presenter.status() == (expected), qPrintable(presenter.output() + presenter.errors()))
-
 // What the remote control asks for, and what the host makes of it.
 class tst_RemoteControl : public QObject
 {
@@ -90,7 +73,7 @@ private Q_SLOTS:
         for (const FakeClassroom::Message& message : classroom.messages())
             QCOMPARE(message.address, QStringLiteral("session-token.controller"));
         presenter.closeInput();
-        TRY_ENDED(0);
+        TRY_ENDED(presenter, 0);
     }
 
     void cardsAreGoneThroughAndPushed()
@@ -123,7 +106,7 @@ private Q_SLOTS:
         QCOMPARE(card(classroom), QStringLiteral("1 of 3"));
         presenter.write("deck next\ndeck\n");
         presenter.closeInput();
-        TRY_ENDED(0);
+        TRY_ENDED(presenter, 0);
         QCOMPARE(card(classroom), QStringLiteral("2 of 3")); // told of what is typed, too
         const QString output = presenter.output();
         QVERIFY2(output.contains("  Card 2 of 3: two.png\n"), qPrintable(output));
@@ -156,7 +139,7 @@ private Q_SLOTS:
         TRY(count(classroom, "showCard") == 2);
         QCOMPARE(count(classroom, "heavy"), 1);
         presenter.closeInput();
-        TRY_ENDED(0);
+        TRY_ENDED(presenter, 0);
         QVERIFY(presenter.output().contains("  Card 1 of 1: Board[2J\n"));
         QVERIFY(presenter.output().contains("  Card 2 of 2: Picture\n"));
     }
@@ -184,7 +167,7 @@ private Q_SLOTS:
         TRY_OUTPUT("Not done: this is no picture.");
         QCOMPARE(count(classroom, "currentCard"), 0);
         presenter.closeInput();
-        TRY_ENDED(0);
+        TRY_ENDED(presenter, 0);
     }
 
     void pollsAndAssessmentsArePausedAndResumed()
@@ -211,7 +194,7 @@ private Q_SLOTS:
         classroom.remote("resume");
         TRY(count(classroom, "resume") == 2);
         presenter.closeInput();
-        TRY_ENDED(0);
+        TRY_ENDED(presenter, 0);
     }
 
     void devicesAreLockedAndUnlocked()
@@ -235,7 +218,7 @@ private Q_SLOTS:
         classroom.join("d2", "Bea"); // the poll has unlocked
         presenter.write("unlock\n");
         presenter.closeInput();
-        TRY_ENDED(0);
+        TRY_ENDED(presenter, 0);
         QCOMPARE(count(classroom, "dialogShow"), 4);
     }
 
@@ -251,7 +234,7 @@ private Q_SLOTS:
         presenter.write("poll text\n"); // the session goes on
         TRY(!classroom.lastQuestion().isEmpty());
         presenter.closeInput();
-        TRY_ENDED(0);
+        TRY_ENDED(presenter, 0);
     }
 
     void stoppingTheSessionEndsTheLessonWell()
@@ -268,7 +251,7 @@ private Q_SLOTS:
         TRY(count(classroom, "currentLesson") == 1);
         QCOMPARE(sent(classroom, "currentLesson").first().value("name").toString(), QStringLiteral("ended"));
         classroom.remote("stopSession");
-        TRY_ENDED(0);
+        TRY_ENDED(presenter, 0);
         QCOMPARE(presenter.errors(), QString());
         QVERIFY(!presenter.output().contains("never said"));
         QCOMPARE(count(classroom, "disconnect"), 1);
@@ -282,7 +265,7 @@ private Q_SLOTS:
         Presenter presenter(arguments(classroom));
         presenter.write(goLive + QStringLiteral("poll text upload %1\npoll word-seed upload %1\n").arg(leaf));
         presenter.closeInput();
-        TRY_ENDED(0);
+        TRY_ENDED(presenter, 0);
         const QString address =
             QStringLiteral("url('%1/tavisto/resource/downloadResourceFile?resourceId=resource-1')")
                 .arg(classroom.url());
@@ -319,7 +302,7 @@ private Q_SLOTS:
         FakeClassroom classroom;
         Presenter presenter(arguments(classroom));
         presenter.write(lines);
-        TRY_ENDED(1);
+        TRY_ENDED(presenter, 1);
         QVERIFY2(presenter.errors().contains(part), qPrintable(presenter.errors()));
     }
 };
