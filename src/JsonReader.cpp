@@ -8,16 +8,18 @@
 namespace {
 
 constexpr size_t deepestLevel = 1024; // deeper ones are an error to QJsonDocument
+constexpr size_t keptInOrder = 16; // so many members of an object does Qt sort without changing their order
 
-// Qt 5.15 never frees an object or a list that a later member of the same name replaces: whoever may send us
-// JSON could take all memory. So such a value is overwritten with a plain number before Qt sees it.
+// Qt 5.15 never frees an object or a list that another member of the same name replaces: whoever may send us
+// JSON could take all memory. Which one replaces which is left to its sorting, where there are many. So all
+// but the last are taken out before Qt sees them.
 class RepeatedMembers
 {
 public:
     explicit RepeatedMembers(QByteArray* json) : m_json(json->data()), m_size(json->size()) {}
 
     // Up to the end, or to where Qt will stop as well: the rest is never read.
-    void overwrite()
+    void remove()
     {
         for (int i = 0; i < m_size && m_levels.size() <= deepestLevel; ++i) {
             switch (m_json[i]) {
@@ -26,16 +28,16 @@ public:
                 break;
             case '{':
             case '[':
-                m_levels.push_back({m_json[i] == '{', m_json[i] == '{', i, {0, 0}, {}});
+                beginLevel(m_json[i] == '{');
                 break;
             case '}':
             case ']':
-                if (!endLevel(i + 1))
+                if (m_levels.empty())
                     return;
+                endLevel();
                 break;
             case ',':
-                if (!m_levels.empty())
-                    m_levels.back().nameFollows = m_levels.back().isObject;
+                endMember(i + 1);
                 break;
             default:
                 break;
@@ -44,18 +46,18 @@ public:
     }
 
 private:
-    struct Span
+    struct Member
     {
-        int begin;
-        int end;
+        int nameBegin; // without the quotes
+        int nameEnd;
+        int end; // behind the comma; 0 as long as there is none
     };
     struct Level
     {
         bool isObject;
         bool nameFollows;
-        int begin;
-        Span name;                   // of the member that is being read, without the quotes
-        QHash<QString, Span> values; // the objects and lists among the members so far
+        bool holdsLevels;
+        size_t firstMember;
     };
 
     // Returns where the closing quote is.
@@ -64,41 +66,62 @@ private:
         int end = begin + 1;
         while (end < m_size && m_json[end] != '"')
             end += m_json[end] == '\\' ? 2 : 1;
-        if (end < m_size && !m_levels.empty() && m_levels.back().nameFollows)
-            beginMember({begin + 1, end});
+        if (end < m_size && !m_levels.empty() && m_levels.back().nameFollows) {
+            m_levels.back().nameFollows = false;
+            m_members.push_back({begin + 1, end, 0});
+        }
         return end;
     }
 
-    void beginMember(Span name)
+    void beginLevel(bool isObject)
     {
-        Level& level = m_levels.back();
-        level.nameFollows = false;
-        level.name = name;
-        if (level.values.isEmpty())
-            return;
-        const auto replaced = level.values.find(textOf(name));
-        if (replaced == level.values.end())
-            return;
-        std::memset(m_json + replaced->begin, ' ', size_t(replaced->end - replaced->begin));
-        m_json[replaced->begin] = '0';
-        level.values.erase(replaced);
+        if (!m_levels.empty())
+            m_levels.back().holdsLevels = true;
+        m_levels.push_back({isObject, isObject, false, m_members.size()});
     }
 
-    bool endLevel(int end)
+    void endMember(int end)
     {
-        if (m_levels.empty())
-            return false;
-        const int begin = m_levels.back().begin;
+        if (m_levels.empty() || !m_levels.back().isObject)
+            return;
+        m_levels.back().nameFollows = true;
+        if (m_members.size() > m_levels.back().firstMember)
+            m_members.back().end = end;
+    }
+
+    void endLevel()
+    {
+        const Level level = m_levels.back();
         m_levels.pop_back();
-        if (!m_levels.empty() && m_levels.back().isObject)
-            m_levels.back().values.insert(textOf(m_levels.back().name), {begin, end});
-        return true;
+        const bool isLong = m_members.size() - level.firstMember > keptInOrder;
+        if (level.isObject && (level.holdsLevels || isLong))
+            removeRepeated(level.firstMember);
+        m_members.resize(level.firstMember);
+    }
+
+    void removeRepeated(size_t first)
+    {
+        QHash<QString, size_t> latest;
+        for (size_t i = first; i < m_members.size(); ++i) {
+            const QString name = textOf(m_members[i]);
+            const auto earlier = latest.constFind(name);
+            if (earlier != latest.constEnd())
+                blank(m_members[*earlier]);
+            latest.insert(name, i);
+        }
+    }
+
+    void blank(const Member& member)
+    {
+        const int begin = member.nameBegin - 1;
+        if (member.end > begin)
+            std::memset(m_json + begin, ' ', size_t(member.end - begin));
     }
 
     // The same name can be written in many ways.
-    QString textOf(Span name) const
+    QString textOf(const Member& member) const
     {
-        QString text = QString::fromUtf8(m_json + name.begin, name.end - name.begin);
+        QString text = QString::fromUtf8(m_json + member.nameBegin, member.nameEnd - member.nameBegin);
         for (int i = text.indexOf(QLatin1Char('\\')); i >= 0 && i + 1 < text.size();
              i = text.indexOf(QLatin1Char('\\'), i + 1)) {
             const bool isCode = text.at(i + 1) == QLatin1Char('u');
@@ -121,6 +144,7 @@ private:
     char* m_json;
     int m_size;
     std::vector<Level> m_levels;
+    std::vector<Member> m_members; // of all levels that have begun
 };
 
 bool isBlank(char c)
@@ -142,17 +166,19 @@ bool startsStringBehind(const char* comma, const char* end)
     return comma != end && *comma == '"';
 }
 
-// Whether an object or a list can be replaced at all: a member has to follow it. In most messages none does,
-// and they need not be taken apart for it. What stands in a string counts as well, which does no harm.
+// Whether an object or a list can be replaced at all: a member has to follow it, or there are so many that
+// Qt's sorting puts them in another order. Most messages are not so, and need not be taken apart. What stands
+// in a string counts as well, which does no harm.
 bool canRepeatMembers(const QByteArray& json)
 {
     const char* const begin = json.constData();
     const char* const end = begin + json.size();
+    size_t commas = 0;
     for (const char* in = begin; in < end; ++in) {
         in = static_cast<const char*>(std::memchr(in, ',', size_t(end - in)));
         if (!in)
             return false;
-        if (endsValueBefore(in, begin) && startsStringBehind(in, end))
+        if (++commas == keptInOrder || (endsValueBefore(in, begin) && startsStringBehind(in, end)))
             return true;
     }
     return false;
@@ -168,6 +194,6 @@ QJsonDocument JsonReader::read(const QString& text, QJsonParseError* error)
 QJsonDocument JsonReader::read(QByteArray utf8, QJsonParseError* error)
 {
     if (canRepeatMembers(utf8))
-        RepeatedMembers(&utf8).overwrite();
+        RepeatedMembers(&utf8).remove();
     return QJsonDocument::fromJson(utf8, error);
 }

@@ -54,6 +54,13 @@ void tst_JsonReader::lastOfSeveralMembersCounts_data()
     row("names that look alike", R"({"a":[1],"a ":[2],"A":[3]})", R"({"A":[3],"a":[1],"a ":[2]})");
     row("values that look like names", R"({"a":[1],"b":"a"})", R"({"a":[1],"b":"a"})");
     row("the empty name", R"({"":[1],"":[2]})", R"({"":[2]})");
+    const QString others = QStringLiteral(R"("c":1,"b":2,"a":3,)").repeated(10);
+    const auto longRow = [&](const char* name, const char* last, const char* expected) {
+        row(name, qPrintable(QLatin1Char('{') + others + QLatin1String(last) + QLatin1Char('}')), expected);
+    };
+    longRow("many numbers", R"("a":4)", R"({"a":4,"b":2,"c":1})");
+    longRow("many numbers by a list", R"("b":[0])", R"({"a":3,"b":[0],"c":1})");
+    longRow("a list among many numbers", R"("k":0,"c":[5],"k":[6],"c":7)", R"({"a":3,"b":2,"c":7,"k":[6]})");
     row("blanks", " {\n\"a\" :\t[ 1 ] , \"a\"\r: [ 2 ]\n} ", R"({"a":[2]})");
 }
 
