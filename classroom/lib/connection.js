@@ -7,12 +7,19 @@ export const CLOSE_TOO_MANY = 3004;
 
 // What still waits for a connection. The SockJS server has no public measure of it: text that waits for
 // the next poll is in its session's buffer, the rest in the socket.
-function backlog(socket) {
-  const session = socket._session;
-  const messages = session?.send_buffer ?? [];
-  const wire = session?.recv?.connection ?? session?.recv?.response;
-  const bytes = messages.reduce((sum, text) => sum + text.length, wire?.writableLength ?? 0);
-  return { messages: messages.length, bytes };
+class Backlog {
+  #texts = [];
+  #counted = 0;
+  #chars = 0;
+
+  // The server begins a new buffer when it has handed one over, so each text is counted once.
+  measure({ _session: session }) {
+    const texts = session?.send_buffer ?? [];
+    if (texts !== this.#texts) [this.#texts, this.#counted, this.#chars] = [texts, 0, 0];
+    for (; this.#counted < texts.length; this.#counted += 1) this.#chars += texts[this.#counted].length;
+    const wire = session?.recv?.connection ?? session?.recv?.response;
+    return { messages: texts.length, bytes: this.#chars + (wire?.writableLength ?? 0) };
+  }
 }
 
 /** One device or presenter on the bus, over whatever transport. */
@@ -21,6 +28,7 @@ export class Connection {
   // Set by the presence list: the users that are at this connection.
   users = new Set();
   #socket;
+  #backlog = new Backlog();
 
   constructor(socket) {
     this.#socket = socket;
@@ -33,7 +41,7 @@ export class Connection {
   /** Sends a frame that is already text; a connection that does not keep up is closed. */
   deliver(text) {
     this.#socket.write(text);
-    const { messages, bytes } = backlog(this.#socket);
+    const { messages, bytes } = this.#backlog.measure(this.#socket);
     if (messages > MAX_QUEUED_MESSAGES || bytes > MAX_QUEUED_BYTES) this.close(CLOSE_TOO_SLOW, 'too slow');
   }
 

@@ -31,8 +31,9 @@ export const MAX_ADDRESS_LENGTH = 200;
 export const MAX_ADDRESSES_PER_CONNECTION = 100;
 export const MAX_CONNECTIONS = 20000;
 export const MAX_PENDING_REPLIES = 10000;
-// What may wait for one slow device before it is cut off.
-export const MAX_QUEUED_MESSAGES = 1000;
+// What may wait for one slow device before it is cut off. A presenter that polls finds all that a full class
+// has said since: each learner's coming and an answer.
+export const MAX_QUEUED_MESSAGES = 2 * MAX_USERS_PER_SESSION;
 export const MAX_QUEUED_BYTES = 64 * MIB;
 
 export const MAX_WAITERS = 1000;

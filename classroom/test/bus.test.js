@@ -331,6 +331,24 @@ check('the end of one session leaves another alone, and its own addresses are de
   assert.equal(await client.nextBody(), 'going on');
 });
 
+check('all that a class of thousands has said waits for the next poll', async (t) => {
+  const { url, code, token, host } = await lesson(t);
+  const presenter = await presenterAt(t, url, token);
+  const { userToken } = await host.join(code, 'learner');
+  const raw = (path, body) => fetch(`${url}/eventbus/119/resting${path}`, { method: 'POST', body });
+  await (await raw('/xhr')).text();
+  const register = (address) => JSON.stringify({ type: 'register', address });
+  await raw('/xhr_send', JSON.stringify([register(token), register(`${token}.user.${userToken}`)]));
+  assert.deepEqual(await presenter.nextBody(), came(userToken, 'user'));
+  for (let i = 0; i < 10000; i += 1) presenter.publish(token, i);
+  await presenter.settled(token);
+  const messages = JSON.parse((await (await raw('/xhr')).text()).slice(1));
+  assert.deepEqual(
+    messages.map((message) => JSON.parse(message).body),
+    Array.from({ length: 10000 }, (_, i) => i),
+  );
+});
+
 check('a device that does not read is cut off, and the others are served', async (t) => {
   const { url, host, code, token } = await lesson(t);
   const presenter = await presenterAt(t, url, token);

@@ -107,10 +107,12 @@ void TestLoad::everyAnswerComesOnce()
                    QStringLiteral("--quiet"), QStringLiteral("--url"), classroom.url().toString(),
                    QStringLiteral("--session"), lesson.client().sessionCode(), QStringLiteral("--count"),
                    QString::number(count)});
-    QTRY_COMPARE_WITH_TIMEOUT(here.size(), count, limit);
+    QTRY_VERIFY_WITH_TIMEOUT(here.size() == count || !collab->isConnected(), limit);
+    QCOMPARE(here.size(), count);
     const qint64 joined = clock.restart();
     collab->startPoll(Calyx::PollType::MULTIPLE, Calyx::OrdinalType::ALPHA_UPPER, 4, 1);
-    QTRY_VERIFY_WITH_TIMEOUT(all >= count, limit);
+    QTRY_VERIFY_WITH_TIMEOUT(all >= count || !collab->isConnected(), limit);
+    QCOMPARE(all, count);
     qInfo("%d learners joined in %lld ms and answered in %lld ms; longest turn of the event loop %lld ms",
           count, static_cast<long long>(joined), static_cast<long long>(clock.elapsed()),
           static_cast<long long>(turns.longest()));
