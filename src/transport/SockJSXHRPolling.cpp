@@ -80,6 +80,7 @@ bool SockJSXHRPolling::start(QString host, int port, bool secure, QString path, 
     m_keepAlive = true;
     m_streaming = streaming;
     m_sessionOpen = false;
+    m_sessionOver = false;
     m_currentRequest = nullptr;
     setAddress(host, port, secure, path);
 
@@ -261,8 +262,11 @@ void SockJSXHRPolling::releaseRequest(XHRRequest* request)
 void SockJSXHRPolling::onReceivedMessageResponse(XHRRequest* request, QString message)
 {
     qCDebug(diagnostics).noquote().nospace() << "[SockJSXHRPolling] RECEIVED: " << message;
+    // The last poll may have been answered before the thread has heard of the end.
+    if (m_sessionOver)
+        return;
     const bool opens = message == QLatin1String("o");
-    const bool sessionOver = message.startsWith(QLatin1Char('c')) || (opens && m_sessionOpen);
+    m_sessionOver = message.startsWith(QLatin1Char('c')) || (opens && m_sessionOpen);
     m_sessionOpen = m_sessionOpen || opens;
     // Whoever hears the message may delete this object, and may let other events in.
     const QPointer<SockJSXHRPolling> self(this);
@@ -272,7 +276,7 @@ void SockJSXHRPolling::onReceivedMessageResponse(XHRRequest* request, QString me
         return;
     if (polling)
         doPoll();
-    if (sessionOver)
+    if (m_sessionOver)
         close();
 }
 

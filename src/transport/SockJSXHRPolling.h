@@ -113,6 +113,7 @@ private:
 
     QList<XHRRequest*> m_requests; // those that the worker has taken and that are not yet released
     bool m_sessionOpen = false;    // the first open frame has come
+    bool m_sessionOver = false;    // the frame that ends the session has come
     QList<QByteArray> m_frames;    // still to be posted
     bool m_posting = false;
     int m_connectLimit = 30000; // milliseconds

@@ -38,6 +38,7 @@ private Q_SLOTS:
     void closeIsPrompt();
     void closeFrameEndsTheSession_data();
     void closeFrameEndsTheSession();
+    void nothingIsHeardAfterTheEndOfTheSession();
     void secondOpenFrameEndsTheSession();
     void unreachableServerEndsTheSession();
 
@@ -117,6 +118,24 @@ void tst_SockJSXHRPollingEnd::closeFrameEndsTheSession()
     QCOMPARE(session.texts, QStringList({"o", "c[3000,\"Go away!\"]"}));
     QTRY_COMPARE(server.openConnections(), 0);
     QCOMPARE(server.count(), streaming ? 1 : 2);
+}
+
+// The poll that follows the frame can be answered, by a session that is not ours, before the thread ends.
+void tst_SockJSXHRPollingEnd::nothingIsHeardAfterTheEndOfTheSession()
+{
+    Server server;
+    server.answer("/xhr", plain("o\n"));
+    server.answer("/xhr", plain("c[3000,\"Go away!\"]\n"));
+    Session session;
+    QVERIFY(session.start(server));
+    SockJSXHRPolling* const transport = session.transport;
+    connect(transport, &SockJSXHRPolling::textMessageReceived, this, [transport](const QString& text) {
+        if (text.startsWith(QLatin1Char('c')))
+            QMetaObject::invokeMethod(transport, "onReceivedMessageResponse", Qt::QueuedConnection,
+                                      Q_ARG(XHRRequest*, nullptr), Q_ARG(QString, QStringLiteral("a[1]")));
+    });
+    QTRY_COMPARE(session.ends, 1);
+    QCOMPARE(session.texts, QStringList({"o", "c[3000,\"Go away!\"]"}));
 }
 
 void tst_SockJSXHRPollingEnd::secondOpenFrameEndsTheSession()
