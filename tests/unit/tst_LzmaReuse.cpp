@@ -1,5 +1,3 @@
-#include "compression/Base64.h"
-
 #include <CalyxClient/Lzma>
 
 #include <QRandomGenerator>
@@ -43,14 +41,6 @@ QString randomText(QRandomGenerator& random)
     return text;
 }
 
-QByteArray randomBytes(QRandomGenerator& random, int size)
-{
-    QByteArray bytes(size, Qt::Uninitialized);
-    for (char& byte : bytes)
-        byte = char(random.generate());
-    return bytes;
-}
-
 } // namespace
 
 /// The coders keep what they can from one text to the next of a thread: nobody can tell.
@@ -61,8 +51,6 @@ class tst_LzmaReuse : public QObject
 private Q_SLOTS:
     void blocksDoNotDependOnThoseBefore();
     void failedBlockLeavesNothingBehind();
-    void base64IsThatOfQt();
-    void foreignCharactersAreSkippedAsQtSkipsThem();
 };
 
 void tst_LzmaReuse::blocksDoNotDependOnThoseBefore()
@@ -89,30 +77,6 @@ void tst_LzmaReuse::failedBlockLeavesNothingBehind()
         QCOMPARE(decompressed(block), text);
     }
     QCOMPARE(compressed(text), block);
-}
-
-void tst_LzmaReuse::base64IsThatOfQt()
-{
-    QRandomGenerator random(11);
-    for (int size = 0; size < 70; ++size) {
-        const QByteArray bytes = randomBytes(random, size);
-        const QString text = QString::fromLatin1(bytes.toBase64());
-        QCOMPARE(Base64::encode(reinterpret_cast<const unsigned char*>(bytes.constData()), size_t(size)),
-                 text);
-        QCOMPARE(Base64::decode(text), bytes);
-    }
-}
-
-void tst_LzmaReuse::foreignCharactersAreSkippedAsQtSkipsThem()
-{
-    QRandomGenerator random(13);
-    static const QString foreign = QStringLiteral("=-_ \n\"äĀ漢\u0141\U0001f600");
-    for (int i = 0; i < 2000; ++i) {
-        QString text = QString::fromLatin1(randomBytes(random, random.bounded(30)).toBase64());
-        for (int j = random.bounded(6); j > 0; --j)
-            text.insert(random.bounded(text.size() + 1), foreign.at(random.bounded(foreign.size())));
-        QCOMPARE(Base64::decode(text), QByteArray::fromBase64(text.toUtf8()));
-    }
 }
 
 QTEST_APPLESS_MAIN(tst_LzmaReuse)
