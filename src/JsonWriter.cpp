@@ -60,7 +60,8 @@ private:
             m_json += QByteArray::number(value.toInt());
             return;
         default:
-            writeOther(QJsonValue::fromVariant(value));
+            // Converted as a document's values are; a value by itself is not, where it is a short integer.
+            writeOther(QJsonArray::fromVariantList({value}).at(0));
         }
     }
 

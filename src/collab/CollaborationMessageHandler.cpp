@@ -51,11 +51,7 @@ QString textUpToNul(const QVariant& value)
 
 QString textUpToNul(const QJsonValue& value)
 {
-    if (!value.isString())
-        return textUpToNul(value.toVariant());
-    const QString text = value.toString();
-    const int end = text.indexOf(QChar::Null);
-    return end < 0 ? text : text.left(end);
+    return textUpToNul(value.toVariant());
 }
 
 template<typename List>

@@ -47,9 +47,9 @@ void AssessmentOptions::setquestionCount(int questionCount)
     m_questionCount = questionCount;
 }
 
-void AssessmentOptions::setstartingQuestionNumber(int startingQuestionNumber)
+void AssessmentOptions::setstartingQuestionNumber(int questionNumber)
 {
-    m_startingQuestionNumber = startingQuestionNumber;
+    m_startingQuestionNumber = questionNumber;
 }
 
 void AssessmentOptions::setallowedTime(int allowedTime)

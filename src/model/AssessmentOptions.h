@@ -79,7 +79,7 @@ public Q_SLOTS:
     void setshowAnswerOnIncorrectResponse(bool showAnswerOnIncorrectResponse);
     void setshowFeedback(bool showFeedback);
     void setquestionCount(int questionCount);
-    void setstartingQuestionNumber(int startingQuestionNumber);
+    void setstartingQuestionNumber(int questionNumber);
     void setallowedTime(int allowedTime);
     void setcurrentAssessmentSectionId(QString currentAssessmentSectionId);
     void settitle(QString title);

@@ -100,6 +100,10 @@ void tst_CollaborationMessageHandlerResponses::answerOfAPollResponse_data()
         << QString::fromUtf8(u8R"({"pick":["ä","日本","😀"]})") << QString::fromUtf8(u8"ä,日本,😀");
     QTest::newRow("list with a zero character") << R"({"pick":["A\u0000x","B"]})"
                                                 << "A,B";
+    // As bytes, like an input: a byte-order mark goes, and half a pair is no character.
+    QTest::newRow("list with what bytes cannot keep")
+        << R"({"pick":["\ufeffA","\ud800A"]})" << QStringLiteral("A,?A");
+    QTest::newRow("input with half a pair") << R"({"input":"\ud800A"})" << QStringLiteral("?A");
     QTest::newRow("list goes before an input") << R"({"pick":["A"],"input":"x"})"
                                                << "A";
 

@@ -29,12 +29,18 @@ void tst_JsonWriter::writesWhatQtWrites_data()
     QTest::newRow("least int") << QVariant(std::numeric_limits<int>::min());
     QTest::newRow("beyond int") << QVariant(Q_INT64_C(1395358139515));
     QTest::newRow("beyond double") << QVariant(std::numeric_limits<qulonglong>::max());
+    QTest::newRow("short") << QVariant::fromValue(short(-5));
+    QTest::newRow("unsigned short") << QVariant::fromValue(ushort(6));
+    QTest::newRow("char") << QVariant::fromValue(char(65));
+    QTest::newRow("unsigned") << QVariant(7u);
+    QTest::newRow("float") << QVariant(1.5f);
     QTest::newRow("fraction") << QVariant(0.1);
     QTest::newRow("large fraction") << QVariant(1e300);
     QTest::newRow("infinity") << QVariant(std::numeric_limits<double>::infinity());
     QTest::newRow("null text") << QVariant(QString());
     QTest::newRow("empty text") << QVariant(QStringLiteral(""));
     QTest::newRow("bytes") << QVariant(QByteArray("bytes"));
+    QTest::newRow("bytes with a zero") << QVariant(QByteArray("a\0c", 3));
     QTest::newRow("character") << QVariant(QChar('c'));
     QTest::newRow("date") << QVariant(QDate(2026, 11, 21));
     QTest::newRow("address") << QVariant(QUrl(QStringLiteral("http://host/a b")));
