@@ -152,7 +152,8 @@ public:
 Q_SIGNALS:
     /// The channel has closed: after close(), because the server or the network has ended it, or (\p
     /// bClosedForInactivity) because nothing but pings was sent for over an hour. Once for each channel that
-    /// was up, and nothing else follows it. It is not opened again by itself.
+    /// was up, and nothing else follows it; open() on an open channel drops that without a word. It is not
+    /// opened again by itself.
     void connectionClosed(bool bClosedForInactivity);
     /// An answer. \p pollId: currentQuestionId() or currentPollId(). \p responseTime: milliseconds for a poll
     /// document, whole seconds for a question. See CollaborationMessageHandler::learnerPollResponse() for \p
