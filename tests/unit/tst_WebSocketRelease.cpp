@@ -1,0 +1,240 @@
+#include "transport/WebSocketRelease.h"
+
+#include "support/FakeSockJSServer.h"
+#include "support/TimerClock.h"
+#include "support/WaitFor.h"
+
+#include <QCryptographicHash>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+#include <QWebSocket>
+
+#include <memory>
+
+namespace {
+
+constexpr int longestFarewell = 5000; // ms
+
+using Spies = std::vector<std::unique_ptr<QSignalSpy>>;
+
+// Everything that a socket can tell of its end.
+Spies spiesOn(QWebSocket* socket)
+{
+    Spies spies;
+    for (const char* signal :
+         {SIGNAL(disconnected()), SIGNAL(aboutToClose()), SIGNAL(stateChanged(QAbstractSocket::SocketState)),
+          SIGNAL(error(QAbstractSocket::SocketError)), SIGNAL(textMessageReceived(QString)),
+          SIGNAL(destroyed())})
+        spies.push_back(std::make_unique<QSignalSpy>(socket, signal));
+    return spies;
+}
+
+QUrl busUrl(quint16 port)
+{
+    return QUrl(QStringLiteral("ws://127.0.0.1:%1/bus/119/abcdefgh/websocket").arg(port));
+}
+
+// Upgrades a connection, and reads nothing from then on.
+class DeafServer : public QTcpServer
+{
+public:
+    DeafServer()
+    {
+        listen(QHostAddress::LocalHost);
+        connect(this, &QTcpServer::newConnection, this, [this] {
+            m_peer = nextPendingConnection();
+            connect(m_peer, &QTcpSocket::readyRead, this, [this] { upgrade(); });
+        });
+    }
+
+private:
+    void upgrade()
+    {
+        m_request += m_peer->readAll();
+        if (!m_request.endsWith("\r\n\r\n"))
+            return;
+        m_peer->disconnect(this);
+        m_peer->setReadBufferSize(1);
+        const QByteArray name("Sec-WebSocket-Key: ");
+        const int at = m_request.indexOf(name) + name.size();
+        const QByteArray key = m_request.mid(at, m_request.indexOf('\r', at) - at);
+        const QByteArray accept =
+            QCryptographicHash::hash(key + "258EAFA5-E914-47DA-95CA-C5AB0DC85B11", QCryptographicHash::Sha1);
+        m_peer->write("HTTP/1.1 101 Switching Protocols\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
+                      "Sec-WebSocket-Accept: " +
+                      accept.toBase64() + "\r\n\r\n");
+    }
+
+    QTcpSocket* m_peer = nullptr;
+    QByteArray m_request;
+};
+
+enum Stage { New, BeforeTheUpgrade, Open, Ended };
+
+} // namespace
+
+Q_DECLARE_METATYPE(Stage)
+
+/// How a WebSocket goes that nobody wants any more.
+class tst_WebSocketRelease : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void goesAtEveryStage_data() { stages(); }
+    void goesAtEveryStage();
+    void nobodyHearsOfItsEnd_data() { stages(); }
+    void nobodyHearsOfItsEnd();
+    void whatWasSentArrives();
+    void belongsToTheApplicationMeanwhile();
+    void insideItsOwnMessage();
+    void insideItsOwnEnd();
+    void peerThatDoesNotReadIsLeft();
+
+private:
+    static void stages();
+    bool openUntil(Stage stage);
+
+    std::unique_ptr<FakeSockJSServer> m_server;
+    QPointer<QWebSocket> m_socket;
+};
+
+void tst_WebSocketRelease::init()
+{
+    m_server = std::make_unique<FakeSockJSServer>();
+    m_socket = new QWebSocket;
+}
+
+void tst_WebSocketRelease::cleanup()
+{
+    delete m_socket;
+    m_server.reset();
+}
+
+void tst_WebSocketRelease::stages()
+{
+    QTest::addColumn<Stage>("stage");
+    QTest::newRow("new") << New;
+    QTest::newRow("before the upgrade") << BeforeTheUpgrade;
+    QTest::newRow("open") << Open;
+    QTest::newRow("ended") << Ended;
+}
+
+bool tst_WebSocketRelease::openUntil(Stage stage)
+{
+    const auto reaches = [this](QAbstractSocket::SocketState state) {
+        return waitFor([&] { return m_socket->state() == state; });
+    };
+    if (stage == New)
+        return true;
+    m_server->setUpgrade(stage == BeforeTheUpgrade ? FakeSockJSServer::Silent : FakeSockJSServer::Open);
+    m_socket->open(busUrl(m_server->port()));
+    if (stage == BeforeTheUpgrade)
+        return waitFor([&] { return m_server->paths().size() == 1; });
+    if (!reaches(QAbstractSocket::ConnectedState))
+        return false;
+    if (stage == Open)
+        return true;
+    m_server->dropConnections();
+    return reaches(QAbstractSocket::UnconnectedState);
+}
+
+void tst_WebSocketRelease::goesAtEveryStage()
+{
+    QFETCH(Stage, stage);
+    QVERIFY(openUntil(stage));
+    releaseWebSocket(m_socket);
+    QVERIFY(m_socket);
+    QVERIFY(waitFor([&] { return !m_socket; }));
+    QVERIFY(waitFor([&] { return m_server->openConnections() == 0; }));
+}
+
+void tst_WebSocketRelease::nobodyHearsOfItsEnd()
+{
+    QFETCH(Stage, stage);
+    QVERIFY(openUntil(stage));
+    const Spies spies = spiesOn(m_socket);
+    m_server->inject(QStringLiteral("a[\"late\"]"));
+    releaseWebSocket(m_socket);
+    QVERIFY(waitFor([&] { return !m_socket; }));
+    for (const auto& spy : spies)
+        QCOMPARE(spy->size(), 0);
+}
+
+void tst_WebSocketRelease::whatWasSentArrives()
+{
+    QVERIFY(openUntil(Open));
+    // More than a socket takes at once.
+    const QString large = QStringLiteral("0123456789abcdef").repeated(256 * 1024);
+    m_socket->sendTextMessage(large);
+    m_socket->sendTextMessage(QStringLiteral("last"));
+    releaseWebSocket(m_socket);
+    QVERIFY(m_server->nextFrame() == large);
+    QCOMPARE(m_server->nextFrame(), QStringLiteral("last"));
+    QVERIFY(waitFor([&] { return m_server->endedSessions() == 1; }));
+    QVERIFY(waitFor([&] { return !m_socket; }));
+}
+
+void tst_WebSocketRelease::belongsToTheApplicationMeanwhile()
+{
+    QObject owner;
+    m_socket->setParent(&owner);
+    QVERIFY(openUntil(Open));
+    releaseWebSocket(m_socket);
+    QCOMPARE(m_socket->parent(), QCoreApplication::instance());
+    QVERIFY(waitFor([&] { return !m_socket; }));
+}
+
+void tst_WebSocketRelease::insideItsOwnMessage()
+{
+    QVERIFY(openUntil(Open));
+    QStringList heard;
+    connect(m_socket, &QWebSocket::textMessageReceived, this, [&](const QString& text) {
+        heard.append(text);
+        releaseWebSocket(m_socket);
+        heard.append(m_socket ? QStringLiteral("is still there") : QStringLiteral("is gone"));
+    });
+    m_server->inject(QStringLiteral("h"));
+    m_server->inject(QStringLiteral("h"));
+    QVERIFY(waitFor([&] { return !m_socket; }));
+    QCOMPARE(heard.mid(heard.size() - 1), QStringList(QStringLiteral("is still there")));
+    QCOMPARE(heard.count(QStringLiteral("is still there")), 1);
+}
+
+void tst_WebSocketRelease::insideItsOwnEnd()
+{
+    QVERIFY(openUntil(Open));
+    int ends = 0;
+    connect(m_socket, &QWebSocket::disconnected, this, [&] {
+        ++ends;
+        releaseWebSocket(m_socket);
+        QVERIFY(m_socket);
+    });
+    m_server->closeSession();
+    QVERIFY(waitFor([&] { return !m_socket; }));
+    QCOMPARE(ends, 1);
+}
+
+void tst_WebSocketRelease::peerThatDoesNotReadIsLeft()
+{
+    const DeafServer deaf;
+    m_socket->open(busUrl(deaf.serverPort()));
+    QVERIFY(waitFor([&] { return m_socket->state() == QAbstractSocket::ConnectedState; }));
+    m_socket->sendTextMessage(QString(16 * 1024 * 1024, QLatin1Char('x'))); // more than fits in between
+    releaseWebSocket(m_socket);
+    TimerClock::advance(longestFarewell / 2);
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(m_socket);
+    TimerClock::advance(longestFarewell);
+    QVERIFY(waitFor([&] { return !m_socket; }, longestFarewell / 2));
+}
+
+QTEST_GUILESS_MAIN(tst_WebSocketRelease)
+#include "tst_WebSocketRelease.moc"
