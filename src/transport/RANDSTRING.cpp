@@ -9,9 +9,7 @@ QString RANDSTRING::Generate(int length)
     static const char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
     constexpr int alphabetSize = sizeof(alphabet) - 1;
 
-    if (length <= 0)
-        return QStringLiteral("");
-    QString result;
+    QString result = QStringLiteral("");
     result.reserve(length);
     // The seeded generator is deprecated in Qt, but it is what makes calls within one second repeat.
     QT_WARNING_PUSH

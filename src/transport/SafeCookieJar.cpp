@@ -9,10 +9,14 @@
 
 namespace {
 
-// An address has no domain but itself, and a name without a point is everybody's.
+// An address has no domain but itself, and a name without a point is everybody's, but for the host that is
+// called so. Qt puts a point before a name.
 bool isOwnDomain(const QString& domain, const QString& host)
 {
-    return domain == host || (QHostAddress(host).isNull() && domain.indexOf(QLatin1Char('.'), 1) > 0);
+    if (domain == host || !QHostAddress(host).isNull())
+        return domain == host;
+    const QStringRef name = domain.midRef(domain.startsWith(QLatin1Char('.')) ? 1 : 0);
+    return name == host || name.contains(QLatin1Char('.'));
 }
 
 } // namespace

@@ -48,6 +48,7 @@ private Q_SLOTS:
     void isSeededWithTheSecond();
     void sameSecondGivesTheSameCharacters();
     void anotherSecondGivesOthers();
+    void seedsTheGeneratorOfTheProcess_data();
     void seedsTheGeneratorOfTheProcess();
 };
 
@@ -117,14 +118,22 @@ void tst_RANDSTRING::anotherSecondGivesOthers()
     QTRY_VERIFY(RANDSTRING::Generate(8) != first);
 }
 
+void tst_RANDSTRING::seedsTheGeneratorOfTheProcess_data()
+{
+    QTest::addColumn<int>("length");
+    for (const int length : {5, 0, -1})
+        QTest::addRow("%d", length) << length;
+}
+
 void tst_RANDSTRING::seedsTheGeneratorOfTheProcess()
 {
-    QTRY_VERIFY([] {
+    QFETCH(int, length);
+    QTRY_VERIFY([length] {
         const std::time_t second = std::time(nullptr);
         seedRandom(1);
-        RANDSTRING::Generate(5);
+        RANDSTRING::Generate(length);
         const int following = nextRandom();
-        expectedIn(second, 5);
+        expectedIn(second, length);
         return second == std::time(nullptr) && following == nextRandom();
     }());
 }

@@ -18,6 +18,8 @@ private Q_SLOTS:
     void harmlessOnesAreKept();
     void endOfAnAddressIsNoDomain_data();
     void endOfAnAddressIsNoDomain();
+    void hostOfOneNameKeepsItsOwn_data();
+    void hostOfOneNameKeepsItsOwn();
     void anotherHostGetsNone_data();
     void anotherHostGetsNone();
 };
@@ -95,6 +97,23 @@ void tst_SafeCookieJar::endOfAnAddressIsNoDomain()
     SafeCookieJar jar("[Tag]", nullptr);
     set(&jar, "a=1; Domain=" + domain, "http://127.0.0.1/");
     for (const char* other : {"http://10.0.0.1/", "http://127.0.0.2/", "http://x.127.0.0.1/"})
+        QCOMPARE(sent(jar, other), QByteArray());
+}
+
+void tst_SafeCookieJar::hostOfOneNameKeepsItsOwn_data()
+{
+    QTest::addColumn<QByteArray>("domain");
+    for (const char* domain : {"localhost", ".localhost", "LOCALHOST"})
+        QTest::newRow(domain) << QByteArray(domain);
+}
+
+void tst_SafeCookieJar::hostOfOneNameKeepsItsOwn()
+{
+    QFETCH(QByteArray, domain);
+    SafeCookieJar jar("[Tag]", nullptr);
+    set(&jar, "a=1; Domain=" + domain, "http://localhost/");
+    QCOMPARE(sent(jar, "http://localhost/"), QByteArray("a=1;"));
+    for (const char* other : {"http://host/", "http://otherlocalhost/"})
         QCOMPARE(sent(jar, other), QByteArray());
 }
 
