@@ -1,20 +1,14 @@
-// Which frame becomes which signal. What becomes of the data and of learners' answers:
-// tst_CollaborationMessageHandlerData, tst_CollaborationMessageHandlerResponses.
+// Which frame becomes which signal. What becomes of the data and of learners' answers, and what is logged:
+// tst_CollaborationMessageHandlerData, tst_CollaborationMessageHandlerResponses,
+// tst_CollaborationMessageHandlerLog.
 
-#include "support/LogRecorder.h"
+#include "support/MessageHandlerTest.h"
 
-#include <CalyxClient/CollaborationMessageHandler>
 #include <CalyxClient/Lzma>
 
-#include <QJsonDocument>
-#include <QLoggingCategory>
 #include <QMetaMethod>
-#include <QObject>
-#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
-
-#include <memory>
 
 namespace {
 
@@ -24,89 +18,13 @@ QString compressed(const char* json)
     return Lzma::compress64(QString::fromUtf8(json), &base64) ? base64 : QString();
 }
 
-QString describe(const QVariant& value)
-{
-    if (!value.isValid())
-        return QStringLiteral("invalid");
-    if (value.userType() == QMetaType::QVariantMap || value.userType() == QMetaType::QVariantList)
-        return QString::fromUtf8(QJsonDocument::fromVariant(value).toJson(QJsonDocument::Compact));
-    return QStringLiteral("%1 '%2'").arg(QString::fromLatin1(value.typeName()), value.toString());
-}
-
 } // namespace
 
-/// A host that connects by string, and keeps what it hears.
-class Host : public QObject
-{
-    Q_OBJECT
-
-public:
-    using Learner = Calyx::Learner;
-    using RemoteControlMessage = Calyx::RemoteControlMessage;
-
-    // Whether all connections could be made.
-    bool listenTo(CollaborationMessageHandler* handler)
-    {
-        return connect(this, SIGNAL(frame(QString)), handler, SLOT(onHandleMessage(QString))) &&
-               connect(handler, SIGNAL(learnerPollResponse(QString, QString, int, QString)), this,
-                       SLOT(answered(QString, QString, int, QString))) &&
-               connect(handler, SIGNAL(learnerJoin(Learner)), this, SLOT(joined(Learner))) &&
-               connect(handler, SIGNAL(learnerUnregister(QString)), this, SLOT(left(QString))) &&
-               connect(handler, SIGNAL(controllerRegister(bool)), this, SLOT(controller(bool))) &&
-               connect(handler, SIGNAL(remoteControl(RemoteControlMessage)), this,
-                       SLOT(commanded(RemoteControlMessage))) &&
-               connect(handler, SIGNAL(unhandledMessage(QVariantMap, QVariant)), this,
-                       SLOT(unhandled(QVariantMap, QVariant))) &&
-               connect(handler, SIGNAL(learnerGetQuestion(QString, int)), this, SLOT(asked(QString, int)));
-    }
-
-    QStringList heard;
-    // Deleted by whatever slot is called first.
-    QPointer<QObject> victim;
-
-Q_SIGNALS:
-    void frame(QString text);
-
-public Q_SLOTS:
-    void answered(QString device, QString poll, int time, QString answer)
-    {
-        hear(QStringLiteral("answer %1 %2 %3 %4").arg(device, poll).arg(time).arg(answer));
-    }
-    void joined(Learner learner)
-    {
-        hear(QStringLiteral("join %1/%2/%3").arg(learner.deviceId, learner.userName, learner.deviceType));
-    }
-    void left(QString device) { hear(QStringLiteral("leave ") + device); }
-    void controller(bool isRegister)
-    {
-        hear(isRegister ? QStringLiteral("controller comes") : QStringLiteral("controller goes"));
-    }
-    void commanded(RemoteControlMessage message)
-    {
-        hear(QStringLiteral("remote %1 %2 %3").arg(message.from, message.type, describe(message.data)));
-    }
-    void unhandled(QVariantMap body, QVariant data)
-    {
-        hear(QStringLiteral("unhandled %1 %2").arg(describe(body), describe(data)));
-    }
-    void asked(QString device, int question) { hear(QStringLiteral("ask %1 %2").arg(device).arg(question)); }
-
-private:
-    void hear(const QString& text)
-    {
-        heard.append(text);
-        delete victim.data();
-    }
-};
-
-class tst_CollaborationMessageHandler : public QObject
+class tst_CollaborationMessageHandler : public MessageHandlerTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void hostsConnectByString();
     void onlyTheSlotOfTheTransportIsCallable();
     void signalsAreInTheirOrder();
@@ -125,40 +43,15 @@ private Q_SLOTS:
     void registerActionWhenCalledDirectly_data();
     void registerActionWhenCalledDirectly();
 
-    void logOfAFrame_data();
-    void logOfAFrame();
-    void nothingIsLoggedWhileTheCategoryIsOff();
     void anySlotMayDeleteTheHandler_data();
     void anySlotMayDeleteTheHandler();
-
-private:
-    std::unique_ptr<LogRecorder> m_log;
-    QPointer<CollaborationMessageHandler> m_handler;
-    std::unique_ptr<Host> m_host;
 };
-
-void tst_CollaborationMessageHandler::init()
-{
-    m_log = std::make_unique<LogRecorder>();
-    m_handler = new CollaborationMessageHandler(this);
-    m_host = std::make_unique<Host>();
-    QVERIFY(m_host->listenTo(m_handler));
-}
-
-void tst_CollaborationMessageHandler::cleanup()
-{
-    delete m_handler.data();
-    m_host.reset();
-    const QStringList warnings = m_log->warnings();
-    m_log.reset();
-    QCOMPARE(warnings, QStringList());
-}
 
 void tst_CollaborationMessageHandler::hostsConnectByString()
 {
     QCOMPARE(m_handler->parent(), this);
     QCOMPARE(m_log->warnings(), QStringList());
-    Host other;
+    MessageHandlerHost other;
     QVERIFY(connect(m_handler, SIGNAL(unhandledMessage(QVariantMap, QVariant)), &other,
                     SLOT(unhandled(QVariantMap, QVariant))));
 }
@@ -424,68 +317,6 @@ void tst_CollaborationMessageHandler::registerActionWhenCalledDirectly()
     QVERIFY(logged.isEmpty() || logged.first().contains(QLatin1String("t-17")));
     m_handler->actionRegister(QVariantMap());
     QCOMPARE(m_host->heard, heard);
-}
-
-void tst_CollaborationMessageHandler::logOfAFrame_data()
-{
-    QTest::addColumn<QString>("frame");
-    // For each line, how it begins and what it names.
-    QTest::addColumn<QList<QStringList>>("lines");
-
-    const QStringList any{QStringLiteral("[MessageHandler]"), QStringLiteral("\n")};
-    const auto lines = [&any](const QList<QStringList>& more) { return QList<QStringList>{any} + more; };
-    const QString action = QStringLiteral("[MessageHandler.ACTION]");
-    const QString type = QStringLiteral("[MessageHandler.TYPE]");
-    QTest::newRow("no JSON") << QStringLiteral("hello-there")
-                             << QList<QStringList>{
-                                    {QStringLiteral("[MessageHandler]"), QStringLiteral("hello-there")}};
-    QTest::newRow("nothing in the body") << QStringLiteral("{\"body\":{}}") << lines({});
-    QTest::newRow("unknown action") << QStringLiteral("{\"body\":{\"action\":\"wave\",\"type\":\"join\"}}")
-                                    << lines({{action, QStringLiteral("wave")}});
-    QTest::newRow("learner leaves")
-        << QStringLiteral(
-               "{\"body\":{\"action\":\"unregister\",\"client\":{\"token\":\"d-9\",\"type\":\"user\"}}}")
-        << lines({{action, QStringLiteral("unregister")},
-                  {QStringLiteral("UNREGISTER"), QStringLiteral("d-9")}});
-    QTest::newRow("controller leaves")
-        << QStringLiteral("{\"body\":{\"action\":\"unregister\",\"client\":{\"token\":\"c-9\",\"type\":"
-                          "\"controller\"}}}")
-        << lines({{action, QStringLiteral("unregister")},
-                  {QStringLiteral("UNREGISTER CONTROLLER"), QStringLiteral("c-9")}});
-    QTest::newRow("join") << QStringLiteral("{\"body\":{\"type\":\"join\",\"from\":\"d-9\"}}")
-                          << lines({{type, QStringLiteral("join")},
-                                    {QStringLiteral("JOIN"), QStringLiteral("d-9")}});
-    QTest::newRow("unknown type") << QStringLiteral("{\"body\":{\"type\":\"chat\"}}")
-                                  << lines({{type, QStringLiteral("chat")}});
-}
-
-void tst_CollaborationMessageHandler::logOfAFrame()
-{
-    QFETCH(QString, frame);
-    QFETCH(QList<QStringList>, lines);
-    emit m_host->frame(frame);
-    const QStringList logged = m_log->debug();
-    QCOMPARE(logged.size(), lines.size());
-    for (int i = 0; i < lines.size(); ++i) {
-        const QString& line = logged.at(i);
-        QVERIFY2(line.startsWith(lines.at(i).first()), qPrintable(line));
-        QVERIFY2(line.mid(lines.at(i).first().size()).contains(lines.at(i).last()), qPrintable(line));
-    }
-}
-
-void tst_CollaborationMessageHandler::nothingIsLoggedWhileTheCategoryIsOff()
-{
-    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
-    emit m_host->frame(QStringLiteral(R"({"body":{"type":"chat","data":5}})"));
-    emit m_host->frame(QStringLiteral(R"({"body":{"type":"join","data":[1]}})"));
-    emit m_host->frame(QStringLiteral(R"({"body":{"type":"pollResponse"}})"));
-    emit m_host->frame(QStringLiteral(R"({"body":{"type":"questionResponse"}})"));
-    emit m_host->frame(QStringLiteral(R"({"body":{"type":"questionGet"}})"));
-    emit m_host->frame(QStringLiteral(R"({"body":{"action":"unregister","client":{"type":"user"}}})"));
-    const QStringList whileOff = m_log->debug();
-    QLoggingCategory::setFilterRules(QString());
-    QCOMPARE(whileOff, QStringList());
-    QCOMPARE(m_host->heard.size(), 6);
 }
 
 void tst_CollaborationMessageHandler::anySlotMayDeleteTheHandler_data()

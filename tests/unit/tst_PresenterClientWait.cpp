@@ -1,5 +1,6 @@
 // How operations wait: for how long, for what, and what may happen meanwhile.
 
+#include "support/ClientOperations.h"
 #include "support/ClientProbe.h"
 #include "support/FakeService.h"
 #include "support/LogRecorder.h"
@@ -8,14 +9,12 @@
 #include <CalyxClient/PresenterClient>
 
 #include <QElapsedTimer>
-#include <QNetworkAccessManager>
 #include <QSignalBlocker>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 
-#include <functional>
-
+using namespace ClientOperations;
 using Answer = FakeService::Answer;
 
 namespace {
@@ -24,148 +23,7 @@ namespace {
 const int BEFORE_THE_LIMIT = 9000;
 const int PAST_THE_LIMIT = 10600;
 
-// An answer with which every operation goes on to its next request.
-const char ALL_IS_WELL[] =
-    R"({"success":true,"infoMsgs":["success"],"data":{"deviceAccessToken":"A","userLoginId":"u",)"
-    R"("sessionCode":"123456","users":[],"url":"http://127.0.0.1:1/","sockJSProtocols":["websocket"],)"
-    R"("sessionToken":"T","userToken":"U","id":"i","path":"p"}})";
-
-/// An operation of the client with the requests that it makes.
-struct Operation
-{
-    /// Gives what the operation returned; nothing for one that returns nothing.
-    std::function<QVariant(PresenterClient*)> call;
-    QList<QByteArray> paths;
-    std::function<void(PresenterClient*)> prepare;
-    /// What it returns when its last request is not answered in time.
-    QVariant timedOut;
-};
-
-void ready(PresenterClient*) {}
-
-void logIn(PresenterClient* client)
-{
-    client->loginSuccessResponse(QString::fromLatin1(ALL_IS_WELL));
-}
-
-void createSession(PresenterClient* client)
-{
-    client->sessionSuccessResponse(QString::fromLatin1(ALL_IS_WELL));
-}
-
-void openSession(PresenterClient* client)
-{
-    logIn(client);
-    createSession(client);
-    client->sessionStartSuccessResponse(QString::fromLatin1(ALL_IS_WELL));
-}
-
-QVariant loginWithOAuth(PresenterClient* client, QString registration)
-{
-    return client->doLoginWithOAuth(QStringLiteral("google"), QStringLiteral("code"), registration);
-}
-
-QVariant getOAuthAccessToken(PresenterClient* client)
-{
-    QString registration;
-    return client->doGetOAuthAccessToken(QStringLiteral("google"), QStringLiteral("code"),
-                                         QStringLiteral("d"), QStringLiteral("n"), registration);
-}
-
-QVariant startWebsocket(PresenterClient* client)
-{
-    PresenterCollab* collab = nullptr;
-    return client->startWebsocket(&collab) || collab;
-}
-
-QVariant upload(PresenterClient* client)
-{
-    QString id;
-    QString path;
-    return client->doUploadResource(QStringLiteral("f"), QByteArray("d"), &id, &path) || !id.isNull() ||
-           !path.isNull();
-}
-
 } // namespace
-
-Q_DECLARE_METATYPE(Operation)
-
-static QList<QPair<const char*, Operation>> operations()
-{
-    using Client = PresenterClient*;
-    const QString u = QStringLiteral("u");
-    return {
-        {"checkServer", {[=](Client c) { return c->checkServer(u, u); }, {"/tavisto"}, ready, false}},
-        {"doLogin", {[=](Client c) { return c->doLogin(u, u); }, {"/tavisto/login/submit"}, ready, false}},
-        {"doLogin by device",
-         {[=](Client c) { return c->doLogin(u, u, u); }, {"/tavisto/login/submit"}, ready, false}},
-        {"doLoginWithOAuth",
-         {[](Client c) { return loginWithOAuth(c, QString()); },
-          {"/tavisto/login/oauth/google/callback"},
-          ready,
-          false}},
-        {"doLoginWithOAuth, registration",
-         {[](Client c) { return loginWithOAuth(c, QStringLiteral(R"({"a":"b"})")); },
-          {"/tavisto/register/oauth/submit"},
-          ready,
-          false}},
-        {"doGetAccessToken",
-         {[=](Client c) { return c->doGetAccessToken(u, u, u, u); }, {"/tavisto/login/submit"}, ready, ""}},
-        {"doGetOAuthAccessToken", {getOAuthAccessToken, {"/tavisto/login/oauth/google/callback"}, ready, ""}},
-        {"doGetUserName", {[](Client c) { return c->doGetUserName(); }, {"/tavisto/login/user"}, ready, ""}},
-        {"sendKeepAlive",
-         {[](Client c) { return c->sendKeepAlive(), QVariant(); },
-          {"/tavisto/login/keepSessionAlive"},
-          ready,
-          QVariant()}},
-        {"doLogout", {[](Client c) { return c->doLogout(); }, {"/tavisto/login/logout"}, logIn, false}},
-        {"doLogout in a session",
-         {[](Client c) { return c->doLogout(); },
-          {"/tavisto/session/stop", "/tavisto/login/logout"},
-          openSession,
-          false}},
-        {"doStartSession",
-         {[](Client c) { return c->doStartSession(QString()); },
-          {"/tavisto/login/user", "/tavisto/session/create"},
-          logIn,
-          false}},
-        {"doGetLearners",
-         {[](Client c) { return c->doGetLearners(); }, {"/tavisto/session/getusers"}, openSession, true}},
-        {"doStopSession",
-         {[](Client c) { return c->doStopSession(); }, {"/tavisto/session/stop"}, openSession, true}},
-        {"doUploadResource", {upload, {"/tavisto/resource/uploadResourceFile"}, ready, false}},
-    };
-}
-
-// Operations whose later requests follow from a first one that fails: only their destruction is of interest.
-static QList<QPair<const char*, Operation>> chainedOperations()
-{
-    using Client = PresenterClient*;
-    return {
-        {"reLogin",
-         {[](Client c) {
-              const QPointer<PresenterClient> client(c);
-              client->doGetAccessToken(QStringLiteral("u"), QStringLiteral("p"), QString(), QString());
-              if (client)
-                  client->reLogin();
-              return QVariant();
-          },
-          {"/tavisto/login/submit", "/tavisto/login/submit"},
-          ready,
-          QVariant()}},
-        {"startWebsocket",
-         {startWebsocket,
-          {"/tavisto/session/getcollabserverurl", "/tavisto/config/findTenantFeatureDetails",
-           "/tavisto/session/start", "/tavisto/classroom/session/join"},
-          createSession,
-          false}},
-        {"onPingTimer",
-         {[](Client c) { return QMetaObject::invokeMethod(c, "onPingTimer"), QVariant(); },
-          {"/tavisto/login/keepSessionAlive"},
-          logIn,
-          QVariant()}},
-    };
-}
 
 class tst_PresenterClientWait : public QObject
 {
@@ -189,17 +47,6 @@ private Q_SLOTS:
     void keepAliveOutlivesTheReplyOfTheOuterOperation();
     void timersOfTheHostRunDuringAWait();
     void operationInsideRequestProcessed();
-
-    void clientDestroyedByATimer_data();
-    void clientDestroyedByATimer();
-    void clientDestroyedWithItsParent();
-    void clientDestroyedByASlotOfRequestProcessed_data();
-    void clientDestroyedByASlotOfRequestProcessed();
-    void clientDestroyedOnARedirect();
-    void clientDestroyedOnATimeOut();
-    void clientDestroyedInsideTheKeepAliveOfAnotherWait();
-    void clientDestroyedInsideTheReLoginOfDoStartSession();
-    void clientDestroyedWithARequestUnderWay();
 };
 
 void tst_PresenterClientWait::noAnswerIn10SecondsIsAborted()
@@ -463,162 +310,6 @@ void tst_PresenterClientWait::operationInsideRequestProcessed()
 
     QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
     QVERIFY(reachable);
-}
-
-static void destructionRows()
-{
-    QTest::addColumn<Operation>("operation");
-    QTest::addColumn<int>("request");
-
-    for (const auto& operation : operations() + chainedOperations()) {
-        for (int i = 0; i < operation.second.paths.size(); ++i)
-            QTest::addRow("%s, request %d", operation.first, i + 1) << operation.second << i;
-    }
-}
-
-// A client that has a started session says so to the service before it goes.
-static void destroy(PresenterClient* client, FakeService& service)
-{
-    if (!client->sessionToken().isNull())
-        service.expect("/tavisto/session/stop", Answer::json("{}"));
-    delete client;
-}
-
-static bool isNoResult(const QVariant& result)
-{
-    return result.toString().isEmpty() || result == QVariant(false);
-}
-
-void tst_PresenterClientWait::clientDestroyedByATimer_data()
-{
-    destructionRows();
-}
-
-void tst_PresenterClientWait::clientDestroyedByATimer()
-{
-    QFETCH(Operation, operation);
-    QFETCH(int, request);
-
-    FakeService service;
-    QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-    const QPointer<QNetworkAccessManager> manager = client->findChild<QNetworkAccessManager*>();
-    operation.prepare(client);
-    for (int i = 0; i < request; ++i)
-        service.expect(operation.paths.at(i), Answer::json(ALL_IS_WELL));
-    service.expect(operation.paths.at(request), Answer::never().then([&] {
-        QTimer::singleShot(0, &service, [&] { destroy(client, service); });
-    }));
-
-    const QVariant result = operation.call(client);
-    QVERIFY(!client);
-    QVERIFY2(isNoResult(result), qPrintable(result.toString()));
-    QTRY_VERIFY(!manager);
-    QTRY_COMPARE(service.abandoned(), 1);
-}
-
-void tst_PresenterClientWait::clientDestroyedWithItsParent()
-{
-    FakeService service;
-    auto* parent = new QObject;
-    const QPointer<PresenterClient> client = new PresenterClient(parent, service.url());
-    service.expect("/tavisto/login/submit",
-                   Answer::never().then([&] { QTimer::singleShot(0, &service, [&] { delete parent; }); }));
-
-    QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
-    QVERIFY(!client);
-}
-
-void tst_PresenterClientWait::clientDestroyedByASlotOfRequestProcessed_data()
-{
-    destructionRows();
-}
-
-void tst_PresenterClientWait::clientDestroyedByASlotOfRequestProcessed()
-{
-    QFETCH(Operation, operation);
-    QFETCH(int, request);
-
-    FakeService service;
-    QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-    const QPointer<QNetworkAccessManager> manager = client->findChild<QNetworkAccessManager*>();
-    operation.prepare(client);
-    for (int i = 0; i <= request; ++i)
-        service.expect(operation.paths.at(i), Answer::json(ALL_IS_WELL));
-    QMetaObject::Connection connection;
-    connection = connect(client, &PresenterClient::requestProcessed, &service, [&] {
-        if (!service.isUsedUp())
-            return;
-        disconnect(connection); // the destructor makes requests as well
-        destroy(client, service);
-    });
-
-    const QVariant result = operation.call(client);
-    QVERIFY(!client);
-    QVERIFY2(isNoResult(result), qPrintable(result.toString()));
-    QTRY_VERIFY(!manager);
-}
-
-void tst_PresenterClientWait::clientDestroyedOnARedirect()
-{
-    FakeService service;
-    service.expect("/tavisto/login/submit", Answer::redirect("https://moved.example/"));
-    const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-    connect(client, &PresenterClient::requestProcessed, &service, [&] { delete client; });
-
-    QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
-    QVERIFY(!client);
-}
-
-void tst_PresenterClientWait::clientDestroyedOnATimeOut()
-{
-    FakeService service;
-    service.expect("/tavisto/login/submit",
-                   Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
-    const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-    connect(client, &PresenterClient::requestProcessed, &service, [&] { delete client; });
-
-    QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
-    QVERIFY(!client);
-}
-
-void tst_PresenterClientWait::clientDestroyedInsideTheKeepAliveOfAnotherWait()
-{
-    FakeService service;
-    const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-    service.expect("/tavisto/login/submit", Answer::never().then([&] {
-        QTimer::singleShot(0, &service, [&] { QMetaObject::invokeMethod(client, "onPingTimer"); });
-    }));
-    service.expect("/tavisto/login/keepSessionAlive",
-                   Answer::never().then([&] { QTimer::singleShot(0, &service, [&] { delete client; }); }));
-
-    QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
-    QVERIFY(!client);
-}
-
-void tst_PresenterClientWait::clientDestroyedInsideTheReLoginOfDoStartSession()
-{
-    FakeService service;
-    service.expect("/tavisto/login/submit", Answer::json("{}"));
-    const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-    client->doGetAccessToken(QStringLiteral("u"), QStringLiteral("p"), QString(), QString());
-    service.expect("/tavisto/login/user", Answer::json("{}", 500));
-    service.expect("/tavisto/login/submit",
-                   Answer::never().then([&] { QTimer::singleShot(0, &service, [&] { delete client; }); }));
-
-    QVERIFY(!client->doStartSession(QString()));
-    QVERIFY(!client);
-}
-
-void tst_PresenterClientWait::clientDestroyedWithARequestUnderWay()
-{
-    FakeService service;
-    service.expect("/a", Answer::never());
-    auto client = std::make_unique<ClientProbe>(service.url());
-    client->request(QStringLiteral("/a"), false);
-    QTRY_COMPARE(service.requests().size(), 1);
-    client.reset();
-
-    QTRY_COMPARE(service.abandoned(), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_PresenterClientWait)

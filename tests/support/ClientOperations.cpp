@@ -1,0 +1,135 @@
+#include "support/ClientOperations.h"
+
+#include <QPointer>
+
+using namespace ClientOperations;
+
+const char ClientOperations::ALL_IS_WELL[] =
+    R"({"success":true,"infoMsgs":["success"],"data":{"deviceAccessToken":"A","userLoginId":"u",)"
+    R"("sessionCode":"123456","users":[],"url":"http://127.0.0.1:1/","sockJSProtocols":["websocket"],)"
+    R"("sessionToken":"T","userToken":"U","id":"i","path":"p"}})";
+
+namespace {
+
+void ready(PresenterClient*) {}
+
+void logIn(PresenterClient* client)
+{
+    client->loginSuccessResponse(QString::fromLatin1(ALL_IS_WELL));
+}
+
+void createSession(PresenterClient* client)
+{
+    client->sessionSuccessResponse(QString::fromLatin1(ALL_IS_WELL));
+}
+
+void openSession(PresenterClient* client)
+{
+    logIn(client);
+    createSession(client);
+    client->sessionStartSuccessResponse(QString::fromLatin1(ALL_IS_WELL));
+}
+
+QVariant loginWithOAuth(PresenterClient* client, QString registration)
+{
+    return client->doLoginWithOAuth(QStringLiteral("google"), QStringLiteral("code"), registration);
+}
+
+QVariant getOAuthAccessToken(PresenterClient* client)
+{
+    QString registration;
+    return client->doGetOAuthAccessToken(QStringLiteral("google"), QStringLiteral("code"),
+                                         QStringLiteral("d"), QStringLiteral("n"), registration);
+}
+
+QVariant startWebsocket(PresenterClient* client)
+{
+    PresenterCollab* collab = nullptr;
+    return client->startWebsocket(&collab) || collab;
+}
+
+QVariant upload(PresenterClient* client)
+{
+    QString id;
+    QString path;
+    return client->doUploadResource(QStringLiteral("f"), QByteArray("d"), &id, &path) || !id.isNull() ||
+           !path.isNull();
+}
+
+} // namespace
+
+QList<QPair<const char*, Operation>> ClientOperations::operations()
+{
+    using Client = PresenterClient*;
+    const QString u = QStringLiteral("u");
+    return {
+        {"checkServer", {[=](Client c) { return c->checkServer(u, u); }, {"/tavisto"}, ready, false}},
+        {"doLogin", {[=](Client c) { return c->doLogin(u, u); }, {"/tavisto/login/submit"}, ready, false}},
+        {"doLogin by device",
+         {[=](Client c) { return c->doLogin(u, u, u); }, {"/tavisto/login/submit"}, ready, false}},
+        {"doLoginWithOAuth",
+         {[](Client c) { return loginWithOAuth(c, QString()); },
+          {"/tavisto/login/oauth/google/callback"},
+          ready,
+          false}},
+        {"doLoginWithOAuth, registration",
+         {[](Client c) { return loginWithOAuth(c, QStringLiteral(R"({"a":"b"})")); },
+          {"/tavisto/register/oauth/submit"},
+          ready,
+          false}},
+        {"doGetAccessToken",
+         {[=](Client c) { return c->doGetAccessToken(u, u, u, u); }, {"/tavisto/login/submit"}, ready, ""}},
+        {"doGetOAuthAccessToken", {getOAuthAccessToken, {"/tavisto/login/oauth/google/callback"}, ready, ""}},
+        {"doGetUserName", {[](Client c) { return c->doGetUserName(); }, {"/tavisto/login/user"}, ready, ""}},
+        {"sendKeepAlive",
+         {[](Client c) { return c->sendKeepAlive(), QVariant(); },
+          {"/tavisto/login/keepSessionAlive"},
+          ready,
+          QVariant()}},
+        {"doLogout", {[](Client c) { return c->doLogout(); }, {"/tavisto/login/logout"}, logIn, false}},
+        {"doLogout in a session",
+         {[](Client c) { return c->doLogout(); },
+          {"/tavisto/session/stop", "/tavisto/login/logout"},
+          openSession,
+          false}},
+        {"doStartSession",
+         {[](Client c) { return c->doStartSession(QString()); },
+          {"/tavisto/login/user", "/tavisto/session/create"},
+          logIn,
+          false}},
+        {"doGetLearners",
+         {[](Client c) { return c->doGetLearners(); }, {"/tavisto/session/getusers"}, openSession, true}},
+        {"doStopSession",
+         {[](Client c) { return c->doStopSession(); }, {"/tavisto/session/stop"}, openSession, true}},
+        {"doUploadResource", {upload, {"/tavisto/resource/uploadResourceFile"}, ready, false}},
+    };
+}
+
+QList<QPair<const char*, Operation>> ClientOperations::chainedOperations()
+{
+    using Client = PresenterClient*;
+    return {
+        {"reLogin",
+         {[](Client c) {
+              const QPointer<PresenterClient> client(c);
+              client->doGetAccessToken(QStringLiteral("u"), QStringLiteral("p"), QString(), QString());
+              if (client)
+                  client->reLogin();
+              return QVariant();
+          },
+          {"/tavisto/login/submit", "/tavisto/login/submit"},
+          ready,
+          QVariant()}},
+        {"startWebsocket",
+         {startWebsocket,
+          {"/tavisto/session/getcollabserverurl", "/tavisto/config/findTenantFeatureDetails",
+           "/tavisto/session/start", "/tavisto/classroom/session/join"},
+          createSession,
+          false}},
+        {"onPingTimer",
+         {[](Client c) { return QMetaObject::invokeMethod(c, "onPingTimer"), QVariant(); },
+          {"/tavisto/login/keepSessionAlive"},
+          logIn,
+          QVariant()}},
+    };
+}

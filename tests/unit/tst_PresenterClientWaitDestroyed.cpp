@@ -1,0 +1,202 @@
+// The host destroys the client while an operation waits.
+
+#include "support/ClientOperations.h"
+#include "support/ClientProbe.h"
+#include "support/FakeService.h"
+#include "support/TimerClock.h"
+
+#include <CalyxClient/PresenterClient>
+
+#include <QNetworkAccessManager>
+#include <QPointer>
+#include <QTest>
+#include <QTimer>
+
+#include <memory>
+
+using namespace ClientOperations;
+using Answer = FakeService::Answer;
+
+namespace {
+
+// The limit of a wait is 10 seconds, and Qt's timers may be off by a twentieth.
+const int PAST_THE_LIMIT = 10600;
+
+void destructionRows()
+{
+    QTest::addColumn<Operation>("operation");
+    QTest::addColumn<int>("request");
+
+    for (const auto& operation : operations() + chainedOperations()) {
+        for (int i = 0; i < operation.second.paths.size(); ++i)
+            QTest::addRow("%s, request %d", operation.first, i + 1) << operation.second << i;
+    }
+}
+
+// A client that has a started session says so to the service before it goes.
+void destroy(PresenterClient* client, FakeService& service)
+{
+    if (!client->sessionToken().isNull())
+        service.expect("/tavisto/session/stop", Answer::json("{}"));
+    delete client;
+}
+
+bool isNoResult(const QVariant& result)
+{
+    return result.toString().isEmpty() || result == QVariant(false);
+}
+
+} // namespace
+
+class tst_PresenterClientWaitDestroyed : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void clientDestroyedByATimer_data();
+    void clientDestroyedByATimer();
+    void clientDestroyedWithItsParent();
+    void clientDestroyedByASlotOfRequestProcessed_data();
+    void clientDestroyedByASlotOfRequestProcessed();
+    void clientDestroyedOnARedirect();
+    void clientDestroyedOnATimeOut();
+    void clientDestroyedInsideTheKeepAliveOfAnotherWait();
+    void clientDestroyedInsideTheReLoginOfDoStartSession();
+    void clientDestroyedWithARequestUnderWay();
+};
+
+void tst_PresenterClientWaitDestroyed::clientDestroyedByATimer_data()
+{
+    destructionRows();
+}
+
+void tst_PresenterClientWaitDestroyed::clientDestroyedByATimer()
+{
+    QFETCH(Operation, operation);
+    QFETCH(int, request);
+
+    FakeService service;
+    QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
+    const QPointer<QNetworkAccessManager> manager = client->findChild<QNetworkAccessManager*>();
+    operation.prepare(client);
+    for (int i = 0; i < request; ++i)
+        service.expect(operation.paths.at(i), Answer::json(ALL_IS_WELL));
+    service.expect(operation.paths.at(request), Answer::never().then([&] {
+        QTimer::singleShot(0, &service, [&] { destroy(client, service); });
+    }));
+
+    const QVariant result = operation.call(client);
+    QVERIFY(!client);
+    QVERIFY2(isNoResult(result), qPrintable(result.toString()));
+    QTRY_VERIFY(!manager);
+    QTRY_COMPARE(service.abandoned(), 1);
+}
+
+void tst_PresenterClientWaitDestroyed::clientDestroyedWithItsParent()
+{
+    FakeService service;
+    auto* parent = new QObject;
+    const QPointer<PresenterClient> client = new PresenterClient(parent, service.url());
+    service.expect("/tavisto/login/submit",
+                   Answer::never().then([&] { QTimer::singleShot(0, &service, [&] { delete parent; }); }));
+
+    QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
+    QVERIFY(!client);
+}
+
+void tst_PresenterClientWaitDestroyed::clientDestroyedByASlotOfRequestProcessed_data()
+{
+    destructionRows();
+}
+
+void tst_PresenterClientWaitDestroyed::clientDestroyedByASlotOfRequestProcessed()
+{
+    QFETCH(Operation, operation);
+    QFETCH(int, request);
+
+    FakeService service;
+    QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
+    const QPointer<QNetworkAccessManager> manager = client->findChild<QNetworkAccessManager*>();
+    operation.prepare(client);
+    for (int i = 0; i <= request; ++i)
+        service.expect(operation.paths.at(i), Answer::json(ALL_IS_WELL));
+    QMetaObject::Connection connection;
+    connection = connect(client, &PresenterClient::requestProcessed, &service, [&] {
+        if (!service.isUsedUp())
+            return;
+        disconnect(connection); // the destructor makes requests as well
+        destroy(client, service);
+    });
+
+    const QVariant result = operation.call(client);
+    QVERIFY(!client);
+    QVERIFY2(isNoResult(result), qPrintable(result.toString()));
+    QTRY_VERIFY(!manager);
+}
+
+void tst_PresenterClientWaitDestroyed::clientDestroyedOnARedirect()
+{
+    FakeService service;
+    service.expect("/tavisto/login/submit", Answer::redirect("https://moved.example/"));
+    const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
+    connect(client, &PresenterClient::requestProcessed, &service, [&] { delete client; });
+
+    QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
+    QVERIFY(!client);
+}
+
+void tst_PresenterClientWaitDestroyed::clientDestroyedOnATimeOut()
+{
+    FakeService service;
+    service.expect("/tavisto/login/submit",
+                   Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
+    const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
+    connect(client, &PresenterClient::requestProcessed, &service, [&] { delete client; });
+
+    QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
+    QVERIFY(!client);
+}
+
+void tst_PresenterClientWaitDestroyed::clientDestroyedInsideTheKeepAliveOfAnotherWait()
+{
+    FakeService service;
+    const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
+    service.expect("/tavisto/login/submit", Answer::never().then([&] {
+        QTimer::singleShot(0, &service, [&] { QMetaObject::invokeMethod(client, "onPingTimer"); });
+    }));
+    service.expect("/tavisto/login/keepSessionAlive",
+                   Answer::never().then([&] { QTimer::singleShot(0, &service, [&] { delete client; }); }));
+
+    QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
+    QVERIFY(!client);
+}
+
+void tst_PresenterClientWaitDestroyed::clientDestroyedInsideTheReLoginOfDoStartSession()
+{
+    FakeService service;
+    service.expect("/tavisto/login/submit", Answer::json("{}"));
+    const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
+    client->doGetAccessToken(QStringLiteral("u"), QStringLiteral("p"), QString(), QString());
+    service.expect("/tavisto/login/user", Answer::json("{}", 500));
+    service.expect("/tavisto/login/submit",
+                   Answer::never().then([&] { QTimer::singleShot(0, &service, [&] { delete client; }); }));
+
+    QVERIFY(!client->doStartSession(QString()));
+    QVERIFY(!client);
+}
+
+void tst_PresenterClientWaitDestroyed::clientDestroyedWithARequestUnderWay()
+{
+    FakeService service;
+    service.expect("/a", Answer::never());
+    auto client = std::make_unique<ClientProbe>(service.url());
+    client->request(QStringLiteral("/a"), false);
+    QTRY_COMPARE(service.requests().size(), 1);
+    client.reset();
+
+    QTRY_COMPARE(service.abandoned(), 1);
+}
+
+QTEST_GUILESS_MAIN(tst_PresenterClientWaitDestroyed)
+
+#include "tst_PresenterClientWaitDestroyed.moc"

@@ -1,0 +1,295 @@
+#include "collab/CalyxCollabMessage.h"
+#include "collab/PresenterCollab.h"
+#include "support/SessionTest.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+
+using Calyx::CalyxCollabMessage;
+
+namespace {
+
+const auto emptyText = QStringLiteral("\"\"");
+
+// What Qt's debug stream does to a text that it quotes.
+QString unquoted(QString line)
+{
+    return line.replace(QLatin1String("\\\""), QLatin1String("\""))
+        .replace(QLatin1String("\\n"), QLatin1String("\n"));
+}
+
+} // namespace
+
+/// What the session publishes.
+class TestPresenterCollabPublish : public SessionTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void compressedPublish_data();
+    void compressedPublish();
+    void compressedPublishToTheSession();
+    void placeholdersInValuesGoOutAsTheyAre();
+    void compressedPublishWhileDisconnectedIsDropped();
+    void compressedPublishBeforeTheOpenFrameIsDropped();
+    void objectPublish_data();
+    void objectPublish();
+    void objectPublishOfADataObject();
+    void objectPublishWithoutDataIsLoggedAndSent();
+    void objectPublishWhileDisconnectedIsHandedOn();
+    void removeLearnerTellsTheDevice();
+    void removeLearnerWhileDisconnectedStillReports();
+};
+
+void TestPresenterCollabPublish::compressedPublish_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("resolved");
+    QTest::addColumn<QString>("data");
+
+    const QString large(300000, QLatin1Char('x'));
+    QTest::newRow("below the session") << ".learner"
+                                       << "abc.learner"
+                                       << "{\"a\":1}";
+    QTest::newRow("without the point") << "x.learner"
+                                       << "x.learner"
+                                       << "{}";
+    QTest::newRow("empty address") << ""
+                                   << ""
+                                   << "{}";
+    QTest::newRow("a point alone") << "."
+                                   << "abc."
+                                   << "{}";
+    QTest::newRow("the session itself") << "abc"
+                                        << "abc"
+                                        << "[1]";
+    QTest::newRow("a device") << ".user.d1"
+                              << "abc.user.d1"
+                              << "\"\"";
+    QTest::newRow("empty data") << ".learner"
+                                << "abc.learner"
+                                << "";
+    QTest::newRow("outside ASCII") << ".learner"
+                                   << "abc.learner"
+                                   << QString::fromUtf8("h\xc3\xa9 \xe4\xb8\xad \xf0\x9f\x98\x80");
+    QTest::newRow("brackets and blanks") << ".learner"
+                                         << "abc.learner"
+                                         << "[ 1, [ 2 ] ]";
+    QTest::newRow("large") << ".learner"
+                           << "abc.learner" << large;
+}
+
+void TestPresenterCollabPublish::compressedPublish()
+{
+    QFETCH(QString, address);
+    QFETCH(QString, resolved);
+    QFETCH(QString, data);
+    QVERIFY(m_session->open());
+    m_session->forgetLog();
+
+    collab()->publishMessage(address, QStringLiteral("someType"), data);
+    collab()->publishMessage64(address, QStringLiteral("someType"), data);
+
+    for (int i = 0; i < 2; ++i) {
+        const auto publish = m_session->nextPublish();
+        QCOMPARE(publish.text, LiveSession::compressedFrame(resolved, QStringLiteral("teacher-7"),
+                                                            QStringLiteral("someType"), publish.base64));
+        QCOMPARE(publish.data, data);
+    }
+    QVERIFY2(log().messages().isEmpty(), "a compressed publish is not logged");
+}
+
+void TestPresenterCollabPublish::compressedPublishToTheSession()
+{
+    QVERIFY(m_session->open());
+
+    collab()->publishMessage(QStringLiteral("hello"), QStringLiteral("{\"x\":2}"));
+
+    const auto publish = m_session->nextPublish();
+    QCOMPARE(publish.text, LiveSession::compressedFrame(QStringLiteral("abc"), QStringLiteral("teacher-7"),
+                                                        QStringLiteral("hello"), publish.base64));
+    QCOMPARE(publish.data, QStringLiteral("{\"x\":2}"));
+}
+
+void TestPresenterCollabPublish::placeholdersInValuesGoOutAsTheyAre()
+{
+    m_session = std::make_unique<LiveSession>(QStringLiteral("t%1"), QStringLiteral("u%2%3"));
+    QVERIFY(m_session->open()); // reads the registers
+
+    collab()->publishMessage(QStringLiteral(".%1%3"), QStringLiteral("%0%3"), QStringLiteral("%1 %2"));
+    auto publish = m_session->nextPublish();
+    QCOMPARE(publish.text, LiveSession::compressedFrame(QStringLiteral("t%1.%1%3"), QStringLiteral("u%2%3"),
+                                                        QStringLiteral("%0%3"), publish.base64));
+    QCOMPARE(publish.data, QStringLiteral("%1 %2"));
+
+    CalyxCollabMessage message;
+    message.settype(QStringLiteral("%1"));
+    collab()->publishMessage(QStringLiteral("%1"), &message);
+    publish = m_session->nextPublish();
+    QCOMPARE(publish.address, QStringLiteral("%1"));
+    QCOMPARE(publish.type, QStringLiteral("%1"));
+    QCOMPARE(publish.from, QStringLiteral("u%2%3"));
+}
+
+void TestPresenterCollabPublish::compressedPublishWhileDisconnectedIsDropped()
+{
+    collab()->publishMessage(QStringLiteral("type"), QStringLiteral("1"));
+    QCOMPARE(dropped(), 1);
+    collab()->publishMessage(QStringLiteral(".learner"), QStringLiteral("type"), QStringLiteral("2"));
+    QCOMPARE(dropped(), 2);
+    collab()->publishMessage64(QStringLiteral(".learner"), QStringLiteral("type"), QStringLiteral("3"));
+    QCOMPARE(dropped(), 3);
+
+    QVERIFY(m_session->open());
+    QVERIFY(m_session->nothingWasSent());
+
+    server().closeSession();
+    QTRY_VERIFY(!collab()->isConnected());
+    collab()->publishMessage(QStringLiteral("type"), QStringLiteral("4"));
+    QCOMPARE(dropped(), 4);
+}
+
+void TestPresenterCollabPublish::compressedPublishBeforeTheOpenFrameIsDropped()
+{
+    server().setUpgrade(Server::Mute);
+    collab()->open({QStringLiteral("websocket")});
+
+    collab()->publishMessage(QStringLiteral("type"), QStringLiteral("1"));
+
+    QCOMPARE(dropped(), 1);
+    QVERIFY(m_session->nothingWasSent());
+}
+
+void TestPresenterCollabPublish::objectPublish_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("resolved");
+    QTest::addColumn<QVariantMap>("map");
+    QTest::addColumn<QString>("data");
+
+    const auto json = QStringLiteral("{\n    \"a\": 1,\n    \"b\": \"x\"\n}\n");
+    QTest::newRow("below the session") << ".learner"
+                                       << "abc.learner" << QVariantMap{{"b", "x"}, {"a", 1}} << json;
+    QTest::newRow("without the point") << "x.y"
+                                       << "x.y" << QVariantMap{{"b", "x"}, {"a", 1}} << json;
+    QTest::newRow("empty address") << ""
+                                   << "" << QVariantMap{{"b", "x"}, {"a", 1}} << json;
+    QTest::newRow("empty map") << "abc"
+                               << "abc" << QVariantMap{} << "{\n}\n";
+}
+
+void TestPresenterCollabPublish::objectPublish()
+{
+    QFETCH(QString, address);
+    QFETCH(QString, resolved);
+    QFETCH(QVariantMap, map);
+    QFETCH(QString, data);
+    QVERIFY(m_session->open());
+    CalyxCollabMessage message;
+    message.setfrom(QStringLiteral("somebody else"));
+    message.settype(QStringLiteral("someType"));
+    message.setdata(map);
+    m_session->forgetLog();
+
+    collab()->publishMessage(address, &message);
+
+    const auto publish = m_session->nextPublish();
+    const auto json =
+        QStringLiteral("{\n    \"data\": [\n        \"%1\"\n    ],\n    \"from\": \"teacher-7\",\n"
+                       "    \"sourceSystem\": \"Lumora\",\n    \"type\": \"someType\",\n"
+                       "    \"version\": \"3.0.0\"\n}\n")
+            .arg(publish.base64);
+    const auto frame = QStringLiteral("{\"type\":\"publish\",\"address\":\"") + resolved +
+                       QStringLiteral("\",\"body\":") + json + QLatin1Char('}');
+    // SockJS framing takes the blank in front of a closing bracket.
+    QCOMPARE(publish.text, QString(frame).replace(QLatin1String(" ]"), QLatin1String("]")));
+    QCOMPARE(publish.data, data);
+    QCOMPARE(message.from(), QStringLiteral("teacher-7"));
+    QCOMPARE(message.data(), QVariant(QVariantList{publish.base64}));
+
+    const auto transmitted = log().debug(QStringLiteral("TRANSMIT: "));
+    QCOMPARE(transmitted.size(), 1);
+    QVERIFY2(unquoted(transmitted.first()).contains(frame), qPrintable(transmitted.first()));
+}
+
+void TestPresenterCollabPublish::objectPublishOfADataObject()
+{
+    QVERIFY(m_session->open());
+    CalyxCollabMessage carried;
+    carried.settype(QStringLiteral("inner"));
+    CalyxCollabMessage message;
+    message.setdata(QVariantMap{{"not", "this"}});
+    message.setdataobject(&carried);
+
+    collab()->publishMessage(QStringLiteral(".learner"), &message);
+
+    const auto publish = m_session->nextPublish();
+    QVERIFY2(publish.data.contains(QLatin1String("\"type\": \"inner\"")), qPrintable(publish.data));
+    QVERIFY(!publish.data.contains(QLatin1String("this")));
+}
+
+void TestPresenterCollabPublish::objectPublishWithoutDataIsLoggedAndSent()
+{
+    const auto invalid = QStringLiteral("[CalyxCollabMessage] data object in message is invalid!");
+    QVERIFY(m_session->open());
+
+    CalyxCollabMessage empty;
+    collab()->publishMessage(QStringLiteral(".learner"), &empty);
+    QCOMPARE(log().debug(invalid).size(), 1);
+    auto publish = m_session->nextPublish();
+    QVERIFY(publish.body.contains(QStringLiteral("data")));
+    QVERIFY(publish.body.value(QStringLiteral("data")).isNull());
+
+    CalyxCollabMessage text;
+    text.setdata(QStringLiteral("as it stood"));
+    collab()->publishMessage(QStringLiteral(".learner"), &text);
+    QCOMPARE(log().debug(invalid).size(), 2);
+    publish = m_session->nextPublish();
+    QCOMPARE(publish.body.value(QStringLiteral("data")).toString(), QStringLiteral("as it stood"));
+}
+
+void TestPresenterCollabPublish::objectPublishWhileDisconnectedIsHandedOn()
+{
+    CalyxCollabMessage message;
+    message.setdata(QVariantMap{{"a", 1}});
+
+    collab()->publishMessage(QStringLiteral(".learner"), &message);
+
+    QVERIFY(log().debug(LiveSession::notConnected()).isEmpty());
+    QCOMPARE(log().debug(QStringLiteral("TRANSMIT: ")).size(), 1);
+    QCOMPARE(message.from(), QStringLiteral("teacher-7"));
+    QVERIFY(m_session->open());
+    QVERIFY(m_session->nothingWasSent());
+}
+
+void TestPresenterCollabPublish::removeLearnerTellsTheDevice()
+{
+    QVERIFY(m_session->open());
+    QSignalSpy gone(collab(), &PresenterCollab::learnerUnregister);
+
+    collab()->removeLearner(QStringLiteral("d%1"));
+
+    QCOMPARE(gone.size(), 1);
+    QCOMPARE(gone.first().first().toString(), QStringLiteral("d%1"));
+    const auto publish = m_session->nextPublish();
+    QCOMPARE(publish.address, QStringLiteral("abc.user.d%1"));
+    QCOMPARE(publish.type, QStringLiteral("disconnect"));
+    QCOMPARE(publish.data, emptyText);
+}
+
+void TestPresenterCollabPublish::removeLearnerWhileDisconnectedStillReports()
+{
+    QSignalSpy gone(collab(), &PresenterCollab::learnerUnregister);
+
+    collab()->removeLearner(QStringLiteral("d1"));
+
+    QCOMPARE(gone.size(), 1);
+    QCOMPARE(gone.first().first().toString(), QStringLiteral("d1"));
+    QCOMPARE(dropped(), 1);
+}
+
+QTEST_GUILESS_MAIN(TestPresenterCollabPublish)
+
+#include "tst_PresenterCollabPublish.moc"
