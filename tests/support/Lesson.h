@@ -6,6 +6,9 @@
 #include <CalyxClient/PresenterClient>
 #include <CalyxClient/PresenterCollab>
 
+#include <QJsonDocument>
+#include <QJsonObject>
+
 #include <memory>
 
 /// A service, a bus, and a client with a created session "123456" of the user "teacher".
@@ -60,6 +63,14 @@ struct Lesson
     {
         expectStart();
         return start();
+    }
+
+    /// The address of a "register" frame.
+    static QString registered(const QString& message)
+    {
+        const QJsonObject frame = QJsonDocument::fromJson(message.toUtf8()).object();
+        return frame.value("type") == QStringLiteral("register") ? frame.value("address").toString()
+                                                                 : QString();
     }
 
     bool stop()

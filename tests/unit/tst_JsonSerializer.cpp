@@ -1,4 +1,5 @@
 #include "support/LogRecorder.h"
+#include "support/Node.h"
 
 #include <CalyxClient/JsonSerializer>
 
@@ -27,20 +28,6 @@ QVariantMap mapOf(const QObject& object)
 }
 
 } // namespace
-
-/// An object that may hold one more of its kind.
-class Node : public QObject
-{
-    Q_OBJECT
-    Q_PROPERTY(QString name MEMBER name)
-    Q_PROPERTY(QObject* next MEMBER next)
-
-public:
-    explicit Node(const QString& text = QString(), QObject* follower = nullptr) : name(text), next(follower)
-    {}
-    QString name;
-    QObject* next = nullptr;
-};
 
 /// Everything that a property can hold besides one object.
 class Values : public QObject

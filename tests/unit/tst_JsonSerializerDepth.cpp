@@ -1,6 +1,7 @@
 // How far the serializer follows objects that hold objects.
 
 #include "support/LogRecorder.h"
+#include "support/Node.h"
 
 #include <CalyxClient/JsonSerializer>
 
@@ -39,20 +40,6 @@ int chainLength(const QVariant& value)
 }
 
 } // namespace
-
-/// An object that may hold one more of its kind.
-class Node : public QObject
-{
-    Q_OBJECT
-    Q_PROPERTY(QString name MEMBER name)
-    Q_PROPERTY(QObject* next MEMBER next)
-
-public:
-    explicit Node(const QString& text = QString(), QObject* follower = nullptr) : name(text), next(follower)
-    {}
-    QString name;
-    QObject* next = nullptr;
-};
 
 /// Four object-valued properties, declared in no alphabetical order, and an ordinary one.
 class FourObjects : public QObject

@@ -1,6 +1,7 @@
 // What the account operations send, and what decides a login.
 
 #include "support/FakeService.h"
+#include "support/Logins.h"
 
 #include <CalyxClient/PresenterClient>
 
@@ -8,44 +9,13 @@
 
 #include <functional>
 
+using namespace Logins;
 using Answer = FakeService::Answer;
 
 namespace {
 
-const char SUBMIT[] = "/tavisto/login/submit";
-const char CALLBACK[] = "/tavisto/login/oauth/google/callback";
-const char REGISTER[] = "/tavisto/register/oauth/submit";
-const char USER[] = "/tavisto/login/user";
-const char LOGOUT[] = "/tavisto/login/logout";
-const char KEEP_ALIVE[] = "/tavisto/login/keepSessionAlive";
-
-const char SUCCESS[] = R"({"success":true,"infoMsgKeys":["login.success"]})";
-const char REFUSED[] = R"({"success":false,"errorMsgKeys":["login.error"]})";
-
 using Call = std::function<QVariant(PresenterClient&, const QStringList&)>;
 using Login = std::function<bool(PresenterClient&)>;
-
-bool loginByPassword(PresenterClient& client)
-{
-    return client.doLogin(QStringLiteral("u"), QStringLiteral("p"));
-}
-
-bool loginByDevice(PresenterClient& client)
-{
-    return client.doLogin(QStringLiteral("u"), QStringLiteral("d"), QStringLiteral("t"));
-}
-
-bool loginWithOAuth(PresenterClient& client)
-{
-    QString registration;
-    return client.doLoginWithOAuth(QStringLiteral("google"), QStringLiteral("c"), registration);
-}
-
-bool registerWithOAuth(PresenterClient& client)
-{
-    QString registration = QStringLiteral(R"({"a":"b"})");
-    return client.doLoginWithOAuth(QStringLiteral("google"), QStringLiteral("c"), registration);
-}
 
 } // namespace
 

@@ -12,17 +12,6 @@
 
 using Answer = FakeService::Answer;
 
-namespace {
-
-/// The address of a "register" frame.
-QString registered(const QString& message)
-{
-    const QJsonObject frame = QJsonDocument::fromJson(message.toUtf8()).object();
-    return frame.value("type") == QStringLiteral("register") ? frame.value("address").toString() : QString();
-}
-
-} // namespace
-
 class tst_PresenterClientChannel : public QObject
 {
     Q_OBJECT
@@ -106,7 +95,7 @@ void tst_PresenterClientChannel::goodbyeIsSaidToTheWholeSession()
     Lesson lesson;
     QVERIFY(lesson.startWell());
     for (int i = 0; i < 3; ++i)
-        QVERIFY(!registered(lesson.bus.nextMessage()).isNull());
+        QVERIFY(!Lesson::registered(lesson.bus.nextMessage()).isNull());
     QVERIFY(lesson.stop());
 
     const QJsonObject frame = QJsonDocument::fromJson(lesson.bus.nextMessage().toUtf8()).object();

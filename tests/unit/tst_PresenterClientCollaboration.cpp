@@ -13,13 +13,6 @@ namespace {
 
 const char REFUSED[] = R"({"errorMsgKeys":["session.start.error","b.error"]})";
 
-/// The address of a "register" frame.
-QString registered(const QString& message)
-{
-    const QJsonObject frame = QJsonDocument::fromJson(message.toUtf8()).object();
-    return frame.value("type") == QStringLiteral("register") ? frame.value("address").toString() : QString();
-}
-
 } // namespace
 
 class tst_PresenterClientCollaboration : public QObject
@@ -131,7 +124,7 @@ void tst_PresenterClientCollaboration::opensTheChannelOfTheSession()
     QVERIFY(lesson.client->lastError().isNull());
     QTRY_VERIFY(collab->isConnected());
     for (const char* address : {"T", "T.presenter", "T.presenter.U"})
-        QCOMPARE(registered(lesson.bus.nextMessage()), QString::fromLatin1(address));
+        QCOMPARE(Lesson::registered(lesson.bus.nextMessage()), QString::fromLatin1(address));
 }
 
 void tst_PresenterClientCollaboration::logsTokenAndAddress()

@@ -2,6 +2,7 @@
 
 #include "support/FakeService.h"
 #include "support/LogRecorder.h"
+#include "support/Logins.h"
 
 #include <CalyxClient/PresenterClient>
 
@@ -9,42 +10,12 @@
 
 #include <functional>
 
+using namespace Logins;
 using Answer = FakeService::Answer;
 
 namespace {
 
-const char SUBMIT[] = "/tavisto/login/submit";
-const char CALLBACK[] = "/tavisto/login/oauth/google/callback";
-const char USER[] = "/tavisto/login/user";
-const char LOGOUT[] = "/tavisto/login/logout";
-
-const char SUCCESS[] = R"({"success":true,"infoMsgKeys":["login.success"]})";
-const char REFUSED[] = R"({"success":false,"errorMsgKeys":["login.error"]})";
-
 using Preparation = std::function<void(PresenterClient&, FakeService&)>;
-
-bool loginByPassword(PresenterClient& client)
-{
-    return client.doLogin(QStringLiteral("u"), QStringLiteral("p"));
-}
-
-bool loginByDevice(PresenterClient& client)
-{
-    return client.doLogin(QStringLiteral("u"), QStringLiteral("d"), QStringLiteral("t"));
-}
-
-bool loginWithOAuth(PresenterClient& client)
-{
-    QString registration;
-    return client.doLoginWithOAuth(QStringLiteral("google"), QStringLiteral("c"), registration);
-}
-
-QString getOAuthToken(PresenterClient& client, QString* registration = nullptr)
-{
-    QString ignored;
-    return client.doGetOAuthAccessToken(QStringLiteral("google"), QStringLiteral("c"), QStringLiteral("d"),
-                                        QStringLiteral("n"), registration ? *registration : ignored);
-}
 
 } // namespace
 

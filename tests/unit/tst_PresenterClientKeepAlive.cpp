@@ -1,6 +1,7 @@
 // The keep-alive of a login.
 
 #include "support/FakeService.h"
+#include "support/Logins.h"
 #include "support/TimerClock.h"
 
 #include <CalyxClient/PresenterClient>
@@ -10,19 +11,10 @@
 
 #include <functional>
 
+using namespace Logins;
 using Answer = FakeService::Answer;
 
 namespace {
-
-const char SUBMIT[] = "/tavisto/login/submit";
-const char CALLBACK[] = "/tavisto/login/oauth/google/callback";
-const char REGISTER[] = "/tavisto/register/oauth/submit";
-const char USER[] = "/tavisto/login/user";
-const char LOGOUT[] = "/tavisto/login/logout";
-const char KEEP_ALIVE[] = "/tavisto/login/keepSessionAlive";
-
-const char SUCCESS[] = R"({"success":true,"infoMsgKeys":["login.success"]})";
-const char REFUSED[] = R"({"success":false,"errorMsgKeys":["login.error"]})";
 
 // The period of the keep-alive is 60 seconds, and Qt's timers may be off by a twentieth.
 const int NOT_YET = 56000;
@@ -31,35 +23,6 @@ const int PERIOD = NOT_YET + REST_OF_THE_PERIOD;
 
 using Login = std::function<bool(PresenterClient&)>;
 using Preparation = std::function<void(PresenterClient&, FakeService&)>;
-
-bool loginByPassword(PresenterClient& client)
-{
-    return client.doLogin(QStringLiteral("u"), QStringLiteral("p"));
-}
-
-bool loginByDevice(PresenterClient& client)
-{
-    return client.doLogin(QStringLiteral("u"), QStringLiteral("d"), QStringLiteral("t"));
-}
-
-bool loginWithOAuth(PresenterClient& client)
-{
-    QString registration;
-    return client.doLoginWithOAuth(QStringLiteral("google"), QStringLiteral("c"), registration);
-}
-
-bool registerWithOAuth(PresenterClient& client)
-{
-    QString registration = QStringLiteral(R"({"a":"b"})");
-    return client.doLoginWithOAuth(QStringLiteral("google"), QStringLiteral("c"), registration);
-}
-
-QString getOAuthToken(PresenterClient& client)
-{
-    QString registration;
-    return client.doGetOAuthAccessToken(QStringLiteral("google"), QStringLiteral("c"), QStringLiteral("d"),
-                                        QStringLiteral("n"), registration);
-}
 
 } // namespace
 

@@ -1,10 +1,8 @@
 #include "support/LogRecorder.h"
-#include "support/ScriptedHttpServer.h"
-#include "support/WorkerRun.h"
+#include "support/WorkerTest.h"
 
 #include <QElapsedTimer>
 #include <QMetaMethod>
-#include <QNetworkProxy>
 #include <QtTest>
 
 using HttpText::chunk;
@@ -12,25 +10,18 @@ using HttpText::chunked;
 using HttpText::chunkedHead;
 using HttpText::endChunk;
 using HttpText::plain;
-using Server = ScriptedHttpServer;
 
 namespace {
 
 const QString stallLine = QStringLiteral("[SockJSXHRPollingWorker] Incoming data timeout, clearing buffer");
 
-// Longer than the worker's idle wait and its stall limit together.
-constexpr int patience = 8000;
-
 } // namespace
 
-class tst_SockJSXHRPollingWorker : public QObject
+class tst_SockJSXHRPollingWorker : public WorkerTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void cleanup();
-
     void declaresItsSignalsAndSlots();
     void registersTheHeaderMapForQueuedSignals();
 
@@ -66,16 +57,6 @@ private Q_SLOTS:
 
     void streamDeliversFramesAtTheirNewline();
 };
-
-void tst_SockJSXHRPollingWorker::initTestCase()
-{
-    QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
-}
-
-void tst_SockJSXHRPollingWorker::cleanup()
-{
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
 
 void tst_SockJSXHRPollingWorker::declaresItsSignalsAndSlots()
 {

@@ -1,11 +1,9 @@
 #include "support/LogRecorder.h"
 #include "support/ProcessResources.h"
-#include "support/ScriptedHttpServer.h"
 #include "support/TestCertificates.h"
-#include "support/WorkerRun.h"
+#include "support/WorkerTest.h"
 
 #include <QElapsedTimer>
-#include <QNetworkProxy>
 #include <QTcpServer>
 #include <QtTest>
 
@@ -14,7 +12,6 @@ using HttpText::chunked;
 using HttpText::chunkedHead;
 using HttpText::endChunk;
 using HttpText::plain;
-using Server = ScriptedHttpServer;
 
 namespace {
 
@@ -23,19 +20,13 @@ const QString lostLine =
 const QString limitLine =
     QStringLiteral("[SockJSXHRPollingWorker] Connection attempts exceeded retry limit!");
 
-// Longer than the worker's idle wait and its stall limit together.
-constexpr int patience = 8000;
-
 } // namespace
 
-class tst_SockJSXHRPollingWorkerConnection : public QObject
+class tst_SockJSXHRPollingWorkerConnection : public WorkerTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void cleanup();
-
     void connectsOverTcp();
     void connectsOverTls();
     void refusesAnUnknownCertificate();
@@ -61,16 +52,6 @@ private Q_SLOTS:
     void endsWhenTheSocketIsClosed();
     void givesItsDescriptorsAndThreadsBack();
 };
-
-void tst_SockJSXHRPollingWorkerConnection::initTestCase()
-{
-    QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
-}
-
-void tst_SockJSXHRPollingWorkerConnection::cleanup()
-{
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
 
 void tst_SockJSXHRPollingWorkerConnection::connectsOverTcp()
 {

@@ -1,9 +1,7 @@
 #include "support/LogRecorder.h"
-#include "support/ScriptedHttpServer.h"
-#include "support/WorkerRun.h"
+#include "support/WorkerTest.h"
 
 #include <QElapsedTimer>
-#include <QNetworkProxy>
 #include <QtTest>
 
 using HttpText::chunk;
@@ -11,26 +9,19 @@ using HttpText::chunked;
 using HttpText::chunkedHead;
 using HttpText::endChunk;
 using HttpText::plain;
-using Server = ScriptedHttpServer;
 
 namespace {
 
 const QString stallLine = QStringLiteral("[SockJSXHRPollingWorker] Incoming data timeout, clearing buffer");
 const QString bufferLine = QStringLiteral("[SockJSXHRPollingWorker.BufferData] = ");
 
-// Longer than the worker's idle wait and its stall limit together.
-constexpr int patience = 8000;
-
 } // namespace
 
-class tst_SockJSXHRPollingWorkerFaults : public QObject
+class tst_SockJSXHRPollingWorkerFaults : public WorkerTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void cleanup();
-
     void stallIsDiscarded_data();
     void stallIsDiscarded();
     void shortPauseIsWaitedOut_data();
@@ -52,16 +43,6 @@ private Q_SLOTS:
     void overrunIsABrokenConnection_data();
     void overrunIsABrokenConnection();
 };
-
-void tst_SockJSXHRPollingWorkerFaults::initTestCase()
-{
-    QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
-}
-
-void tst_SockJSXHRPollingWorkerFaults::cleanup()
-{
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
 
 void tst_SockJSXHRPollingWorkerFaults::stallIsDiscarded_data()
 {
