@@ -262,15 +262,14 @@ void tst_RawConnection::quittingThreadEndsTheHandshake()
     bool connected = true;
     bool stopped = false;
     bool dropped = false;
-    const std::unique_ptr<QThread> thread(QThread::create([&] {
+    std::thread thread([&] {
         Line line(silent.port(), true);
         QThread::currentThread()->quit();
         connected = line.connectLine(true, tooLong);
         stopped = line.stop;
         dropped = line.connection.isUnconnected();
-    }));
-    thread->start();
-    QVERIFY(thread->wait(enough));
+    });
+    thread.join();
     QVERIFY(!connected);
     QVERIFY(stopped);
     QVERIFY(dropped);
@@ -279,13 +278,12 @@ void tst_RawConnection::quittingThreadEndsTheHandshake()
 void tst_RawConnection::quittingThreadEndsTheWait()
 {
     bool ran = true;
-    const std::unique_ptr<QThread> thread(QThread::create([&] {
+    std::thread thread([&] {
         Line line(1, false);
         QThread::currentThread()->quit();
         ran = line.connection.wait(tooLong);
-    }));
-    thread->start();
-    QVERIFY(thread->wait(enough));
+    });
+    thread.join();
     QVERIFY(!ran);
 }
 
