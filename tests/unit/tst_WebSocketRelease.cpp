@@ -78,7 +78,7 @@ enum Stage { New, BeforeTheUpgrade, Open, Ended };
 
 Q_DECLARE_METATYPE(Stage)
 
-/// How a WebSocket goes that nobody wants any more.
+/// How a WebSocket goes that nobody wants any more. One that outlives the application is in tst_ProcessExit.
 class tst_WebSocketRelease : public QObject
 {
     Q_OBJECT
