@@ -2,30 +2,7 @@
 
 #include "Tally.h"
 
-#include <QStackedWidget>
+#include <QChartView>
 
-class QLabel;
-
-namespace QtCharts {
-class QBarCategoryAxis;
-class QChartView;
-class QValueAxis;
-} // namespace QtCharts
-
-/// The answers to a poll as bars, and in words for those who cannot see them.
-class AnswerChart : public QStackedWidget
-{
-    Q_OBJECT
-
-public:
-    AnswerChart();
-
-    void showHint(const QString& text);
-    void showBars(const QVector<Tally::Bar>& bars);
-
-private:
-    QLabel* m_hint;
-    QtCharts::QChartView* m_view;
-    QtCharts::QBarCategoryAxis* m_labels;
-    QtCharts::QValueAxis* m_counts;
-};
+/// Shows the answers to a poll as bars, and in words for those who cannot see them.
+void showAnswers(QtCharts::QChartView* view, const QVector<Tally::Bar>& bars);

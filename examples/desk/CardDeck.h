@@ -1,65 +1,37 @@
 #pragma once
 
-#include "Card.h"
-
-#include <QVector>
-#include <QWidget>
-
-#include <functional>
-
-class QFrame;
-class QLabel;
-class QPushButton;
+#include "Classroom.h"
+#include "Controls.h"
 
 /// The lesson's pictures: added from a file, by drag and drop or by the remote control, and shown one by one.
-class CardDeck : public QWidget
+class CardDeck : public QGroupBox
 {
     Q_OBJECT
 
 public:
-    CardDeck();
+    explicit CardDeck(Classroom* classroom);
 
-    /// From 1; 0 without any.
-    int current() const { return m_current + 1; }
-    int count() const { return m_cards.size(); }
-    /// Why cards cannot be shown to the learners; empty when they can.
-    void setWhyNoShow(const QString& reason);
-
-    void chooseFile();
-    void addFiles(const QStringList& paths);
-    /// \p url: a picture as a data URI.
-    void addDataUri(const QString& name, const QString& url);
-    void next() { goTo(m_current + 1); }
-    void previous() { goTo(m_current - 1); }
-    void showToLearners();
-
-Q_SIGNALS:
-    void changed();
-    void refused(const QString& name, const QString& reason);
-    void cardToShow(const QByteArray& png);
+    /// Adds the picture that \p device, still closed, holds.
+    void add(const QString& name, const std::shared_ptr<QIODevice>& device);
+    /// Goes so many cards on, or back.
+    void step(int cards);
+    /// As the button, where that can be pressed.
+    void showToLearners() { m_show->click(); }
+    /// Tells the remote control where in the deck we are.
+    void tellRemote();
+    /// \p whyNoShow: why cards cannot be shown to the learners; empty when they can.
+    void refresh(const QString& whyNoShow);
 
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
-    void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
 private:
-    void layOut();
-    void readLater(const std::function<Card()>& read);
-    void add(const Card& card);
-    void goTo(int card);
-    void refresh();
-    void highlight(bool isOver);
+    void chooseFiles();
+    void addFiles(const QStringList& paths);
 
-    QVector<Card> m_cards;
-    int m_current = -1;
-    int m_reading = 0;
+    Classroom* m_classroom;
     QString m_whyNoShow;
-    QFrame* m_drop;
-    QLabel* m_picture;
-    QLabel* m_place;
-    QPushButton* m_add;
-    QPushButton* m_previous;
-    QPushButton* m_next;
-    QPushButton* m_show;
+    QListWidget* m_list = described(new QListWidget, tr("The pictures of the lesson"));
+    QPushButton* m_show = button(tr("&Show to learners"), tr("Show this card on the learners\u2019 devices"));
 };

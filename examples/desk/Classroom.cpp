@@ -2,68 +2,84 @@
 
 #include <CalyxClient/SockJSConnector>
 
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QThread>
 #include <QTimer>
 
 using namespace Calyx;
 
-namespace {
+static constexpr int replyLimit = 10000; // ms, the library's
+static constexpr int openLimit = 10000;  // for each transport
+static constexpr int channelLimit = 3 * openLimit + 1000;
 
-constexpr int replyLimit = 10000; // ms, the library's
-constexpr int openLimit = 10000;  // for each transport
-constexpr int channelLimit = 3 * openLimit + 1000;
+// What a person can do about an error, by how its key begins; the first that fits counts.
+static QString adviceOn(const QString& key)
+{
+    const QPair<const char*, QString> advices[] = {
+        {"login.error.badCredentials",
+         Classroom::tr("Check the user name and the password: small and capital letters are different.")},
+        {"login.error", Classroom::tr("Log out and log in again.")},
+        {"session.error.tooMany",
+         Classroom::tr("End a lesson that is still open, then start this one again.")},
+        {"session.error", Classroom::tr("End the lesson and start a new one.")},
+        {"SSLRootCertificateMissing",
+         Classroom::tr(
+             "The service's certificate is signed by an authority that this computer does not know. Have the "
+             "authority's certificate installed, and do not go on if you did not expect this.")},
+        {"", Classroom::tr("Try again. If it goes on, give this key to whoever runs the service.")}};
+    const auto* advice = advices;
+    while (!key.startsWith(QLatin1String(advice->first)))
+        ++advice;
+    return Classroom::tr("%1\nThe service says: %2").arg(advice->second, key);
+}
 
 // The library puts texts into its requests as they are.
-QString escaped(const QString& text)
+static QString escaped(const QString& text)
 {
     const QByteArray array = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
     return QString::fromUtf8(array.mid(2, array.size() - 4)); // without [" and "]
 }
 
-} // namespace
-
-// One operation, from its begin to finished(). When the client has been dropped meanwhile, there is nobody
-// left who wants to know of a failure.
-class Classroom::Attempt
-{
-public:
-    Attempt(Classroom* classroom, const char* what) : m_classroom(classroom), m_what(QLatin1String(what))
-    {
-        m_clock.start();
-    }
-    ~Attempt() { Q_EMIT m_classroom->finished(); }
-    Q_DISABLE_COPY(Attempt)
-
-    void fail()
-    {
-        const std::unique_ptr<PresenterClient>& client = m_classroom->m_client;
-        if (!client)
-            return;
-        const QString key = client->lastError();
-        const QString server = client->server();
-        Failures::Silence silence = Failures::Answers;
-        if (key.isEmpty() && m_clock.elapsed() >= replyLimit)
-            silence = Failures::GivesNoAnswer;
-        else if (key.isEmpty() && !client->checkServer(QString(), QString()))
-            silence = Failures::IsNotThere;
-        if (client)
-            Q_EMIT m_classroom->failed(Failures::explain(m_what, key, silence, server));
-    }
-
-private:
-    Classroom* m_classroom;
-    QString m_what;
-    QElapsedTimer m_clock;
-};
-
 Classroom::Classroom()
 {
-    qRegisterMetaType<Failure>(); // both travel between threads
-    qRegisterMetaType<Stage>();
+    qRegisterMetaType<Stage>(); // it travels between threads
+    moveToThread(&m_thread);
+    m_thread.start();
+}
+
+Classroom::~Classroom()
+{
+    tell([](Classroom* classroom) {
+        if (classroom->m_client && classroom->m_client->isLoggedIn())
+            classroom->logOut();
+        classroom->giveUp();
+        classroom->m_thread.quit();
+    });
+    m_thread.wait();
+}
+
+void Classroom::tell(const std::function<void(Classroom*)>& work)
+{
+    QMetaObject::invokeMethod(this, [this, work] { work(this); });
+}
+
+void Classroom::tellChannel(const std::function<void(PresenterCollab*)>& work)
+{
+    tell([work](Classroom* classroom) {
+        if (classroom->m_stage == Live && classroom->m_collab)
+            work(classroom->m_collab);
+    });
+}
+
+void Classroom::begin(const QString& what, const std::function<void(Classroom*)>& work)
+{
+    Q_EMIT busy(what);
+    tell([work](Classroom* classroom) {
+        classroom->m_clock.start();
+        work(classroom);
+        Q_EMIT classroom->busy(QString());
+    });
 }
 
 void Classroom::setStage(Stage stage)
@@ -72,128 +88,129 @@ void Classroom::setStage(Stage stage)
     Q_EMIT stageChanged(stage, m_client ? m_client->sessionCode() : QString());
 }
 
-void Classroom::dropClient()
+// Tells why an operation has failed. When the client has been dropped meanwhile, there is nobody left who
+// wants to know.
+void Classroom::explain(const QString& what)
 {
-    if (m_collab)
-        m_collab->disconnect(this);
-    m_client.reset();
+    if (!m_client)
+        return;
+    const QString key = m_client->lastError();
+    const QString server = m_client->server();
+    QString advice = tr("The service gave no reason. Try again in a moment.");
+    if (!key.isEmpty())
+        advice = adviceOn(key);
+    else if (m_clock.elapsed() >= replyLimit)
+        advice = tr("%1 did not answer within 10 seconds. Check the network, then try again.").arg(server);
+    else if (!m_client->checkServer(QString(), QString()))
+        advice = tr("No classroom service answers at %1. Check the address, and that the network "
+                    "reaches it.")
+                     .arg(server);
+    if (m_client)
+        Q_EMIT failed(what, advice);
 }
 
 void Classroom::logIn(const QString& server, const QString& user, const QString& password)
 {
-    Attempt attempt(this, "Logging in failed");
     m_client = std::make_unique<PresenterClient>(nullptr, server);
     m_client->setOpenLimit(openLimit);
     if (m_client->doLogin(escaped(user), escaped(password)))
         setStage(Ready);
     else
-        attempt.fail();
+        explain(tr("Logging in failed"));
 }
 
 void Classroom::logOut()
 {
-    Attempt attempt(this, "Logging out failed");
-    if (m_collab)
-        m_collab->disconnect(this);
-    if (m_client && !m_client->doLogout())
-        attempt.fail();
-    dropClient();
     setStage(LoggedOut);
+    if (m_client && !m_client->doLogout())
+        explain(tr("Logging out failed"));
+    m_client.reset();
 }
 
-void Classroom::startLesson()
+void Classroom::openLesson()
 {
-    Attempt attempt(this, "The lesson did not start");
-    if (!m_client || m_stage != Ready)
+    constexpr int patience = 2000; // ms
+    const bool isNew = m_stage == Ready;
+    if (!m_client)
         return;
-    PresenterCollab* collab = nullptr;
-    if (!m_client->doStartSession(QString()) || !m_client->startWebsocket(&collab) ||
-        m_client->sessionToken().isEmpty()) {
-        attempt.fail();
-        return;
-    }
-    if (m_collab)
-        m_collab->deleteLater(); // the client has forgotten it, but would keep it
-    m_collab = collab;
-    m_isLocked = false;
-    listen();
-    if (waitForChannel()) {
-        enterLesson();
+    if ((!isNew || startSession()) && openChannel()) {
+        setStage(Live);
+        QTimer::singleShot(patience, m_collab, [this] { findEarlyLearners(); });
         return;
     }
-    attempt.fail();
-    if (m_client)
+    explain(isNew ? tr("The lesson did not start") : tr("The live channel did not open"));
+    if (isNew && m_client)
         m_client->doStopSession();
 }
 
-void Classroom::reconnect()
+bool Classroom::startSession()
 {
-    Attempt attempt(this, "The live channel did not open");
-    if (!m_collab || m_stage != Lost)
-        return;
-    m_collab->open(m_client->sockJSProtocols());
-    if (waitForChannel())
-        enterLesson();
-    else
-        attempt.fail();
+    PresenterCollab* collab = nullptr;
+    if (!m_client->doStartSession(QString()) || !m_client->startWebsocket(&collab) ||
+        m_client->sessionToken().isEmpty())
+        return false;
+    if (m_collab)
+        m_collab->deleteLater(); // the client has forgotten it, but would keep it
+    m_collab = collab;
+    connect(m_collab, &PresenterCollab::connectionClosed, this, [this] {
+        if (m_stage == Live) // else it is no news
+            setStage(Lost);
+    });
+    Q_EMIT channelMade(m_collab);
+    return true;
 }
 
 // That open() has returned does not mean that the channel is open: the service has yet to say so.
-bool Classroom::waitForChannel()
+bool Classroom::openChannel()
 {
-    if (!m_collab)
-        return false;
-    QEventLoop loop;
-    connect(m_collab->connector(), &SockJSConnector::connected, &loop, &QEventLoop::quit);
-    connect(m_collab, &QObject::destroyed, &loop, &QEventLoop::quit);
-    QTimer::singleShot(channelLimit, &loop, &QEventLoop::quit);
-    if (!m_collab->isConnected())
+    if (m_collab && m_stage == Lost)
+        m_collab->open(m_client->sockJSProtocols());
+    if (m_collab && !m_collab->isConnected()) {
+        QEventLoop loop;
+        connect(m_collab->connector(), &SockJSConnector::connected, &loop, &QEventLoop::quit);
+        connect(m_collab, &QObject::destroyed, &loop, &QEventLoop::quit);
+        QTimer::singleShot(channelLimit, &loop, &QEventLoop::quit);
         loop.exec();
+    }
     return m_collab && m_collab->isConnected();
 }
 
 // Who joined before the channel was open was not heard, and is asked for. Not at once: the service also lists
 // those whose own channel is not open yet, and who would miss a poll that goes out now.
-void Classroom::enterLesson()
-{
-    constexpr int patience = 2000; // ms
-    setStage(Live);
-    QTimer::singleShot(patience, m_collab, [this] { findEarlyLearners(); });
-}
-
 void Classroom::findEarlyLearners()
 {
     if (m_stage != Live || !m_client->doGetLearners() || !m_client)
         return;
     const QList<Learner> learners = m_client->learners();
     for (const Learner& learner : learners)
-        Q_EMIT learnerJoined(learner.deviceId, learner.userName, learner.deviceType);
+        Q_EMIT learnerFound(learner);
 }
 
 void Classroom::stopLesson()
 {
-    Attempt attempt(this, "The lesson did not end");
     if (!m_client)
         return;
-    if (m_collab)
-        m_collab->disconnect(this);
+    setStage(Ready);
     m_client->doStopSession(); // whatever the service answers, the lesson is over here
-    if (m_client)
-        setStage(Ready);
+}
+
+// Polls that are made within the same second have the same id, and a late answer to one would count for the
+// next.
+void Classroom::startPoll(PollType::POLL_TYPE type, OrdinalType::ORDINAL_TYPE ordinal, int options)
+{
+    constexpr int tick = 10; // ms
+    if (m_stage != Live || !m_collab)
+        return;
+    while (std::time(nullptr) == m_lastPoll)
+        QThread::msleep(tick); // the window goes on
+    m_collab->startPoll(type, ordinal, options, type == PollType::MULTIPLE ? 1 : 0);
+    m_lastPoll = std::time(nullptr);
+    const QString question = m_collab->currentQuestionId(); // words and drawings have none
+    Q_EMIT pollStarted(question.isEmpty() ? m_collab->currentPollId() : question);
 }
 
 void Classroom::giveUp()
 {
-    dropClient();
     setStage(LoggedOut);
-}
-
-void Classroom::shutDown()
-{
-    if (m_collab)
-        m_collab->disconnect(this);
-    if (m_client && m_client->isLoggedIn())
-        m_client->doLogout();
-    dropClient();
-    thread()->quit();
+    m_client.reset();
 }

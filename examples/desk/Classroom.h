@@ -1,86 +1,78 @@
 #pragma once
 
-#include "Failure.h"
-#include "PollKinds.h"
-
 #include <CalyxClient/PresenterClient>
 #include <CalyxClient/PresenterCollab>
 
-#include <QObject>
+#include <QElapsedTimer>
 #include <QPointer>
+#include <QThread>
 
 #include <ctime>
+#include <functional>
 #include <memory>
 
-/// The library's side of the desk.
+/// The library's side of the desk, on a thread of its own.
 ///
-/// It lives on a thread of its own: an operation of the library waits for the service, up to 10 seconds and
-/// without user input, and the window must not. Call its operations there; its signals may be connected from
-/// anywhere. After an operation that can take its time there comes finished().
+/// An operation of the library waits for the service, up to 10 seconds and without user input, and the window
+/// must not. So the window has tell() and begin() run the operations on the classroom's thread, and connects
+/// to the signals.
 class Classroom : public QObject
 {
     Q_OBJECT
 
 public:
-    enum Stage {
-        LoggedOut,
-        Ready, ///< logged in, no lesson
-        Live,  ///< a lesson whose channel is open
-        Lost   ///< a lesson whose channel has closed
-    };
+    /// Ready: logged in, no lesson. Live: a lesson whose channel is open. Lost: one whose channel has closed.
+    enum Stage { LoggedOut, Ready, Live, Lost };
     Q_ENUM(Stage)
 
     Classroom();
+    /// Ends what is open, which can take the service's time.
+    ~Classroom() override;
+
+    // For the window's thread: these go on at once.
+
+    /// Has the classroom do \p work on its thread.
+    void tell(const std::function<void(Classroom*)>& work);
+    /// The same with the channel of the lesson; nothing is done while none is open.
+    void tellChannel(const std::function<void(PresenterCollab*)>& work);
+    /// The same with what can take its time: busy(\p what) comes before it and busy(QString()) after it.
+    void begin(const QString& what, const std::function<void(Classroom*)>& work);
+
+    // For the classroom's thread.
 
     void logIn(const QString& server, const QString& user, const QString& password);
     void logOut();
-    void startLesson();
-    /// Opens the channel of the lesson again.
-    void reconnect();
+    /// Starts a lesson, or opens the channel of a lost one again.
+    void openLesson();
     void stopLesson();
     /// Drops the client, also while it waits: the operation that waits then returns.
     void giveUp();
-    /// Ends what is open, and then the thread.
-    void shutDown();
-
-    void startPoll(const PollKind& kind, int options);
-    void stopPoll();
-    void setPaused(bool paused);
-    void showCard(const QByteArray& png);
-    /// Covers the learners' devices with a text until they are unlocked, or a poll starts.
-    void setLocked(bool locked);
-    /// The channel of the lesson; null while it is not open.
-    PresenterCollab* live() const { return m_stage == Live ? m_collab.data() : nullptr; }
+    void startPoll(Calyx::PollType::POLL_TYPE type, Calyx::OrdinalType::ORDINAL_TYPE ordinal, int options);
 
 Q_SIGNALS:
+    void busy(const QString& what);
+    void failed(const QString& what, const QString& advice);
+    void news(const QString& text);
     void stageChanged(Classroom::Stage stage, const QString& sessionCode);
-    void failed(const Failure& failure);
-    void finished();
-    void learnerJoined(const QString& deviceId, const QString& name, const QString& deviceType);
-    void learnerLeft(const QString& deviceId);
+    /// There is a new channel: the time to connect to its signals. Emitted on the classroom's thread, so that
+    /// none is missed: take a direct connection.
+    void channelMade(PresenterCollab* channel);
+    /// Learners who are here, but have not been heard to join.
+    void learnerFound(const Calyx::Learner& learner);
     /// Its answers come with \p answerId.
     void pollStarted(const QString& answerId);
-    void pollStopped();
-    void pollPaused(bool isPaused);
-    void answered(const QString& deviceId, const QString& answerId, const QString& answer);
-    void cardShown();
-    void remoteLeft();
-    void remoteCommand(const QString& type, const QVariant& data);
 
 private:
-    class Attempt;
-
     void setStage(Stage stage);
-    void listen();
-    void showLock(const QString& deviceId);
-    bool waitForChannel();
-    void enterLesson();
+    void explain(const QString& what);
+    bool startSession();
+    bool openChannel();
     void findEarlyLearners();
-    void dropClient();
 
+    QThread m_thread;
     std::unique_ptr<PresenterClient> m_client;
     QPointer<PresenterCollab> m_collab; // the client's
+    QElapsedTimer m_clock;              // since the operation has begun
     std::time_t m_lastPoll = 0;
     Stage m_stage = LoggedOut;
-    bool m_isLocked = false;
 };

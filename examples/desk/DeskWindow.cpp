@@ -1,194 +1,121 @@
 #include "DeskWindow.h"
 
-#include "CardDeck.h"
-#include "LearnerList.h"
 #include "LessonPage.h"
-#include "LoginPage.h"
-#include "Notice.h"
-#include "PollPanel.h"
-#include "RemoteControl.h"
-#include "Theme.h"
 
-#include <QLabel>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QStackedWidget>
-#include <QStatusBar>
-#include <QVBoxLayout>
+// Most colours are the system's, be they dark or light.
+static const char look[] = R"(
+QGroupBox { font-weight: bold; background: palette(base); border: 1px solid palette(mid); border-radius: 6px; margin-top: 22px; padding: 8px; }
+QGroupBox > * { font-weight: normal; }
+QGroupBox::title { subcontrol-origin: margin; left: 2px; }
+QGroupBox QListWidget, QGroupBox QGraphicsView { border: 0; background: palette(base); }
+#notice { padding: 8px; background: #fdf1f0; border: 1px solid #e3b0ab; border-radius: 6px; }
+#notice QLabel { color: #6d1f18; }
+)";
 
-#include <functional>
-
-DeskWindow::DeskWindow(const QString& server)
-    : m_classroom(new Classroom)
-    , m_login(new LoginPage(server))
-    , m_lesson(new LessonPage)
-    , m_remote(new RemoteControl(this, m_lesson->cards(), m_lesson->poll()))
+DeskWindow::DeskWindow(const QString& server) : m_lesson(new LessonPage(&m_classroom))
 {
-    layOut();
-    connectPages();
-    connectClassroom();
-    connectRemote();
-    m_classroom->moveToThread(&m_thread);
-    connect(&m_thread, &QThread::finished, m_classroom, &QObject::deleteLater);
-    m_thread.start();
-    m_login->takeFocus();
-}
-
-DeskWindow::~DeskWindow()
-{
-    m_classroom->disconnect(this);
-    tell(&Classroom::shutDown);
-    m_thread.wait();
-}
-
-void DeskWindow::layOut()
-{
-    setWindowTitle(QStringLiteral("Desk"));
+    setWindowTitle(tr("Desk"));
+    setStyleSheet(QLatin1String(look));
     resize(1180, 720);
-    m_notice = new Notice;
-    m_pages = new QStackedWidget;
-    m_pages->addWidget(m_login);
+    m_server->setText(server);
+    m_pages->addWidget(makeLogin());
     m_pages->addWidget(m_lesson);
-    auto* content = new QWidget;
-    auto* box = new QVBoxLayout(content);
-    box->setContentsMargins(16, 16, 16, 0);
-    box->setSpacing(12);
-    box->addWidget(m_notice);
-    box->addWidget(m_pages, 1);
-    setCentralWidget(content);
-
-    m_progress = new QProgressBar;
-    m_progress->setRange(0, 0);
-    m_progress->setTextVisible(false);
-    m_progress->setFixedSize(160, 12);
-    Theme::describe(m_progress, QStringLiteral("Progress"), QString());
-    m_cancel = Theme::button(QStringLiteral("&Cancel"), QStringLiteral("Do not wait any longer"));
-    statusBar()->setSizeGripEnabled(false);
-    statusBar()->setContentsMargins(10, 2, 10, 6);
-    m_message = Theme::caption(QString());
-    statusBar()->addWidget(m_message, 1);
+    auto* close = button(tr("&Dismiss"), tr("Close this message"));
+    arrange(m_notice, QBoxLayout::LeftToRight, {m_noticeText, close});
+    m_notice->setObjectName(QStringLiteral("notice"));
+    m_notice->hide();
+    m_noticeText->setWordWrap(true);
+    m_noticeText->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    setContentsMargins(12, 12, 12, 4);
+    setCentralWidget(arrange(new QWidget, QBoxLayout::TopToBottom, {m_notice, m_pages}));
+    m_progress->setRange(0, 0); // nobody knows how long it takes
+    m_progress->setMaximumWidth(160);
+    m_progress->setAccessibleName(tr("Progress"));
     statusBar()->addPermanentWidget(m_progress);
     statusBar()->addPermanentWidget(m_cancel);
+
+    connect(close, &QPushButton::clicked, m_notice, &QWidget::hide);
+    connect(m_cancel, &QPushButton::clicked, &m_classroom, &Classroom::giveUp);
+    connect(&m_classroom, &Classroom::busy, this, &DeskWindow::setBusy);
+    connect(&m_classroom, &Classroom::failed, this, &DeskWindow::showFailure);
+    connect(&m_classroom, &Classroom::news, this,
+            [this](const QString& text) { statusBar()->showMessage(text); });
+    connect(&m_classroom, &Classroom::stageChanged, this, &DeskWindow::setStage);
     setBusy(QString());
 }
 
-template<typename Operation>
-void DeskWindow::tell(Operation operation)
+QWidget* DeskWindow::makeLogin()
 {
-    Classroom* const classroom = m_classroom;
-    QMetaObject::invokeMethod(
-        classroom, [classroom, operation] { std::invoke(operation, classroom); }, Qt::QueuedConnection);
+    auto* box = new QGroupBox(tr("Log in to your classroom"));
+    auto* form = new QFormLayout(box);
+    form->addRow(tr("&Service"), m_server);
+    form->addRow(tr("&User name"), m_user);
+    form->addRow(tr("&Password"), m_password);
+    form->addRow(m_logIn);
+    box->setMinimumWidth(400);
+    m_server->setPlaceholderText(QStringLiteral("https://classroom.example"));
+    m_password->setEchoMode(QLineEdit::Password);
+    for (QLineEdit* edit : {m_server, m_user, m_password}) {
+        connect(edit, &QLineEdit::textChanged, this, &DeskWindow::refreshLogin);
+        connect(edit, &QLineEdit::returnPressed, m_logIn, &QPushButton::click);
+    }
+    connect(m_logIn, &QPushButton::clicked, this, &DeskWindow::logIn);
+    auto* page = new QWidget;
+    (new QGridLayout(page))->addWidget(box, 0, 0, Qt::AlignCenter);
+    return page;
 }
 
-template<typename Operation>
-void DeskWindow::begin(const QString& what, Operation operation)
+void DeskWindow::logIn()
 {
-    m_notice->hide();
-    setBusy(what);
-    tell(operation);
+    QString server = m_server->text().trimmed();
+    if (!server.contains(QLatin1String("://"))) // people leave that out
+        server.prepend(QLatin1String("https://"));
+    m_classroom.begin(tr("Logging in to %1\u2026").arg(server),
+                      [server, user = m_user->text(), password = m_password->text()](Classroom* classroom) {
+                          classroom->logIn(server, user, password);
+                      });
+}
+
+void DeskWindow::refreshLogin()
+{
+    QLineEdit* missing = nullptr;
+    for (QLineEdit* edit : {m_password, m_user, m_server}) {
+        if (edit->text().trimmed().isEmpty())
+            missing = edit;
+    }
+    m_pages->widget(0)->setFocusProxy(missing ? missing : m_password);
+    allow(m_logIn,
+          {m_busy, missing ? tr("Fill in the service, your user name and your password first.") : QString()});
+}
+
+void DeskWindow::showFailure(const QString& what, const QString& advice)
+{
+    m_noticeText->setText(tr("<b>%1</b>%2").arg(what.toHtmlEscaped(), Qt::convertFromPlainText(advice)));
+    m_notice->show();
+    QAccessibleEvent alert(m_noticeText, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
+}
+
+void DeskWindow::setStage(Classroom::Stage stage)
+{
+    m_pages->setCurrentIndex(stage == Classroom::LoggedOut ? 0 : 1);
+    if (stage == Classroom::Ready)
+        m_password->clear();
+    if (stage == Classroom::Lost)
+        showFailure(tr("The connection to the lesson is lost"),
+                    tr("The lesson goes on without you: reconnect to take it up again."));
 }
 
 void DeskWindow::setBusy(const QString& what)
 {
-    m_progress->setVisible(!what.isEmpty());
-    m_progress->setAccessibleDescription(what);
-    m_cancel->setVisible(!what.isEmpty());
-    m_message->setText(what);
-    m_login->setBusy(what);
-    m_lesson->setBusy(what);
-    if (!what.isEmpty())
-        m_cancel->setFocus();
-}
-
-void DeskWindow::connectPages()
-{
-    connect(m_login, &LoginPage::logIn, this,
-            [this](const QString& server, const QString& user, const QString& password) {
-                begin(QStringLiteral("Logging in to %1\u2026").arg(server),
-                      [=](Classroom* classroom) { classroom->logIn(server, user, password); });
-            });
-    connect(m_lesson, &LessonPage::startLesson, this,
-            [this] { begin(QStringLiteral("Starting the lesson\u2026"), &Classroom::startLesson); });
-    connect(m_lesson, &LessonPage::reconnect, this,
-            [this] { begin(QStringLiteral("Reconnecting\u2026"), &Classroom::reconnect); });
-    connect(m_lesson, &LessonPage::endLesson, this, &DeskWindow::endLesson);
-    connect(m_lesson, &LessonPage::logOut, this,
-            [this] { begin(QStringLiteral("Logging out\u2026"), &Classroom::logOut); });
-    PollPanel* const poll = m_lesson->poll();
-    connect(poll, &PollPanel::start, this, [this](const PollKind& kind, int options) {
-        tell([=](Classroom* classroom) { classroom->startPoll(kind, options); });
-    });
-    connect(poll, &PollPanel::pause, this,
-            [this](bool isToPause) { tell([=](Classroom* classroom) { classroom->setPaused(isToPause); }); });
-    connect(poll, &PollPanel::stop, this, [this] { tell(&Classroom::stopPoll); });
-    CardDeck* const cards = m_lesson->cards();
-    connect(cards, &CardDeck::cardToShow, this, [this](const QByteArray& png) {
-        m_message->setText(QStringLiteral("Showing the card\u2026"));
-        tell([=](Classroom* classroom) { classroom->showCard(png); });
-    });
-    connect(cards, &CardDeck::refused, this, [this](const QString& name, const QString& reason) {
-        m_notice->show({name + QStringLiteral(" cannot be a card"), QString(), reason});
-    });
-    connect(m_cancel, &QPushButton::clicked, this, [this] { tell(&Classroom::giveUp); });
-}
-
-void DeskWindow::connectClassroom()
-{
-    PollPanel* const poll = m_lesson->poll();
-    connect(m_classroom, &Classroom::finished, this, &DeskWindow::onFinished);
-    connect(m_classroom, &Classroom::failed, m_notice, &Notice::show);
-    connect(m_classroom, &Classroom::stageChanged, this, &DeskWindow::onStage);
-    connect(m_classroom, &Classroom::learnerJoined, m_lesson->learners(), &LearnerList::join);
-    connect(m_classroom, &Classroom::learnerLeft, m_lesson->learners(), &LearnerList::leave);
-    connect(m_classroom, &Classroom::pollStarted, poll, &PollPanel::onStarted);
-    connect(m_classroom, &Classroom::pollStopped, poll, &PollPanel::onStopped);
-    connect(m_classroom, &Classroom::pollPaused, poll, &PollPanel::onPaused);
-    connect(m_classroom, &Classroom::answered, poll, &PollPanel::onAnswer);
-    connect(m_classroom, &Classroom::cardShown, this,
-            [this] { m_message->setText(QStringLiteral("The learners have the card.")); });
-}
-
-void DeskWindow::endLesson()
-{
-    begin(QStringLiteral("Ending the lesson\u2026"), &Classroom::stopLesson);
-}
-
-void DeskWindow::onFinished()
-{
-    setBusy(QString());
-    if (m_stage == Classroom::LoggedOut)
-        m_login->takeFocus();
-    else
-        m_lesson->takeFocus();
-}
-
-void DeskWindow::onStage(Classroom::Stage stage, const QString& code)
-{
-    m_stage = stage;
-    if (stage == Classroom::Ready)
-        m_login->forgetPassword();
-    if (stage == Classroom::Lost)
-        m_notice->show({QStringLiteral("The connection to the lesson is lost"), QString(),
-                        QStringLiteral("The lesson goes on without you: reconnect to take it up again.")});
-    m_pages->setCurrentIndex(stage == Classroom::LoggedOut ? 0 : 1);
-    m_lesson->setStage(stage, code);
-}
-
-void DeskWindow::connectRemote()
-{
-    connect(m_classroom, &Classroom::remoteCommand, m_remote, &RemoteControl::obey);
-    connect(m_classroom, &Classroom::remoteLeft, this,
-            [this] { m_lesson->showRemote(QStringLiteral("It has left.")); });
-    connect(m_remote, &RemoteControl::heard, this, [this](const QString& words) {
-        m_lesson->showRemote(QStringLiteral("Its last command: ") + words);
-    });
-    connect(m_remote, &RemoteControl::wantsToEndTheLesson, this, &DeskWindow::endLesson);
-    connect(m_remote, &RemoteControl::wantsToLock, this,
-            [this](bool isToLock) { tell([=](Classroom* classroom) { classroom->setLocked(isToLock); }); });
-    connect(m_remote, &RemoteControl::replies, this, [this](const RemoteControl::Reply& reply) {
-        tell([=](Classroom* classroom) {
-            if (classroom->live())
-                reply(classroom->live());
-        });
-    });
+    const bool isBusy = !what.isEmpty();
+    m_busy = what;
+    statusBar()->showMessage(what);
+    m_progress->setVisible(isBusy);
+    m_cancel->setVisible(isBusy);
+    refreshLogin();
+    if (isBusy)
+        m_notice->hide();
+    // By Tab a field's text is selected: one types over a wrong password.
+    (isBusy ? m_cancel : m_pages->currentWidget())->setFocus(Qt::TabFocusReason);
 }

@@ -1,54 +1,36 @@
 #pragma once
 
 #include "Classroom.h"
-
-#include <QMainWindow>
-#include <QThread>
+#include "Controls.h"
 
 class LessonPage;
-class LoginPage;
-class Notice;
-class RemoteControl;
-class QLabel;
-class QProgressBar;
-class QPushButton;
-class QStackedWidget;
 
-/// The desk's window: brings the pages and the classroom, which is on another thread, together.
+/// The desk's window: the page to log in, that of the lesson, what went wrong, and what is going on.
 class DeskWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
     explicit DeskWindow(const QString& server = QString());
-    /// Ends the lesson and logs out, which can take the service's time; the window is gone by then.
-    ~DeskWindow() override;
 
 private:
-    void layOut();
-    void connectPages();
-    void connectClassroom();
-    /// Has the classroom do \p operation, and goes on.
-    template<typename Operation>
-    void tell(Operation operation);
-    /// The same for what can take its time and ends with finished(); shows \p what meanwhile.
-    template<typename Operation>
-    void begin(const QString& what, Operation operation);
+    QWidget* makeLogin();
+    void logIn();
+    void refreshLogin();
+    void showFailure(const QString& what, const QString& advice);
+    void setStage(Classroom::Stage stage);
     void setBusy(const QString& what);
-    void onStage(Classroom::Stage stage, const QString& code);
-    void endLesson();
-    void onFinished();
-    void connectRemote();
 
-    QThread m_thread;
-    Classroom* m_classroom;
-    Classroom::Stage m_stage = Classroom::LoggedOut;
-    LoginPage* m_login;
+    Classroom m_classroom;
+    QString m_busy;
+    QLineEdit* m_server = described(new QLineEdit, tr("The address of the classroom service"));
+    QLineEdit* m_user = described(new QLineEdit, tr("Your name at the service"));
+    QLineEdit* m_password = described(new QLineEdit, tr("Your password there"));
+    QPushButton* m_logIn = button(tr("&Log in"), tr("Log in to the service"));
     LessonPage* m_lesson;
-    RemoteControl* m_remote;
-    QStackedWidget* m_pages;
-    Notice* m_notice;
-    QLabel* m_message;
-    QProgressBar* m_progress;
-    QPushButton* m_cancel;
+    QStackedWidget* m_pages = new QStackedWidget;
+    QFrame* m_notice = new QFrame;
+    QLabel* m_noticeText = new QLabel;
+    QProgressBar* m_progress = new QProgressBar;
+    QPushButton* m_cancel = button(tr("&Cancel"), tr("Do not wait any longer"));
 };

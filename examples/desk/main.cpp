@@ -1,5 +1,4 @@
 #include "DeskWindow.h"
-#include "Theme.h"
 
 #include <QApplication>
 #include <QLoggingCategory>
@@ -10,7 +9,6 @@ int main(int argc, char** argv)
     // The library writes down every message that comes and goes.
     QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
     QApplication application(argc, argv);
-    Theme::apply(application);
     DeskWindow window(QApplication::arguments().value(1));
     window.show();
     return QApplication::exec();

@@ -25,6 +25,21 @@ void DeskRobot::close()
     m_window.reset();
 }
 
+// A combo box tells its value for its name, unless it has been given one.
+QString DeskRobot::told(QWidget* control, QAccessible::Text what)
+{
+    if (what == QAccessible::Name && !control->accessibleName().isEmpty())
+        return control->accessibleName();
+    QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(control);
+    return told ? told->text(what) : QString();
+}
+
+bool DeskRobot::isForAnother(const QWidget* widget)
+{
+    const auto* label = qobject_cast<const QLabel*>(widget);
+    return label && label->buddy();
+}
+
 bool DeskRobot::awaits(const char* name) const
 {
     return QTest::qWaitFor(
@@ -58,10 +73,10 @@ void DeskRobot::press(Qt::Key key)
 QString DeskRobot::text() const
 {
     QStringList texts;
-    const QList<QLabel*> labels = m_window->findChildren<QLabel*>();
-    for (const QLabel* label : labels) {
-        if (label->isVisible())
-            texts.append(label->text());
+    const QList<QWidget*> widgets = m_window->findChildren<QWidget*>();
+    for (QWidget* widget : widgets) {
+        if (widget->isVisible() && (widget->inherits("QLabel") || widget->inherits("QGroupBox")))
+            texts.append(told(widget, QAccessible::Name));
     }
     return texts.join(QLatin1Char('\n'));
 }
@@ -84,7 +99,5 @@ QString DeskRobot::startLesson()
 {
     if (!logIn() || !click("Start lesson") || !awaits("Start poll"))
         return QString();
-    return QRegularExpression(QStringLiteral("^\\d{6}$"), QRegularExpression::MultilineOption)
-        .match(text())
-        .captured();
+    return QRegularExpression(QStringLiteral("\\b\\d{6}\\b")).match(text()).captured();
 }

@@ -2,6 +2,7 @@
 
 #include "DeskWindow.h"
 
+#include <QAccessible>
 #include <QTest>
 #include <QWidget>
 
@@ -17,13 +18,16 @@ public:
     /// Closes the window as the window manager does, and ends what belongs to it.
     void close();
 
+    /// What a screen reader is told of \p control.
+    static QString told(QWidget* control, QAccessible::Text what);
     /// The visible control called \p name; null when there is none.
     template<typename Control = QWidget>
     Control* find(const char* name) const
     {
         const QList<Control*> controls = m_window->findChildren<Control*>();
         for (Control* control : controls) {
-            if (control->isVisible() && control->accessibleName() == QLatin1String(name))
+            if (control->isVisible() && !isForAnother(control) &&
+                told(control, QAccessible::Name) == QString::fromUtf8(name))
                 return control;
         }
         return nullptr;
@@ -36,7 +40,7 @@ public:
     /// Alt and the letter.
     void press(Qt::Key key);
 
-    /// All that the visible labels say.
+    /// All that the visible labels and headings say.
     QString text() const;
     bool reads(const QString& text) const;
 
@@ -45,5 +49,8 @@ public:
     QString startLesson();
 
 private:
+    /// Whether it is the label of a control, and so has that one's name.
+    static bool isForAnother(const QWidget* widget);
+
     std::unique_ptr<DeskWindow> m_window;
 };

@@ -1,4 +1,4 @@
-#include "PollKinds.h"
+#include "Tally.h"
 
 #include <QTest>
 
@@ -14,7 +14,7 @@ QString text(const Tally& tally, int most = 10)
 
 const PollKind& kind(Calyx::PollType::POLL_TYPE type)
 {
-    for (const PollKind& one : PollKinds::all()) {
+    for (const PollKind& one : PollKind::all()) {
         if (one.type == type)
             return one;
     }
@@ -30,19 +30,19 @@ class tst_Tally : public QObject
 private Q_SLOTS:
     void offersEveryKindOnce()
     {
-        QCOMPARE(PollKinds::all().size(), Calyx::PollType::POLL_TYPE_STR().size());
+        QCOMPARE(PollKind::all().size(), Calyx::PollType::POLL_TYPE_STR().size());
         for (const auto type : Calyx::PollType::POLL_TYPE_STR().keys())
             QCOMPARE(kind(type).type, type);
     }
 
     void showsOptionsThatNobodyChose()
     {
-        QCOMPARE(text(PollKinds::tally(kind(Calyx::PollType::MULTIPLE), 3)), QStringLiteral("A=0 B=0 C=0"));
+        QCOMPARE(text(Tally(kind(Calyx::PollType::MULTIPLE), 3)), QStringLiteral("A=0 B=0 C=0"));
     }
 
     void countsTheLastAnswerOfADevice()
     {
-        Tally tally = PollKinds::tally(kind(Calyx::PollType::MULTIPLE), 2);
+        Tally tally(kind(Calyx::PollType::MULTIPLE), 2);
         tally.add(QStringLiteral("one"), QStringLiteral("A"));
         tally.add(QStringLiteral("one"), QStringLiteral("B"));
         QCOMPARE(tally.answered(), 1);
@@ -51,7 +51,7 @@ private Q_SLOTS:
 
     void countsEachOptionOfAnAnswer()
     {
-        Tally tally = PollKinds::tally(kind(Calyx::PollType::MULTIPLE), 3);
+        Tally tally(kind(Calyx::PollType::MULTIPLE), 3);
         tally.add(QStringLiteral("one"), QStringLiteral("AC"));
         tally.add(QStringLiteral("two"), QStringLiteral("C"));
         QCOMPARE(text(tally), QStringLiteral("A=1 B=0 C=2"));
@@ -59,7 +59,7 @@ private Q_SLOTS:
 
     void knowsOptionsByIdAndByText()
     {
-        Tally tally = PollKinds::tally(kind(Calyx::PollType::TRUE_FALSE), 2);
+        Tally tally(kind(Calyx::PollType::TRUE_FALSE), 2);
         tally.add(QStringLiteral("one"), QStringLiteral("A"));
         tally.add(QStringLiteral("two"), QStringLiteral("TRUE"));
         QCOMPARE(text(tally), QStringLiteral("True=2 False=0"));
@@ -67,7 +67,7 @@ private Q_SLOTS:
 
     void keepsAnAnswerThatIsNoOption()
     {
-        Tally tally = PollKinds::tally(kind(Calyx::PollType::MULTIPLE), 2);
+        Tally tally(kind(Calyx::PollType::MULTIPLE), 2);
         tally.add(QStringLiteral("one"), QStringLiteral("A?"));
         tally.add(QStringLiteral("two"), QString());
         QCOMPARE(text(tally), QStringLiteral("A=0 B=0 (empty)=1 A?=1"));
@@ -75,7 +75,7 @@ private Q_SLOTS:
 
     void countsAnOrderAsAWhole()
     {
-        Tally tally = PollKinds::tally(kind(Calyx::PollType::SORT), 2);
+        Tally tally(kind(Calyx::PollType::SORT), 2);
         tally.add(QStringLiteral("one"), QStringLiteral("BA"));
         tally.add(QStringLiteral("two"), QStringLiteral("BA"));
         QCOMPARE(text(tally), QStringLiteral("BA=2"));
@@ -83,7 +83,7 @@ private Q_SLOTS:
 
     void putsTheMostFrequentFirstAndTheRestTogether()
     {
-        Tally tally = PollKinds::tally(kind(Calyx::PollType::TEXT), 0);
+        Tally tally(kind(Calyx::PollType::TEXT), 0);
         const QStringList words = {QStringLiteral("light"), QStringLiteral("water"), QStringLiteral("air"),
                                    QStringLiteral("water"), QStringLiteral("soil")};
         for (int i = 0; i < words.size(); ++i)
