@@ -10,7 +10,11 @@ CardDeck::CardDeck(Classroom* classroom) : m_classroom(classroom)
     auto* add = button(tr("&Add picture\u2026"), tr("Add a picture from a file"));
     arrange(this, QBoxLayout::TopToBottom,
             {m_list, new QLabel(tr("Pictures can be dropped here.")), add, m_show});
-    connect(add, &QPushButton::clicked, this, &CardDeck::chooseFiles);
+    connect(add, &QPushButton::clicked, this, [this] {
+        const QByteArray formats = QImageReader::supportedImageFormats().join(" *.");
+        const QString filter = tr("Pictures (*.%1)").arg(QLatin1String(formats));
+        addFiles(QFileDialog::getOpenFileUrls(this, tr("Add a picture"), QUrl(), filter));
+    });
     connect(m_show, &QPushButton::clicked, this, [this] {
         const QByteArray png = m_list->currentItem()->data(Qt::UserRole).toByteArray();
         m_classroom->tellChannel([=](PresenterCollab* channel) {
@@ -26,21 +30,10 @@ CardDeck::CardDeck(Classroom* classroom) : m_classroom(classroom)
     });
 }
 
-void CardDeck::chooseFiles()
+void CardDeck::addFiles(const QList<QUrl>& urls)
 {
-    const QByteArray patterns = "*." + QImageReader::supportedImageFormats().join(" *.");
-    auto* dialog = new QFileDialog(this, tr("Add a picture"));
-    dialog->setNameFilter(tr("Pictures (%1)").arg(QLatin1String(patterns)));
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setFileMode(QFileDialog::ExistingFiles);
-    connect(dialog, &QFileDialog::filesSelected, this, &CardDeck::addFiles);
-    dialog->open();
-}
-
-void CardDeck::addFiles(const QStringList& paths)
-{
-    for (const QString& path : paths)
-        add(QFileInfo(path).fileName(), std::make_shared<QFile>(path));
+    for (const QUrl& url : urls)
+        add(url.fileName(), std::make_shared<QFile>(url.toLocalFile()));
 }
 
 // A large picture takes its time: not on the window's thread.
@@ -104,7 +97,5 @@ void CardDeck::dragEnterEvent(QDragEnterEvent* event)
 void CardDeck::dropEvent(QDropEvent* event)
 {
     event->acceptProposedAction();
-    const QList<QUrl> urls = event->mimeData()->urls();
-    for (const QUrl& url : urls)
-        addFiles({url.toLocalFile()});
+    addFiles(event->mimeData()->urls());
 }

@@ -27,8 +27,7 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
-    void chooseFiles();
-    void addFiles(const QStringList& paths);
+    void addFiles(const QList<QUrl>& urls);
 
     Classroom* m_classroom;
     QString m_whyNoShow;

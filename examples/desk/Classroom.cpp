@@ -196,14 +196,14 @@ void Classroom::stopLesson()
 
 // Polls that are made within the same second have the same id, and a late answer to one would count for the
 // next.
-void Classroom::startPoll(PollType::POLL_TYPE type, OrdinalType::ORDINAL_TYPE ordinal, int options)
+void Classroom::startPoll(const PollKind& kind, int options)
 {
     constexpr int tick = 10; // ms
     if (m_stage != Live || !m_collab)
         return;
     while (std::time(nullptr) == m_lastPoll)
         QThread::msleep(tick); // the window goes on
-    m_collab->startPoll(type, ordinal, options, type == PollType::MULTIPLE ? 1 : 0);
+    m_collab->startPoll(kind.type, kind.ordinal, options, kind.type == PollType::MULTIPLE ? 1 : 0);
     m_lastPoll = std::time(nullptr);
     const QString question = m_collab->currentQuestionId(); // words and drawings have none
     Q_EMIT pollStarted(question.isEmpty() ? m_collab->currentPollId() : question);

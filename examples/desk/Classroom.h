@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Tally.h"
+
 #include <CalyxClient/PresenterClient>
 #include <CalyxClient/PresenterCollab>
 
@@ -47,7 +49,7 @@ public:
     void stopLesson();
     /// Drops the client, also while it waits: the operation that waits then returns.
     void giveUp();
-    void startPoll(Calyx::PollType::POLL_TYPE type, Calyx::OrdinalType::ORDINAL_TYPE ordinal, int options);
+    void startPoll(const PollKind& kind, int options);
 
 Q_SIGNALS:
     void busy(const QString& what);

@@ -5,13 +5,21 @@
 // Qt tells screen readers the text of a button, or the label of a field, as its name. Lists and combo boxes
 // need an accessible name of their own.
 
+/// Disables \p control when there is a reason, and says the first of them where it else says what it does.
+inline void allow(QWidget* control, QStringList whyNot)
+{
+    whyNot.removeAll(QString());
+    control->setEnabled(whyNot.isEmpty());
+    control->setToolTip(whyNot.value(0, control->whatsThis()));
+    control->setAccessibleDescription(control->toolTip());
+}
+
 /// Says what \p control does, for as long as it can be used.
 template<typename Control>
 Control* described(Control* control, const QString& tip)
 {
     control->setWhatsThis(tip);
-    control->setToolTip(tip);
-    control->setAccessibleDescription(tip);
+    allow(control, {});
     return control;
 }
 
@@ -20,15 +28,6 @@ inline QPushButton* button(const QString& text, const QString& tip)
     auto* button = new QPushButton(text);
     button->setAutoDefault(true); // Enter presses it where it has the focus
     return described(button, tip);
-}
-
-/// Disables \p control when there is a reason, and says the first of them where it else says what it does.
-inline void allow(QWidget* control, QStringList whyNot)
-{
-    whyNot.removeAll(QString());
-    control->setEnabled(whyNot.isEmpty());
-    control->setToolTip(whyNot.value(0, control->whatsThis()));
-    control->setAccessibleDescription(control->toolTip());
 }
 
 /// Lays \p widgets out in \p parent, and returns it.

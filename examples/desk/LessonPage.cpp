@@ -142,7 +142,7 @@ void LessonPage::startPoll()
     m_isLocked = false; // the question takes the place of the text
     for (QListWidgetItem* learner : qAsConst(m_learners))
         learner->setCheckState(Qt::Unchecked);
-    m_classroom->tell([=](Classroom* classroom) { classroom->startPoll(kind.type, kind.ordinal, options); });
+    m_classroom->tell([=](Classroom* classroom) { classroom->startPoll(kind, options); });
     m_poll = Running;
     refresh();
     m_pause->setFocus(); // the button that was pressed is disabled now
