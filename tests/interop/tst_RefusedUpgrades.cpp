@@ -40,6 +40,8 @@ private Q_SLOTS:
 private:
     void addRows(const QStringList& upgrades);
     QByteArray start(Peer* bus);
+    void duringTheWait(const Peer* bus, Host* host, const std::function<void()>& action);
+    void verifyOnlySession(const Peer& bus, Host* host, const QString& transport);
 };
 
 namespace {
@@ -76,19 +78,37 @@ QByteArray TestRefusedUpgrades::start(Peer* bus)
     return bus->start();
 }
 
+// Has \p action run while the host waits for what becomes of its upgrade: with an answer to come, before
+// that; without one, when the server has had the upgrade for sure.
+void TestRefusedUpgrades::duringTheWait(const Peer* bus, Host* host, const std::function<void()>& action)
+{
+    QFETCH(QString, upgrade);
+    if (upgrade == QLatin1String("silence"))
+        onUpgrade(bus, host, action);
+    else
+        QTimer::singleShot(0, host, action);
+}
+
+// What \p host has open works, goes over \p transport, is the one session that there has been, and ends once.
+void TestRefusedUpgrades::verifyOnlySession(const Peer& bus, Host* host, const QString& transport)
+{
+    QVERIFY2(host->receiveNumbers(100), qPrintable(host->numbers().fault()));
+    QCOMPARE(bus.lines(QStringLiteral("open ")),
+             {QStringLiteral("open %1 %2").arg(host->connector()->sessionId(), transport)});
+    QCOMPARE(host->closed(), 0);
+    QVERIFY(host->close());
+    QCOMPARE(host->connected(), 1);
+}
+
 void TestRefusedUpgrades::nextTransportComesUp()
 {
     Peer bus;
     VERIFY_STARTED(start(&bus));
     Host host(bus.url());
     QVERIFY(host.open(webSocketThenStreaming));
-    const QString id = host.connector()->sessionId();
-    QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
-    QCOMPARE(bus.lines(QStringLiteral("open ")), {QStringLiteral("open %1 xhr-streaming").arg(id)});
-    QCOMPARE(bus.lines(QStringLiteral("upgrade ")), {QStringLiteral("upgrade ") + id});
-    QCOMPARE(host.closed(), 0);
-    QVERIFY(host.close());
-    QCOMPARE(host.connected(), 1);
+    verifyOnlySession(bus, &host, Transport::streaming);
+    QCOMPARE(bus.lines(QStringLiteral("upgrade ")),
+             {QStringLiteral("upgrade ") + host.connector()->sessionId()});
 }
 
 void TestRefusedUpgrades::withoutAnotherTransportNothingFollows()
@@ -100,9 +120,7 @@ void TestRefusedUpgrades::withoutAnotherTransportNothingFollows()
     QVERIFY(!host.collab()->isConnected());
     QCOMPARE(bus.count(QStringLiteral("upgrade ")), 1);
     QVERIFY(host.open(Transport::polling));
-    QCOMPARE(host.connected(), 1);
-    QCOMPARE(host.closed(), 0);
-    QVERIFY(host.close());
+    verifyOnlySession(bus, &host, Transport::polling);
 }
 
 void TestRefusedUpgrades::openLimitEndsTheWait()
@@ -112,12 +130,7 @@ void TestRefusedUpgrades::openLimitEndsTheWait()
     Host host(bus.url());
     host.connector()->setOpenLimit(500);
     QVERIFY(host.open(webSocketThenStreaming));
-    QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
-    QCOMPARE(bus.count(QStringLiteral("open ")), 1);
-    QVERIFY(bus.lines(QStringLiteral("open ")).at(0).endsWith(Transport::streaming));
-    QCOMPARE(host.connected(), 1);
-    QCOMPARE(host.closed(), 0);
-    QVERIFY(host.close());
+    verifyOnlySession(bus, &host, Transport::streaming);
 }
 
 // Whatever stands next in the list, and in the same session.
@@ -127,67 +140,40 @@ void TestRefusedUpgrades::droppedBeforeOpenFrameGoesOnByPolling()
     VERIFY_STARTED(start(&bus));
     Host host(bus.url());
     QVERIFY(host.open(webSocketThenStreaming));
-    const QString id = host.connector()->sessionId();
-    QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
-    QCOMPARE(bus.lines(QStringLiteral("open ")), {QStringLiteral("open %1 xhr-polling").arg(id)});
-    QCOMPARE(bus.lines(QStringLiteral("upgrade ")), {QStringLiteral("upgrade ") + id});
-    QCOMPARE(host.closed(), 0);
-    QVERIFY(host.close());
-    QCOMPARE(host.connected(), 1);
+    verifyOnlySession(bus, &host, Transport::polling);
+    QCOMPARE(bus.lines(QStringLiteral("upgrade ")),
+             {QStringLiteral("upgrade ") + host.connector()->sessionId()});
 }
 
 void TestRefusedUpgrades::closeDuringTheWaitEndsIt()
 {
-    QFETCH(QString, upgrade);
     Peer bus;
     VERIFY_STARTED(start(&bus));
     Host host(bus.url());
-    // With an answer to come, before that; without one, when the server has had the upgrade for sure.
-    if (upgrade == QLatin1String("silence"))
-        onUpgrade(&bus, &host, [&] { host.connector()->close(); });
-    else
-        QTimer::singleShot(0, &host, [&] { host.connector()->close(); });
+    duringTheWait(&bus, &host, [&] { host.connector()->close(); });
     QVERIFY(host.tryOpen(webSocketThenStreaming));
     QVERIFY(!host.collab()->isConnected());
 
     QVERIFY(host.open(Transport::polling));
-    QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
-    QCOMPARE(bus.count(QStringLiteral("open ")), 1);
-    QCOMPARE(host.closed(), 0);
-    QVERIFY(host.close());
-    QCOMPARE(host.connected(), 1);
+    verifyOnlySession(bus, &host, Transport::polling);
 }
 
 void TestRefusedUpgrades::openDuringTheWaitReplacesIt()
 {
-    QFETCH(QString, upgrade);
     Peer bus;
     VERIFY_STARTED(start(&bus));
     Host host(bus.url());
-    const auto openAgain = [&] { host.collab()->open({Transport::polling}); };
-    if (upgrade == QLatin1String("silence"))
-        onUpgrade(&bus, &host, openAgain);
-    else
-        QTimer::singleShot(0, &host, openAgain);
+    duringTheWait(&bus, &host, [&] { host.collab()->open({Transport::polling}); });
     QVERIFY(host.open(webSocketThenStreaming));
-    QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
-    QCOMPARE(bus.lines(QStringLiteral("open ")),
-             {QStringLiteral("open %1 xhr-polling").arg(host.connector()->sessionId())});
-    QCOMPARE(host.closed(), 0);
-    QVERIFY(host.close());
-    QCOMPARE(host.connected(), 1);
+    verifyOnlySession(bus, &host, Transport::polling);
 }
 
 void TestRefusedUpgrades::deletionDuringTheWaitEndsIt()
 {
-    QFETCH(QString, upgrade);
     Peer bus;
     VERIFY_STARTED(start(&bus));
     Host host(bus.url());
-    if (upgrade == QLatin1String("silence"))
-        onUpgrade(&bus, &host, [&] { delete host.collab(); });
-    else
-        QTimer::singleShot(0, &host, [&] { delete host.collab(); });
+    duringTheWait(&bus, &host, [&] { delete host.collab(); });
     QVERIFY(host.tryOpen(webSocketThenStreaming));
     QVERIFY(!host.collab());
     QCOMPARE(host.connected(), 0);
@@ -218,12 +204,7 @@ void TestRefusedUpgrades::openBeforeOpenFrame()
     Host host(bus.url());
     QVERIFY(host.tryOpen(webSocketThenStreaming));
     QVERIFY(host.open(Transport::streaming));
-    QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
-    QCOMPARE(bus.lines(QStringLiteral("open ")),
-             {QStringLiteral("open %1 xhr-streaming").arg(host.connector()->sessionId())});
-    QCOMPARE(host.closed(), 0);
-    QVERIFY(host.close());
-    QCOMPARE(host.connected(), 1);
+    verifyOnlySession(bus, &host, Transport::streaming);
 }
 
 // The fallback comes up when the host has left already: it is closed at once, and nothing is registered.
@@ -251,23 +232,18 @@ void TestRefusedUpgrades::givesThreadsAndDescriptorsBack()
 {
     Peer bus;
     VERIFY_STARTED(start(&bus));
-    int threads = 0;
-    int descriptors = 0;
+    ProcessResources::Snapshot early;
     for (int round = 0; round < 10; ++round) {
+        // What Qt itself makes once and keeps is there after the first rounds.
+        if (round == 2)
+            early = ProcessResources::Snapshot();
         Host host(bus.url());
         host.connector()->setOpenLimit(200);
         QVERIFY(host.open(webSocketThenStreaming));
         if (round % 2 == 0)
             QVERIFY(host.close());
-        if (round == 1) {
-            threads = ProcessResources::threads();
-            descriptors = ProcessResources::descriptors();
-        }
     }
-    QTRY_VERIFY2_WITH_TIMEOUT(ProcessResources::threads() <= threads,
-                              qPrintable(QString::number(ProcessResources::threads())), 15000);
-    QTRY_VERIFY2_WITH_TIMEOUT(ProcessResources::descriptors() <= descriptors,
-                              qPrintable(QString::number(ProcessResources::descriptors())), 15000);
+    QCOMPARE(early.waitForSurplusToGo(), QString());
 }
 
 INTEROP_MAIN(TestRefusedUpgrades)

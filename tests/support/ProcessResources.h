@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QTest>
 
 /// What the process holds of the system's resources right now.
 namespace ProcessResources {
@@ -25,5 +26,29 @@ inline int threads()
     }
     return count;
 }
+
+/// How much the process held when this was made.
+class Snapshot
+{
+public:
+    /// Waits until the process holds no more than that, since threads and sockets go when their events have
+    /// run. Returns what is too many, for the test's message; null when nothing is.
+    QString waitForSurplusToGo() const
+    {
+        constexpr int limit = 30000; // milliseconds
+        if (QTest::qWaitFor([this] { return threads() <= m_threads && descriptors() <= m_descriptors; },
+                            limit))
+            return QString();
+        return QStringLiteral("threads: %1 of %2, descriptors: %3 of %4")
+            .arg(threads())
+            .arg(m_threads)
+            .arg(descriptors())
+            .arg(m_descriptors);
+    }
+
+private:
+    int m_threads = threads();
+    int m_descriptors = descriptors();
+};
 
 } // namespace ProcessResources
