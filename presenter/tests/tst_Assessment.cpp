@@ -1,8 +1,6 @@
 #include "PresenterTest.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 namespace {
 
@@ -17,11 +15,6 @@ QStringList sent(const FakeClassroom& classroom)
     for (const FakeClassroom::Message& message : classroom.messages())
         all.append(message.address.section(QLatin1Char('.'), 1) + '/' + message.type);
     return all;
-}
-
-QJsonObject data(const FakeClassroom::Message& message)
-{
-    return QJsonDocument::fromJson(message.text.toUtf8()).object();
 }
 
 void askFor(FakeClassroom& classroom, const QString& device, int number)
@@ -41,8 +34,7 @@ private Q_SLOTS:
     {
         FakeClassroom classroom;
         Presenter presenter(arguments(classroom));
-        presenter.write(goLive + twoQuestions + "wait learners 2\n");
-        TRY_OUTPUT("is live");
+        WRITE_UNTIL_LIVE(goLive + twoQuestions + "wait learners 2\n");
         classroom.join("d1", "Ann");
         classroom.join("d2", "Bea");
         presenter.write("assessment start title=\"My test\" time=60 navigate=yes summary=yes\n");
@@ -80,18 +72,16 @@ private Q_SLOTS:
         QCOMPARE(second.value("hasNext").toBool(), false);
         QVERIFY(first.value("id") != second.value("id"));
         QCOMPARE(data(classroom.messages().at(3)).value("id"), first.value("id"));
-        presenter.closeInput();
-        TRY_ENDED(presenter, 0);
+        TRY_END_OF_INPUT();
     }
 
     void answersAreMarkedByLearnerAndByQuestion()
     {
         FakeClassroom classroom;
         Presenter presenter(arguments(classroom));
-        presenter.write(goLive + twoQuestions +
-                        "wait learners 2\nassessment start\nwait assessment all\nexpect assessment 2\n"
-                        "assessment stop\nassessment results\n");
-        TRY_OUTPUT("is live");
+        WRITE_UNTIL_LIVE(goLive + twoQuestions +
+                         "wait learners 2\nassessment start\nwait assessment all\nexpect assessment 2\n"
+                         "assessment stop\nassessment results\n");
         classroom.join("d1", "Ann");
         classroom.join("d2", "Bea");
         TRY(sent(classroom).contains("/assessmentStart"));
@@ -106,8 +96,7 @@ private Q_SLOTS:
         TRY_OUTPUT("Ann has answered all questions, 1 of 2 have");
         classroom.answer("d2", ids.at(1), {}, "So");
         classroom.answer("d2", ids.at(0), {"A"});
-        presenter.closeInput();
-        TRY_ENDED(presenter, 0);
+        TRY_END_OF_INPUT();
         const QString output = presenter.output();
         QCOMPARE(output.count("  Ann      1 of 1  ✓ CB  Because\n  Bea      0 of 1  ✗ A   So\n"), 2);
         QVERIFY2(
@@ -122,8 +111,7 @@ private Q_SLOTS:
     {
         FakeClassroom classroom;
         Presenter presenter(arguments(classroom));
-        presenter.write(goLive + twoQuestions + "wait learners 1\nassessment start resubmit=no\n");
-        TRY_OUTPUT("is live");
+        WRITE_UNTIL_LIVE(goLive + twoQuestions + "wait learners 1\nassessment start resubmit=no\n");
         classroom.join("d1", "Ann");
         TRY(sent(classroom).contains("/assessmentStart"));
         askFor(classroom, "d1", 0); // names none, and gets the first
@@ -139,8 +127,7 @@ private Q_SLOTS:
         QCOMPARE(after.value("allowResubmit").toBool(), false);
         classroom.answer("d1", classroom.lastQuestion(), {"A"});
         TRY_OUTPUT("An answer of Ann does not count");
-        presenter.closeInput();
-        TRY_ENDED(presenter, 0);
+        TRY_END_OF_INPUT();
         QVERIFY(presenter.output().contains("  Ann      1 of 1  ✓ BC  –\n")); // printed when the lesson ends
     }
 
@@ -148,8 +135,7 @@ private Q_SLOTS:
     {
         FakeClassroom classroom;
         Presenter presenter(arguments(classroom));
-        presenter.write(goLive + twoQuestions + "wait learners 2\nassessment start to=bea\n");
-        TRY_OUTPUT("is live");
+        WRITE_UNTIL_LIVE(goLive + twoQuestions + "wait learners 2\nassessment start to=bea\n");
         classroom.join("d1", "Ann");
         classroom.join("d2", "Bea");
         TRY(sent(classroom).contains("user.d2/assessmentStart"));
@@ -173,8 +159,7 @@ private Q_SLOTS:
     {
         FakeClassroom classroom;
         Presenter presenter(arguments(classroom));
-        presenter.write(goLive + twoQuestions + "wait learners 1\nassessment start\n");
-        TRY_OUTPUT("is live");
+        WRITE_UNTIL_LIVE(goLive + twoQuestions + "wait learners 1\nassessment start\n");
         classroom.join("d1", "Ann");
         TRY(sent(classroom).contains("/assessmentStart"));
         classroom.join("d2", "Bea");
@@ -184,8 +169,7 @@ private Q_SLOTS:
         askFor(classroom, "d2", 1);
         TRY(sent(classroom).contains("user.d2/questionStart"));
         QVERIFY(!sent(classroom).contains("user.d1/assessmentStart"));
-        presenter.closeInput();
-        TRY_ENDED(presenter, 0);
+        TRY_END_OF_INPUT();
         QVERIFY(presenter.output().contains("  2 learners, 0 answers, 0 of 2 right."));
     }
 
@@ -196,8 +180,7 @@ private Q_SLOTS:
         presenter.write(goLive + twoQuestions +
                         "assessment start\nassessment stop\nassessment start\nassessment stop\n"
                         "assessment question text\nassessment start\nassessment stop\n");
-        presenter.closeInput();
-        TRY_ENDED(presenter, 0);
+        TRY_END_OF_INPUT();
         QList<int> counts;
         QStringList tokens;
         for (const FakeClassroom::Message& message : classroom.messages()) {
@@ -214,8 +197,7 @@ private Q_SLOTS:
     {
         FakeClassroom classroom;
         Presenter presenter(arguments(classroom));
-        presenter.write(goLive + twoQuestions + "wait learners 1\nassessment start\n");
-        TRY_OUTPUT("is live");
+        WRITE_UNTIL_LIVE(goLive + twoQuestions + "wait learners 1\nassessment start\n");
         classroom.join("d1", "Ann");
         TRY(sent(classroom).contains("/assessmentStart"));
         askFor(classroom, "d1", 1);
@@ -225,8 +207,7 @@ private Q_SLOTS:
         classroom.answer("d1", classroom.lastQuestion(), {"B", "C"});
         TRY_OUTPUT("The answer of Ann came too late");
         presenter.write("assessment results\n");
-        presenter.closeInput();
-        TRY_ENDED(presenter, 0);
+        TRY_END_OF_INPUT();
         QVERIFY(presenter.output().contains("  1 learner, 0 answers, 0 of 1 right."));
     }
 
@@ -234,14 +215,12 @@ private Q_SLOTS:
     {
         FakeClassroom classroom;
         Presenter presenter(arguments(classroom));
-        presenter.write(goLive + twoQuestions +
-                        "wait learners 1\nassessment dialog Before \"all of it\"\nassessment start\n"
-                        "assessment pause\nassessment resume\nassessment dialog to=Ann dismissible=no Wait\n"
-                        "assessment review to=Ann Look again\nassessment review All look again\n");
-        TRY_OUTPUT("is live");
+        WRITE_UNTIL_LIVE(goLive + twoQuestions +
+                         "wait learners 1\nassessment dialog Before \"all of it\"\nassessment start\n"
+                         "assessment pause\nassessment resume\nassessment dialog to=Ann dismissible=no Wait\n"
+                         "assessment review to=Ann Look again\nassessment review All look again\n");
         classroom.join("d1", "Ann");
-        presenter.closeInput();
-        TRY_ENDED(presenter, 0);
+        TRY_END_OF_INPUT();
         QCOMPARE(sent(classroom), QStringList({"/dialogShow", "/assessmentStart", "/pause", "/resume",
                                                "user.d1/dialogShow", "user.d1/questionSetReview",
                                                "/questionSetReview", "/assessmentStop", "/disconnect"}));
@@ -282,16 +261,7 @@ private Q_SLOTS:
                                      << "0 of 1 learners have finished";
     }
 
-    void whatCannotBeIsRefused()
-    {
-        QFETCH(QString, lines);
-        QFETCH(QString, part);
-        FakeClassroom classroom;
-        Presenter presenter(arguments(classroom));
-        presenter.write(lines);
-        TRY_ENDED(presenter, 1);
-        QVERIFY2(presenter.errors().contains(part), qPrintable(presenter.errors()));
-    }
+    void whatCannotBeIsRefused() { verifyRefused(); }
 };
 
 QTEST_GUILESS_MAIN(tst_Assessment)

@@ -1,8 +1,6 @@
 #include "PresenterTest.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTemporaryDir>
 
 namespace {
@@ -18,7 +16,7 @@ QList<QJsonObject> sent(const FakeClassroom& classroom, const QString& type)
     QList<QJsonObject> all;
     for (const FakeClassroom::Message& message : classroom.messages()) {
         if (message.type == type)
-            all.append(QJsonDocument::fromJson(message.text.toUtf8()).object());
+            all.append(data(message));
     }
     return all;
 }
@@ -56,8 +54,7 @@ private Q_SLOTS:
     {
         FakeClassroom classroom;
         Presenter presenter(arguments(classroom));
-        presenter.write("login\n" + threeCards + "session start\n");
-        TRY_OUTPUT("is live");
+        WRITE_UNTIL_LIVE("login\n" + threeCards + "session start\n");
         classroom.remote("presenterActive");
         TRY(count(classroom, "presenterIsActive") == 1);
         classroom.remote("requestLessonInfo");
@@ -72,16 +69,14 @@ private Q_SLOTS:
         TRY(card(classroom) == "1 of 3");
         for (const FakeClassroom::Message& message : classroom.messages())
             QCOMPARE(message.address, QStringLiteral("session-token.controller"));
-        presenter.closeInput();
-        TRY_ENDED(presenter, 0);
+        TRY_END_OF_INPUT();
     }
 
     void cardsAreGoneThroughAndPushed()
     {
         FakeClassroom classroom;
         Presenter presenter(arguments(classroom));
-        presenter.write("login\n" + threeCards + "session start\n");
-        TRY_OUTPUT("is live");
+        WRITE_UNTIL_LIVE("login\n" + threeCards + "session start\n");
         classroom.remote("pushCurrentCard");
         TRY(count(classroom, "showCard") == 1);
         QVERIFY(shownUrl(classroom).startsWith("data:image/png;base64,"));
@@ -105,8 +100,7 @@ private Q_SLOTS:
         TRY_OUTPUT("Not done: there is no earlier card.");
         QCOMPARE(card(classroom), QStringLiteral("1 of 3"));
         presenter.write("deck next\ndeck\n");
-        presenter.closeInput();
-        TRY_ENDED(presenter, 0);
+        TRY_END_OF_INPUT();
         QCOMPARE(card(classroom), QStringLiteral("2 of 3")); // told of what is typed, too
         const QString output = presenter.output();
         QVERIFY2(output.contains("  Card 2 of 3: two.png\n"), qPrintable(output));
@@ -118,8 +112,7 @@ private Q_SLOTS:
     {
         FakeClassroom classroom;
         Presenter presenter(arguments(classroom));
-        presenter.write(goLive);
-        TRY_OUTPUT("is live");
+        WRITE_UNTIL_LIVE(goLive);
         classroom.remote("pushCurrentCard");
         TRY_OUTPUT("Not done: there is no card.");
         QCOMPARE(count(classroom, "showCard"), 0);
@@ -138,8 +131,7 @@ private Q_SLOTS:
         classroom.remote("pushCurrentCard");
         TRY(count(classroom, "showCard") == 2);
         QCOMPARE(count(classroom, "heavy"), 1);
-        presenter.closeInput();
-        TRY_ENDED(presenter, 0);
+        TRY_END_OF_INPUT();
         QVERIFY(presenter.output().contains("  Card 1 of 1: Board[2J\n"));
         QVERIFY(presenter.output().contains("  Card 2 of 2: Picture\n"));
     }
@@ -161,21 +153,18 @@ private Q_SLOTS:
         QFETCH(QVariant, data);
         FakeClassroom classroom;
         Presenter presenter(arguments(classroom));
-        presenter.write(goLive);
-        TRY_OUTPUT("is live");
+        WRITE_UNTIL_LIVE(goLive);
         classroom.remote("addImageCard", data);
         TRY_OUTPUT("Not done: this is no picture.");
         QCOMPARE(count(classroom, "currentCard"), 0);
-        presenter.closeInput();
-        TRY_ENDED(presenter, 0);
+        TRY_END_OF_INPUT();
     }
 
     void pollsAndAssessmentsArePausedAndResumed()
     {
         FakeClassroom classroom;
         Presenter presenter(arguments(classroom));
-        presenter.write(goLive);
-        TRY_OUTPUT("is live");
+        WRITE_UNTIL_LIVE(goLive);
         classroom.remote("pause");
         TRY_OUTPUT("Not done: neither a poll nor an assessment is under way.");
         QCOMPARE(count(classroom, "pause"), 0);
@@ -193,16 +182,14 @@ private Q_SLOTS:
         TRY(count(classroom, "pause") == 2);
         classroom.remote("resume");
         TRY(count(classroom, "resume") == 2);
-        presenter.closeInput();
-        TRY_ENDED(presenter, 0);
+        TRY_END_OF_INPUT();
     }
 
     void devicesAreLockedAndUnlocked()
     {
         FakeClassroom classroom;
         Presenter presenter(arguments(classroom));
-        presenter.write(goLive);
-        TRY_OUTPUT("is live");
+        WRITE_UNTIL_LIVE(goLive);
         classroom.remote("unlockAll"); // nothing is locked
         classroom.remote("lockAll");
         TRY(count(classroom, "dialogShow") == 1);
@@ -217,8 +204,7 @@ private Q_SLOTS:
         TRY(!classroom.lastQuestion().isEmpty());
         classroom.join("d2", "Bea"); // the poll has unlocked
         presenter.write("unlock\n");
-        presenter.closeInput();
-        TRY_ENDED(presenter, 0);
+        TRY_END_OF_INPUT();
         QCOMPARE(count(classroom, "dialogShow"), 4);
     }
 
@@ -226,15 +212,13 @@ private Q_SLOTS:
     {
         FakeClassroom classroom;
         Presenter presenter(arguments(classroom));
-        presenter.write(goLive);
-        TRY_OUTPUT("is live");
+        WRITE_UNTIL_LIVE(goLive);
         classroom.join("d1", "Ann");
         classroom.send("d1", "stopSession", QVariant());
         TRY_OUTPUT("Not done: it came from Ann.");
         presenter.write("poll text\n"); // the session goes on
         TRY(!classroom.lastQuestion().isEmpty());
-        presenter.closeInput();
-        TRY_ENDED(presenter, 0);
+        TRY_END_OF_INPUT();
     }
 
     void stoppingTheSessionEndsTheLessonWell()
@@ -264,8 +248,7 @@ private Q_SLOTS:
         FakeClassroom classroom;
         Presenter presenter(arguments(classroom));
         presenter.write(goLive + QStringLiteral("poll text upload %1\npoll word-seed upload %1\n").arg(leaf));
-        presenter.closeInput();
-        TRY_ENDED(presenter, 0);
+        TRY_END_OF_INPUT();
         const QString address =
             QStringLiteral("url('%1/tavisto/resource/downloadResourceFile?resourceId=resource-1')")
                 .arg(classroom.url());
@@ -295,16 +278,7 @@ private Q_SLOTS:
                                   << "No session is live.";
     }
 
-    void cardsThatAreNotThereAreRefused()
-    {
-        QFETCH(QString, lines);
-        QFETCH(QString, part);
-        FakeClassroom classroom;
-        Presenter presenter(arguments(classroom));
-        presenter.write(lines);
-        TRY_ENDED(presenter, 1);
-        QVERIFY2(presenter.errors().contains(part), qPrintable(presenter.errors()));
-    }
+    void cardsThatAreNotThereAreRefused() { verifyRefused(); }
 };
 
 QTEST_GUILESS_MAIN(tst_RemoteControl)
