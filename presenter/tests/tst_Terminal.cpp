@@ -10,6 +10,8 @@ namespace {
 
 constexpr int limit = 30000; // ms
 
+const QString goLive = QStringLiteral("login\rsession start\r");
+
 QStringList arguments(const FakeClassroom& classroom)
 {
     return {"--server", classroom.url(), "--user", "teacher", "--password", "chalk"};
@@ -18,6 +20,12 @@ QStringList arguments(const FakeClassroom& classroom)
 } // namespace
 
 #define TRY(condition) QTRY_VERIFY2_WITH_TIMEOUT(condition, qPrintable(terminal.text()), limit)
+#define TRY_SHOWN(part) TRY(terminal.text().contains(part))
+#define TRY_LINE(line) TRY(terminal.lastLine() == (line))
+// Types lines that start a session, and waits until it is live.
+#define TYPE_UNTIL_LIVE(lines)                                                                               \
+    terminal.type(lines);                                                                                    \
+    TRY_SHOWN("is live")
 #define TRY_ENDED(expected)                                                                                  \
     TRY(terminal.hasEnded());                                                                                \
     QCOMPARE(terminal.exitCode(), expected)
@@ -32,7 +40,7 @@ private Q_SLOTS:
     {
         FakeClassroom classroom;
         Terminal terminal(arguments(classroom));
-        TRY(terminal.lastLine() == "calyx>");
+        TRY_LINE("calyx>");
         terminal.type("say hello\r");
         TRY(terminal.text().endsWith("calyx> say hello\nhello\ncalyx>"));
         terminal.type("\004");
@@ -46,7 +54,7 @@ private Q_SLOTS:
         FakeClassroom classroom;
         Terminal terminal(arguments(classroom));
         terminal.type("logn\r");
-        TRY(terminal.text().contains("There is no command \"logn\". Did you mean login?"));
+        TRY_SHOWN("There is no command \"logn\". Did you mean login?");
         terminal.type("quit\r");
         TRY_ENDED(0);
     }
@@ -55,19 +63,19 @@ private Q_SLOTS:
     {
         FakeClassroom classroom;
         Terminal terminal(arguments(classroom));
-        TRY(terminal.lastLine() == "calyx>");
+        TRY_LINE("calyx>");
         terminal.type("who");
         terminal.type("\t");
-        TRY(terminal.lastLine() == "calyx> whoami");
+        TRY_LINE("calyx> whoami");
         terminal.type("\r");
-        TRY(terminal.text().contains("teacher is logged in."));
+        TRY_SHOWN("teacher is logged in.");
         terminal.type("\033[A");
-        TRY(terminal.lastLine() == "calyx> whoami");
+        TRY_LINE("calyx> whoami");
         terminal.type("\025session \t");
-        TRY(terminal.text().contains("create  disconnect  info  live  reconnect  start  stop"));
+        TRY_SHOWN("create  disconnect  info  live  reconnect  start  stop");
         QCOMPARE(terminal.lastLine(), QStringLiteral("calyx> session"));
         terminal.type("INF\t");
-        TRY(terminal.lastLine() == "calyx> session info");
+        TRY_LINE("calyx> session info");
         terminal.type("\025\004");
         TRY_ENDED(0);
     }
@@ -76,31 +84,29 @@ private Q_SLOTS:
     {
         FakeClassroom classroom;
         Terminal terminal(arguments(classroom));
-        terminal.type("login\rsession start\r");
-        TRY(terminal.text().contains("is live"));
+        TYPE_UNTIL_LIVE(goLive);
         terminal.type("ab\033");
         classroom.join("d1", "Ann");
-        TRY(terminal.text().contains("+ Ann has joined, 1 here"));
-        TRY(terminal.lastLine() == "calyx> ab");
+        TRY_SHOWN("+ Ann has joined, 1 here");
+        TRY_LINE("calyx> ab");
     }
 
     void theChartIsRedrawnAboveWhatIsTyped()
     {
         FakeClassroom classroom;
         Terminal terminal(arguments(classroom));
-        terminal.type("login\rsession start\r");
-        TRY(terminal.text().contains("is live"));
+        TYPE_UNTIL_LIVE(goLive);
         classroom.join("d1", "Ann");
         classroom.join("d2", "Bea");
-        TRY(terminal.text().contains("2 here"));
+        TRY_SHOWN("2 here");
         terminal.type("poll multiple alpha-upper 2\r");
-        TRY(terminal.text().contains("0 of 2 answered"));
+        TRY_SHOWN("0 of 2 answered");
         terminal.type("poll sto");
-        TRY(terminal.lastLine() == "calyx> poll sto");
+        TRY_LINE("calyx> poll sto");
         classroom.answer("d1", classroom.lastQuestion(), {"A"});
-        TRY(terminal.text().contains("1 of 2 answered"));
+        TRY_SHOWN("1 of 2 answered");
         classroom.answer("d2", classroom.lastQuestion(), {"A"});
-        TRY(terminal.text().contains("2 of 2 answered"));
+        TRY_SHOWN("2 of 2 answered");
         const QStringList screen = terminal.screen();
         QCOMPARE(screen.filter("Poll 1").size(), 1);
         QCOMPARE(screen.filter(QRegularExpression("^  A  █+  2  100 %$")).size(), 1);
@@ -117,18 +123,17 @@ private Q_SLOTS:
         FakeClassroom classroom;
         constexpr int columns = 40;
         Terminal terminal(arguments(classroom), columns);
-        terminal.type("login\rsession start\r");
-        TRY(terminal.text().contains("is live"));
+        TYPE_UNTIL_LIVE(goLive);
         const QString typed = "say a line that is longer than the terminal is wide, and then some";
         terminal.type(typed);
-        TRY(terminal.lastLine() == typed.mid(columns - 7));
+        TRY_LINE(typed.mid(columns - 7));
         classroom.join("d1", "Ann");
-        TRY(terminal.text().contains("+ Ann has joined, 1 here\ncalyx> say a line"));
+        TRY_SHOWN("+ Ann has joined, 1 here\ncalyx> say a line");
         TRY(terminal.text().remove('\n').endsWith("here" + QString("calyx> ") + typed));
         terminal.type("\001"); // to its start
         TRY(terminal.cursorColumn() == 7);
         classroom.leave("d1");
-        TRY(terminal.text().contains("- Ann has left, 0 here\ncalyx> say a line"));
+        TRY_SHOWN("- Ann has left, 0 here\ncalyx> say a line");
         TRY(terminal.text().remove('\n').endsWith("0 here" + QString("calyx> ") + typed));
         QCOMPARE(terminal.screen().filter("calyx> say").size(), 1);
         terminal.type("\r");
@@ -140,15 +145,14 @@ private Q_SLOTS:
     {
         FakeClassroom classroom;
         Terminal terminal(arguments(classroom));
-        terminal.type("login\rsession start\r");
-        TRY(terminal.text().contains("is live"));
+        TYPE_UNTIL_LIVE(goLive);
         terminal.type("say now\rwait learners 5\rsay queued\r");
-        TRY(terminal.text().contains("\nnow\n"));
-        TRY(terminal.text().contains("calyx> say queued"));
+        TRY_SHOWN("\nnow\n");
+        TRY_SHOWN("calyx> say queued");
         terminal.type("\003");
-        TRY(terminal.text().contains("Interrupted."));
+        TRY_SHOWN("Interrupted.");
         terminal.type("say after\r");
-        TRY(terminal.text().contains("\nafter\n"));
+        TRY_SHOWN("\nafter\n");
         QVERIFY(!terminal.text().contains("\nqueued\n")); // what waited behind it is given up, too
         terminal.type("\003");
         TRY_ENDED(128 + SIGINT);
@@ -160,12 +164,11 @@ private Q_SLOTS:
     {
         FakeClassroom classroom;
         Terminal terminal(arguments(classroom));
-        terminal.type("login\rsession start\r");
-        TRY(terminal.text().contains("is live"));
+        TYPE_UNTIL_LIVE(goLive);
         terminal.type("wait learners 3\r");
-        TRY(terminal.text().contains("calyx> wait learners 3"));
+        TRY_SHOWN("calyx> wait learners 3");
         classroom.remote("stopSession");
-        TRY(terminal.text().contains("Session 123456 is stopped."));
+        TRY_SHOWN("Session 123456 is stopped.");
         terminal.type("say still here\r");
         TRY(terminal.text().endsWith("\nstill here\ncalyx>"));
         QCOMPARE(classroom.requests().last(), QStringLiteral("/session/stop"));
@@ -177,20 +180,18 @@ private Q_SLOTS:
     {
         FakeClassroom classroom;
         Terminal terminal(arguments(classroom));
-        terminal.type("login\rsession start\rassessment question text\rassessment question number\r");
-        TRY(terminal.text().contains("is live"));
+        TYPE_UNTIL_LIVE(goLive + "assessment question text\rassessment question number\r");
         classroom.join("d1", "Ann");
         classroom.join("d2", "Bea");
-        TRY(terminal.text().contains("2 here"));
+        TRY_SHOWN("2 here");
         terminal.type("assessment start title=Leaves\r");
-        TRY(terminal.text().contains("Leaves  0 of 2 finished"));
+        TRY_SHOWN("Leaves  0 of 2 finished");
         classroom.send("d1", "questionGet", QVariantMap{{"questionNumber", 1}});
         TRY(!classroom.lastQuestion().isEmpty());
         classroom.answer("d1", classroom.lastQuestion(), {}, "word");
-        TRY(terminal.text().contains(
-            QRegularExpression("  1 text    █+  1   50 %\n  2 number +0    0 %\ncalyx>$")));
+        TRY_SHOWN(QRegularExpression("  1 text    █+  1   50 %\n  2 number +0    0 %\ncalyx>$"));
         terminal.type("assessment stop\r");
-        TRY(terminal.text().contains("  2 learners, 1 answer.\ncalyx>"));
+        TRY_SHOWN("  2 learners, 1 answer.\ncalyx>");
         QCOMPARE(terminal.screen().filter("of 2 finished").size(), 1);
         terminal.type("quit\r");
         TRY_ENDED(0);
@@ -200,12 +201,12 @@ private Q_SLOTS:
     {
         FakeClassroom classroom;
         Terminal terminal(arguments(classroom), 80);
-        terminal.type("login\rsession start\rpoll text\r");
-        TRY(terminal.text().contains("0 of 0 answered"));
+        terminal.type(goLive + "poll text\r");
+        TRY_SHOWN("0 of 0 answered");
         terminal.resize(40, 24);
         classroom.join("d1", "Ann");
         classroom.answer("d1", classroom.lastQuestion(), {}, "word");
-        TRY(terminal.text().contains(QRegularExpression("\n  word  █{21}  1  100 %\ncalyx>$")));
+        TRY_SHOWN(QRegularExpression("\n  word  █{21}  1  100 %\ncalyx>$"));
     }
 };
 
