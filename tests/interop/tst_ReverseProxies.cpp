@@ -26,40 +26,52 @@ const QString forStreaming = QStringLiteral("proxy_http_version 1.1;\n"
                                             "proxy_set_header Upgrade $http_upgrade;\n"
                                             "proxy_set_header Connection $upgrade_or_nothing;\n");
 
+// The server, and nginx in front of it.
+struct ProxiedBus
+{
+    QByteArray start(const QString& options = QString())
+    {
+        const QByteArray failure = bus.start();
+        if (!failure.isEmpty())
+            return failure;
+        nginx.setProgram(Peers::nginx(bus.port(), options));
+        return nginx.start();
+    }
+
+    Peer bus{Peers::nodeBus()};
+    Peer nginx;
+};
+
 } // namespace
 
 // It upgrades nothing, and keeps a streamed answer back until it is whole.
 void TestReverseProxies::withDefaultsPollingComesUp()
 {
-    Peer bus(Peers::nodeBus());
-    VERIFY_STARTED(bus.start());
-    Peer nginx(Peers::nginx(bus.port()));
-    VERIFY_STARTED(nginx.start());
-    Host host(nginx.url());
+    ProxiedBus server;
+    VERIFY_STARTED(server.start());
+    Host host(server.nginx.url());
     host.connector()->setOpenLimit(openLimit);
     for (int round = 1; round <= 3; ++round) {
         QVERIFY(host.open(Transport::all));
         QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
-        const QStringList opened = bus.lines(QStringLiteral("open ") + host.connector()->sessionId());
+        const QStringList opened = server.bus.lines(QStringLiteral("open ") + host.connector()->sessionId());
         QVERIFY2(opened.last().endsWith(Transport::polling), qPrintable(opened.join(QLatin1Char('\n'))));
         QCOMPARE(host.connected(), round);
         QCOMPARE(host.closed(), round - 1);
         QVERIFY(host.close());
     }
-    QCOMPARE(bus.count(QStringLiteral("upgrade ")), 0);
+    QCOMPARE(server.bus.count(QStringLiteral("upgrade ")), 0);
 }
 
 void TestReverseProxies::withDefaultsStreamingAloneFails()
 {
-    Peer bus(Peers::nodeBus());
-    VERIFY_STARTED(bus.start());
-    Peer nginx(Peers::nginx(bus.port()));
-    VERIFY_STARTED(nginx.start());
-    Host host(nginx.url());
+    ProxiedBus server;
+    VERIFY_STARTED(server.start());
+    Host host(server.nginx.url());
     host.connector()->setOpenLimit(openLimit);
     QVERIFY(host.tryOpen({Transport::webSocket, Transport::streaming}));
     // The server has opened a session, and has seen it go when the limit was over.
-    QVERIFY(bus.waitFor(QStringLiteral("close ") + host.connector()->sessionId()));
+    QVERIFY(server.bus.waitFor(QStringLiteral("close ") + host.connector()->sessionId()));
     QVERIFY(!host.collab()->isConnected());
     QCOMPARE(host.connected(), 0);
     QCOMPARE(host.closed(), 0);
@@ -67,11 +79,9 @@ void TestReverseProxies::withDefaultsStreamingAloneFails()
 
 void TestReverseProxies::withDefaultsCarriesTenThousandTexts()
 {
-    Peer bus(Peers::nodeBus());
-    VERIFY_STARTED(bus.start());
-    Peer nginx(Peers::nginx(bus.port()));
-    VERIFY_STARTED(nginx.start());
-    Host host(nginx.url());
+    ProxiedBus server;
+    VERIFY_STARTED(server.start());
+    Host host(server.nginx.url());
     for (int round = 0; round < 3; ++round) {
         QVERIFY(host.open(Transport::polling));
         QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
@@ -90,11 +100,9 @@ void TestReverseProxies::setUpForStreaming_data()
 void TestReverseProxies::setUpForStreaming()
 {
     QFETCH(QString, transport);
-    Peer bus(Peers::nodeBus());
-    VERIFY_STARTED(bus.start());
-    Peer nginx(Peers::nginx(bus.port(), forStreaming));
-    VERIFY_STARTED(nginx.start());
-    Host host(nginx.url());
+    ProxiedBus server;
+    VERIFY_STARTED(server.start(forStreaming));
+    Host host(server.nginx.url());
     host.connector()->setOpenLimit(openLimit);
     // The transport comes up by itself, not for want of the ones before it.
     const QStringList list = Transport::all.mid(Transport::all.indexOf(transport));
@@ -102,12 +110,12 @@ void TestReverseProxies::setUpForStreaming()
         QVERIFY(host.open(list));
         // Told by the server after it has sent the "o".
         QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
-        QCOMPARE(bus.lines(QStringLiteral("open ")).last(),
+        QCOMPARE(server.bus.lines(QStringLiteral("open ")).last(),
                  QStringLiteral("open %1 %2").arg(host.connector()->sessionId(), transport));
         QCOMPARE(host.closed(), round - 1);
         QVERIFY(host.close());
     }
-    QCOMPARE(bus.count(QStringLiteral("open ")), 2);
+    QCOMPARE(server.bus.count(QStringLiteral("open ")), 2);
 
     QVERIFY(host.open(list));
     host.publish(QStringLiteral("leave"));
