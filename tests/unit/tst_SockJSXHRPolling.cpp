@@ -1,9 +1,8 @@
 #include <CalyxClient/SockJSXHRPolling>
 
 #include "support/LogRecorder.h"
-#include "support/ScriptedHttpServer.h"
 #include "support/TestCertificates.h"
-#include "support/TransportSession.h"
+#include "support/TransportTest.h"
 #include "transport/SockJSXHRPollingWorker.h"
 
 #include <QElapsedTimer>
@@ -13,14 +12,8 @@
 
 using HttpText::chunked;
 using HttpText::plain;
-using Server = ScriptedHttpServer;
-using Transport = SockJSXHRPolling;
-using Session = TransportSession;
 
 namespace {
-
-const QString closedLine = QStringLiteral("[SockJSXHRPolling] Can't make request when in closed state!");
-const QString sessionPath = TransportSession::path();
 
 // For as long as it lives, the system's proxy.
 class SystemProxy
@@ -36,13 +29,11 @@ public:
 
 } // namespace
 
-class tst_SockJSXHRPolling : public QObject
+class tst_SockJSXHRPolling : public TransportTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-
     void declaresItsSignalsAndSlots();
 
     void startFailsWithALogLine();
@@ -67,12 +58,6 @@ private Q_SLOTS:
     void goesThroughTheSystemsProxy();
     void proxyThatWantsAPasswordFailsClearly();
 };
-
-void tst_SockJSXHRPolling::initTestCase()
-{
-    qunsetenv("http_proxy");
-    qRegisterMetaType<QStringMap>("QStringMap");
-}
 
 void tst_SockJSXHRPolling::declaresItsSignalsAndSlots()
 {

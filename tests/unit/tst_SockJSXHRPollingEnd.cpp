@@ -2,8 +2,7 @@
 
 #include "support/LogRecorder.h"
 #include "support/ProcessResources.h"
-#include "support/ScriptedHttpServer.h"
-#include "support/TransportSession.h"
+#include "support/TransportTest.h"
 
 #include <QElapsedTimer>
 #include <QtTest>
@@ -14,26 +13,18 @@ using HttpText::chunk;
 using HttpText::chunkedHead;
 using HttpText::endChunk;
 using HttpText::plain;
-using Server = ScriptedHttpServer;
-using Transport = SockJSXHRPolling;
-using Session = TransportSession;
 
 namespace {
-
-const QString closedLine = QStringLiteral("[SockJSXHRPolling] Can't make request when in closed state!");
-const QString sessionPath = TransportSession::path();
 
 constexpr int patience = 8000;
 
 } // namespace
 
-class tst_SockJSXHRPollingEnd : public QObject
+class tst_SockJSXHRPollingEnd : public TransportTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-
     void closeEndsOnce();
     void closeIsPrompt();
     void closeFrameEndsTheSession_data();
@@ -55,12 +46,6 @@ private Q_SLOTS:
     void retiredTransportGivesUpOnASilentServer();
     void retiredTransportNeverStarted();
 };
-
-void tst_SockJSXHRPollingEnd::initTestCase()
-{
-    qunsetenv("http_proxy");
-    qRegisterMetaType<QStringMap>("QStringMap");
-}
 
 void tst_SockJSXHRPollingEnd::closeEndsOnce()
 {
@@ -260,13 +245,11 @@ void tst_SockJSXHRPollingEnd::givesItsThreadsAndDescriptorsBack()
     };
     QVERIFY(runOnce());
     QTRY_COMPARE(server.openConnections(), 0);
-    const int threads = ProcessResources::threads();
-    const int descriptors = ProcessResources::descriptors();
+    const ProcessResources::Snapshot before;
     for (int i = 0; i < 20; ++i)
         QVERIFY(runOnce());
     QTRY_COMPARE(server.openConnections(), 0);
-    QTRY_VERIFY(ProcessResources::threads() <= threads);
-    QTRY_VERIFY(ProcessResources::descriptors() <= descriptors);
+    QCOMPARE(before.waitForSurplusToGo(), QString());
 }
 
 void tst_SockJSXHRPollingEnd::retiredTransportIsSilentAndGoes()

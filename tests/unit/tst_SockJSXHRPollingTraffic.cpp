@@ -1,9 +1,8 @@
 #include <CalyxClient/SockJSXHRPolling>
 
 #include "support/LogRecorder.h"
-#include "support/ScriptedHttpServer.h"
 #include "support/TestCertificates.h"
-#include "support/TransportSession.h"
+#include "support/TransportTest.h"
 #include "transport/SockJSXHRPollingWorker.h"
 
 #include <QtTest>
@@ -13,8 +12,6 @@ using HttpText::chunked;
 using HttpText::chunkedHead;
 using HttpText::endChunk;
 using HttpText::plain;
-using Server = ScriptedHttpServer;
-using Session = TransportSession;
 
 namespace {
 
@@ -23,13 +20,11 @@ const QString sendErrorLine = QStringLiteral("[SockJSXHRPolling] xhr_send error:
 
 } // namespace
 
-class tst_SockJSXHRPollingTraffic : public QObject
+class tst_SockJSXHRPollingTraffic : public TransportTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-
     void noCookiesNoLine();
     void cookiesGoOutOnBothSides();
     void cookiesOfASendGoOutOnTheReceivingSide();
@@ -52,12 +47,6 @@ private Q_SLOTS:
     void sendsAcceptedBeforeCloseGoOut();
     void sendOverTlsVerifiesTheServer();
 };
-
-void tst_SockJSXHRPollingTraffic::initTestCase()
-{
-    qunsetenv("http_proxy");
-    qRegisterMetaType<QStringMap>("QStringMap");
-}
 
 void tst_SockJSXHRPollingTraffic::noCookiesNoLine()
 {
