@@ -12,6 +12,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 
 using namespace ClientOperations;
@@ -41,9 +42,37 @@ void destroy(PresenterClient* client, FakeService& service)
     delete client;
 }
 
+// No answer comes; \p action runs from the event loop, as a host's would, while the client waits for one.
+Answer unansweredWhile(FakeService& service, const std::function<void()>& action)
+{
+    return Answer::never().then([&service, action] { QTimer::singleShot(0, &service, action); });
+}
+
 bool isNoResult(const QVariant& result)
 {
     return result.toString().isEmpty() || result == QVariant(false);
+}
+
+// The call during which \p client is destroyed comes back without a result, and nothing stays behind.
+void verifyEndsWithItsClient(const Operation& operation, const QPointer<PresenterClient>& client)
+{
+    const QPointer<QNetworkAccessManager> manager = client->findChild<QNetworkAccessManager*>();
+    const QVariant result = operation.call(client);
+    QVERIFY(!client);
+    QVERIFY2(isNoResult(result), qPrintable(result.toString()));
+    QTRY_VERIFY(!manager);
+}
+
+// The host deletes its client as soon as a log-in has ended with \p answer.
+void verifyDestroyedOnceProcessed(const Answer& answer)
+{
+    FakeService service;
+    service.expect("/tavisto/login/submit", answer);
+    const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
+    QObject::connect(client, &PresenterClient::requestProcessed, &service, [&] { delete client; });
+
+    QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
+    QVERIFY(!client);
 }
 
 } // namespace
@@ -77,18 +106,12 @@ void tst_PresenterClientWaitDestroyed::clientDestroyedByATimer()
 
     FakeService service;
     QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-    const QPointer<QNetworkAccessManager> manager = client->findChild<QNetworkAccessManager*>();
     operation.prepare(client);
     for (int i = 0; i < request; ++i)
         service.expect(operation.paths.at(i), Answer::json(ALL_IS_WELL));
-    service.expect(operation.paths.at(request), Answer::never().then([&] {
-        QTimer::singleShot(0, &service, [&] { destroy(client, service); });
-    }));
+    service.expect(operation.paths.at(request), unansweredWhile(service, [&] { destroy(client, service); }));
 
-    const QVariant result = operation.call(client);
-    QVERIFY(!client);
-    QVERIFY2(isNoResult(result), qPrintable(result.toString()));
-    QTRY_VERIFY(!manager);
+    verifyEndsWithItsClient(operation, client);
     QTRY_COMPARE(service.abandoned(), 1);
 }
 
@@ -97,8 +120,7 @@ void tst_PresenterClientWaitDestroyed::clientDestroyedWithItsParent()
     FakeService service;
     auto* parent = new QObject;
     const QPointer<PresenterClient> client = new PresenterClient(parent, service.url());
-    service.expect("/tavisto/login/submit",
-                   Answer::never().then([&] { QTimer::singleShot(0, &service, [&] { delete parent; }); }));
+    service.expect("/tavisto/login/submit", unansweredWhile(service, [&] { delete parent; }));
 
     QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
     QVERIFY(!client);
@@ -116,7 +138,6 @@ void tst_PresenterClientWaitDestroyed::clientDestroyedByASlotOfRequestProcessed(
 
     FakeService service;
     QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-    const QPointer<QNetworkAccessManager> manager = client->findChild<QNetworkAccessManager*>();
     operation.prepare(client);
     for (int i = 0; i <= request; ++i)
         service.expect(operation.paths.at(i), Answer::json(ALL_IS_WELL));
@@ -128,44 +149,26 @@ void tst_PresenterClientWaitDestroyed::clientDestroyedByASlotOfRequestProcessed(
         destroy(client, service);
     });
 
-    const QVariant result = operation.call(client);
-    QVERIFY(!client);
-    QVERIFY2(isNoResult(result), qPrintable(result.toString()));
-    QTRY_VERIFY(!manager);
+    verifyEndsWithItsClient(operation, client);
 }
 
 void tst_PresenterClientWaitDestroyed::clientDestroyedOnARedirect()
 {
-    FakeService service;
-    service.expect("/tavisto/login/submit", Answer::redirect("https://moved.example/"));
-    const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-    connect(client, &PresenterClient::requestProcessed, &service, [&] { delete client; });
-
-    QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
-    QVERIFY(!client);
+    verifyDestroyedOnceProcessed(Answer::redirect("https://moved.example/"));
 }
 
 void tst_PresenterClientWaitDestroyed::clientDestroyedOnATimeOut()
 {
-    FakeService service;
-    service.expect("/tavisto/login/submit",
-                   Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
-    const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-    connect(client, &PresenterClient::requestProcessed, &service, [&] { delete client; });
-
-    QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
-    QVERIFY(!client);
+    verifyDestroyedOnceProcessed(Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
 }
 
 void tst_PresenterClientWaitDestroyed::clientDestroyedInsideTheKeepAliveOfAnotherWait()
 {
     FakeService service;
     const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-    service.expect("/tavisto/login/submit", Answer::never().then([&] {
-        QTimer::singleShot(0, &service, [&] { QMetaObject::invokeMethod(client, "onPingTimer"); });
-    }));
-    service.expect("/tavisto/login/keepSessionAlive",
-                   Answer::never().then([&] { QTimer::singleShot(0, &service, [&] { delete client; }); }));
+    service.expect("/tavisto/login/submit",
+                   unansweredWhile(service, [&] { QMetaObject::invokeMethod(client, "onPingTimer"); }));
+    service.expect("/tavisto/login/keepSessionAlive", unansweredWhile(service, [&] { delete client; }));
 
     QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
     QVERIFY(!client);
@@ -178,8 +181,7 @@ void tst_PresenterClientWaitDestroyed::clientDestroyedInsideTheReLoginOfDoStartS
     const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
     client->doGetAccessToken(QStringLiteral("u"), QStringLiteral("p"), QString(), QString());
     service.expect("/tavisto/login/user", Answer::json("{}", 500));
-    service.expect("/tavisto/login/submit",
-                   Answer::never().then([&] { QTimer::singleShot(0, &service, [&] { delete client; }); }));
+    service.expect("/tavisto/login/submit", unansweredWhile(service, [&] { delete client; }));
 
     QVERIFY(!client->doStartSession(QString()));
     QVERIFY(!client);
