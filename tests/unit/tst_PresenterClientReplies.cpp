@@ -13,6 +13,24 @@
 
 using Answer = FakeService::Answer;
 
+namespace {
+
+// One request that gets \p answer, and what the client has made of it.
+struct Exchange
+{
+    explicit Exchange(const Answer& answer) : client(service.url())
+    {
+        service.expect("/a", answer);
+        client.request(QStringLiteral("/a"));
+    }
+
+    FakeService service;
+    ClientProbe client;
+    LogRecorder log;
+};
+
+} // namespace
+
 class tst_PresenterClientReplies : public QObject
 {
     Q_OBJECT
@@ -41,16 +59,12 @@ private Q_SLOTS:
 
 void tst_PresenterClientReplies::logsTheBody()
 {
-    FakeService service;
-    service.expect("/a", Answer::json("[1,2]"));
-    ClientProbe client(service.url());
-    const LogRecorder log;
-    client.request(QStringLiteral("/a"));
+    const Exchange exchange(Answer::json("[1,2]"));
 
-    const QStringList lines = log.debug(QStringLiteral("[REST Response] "));
+    const QStringList lines = exchange.log.debug(QStringLiteral("[REST Response] "));
     QCOMPARE(lines.size(), 1);
     QVERIFY(lines.first().contains("[1,2]"));
-    for (const LogRecorder::Message& message : log.messages())
+    for (const LogRecorder::Message& message : exchange.log.messages())
         QCOMPARE(message.category, QStringLiteral("default"));
 }
 
@@ -74,15 +88,11 @@ void tst_PresenterClientReplies::logsErrorAndBody()
 
 void tst_PresenterClientReplies::logsNoErrorForAGoodReply()
 {
-    FakeService service;
-    service.expect("/a", Answer::json("[1,2]"));
-    ClientProbe client(service.url());
-    const LogRecorder log;
-    client.request(QStringLiteral("/a"));
+    const Exchange exchange(Answer::json("[1,2]"));
 
-    QVERIFY(!log.debug().isEmpty());
-    QVERIFY(log.debug().filter(QStringLiteral("ERROR")).isEmpty());
-    QVERIFY(log.warnings().isEmpty());
+    QVERIFY(!exchange.log.debug().isEmpty());
+    QVERIFY(exchange.log.debug().filter(QStringLiteral("ERROR")).isEmpty());
+    QVERIFY(exchange.log.warnings().isEmpty());
 }
 
 void tst_PresenterClientReplies::redirectChangesTheBaseAddress_data()
@@ -131,15 +141,11 @@ void tst_PresenterClientReplies::redirectChangesTheBaseAddress()
 
 void tst_PresenterClientReplies::redirectCallsNoHandler()
 {
-    FakeService service;
-    service.expect("/a", Answer::redirect("https://moved.example/"));
-    ClientProbe client(service.url());
-    const LogRecorder log;
-    client.request(QStringLiteral("/a"));
+    const Exchange exchange(Answer::redirect("https://moved.example/"));
 
-    QVERIFY(client.successes.isEmpty());
-    QVERIFY(client.failures.isEmpty());
-    QVERIFY(log.debug(QStringLiteral("[REST Response]")).isEmpty());
+    QVERIFY(exchange.client.successes.isEmpty());
+    QVERIFY(exchange.client.failures.isEmpty());
+    QVERIFY(exchange.log.debug(QStringLiteral("[REST Response]")).isEmpty());
 }
 
 void tst_PresenterClientReplies::redirectEndsTheOperation()
@@ -198,28 +204,21 @@ void tst_PresenterClientReplies::gzipIsInflated()
 {
     const QByteArray text = R"({"data":{"name":"Zoë"}})";
     const QByteArray packed = Gzip::gzip(text);
-    FakeService service;
-    service.expect("/a", Answer::json(packed).with("Content-Encoding", "gzip"));
-    ClientProbe client(service.url());
-    const LogRecorder log;
-    client.request(QStringLiteral("/a"));
+    const Exchange exchange(Answer::json(packed).with("Content-Encoding", "gzip"));
 
-    QCOMPARE(client.successes, QStringList{QString::fromUtf8(text)});
-    const QStringList lines = log.debug(QStringLiteral("[REST Responze.gzip] Compressed size: "));
+    QCOMPARE(exchange.client.successes, QStringList{QString::fromUtf8(text)});
+    const QStringList lines = exchange.log.debug(QStringLiteral("[REST Responze.gzip] Compressed size: "));
     QCOMPARE(lines.size(), 1);
     QVERIFY2(lines.first().trimmed().endsWith(' ' + QString::number(packed.size())),
              qPrintable(lines.first()));
-    QCOMPARE(log.debug(QStringLiteral("[REST Response] ")).size(), 1);
+    QCOMPARE(exchange.log.debug(QStringLiteral("[REST Response] ")).size(), 1);
 }
 
 void tst_PresenterClientReplies::gzipOfAFailureIsInflated()
 {
-    FakeService service;
-    service.expect("/a", Answer::json(Gzip::gzip("{\"a\":1}"), 500).with("content-encoding", "gzip"));
-    ClientProbe client(service.url());
-    client.request(QStringLiteral("/a"));
+    const Exchange exchange(Answer::json(Gzip::gzip("{\"a\":1}"), 500).with("content-encoding", "gzip"));
 
-    QCOMPARE(client.failures, QStringList{"{\"a\":1}"});
+    QCOMPARE(exchange.client.failures, QStringList{"{\"a\":1}"});
 }
 
 void tst_PresenterClientReplies::gzipNameIsCaseSensitive()
@@ -254,14 +253,11 @@ void tst_PresenterClientReplies::badGzipGivesAnEmptyBody()
     QFETCH(QByteArray, bytes);
     QFETCH(bool, warned);
 
-    FakeService service;
-    service.expect("/a", Answer::json(bytes).with("Content-Encoding", "gzip"));
-    ClientProbe client(service.url());
-    const LogRecorder log;
-    client.request(QStringLiteral("/a"));
+    const Exchange exchange(Answer::json(bytes).with("Content-Encoding", "gzip"));
 
-    QCOMPARE(client.successes, QStringList{QString()});
-    QCOMPARE(log.warnings(), warned ? QStringList{"gUncompress: Input data is truncated"} : QStringList());
+    QCOMPARE(exchange.client.successes, QStringList{QString()});
+    QCOMPARE(exchange.log.warnings(),
+             warned ? QStringList{"gUncompress: Input data is truncated"} : QStringList());
 }
 
 void tst_PresenterClientReplies::bodyEndsAtItsFirstNul_data()
