@@ -2,6 +2,7 @@
 
 #include "support/FakeService.h"
 #include "support/LogRecorder.h"
+#include "support/Sessions.h"
 
 #include <CalyxClient/Learner>
 #include <CalyxClient/PresenterClient>
@@ -9,6 +10,7 @@
 #include <QTest>
 
 using Answer = FakeService::Answer;
+using namespace Sessions;
 
 namespace {
 
@@ -16,21 +18,8 @@ const char USER[] = "/tavisto/login/user";
 const char SUBMIT[] = "/tavisto/login/submit";
 const char CREATE[] = "/tavisto/session/create";
 const char USERS[] = "/tavisto/session/getusers";
-const char STOP[] = "/tavisto/session/stop";
 
 const char LOGGED_IN[] = R"({"data":{"userLoginId":"u"}})";
-const char CREATED[] = R"({"data":{"sessionCode":"123456"}})";
-
-void createSession(PresenterClient& client)
-{
-    client.sessionSuccessResponse(QString::fromLatin1(CREATED));
-}
-
-void openSession(PresenterClient& client, const QString& token = QStringLiteral("T"))
-{
-    createSession(client);
-    client.sessionStartSuccessResponse(QStringLiteral(R"({"data":{"sessionToken":"%1"}})").arg(token));
-}
 
 /// The learners as "deviceId userName deviceType".
 QStringList texts(const QList<Calyx::Learner>& learners)

@@ -3,6 +3,7 @@
 #include "support/FakeService.h"
 #include "support/Lesson.h"
 #include "support/LogRecorder.h"
+#include "support/Sessions.h"
 #include "support/TimerClock.h"
 
 #include <CalyxClient/PresenterClient>
@@ -13,25 +14,7 @@
 #include <memory>
 
 using Answer = FakeService::Answer;
-
-namespace {
-
-const char STOP[] = "/tavisto/session/stop";
-
-const char CREATED[] = R"({"data":{"sessionCode":"123456"}})";
-
-void createSession(PresenterClient& client)
-{
-    client.sessionSuccessResponse(QString::fromLatin1(CREATED));
-}
-
-void openSession(PresenterClient& client, const QString& token = QStringLiteral("T"))
-{
-    createSession(client);
-    client.sessionStartSuccessResponse(QStringLiteral(R"({"data":{"sessionToken":"%1"}})").arg(token));
-}
-
-} // namespace
+using namespace Sessions;
 
 class tst_PresenterClientSessionEnd : public QObject
 {
