@@ -47,8 +47,11 @@ export class BusClient {
     return new Promise((resolve) => { this.#waiting.push({ fits, resolve }); });
   }
 
-  nextBody(fits = () => true) {
-    return this.next(({ type, body }) => type === 'rec' && fits(body)).then(({ body }) => body);
+  /** The body of the next message that fits; rejects when an error comes before it. */
+  async nextBody(fits = () => true) {
+    const frame = await this.next(({ type, body }) => type === 'err' || fits(body));
+    if (frame.type === 'err') throw new Error(`the bus has answered ${frame.body}`);
+    return frame.body;
   }
 
   /** Resolves when the server has dealt with all that was sent before: frames of a connection keep their order. */
