@@ -28,32 +28,6 @@ using FailingCalls::Failing;
 using FailingCalls::NoMemory;
 using Protocols = QList<SockJSConnector::PROTOCOL_TYPE>;
 
-/// Calls that the system refuses: each is reported as such a failure is, and afterwards everything works.
-class TestFailingCalls : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void initTestCase();
-
-    void openFails_data();
-    void openFails();
-    void sendFails_data();
-    void sendFails();
-    void handshakeFails_data();
-    void handshakeFails();
-    void requestFails_data();
-    void requestFails();
-    void requestOverTlsFails_data();
-    void requestOverTlsFails();
-    void noDescriptorsForTheBus_data();
-    void noDescriptorsForTheBus();
-    void noDescriptorsForTheService_data();
-    void noDescriptorsForTheService();
-    void noMemory_data();
-    void noMemory();
-};
-
 namespace {
 
 constexpr int pastTheLimit = 10600; // ms, of a request
@@ -114,93 +88,11 @@ void hurry(QObject* context)
 
 } // namespace
 
-void TestFailingCalls::initTestCase()
-{
-    qunsetenv("http_proxy");
-}
-
-void TestFailingCalls::openFails_data()
-{
-    QTest::addColumn<Protocols>("protocols");
-    QTest::addColumn<int>("call");
-    QTest::addColumn<int>("error");
-    addTransports([](const char* name, const Protocols& protocols) {
-        for (const int error : {ECONNREFUSED, ENETUNREACH, EHOSTUNREACH, ETIMEDOUT, EACCES, EADDRNOTAVAIL})
-            QTest::addRow("%s, connect: %s", name, strerror(error))
-                << protocols << int(FailingCalls::Connect) << error;
-        for (const int error : {EMFILE, ENFILE, ENOBUFS, ENOMEM, EACCES})
-            QTest::addRow("%s, socket: %s", name, strerror(error))
-                << protocols << int(FailingCalls::Socket) << error;
-        if (!protocols.contains(SockJSConnector::WEBSOCKET))
-            QTest::addRow("%s, thread", name) << protocols << int(FailingCalls::StartThread) << EAGAIN;
-    });
-}
-
-void TestFailingCalls::openFails()
-{
-    QFETCH(Protocols, protocols);
-    QFETCH(int, call);
-    QFETCH(int, error);
-    FakeSockJSServer server;
-    SockJSConnector connector;
-    ConnectorProbe probe(&connector);
-    const LogRecorder log;
-    {
-        const Failing failing(FailingCalls::Call(call), error);
-        QVERIFY(probe.open(server.url(), protocols));
-        QVERIFY(failing.hits() > 0);
-    }
-    QCOMPARE(probe.events(), QStringList());
-    const bool isXHR = !protocols.contains(SockJSConnector::WEBSOCKET);
-    QCOMPARE(log.debug(QStringLiteral("[SockJSXHRPolling] ")).size(), isXHR ? 1 : 0);
-    QCOMPARE(log.debug(QStringLiteral("[SockJSConnector] CONNECTED")).size(), 0);
-    QVERIFY(probe.openSession(server.url(), protocols));
-    connector.sendMessage(QStringLiteral("x"), false);
-    QCOMPARE(server.nextMessage(), QStringLiteral("x"));
-}
-
-void TestFailingCalls::sendFails_data()
-{
-    QTest::addColumn<Protocols>("protocols");
-    QTest::addColumn<int>("error");
-    addTransports([](const char* name, const Protocols& protocols) {
-        for (const int error : {EPIPE, ECONNRESET, ENETDOWN})
-            QTest::addRow("%s, %s", name, strerror(error)) << protocols << error;
-    });
-}
-
 // Without those of the row before, whose server has gone.
 static int failedPosts(const LogRecorder& log)
 {
     const QStringList lines = log.debug(QStringLiteral("[SockJSXHRPolling] xhr_send error: "));
     return lines.size() - lines.filter(QStringLiteral("refused")).size();
-}
-
-// A WebSocket ends with it; of an XHR transport the message is lost.
-void TestFailingCalls::sendFails()
-{
-    QFETCH(Protocols, protocols);
-    QFETCH(int, error);
-    FakeSockJSServer server;
-    SockJSConnector connector;
-    ConnectorProbe probe(&connector);
-    const LogRecorder log;
-    QVERIFY(probe.openSession(server.url(), protocols));
-    const bool isXHR = !protocols.contains(SockJSConnector::WEBSOCKET);
-    {
-        const Failing failing(FailingCalls::Send, error, server.port());
-        connector.sendMessage(QStringLiteral("lost"), false);
-        if (isXHR)
-            QTRY_COMPARE(failedPosts(log), 1);
-        else
-            QTRY_VERIFY(probe.hasClosed());
-        QVERIFY(failing.hits() > 0);
-    }
-    if (!isXHR)
-        QVERIFY(probe.openSession(server.url(), protocols));
-    connector.sendMessage(QStringLiteral("x"), false);
-    QCOMPARE(server.nextMessage(), QStringLiteral("x"));
-    QCOMPARE(probe.count(QStringLiteral("closed false")), isXHR ? 0 : 1);
 }
 
 using Script = ScriptedHttpServer::Script;
@@ -220,218 +112,305 @@ static QVector<QPair<const char*, Script>> brokenHandshakes()
             {"half an answer", {Server::hear(), Server::send(half), Server::close()}}};
 }
 
-void TestFailingCalls::handshakeFails_data()
-{
-    QTest::addColumn<Protocols>("protocols");
-    QTest::addColumn<Script>("script");
-    addTransports([](const char* name, const Protocols& protocols) {
-        for (const auto& broken : brokenHandshakes())
-            QTest::addRow("%s, %s", name, broken.first) << protocols << broken.second;
-    });
-}
-
-void TestFailingCalls::handshakeFails()
-{
-    QFETCH(Protocols, protocols);
-    QFETCH(Script, script);
-    ScriptedHttpServer broken;
-    // Qt makes a connection again that is reset before it has looked at it, as often as it takes.
-    for (int i = 0; i < manyTimes; ++i)
-        broken.onConnect(script);
-    FakeSockJSServer server;
-    SockJSConnector connector;
-    ConnectorProbe probe(&connector);
-    QVERIFY(probe.open(QUrl(QStringLiteral("https://127.0.0.1:%1").arg(broken.port())), protocols));
-    QCOMPARE(probe.events(), QStringList());
-    QVERIFY(broken.connections() > 0);
-    QVERIFY(probe.openSession(server.url(), protocols));
-}
-
-void TestFailingCalls::requestFails_data()
-{
-    QTest::addColumn<int>("call");
-    QTest::addColumn<int>("error");
-    for (const int error : {ECONNREFUSED, ENETUNREACH, EHOSTUNREACH, ETIMEDOUT, EACCES})
-        QTest::addRow("connect: %s", strerror(error)) << int(FailingCalls::Connect) << error;
-    for (const int error : {EMFILE, ENFILE, ENOBUFS, ENOMEM})
-        QTest::addRow("socket: %s", strerror(error)) << int(FailingCalls::Socket) << error;
-    for (const int error : {EPIPE, ECONNRESET, ENETDOWN})
-        QTest::addRow("send: %s", strerror(error)) << int(FailingCalls::Send) << error;
-    QTest::addRow("thread") << int(FailingCalls::StartThread) << EAGAIN;
-}
-
-void TestFailingCalls::requestFails()
-{
-    QFETCH(int, call);
-    QFETCH(int, error);
-    FakeService service;
-    PresenterClient client(nullptr, service.url());
-    const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-    const LogRecorder log;
-    {
-        const Failing failing(FailingCalls::Call(call), error, service.serverPort());
-        if (call == FailingCalls::StartThread)
-            hurry(&client);
-        QVERIFY(!logsIn(&client));
-        QVERIFY(failing.hits() > 0);
-    }
-    QCOMPARE(processed.size(), 1);
-    QCOMPARE(log.debug(QStringLiteral("ERROR: ")).size(), 1);
-    QVERIFY(client.lastError().isNull());
-    service.expect("/tavisto/login/submit", welcome());
-    QVERIFY(logsIn(&client));
-}
-
-void TestFailingCalls::requestOverTlsFails_data()
-{
-    QTest::addColumn<Script>("script");
-    for (const auto& broken : brokenHandshakes())
-        QTest::newRow(broken.first) << broken.second;
-}
-
-void TestFailingCalls::requestOverTlsFails()
-{
-    QFETCH(Script, script);
-    const TestCertificates::TrustedRoot trusted;
-    ScriptedHttpServer server;
-    // A connection that ends before its request is out is tried again.
-    for (int i = 0; i < manyTimes; ++i)
-        server.onConnect(script);
-    PresenterClient client(nullptr, QStringLiteral("https://127.0.0.1:%1").arg(server.port()));
-    const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-    const LogRecorder log;
-    QVERIFY(!logsIn(&client));
-    QCOMPARE(processed.size(), 1);
-    QCOMPARE(log.debug(QStringLiteral("ERROR: ")).size(), 1);
-
-    FakeService service(TestCertificates::server(QStringLiteral("loopback")));
-    service.expect("/tavisto/login/submit", welcome());
-    PresenterClient other(nullptr, service.url());
-    QVERIFY(logsIn(&other));
-}
-
-void TestFailingCalls::noDescriptorsForTheBus_data()
-{
-    QTest::addColumn<Protocols>("protocols");
-    QTest::addColumn<int>("left");
-    addTransports([](const char* name, const Protocols& protocols) {
-        for (int left = 0; left < 10; ++left)
-            QTest::addRow("%s, %d left", name, left) << protocols << left;
-    });
-}
-
-void TestFailingCalls::noDescriptorsForTheBus()
-{
-    QFETCH(Protocols, protocols);
-    QFETCH(int, left);
-    SockJSConnector connector;
-    ConnectorProbe probe(&connector);
-    {
-        FakeSockJSServer server;
-        const Descriptors few(left);
-        // The server may have none either.
-        connector.setOpenLimit(200);
-        QVERIFY(probe.open(server.url(), protocols));
-        connector.sendMessage(QStringLiteral("x"), false);
-        connector.close();
-    }
-    connector.setOpenLimit(0);
-    FakeSockJSServer server; // one that could not accept does not any more
-    QVERIFY(probe.openSession(server.url(), protocols));
-}
-
-void TestFailingCalls::noDescriptorsForTheService_data()
-{
-    QTest::addColumn<int>("left");
-    for (int left = 0; left < 10; ++left)
-        QTest::addRow("%d left", left) << left;
-}
-
-void TestFailingCalls::noDescriptorsForTheService()
-{
-    QFETCH(int, left);
-    FakeService service;
-    PresenterClient client(nullptr, service.url());
-    const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-    {
-        const Descriptors few(left);
-        service.expect("/tavisto/login/submit", welcome());
-        QObject context;
-        hurry(&context);
-        const bool done = logsIn(&client);
-        QCOMPARE(processed.size(), 1);
-        QVERIFY(done || client.lastError().isNull());
-        service.expectNoMore();
-    }
-    service.resumeAccepting(); // it has stopped if it could not
-    service.expect("/tavisto/login/submit", welcome());
-    QVERIFY(logsIn(&client));
-}
-
 using Step = std::function<bool()>;
 Q_DECLARE_METATYPE(Step)
 
-void TestFailingCalls::noMemory_data()
+/// Calls that the system refuses: each is reported as such a failure is, and afterwards everything works.
+class TestFailingCalls : public QObject
 {
-    QTest::addColumn<Step>("step");
-    const QString text = QStringLiteral("Zoë asks: ").repeated(20000);
-    QString base64;
-    QString list;
-    QVERIFY(Lzma::compress64(text, &base64) && Lzma::compress(text, &list));
-    const QByteArray block = QByteArray::fromBase64(base64.toLatin1());
-    QVariantList bytes;
-    for (const char byte : block)
-        bytes.append(int(quint8(byte)));
-    const QByteArray utf8 = text.toUtf8();
-    const QByteArray gzip = Gzip::gzip(utf8);
+    Q_OBJECT
 
-    const auto add = [](const char* name, const Step& step) { QTest::newRow(name) << step; };
-    add("compress64", [text, base64] {
-        QString out = QStringLiteral("before");
-        const bool ok = Lzma::compress64(text, &out);
-        return ok ? out == base64 : out != QLatin1String("before");
-    });
-    add("compress", [text, list] {
-        QString out = QStringLiteral("before");
-        const bool ok = Lzma::compress(text, &out);
-        return ok ? out == list : out != QLatin1String("before");
-    });
-    add("decompress64", [text, base64] {
-        QString out = QStringLiteral("before");
-        const bool ok = Lzma::decompress64(base64, &out);
-        return ok ? out == text : out != QLatin1String("before");
-    });
-    add("decompress, text", [text, list] {
-        QString out = QStringLiteral("before");
-        const bool ok = Lzma::decompress(list, &out);
-        return ok ? out == text : out != QLatin1String("before");
-    });
-    add("decompress, list", [text, bytes] {
-        QString out = QStringLiteral("before");
-        const bool ok = Lzma::decompress(bytes, &out);
-        return ok ? out == text : out != QLatin1String("before");
-    });
-    add("gUncompress", [utf8, gzip] { return gUncompress(gzip) == utf8; });
-}
+private Q_SLOTS:
+    void initTestCase() { qunsetenv("http_proxy"); }
 
-// Refuses the first request for memory, then the second and so on, until all are granted. A step that fails
-// leaves its result as it was, and the next one, which lacks nothing, succeeds.
-void TestFailingCalls::noMemory()
-{
-    QFETCH(Step, step);
-    int refused = 0;
-    for (bool hit = true; hit; ++refused) {
-        bool ok = false;
-        {
-            const NoMemory memory(refused + 1);
-            ok = step();
-            hit = memory.hit();
-        }
-        QVERIFY2(ok != hit, qPrintable(QString::number(refused)));
-        QVERIFY2(step(), qPrintable(QString::number(refused)));
+    void openFails_data()
+    {
+        QTest::addColumn<Protocols>("protocols");
+        QTest::addColumn<int>("call");
+        QTest::addColumn<int>("error");
+        addTransports([](const char* name, const Protocols& protocols) {
+            for (const int error :
+                 {ECONNREFUSED, ENETUNREACH, EHOSTUNREACH, ETIMEDOUT, EACCES, EADDRNOTAVAIL})
+                QTest::addRow("%s, connect: %s", name, strerror(error))
+                    << protocols << int(FailingCalls::Connect) << error;
+            for (const int error : {EMFILE, ENFILE, ENOBUFS, ENOMEM, EACCES})
+                QTest::addRow("%s, socket: %s", name, strerror(error))
+                    << protocols << int(FailingCalls::Socket) << error;
+            if (!protocols.contains(SockJSConnector::WEBSOCKET))
+                QTest::addRow("%s, thread", name) << protocols << int(FailingCalls::StartThread) << EAGAIN;
+        });
     }
-    QVERIFY(refused > 2);
-}
+
+    void openFails()
+    {
+        QFETCH(Protocols, protocols);
+        QFETCH(int, call);
+        QFETCH(int, error);
+        FakeSockJSServer server;
+        SockJSConnector connector;
+        ConnectorProbe probe(&connector);
+        const LogRecorder log;
+        {
+            const Failing failing(FailingCalls::Call(call), error);
+            QVERIFY(probe.open(server.url(), protocols));
+            QVERIFY(failing.hits() > 0);
+        }
+        QCOMPARE(probe.events(), QStringList());
+        const bool isXHR = !protocols.contains(SockJSConnector::WEBSOCKET);
+        QCOMPARE(log.debug(QStringLiteral("[SockJSXHRPolling] ")).size(), isXHR ? 1 : 0);
+        QCOMPARE(log.debug(QStringLiteral("[SockJSConnector] CONNECTED")).size(), 0);
+        QVERIFY(probe.openSession(server.url(), protocols));
+        connector.sendMessage(QStringLiteral("x"), false);
+        QCOMPARE(server.nextMessage(), QStringLiteral("x"));
+    }
+
+    void sendFails_data()
+    {
+        QTest::addColumn<Protocols>("protocols");
+        QTest::addColumn<int>("error");
+        addTransports([](const char* name, const Protocols& protocols) {
+            for (const int error : {EPIPE, ECONNRESET, ENETDOWN})
+                QTest::addRow("%s, %s", name, strerror(error)) << protocols << error;
+        });
+    }
+
+    // A WebSocket ends with it; of an XHR transport the message is lost.
+    void sendFails()
+    {
+        QFETCH(Protocols, protocols);
+        QFETCH(int, error);
+        FakeSockJSServer server;
+        SockJSConnector connector;
+        ConnectorProbe probe(&connector);
+        const LogRecorder log;
+        QVERIFY(probe.openSession(server.url(), protocols));
+        const bool isXHR = !protocols.contains(SockJSConnector::WEBSOCKET);
+        {
+            const Failing failing(FailingCalls::Send, error, server.port());
+            connector.sendMessage(QStringLiteral("lost"), false);
+            if (isXHR)
+                QTRY_COMPARE(failedPosts(log), 1);
+            else
+                QTRY_VERIFY(probe.hasClosed());
+            QVERIFY(failing.hits() > 0);
+        }
+        if (!isXHR)
+            QVERIFY(probe.openSession(server.url(), protocols));
+        connector.sendMessage(QStringLiteral("x"), false);
+        QCOMPARE(server.nextMessage(), QStringLiteral("x"));
+        QCOMPARE(probe.count(QStringLiteral("closed false")), isXHR ? 0 : 1);
+    }
+
+    void handshakeFails_data()
+    {
+        QTest::addColumn<Protocols>("protocols");
+        QTest::addColumn<Script>("script");
+        addTransports([](const char* name, const Protocols& protocols) {
+            for (const auto& broken : brokenHandshakes())
+                QTest::addRow("%s, %s", name, broken.first) << protocols << broken.second;
+        });
+    }
+
+    void handshakeFails()
+    {
+        QFETCH(Protocols, protocols);
+        QFETCH(Script, script);
+        ScriptedHttpServer broken;
+        // Qt makes a connection again that is reset before it has looked at it, as often as it takes.
+        for (int i = 0; i < manyTimes; ++i)
+            broken.onConnect(script);
+        FakeSockJSServer server;
+        SockJSConnector connector;
+        ConnectorProbe probe(&connector);
+        QVERIFY(probe.open(QUrl(QStringLiteral("https://127.0.0.1:%1").arg(broken.port())), protocols));
+        QCOMPARE(probe.events(), QStringList());
+        QVERIFY(broken.connections() > 0);
+        QVERIFY(probe.openSession(server.url(), protocols));
+    }
+
+    void requestFails_data()
+    {
+        QTest::addColumn<int>("call");
+        QTest::addColumn<int>("error");
+        for (const int error : {ECONNREFUSED, ENETUNREACH, EHOSTUNREACH, ETIMEDOUT, EACCES})
+            QTest::addRow("connect: %s", strerror(error)) << int(FailingCalls::Connect) << error;
+        for (const int error : {EMFILE, ENFILE, ENOBUFS, ENOMEM})
+            QTest::addRow("socket: %s", strerror(error)) << int(FailingCalls::Socket) << error;
+        for (const int error : {EPIPE, ECONNRESET, ENETDOWN})
+            QTest::addRow("send: %s", strerror(error)) << int(FailingCalls::Send) << error;
+        QTest::addRow("thread") << int(FailingCalls::StartThread) << EAGAIN;
+    }
+
+    void requestFails()
+    {
+        QFETCH(int, call);
+        QFETCH(int, error);
+        FakeService service;
+        PresenterClient client(nullptr, service.url());
+        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+        const LogRecorder log;
+        {
+            const Failing failing(FailingCalls::Call(call), error, service.serverPort());
+            if (call == FailingCalls::StartThread)
+                hurry(&client);
+            QVERIFY(!logsIn(&client));
+            QVERIFY(failing.hits() > 0);
+        }
+        QCOMPARE(processed.size(), 1);
+        QCOMPARE(log.debug(QStringLiteral("ERROR: ")).size(), 1);
+        QVERIFY(client.lastError().isNull());
+        service.expect("/tavisto/login/submit", welcome());
+        QVERIFY(logsIn(&client));
+    }
+
+    void requestOverTlsFails_data()
+    {
+        QTest::addColumn<Script>("script");
+        for (const auto& broken : brokenHandshakes())
+            QTest::newRow(broken.first) << broken.second;
+    }
+
+    void requestOverTlsFails()
+    {
+        QFETCH(Script, script);
+        const TestCertificates::TrustedRoot trusted;
+        ScriptedHttpServer server;
+        // A connection that ends before its request is out is tried again.
+        for (int i = 0; i < manyTimes; ++i)
+            server.onConnect(script);
+        PresenterClient client(nullptr, QStringLiteral("https://127.0.0.1:%1").arg(server.port()));
+        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+        const LogRecorder log;
+        QVERIFY(!logsIn(&client));
+        QCOMPARE(processed.size(), 1);
+        QCOMPARE(log.debug(QStringLiteral("ERROR: ")).size(), 1);
+
+        FakeService service(TestCertificates::server(QStringLiteral("loopback")));
+        service.expect("/tavisto/login/submit", welcome());
+        PresenterClient other(nullptr, service.url());
+        QVERIFY(logsIn(&other));
+    }
+
+    void noDescriptorsForTheBus_data()
+    {
+        QTest::addColumn<Protocols>("protocols");
+        QTest::addColumn<int>("left");
+        addTransports([](const char* name, const Protocols& protocols) {
+            for (int left = 0; left < 10; ++left)
+                QTest::addRow("%s, %d left", name, left) << protocols << left;
+        });
+    }
+
+    void noDescriptorsForTheBus()
+    {
+        QFETCH(Protocols, protocols);
+        QFETCH(int, left);
+        SockJSConnector connector;
+        ConnectorProbe probe(&connector);
+        {
+            FakeSockJSServer server;
+            const Descriptors few(left);
+            // The server may have none either.
+            connector.setOpenLimit(200);
+            QVERIFY(probe.open(server.url(), protocols));
+            connector.sendMessage(QStringLiteral("x"), false);
+            connector.close();
+        }
+        connector.setOpenLimit(0);
+        FakeSockJSServer server; // one that could not accept does not any more
+        QVERIFY(probe.openSession(server.url(), protocols));
+    }
+
+    void noDescriptorsForTheService_data()
+    {
+        QTest::addColumn<int>("left");
+        for (int left = 0; left < 10; ++left)
+            QTest::addRow("%d left", left) << left;
+    }
+
+    void noDescriptorsForTheService()
+    {
+        QFETCH(int, left);
+        FakeService service;
+        PresenterClient client(nullptr, service.url());
+        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+        {
+            const Descriptors few(left);
+            service.expect("/tavisto/login/submit", welcome());
+            QObject context;
+            hurry(&context);
+            const bool done = logsIn(&client);
+            QCOMPARE(processed.size(), 1);
+            QVERIFY(done || client.lastError().isNull());
+            service.expectNoMore();
+        }
+        service.resumeAccepting(); // it has stopped if it could not
+        service.expect("/tavisto/login/submit", welcome());
+        QVERIFY(logsIn(&client));
+    }
+
+    void noMemory_data()
+    {
+        QTest::addColumn<Step>("step");
+        const QString text = QStringLiteral("Zoë asks: ").repeated(20000);
+        QString base64;
+        QString list;
+        QVERIFY(Lzma::compress64(text, &base64) && Lzma::compress(text, &list));
+        const QByteArray block = QByteArray::fromBase64(base64.toLatin1());
+        QVariantList bytes;
+        for (const char byte : block)
+            bytes.append(int(quint8(byte)));
+        const QByteArray utf8 = text.toUtf8();
+        const QByteArray gzip = Gzip::gzip(utf8);
+
+        const auto add = [](const char* name, const Step& step) { QTest::newRow(name) << step; };
+        add("compress64", [text, base64] {
+            QString out = QStringLiteral("before");
+            const bool ok = Lzma::compress64(text, &out);
+            return ok ? out == base64 : out != QLatin1String("before");
+        });
+        add("compress", [text, list] {
+            QString out = QStringLiteral("before");
+            const bool ok = Lzma::compress(text, &out);
+            return ok ? out == list : out != QLatin1String("before");
+        });
+        add("decompress64", [text, base64] {
+            QString out = QStringLiteral("before");
+            const bool ok = Lzma::decompress64(base64, &out);
+            return ok ? out == text : out != QLatin1String("before");
+        });
+        add("decompress, text", [text, list] {
+            QString out = QStringLiteral("before");
+            const bool ok = Lzma::decompress(list, &out);
+            return ok ? out == text : out != QLatin1String("before");
+        });
+        add("decompress, list", [text, bytes] {
+            QString out = QStringLiteral("before");
+            const bool ok = Lzma::decompress(bytes, &out);
+            return ok ? out == text : out != QLatin1String("before");
+        });
+        add("gUncompress", [utf8, gzip] { return gUncompress(gzip) == utf8; });
+    }
+
+    // Refuses the first request for memory, then the second and so on, until all are granted. A step that
+    // fails leaves its result as it was, and the next one, which lacks nothing, succeeds.
+    void noMemory()
+    {
+        QFETCH(Step, step);
+        int refused = 0;
+        for (bool hit = true; hit; ++refused) {
+            bool ok = false;
+            {
+                const NoMemory memory(refused + 1);
+                ok = step();
+                hit = memory.hit();
+            }
+            QVERIFY2(ok != hit, qPrintable(QString::number(refused)));
+            QVERIFY2(step(), qPrintable(QString::number(refused)));
+        }
+        QVERIFY(refused > 2);
+    }
+};
 
 QTEST_GUILESS_MAIN(TestFailingCalls)
 #include "tst_FailingCalls.moc"

@@ -153,144 +153,136 @@ class TestHostileAnswers : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init() { m_log = std::make_unique<LogRecorder>(); }
-    void cleanup();
+    void initTestCase()
+    {
+        QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
+        m_before = std::make_unique<Resources>([] {
+            FaultSession session({"none", sent(plain(one)), gotOne}, false);
+            QVERIFY(session.open());
+            QVERIFY(waitFor([&] { return session.isThrough(); }));
+        });
+    }
 
-    void sessionGoesOn_data();
-    void sessionGoesOn();
+    void init() { m_log = std::make_unique<LogRecorder>(); }
+
+    void cleanup()
+    {
+        QVERIFY(m_before->areBack());
+        QCOMPARE(m_log->warnings(), QStringList());
+        m_log.reset();
+    }
+
+    void sessionGoesOn_data()
+    {
+        QTest::addColumn<bool>("streaming");
+        QTest::addColumn<int>("ending");
+        for (const bool streaming : {false, true}) {
+            const char* transport = streaming ? "streaming" : "polling";
+            QTest::addRow("%s, the connection stays", transport) << streaming << int(Stays);
+            QTest::addRow("%s, the server closes it", transport) << streaming << int(Closes);
+            QTest::addRow("%s, the server resets it", transport) << streaming << int(Resets);
+        }
+    }
+
+    void sessionGoesOn()
+    {
+        QFETCH(bool, streaming);
+        QFETCH(int, ending);
+        run(allFaults(streaming, Ending(ending)), streaming);
+    }
+
     void unfinishedAnswerIsGivenUp_data() { addTransports(); }
-    void unfinishedAnswerIsGivenUp();
-    void hundredMegabytesOfHeader_data();
-    void hundredMegabytesOfHeader();
+
+    // The server says how much is to come, and falls silent before that.
+    void unfinishedAnswerIsGivenUp()
+    {
+        QFETCH(bool, streaming);
+        const QStringList got = streaming ? gotOne : QStringList();
+        run({{"less than the length", sent(head("Content-Length: 100\r\n") + one + "a["), got},
+             {"less than a length of 60 MiB", sent(head("Content-Length: 62914560\r\n") + one + "a["), got},
+             {"less than the chunk", sent(chunkedHead() + "64\r\n" + one + "a["), got},
+             {"less than a chunk of 60 MiB", sent(chunkedHead() + "3c00000\r\n" + one + "a["), got},
+             {"half a header", sent("HTTP/1.1 200 OK\r\nContent-Le")}},
+            streaming);
+        const QString stall =
+            QStringLiteral("[SockJSXHRPollingWorker] Incoming data timeout, clearing buffer");
+        const QString buffer = QStringLiteral("[SockJSXHRPollingWorker.BufferData] = ");
+        const QString pending = streaming ? QStringLiteral("a[") : QString::fromUtf8(one + "a[");
+        QCOMPARE(m_log->debug(stall).size(), 5);
+        QCOMPARE(m_log->debug(buffer).count(buffer + pending), 4);
+        QCOMPARE(m_log->debug(buffer).count(buffer + QStringLiteral("HTTP/1.1 200 OK\r\nContent-Le")), 1);
+    }
+
+    void hundredMegabytesOfHeader_data()
+    {
+        QTest::addColumn<bool>("streaming");
+        QTest::addColumn<QByteArray>("begin");
+        QTest::addColumn<QByteArray>("piece");
+        const QByteArray status = "HTTP/1.1 200 OK\r\n";
+        for (const bool streaming : {false, true}) {
+            const char* transport = streaming ? "streaming" : "polling";
+            QTest::addRow("%s, one line", transport) << streaming << status + "A: " << QByteArray(1024, 'x');
+            QTest::addRow("%s, many lines", transport)
+                << streaming << status << "A: " + QByteArray(1019, 'x') + "\r\n";
+            QTest::addRow("%s, no header at all", transport)
+                << streaming << QByteArray() << QByteArray(1024, 'x');
+        }
+    }
+
+    void hundredMegabytesOfHeader()
+    {
+        QFETCH(bool, streaming);
+        QFETCH(QByteArray, begin);
+        QFETCH(QByteArray, piece);
+        const Server::Script flood{Server::send(begin), hundredMegabytes(piece)};
+        const PeakMemory memory;
+        run({{"a flood", flood}}, streaming);
+        QVERIFY2(memory.growth() <= Bounds::header, qPrintable(QString::number(memory.growth())));
+    }
+
     void hundredMegabytesOfLineBreaks_data() { addTransports(); }
-    void hundredMegabytesOfLineBreaks();
+
+    // They belong to no header, and the answer behind them counts.
+    void hundredMegabytesOfLineBreaks()
+    {
+        QFETCH(bool, streaming);
+        const Server::Script flood{hundredMegabytes(QByteArray("\r\n").repeated(512)),
+                                   Server::send(plain(one))};
+        const PeakMemory memory;
+        run({{"a flood", flood, gotOne}}, streaming);
+        QVERIFY2(memory.growth() <= Bounds::header, qPrintable(QString::number(memory.growth())));
+    }
 
 private:
-    static void addTransports();
-    void run(const QVector<Fault>& faults, bool streaming);
+    static void addTransports()
+    {
+        QTest::addColumn<bool>("streaming");
+        QTest::newRow("polling") << false;
+        QTest::newRow("streaming") << true;
+    }
+
+    void run(const QVector<Fault>& faults, bool streaming)
+    {
+        std::vector<std::unique_ptr<FaultSession>> sessions;
+        for (const Fault& fault : faults) {
+            sessions.push_back(std::make_unique<FaultSession>(fault, streaming));
+            QVERIFY2(sessions.back()->open(), qPrintable(fault.name));
+        }
+        for (const auto& session : sessions) {
+            const bool through = waitFor([&] { return session->isThrough(); }, Bounds::recovery);
+            QVERIFY2(through && session->verdict().isEmpty(), qPrintable(session->verdict()));
+            QVERIFY2(session->duration() <= Bounds::recovery, qPrintable(session->name()));
+        }
+        for (const auto& session : sessions) {
+            session->connector()->close();
+            QVERIFY2(waitFor([&] { return session->probe().hasClosed(); }), qPrintable(session->name()));
+            QCOMPARE(session->probe().count(QStringLiteral("closed false")), 1);
+        }
+    }
 
     std::unique_ptr<Resources> m_before;
     std::unique_ptr<LogRecorder> m_log;
 };
-
-void TestHostileAnswers::initTestCase()
-{
-    QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
-    m_before = std::make_unique<Resources>([] {
-        FaultSession session({"none", sent(plain(one)), gotOne}, false);
-        QVERIFY(session.open());
-        QVERIFY(waitFor([&] { return session.isThrough(); }));
-    });
-}
-
-void TestHostileAnswers::cleanup()
-{
-    QVERIFY(m_before->areBack());
-    QCOMPARE(m_log->warnings(), QStringList());
-    m_log.reset();
-}
-
-void TestHostileAnswers::run(const QVector<Fault>& faults, bool streaming)
-{
-    std::vector<std::unique_ptr<FaultSession>> sessions;
-    for (const Fault& fault : faults) {
-        sessions.push_back(std::make_unique<FaultSession>(fault, streaming));
-        QVERIFY2(sessions.back()->open(), qPrintable(fault.name));
-    }
-    for (const auto& session : sessions) {
-        const bool through = waitFor([&] { return session->isThrough(); }, Bounds::recovery);
-        QVERIFY2(through && session->verdict().isEmpty(), qPrintable(session->verdict()));
-        QVERIFY2(session->duration() <= Bounds::recovery, qPrintable(session->name()));
-    }
-    for (const auto& session : sessions) {
-        session->connector()->close();
-        QVERIFY2(waitFor([&] { return session->probe().hasClosed(); }), qPrintable(session->name()));
-        QCOMPARE(session->probe().count(QStringLiteral("closed false")), 1);
-    }
-}
-
-void TestHostileAnswers::sessionGoesOn_data()
-{
-    QTest::addColumn<bool>("streaming");
-    QTest::addColumn<int>("ending");
-    for (const bool streaming : {false, true}) {
-        const char* transport = streaming ? "streaming" : "polling";
-        QTest::addRow("%s, the connection stays", transport) << streaming << int(Stays);
-        QTest::addRow("%s, the server closes it", transport) << streaming << int(Closes);
-        QTest::addRow("%s, the server resets it", transport) << streaming << int(Resets);
-    }
-}
-
-void TestHostileAnswers::sessionGoesOn()
-{
-    QFETCH(bool, streaming);
-    QFETCH(int, ending);
-    run(allFaults(streaming, Ending(ending)), streaming);
-}
-
-void TestHostileAnswers::addTransports()
-{
-    QTest::addColumn<bool>("streaming");
-    QTest::newRow("polling") << false;
-    QTest::newRow("streaming") << true;
-}
-
-// The server says how much is to come, and falls silent before that.
-void TestHostileAnswers::unfinishedAnswerIsGivenUp()
-{
-    QFETCH(bool, streaming);
-    const QStringList got = streaming ? gotOne : QStringList();
-    run({{"less than the length", sent(head("Content-Length: 100\r\n") + one + "a["), got},
-         {"less than a length of 60 MiB", sent(head("Content-Length: 62914560\r\n") + one + "a["), got},
-         {"less than the chunk", sent(chunkedHead() + "64\r\n" + one + "a["), got},
-         {"less than a chunk of 60 MiB", sent(chunkedHead() + "3c00000\r\n" + one + "a["), got},
-         {"half a header", sent("HTTP/1.1 200 OK\r\nContent-Le")}},
-        streaming);
-    const QString stall = QStringLiteral("[SockJSXHRPollingWorker] Incoming data timeout, clearing buffer");
-    const QString buffer = QStringLiteral("[SockJSXHRPollingWorker.BufferData] = ");
-    const QString pending = streaming ? QStringLiteral("a[") : QString::fromUtf8(one + "a[");
-    QCOMPARE(m_log->debug(stall).size(), 5);
-    QCOMPARE(m_log->debug(buffer).count(buffer + pending), 4);
-    QCOMPARE(m_log->debug(buffer).count(buffer + QStringLiteral("HTTP/1.1 200 OK\r\nContent-Le")), 1);
-}
-
-void TestHostileAnswers::hundredMegabytesOfHeader_data()
-{
-    QTest::addColumn<bool>("streaming");
-    QTest::addColumn<QByteArray>("begin");
-    QTest::addColumn<QByteArray>("piece");
-    const QByteArray status = "HTTP/1.1 200 OK\r\n";
-    for (const bool streaming : {false, true}) {
-        const char* transport = streaming ? "streaming" : "polling";
-        QTest::addRow("%s, one line", transport) << streaming << status + "A: " << QByteArray(1024, 'x');
-        QTest::addRow("%s, many lines", transport)
-            << streaming << status << "A: " + QByteArray(1019, 'x') + "\r\n";
-        QTest::addRow("%s, no header at all", transport)
-            << streaming << QByteArray() << QByteArray(1024, 'x');
-    }
-}
-
-void TestHostileAnswers::hundredMegabytesOfHeader()
-{
-    QFETCH(bool, streaming);
-    QFETCH(QByteArray, begin);
-    QFETCH(QByteArray, piece);
-    const Server::Script flood{Server::send(begin), hundredMegabytes(piece)};
-    const PeakMemory memory;
-    run({{"a flood", flood}}, streaming);
-    QVERIFY2(memory.growth() <= Bounds::header, qPrintable(QString::number(memory.growth())));
-}
-
-// They belong to no header, and the answer behind them counts.
-void TestHostileAnswers::hundredMegabytesOfLineBreaks()
-{
-    QFETCH(bool, streaming);
-    const Server::Script flood{hundredMegabytes(QByteArray("\r\n").repeated(512)), Server::send(plain(one))};
-    const PeakMemory memory;
-    run({{"a flood", flood, gotOne}}, streaming);
-    QVERIFY2(memory.growth() <= Bounds::header, qPrintable(QString::number(memory.growth())));
-}
 
 QTEST_GUILESS_MAIN(TestHostileAnswers)
 #include "tst_HostileAnswers.moc"

@@ -23,83 +23,77 @@ class TestOpenCloseCycles : public ConnectorTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void cycles_data();
-    void cycles();
+    void initTestCase()
+    {
+        QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
+        m_before = std::make_unique<Resources>([this] {
+            for (const Protocol protocol : SockJSConnector::GetDefaultProtocols()) {
+                setUp();
+                m_protocols = {protocol};
+                QVERIFY(cycle(QStringLiteral("close")));
+                tearDown();
+            }
+        });
+    }
+
+    void cycles_data()
+    {
+        QTest::addColumn<QString>("transport");
+        QTest::addColumn<QString>("end");
+        for (const char* transport : {"websocket", "xhr-streaming", "xhr-polling"}) {
+            for (const char* end : {"close", "closed by the server", "open", "delete"})
+                QTest::addRow("%s, %s", transport, end)
+                    << QString::fromLatin1(transport) << QString::fromLatin1(end);
+        }
+    }
+
+    void cycles()
+    {
+        QFETCH(QString, transport);
+        QFETCH(QString, end);
+        m_protocols = SockJSConnector::GetProtocolsFromStrings({transport});
+        const int threads = ProcessResources::threads();
+        const int descriptors = ProcessResources::descriptors();
+        for (int i = 0; i < ::cycles; ++i) {
+            QVERIFY2(cycle(end), qPrintable(QString::number(i)));
+            m_log.reset(); // or the log of all of them is kept
+            m_log = std::make_unique<LogRecorder>();
+            QVERIFY2(ProcessResources::threads() <= threads + overlapping * threadsOfASession,
+                     qPrintable(QString::number(ProcessResources::threads())));
+            QVERIFY2(ProcessResources::descriptors() <= descriptors + overlapping * descriptorsOfASession,
+                     qPrintable(QString::number(ProcessResources::descriptors())));
+        }
+        tearDown();
+        QVERIFY(m_before->areBack());
+    }
 
 private:
-    bool cycle(const QString& end);
+    bool cycle(const QString& end)
+    {
+        const int closed = m_probe->count(QStringLiteral("closed false"));
+        if (!m_probe->openSession(m_server->url(), m_protocols))
+            return false;
+        m_connector->sendMessage(QStringLiteral("hello"), false);
+        if (m_server->nextMessage() != QLatin1String("hello") || !syncInbound())
+            return false;
+        if (end == QLatin1String("open"))
+            return true;
+        if (end == QLatin1String("delete")) {
+            delete m_connector;
+            m_connector = new SockJSConnector;
+            m_probe = std::make_unique<ConnectorProbe>(m_connector);
+            return true;
+        }
+        if (end == QLatin1String("close"))
+            m_connector->close();
+        else
+            m_server->closeSession();
+        return waitFor([&] { return m_probe->count(QStringLiteral("closed false")) == closed + 1; });
+    }
 
     std::unique_ptr<Resources> m_before;
     Protocols m_protocols;
 };
-
-void TestOpenCloseCycles::initTestCase()
-{
-    QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
-    m_before = std::make_unique<Resources>([this] {
-        for (const Protocol protocol : SockJSConnector::GetDefaultProtocols()) {
-            setUp();
-            m_protocols = {protocol};
-            QVERIFY(cycle(QStringLiteral("close")));
-            tearDown();
-        }
-    });
-}
-
-void TestOpenCloseCycles::cycles_data()
-{
-    QTest::addColumn<QString>("transport");
-    QTest::addColumn<QString>("end");
-    for (const char* transport : {"websocket", "xhr-streaming", "xhr-polling"}) {
-        for (const char* end : {"close", "closed by the server", "open", "delete"})
-            QTest::addRow("%s, %s", transport, end)
-                << QString::fromLatin1(transport) << QString::fromLatin1(end);
-    }
-}
-
-bool TestOpenCloseCycles::cycle(const QString& end)
-{
-    const int closed = m_probe->count(QStringLiteral("closed false"));
-    if (!m_probe->openSession(m_server->url(), m_protocols))
-        return false;
-    m_connector->sendMessage(QStringLiteral("hello"), false);
-    if (m_server->nextMessage() != QLatin1String("hello") || !syncInbound())
-        return false;
-    if (end == QLatin1String("open"))
-        return true;
-    if (end == QLatin1String("delete")) {
-        delete m_connector;
-        m_connector = new SockJSConnector;
-        m_probe = std::make_unique<ConnectorProbe>(m_connector);
-        return true;
-    }
-    if (end == QLatin1String("close"))
-        m_connector->close();
-    else
-        m_server->closeSession();
-    return waitFor([&] { return m_probe->count(QStringLiteral("closed false")) == closed + 1; });
-}
-
-void TestOpenCloseCycles::cycles()
-{
-    QFETCH(QString, transport);
-    QFETCH(QString, end);
-    m_protocols = SockJSConnector::GetProtocolsFromStrings({transport});
-    const int threads = ProcessResources::threads();
-    const int descriptors = ProcessResources::descriptors();
-    for (int i = 0; i < ::cycles; ++i) {
-        QVERIFY2(cycle(end), qPrintable(QString::number(i)));
-        m_log.reset(); // or the log of all of them is kept
-        m_log = std::make_unique<LogRecorder>();
-        QVERIFY2(ProcessResources::threads() <= threads + overlapping * threadsOfASession,
-                 qPrintable(QString::number(ProcessResources::threads())));
-        QVERIFY2(ProcessResources::descriptors() <= descriptors + overlapping * descriptorsOfASession,
-                 qPrintable(QString::number(ProcessResources::descriptors())));
-    }
-    tearDown();
-    QVERIFY(m_before->areBack());
-}
 
 QTEST_GUILESS_MAIN(TestOpenCloseCycles)
 #include "tst_OpenCloseCycles.moc"

@@ -98,122 +98,112 @@ class TestPauses : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init() { m_log = std::make_unique<LogRecorder>(); }
-    void cleanup();
+    void initTestCase()
+    {
+        QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
+        m_before = std::make_unique<Resources>([] {
+            FaultSession session({QStringLiteral("none"), {Server::send(FaultSession::good(false, "h"))}},
+                                 false);
+            QVERIFY(session.open());
+            QVERIFY(waitFor([&] { return session.isThrough(); }));
+        });
+    }
 
-    void shortPauseIsWaitedOut();
-    void longPauseBetweenPiecesIsWaitedOut();
-    void longPauseInAPieceLosesTheAnswer();
-    void slowTrickleIsNoStall();
+    void init() { m_log = std::make_unique<LogRecorder>(); }
+
+    void cleanup()
+    {
+        m_sessions.clear();
+        QVERIFY(m_before->areBack());
+        QCOMPARE(m_log->warnings(), QStringList());
+        m_log.reset();
+    }
+
+    void shortPauseIsWaitedOut()
+    {
+        for (const Sample& answer : samples()) {
+            for (const Place& place : placesIn(answer))
+                open(answer.name + place.name, answer.streaming,
+                     {Server::send(answer.bytes.left(place.at)), Server::pause(below),
+                      Server::send(answer.bytes.mid(place.at))},
+                     answer.messages);
+        }
+        verifyThrough();
+        QCOMPARE(m_log->debug(stallLine), QStringList());
+    }
+
+    void longPauseBetweenPiecesIsWaitedOut()
+    {
+        for (const Sample& answer : samples()) {
+            for (const Place& place : placesIn(answer)) {
+                if (!place.isInPiece)
+                    open(answer.name + place.name, answer.streaming,
+                         {Server::send(answer.bytes.left(place.at)), Server::pause(beyond),
+                          Server::send(answer.bytes.mid(place.at))},
+                         answer.messages);
+            }
+        }
+        verifyThrough();
+        QCOMPARE(m_log->debug(stallLine), QStringList());
+    }
+
+    // The rest comes once the worker has given the beginning up. The texts hold an "HTTP/1.1", which must not
+    // pass for a new answer.
+    void longPauseInAPieceLosesTheAnswer()
+    {
+        for (const Sample& answer : samples()) {
+            for (const Place& place : placesIn(answer)) {
+                if (place.isInPiece)
+                    open(answer.name + place.name, answer.streaming,
+                         {Server::send(answer.bytes.left(place.at)), Server::hold(),
+                          Server::send(answer.bytes.mid(place.at))},
+                         completeIn(answer, place.at));
+            }
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(m_log->debug(stallLine).size(), static_cast<int>(m_sessions.size()),
+                                  Bounds::recovery);
+        for (const auto& session : m_sessions)
+            session->server()->release();
+        verifyThrough();
+    }
+
+    // An answer may take its time, as long as something comes.
+    void slowTrickleIsNoStall()
+    {
+        constexpr int pieces = 3;
+        for (const Sample& answer : samples()) {
+            Server::Script script;
+            const int size = answer.bytes.size() / pieces + 1;
+            for (int at = 0; at < answer.bytes.size(); at += size)
+                script << Server::send(answer.bytes.mid(at, size)) << Server::pause(below);
+            open(answer.name, answer.streaming, script, answer.messages);
+        }
+        verifyThrough(pieces * below + Bounds::recovery);
+        QCOMPARE(m_log->debug(stallLine), QStringList());
+    }
 
 private:
     using Sessions = std::vector<std::unique_ptr<FaultSession>>;
 
-    void open(const QString& name, bool streaming, const Server::Script& script, const QStringList& messages);
-    void verifyThrough(int limit = Bounds::recovery);
+    void open(const QString& name, bool streaming, const Server::Script& script, const QStringList& messages)
+    {
+        m_sessions.push_back(std::make_unique<FaultSession>(Fault{name, script, messages}, streaming));
+        QVERIFY2(m_sessions.back()->open(), qPrintable(name));
+    }
+
+    void verifyThrough(int limit = Bounds::recovery)
+    {
+        for (const auto& session : m_sessions) {
+            const bool through = waitFor([&] { return session->isThrough(); }, limit);
+            QVERIFY2(through && session->verdict().isEmpty(), qPrintable(session->verdict()));
+            QVERIFY2(session->duration() <= limit, qPrintable(session->name()));
+        }
+    }
 
     std::unique_ptr<Resources> m_before;
     std::unique_ptr<LogRecorder> m_log;
     Sessions m_sessions;
 };
-
-void TestPauses::initTestCase()
-{
-    QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
-    m_before = std::make_unique<Resources>([] {
-        FaultSession session({QStringLiteral("none"), {Server::send(FaultSession::good(false, "h"))}}, false);
-        QVERIFY(session.open());
-        QVERIFY(waitFor([&] { return session.isThrough(); }));
-    });
-}
-
-void TestPauses::cleanup()
-{
-    m_sessions.clear();
-    QVERIFY(m_before->areBack());
-    QCOMPARE(m_log->warnings(), QStringList());
-    m_log.reset();
-}
-
-void TestPauses::open(const QString& name, bool streaming, const Server::Script& script,
-                      const QStringList& messages)
-{
-    m_sessions.push_back(std::make_unique<FaultSession>(Fault{name, script, messages}, streaming));
-    QVERIFY2(m_sessions.back()->open(), qPrintable(name));
-}
-
-void TestPauses::verifyThrough(int limit)
-{
-    for (const auto& session : m_sessions) {
-        const bool through = waitFor([&] { return session->isThrough(); }, limit);
-        QVERIFY2(through && session->verdict().isEmpty(), qPrintable(session->verdict()));
-        QVERIFY2(session->duration() <= limit, qPrintable(session->name()));
-    }
-}
-
-void TestPauses::shortPauseIsWaitedOut()
-{
-    for (const Sample& answer : samples()) {
-        for (const Place& place : placesIn(answer))
-            open(answer.name + place.name, answer.streaming,
-                 {Server::send(answer.bytes.left(place.at)), Server::pause(below),
-                  Server::send(answer.bytes.mid(place.at))},
-                 answer.messages);
-    }
-    verifyThrough();
-    QCOMPARE(m_log->debug(stallLine), QStringList());
-}
-
-void TestPauses::longPauseBetweenPiecesIsWaitedOut()
-{
-    for (const Sample& answer : samples()) {
-        for (const Place& place : placesIn(answer)) {
-            if (!place.isInPiece)
-                open(answer.name + place.name, answer.streaming,
-                     {Server::send(answer.bytes.left(place.at)), Server::pause(beyond),
-                      Server::send(answer.bytes.mid(place.at))},
-                     answer.messages);
-        }
-    }
-    verifyThrough();
-    QCOMPARE(m_log->debug(stallLine), QStringList());
-}
-
-// The rest comes once the worker has given the beginning up. The texts hold an "HTTP/1.1", which must not
-// pass for a new answer.
-void TestPauses::longPauseInAPieceLosesTheAnswer()
-{
-    for (const Sample& answer : samples()) {
-        for (const Place& place : placesIn(answer)) {
-            if (place.isInPiece)
-                open(answer.name + place.name, answer.streaming,
-                     {Server::send(answer.bytes.left(place.at)), Server::hold(),
-                      Server::send(answer.bytes.mid(place.at))},
-                     completeIn(answer, place.at));
-        }
-    }
-    QTRY_COMPARE_WITH_TIMEOUT(m_log->debug(stallLine).size(), static_cast<int>(m_sessions.size()),
-                              Bounds::recovery);
-    for (const auto& session : m_sessions)
-        session->server()->release();
-    verifyThrough();
-}
-
-// An answer may take its time, as long as something comes.
-void TestPauses::slowTrickleIsNoStall()
-{
-    constexpr int pieces = 3;
-    for (const Sample& answer : samples()) {
-        Server::Script script;
-        const int size = answer.bytes.size() / pieces + 1;
-        for (int at = 0; at < answer.bytes.size(); at += size)
-            script << Server::send(answer.bytes.mid(at, size)) << Server::pause(below);
-        open(answer.name, answer.streaming, script, answer.messages);
-    }
-    verifyThrough(pieces * below + Bounds::recovery);
-    QCOMPARE(m_log->debug(stallLine), QStringList());
-}
 
 QTEST_GUILESS_MAIN(TestPauses)
 #include "tst_Pauses.moc"

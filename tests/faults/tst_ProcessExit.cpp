@@ -18,71 +18,71 @@ class TestProcessExit : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void exits_data();
-    void exits();
-};
-
-void TestProcessExit::exits_data()
-{
-    QTest::addColumn<QString>("transport");
-    QTest::addColumn<QString>("way");
-    for (const char* transport : {"websocket", "xhr-streaming", "xhr-polling"}) {
-        for (const char* way : {"deleted before the application", "child of the application",
-                                "deleted after the application", "deleted by exit", "never deleted", "exit"})
-            QTest::addRow("%s, %s", transport, way)
-                << QString::fromLatin1(transport) << QString::fromLatin1(way);
-    }
-}
-
-// A process for each state, all at a time.
-void TestProcessExit::exits()
-{
-    QFETCH(QString, transport);
-    QFETCH(QString, way);
-    struct Run
+    void exits_data()
     {
-        QString state;
-        Server server;
-        QProcess process;
-    };
-    std::vector<std::unique_ptr<Run>> runs;
-    for (const char* state : {"idle", "opening", "waiting", "connected", "open", "message", "sending",
-                              "closing", "closed", "reopening"}) {
-        // Nobody can act while an XHR transport is opened.
-        if (qstrcmp(state, "opening") == 0 && transport != QLatin1String("websocket"))
-            continue;
-        auto run = std::make_unique<Run>();
-        run->state = QString::fromLatin1(state);
-        run->server.setFirstFrames({QStringLiteral("o"), QStringLiteral("a[\"x\",\"y\"]")});
-        if (qstrcmp(state, "opening") == 0)
-            run->server.setUpgrade(Server::Silent);
-        if (qstrcmp(state, "waiting") == 0)
-            run->server.setFirstFrames({});
-        run->server.holdPosts();
-        // What is never deleted is no leak of ours, also where a sanitizer looks for leaks.
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("detect_leaks=0"));
-        run->process.setProcessEnvironment(environment);
-        run->process.start(QStringLiteral(EXITING_HOST),
-                           {run->server.url().toString(), transport, run->state, way});
-        runs.push_back(std::move(run));
+        QTest::addColumn<QString>("transport");
+        QTest::addColumn<QString>("way");
+        for (const char* transport : {"websocket", "xhr-streaming", "xhr-polling"}) {
+            for (const char* way :
+                 {"deleted before the application", "child of the application",
+                  "deleted after the application", "deleted by exit", "never deleted", "exit"})
+                QTest::addRow("%s, %s", transport, way)
+                    << QString::fromLatin1(transport) << QString::fromLatin1(way);
+        }
     }
-    QElapsedTimer clock;
-    clock.start();
-    for (const auto& run : runs) {
-        const bool ended =
-            waitFor([&] { return run->process.state() == QProcess::NotRunning; }, Bounds::givingBack);
-        const QByteArray errors = run->process.readAllStandardError();
-        const QByteArray said = run->process.readAllStandardOutput();
-        QVERIFY2(ended, qPrintable(run->state + QStringLiteral(" does not end: ") + QString::fromUtf8(said)));
-        QVERIFY2(run->process.exitStatus() == QProcess::NormalExit, qPrintable(run->state));
-        QVERIFY2(run->process.exitCode() == 0, qPrintable(run->state + QString::fromUtf8(errors)));
-        QVERIFY2(errors.isEmpty(), qPrintable(run->state + QStringLiteral(": ") + QString::fromUtf8(errors)));
-        QVERIFY2(said == "exiting\n", qPrintable(run->state));
-        QVERIFY2(waitFor([&] { return run->server.openConnections() == 0; }), qPrintable(run->state));
+
+    // A process for each state, all at a time.
+    void exits()
+    {
+        QFETCH(QString, transport);
+        QFETCH(QString, way);
+        struct Run
+        {
+            QString state;
+            Server server;
+            QProcess process;
+        };
+        std::vector<std::unique_ptr<Run>> runs;
+        for (const char* state : {"idle", "opening", "waiting", "connected", "open", "message", "sending",
+                                  "closing", "closed", "reopening"}) {
+            // Nobody can act while an XHR transport is opened.
+            if (qstrcmp(state, "opening") == 0 && transport != QLatin1String("websocket"))
+                continue;
+            auto run = std::make_unique<Run>();
+            run->state = QString::fromLatin1(state);
+            run->server.setFirstFrames({QStringLiteral("o"), QStringLiteral("a[\"x\",\"y\"]")});
+            if (qstrcmp(state, "opening") == 0)
+                run->server.setUpgrade(Server::Silent);
+            if (qstrcmp(state, "waiting") == 0)
+                run->server.setFirstFrames({});
+            run->server.holdPosts();
+            // What is never deleted is no leak of ours, also where a sanitizer looks for leaks.
+            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+            environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("detect_leaks=0"));
+            run->process.setProcessEnvironment(environment);
+            run->process.start(QStringLiteral(EXITING_HOST),
+                               {run->server.url().toString(), transport, run->state, way});
+            runs.push_back(std::move(run));
+        }
+        QElapsedTimer clock;
+        clock.start();
+        for (const auto& run : runs) {
+            const bool ended =
+                waitFor([&] { return run->process.state() == QProcess::NotRunning; }, Bounds::givingBack);
+            const QByteArray errors = run->process.readAllStandardError();
+            const QByteArray said = run->process.readAllStandardOutput();
+            QVERIFY2(ended,
+                     qPrintable(run->state + QStringLiteral(" does not end: ") + QString::fromUtf8(said)));
+            QVERIFY2(run->process.exitStatus() == QProcess::NormalExit, qPrintable(run->state));
+            QVERIFY2(run->process.exitCode() == 0, qPrintable(run->state + QString::fromUtf8(errors)));
+            QVERIFY2(errors.isEmpty(),
+                     qPrintable(run->state + QStringLiteral(": ") + QString::fromUtf8(errors)));
+            QVERIFY2(said == "exiting\n", qPrintable(run->state));
+            QVERIFY2(waitFor([&] { return run->server.openConnections() == 0; }), qPrintable(run->state));
+        }
+        QVERIFY2(clock.elapsed() <= Bounds::givingBack, qPrintable(QString::number(clock.elapsed())));
     }
-    QVERIFY2(clock.elapsed() <= Bounds::givingBack, qPrintable(QString::number(clock.elapsed())));
-}
+};
 
 QTEST_GUILESS_MAIN(TestProcessExit)
 #include "tst_ProcessExit.moc"

@@ -66,144 +66,139 @@ private Q_SLOTS:
     void initTestCase() { QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy); }
 
     void splitAtEveryByte_data() { Recordings::addRows(isGood); }
-    void splitAtEveryByte();
-    void badAnswerSplitAtEveryByte_data();
-    void badAnswerSplitAtEveryByte();
-    void byteByByte_data() { Recordings::addRows(); }
-    void byteByByte();
-    void connectionEndsAtEveryByte_data();
-    void connectionEndsAtEveryByte();
-    void answersThatNobodyAskedForAreDropped_data();
-    void answersThatNobodyAskedForAreDropped();
-};
 
-void TestRecordedSplits::splitAtEveryByte()
-{
-    const Answer& answer = Recordings::ofRow();
-    const QList<int> splits = splitsOf(answer);
-    Server server;
-    WorkerRun run(server.port());
-    LogRecorder log;
-    QVERIFY(run.start());
-    const int frames = answer.ends().size();
-    for (int round = 0; round < splits.size(); ++round) {
-        const int at = splits.at(round);
-        server.answer("", Server::Script{Server::send(answer.bytes.left(at)), Server::pause(pieceGap),
-                                         Server::send(answer.bytes.mid(at))});
-        run.messages.clear();
-        QVERIFY(run.queue(pathOf(answer)));
-        QVERIFY2(waitFor([&] { return isOver(run, answer, round, frames); }),
-                 qPrintable(QStringLiteral("split at %1").arg(at)));
-        QVERIFY2(Recordings::contents(run.messages) == answer.contents,
-                 qPrintable(QStringLiteral("split at %1").arg(at)));
-    }
-    QCOMPARE(run.headers.size(), splits.size());
-    QVERIFY(!run.reports.join(QLatin1Char(' ')).contains(QLatin1String("lost")));
-    QCOMPARE(log.debug(QStringLiteral("[SockJSXHRPollingWorker] Incoming data timeout")), QStringList());
-}
-
-void TestRecordedSplits::badAnswerSplitAtEveryByte_data()
-{
-    Recordings::addRows([](const Answer& answer) { return !isGood(answer); });
-}
-
-// A worker for each split, and many at a time: each would wait for a second before its next request.
-void TestRecordedSplits::badAnswerSplitAtEveryByte()
-{
-    const Answer& answer = Recordings::ofRow();
-    Server server;
-    for (int begin = 1; begin < answer.bytes.size(); begin += atOnce) {
-        std::vector<std::unique_ptr<WorkerRun>> runs;
-        for (int at = begin; at < std::min(begin + atOnce, answer.bytes.size()); ++at) {
+    void splitAtEveryByte()
+    {
+        const Answer& answer = Recordings::ofRow();
+        const QList<int> splits = splitsOf(answer);
+        Server server;
+        WorkerRun run(server.port());
+        LogRecorder log;
+        QVERIFY(run.start());
+        const int frames = answer.ends().size();
+        for (int round = 0; round < splits.size(); ++round) {
+            const int at = splits.at(round);
             server.answer("", Server::Script{Server::send(answer.bytes.left(at)), Server::pause(pieceGap),
                                              Server::send(answer.bytes.mid(at))});
-            runs.push_back(std::make_unique<WorkerRun>(server.port()));
-            QVERIFY(runs.back()->start());
-            QVERIFY(runs.back()->queue());
+            run.messages.clear();
+            QVERIFY(run.queue(pathOf(answer)));
+            QVERIFY2(waitFor([&] { return isOver(run, answer, round, frames); }),
+                     qPrintable(QStringLiteral("split at %1").arg(at)));
+            QVERIFY2(Recordings::contents(run.messages) == answer.contents,
+                     qPrintable(QStringLiteral("split at %1").arg(at)));
         }
-        for (const auto& run : runs) {
-            QVERIFY(waitFor([&] { return !run->messages.isEmpty(); }));
-            QCOMPARE(Recordings::contents(run->messages), answer.contents);
-            QCOMPARE(run->reports.mid(0, 2), QStringList({"header 0", "message 0"}));
-        }
+        QCOMPARE(run.headers.size(), splits.size());
+        QVERIFY(!run.reports.join(QLatin1Char(' ')).contains(QLatin1String("lost")));
+        QCOMPARE(log.debug(QStringLiteral("[SockJSXHRPollingWorker] Incoming data timeout")), QStringList());
     }
-    QVERIFY(server.isUsedUp());
-}
 
-void TestRecordedSplits::byteByByte()
-{
-    const Answer& answer = Recordings::ofRow();
-    Server server;
-    server.answer("", Server::bytewise(answer.bytes));
-    WorkerRun run(server.port());
-    QVERIFY(run.start());
-    QVERIFY(run.queue(pathOf(answer)));
-    QVERIFY(waitFor([&] { return isOver(run, answer, 0, answer.ends().size()); }));
-    QCOMPARE(Recordings::contents(run.messages), answer.contents);
-    QCOMPARE(run.headers.size(), 1);
-}
+    void badAnswerSplitAtEveryByte_data()
+    {
+        Recordings::addRows([](const Answer& answer) { return !isGood(answer); });
+    }
 
-void TestRecordedSplits::connectionEndsAtEveryByte_data()
-{
-    Recordings::addRows([](const Answer& answer) {
-        return answer.isStream() || answer.isPage() || answer.name.endsWith(QLatin1String("-messages"));
-    });
-}
+    // A worker for each split, and many at a time: each would wait for a second before its next request.
+    void badAnswerSplitAtEveryByte()
+    {
+        const Answer& answer = Recordings::ofRow();
+        Server server;
+        for (int begin = 1; begin < answer.bytes.size(); begin += atOnce) {
+            std::vector<std::unique_ptr<WorkerRun>> runs;
+            for (int at = begin; at < std::min(begin + atOnce, answer.bytes.size()); ++at) {
+                server.answer("", Server::Script{Server::send(answer.bytes.left(at)), Server::pause(pieceGap),
+                                                 Server::send(answer.bytes.mid(at))});
+                runs.push_back(std::make_unique<WorkerRun>(server.port()));
+                QVERIFY(runs.back()->start());
+                QVERIFY(runs.back()->queue());
+            }
+            for (const auto& run : runs) {
+                QVERIFY(waitFor([&] { return !run->messages.isEmpty(); }));
+                QCOMPARE(Recordings::contents(run->messages), answer.contents);
+                QCOMPARE(run->reports.mid(0, 2), QStringList({"header 0", "message 0"}));
+            }
+        }
+        QVERIFY(server.isUsedUp());
+    }
 
-// What was complete is delivered and the rest is lost, without a trace in what the next connection brings.
-void TestRecordedSplits::connectionEndsAtEveryByte()
-{
-    const Answer& answer = Recordings::ofRow();
-    const QList<int> ends = answer.ends();
-    Server server;
-    // A connection that has brought an answer is made anew at once.
-    server.answerAlways(goodPoll.toUtf8(), HttpText::plain("h\n"));
-    WorkerRun run(server.port());
-    QVERIFY(run.start());
-    const QList<int> cuts = splitsOf(answer);
-    for (int round = 0; round < cuts.size(); ++round) {
-        const int at = cuts.at(round);
-        const auto complete = std::count_if(ends.begin(), ends.end(), [at](int end) { return end <= at; });
-        server.answer(pathOf(answer).toUtf8(),
-                      Server::Script{Server::send(answer.bytes.left(at)), Server::close()});
-        run.messages.clear();
-        run.reports.clear();
-        QVERIFY(run.queue(goodPoll));
+    void byteByByte_data() { Recordings::addRows(); }
+
+    void byteByByte()
+    {
+        const Answer& answer = Recordings::ofRow();
+        Server server;
+        server.answer("", Server::bytewise(answer.bytes));
+        WorkerRun run(server.port());
+        QVERIFY(run.start());
         QVERIFY(run.queue(pathOf(answer)));
-        QVERIFY2(waitFor([&] { return run.reconnects == round + 1; }),
-                 qPrintable(QStringLiteral("cut at %1").arg(at)));
-        QCOMPARE(run.messages.takeFirst(), QStringLiteral("h"));
-        const QStringList whole = answer.isStream() || complete > 0 ? answer.contents : QStringList();
-        const int due = answer.isStream() ? static_cast<int>(complete) : whole.size();
-        QVERIFY2(Recordings::contents(run.messages) == whole.mid(0, due),
-                 qPrintable(QStringLiteral("cut at %1: ").arg(at) + run.messages.join(QLatin1Char('|'))));
+        QVERIFY(waitFor([&] { return isOver(run, answer, 0, answer.ends().size()); }));
+        QCOMPARE(Recordings::contents(run.messages), answer.contents);
+        QCOMPARE(run.headers.size(), 1);
     }
-}
 
-void TestRecordedSplits::answersThatNobodyAskedForAreDropped_data()
-{
-    Recordings::addRows([](const Answer& answer) { return answer.isChunked() || answer.closes(); });
-}
+    void connectionEndsAtEveryByte_data()
+    {
+        Recordings::addRows([](const Answer& answer) {
+            return answer.isStream() || answer.isPage() || answer.name.endsWith(QLatin1String("-messages"));
+        });
+    }
 
-void TestRecordedSplits::answersThatNobodyAskedForAreDropped()
-{
-    const Answer& answer = Recordings::ofRow();
-    Server server;
-    server.onConnect({Server::send(answer.bytes)});
-    server.answer("", HttpText::plain("a[\"asked\"]\n"));
-    WorkerRun run(server.port());
-    LogRecorder log;
-    QVERIFY(run.start());
-    // Only when it has been read it is the answer to no request.
-    const QString read = QStringLiteral("[SockJSXHRPollingWorker] chunk complete size");
-    QTRY_VERIFY(run.reconnects == 1 || !log.debug(read).isEmpty());
-    run.reports.clear();
-    QVERIFY(run.queue());
-    QVERIFY(waitFor([&] { return run.messages.size() == 1; }));
-    run.reports.removeAll(QStringLiteral("reconnected"));
-    QCOMPARE(run.reports, QStringList({"header 0", "message 0"}));
-    QCOMPARE(run.messages, QStringList("a[\"asked\"]"));
-}
+    // What was complete is delivered and the rest is lost, without a trace in what the next connection
+    // brings.
+    void connectionEndsAtEveryByte()
+    {
+        const Answer& answer = Recordings::ofRow();
+        const QList<int> ends = answer.ends();
+        Server server;
+        // A connection that has brought an answer is made anew at once.
+        server.answerAlways(goodPoll.toUtf8(), HttpText::plain("h\n"));
+        WorkerRun run(server.port());
+        QVERIFY(run.start());
+        const QList<int> cuts = splitsOf(answer);
+        for (int round = 0; round < cuts.size(); ++round) {
+            const int at = cuts.at(round);
+            const auto complete =
+                std::count_if(ends.begin(), ends.end(), [at](int end) { return end <= at; });
+            server.answer(pathOf(answer).toUtf8(),
+                          Server::Script{Server::send(answer.bytes.left(at)), Server::close()});
+            run.messages.clear();
+            run.reports.clear();
+            QVERIFY(run.queue(goodPoll));
+            QVERIFY(run.queue(pathOf(answer)));
+            QVERIFY2(waitFor([&] { return run.reconnects == round + 1; }),
+                     qPrintable(QStringLiteral("cut at %1").arg(at)));
+            QCOMPARE(run.messages.takeFirst(), QStringLiteral("h"));
+            const QStringList whole = answer.isStream() || complete > 0 ? answer.contents : QStringList();
+            const int due = answer.isStream() ? static_cast<int>(complete) : whole.size();
+            QVERIFY2(Recordings::contents(run.messages) == whole.mid(0, due),
+                     qPrintable(QStringLiteral("cut at %1: ").arg(at) + run.messages.join(QLatin1Char('|'))));
+        }
+    }
+
+    void answersThatNobodyAskedForAreDropped_data()
+    {
+        Recordings::addRows([](const Answer& answer) { return answer.isChunked() || answer.closes(); });
+    }
+
+    void answersThatNobodyAskedForAreDropped()
+    {
+        const Answer& answer = Recordings::ofRow();
+        Server server;
+        server.onConnect({Server::send(answer.bytes)});
+        server.answer("", HttpText::plain("a[\"asked\"]\n"));
+        WorkerRun run(server.port());
+        LogRecorder log;
+        QVERIFY(run.start());
+        // Only when it has been read it is the answer to no request.
+        const QString read = QStringLiteral("[SockJSXHRPollingWorker] chunk complete size");
+        QTRY_VERIFY(run.reconnects == 1 || !log.debug(read).isEmpty());
+        run.reports.clear();
+        QVERIFY(run.queue());
+        QVERIFY(waitFor([&] { return run.messages.size() == 1; }));
+        run.reports.removeAll(QStringLiteral("reconnected"));
+        QCOMPARE(run.reports, QStringList({"header 0", "message 0"}));
+        QCOMPARE(run.messages, QStringList("a[\"asked\"]"));
+    }
+};
 
 QTEST_GUILESS_MAIN(TestRecordedSplits)
 #include "tst_RecordedSplits.moc"

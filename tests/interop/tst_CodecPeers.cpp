@@ -177,172 +177,167 @@ class tst_CodecPeers : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void xzReadsOurBlocks();
-    void npmReadsOurBlocks();
-    void weReadThoseOfXz();
-    void weReadThoseOfNpm();
-    void damagedBlocksGiveTheSameAsWithXz();
-    void whoAcceptsWhat_data();
-    void whoAcceptsWhat();
+    void initTestCase()
+    {
+        for (int i = 0; i < TEXTS; ++i)
+            m_texts.append(textOf(i));
+        QVERIFY(std::any_of(m_texts.begin(), m_texts.end(), [](const auto& text) { return text.isEmpty(); }));
+        QVERIFY(std::any_of(m_texts.begin(), m_texts.end(),
+                            [](const auto& text) { return text.size() > 90000; }));
+    }
+
+    void xzReadsOurBlocks()
+    {
+        const Files files;
+        for (int i = 0; i < TEXTS; ++i)
+            QVERIFY(files.write(i, ".lzma", compressed(m_texts.at(i))));
+        QCOMPARE(files.xz("--decompress", ".lzma"), 0);
+        for (int i = 0; i < TEXTS; ++i)
+            QVERIFY2(isSame(files.read(i, ""), m_texts.at(i)), qPrintable(QString::number(i)));
+    }
+
+    void npmReadsOurBlocks()
+    {
+        const Files files;
+        for (int i = 0; i < TEXTS; ++i)
+            QVERIFY(files.write(i, ".lzma", compressed(m_texts.at(i))));
+        QVERIFY(files.npm("decompress"));
+        for (int i = 0; i < TEXTS; ++i)
+            QVERIFY2(isSame(files.read(i, ".out"), m_texts.at(i)), qPrintable(QString::number(i)));
+    }
+
+    // xz never writes the size, which our blocks must have.
+    void weReadThoseOfXz()
+    {
+        const Files files;
+        for (int i = 0; i < TEXTS; ++i)
+            QVERIFY(files.write(i, ".txt", m_texts.at(i)));
+        QCOMPARE(files.xz("--compress", ".txt"), 0);
+        for (int i = 0; i < TEXTS; ++i) {
+            const QByteArray block = files.read(i, ".txt.lzma");
+            QCOMPARE(block.mid(SIZE_OFFSET, HEADER - SIZE_OFFSET), QByteArray(8, '\xff'));
+            QVERIFY2(isSame(decompressed(withSize(block, m_texts.at(i).size())), m_texts.at(i)),
+                     qPrintable(QString::number(i)));
+            QVERIFY(decompressed(block).isNull());
+        }
+    }
+
+    void weReadThoseOfNpm()
+    {
+        const Files files;
+        for (int i = 0; i < TEXTS; ++i)
+            QVERIFY(files.write(i, ".txt", m_texts.at(i)));
+        QVERIFY(files.npm("compress"));
+        for (int i = 0; i < TEXTS; ++i)
+            QVERIFY2(isSame(decompressed(files.read(i, ".lzma")), m_texts.at(i)),
+                     qPrintable(QString::number(i)));
+    }
+
+    void damagedBlocksGiveTheSameAsWithXz()
+    {
+        const Files files;
+        const Files withoutSize;
+        QMap<int, QByteArray> endedEarly;
+        QList<QByteArray> blocks;
+        for (int i = 0; i < TEXTS; ++i) {
+            blocks.append(damaged(compressed(m_texts.at(i)), i));
+            QVERIFY(files.write(i, ".lzma", blocks.at(i)));
+        }
+        QVERIFY(files.xz("--decompress", ".lzma") > 0);
+        int refused = 0;
+        for (int i = 0; i < TEXTS; ++i) {
+            const QByteArray theirs = upToNul(files.read(i, ""));
+            const QByteArray ours = decompressed(blocks.at(i));
+            refused += ours.isNull() ? 1 : 0;
+            if (isSame(ours, theirs))
+                continue;
+            // xz reads on behind the end, and wants the size to be right where there is an end marker as
+            // well. We do neither: a text that is complete is.
+            QVERIFY2(theirs.isNull(), qPrintable(QString::number(i)));
+            if (isSame(ours, m_texts.at(i)))
+                continue;
+            QVERIFY2(ours.size() < m_texts.at(i).size(), qPrintable(QString::number(i)));
+            endedEarly.insert(i, ours);
+            QVERIFY(withoutSize.write(i, ".lzma", withSize(blocks.at(i), UNKNOWN_SIZE)));
+        }
+        // A damage that looks like the end marker: without the size, xz sees the same text.
+        QCOMPARE(withoutSize.xz("--decompress", ".lzma"), 0);
+        for (auto text = endedEarly.cbegin(); text != endedEarly.cend(); ++text)
+            QCOMPARE(upToNul(withoutSize.read(text.key(), "")), text.value());
+        QVERIFY(refused > TEXTS / 2);
+        QVERIFY(endedEarly.size() < TEXTS / 100);
+    }
+
+    void whoAcceptsWhat_data()
+    {
+        QTest::addColumn<QByteArray>("block");
+        QTest::addColumn<bool>("we");
+        QTest::addColumn<bool>("xz");
+        QTest::addColumn<bool>("npm");
+        const QByteArray text = "a text of 25 characters..";
+        const QByteArray block = compressed(text);
+        const auto withTables = [](int lc, int lp) {
+            QByteArray empty = compressed(QByteArray()); // holds no literal, for which alone these count
+            empty[0] = static_cast<char>((2 * 5 + lp) * 9 + lc);
+            return empty;
+        };
+        const auto withDictionary = [block](quint32 size) {
+            QByteArray changed = block;
+            qToLittleEndian(size, changed.data() + 1);
+            return changed;
+        };
+        QByteArray badStart = block;
+        badStart[HEADER] = 1;
+
+        QTest::newRow("as we write it") << block << true << true << true;
+        QTest::newRow("empty text") << compressed(QByteArray()) << true << true << true;
+        QTest::newRow("nothing") << QByteArray() << false << false << false;
+        QTest::newRow("header alone") << block.left(HEADER) << false << false << false;
+        QTest::newRow("first byte of the stream") << badStart << false << false << true;
+        QTest::newRow("no size") << withSize(block, UNKNOWN_SIZE) << false << true << true;
+        QTest::newRow("size too large by one") << withSize(block, 26) << true << false << true;
+        QTest::newRow("size too small by one") << withSize(block, 24) << false << false << true;
+        QTest::newRow("size beyond 32 bits")
+            << withSize(block, (Q_INT64_C(1) << 32) + 25) << true << false << true;
+        QTest::newRow("something behind the end marker") << block + "more" << true << false << true;
+        QTest::newRow("a literal's context of 4 bits") << withTables(4, 0) << true << true << true;
+        QTest::newRow("a literal's context of 8 and 4 bits") << withTables(8, 4) << false << false << true;
+        QTest::newRow("a literal's context of 3 and 2 bits") << withTables(3, 2) << false << false << true;
+        QTest::newRow("no dictionary") << withDictionary(0) << true << false << false;
+        QTest::newRow("dictionary of an odd size") << withDictionary(12345) << true << false << true;
+    }
+
+    // Where the three differ, and why we stay with what we do:
+    // - A block says how long its text is, if only at most. xz writes -1 and looks for the end marker, which
+    // our
+    //   peers never send; xz then wants a size that is said to be right to the byte, the package takes what
+    //   it got until either end.
+    // - Of the size we read 32 bits, and a text ends where it ends: what stands behind it is not looked at.
+    // - Tables of more than 4 bits take megabytes for a block of 20 bytes. Neither encoder is set so unless
+    // it is
+    //   asked to.
+    // - The dictionary's size is a claim: we keep the whole text and need none. xz takes only sizes that it
+    // would
+    //   write, the package nothing that reaches back further.
+    // - The package does not look at the stream's first byte, which is always 0.
+    void whoAcceptsWhat()
+    {
+        QFETCH(QByteArray, block);
+        QFETCH(bool, we);
+        QFETCH(bool, xz);
+        QFETCH(bool, npm);
+        const Files files;
+        QVERIFY(files.write(0, ".lzma", block));
+        QVERIFY(files.npm("decompress"));
+        QCOMPARE(!files.read(0, ".out").isNull(), npm);
+        files.xz("--decompress", ".lzma");
+        QCOMPARE(!files.read(0, "").isNull(), xz);
+        QCOMPARE(!decompressed(block).isNull(), we);
+    }
 
 private:
     QList<QByteArray> m_texts;
 };
-
-void tst_CodecPeers::initTestCase()
-{
-    for (int i = 0; i < TEXTS; ++i)
-        m_texts.append(textOf(i));
-    QVERIFY(std::any_of(m_texts.begin(), m_texts.end(), [](const auto& text) { return text.isEmpty(); }));
-    QVERIFY(
-        std::any_of(m_texts.begin(), m_texts.end(), [](const auto& text) { return text.size() > 90000; }));
-}
-
-void tst_CodecPeers::xzReadsOurBlocks()
-{
-    const Files files;
-    for (int i = 0; i < TEXTS; ++i)
-        QVERIFY(files.write(i, ".lzma", compressed(m_texts.at(i))));
-    QCOMPARE(files.xz("--decompress", ".lzma"), 0);
-    for (int i = 0; i < TEXTS; ++i)
-        QVERIFY2(isSame(files.read(i, ""), m_texts.at(i)), qPrintable(QString::number(i)));
-}
-
-void tst_CodecPeers::npmReadsOurBlocks()
-{
-    const Files files;
-    for (int i = 0; i < TEXTS; ++i)
-        QVERIFY(files.write(i, ".lzma", compressed(m_texts.at(i))));
-    QVERIFY(files.npm("decompress"));
-    for (int i = 0; i < TEXTS; ++i)
-        QVERIFY2(isSame(files.read(i, ".out"), m_texts.at(i)), qPrintable(QString::number(i)));
-}
-
-// xz never writes the size, which our blocks must have.
-void tst_CodecPeers::weReadThoseOfXz()
-{
-    const Files files;
-    for (int i = 0; i < TEXTS; ++i)
-        QVERIFY(files.write(i, ".txt", m_texts.at(i)));
-    QCOMPARE(files.xz("--compress", ".txt"), 0);
-    for (int i = 0; i < TEXTS; ++i) {
-        const QByteArray block = files.read(i, ".txt.lzma");
-        QCOMPARE(block.mid(SIZE_OFFSET, HEADER - SIZE_OFFSET), QByteArray(8, '\xff'));
-        QVERIFY2(isSame(decompressed(withSize(block, m_texts.at(i).size())), m_texts.at(i)),
-                 qPrintable(QString::number(i)));
-        QVERIFY(decompressed(block).isNull());
-    }
-}
-
-void tst_CodecPeers::weReadThoseOfNpm()
-{
-    const Files files;
-    for (int i = 0; i < TEXTS; ++i)
-        QVERIFY(files.write(i, ".txt", m_texts.at(i)));
-    QVERIFY(files.npm("compress"));
-    for (int i = 0; i < TEXTS; ++i)
-        QVERIFY2(isSame(decompressed(files.read(i, ".lzma")), m_texts.at(i)), qPrintable(QString::number(i)));
-}
-
-void tst_CodecPeers::damagedBlocksGiveTheSameAsWithXz()
-{
-    const Files files;
-    const Files withoutSize;
-    QMap<int, QByteArray> endedEarly;
-    QList<QByteArray> blocks;
-    for (int i = 0; i < TEXTS; ++i) {
-        blocks.append(damaged(compressed(m_texts.at(i)), i));
-        QVERIFY(files.write(i, ".lzma", blocks.at(i)));
-    }
-    QVERIFY(files.xz("--decompress", ".lzma") > 0);
-    int refused = 0;
-    for (int i = 0; i < TEXTS; ++i) {
-        const QByteArray theirs = upToNul(files.read(i, ""));
-        const QByteArray ours = decompressed(blocks.at(i));
-        refused += ours.isNull() ? 1 : 0;
-        if (isSame(ours, theirs))
-            continue;
-        // xz reads on behind the end, and wants the size to be right where there is an end marker as well. We
-        // do neither: a text that is complete is.
-        QVERIFY2(theirs.isNull(), qPrintable(QString::number(i)));
-        if (isSame(ours, m_texts.at(i)))
-            continue;
-        QVERIFY2(ours.size() < m_texts.at(i).size(), qPrintable(QString::number(i)));
-        endedEarly.insert(i, ours);
-        QVERIFY(withoutSize.write(i, ".lzma", withSize(blocks.at(i), UNKNOWN_SIZE)));
-    }
-    // A damage that looks like the end marker: without the size, xz sees the same text.
-    QCOMPARE(withoutSize.xz("--decompress", ".lzma"), 0);
-    for (auto text = endedEarly.cbegin(); text != endedEarly.cend(); ++text)
-        QCOMPARE(upToNul(withoutSize.read(text.key(), "")), text.value());
-    QVERIFY(refused > TEXTS / 2);
-    QVERIFY(endedEarly.size() < TEXTS / 100);
-}
-
-void tst_CodecPeers::whoAcceptsWhat_data()
-{
-    QTest::addColumn<QByteArray>("block");
-    QTest::addColumn<bool>("we");
-    QTest::addColumn<bool>("xz");
-    QTest::addColumn<bool>("npm");
-    const QByteArray text = "a text of 25 characters..";
-    const QByteArray block = compressed(text);
-    const auto withTables = [](int lc, int lp) {
-        QByteArray empty = compressed(QByteArray()); // holds no literal, for which alone these count
-        empty[0] = static_cast<char>((2 * 5 + lp) * 9 + lc);
-        return empty;
-    };
-    const auto withDictionary = [block](quint32 size) {
-        QByteArray changed = block;
-        qToLittleEndian(size, changed.data() + 1);
-        return changed;
-    };
-    QByteArray badStart = block;
-    badStart[HEADER] = 1;
-
-    QTest::newRow("as we write it") << block << true << true << true;
-    QTest::newRow("empty text") << compressed(QByteArray()) << true << true << true;
-    QTest::newRow("nothing") << QByteArray() << false << false << false;
-    QTest::newRow("header alone") << block.left(HEADER) << false << false << false;
-    QTest::newRow("first byte of the stream") << badStart << false << false << true;
-    QTest::newRow("no size") << withSize(block, UNKNOWN_SIZE) << false << true << true;
-    QTest::newRow("size too large by one") << withSize(block, 26) << true << false << true;
-    QTest::newRow("size too small by one") << withSize(block, 24) << false << false << true;
-    QTest::newRow("size beyond 32 bits")
-        << withSize(block, (Q_INT64_C(1) << 32) + 25) << true << false << true;
-    QTest::newRow("something behind the end marker") << block + "more" << true << false << true;
-    QTest::newRow("a literal's context of 4 bits") << withTables(4, 0) << true << true << true;
-    QTest::newRow("a literal's context of 8 and 4 bits") << withTables(8, 4) << false << false << true;
-    QTest::newRow("a literal's context of 3 and 2 bits") << withTables(3, 2) << false << false << true;
-    QTest::newRow("no dictionary") << withDictionary(0) << true << false << false;
-    QTest::newRow("dictionary of an odd size") << withDictionary(12345) << true << false << true;
-}
-
-// Where the three differ, and why we stay with what we do:
-// - A block says how long its text is, if only at most. xz writes -1 and looks for the end marker, which our
-//   peers never send; xz then wants a size that is said to be right to the byte, the package takes what it
-//   got until either end.
-// - Of the size we read 32 bits, and a text ends where it ends: what stands behind it is not looked at.
-// - Tables of more than 4 bits take megabytes for a block of 20 bytes. Neither encoder is set so unless it is
-//   asked to.
-// - The dictionary's size is a claim: we keep the whole text and need none. xz takes only sizes that it would
-//   write, the package nothing that reaches back further.
-// - The package does not look at the stream's first byte, which is always 0.
-void tst_CodecPeers::whoAcceptsWhat()
-{
-    QFETCH(QByteArray, block);
-    QFETCH(bool, we);
-    QFETCH(bool, xz);
-    QFETCH(bool, npm);
-    const Files files;
-    QVERIFY(files.write(0, ".lzma", block));
-    QVERIFY(files.npm("decompress"));
-    QCOMPARE(!files.read(0, ".out").isNull(), npm);
-    files.xz("--decompress", ".lzma");
-    QCOMPARE(!files.read(0, "").isNull(), xz);
-    QCOMPARE(!decompressed(block).isNull(), we);
-}
 
 INTEROP_MAIN(tst_CodecPeers)
 #include "tst_CodecPeers.moc"

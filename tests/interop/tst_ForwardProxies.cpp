@@ -8,34 +8,227 @@
 
 #include <QElapsedTimer>
 
+namespace {
+
+const QString demandsPassword = QStringLiteral("BasicAuth pupil secret");
+
+} // namespace
+
 /// A forward proxy as the only way out: the server's door turns away whoever does not come from there.
 class TestForwardProxies : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+    void init()
+    {
+        m_door = std::make_unique<Peer>();
+        m_proxy = std::make_unique<Peer>();
+    }
 
-    void directConnectionsAreRefused();
+    void cleanup()
+    {
+        m_proxy.reset();
+        m_door.reset();
+        qunsetenv("http_proxy");
+        QNetworkProxyFactory::setUseSystemConfiguration(false);
+    }
+
+    void directConnectionsAreRefused()
+    {
+        Peer bus(Peers::nodeBus());
+        VERIFY_STARTED(bus.start());
+        startDoor(bus);
+        Host host(m_door->url());
+        QVERIFY(host.tryOpen({Transport::webSocket}));
+        QVERIFY(!host.collab()->isConnected());
+        PresenterClient client(nullptr, doorForRequests().toString());
+        QVERIFY(!client.checkServer(QString(), QString()));
+        QCOMPARE(bus.count(QStringLiteral("request ")), 0);
+        QCOMPARE(bus.count(QStringLiteral("upgrade ")), 0);
+    }
+
     void carriesTenThousandTexts_data() { addTransports(); }
-    void carriesTenThousandTexts();
+
+    void carriesTenThousandTexts()
+    {
+        QFETCH(QString, transport);
+        Peer bus(Peers::nodeBus());
+        VERIFY_STARTED(bus.start());
+        startDoor(bus);
+        startProxy();
+        useProxy();
+        Host host(m_door->url());
+        for (int round = 1; round <= 2; ++round) {
+            QVERIFY(host.open(transport));
+            QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
+            QCOMPARE(host.closed(), round - 1);
+            QVERIFY(host.close());
+        }
+        QCOMPARE(bus.count(QStringLiteral("open ")), 2);
+    }
+
     void carriesALesson_data() { addTransports(); }
-    void carriesALesson();
-    void keepsAnsweringTheRealProxy();
+
+    void carriesALesson()
+    {
+        QFETCH(QString, transport);
+        Peer classroom(Peers::classroom());
+        VERIFY_STARTED(classroom.start());
+        startDoor(classroom);
+        startProxy();
+        useProxy();
+        QNetworkProxyFactory::setUseSystemConfiguration(true);
+
+        ClassroomSession lesson(doorForRequests());
+        QVERIFY(lesson.client().checkServer(QString(), QString()));
+        QVERIFY(lesson.create());
+        lesson.client().setSockJSOverrideProtocols({transport});
+        PresenterCollab* collab = nullptr;
+        QVERIFY(lesson.client().startWebsocket(&collab));
+        Host host(collab);
+        QTRY_VERIFY(collab->isConnected());
+        QVERIFY(host.exchange(10));
+        QVERIFY(host.close());
+        QVERIFY(lesson.client().doGetLearners());
+        QVERIFY(lesson.client().doStopSession());
+    }
+
+    void keepsAnsweringTheRealProxy()
+    {
+        Peer bus(Peers::nodeBus());
+        VERIFY_STARTED(bus.start());
+        startDoor(bus);
+        startProxy();
+        useProxy();
+        const QString address = QStringLiteral("127.0.0.1:%1").arg(m_proxy->port());
+        Host host(m_door->url());
+        for (int round = 0; round < 3; ++round) {
+            for (const QString& transport : Transport::all) {
+                QVERIFY(host.open(transport));
+                QCOMPARE(QSystemConfigurationProxyFactory::getProxyString(), address);
+                QVERIFY(host.close());
+            }
+        }
+    }
+
     void proxyGoesAndComesBack_data() { addTransports(); }
-    void proxyGoesAndComesBack();
+
+    void proxyGoesAndComesBack()
+    {
+        QFETCH(QString, transport);
+        Peer bus(Peers::nodeBus({QStringLiteral("--count"), QStringLiteral("100")}));
+        VERIFY_STARTED(bus.start());
+        startDoor(bus);
+        startProxy();
+        useProxy();
+        Host host(m_door->url());
+        QVERIFY(host.open(transport));
+        m_proxy->kill();
+        QVERIFY(host.waitForClosed(1));
+        QVERIFY(host.tryOpen({transport}));
+        QVERIFY(!host.collab()->isConnected());
+        VERIFY_STARTED(m_proxy->start());
+        QVERIFY(host.open(transport));
+        QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
+        QCOMPARE(host.connected(), 2);
+        QCOMPARE(host.closed(), 1);
+        QVERIFY(host.close());
+    }
+
     void passwordIsDemanded_data() { addTransports(); }
-    void passwordIsDemanded();
-    void passwordIsDemandedOfRequests();
+
+    void passwordIsDemanded()
+    {
+        constexpr int longest = 5000; // ms
+        QFETCH(QString, transport);
+        Peer bus(Peers::nodeBus());
+        VERIFY_STARTED(bus.start());
+        startDoor(bus);
+        startProxy(demandsPassword);
+        useProxy();
+        Host host(m_door->url());
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(host.tryOpen({transport}));
+        QVERIFY(clock.elapsed() < longest);
+        QVERIFY(!host.collab()->isConnected());
+        QCOMPARE(bus.count(QStringLiteral("request ")), 0);
+        // Nothing of it comes up later: the proxy lets us pass from now on.
+        m_proxy->end();
+        startProxy();
+        useProxy();
+        QVERIFY(host.open(transport));
+        QCOMPARE(host.connected(), 1);
+        QCOMPARE(host.closed(), 0);
+        QVERIFY(host.close());
+    }
+
+    void passwordIsDemandedOfRequests()
+    {
+        Peer classroom(Peers::classroom());
+        VERIFY_STARTED(classroom.start());
+        startDoor(classroom);
+        startProxy(demandsPassword);
+        useProxy();
+        QNetworkProxyFactory::setUseSystemConfiguration(true);
+        LogRecorder log;
+        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=true"));
+        PresenterClient client(nullptr, doorForRequests().toString());
+        QVERIFY(!client.checkServer(QString(), QString()));
+        QVERIFY(!client.doLogin(QStringLiteral("teacher"), QStringLiteral("chalk")));
+        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+        const QStringList errors = log.debug(QStringLiteral("ERROR: "));
+        QVERIFY(!errors.isEmpty());
+        QVERIFY2(errors.first().contains(QStringLiteral("auth"), Qt::CaseInsensitive),
+                 qPrintable(errors.first()));
+    }
+
     void passwordIsKnown_data() { addTransports(); }
-    void passwordIsKnown();
+
+    void passwordIsKnown()
+    {
+        QFETCH(QString, transport);
+        Peer bus(Peers::nodeBus({QStringLiteral("--count"), QStringLiteral("100")}));
+        VERIFY_STARTED(bus.start());
+        startDoor(bus);
+        startProxy(demandsPassword);
+        useProxy("pupil:secret@");
+        Host host(m_door->url());
+        QVERIFY(host.open(transport));
+        QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
+        QVERIFY(host.close());
+    }
 
 private:
-    void addTransports();
-    void startDoor(const Peer& server);
-    void startProxy(const QString& options = QString());
-    void useProxy(const QByteArray& credentials = QByteArray());
+    void addTransports()
+    {
+        QTest::addColumn<QString>("transport");
+        for (const QString& transport : Transport::all)
+            QTest::newRow(qPrintable(transport)) << transport;
+    }
+
+    void startDoor(const Peer& server)
+    {
+        m_door->setProgram(Peers::haproxy(
+            {server.port()},
+            {{QStringLiteral("FRONTEND"), QStringLiteral("bind %1:@PORT@\n"
+                                                         "tcp-request connection reject unless { src %1 }")
+                                              .arg(Peers::forwarded)}}));
+        VERIFY_STARTED(m_door->start());
+    }
+
+    void startProxy(const QString& options = QString())
+    {
+        m_proxy->setProgram(Peers::tinyproxy(options));
+        VERIFY_STARTED(m_proxy->start());
+    }
+
+    void useProxy(const QByteArray& credentials = QByteArray())
+    {
+        qputenv("http_proxy",
+                "http://" + credentials + "127.0.0.1:" + QByteArray::number(m_proxy->port()) + "/");
+    }
 
     /// The door for Qt's own requests, for which it uses no proxy to an address of loopback: this one means
     /// the same.
@@ -44,210 +237,6 @@ private:
     std::unique_ptr<Peer> m_door;
     std::unique_ptr<Peer> m_proxy;
 };
-
-namespace {
-
-const QString demandsPassword = QStringLiteral("BasicAuth pupil secret");
-
-} // namespace
-
-void TestForwardProxies::init()
-{
-    m_door = std::make_unique<Peer>();
-    m_proxy = std::make_unique<Peer>();
-}
-
-void TestForwardProxies::cleanup()
-{
-    m_proxy.reset();
-    m_door.reset();
-    qunsetenv("http_proxy");
-    QNetworkProxyFactory::setUseSystemConfiguration(false);
-}
-
-void TestForwardProxies::addTransports()
-{
-    QTest::addColumn<QString>("transport");
-    for (const QString& transport : Transport::all)
-        QTest::newRow(qPrintable(transport)) << transport;
-}
-
-void TestForwardProxies::startDoor(const Peer& server)
-{
-    m_door->setProgram(Peers::haproxy(
-        {server.port()},
-        {{QStringLiteral("FRONTEND"), QStringLiteral("bind %1:@PORT@\n"
-                                                     "tcp-request connection reject unless { src %1 }")
-                                          .arg(Peers::forwarded)}}));
-    VERIFY_STARTED(m_door->start());
-}
-
-void TestForwardProxies::startProxy(const QString& options)
-{
-    m_proxy->setProgram(Peers::tinyproxy(options));
-    VERIFY_STARTED(m_proxy->start());
-}
-
-void TestForwardProxies::useProxy(const QByteArray& credentials)
-{
-    qputenv("http_proxy", "http://" + credentials + "127.0.0.1:" + QByteArray::number(m_proxy->port()) + "/");
-}
-
-void TestForwardProxies::directConnectionsAreRefused()
-{
-    Peer bus(Peers::nodeBus());
-    VERIFY_STARTED(bus.start());
-    startDoor(bus);
-    Host host(m_door->url());
-    QVERIFY(host.tryOpen({Transport::webSocket}));
-    QVERIFY(!host.collab()->isConnected());
-    PresenterClient client(nullptr, doorForRequests().toString());
-    QVERIFY(!client.checkServer(QString(), QString()));
-    QCOMPARE(bus.count(QStringLiteral("request ")), 0);
-    QCOMPARE(bus.count(QStringLiteral("upgrade ")), 0);
-}
-
-void TestForwardProxies::carriesTenThousandTexts()
-{
-    QFETCH(QString, transport);
-    Peer bus(Peers::nodeBus());
-    VERIFY_STARTED(bus.start());
-    startDoor(bus);
-    startProxy();
-    useProxy();
-    Host host(m_door->url());
-    for (int round = 1; round <= 2; ++round) {
-        QVERIFY(host.open(transport));
-        QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
-        QCOMPARE(host.closed(), round - 1);
-        QVERIFY(host.close());
-    }
-    QCOMPARE(bus.count(QStringLiteral("open ")), 2);
-}
-
-void TestForwardProxies::carriesALesson()
-{
-    QFETCH(QString, transport);
-    Peer classroom(Peers::classroom());
-    VERIFY_STARTED(classroom.start());
-    startDoor(classroom);
-    startProxy();
-    useProxy();
-    QNetworkProxyFactory::setUseSystemConfiguration(true);
-
-    ClassroomSession lesson(doorForRequests());
-    QVERIFY(lesson.client().checkServer(QString(), QString()));
-    QVERIFY(lesson.create());
-    lesson.client().setSockJSOverrideProtocols({transport});
-    PresenterCollab* collab = nullptr;
-    QVERIFY(lesson.client().startWebsocket(&collab));
-    Host host(collab);
-    QTRY_VERIFY(collab->isConnected());
-    QVERIFY(host.exchange(10));
-    QVERIFY(host.close());
-    QVERIFY(lesson.client().doGetLearners());
-    QVERIFY(lesson.client().doStopSession());
-}
-
-void TestForwardProxies::keepsAnsweringTheRealProxy()
-{
-    Peer bus(Peers::nodeBus());
-    VERIFY_STARTED(bus.start());
-    startDoor(bus);
-    startProxy();
-    useProxy();
-    const QString address = QStringLiteral("127.0.0.1:%1").arg(m_proxy->port());
-    Host host(m_door->url());
-    for (int round = 0; round < 3; ++round) {
-        for (const QString& transport : Transport::all) {
-            QVERIFY(host.open(transport));
-            QCOMPARE(QSystemConfigurationProxyFactory::getProxyString(), address);
-            QVERIFY(host.close());
-        }
-    }
-}
-
-void TestForwardProxies::proxyGoesAndComesBack()
-{
-    QFETCH(QString, transport);
-    Peer bus(Peers::nodeBus({QStringLiteral("--count"), QStringLiteral("100")}));
-    VERIFY_STARTED(bus.start());
-    startDoor(bus);
-    startProxy();
-    useProxy();
-    Host host(m_door->url());
-    QVERIFY(host.open(transport));
-    m_proxy->kill();
-    QVERIFY(host.waitForClosed(1));
-    QVERIFY(host.tryOpen({transport}));
-    QVERIFY(!host.collab()->isConnected());
-    VERIFY_STARTED(m_proxy->start());
-    QVERIFY(host.open(transport));
-    QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
-    QCOMPARE(host.connected(), 2);
-    QCOMPARE(host.closed(), 1);
-    QVERIFY(host.close());
-}
-
-void TestForwardProxies::passwordIsDemanded()
-{
-    constexpr int longest = 5000; // ms
-    QFETCH(QString, transport);
-    Peer bus(Peers::nodeBus());
-    VERIFY_STARTED(bus.start());
-    startDoor(bus);
-    startProxy(demandsPassword);
-    useProxy();
-    Host host(m_door->url());
-    QElapsedTimer clock;
-    clock.start();
-    QVERIFY(host.tryOpen({transport}));
-    QVERIFY(clock.elapsed() < longest);
-    QVERIFY(!host.collab()->isConnected());
-    QCOMPARE(bus.count(QStringLiteral("request ")), 0);
-    // Nothing of it comes up later: the proxy lets us pass from now on.
-    m_proxy->end();
-    startProxy();
-    useProxy();
-    QVERIFY(host.open(transport));
-    QCOMPARE(host.connected(), 1);
-    QCOMPARE(host.closed(), 0);
-    QVERIFY(host.close());
-}
-
-void TestForwardProxies::passwordIsDemandedOfRequests()
-{
-    Peer classroom(Peers::classroom());
-    VERIFY_STARTED(classroom.start());
-    startDoor(classroom);
-    startProxy(demandsPassword);
-    useProxy();
-    QNetworkProxyFactory::setUseSystemConfiguration(true);
-    LogRecorder log;
-    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=true"));
-    PresenterClient client(nullptr, doorForRequests().toString());
-    QVERIFY(!client.checkServer(QString(), QString()));
-    QVERIFY(!client.doLogin(QStringLiteral("teacher"), QStringLiteral("chalk")));
-    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
-    const QStringList errors = log.debug(QStringLiteral("ERROR: "));
-    QVERIFY(!errors.isEmpty());
-    QVERIFY2(errors.first().contains(QStringLiteral("auth"), Qt::CaseInsensitive),
-             qPrintable(errors.first()));
-}
-
-void TestForwardProxies::passwordIsKnown()
-{
-    QFETCH(QString, transport);
-    Peer bus(Peers::nodeBus({QStringLiteral("--count"), QStringLiteral("100")}));
-    VERIFY_STARTED(bus.start());
-    startDoor(bus);
-    startProxy(demandsPassword);
-    useProxy("pupil:secret@");
-    Host host(m_door->url());
-    QVERIFY(host.open(transport));
-    QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
-    QVERIFY(host.close());
-}
 
 INTEROP_MAIN(TestForwardProxies)
 #include "tst_ForwardProxies.moc"

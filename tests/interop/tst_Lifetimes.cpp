@@ -13,25 +13,6 @@
 #include <functional>
 #include <memory>
 
-/// What a host may do at any time, at every time: each action on each occasion, on each transport. Nothing
-/// crashes or hangs, and a client that is still there teaches another lesson.
-class TestLifetimes : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void initTestCase();
-    void cleanupTestCase();
-    void cell_data();
-    void cell();
-
-private:
-    std::unique_ptr<Peer> m_classroom;
-    int m_cells = 0;
-    int m_threads = 0;
-    int m_descriptors = 0;
-};
-
 namespace {
 
 struct World
@@ -282,72 +263,86 @@ void forgetQuit()
 
 } // namespace
 
-void TestLifetimes::initTestCase()
+/// What a host may do at any time, at every time: each action on each occasion, on each transport. Nothing
+/// crashes or hangs, and a client that is still there teaches another lesson.
+class TestLifetimes : public QObject
 {
-    m_classroom = std::make_unique<Peer>(Peers::classroom({QStringLiteral("--quiet")}));
-    VERIFY_STARTED(m_classroom->start());
-    // What Qt starts once and keeps is there from now on.
-    for (const QString& transport : Transport::all) {
-        PresenterClient client(nullptr, m_classroom->url().toString());
-        QVERIFY(World({transport, &client, nullptr}).teachesAndCloses());
-    }
-    m_threads = ProcessResources::threads();
-    m_descriptors = ProcessResources::descriptors();
-}
+    Q_OBJECT
 
-void TestLifetimes::cell_data()
-{
-    QTest::addColumn<QString>("transport");
-    QTest::addColumn<QString>("action");
-    QTest::addColumn<QString>("occasion");
-    const auto addRows = [this](const QString& transport, const QMap<QString, Occasion>& occasions,
-                                const QStringList& without = {}) {
-        for (auto occasion = occasions.cbegin(); occasion != occasions.cend(); ++occasion) {
-            for (const QString& action : actions.keys()) {
-                if (without.contains(action))
-                    continue;
-                ++m_cells;
-                QTest::addRow("%s, %s, %s", qPrintable(occasion.key()), qPrintable(action),
-                              qPrintable(transport))
-                    << transport << action << occasion.key();
-            }
+private Q_SLOTS:
+    void initTestCase()
+    {
+        m_classroom = std::make_unique<Peer>(Peers::classroom({QStringLiteral("--quiet")}));
+        VERIFY_STARTED(m_classroom->start());
+        // What Qt starts once and keeps is there from now on.
+        for (const QString& transport : Transport::all) {
+            PresenterClient client(nullptr, m_classroom->url().toString());
+            QVERIFY(World({transport, &client, nullptr}).teachesAndCloses());
         }
-    };
-    addRows(Transport::webSocket, withoutChannel, needChannel);
-    // The other transports connect without events.
-    addRows(Transport::webSocket, whileOpening);
-    for (const QString& transport : Transport::all)
-        addRows(transport, withChannel);
-}
+        m_threads = ProcessResources::threads();
+        m_descriptors = ProcessResources::descriptors();
+    }
 
-void TestLifetimes::cell()
-{
-    QFETCH(QString, transport);
-    QFETCH(QString, action);
-    QFETCH(QString, occasion);
-    const QString server = m_classroom->url().toString();
-    const QPointer<PresenterClient> client(new PresenterClient(nullptr, server));
-    World world{transport, client, nullptr};
+    void cleanupTestCase()
+    {
+        qInfo("%d cells", m_cells);
+        QTRY_VERIFY2_WITH_TIMEOUT(ProcessResources::threads() <= m_threads,
+                                  qPrintable(QString::number(ProcessResources::threads())), 15000);
+        QTRY_VERIFY2_WITH_TIMEOUT(ProcessResources::descriptors() <= m_descriptors,
+                                  qPrintable(QString::number(ProcessResources::descriptors())), 15000);
+        m_classroom.reset();
+    }
 
-    const bool reached = occasionOf(occasion)(world, [&] { actions.value(action)(world); });
-    QVERIFY(reached);
-    if (action == QLatin1String("quit"))
-        forgetQuit();
-    if (!client)
-        return;
-    QVERIFY(world.teachesAndCloses());
-    delete client;
-}
+    void cell_data()
+    {
+        QTest::addColumn<QString>("transport");
+        QTest::addColumn<QString>("action");
+        QTest::addColumn<QString>("occasion");
+        const auto addRows = [this](const QString& transport, const QMap<QString, Occasion>& occasions,
+                                    const QStringList& without = {}) {
+            for (auto occasion = occasions.cbegin(); occasion != occasions.cend(); ++occasion) {
+                for (const QString& action : actions.keys()) {
+                    if (without.contains(action))
+                        continue;
+                    ++m_cells;
+                    QTest::addRow("%s, %s, %s", qPrintable(occasion.key()), qPrintable(action),
+                                  qPrintable(transport))
+                        << transport << action << occasion.key();
+                }
+            }
+        };
+        addRows(Transport::webSocket, withoutChannel, needChannel);
+        // The other transports connect without events.
+        addRows(Transport::webSocket, whileOpening);
+        for (const QString& transport : Transport::all)
+            addRows(transport, withChannel);
+    }
 
-void TestLifetimes::cleanupTestCase()
-{
-    qInfo("%d cells", m_cells);
-    QTRY_VERIFY2_WITH_TIMEOUT(ProcessResources::threads() <= m_threads,
-                              qPrintable(QString::number(ProcessResources::threads())), 15000);
-    QTRY_VERIFY2_WITH_TIMEOUT(ProcessResources::descriptors() <= m_descriptors,
-                              qPrintable(QString::number(ProcessResources::descriptors())), 15000);
-    m_classroom.reset();
-}
+    void cell()
+    {
+        QFETCH(QString, transport);
+        QFETCH(QString, action);
+        QFETCH(QString, occasion);
+        const QString server = m_classroom->url().toString();
+        const QPointer<PresenterClient> client(new PresenterClient(nullptr, server));
+        World world{transport, client, nullptr};
+
+        const bool reached = occasionOf(occasion)(world, [&] { actions.value(action)(world); });
+        QVERIFY(reached);
+        if (action == QLatin1String("quit"))
+            forgetQuit();
+        if (!client)
+            return;
+        QVERIFY(world.teachesAndCloses());
+        delete client;
+    }
+
+private:
+    std::unique_ptr<Peer> m_classroom;
+    int m_cells = 0;
+    int m_threads = 0;
+    int m_descriptors = 0;
+};
 
 INTEROP_MAIN(TestLifetimes)
 #include "tst_Lifetimes.moc"

@@ -13,16 +13,6 @@
 
 #include <ctime>
 
-/// A full classroom answers one poll. CALYX_LOAD_LEARNERS says how full; 5000 is a whole university's.
-class TestLoad : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void everyAnswerComesOnce_data();
-    void everyAnswerComesOnce();
-};
-
 namespace {
 
 constexpr int usualLearners = 300;
@@ -67,64 +57,71 @@ private:
 
 } // namespace
 
-void TestLoad::everyAnswerComesOnce_data()
+/// A full classroom answers one poll. CALYX_LOAD_LEARNERS says how full; 5000 is a whole university's.
+class TestLoad : public QObject
 {
-    QTest::addColumn<QString>("transport");
-    for (const QString& transport : Transport::all)
-        QTest::newRow(qPrintable(transport)) << transport;
-}
+    Q_OBJECT
 
-void TestLoad::everyAnswerComesOnce()
-{
-    QFETCH(QString, transport);
-    const int count = learners();
-    Peer classroom(Peers::classroom({QStringLiteral("--quiet")}));
-    VERIFY_STARTED(classroom.start());
-    ClassroomSession lesson(classroom.url());
-    QVERIFY(lesson.create());
-    lesson.client().setSockJSOverrideProtocols({transport});
-    PresenterCollab* collab = nullptr;
-    QVERIFY(lesson.client().startWebsocket(&collab));
-    QTRY_VERIFY(collab->isConnected());
+private Q_SLOTS:
+    void everyAnswerComesOnce_data()
+    {
+        QTest::addColumn<QString>("transport");
+        for (const QString& transport : Transport::all)
+            QTest::newRow(qPrintable(transport)) << transport;
+    }
 
-    QSet<QString> here;
-    QMap<QString, int> answers;
-    int all = 0;
-    const CollaborationMessageHandler* handler = collab->messageHandler();
-    connect(handler, &CollaborationMessageHandler::learnerJoin, this,
-            [&here](const Calyx::Learner& learner) { here.insert(learner.deviceId); });
-    connect(handler, &CollaborationMessageHandler::learnerPollResponse, this, [&](const QString& device) {
-        ++answers[device];
-        ++all;
-    });
-    const Turns turns;
-    QElapsedTimer clock;
-    clock.start();
-    QProcess devices;
-    devices.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    devices.start(QStringLiteral("node"),
-                  {QStringLiteral(INTEROP_SOURCE_DIR "/../../classroom/learners.js"),
-                   QStringLiteral("--quiet"), QStringLiteral("--url"), classroom.url().toString(),
-                   QStringLiteral("--session"), lesson.client().sessionCode(), QStringLiteral("--count"),
-                   QString::number(count)});
-    QTRY_VERIFY_WITH_TIMEOUT(here.size() == count || !collab->isConnected(), limit);
-    QCOMPARE(here.size(), count);
-    const qint64 joined = clock.restart();
-    collab->startPoll(Calyx::PollType::MULTIPLE, Calyx::OrdinalType::ALPHA_UPPER, 4, 1);
-    QTRY_VERIFY_WITH_TIMEOUT(all >= count || !collab->isConnected(), limit);
-    QCOMPARE(all, count);
-    qInfo("%d learners joined in %lld ms and answered in %lld ms; longest turn of the event loop %lld ms",
-          count, static_cast<long long>(joined), static_cast<long long>(clock.elapsed()),
-          static_cast<long long>(turns.longest()));
+    void everyAnswerComesOnce()
+    {
+        QFETCH(QString, transport);
+        const int count = learners();
+        Peer classroom(Peers::classroom({QStringLiteral("--quiet")}));
+        VERIFY_STARTED(classroom.start());
+        ClassroomSession lesson(classroom.url());
+        QVERIFY(lesson.create());
+        lesson.client().setSockJSOverrideProtocols({transport});
+        PresenterCollab* collab = nullptr;
+        QVERIFY(lesson.client().startWebsocket(&collab));
+        QTRY_VERIFY(collab->isConnected());
 
-    QVERIFY(lesson.client().doStopSession());
-    QTRY_COMPARE_WITH_TIMEOUT(devices.state(), QProcess::NotRunning, limit);
-    QCOMPARE(devices.exitCode(), 0);
-    QVERIFY(devices.readAllStandardOutput().contains("answers=" + QByteArray::number(count)));
-    QCOMPARE(all, count);
-    QCOMPARE(answers.size(), count);
-    QVERIFY(turns.longest() < longestTurn);
-}
+        QSet<QString> here;
+        QMap<QString, int> answers;
+        int all = 0;
+        const CollaborationMessageHandler* handler = collab->messageHandler();
+        connect(handler, &CollaborationMessageHandler::learnerJoin, this,
+                [&here](const Calyx::Learner& learner) { here.insert(learner.deviceId); });
+        connect(handler, &CollaborationMessageHandler::learnerPollResponse, this, [&](const QString& device) {
+            ++answers[device];
+            ++all;
+        });
+        const Turns turns;
+        QElapsedTimer clock;
+        clock.start();
+        QProcess devices;
+        devices.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        devices.start(QStringLiteral("node"),
+                      {QStringLiteral(INTEROP_SOURCE_DIR "/../../classroom/learners.js"),
+                       QStringLiteral("--quiet"), QStringLiteral("--url"), classroom.url().toString(),
+                       QStringLiteral("--session"), lesson.client().sessionCode(), QStringLiteral("--count"),
+                       QString::number(count)});
+        QTRY_VERIFY_WITH_TIMEOUT(here.size() == count || !collab->isConnected(), limit);
+        QCOMPARE(here.size(), count);
+        const qint64 joined = clock.restart();
+        collab->startPoll(Calyx::PollType::MULTIPLE, Calyx::OrdinalType::ALPHA_UPPER, 4, 1);
+        QTRY_VERIFY_WITH_TIMEOUT(all >= count || !collab->isConnected(), limit);
+        QCOMPARE(all, count);
+        qInfo("%d learners joined in %lld ms and answered in %lld ms; longest turn of the event loop %lld ms",
+              count, static_cast<long long>(joined), static_cast<long long>(clock.elapsed()),
+              static_cast<long long>(turns.longest()));
+
+        QVERIFY(lesson.client().doStopSession());
+        QTRY_COMPARE_WITH_TIMEOUT(devices.state(), QProcess::NotRunning, limit);
+        QCOMPARE(devices.exitCode(), 0);
+        QVERIFY(devices.readAllStandardOutput().contains("answers=" + QByteArray::number(count)));
+        QCOMPARE(all, count);
+        QCOMPARE(answers.size(), count);
+        QVERIFY(turns.longest() < longestTurn);
+    }
+};
 
 INTEROP_MAIN(TestLoad)
 #include "tst_Load.moc"

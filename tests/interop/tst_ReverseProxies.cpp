@@ -2,19 +2,6 @@
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
 
-/// nginx in front of the server, as it comes and set up for streaming.
-class TestReverseProxies : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void withDefaultsPollingComesUp();
-    void withDefaultsStreamingAloneFails();
-    void withDefaultsCarriesTenThousandTexts();
-    void setUpForStreaming_data();
-    void setUpForStreaming();
-};
-
 namespace {
 
 constexpr int openLimit = 1500; // milliseconds
@@ -44,84 +31,92 @@ struct ProxiedBus
 
 } // namespace
 
-// It upgrades nothing, and keeps a streamed answer back until it is whole.
-void TestReverseProxies::withDefaultsPollingComesUp()
+/// nginx in front of the server, as it comes and set up for streaming.
+class TestReverseProxies : public QObject
 {
-    ProxiedBus server;
-    VERIFY_STARTED(server.start());
-    Host host(server.nginx.url());
-    host.connector()->setOpenLimit(openLimit);
-    for (int round = 1; round <= 3; ++round) {
-        QVERIFY(host.open(Transport::all));
-        QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
-        const QStringList opened = server.bus.lines(QStringLiteral("open ") + host.connector()->sessionId());
-        QVERIFY2(opened.last().endsWith(Transport::polling), qPrintable(opened.join(QLatin1Char('\n'))));
-        QCOMPARE(host.connected(), round);
-        QCOMPARE(host.closed(), round - 1);
-        QVERIFY(host.close());
+    // It upgrades nothing, and keeps a streamed answer back until it is whole.
+    Q_OBJECT
+
+private Q_SLOTS:
+    void withDefaultsPollingComesUp()
+    {
+        ProxiedBus server;
+        VERIFY_STARTED(server.start());
+        Host host(server.nginx.url());
+        host.connector()->setOpenLimit(openLimit);
+        for (int round = 1; round <= 3; ++round) {
+            QVERIFY(host.open(Transport::all));
+            QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
+            const QStringList opened =
+                server.bus.lines(QStringLiteral("open ") + host.connector()->sessionId());
+            QVERIFY2(opened.last().endsWith(Transport::polling), qPrintable(opened.join(QLatin1Char('\n'))));
+            QCOMPARE(host.connected(), round);
+            QCOMPARE(host.closed(), round - 1);
+            QVERIFY(host.close());
+        }
+        QCOMPARE(server.bus.count(QStringLiteral("upgrade ")), 0);
     }
-    QCOMPARE(server.bus.count(QStringLiteral("upgrade ")), 0);
-}
 
-void TestReverseProxies::withDefaultsStreamingAloneFails()
-{
-    ProxiedBus server;
-    VERIFY_STARTED(server.start());
-    Host host(server.nginx.url());
-    host.connector()->setOpenLimit(openLimit);
-    QVERIFY(host.tryOpen({Transport::webSocket, Transport::streaming}));
-    // The server has opened a session, and has seen it go when the limit was over.
-    QVERIFY(server.bus.waitFor(QStringLiteral("close ") + host.connector()->sessionId()));
-    QVERIFY(!host.collab()->isConnected());
-    QCOMPARE(host.connected(), 0);
-    QCOMPARE(host.closed(), 0);
-}
-
-void TestReverseProxies::withDefaultsCarriesTenThousandTexts()
-{
-    ProxiedBus server;
-    VERIFY_STARTED(server.start());
-    Host host(server.nginx.url());
-    for (int round = 0; round < 3; ++round) {
-        QVERIFY(host.open(Transport::polling));
-        QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
-        QCOMPARE(host.closed(), round);
-        QVERIFY(host.close());
+    void withDefaultsStreamingAloneFails()
+    {
+        ProxiedBus server;
+        VERIFY_STARTED(server.start());
+        Host host(server.nginx.url());
+        host.connector()->setOpenLimit(openLimit);
+        QVERIFY(host.tryOpen({Transport::webSocket, Transport::streaming}));
+        // The server has opened a session, and has seen it go when the limit was over.
+        QVERIFY(server.bus.waitFor(QStringLiteral("close ") + host.connector()->sessionId()));
+        QVERIFY(!host.collab()->isConnected());
+        QCOMPARE(host.connected(), 0);
+        QCOMPARE(host.closed(), 0);
     }
-}
 
-void TestReverseProxies::setUpForStreaming_data()
-{
-    QTest::addColumn<QString>("transport");
-    for (const QString& transport : Transport::all)
-        QTest::newRow(qPrintable(transport)) << transport;
-}
+    void withDefaultsCarriesTenThousandTexts()
+    {
+        ProxiedBus server;
+        VERIFY_STARTED(server.start());
+        Host host(server.nginx.url());
+        for (int round = 0; round < 3; ++round) {
+            QVERIFY(host.open(Transport::polling));
+            QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
+            QCOMPARE(host.closed(), round);
+            QVERIFY(host.close());
+        }
+    }
 
-void TestReverseProxies::setUpForStreaming()
-{
-    QFETCH(QString, transport);
-    ProxiedBus server;
-    VERIFY_STARTED(server.start(forStreaming));
-    Host host(server.nginx.url());
-    host.connector()->setOpenLimit(openLimit);
-    // The transport comes up by itself, not for want of the ones before it.
-    const QStringList list = Transport::all.mid(Transport::all.indexOf(transport));
-    for (int round = 1; round <= 2; ++round) {
+    void setUpForStreaming_data()
+    {
+        QTest::addColumn<QString>("transport");
+        for (const QString& transport : Transport::all)
+            QTest::newRow(qPrintable(transport)) << transport;
+    }
+
+    void setUpForStreaming()
+    {
+        QFETCH(QString, transport);
+        ProxiedBus server;
+        VERIFY_STARTED(server.start(forStreaming));
+        Host host(server.nginx.url());
+        host.connector()->setOpenLimit(openLimit);
+        // The transport comes up by itself, not for want of the ones before it.
+        const QStringList list = Transport::all.mid(Transport::all.indexOf(transport));
+        for (int round = 1; round <= 2; ++round) {
+            QVERIFY(host.open(list));
+            // Told by the server after it has sent the "o".
+            QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
+            QCOMPARE(server.bus.lines(QStringLiteral("open ")).last(),
+                     QStringLiteral("open %1 %2").arg(host.connector()->sessionId(), transport));
+            QCOMPARE(host.closed(), round - 1);
+            QVERIFY(host.close());
+        }
+        QCOMPARE(server.bus.count(QStringLiteral("open ")), 2);
+
         QVERIFY(host.open(list));
-        // Told by the server after it has sent the "o".
-        QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
-        QCOMPARE(server.bus.lines(QStringLiteral("open ")).last(),
-                 QStringLiteral("open %1 %2").arg(host.connector()->sessionId(), transport));
-        QCOMPARE(host.closed(), round - 1);
-        QVERIFY(host.close());
+        host.publish(QStringLiteral("leave"));
+        QVERIFY(host.waitForClosed(3));
+        QCOMPARE(host.connected(), 3);
     }
-    QCOMPARE(server.bus.count(QStringLiteral("open ")), 2);
-
-    QVERIFY(host.open(list));
-    host.publish(QStringLiteral("leave"));
-    QVERIFY(host.waitForClosed(3));
-    QCOMPARE(host.connected(), 3);
-}
+};
 
 INTEROP_MAIN(TestReverseProxies)
 #include "tst_ReverseProxies.moc"

@@ -11,63 +11,60 @@ class TestSecrets : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void lessonIsWrittenNowhere_data();
-    void lessonIsWrittenNowhere();
-};
-
-void TestSecrets::lessonIsWrittenNowhere_data()
-{
-    QTest::addColumn<QString>("transport");
-    QTest::addColumn<bool>("diagnostics");
-    for (const QString& transport : Transport::all) {
-        for (const bool diagnostics : {false, true})
-            QTest::addRow("%s, diagnostics %s", qPrintable(transport), diagnostics ? "on" : "off")
-                << transport << diagnostics;
+    void lessonIsWrittenNowhere_data()
+    {
+        QTest::addColumn<QString>("transport");
+        QTest::addColumn<bool>("diagnostics");
+        for (const QString& transport : Transport::all) {
+            for (const bool diagnostics : {false, true})
+                QTest::addRow("%s, diagnostics %s", qPrintable(transport), diagnostics ? "on" : "off")
+                    << transport << diagnostics;
+        }
     }
-}
 
-void TestSecrets::lessonIsWrittenNowhere()
-{
-    QFETCH(QString, transport);
-    QFETCH(bool, diagnostics);
-    Peer classroom(Peers::classroom({QStringLiteral("--quiet")}));
-    VERIFY_STARTED(classroom.start());
-    const QTemporaryDir folder; // all that a program may take for its own
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char* name : {"HOME", "TMPDIR", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME",
-                             "XDG_STATE_HOME", "XDG_RUNTIME_DIR"})
-        environment.insert(QLatin1String(name), folder.path());
-    environment.insert(QStringLiteral("QT_LOGGING_RULES"), diagnostics
-                                                               ? QStringLiteral("default.debug=true")
-                                                               : QStringLiteral("default.debug=false"));
-    QProcess host;
-    host.setProcessEnvironment(environment);
-    host.setWorkingDirectory(folder.path());
-    host.start(QStringLiteral(QUIET_HOST), {classroom.url().toString(), transport});
+    void lessonIsWrittenNowhere()
+    {
+        QFETCH(QString, transport);
+        QFETCH(bool, diagnostics);
+        Peer classroom(Peers::classroom({QStringLiteral("--quiet")}));
+        VERIFY_STARTED(classroom.start());
+        const QTemporaryDir folder; // all that a program may take for its own
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const char* name : {"HOME", "TMPDIR", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME",
+                                 "XDG_STATE_HOME", "XDG_RUNTIME_DIR"})
+            environment.insert(QLatin1String(name), folder.path());
+        environment.insert(QStringLiteral("QT_LOGGING_RULES"), diagnostics
+                                                                   ? QStringLiteral("default.debug=true")
+                                                                   : QStringLiteral("default.debug=false"));
+        QProcess host;
+        host.setProcessEnvironment(environment);
+        host.setWorkingDirectory(folder.path());
+        host.start(QStringLiteral(QUIET_HOST), {classroom.url().toString(), transport});
 
-    QByteArray said;
-    QTRY_VERIFY_WITH_TIMEOUT((said += host.readAllStandardOutput()).endsWith('\n'), 60000);
-    QVERIFY2(said.startsWith("code "), said.constData());
-    QProcess devices;
-    devices.start(QStringLiteral("node"),
-                  {QStringLiteral(INTEROP_SOURCE_DIR "/../../classroom/learners.js"),
-                   QStringLiteral("--quiet"), QStringLiteral("--url"), classroom.url().toString(),
-                   QStringLiteral("--session"), QString::fromUtf8(said.mid(5).trimmed()),
-                   QStringLiteral("--count"), QStringLiteral("2")});
-    QTRY_COMPARE_WITH_TIMEOUT(host.state(), QProcess::NotRunning, 120000);
-    QTRY_COMPARE_WITH_TIMEOUT(devices.state(), QProcess::NotRunning, 60000);
+        QByteArray said;
+        QTRY_VERIFY_WITH_TIMEOUT((said += host.readAllStandardOutput()).endsWith('\n'), 60000);
+        QVERIFY2(said.startsWith("code "), said.constData());
+        QProcess devices;
+        devices.start(QStringLiteral("node"),
+                      {QStringLiteral(INTEROP_SOURCE_DIR "/../../classroom/learners.js"),
+                       QStringLiteral("--quiet"), QStringLiteral("--url"), classroom.url().toString(),
+                       QStringLiteral("--session"), QString::fromUtf8(said.mid(5).trimmed()),
+                       QStringLiteral("--count"), QStringLiteral("2")});
+        QTRY_COMPARE_WITH_TIMEOUT(host.state(), QProcess::NotRunning, 120000);
+        QTRY_COMPARE_WITH_TIMEOUT(devices.state(), QProcess::NotRunning, 60000);
 
-    const QList<QByteArray> lines = host.readAllStandardOutput().split('\n');
-    QCOMPARE(host.exitCode(), 0);
-    QCOMPARE(host.readAllStandardError(), QByteArray());
-    QCOMPARE(lines.size(), 3);
-    const int messages = lines.at(0).mid(int(qstrlen("messages "))).toInt();
-    QVERIFY2(diagnostics ? messages > 20 : messages == 0, lines.at(0).constData());
-    QCOMPARE(lines.at(1), QByteArray("files 0"));
-    const QDir left(folder.path());
-    QCOMPARE(left.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot),
-             QStringList());
-}
+        const QList<QByteArray> lines = host.readAllStandardOutput().split('\n');
+        QCOMPARE(host.exitCode(), 0);
+        QCOMPARE(host.readAllStandardError(), QByteArray());
+        QCOMPARE(lines.size(), 3);
+        const int messages = lines.at(0).mid(int(qstrlen("messages "))).toInt();
+        QVERIFY2(diagnostics ? messages > 20 : messages == 0, lines.at(0).constData());
+        QCOMPARE(lines.at(1), QByteArray("files 0"));
+        const QDir left(folder.path());
+        QCOMPARE(left.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot),
+                 QStringList());
+    }
+};
 
 INTEROP_MAIN(TestSecrets)
 #include "tst_Secrets.moc"

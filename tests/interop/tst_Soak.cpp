@@ -11,17 +11,6 @@
 
 #include <malloc.h>
 
-/// One long session: answers by the hundred for each message that goes out. CALYX_SOAK_ROUNDS says how many
-/// messages; 20000 of them make two million answers.
-class TestSoak : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void nothingGrows_data();
-    void nothingGrows();
-};
-
 namespace {
 
 constexpr int answersEach = 100;
@@ -60,64 +49,73 @@ struct Use
 
 } // namespace
 
-void TestSoak::nothingGrows_data()
+/// One long session: answers by the hundred for each message that goes out. CALYX_SOAK_ROUNDS says how many
+/// messages; 20000 of them make two million answers.
+class TestSoak : public QObject
 {
-    QTest::addColumn<QString>("transport");
-    for (const QString& transport : Transport::all)
-        QTest::newRow(qPrintable(transport)) << transport;
-}
+    Q_OBJECT
 
-void TestSoak::nothingGrows()
-{
-    QFETCH(QString, transport);
-    Peer bus(Peers::nodeBus({QStringLiteral("--answer"), answerBlock()}));
-    VERIFY_STARTED(bus.start());
-    PresenterCollab collab(nullptr, bus.url().toString(), QStringLiteral("code"), QStringLiteral("session"),
-                           QStringLiteral("host"));
-    int answers = 0;
-    int inOrder = 0;
-    QEventLoop untilAnswered;
-    connect(collab.messageHandler(), &CollaborationMessageHandler::learnerPollResponse, this,
-            [&](const QString& device, const QString&, int, const QString&) {
-                ++answers;
-                inOrder += device.midRef(7).toInt() == answers ? 1 : 0;
-                if (answers % answersEach == 0)
-                    untilAnswered.quit();
-            });
-    int closed = 0;
-    connect(&collab, &PresenterCollab::connectionClosed, &untilAnswered, [&] {
-        ++closed;
-        untilAnswered.quit();
-    });
-    QTimer patience;
-    patience.setSingleShot(true);
-    connect(&patience, &QTimer::timeout, &untilAnswered, &QEventLoop::quit);
-    collab.open({transport});
-    QTRY_VERIFY(collab.isConnected());
-
-    const int all = rounds();
-    const int warm = all / 3;
-    Use atFirst;
-    for (int round = 1; round <= all; ++round) {
-        collab.publishMessage(QStringLiteral("answers"), QStringLiteral("\"more\""));
-        patience.start(roundLimit);
-        untilAnswered.exec();
-        QCOMPARE(answers, round * answersEach);
-        QCOMPARE(closed, 0);
-        if (round == warm)
-            atFirst = Use();
+private Q_SLOTS:
+    void nothingGrows_data()
+    {
+        QTest::addColumn<QString>("transport");
+        for (const QString& transport : Transport::all)
+            QTest::newRow(qPrintable(transport)) << transport;
     }
-    const Use atLast;
-    QCOMPARE(answers, all * answersEach);
-    QCOMPARE(inOrder, answers);
-    qInfo("%d answers, %d messages, %lld bytes more after the first %d", answers, all,
-          static_cast<long long>(atLast.bytes - atFirst.bytes), warm * answersEach);
-    QVERIFY(atLast.bytes - atFirst.bytes < allowedGrowth);
-    QCOMPARE(atLast.threads, atFirst.threads);
-    QVERIFY(atLast.descriptors <= atFirst.descriptors + 1); // a second connection for posts comes and goes
-    collab.close();
-    QTRY_COMPARE(closed, 1);
-}
+
+    void nothingGrows()
+    {
+        QFETCH(QString, transport);
+        Peer bus(Peers::nodeBus({QStringLiteral("--answer"), answerBlock()}));
+        VERIFY_STARTED(bus.start());
+        PresenterCollab collab(nullptr, bus.url().toString(), QStringLiteral("code"),
+                               QStringLiteral("session"), QStringLiteral("host"));
+        int answers = 0;
+        int inOrder = 0;
+        QEventLoop untilAnswered;
+        connect(collab.messageHandler(), &CollaborationMessageHandler::learnerPollResponse, this,
+                [&](const QString& device, const QString&, int, const QString&) {
+                    ++answers;
+                    inOrder += device.midRef(7).toInt() == answers ? 1 : 0;
+                    if (answers % answersEach == 0)
+                        untilAnswered.quit();
+                });
+        int closed = 0;
+        connect(&collab, &PresenterCollab::connectionClosed, &untilAnswered, [&] {
+            ++closed;
+            untilAnswered.quit();
+        });
+        QTimer patience;
+        patience.setSingleShot(true);
+        connect(&patience, &QTimer::timeout, &untilAnswered, &QEventLoop::quit);
+        collab.open({transport});
+        QTRY_VERIFY(collab.isConnected());
+
+        const int all = rounds();
+        const int warm = all / 3;
+        Use atFirst;
+        for (int round = 1; round <= all; ++round) {
+            collab.publishMessage(QStringLiteral("answers"), QStringLiteral("\"more\""));
+            patience.start(roundLimit);
+            untilAnswered.exec();
+            QCOMPARE(answers, round * answersEach);
+            QCOMPARE(closed, 0);
+            if (round == warm)
+                atFirst = Use();
+        }
+        const Use atLast;
+        QCOMPARE(answers, all * answersEach);
+        QCOMPARE(inOrder, answers);
+        qInfo("%d answers, %d messages, %lld bytes more after the first %d", answers, all,
+              static_cast<long long>(atLast.bytes - atFirst.bytes), warm * answersEach);
+        QVERIFY(atLast.bytes - atFirst.bytes < allowedGrowth);
+        QCOMPARE(atLast.threads, atFirst.threads);
+        QVERIFY(atLast.descriptors <=
+                atFirst.descriptors + 1); // a second connection for posts comes and goes
+        collab.close();
+        QTRY_COMPARE(closed, 1);
+    }
+};
 
 INTEROP_MAIN(TestSoak)
 #include "tst_Soak.moc"

@@ -6,21 +6,6 @@
 #include <QProcessEnvironment>
 #include <QRegularExpression>
 
-/// The demo lesson as the console host teaches it, over the networks that schools have.
-class TestTaughtLessons : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void throughABalancer_data();
-    void throughABalancer();
-    void throughAProxy_data();
-    void throughAProxy();
-
-private:
-    void teach(const Peer& classroom, const QUrl& door, const QString& proxy = QString());
-};
-
 namespace {
 
 constexpr int learners = 30;
@@ -69,74 +54,80 @@ void addTransports(const QStringList& networks)
 
 } // namespace
 
-// The host goes through the door, the learners straight to the classroom.
-void TestTaughtLessons::teach(const Peer& classroom, const QUrl& door, const QString& proxy)
+/// The demo lesson as the console host teaches it, over the networks that schools have.
+class TestTaughtLessons : public QObject
 {
-    QFETCH(QString, transport);
-    QProcess devices;
-    devices.start(QStringLiteral("node"), simulatedLearners(classroom.url()));
-    QProcess host;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("COLUMNS"), QStringLiteral("200"));
-    if (!proxy.isEmpty())
-        environment.insert(QStringLiteral("http_proxy"), proxy);
-    host.setProcessEnvironment(environment);
-    host.start(QStringLiteral(CALYX_PRESENTER), demoLesson(door, transport));
-    QVERIFY(ends(&host));
-    const QString told = QString::fromUtf8(host.readAllStandardOutput());
-    QVERIFY2(host.exitCode() == 0, qPrintable(told + QString::fromUtf8(host.readAllStandardError())));
-    QVERIFY(ends(&devices));
-    const QString totals = QString::fromUtf8(devices.readAllStandardOutput());
+    Q_OBJECT
 
-    const QString everyone = QStringLiteral("%1 of %1 ").arg(learners);
-    QCOMPARE(told.mid(told.indexOf(QStringLiteral("What came of it"))).count(everyone), 11);
-    QCOMPARE(numberIn(totals, QStringLiteral("answers=(\\d+)")), QString::number(11 * learners));
-    QCOMPARE(numberIn(told, QStringLiteral("Total: .* (\\d+) answers")), QString::number(11 * learners));
-    QCOMPARE(numberIn(totals, QStringLiteral("decode-failures=(\\d+)")), QStringLiteral("0"));
-}
+private Q_SLOTS:
+    void throughABalancer_data()
+    {
+        addTransports(
+            {QStringLiteral("lasting connections"), QStringLiteral("a connection for each answer")});
+    }
 
-void TestTaughtLessons::throughABalancer_data()
-{
-    addTransports({QStringLiteral("lasting connections"), QStringLiteral("a connection for each answer")});
-}
+    void throughABalancer()
+    {
+        QFETCH(QString, transport);
+        QFETCH(QString, network);
+        const QString options =
+            network.startsWith(QLatin1Char('a')) ? QStringLiteral("option httpclose") : QString();
+        Peer classroom(Peers::classroom());
+        VERIFY_STARTED(classroom.start());
+        Peer balancer(Peers::haproxy({classroom.port()}, {{QStringLiteral("DEFAULTS"), options}}));
+        VERIFY_STARTED(balancer.start());
+        teach(classroom, balancer.url());
+        QVERIFY(!balancer.lines(QStringLiteral("request "))
+                     .filter(transport == Transport::polling ? QStringLiteral("/xhr") : transport.mid(4))
+                     .isEmpty());
+    }
 
-void TestTaughtLessons::throughABalancer()
-{
-    QFETCH(QString, transport);
-    QFETCH(QString, network);
-    const QString options =
-        network.startsWith(QLatin1Char('a')) ? QStringLiteral("option httpclose") : QString();
-    Peer classroom(Peers::classroom());
-    VERIFY_STARTED(classroom.start());
-    Peer balancer(Peers::haproxy({classroom.port()}, {{QStringLiteral("DEFAULTS"), options}}));
-    VERIFY_STARTED(balancer.start());
-    teach(classroom, balancer.url());
-    QVERIFY(!balancer.lines(QStringLiteral("request "))
-                 .filter(transport == Transport::polling ? QStringLiteral("/xhr") : transport.mid(4))
-                 .isEmpty());
-}
+    void throughAProxy_data() { addTransports({QStringLiteral("forward proxy")}); }
 
-void TestTaughtLessons::throughAProxy_data()
-{
-    addTransports({QStringLiteral("forward proxy")});
-}
+    void throughAProxy()
+    {
+        Peer classroom(Peers::classroom());
+        VERIFY_STARTED(classroom.start());
+        // Only who comes from the proxy is let in.
+        Peer door(Peers::haproxy(
+            {classroom.port()},
+            {{QStringLiteral("FRONTEND"), QStringLiteral("bind %1:@PORT@\n"
+                                                         "tcp-request connection reject unless { src %1 }")
+                                              .arg(Peers::forwarded)}}));
+        VERIFY_STARTED(door.start());
+        Peer proxy(Peers::tinyproxy());
+        VERIFY_STARTED(proxy.start());
+        // To an address of loopback Qt uses no proxy; this one means the same.
+        teach(classroom, QUrl(QStringLiteral("http://0.0.0.0:%1").arg(door.port())), proxy.url().toString());
+    }
 
-void TestTaughtLessons::throughAProxy()
-{
-    Peer classroom(Peers::classroom());
-    VERIFY_STARTED(classroom.start());
-    // Only who comes from the proxy is let in.
-    Peer door(Peers::haproxy(
-        {classroom.port()},
-        {{QStringLiteral("FRONTEND"), QStringLiteral("bind %1:@PORT@\n"
-                                                     "tcp-request connection reject unless { src %1 }")
-                                          .arg(Peers::forwarded)}}));
-    VERIFY_STARTED(door.start());
-    Peer proxy(Peers::tinyproxy());
-    VERIFY_STARTED(proxy.start());
-    // To an address of loopback Qt uses no proxy; this one means the same.
-    teach(classroom, QUrl(QStringLiteral("http://0.0.0.0:%1").arg(door.port())), proxy.url().toString());
-}
+private:
+    // The host goes through the door, the learners straight to the classroom.
+    void teach(const Peer& classroom, const QUrl& door, const QString& proxy = QString())
+    {
+        QFETCH(QString, transport);
+        QProcess devices;
+        devices.start(QStringLiteral("node"), simulatedLearners(classroom.url()));
+        QProcess host;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("COLUMNS"), QStringLiteral("200"));
+        if (!proxy.isEmpty())
+            environment.insert(QStringLiteral("http_proxy"), proxy);
+        host.setProcessEnvironment(environment);
+        host.start(QStringLiteral(CALYX_PRESENTER), demoLesson(door, transport));
+        QVERIFY(ends(&host));
+        const QString told = QString::fromUtf8(host.readAllStandardOutput());
+        QVERIFY2(host.exitCode() == 0, qPrintable(told + QString::fromUtf8(host.readAllStandardError())));
+        QVERIFY(ends(&devices));
+        const QString totals = QString::fromUtf8(devices.readAllStandardOutput());
+
+        const QString everyone = QStringLiteral("%1 of %1 ").arg(learners);
+        QCOMPARE(told.mid(told.indexOf(QStringLiteral("What came of it"))).count(everyone), 11);
+        QCOMPARE(numberIn(totals, QStringLiteral("answers=(\\d+)")), QString::number(11 * learners));
+        QCOMPARE(numberIn(told, QStringLiteral("Total: .* (\\d+) answers")), QString::number(11 * learners));
+        QCOMPARE(numberIn(totals, QStringLiteral("decode-failures=(\\d+)")), QStringLiteral("0"));
+    }
+};
 
 INTEROP_MAIN(TestTaughtLessons)
 #include "tst_TaughtLessons.moc"

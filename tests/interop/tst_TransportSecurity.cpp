@@ -6,21 +6,6 @@
 
 #include <CalyxClient/PresenterCollab>
 
-/// The servers behind TLS, their certificates signed by an authority of our own or not acceptable.
-class TestTransportSecurity : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void trustedAuthorityCarriesTexts_data();
-    void trustedAuthorityCarriesTexts();
-    void trustedAuthorityCarriesRequests();
-    void anotherCertificateIsRefused_data();
-    void anotherCertificateIsRefused();
-    void requestsAreRefused_data();
-    void requestsAreRefused();
-};
-
 namespace {
 
 Peer::Program behindTls(const Peer& server, const QString& certificate)
@@ -34,108 +19,116 @@ const QString https = QStringLiteral("https");
 
 } // namespace
 
-void TestTransportSecurity::trustedAuthorityCarriesTexts_data()
+/// The servers behind TLS, their certificates signed by an authority of our own or not acceptable.
+class TestTransportSecurity : public QObject
 {
-    QTest::addColumn<QString>("transport");
-    for (const QString& transport : Transport::all)
-        QTest::newRow(qPrintable(transport)) << transport;
-}
+    Q_OBJECT
 
-void TestTransportSecurity::trustedAuthorityCarriesTexts()
-{
-    constexpr int texts = 1000;
-    QFETCH(QString, transport);
-    const TestCertificates::TrustedRoot trusted;
-    Peer bus(Peers::nodeBus({QStringLiteral("--count"), QString::number(texts)}));
-    VERIFY_STARTED(bus.start());
-    Peer tls(behindTls(bus, QStringLiteral("loopback")));
-    VERIFY_STARTED(tls.start());
-    Host host(tls.url(https));
-    for (int round = 0; round < 2; ++round) {
-        QVERIFY(host.open(transport));
-        QVERIFY2(host.receiveNumbers(texts), qPrintable(host.numbers().fault()));
-        QCOMPARE(host.closed(), round);
-        QVERIFY(host.close());
-    }
-    QCOMPARE(bus.count(QStringLiteral("open ")), 2);
-}
-
-void TestTransportSecurity::trustedAuthorityCarriesRequests()
-{
-    const TestCertificates::TrustedRoot trusted;
-    Peer classroom(Peers::classroom());
-    VERIFY_STARTED(classroom.start());
-    Peer tls(behindTls(classroom, QStringLiteral("loopback")));
-    VERIFY_STARTED(tls.start());
-    ClassroomSession lesson(tls.url(https));
-    QVERIFY(lesson.client().checkServer(QString(), QString()));
-    QVERIFY(lesson.create());
-    QString id;
-    QString path;
-    QVERIFY(lesson.client().doUploadResource(QStringLiteral("a.png"), QByteArray("\x89PNG\r\n"), &id, &path));
-    QVERIFY(lesson.client().doLogout());
-}
-
-void TestTransportSecurity::anotherCertificateIsRefused_data()
-{
-    QTest::addColumn<QString>("certificate");
-    QTest::addColumn<QString>("transport");
-    for (const char* certificate : {"unknown", "elsewhere", "expired"}) {
+private Q_SLOTS:
+    void trustedAuthorityCarriesTexts_data()
+    {
+        QTest::addColumn<QString>("transport");
         for (const QString& transport : Transport::all)
-            QTest::addRow("%s, %s", certificate, qPrintable(transport))
-                << QString::fromLatin1(certificate) << transport;
+            QTest::newRow(qPrintable(transport)) << transport;
     }
-}
 
-void TestTransportSecurity::anotherCertificateIsRefused()
-{
-    QFETCH(QString, certificate);
-    QFETCH(QString, transport);
-    const TestCertificates::TrustedRoot trusted;
-    Peer bus(Peers::nodeBus({QStringLiteral("--count"), QStringLiteral("1")}));
-    VERIFY_STARTED(bus.start());
-    Peer tls(behindTls(bus, certificate));
-    VERIFY_STARTED(tls.start());
-    Host host(tls.url(https));
-    QVERIFY(host.tryOpen({transport}));
-    QVERIFY(!host.collab()->isConnected());
+    void trustedAuthorityCarriesTexts()
+    {
+        constexpr int texts = 1000;
+        QFETCH(QString, transport);
+        const TestCertificates::TrustedRoot trusted;
+        Peer bus(Peers::nodeBus({QStringLiteral("--count"), QString::number(texts)}));
+        VERIFY_STARTED(bus.start());
+        Peer tls(behindTls(bus, QStringLiteral("loopback")));
+        VERIFY_STARTED(tls.start());
+        Host host(tls.url(https));
+        for (int round = 0; round < 2; ++round) {
+            QVERIFY(host.open(transport));
+            QVERIFY2(host.receiveNumbers(texts), qPrintable(host.numbers().fault()));
+            QCOMPARE(host.closed(), round);
+            QVERIFY(host.close());
+        }
+        QCOMPARE(bus.count(QStringLiteral("open ")), 2);
+    }
 
-    // What would have been sent or told after all is there before an answer on another channel is.
-    Host plain(bus.url());
-    QVERIFY(plain.open(Transport::webSocket));
-    QVERIFY(plain.receiveNumbers(1));
-    QCOMPARE(host.connected(), 0);
-    QCOMPARE(host.closed(), 0);
-    QCOMPARE(bus.count(QStringLiteral("request ")), 0);
-    QCOMPARE(bus.count(QStringLiteral("upgrade ")), 1);
-    QVERIFY(plain.close());
-}
+    void trustedAuthorityCarriesRequests()
+    {
+        const TestCertificates::TrustedRoot trusted;
+        Peer classroom(Peers::classroom());
+        VERIFY_STARTED(classroom.start());
+        Peer tls(behindTls(classroom, QStringLiteral("loopback")));
+        VERIFY_STARTED(tls.start());
+        ClassroomSession lesson(tls.url(https));
+        QVERIFY(lesson.client().checkServer(QString(), QString()));
+        QVERIFY(lesson.create());
+        QString id;
+        QString path;
+        QVERIFY(
+            lesson.client().doUploadResource(QStringLiteral("a.png"), QByteArray("\x89PNG\r\n"), &id, &path));
+        QVERIFY(lesson.client().doLogout());
+    }
 
-void TestTransportSecurity::requestsAreRefused_data()
-{
-    QTest::addColumn<QString>("certificate");
-    QTest::addColumn<QString>("error");
-    QTest::newRow("unknown") << QStringLiteral("unknown") << QStringLiteral("SSLRootCertificateMissing");
-    QTest::newRow("elsewhere") << QStringLiteral("elsewhere") << QString();
-    QTest::newRow("expired") << QStringLiteral("expired") << QString();
-}
+    void anotherCertificateIsRefused_data()
+    {
+        QTest::addColumn<QString>("certificate");
+        QTest::addColumn<QString>("transport");
+        for (const char* certificate : {"unknown", "elsewhere", "expired"}) {
+            for (const QString& transport : Transport::all)
+                QTest::addRow("%s, %s", certificate, qPrintable(transport))
+                    << QString::fromLatin1(certificate) << transport;
+        }
+    }
 
-void TestTransportSecurity::requestsAreRefused()
-{
-    QFETCH(QString, certificate);
-    QFETCH(QString, error);
-    const TestCertificates::TrustedRoot trusted;
-    Peer bus(Peers::nodeBus());
-    VERIFY_STARTED(bus.start());
-    Peer tls(behindTls(bus, certificate));
-    VERIFY_STARTED(tls.start());
-    PresenterClient client(nullptr, tls.url(https).toString());
-    QVERIFY(!client.checkServer(QString(), QString()));
-    QCOMPARE(client.lastError(), error);
-    QVERIFY(!client.doLogin(QStringLiteral("teacher"), QStringLiteral("chalk")));
-    QCOMPARE(client.lastError(), error);
-    QCOMPARE(bus.count(QStringLiteral("request ")), 0);
-}
+    void anotherCertificateIsRefused()
+    {
+        QFETCH(QString, certificate);
+        QFETCH(QString, transport);
+        const TestCertificates::TrustedRoot trusted;
+        Peer bus(Peers::nodeBus({QStringLiteral("--count"), QStringLiteral("1")}));
+        VERIFY_STARTED(bus.start());
+        Peer tls(behindTls(bus, certificate));
+        VERIFY_STARTED(tls.start());
+        Host host(tls.url(https));
+        QVERIFY(host.tryOpen({transport}));
+        QVERIFY(!host.collab()->isConnected());
+
+        // What would have been sent or told after all is there before an answer on another channel is.
+        Host plain(bus.url());
+        QVERIFY(plain.open(Transport::webSocket));
+        QVERIFY(plain.receiveNumbers(1));
+        QCOMPARE(host.connected(), 0);
+        QCOMPARE(host.closed(), 0);
+        QCOMPARE(bus.count(QStringLiteral("request ")), 0);
+        QCOMPARE(bus.count(QStringLiteral("upgrade ")), 1);
+        QVERIFY(plain.close());
+    }
+
+    void requestsAreRefused_data()
+    {
+        QTest::addColumn<QString>("certificate");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("unknown") << QStringLiteral("unknown") << QStringLiteral("SSLRootCertificateMissing");
+        QTest::newRow("elsewhere") << QStringLiteral("elsewhere") << QString();
+        QTest::newRow("expired") << QStringLiteral("expired") << QString();
+    }
+
+    void requestsAreRefused()
+    {
+        QFETCH(QString, certificate);
+        QFETCH(QString, error);
+        const TestCertificates::TrustedRoot trusted;
+        Peer bus(Peers::nodeBus());
+        VERIFY_STARTED(bus.start());
+        Peer tls(behindTls(bus, certificate));
+        VERIFY_STARTED(tls.start());
+        PresenterClient client(nullptr, tls.url(https).toString());
+        QVERIFY(!client.checkServer(QString(), QString()));
+        QCOMPARE(client.lastError(), error);
+        QVERIFY(!client.doLogin(QStringLiteral("teacher"), QStringLiteral("chalk")));
+        QCOMPARE(client.lastError(), error);
+        QCOMPARE(bus.count(QStringLiteral("request ")), 0);
+    }
+};
 
 INTEROP_MAIN(TestTransportSecurity)
 #include "tst_TransportSecurity.moc"

@@ -38,219 +38,203 @@ private Q_SLOTS:
     void init() { m_log = std::make_unique<LogRecorder>(); }
     void cleanup() { m_log.reset(); }
 
-    void defaults();
-    void gettersAreNamedAsTheProperties();
-    void dataobjectIsASlotAndNoProperty();
-    void dataobjectIsNotOwned();
+    void defaults()
+    {
+        const CalyxCollabMessage message;
+        QCOMPARE(CalyxCollabMessage::PROTOCOL_VERSION, QStringLiteral("3.0.0"));
+        QCOMPARE(message.from(), QString());
+        QCOMPARE(message.type(), QString());
+        QCOMPARE(message.version(), QStringLiteral("3.0.0"));
+        QCOMPARE(message.sourceSystem(), QStringLiteral("Lumora"));
+        QVERIFY(!message.data().isValid());
+        QVERIFY(!message.dataobject());
+    }
 
-    void objectIsSerialisedAndCompressed();
-    void mapIsSerialisedAndCompressed_data();
-    void mapIsSerialisedAndCompressed();
-    void objectGoesBeforeTheMap();
-    void dataThatIsNoMapStaysAndIsReported_data();
-    void dataThatIsNoMapStaysAndIsReported();
-    void deletedObjectIsNoObject();
-    void compilingTwiceWithAnObjectGivesTheObjectAgain();
-    void compilingTwiceWithoutAnObjectKeepsTheList();
-    void jsonOfACompiledMessage();
-    void nothingIsLoggedWhileTheCategoryIsOff();
+    void gettersAreNamedAsTheProperties()
+    {
+        CalyxCollabMessage message;
+        message.setfrom(QStringLiteral("me"));
+        message.settype(QStringLiteral("dialogShow"));
+        message.setversion(QStringLiteral("9"));
+        message.setsourceSystem(QStringLiteral("other"));
+        message.setdata(5);
+        QCOMPARE(message.from(), QStringLiteral("me"));
+        QCOMPARE(message.type(), QStringLiteral("dialogShow"));
+        QCOMPARE(message.version(), QStringLiteral("9"));
+        QCOMPARE(message.sourceSystem(), QStringLiteral("other"));
+        QCOMPARE(message.data(), QVariant(5));
+    }
+
+    void dataobjectIsASlotAndNoProperty()
+    {
+        CalyxCollabMessage message;
+        QObject object;
+        QVERIFY(QMetaObject::invokeMethod(&message, "setdataobject", Q_ARG(QObject*, &object)));
+        QCOMPARE(message.dataobject(), &object);
+        QCOMPARE(message.metaObject()->indexOfProperty("dataobject"), -1);
+        QVERIFY(!JsonSerializer::serializeToJson(&message).contains(QLatin1String("dataobject")));
+        message.setdataobject(nullptr);
+        QVERIFY(!message.dataobject());
+    }
+
+    void dataobjectIsNotOwned()
+    {
+        QObject object;
+        {
+            CalyxCollabMessage message;
+            message.setdataobject(&object);
+            QVERIFY(!object.parent());
+        }
+        object.setObjectName(QStringLiteral("alive"));
+        QCOMPARE(object.objectName(), QStringLiteral("alive"));
+    }
+
+    void objectIsSerialisedAndCompressed()
+    {
+        QuestionText question;
+        question.sethint(QString::fromUtf8(u8"Größe 😀"));
+        CalyxCollabMessage message;
+        message.setdataobject(&question);
+        message.compileData();
+        QCOMPARE(decoded(message), JsonSerializer::serializeToJson(&question));
+        QCOMPARE(m_log->debug(INVALID), QStringList());
+        // The rest stays as it was.
+        QCOMPARE(message.from() + message.type() + message.version() + message.sourceSystem(),
+                 QStringLiteral("3.0.0Lumora"));
+    }
+
+    void mapIsSerialisedAndCompressed_data()
+    {
+        QTest::addColumn<QVariant>("data");
+        QTest::addColumn<QString>("json");
+        QTest::newRow("map") << QVariant(QVariantMap{{QStringLiteral("text"), QStringLiteral("Hi")},
+                                                     {QStringLiteral("isDismissible"), true}})
+                             << QStringLiteral("{\n    \"isDismissible\": true,\n    \"text\": \"Hi\"\n}\n");
+        QTest::newRow("empty map") << QVariant(QVariantMap()) << QStringLiteral("{\n}\n");
+        QTest::newRow("hash, which converts to a map")
+            << QVariant(QVariantHash{{QStringLiteral("a"), 1}}) << QStringLiteral("{\n    \"a\": 1\n}\n");
+    }
+
+    void mapIsSerialisedAndCompressed()
+    {
+        QFETCH(QVariant, data);
+        QFETCH(QString, json);
+        CalyxCollabMessage message;
+        message.setdata(data);
+        message.compileData();
+        QCOMPARE(decoded(message), json);
+        QCOMPARE(m_log->debug(), QStringList());
+    }
+
+    void objectGoesBeforeTheMap()
+    {
+        QObject plain;
+        CalyxCollabMessage message;
+        message.setdata(QVariantMap{{QStringLiteral("text"), QStringLiteral("Hi")}});
+        message.setdataobject(&plain);
+        message.compileData();
+        QCOMPARE(decoded(message), QStringLiteral("{\n}\n"));
+    }
+
+    void dataThatIsNoMapStaysAndIsReported_data()
+    {
+        QTest::addColumn<QVariant>("data");
+        QTest::newRow("nothing") << QVariant();
+        QTest::newRow("text") << QVariant(QStringLiteral("{\"a\":1}"));
+        QTest::newRow("number") << QVariant(5);
+        QTest::newRow("list") << QVariant(QVariantList{QVariantMap()});
+        QTest::newRow("bytes") << QVariant(QByteArray("{}"));
+    }
+
+    void dataThatIsNoMapStaysAndIsReported()
+    {
+        QFETCH(QVariant, data);
+        CalyxCollabMessage message;
+        message.setdata(data);
+        message.compileData();
+        QCOMPARE(message.data(), data);
+        QCOMPARE(message.data().isValid(), data.isValid());
+        QCOMPARE(m_log->debug().size(), 1);
+        QCOMPARE(m_log->debug(INVALID).size(), 1);
+    }
+
+    void deletedObjectIsNoObject()
+    {
+        auto object = std::make_unique<QObject>();
+        CalyxCollabMessage message;
+        message.setdataobject(object.get());
+        object.reset();
+        QVERIFY(!message.dataobject());
+        message.compileData();
+        QVERIFY(!message.data().isValid());
+        QCOMPARE(m_log->debug(INVALID).size(), 1);
+        message.setdata(QVariantMap());
+        message.compileData();
+        QCOMPARE(decoded(message), QStringLiteral("{\n}\n"));
+    }
+
+    void compilingTwiceWithAnObjectGivesTheObjectAgain()
+    {
+        QuestionText question;
+        CalyxCollabMessage message;
+        message.setdataobject(&question);
+        message.compileData();
+        const QVariant first = message.data();
+        message.compileData();
+        QCOMPARE(message.data(), first);
+        question.sethint(QStringLiteral("changed"));
+        message.compileData();
+        QCOMPARE(decoded(message), JsonSerializer::serializeToJson(&question));
+    }
+
+    void compilingTwiceWithoutAnObjectKeepsTheList()
+    {
+        CalyxCollabMessage message;
+        message.setdata(QVariantMap{{QStringLiteral("a"), 1}});
+        message.compileData();
+        const QVariant first = message.data();
+        message.compileData();
+        QCOMPARE(message.data(), first);
+        QCOMPARE(m_log->debug(INVALID).size(), 1);
+    }
+
+    void jsonOfACompiledMessage()
+    {
+        CalyxCollabMessage message;
+        message.setfrom(QStringLiteral("user-token"));
+        message.settype(QStringLiteral("questionStart"));
+        message.setdata(QVariantMap());
+        message.compileData();
+        QString base64;
+        QVERIFY(Lzma::compress64(QStringLiteral("{\n}\n"), &base64));
+        QCOMPARE(JsonSerializer::serializeToJson(&message),
+                 QStringLiteral("{\n"
+                                "    \"data\": [\n"
+                                "        \"%1\"\n"
+                                "    ],\n"
+                                "    \"from\": \"user-token\",\n"
+                                "    \"sourceSystem\": \"Lumora\",\n"
+                                "    \"type\": \"questionStart\",\n"
+                                "    \"version\": \"3.0.0\"\n"
+                                "}\n")
+                     .arg(base64));
+    }
+
+    void nothingIsLoggedWhileTheCategoryIsOff()
+    {
+        CalyxCollabMessage message;
+        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+        message.compileData();
+        const QStringList whileOff = m_log->debug();
+        QLoggingCategory::setFilterRules(QString());
+        message.compileData();
+        QCOMPARE(whileOff, QStringList());
+        QCOMPARE(m_log->debug(INVALID).size(), 1);
+    }
 
 private:
     std::unique_ptr<LogRecorder> m_log;
 };
-
-void tst_CalyxCollabMessage::defaults()
-{
-    const CalyxCollabMessage message;
-    QCOMPARE(CalyxCollabMessage::PROTOCOL_VERSION, QStringLiteral("3.0.0"));
-    QCOMPARE(message.from(), QString());
-    QCOMPARE(message.type(), QString());
-    QCOMPARE(message.version(), QStringLiteral("3.0.0"));
-    QCOMPARE(message.sourceSystem(), QStringLiteral("Lumora"));
-    QVERIFY(!message.data().isValid());
-    QVERIFY(!message.dataobject());
-}
-
-void tst_CalyxCollabMessage::gettersAreNamedAsTheProperties()
-{
-    CalyxCollabMessage message;
-    message.setfrom(QStringLiteral("me"));
-    message.settype(QStringLiteral("dialogShow"));
-    message.setversion(QStringLiteral("9"));
-    message.setsourceSystem(QStringLiteral("other"));
-    message.setdata(5);
-    QCOMPARE(message.from(), QStringLiteral("me"));
-    QCOMPARE(message.type(), QStringLiteral("dialogShow"));
-    QCOMPARE(message.version(), QStringLiteral("9"));
-    QCOMPARE(message.sourceSystem(), QStringLiteral("other"));
-    QCOMPARE(message.data(), QVariant(5));
-}
-
-void tst_CalyxCollabMessage::dataobjectIsASlotAndNoProperty()
-{
-    CalyxCollabMessage message;
-    QObject object;
-    QVERIFY(QMetaObject::invokeMethod(&message, "setdataobject", Q_ARG(QObject*, &object)));
-    QCOMPARE(message.dataobject(), &object);
-    QCOMPARE(message.metaObject()->indexOfProperty("dataobject"), -1);
-    QVERIFY(!JsonSerializer::serializeToJson(&message).contains(QLatin1String("dataobject")));
-    message.setdataobject(nullptr);
-    QVERIFY(!message.dataobject());
-}
-
-void tst_CalyxCollabMessage::dataobjectIsNotOwned()
-{
-    QObject object;
-    {
-        CalyxCollabMessage message;
-        message.setdataobject(&object);
-        QVERIFY(!object.parent());
-    }
-    object.setObjectName(QStringLiteral("alive"));
-    QCOMPARE(object.objectName(), QStringLiteral("alive"));
-}
-
-void tst_CalyxCollabMessage::objectIsSerialisedAndCompressed()
-{
-    QuestionText question;
-    question.sethint(QString::fromUtf8(u8"Größe 😀"));
-    CalyxCollabMessage message;
-    message.setdataobject(&question);
-    message.compileData();
-    QCOMPARE(decoded(message), JsonSerializer::serializeToJson(&question));
-    QCOMPARE(m_log->debug(INVALID), QStringList());
-    // The rest stays as it was.
-    QCOMPARE(message.from() + message.type() + message.version() + message.sourceSystem(),
-             QStringLiteral("3.0.0Lumora"));
-}
-
-void tst_CalyxCollabMessage::mapIsSerialisedAndCompressed_data()
-{
-    QTest::addColumn<QVariant>("data");
-    QTest::addColumn<QString>("json");
-    QTest::newRow("map") << QVariant(QVariantMap{{QStringLiteral("text"), QStringLiteral("Hi")},
-                                                 {QStringLiteral("isDismissible"), true}})
-                         << QStringLiteral("{\n    \"isDismissible\": true,\n    \"text\": \"Hi\"\n}\n");
-    QTest::newRow("empty map") << QVariant(QVariantMap()) << QStringLiteral("{\n}\n");
-    QTest::newRow("hash, which converts to a map")
-        << QVariant(QVariantHash{{QStringLiteral("a"), 1}}) << QStringLiteral("{\n    \"a\": 1\n}\n");
-}
-
-void tst_CalyxCollabMessage::mapIsSerialisedAndCompressed()
-{
-    QFETCH(QVariant, data);
-    QFETCH(QString, json);
-    CalyxCollabMessage message;
-    message.setdata(data);
-    message.compileData();
-    QCOMPARE(decoded(message), json);
-    QCOMPARE(m_log->debug(), QStringList());
-}
-
-void tst_CalyxCollabMessage::objectGoesBeforeTheMap()
-{
-    QObject plain;
-    CalyxCollabMessage message;
-    message.setdata(QVariantMap{{QStringLiteral("text"), QStringLiteral("Hi")}});
-    message.setdataobject(&plain);
-    message.compileData();
-    QCOMPARE(decoded(message), QStringLiteral("{\n}\n"));
-}
-
-void tst_CalyxCollabMessage::dataThatIsNoMapStaysAndIsReported_data()
-{
-    QTest::addColumn<QVariant>("data");
-    QTest::newRow("nothing") << QVariant();
-    QTest::newRow("text") << QVariant(QStringLiteral("{\"a\":1}"));
-    QTest::newRow("number") << QVariant(5);
-    QTest::newRow("list") << QVariant(QVariantList{QVariantMap()});
-    QTest::newRow("bytes") << QVariant(QByteArray("{}"));
-}
-
-void tst_CalyxCollabMessage::dataThatIsNoMapStaysAndIsReported()
-{
-    QFETCH(QVariant, data);
-    CalyxCollabMessage message;
-    message.setdata(data);
-    message.compileData();
-    QCOMPARE(message.data(), data);
-    QCOMPARE(message.data().isValid(), data.isValid());
-    QCOMPARE(m_log->debug().size(), 1);
-    QCOMPARE(m_log->debug(INVALID).size(), 1);
-}
-
-void tst_CalyxCollabMessage::deletedObjectIsNoObject()
-{
-    auto object = std::make_unique<QObject>();
-    CalyxCollabMessage message;
-    message.setdataobject(object.get());
-    object.reset();
-    QVERIFY(!message.dataobject());
-    message.compileData();
-    QVERIFY(!message.data().isValid());
-    QCOMPARE(m_log->debug(INVALID).size(), 1);
-    message.setdata(QVariantMap());
-    message.compileData();
-    QCOMPARE(decoded(message), QStringLiteral("{\n}\n"));
-}
-
-void tst_CalyxCollabMessage::compilingTwiceWithAnObjectGivesTheObjectAgain()
-{
-    QuestionText question;
-    CalyxCollabMessage message;
-    message.setdataobject(&question);
-    message.compileData();
-    const QVariant first = message.data();
-    message.compileData();
-    QCOMPARE(message.data(), first);
-    question.sethint(QStringLiteral("changed"));
-    message.compileData();
-    QCOMPARE(decoded(message), JsonSerializer::serializeToJson(&question));
-}
-
-void tst_CalyxCollabMessage::compilingTwiceWithoutAnObjectKeepsTheList()
-{
-    CalyxCollabMessage message;
-    message.setdata(QVariantMap{{QStringLiteral("a"), 1}});
-    message.compileData();
-    const QVariant first = message.data();
-    message.compileData();
-    QCOMPARE(message.data(), first);
-    QCOMPARE(m_log->debug(INVALID).size(), 1);
-}
-
-void tst_CalyxCollabMessage::jsonOfACompiledMessage()
-{
-    CalyxCollabMessage message;
-    message.setfrom(QStringLiteral("user-token"));
-    message.settype(QStringLiteral("questionStart"));
-    message.setdata(QVariantMap());
-    message.compileData();
-    QString base64;
-    QVERIFY(Lzma::compress64(QStringLiteral("{\n}\n"), &base64));
-    QCOMPARE(JsonSerializer::serializeToJson(&message), QStringLiteral("{\n"
-                                                                       "    \"data\": [\n"
-                                                                       "        \"%1\"\n"
-                                                                       "    ],\n"
-                                                                       "    \"from\": \"user-token\",\n"
-                                                                       "    \"sourceSystem\": \"Lumora\",\n"
-                                                                       "    \"type\": \"questionStart\",\n"
-                                                                       "    \"version\": \"3.0.0\"\n"
-                                                                       "}\n")
-                                                            .arg(base64));
-}
-
-void tst_CalyxCollabMessage::nothingIsLoggedWhileTheCategoryIsOff()
-{
-    CalyxCollabMessage message;
-    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
-    message.compileData();
-    const QStringList whileOff = m_log->debug();
-    QLoggingCategory::setFilterRules(QString());
-    message.compileData();
-    QCOMPARE(whileOff, QStringList());
-    QCOMPARE(m_log->debug(INVALID).size(), 1);
-}
 
 QTEST_GUILESS_MAIN(tst_CalyxCollabMessage)
 #include "tst_CalyxCollabMessage.moc"

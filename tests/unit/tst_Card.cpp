@@ -13,19 +13,11 @@ class tst_Card : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void json();
-    void gettersAreNamedAsTheProperties();
-    void backgroundImageIsSetUnchanged_data();
-    void backgroundImageIsSetUnchanged();
-    void backgroundImageLeavesTheOtherStyles();
-    void emptyBackgroundImageKeepsItsKey();
-};
-
-void tst_Card::json()
-{
-    const Card card;
-    const LogRecorder log;
-    QCOMPARE(JsonSerializer::serializeToJson(&card), QStringLiteral(R"({
+    void json()
+    {
+        const Card card;
+        const LogRecorder log;
+        QCOMPARE(JsonSerializer::serializeToJson(&card), QStringLiteral(R"({
     "active": true,
     "autoSend": true,
     "components": [
@@ -51,82 +43,84 @@ void tst_Card::json()
     "visible": true
 }
 )"));
-    QCOMPARE(log.debug(), QStringList());
-}
+        QCOMPARE(log.debug(), QStringList());
+    }
 
-void tst_Card::gettersAreNamedAsTheProperties()
-{
-    Card card;
-    QVERIFY(card.active() && card.autoSend() && card.hasRendered() && card.isTeacherCard());
-    QVERIFY(card.primary() && card.pristine() && card.visible());
-    card.setactive(false);
-    card.setautoSend(false);
-    card.sethasRendered(false);
-    card.setisTeacherCard(false);
-    card.setprimary(false);
-    card.setpristine(false);
-    card.setvisible(false);
-    QVERIFY(!card.active() && !card.autoSend() && !card.hasRendered() && !card.isTeacherCard());
-    QVERIFY(!card.primary() && !card.pristine() && !card.visible());
-    card.setcomponents({1});
-    card.setid(QStringLiteral("id"));
-    card.setnotes(QStringLiteral("notes"));
-    card.setordinal(2);
-    card.setremoteId(QStringLiteral("remote"));
-    card.setsegment({{QStringLiteral("id"), 3}});
-    card.settracks({4});
-    card.settype(QStringLiteral("OTHER"));
-    QCOMPARE(card.components(), QVariantList({1}));
-    QCOMPARE(card.id(), QStringLiteral("id"));
-    QCOMPARE(card.notes(), QStringLiteral("notes"));
-    QCOMPARE(card.ordinal(), 2);
-    QCOMPARE(card.remoteId(), QStringLiteral("remote"));
-    QCOMPARE(card.segment(), QVariantMap({{QStringLiteral("id"), 3}}));
-    QCOMPARE(card.tracks(), QVariantList({4}));
-    QCOMPARE(card.type(), QStringLiteral("OTHER"));
-}
+    void gettersAreNamedAsTheProperties()
+    {
+        Card card;
+        QVERIFY(card.active() && card.autoSend() && card.hasRendered() && card.isTeacherCard());
+        QVERIFY(card.primary() && card.pristine() && card.visible());
+        card.setactive(false);
+        card.setautoSend(false);
+        card.sethasRendered(false);
+        card.setisTeacherCard(false);
+        card.setprimary(false);
+        card.setpristine(false);
+        card.setvisible(false);
+        QVERIFY(!card.active() && !card.autoSend() && !card.hasRendered() && !card.isTeacherCard());
+        QVERIFY(!card.primary() && !card.pristine() && !card.visible());
+        card.setcomponents({1});
+        card.setid(QStringLiteral("id"));
+        card.setnotes(QStringLiteral("notes"));
+        card.setordinal(2);
+        card.setremoteId(QStringLiteral("remote"));
+        card.setsegment({{QStringLiteral("id"), 3}});
+        card.settracks({4});
+        card.settype(QStringLiteral("OTHER"));
+        QCOMPARE(card.components(), QVariantList({1}));
+        QCOMPARE(card.id(), QStringLiteral("id"));
+        QCOMPARE(card.notes(), QStringLiteral("notes"));
+        QCOMPARE(card.ordinal(), 2);
+        QCOMPARE(card.remoteId(), QStringLiteral("remote"));
+        QCOMPARE(card.segment(), QVariantMap({{QStringLiteral("id"), 3}}));
+        QCOMPARE(card.tracks(), QVariantList({4}));
+        QCOMPARE(card.type(), QStringLiteral("OTHER"));
+    }
 
-void tst_Card::backgroundImageIsSetUnchanged_data()
-{
-    QTest::addColumn<QString>("url");
-    QTest::newRow("CSS") << QStringLiteral("url('http://127.0.0.1/a b?c=%20')");
-    QTest::newRow("bare") << QStringLiteral("http://127.0.0.1/image");
-    QTest::newRow("data URI") << QStringLiteral("data:image/png;base64,iVBORw0KGgo=");
-}
+    void backgroundImageIsSetUnchanged_data()
+    {
+        QTest::addColumn<QString>("url");
+        QTest::newRow("CSS") << QStringLiteral("url('http://127.0.0.1/a b?c=%20')");
+        QTest::newRow("bare") << QStringLiteral("http://127.0.0.1/image");
+        QTest::newRow("data URI") << QStringLiteral("data:image/png;base64,iVBORw0KGgo=");
+    }
 
-void tst_Card::backgroundImageIsSetUnchanged()
-{
-    QFETCH(QString, url);
-    Card card;
-    card.setBackgroundImage(QStringLiteral("before"));
-    card.setBackgroundImage(url);
-    QCOMPARE(card.styles().value(QStringLiteral("backgroundImage")), QVariant(url));
-    QCOMPARE(card.styles().size(), 3);
-}
+    void backgroundImageIsSetUnchanged()
+    {
+        QFETCH(QString, url);
+        Card card;
+        card.setBackgroundImage(QStringLiteral("before"));
+        card.setBackgroundImage(url);
+        QCOMPARE(card.styles().value(QStringLiteral("backgroundImage")), QVariant(url));
+        QCOMPARE(card.styles().size(), 3);
+    }
 
-void tst_Card::backgroundImageLeavesTheOtherStyles()
-{
-    Card card;
-    card.setstyles({{QStringLiteral("backgroundColor"), QStringLiteral("red")}, {QStringLiteral("own"), 1}});
-    card.setBackgroundImage(QStringLiteral("x"));
-    QCOMPARE(card.styles(), QVariantMap({{QStringLiteral("backgroundColor"), QStringLiteral("red")},
-                                         {QStringLiteral("backgroundImage"), QStringLiteral("x")},
-                                         {QStringLiteral("own"), 1}}));
-}
+    void backgroundImageLeavesTheOtherStyles()
+    {
+        Card card;
+        card.setstyles(
+            {{QStringLiteral("backgroundColor"), QStringLiteral("red")}, {QStringLiteral("own"), 1}});
+        card.setBackgroundImage(QStringLiteral("x"));
+        QCOMPARE(card.styles(), QVariantMap({{QStringLiteral("backgroundColor"), QStringLiteral("red")},
+                                             {QStringLiteral("backgroundImage"), QStringLiteral("x")},
+                                             {QStringLiteral("own"), 1}}));
+    }
 
-void tst_Card::emptyBackgroundImageKeepsItsKey()
-{
-    Card card;
-    card.setBackgroundImage(QStringLiteral("x"));
-    card.setBackgroundImage(QStringLiteral(""));
-    QVERIFY(card.styles().contains(QStringLiteral("backgroundImage")));
-    const LogRecorder log;
-    QVERIFY(JsonSerializer::serializeToJson(&card).contains(
-        QLatin1String("        \"backgroundImage\": \"\",\n")));
-    card.setBackgroundImage(QString());
-    QVERIFY(JsonSerializer::serializeToJson(&card).contains(
-        QLatin1String("        \"backgroundImage\": \"\",\n")));
-}
+    void emptyBackgroundImageKeepsItsKey()
+    {
+        Card card;
+        card.setBackgroundImage(QStringLiteral("x"));
+        card.setBackgroundImage(QStringLiteral(""));
+        QVERIFY(card.styles().contains(QStringLiteral("backgroundImage")));
+        const LogRecorder log;
+        QVERIFY(JsonSerializer::serializeToJson(&card).contains(
+            QLatin1String("        \"backgroundImage\": \"\",\n")));
+        card.setBackgroundImage(QString());
+        QVERIFY(JsonSerializer::serializeToJson(&card).contains(
+            QLatin1String("        \"backgroundImage\": \"\",\n")));
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_Card)
 #include "tst_Card.moc"

@@ -25,322 +25,306 @@ class tst_CollaborationMessageHandler : public MessageHandlerTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void hostsConnectByString();
-    void onlyTheSlotOfTheTransportIsCallable();
-    void signalsAreInTheirOrder();
-    void framesBecomeSignals_data();
-    void framesBecomeSignals();
-    void framesThatSayNothingAreDropped_data();
-    void framesThatSayNothingAreDropped();
-    void remoteCommands_data();
-    void remoteCommands();
-    void typesThatAreNoCommandsAreUnhandled_data();
-    void typesThatAreNoCommandsAreUnhandled();
-    void unhandledMessageCarriesBodyAndData();
-    void signalSpiesHoldTheValues();
-    void signalsAreEmittedBeforeTheCallReturns();
-
-    void registerActionWhenCalledDirectly_data();
-    void registerActionWhenCalledDirectly();
-
-    void anySlotMayDeleteTheHandler_data();
-    void anySlotMayDeleteTheHandler();
-};
-
-void tst_CollaborationMessageHandler::hostsConnectByString()
-{
-    QCOMPARE(m_handler->parent(), this);
-    QCOMPARE(m_log->warnings(), QStringList());
-    MessageHandlerHost other;
-    QVERIFY(connect(m_handler, SIGNAL(unhandledMessage(QVariantMap, QVariant)), &other,
-                    SLOT(unhandled(QVariantMap, QVariant))));
-}
-
-void tst_CollaborationMessageHandler::onlyTheSlotOfTheTransportIsCallable()
-{
-    const QMetaObject* meta = m_handler->metaObject();
-    const int index = meta->indexOfSlot("onHandleMessage(QString)");
-    QVERIFY(index >= 0);
-    QCOMPARE(meta->method(index).access(), QMetaMethod::Protected);
-    QCOMPARE(meta->indexOfMethod("actionRegister(QVariantMap)"), -1);
-    QCOMPARE(meta->indexOfMethod("dataJoin(QVariantMap,QVariant)"), -1);
-}
-
-void tst_CollaborationMessageHandler::signalsAreInTheirOrder()
-{
-    const QMetaObject* meta = m_handler->metaObject();
-    QStringList names;
-    for (int i = meta->methodOffset(); i < meta->methodCount(); ++i) {
-        if (meta->method(i).methodType() == QMetaMethod::Signal)
-            names.append(QString::fromLatin1(meta->method(i).methodSignature()));
+    void hostsConnectByString()
+    {
+        QCOMPARE(m_handler->parent(), this);
+        QCOMPARE(m_log->warnings(), QStringList());
+        MessageHandlerHost other;
+        QVERIFY(connect(m_handler, SIGNAL(unhandledMessage(QVariantMap, QVariant)), &other,
+                        SLOT(unhandled(QVariantMap, QVariant))));
     }
-    QCOMPARE(names, QStringList({QStringLiteral("learnerPollResponse(QString,QString,int,QString)"),
-                                 QStringLiteral("learnerJoin(Learner)"),
-                                 QStringLiteral("learnerUnregister(QString)"),
-                                 QStringLiteral("controllerRegister(bool)"),
-                                 QStringLiteral("remoteControl(RemoteControlMessage)"),
-                                 QStringLiteral("unhandledMessage(QVariantMap,QVariant)"),
-                                 QStringLiteral("learnerGetQuestion(QString,int)")}));
-}
 
-void tst_CollaborationMessageHandler::framesBecomeSignals_data()
-{
-    QTest::addColumn<QString>("frame");
-    QTest::addColumn<QString>("heard");
+    void onlyTheSlotOfTheTransportIsCallable()
+    {
+        const QMetaObject* meta = m_handler->metaObject();
+        const int index = meta->indexOfSlot("onHandleMessage(QString)");
+        QVERIFY(index >= 0);
+        QCOMPARE(meta->method(index).access(), QMetaMethod::Protected);
+        QCOMPARE(meta->indexOfMethod("actionRegister(QVariantMap)"), -1);
+        QCOMPARE(meta->indexOfMethod("dataJoin(QVariantMap,QVariant)"), -1);
+    }
 
-    const auto row = [](const char* name, const char* body, const char* heard,
-                        const QString& data = QString()) {
-        QString frame = QStringLiteral("{\"type\":\"rec\",\"address\":\"t.presenter\",\"body\":") +
-                        QString::fromUtf8(body) + QLatin1Char('}');
-        frame.replace(QLatin1String("DATA"), data);
-        QTest::newRow(name) << frame << QString::fromUtf8(heard);
-    };
-    row("learner leaves", R"({"action":"unregister","client":{"token":"d1","type":"user"}})", "leave d1");
-    row("learner without token leaves", R"({"action":"unregister","client":{"type":"user"}})", "leave ");
-    row("token is a number", R"({"action":"unregister","client":{"token":12,"type":"user"}})", "leave 12");
-    row("controller leaves", R"({"action":"unregister","client":{"token":"c1","type":"controller"}})",
-        "controller goes");
-    row("action hides a type",
-        R"({"action":"unregister","type":"join","client":{"token":"d1","type":"user"}})", "leave d1");
-    row("null action hides nothing", R"({"action":null,"type":"pause","from":"c1"})",
-        "remote c1 pause invalid");
-    row("action that is an object hides nothing", R"({"action":{},"type":"pause","from":"c1"})",
-        "remote c1 pause invalid");
-    row("action that is a list hides nothing", R"({"action":["unregister"],"type":"pause","from":"c1"})",
-        "remote c1 pause invalid");
+    void signalsAreInTheirOrder()
+    {
+        const QMetaObject* meta = m_handler->metaObject();
+        QStringList names;
+        for (int i = meta->methodOffset(); i < meta->methodCount(); ++i) {
+            if (meta->method(i).methodType() == QMetaMethod::Signal)
+                names.append(QString::fromLatin1(meta->method(i).methodSignature()));
+        }
+        QCOMPARE(names, QStringList({QStringLiteral("learnerPollResponse(QString,QString,int,QString)"),
+                                     QStringLiteral("learnerJoin(Learner)"),
+                                     QStringLiteral("learnerUnregister(QString)"),
+                                     QStringLiteral("controllerRegister(bool)"),
+                                     QStringLiteral("remoteControl(RemoteControlMessage)"),
+                                     QStringLiteral("unhandledMessage(QVariantMap,QVariant)"),
+                                     QStringLiteral("learnerGetQuestion(QString,int)")}));
+    }
 
-    row("join", R"({"type":"join","from":"d1","data":["DATA"]})", "join d1/Zoë 😀/tablet",
-        compressed(u8R"({"userName":"Zoë 😀","deviceType":"tablet"})"));
-    row("join without data", R"({"type":"join","from":"d1"})", "join d1//");
-    row("join without sender", R"({"type":"join","data":"DATA"})", "join /Ann/",
-        compressed(R"({"userName":"Ann"})"));
-    row("join with data of another kind", R"({"type":"join","from":"d1","data":["DATA"]})", "join d1//",
-        compressed("[1,2]"));
-    row("join with numbers for texts", R"({"type":"join","from":7,"data":"DATA"})", "join 7/8/true",
-        compressed(R"({"userName":8,"deviceType":true})"));
+    void framesBecomeSignals_data()
+    {
+        QTest::addColumn<QString>("frame");
+        QTest::addColumn<QString>("heard");
 
-    row("remote control", R"({"type":"nextCard","from":"c1","data":["DATA"]})",
-        R"(remote c1 nextCard {"card":3})", compressed(R"({"card":3})"));
-    row("stopSession", R"({"type":"stopSession","from":"c1"})", "remote c1 stopSession invalid");
-    row("remote control without sender", R"({"type":"pause"})", "remote  pause invalid");
-    row("data that is an object", R"({"type":"addImageCard","from":"c1","data":{"a":1}})",
-        "remote c1 addImageCard invalid");
-    row("data that is null", R"({"type":"addImageCard","from":"c1","data":null})",
-        "remote c1 addImageCard invalid");
+        const auto row = [](const char* name, const char* body, const char* heard,
+                            const QString& data = QString()) {
+            QString frame = QStringLiteral("{\"type\":\"rec\",\"address\":\"t.presenter\",\"body\":") +
+                            QString::fromUtf8(body) + QLatin1Char('}');
+            frame.replace(QLatin1String("DATA"), data);
+            QTest::newRow(name) << frame << QString::fromUtf8(heard);
+        };
+        row("learner leaves", R"({"action":"unregister","client":{"token":"d1","type":"user"}})", "leave d1");
+        row("learner without token leaves", R"({"action":"unregister","client":{"type":"user"}})", "leave ");
+        row("token is a number", R"({"action":"unregister","client":{"token":12,"type":"user"}})",
+            "leave 12");
+        row("controller leaves", R"({"action":"unregister","client":{"token":"c1","type":"controller"}})",
+            "controller goes");
+        row("action hides a type",
+            R"({"action":"unregister","type":"join","client":{"token":"d1","type":"user"}})", "leave d1");
+        row("null action hides nothing", R"({"action":null,"type":"pause","from":"c1"})",
+            "remote c1 pause invalid");
+        row("action that is an object hides nothing", R"({"action":{},"type":"pause","from":"c1"})",
+            "remote c1 pause invalid");
+        row("action that is a list hides nothing", R"({"action":["unregister"],"type":"pause","from":"c1"})",
+            "remote c1 pause invalid");
 
-    row("poll response", R"({"type":"pollResponse","from":"d1","data":["DATA"]})", "answer d1 p1 2500 A,C",
-        compressed(R"({"pollId":"p1","responseTime":2500,"blob":{"pick":["A","C"]}})"));
-    row("question response", R"({"type":"questionResponse","from":"d1","data":["DATA"]})",
-        "answer d1 q1 2 PQ", compressed(R"({"questionId":"q1","responseTime":2500,
+        row("join", R"({"type":"join","from":"d1","data":["DATA"]})", "join d1/Zoë 😀/tablet",
+            compressed(u8R"({"userName":"Zoë 😀","deviceType":"tablet"})"));
+        row("join without data", R"({"type":"join","from":"d1"})", "join d1//");
+        row("join without sender", R"({"type":"join","data":"DATA"})", "join /Ann/",
+            compressed(R"({"userName":"Ann"})"));
+        row("join with data of another kind", R"({"type":"join","from":"d1","data":["DATA"]})", "join d1//",
+            compressed("[1,2]"));
+        row("join with numbers for texts", R"({"type":"join","from":7,"data":"DATA"})", "join 7/8/true",
+            compressed(R"({"userName":8,"deviceType":true})"));
+
+        row("remote control", R"({"type":"nextCard","from":"c1","data":["DATA"]})",
+            R"(remote c1 nextCard {"card":3})", compressed(R"({"card":3})"));
+        row("stopSession", R"({"type":"stopSession","from":"c1"})", "remote c1 stopSession invalid");
+        row("remote control without sender", R"({"type":"pause"})", "remote  pause invalid");
+        row("data that is an object", R"({"type":"addImageCard","from":"c1","data":{"a":1}})",
+            "remote c1 addImageCard invalid");
+        row("data that is null", R"({"type":"addImageCard","from":"c1","data":null})",
+            "remote c1 addImageCard invalid");
+
+        row("poll response", R"({"type":"pollResponse","from":"d1","data":["DATA"]})",
+            "answer d1 p1 2500 A,C",
+            compressed(R"({"pollId":"p1","responseTime":2500,"blob":{"pick":["A","C"]}})"));
+        row("question response", R"({"type":"questionResponse","from":"d1","data":["DATA"]})",
+            "answer d1 q1 2 PQ", compressed(R"({"questionId":"q1","responseTime":2500,
                        "optionAnswers":[{"activityOptionId":"P"},{"activityOptionId":"Q"}]})"));
-    row("question request", R"({"type":"questionGet","from":"d1","data":"DATA"})", "ask d1 4",
-        compressed(R"({"questionNumber":4})"));
+        row("question request", R"({"type":"questionGet","from":"d1","data":"DATA"})", "ask d1 4",
+            compressed(R"({"questionNumber":4})"));
 
-    row("unknown type", R"({"type":"chat"})", R"(unhandled {"type":"chat"} invalid)");
-    row("empty type", R"({"type":""})", R"(unhandled {"type":""} invalid)");
-    row("type that is a number", R"({"type":5})", R"(unhandled {"type":5} invalid)");
-    row("type that is a truth value", R"({"type":true})", R"(unhandled {"type":true} invalid)");
-    row("unknown type, data the number 5", R"({"type":"chat","data":5})",
-        R"(unhandled {"data":5,"type":"chat"} QString '5')");
-    row("unknown type, decoded data", R"({"type":"chat","data":["DATA"]})",
-        qPrintable(QStringLiteral(R"(unhandled {"data":["%1"],"type":"chat"} {"a":[1]})")
-                       .arg(compressed(R"({"a":[1]})"))),
-        compressed(R"({"a":[1]})"));
-}
+        row("unknown type", R"({"type":"chat"})", R"(unhandled {"type":"chat"} invalid)");
+        row("empty type", R"({"type":""})", R"(unhandled {"type":""} invalid)");
+        row("type that is a number", R"({"type":5})", R"(unhandled {"type":5} invalid)");
+        row("type that is a truth value", R"({"type":true})", R"(unhandled {"type":true} invalid)");
+        row("unknown type, data the number 5", R"({"type":"chat","data":5})",
+            R"(unhandled {"data":5,"type":"chat"} QString '5')");
+        row("unknown type, decoded data", R"({"type":"chat","data":["DATA"]})",
+            qPrintable(QStringLiteral(R"(unhandled {"data":["%1"],"type":"chat"} {"a":[1]})")
+                           .arg(compressed(R"({"a":[1]})"))),
+            compressed(R"({"a":[1]})"));
+    }
 
-void tst_CollaborationMessageHandler::framesBecomeSignals()
-{
-    QFETCH(QString, frame);
-    QFETCH(QString, heard);
-    emit m_host->frame(frame);
-    QCOMPARE(m_host->heard, QStringList({heard}));
-}
+    void framesBecomeSignals()
+    {
+        QFETCH(QString, frame);
+        QFETCH(QString, heard);
+        emit m_host->frame(frame);
+        QCOMPARE(m_host->heard, QStringList({heard}));
+    }
 
-void tst_CollaborationMessageHandler::framesThatSayNothingAreDropped_data()
-{
-    QTest::addColumn<QString>("frame");
+    void framesThatSayNothingAreDropped_data()
+    {
+        QTest::addColumn<QString>("frame");
 
-    const auto row = [](const char* name, const QString& frame) { QTest::newRow(name) << frame; };
-    row("nothing", QString());
-    row("no JSON", QStringLiteral("hello"));
-    row("cut off", QStringLiteral(R"({"body":{"type":"pause"})"));
-    row("something behind", QStringLiteral(R"({"body":{"type":"pause"}} x)"));
-    row("bare text", QStringLiteral("\"pause\""));
-    row("bare number", QStringLiteral("5"));
-    row("list", QStringLiteral(R"([{"body":{"type":"pause"}}])"));
-    row("no body", QStringLiteral(R"({"type":"pause","address":"t"})"));
-    row("body is a text", QStringLiteral(R"({"body":"pause"})"));
-    row("body is a list", QStringLiteral(R"({"body":[{"type":"pause"}]})"));
-    row("body is null", QStringLiteral(R"({"body":null})"));
-    row("body is empty", QStringLiteral(R"({"body":{}})"));
-    row("another spelling of body", QStringLiteral(R"({"Body":{"type":"pause"}})"));
-    row("another spelling of type", QStringLiteral(R"({"body":{"Type":"pause"}})"));
-    row("type is null", QStringLiteral(R"({"body":{"type":null}})"));
-    row("type is an object", QStringLiteral(R"({"body":{"type":{"type":"pause"}}})"));
-    row("type is a list", QStringLiteral(R"({"body":{"type":["pause"]}})"));
-    row("only data", QStringLiteral(R"({"body":{"data":"x","from":"d1"}})"));
-    row("register of a controller",
-        QStringLiteral(R"({"body":{"action":"register","client":{"token":"c1","type":"controller"}}})"));
-    row("register of a learner",
-        QStringLiteral(R"({"body":{"action":"register","client":{"token":"d1","type":"user"}}})"));
-    row("unknown action", QStringLiteral(R"({"body":{"action":"leave","type":"pause"}})"));
-    row("action in capitals",
-        QStringLiteral(R"({"body":{"action":"Unregister","client":{"token":"d1","type":"user"}}})"));
-    row("empty action", QStringLiteral(R"({"body":{"action":"","type":"pause"}})"));
-    row("action that is a number", QStringLiteral(R"({"body":{"action":1,"type":"pause"}})"));
-    row("action that is a truth value", QStringLiteral(R"({"body":{"action":false,"type":"pause"}})"));
-    row("unregister without client", QStringLiteral(R"({"body":{"action":"unregister"}})"));
-    row("unregister of a client that is a text",
-        QStringLiteral(R"({"body":{"action":"unregister","client":"user"}})"));
-    row("unregister of another kind",
-        QStringLiteral(R"({"body":{"action":"unregister","client":{"token":"p1","type":"presenter"}}})"));
-    row("unregister of a kind in capitals",
-        QStringLiteral(R"({"body":{"action":"unregister","client":{"token":"d1","type":"User"}}})"));
-    row("unregister of no kind",
-        QStringLiteral(R"({"body":{"action":"unregister","client":{"token":"d1"}}})"));
-    row("nested too deep", QString(5000, QLatin1Char('[')) + QString(5000, QLatin1Char(']')));
-    row("zero behind the frame",
-        QStringLiteral(R"({"body":{"type":"pause"}})") + QChar(0) + QLatin1Char('x'));
-}
+        const auto row = [](const char* name, const QString& frame) { QTest::newRow(name) << frame; };
+        row("nothing", QString());
+        row("no JSON", QStringLiteral("hello"));
+        row("cut off", QStringLiteral(R"({"body":{"type":"pause"})"));
+        row("something behind", QStringLiteral(R"({"body":{"type":"pause"}} x)"));
+        row("bare text", QStringLiteral("\"pause\""));
+        row("bare number", QStringLiteral("5"));
+        row("list", QStringLiteral(R"([{"body":{"type":"pause"}}])"));
+        row("no body", QStringLiteral(R"({"type":"pause","address":"t"})"));
+        row("body is a text", QStringLiteral(R"({"body":"pause"})"));
+        row("body is a list", QStringLiteral(R"({"body":[{"type":"pause"}]})"));
+        row("body is null", QStringLiteral(R"({"body":null})"));
+        row("body is empty", QStringLiteral(R"({"body":{}})"));
+        row("another spelling of body", QStringLiteral(R"({"Body":{"type":"pause"}})"));
+        row("another spelling of type", QStringLiteral(R"({"body":{"Type":"pause"}})"));
+        row("type is null", QStringLiteral(R"({"body":{"type":null}})"));
+        row("type is an object", QStringLiteral(R"({"body":{"type":{"type":"pause"}}})"));
+        row("type is a list", QStringLiteral(R"({"body":{"type":["pause"]}})"));
+        row("only data", QStringLiteral(R"({"body":{"data":"x","from":"d1"}})"));
+        row("register of a controller",
+            QStringLiteral(R"({"body":{"action":"register","client":{"token":"c1","type":"controller"}}})"));
+        row("register of a learner",
+            QStringLiteral(R"({"body":{"action":"register","client":{"token":"d1","type":"user"}}})"));
+        row("unknown action", QStringLiteral(R"({"body":{"action":"leave","type":"pause"}})"));
+        row("action in capitals",
+            QStringLiteral(R"({"body":{"action":"Unregister","client":{"token":"d1","type":"user"}}})"));
+        row("empty action", QStringLiteral(R"({"body":{"action":"","type":"pause"}})"));
+        row("action that is a number", QStringLiteral(R"({"body":{"action":1,"type":"pause"}})"));
+        row("action that is a truth value", QStringLiteral(R"({"body":{"action":false,"type":"pause"}})"));
+        row("unregister without client", QStringLiteral(R"({"body":{"action":"unregister"}})"));
+        row("unregister of a client that is a text",
+            QStringLiteral(R"({"body":{"action":"unregister","client":"user"}})"));
+        row("unregister of another kind",
+            QStringLiteral(R"({"body":{"action":"unregister","client":{"token":"p1","type":"presenter"}}})"));
+        row("unregister of a kind in capitals",
+            QStringLiteral(R"({"body":{"action":"unregister","client":{"token":"d1","type":"User"}}})"));
+        row("unregister of no kind",
+            QStringLiteral(R"({"body":{"action":"unregister","client":{"token":"d1"}}})"));
+        row("nested too deep", QString(5000, QLatin1Char('[')) + QString(5000, QLatin1Char(']')));
+        row("zero behind the frame",
+            QStringLiteral(R"({"body":{"type":"pause"}})") + QChar(0) + QLatin1Char('x'));
+    }
 
-void tst_CollaborationMessageHandler::framesThatSayNothingAreDropped()
-{
-    QFETCH(QString, frame);
-    emit m_host->frame(frame);
-    QCOMPARE(m_host->heard, QStringList());
-    // And the next one is heard.
-    emit m_host->frame(QStringLiteral(R"({"body":{"type":"pause","from":"c1"}})"));
-    QCOMPARE(m_host->heard, QStringList({QStringLiteral("remote c1 pause invalid")}));
-}
+    void framesThatSayNothingAreDropped()
+    {
+        QFETCH(QString, frame);
+        emit m_host->frame(frame);
+        QCOMPARE(m_host->heard, QStringList());
+        // And the next one is heard.
+        emit m_host->frame(QStringLiteral(R"({"body":{"type":"pause","from":"c1"}})"));
+        QCOMPARE(m_host->heard, QStringList({QStringLiteral("remote c1 pause invalid")}));
+    }
 
-void tst_CollaborationMessageHandler::remoteCommands_data()
-{
-    QTest::addColumn<QString>("type");
-    for (const char* type :
-         {"stopSession", "requestLessonInfo", "requestLesson", "presenterActive", "pause", "resume",
-          "lockAll", "unlockAll", "nextCard", "previousCard", "pushCurrentCard", "addImageCard"})
-        QTest::newRow(type) << QString::fromLatin1(type);
-}
+    void remoteCommands_data()
+    {
+        QTest::addColumn<QString>("type");
+        for (const char* type :
+             {"stopSession", "requestLessonInfo", "requestLesson", "presenterActive", "pause", "resume",
+              "lockAll", "unlockAll", "nextCard", "previousCard", "pushCurrentCard", "addImageCard"})
+            QTest::newRow(type) << QString::fromLatin1(type);
+    }
 
-void tst_CollaborationMessageHandler::remoteCommands()
-{
-    QFETCH(QString, type);
-    const QString data = compressed(R"({"id":"l1"})");
-    emit m_host->frame(QStringLiteral(R"({"body":{"type":"%1","from":"c1","data":"%2"}})").arg(type, data));
-    QCOMPARE(m_host->heard, QStringList({QStringLiteral(R"(remote c1 %1 {"id":"l1"})").arg(type)}));
-    // Only the frame, its type and its data: what a command means is for the host to say.
-    QCOMPARE(m_log->debug().size(), 3);
-}
+    void remoteCommands()
+    {
+        QFETCH(QString, type);
+        const QString data = compressed(R"({"id":"l1"})");
+        emit m_host->frame(
+            QStringLiteral(R"({"body":{"type":"%1","from":"c1","data":"%2"}})").arg(type, data));
+        QCOMPARE(m_host->heard, QStringList({QStringLiteral(R"(remote c1 %1 {"id":"l1"})").arg(type)}));
+        // Only the frame, its type and its data: what a command means is for the host to say.
+        QCOMPARE(m_log->debug().size(), 3);
+    }
 
-void tst_CollaborationMessageHandler::typesThatAreNoCommandsAreUnhandled_data()
-{
-    QTest::addColumn<QString>("type");
-    for (const char* type :
-         {"Join", "JOIN", "join ", "stopsession", "poll", "questionStart", "pollStop", "register",
-          "unregister", "disconnect", "heavy", "showCard", "currentLesson", "learnerGetQuestion"})
-        QTest::newRow(type) << QString::fromLatin1(type);
-}
+    void typesThatAreNoCommandsAreUnhandled_data()
+    {
+        QTest::addColumn<QString>("type");
+        for (const char* type :
+             {"Join", "JOIN", "join ", "stopsession", "poll", "questionStart", "pollStop", "register",
+              "unregister", "disconnect", "heavy", "showCard", "currentLesson", "learnerGetQuestion"})
+            QTest::newRow(type) << QString::fromLatin1(type);
+    }
 
-void tst_CollaborationMessageHandler::typesThatAreNoCommandsAreUnhandled()
-{
-    QFETCH(QString, type);
-    emit m_host->frame(QStringLiteral(R"({"body":{"type":"%1"}})").arg(type));
-    QCOMPARE(m_host->heard, QStringList({QStringLiteral(R"(unhandled {"type":"%1"} invalid)").arg(type)}));
-}
+    void typesThatAreNoCommandsAreUnhandled()
+    {
+        QFETCH(QString, type);
+        emit m_host->frame(QStringLiteral(R"({"body":{"type":"%1"}})").arg(type));
+        QCOMPARE(m_host->heard,
+                 QStringList({QStringLiteral(R"(unhandled {"type":"%1"} invalid)").arg(type)}));
+    }
 
-void tst_CollaborationMessageHandler::unhandledMessageCarriesBodyAndData()
-{
-    QSignalSpy spy(m_handler, SIGNAL(unhandledMessage(QVariantMap, QVariant)));
-    emit m_host->frame(
-        QStringLiteral(R"({"outer":1,"body":{"type":"chat","from":"d1","data":5,"more":{"x":[1]}}})"));
-    QCOMPARE(spy.size(), 1);
-    const QVariantMap body = spy.first().first().toMap();
-    QCOMPARE(body.keys(), QStringList({QStringLiteral("data"), QStringLiteral("from"), QStringLiteral("more"),
-                                       QStringLiteral("type")}));
-    QCOMPARE(body.value(QStringLiteral("from")), QVariant(QStringLiteral("d1")));
-    const QVariant data = spy.first().at(1).value<QVariant>();
-    QCOMPARE(data.userType(), int(QMetaType::QString));
-    QCOMPARE(data.toString(), QStringLiteral("5"));
-    QCOMPARE(m_log
-                 ->debug(QStringLiteral(
-                     "[MessageHandler.Decompressed] FAILED to decompress, forwarding raw string!"))
-                 .size(),
-             1);
-}
+    void unhandledMessageCarriesBodyAndData()
+    {
+        QSignalSpy spy(m_handler, SIGNAL(unhandledMessage(QVariantMap, QVariant)));
+        emit m_host->frame(
+            QStringLiteral(R"({"outer":1,"body":{"type":"chat","from":"d1","data":5,"more":{"x":[1]}}})"));
+        QCOMPARE(spy.size(), 1);
+        const QVariantMap body = spy.first().first().toMap();
+        QCOMPARE(body.keys(), QStringList({QStringLiteral("data"), QStringLiteral("from"),
+                                           QStringLiteral("more"), QStringLiteral("type")}));
+        QCOMPARE(body.value(QStringLiteral("from")), QVariant(QStringLiteral("d1")));
+        const QVariant data = spy.first().at(1).value<QVariant>();
+        QCOMPARE(data.userType(), int(QMetaType::QString));
+        QCOMPARE(data.toString(), QStringLiteral("5"));
+        QCOMPARE(m_log
+                     ->debug(QStringLiteral(
+                         "[MessageHandler.Decompressed] FAILED to decompress, forwarding raw string!"))
+                     .size(),
+                 1);
+    }
 
-void tst_CollaborationMessageHandler::signalSpiesHoldTheValues()
-{
-    QSignalSpy joins(m_handler, SIGNAL(learnerJoin(Learner)));
-    QSignalSpy commands(m_handler, SIGNAL(remoteControl(RemoteControlMessage)));
-    QVERIFY(joins.isValid() && commands.isValid());
-    emit m_host->frame(QStringLiteral(R"({"body":{"type":"join","from":"d1"}})"));
-    emit m_host->frame(QStringLiteral(R"({"body":{"type":"lockAll","from":"c1"}})"));
-    QCOMPARE(joins.size(), 1);
-    QCOMPARE(joins.first().first().value<Calyx::Learner>().deviceId, QStringLiteral("d1"));
-    QCOMPARE(commands.size(), 1);
-    const auto message = commands.first().first().value<Calyx::RemoteControlMessage>();
-    QCOMPARE(message.from, QStringLiteral("c1"));
-    QCOMPARE(message.type, QStringLiteral("lockAll"));
-    QVERIFY(!message.data.isValid());
-}
+    void signalSpiesHoldTheValues()
+    {
+        QSignalSpy joins(m_handler, SIGNAL(learnerJoin(Learner)));
+        QSignalSpy commands(m_handler, SIGNAL(remoteControl(RemoteControlMessage)));
+        QVERIFY(joins.isValid() && commands.isValid());
+        emit m_host->frame(QStringLiteral(R"({"body":{"type":"join","from":"d1"}})"));
+        emit m_host->frame(QStringLiteral(R"({"body":{"type":"lockAll","from":"c1"}})"));
+        QCOMPARE(joins.size(), 1);
+        QCOMPARE(joins.first().first().value<Calyx::Learner>().deviceId, QStringLiteral("d1"));
+        QCOMPARE(commands.size(), 1);
+        const auto message = commands.first().first().value<Calyx::RemoteControlMessage>();
+        QCOMPARE(message.from, QStringLiteral("c1"));
+        QCOMPARE(message.type, QStringLiteral("lockAll"));
+        QVERIFY(!message.data.isValid());
+    }
 
-void tst_CollaborationMessageHandler::signalsAreEmittedBeforeTheCallReturns()
-{
-    QVERIFY(QMetaObject::invokeMethod(
-        m_handler, "onHandleMessage", Qt::DirectConnection,
-        Q_ARG(QString, QStringLiteral(R"({"body":{"type":"pause","from":"c1"}})"))));
-    QCOMPARE(m_host->heard, QStringList({QStringLiteral("remote c1 pause invalid")}));
-}
+    void signalsAreEmittedBeforeTheCallReturns()
+    {
+        QVERIFY(QMetaObject::invokeMethod(
+            m_handler, "onHandleMessage", Qt::DirectConnection,
+            Q_ARG(QString, QStringLiteral(R"({"body":{"type":"pause","from":"c1"}})"))));
+        QCOMPARE(m_host->heard, QStringList({QStringLiteral("remote c1 pause invalid")}));
+    }
 
-void tst_CollaborationMessageHandler::registerActionWhenCalledDirectly_data()
-{
-    QTest::addColumn<QString>("kind");
-    QTest::addColumn<QStringList>("heard");
-    QTest::newRow("controller") << QStringLiteral("controller")
-                                << QStringList{QStringLiteral("controller comes")};
-    QTest::newRow("user") << QStringLiteral("user") << QStringList();
-    QTest::newRow("in capitals") << QStringLiteral("Controller") << QStringList();
-    QTest::newRow("none") << QString() << QStringList();
-}
+    void registerActionWhenCalledDirectly_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QStringList>("heard");
+        QTest::newRow("controller") << QStringLiteral("controller")
+                                    << QStringList{QStringLiteral("controller comes")};
+        QTest::newRow("user") << QStringLiteral("user") << QStringList();
+        QTest::newRow("in capitals") << QStringLiteral("Controller") << QStringList();
+        QTest::newRow("none") << QString() << QStringList();
+    }
 
-void tst_CollaborationMessageHandler::registerActionWhenCalledDirectly()
-{
-    QFETCH(QString, kind);
-    QFETCH(QStringList, heard);
-    const QVariantMap client{{QStringLiteral("token"), QStringLiteral("t-17")},
-                             {QStringLiteral("type"), kind}};
-    m_handler->actionRegister({{QStringLiteral("client"), client}});
-    QCOMPARE(m_host->heard, heard);
-    const QStringList logged = m_log->debug(QStringLiteral("REGISTER CONTROLLER"));
-    QCOMPARE(m_log->debug(), logged);
-    QCOMPARE(logged.size(), heard.size());
-    QVERIFY(logged.isEmpty() || logged.first().contains(QLatin1String("t-17")));
-    m_handler->actionRegister(QVariantMap());
-    QCOMPARE(m_host->heard, heard);
-}
+    void registerActionWhenCalledDirectly()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QStringList, heard);
+        const QVariantMap client{{QStringLiteral("token"), QStringLiteral("t-17")},
+                                 {QStringLiteral("type"), kind}};
+        m_handler->actionRegister({{QStringLiteral("client"), client}});
+        QCOMPARE(m_host->heard, heard);
+        const QStringList logged = m_log->debug(QStringLiteral("REGISTER CONTROLLER"));
+        QCOMPARE(m_log->debug(), logged);
+        QCOMPARE(logged.size(), heard.size());
+        QVERIFY(logged.isEmpty() || logged.first().contains(QLatin1String("t-17")));
+        m_handler->actionRegister(QVariantMap());
+        QCOMPARE(m_host->heard, heard);
+    }
 
-void tst_CollaborationMessageHandler::anySlotMayDeleteTheHandler_data()
-{
-    QTest::addColumn<QString>("body");
-    QTest::newRow("learnerPollResponse, poll") << R"({"type":"pollResponse","from":"d1"})";
-    QTest::newRow("learnerPollResponse, question") << R"({"type":"questionResponse","from":"d1"})";
-    QTest::newRow("learnerJoin") << R"({"type":"join","from":"d1"})";
-    QTest::newRow("learnerUnregister") << R"({"action":"unregister","client":{"token":"d1","type":"user"}})";
-    QTest::newRow("controllerRegister")
-        << R"({"action":"unregister","client":{"token":"c1","type":"controller"}})";
-    QTest::newRow("remoteControl") << R"({"type":"pause","from":"c1"})";
-    QTest::newRow("unhandledMessage") << R"({"type":"chat"})";
-    QTest::newRow("learnerGetQuestion") << R"({"type":"questionGet","from":"d1"})";
-}
+    void anySlotMayDeleteTheHandler_data()
+    {
+        QTest::addColumn<QString>("body");
+        QTest::newRow("learnerPollResponse, poll") << R"({"type":"pollResponse","from":"d1"})";
+        QTest::newRow("learnerPollResponse, question") << R"({"type":"questionResponse","from":"d1"})";
+        QTest::newRow("learnerJoin") << R"({"type":"join","from":"d1"})";
+        QTest::newRow("learnerUnregister")
+            << R"({"action":"unregister","client":{"token":"d1","type":"user"}})";
+        QTest::newRow("controllerRegister")
+            << R"({"action":"unregister","client":{"token":"c1","type":"controller"}})";
+        QTest::newRow("remoteControl") << R"({"type":"pause","from":"c1"})";
+        QTest::newRow("unhandledMessage") << R"({"type":"chat"})";
+        QTest::newRow("learnerGetQuestion") << R"({"type":"questionGet","from":"d1"})";
+    }
 
-void tst_CollaborationMessageHandler::anySlotMayDeleteTheHandler()
-{
-    QFETCH(QString, body);
-    m_host->victim = m_handler;
-    emit m_host->frame(QStringLiteral("{\"body\":") + body + QLatin1Char('}'));
-    QCOMPARE(m_host->heard.size(), 1);
-    QVERIFY(!m_handler);
-}
+    void anySlotMayDeleteTheHandler()
+    {
+        QFETCH(QString, body);
+        m_host->victim = m_handler;
+        emit m_host->frame(QStringLiteral("{\"body\":") + body + QLatin1Char('}'));
+        QCOMPARE(m_host->heard.size(), 1);
+        QVERIFY(!m_handler);
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_CollaborationMessageHandler)
 #include "tst_CollaborationMessageHandler.moc"

@@ -67,29 +67,297 @@ class tst_CollaborationMessageHandlerData : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+    void init()
+    {
+        m_log = std::make_unique<LogRecorder>();
+        m_handler = std::make_unique<CollaborationMessageHandler>();
+    }
 
-    void noData_data();
-    void noData();
-    void singleText_data();
-    void singleText();
-    void singleTextThatIsNotCompressedIsForwarded_data();
-    void singleTextThatIsNotCompressedIsForwarded();
-    void listOfTexts_data();
-    void listOfTexts();
-    void listOfTextsThatAreNotCompressedIsInvalid_data();
-    void listOfTextsThatAreNotCompressedIsInvalid();
-    void listOfNumbers_data();
-    void listOfNumbers();
-    void listThatHoldsNoBlockIsInvalid_data();
-    void listThatHoldsNoBlockIsInvalid();
-    void emptyListIsInvalid();
-    void arrayIsInvalidAsTextAndAListInAList();
+    void cleanup()
+    {
+        m_handler.reset();
+        m_log.reset();
+    }
+
+    void noData_data()
+    {
+        QTest::addColumn<QVariantMap>("body");
+        QTest::newRow("absent") << json(R"({"type":"x"})").toMap();
+        QTest::newRow("null") << json(R"({"data":null})").toMap();
+        QTest::newRow("object") << json(R"({"data":{"a":1}})").toMap();
+        QTest::newRow("empty object") << json(R"({"data":{}})").toMap();
+        QTest::newRow("in another spelling") << json(R"({"Data":"x"})").toMap();
+        QTest::newRow("empty body") << QVariantMap();
+    }
+
+    void noData()
+    {
+        QFETCH(QVariantMap, body);
+        QVERIFY(!m_handler->getDataValue(body).isValid());
+        QCOMPARE(m_log->debug(), QStringList());
+    }
+
+    void singleText_data()
+    {
+        QTest::addColumn<QString>("content");
+        QTest::addColumn<QVariant>("expected");
+
+        QTest::newRow("object") << QStringLiteral(R"({"b":[1,null],"a":"x"})")
+                                << json(R"({"b":[1,null],"a":"x"})");
+        QTest::newRow("empty object") << QStringLiteral("{}") << QVariant(QVariantMap());
+        QTest::newRow("object outside ASCII")
+            << QString::fromUtf8(u8R"({"ä":"日本 😀"})") << json(u8R"({"ä":"日本 😀"})");
+        QTest::newRow("object with blanks around") << QStringLiteral(" {\n}\n ") << QVariant(QVariantMap());
+        QTest::newRow("array") << QStringLiteral("[1,2]") << INVALID;
+        QTest::newRow("array of objects") << QStringLiteral("[{}]") << INVALID;
+        QTest::newRow("bare number") << QStringLiteral("5") << INVALID;
+        QTest::newRow("bare text") << QStringLiteral("\"poll-1\"") << INVALID;
+        QTest::newRow("bare null") << QStringLiteral("null") << INVALID;
+        QTest::newRow("no JSON") << QStringLiteral("hello") << INVALID;
+        QTest::newRow("cut off JSON") << QStringLiteral("{\"a\":") << INVALID;
+        QTest::newRow("nothing") << QStringLiteral("") << INVALID;
+    }
+
+    void singleText()
+    {
+        QFETCH(QString, content);
+        QFETCH(QVariant, expected);
+        for (const QString& text : {base64(content), byteList(content)}) {
+            const QVariant data = decoded(text);
+            QCOMPARE(data, expected);
+            QCOMPARE(data.isValid(), expected.isValid());
+        }
+        QCOMPARE(m_log->debug().size(), 2);
+        QCOMPARE(m_log->debug(FROM_STRING).size(), 2);
+        if (content == QLatin1String("hello"))
+            QVERIFY(m_log->debug().first().mid(FROM_STRING.size()).contains(content));
+    }
+
+    void singleTextThatIsNotCompressedIsForwarded_data()
+    {
+        QTest::addColumn<QVariant>("data");
+        QTest::addColumn<QString>("text");
+        const QString good = base64(QStringLiteral(R"({"a":1})"));
+        QTest::newRow("word") << QVariant(QStringLiteral("hello")) << QStringLiteral("hello");
+        QTest::newRow("empty") << QVariant(QStringLiteral("")) << QStringLiteral("");
+        QTest::newRow("sentence") << QVariant(
+                                         QStringLiteral("Nothing but words, and more of them than fourteen."))
+                                  << QStringLiteral("Nothing but words, and more of them than fourteen.");
+        QTest::newRow("JSON") << QVariant(QStringLiteral(R"({"a":1})")) << QStringLiteral(R"({"a":1})");
+        QTest::newRow("outside ASCII") << QVariant(QString::fromUtf8(u8"ä😀")) << QString::fromUtf8(u8"ä😀");
+        QTest::newRow("block cut off") << QVariant(good.left(good.size() - 8)) << good.left(good.size() - 8);
+        QTest::newRow("few numbers") << QVariant(QStringLiteral("[93,0,0]")) << QStringLiteral("[93,0,0]");
+        QTest::newRow("number") << json("[5]").toList().first() << QStringLiteral("5");
+        QTest::newRow("fraction") << json("[1.5]").toList().first() << QStringLiteral("1.5");
+        QTest::newRow("true") << json("[true]").toList().first() << QStringLiteral("true");
+        QTest::newRow("false") << json("[false]").toList().first() << QStringLiteral("false");
+    }
+
+    void singleTextThatIsNotCompressedIsForwarded()
+    {
+        QFETCH(QVariant, data);
+        QFETCH(QString, text);
+        const QVariant result = decoded(data);
+        QVERIFY(result.isValid());
+        QCOMPARE(result.userType(), int(QMetaType::QString));
+        QCOMPARE(result.toString(), text);
+        QCOMPARE(m_log->debug().size(), 1);
+        QVERIFY2(m_log->debug().first().startsWith(RAW_FAILED), qPrintable(m_log->debug().first()));
+    }
+
+    void listOfTexts_data()
+    {
+        QTest::addColumn<QVariantList>("list");
+        QTest::addColumn<QVariant>("expected");
+
+        const QVariant object = json(R"({"a":[1,2],"b":"c"})");
+        const QString first = base64(QStringLiteral(R"({"a":[1,)"));
+        const QString second = base64(QStringLiteral(R"(2],"b)"));
+        const QString third = base64(QStringLiteral(R"(":"c"})"));
+        const QString whole = base64(QStringLiteral(R"({"a":[1,2],"b":"c"})"));
+        QTest::newRow("one object") << QVariantList{whole} << object;
+        QTest::newRow("one array") << QVariantList{base64(QStringLiteral("[1,{}]"))} << json("[1,{}]");
+        QTest::newRow("empty array") << QVariantList{base64(QStringLiteral("[]"))}
+                                     << QVariant(QVariantList());
+        QTest::newRow("chunks") << QVariantList{first, second, third} << object;
+        QTest::newRow("empty text among the chunks")
+            << QVariantList{first, QStringLiteral(""), second, third} << object;
+        QTest::newRow("bad text among the chunks")
+            << QVariantList{first, QStringLiteral("bad"), second, third} << object;
+        QTest::newRow("number among the chunks") << QVariantList{first, 5, second, third} << object;
+        QTest::newRow("null, list and object among the chunks")
+            << QVariantList{first, QVariant::fromValue(nullptr), second, QVariantList{third}, QVariantMap(),
+                            third}
+            << object;
+        QTest::newRow("empty text first") << QVariantList{QStringLiteral(""), whole} << object;
+        QTest::newRow("bad text first") << QVariantList{QStringLiteral("bad"), whole} << object;
+        QTest::newRow("bad text last") << QVariantList{whole, QStringLiteral("bad")} << object;
+        QTest::newRow("chunk of nothing") << QVariantList{first, base64(QString()), second, third} << object;
+
+        const auto bytes = [](const char* text) { return QVariant(QByteArray(text)); };
+        QTest::newRow("no JSON") << QVariantList{base64(QStringLiteral("hello "))} << bytes("hello ");
+        QTest::newRow("chunks of no JSON")
+            << QVariantList{base64(QStringLiteral("hel")), base64(QStringLiteral("lo"))} << bytes("hello");
+        QTest::newRow("chunks in another order") << QVariantList{second, first} << bytes("2],\"b{\"a\":[1,");
+        QTest::newRow("bare number") << QVariantList{base64(QStringLiteral("5"))} << bytes("5");
+        QTest::newRow("bare text") << QVariantList{base64(QStringLiteral("\"p1\""))} << bytes("\"p1\"");
+        QTest::newRow("Latin text") << QVariantList{base64(QString::fromUtf8(u8"Größe"))}
+                                    << bytes("Gr\xf6\xdf"
+                                             "e");
+        QTest::newRow("text beyond Latin")
+            << QVariantList{base64(QString::fromUtf8(u8"日本"))} << bytes("??");
+        QTest::newRow("two objects") << QVariantList{whole, whole}
+                                     << bytes(R"({"a":[1,2],"b":"c"}{"a":[1,2],"b":"c"})");
+        QTest::newRow("nothing") << QVariantList{base64(QString())} << bytes("");
+    }
+
+    void listOfTexts()
+    {
+        QFETCH(QVariantList, list);
+        QFETCH(QVariant, expected);
+        const QVariant data = decoded(list);
+        QCOMPARE(data.userType(), expected.userType());
+        QCOMPARE(data, expected);
+        // Those that failed are skipped without a word.
+        QCOMPARE(m_log->debug().size(), 1);
+        QCOMPARE(m_log->debug(FROM_LIST).size(), 1);
+        if (expected == QByteArray("hello"))
+            QVERIFY(m_log->debug().first().mid(FROM_LIST.size()).contains(QLatin1String("hello")));
+    }
+
+    void listOfTextsThatAreNotCompressedIsInvalid_data()
+    {
+        QTest::addColumn<QVariantList>("list");
+        QTest::newRow("one") << QVariantList{QStringLiteral("hello")};
+        QTest::newRow("several") << QVariantList{QStringLiteral("hello"), QStringLiteral("there"), 5};
+        QTest::newRow("empty texts") << QVariantList{QStringLiteral(""), QStringLiteral("")};
+        QTest::newRow("list of numbers as a text") << QVariantList{byteList(QStringLiteral("{}"))};
+        const QString whole = base64(QStringLiteral(R"({"a":1})"));
+        QTest::newRow("one block cut in two, which must not be joined")
+            << QVariantList{whole.left(whole.size() / 2), whole.mid(whole.size() / 2)};
+    }
+
+    void listOfTextsThatAreNotCompressedIsInvalid()
+    {
+        QFETCH(QVariantList, list);
+        QVERIFY(!decoded(list).isValid());
+        QCOMPARE(m_log->debug(), QStringList());
+    }
+
+    void listOfNumbers_data()
+    {
+        QTest::addColumn<QVariantList>("list");
+        QTest::addColumn<QVariant>("expected");
+
+        const QString object = QString::fromUtf8(u8R"({"a":[1,2],"b":"ä😀"})");
+        const QVariant expected = QJsonDocument::fromJson(object.toUtf8()).toVariant();
+        QTest::newRow("object") << numbers(object) << expected;
+        QTest::newRow("object, signed bytes") << signedNumbers(object) << expected;
+        QTest::newRow("object, numbers above 255") << largerNumbers(object) << expected;
+        QTest::newRow("array") << numbers(QStringLiteral("[1,2]")) << json("[1,2]");
+        QTest::newRow("no JSON") << numbers(QStringLiteral("hello")) << QVariant(QByteArray("hello"));
+        QTest::newRow("Latin text") << numbers(QString::fromUtf8(u8"ä")) << QVariant(QByteArray("\xe4"));
+        QTest::newRow("bare number") << numbers(QStringLiteral("42")) << QVariant(QByteArray("42"));
+        QTest::newRow("nothing") << numbers(QString()) << QVariant(QByteArray(""));
+        // Only the first element tells a list of numbers from one of texts.
+        QVariantList mixed = numbers(object);
+        for (int i = 1; i < mixed.size(); ++i)
+            mixed[i] = mixed.at(i).toString();
+        QTest::newRow("texts of numbers behind the first") << mixed << expected;
+    }
+
+    void listOfNumbers()
+    {
+        QFETCH(QVariantList, list);
+        QFETCH(QVariant, expected);
+        const QVariant data = decoded(list);
+        QCOMPARE(data.userType(), expected.userType());
+        QCOMPARE(data, expected);
+        QCOMPARE(m_log->debug().size(), 1);
+        QCOMPARE(m_log->debug(FROM_LIST).size(), 1);
+    }
+
+    void listThatHoldsNoBlockIsInvalid_data()
+    {
+        QTest::addColumn<QVariantList>("list");
+        QTest::newRow("few numbers") << json("[93,0,0]").toList();
+        QTest::newRow("many numbers")
+            << json("[1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18,19,20]").toList();
+        QTest::newRow("block cut off") << numbers(QStringLiteral("{}")).mid(0, 18);
+        QTest::newRow("null") << json("[null]").toList();
+        QTest::newRow("true") << json("[true]").toList();
+        QTest::newRow("object") << json("[{\"a\":1}]").toList();
+        QTest::newRow("list") << QVariantList{QVariant(numbers(QStringLiteral("{}")))};
+        QTest::newRow("block behind a null")
+            << QVariantList{QVariant::fromValue(nullptr), base64(QStringLiteral("{}"))};
+    }
+
+    void listThatHoldsNoBlockIsInvalid()
+    {
+        QFETCH(QVariantList, list);
+        QVERIFY(!decoded(list).isValid());
+        QCOMPARE(m_log->debug().size(), 1);
+        QCOMPARE(m_log->debug(LIST_FAILED).size(), 1);
+    }
+
+    void emptyListIsInvalid()
+    {
+        QVERIFY(!decoded(QVariantList()).isValid());
+        QCOMPARE(m_log->debug(FROM_LIST), QStringList());
+    }
+
+    void arrayIsInvalidAsTextAndAListInAList()
+    {
+        const QString array = base64(QStringLiteral(R"([{"a":1}])"));
+        QVERIFY(!decoded(array).isValid());
+        QCOMPARE(decoded(QVariantList{array}), json(R"([{"a":1}])"));
+    }
+
     void chunksMayBeCutAnywhere();
-    void hostileBlocksAreNoData();
-    void dataAsItComesInAFrame();
-    void nothingIsLoggedWhileTheCategoryIsOff();
+
+    void hostileBlocksAreNoData()
+    {
+        QByteArray block = QByteArray::fromBase64(base64(QStringLiteral(R"({"a":1})")).toLatin1());
+        // A negative size.
+        for (int i = 5; i < 13; ++i)
+            block[i] = '\xff';
+        const QString text = QString::fromLatin1(block.toBase64());
+        QCOMPARE(decoded(text), QVariant(text));
+        QVERIFY(!decoded(QVariantList{text}).isValid());
+        QVariantList list;
+        for (const char byte : qAsConst(block))
+            list.append(int(byte));
+        QVERIFY(!decoded(list).isValid());
+    }
+
+    void dataAsItComesInAFrame()
+    {
+        QVariantList heard;
+        connect(m_handler.get(), &CollaborationMessageHandler::unhandledMessage, this,
+                [&heard](const QVariantMap&, const QVariant& data) { heard.append(data); });
+        const QString object = QStringLiteral(R"({"a":1})");
+        for (const QString& data :
+             {QStringLiteral("\"%1\"").arg(base64(object)), QStringLiteral("[\"%1\"]").arg(base64(object)),
+              byteList(object), QStringLiteral("\"%1\"").arg(byteList(object))}) {
+            const QString frame = QStringLiteral(R"({"body":{"type":"chat","data":%1}})").arg(data);
+            QVERIFY(QMetaObject::invokeMethod(m_handler.get(), "onHandleMessage", Qt::DirectConnection,
+                                              Q_ARG(QString, frame)));
+        }
+        const QVariant expected = json(R"({"a":1})");
+        QCOMPARE(heard, QVariantList({expected, expected, expected, expected}));
+    }
+
+    void nothingIsLoggedWhileTheCategoryIsOff()
+    {
+        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+        decoded(base64(QStringLiteral("{}")));
+        decoded(QVariantList{base64(QStringLiteral("{}"))});
+        decoded(QStringLiteral("raw"));
+        decoded(QVariantList{1});
+        const QStringList whileOff = m_log->debug();
+        QLoggingCategory::setFilterRules(QString());
+        QCOMPARE(whileOff, QStringList());
+    }
 
 private:
     QVariant decoded(const QVariant& data)
@@ -102,249 +370,6 @@ private:
     std::unique_ptr<CollaborationMessageHandler> m_handler;
 };
 
-void tst_CollaborationMessageHandlerData::init()
-{
-    m_log = std::make_unique<LogRecorder>();
-    m_handler = std::make_unique<CollaborationMessageHandler>();
-}
-
-void tst_CollaborationMessageHandlerData::cleanup()
-{
-    m_handler.reset();
-    m_log.reset();
-}
-
-void tst_CollaborationMessageHandlerData::noData_data()
-{
-    QTest::addColumn<QVariantMap>("body");
-    QTest::newRow("absent") << json(R"({"type":"x"})").toMap();
-    QTest::newRow("null") << json(R"({"data":null})").toMap();
-    QTest::newRow("object") << json(R"({"data":{"a":1}})").toMap();
-    QTest::newRow("empty object") << json(R"({"data":{}})").toMap();
-    QTest::newRow("in another spelling") << json(R"({"Data":"x"})").toMap();
-    QTest::newRow("empty body") << QVariantMap();
-}
-
-void tst_CollaborationMessageHandlerData::noData()
-{
-    QFETCH(QVariantMap, body);
-    QVERIFY(!m_handler->getDataValue(body).isValid());
-    QCOMPARE(m_log->debug(), QStringList());
-}
-
-void tst_CollaborationMessageHandlerData::singleText_data()
-{
-    QTest::addColumn<QString>("content");
-    QTest::addColumn<QVariant>("expected");
-
-    QTest::newRow("object") << QStringLiteral(R"({"b":[1,null],"a":"x"})")
-                            << json(R"({"b":[1,null],"a":"x"})");
-    QTest::newRow("empty object") << QStringLiteral("{}") << QVariant(QVariantMap());
-    QTest::newRow("object outside ASCII")
-        << QString::fromUtf8(u8R"({"ä":"日本 😀"})") << json(u8R"({"ä":"日本 😀"})");
-    QTest::newRow("object with blanks around") << QStringLiteral(" {\n}\n ") << QVariant(QVariantMap());
-    QTest::newRow("array") << QStringLiteral("[1,2]") << INVALID;
-    QTest::newRow("array of objects") << QStringLiteral("[{}]") << INVALID;
-    QTest::newRow("bare number") << QStringLiteral("5") << INVALID;
-    QTest::newRow("bare text") << QStringLiteral("\"poll-1\"") << INVALID;
-    QTest::newRow("bare null") << QStringLiteral("null") << INVALID;
-    QTest::newRow("no JSON") << QStringLiteral("hello") << INVALID;
-    QTest::newRow("cut off JSON") << QStringLiteral("{\"a\":") << INVALID;
-    QTest::newRow("nothing") << QStringLiteral("") << INVALID;
-}
-
-void tst_CollaborationMessageHandlerData::singleText()
-{
-    QFETCH(QString, content);
-    QFETCH(QVariant, expected);
-    for (const QString& text : {base64(content), byteList(content)}) {
-        const QVariant data = decoded(text);
-        QCOMPARE(data, expected);
-        QCOMPARE(data.isValid(), expected.isValid());
-    }
-    QCOMPARE(m_log->debug().size(), 2);
-    QCOMPARE(m_log->debug(FROM_STRING).size(), 2);
-    if (content == QLatin1String("hello"))
-        QVERIFY(m_log->debug().first().mid(FROM_STRING.size()).contains(content));
-}
-
-void tst_CollaborationMessageHandlerData::singleTextThatIsNotCompressedIsForwarded_data()
-{
-    QTest::addColumn<QVariant>("data");
-    QTest::addColumn<QString>("text");
-    const QString good = base64(QStringLiteral(R"({"a":1})"));
-    QTest::newRow("word") << QVariant(QStringLiteral("hello")) << QStringLiteral("hello");
-    QTest::newRow("empty") << QVariant(QStringLiteral("")) << QStringLiteral("");
-    QTest::newRow("sentence") << QVariant(
-                                     QStringLiteral("Nothing but words, and more of them than fourteen."))
-                              << QStringLiteral("Nothing but words, and more of them than fourteen.");
-    QTest::newRow("JSON") << QVariant(QStringLiteral(R"({"a":1})")) << QStringLiteral(R"({"a":1})");
-    QTest::newRow("outside ASCII") << QVariant(QString::fromUtf8(u8"ä😀")) << QString::fromUtf8(u8"ä😀");
-    QTest::newRow("block cut off") << QVariant(good.left(good.size() - 8)) << good.left(good.size() - 8);
-    QTest::newRow("few numbers") << QVariant(QStringLiteral("[93,0,0]")) << QStringLiteral("[93,0,0]");
-    QTest::newRow("number") << json("[5]").toList().first() << QStringLiteral("5");
-    QTest::newRow("fraction") << json("[1.5]").toList().first() << QStringLiteral("1.5");
-    QTest::newRow("true") << json("[true]").toList().first() << QStringLiteral("true");
-    QTest::newRow("false") << json("[false]").toList().first() << QStringLiteral("false");
-}
-
-void tst_CollaborationMessageHandlerData::singleTextThatIsNotCompressedIsForwarded()
-{
-    QFETCH(QVariant, data);
-    QFETCH(QString, text);
-    const QVariant result = decoded(data);
-    QVERIFY(result.isValid());
-    QCOMPARE(result.userType(), int(QMetaType::QString));
-    QCOMPARE(result.toString(), text);
-    QCOMPARE(m_log->debug().size(), 1);
-    QVERIFY2(m_log->debug().first().startsWith(RAW_FAILED), qPrintable(m_log->debug().first()));
-}
-
-void tst_CollaborationMessageHandlerData::listOfTexts_data()
-{
-    QTest::addColumn<QVariantList>("list");
-    QTest::addColumn<QVariant>("expected");
-
-    const QVariant object = json(R"({"a":[1,2],"b":"c"})");
-    const QString first = base64(QStringLiteral(R"({"a":[1,)"));
-    const QString second = base64(QStringLiteral(R"(2],"b)"));
-    const QString third = base64(QStringLiteral(R"(":"c"})"));
-    const QString whole = base64(QStringLiteral(R"({"a":[1,2],"b":"c"})"));
-    QTest::newRow("one object") << QVariantList{whole} << object;
-    QTest::newRow("one array") << QVariantList{base64(QStringLiteral("[1,{}]"))} << json("[1,{}]");
-    QTest::newRow("empty array") << QVariantList{base64(QStringLiteral("[]"))} << QVariant(QVariantList());
-    QTest::newRow("chunks") << QVariantList{first, second, third} << object;
-    QTest::newRow("empty text among the chunks")
-        << QVariantList{first, QStringLiteral(""), second, third} << object;
-    QTest::newRow("bad text among the chunks")
-        << QVariantList{first, QStringLiteral("bad"), second, third} << object;
-    QTest::newRow("number among the chunks") << QVariantList{first, 5, second, third} << object;
-    QTest::newRow("null, list and object among the chunks")
-        << QVariantList{first, QVariant::fromValue(nullptr), second, QVariantList{third}, QVariantMap(),
-                        third}
-        << object;
-    QTest::newRow("empty text first") << QVariantList{QStringLiteral(""), whole} << object;
-    QTest::newRow("bad text first") << QVariantList{QStringLiteral("bad"), whole} << object;
-    QTest::newRow("bad text last") << QVariantList{whole, QStringLiteral("bad")} << object;
-    QTest::newRow("chunk of nothing") << QVariantList{first, base64(QString()), second, third} << object;
-
-    const auto bytes = [](const char* text) { return QVariant(QByteArray(text)); };
-    QTest::newRow("no JSON") << QVariantList{base64(QStringLiteral("hello "))} << bytes("hello ");
-    QTest::newRow("chunks of no JSON")
-        << QVariantList{base64(QStringLiteral("hel")), base64(QStringLiteral("lo"))} << bytes("hello");
-    QTest::newRow("chunks in another order") << QVariantList{second, first} << bytes("2],\"b{\"a\":[1,");
-    QTest::newRow("bare number") << QVariantList{base64(QStringLiteral("5"))} << bytes("5");
-    QTest::newRow("bare text") << QVariantList{base64(QStringLiteral("\"p1\""))} << bytes("\"p1\"");
-    QTest::newRow("Latin text") << QVariantList{base64(QString::fromUtf8(u8"Größe"))}
-                                << bytes("Gr\xf6\xdf"
-                                         "e");
-    QTest::newRow("text beyond Latin") << QVariantList{base64(QString::fromUtf8(u8"日本"))} << bytes("??");
-    QTest::newRow("two objects") << QVariantList{whole, whole}
-                                 << bytes(R"({"a":[1,2],"b":"c"}{"a":[1,2],"b":"c"})");
-    QTest::newRow("nothing") << QVariantList{base64(QString())} << bytes("");
-}
-
-void tst_CollaborationMessageHandlerData::listOfTexts()
-{
-    QFETCH(QVariantList, list);
-    QFETCH(QVariant, expected);
-    const QVariant data = decoded(list);
-    QCOMPARE(data.userType(), expected.userType());
-    QCOMPARE(data, expected);
-    // Those that failed are skipped without a word.
-    QCOMPARE(m_log->debug().size(), 1);
-    QCOMPARE(m_log->debug(FROM_LIST).size(), 1);
-    if (expected == QByteArray("hello"))
-        QVERIFY(m_log->debug().first().mid(FROM_LIST.size()).contains(QLatin1String("hello")));
-}
-
-void tst_CollaborationMessageHandlerData::listOfTextsThatAreNotCompressedIsInvalid_data()
-{
-    QTest::addColumn<QVariantList>("list");
-    QTest::newRow("one") << QVariantList{QStringLiteral("hello")};
-    QTest::newRow("several") << QVariantList{QStringLiteral("hello"), QStringLiteral("there"), 5};
-    QTest::newRow("empty texts") << QVariantList{QStringLiteral(""), QStringLiteral("")};
-    QTest::newRow("list of numbers as a text") << QVariantList{byteList(QStringLiteral("{}"))};
-    const QString whole = base64(QStringLiteral(R"({"a":1})"));
-    QTest::newRow("one block cut in two, which must not be joined")
-        << QVariantList{whole.left(whole.size() / 2), whole.mid(whole.size() / 2)};
-}
-
-void tst_CollaborationMessageHandlerData::listOfTextsThatAreNotCompressedIsInvalid()
-{
-    QFETCH(QVariantList, list);
-    QVERIFY(!decoded(list).isValid());
-    QCOMPARE(m_log->debug(), QStringList());
-}
-
-void tst_CollaborationMessageHandlerData::listOfNumbers_data()
-{
-    QTest::addColumn<QVariantList>("list");
-    QTest::addColumn<QVariant>("expected");
-
-    const QString object = QString::fromUtf8(u8R"({"a":[1,2],"b":"ä😀"})");
-    const QVariant expected = QJsonDocument::fromJson(object.toUtf8()).toVariant();
-    QTest::newRow("object") << numbers(object) << expected;
-    QTest::newRow("object, signed bytes") << signedNumbers(object) << expected;
-    QTest::newRow("object, numbers above 255") << largerNumbers(object) << expected;
-    QTest::newRow("array") << numbers(QStringLiteral("[1,2]")) << json("[1,2]");
-    QTest::newRow("no JSON") << numbers(QStringLiteral("hello")) << QVariant(QByteArray("hello"));
-    QTest::newRow("Latin text") << numbers(QString::fromUtf8(u8"ä")) << QVariant(QByteArray("\xe4"));
-    QTest::newRow("bare number") << numbers(QStringLiteral("42")) << QVariant(QByteArray("42"));
-    QTest::newRow("nothing") << numbers(QString()) << QVariant(QByteArray(""));
-    // Only the first element tells a list of numbers from one of texts.
-    QVariantList mixed = numbers(object);
-    for (int i = 1; i < mixed.size(); ++i)
-        mixed[i] = mixed.at(i).toString();
-    QTest::newRow("texts of numbers behind the first") << mixed << expected;
-}
-
-void tst_CollaborationMessageHandlerData::listOfNumbers()
-{
-    QFETCH(QVariantList, list);
-    QFETCH(QVariant, expected);
-    const QVariant data = decoded(list);
-    QCOMPARE(data.userType(), expected.userType());
-    QCOMPARE(data, expected);
-    QCOMPARE(m_log->debug().size(), 1);
-    QCOMPARE(m_log->debug(FROM_LIST).size(), 1);
-}
-
-void tst_CollaborationMessageHandlerData::listThatHoldsNoBlockIsInvalid_data()
-{
-    QTest::addColumn<QVariantList>("list");
-    QTest::newRow("few numbers") << json("[93,0,0]").toList();
-    QTest::newRow("many numbers") << json("[1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18,19,20]").toList();
-    QTest::newRow("block cut off") << numbers(QStringLiteral("{}")).mid(0, 18);
-    QTest::newRow("null") << json("[null]").toList();
-    QTest::newRow("true") << json("[true]").toList();
-    QTest::newRow("object") << json("[{\"a\":1}]").toList();
-    QTest::newRow("list") << QVariantList{QVariant(numbers(QStringLiteral("{}")))};
-    QTest::newRow("block behind a null")
-        << QVariantList{QVariant::fromValue(nullptr), base64(QStringLiteral("{}"))};
-}
-
-void tst_CollaborationMessageHandlerData::listThatHoldsNoBlockIsInvalid()
-{
-    QFETCH(QVariantList, list);
-    QVERIFY(!decoded(list).isValid());
-    QCOMPARE(m_log->debug().size(), 1);
-    QCOMPARE(m_log->debug(LIST_FAILED).size(), 1);
-}
-
-void tst_CollaborationMessageHandlerData::emptyListIsInvalid()
-{
-    QVERIFY(!decoded(QVariantList()).isValid());
-    QCOMPARE(m_log->debug(FROM_LIST), QStringList());
-}
-
-void tst_CollaborationMessageHandlerData::arrayIsInvalidAsTextAndAListInAList()
-{
-    const QString array = base64(QStringLiteral(R"([{"a":1}])"));
-    QVERIFY(!decoded(array).isValid());
-    QCOMPARE(decoded(QVariantList{array}), json(R"([{"a":1}])"));
-}
-
 void tst_CollaborationMessageHandlerData::chunksMayBeCutAnywhere()
 {
     const QString text =
@@ -354,50 +379,6 @@ void tst_CollaborationMessageHandlerData::chunksMayBeCutAnywhere()
         const QVariant data = decoded(QVariantList{base64(text.left(cut)), base64(text.mid(cut))});
         QVERIFY2(data == expected, qPrintable(QString::number(cut)));
     }
-}
-
-void tst_CollaborationMessageHandlerData::hostileBlocksAreNoData()
-{
-    QByteArray block = QByteArray::fromBase64(base64(QStringLiteral(R"({"a":1})")).toLatin1());
-    // A negative size.
-    for (int i = 5; i < 13; ++i)
-        block[i] = '\xff';
-    const QString text = QString::fromLatin1(block.toBase64());
-    QCOMPARE(decoded(text), QVariant(text));
-    QVERIFY(!decoded(QVariantList{text}).isValid());
-    QVariantList list;
-    for (const char byte : qAsConst(block))
-        list.append(int(byte));
-    QVERIFY(!decoded(list).isValid());
-}
-
-void tst_CollaborationMessageHandlerData::dataAsItComesInAFrame()
-{
-    QVariantList heard;
-    connect(m_handler.get(), &CollaborationMessageHandler::unhandledMessage, this,
-            [&heard](const QVariantMap&, const QVariant& data) { heard.append(data); });
-    const QString object = QStringLiteral(R"({"a":1})");
-    for (const QString& data :
-         {QStringLiteral("\"%1\"").arg(base64(object)), QStringLiteral("[\"%1\"]").arg(base64(object)),
-          byteList(object), QStringLiteral("\"%1\"").arg(byteList(object))}) {
-        const QString frame = QStringLiteral(R"({"body":{"type":"chat","data":%1}})").arg(data);
-        QVERIFY(QMetaObject::invokeMethod(m_handler.get(), "onHandleMessage", Qt::DirectConnection,
-                                          Q_ARG(QString, frame)));
-    }
-    const QVariant expected = json(R"({"a":1})");
-    QCOMPARE(heard, QVariantList({expected, expected, expected, expected}));
-}
-
-void tst_CollaborationMessageHandlerData::nothingIsLoggedWhileTheCategoryIsOff()
-{
-    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
-    decoded(base64(QStringLiteral("{}")));
-    decoded(QVariantList{base64(QStringLiteral("{}"))});
-    decoded(QStringLiteral("raw"));
-    decoded(QVariantList{1});
-    const QStringList whileOff = m_log->debug();
-    QLoggingCategory::setFilterRules(QString());
-    QCOMPARE(whileOff, QStringList());
 }
 
 QTEST_GUILESS_MAIN(tst_CollaborationMessageHandlerData)

@@ -30,23 +30,316 @@ class tst_CollaborationMessageHandlerResponses : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+    void init()
+    {
+        m_log = std::make_unique<LogRecorder>();
+        m_handler = std::make_unique<CollaborationMessageHandler>();
+        m_answers = std::make_unique<QSignalSpy>(m_handler.get(),
+                                                 SIGNAL(learnerPollResponse(QString, QString, int, QString)));
+        m_requests = std::make_unique<QSignalSpy>(m_handler.get(), SIGNAL(learnerGetQuestion(QString, int)));
+        QVERIFY(m_answers->isValid() && m_requests->isValid());
+    }
 
-    void answerOfAPollResponse_data();
-    void answerOfAPollResponse();
-    void answerOfAQuestionResponse_data();
-    void answerOfAQuestionResponse();
-    void responseTime_data();
-    void responseTime();
-    void idsAndSenders_data();
-    void idsAndSenders();
-    void dataOfAnotherKindGivesEmptyValues_data();
-    void dataOfAnotherKindGivesEmptyValues();
-    void tokenAndModeOfAQuestionResponseChangeNothing();
-    void questionRequest_data();
-    void questionRequest();
-    void logs();
+    void cleanup()
+    {
+        m_answers.reset();
+        m_requests.reset();
+        m_handler.reset();
+        m_log.reset();
+    }
+
+    void answerOfAPollResponse_data()
+    {
+        QTest::addColumn<QString>("blob");
+        QTest::addColumn<QString>("answer");
+
+        QTest::newRow("list of two") << R"({"pick":["A","C"]})"
+                                     << "A,C";
+        QTest::newRow("list of one") << R"({"pick":["A"]})"
+                                     << "A";
+        QTest::newRow("empty list, for all that an input says") << R"({"pick":[],"input":"x"})"
+                                                                << "";
+        QTest::newRow("list in its own order") << R"({"pick":["C","A","B","A"]})"
+                                               << "C,A,B,A";
+        QTest::newRow("list of numbers") << R"({"pick":[2,0,1.5]})"
+                                         << "2,0,1.5";
+        QTest::newRow("list of truth values") << R"({"pick":[true,false]})"
+                                              << "true,false";
+        QTest::newRow("list with empty texts") << R"({"pick":["","A",""]})"
+                                               << ",A,";
+        QTest::newRow("list with what has no text") << R"({"pick":["A",null,{"x":1},["y"],"B"]})"
+                                                    << "A,,,,B";
+        QTest::newRow("list of words with commas and blanks") << R"({"pick":["a, b"," c "]})"
+                                                              << "a, b, c ";
+        QTest::newRow("list outside ASCII")
+            << QString::fromUtf8(u8R"({"pick":["ä","日本","😀"]})") << QString::fromUtf8(u8"ä,日本,😀");
+        QTest::newRow("list with a zero character") << R"({"pick":["A\u0000x","B"]})"
+                                                    << "A,B";
+        // As bytes, like an input: a byte-order mark goes, and half a pair is no character.
+        QTest::newRow("list with what bytes cannot keep")
+            << R"({"pick":["\ufeffA","\ud800A"]})" << QStringLiteral("A,?A");
+        QTest::newRow("input with half a pair") << R"({"input":"\ud800A"})" << QStringLiteral("?A");
+        QTest::newRow("list goes before an input") << R"({"pick":["A"],"input":"x"})"
+                                                   << "A";
+
+        QTest::newRow("single pick gives way to the input") << R"({"pick":"B","input":"x"})"
+                                                            << "x";
+        QTest::newRow("single pick without input") << R"({"pick":"B"})"
+                                                   << "";
+        QTest::newRow("number as pick") << R"({"pick":1,"input":"x"})"
+                                        << "x";
+        QTest::newRow("object as pick") << R"({"pick":{"a":1},"input":"x"})"
+                                        << "x";
+        QTest::newRow("null as pick") << R"({"pick":null,"input":"x"})"
+                                      << "x";
+        QTest::newRow("input") << R"({"input":"forty-two"})"
+                               << "forty-two";
+        QTest::newRow("input of a number") << R"({"input":42})"
+                                           << "42";
+        QTest::newRow("input of a negative fraction") << R"({"input":-0.5})"
+                                                      << "-0.5";
+        QTest::newRow("input of a truth value") << R"({"input":true})"
+                                                << "true";
+        QTest::newRow("input of null") << R"({"input":null})"
+                                       << "";
+        QTest::newRow("input of a list") << R"({"input":["A"]})"
+                                         << "";
+        QTest::newRow("input of an object") << R"({"input":{"a":1}})"
+                                            << "";
+        QTest::newRow("input outside ASCII")
+            << QString::fromUtf8(u8R"({"input":"Größe 😀"})") << QString::fromUtf8(u8"Größe 😀");
+        QTest::newRow("input with a zero character") << R"({"input":"before\u0000behind"})"
+                                                     << "before";
+        QTest::newRow("input of several lines") << R"({"input":" a\nb "})"
+                                                << " a\nb ";
+        QTest::newRow("empty blob") << "{}"
+                                    << "";
+        QTest::newRow("blob is a text") << R"("A")"
+                                        << "";
+        QTest::newRow("blob is a list") << R"(["A"])"
+                                        << "";
+        QTest::newRow("blob is null") << "null"
+                                      << "";
+    }
+
+    void answerOfAPollResponse()
+    {
+        QFETCH(QString, blob);
+        QFETCH(QString, answer);
+        const QVariant data =
+            json(QStringLiteral(R"({"pollId":"p1","responseTime":2500,"blob":)") + blob + QLatin1Char('}'));
+        QVERIFY(data.isValid());
+        m_handler->dataPollResponse(from(QStringLiteral("d1")), data);
+        QCOMPARE(*m_answers,
+                 QList<QVariantList>({{QStringLiteral("d1"), QStringLiteral("p1"), 2500, answer}}));
+    }
+
+    void answerOfAQuestionResponse_data()
+    {
+        QTest::addColumn<QString>("members");
+        QTest::addColumn<QString>("answer");
+
+        const QString options =
+            QStringLiteral(R"("optionAnswers":[{"activityOptionId":"P"},{"activityOptionId":"Q"}])");
+        QTest::newRow("answer") << QStringLiteral(R"("answer":"x")") << "x";
+        QTest::newRow("answer of a number") << QStringLiteral(R"("answer":4.5)") << "4.5";
+        QTest::newRow("answer of null") << QStringLiteral(R"("answer":null)") << "";
+        QTest::newRow("answer of an object") << QStringLiteral(R"("answer":{"a":1})") << "";
+        QTest::newRow("answer outside ASCII")
+            << QString::fromUtf8(u8R"("answer":"日本 😀")") << QString::fromUtf8(u8"日本 😀");
+        QTest::newRow("options") << options << "PQ";
+        QTest::newRow("empty answer and options") << QStringLiteral(R"("answer":"",)") + options << "PQ";
+        QTest::newRow("answer and options") << QStringLiteral(R"("answer":"x",)") + options << "xPQ";
+        QTest::newRow("one option") << QStringLiteral(R"("optionAnswers":[{"activityOptionId":"P"}])") << "P";
+        QTest::newRow("option ids that are numbers")
+            << QStringLiteral(R"("optionAnswers":[{"activityOptionId":1},{"activityOptionId":10}])") << "110";
+        QTest::newRow("no options in the list")
+            << QStringLiteral(R"("answer":"x","optionAnswers":[])") << "x";
+        QTest::newRow("options without ids")
+            << QStringLiteral(R"("optionAnswers":[{"id":"P"},{},"P",5,null,{"activityOptionId":"Q"}])")
+            << "Q";
+        QTest::newRow("options are a text") << QStringLiteral(R"("answer":"x","optionAnswers":"P")") << "x";
+        QTest::newRow("options are an object")
+            << QStringLiteral(R"("answer":"x","optionAnswers":{"activityOptionId":"P"})") << "x";
+        QTest::newRow("options are null") << QStringLiteral(R"("answer":"x","optionAnswers":null)") << "x";
+        QTest::newRow("neither") << QStringLiteral(R"("other":1)") << "";
+    }
+
+    void answerOfAQuestionResponse()
+    {
+        QFETCH(QString, members);
+        QFETCH(QString, answer);
+        const QVariant data =
+            json(QStringLiteral(R"({"questionId":"q1","responseTime":2500,)") + members + QLatin1Char('}'));
+        QVERIFY(data.isValid());
+        m_handler->dataQuestionResponse(from(QStringLiteral("d1")), data);
+        QCOMPARE(*m_answers, QList<QVariantList>({{QStringLiteral("d1"), QStringLiteral("q1"), 2, answer}}));
+    }
+
+    void responseTime_data()
+    {
+        QTest::addColumn<QString>("time");
+        QTest::addColumn<int>("ofPoll");
+        QTest::addColumn<int>("ofQuestion");
+
+        QTest::newRow("2500") << "2500" << 2500 << 2;
+        QTest::newRow("1999") << "1999" << 1999 << 1;
+        QTest::newRow("1000") << "1000" << 1000 << 1;
+        QTest::newRow("999") << "999" << 999 << 0;
+        QTest::newRow("0") << "0" << 0 << 0;
+        QTest::newRow("-999") << "-999" << -999 << 0;
+        QTest::newRow("-1500") << "-1500" << -1500 << -1;
+        QTest::newRow("largest") << "2147483647" << 2147483647 << 2147483;
+        QTest::newRow("text of a number") << "\"2500\"" << 2500 << 2;
+        QTest::newRow("text") << "\"soon\"" << 0 << 0;
+        QTest::newRow("empty text") << "\"\"" << 0 << 0;
+        QTest::newRow("null") << "null" << 0 << 0;
+        QTest::newRow("list") << "[2500]" << 0 << 0;
+        QTest::newRow("object") << "{\"ms\":2500}" << 0 << 0;
+    }
+
+    void responseTime()
+    {
+        QFETCH(QString, time);
+        QFETCH(int, ofPoll);
+        QFETCH(int, ofQuestion);
+        const QVariant data = json(QStringLiteral(R"({"responseTime":%1})").arg(time));
+        QVERIFY(data.isValid());
+        m_handler->dataPollResponse(QVariantMap(), data);
+        m_handler->dataQuestionResponse(QVariantMap(), data);
+        QCOMPARE(m_answers->size(), 2);
+        QCOMPARE(m_answers->at(0).at(2), QVariant(ofPoll));
+        QCOMPARE(m_answers->at(1).at(2), QVariant(ofQuestion));
+    }
+
+    void idsAndSenders_data()
+    {
+        QTest::addColumn<QVariantMap>("body");
+        QTest::addColumn<QString>("id");
+        QTest::addColumn<QString>("heardSender");
+        QTest::addColumn<QString>("heardId");
+
+        QTest::newRow("texts") << from(QStringLiteral("d1")) << "\"i1\""
+                               << "d1"
+                               << "i1";
+        QTest::newRow("no sender") << QVariantMap() << "\"i1\""
+                                   << ""
+                                   << "i1";
+        QTest::newRow("sender is a number") << json(QStringLiteral(R"({"from":7})")).toMap() << "\"i1\""
+                                            << "7"
+                                            << "i1";
+        QTest::newRow("sender is null") << json(QStringLiteral(R"({"from":null})")).toMap() << "\"i1\""
+                                        << ""
+                                        << "i1";
+        QTest::newRow("id is a number") << from(QStringLiteral("d1")) << "12"
+                                        << "d1"
+                                        << "12";
+        QTest::newRow("id is an object") << from(QStringLiteral("d1")) << "{}"
+                                         << "d1"
+                                         << "";
+        QTest::newRow("id is null") << from(QStringLiteral("d1")) << "null"
+                                    << "d1"
+                                    << "";
+    }
+
+    void idsAndSenders()
+    {
+        QFETCH(QVariantMap, body);
+        QFETCH(QString, id);
+        QFETCH(QString, heardSender);
+        QFETCH(QString, heardId);
+        m_handler->dataPollResponse(body,
+                                    json(QStringLiteral(R"({"pollId":%1,"questionId":"other"})").arg(id)));
+        m_handler->dataQuestionResponse(
+            body, json(QStringLiteral(R"({"questionId":%1,"pollId":"other"})").arg(id)));
+        const QVariantList expected{heardSender, heardId, 0, QString()};
+        QCOMPARE(*m_answers, QList<QVariantList>({expected, expected}));
+    }
+
+    void dataOfAnotherKindGivesEmptyValues_data()
+    {
+        QTest::addColumn<QVariant>("data");
+        QTest::newRow("invalid") << QVariant();
+        QTest::newRow("text") << QVariant(QStringLiteral(R"({"pollId":"p1"})"));
+        QTest::newRow("bytes") << QVariant(QByteArray(R"({"pollId":"p1"})"));
+        QTest::newRow("list") << QVariant(
+            QVariantList{QVariantMap{{QStringLiteral("pollId"), QStringLiteral("p1")}}});
+        QTest::newRow("empty map") << QVariant(QVariantMap());
+    }
+
+    void dataOfAnotherKindGivesEmptyValues()
+    {
+        QFETCH(QVariant, data);
+        const QVariantMap body = from(QStringLiteral("d1"));
+        m_handler->dataPollResponse(body, data);
+        m_handler->dataQuestionResponse(body, data);
+        m_handler->dataGetQuestion(body, data);
+        const QVariantList empty{QStringLiteral("d1"), QString(), 0, QString()};
+        QCOMPARE(*m_answers, QList<QVariantList>({empty, empty}));
+        QCOMPARE(*m_requests, QList<QVariantList>({{QStringLiteral("d1"), 0}}));
+    }
+
+    void tokenAndModeOfAQuestionResponseChangeNothing()
+    {
+        m_handler->dataQuestionResponse(
+            from(QStringLiteral("d1")),
+            json(QStringLiteral(
+                R"({"questionId":"q1","studentAssessmentToken":"token","questionSetMode":"Assessment","answer":"x"})")));
+        QCOMPARE(*m_answers,
+                 QList<QVariantList>({{QStringLiteral("d1"), QStringLiteral("q1"), 0, QStringLiteral("x")}}));
+    }
+
+    void questionRequest_data()
+    {
+        QTest::addColumn<QString>("data");
+        QTest::addColumn<int>("number");
+        QTest::newRow("number") << R"({"questionNumber":3})" << 3;
+        QTest::newRow("negative") << R"({"questionNumber":-1})" << -1;
+        QTest::newRow("text of a number") << R"({"questionNumber":"12"})" << 12;
+        QTest::newRow("text") << R"({"questionNumber":"next"})" << 0;
+        QTest::newRow("null") << R"({"questionNumber":null})" << 0;
+        QTest::newRow("list") << R"({"questionNumber":[3]})" << 0;
+        QTest::newRow("absent") << "{}" << 0;
+    }
+
+    void questionRequest()
+    {
+        QFETCH(QString, data);
+        QFETCH(int, number);
+        m_handler->dataGetQuestion(from(QStringLiteral("d1")), json(data));
+        QCOMPARE(*m_requests, QList<QVariantList>({{QStringLiteral("d1"), number}}));
+        QCOMPARE(m_answers->size(), 0);
+    }
+
+    void logs()
+    {
+        const QVariantMap body = from(QStringLiteral("d-17"));
+        m_handler->dataPollResponse(body, json(QStringLiteral(R"({"blob":{"pick":["A","C"]}})")));
+        m_handler->dataQuestionResponse(body, json(QStringLiteral(R"({"answer":"forty"})")));
+        m_handler->dataGetQuestion(body, json(QStringLiteral(R"({"questionNumber":31})")));
+        const QStringList lines = m_log->debug();
+        QCOMPARE(lines.size(), 3);
+        const auto holds = [](const QString& line, const QStringList& parts) {
+            int at = 0;
+            for (const QString& part : parts) {
+                at = line.indexOf(part, at);
+                if (at < 0)
+                    return false;
+                at += part.size();
+            }
+            return line.startsWith(parts.first());
+        };
+        QVERIFY2(holds(lines.at(0), {QStringLiteral("POLL_RESPONSE"), QStringLiteral("d-17"),
+                                     QStringLiteral(":"), QStringLiteral("A,C")}),
+                 qPrintable(lines.at(0)));
+        QVERIFY2(holds(lines.at(1),
+                       {QStringLiteral("[DEBUG] RECEIVED RESPONSE FROM DEVICE "), QStringLiteral("d-17"),
+                        QStringLiteral(" of value: "), QStringLiteral("forty")}),
+                 qPrintable(lines.at(1)));
+        QVERIFY2(holds(lines.at(2), {QStringLiteral("Learner "), QStringLiteral("d-17"),
+                                     QStringLiteral(" requesting question "), QStringLiteral("31")}),
+                 qPrintable(lines.at(2)));
+    }
 
 private:
     std::unique_ptr<LogRecorder> m_log;
@@ -54,313 +347,6 @@ private:
     std::unique_ptr<QSignalSpy> m_answers;
     std::unique_ptr<QSignalSpy> m_requests;
 };
-
-void tst_CollaborationMessageHandlerResponses::init()
-{
-    m_log = std::make_unique<LogRecorder>();
-    m_handler = std::make_unique<CollaborationMessageHandler>();
-    m_answers = std::make_unique<QSignalSpy>(m_handler.get(),
-                                             SIGNAL(learnerPollResponse(QString, QString, int, QString)));
-    m_requests = std::make_unique<QSignalSpy>(m_handler.get(), SIGNAL(learnerGetQuestion(QString, int)));
-    QVERIFY(m_answers->isValid() && m_requests->isValid());
-}
-
-void tst_CollaborationMessageHandlerResponses::cleanup()
-{
-    m_answers.reset();
-    m_requests.reset();
-    m_handler.reset();
-    m_log.reset();
-}
-
-void tst_CollaborationMessageHandlerResponses::answerOfAPollResponse_data()
-{
-    QTest::addColumn<QString>("blob");
-    QTest::addColumn<QString>("answer");
-
-    QTest::newRow("list of two") << R"({"pick":["A","C"]})"
-                                 << "A,C";
-    QTest::newRow("list of one") << R"({"pick":["A"]})"
-                                 << "A";
-    QTest::newRow("empty list, for all that an input says") << R"({"pick":[],"input":"x"})"
-                                                            << "";
-    QTest::newRow("list in its own order") << R"({"pick":["C","A","B","A"]})"
-                                           << "C,A,B,A";
-    QTest::newRow("list of numbers") << R"({"pick":[2,0,1.5]})"
-                                     << "2,0,1.5";
-    QTest::newRow("list of truth values") << R"({"pick":[true,false]})"
-                                          << "true,false";
-    QTest::newRow("list with empty texts") << R"({"pick":["","A",""]})"
-                                           << ",A,";
-    QTest::newRow("list with what has no text") << R"({"pick":["A",null,{"x":1},["y"],"B"]})"
-                                                << "A,,,,B";
-    QTest::newRow("list of words with commas and blanks") << R"({"pick":["a, b"," c "]})"
-                                                          << "a, b, c ";
-    QTest::newRow("list outside ASCII")
-        << QString::fromUtf8(u8R"({"pick":["ä","日本","😀"]})") << QString::fromUtf8(u8"ä,日本,😀");
-    QTest::newRow("list with a zero character") << R"({"pick":["A\u0000x","B"]})"
-                                                << "A,B";
-    // As bytes, like an input: a byte-order mark goes, and half a pair is no character.
-    QTest::newRow("list with what bytes cannot keep")
-        << R"({"pick":["\ufeffA","\ud800A"]})" << QStringLiteral("A,?A");
-    QTest::newRow("input with half a pair") << R"({"input":"\ud800A"})" << QStringLiteral("?A");
-    QTest::newRow("list goes before an input") << R"({"pick":["A"],"input":"x"})"
-                                               << "A";
-
-    QTest::newRow("single pick gives way to the input") << R"({"pick":"B","input":"x"})"
-                                                        << "x";
-    QTest::newRow("single pick without input") << R"({"pick":"B"})"
-                                               << "";
-    QTest::newRow("number as pick") << R"({"pick":1,"input":"x"})"
-                                    << "x";
-    QTest::newRow("object as pick") << R"({"pick":{"a":1},"input":"x"})"
-                                    << "x";
-    QTest::newRow("null as pick") << R"({"pick":null,"input":"x"})"
-                                  << "x";
-    QTest::newRow("input") << R"({"input":"forty-two"})"
-                           << "forty-two";
-    QTest::newRow("input of a number") << R"({"input":42})"
-                                       << "42";
-    QTest::newRow("input of a negative fraction") << R"({"input":-0.5})"
-                                                  << "-0.5";
-    QTest::newRow("input of a truth value") << R"({"input":true})"
-                                            << "true";
-    QTest::newRow("input of null") << R"({"input":null})"
-                                   << "";
-    QTest::newRow("input of a list") << R"({"input":["A"]})"
-                                     << "";
-    QTest::newRow("input of an object") << R"({"input":{"a":1}})"
-                                        << "";
-    QTest::newRow("input outside ASCII")
-        << QString::fromUtf8(u8R"({"input":"Größe 😀"})") << QString::fromUtf8(u8"Größe 😀");
-    QTest::newRow("input with a zero character") << R"({"input":"before\u0000behind"})"
-                                                 << "before";
-    QTest::newRow("input of several lines") << R"({"input":" a\nb "})"
-                                            << " a\nb ";
-    QTest::newRow("empty blob") << "{}"
-                                << "";
-    QTest::newRow("blob is a text") << R"("A")"
-                                    << "";
-    QTest::newRow("blob is a list") << R"(["A"])"
-                                    << "";
-    QTest::newRow("blob is null") << "null"
-                                  << "";
-}
-
-void tst_CollaborationMessageHandlerResponses::answerOfAPollResponse()
-{
-    QFETCH(QString, blob);
-    QFETCH(QString, answer);
-    const QVariant data =
-        json(QStringLiteral(R"({"pollId":"p1","responseTime":2500,"blob":)") + blob + QLatin1Char('}'));
-    QVERIFY(data.isValid());
-    m_handler->dataPollResponse(from(QStringLiteral("d1")), data);
-    QCOMPARE(*m_answers, QList<QVariantList>({{QStringLiteral("d1"), QStringLiteral("p1"), 2500, answer}}));
-}
-
-void tst_CollaborationMessageHandlerResponses::answerOfAQuestionResponse_data()
-{
-    QTest::addColumn<QString>("members");
-    QTest::addColumn<QString>("answer");
-
-    const QString options =
-        QStringLiteral(R"("optionAnswers":[{"activityOptionId":"P"},{"activityOptionId":"Q"}])");
-    QTest::newRow("answer") << QStringLiteral(R"("answer":"x")") << "x";
-    QTest::newRow("answer of a number") << QStringLiteral(R"("answer":4.5)") << "4.5";
-    QTest::newRow("answer of null") << QStringLiteral(R"("answer":null)") << "";
-    QTest::newRow("answer of an object") << QStringLiteral(R"("answer":{"a":1})") << "";
-    QTest::newRow("answer outside ASCII")
-        << QString::fromUtf8(u8R"("answer":"日本 😀")") << QString::fromUtf8(u8"日本 😀");
-    QTest::newRow("options") << options << "PQ";
-    QTest::newRow("empty answer and options") << QStringLiteral(R"("answer":"",)") + options << "PQ";
-    QTest::newRow("answer and options") << QStringLiteral(R"("answer":"x",)") + options << "xPQ";
-    QTest::newRow("one option") << QStringLiteral(R"("optionAnswers":[{"activityOptionId":"P"}])") << "P";
-    QTest::newRow("option ids that are numbers")
-        << QStringLiteral(R"("optionAnswers":[{"activityOptionId":1},{"activityOptionId":10}])") << "110";
-    QTest::newRow("no options in the list") << QStringLiteral(R"("answer":"x","optionAnswers":[])") << "x";
-    QTest::newRow("options without ids")
-        << QStringLiteral(R"("optionAnswers":[{"id":"P"},{},"P",5,null,{"activityOptionId":"Q"}])") << "Q";
-    QTest::newRow("options are a text") << QStringLiteral(R"("answer":"x","optionAnswers":"P")") << "x";
-    QTest::newRow("options are an object")
-        << QStringLiteral(R"("answer":"x","optionAnswers":{"activityOptionId":"P"})") << "x";
-    QTest::newRow("options are null") << QStringLiteral(R"("answer":"x","optionAnswers":null)") << "x";
-    QTest::newRow("neither") << QStringLiteral(R"("other":1)") << "";
-}
-
-void tst_CollaborationMessageHandlerResponses::answerOfAQuestionResponse()
-{
-    QFETCH(QString, members);
-    QFETCH(QString, answer);
-    const QVariant data =
-        json(QStringLiteral(R"({"questionId":"q1","responseTime":2500,)") + members + QLatin1Char('}'));
-    QVERIFY(data.isValid());
-    m_handler->dataQuestionResponse(from(QStringLiteral("d1")), data);
-    QCOMPARE(*m_answers, QList<QVariantList>({{QStringLiteral("d1"), QStringLiteral("q1"), 2, answer}}));
-}
-
-void tst_CollaborationMessageHandlerResponses::responseTime_data()
-{
-    QTest::addColumn<QString>("time");
-    QTest::addColumn<int>("ofPoll");
-    QTest::addColumn<int>("ofQuestion");
-
-    QTest::newRow("2500") << "2500" << 2500 << 2;
-    QTest::newRow("1999") << "1999" << 1999 << 1;
-    QTest::newRow("1000") << "1000" << 1000 << 1;
-    QTest::newRow("999") << "999" << 999 << 0;
-    QTest::newRow("0") << "0" << 0 << 0;
-    QTest::newRow("-999") << "-999" << -999 << 0;
-    QTest::newRow("-1500") << "-1500" << -1500 << -1;
-    QTest::newRow("largest") << "2147483647" << 2147483647 << 2147483;
-    QTest::newRow("text of a number") << "\"2500\"" << 2500 << 2;
-    QTest::newRow("text") << "\"soon\"" << 0 << 0;
-    QTest::newRow("empty text") << "\"\"" << 0 << 0;
-    QTest::newRow("null") << "null" << 0 << 0;
-    QTest::newRow("list") << "[2500]" << 0 << 0;
-    QTest::newRow("object") << "{\"ms\":2500}" << 0 << 0;
-}
-
-void tst_CollaborationMessageHandlerResponses::responseTime()
-{
-    QFETCH(QString, time);
-    QFETCH(int, ofPoll);
-    QFETCH(int, ofQuestion);
-    const QVariant data = json(QStringLiteral(R"({"responseTime":%1})").arg(time));
-    QVERIFY(data.isValid());
-    m_handler->dataPollResponse(QVariantMap(), data);
-    m_handler->dataQuestionResponse(QVariantMap(), data);
-    QCOMPARE(m_answers->size(), 2);
-    QCOMPARE(m_answers->at(0).at(2), QVariant(ofPoll));
-    QCOMPARE(m_answers->at(1).at(2), QVariant(ofQuestion));
-}
-
-void tst_CollaborationMessageHandlerResponses::idsAndSenders_data()
-{
-    QTest::addColumn<QVariantMap>("body");
-    QTest::addColumn<QString>("id");
-    QTest::addColumn<QString>("heardSender");
-    QTest::addColumn<QString>("heardId");
-
-    QTest::newRow("texts") << from(QStringLiteral("d1")) << "\"i1\""
-                           << "d1"
-                           << "i1";
-    QTest::newRow("no sender") << QVariantMap() << "\"i1\""
-                               << ""
-                               << "i1";
-    QTest::newRow("sender is a number") << json(QStringLiteral(R"({"from":7})")).toMap() << "\"i1\""
-                                        << "7"
-                                        << "i1";
-    QTest::newRow("sender is null") << json(QStringLiteral(R"({"from":null})")).toMap() << "\"i1\""
-                                    << ""
-                                    << "i1";
-    QTest::newRow("id is a number") << from(QStringLiteral("d1")) << "12"
-                                    << "d1"
-                                    << "12";
-    QTest::newRow("id is an object") << from(QStringLiteral("d1")) << "{}"
-                                     << "d1"
-                                     << "";
-    QTest::newRow("id is null") << from(QStringLiteral("d1")) << "null"
-                                << "d1"
-                                << "";
-}
-
-void tst_CollaborationMessageHandlerResponses::idsAndSenders()
-{
-    QFETCH(QVariantMap, body);
-    QFETCH(QString, id);
-    QFETCH(QString, heardSender);
-    QFETCH(QString, heardId);
-    m_handler->dataPollResponse(body, json(QStringLiteral(R"({"pollId":%1,"questionId":"other"})").arg(id)));
-    m_handler->dataQuestionResponse(body,
-                                    json(QStringLiteral(R"({"questionId":%1,"pollId":"other"})").arg(id)));
-    const QVariantList expected{heardSender, heardId, 0, QString()};
-    QCOMPARE(*m_answers, QList<QVariantList>({expected, expected}));
-}
-
-void tst_CollaborationMessageHandlerResponses::dataOfAnotherKindGivesEmptyValues_data()
-{
-    QTest::addColumn<QVariant>("data");
-    QTest::newRow("invalid") << QVariant();
-    QTest::newRow("text") << QVariant(QStringLiteral(R"({"pollId":"p1"})"));
-    QTest::newRow("bytes") << QVariant(QByteArray(R"({"pollId":"p1"})"));
-    QTest::newRow("list") << QVariant(
-        QVariantList{QVariantMap{{QStringLiteral("pollId"), QStringLiteral("p1")}}});
-    QTest::newRow("empty map") << QVariant(QVariantMap());
-}
-
-void tst_CollaborationMessageHandlerResponses::dataOfAnotherKindGivesEmptyValues()
-{
-    QFETCH(QVariant, data);
-    const QVariantMap body = from(QStringLiteral("d1"));
-    m_handler->dataPollResponse(body, data);
-    m_handler->dataQuestionResponse(body, data);
-    m_handler->dataGetQuestion(body, data);
-    const QVariantList empty{QStringLiteral("d1"), QString(), 0, QString()};
-    QCOMPARE(*m_answers, QList<QVariantList>({empty, empty}));
-    QCOMPARE(*m_requests, QList<QVariantList>({{QStringLiteral("d1"), 0}}));
-}
-
-void tst_CollaborationMessageHandlerResponses::tokenAndModeOfAQuestionResponseChangeNothing()
-{
-    m_handler->dataQuestionResponse(
-        from(QStringLiteral("d1")),
-        json(QStringLiteral(
-            R"({"questionId":"q1","studentAssessmentToken":"token","questionSetMode":"Assessment","answer":"x"})")));
-    QCOMPARE(*m_answers,
-             QList<QVariantList>({{QStringLiteral("d1"), QStringLiteral("q1"), 0, QStringLiteral("x")}}));
-}
-
-void tst_CollaborationMessageHandlerResponses::questionRequest_data()
-{
-    QTest::addColumn<QString>("data");
-    QTest::addColumn<int>("number");
-    QTest::newRow("number") << R"({"questionNumber":3})" << 3;
-    QTest::newRow("negative") << R"({"questionNumber":-1})" << -1;
-    QTest::newRow("text of a number") << R"({"questionNumber":"12"})" << 12;
-    QTest::newRow("text") << R"({"questionNumber":"next"})" << 0;
-    QTest::newRow("null") << R"({"questionNumber":null})" << 0;
-    QTest::newRow("list") << R"({"questionNumber":[3]})" << 0;
-    QTest::newRow("absent") << "{}" << 0;
-}
-
-void tst_CollaborationMessageHandlerResponses::questionRequest()
-{
-    QFETCH(QString, data);
-    QFETCH(int, number);
-    m_handler->dataGetQuestion(from(QStringLiteral("d1")), json(data));
-    QCOMPARE(*m_requests, QList<QVariantList>({{QStringLiteral("d1"), number}}));
-    QCOMPARE(m_answers->size(), 0);
-}
-
-void tst_CollaborationMessageHandlerResponses::logs()
-{
-    const QVariantMap body = from(QStringLiteral("d-17"));
-    m_handler->dataPollResponse(body, json(QStringLiteral(R"({"blob":{"pick":["A","C"]}})")));
-    m_handler->dataQuestionResponse(body, json(QStringLiteral(R"({"answer":"forty"})")));
-    m_handler->dataGetQuestion(body, json(QStringLiteral(R"({"questionNumber":31})")));
-    const QStringList lines = m_log->debug();
-    QCOMPARE(lines.size(), 3);
-    const auto holds = [](const QString& line, const QStringList& parts) {
-        int at = 0;
-        for (const QString& part : parts) {
-            at = line.indexOf(part, at);
-            if (at < 0)
-                return false;
-            at += part.size();
-        }
-        return line.startsWith(parts.first());
-    };
-    QVERIFY2(holds(lines.at(0), {QStringLiteral("POLL_RESPONSE"), QStringLiteral("d-17"), QStringLiteral(":"),
-                                 QStringLiteral("A,C")}),
-             qPrintable(lines.at(0)));
-    QVERIFY2(
-        holds(lines.at(1), {QStringLiteral("[DEBUG] RECEIVED RESPONSE FROM DEVICE "), QStringLiteral("d-17"),
-                            QStringLiteral(" of value: "), QStringLiteral("forty")}),
-        qPrintable(lines.at(1)));
-    QVERIFY2(holds(lines.at(2), {QStringLiteral("Learner "), QStringLiteral("d-17"),
-                                 QStringLiteral(" requesting question "), QStringLiteral("31")}),
-             qPrintable(lines.at(2)));
-}
 
 QTEST_GUILESS_MAIN(tst_CollaborationMessageHandlerResponses)
 #include "tst_CollaborationMessageHandlerResponses.moc"

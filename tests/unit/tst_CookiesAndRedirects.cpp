@@ -14,33 +14,6 @@ using HttpText::plain;
 using Server = ScriptedHttpServer;
 using Session = TransportSession;
 
-/// Where a redirect leads, and which cookies go there.
-class tst_CookiesAndRedirects : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void initTestCase();
-
-    void cookiesStayWithTheirService();
-    void portsOfAServiceShareCookies();
-    void cookiesGoAlongToHttps();
-    void secureCookieIsNotSentInClear();
-    void cookieForAnotherServiceIsNotKept_data();
-    void cookieForAnotherServiceIsNotKept();
-
-    void redirectSendsNothingByItself_data();
-    void redirectSendsNothingByItself();
-    void redirectToClearTextIsNotFollowed();
-    void redirectTargetLosesItsCredentials();
-
-    void busIsNotFollowedElsewhere_data();
-    void busIsNotFollowedElsewhere();
-    void sendIsNotFollowedElsewhere();
-    void busKeepsItsCookiesToItself_data();
-    void busKeepsItsCookiesToItself();
-};
-
 namespace {
 
 /// Answers at another address than the others, which is another host.
@@ -69,224 +42,232 @@ bool check(PresenterClient* client)
 
 } // namespace
 
-void tst_CookiesAndRedirects::initTestCase()
+/// Where a redirect leads, and which cookies go there.
+class tst_CookiesAndRedirects : public QObject
 {
-    qunsetenv("http_proxy");
-    qRegisterMetaType<QStringMap>("QStringMap");
-}
+    Q_OBJECT
 
-void tst_CookiesAndRedirects::cookiesStayWithTheirService()
-{
-    FakeService here;
-    ElsewhereService there;
-    here.expect("/tavisto", Answer::redirect(there.address()).with("Set-Cookie", "here=1; Path=/"));
-    there.expect("/tavisto", Answer::redirect(here.url().toUtf8()).with("Set-Cookie", "there=1; Path=/"));
-    here.expect("/tavisto", Answer::redirect(there.address()));
-    there.expect("/tavisto", Answer::json("{}"));
-    PresenterClient client(nullptr, here.url());
-    for (int i = 0; i < 4; ++i)
-        QVERIFY(check(&client));
-    QVERIFY(there.requests().first().header("cookie").isNull());
-    QCOMPARE(here.last().header("cookie"), QByteArray("here=1"));
-    QCOMPARE(there.last().header("cookie"), QByteArray("there=1"));
-}
-
-// A host has its cookies on all of its ports: that is how cookies are.
-void tst_CookiesAndRedirects::portsOfAServiceShareCookies()
-{
-    FakeService one;
-    FakeService other;
-    one.expect("/tavisto", Answer::redirect(other.url().toUtf8()).with("Set-Cookie", "a=1; Path=/"));
-    other.expect("/tavisto", Answer::json("{}"));
-    PresenterClient client(nullptr, one.url());
-    QVERIFY(check(&client));
-    QVERIFY(check(&client));
-    QCOMPARE(other.last().header("cookie"), QByteArray("a=1"));
-}
-
-void tst_CookiesAndRedirects::cookiesGoAlongToHttps()
-{
-    const TestCertificates::TrustedRoot trusted;
-    FakeService clear;
-    FakeService secure(TestCertificates::server(QStringLiteral("loopback")));
-    clear.expect("/tavisto", Answer::redirect(secure.url().toUtf8()).with("Set-Cookie", "a=1; Path=/"));
-    secure.expect("/tavisto", Answer::json("{}"));
-    PresenterClient client(nullptr, clear.url());
-    QVERIFY(check(&client));
-    QVERIFY(check(&client));
-    QCOMPARE(client.server(), secure.url());
-    QCOMPARE(secure.last().header("cookie"), QByteArray("a=1"));
-}
-
-void tst_CookiesAndRedirects::secureCookieIsNotSentInClear()
-{
-    FakeService service;
-    service.expect("/tavisto", Answer::json("{}").with("Set-Cookie", "a=1; Path=/; Secure"));
-    service.expect("/tavisto", Answer::json("{}"));
-    PresenterClient client(nullptr, service.url());
-    QVERIFY(check(&client));
-    QVERIFY(check(&client));
-    QVERIFY(service.last().header("cookie").isNull());
-}
-
-void tst_CookiesAndRedirects::cookieForAnotherServiceIsNotKept_data()
-{
-    QTest::addColumn<QByteArray>("domain");
-    for (const char* domain : {"127.0.0.2", ".0.0.1", "0.0.1", "localhost", ".example"})
-        QTest::newRow(domain) << QByteArray(domain);
-}
-
-void tst_CookiesAndRedirects::cookieForAnotherServiceIsNotKept()
-{
-    QFETCH(QByteArray, domain);
-    FakeService here;
-    ElsewhereService there;
-    here.expect("/tavisto", Answer::json("{}").with("Set-Cookie", "a=1; Path=/; Domain=" + domain));
-    here.expect("/tavisto", Answer::redirect(there.address()));
-    there.expect("/tavisto", Answer::json("{}"));
-    PresenterClient client(nullptr, here.url());
-    for (int i = 0; i < 3; ++i)
-        QVERIFY(check(&client));
-    QVERIFY(here.last().header("cookie").isNull());
-    QVERIFY(there.last().header("cookie").isNull());
-}
-
-void tst_CookiesAndRedirects::redirectSendsNothingByItself_data()
-{
-    QTest::addColumn<int>("status");
-    QTest::addColumn<bool>("moves");
-    for (const int status : {301, 302, 303, 307, 308})
-        QTest::addRow("%d", status) << status << true;
-    for (const int status : {200, 201, 300, 304, 305, 401, 503})
-        QTest::addRow("%d", status) << status << false;
-}
-
-// Neither the password nor the request: both go to where the host has been told that they go.
-void tst_CookiesAndRedirects::redirectSendsNothingByItself()
-{
-    QFETCH(int, status);
-    QFETCH(bool, moves);
-    FakeService here;
-    ElsewhereService there;
-    here.expect("/tavisto/login/submit", Answer::redirect(there.address() + "/tavisto", status));
-    PresenterClient client(nullptr, here.url());
-    QVERIFY(!client.doLogin(QStringLiteral("teacher"), QStringLiteral("chalk")));
-    QCOMPARE(client.server(), moves ? QString::fromUtf8(there.address()) : here.url());
-
-    FakeService& next = moves ? there : here;
-    next.expect("/tavisto", Answer::json("{}"));
-    QVERIFY(check(&client));
-    QCOMPARE(there.requests().size(), moves ? 1 : 0);
-}
-
-void tst_CookiesAndRedirects::redirectToClearTextIsNotFollowed()
-{
-    const TestCertificates::TrustedRoot trusted;
-    const Server clear;
-    FakeService secure(TestCertificates::server(QStringLiteral("loopback")));
-    const auto target = "http://127.0.0.1:" + QByteArray::number(clear.port()) + '/';
-    const QByteArray refusal = R"({"errorMsgKeys":["error.moved"]})";
-    PresenterClient client(nullptr, secure.url());
-    for (const int status : {301, 302, 303, 307, 308}) {
-        secure.expect("/tavisto/login/submit",
-                      Answer::json(refusal, status).with("Location", target).with("Set-Cookie", "a=1"));
-        QVERIFY(!client.doLogin(QStringLiteral("teacher"), QStringLiteral("chalk")));
-        QCOMPARE(client.server(), secure.url());
+private Q_SLOTS:
+    void initTestCase()
+    {
+        qunsetenv("http_proxy");
+        qRegisterMetaType<QStringMap>("QStringMap");
     }
-    QCOMPARE(clear.connections(), 0);
-}
 
-void tst_CookiesAndRedirects::redirectTargetLosesItsCredentials()
-{
-    FakeService here;
-    ElsewhereService there;
-    QByteArray target = there.address();
-    here.expect("/tavisto", Answer::redirect(target.replace("http://", "http://user:word@")));
-    there.expect("/tavisto", Answer::json("{}", 401).with("WWW-Authenticate", "Basic realm=\"classroom\""));
-    PresenterClient client(nullptr, here.url());
-    QVERIFY(check(&client));
-    QCOMPARE(client.server().toUtf8(), there.address());
-    QVERIFY(!check(&client));
-    QVERIFY(there.last().header("authorization").isNull());
-}
+    void cookiesStayWithTheirService()
+    {
+        FakeService here;
+        ElsewhereService there;
+        here.expect("/tavisto", Answer::redirect(there.address()).with("Set-Cookie", "here=1; Path=/"));
+        there.expect("/tavisto", Answer::redirect(here.url().toUtf8()).with("Set-Cookie", "there=1; Path=/"));
+        here.expect("/tavisto", Answer::redirect(there.address()));
+        there.expect("/tavisto", Answer::json("{}"));
+        PresenterClient client(nullptr, here.url());
+        for (int i = 0; i < 4; ++i)
+            QVERIFY(check(&client));
+        QVERIFY(there.requests().first().header("cookie").isNull());
+        QCOMPARE(here.last().header("cookie"), QByteArray("here=1"));
+        QCOMPARE(there.last().header("cookie"), QByteArray("there=1"));
+    }
 
-void tst_CookiesAndRedirects::busIsNotFollowedElsewhere_data()
-{
-    QTest::addColumn<int>("protocol");
-    const QMap<SockJSConnector::PROTOCOL_TYPE, QString> protocols = SockJSConnector::PROTOCOL_TYPE_STR();
-    for (auto protocol = protocols.begin(); protocol != protocols.end(); ++protocol)
-        QTest::newRow(qPrintable(protocol.value())) << int(protocol.key());
-}
+    // A host has its cookies on all of its ports: that is how cookies are.
+    void portsOfAServiceShareCookies()
+    {
+        FakeService one;
+        FakeService other;
+        one.expect("/tavisto", Answer::redirect(other.url().toUtf8()).with("Set-Cookie", "a=1; Path=/"));
+        other.expect("/tavisto", Answer::json("{}"));
+        PresenterClient client(nullptr, one.url());
+        QVERIFY(check(&client));
+        QVERIFY(check(&client));
+        QCOMPARE(other.last().header("cookie"), QByteArray("a=1"));
+    }
 
-// An answer is an answer to these, whatever its status says.
-void tst_CookiesAndRedirects::busIsNotFollowedElsewhere()
-{
-    QFETCH(int, protocol);
-    const Server elsewhere;
-    Server server;
-    server.answerAlways("", redirection(elsewhere.port()));
-    SockJSConnector connector;
-    ConnectorProbe probe(&connector);
-    const QUrl url(QStringLiteral("http://127.0.0.1:%1/p").arg(server.port()));
-    QVERIFY(probe.open(url, {SockJSConnector::PROTOCOL_TYPE(protocol)}));
-    const int asked = protocol == SockJSConnector::WEBSOCKET ? 1 : 2;
-    QTRY_VERIFY(server.count() >= asked);
-    QCOMPARE(probe.events(), QStringList());
-    QCOMPARE(elsewhere.connections(), 0);
-}
+    void cookiesGoAlongToHttps()
+    {
+        const TestCertificates::TrustedRoot trusted;
+        FakeService clear;
+        FakeService secure(TestCertificates::server(QStringLiteral("loopback")));
+        clear.expect("/tavisto", Answer::redirect(secure.url().toUtf8()).with("Set-Cookie", "a=1; Path=/"));
+        secure.expect("/tavisto", Answer::json("{}"));
+        PresenterClient client(nullptr, clear.url());
+        QVERIFY(check(&client));
+        QVERIFY(check(&client));
+        QCOMPARE(client.server(), secure.url());
+        QCOMPARE(secure.last().header("cookie"), QByteArray("a=1"));
+    }
 
-void tst_CookiesAndRedirects::sendIsNotFollowedElsewhere()
-{
-    const Server elsewhere;
-    Server server;
-    server.answer("/xhr_send", redirection(elsewhere.port()));
-    server.answer("/xhr_send", redirection(elsewhere.port(), "307 Temporary Redirect"));
-    server.answerAlways("/xhr_send", plain(""));
-    Session session;
-    QVERIFY(session.start(server));
-    for (int i = 0; i < 3; ++i)
-        session.transport->sendTextMessage(QStringLiteral("[\"secret\"]"));
-    QTRY_COMPARE(server.count("/xhr_send"), 3);
-    QCOMPARE(elsewhere.connections(), 0);
-}
+    void secureCookieIsNotSentInClear()
+    {
+        FakeService service;
+        service.expect("/tavisto", Answer::json("{}").with("Set-Cookie", "a=1; Path=/; Secure"));
+        service.expect("/tavisto", Answer::json("{}"));
+        PresenterClient client(nullptr, service.url());
+        QVERIFY(check(&client));
+        QVERIFY(check(&client));
+        QVERIFY(service.last().header("cookie").isNull());
+    }
 
-void tst_CookiesAndRedirects::busKeepsItsCookiesToItself_data()
-{
-    QTest::addColumn<QByteArray>("attributes");
-    QTest::addColumn<bool>("isSent");
-    QTest::newRow("none") << QByteArray() << true;
-    QTest::newRow("its path") << QByteArray("; Path=/p") << true;
-    QTest::newRow("its address") << QByteArray("; Domain=127.0.0.1") << true;
-    QTest::newRow("another address") << QByteArray("; Domain=127.0.0.2") << false;
-    QTest::newRow("the end of its address") << QByteArray("; Domain=.0.0.1") << false;
-    QTest::newRow("another path") << QByteArray("; Path=/other") << false;
-    QTest::newRow("secure") << QByteArray("; Secure") << false;
-    QTest::newRow("expired") << QByteArray("; Max-Age=0") << false;
-}
+    void cookieForAnotherServiceIsNotKept_data()
+    {
+        QTest::addColumn<QByteArray>("domain");
+        for (const char* domain : {"127.0.0.2", ".0.0.1", "0.0.1", "localhost", ".example"})
+            QTest::newRow(domain) << QByteArray(domain);
+    }
 
-void tst_CookiesAndRedirects::busKeepsItsCookiesToItself()
-{
-    QFETCH(QByteArray, attributes);
-    QFETCH(bool, isSent);
-    Server server;
-    server.answer("/xhr", plain("o\n", "Set-Cookie: a=1" + attributes + "\r\n"));
-    server.answerAlways("/xhr_send", plain(""));
-    Session session;
-    QVERIFY(session.start(server));
-    QTRY_COMPARE(server.count("/xhr"), 2);
-    session.transport->sendTextMessage(QStringLiteral("[]"));
-    QTRY_COMPARE(server.count("/xhr_send"), 1);
-    QCOMPARE(server.requests("/xhr").last().headers.contains("cookie"), isSent);
-    QCOMPARE(server.requests("/xhr_send").last().headers.contains("cookie"), isSent);
+    void cookieForAnotherServiceIsNotKept()
+    {
+        QFETCH(QByteArray, domain);
+        FakeService here;
+        ElsewhereService there;
+        here.expect("/tavisto", Answer::json("{}").with("Set-Cookie", "a=1; Path=/; Domain=" + domain));
+        here.expect("/tavisto", Answer::redirect(there.address()));
+        there.expect("/tavisto", Answer::json("{}"));
+        PresenterClient client(nullptr, here.url());
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(check(&client));
+        QVERIFY(here.last().header("cookie").isNull());
+        QVERIFY(there.last().header("cookie").isNull());
+    }
 
-    // Another transport begins without.
-    server.answer("/xhr", plain("o\n"));
-    Session other;
-    QVERIFY(other.start(server));
-    QTRY_COMPARE(other.texts, QStringList("o"));
-    QTRY_COMPARE(server.count("/xhr"), 4);
-    QVERIFY(!server.requests("/xhr").last().headers.contains("cookie"));
-}
+    void redirectSendsNothingByItself_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<bool>("moves");
+        for (const int status : {301, 302, 303, 307, 308})
+            QTest::addRow("%d", status) << status << true;
+        for (const int status : {200, 201, 300, 304, 305, 401, 503})
+            QTest::addRow("%d", status) << status << false;
+    }
+
+    // Neither the password nor the request: both go to where the host has been told that they go.
+    void redirectSendsNothingByItself()
+    {
+        QFETCH(int, status);
+        QFETCH(bool, moves);
+        FakeService here;
+        ElsewhereService there;
+        here.expect("/tavisto/login/submit", Answer::redirect(there.address() + "/tavisto", status));
+        PresenterClient client(nullptr, here.url());
+        QVERIFY(!client.doLogin(QStringLiteral("teacher"), QStringLiteral("chalk")));
+        QCOMPARE(client.server(), moves ? QString::fromUtf8(there.address()) : here.url());
+
+        FakeService& next = moves ? there : here;
+        next.expect("/tavisto", Answer::json("{}"));
+        QVERIFY(check(&client));
+        QCOMPARE(there.requests().size(), moves ? 1 : 0);
+    }
+
+    void redirectToClearTextIsNotFollowed()
+    {
+        const TestCertificates::TrustedRoot trusted;
+        const Server clear;
+        FakeService secure(TestCertificates::server(QStringLiteral("loopback")));
+        const auto target = "http://127.0.0.1:" + QByteArray::number(clear.port()) + '/';
+        const QByteArray refusal = R"({"errorMsgKeys":["error.moved"]})";
+        PresenterClient client(nullptr, secure.url());
+        for (const int status : {301, 302, 303, 307, 308}) {
+            secure.expect("/tavisto/login/submit",
+                          Answer::json(refusal, status).with("Location", target).with("Set-Cookie", "a=1"));
+            QVERIFY(!client.doLogin(QStringLiteral("teacher"), QStringLiteral("chalk")));
+            QCOMPARE(client.server(), secure.url());
+        }
+        QCOMPARE(clear.connections(), 0);
+    }
+
+    void redirectTargetLosesItsCredentials()
+    {
+        FakeService here;
+        ElsewhereService there;
+        QByteArray target = there.address();
+        here.expect("/tavisto", Answer::redirect(target.replace("http://", "http://user:word@")));
+        there.expect("/tavisto",
+                     Answer::json("{}", 401).with("WWW-Authenticate", "Basic realm=\"classroom\""));
+        PresenterClient client(nullptr, here.url());
+        QVERIFY(check(&client));
+        QCOMPARE(client.server().toUtf8(), there.address());
+        QVERIFY(!check(&client));
+        QVERIFY(there.last().header("authorization").isNull());
+    }
+
+    void busIsNotFollowedElsewhere_data()
+    {
+        QTest::addColumn<int>("protocol");
+        const QMap<SockJSConnector::PROTOCOL_TYPE, QString> protocols = SockJSConnector::PROTOCOL_TYPE_STR();
+        for (auto protocol = protocols.begin(); protocol != protocols.end(); ++protocol)
+            QTest::newRow(qPrintable(protocol.value())) << int(protocol.key());
+    }
+
+    // An answer is an answer to these, whatever its status says.
+    void busIsNotFollowedElsewhere()
+    {
+        QFETCH(int, protocol);
+        const Server elsewhere;
+        Server server;
+        server.answerAlways("", redirection(elsewhere.port()));
+        SockJSConnector connector;
+        ConnectorProbe probe(&connector);
+        const QUrl url(QStringLiteral("http://127.0.0.1:%1/p").arg(server.port()));
+        QVERIFY(probe.open(url, {SockJSConnector::PROTOCOL_TYPE(protocol)}));
+        const int asked = protocol == SockJSConnector::WEBSOCKET ? 1 : 2;
+        QTRY_VERIFY(server.count() >= asked);
+        QCOMPARE(probe.events(), QStringList());
+        QCOMPARE(elsewhere.connections(), 0);
+    }
+
+    void sendIsNotFollowedElsewhere()
+    {
+        const Server elsewhere;
+        Server server;
+        server.answer("/xhr_send", redirection(elsewhere.port()));
+        server.answer("/xhr_send", redirection(elsewhere.port(), "307 Temporary Redirect"));
+        server.answerAlways("/xhr_send", plain(""));
+        Session session;
+        QVERIFY(session.start(server));
+        for (int i = 0; i < 3; ++i)
+            session.transport->sendTextMessage(QStringLiteral("[\"secret\"]"));
+        QTRY_COMPARE(server.count("/xhr_send"), 3);
+        QCOMPARE(elsewhere.connections(), 0);
+    }
+
+    void busKeepsItsCookiesToItself_data()
+    {
+        QTest::addColumn<QByteArray>("attributes");
+        QTest::addColumn<bool>("isSent");
+        QTest::newRow("none") << QByteArray() << true;
+        QTest::newRow("its path") << QByteArray("; Path=/p") << true;
+        QTest::newRow("its address") << QByteArray("; Domain=127.0.0.1") << true;
+        QTest::newRow("another address") << QByteArray("; Domain=127.0.0.2") << false;
+        QTest::newRow("the end of its address") << QByteArray("; Domain=.0.0.1") << false;
+        QTest::newRow("another path") << QByteArray("; Path=/other") << false;
+        QTest::newRow("secure") << QByteArray("; Secure") << false;
+        QTest::newRow("expired") << QByteArray("; Max-Age=0") << false;
+    }
+
+    void busKeepsItsCookiesToItself()
+    {
+        QFETCH(QByteArray, attributes);
+        QFETCH(bool, isSent);
+        Server server;
+        server.answer("/xhr", plain("o\n", "Set-Cookie: a=1" + attributes + "\r\n"));
+        server.answerAlways("/xhr_send", plain(""));
+        Session session;
+        QVERIFY(session.start(server));
+        QTRY_COMPARE(server.count("/xhr"), 2);
+        session.transport->sendTextMessage(QStringLiteral("[]"));
+        QTRY_COMPARE(server.count("/xhr_send"), 1);
+        QCOMPARE(server.requests("/xhr").last().headers.contains("cookie"), isSent);
+        QCOMPARE(server.requests("/xhr_send").last().headers.contains("cookie"), isSent);
+
+        // Another transport begins without.
+        server.answer("/xhr", plain("o\n"));
+        Session other;
+        QVERIFY(other.start(server));
+        QTRY_COMPARE(other.texts, QStringList("o"));
+        QTRY_COMPARE(server.count("/xhr"), 4);
+        QVERIFY(!server.requests("/xhr").last().headers.contains("cookie"));
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_CookiesAndRedirects)
 #include "tst_CookiesAndRedirects.moc"

@@ -235,208 +235,206 @@ class tst_DataClasses : public QObject
 
 private Q_SLOTS:
     void propertiesInOrder_data() { classes(); }
-    void propertiesInOrder();
+
+    void propertiesInOrder()
+    {
+        QFETCH(Make, make);
+        QFETCH(Properties, properties);
+        const std::unique_ptr<QObject> object(make(nullptr));
+        const QMetaObject* meta = object->metaObject();
+        QStringList expected{QStringLiteral("objectName")};
+        for (const Property& property : properties)
+            expected.append(QString::fromLatin1(property.name));
+        QStringList names;
+        for (int i = 0; i < meta->propertyCount(); ++i)
+            names.append(QString::fromLatin1(meta->property(i).name()));
+        QCOMPARE(names, expected);
+
+        for (int i = 0; i < properties.size(); ++i) {
+            const QMetaProperty property = meta->property(i + 1);
+            QVERIFY2(property.isReadable(), property.name());
+            QCOMPARE(property.isWritable(), properties.at(i).setter != nullptr);
+            if (properties.at(i).setter)
+                QCOMPARE(property.userType(), properties.at(i).type);
+        }
+    }
+
     void defaults_data() { classes(); }
-    void defaults();
+
+    void defaults()
+    {
+        QFETCH(Make, make);
+        QFETCH(Properties, properties);
+        const std::unique_ptr<QObject> object(make(nullptr));
+        for (const Property& property : properties) {
+            const QVariant value = object->property(property.name);
+            if (property.type == OBJECT) {
+                auto* child = value.value<QObject*>();
+                QVERIFY2(child, property.name);
+                QCOMPARE(QString::fromLatin1(child->metaObject()->className()), property.initial.toString());
+                QCOMPARE(child->parent(), object.get());
+            } else if (property.type == STRING && !property.initial.isValid()) {
+                QVERIFY2(value.toString().size() == 8, property.name);
+            } else if (property.setter) {
+                QVERIFY2(value == property.initial && value.isValid() == property.initial.isValid(),
+                         property.name);
+            } else {
+                QCOMPARE(value.userType(), property.initial.userType());
+                QVERIFY2(value.value<QList<QObject*>>().isEmpty(), property.name);
+            }
+        }
+    }
+
     void settersAreSlotsNamedAfterTheProperty_data() { classes(); }
-    void settersAreSlotsNamedAfterTheProperty();
+
+    void settersAreSlotsNamedAfterTheProperty()
+    {
+        QFETCH(Make, make);
+        QFETCH(Properties, properties);
+        const std::unique_ptr<QObject> object(make(nullptr));
+        for (const Property& property : properties) {
+            if (!property.setter) {
+                const QByteArray setter = QByteArray("set") + property.name;
+                for (int i = 0; i < object->metaObject()->methodCount(); ++i)
+                    QVERIFY2(object->metaObject()->method(i).name() != setter, property.name);
+                continue;
+            }
+            const QMetaMethod setter = setterOf(*object, property);
+            QVERIFY2(setter.isValid(), property.name);
+            QVERIFY2(setter.methodType() == QMetaMethod::Slot, property.name);
+            QVERIFY2(setter.access() == QMetaMethod::Public, property.name);
+            QVERIFY2(setter.returnType() == QMetaType::Void, property.name);
+        }
+    }
+
     void settersStoreTheValueUnchanged_data() { classes(); }
-    void settersStoreTheValueUnchanged();
+
+    void settersStoreTheValueUnchanged()
+    {
+        QFETCH(Make, make);
+        QFETCH(Properties, properties);
+        const std::unique_ptr<QObject> object(make(nullptr));
+        QObject other;
+        for (const Property& property : properties) {
+            // What kind a question is of is not for its setter to say.
+            if (!property.setter || isQuestionType(*object, property))
+                continue;
+            const QVariant value = property.type == OBJECT ? QVariant::fromValue(&other) : sample(property);
+            QVERIFY2(setBySlot(object.get(), property, value), property.name);
+            QVERIFY2(object->property(property.name) == value, property.name);
+        }
+        // None has changed what another has set.
+        for (const Property& property : properties) {
+            if (property.setter && property.type != OBJECT && !isQuestionType(*object, property))
+                QVERIFY2(object->property(property.name) == sample(property), property.name);
+        }
+        QVERIFY(!other.parent());
+    }
+
     void settersEmitNothing_data() { classes(); }
-    void settersEmitNothing();
+
+    void settersEmitNothing()
+    {
+        QFETCH(Make, make);
+        const std::unique_ptr<QObject> object(make(nullptr));
+        const QMetaObject* meta = object->metaObject();
+        for (int i = QObject::staticMetaObject.methodCount(); i < meta->methodCount(); ++i)
+            QVERIFY2(meta->method(i).methodType() != QMetaMethod::Signal,
+                     meta->method(i).methodSignature().constData());
+        for (int i = 1; i < meta->propertyCount(); ++i)
+            QVERIFY2(!meta->property(i).hasNotifySignal(), meta->property(i).name());
+    }
+
     void setPropertyGoesThroughTheSetter_data() { classes(); }
-    void setPropertyGoesThroughTheSetter();
+
+    void setPropertyGoesThroughTheSetter()
+    {
+        QFETCH(Make, make);
+        QFETCH(Properties, properties);
+        const std::unique_ptr<QObject> object(make(nullptr));
+        for (const Property& property : properties) {
+            if (property.type == OBJECT || isQuestionType(*object, property))
+                continue;
+            const QVariant before = object->property(property.name);
+            const QVariant value = sample(property);
+            QCOMPARE(object->setProperty(property.name, value), property.setter != nullptr);
+            if (property.setter)
+                QVERIFY2(object->property(property.name) == value, property.name);
+            else
+                QCOMPARE(object->property(property.name).userType(), before.userType());
+        }
+    }
+
     void jsonKeysAreThePropertyNames_data() { classes(); }
-    void jsonKeysAreThePropertyNames();
+
+    void jsonKeysAreThePropertyNames()
+    {
+        QFETCH(Make, make);
+        QFETCH(Properties, properties);
+        const std::unique_ptr<QObject> object(make(nullptr));
+        object->setObjectName(QStringLiteral("named"));
+        QStringList expected;
+        for (const Property& property : properties)
+            expected.append(QString::fromLatin1(property.name));
+        expected.sort();
+
+        const LogRecorder log;
+        const QString json = Calyx::JsonSerializer::serializeToJson(object.get());
+        QCOMPARE(QJsonDocument::fromJson(json.toUtf8()).toVariant().toMap().keys(), expected);
+        QVERIFY(json.startsWith(QStringLiteral("{\n    \"") + expected.first()));
+        QVERIFY(json.endsWith(QLatin1String("\n}\n")));
+        // Nothing in a new object is too deep to be written.
+        QCOMPARE(log.debug(QStringLiteral("[JsonSerializer] ERROR")), QStringList());
+    }
+
     void objectsBelongToTheirParent_data() { classes(); }
-    void objectsBelongToTheirParent();
+
+    void objectsBelongToTheirParent()
+    {
+        QFETCH(Make, make);
+        auto parent = std::make_unique<QObject>();
+        const QPointer<QObject> object = make(parent.get());
+        QCOMPARE(object->parent(), parent.get());
+        QList<QPointer<QObject>> children;
+        for (QObject* child : object->children())
+            children.append(child);
+        parent.reset();
+        QVERIFY(!object);
+        for (const QPointer<QObject>& child : children)
+            QVERIFY(!child);
+
+        const std::unique_ptr<QObject> alone(make(nullptr));
+        QVERIFY(!alone->parent());
+    }
 
 private:
-    void classes();
+    void classes()
+    {
+        QTest::addColumn<Make>("make");
+        QTest::addColumn<Properties>("properties");
+
+        addClass<Calyx::QuestionBase>(question(QString()));
+        addClass<Calyx::QuestionBaseWithOptions>(questionWithOptions(QString()));
+        addClass<Calyx::QuestionYesNo>(questionWithOptions(QStringLiteral("yes-no-other")));
+        addClass<Calyx::QuestionMultiChoice>(questionWithOptions(
+            QStringLiteral("multiple"), {{"numberOfCorrectOptions", INT, 1, "setnumberOfCorrectOptions"}}));
+        addClass<Calyx::QuestionScale>(questionWithOptions(QStringLiteral("scale")));
+        addClass<Calyx::QuestionSort>(questionWithOptions(QStringLiteral("sort")));
+        addClass<Calyx::QuestionCreative>(questionWithOptions(QStringLiteral("creative")));
+        addClass<Calyx::QuestionText>(
+            question(QStringLiteral("text"), {{"maxChars", INT, 0, "setmaxChars"}}));
+        addClass<Calyx::QuestionNumeric>(
+            question(QStringLiteral("number"), {{"noOfDecimals", INT, 0, "setnoOfDecimals"}}));
+        addClass<Calyx::QuestionWordSeed>(question(QStringLiteral("word-seed")));
+        addClass<Calyx::QuestionMathFormula>(question(QStringLiteral("math formula")));
+        addClass<Calyx::ActivityOption>(option());
+        addClass<Calyx::QuestionMetadata>(metadata());
+        addClass<Calyx::QuestionFeedback>(feedback());
+        addClass<Calyx::Card>(card());
+        addClass<Calyx::AssessmentOptions>(assessment());
+        addClass<Calyx::CalyxCollabMessage>(message());
+    }
 };
-
-void tst_DataClasses::classes()
-{
-    QTest::addColumn<Make>("make");
-    QTest::addColumn<Properties>("properties");
-
-    addClass<Calyx::QuestionBase>(question(QString()));
-    addClass<Calyx::QuestionBaseWithOptions>(questionWithOptions(QString()));
-    addClass<Calyx::QuestionYesNo>(questionWithOptions(QStringLiteral("yes-no-other")));
-    addClass<Calyx::QuestionMultiChoice>(questionWithOptions(
-        QStringLiteral("multiple"), {{"numberOfCorrectOptions", INT, 1, "setnumberOfCorrectOptions"}}));
-    addClass<Calyx::QuestionScale>(questionWithOptions(QStringLiteral("scale")));
-    addClass<Calyx::QuestionSort>(questionWithOptions(QStringLiteral("sort")));
-    addClass<Calyx::QuestionCreative>(questionWithOptions(QStringLiteral("creative")));
-    addClass<Calyx::QuestionText>(question(QStringLiteral("text"), {{"maxChars", INT, 0, "setmaxChars"}}));
-    addClass<Calyx::QuestionNumeric>(
-        question(QStringLiteral("number"), {{"noOfDecimals", INT, 0, "setnoOfDecimals"}}));
-    addClass<Calyx::QuestionWordSeed>(question(QStringLiteral("word-seed")));
-    addClass<Calyx::QuestionMathFormula>(question(QStringLiteral("math formula")));
-    addClass<Calyx::ActivityOption>(option());
-    addClass<Calyx::QuestionMetadata>(metadata());
-    addClass<Calyx::QuestionFeedback>(feedback());
-    addClass<Calyx::Card>(card());
-    addClass<Calyx::AssessmentOptions>(assessment());
-    addClass<Calyx::CalyxCollabMessage>(message());
-}
-
-void tst_DataClasses::propertiesInOrder()
-{
-    QFETCH(Make, make);
-    QFETCH(Properties, properties);
-    const std::unique_ptr<QObject> object(make(nullptr));
-    const QMetaObject* meta = object->metaObject();
-    QStringList expected{QStringLiteral("objectName")};
-    for (const Property& property : properties)
-        expected.append(QString::fromLatin1(property.name));
-    QStringList names;
-    for (int i = 0; i < meta->propertyCount(); ++i)
-        names.append(QString::fromLatin1(meta->property(i).name()));
-    QCOMPARE(names, expected);
-
-    for (int i = 0; i < properties.size(); ++i) {
-        const QMetaProperty property = meta->property(i + 1);
-        QVERIFY2(property.isReadable(), property.name());
-        QCOMPARE(property.isWritable(), properties.at(i).setter != nullptr);
-        if (properties.at(i).setter)
-            QCOMPARE(property.userType(), properties.at(i).type);
-    }
-}
-
-void tst_DataClasses::defaults()
-{
-    QFETCH(Make, make);
-    QFETCH(Properties, properties);
-    const std::unique_ptr<QObject> object(make(nullptr));
-    for (const Property& property : properties) {
-        const QVariant value = object->property(property.name);
-        if (property.type == OBJECT) {
-            auto* child = value.value<QObject*>();
-            QVERIFY2(child, property.name);
-            QCOMPARE(QString::fromLatin1(child->metaObject()->className()), property.initial.toString());
-            QCOMPARE(child->parent(), object.get());
-        } else if (property.type == STRING && !property.initial.isValid()) {
-            QVERIFY2(value.toString().size() == 8, property.name);
-        } else if (property.setter) {
-            QVERIFY2(value == property.initial && value.isValid() == property.initial.isValid(),
-                     property.name);
-        } else {
-            QCOMPARE(value.userType(), property.initial.userType());
-            QVERIFY2(value.value<QList<QObject*>>().isEmpty(), property.name);
-        }
-    }
-}
-
-void tst_DataClasses::settersAreSlotsNamedAfterTheProperty()
-{
-    QFETCH(Make, make);
-    QFETCH(Properties, properties);
-    const std::unique_ptr<QObject> object(make(nullptr));
-    for (const Property& property : properties) {
-        if (!property.setter) {
-            const QByteArray setter = QByteArray("set") + property.name;
-            for (int i = 0; i < object->metaObject()->methodCount(); ++i)
-                QVERIFY2(object->metaObject()->method(i).name() != setter, property.name);
-            continue;
-        }
-        const QMetaMethod setter = setterOf(*object, property);
-        QVERIFY2(setter.isValid(), property.name);
-        QVERIFY2(setter.methodType() == QMetaMethod::Slot, property.name);
-        QVERIFY2(setter.access() == QMetaMethod::Public, property.name);
-        QVERIFY2(setter.returnType() == QMetaType::Void, property.name);
-    }
-}
-
-void tst_DataClasses::settersStoreTheValueUnchanged()
-{
-    QFETCH(Make, make);
-    QFETCH(Properties, properties);
-    const std::unique_ptr<QObject> object(make(nullptr));
-    QObject other;
-    for (const Property& property : properties) {
-        // What kind a question is of is not for its setter to say.
-        if (!property.setter || isQuestionType(*object, property))
-            continue;
-        const QVariant value = property.type == OBJECT ? QVariant::fromValue(&other) : sample(property);
-        QVERIFY2(setBySlot(object.get(), property, value), property.name);
-        QVERIFY2(object->property(property.name) == value, property.name);
-    }
-    // None has changed what another has set.
-    for (const Property& property : properties) {
-        if (property.setter && property.type != OBJECT && !isQuestionType(*object, property))
-            QVERIFY2(object->property(property.name) == sample(property), property.name);
-    }
-    QVERIFY(!other.parent());
-}
-
-void tst_DataClasses::settersEmitNothing()
-{
-    QFETCH(Make, make);
-    const std::unique_ptr<QObject> object(make(nullptr));
-    const QMetaObject* meta = object->metaObject();
-    for (int i = QObject::staticMetaObject.methodCount(); i < meta->methodCount(); ++i)
-        QVERIFY2(meta->method(i).methodType() != QMetaMethod::Signal,
-                 meta->method(i).methodSignature().constData());
-    for (int i = 1; i < meta->propertyCount(); ++i)
-        QVERIFY2(!meta->property(i).hasNotifySignal(), meta->property(i).name());
-}
-
-void tst_DataClasses::setPropertyGoesThroughTheSetter()
-{
-    QFETCH(Make, make);
-    QFETCH(Properties, properties);
-    const std::unique_ptr<QObject> object(make(nullptr));
-    for (const Property& property : properties) {
-        if (property.type == OBJECT || isQuestionType(*object, property))
-            continue;
-        const QVariant before = object->property(property.name);
-        const QVariant value = sample(property);
-        QCOMPARE(object->setProperty(property.name, value), property.setter != nullptr);
-        if (property.setter)
-            QVERIFY2(object->property(property.name) == value, property.name);
-        else
-            QCOMPARE(object->property(property.name).userType(), before.userType());
-    }
-}
-
-void tst_DataClasses::jsonKeysAreThePropertyNames()
-{
-    QFETCH(Make, make);
-    QFETCH(Properties, properties);
-    const std::unique_ptr<QObject> object(make(nullptr));
-    object->setObjectName(QStringLiteral("named"));
-    QStringList expected;
-    for (const Property& property : properties)
-        expected.append(QString::fromLatin1(property.name));
-    expected.sort();
-
-    const LogRecorder log;
-    const QString json = Calyx::JsonSerializer::serializeToJson(object.get());
-    QCOMPARE(QJsonDocument::fromJson(json.toUtf8()).toVariant().toMap().keys(), expected);
-    QVERIFY(json.startsWith(QStringLiteral("{\n    \"") + expected.first()));
-    QVERIFY(json.endsWith(QLatin1String("\n}\n")));
-    // Nothing in a new object is too deep to be written.
-    QCOMPARE(log.debug(QStringLiteral("[JsonSerializer] ERROR")), QStringList());
-}
-
-void tst_DataClasses::objectsBelongToTheirParent()
-{
-    QFETCH(Make, make);
-    auto parent = std::make_unique<QObject>();
-    const QPointer<QObject> object = make(parent.get());
-    QCOMPARE(object->parent(), parent.get());
-    QList<QPointer<QObject>> children;
-    for (QObject* child : object->children())
-        children.append(child);
-    parent.reset();
-    QVERIFY(!object);
-    for (const QPointer<QObject>& child : children)
-        QVERIFY(!child);
-
-    const std::unique_ptr<QObject> alone(make(nullptr));
-    QVERIFY(!alone->parent());
-}
 
 QTEST_GUILESS_MAIN(tst_DataClasses)
 #include "tst_DataClasses.moc"

@@ -48,51 +48,46 @@ class tst_Descriptors : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void areSpareWhereNobodyTakesThem();
-    void fewAreNotEnough_data();
-    void fewAreNotEnough();
-    void areSpareAgain();
-};
-
-void tst_Descriptors::areSpareWhereNobodyTakesThem()
-{
-    const int before = ProcessResources::descriptors();
-    QVERIFY(Descriptors::areSpare());
-    QCOMPARE(ProcessResources::descriptors(), before);
-}
-
-void tst_Descriptors::fewAreNotEnough_data()
-{
-    QTest::addColumn<int>("left");
-    QTest::addColumn<bool>("areSpare");
-    QTest::newRow("none") << 0 << false;
-    QTest::newRow("one") << 1 << false;
-    QTest::newRow("an event loop's") << 2 << false;
-    QTest::newRow("with one for somebody else") << 3 << false;
-    QTest::newRow("enough") << 4 << true;
-    QTest::newRow("more") << 5 << true;
-}
-
-void tst_Descriptors::fewAreNotEnough()
-{
-    QFETCH(int, left);
-    const int before = ProcessResources::descriptors();
-    bool areSpare = false;
+    void areSpareWhereNobodyTakesThem()
     {
-        const Scarcity scarcity(left);
-        areSpare = Descriptors::areSpare();
+        const int before = ProcessResources::descriptors();
+        QVERIFY(Descriptors::areSpare());
+        QCOMPARE(ProcessResources::descriptors(), before);
     }
-    QTEST(areSpare, "areSpare");
-    QCOMPARE(ProcessResources::descriptors(), before);
-}
 
-void tst_Descriptors::areSpareAgain()
-{
-    const Scarcity scarcity(4);
-    // What one look took would be missing at the next.
-    QVERIFY(Descriptors::areSpare());
-    QVERIFY(Descriptors::areSpare());
-}
+    void fewAreNotEnough_data()
+    {
+        QTest::addColumn<int>("left");
+        QTest::addColumn<bool>("areSpare");
+        QTest::newRow("none") << 0 << false;
+        QTest::newRow("one") << 1 << false;
+        QTest::newRow("an event loop's") << 2 << false;
+        QTest::newRow("with one for somebody else") << 3 << false;
+        QTest::newRow("enough") << 4 << true;
+        QTest::newRow("more") << 5 << true;
+    }
+
+    void fewAreNotEnough()
+    {
+        QFETCH(int, left);
+        const int before = ProcessResources::descriptors();
+        bool areSpare = false;
+        {
+            const Scarcity scarcity(left);
+            areSpare = Descriptors::areSpare();
+        }
+        QTEST(areSpare, "areSpare");
+        QCOMPARE(ProcessResources::descriptors(), before);
+    }
+
+    void areSpareAgain()
+    {
+        const Scarcity scarcity(4);
+        // What one look took would be missing at the next.
+        QVERIFY(Descriptors::areSpare());
+        QVERIFY(Descriptors::areSpare());
+    }
+};
 
 QTEST_APPLESS_MAIN(tst_Descriptors)
 #include "tst_Descriptors.moc"

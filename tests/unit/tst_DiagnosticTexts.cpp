@@ -3,18 +3,6 @@
 #include <QRegularExpression>
 #include <QTest>
 
-/// What the library can write anywhere, found in its sources: the debug lines that are listed here, one
-/// warning, and no file. Who adds a line thinks of what it tells about a user.
-class tst_DiagnosticTexts : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void linesAreTheListedOnes();
-    void nothingElseWrites_data();
-    void nothingElseWrites();
-};
-
 namespace {
 
 // The texts of each line, "|" between them; a line without a text by what it prints.
@@ -123,53 +111,61 @@ QStringList linesOf(const QString& source)
 
 } // namespace
 
-void tst_DiagnosticTexts::linesAreTheListedOnes()
+/// What the library can write anywhere, found in its sources: the debug lines that are listed here, one
+/// warning, and no file. Who adds a line thinks of what it tells about a user.
+class tst_DiagnosticTexts : public QObject
 {
-    QStringList listed;
-    for (const char* line : lines)
-        listed.append(QString::fromUtf8(line));
-    QStringList found;
-    const QMap<QString, QString> all = sources();
-    for (auto source = all.begin(); source != all.end(); ++source) {
-        if (!source.key().endsWith(QLatin1String("Diagnostics.h")))
-            found += linesOf(source.value());
+    Q_OBJECT
+
+private Q_SLOTS:
+    void linesAreTheListedOnes()
+    {
+        QStringList listed;
+        for (const char* line : lines)
+            listed.append(QString::fromUtf8(line));
+        QStringList found;
+        const QMap<QString, QString> all = sources();
+        for (auto source = all.begin(); source != all.end(); ++source) {
+            if (!source.key().endsWith(QLatin1String("Diagnostics.h")))
+                found += linesOf(source.value());
+        }
+        found.removeDuplicates();
+        found.sort();
+        listed.sort();
+        QVERIFY(all.size() > 60);
+        for (const QString& line : qAsConst(found))
+            QVERIFY2(listed.removeOne(line), qPrintable("not listed: " + line));
+        QVERIFY2(listed.isEmpty(), qPrintable("nobody writes: " + listed.join('\n')));
     }
-    found.removeDuplicates();
-    found.sort();
-    listed.sort();
-    QVERIFY(all.size() > 60);
-    for (const QString& line : qAsConst(found))
-        QVERIFY2(listed.removeOne(line), qPrintable("not listed: " + line));
-    QVERIFY2(listed.isEmpty(), qPrintable("nobody writes: " + listed.join('\n')));
-}
 
-void tst_DiagnosticTexts::nothingElseWrites_data()
-{
-    QTest::addColumn<QString>("name");
-    for (const char* name : {"printf(",       "fprintf(",
-                             "puts(",         "fputs(",
-                             "fwrite(",       "cout ",
-                             "cerr ",         "clog ",
-                             "syslog(",       "fopen(",
-                             "ofstream",      "fstream",
-                             "QFile(",        "QFile ",
-                             "QSaveFile",     "QTemporaryFile",
-                             "QTemporaryDir", "QSettings",
-                             "QLockFile",     "QDir(",
-                             "QDir ",         "QProcess",
-                             "QTextStream",   "QLocalSocket",
-                             "QSharedMemory", "QNetworkDiskCache"})
-        QTest::newRow(name) << QString::fromLatin1(name);
-}
+    void nothingElseWrites_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const char* name : {"printf(",       "fprintf(",
+                                 "puts(",         "fputs(",
+                                 "fwrite(",       "cout ",
+                                 "cerr ",         "clog ",
+                                 "syslog(",       "fopen(",
+                                 "ofstream",      "fstream",
+                                 "QFile(",        "QFile ",
+                                 "QSaveFile",     "QTemporaryFile",
+                                 "QTemporaryDir", "QSettings",
+                                 "QLockFile",     "QDir(",
+                                 "QDir ",         "QProcess",
+                                 "QTextStream",   "QLocalSocket",
+                                 "QSharedMemory", "QNetworkDiskCache"})
+            QTest::newRow(name) << QString::fromLatin1(name);
+    }
 
-void tst_DiagnosticTexts::nothingElseWrites()
-{
-    QFETCH(QString, name);
-    const QRegularExpression word(QStringLiteral("\\b") + QRegularExpression::escape(name));
-    const QMap<QString, QString> all = sources();
-    for (auto source = all.begin(); source != all.end(); ++source)
-        QVERIFY2(!source.value().contains(word), qPrintable(source.key()));
-}
+    void nothingElseWrites()
+    {
+        QFETCH(QString, name);
+        const QRegularExpression word(QStringLiteral("\\b") + QRegularExpression::escape(name));
+        const QMap<QString, QString> all = sources();
+        for (auto source = all.begin(); source != all.end(); ++source)
+            QVERIFY2(!source.value().contains(word), qPrintable(source.key()));
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_DiagnosticTexts)
 #include "tst_DiagnosticTexts.moc"

@@ -7,195 +7,180 @@
 
 #include <QTest>
 
+// The output is gathered 1024 bytes at a time: the sizes around its multiples are the ones to get wrong.
+static const int sizes[] = {0, 1, 1023, 1024, 1025, 2047, 2048, 2049, 4096, 10240, 300000};
+
 class tst_GzipInflate : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void inflates_data();
-    void inflates();
-    void inflatesWhatTheGzipProgramWrites();
-    void inflatesFiveBytes();
-    void fewerThanFiveBytesWarn_data();
-    void fewerThanFiveBytesWarn();
-    void truncatedDataGivesWhatCameOutUntilThen_data();
-    void truncatedDataGivesWhatCameOutUntilThen();
-    void nothingIsGivenAboutAHeaderAlone();
-    void corruptDataGivesNothing_data();
-    void corruptDataGivesNothing();
-    void neededDictionaryGivesNothing();
-    void whatFollowsTheStreamIsIgnored_data();
-    void whatFollowsTheStreamIsIgnored();
-    void bytesAreNotText();
+    void inflates_data()
+    {
+        QTest::addColumn<QByteArray>("packed");
+        QTest::addColumn<QByteArray>("data");
+
+        for (const int size : sizes) {
+            const QByteArray noise = Gzip::noise(size);
+            const QByteArray same(size, 'x');
+            QTest::addRow("gzip noise %d", size) << Gzip::gzip(noise) << noise;
+            QTest::addRow("zlib noise %d", size) << Gzip::zlib(noise) << noise;
+            QTest::addRow("gzip same %d", size) << Gzip::gzip(same) << same;
+            QTest::addRow("zlib same %d", size) << Gzip::zlib(same) << same;
+        }
+    }
+
+    void inflates()
+    {
+        QFETCH(QByteArray, packed);
+        QFETCH(QByteArray, data);
+
+        const LogRecorder log;
+        QVERIFY(gUncompress(packed) == data);
+        QVERIFY(log.messages().isEmpty());
+    }
+
+    void inflatesWhatTheGzipProgramWrites()
+    {
+        // printf '{"success":true}' | gzip -n
+        const QByteArray packed =
+            QByteArray::fromHex("1f8b0800000000000003ab562a2e4d4e4e2d2e56b22a292a4dad0500dff7f66610000000");
+
+        QCOMPARE(gUncompress(packed), QByteArray(R"({"success":true})"));
+    }
+
+    // The shortest input that is looked at.
+    void inflatesFiveBytes()
+    {
+        const QByteArray firstFive = Gzip::zlib("abc").left(5);
+        QCOMPARE(firstFive.size(), 5);
+        const LogRecorder log;
+
+        QVERIFY(QByteArray("abc").startsWith(gUncompress(firstFive)));
+        QVERIFY(log.messages().isEmpty());
+    }
+
+    void fewerThanFiveBytesWarn_data()
+    {
+        QTest::addColumn<QByteArray>("data");
+
+        const QByteArray packed = Gzip::gzip("abc");
+        QTest::newRow("null") << QByteArray();
+        for (int size = 0; size < 5; ++size)
+            QTest::addRow("%d", size) << packed.left(size);
+    }
+
+    void fewerThanFiveBytesWarn()
+    {
+        QFETCH(QByteArray, data);
+
+        const LogRecorder log;
+        QVERIFY(gUncompress(data).isEmpty());
+        QCOMPARE(log.messages().size(), 1);
+        QCOMPARE(log.warnings(), QStringList{"gUncompress: Input data is truncated"});
+    }
+
+    void truncatedDataGivesWhatCameOutUntilThen_data()
+    {
+        QTest::addColumn<QByteArray>("packed");
+        QTest::addColumn<QByteArray>("data");
+        QTest::addColumn<int>("atLeast");
+
+        const QByteArray noise = Gzip::noise(10000);
+        const QByteArray packed = Gzip::gzip(noise);
+        QTest::newRow("half") << packed.left(packed.size() / 2) << noise << 4900;
+        QTest::newRow("all but one byte") << packed.left(packed.size() - 1) << noise << 10000;
+        QTest::newRow("without the trailer") << packed.left(packed.size() - 8) << noise << 10000;
+        const QByteArray zlib = Gzip::zlib(noise);
+        QTest::newRow("zlib, half") << zlib.left(zlib.size() / 2) << noise << 4900;
+        const QByteArray page = Gzip::noise(1024);
+        const QByteArray packedPage = Gzip::gzip(page);
+        QTest::newRow("a whole page without trailer")
+            << packedPage.left(packedPage.size() - 8) << page << 1024;
+    }
+
+    void truncatedDataGivesWhatCameOutUntilThen()
+    {
+        QFETCH(QByteArray, packed);
+        QFETCH(QByteArray, data);
+        QFETCH(int, atLeast);
+
+        const LogRecorder log;
+        const QByteArray inflated = gUncompress(packed);
+        QVERIFY2(inflated.size() >= atLeast, qPrintable(QString::number(inflated.size())));
+        QVERIFY(data.startsWith(inflated));
+        QVERIFY(log.messages().isEmpty());
+    }
+
+    void nothingIsGivenAboutAHeaderAlone()
+    {
+        const LogRecorder log;
+        QVERIFY(gUncompress(Gzip::gzip("abc").left(10)).isEmpty());
+        QVERIFY(log.messages().isEmpty());
+    }
+
+    void corruptDataGivesNothing_data()
+    {
+        QTest::addColumn<QByteArray>("packed");
+
+        QTest::newRow("text") << QByteArray(R"({"success":true})");
+        QTest::newRow("zeros") << QByteArray(64, '\0');
+        QTest::newRow("gzip header, then garbage") << Gzip::gzip("abc").left(10) + QByteArray(64, '\xff');
+        for (const int size : sizes) {
+            QByteArray checksum = Gzip::gzip(Gzip::noise(size));
+            checksum[checksum.size() - 8] = char(checksum.at(checksum.size() - 8) ^ 1);
+            QTest::addRow("checksum of %d", size) << checksum;
+            QByteArray length = Gzip::gzip(Gzip::noise(size));
+            length[length.size() - 1] = char(length.at(length.size() - 1) ^ 1);
+            QTest::addRow("length of %d", size) << length;
+        }
+        QByteArray middle = Gzip::gzip(Gzip::noise(300000));
+        middle[middle.size() / 2] = char(middle.at(middle.size() / 2) ^ 1);
+        QTest::newRow("one bit in the middle") << middle;
+    }
+
+    void corruptDataGivesNothing()
+    {
+        QFETCH(QByteArray, packed);
+
+        const LogRecorder log;
+        QVERIFY(gUncompress(packed).isEmpty());
+        QVERIFY(log.messages().isEmpty());
+    }
+
+    void neededDictionaryGivesNothing()
+    {
+        // A zlib header that asks for a preset dictionary, and the dictionary's id.
+        QVERIFY(gUncompress(QByteArray::fromHex("782012345678abcdef")).isEmpty());
+    }
+
+    void whatFollowsTheStreamIsIgnored_data()
+    {
+        QTest::addColumn<QByteArray>("data");
+        QTest::addColumn<QByteArray>("behind");
+
+        for (const int size : {3, 1023, 1024, 1025, 4096}) {
+            const QByteArray data = Gzip::noise(size);
+            QTest::addRow("garbage behind %d", size) << data << QByteArray("garbage");
+            QTest::addRow("another member behind %d", size) << data << Gzip::gzip("more");
+        }
+    }
+
+    void whatFollowsTheStreamIsIgnored()
+    {
+        QFETCH(QByteArray, data);
+        QFETCH(QByteArray, behind);
+
+        QVERIFY(gUncompress(Gzip::gzip(data) + behind) == data);
+    }
+
+    void bytesAreNotText()
+    {
+        const QByteArray data("a\0b\xff\r\n\0", 7);
+
+        QCOMPARE(gUncompress(Gzip::gzip(data)), data);
+    }
 };
-
-// The output is gathered 1024 bytes at a time: the sizes around its multiples are the ones to get wrong.
-static const int sizes[] = {0, 1, 1023, 1024, 1025, 2047, 2048, 2049, 4096, 10240, 300000};
-
-void tst_GzipInflate::inflates_data()
-{
-    QTest::addColumn<QByteArray>("packed");
-    QTest::addColumn<QByteArray>("data");
-
-    for (const int size : sizes) {
-        const QByteArray noise = Gzip::noise(size);
-        const QByteArray same(size, 'x');
-        QTest::addRow("gzip noise %d", size) << Gzip::gzip(noise) << noise;
-        QTest::addRow("zlib noise %d", size) << Gzip::zlib(noise) << noise;
-        QTest::addRow("gzip same %d", size) << Gzip::gzip(same) << same;
-        QTest::addRow("zlib same %d", size) << Gzip::zlib(same) << same;
-    }
-}
-
-void tst_GzipInflate::inflates()
-{
-    QFETCH(QByteArray, packed);
-    QFETCH(QByteArray, data);
-
-    const LogRecorder log;
-    QVERIFY(gUncompress(packed) == data);
-    QVERIFY(log.messages().isEmpty());
-}
-
-void tst_GzipInflate::inflatesWhatTheGzipProgramWrites()
-{
-    // printf '{"success":true}' | gzip -n
-    const QByteArray packed =
-        QByteArray::fromHex("1f8b0800000000000003ab562a2e4d4e4e2d2e56b22a292a4dad0500dff7f66610000000");
-
-    QCOMPARE(gUncompress(packed), QByteArray(R"({"success":true})"));
-}
-
-// The shortest input that is looked at.
-void tst_GzipInflate::inflatesFiveBytes()
-{
-    const QByteArray firstFive = Gzip::zlib("abc").left(5);
-    QCOMPARE(firstFive.size(), 5);
-    const LogRecorder log;
-
-    QVERIFY(QByteArray("abc").startsWith(gUncompress(firstFive)));
-    QVERIFY(log.messages().isEmpty());
-}
-
-void tst_GzipInflate::fewerThanFiveBytesWarn_data()
-{
-    QTest::addColumn<QByteArray>("data");
-
-    const QByteArray packed = Gzip::gzip("abc");
-    QTest::newRow("null") << QByteArray();
-    for (int size = 0; size < 5; ++size)
-        QTest::addRow("%d", size) << packed.left(size);
-}
-
-void tst_GzipInflate::fewerThanFiveBytesWarn()
-{
-    QFETCH(QByteArray, data);
-
-    const LogRecorder log;
-    QVERIFY(gUncompress(data).isEmpty());
-    QCOMPARE(log.messages().size(), 1);
-    QCOMPARE(log.warnings(), QStringList{"gUncompress: Input data is truncated"});
-}
-
-void tst_GzipInflate::truncatedDataGivesWhatCameOutUntilThen_data()
-{
-    QTest::addColumn<QByteArray>("packed");
-    QTest::addColumn<QByteArray>("data");
-    QTest::addColumn<int>("atLeast");
-
-    const QByteArray noise = Gzip::noise(10000);
-    const QByteArray packed = Gzip::gzip(noise);
-    QTest::newRow("half") << packed.left(packed.size() / 2) << noise << 4900;
-    QTest::newRow("all but one byte") << packed.left(packed.size() - 1) << noise << 10000;
-    QTest::newRow("without the trailer") << packed.left(packed.size() - 8) << noise << 10000;
-    const QByteArray zlib = Gzip::zlib(noise);
-    QTest::newRow("zlib, half") << zlib.left(zlib.size() / 2) << noise << 4900;
-    const QByteArray page = Gzip::noise(1024);
-    const QByteArray packedPage = Gzip::gzip(page);
-    QTest::newRow("a whole page without trailer") << packedPage.left(packedPage.size() - 8) << page << 1024;
-}
-
-void tst_GzipInflate::truncatedDataGivesWhatCameOutUntilThen()
-{
-    QFETCH(QByteArray, packed);
-    QFETCH(QByteArray, data);
-    QFETCH(int, atLeast);
-
-    const LogRecorder log;
-    const QByteArray inflated = gUncompress(packed);
-    QVERIFY2(inflated.size() >= atLeast, qPrintable(QString::number(inflated.size())));
-    QVERIFY(data.startsWith(inflated));
-    QVERIFY(log.messages().isEmpty());
-}
-
-void tst_GzipInflate::nothingIsGivenAboutAHeaderAlone()
-{
-    const LogRecorder log;
-    QVERIFY(gUncompress(Gzip::gzip("abc").left(10)).isEmpty());
-    QVERIFY(log.messages().isEmpty());
-}
-
-void tst_GzipInflate::corruptDataGivesNothing_data()
-{
-    QTest::addColumn<QByteArray>("packed");
-
-    QTest::newRow("text") << QByteArray(R"({"success":true})");
-    QTest::newRow("zeros") << QByteArray(64, '\0');
-    QTest::newRow("gzip header, then garbage") << Gzip::gzip("abc").left(10) + QByteArray(64, '\xff');
-    for (const int size : sizes) {
-        QByteArray checksum = Gzip::gzip(Gzip::noise(size));
-        checksum[checksum.size() - 8] = char(checksum.at(checksum.size() - 8) ^ 1);
-        QTest::addRow("checksum of %d", size) << checksum;
-        QByteArray length = Gzip::gzip(Gzip::noise(size));
-        length[length.size() - 1] = char(length.at(length.size() - 1) ^ 1);
-        QTest::addRow("length of %d", size) << length;
-    }
-    QByteArray middle = Gzip::gzip(Gzip::noise(300000));
-    middle[middle.size() / 2] = char(middle.at(middle.size() / 2) ^ 1);
-    QTest::newRow("one bit in the middle") << middle;
-}
-
-void tst_GzipInflate::corruptDataGivesNothing()
-{
-    QFETCH(QByteArray, packed);
-
-    const LogRecorder log;
-    QVERIFY(gUncompress(packed).isEmpty());
-    QVERIFY(log.messages().isEmpty());
-}
-
-void tst_GzipInflate::neededDictionaryGivesNothing()
-{
-    // A zlib header that asks for a preset dictionary, and the dictionary's id.
-    QVERIFY(gUncompress(QByteArray::fromHex("782012345678abcdef")).isEmpty());
-}
-
-void tst_GzipInflate::whatFollowsTheStreamIsIgnored_data()
-{
-    QTest::addColumn<QByteArray>("data");
-    QTest::addColumn<QByteArray>("behind");
-
-    for (const int size : {3, 1023, 1024, 1025, 4096}) {
-        const QByteArray data = Gzip::noise(size);
-        QTest::addRow("garbage behind %d", size) << data << QByteArray("garbage");
-        QTest::addRow("another member behind %d", size) << data << Gzip::gzip("more");
-    }
-}
-
-void tst_GzipInflate::whatFollowsTheStreamIsIgnored()
-{
-    QFETCH(QByteArray, data);
-    QFETCH(QByteArray, behind);
-
-    QVERIFY(gUncompress(Gzip::gzip(data) + behind) == data);
-}
-
-void tst_GzipInflate::bytesAreNotText()
-{
-    const QByteArray data("a\0b\xff\r\n\0", 7);
-
-    QCOMPARE(gUncompress(Gzip::gzip(data)), data);
-}
 
 QTEST_GUILESS_MAIN(tst_GzipInflate)
 

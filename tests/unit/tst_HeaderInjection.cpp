@@ -12,41 +12,6 @@ using HttpText::plain;
 using Server = ScriptedHttpServer;
 using Session = TransportSession;
 
-/// Text from a host, a service or a bus never becomes a line of a request's header.
-class tst_HeaderInjection : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void initTestCase();
-
-    void pathOfTheBus_data();
-    void pathOfTheBus();
-    void hostOfTheBus_data() { texts(); }
-    void hostOfTheBus();
-    void hostOfAnXHRTransport_data() { texts(); }
-    void hostOfAnXHRTransport();
-    void pathOfAnXHRRequest_data() { texts(); }
-    void pathOfAnXHRRequest();
-    void messageOfAnXHRTransport_data() { texts(); }
-    void messageOfAnXHRTransport();
-    void cookieOfTheBus_data() { cookies(); }
-    void cookieOfTheBus();
-
-    void addressOfTheService_data();
-    void addressOfTheService();
-    void textsOfALogin_data() { texts(); }
-    void textsOfALogin();
-    void cookieOfTheService_data() { cookies(); }
-    void cookieOfTheService();
-    void targetOfARedirect_data();
-    void targetOfARedirect();
-
-private:
-    static void texts();
-    static void cookies();
-};
-
 namespace {
 
 const QByteArray refused = "HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n";
@@ -73,243 +38,265 @@ bool areClean(const Server& server)
 
 } // namespace
 
-void tst_HeaderInjection::initTestCase()
+/// Text from a host, a service or a bus never becomes a line of a request's header.
+class tst_HeaderInjection : public QObject
 {
-    qunsetenv("http_proxy");
-    qRegisterMetaType<QStringMap>("QStringMap");
-}
+    Q_OBJECT
 
-void tst_HeaderInjection::texts()
-{
-    QTest::addColumn<QString>("text");
-    QTest::newRow("CR") << injected("\r");
-    QTest::newRow("LF") << injected("\n");
-    QTest::newRow("CR LF") << injected("\r\n");
-    QTest::newRow("blank") << injected(" ");
-    QTest::newRow("tab") << injected("\t");
-    QTest::newRow("NUL") << QChar(0) + injected("");
-    QTest::newRow("the end of a request") << injected(" HTTP/1.1\r\n");
-    QTest::newRow("a request of its own") << injected(" HTTP/1.1\r\n\r\nPOST /x HTTP/1.1\r\n");
-}
-
-void tst_HeaderInjection::pathOfTheBus_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("protocol");
-    const QMap<SockJSConnector::PROTOCOL_TYPE, QString> protocols = SockJSConnector::PROTOCOL_TYPE_STR();
-    for (auto protocol = protocols.begin(); protocol != protocols.end(); ++protocol) {
-        for (const char* before : {"\r", "\n", "\r\n", " ", "\t", " HTTP/1.1\r\n"})
-            QTest::addRow("%s, %s", qPrintable(protocol.value()), QByteArray(before).toHex().constData())
-                << injected(before) << int(protocol.key());
-        QTest::addRow("%s, NUL", qPrintable(protocol.value()))
-            << QChar(0) + injected("") << int(protocol.key());
+private Q_SLOTS:
+    void initTestCase()
+    {
+        qunsetenv("http_proxy");
+        qRegisterMetaType<QStringMap>("QStringMap");
     }
-}
 
-// A WebSocket's request escapes what it can; those that the library composes itself are not sent at all.
-void tst_HeaderInjection::pathOfTheBus()
-{
-    QFETCH(QString, text);
-    QFETCH(int, protocol);
-    Server server;
-    server.answerAlways("", refused);
-    QUrl url(QStringLiteral("http://127.0.0.1:%1").arg(server.port()));
-    url.setPath(QStringLiteral("/a") + text, QUrl::DecodedMode);
-    QVERIFY(url.isValid());
-    SockJSConnector connector;
-    ConnectorProbe probe(&connector);
-    const LogRecorder log;
-
-    QVERIFY(probe.open(url, {SockJSConnector::PROTOCOL_TYPE(protocol)}));
-    QVERIFY(areClean(server));
-    QCOMPARE(probe.events(), QStringList());
-    if (protocol != SockJSConnector::WEBSOCKET) {
-        QCOMPARE(server.connections(), 0);
-        QCOMPARE(log.debug(QStringLiteral("[SockJSXHRPolling] Can't start")).size(), 1);
+    void pathOfTheBus_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("protocol");
+        const QMap<SockJSConnector::PROTOCOL_TYPE, QString> protocols = SockJSConnector::PROTOCOL_TYPE_STR();
+        for (auto protocol = protocols.begin(); protocol != protocols.end(); ++protocol) {
+            for (const char* before : {"\r", "\n", "\r\n", " ", "\t", " HTTP/1.1\r\n"})
+                QTest::addRow("%s, %s", qPrintable(protocol.value()), QByteArray(before).toHex().constData())
+                    << injected(before) << int(protocol.key());
+            QTest::addRow("%s, NUL", qPrintable(protocol.value()))
+                << QChar(0) + injected("") << int(protocol.key());
+        }
     }
-}
 
-void tst_HeaderInjection::hostOfTheBus()
-{
-    QFETCH(QString, text);
-    Server server;
-    server.answerAlways("", refused);
-    int usable = 0; // Qt lets a NUL end an address
-    for (const auto mode : {QUrl::DecodedMode, QUrl::TolerantMode}) {
-        QUrl url(QStringLiteral("http://127.0.0.1:%1/p").arg(server.port()));
-        url.setHost(QStringLiteral("127.0.0.1") + text, mode);
-        usable += url.host().isEmpty() ? 0 : 1;
-        QVERIFY(url.host().isEmpty() || url.host() == QLatin1String("127.0.0.1"));
+    // A WebSocket's request escapes what it can; those that the library composes itself are not sent at all.
+    void pathOfTheBus()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, protocol);
+        Server server;
+        server.answerAlways("", refused);
+        QUrl url(QStringLiteral("http://127.0.0.1:%1").arg(server.port()));
+        url.setPath(QStringLiteral("/a") + text, QUrl::DecodedMode);
+        QVERIFY(url.isValid());
         SockJSConnector connector;
         ConnectorProbe probe(&connector);
-        QVERIFY(probe.open(url, SockJSConnector::GetDefaultProtocols()));
-        QCOMPARE(probe.events(), QStringList());
-    }
-    QVERIFY(usable > 0 || server.connections() == 0);
-    QVERIFY(areClean(server));
-}
-
-void tst_HeaderInjection::hostOfAnXHRTransport()
-{
-    QFETCH(QString, text);
-    const Server server;
-    for (const bool streaming : {false, true}) {
-        Session session;
         const LogRecorder log;
-        QVERIFY(!session.transport->start(QStringLiteral("127.0.0.1") + text, server.port(), false,
-                                          Session::path(), streaming));
-        QCOMPARE(log.debug(QStringLiteral("[SockJSXHRPolling] Can't start")).size(), 1);
+
+        QVERIFY(probe.open(url, {SockJSConnector::PROTOCOL_TYPE(protocol)}));
+        QVERIFY(areClean(server));
+        QCOMPARE(probe.events(), QStringList());
+        if (protocol != SockJSConnector::WEBSOCKET) {
+            QCOMPARE(server.connections(), 0);
+            QCOMPARE(log.debug(QStringLiteral("[SockJSXHRPolling] Can't start")).size(), 1);
+        }
     }
-    QCOMPARE(server.connections(), 0);
-}
 
-void tst_HeaderInjection::pathOfAnXHRRequest()
-{
-    QFETCH(QString, text);
-    Server server;
-    server.answer("/xhr", plain("o\n"));
-    Session session;
-    QVERIFY(session.start(server));
-    QTRY_COMPARE(server.count("/xhr"), 2);
-    const LogRecorder log;
-    session.transport->doRequestXHR(QStringLiteral("/a") + text, QString());
-    QCOMPARE(log.debug(QStringLiteral("[SockJSXHRPolling] Can't make request")).size(), 1);
-    session.transport->close();
-    QTRY_COMPARE(session.ends, 1);
-    QCOMPARE(server.count(), 2);
-    QVERIFY(areClean(server));
-}
+    void hostOfTheBus_data() { texts(); }
 
-void tst_HeaderInjection::messageOfAnXHRTransport()
-{
-    QFETCH(QString, text);
-    Server server;
-    server.answerAlways("/xhr_send", plain(""));
-    Session session;
-    QVERIFY(session.start(server));
-    session.transport->sendTextMessage(text);
-    QTRY_COMPARE(server.count("/xhr_send"), 1);
-    QCOMPARE(server.requests("/xhr_send").first().body, text.toUtf8());
-    QTRY_COMPARE(server.count(), 2); // and the poll
-    QVERIFY(areClean(server));
-}
-
-// What a raw answer can carry in one header line.
-void tst_HeaderInjection::cookies()
-{
-    QTest::addColumn<QByteArray>("cookie");
-    QTest::newRow("CR in the value") << QByteArray("a=1\rX-Injected: 1");
-    QTest::newRow("CR in the name") << QByteArray("a\rX-Injected: 1=1");
-    QTest::newRow("tab") << QByteArray("a=1\tX-Injected: 1");
-    QTest::newRow("NUL") << QByteArray("a=1\0X-Injected: 1", 17);
-}
-
-void tst_HeaderInjection::cookieOfTheBus()
-{
-    QFETCH(QByteArray, cookie);
-    Server server;
-    server.answer("/xhr", plain("o\n", "Set-Cookie: " + cookie + "\r\n"));
-    server.answer("/xhr_send", plain("", "Set-Cookie: " + cookie + "\r\n"));
-    server.answerAlways("/xhr_send", plain(""));
-    Session session;
-    QVERIFY(session.start(server));
-    QTRY_COMPARE(server.count("/xhr"), 2);
-    session.transport->sendTextMessage(QStringLiteral("[]"));
-    session.transport->sendTextMessage(QStringLiteral("[]"));
-    QTRY_COMPARE(server.count("/xhr_send"), 2);
-    QCOMPARE(session.transport->getCookieCount(), 0);
-    QVERIFY(areClean(server));
-}
-
-void tst_HeaderInjection::addressOfTheService_data()
-{
-    QTest::addColumn<QString>("address"); // %1: the port
-    QTest::addColumn<bool>("isSent");     // or no request made of it
-    const auto add = [](const char* name, const QString& text) {
-        QTest::addRow("%s in the path", name) << QStringLiteral("http://127.0.0.1:%1/a") + text << true;
-        QTest::addRow("%s in the host", name) << QStringLiteral("http://127.0.0.1") + text << false;
-        QTest::addRow("%s after the port", name) << QStringLiteral("http://127.0.0.1:%1") + text << false;
-    };
-    add("CR", injected("\r"));
-    add("LF", injected("\n"));
-    add("CR LF", injected("\r\n"));
-    add("blank", injected(" "));
-    add("tab", injected("\t"));
-    add("NUL", QChar(0) + injected(""));
-}
-
-void tst_HeaderInjection::addressOfTheService()
-{
-    QFETCH(QString, address);
-    QFETCH(bool, isSent);
-    Server server;
-    server.answerAlways("", plain("{}"));
-    PresenterClient client(nullptr, address.replace(QLatin1String("%1"), QString::number(server.port())));
-    const bool reached = client.checkServer(QString(), QString());
-    QVERIFY(areClean(server));
-    QVERIFY(isSent || !reached);
-    QVERIFY(isSent || server.count() == 0);
-}
-
-// All of them are in the body, but for the provider.
-void tst_HeaderInjection::textsOfALogin()
-{
-    QFETCH(QString, text);
-    Server server;
-    server.answerAlways("", plain("{}"));
-    const QString address = QStringLiteral("http://127.0.0.1:%1").arg(server.port());
-    PresenterClient client(nullptr, address);
-    client.doLogin(text, text);
-    client.doLogin(text, text, text);
-    client.doGetAccessToken(text, text, text, text);
-    QString registration;
-    client.doLoginWithOAuth(text, text, registration);
-    client.doGetOAuthAccessToken(text, text, text, text, registration);
-    QCOMPARE(server.count(), 5);
-    QVERIFY(areClean(server));
-    for (const Server::Request& request : server.requests())
-        QCOMPARE(request.headers.value("content-length").toInt(), request.body.size());
-}
-
-void tst_HeaderInjection::cookieOfTheService()
-{
-    QFETCH(QByteArray, cookie);
-    Server server;
-    server.answer("", plain("{}", "Set-Cookie: " + cookie + "\r\nSet-Cookie: good=1\r\n"));
-    server.answerAlways("", plain("{}"));
-    PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:%1").arg(server.port()));
-    QVERIFY(client.checkServer(QString(), QString()));
-    QVERIFY(client.checkServer(QString(), QString()));
-    QCOMPARE(server.requests().last().headers.value("cookie"), QByteArray("good=1"));
-    QVERIFY(areClean(server));
-}
-
-void tst_HeaderInjection::targetOfARedirect_data()
-{
-    QTest::addColumn<QByteArray>("location"); // %1: the port
-    for (const char* text : {"%0D%0A", "%0A", "%0D", "%20", "%09", "%00", "\r", "\t", " "}) {
-        const QByteArray hex = QByteArray(text).toHex();
-        QTest::addRow("%s in the host", hex.constData())
-            << QByteArray("http://127.0.0.1") + text + "X-Injected: 1:%1/";
-        QTest::addRow("%s in the path", hex.constData())
-            << QByteArray("http://127.0.0.1:%1/a") + text + "X-Injected: 1";
+    void hostOfTheBus()
+    {
+        QFETCH(QString, text);
+        Server server;
+        server.answerAlways("", refused);
+        int usable = 0; // Qt lets a NUL end an address
+        for (const auto mode : {QUrl::DecodedMode, QUrl::TolerantMode}) {
+            QUrl url(QStringLiteral("http://127.0.0.1:%1/p").arg(server.port()));
+            url.setHost(QStringLiteral("127.0.0.1") + text, mode);
+            usable += url.host().isEmpty() ? 0 : 1;
+            QVERIFY(url.host().isEmpty() || url.host() == QLatin1String("127.0.0.1"));
+            SockJSConnector connector;
+            ConnectorProbe probe(&connector);
+            QVERIFY(probe.open(url, SockJSConnector::GetDefaultProtocols()));
+            QCOMPARE(probe.events(), QStringList());
+        }
+        QVERIFY(usable > 0 || server.connections() == 0);
+        QVERIFY(areClean(server));
     }
-}
 
-void tst_HeaderInjection::targetOfARedirect()
-{
-    QFETCH(QByteArray, location);
-    Server server;
-    location.replace("%1", QByteArray::number(server.port()));
-    server.answer("", "HTTP/1.1 302 Found\r\nLocation: " + location + "\r\nContent-Length: 0\r\n\r\n");
-    server.answerAlways("", plain("{}"));
-    PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:%1").arg(server.port()));
-    client.checkServer(QString(), QString());
-    client.checkServer(QString(), QString());
-    QVERIFY(server.count() >= 1);
-    QVERIFY(areClean(server));
-    QVERIFY(!client.server().contains(QLatin1String("Injected")));
-}
+    void hostOfAnXHRTransport_data() { texts(); }
+
+    void hostOfAnXHRTransport()
+    {
+        QFETCH(QString, text);
+        const Server server;
+        for (const bool streaming : {false, true}) {
+            Session session;
+            const LogRecorder log;
+            QVERIFY(!session.transport->start(QStringLiteral("127.0.0.1") + text, server.port(), false,
+                                              Session::path(), streaming));
+            QCOMPARE(log.debug(QStringLiteral("[SockJSXHRPolling] Can't start")).size(), 1);
+        }
+        QCOMPARE(server.connections(), 0);
+    }
+
+    void pathOfAnXHRRequest_data() { texts(); }
+
+    void pathOfAnXHRRequest()
+    {
+        QFETCH(QString, text);
+        Server server;
+        server.answer("/xhr", plain("o\n"));
+        Session session;
+        QVERIFY(session.start(server));
+        QTRY_COMPARE(server.count("/xhr"), 2);
+        const LogRecorder log;
+        session.transport->doRequestXHR(QStringLiteral("/a") + text, QString());
+        QCOMPARE(log.debug(QStringLiteral("[SockJSXHRPolling] Can't make request")).size(), 1);
+        session.transport->close();
+        QTRY_COMPARE(session.ends, 1);
+        QCOMPARE(server.count(), 2);
+        QVERIFY(areClean(server));
+    }
+
+    void messageOfAnXHRTransport_data() { texts(); }
+
+    void messageOfAnXHRTransport()
+    {
+        QFETCH(QString, text);
+        Server server;
+        server.answerAlways("/xhr_send", plain(""));
+        Session session;
+        QVERIFY(session.start(server));
+        session.transport->sendTextMessage(text);
+        QTRY_COMPARE(server.count("/xhr_send"), 1);
+        QCOMPARE(server.requests("/xhr_send").first().body, text.toUtf8());
+        QTRY_COMPARE(server.count(), 2); // and the poll
+        QVERIFY(areClean(server));
+    }
+
+    void cookieOfTheBus_data() { cookies(); }
+
+    void cookieOfTheBus()
+    {
+        QFETCH(QByteArray, cookie);
+        Server server;
+        server.answer("/xhr", plain("o\n", "Set-Cookie: " + cookie + "\r\n"));
+        server.answer("/xhr_send", plain("", "Set-Cookie: " + cookie + "\r\n"));
+        server.answerAlways("/xhr_send", plain(""));
+        Session session;
+        QVERIFY(session.start(server));
+        QTRY_COMPARE(server.count("/xhr"), 2);
+        session.transport->sendTextMessage(QStringLiteral("[]"));
+        session.transport->sendTextMessage(QStringLiteral("[]"));
+        QTRY_COMPARE(server.count("/xhr_send"), 2);
+        QCOMPARE(session.transport->getCookieCount(), 0);
+        QVERIFY(areClean(server));
+    }
+
+    void addressOfTheService_data()
+    {
+        QTest::addColumn<QString>("address"); // %1: the port
+        QTest::addColumn<bool>("isSent");     // or no request made of it
+        const auto add = [](const char* name, const QString& text) {
+            QTest::addRow("%s in the path", name) << QStringLiteral("http://127.0.0.1:%1/a") + text << true;
+            QTest::addRow("%s in the host", name) << QStringLiteral("http://127.0.0.1") + text << false;
+            QTest::addRow("%s after the port", name) << QStringLiteral("http://127.0.0.1:%1") + text << false;
+        };
+        add("CR", injected("\r"));
+        add("LF", injected("\n"));
+        add("CR LF", injected("\r\n"));
+        add("blank", injected(" "));
+        add("tab", injected("\t"));
+        add("NUL", QChar(0) + injected(""));
+    }
+
+    void addressOfTheService()
+    {
+        QFETCH(QString, address);
+        QFETCH(bool, isSent);
+        Server server;
+        server.answerAlways("", plain("{}"));
+        PresenterClient client(nullptr, address.replace(QLatin1String("%1"), QString::number(server.port())));
+        const bool reached = client.checkServer(QString(), QString());
+        QVERIFY(areClean(server));
+        QVERIFY(isSent || !reached);
+        QVERIFY(isSent || server.count() == 0);
+    }
+
+    void textsOfALogin_data() { texts(); }
+
+    // All of them are in the body, but for the provider.
+    void textsOfALogin()
+    {
+        QFETCH(QString, text);
+        Server server;
+        server.answerAlways("", plain("{}"));
+        const QString address = QStringLiteral("http://127.0.0.1:%1").arg(server.port());
+        PresenterClient client(nullptr, address);
+        client.doLogin(text, text);
+        client.doLogin(text, text, text);
+        client.doGetAccessToken(text, text, text, text);
+        QString registration;
+        client.doLoginWithOAuth(text, text, registration);
+        client.doGetOAuthAccessToken(text, text, text, text, registration);
+        QCOMPARE(server.count(), 5);
+        QVERIFY(areClean(server));
+        for (const Server::Request& request : server.requests())
+            QCOMPARE(request.headers.value("content-length").toInt(), request.body.size());
+    }
+
+    void cookieOfTheService_data() { cookies(); }
+
+    void cookieOfTheService()
+    {
+        QFETCH(QByteArray, cookie);
+        Server server;
+        server.answer("", plain("{}", "Set-Cookie: " + cookie + "\r\nSet-Cookie: good=1\r\n"));
+        server.answerAlways("", plain("{}"));
+        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:%1").arg(server.port()));
+        QVERIFY(client.checkServer(QString(), QString()));
+        QVERIFY(client.checkServer(QString(), QString()));
+        QCOMPARE(server.requests().last().headers.value("cookie"), QByteArray("good=1"));
+        QVERIFY(areClean(server));
+    }
+
+    void targetOfARedirect_data()
+    {
+        QTest::addColumn<QByteArray>("location"); // %1: the port
+        for (const char* text : {"%0D%0A", "%0A", "%0D", "%20", "%09", "%00", "\r", "\t", " "}) {
+            const QByteArray hex = QByteArray(text).toHex();
+            QTest::addRow("%s in the host", hex.constData())
+                << QByteArray("http://127.0.0.1") + text + "X-Injected: 1:%1/";
+            QTest::addRow("%s in the path", hex.constData())
+                << QByteArray("http://127.0.0.1:%1/a") + text + "X-Injected: 1";
+        }
+    }
+
+    void targetOfARedirect()
+    {
+        QFETCH(QByteArray, location);
+        Server server;
+        location.replace("%1", QByteArray::number(server.port()));
+        server.answer("", "HTTP/1.1 302 Found\r\nLocation: " + location + "\r\nContent-Length: 0\r\n\r\n");
+        server.answerAlways("", plain("{}"));
+        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:%1").arg(server.port()));
+        client.checkServer(QString(), QString());
+        client.checkServer(QString(), QString());
+        QVERIFY(server.count() >= 1);
+        QVERIFY(areClean(server));
+        QVERIFY(!client.server().contains(QLatin1String("Injected")));
+    }
+
+private:
+    static void texts()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("CR") << injected("\r");
+        QTest::newRow("LF") << injected("\n");
+        QTest::newRow("CR LF") << injected("\r\n");
+        QTest::newRow("blank") << injected(" ");
+        QTest::newRow("tab") << injected("\t");
+        QTest::newRow("NUL") << QChar(0) + injected("");
+        QTest::newRow("the end of a request") << injected(" HTTP/1.1\r\n");
+        QTest::newRow("a request of its own") << injected(" HTTP/1.1\r\n\r\nPOST /x HTTP/1.1\r\n");
+    }
+
+    // What a raw answer can carry in one header line.
+    static void cookies()
+    {
+        QTest::addColumn<QByteArray>("cookie");
+        QTest::newRow("CR in the value") << QByteArray("a=1\rX-Injected: 1");
+        QTest::newRow("CR in the name") << QByteArray("a\rX-Injected: 1=1");
+        QTest::newRow("tab") << QByteArray("a=1\tX-Injected: 1");
+        QTest::newRow("NUL") << QByteArray("a=1\0X-Injected: 1", 17);
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_HeaderInjection)
 #include "tst_HeaderInjection.moc"

@@ -189,55 +189,76 @@ class tst_HostileJson : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
+    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false")); }
+
     void frames_data() { addCases(); }
-    void frames();
+
+    void frames()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(bool, isTaken);
+        Channel channel;
+        channel.frame(text);
+        QCOMPARE(channel.messages, 0); // begins with no "a"
+        channel.frame("a[" + text + "]");
+        QCOMPARE(channel.messages > 0, isTaken && !text.isEmpty());
+        channel.frame("a[\"{}\"," + text + "]");
+        QVERIFY(isTaken || channel.messages == 0);
+        channel.frame('a' + text);
+        channel.frame("a{\"a\":" + text + "}");
+        QCOMPARE(channel.signalsHeard, 0);
+        QVERIFY(channel.isAlive());
+        QVERIFY(channel.isConnected());
+    }
+
     void messages_data() { addCases(); }
-    void messages();
+
+    void messages()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(bool, isTaken);
+        Channel channel;
+        for (const QByteArray& level : messageLevels) {
+            const int before = channel.signalsHeard;
+            channel.message(at(level, text));
+            const int heard = channel.signalsHeard - before;
+            QVERIFY2(heard <= (isTaken ? 1 : 0), level.constData());
+            QVERIFY2(channel.isAlive(), level.constData());
+        }
+    }
+
     void payloads_data() { addCases(); }
     void payloads();
     void replies_data() { addCases(); }
-    void replies();
-    void repliesOverTheNetwork_data() { addCases(); }
-    void repliesOverTheNetwork();
-};
 
-void tst_HostileJson::initTestCase()
-{
-    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
-}
-
-void tst_HostileJson::frames()
-{
-    QFETCH(QByteArray, text);
-    QFETCH(bool, isTaken);
-    Channel channel;
-    channel.frame(text);
-    QCOMPARE(channel.messages, 0); // begins with no "a"
-    channel.frame("a[" + text + "]");
-    QCOMPARE(channel.messages > 0, isTaken && !text.isEmpty());
-    channel.frame("a[\"{}\"," + text + "]");
-    QVERIFY(isTaken || channel.messages == 0);
-    channel.frame('a' + text);
-    channel.frame("a{\"a\":" + text + "}");
-    QCOMPARE(channel.signalsHeard, 0);
-    QVERIFY(channel.isAlive());
-    QVERIFY(channel.isConnected());
-}
-
-void tst_HostileJson::messages()
-{
-    QFETCH(QByteArray, text);
-    QFETCH(bool, isTaken);
-    Channel channel;
-    for (const QByteArray& level : messageLevels) {
-        const int before = channel.signalsHeard;
-        channel.message(at(level, text));
-        const int heard = channel.signalsHeard - before;
-        QVERIFY2(heard <= (isTaken ? 1 : 0), level.constData());
-        QVERIFY2(channel.isAlive(), level.constData());
+    void replies()
+    {
+        QFETCH(QByteArray, text);
+        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1"));
+        for (const QByteArray& level : replyLevels) {
+            const QByteArray body = at(level, text);
+            giveToAllHandlers(&client, QString::fromUtf8(body.constData(), body.size()));
+            QVERIFY2(understands(&client), level.constData());
+        }
+        forgetSession(&client);
     }
-}
+
+    void repliesOverTheNetwork_data() { addCases(); }
+
+    void repliesOverTheNetwork()
+    {
+        QFETCH(QByteArray, text);
+        FakeService service;
+        ClientProbe client(service.url());
+        for (const int status : {200, 500}) {
+            service.expect("/tavisto/login/submit", Answer::json(text, status));
+            QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+            QVERIFY(client.lastError().isNull());
+        }
+        service.expect("/tavisto/login/submit", Answer::json(R"({"infoMsgKeys":["success"]})"));
+        QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+    }
+};
 
 void tst_HostileJson::payloads()
 {
@@ -257,32 +278,6 @@ void tst_HostileJson::payloads()
         }
         QVERIFY2(channel.isAlive(), level.constData());
     }
-}
-
-void tst_HostileJson::replies()
-{
-    QFETCH(QByteArray, text);
-    PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1"));
-    for (const QByteArray& level : replyLevels) {
-        const QByteArray body = at(level, text);
-        giveToAllHandlers(&client, QString::fromUtf8(body.constData(), body.size()));
-        QVERIFY2(understands(&client), level.constData());
-    }
-    forgetSession(&client);
-}
-
-void tst_HostileJson::repliesOverTheNetwork()
-{
-    QFETCH(QByteArray, text);
-    FakeService service;
-    ClientProbe client(service.url());
-    for (const int status : {200, 500}) {
-        service.expect("/tavisto/login/submit", Answer::json(text, status));
-        QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
-        QVERIFY(client.lastError().isNull());
-    }
-    service.expect("/tavisto/login/submit", Answer::json(R"({"infoMsgKeys":["success"]})"));
-    QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
 }
 
 QTEST_GUILESS_MAIN(tst_HostileJson)

@@ -51,89 +51,81 @@ class tst_HostileSizes : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void inflatedReplyIsBounded();
-    void replyIsBounded();
-    void payloadIsBounded();
-    void chunksTogetherAreBounded();
-    void blockWithLargeTablesIsRefused_data();
-    void blockWithLargeTablesIsRefused();
+    void initTestCase()
+    {
+        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false")); // megabytes of it
+    }
+
+    void inflatedReplyIsBounded()
+    {
+        QCOMPARE(gUncompress(Gzip::gzip(QByteArray(LARGEST_REPLY, 'x'))).size(), LARGEST_REPLY);
+        const QByteArray bomb = Gzip::gzip(QByteArray(LARGEST_REPLY + 1, 'x'));
+        QVERIFY(bomb.size() < MiB);
+        QCOMPARE(gUncompress(bomb), QByteArray());
+    }
+
+    void replyIsBounded()
+    {
+        FakeService service;
+        ClientProbe client(service.url());
+        service.expect("/large", Answer::json('"' + QByteArray(LARGEST_REPLY + MiB, 'x') + '"'));
+        client.request(QStringLiteral("/large"));
+        QCOMPARE(client.successes, QStringList());
+        QCOMPARE(client.failures, QStringList(QString()));
+        QCOMPARE(client.errors, {QNetworkReply::OperationCanceledError});
+
+        service.expect("/next", Answer::json("{}"));
+        client.request(QStringLiteral("/next"));
+        QCOMPARE(client.successes, QStringList(QStringLiteral("{}")));
+    }
+
+    void payloadIsBounded()
+    {
+        const QByteArray most = blockOf(objectOf(LARGEST_PAYLOAD));
+        const QByteArray more = blockOf(objectOf(LARGEST_PAYLOAD + 1));
+        QVERIFY(more.size() < MiB);
+        const QString text = QString::fromLatin1(most.toBase64());
+        const QString largerText = QString::fromLatin1(more.toBase64());
+        QCOMPARE(decoded(text).userType(), int(QMetaType::QVariantMap));
+        QCOMPARE(decoded(numbers(most)).userType(), int(QMetaType::QVariantMap));
+        QCOMPARE(decoded(largerText), QVariant(largerText)); // as any text that cannot be decoded
+        QVERIFY(!decoded(numbers(more)).isValid());
+        QVERIFY(!decoded(QVariantList{largerText}).isValid());
+    }
+
+    void chunksTogetherAreBounded()
+    {
+        const auto chunk = [](const QString& text) { return QString::fromLatin1(blockOf(text).toBase64()); };
+        const QString object = objectOf(LARGEST_PAYLOAD);
+        const QVariant first = chunk(object.left(MiB));
+        const QVariant second = chunk(object.mid(MiB));
+        QCOMPARE(decoded(QVariantList{first, second}).userType(), int(QMetaType::QVariantMap));
+        QVERIFY(!decoded(QVariantList{first, second, chunk(QStringLiteral(" "))}).isValid());
+        QVERIFY(!decoded(QVariantList{second, second, second, second, second}).isValid());
+    }
+
+    void blockWithLargeTablesIsRefused_data()
+    {
+        QTest::addColumn<int>("lc");
+        QTest::addColumn<int>("lp");
+        for (int lc = 0; lc <= 8; ++lc) {
+            for (int lp = 0; lp <= 4; ++lp)
+                QTest::addRow("lc=%d lp=%d", lc, lp) << lc << lp;
+        }
+    }
+
+    void blockWithLargeTablesIsRefused()
+    {
+        QFETCH(int, lc);
+        QFETCH(int, lp);
+        QByteArray block = blockOf(QString()); // holds no literal, which alone needs these tables
+        for (int pb = 0; pb <= 4; ++pb) {
+            block[0] = static_cast<char>((pb * 5 + lp) * 9 + lc);
+            QString text;
+            QCOMPARE(Lzma::decompress64(QString::fromLatin1(block.toBase64()), &text), lc + lp <= 4);
+        }
+    }
 };
-
-void tst_HostileSizes::initTestCase()
-{
-    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false")); // megabytes of it
-}
-
-void tst_HostileSizes::inflatedReplyIsBounded()
-{
-    QCOMPARE(gUncompress(Gzip::gzip(QByteArray(LARGEST_REPLY, 'x'))).size(), LARGEST_REPLY);
-    const QByteArray bomb = Gzip::gzip(QByteArray(LARGEST_REPLY + 1, 'x'));
-    QVERIFY(bomb.size() < MiB);
-    QCOMPARE(gUncompress(bomb), QByteArray());
-}
-
-void tst_HostileSizes::replyIsBounded()
-{
-    FakeService service;
-    ClientProbe client(service.url());
-    service.expect("/large", Answer::json('"' + QByteArray(LARGEST_REPLY + MiB, 'x') + '"'));
-    client.request(QStringLiteral("/large"));
-    QCOMPARE(client.successes, QStringList());
-    QCOMPARE(client.failures, QStringList(QString()));
-    QCOMPARE(client.errors, {QNetworkReply::OperationCanceledError});
-
-    service.expect("/next", Answer::json("{}"));
-    client.request(QStringLiteral("/next"));
-    QCOMPARE(client.successes, QStringList(QStringLiteral("{}")));
-}
-
-void tst_HostileSizes::payloadIsBounded()
-{
-    const QByteArray most = blockOf(objectOf(LARGEST_PAYLOAD));
-    const QByteArray more = blockOf(objectOf(LARGEST_PAYLOAD + 1));
-    QVERIFY(more.size() < MiB);
-    const QString text = QString::fromLatin1(most.toBase64());
-    const QString largerText = QString::fromLatin1(more.toBase64());
-    QCOMPARE(decoded(text).userType(), int(QMetaType::QVariantMap));
-    QCOMPARE(decoded(numbers(most)).userType(), int(QMetaType::QVariantMap));
-    QCOMPARE(decoded(largerText), QVariant(largerText)); // as any text that cannot be decoded
-    QVERIFY(!decoded(numbers(more)).isValid());
-    QVERIFY(!decoded(QVariantList{largerText}).isValid());
-}
-
-void tst_HostileSizes::chunksTogetherAreBounded()
-{
-    const auto chunk = [](const QString& text) { return QString::fromLatin1(blockOf(text).toBase64()); };
-    const QString object = objectOf(LARGEST_PAYLOAD);
-    const QVariant first = chunk(object.left(MiB));
-    const QVariant second = chunk(object.mid(MiB));
-    QCOMPARE(decoded(QVariantList{first, second}).userType(), int(QMetaType::QVariantMap));
-    QVERIFY(!decoded(QVariantList{first, second, chunk(QStringLiteral(" "))}).isValid());
-    QVERIFY(!decoded(QVariantList{second, second, second, second, second}).isValid());
-}
-
-void tst_HostileSizes::blockWithLargeTablesIsRefused_data()
-{
-    QTest::addColumn<int>("lc");
-    QTest::addColumn<int>("lp");
-    for (int lc = 0; lc <= 8; ++lc) {
-        for (int lp = 0; lp <= 4; ++lp)
-            QTest::addRow("lc=%d lp=%d", lc, lp) << lc << lp;
-    }
-}
-
-void tst_HostileSizes::blockWithLargeTablesIsRefused()
-{
-    QFETCH(int, lc);
-    QFETCH(int, lp);
-    QByteArray block = blockOf(QString()); // holds no literal, which alone needs these tables
-    for (int pb = 0; pb <= 4; ++pb) {
-        block[0] = static_cast<char>((pb * 5 + lp) * 9 + lc);
-        QString text;
-        QCOMPARE(Lzma::decompress64(QString::fromLatin1(block.toBase64()), &text), lc + lp <= 4);
-    }
-}
 
 QTEST_GUILESS_MAIN(tst_HostileSizes)
 #include "tst_HostileSizes.moc"

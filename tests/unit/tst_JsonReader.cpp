@@ -19,13 +19,72 @@ class tst_JsonReader : public QObject
 
 private Q_SLOTS:
     void lastOfSeveralMembersCounts_data();
-    void lastOfSeveralMembersCounts();
+
+    void lastOfSeveralMembersCounts()
+    {
+        QFETCH(QString, text);
+        QFETCH(QByteArray, expected);
+        QJsonParseError error;
+        QCOMPARE(JsonReader::read(text, &error).toJson(QJsonDocument::Compact), expected);
+        QCOMPARE(error.error, QJsonParseError::NoError);
+    }
+
     void replacedMembersTakeNoMemory_data() { lastOfSeveralMembersCounts_data(); }
-    void replacedMembersTakeNoMemory();
-    void whatIsNoJsonIsNull_data();
-    void whatIsNoJsonIsNull();
-    void objectsDownToTheDeepestLevelAreRead();
-    void manyMembersAreReadInOneGo();
+
+    void replacedMembersTakeNoMemory()
+    {
+        QFETCH(QString, text);
+        constexpr int times = 2000;
+        constexpr int leastLeak = 80; // an object or a list with one value
+        const auto readOften = [&] {
+            for (int i = 0; i < times; ++i)
+                compact(text);
+            return mallinfo2().uordblks;
+        };
+        const size_t before = readOften(); // with what the allocator keeps at hand
+        const size_t after = readOften();
+        QVERIFY2(after < before + times * leastLeak / 2, qPrintable(QString::number(after - before)));
+    }
+
+    void whatIsNoJsonIsNull_data()
+    {
+        QTest::addColumn<QString>("text");
+        for (const char* text :
+             {"", "{", "}", "]", "[}", "{\"a\"", "{\"a\":{\"x\":1},\"a\":", "{\"a\":{\"x\":1},\"a\":2}}",
+              "\"", "\"\\", "{\"a\":[1],\"\\u00", "{,\"a\":1}", "{\"a\":{}\"a\":2}", "null", "5"})
+            QTest::newRow(text) << QString::fromLatin1(text);
+    }
+
+    void whatIsNoJsonIsNull()
+    {
+        QFETCH(QString, text);
+        QJsonParseError error;
+        QVERIFY(JsonReader::read(text, &error).isNull());
+        QVERIFY(error.error != QJsonParseError::NoError);
+    }
+
+    void objectsDownToTheDeepestLevelAreRead()
+    {
+        constexpr int deepest = 1024;
+        const auto nested = [](int depth) {
+            const QString inner = QStringLiteral(R"({"a":[1],"a":2})");
+            return QStringLiteral("[").repeated(depth - 2) + inner + QStringLiteral("]").repeated(depth - 2);
+        };
+        QVERIFY(JsonReader::read(nested(deepest)).isArray());
+        QVERIFY(JsonReader::read(nested(deepest + 2)).isNull());
+        QVERIFY(JsonReader::read(QString(1000000, QLatin1Char('['))).isNull());
+        QVERIFY(JsonReader::read(QStringLiteral(R"({"a":)").repeated(1000000)).isNull());
+    }
+
+    void manyMembersAreReadInOneGo()
+    {
+        constexpr int count = 100000;
+        QString text = QStringLiteral("{");
+        for (int i = 0; i < count; ++i)
+            text += QStringLiteral("\"%1\":[%1],\"%1\":[],").arg(i);
+        text += QStringLiteral("\"\":0}");
+        QCOMPARE(JsonReader::read(text).toVariant().toMap().size(), count + 1);
+    }
 };
 
 void tst_JsonReader::lastOfSeveralMembersCounts_data()
@@ -62,70 +121,6 @@ void tst_JsonReader::lastOfSeveralMembersCounts_data()
     longRow("many numbers by a list", R"("b":[0])", R"({"a":3,"b":[0],"c":1})");
     longRow("a list among many numbers", R"("k":0,"c":[5],"k":[6],"c":7)", R"({"a":3,"b":2,"c":7,"k":[6]})");
     row("blanks", " {\n\"a\" :\t[ 1 ] , \"a\"\r: [ 2 ]\n} ", R"({"a":[2]})");
-}
-
-void tst_JsonReader::lastOfSeveralMembersCounts()
-{
-    QFETCH(QString, text);
-    QFETCH(QByteArray, expected);
-    QJsonParseError error;
-    QCOMPARE(JsonReader::read(text, &error).toJson(QJsonDocument::Compact), expected);
-    QCOMPARE(error.error, QJsonParseError::NoError);
-}
-
-void tst_JsonReader::replacedMembersTakeNoMemory()
-{
-    QFETCH(QString, text);
-    constexpr int times = 2000;
-    constexpr int leastLeak = 80; // an object or a list with one value
-    const auto readOften = [&] {
-        for (int i = 0; i < times; ++i)
-            compact(text);
-        return mallinfo2().uordblks;
-    };
-    const size_t before = readOften(); // with what the allocator keeps at hand
-    const size_t after = readOften();
-    QVERIFY2(after < before + times * leastLeak / 2, qPrintable(QString::number(after - before)));
-}
-
-void tst_JsonReader::whatIsNoJsonIsNull_data()
-{
-    QTest::addColumn<QString>("text");
-    for (const char* text :
-         {"", "{", "}", "]", "[}", "{\"a\"", "{\"a\":{\"x\":1},\"a\":", "{\"a\":{\"x\":1},\"a\":2}}", "\"",
-          "\"\\", "{\"a\":[1],\"\\u00", "{,\"a\":1}", "{\"a\":{}\"a\":2}", "null", "5"})
-        QTest::newRow(text) << QString::fromLatin1(text);
-}
-
-void tst_JsonReader::whatIsNoJsonIsNull()
-{
-    QFETCH(QString, text);
-    QJsonParseError error;
-    QVERIFY(JsonReader::read(text, &error).isNull());
-    QVERIFY(error.error != QJsonParseError::NoError);
-}
-
-void tst_JsonReader::objectsDownToTheDeepestLevelAreRead()
-{
-    constexpr int deepest = 1024;
-    const auto nested = [](int depth) {
-        const QString inner = QStringLiteral(R"({"a":[1],"a":2})");
-        return QStringLiteral("[").repeated(depth - 2) + inner + QStringLiteral("]").repeated(depth - 2);
-    };
-    QVERIFY(JsonReader::read(nested(deepest)).isArray());
-    QVERIFY(JsonReader::read(nested(deepest + 2)).isNull());
-    QVERIFY(JsonReader::read(QString(1000000, QLatin1Char('['))).isNull());
-    QVERIFY(JsonReader::read(QStringLiteral(R"({"a":)").repeated(1000000)).isNull());
-}
-
-void tst_JsonReader::manyMembersAreReadInOneGo()
-{
-    constexpr int count = 100000;
-    QString text = QStringLiteral("{");
-    for (int i = 0; i < count; ++i)
-        text += QStringLiteral("\"%1\":[%1],\"%1\":[],").arg(i);
-    text += QStringLiteral("\"\":0}");
-    QCOMPARE(JsonReader::read(text).toVariant().toMap().size(), count + 1);
 }
 
 QTEST_GUILESS_MAIN(tst_JsonReader)

@@ -107,269 +107,242 @@ private Q_SLOTS:
     void init() { m_log = std::make_unique<LogRecorder>(); }
     void cleanup() { m_log.reset(); }
 
-    void ignoresExactlyObjectName();
-    void depthAtTheTopIsFour();
+    void ignoresExactlyObjectName() { QCOMPARE(ignored(), QStringList({QStringLiteral("objectName")})); }
 
-    void emptyMapGivesAnEmptyObjectAndNoMessage();
-    void layoutOfAMap();
-    void stringsAreEscapedAsJson_data();
-    void stringsAreEscapedAsJson();
-    void keysAreInAlphabeticalOrder();
+    void depthAtTheTopIsFour() { QCOMPARE(int(JsonSerializer::MAX_RECURSE_DEPTH), 4); }
 
-    void everyReadablePropertyIsWritten();
-    void objectNameIsNeverWritten();
-    void writeOnlyPropertyIsLeftOut();
-    void invalidValueIsWrittenAsNull();
-    void nullStringIsWrittenAsEmptyString();
-    void propertiesOfBaseClassesAreWritten();
-    void dynamicPropertiesAreNotWritten();
-    void ignoreListIsCaseSensitiveAndReachesSubObjects();
+    void emptyMapGivesAnEmptyObjectAndNoMessage()
+    {
+        QCOMPARE(JsonSerializer::serializeToJson(QVariantMap()), QString::fromLatin1(EMPTY_OBJECT));
+        QCOMPARE(m_log->debug(), QStringList());
+    }
 
-    void listOfMapsIsWrittenAsArrayOfObjects();
-    void listOfMapsIsRegistered();
-    void objectWithoutPropertiesGivesAnEmptyObject();
-    void nullPointerGivesAnEmptyObject();
-    void nothingIsLoggedWhileTheCategoryIsOff();
+    void layoutOfAMap()
+    {
+        const QVariantMap map{
+            {QStringLiteral("zero"), 0},
+            {QStringLiteral("text"), QStringLiteral("words")},
+            {QStringLiteral("flag"), true},
+            {QStringLiteral("none"), QVariant()},
+            {QStringLiteral("fraction"), 2.5},
+            {QStringLiteral("empty list"), QVariantList()},
+            {QStringLiteral("empty map"), QVariantMap()},
+            {QStringLiteral("list"), QVariantList{1, QStringLiteral("two"), QVariantList{3}}},
+            {QStringLiteral("map"), QVariantMap{{QStringLiteral("b"), 1}, {QStringLiteral("a"), 2}}}};
+        const char expected[] = "{\n"
+                                "    \"empty list\": [\n"
+                                "    ],\n"
+                                "    \"empty map\": {\n"
+                                "    },\n"
+                                "    \"flag\": true,\n"
+                                "    \"fraction\": 2.5,\n"
+                                "    \"list\": [\n"
+                                "        1,\n"
+                                "        \"two\",\n"
+                                "        [\n"
+                                "            3\n"
+                                "        ]\n"
+                                "    ],\n"
+                                "    \"map\": {\n"
+                                "        \"a\": 2,\n"
+                                "        \"b\": 1\n"
+                                "    },\n"
+                                "    \"none\": null,\n"
+                                "    \"text\": \"words\",\n"
+                                "    \"zero\": 0\n"
+                                "}\n";
+        QCOMPARE(JsonSerializer::serializeToJson(map), QString::fromLatin1(expected));
+    }
+
+    void stringsAreEscapedAsJson_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("written");
+        QTest::newRow("quote") << QStringLiteral("a\"b") << QStringLiteral("a\\\"b");
+        QTest::newRow("backslash") << QStringLiteral("a\\b") << QStringLiteral("a\\\\b");
+        QTest::newRow("line break and tabulator")
+            << QStringLiteral("a\r\n\tb") << QStringLiteral("a\\r\\n\\tb");
+        QTest::newRow("control character") << QStringLiteral("a\x01") << QStringLiteral("a\\u0001");
+        QTest::newRow("zero, which does not cut the text")
+            << QStringLiteral("a") + QChar(0) + QStringLiteral("b") << QStringLiteral("a\\u0000b");
+        QTest::newRow("outside ASCII") << QString::fromUtf8(u8"ä日😀") << QString::fromUtf8(u8"ä日😀");
+        QTest::newRow("placeholders") << QStringLiteral("%0 %1") << QStringLiteral("%0 %1");
+    }
+
+    void stringsAreEscapedAsJson()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, written);
+        QCOMPARE(JsonSerializer::serializeToJson(QVariantMap{{text, text}}),
+                 QStringLiteral("{\n    \"") + written + QStringLiteral("\": \"") + written +
+                     QStringLiteral("\"\n}\n"));
+    }
+
+    void keysAreInAlphabeticalOrder()
+    {
+        // Declared otherwise; capitals come before small letters.
+        const Unordered object;
+        QCOMPARE(JsonSerializer::serializeToJson(&object), QStringLiteral("{\n"
+                                                                          "    \"Zone\": 2,\n"
+                                                                          "    \"beta\": 4,\n"
+                                                                          "    \"betaMax\": 3,\n"
+                                                                          "    \"zone\": 1\n"
+                                                                          "}\n"));
+    }
+
+    void everyReadablePropertyIsWritten()
+    {
+        Values values;
+        values.text = QStringLiteral("t");
+        values.number = -5;
+        values.fraction = 0.25;
+        values.flag = true;
+        values.anything = QStringLiteral("any");
+        values.list = {1, 2};
+        values.map = {{QStringLiteral("k"), QStringLiteral("v")}};
+        values.words = QStringList{QStringLiteral("x"), QStringLiteral("y")};
+        const QVariantMap map = mapOf(values);
+        QCOMPARE(map.size(), 9);
+        QCOMPARE(map.value(QStringLiteral("text")), QVariant(QStringLiteral("t")));
+        QCOMPARE(map.value(QStringLiteral("number")), QVariant(-5));
+        QCOMPARE(map.value(QStringLiteral("fraction")), QVariant(0.25));
+        QCOMPARE(map.value(QStringLiteral("flag")), QVariant(true));
+        QCOMPARE(map.value(QStringLiteral("anything")), QVariant(QStringLiteral("any")));
+        QCOMPARE(map.value(QStringLiteral("list")).toList(), values.list);
+        QCOMPARE(map.value(QStringLiteral("map")).toMap(), values.map);
+        QCOMPARE(map.value(QStringLiteral("words")).toStringList(), values.words);
+        QVERIFY(JsonSerializer::serializeToJson(&values).contains(
+            QLatin1String("    \"words\": [\n        \"x\",\n        \"y\"\n    ]\n")));
+    }
+
+    void objectNameIsNeverWritten()
+    {
+        Node inner(QStringLiteral("inner"));
+        Node outer(QStringLiteral("outer"), &inner);
+        inner.setObjectName(QStringLiteral("hidden"));
+        outer.setObjectName(QStringLiteral("hidden"));
+        const QString json = JsonSerializer::serializeToJson(&outer);
+        QVERIFY(json.contains(QLatin1String("inner")));
+        QVERIFY(!json.contains(QLatin1String("objectName")));
+        QVERIFY(!json.contains(QLatin1String("hidden")));
+        const QVariantList list = JsonSerializer::buildArrayObjectMap({&inner});
+        QCOMPARE(list.value(0).toMap().keys(), QStringList({QStringLiteral("name"), QStringLiteral("next")}));
+    }
+
+    void writeOnlyPropertyIsLeftOut()
+    {
+        const WriteOnlyNode node;
+        const int index = node.metaObject()->indexOfProperty("name");
+        QVERIFY(index > 0);
+        QVERIFY(!node.metaObject()->property(index).isReadable());
+        QVERIFY(node.metaObject()->property(index).isWritable());
+        QCOMPARE(mapOf(node).keys(), QStringList({QStringLiteral("next")}));
+    }
+
+    void invalidValueIsWrittenAsNull()
+    {
+        const Values values;
+        const QVariantMap map = mapOf(values);
+        QVERIFY(map.contains(QStringLiteral("anything")));
+        QVERIFY(!map.value(QStringLiteral("anything")).isValid());
+        QVERIFY(JsonSerializer::serializeToJson(&values).startsWith(
+            QLatin1String("{\n    \"anything\": null,\n")));
+    }
+
+    void nullStringIsWrittenAsEmptyString()
+    {
+        const Node node;
+        QVERIFY(node.name.isNull());
+        QVERIFY(JsonSerializer::serializeToJson(&node).startsWith(QLatin1String("{\n    \"name\": \"\",\n")));
+    }
+
+    void propertiesOfBaseClassesAreWritten()
+    {
+        const Derived derived;
+        QCOMPARE(mapOf(derived).keys(),
+                 QStringList({QStringLiteral("extra"), QStringLiteral("name"), QStringLiteral("next")}));
+    }
+
+    void dynamicPropertiesAreNotWritten()
+    {
+        Node node;
+        node.setProperty("undeclared", 1);
+        QCOMPARE(mapOf(node).keys(), QStringList({QStringLiteral("name"), QStringLiteral("next")}));
+    }
+
+    void ignoreListIsCaseSensitiveAndReachesSubObjects()
+    {
+        Node inner(QStringLiteral("inner"));
+        Node outer(QStringLiteral("outer"), &inner);
+        QVariantMap map = JsonSerializer::buildObjectMap(&outer, {QStringLiteral("name")}, 4);
+        QCOMPARE(map.keys(), QStringList({QStringLiteral("next"), QStringLiteral("objectName")}));
+        QCOMPARE(map.value(QStringLiteral("next")).toMap().keys(),
+                 QStringList({QStringLiteral("next"), QStringLiteral("objectName")}));
+        map =
+            JsonSerializer::buildObjectMap(&outer, {QStringLiteral("Name"), QStringLiteral("OBJECTNAME")}, 4);
+        QCOMPARE(map.size(), 3);
+    }
+
+    void listOfMapsIsWrittenAsArrayOfObjects()
+    {
+        Values values;
+        values.maps = {
+            {{QStringLiteral("b"), 1}, {QStringLiteral("a"), 2}}, {}, {{QStringLiteral("c"), QVariant()}}};
+        QVERIFY(JsonSerializer::serializeToJson(&values).contains(QLatin1String("    \"maps\": [\n"
+                                                                                "        {\n"
+                                                                                "            \"a\": 2,\n"
+                                                                                "            \"b\": 1\n"
+                                                                                "        },\n"
+                                                                                "        {\n"
+                                                                                "        },\n"
+                                                                                "        {\n"
+                                                                                "            \"c\": null\n"
+                                                                                "        }\n"
+                                                                                "    ],\n")));
+        values.maps.clear();
+        QVERIFY(
+            JsonSerializer::serializeToJson(&values).contains(QLatin1String("    \"maps\": [\n    ],\n")));
+    }
+
+    void listOfMapsIsRegistered()
+    {
+        const Node node;
+        JsonSerializer::serializeToJson(&node);
+        QCOMPARE(QMetaType::type("QList<QVariantMap>"), qMetaTypeId<QList<QVariantMap>>());
+    }
+
+    void objectWithoutPropertiesGivesAnEmptyObject()
+    {
+        const QObject plain;
+        QCOMPARE(JsonSerializer::serializeToJson(&plain), QString::fromLatin1(EMPTY_OBJECT));
+        QCOMPARE(m_log->debug(), QStringList());
+    }
+
+    void nullPointerGivesAnEmptyObject()
+    {
+        const QObject* none = nullptr;
+        QCOMPARE(JsonSerializer::serializeToJson(none), QString::fromLatin1(EMPTY_OBJECT));
+        QCOMPARE(JsonSerializer::buildObjectMap(none, ignored(), 4), QVariantMap());
+    }
+
+    void nothingIsLoggedWhileTheCategoryIsOff()
+    {
+        Node inner(QStringLiteral("inner"));
+        const Node outer(QStringLiteral("outer"), &inner);
+        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+        JsonSerializer::serializeToJson(&outer);
+        JsonSerializer::buildObjectMap(&outer, ignored(), 0);
+        const QStringList whileOff = m_log->debug();
+        QLoggingCategory::setFilterRules(QString());
+        JsonSerializer::serializeToJson(&outer);
+
+        QCOMPARE(whileOff, QStringList());
+        QVERIFY(!m_log->debug().isEmpty());
+    }
 
 private:
     std::unique_ptr<LogRecorder> m_log;
 };
-
-void tst_JsonSerializer::ignoresExactlyObjectName()
-{
-    QCOMPARE(ignored(), QStringList({QStringLiteral("objectName")}));
-}
-
-void tst_JsonSerializer::depthAtTheTopIsFour()
-{
-    QCOMPARE(int(JsonSerializer::MAX_RECURSE_DEPTH), 4);
-}
-
-void tst_JsonSerializer::emptyMapGivesAnEmptyObjectAndNoMessage()
-{
-    QCOMPARE(JsonSerializer::serializeToJson(QVariantMap()), QString::fromLatin1(EMPTY_OBJECT));
-    QCOMPARE(m_log->debug(), QStringList());
-}
-
-void tst_JsonSerializer::layoutOfAMap()
-{
-    const QVariantMap map{
-        {QStringLiteral("zero"), 0},
-        {QStringLiteral("text"), QStringLiteral("words")},
-        {QStringLiteral("flag"), true},
-        {QStringLiteral("none"), QVariant()},
-        {QStringLiteral("fraction"), 2.5},
-        {QStringLiteral("empty list"), QVariantList()},
-        {QStringLiteral("empty map"), QVariantMap()},
-        {QStringLiteral("list"), QVariantList{1, QStringLiteral("two"), QVariantList{3}}},
-        {QStringLiteral("map"), QVariantMap{{QStringLiteral("b"), 1}, {QStringLiteral("a"), 2}}}};
-    const char expected[] = "{\n"
-                            "    \"empty list\": [\n"
-                            "    ],\n"
-                            "    \"empty map\": {\n"
-                            "    },\n"
-                            "    \"flag\": true,\n"
-                            "    \"fraction\": 2.5,\n"
-                            "    \"list\": [\n"
-                            "        1,\n"
-                            "        \"two\",\n"
-                            "        [\n"
-                            "            3\n"
-                            "        ]\n"
-                            "    ],\n"
-                            "    \"map\": {\n"
-                            "        \"a\": 2,\n"
-                            "        \"b\": 1\n"
-                            "    },\n"
-                            "    \"none\": null,\n"
-                            "    \"text\": \"words\",\n"
-                            "    \"zero\": 0\n"
-                            "}\n";
-    QCOMPARE(JsonSerializer::serializeToJson(map), QString::fromLatin1(expected));
-}
-
-void tst_JsonSerializer::stringsAreEscapedAsJson_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("written");
-    QTest::newRow("quote") << QStringLiteral("a\"b") << QStringLiteral("a\\\"b");
-    QTest::newRow("backslash") << QStringLiteral("a\\b") << QStringLiteral("a\\\\b");
-    QTest::newRow("line break and tabulator") << QStringLiteral("a\r\n\tb") << QStringLiteral("a\\r\\n\\tb");
-    QTest::newRow("control character") << QStringLiteral("a\x01") << QStringLiteral("a\\u0001");
-    QTest::newRow("zero, which does not cut the text")
-        << QStringLiteral("a") + QChar(0) + QStringLiteral("b") << QStringLiteral("a\\u0000b");
-    QTest::newRow("outside ASCII") << QString::fromUtf8(u8"ä日😀") << QString::fromUtf8(u8"ä日😀");
-    QTest::newRow("placeholders") << QStringLiteral("%0 %1") << QStringLiteral("%0 %1");
-}
-
-void tst_JsonSerializer::stringsAreEscapedAsJson()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, written);
-    QCOMPARE(JsonSerializer::serializeToJson(QVariantMap{{text, text}}),
-             QStringLiteral("{\n    \"") + written + QStringLiteral("\": \"") + written +
-                 QStringLiteral("\"\n}\n"));
-}
-
-void tst_JsonSerializer::keysAreInAlphabeticalOrder()
-{
-    // Declared otherwise; capitals come before small letters.
-    const Unordered object;
-    QCOMPARE(JsonSerializer::serializeToJson(&object), QStringLiteral("{\n"
-                                                                      "    \"Zone\": 2,\n"
-                                                                      "    \"beta\": 4,\n"
-                                                                      "    \"betaMax\": 3,\n"
-                                                                      "    \"zone\": 1\n"
-                                                                      "}\n"));
-}
-
-void tst_JsonSerializer::everyReadablePropertyIsWritten()
-{
-    Values values;
-    values.text = QStringLiteral("t");
-    values.number = -5;
-    values.fraction = 0.25;
-    values.flag = true;
-    values.anything = QStringLiteral("any");
-    values.list = {1, 2};
-    values.map = {{QStringLiteral("k"), QStringLiteral("v")}};
-    values.words = QStringList{QStringLiteral("x"), QStringLiteral("y")};
-    const QVariantMap map = mapOf(values);
-    QCOMPARE(map.size(), 9);
-    QCOMPARE(map.value(QStringLiteral("text")), QVariant(QStringLiteral("t")));
-    QCOMPARE(map.value(QStringLiteral("number")), QVariant(-5));
-    QCOMPARE(map.value(QStringLiteral("fraction")), QVariant(0.25));
-    QCOMPARE(map.value(QStringLiteral("flag")), QVariant(true));
-    QCOMPARE(map.value(QStringLiteral("anything")), QVariant(QStringLiteral("any")));
-    QCOMPARE(map.value(QStringLiteral("list")).toList(), values.list);
-    QCOMPARE(map.value(QStringLiteral("map")).toMap(), values.map);
-    QCOMPARE(map.value(QStringLiteral("words")).toStringList(), values.words);
-    QVERIFY(JsonSerializer::serializeToJson(&values).contains(
-        QLatin1String("    \"words\": [\n        \"x\",\n        \"y\"\n    ]\n")));
-}
-
-void tst_JsonSerializer::objectNameIsNeverWritten()
-{
-    Node inner(QStringLiteral("inner"));
-    Node outer(QStringLiteral("outer"), &inner);
-    inner.setObjectName(QStringLiteral("hidden"));
-    outer.setObjectName(QStringLiteral("hidden"));
-    const QString json = JsonSerializer::serializeToJson(&outer);
-    QVERIFY(json.contains(QLatin1String("inner")));
-    QVERIFY(!json.contains(QLatin1String("objectName")));
-    QVERIFY(!json.contains(QLatin1String("hidden")));
-    const QVariantList list = JsonSerializer::buildArrayObjectMap({&inner});
-    QCOMPARE(list.value(0).toMap().keys(), QStringList({QStringLiteral("name"), QStringLiteral("next")}));
-}
-
-void tst_JsonSerializer::writeOnlyPropertyIsLeftOut()
-{
-    const WriteOnlyNode node;
-    const int index = node.metaObject()->indexOfProperty("name");
-    QVERIFY(index > 0);
-    QVERIFY(!node.metaObject()->property(index).isReadable());
-    QVERIFY(node.metaObject()->property(index).isWritable());
-    QCOMPARE(mapOf(node).keys(), QStringList({QStringLiteral("next")}));
-}
-
-void tst_JsonSerializer::invalidValueIsWrittenAsNull()
-{
-    const Values values;
-    const QVariantMap map = mapOf(values);
-    QVERIFY(map.contains(QStringLiteral("anything")));
-    QVERIFY(!map.value(QStringLiteral("anything")).isValid());
-    QVERIFY(
-        JsonSerializer::serializeToJson(&values).startsWith(QLatin1String("{\n    \"anything\": null,\n")));
-}
-
-void tst_JsonSerializer::nullStringIsWrittenAsEmptyString()
-{
-    const Node node;
-    QVERIFY(node.name.isNull());
-    QVERIFY(JsonSerializer::serializeToJson(&node).startsWith(QLatin1String("{\n    \"name\": \"\",\n")));
-}
-
-void tst_JsonSerializer::propertiesOfBaseClassesAreWritten()
-{
-    const Derived derived;
-    QCOMPARE(mapOf(derived).keys(),
-             QStringList({QStringLiteral("extra"), QStringLiteral("name"), QStringLiteral("next")}));
-}
-
-void tst_JsonSerializer::dynamicPropertiesAreNotWritten()
-{
-    Node node;
-    node.setProperty("undeclared", 1);
-    QCOMPARE(mapOf(node).keys(), QStringList({QStringLiteral("name"), QStringLiteral("next")}));
-}
-
-void tst_JsonSerializer::ignoreListIsCaseSensitiveAndReachesSubObjects()
-{
-    Node inner(QStringLiteral("inner"));
-    Node outer(QStringLiteral("outer"), &inner);
-    QVariantMap map = JsonSerializer::buildObjectMap(&outer, {QStringLiteral("name")}, 4);
-    QCOMPARE(map.keys(), QStringList({QStringLiteral("next"), QStringLiteral("objectName")}));
-    QCOMPARE(map.value(QStringLiteral("next")).toMap().keys(),
-             QStringList({QStringLiteral("next"), QStringLiteral("objectName")}));
-    map = JsonSerializer::buildObjectMap(&outer, {QStringLiteral("Name"), QStringLiteral("OBJECTNAME")}, 4);
-    QCOMPARE(map.size(), 3);
-}
-
-void tst_JsonSerializer::listOfMapsIsWrittenAsArrayOfObjects()
-{
-    Values values;
-    values.maps = {
-        {{QStringLiteral("b"), 1}, {QStringLiteral("a"), 2}}, {}, {{QStringLiteral("c"), QVariant()}}};
-    QVERIFY(JsonSerializer::serializeToJson(&values).contains(QLatin1String("    \"maps\": [\n"
-                                                                            "        {\n"
-                                                                            "            \"a\": 2,\n"
-                                                                            "            \"b\": 1\n"
-                                                                            "        },\n"
-                                                                            "        {\n"
-                                                                            "        },\n"
-                                                                            "        {\n"
-                                                                            "            \"c\": null\n"
-                                                                            "        }\n"
-                                                                            "    ],\n")));
-    values.maps.clear();
-    QVERIFY(JsonSerializer::serializeToJson(&values).contains(QLatin1String("    \"maps\": [\n    ],\n")));
-}
-
-void tst_JsonSerializer::listOfMapsIsRegistered()
-{
-    const Node node;
-    JsonSerializer::serializeToJson(&node);
-    QCOMPARE(QMetaType::type("QList<QVariantMap>"), qMetaTypeId<QList<QVariantMap>>());
-}
-
-void tst_JsonSerializer::objectWithoutPropertiesGivesAnEmptyObject()
-{
-    const QObject plain;
-    QCOMPARE(JsonSerializer::serializeToJson(&plain), QString::fromLatin1(EMPTY_OBJECT));
-    QCOMPARE(m_log->debug(), QStringList());
-}
-
-void tst_JsonSerializer::nullPointerGivesAnEmptyObject()
-{
-    const QObject* none = nullptr;
-    QCOMPARE(JsonSerializer::serializeToJson(none), QString::fromLatin1(EMPTY_OBJECT));
-    QCOMPARE(JsonSerializer::buildObjectMap(none, ignored(), 4), QVariantMap());
-}
-
-void tst_JsonSerializer::nothingIsLoggedWhileTheCategoryIsOff()
-{
-    Node inner(QStringLiteral("inner"));
-    const Node outer(QStringLiteral("outer"), &inner);
-    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
-    JsonSerializer::serializeToJson(&outer);
-    JsonSerializer::buildObjectMap(&outer, ignored(), 0);
-    const QStringList whileOff = m_log->debug();
-    QLoggingCategory::setFilterRules(QString());
-    JsonSerializer::serializeToJson(&outer);
-
-    QCOMPARE(whileOff, QStringList());
-    QVERIFY(!m_log->debug().isEmpty());
-}
 
 QTEST_GUILESS_MAIN(tst_JsonSerializer)
 #include "tst_JsonSerializer.moc"

@@ -40,128 +40,117 @@ class tst_LzmaBlock : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void bytesComeBackAsTheyWere_data();
-    void bytesComeBackAsTheyWere();
-    void thereIsRoomForOneMoreByte();
+    void bytesComeBackAsTheyWere_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("none") << QByteArray("");
+        QTest::newRow("one") << QByteArray("a");
+        QTest::newRow("with NULs") << QByteArray("\0a\0", 3);
+        QTest::newRow("not UTF-8") << QByteArray("\xff\xfe\x80");
+        QTest::newRow("more than the first piece of memory") << QByteArray("0123456789abcdef").repeated(2000);
+    }
+
+    void bytesComeBackAsTheyWere()
+    {
+        QFETCH(QByteArray, bytes);
+        const QByteArray block = encoded(bytes);
+        QVERIFY(!block.isEmpty());
+        LzmaBlock::Buffer text;
+        QVERIFY(LzmaBlock::decode(bytesOf(block), size_t(block.size()), &text));
+        QCOMPARE(copyOf(text), bytes);
+    }
+
+    void thereIsRoomForOneMoreByte()
+    {
+        constexpr int full = 24; // the allocator has no byte to spare behind so many
+        const QByteArray block = encoded(QByteArray(full, 'x'));
+        LzmaBlock::Buffer text;
+        QVERIFY(LzmaBlock::decode(bytesOf(block), size_t(block.size()), &text));
+        QCOMPARE(text.size, size_t(full));
+        QVERIFY(malloc_usable_size(text.bytes.get()) > text.size);
+    }
+
     void base64IsThatOfTheBlock_data() { bytesComeBackAsTheyWere_data(); }
-    void base64IsThatOfTheBlock();
-    void textEndsAtItsFirstNul_data();
-    void textEndsAtItsFirstNul();
-    void textIsUtf8_data();
-    void textIsUtf8();
-    void failureLeavesTheResultAsItWas_data();
-    void failureLeavesTheResultAsItWas();
-    void foreignCharactersOfBase64AreSkipped();
+
+    void base64IsThatOfTheBlock()
+    {
+        QFETCH(QByteArray, bytes);
+        QString base64;
+        QVERIFY(LzmaBlock::encode64(bytes, &base64));
+        QCOMPARE(base64, encoded64(bytes));
+    }
+
+    void textEndsAtItsFirstNul_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QByteArray>("text");
+        QTest::newRow("none") << QByteArray("abc") << QByteArray("abc");
+        QTest::newRow("in the middle") << QByteArray("abc\0def", 7) << QByteArray("abc");
+        QTest::newRow("at the end") << QByteArray("abc\0", 4) << QByteArray("abc");
+        QTest::newRow("at the beginning") << QByteArray("\0abc", 4) << QByteArray("");
+        QTest::newRow("before what is not ASCII") << QByteArray("abc\0\xff", 5) << QByteArray("abc");
+        QTest::newRow("nothing else") << QByteArray("") << QByteArray("");
+    }
+
+    void textEndsAtItsFirstNul()
+    {
+        QFETCH(QByteArray, bytes);
+        QByteArray utf8("before");
+        QVERIFY(LzmaBlock::decode64(encoded64(bytes), &utf8));
+        QTEST(utf8, "text");
+    }
+
+    void textIsUtf8_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QByteArray>("text");
+        const QByteArray replaced("\xef\xbf\xbd");
+        QTest::newRow("two to four bytes") << QByteArray(u8"äb漢😀") << QByteArray(u8"äb漢😀");
+        QTest::newRow("Latin-1") << QByteArray("a\xe4z") << 'a' + replaced + 'z';
+        QTest::newRow("cut") << QByteArray("a\xe6\xbc") << 'a' + replaced + replaced;
+        QTest::newRow("mark of the byte order") << QByteArray("\xef\xbb\xbfz") << QByteArray("z");
+    }
+
+    void textIsUtf8()
+    {
+        QFETCH(QByteArray, bytes);
+        QByteArray utf8;
+        QVERIFY(LzmaBlock::decode64(encoded64(bytes), &utf8));
+        QTEST(utf8, "text");
+    }
+
+    void failureLeavesTheResultAsItWas_data()
+    {
+        QTest::addColumn<QByteArray>("block");
+        const QByteArray sound = encoded("a text that is long enough to be cut");
+        QTest::newRow("empty") << QByteArray("");
+        QTest::newRow("no block") << QByteArray("a text that is not compressed at all");
+        QTest::newRow("header alone") << sound.left(13);
+        QTest::newRow("cut in the middle") << sound.left(sound.size() / 2);
+    }
+
+    void failureLeavesTheResultAsItWas()
+    {
+        QFETCH(QByteArray, block);
+        LzmaBlock::Buffer text;
+        QVERIFY(!LzmaBlock::decode(bytesOf(block), size_t(block.size()), &text));
+        QVERIFY(!text.bytes);
+        QCOMPARE(text.size, size_t(0));
+
+        QByteArray utf8("before");
+        QVERIFY(!LzmaBlock::decode64(QString::fromLatin1(block.toBase64()), &utf8));
+        QCOMPARE(utf8, QByteArray("before"));
+    }
+
+    void foreignCharactersOfBase64AreSkipped()
+    {
+        QString base64 = encoded64("text");
+        base64.insert(5, QStringLiteral("\r\n")).prepend(QLatin1Char(' ')).remove(QLatin1Char('='));
+        QByteArray utf8;
+        QVERIFY(LzmaBlock::decode64(base64, &utf8));
+        QCOMPARE(utf8, QByteArray("text"));
+    }
 };
-
-void tst_LzmaBlock::bytesComeBackAsTheyWere_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::newRow("none") << QByteArray("");
-    QTest::newRow("one") << QByteArray("a");
-    QTest::newRow("with NULs") << QByteArray("\0a\0", 3);
-    QTest::newRow("not UTF-8") << QByteArray("\xff\xfe\x80");
-    QTest::newRow("more than the first piece of memory") << QByteArray("0123456789abcdef").repeated(2000);
-}
-
-void tst_LzmaBlock::bytesComeBackAsTheyWere()
-{
-    QFETCH(QByteArray, bytes);
-    const QByteArray block = encoded(bytes);
-    QVERIFY(!block.isEmpty());
-    LzmaBlock::Buffer text;
-    QVERIFY(LzmaBlock::decode(bytesOf(block), size_t(block.size()), &text));
-    QCOMPARE(copyOf(text), bytes);
-}
-
-void tst_LzmaBlock::thereIsRoomForOneMoreByte()
-{
-    constexpr int full = 24; // the allocator has no byte to spare behind so many
-    const QByteArray block = encoded(QByteArray(full, 'x'));
-    LzmaBlock::Buffer text;
-    QVERIFY(LzmaBlock::decode(bytesOf(block), size_t(block.size()), &text));
-    QCOMPARE(text.size, size_t(full));
-    QVERIFY(malloc_usable_size(text.bytes.get()) > text.size);
-}
-
-void tst_LzmaBlock::base64IsThatOfTheBlock()
-{
-    QFETCH(QByteArray, bytes);
-    QString base64;
-    QVERIFY(LzmaBlock::encode64(bytes, &base64));
-    QCOMPARE(base64, encoded64(bytes));
-}
-
-void tst_LzmaBlock::textEndsAtItsFirstNul_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QByteArray>("text");
-    QTest::newRow("none") << QByteArray("abc") << QByteArray("abc");
-    QTest::newRow("in the middle") << QByteArray("abc\0def", 7) << QByteArray("abc");
-    QTest::newRow("at the end") << QByteArray("abc\0", 4) << QByteArray("abc");
-    QTest::newRow("at the beginning") << QByteArray("\0abc", 4) << QByteArray("");
-    QTest::newRow("before what is not ASCII") << QByteArray("abc\0\xff", 5) << QByteArray("abc");
-    QTest::newRow("nothing else") << QByteArray("") << QByteArray("");
-}
-
-void tst_LzmaBlock::textEndsAtItsFirstNul()
-{
-    QFETCH(QByteArray, bytes);
-    QByteArray utf8("before");
-    QVERIFY(LzmaBlock::decode64(encoded64(bytes), &utf8));
-    QTEST(utf8, "text");
-}
-
-void tst_LzmaBlock::textIsUtf8_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QByteArray>("text");
-    const QByteArray replaced("\xef\xbf\xbd");
-    QTest::newRow("two to four bytes") << QByteArray(u8"äb漢😀") << QByteArray(u8"äb漢😀");
-    QTest::newRow("Latin-1") << QByteArray("a\xe4z") << 'a' + replaced + 'z';
-    QTest::newRow("cut") << QByteArray("a\xe6\xbc") << 'a' + replaced + replaced;
-    QTest::newRow("mark of the byte order") << QByteArray("\xef\xbb\xbfz") << QByteArray("z");
-}
-
-void tst_LzmaBlock::textIsUtf8()
-{
-    QFETCH(QByteArray, bytes);
-    QByteArray utf8;
-    QVERIFY(LzmaBlock::decode64(encoded64(bytes), &utf8));
-    QTEST(utf8, "text");
-}
-
-void tst_LzmaBlock::failureLeavesTheResultAsItWas_data()
-{
-    QTest::addColumn<QByteArray>("block");
-    const QByteArray sound = encoded("a text that is long enough to be cut");
-    QTest::newRow("empty") << QByteArray("");
-    QTest::newRow("no block") << QByteArray("a text that is not compressed at all");
-    QTest::newRow("header alone") << sound.left(13);
-    QTest::newRow("cut in the middle") << sound.left(sound.size() / 2);
-}
-
-void tst_LzmaBlock::failureLeavesTheResultAsItWas()
-{
-    QFETCH(QByteArray, block);
-    LzmaBlock::Buffer text;
-    QVERIFY(!LzmaBlock::decode(bytesOf(block), size_t(block.size()), &text));
-    QVERIFY(!text.bytes);
-    QCOMPARE(text.size, size_t(0));
-
-    QByteArray utf8("before");
-    QVERIFY(!LzmaBlock::decode64(QString::fromLatin1(block.toBase64()), &utf8));
-    QCOMPARE(utf8, QByteArray("before"));
-}
-
-void tst_LzmaBlock::foreignCharactersOfBase64AreSkipped()
-{
-    QString base64 = encoded64("text");
-    base64.insert(5, QStringLiteral("\r\n")).prepend(QLatin1Char(' ')).remove(QLatin1Char('='));
-    QByteArray utf8;
-    QVERIFY(LzmaBlock::decode64(base64, &utf8));
-    QCOMPARE(utf8, QByteArray("text"));
-}
 
 QTEST_APPLESS_MAIN(tst_LzmaBlock)
 #include "tst_LzmaBlock.moc"

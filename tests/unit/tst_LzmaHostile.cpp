@@ -134,288 +134,263 @@ class tst_LzmaHostile : public QObject
 
 private Q_SLOTS:
     void init() { m_log = std::make_unique<LogRecorder>(); }
-    void cleanup();
 
-    void sampleBlocksAreSound();
-    void blockShorterThanFourteenBytesFails_data();
-    void blockShorterThanFourteenBytesFails();
-    void emptyInputFails();
-    void textThatIsNoBlockFails_data();
-    void textThatIsNoBlockFails();
-    void eighteenEmptyPartsAreAnEmptyText();
-    void blockCutAnywhereFails_data();
-    void blockCutAnywhereFails();
-    void bytesBehindTheEndMarkerAreNotRead();
+    void cleanup()
+    {
+        // The codec never logs, and a bad block is no reason.
+        const QStringList lines = m_log->debug() + m_log->warnings();
+        m_log.reset();
+        QCOMPARE(lines, QStringList());
+    }
 
-    void sizeFieldThatLies_data();
-    void sizeFieldThatLies();
-    void negativeSizeFails_data();
-    void negativeSizeFails();
-    void claimedDictionaryIsOnlyAClaim_data();
-    void claimedDictionaryIsOnlyAClaim();
+    void sampleBlocksAreSound()
+    {
+        const QString hello = QString::fromLatin1(HELLO);
+        QCOMPARE(decodeText(marked()), QStringList({hello, hello, hello, hello}));
+        QCOMPARE(decodeText(unmarked()), QStringList({hello, hello, hello, hello}));
+        QCOMPARE(decodeRaw(marked()).bytes, QByteArray(HELLO));
+    }
 
-    void propertyByteOutOfRangeFails_data();
-    void propertyByteOutOfRangeFails();
-    void anyPropertyByteIsReadOrRefused();
-    void streamThatDoesNotBeginWithZeroFails();
-    void anyFlippedBitIsReadOrRefused_data();
-    void anyFlippedBitIsReadOrRefused();
-    void noiseIsReadOrRefused();
+    void blockShorterThanFourteenBytesFails_data()
+    {
+        QTest::addColumn<QByteArray>("block");
+        // A header alone: its size field may lie anywhere, 0 included.
+        const QByteArray whole = withSize(marked(), 0);
+        for (int length = 1; length <= HEADER; ++length)
+            QTest::addRow("%d bytes", length) << whole.left(length);
+    }
+
+    void blockShorterThanFourteenBytesFails()
+    {
+        QFETCH(QByteArray, block);
+        QVERIFY(refusedByAll(block));
+    }
+
+    void emptyInputFails()
+    {
+        QVERIFY(refusedByAll(QByteArray()));
+        QString out = BEFORE;
+        QVERIFY(!Lzma::decompress(static_cast<unsigned char*>(nullptr), 0, &out));
+        QVERIFY(!Lzma::decompress(QString(), &out));
+        QVERIFY(!Lzma::decompress(QStringLiteral("[]"), &out));
+        QVERIFY(!Lzma::decompress(QList<QVariant>(), &out));
+        QVERIFY(!Lzma::decompress64(QString(), &out));
+        QCOMPARE(out, BEFORE);
+    }
+
+    void textThatIsNoBlockFails_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("number") << QStringLiteral("5");
+        QTest::newRow("three numbers") << QStringLiteral("[93,0,0]");
+        QTest::newRow("thirteen numbers") << QStringLiteral("[93,0,64,0,0,0,0,0,0,0,0,0,0]");
+        QTest::newRow("fourteen zeros") << QStringLiteral("[0,0,0,0,0,0,0,0,0,0,0,0,0,0]");
+        QTest::newRow("seventeen empty parts") << QString(16, QLatin1Char(','));
+        QTest::newRow("brackets") << QStringLiteral("[[[]]]");
+        QTest::newRow("words") << QStringLiteral(
+            "The quick brown fox jumps over the lazy dog, twice or more.");
+        QTest::newRow("JSON") << QStringLiteral(R"({"answer":"A","responseTime":1200,"pollId":"p-1"})");
+        QTest::newRow("no base64 at all") << QStringLiteral("!!!!....!!!!....");
+        QTest::newRow("outside ASCII") << QString::fromUtf8(u8"日本語日本語日本語日本語日本語");
+        QTest::newRow("padding") << QString(64, QLatin1Char('='));
+    }
+
+    void textThatIsNoBlockFails()
+    {
+        QFETCH(QString, text);
+        QString out = BEFORE;
+        QVERIFY(!Lzma::decompress64(text, &out));
+        QVERIFY(!Lzma::decompress(text, &out));
+        QCOMPARE(out, BEFORE);
+    }
+
+    void eighteenEmptyPartsAreAnEmptyText()
+    {
+        // As zeros they are a header that claims 0 bytes and the shortest stream there is.
+        QString out = BEFORE;
+        QVERIFY(Lzma::decompress(QString(17, QLatin1Char(',')), &out));
+        QCOMPARE(out, QString());
+        QCOMPARE(decodeText(QByteArray(18, '\0')), QStringList({QString(), QString(), QString(), QString()}));
+        QVERIFY(refusedByAll(QByteArray(17, '\0')));
+    }
+
+    void blockCutAnywhereFails_data()
+    {
+        QTest::addColumn<QByteArray>("block");
+
+        QString base64;
+        QTest::newRow("with end marker") << marked();
+        QVERIFY(Lzma::compress64(QString(), &base64));
+        QTest::newRow("empty text") << QByteArray::fromBase64(base64.toLatin1());
+        const QString letters = QString::fromLatin1(QByteArray(1200, 'q').toBase64() + marked().toHex());
+        QVERIFY(Lzma::compress64(letters, &base64));
+        QTest::newRow("longer text") << QByteArray::fromBase64(base64.toLatin1());
+    }
+
+    void blockCutAnywhereFails()
+    {
+        QFETCH(QByteArray, block);
+        QVERIFY(!refusedByAll(block));
+        for (int length = 0; length < block.size(); ++length)
+            QVERIFY2(refusedByAll(block.left(length)), qPrintable(QString::number(length)));
+    }
+
+    void bytesBehindTheEndMarkerAreNotRead()
+    {
+        const QString hello = QString::fromLatin1(HELLO);
+        QCOMPARE(decodeText(marked() + "more"), QStringList({hello, hello, hello, hello}));
+    }
+
+    void sizeFieldThatLies_data()
+    {
+        QTest::addColumn<QByteArray>("block");
+        QTest::addColumn<bool>("passes");
+
+        const auto exact = static_cast<quint64>(qstrlen(HELLO));
+        QTest::newRow("marker, one too small") << withSize(marked(), exact - 1) << false;
+        QTest::newRow("marker, 1") << withSize(marked(), 1) << false;
+        QTest::newRow("marker, 0") << withSize(marked(), 0) << false;
+        QTest::newRow("marker, one too large") << withSize(marked(), exact + 1) << true;
+        QTest::newRow("marker, 100 MiB") << withSize(marked(), 100U << 20U) << true;
+        QTest::newRow("marker, 2 GiB - 1") << withSize(marked(), 0x7FFFFFFFU) << true;
+        // Only the low half of the field counts.
+        QTest::newRow("marker, exact below a large upper half")
+            << withSize(marked(), (quint64(77) << 32U) + exact) << true;
+        QTest::newRow("marker, too small below a large upper half")
+            << withSize(marked(), (quint64(77) << 32U) + 5) << false;
+        QTest::newRow("marker, exact below a negative upper half")
+            << withSize(marked(), (quint64(0xFFFFFFFFU) << 32U) + exact) << true;
+        QTest::newRow("no marker, exact") << unmarked() << true;
+        QTest::newRow("no marker, one too small") << withSize(unmarked(), exact - 1) << false;
+        QTest::newRow("no marker, 0") << withSize(unmarked(), 0) << false;
+        QTest::newRow("no marker, one too large") << withSize(unmarked(), exact + 1) << false;
+        QTest::newRow("no marker, 2 GiB - 1") << withSize(unmarked(), 0x7FFFFFFFU) << false;
+    }
+
+    void sizeFieldThatLies()
+    {
+        QFETCH(QByteArray, block);
+        QFETCH(bool, passes);
+        if (!passes) {
+            QVERIFY(refusedByAll(block));
+            return;
+        }
+        const QString hello = QString::fromLatin1(HELLO);
+        QCOMPARE(decodeText(block), QStringList({hello, hello, hello, hello}));
+        QCOMPARE(decodeRaw(block).bytes, QByteArray(HELLO));
+    }
+
+    void negativeSizeFails_data()
+    {
+        QTest::addColumn<quint64>("size");
+        QTest::newRow("-1, the unknown size of other encoders") << ~quint64(0);
+        QTest::newRow("-1 in the low half") << quint64(0xFFFFFFFFU);
+        QTest::newRow("-27") << static_cast<quint64>(-27);
+        QTest::newRow("smallest") << quint64(0x80000000U);
+        QTest::newRow("smallest below an upper half") << (quint64(5) << 32U) + 0x80000000U;
+    }
+
+    void negativeSizeFails()
+    {
+        QFETCH(quint64, size);
+        QVERIFY(refusedByAll(withSize(marked(), size)));
+        QVERIFY(refusedByAll(withSize(unmarked(), size)));
+    }
+
+    void claimedDictionaryIsOnlyAClaim_data()
+    {
+        QTest::addColumn<quint32>("dictionary");
+        for (const quint32 size : {0U, 1U, 4095U, 1U << 16U, 1U << 30U, 0x80000000U, 0xFFFFFFFFU})
+            QTest::addRow("%u", size) << size;
+    }
+
+    void claimedDictionaryIsOnlyAClaim()
+    {
+        QFETCH(quint32, dictionary);
+        const QString hello = QString::fromLatin1(HELLO);
+        QCOMPARE(decodeText(withDictionary(marked(), dictionary)), QStringList({hello, hello, hello, hello}));
+        QCOMPARE(decodeText(withDictionary(unmarked(), dictionary)),
+                 QStringList({hello, hello, hello, hello}));
+    }
+
+    void propertyByteOutOfRangeFails_data()
+    {
+        QTest::addColumn<int>("properties");
+        // 9 * 5 * 5 values are defined.
+        for (int properties = 225; properties <= 255; ++properties)
+            QTest::addRow("%d", properties) << properties;
+    }
+
+    void propertyByteOutOfRangeFails()
+    {
+        QFETCH(int, properties);
+        QByteArray block = marked();
+        block[0] = static_cast<char>(properties);
+        QVERIFY(refusedByAll(block));
+    }
+
+    void anyPropertyByteIsReadOrRefused()
+    {
+        for (int properties = 0; properties < 225; ++properties) {
+            QByteArray block = marked();
+            block[0] = static_cast<char>(properties);
+            QVERIFY2(consistent(block), qPrintable(QString::number(properties)));
+        }
+    }
+
+    void streamThatDoesNotBeginWithZeroFails()
+    {
+        for (int first = 1; first <= 255; ++first) {
+            QByteArray block = marked();
+            block[HEADER] = static_cast<char>(first);
+            QVERIFY2(refusedByAll(block), qPrintable(QString::number(first)));
+        }
+    }
+
+    void anyFlippedBitIsReadOrRefused_data()
+    {
+        QTest::addColumn<QByteArray>("block");
+        QTest::newRow("with end marker") << marked();
+        QTest::newRow("without end marker") << unmarked();
+        QString base64;
+        QVERIFY(Lzma::compress64(QString::fromUtf8(u8R"({"answer":"Zürich 日本 😀","n":[1,2,3]})").repeated(5),
+                                 &base64));
+        QTest::newRow("longer text") << QByteArray::fromBase64(base64.toLatin1());
+    }
+
+    void anyFlippedBitIsReadOrRefused()
+    {
+        QFETCH(QByteArray, block);
+        int refused = 0;
+        for (int bit = 0; bit < block.size() * 8; ++bit) {
+            QByteArray flipped = block;
+            flipped[bit / 8] = static_cast<char>(flipped.at(bit / 8) ^ (1 << (bit % 8)));
+            QVERIFY2(consistent(flipped), qPrintable(QString::number(bit)));
+            refused += !decodeRaw(flipped).ok;
+        }
+        // There is no checksum, but a broken end shows.
+        QVERIFY2(refused > block.size(), qPrintable(QString::number(refused)));
+    }
+
+    void noiseIsReadOrRefused()
+    {
+        quint32 state = 99;
+        for (int round = 0; round < 600; ++round) {
+            QByteArray block(14 + round % 200, '\0');
+            for (char& byte : block) {
+                state = state * 1664525U + 1013904223U;
+                byte = static_cast<char>(state >> 24U);
+            }
+            block[0] = static_cast<char>(static_cast<unsigned char>(block.at(0)) % 225);
+            block[8] = static_cast<char>(block.at(8) & 0x7F);
+            block[HEADER] = 0;
+            QVERIFY2(consistent(block), block.toHex().constData());
+        }
+    }
 
 private:
     std::unique_ptr<LogRecorder> m_log;
 };
-
-void tst_LzmaHostile::cleanup()
-{
-    // The codec never logs, and a bad block is no reason.
-    const QStringList lines = m_log->debug() + m_log->warnings();
-    m_log.reset();
-    QCOMPARE(lines, QStringList());
-}
-
-void tst_LzmaHostile::sampleBlocksAreSound()
-{
-    const QString hello = QString::fromLatin1(HELLO);
-    QCOMPARE(decodeText(marked()), QStringList({hello, hello, hello, hello}));
-    QCOMPARE(decodeText(unmarked()), QStringList({hello, hello, hello, hello}));
-    QCOMPARE(decodeRaw(marked()).bytes, QByteArray(HELLO));
-}
-
-void tst_LzmaHostile::blockShorterThanFourteenBytesFails_data()
-{
-    QTest::addColumn<QByteArray>("block");
-    // A header alone: its size field may lie anywhere, 0 included.
-    const QByteArray whole = withSize(marked(), 0);
-    for (int length = 1; length <= HEADER; ++length)
-        QTest::addRow("%d bytes", length) << whole.left(length);
-}
-
-void tst_LzmaHostile::blockShorterThanFourteenBytesFails()
-{
-    QFETCH(QByteArray, block);
-    QVERIFY(refusedByAll(block));
-}
-
-void tst_LzmaHostile::emptyInputFails()
-{
-    QVERIFY(refusedByAll(QByteArray()));
-    QString out = BEFORE;
-    QVERIFY(!Lzma::decompress(static_cast<unsigned char*>(nullptr), 0, &out));
-    QVERIFY(!Lzma::decompress(QString(), &out));
-    QVERIFY(!Lzma::decompress(QStringLiteral("[]"), &out));
-    QVERIFY(!Lzma::decompress(QList<QVariant>(), &out));
-    QVERIFY(!Lzma::decompress64(QString(), &out));
-    QCOMPARE(out, BEFORE);
-}
-
-void tst_LzmaHostile::textThatIsNoBlockFails_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::newRow("number") << QStringLiteral("5");
-    QTest::newRow("three numbers") << QStringLiteral("[93,0,0]");
-    QTest::newRow("thirteen numbers") << QStringLiteral("[93,0,64,0,0,0,0,0,0,0,0,0,0]");
-    QTest::newRow("fourteen zeros") << QStringLiteral("[0,0,0,0,0,0,0,0,0,0,0,0,0,0]");
-    QTest::newRow("seventeen empty parts") << QString(16, QLatin1Char(','));
-    QTest::newRow("brackets") << QStringLiteral("[[[]]]");
-    QTest::newRow("words") << QStringLiteral("The quick brown fox jumps over the lazy dog, twice or more.");
-    QTest::newRow("JSON") << QStringLiteral(R"({"answer":"A","responseTime":1200,"pollId":"p-1"})");
-    QTest::newRow("no base64 at all") << QStringLiteral("!!!!....!!!!....");
-    QTest::newRow("outside ASCII") << QString::fromUtf8(u8"日本語日本語日本語日本語日本語");
-    QTest::newRow("padding") << QString(64, QLatin1Char('='));
-}
-
-void tst_LzmaHostile::textThatIsNoBlockFails()
-{
-    QFETCH(QString, text);
-    QString out = BEFORE;
-    QVERIFY(!Lzma::decompress64(text, &out));
-    QVERIFY(!Lzma::decompress(text, &out));
-    QCOMPARE(out, BEFORE);
-}
-
-void tst_LzmaHostile::eighteenEmptyPartsAreAnEmptyText()
-{
-    // As zeros they are a header that claims 0 bytes and the shortest stream there is.
-    QString out = BEFORE;
-    QVERIFY(Lzma::decompress(QString(17, QLatin1Char(',')), &out));
-    QCOMPARE(out, QString());
-    QCOMPARE(decodeText(QByteArray(18, '\0')), QStringList({QString(), QString(), QString(), QString()}));
-    QVERIFY(refusedByAll(QByteArray(17, '\0')));
-}
-
-void tst_LzmaHostile::blockCutAnywhereFails_data()
-{
-    QTest::addColumn<QByteArray>("block");
-
-    QString base64;
-    QTest::newRow("with end marker") << marked();
-    QVERIFY(Lzma::compress64(QString(), &base64));
-    QTest::newRow("empty text") << QByteArray::fromBase64(base64.toLatin1());
-    const QString letters = QString::fromLatin1(QByteArray(1200, 'q').toBase64() + marked().toHex());
-    QVERIFY(Lzma::compress64(letters, &base64));
-    QTest::newRow("longer text") << QByteArray::fromBase64(base64.toLatin1());
-}
-
-void tst_LzmaHostile::blockCutAnywhereFails()
-{
-    QFETCH(QByteArray, block);
-    QVERIFY(!refusedByAll(block));
-    for (int length = 0; length < block.size(); ++length)
-        QVERIFY2(refusedByAll(block.left(length)), qPrintable(QString::number(length)));
-}
-
-void tst_LzmaHostile::bytesBehindTheEndMarkerAreNotRead()
-{
-    const QString hello = QString::fromLatin1(HELLO);
-    QCOMPARE(decodeText(marked() + "more"), QStringList({hello, hello, hello, hello}));
-}
-
-void tst_LzmaHostile::sizeFieldThatLies_data()
-{
-    QTest::addColumn<QByteArray>("block");
-    QTest::addColumn<bool>("passes");
-
-    const auto exact = static_cast<quint64>(qstrlen(HELLO));
-    QTest::newRow("marker, one too small") << withSize(marked(), exact - 1) << false;
-    QTest::newRow("marker, 1") << withSize(marked(), 1) << false;
-    QTest::newRow("marker, 0") << withSize(marked(), 0) << false;
-    QTest::newRow("marker, one too large") << withSize(marked(), exact + 1) << true;
-    QTest::newRow("marker, 100 MiB") << withSize(marked(), 100U << 20U) << true;
-    QTest::newRow("marker, 2 GiB - 1") << withSize(marked(), 0x7FFFFFFFU) << true;
-    // Only the low half of the field counts.
-    QTest::newRow("marker, exact below a large upper half")
-        << withSize(marked(), (quint64(77) << 32U) + exact) << true;
-    QTest::newRow("marker, too small below a large upper half")
-        << withSize(marked(), (quint64(77) << 32U) + 5) << false;
-    QTest::newRow("marker, exact below a negative upper half")
-        << withSize(marked(), (quint64(0xFFFFFFFFU) << 32U) + exact) << true;
-    QTest::newRow("no marker, exact") << unmarked() << true;
-    QTest::newRow("no marker, one too small") << withSize(unmarked(), exact - 1) << false;
-    QTest::newRow("no marker, 0") << withSize(unmarked(), 0) << false;
-    QTest::newRow("no marker, one too large") << withSize(unmarked(), exact + 1) << false;
-    QTest::newRow("no marker, 2 GiB - 1") << withSize(unmarked(), 0x7FFFFFFFU) << false;
-}
-
-void tst_LzmaHostile::sizeFieldThatLies()
-{
-    QFETCH(QByteArray, block);
-    QFETCH(bool, passes);
-    if (!passes) {
-        QVERIFY(refusedByAll(block));
-        return;
-    }
-    const QString hello = QString::fromLatin1(HELLO);
-    QCOMPARE(decodeText(block), QStringList({hello, hello, hello, hello}));
-    QCOMPARE(decodeRaw(block).bytes, QByteArray(HELLO));
-}
-
-void tst_LzmaHostile::negativeSizeFails_data()
-{
-    QTest::addColumn<quint64>("size");
-    QTest::newRow("-1, the unknown size of other encoders") << ~quint64(0);
-    QTest::newRow("-1 in the low half") << quint64(0xFFFFFFFFU);
-    QTest::newRow("-27") << static_cast<quint64>(-27);
-    QTest::newRow("smallest") << quint64(0x80000000U);
-    QTest::newRow("smallest below an upper half") << (quint64(5) << 32U) + 0x80000000U;
-}
-
-void tst_LzmaHostile::negativeSizeFails()
-{
-    QFETCH(quint64, size);
-    QVERIFY(refusedByAll(withSize(marked(), size)));
-    QVERIFY(refusedByAll(withSize(unmarked(), size)));
-}
-
-void tst_LzmaHostile::claimedDictionaryIsOnlyAClaim_data()
-{
-    QTest::addColumn<quint32>("dictionary");
-    for (const quint32 size : {0U, 1U, 4095U, 1U << 16U, 1U << 30U, 0x80000000U, 0xFFFFFFFFU})
-        QTest::addRow("%u", size) << size;
-}
-
-void tst_LzmaHostile::claimedDictionaryIsOnlyAClaim()
-{
-    QFETCH(quint32, dictionary);
-    const QString hello = QString::fromLatin1(HELLO);
-    QCOMPARE(decodeText(withDictionary(marked(), dictionary)), QStringList({hello, hello, hello, hello}));
-    QCOMPARE(decodeText(withDictionary(unmarked(), dictionary)), QStringList({hello, hello, hello, hello}));
-}
-
-void tst_LzmaHostile::propertyByteOutOfRangeFails_data()
-{
-    QTest::addColumn<int>("properties");
-    // 9 * 5 * 5 values are defined.
-    for (int properties = 225; properties <= 255; ++properties)
-        QTest::addRow("%d", properties) << properties;
-}
-
-void tst_LzmaHostile::propertyByteOutOfRangeFails()
-{
-    QFETCH(int, properties);
-    QByteArray block = marked();
-    block[0] = static_cast<char>(properties);
-    QVERIFY(refusedByAll(block));
-}
-
-void tst_LzmaHostile::anyPropertyByteIsReadOrRefused()
-{
-    for (int properties = 0; properties < 225; ++properties) {
-        QByteArray block = marked();
-        block[0] = static_cast<char>(properties);
-        QVERIFY2(consistent(block), qPrintable(QString::number(properties)));
-    }
-}
-
-void tst_LzmaHostile::streamThatDoesNotBeginWithZeroFails()
-{
-    for (int first = 1; first <= 255; ++first) {
-        QByteArray block = marked();
-        block[HEADER] = static_cast<char>(first);
-        QVERIFY2(refusedByAll(block), qPrintable(QString::number(first)));
-    }
-}
-
-void tst_LzmaHostile::anyFlippedBitIsReadOrRefused_data()
-{
-    QTest::addColumn<QByteArray>("block");
-    QTest::newRow("with end marker") << marked();
-    QTest::newRow("without end marker") << unmarked();
-    QString base64;
-    QVERIFY(Lzma::compress64(QString::fromUtf8(u8R"({"answer":"Zürich 日本 😀","n":[1,2,3]})").repeated(5),
-                             &base64));
-    QTest::newRow("longer text") << QByteArray::fromBase64(base64.toLatin1());
-}
-
-void tst_LzmaHostile::anyFlippedBitIsReadOrRefused()
-{
-    QFETCH(QByteArray, block);
-    int refused = 0;
-    for (int bit = 0; bit < block.size() * 8; ++bit) {
-        QByteArray flipped = block;
-        flipped[bit / 8] = static_cast<char>(flipped.at(bit / 8) ^ (1 << (bit % 8)));
-        QVERIFY2(consistent(flipped), qPrintable(QString::number(bit)));
-        refused += !decodeRaw(flipped).ok;
-    }
-    // There is no checksum, but a broken end shows.
-    QVERIFY2(refused > block.size(), qPrintable(QString::number(refused)));
-}
-
-void tst_LzmaHostile::noiseIsReadOrRefused()
-{
-    quint32 state = 99;
-    for (int round = 0; round < 600; ++round) {
-        QByteArray block(14 + round % 200, '\0');
-        for (char& byte : block) {
-            state = state * 1664525U + 1013904223U;
-            byte = static_cast<char>(state >> 24U);
-        }
-        block[0] = static_cast<char>(static_cast<unsigned char>(block.at(0)) % 225);
-        block[8] = static_cast<char>(block.at(8) & 0x7F);
-        block[HEADER] = 0;
-        QVERIFY2(consistent(block), block.toHex().constData());
-    }
-}
 
 QTEST_GUILESS_MAIN(tst_LzmaHostile)
 #include "tst_LzmaHostile.moc"

@@ -87,93 +87,85 @@ class tst_LzmaMemory : public QObject
 
 private Q_SLOTS:
     // The peak never falls: the cheap ones come first.
-    void initTestCase();
-    void claimsTakeNoMemory_data();
-    void claimsTakeNoMemory();
-    void memoryFollowsWhatIsDecoded();
-    void fullLimitPasses();
-    void moreThanTheLimitFails_data();
-    void moreThanTheLimitFails();
+    void initTestCase()
+    {
+        // Memory that is reserved shows, even when it is not used.
+        const qint64 before = memory("VmSize:");
+        QVERIFY(before > 0);
+        const Buffer reserved(static_cast<unsigned char*>(std::malloc(size_t(24) << 20U)), &std::free);
+        QVERIFY(reserved);
+        QVERIFY(memory("VmPeak:") - before >= 24 * KIB_PER_MIB);
+    }
+
+    void claimsTakeNoMemory_data()
+    {
+        QTest::addColumn<QByteArray>("block");
+        QTest::addColumn<bool>("passes");
+
+        QByteArray dictionary = marked();
+        qToLittleEndian(0xFFFFFFFFU, dictionary.data() + 1);
+        QTest::newRow("200 MiB of output") << withSize(marked(), 200U << 20U) << true;
+        QTest::newRow("2 GiB of output") << withSize(marked(), 0x7FFFFFFFU) << true;
+        QTest::newRow("2 GiB of output, no marker") << withSize(unmarked(), 0x7FFFFFFFU) << false;
+        QTest::newRow("4 GiB of output") << withSize(marked(), 0xFFFFFFFFU) << false;
+        QTest::newRow("4 GiB of dictionary") << dictionary << true;
+        QTest::newRow("4 GiB of dictionary, 2 GiB of output") << withSize(dictionary, 0x7FFFFFFFU) << true;
+    }
+
+    void claimsTakeNoMemory()
+    {
+        QFETCH(QByteArray, block);
+        QFETCH(bool, passes);
+        const QString base64 = QString::fromLatin1(block.toBase64());
+        const qint64 before = memory("VmSize:");
+        QString out = QStringLiteral("before");
+        QCOMPARE(Lzma::decompress64(base64, &out), passes);
+        const qint64 growth = memory("VmPeak:") - before;
+        QVERIFY2(growth < 64 * KIB_PER_MIB, qPrintable(QString::number(growth)));
+        QCOMPARE(out, passes ? QStringLiteral("Hello, hello, hello, hello!") : QStringLiteral("before"));
+    }
+
+    void memoryFollowsWhatIsDecoded()
+    {
+        // Cut off, the bomb gives some 3 MiB before it fails.
+        const QByteArray block = inflated(ZEROS_256_MIB).left(500);
+        const qint64 before = memory("VmSize:");
+        Buffer buffer(nullptr, &std::free);
+        QVERIFY(!decodes(block, &buffer));
+        QVERIFY(!buffer);
+        const qint64 growth = memory("VmPeak:") - before;
+        QVERIFY2(growth < 64 * KIB_PER_MIB, qPrintable(QString::number(growth)));
+    }
+
+    void fullLimitPasses()
+    {
+        Buffer buffer(nullptr, &std::free);
+        QVERIFY(decodes(inflated(ZEROS_256_MIB), &buffer));
+        QVERIFY(buffer);
+        // All zeros, the one behind the last included: each equals its neighbour.
+        QCOMPARE(int(buffer.get()[0]), 0);
+        QVERIFY(std::memcmp(buffer.get(), buffer.get() + 1, LIMIT) == 0);
+    }
+
+    void moreThanTheLimitFails_data()
+    {
+        QTest::addColumn<QByteArray>("block");
+        QTest::newRow("exact size") << inflated(ZEROS_256_MIB_AND_ONE);
+        QTest::newRow("size says 2 GiB") << withSize(inflated(ZEROS_256_MIB_AND_ONE), 0x7FFFFFFFU);
+    }
+
+    void moreThanTheLimitFails()
+    {
+        QFETCH(QByteArray, block);
+        QCOMPARE(block.size(), 37936);
+        Buffer buffer(nullptr, &std::free);
+        QVERIFY(!decodes(block, &buffer));
+        QVERIFY(!buffer);
+        QString out = QStringLiteral("before");
+        QVERIFY(!Lzma::decompress64(QString::fromLatin1(block.toBase64()), &out));
+        QCOMPARE(out, QStringLiteral("before"));
+    }
 };
-
-void tst_LzmaMemory::initTestCase()
-{
-    // Memory that is reserved shows, even when it is not used.
-    const qint64 before = memory("VmSize:");
-    QVERIFY(before > 0);
-    const Buffer reserved(static_cast<unsigned char*>(std::malloc(size_t(24) << 20U)), &std::free);
-    QVERIFY(reserved);
-    QVERIFY(memory("VmPeak:") - before >= 24 * KIB_PER_MIB);
-}
-
-void tst_LzmaMemory::claimsTakeNoMemory_data()
-{
-    QTest::addColumn<QByteArray>("block");
-    QTest::addColumn<bool>("passes");
-
-    QByteArray dictionary = marked();
-    qToLittleEndian(0xFFFFFFFFU, dictionary.data() + 1);
-    QTest::newRow("200 MiB of output") << withSize(marked(), 200U << 20U) << true;
-    QTest::newRow("2 GiB of output") << withSize(marked(), 0x7FFFFFFFU) << true;
-    QTest::newRow("2 GiB of output, no marker") << withSize(unmarked(), 0x7FFFFFFFU) << false;
-    QTest::newRow("4 GiB of output") << withSize(marked(), 0xFFFFFFFFU) << false;
-    QTest::newRow("4 GiB of dictionary") << dictionary << true;
-    QTest::newRow("4 GiB of dictionary, 2 GiB of output") << withSize(dictionary, 0x7FFFFFFFU) << true;
-}
-
-void tst_LzmaMemory::claimsTakeNoMemory()
-{
-    QFETCH(QByteArray, block);
-    QFETCH(bool, passes);
-    const QString base64 = QString::fromLatin1(block.toBase64());
-    const qint64 before = memory("VmSize:");
-    QString out = QStringLiteral("before");
-    QCOMPARE(Lzma::decompress64(base64, &out), passes);
-    const qint64 growth = memory("VmPeak:") - before;
-    QVERIFY2(growth < 64 * KIB_PER_MIB, qPrintable(QString::number(growth)));
-    QCOMPARE(out, passes ? QStringLiteral("Hello, hello, hello, hello!") : QStringLiteral("before"));
-}
-
-void tst_LzmaMemory::memoryFollowsWhatIsDecoded()
-{
-    // Cut off, the bomb gives some 3 MiB before it fails.
-    const QByteArray block = inflated(ZEROS_256_MIB).left(500);
-    const qint64 before = memory("VmSize:");
-    Buffer buffer(nullptr, &std::free);
-    QVERIFY(!decodes(block, &buffer));
-    QVERIFY(!buffer);
-    const qint64 growth = memory("VmPeak:") - before;
-    QVERIFY2(growth < 64 * KIB_PER_MIB, qPrintable(QString::number(growth)));
-}
-
-void tst_LzmaMemory::fullLimitPasses()
-{
-    Buffer buffer(nullptr, &std::free);
-    QVERIFY(decodes(inflated(ZEROS_256_MIB), &buffer));
-    QVERIFY(buffer);
-    // All zeros, the one behind the last included: each equals its neighbour.
-    QCOMPARE(int(buffer.get()[0]), 0);
-    QVERIFY(std::memcmp(buffer.get(), buffer.get() + 1, LIMIT) == 0);
-}
-
-void tst_LzmaMemory::moreThanTheLimitFails_data()
-{
-    QTest::addColumn<QByteArray>("block");
-    QTest::newRow("exact size") << inflated(ZEROS_256_MIB_AND_ONE);
-    QTest::newRow("size says 2 GiB") << withSize(inflated(ZEROS_256_MIB_AND_ONE), 0x7FFFFFFFU);
-}
-
-void tst_LzmaMemory::moreThanTheLimitFails()
-{
-    QFETCH(QByteArray, block);
-    QCOMPARE(block.size(), 37936);
-    Buffer buffer(nullptr, &std::free);
-    QVERIFY(!decodes(block, &buffer));
-    QVERIFY(!buffer);
-    QString out = QStringLiteral("before");
-    QVERIFY(!Lzma::decompress64(QString::fromLatin1(block.toBase64()), &out));
-    QCOMPARE(out, QStringLiteral("before"));
-}
 
 QTEST_GUILESS_MAIN(tst_LzmaMemory)
 #include "tst_LzmaMemory.moc"

@@ -11,108 +11,104 @@ class tst_MessageTemplates : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void texts_data();
-    void texts();
-    void filledTexts_data();
-    void filledTexts();
-    void valuesThatLookLikePlaceholdersStay();
-    void valuesAreNotEscaped();
+    void texts_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("expected");
+
+        QTest::newRow("PUBLISH_MESSAGE_3")
+            << PUBLISH_MESSAGE_3 << R"({"type":"publish","address":"%0","body":%1})";
+        QTest::newRow("CALYX_LATEX_START")
+            << CALYX_LATEX_START << R"(<span class="mathquill-embedded-latex">)";
+        QTest::newRow("CALYX_LATEX_END") << CALYX_LATEX_END << "</span>";
+        QTest::newRow("PING_MESSAGE") << PING_MESSAGE << R"({"type":"ping"})";
+        QTest::newRow("REGISTER_MESSAGE") << REGISTER_MESSAGE << R"({"type":"register","address":"%0"})";
+        QTest::newRow("PUBLISH_MESSAGE64")
+            << PUBLISH_MESSAGE64
+            << R"({"type":"publish","address":"%0","body":{"from":"%1","type":"%2","data":["%3"]}})";
+        QTest::newRow("START_POLL_DATA64")
+            << START_POLL_DATA64
+            << R"({"type":"%0","expressionQuestionId":1,"metadata":{"ordinalType":"%1","options":[%6]},"id":"%5","sessionToken":"%2","sessionCode":"%3","lessonId":null,"startTime":%4,"lastUpdatedOn":%4,"card":{"segment":"fake-id","tracks":[{"placeholder":true}],"visible":true,"ordinal":1395358139515,"styles":{"backgroundColor":"","backgroundImage":"%7","backgroundSize":"100%"},"components":[]},"unrespondedUsers":[]})";
+        QTest::newRow("SHOW_CARD_DATA")
+            << SHOW_CARD_DATA
+            << R"({"segment":{"id":"%0"},"isTeacherCard":true,"autoSend":true,"notes":null,"tracks":[],"visible":true,"ordinal":1,"styles":{"backgroundColor":"","backgroundImage":""},"components":[{"ordinal":1397148149039,"styles":{"anchor":false,"width":770,"left":15,"height":570,"top":15},"blob":{"url":"%1"},"type":"image"}],"trackSortSeq":0,"_tId":"DF8A71DA-3EF2-44E3-9B2F-F651C7A8B0F9","hasStudentCards":false})";
+        QTest::newRow("PLAIN_DATA") << PLAIN_DATA << "\"%0\"";
+        QTest::newRow("LESSON_DATA") << LESSON_DATA << R"({"lessonId":"%0", "name":"%1"})";
+        QTest::newRow("CURRENTCARD_DATA")
+            << CURRENTCARD_DATA << R"({"currentCard":"%0", "cards": [%1], "totalCards":"%2"})";
+        QTest::newRow("CURRENTCARD_SUBDATA") << CURRENTCARD_SUBDATA << R"({"name":"%0"})";
+    }
+
+    void texts()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, expected);
+        QCOMPARE(text, expected);
+    }
+
+    void filledTexts_data()
+    {
+        QTest::addColumn<QString>("filled");
+        QTest::addColumn<QString>("expected");
+
+        const QString a = QStringLiteral("AA");
+        const QString b = QStringLiteral("BB");
+        const QString c = QStringLiteral("CC");
+        const QString d = QStringLiteral("DD");
+        QTest::newRow("PUBLISH_MESSAGE_3") << PUBLISH_MESSAGE_3.arg(a, QStringLiteral("{\n}\n"))
+                                           << "{\"type\":\"publish\",\"address\":\"AA\",\"body\":{\n}\n}";
+        QTest::newRow("REGISTER_MESSAGE")
+            << REGISTER_MESSAGE.arg(a) << R"({"type":"register","address":"AA"})";
+        QTest::newRow("PUBLISH_MESSAGE64")
+            << PUBLISH_MESSAGE64.arg(a, b, c, d)
+            << R"({"type":"publish","address":"AA","body":{"from":"BB","type":"CC","data":["DD"]}})";
+        QTest::newRow("START_POLL_DATA64")
+            << START_POLL_DATA64.arg(a, b, c, d, QStringLiteral("1395358151638"), QStringLiteral("EE"),
+                                     QStringLiteral("0,1,2"), QStringLiteral("FF"))
+            << R"({"type":"AA","expressionQuestionId":1,"metadata":{"ordinalType":"BB","options":[0,1,2]},"id":"EE","sessionToken":"CC","sessionCode":"DD","lessonId":null,"startTime":1395358151638,"lastUpdatedOn":1395358151638,"card":{"segment":"fake-id","tracks":[{"placeholder":true}],"visible":true,"ordinal":1395358139515,"styles":{"backgroundColor":"","backgroundImage":"FF","backgroundSize":"100%"},"components":[]},"unrespondedUsers":[]})";
+        QTest::newRow("SHOW_CARD_DATA")
+            << SHOW_CARD_DATA.arg(a, b)
+            << R"({"segment":{"id":"AA"},"isTeacherCard":true,"autoSend":true,"notes":null,"tracks":[],"visible":true,"ordinal":1,"styles":{"backgroundColor":"","backgroundImage":""},"components":[{"ordinal":1397148149039,"styles":{"anchor":false,"width":770,"left":15,"height":570,"top":15},"blob":{"url":"BB"},"type":"image"}],"trackSortSeq":0,"_tId":"DF8A71DA-3EF2-44E3-9B2F-F651C7A8B0F9","hasStudentCards":false})";
+        QTest::newRow("LESSON_DATA") << LESSON_DATA.arg(a, b) << R"({"lessonId":"AA", "name":"BB"})";
+        QTest::newRow("CURRENTCARD_DATA")
+            << CURRENTCARD_DATA.arg(QStringLiteral("1"),
+                                    CURRENTCARD_SUBDATA.arg(1) + QLatin1Char(',') +
+                                        CURRENTCARD_SUBDATA.arg(2),
+                                    QStringLiteral("2"))
+            << R"({"currentCard":"1", "cards": [{"name":"1"},{"name":"2"}], "totalCards":"2"})";
+    }
+
+    void filledTexts()
+    {
+        QFETCH(QString, filled);
+        QFETCH(QString, expected);
+        QCOMPARE(filled, expected);
+    }
+
+    void valuesThatLookLikePlaceholdersStay()
+    {
+        QCOMPARE(PUBLISH_MESSAGE64.arg(QStringLiteral("%1"), QStringLiteral("%3"), QStringLiteral("%0"),
+                                       QStringLiteral("%2")),
+                 QStringLiteral(
+                     R"({"type":"publish","address":"%1","body":{"from":"%3","type":"%0","data":["%2"]}})"));
+    }
+
+    void valuesAreNotEscaped()
+    {
+        QCOMPARE(LESSON_DATA.arg(QStringLiteral("a\"b"), QStringLiteral("c\\d")),
+                 QStringLiteral("{\"lessonId\":\"a\"b\", \"name\":\"c\\d\"}"));
+    }
+
     void filledTextsAreJson_data() { filledTexts_data(); }
-    void filledTextsAreJson();
+
+    void filledTextsAreJson()
+    {
+        QFETCH(QString, filled);
+        QJsonParseError error;
+        QJsonDocument::fromJson(filled.toUtf8(), &error);
+        QCOMPARE(error.error, QJsonParseError::NoError);
+    }
 };
-
-void tst_MessageTemplates::texts_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("expected");
-
-    QTest::newRow("PUBLISH_MESSAGE_3")
-        << PUBLISH_MESSAGE_3 << R"({"type":"publish","address":"%0","body":%1})";
-    QTest::newRow("CALYX_LATEX_START") << CALYX_LATEX_START << R"(<span class="mathquill-embedded-latex">)";
-    QTest::newRow("CALYX_LATEX_END") << CALYX_LATEX_END << "</span>";
-    QTest::newRow("PING_MESSAGE") << PING_MESSAGE << R"({"type":"ping"})";
-    QTest::newRow("REGISTER_MESSAGE") << REGISTER_MESSAGE << R"({"type":"register","address":"%0"})";
-    QTest::newRow("PUBLISH_MESSAGE64")
-        << PUBLISH_MESSAGE64
-        << R"({"type":"publish","address":"%0","body":{"from":"%1","type":"%2","data":["%3"]}})";
-    QTest::newRow("START_POLL_DATA64")
-        << START_POLL_DATA64
-        << R"({"type":"%0","expressionQuestionId":1,"metadata":{"ordinalType":"%1","options":[%6]},"id":"%5","sessionToken":"%2","sessionCode":"%3","lessonId":null,"startTime":%4,"lastUpdatedOn":%4,"card":{"segment":"fake-id","tracks":[{"placeholder":true}],"visible":true,"ordinal":1395358139515,"styles":{"backgroundColor":"","backgroundImage":"%7","backgroundSize":"100%"},"components":[]},"unrespondedUsers":[]})";
-    QTest::newRow("SHOW_CARD_DATA")
-        << SHOW_CARD_DATA
-        << R"({"segment":{"id":"%0"},"isTeacherCard":true,"autoSend":true,"notes":null,"tracks":[],"visible":true,"ordinal":1,"styles":{"backgroundColor":"","backgroundImage":""},"components":[{"ordinal":1397148149039,"styles":{"anchor":false,"width":770,"left":15,"height":570,"top":15},"blob":{"url":"%1"},"type":"image"}],"trackSortSeq":0,"_tId":"DF8A71DA-3EF2-44E3-9B2F-F651C7A8B0F9","hasStudentCards":false})";
-    QTest::newRow("PLAIN_DATA") << PLAIN_DATA << "\"%0\"";
-    QTest::newRow("LESSON_DATA") << LESSON_DATA << R"({"lessonId":"%0", "name":"%1"})";
-    QTest::newRow("CURRENTCARD_DATA")
-        << CURRENTCARD_DATA << R"({"currentCard":"%0", "cards": [%1], "totalCards":"%2"})";
-    QTest::newRow("CURRENTCARD_SUBDATA") << CURRENTCARD_SUBDATA << R"({"name":"%0"})";
-}
-
-void tst_MessageTemplates::texts()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, expected);
-    QCOMPARE(text, expected);
-}
-
-void tst_MessageTemplates::filledTexts_data()
-{
-    QTest::addColumn<QString>("filled");
-    QTest::addColumn<QString>("expected");
-
-    const QString a = QStringLiteral("AA");
-    const QString b = QStringLiteral("BB");
-    const QString c = QStringLiteral("CC");
-    const QString d = QStringLiteral("DD");
-    QTest::newRow("PUBLISH_MESSAGE_3") << PUBLISH_MESSAGE_3.arg(a, QStringLiteral("{\n}\n"))
-                                       << "{\"type\":\"publish\",\"address\":\"AA\",\"body\":{\n}\n}";
-    QTest::newRow("REGISTER_MESSAGE") << REGISTER_MESSAGE.arg(a) << R"({"type":"register","address":"AA"})";
-    QTest::newRow("PUBLISH_MESSAGE64")
-        << PUBLISH_MESSAGE64.arg(a, b, c, d)
-        << R"({"type":"publish","address":"AA","body":{"from":"BB","type":"CC","data":["DD"]}})";
-    QTest::newRow("START_POLL_DATA64")
-        << START_POLL_DATA64.arg(a, b, c, d, QStringLiteral("1395358151638"), QStringLiteral("EE"),
-                                 QStringLiteral("0,1,2"), QStringLiteral("FF"))
-        << R"({"type":"AA","expressionQuestionId":1,"metadata":{"ordinalType":"BB","options":[0,1,2]},"id":"EE","sessionToken":"CC","sessionCode":"DD","lessonId":null,"startTime":1395358151638,"lastUpdatedOn":1395358151638,"card":{"segment":"fake-id","tracks":[{"placeholder":true}],"visible":true,"ordinal":1395358139515,"styles":{"backgroundColor":"","backgroundImage":"FF","backgroundSize":"100%"},"components":[]},"unrespondedUsers":[]})";
-    QTest::newRow("SHOW_CARD_DATA")
-        << SHOW_CARD_DATA.arg(a, b)
-        << R"({"segment":{"id":"AA"},"isTeacherCard":true,"autoSend":true,"notes":null,"tracks":[],"visible":true,"ordinal":1,"styles":{"backgroundColor":"","backgroundImage":""},"components":[{"ordinal":1397148149039,"styles":{"anchor":false,"width":770,"left":15,"height":570,"top":15},"blob":{"url":"BB"},"type":"image"}],"trackSortSeq":0,"_tId":"DF8A71DA-3EF2-44E3-9B2F-F651C7A8B0F9","hasStudentCards":false})";
-    QTest::newRow("LESSON_DATA") << LESSON_DATA.arg(a, b) << R"({"lessonId":"AA", "name":"BB"})";
-    QTest::newRow("CURRENTCARD_DATA")
-        << CURRENTCARD_DATA.arg(QStringLiteral("1"),
-                                CURRENTCARD_SUBDATA.arg(1) + QLatin1Char(',') + CURRENTCARD_SUBDATA.arg(2),
-                                QStringLiteral("2"))
-        << R"({"currentCard":"1", "cards": [{"name":"1"},{"name":"2"}], "totalCards":"2"})";
-}
-
-void tst_MessageTemplates::filledTexts()
-{
-    QFETCH(QString, filled);
-    QFETCH(QString, expected);
-    QCOMPARE(filled, expected);
-}
-
-void tst_MessageTemplates::valuesThatLookLikePlaceholdersStay()
-{
-    QCOMPARE(PUBLISH_MESSAGE64.arg(QStringLiteral("%1"), QStringLiteral("%3"), QStringLiteral("%0"),
-                                   QStringLiteral("%2")),
-             QStringLiteral(
-                 R"({"type":"publish","address":"%1","body":{"from":"%3","type":"%0","data":["%2"]}})"));
-}
-
-void tst_MessageTemplates::valuesAreNotEscaped()
-{
-    QCOMPARE(LESSON_DATA.arg(QStringLiteral("a\"b"), QStringLiteral("c\\d")),
-             QStringLiteral("{\"lessonId\":\"a\"b\", \"name\":\"c\\d\"}"));
-}
-
-void tst_MessageTemplates::filledTextsAreJson()
-{
-    QFETCH(QString, filled);
-    QJsonParseError error;
-    QJsonDocument::fromJson(filled.toUtf8(), &error);
-    QCOMPARE(error.error, QJsonParseError::NoError);
-}
 
 QTEST_GUILESS_MAIN(tst_MessageTemplates)
 #include "tst_MessageTemplates.moc"

@@ -42,40 +42,36 @@ class tst_NestedWait : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void finishesWithTheSignal();
-    void timesOut();
-    void aWaitThatHasEndedLeavesNoTimer();
-};
-
-void tst_NestedWait::finishesWithTheSignal()
-{
-    Owner owner;
-    QMetaObject::invokeMethod(&owner, &Owner::done, Qt::QueuedConnection);
-    QCOMPARE(waitFor(&owner), NestedWait::Finished);
-}
-
-void tst_NestedWait::timesOut()
-{
-    Owner owner;
-    QMetaObject::invokeMethod(
-        &owner, [] { TimerClock::advance(limit + 1); }, Qt::QueuedConnection);
-    QCOMPARE(waitFor(&owner), NestedWait::TimedOut);
-}
-
-// Thousands of short operations within the limit would otherwise have thousands of timers run.
-void tst_NestedWait::aWaitThatHasEndedLeavesNoTimer()
-{
-    Owner owner;
-    for (int i = 0; i < 10; ++i) {
+    void finishesWithTheSignal()
+    {
+        Owner owner;
         QMetaObject::invokeMethod(&owner, &Owner::done, Qt::QueuedConnection);
         QCOMPARE(waitFor(&owner), NestedWait::Finished);
     }
-    TimerEvents events;
-    QCoreApplication::instance()->installEventFilter(&events);
-    TimerClock::advance(limit + 1);
-    QCoreApplication::processEvents();
-    QCOMPARE(events.count, 0);
-}
+
+    void timesOut()
+    {
+        Owner owner;
+        QMetaObject::invokeMethod(
+            &owner, [] { TimerClock::advance(limit + 1); }, Qt::QueuedConnection);
+        QCOMPARE(waitFor(&owner), NestedWait::TimedOut);
+    }
+
+    // Thousands of short operations within the limit would otherwise have thousands of timers run.
+    void aWaitThatHasEndedLeavesNoTimer()
+    {
+        Owner owner;
+        for (int i = 0; i < 10; ++i) {
+            QMetaObject::invokeMethod(&owner, &Owner::done, Qt::QueuedConnection);
+            QCOMPARE(waitFor(&owner), NestedWait::Finished);
+        }
+        TimerEvents events;
+        QCoreApplication::instance()->installEventFilter(&events);
+        TimerClock::advance(limit + 1);
+        QCoreApplication::processEvents();
+        QCOMPARE(events.count, 0);
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_NestedWait)
 #include "tst_NestedWait.moc"

@@ -8,19 +8,6 @@
 
 using Server = ScriptedHttpServer;
 
-/// An address that says https or wss gets TLS or nothing, also from a server that speaks plain HTTP there.
-class tst_NothingInClear : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void initTestCase();
-
-    void busGetsTlsOnly_data();
-    void busGetsTlsOnly();
-    void serviceGetsTlsOnly();
-};
-
 namespace {
 
 const QByteArray inviting = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}";
@@ -48,56 +35,61 @@ bool gotHandshakesOnly(const Server& server)
 
 } // namespace
 
-void tst_NothingInClear::initTestCase()
+/// An address that says https or wss gets TLS or nothing, also from a server that speaks plain HTTP there.
+class tst_NothingInClear : public QObject
 {
-    qunsetenv("http_proxy");
-}
+    Q_OBJECT
 
-void tst_NothingInClear::busGetsTlsOnly_data()
-{
-    QTest::addColumn<QString>("scheme");
-    QTest::addColumn<QList<int>>("protocols");
-    for (const char* scheme : {"https", "wss", "HTTPS", "WSS"}) {
-        QTest::addRow("%s, websocket", scheme) << scheme << QList<int>{SockJSConnector::WEBSOCKET};
-        QTest::addRow("%s, xhr-streaming", scheme) << scheme << QList<int>{SockJSConnector::XHR_STREAMING};
-        QTest::addRow("%s, xhr-polling", scheme) << scheme << QList<int>{SockJSConnector::XHR_POLLING};
-        QTest::addRow("%s, all", scheme) << scheme << QList<int>{1, 2, 4};
+private Q_SLOTS:
+    void initTestCase() { qunsetenv("http_proxy"); }
+
+    void busGetsTlsOnly_data()
+    {
+        QTest::addColumn<QString>("scheme");
+        QTest::addColumn<QList<int>>("protocols");
+        for (const char* scheme : {"https", "wss", "HTTPS", "WSS"}) {
+            QTest::addRow("%s, websocket", scheme) << scheme << QList<int>{SockJSConnector::WEBSOCKET};
+            QTest::addRow("%s, xhr-streaming", scheme)
+                << scheme << QList<int>{SockJSConnector::XHR_STREAMING};
+            QTest::addRow("%s, xhr-polling", scheme) << scheme << QList<int>{SockJSConnector::XHR_POLLING};
+            QTest::addRow("%s, all", scheme) << scheme << QList<int>{1, 2, 4};
+        }
     }
-}
 
-void tst_NothingInClear::busGetsTlsOnly()
-{
-    QFETCH(QString, scheme);
-    QFETCH(QList<int>, protocols);
-    Server server;
-    for (int i = 0; i < protocols.size(); ++i)
-        server.onConnect({Server::hear(), Server::send(inviting)});
-    QList<SockJSConnector::PROTOCOL_TYPE> entries;
-    for (const int protocol : protocols)
-        entries.append(SockJSConnector::PROTOCOL_TYPE(protocol));
-    SockJSConnector connector;
-    ConnectorProbe probe(&connector);
-    const QUrl url(QStringLiteral("%1://127.0.0.1:%2/p").arg(scheme).arg(server.port()));
-    QVERIFY(probe.open(url, entries));
-    connector.sendMessage(QStringLiteral("secret"), false);
-    QCOMPARE(probe.events(), QStringList());
-    QTRY_VERIFY(gotHandshakesOnly(server));
-    QCOMPARE(server.connections(), protocols.size());
-}
+    void busGetsTlsOnly()
+    {
+        QFETCH(QString, scheme);
+        QFETCH(QList<int>, protocols);
+        Server server;
+        for (int i = 0; i < protocols.size(); ++i)
+            server.onConnect({Server::hear(), Server::send(inviting)});
+        QList<SockJSConnector::PROTOCOL_TYPE> entries;
+        for (const int protocol : protocols)
+            entries.append(SockJSConnector::PROTOCOL_TYPE(protocol));
+        SockJSConnector connector;
+        ConnectorProbe probe(&connector);
+        const QUrl url(QStringLiteral("%1://127.0.0.1:%2/p").arg(scheme).arg(server.port()));
+        QVERIFY(probe.open(url, entries));
+        connector.sendMessage(QStringLiteral("secret"), false);
+        QCOMPARE(probe.events(), QStringList());
+        QTRY_VERIFY(gotHandshakesOnly(server));
+        QCOMPARE(server.connections(), protocols.size());
+    }
 
-void tst_NothingInClear::serviceGetsTlsOnly()
-{
-    Server server;
-    for (int i = 0; i < 3; ++i)
-        server.onConnect({Server::hear(), Server::send(inviting)});
-    PresenterClient client(nullptr, QStringLiteral("https://127.0.0.1:%1").arg(server.port()));
-    QVERIFY(!client.checkServer(QStringLiteral("user"), QStringLiteral("word")));
-    QVERIFY(!client.doLogin(QStringLiteral("teacher"), QStringLiteral("chalk")));
-    QString id;
-    QString path;
-    QVERIFY(!client.doUploadResource(QStringLiteral("a.png"), "bytes", &id, &path));
-    QTRY_VERIFY(gotHandshakesOnly(server));
-}
+    void serviceGetsTlsOnly()
+    {
+        Server server;
+        for (int i = 0; i < 3; ++i)
+            server.onConnect({Server::hear(), Server::send(inviting)});
+        PresenterClient client(nullptr, QStringLiteral("https://127.0.0.1:%1").arg(server.port()));
+        QVERIFY(!client.checkServer(QStringLiteral("user"), QStringLiteral("word")));
+        QVERIFY(!client.doLogin(QStringLiteral("teacher"), QStringLiteral("chalk")));
+        QString id;
+        QString path;
+        QVERIFY(!client.doUploadResource(QStringLiteral("a.png"), "bytes", &id, &path));
+        QTRY_VERIFY(gotHandshakesOnly(server));
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_NothingInClear)
 #include "tst_NothingInClear.moc"

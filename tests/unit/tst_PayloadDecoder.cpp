@@ -38,106 +38,100 @@ class tst_PayloadDecoder : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void payloads_data();
-    void payloads();
+    void payloads_data()
+    {
+        QTest::addColumn<QJsonValue>("data");
+        QTest::addColumn<Holds>("holds");
+        const auto row = [](const char* name, const QJsonValue& data, Holds holds) {
+            QTest::newRow(name) << data << holds;
+        };
+        const QString half = QStringLiteral(R"({"a":[1,)");
+        const QString otherHalf = QStringLiteral(R"(2],"b":"c"})");
+        row("map in a text", base64(OBJECT), AMap);
+        row("empty map in a text", base64(QStringLiteral("{}")), AMap);
+        row("list in a text", base64(LIST), Nothing);
+        row("text that is not compressed", QStringLiteral("hello"), SomethingElse);
+        row("number", 5, SomethingElse);
+        row("fraction", 1.5, SomethingElse);
+        row("true", true, SomethingElse);
+        row("map in a list", QJsonArray{base64(OBJECT)}, AMap);
+        row("list in a list", QJsonArray{base64(LIST)}, AList);
+        row("empty list in a list", QJsonArray{base64(QStringLiteral("[]"))}, AList);
+        row("chunks", QJsonArray{base64(half), base64(otherHalf)}, AMap);
+        row("a number among the chunks", QJsonArray{base64(half), 5, base64(otherHalf)}, AMap);
+        row("a list and a null among the chunks",
+            QJsonArray{base64(half), QJsonArray{base64(half)}, QJsonValue::Null, base64(otherHalf)}, AMap);
+        row("no JSON in a list", QJsonArray{base64(QStringLiteral("hello"))}, SomethingElse);
+        row("texts that are not compressed", QJsonArray{QStringLiteral("hello")}, Nothing);
+        row("map in bytes", numbers(OBJECT), AMap);
+        row("list in bytes", numbers(LIST), AList);
+        row("no JSON in bytes", numbers(QStringLiteral("hello")), SomethingElse);
+        row("bytes that are no block", QJsonArray{1, 2, 3}, Nothing);
+        row("a null before a text", QJsonArray{QJsonValue::Null, base64(OBJECT)}, Nothing);
+        row("empty list", QJsonArray(), Nothing);
+        row("object", QJsonObject{{QStringLiteral("a"), 1}}, Nothing);
+        row("null", QJsonValue::Null, Nothing);
+    }
+
+    void payloads()
+    {
+        QFETCH(QJsonValue, data);
+        QFETCH(Holds, holds);
+        const LogRecorder quiet;
+        const PayloadDecoder::Payload payload = PayloadDecoder::read(data.toVariant());
+        const QVariant value = payload.value();
+        const bool isJson = holds == AMap || holds == AList;
+        QCOMPARE(value.isValid(), holds != Nothing);
+        QCOMPARE(value.userType() == QMetaType::QVariantMap, holds == AMap);
+        QCOMPARE(value.userType() == QMetaType::QVariantList, holds == AList);
+        QCOMPARE(payload.document.isNull(), !isJson);
+        QCOMPARE(payload.other.isValid(), holds == SomethingElse);
+        QCOMPARE(payload.object().toVariantMap(), holds == AMap ? value.toMap() : QVariantMap());
+        QCOMPARE(PayloadDecoder::decode(data.toVariant()), value);
+    }
+
     void parsedDataIsReadAsVariantsAre_data() { payloads_data(); }
-    void parsedDataIsReadAsVariantsAre();
-    void newPayloadHoldsNothing();
-    void dataThatIsNotThere();
-    void limitCountsCharactersAndNotBytes();
+
+    void parsedDataIsReadAsVariantsAre()
+    {
+        QFETCH(QJsonValue, data);
+        const LogRecorder log;
+        const PayloadDecoder::Payload expected = PayloadDecoder::read(data.toVariant());
+        const QStringList said = log.debug();
+        const PayloadDecoder::Payload payload = PayloadDecoder::read(data);
+        QCOMPARE(payload.document, expected.document);
+        QCOMPARE(payload.other, expected.other);
+        QCOMPARE(payload.other.userType(), expected.other.userType());
+        QCOMPARE(log.debug(), said + said);
+    }
+
+    void newPayloadHoldsNothing()
+    {
+        const PayloadDecoder::Payload payload;
+        QVERIFY(!payload.value().isValid());
+        QVERIFY(payload.object().isEmpty());
+    }
+
+    void dataThatIsNotThere()
+    {
+        const LogRecorder log;
+        QVERIFY(!PayloadDecoder::read(QVariant()).value().isValid());
+        QVERIFY(!PayloadDecoder::read(QJsonObject().value(QStringLiteral("data"))).value().isValid());
+        QVERIFY(!PayloadDecoder::decode(QVariant()).isValid());
+        QCOMPARE(log.debug(), QStringList());
+    }
+
+    void limitCountsCharactersAndNotBytes()
+    {
+        constexpr int half = 16 * 1024 * 1024;
+        const LogRecorder quiet;
+        // Of two bytes each: more bytes than there may be characters.
+        const QString text = QStringLiteral("{\"a\":\"") + QString(half, QChar(0xe4)) + QStringLiteral("\"}");
+        const QJsonValue block = base64(text);
+        QCOMPARE(PayloadDecoder::read(block).object().value(QStringLiteral("a")).toString().size(), half);
+        QVERIFY(!PayloadDecoder::read(QJsonValue(QJsonArray{block, block, block})).value().isValid());
+    }
 };
-
-void tst_PayloadDecoder::payloads_data()
-{
-    QTest::addColumn<QJsonValue>("data");
-    QTest::addColumn<Holds>("holds");
-    const auto row = [](const char* name, const QJsonValue& data, Holds holds) {
-        QTest::newRow(name) << data << holds;
-    };
-    const QString half = QStringLiteral(R"({"a":[1,)");
-    const QString otherHalf = QStringLiteral(R"(2],"b":"c"})");
-    row("map in a text", base64(OBJECT), AMap);
-    row("empty map in a text", base64(QStringLiteral("{}")), AMap);
-    row("list in a text", base64(LIST), Nothing);
-    row("text that is not compressed", QStringLiteral("hello"), SomethingElse);
-    row("number", 5, SomethingElse);
-    row("fraction", 1.5, SomethingElse);
-    row("true", true, SomethingElse);
-    row("map in a list", QJsonArray{base64(OBJECT)}, AMap);
-    row("list in a list", QJsonArray{base64(LIST)}, AList);
-    row("empty list in a list", QJsonArray{base64(QStringLiteral("[]"))}, AList);
-    row("chunks", QJsonArray{base64(half), base64(otherHalf)}, AMap);
-    row("a number among the chunks", QJsonArray{base64(half), 5, base64(otherHalf)}, AMap);
-    row("a list and a null among the chunks",
-        QJsonArray{base64(half), QJsonArray{base64(half)}, QJsonValue::Null, base64(otherHalf)}, AMap);
-    row("no JSON in a list", QJsonArray{base64(QStringLiteral("hello"))}, SomethingElse);
-    row("texts that are not compressed", QJsonArray{QStringLiteral("hello")}, Nothing);
-    row("map in bytes", numbers(OBJECT), AMap);
-    row("list in bytes", numbers(LIST), AList);
-    row("no JSON in bytes", numbers(QStringLiteral("hello")), SomethingElse);
-    row("bytes that are no block", QJsonArray{1, 2, 3}, Nothing);
-    row("a null before a text", QJsonArray{QJsonValue::Null, base64(OBJECT)}, Nothing);
-    row("empty list", QJsonArray(), Nothing);
-    row("object", QJsonObject{{QStringLiteral("a"), 1}}, Nothing);
-    row("null", QJsonValue::Null, Nothing);
-}
-
-void tst_PayloadDecoder::payloads()
-{
-    QFETCH(QJsonValue, data);
-    QFETCH(Holds, holds);
-    const LogRecorder quiet;
-    const PayloadDecoder::Payload payload = PayloadDecoder::read(data.toVariant());
-    const QVariant value = payload.value();
-    const bool isJson = holds == AMap || holds == AList;
-    QCOMPARE(value.isValid(), holds != Nothing);
-    QCOMPARE(value.userType() == QMetaType::QVariantMap, holds == AMap);
-    QCOMPARE(value.userType() == QMetaType::QVariantList, holds == AList);
-    QCOMPARE(payload.document.isNull(), !isJson);
-    QCOMPARE(payload.other.isValid(), holds == SomethingElse);
-    QCOMPARE(payload.object().toVariantMap(), holds == AMap ? value.toMap() : QVariantMap());
-    QCOMPARE(PayloadDecoder::decode(data.toVariant()), value);
-}
-
-void tst_PayloadDecoder::parsedDataIsReadAsVariantsAre()
-{
-    QFETCH(QJsonValue, data);
-    const LogRecorder log;
-    const PayloadDecoder::Payload expected = PayloadDecoder::read(data.toVariant());
-    const QStringList said = log.debug();
-    const PayloadDecoder::Payload payload = PayloadDecoder::read(data);
-    QCOMPARE(payload.document, expected.document);
-    QCOMPARE(payload.other, expected.other);
-    QCOMPARE(payload.other.userType(), expected.other.userType());
-    QCOMPARE(log.debug(), said + said);
-}
-
-void tst_PayloadDecoder::newPayloadHoldsNothing()
-{
-    const PayloadDecoder::Payload payload;
-    QVERIFY(!payload.value().isValid());
-    QVERIFY(payload.object().isEmpty());
-}
-
-void tst_PayloadDecoder::dataThatIsNotThere()
-{
-    const LogRecorder log;
-    QVERIFY(!PayloadDecoder::read(QVariant()).value().isValid());
-    QVERIFY(!PayloadDecoder::read(QJsonObject().value(QStringLiteral("data"))).value().isValid());
-    QVERIFY(!PayloadDecoder::decode(QVariant()).isValid());
-    QCOMPARE(log.debug(), QStringList());
-}
-
-void tst_PayloadDecoder::limitCountsCharactersAndNotBytes()
-{
-    constexpr int half = 16 * 1024 * 1024;
-    const LogRecorder quiet;
-    // Of two bytes each: more bytes than there may be characters.
-    const QString text = QStringLiteral("{\"a\":\"") + QString(half, QChar(0xe4)) + QStringLiteral("\"}");
-    const QJsonValue block = base64(text);
-    QCOMPARE(PayloadDecoder::read(block).object().value(QStringLiteral("a")).toString().size(), half);
-    QVERIFY(!PayloadDecoder::read(QJsonValue(QJsonArray{block, block, block})).value().isValid());
-}
 
 QTEST_APPLESS_MAIN(tst_PayloadDecoder)
 #include "tst_PayloadDecoder.moc"

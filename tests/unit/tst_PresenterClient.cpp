@@ -19,415 +19,386 @@ class tst_PresenterClient : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void declaresItsSignalAndSlotsInOrder();
-    void baseAddressLosesOneTrailingSlash_data();
-    void baseAddressLosesOneTrailingSlash();
-    void startsLoggedOutWithNullTexts();
-    void ownsItsNetworkManagerAndCookieJar();
-
-    void postsJson();
-    void postsMultipart();
-    void encodesTextAsUtf8();
-    void sendsBytesAsTheyAre();
-    void sendsCookiesBack();
-    void keepsCookiesPerClient();
-
-    void success_data();
-    void success();
-    void httpErrorGoesToTheFailureHandlerWithItsBody();
-    void networkErrorGoesToTheFailureHandler_data();
-    void networkErrorGoesToTheFailureHandler();
-    void missingHandlersAreSkipped_data();
-    void missingHandlersAreSkipped();
-    void returnsAtOnceWhenNotToldToWait();
-    void handlerRunsBeforeRequestProcessed();
-    void callbackIsGoneWhenRequestProcessedIsEmitted();
-    void repliesAreReleased();
-    void replyOfNoRequestIsReleasedAndAnnounced();
-
-    void firstErrorKeyCounts_data();
-    void firstErrorKeyCounts();
-    void decompressesLzma();
-    void badLzmaLeavesTheTextAsItWas();
-};
-
-void tst_PresenterClient::declaresItsSignalAndSlotsInOrder()
-{
-    const QMetaObject& meta = PresenterClient::staticMetaObject;
-    QList<QByteArray> signatures;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
-        signatures.append(meta.method(i).methodSignature());
-    QCOMPARE(signatures, (QList<QByteArray>{"requestProcessed()", "slotRequestFinished(QNetworkReply*)",
-                                            "onPingTimer()", "slotSslErrors(QNetworkReply*,QList<QSslError>)",
-                                            "authenticationRequired(QNetworkReply*,QAuthenticator*)"}));
-    QCOMPARE(meta.method(meta.methodOffset()).methodType(), QMetaMethod::Signal);
-    for (int i = meta.methodOffset() + 1; i < meta.methodCount(); ++i) {
-        QCOMPARE(meta.method(i).methodType(), QMetaMethod::Slot);
-        QCOMPARE(meta.method(i).access(), QMetaMethod::Protected);
+    void declaresItsSignalAndSlotsInOrder()
+    {
+        const QMetaObject& meta = PresenterClient::staticMetaObject;
+        QList<QByteArray> signatures;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+            signatures.append(meta.method(i).methodSignature());
+        QCOMPARE(signatures,
+                 (QList<QByteArray>{"requestProcessed()", "slotRequestFinished(QNetworkReply*)",
+                                    "onPingTimer()", "slotSslErrors(QNetworkReply*,QList<QSslError>)",
+                                    "authenticationRequired(QNetworkReply*,QAuthenticator*)"}));
+        QCOMPARE(meta.method(meta.methodOffset()).methodType(), QMetaMethod::Signal);
+        for (int i = meta.methodOffset() + 1; i < meta.methodCount(); ++i) {
+            QCOMPARE(meta.method(i).methodType(), QMetaMethod::Slot);
+            QCOMPARE(meta.method(i).access(), QMetaMethod::Protected);
+        }
     }
-}
 
-void tst_PresenterClient::baseAddressLosesOneTrailingSlash_data()
-{
-    QTest::addColumn<QString>("given");
-    QTest::addColumn<QString>("kept");
+    void baseAddressLosesOneTrailingSlash_data()
+    {
+        QTest::addColumn<QString>("given");
+        QTest::addColumn<QString>("kept");
 
-    QTest::newRow("none") << "https://host.example"
-                          << "https://host.example";
-    QTest::newRow("one") << "https://host.example/"
-                         << "https://host.example";
-    QTest::newRow("two") << "https://host.example//"
-                         << "https://host.example/";
-    QTest::newRow("below a path") << "https://host.example:8443/a/"
-                                  << "https://host.example:8443/a";
-    QTest::newRow("nothing") << ""
-                             << "";
-}
+        QTest::newRow("none") << "https://host.example"
+                              << "https://host.example";
+        QTest::newRow("one") << "https://host.example/"
+                             << "https://host.example";
+        QTest::newRow("two") << "https://host.example//"
+                             << "https://host.example/";
+        QTest::newRow("below a path") << "https://host.example:8443/a/"
+                                      << "https://host.example:8443/a";
+        QTest::newRow("nothing") << ""
+                                 << "";
+    }
 
-void tst_PresenterClient::baseAddressLosesOneTrailingSlash()
-{
-    QFETCH(QString, given);
-    QFETCH(QString, kept);
+    void baseAddressLosesOneTrailingSlash()
+    {
+        QFETCH(QString, given);
+        QFETCH(QString, kept);
 
-    QCOMPARE(PresenterClient(nullptr, given).server(), kept);
-}
+        QCOMPARE(PresenterClient(nullptr, given).server(), kept);
+    }
 
-void tst_PresenterClient::startsLoggedOutWithNullTexts()
-{
-    const PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+    void startsLoggedOutWithNullTexts()
+    {
+        const PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
 
-    QVERIFY(!client.isLoggedIn());
-    QVERIFY(!client.isServerReachable());
-    QVERIFY(client.lastError().isNull());
-    QVERIFY(client.userId().isNull());
-    QVERIFY(client.registration().isNull());
-    QVERIFY(client.sessionCode().isNull());
-    QVERIFY(client.sessionToken().isNull());
-    QVERIFY(client.userToken().isNull());
-    QVERIFY(client.collabServerUrl().isNull());
-    QVERIFY(client.resourceId().isNull());
-    QVERIFY(client.resourcePath().isNull());
-    QVERIFY(client.sockJSProtocols().isEmpty());
-    QVERIFY(client.learners().isEmpty());
-    QVERIFY(!client.collab());
-    QCOMPARE(PresenterClient::MULTIPART_BOUNDARY, QStringLiteral("----boundary"));
-}
+        QVERIFY(!client.isLoggedIn());
+        QVERIFY(!client.isServerReachable());
+        QVERIFY(client.lastError().isNull());
+        QVERIFY(client.userId().isNull());
+        QVERIFY(client.registration().isNull());
+        QVERIFY(client.sessionCode().isNull());
+        QVERIFY(client.sessionToken().isNull());
+        QVERIFY(client.userToken().isNull());
+        QVERIFY(client.collabServerUrl().isNull());
+        QVERIFY(client.resourceId().isNull());
+        QVERIFY(client.resourcePath().isNull());
+        QVERIFY(client.sockJSProtocols().isEmpty());
+        QVERIFY(client.learners().isEmpty());
+        QVERIFY(!client.collab());
+        QCOMPARE(PresenterClient::MULTIPART_BOUNDARY, QStringLiteral("----boundary"));
+    }
 
-void tst_PresenterClient::ownsItsNetworkManagerAndCookieJar()
-{
-    QObject parent;
-    auto* client = new PresenterClient(&parent, QStringLiteral("http://127.0.0.1:1"));
+    void ownsItsNetworkManagerAndCookieJar()
+    {
+        QObject parent;
+        auto* client = new PresenterClient(&parent, QStringLiteral("http://127.0.0.1:1"));
 
-    QCOMPARE(client->parent(), &parent);
-    const auto managers = client->findChildren<QNetworkAccessManager*>();
-    QCOMPARE(managers.size(), 1);
-    QCOMPARE(client->findChildren<QNetworkCookieJar*>(),
-             QList<QNetworkCookieJar*>{managers.first()->cookieJar()});
-}
+        QCOMPARE(client->parent(), &parent);
+        const auto managers = client->findChildren<QNetworkAccessManager*>();
+        QCOMPARE(managers.size(), 1);
+        QCOMPARE(client->findChildren<QNetworkCookieJar*>(),
+                 QList<QNetworkCookieJar*>{managers.first()->cookieJar()});
+    }
 
-void tst_PresenterClient::postsJson()
-{
-    FakeService service;
-    service.expect("/tavisto/any?a=b", Answer::json("{}"));
-    ClientProbe client(service.url());
-    client.doRequest(true, QUrl(service.url() + "/tavisto/any?a=b"), QStringLiteral(R"({"k":"v"})"),
-                     ClientProbe::successHandler());
+    void postsJson()
+    {
+        FakeService service;
+        service.expect("/tavisto/any?a=b", Answer::json("{}"));
+        ClientProbe client(service.url());
+        client.doRequest(true, QUrl(service.url() + "/tavisto/any?a=b"), QStringLiteral(R"({"k":"v"})"),
+                         ClientProbe::successHandler());
 
-    const FakeService::Request request = service.last();
-    QCOMPARE(request.method, QByteArray("POST"));
-    QCOMPARE(request.header("accept-encoding"), QByteArray("identity"));
-    QCOMPARE(request.header("content-type"), QByteArray("application/json; charset=UTF-8"));
-    QCOMPARE(request.body, QByteArray(R"({"k":"v"})"));
-    QVERIFY(request.header("authorization").isNull());
-    QVERIFY(request.header("cookie").isNull());
-    QCOMPARE(client.successes, QStringList{"{}"});
-}
+        const FakeService::Request request = service.last();
+        QCOMPARE(request.method, QByteArray("POST"));
+        QCOMPARE(request.header("accept-encoding"), QByteArray("identity"));
+        QCOMPARE(request.header("content-type"), QByteArray("application/json; charset=UTF-8"));
+        QCOMPARE(request.body, QByteArray(R"({"k":"v"})"));
+        QVERIFY(request.header("authorization").isNull());
+        QVERIFY(request.header("cookie").isNull());
+        QCOMPARE(client.successes, QStringList{"{}"});
+    }
 
-void tst_PresenterClient::postsMultipart()
-{
-    FakeService service;
-    service.expect("/up", Answer::json("{}"));
-    ClientProbe client(service.url());
-    client.doRequest(true, QUrl(service.url() + "/up"), QStringLiteral("parts"), nullptr, nullptr, true);
+    void postsMultipart()
+    {
+        FakeService service;
+        service.expect("/up", Answer::json("{}"));
+        ClientProbe client(service.url());
+        client.doRequest(true, QUrl(service.url() + "/up"), QStringLiteral("parts"), nullptr, nullptr, true);
 
-    QCOMPARE(service.last().method, QByteArray("POST"));
-    QCOMPARE(service.last().header("accept-encoding"), QByteArray("identity"));
-    QCOMPARE(service.last().header("content-type"),
-             QByteArray("multipart/form-data; charset=UTF-8; boundary=----boundary"));
-    QCOMPARE(service.last().body, QByteArray("parts"));
-}
+        QCOMPARE(service.last().method, QByteArray("POST"));
+        QCOMPARE(service.last().header("accept-encoding"), QByteArray("identity"));
+        QCOMPARE(service.last().header("content-type"),
+                 QByteArray("multipart/form-data; charset=UTF-8; boundary=----boundary"));
+        QCOMPARE(service.last().body, QByteArray("parts"));
+    }
 
-void tst_PresenterClient::encodesTextAsUtf8()
-{
-    FakeService service;
-    service.expect("/a", Answer::json("{}"));
-    ClientProbe client(service.url());
-    client.doRequest(true, QUrl(service.url() + "/a"), QString::fromUtf8("Zoë \xf0\x9f\x8e\x93 %1 \""),
-                     nullptr, nullptr, false);
+    void encodesTextAsUtf8()
+    {
+        FakeService service;
+        service.expect("/a", Answer::json("{}"));
+        ClientProbe client(service.url());
+        client.doRequest(true, QUrl(service.url() + "/a"), QString::fromUtf8("Zoë \xf0\x9f\x8e\x93 %1 \""),
+                         nullptr, nullptr, false);
 
-    QCOMPARE(service.last().body, QByteArray("Zoë \xf0\x9f\x8e\x93 %1 \""));
-}
+        QCOMPARE(service.last().body, QByteArray("Zoë \xf0\x9f\x8e\x93 %1 \""));
+    }
 
-void tst_PresenterClient::sendsBytesAsTheyAre()
-{
-    const QByteArray bytes("\xff\x00\x80\r\n\x01", 6);
-    FakeService service;
-    service.expect("/a", Answer::json("{}"));
-    ClientProbe client(service.url());
-    client.doRequest(true, QUrl(service.url() + "/a"), bytes, nullptr, nullptr, true);
+    void sendsBytesAsTheyAre()
+    {
+        const QByteArray bytes("\xff\x00\x80\r\n\x01", 6);
+        FakeService service;
+        service.expect("/a", Answer::json("{}"));
+        ClientProbe client(service.url());
+        client.doRequest(true, QUrl(service.url() + "/a"), bytes, nullptr, nullptr, true);
 
-    QCOMPARE(service.last().body, bytes);
-}
+        QCOMPARE(service.last().body, bytes);
+    }
 
-void tst_PresenterClient::sendsCookiesBack()
-{
-    FakeService service;
-    service.expect("/a", Answer::json("{}").with("Set-Cookie", "JSESSIONID=s1; Path=/; HttpOnly"));
-    service.expect("/b", Answer::json("{}"));
-    ClientProbe client(service.url());
-    client.request(QStringLiteral("/a"));
-    client.request(QStringLiteral("/b"));
+    void sendsCookiesBack()
+    {
+        FakeService service;
+        service.expect("/a", Answer::json("{}").with("Set-Cookie", "JSESSIONID=s1; Path=/; HttpOnly"));
+        service.expect("/b", Answer::json("{}"));
+        ClientProbe client(service.url());
+        client.request(QStringLiteral("/a"));
+        client.request(QStringLiteral("/b"));
 
-    QVERIFY(service.requests().at(0).header("cookie").isNull());
-    QCOMPARE(service.requests().at(1).header("cookie"), QByteArray("JSESSIONID=s1"));
-}
+        QVERIFY(service.requests().at(0).header("cookie").isNull());
+        QCOMPARE(service.requests().at(1).header("cookie"), QByteArray("JSESSIONID=s1"));
+    }
 
-void tst_PresenterClient::keepsCookiesPerClient()
-{
-    FakeService service;
-    service.expect("/a", Answer::json("{}").with("Set-Cookie", "JSESSIONID=s1; Path=/"));
-    service.expect("/b", Answer::json("{}"));
-    ClientProbe(service.url()).request(QStringLiteral("/a"));
-    ClientProbe(service.url()).request(QStringLiteral("/b"));
+    void keepsCookiesPerClient()
+    {
+        FakeService service;
+        service.expect("/a", Answer::json("{}").with("Set-Cookie", "JSESSIONID=s1; Path=/"));
+        service.expect("/b", Answer::json("{}"));
+        ClientProbe(service.url()).request(QStringLiteral("/a"));
+        ClientProbe(service.url()).request(QStringLiteral("/b"));
 
-    QVERIFY(service.last().header("cookie").isNull());
-}
+        QVERIFY(service.last().header("cookie").isNull());
+    }
 
-void tst_PresenterClient::success_data()
-{
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("body");
+    void success_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QByteArray>("body");
 
-    QTest::newRow("200") << 200 << QByteArray(R"({"data":{"name":"Zoë"}})");
-    QTest::newRow("201") << 201 << QByteArray("created");
-    QTest::newRow("empty") << 200 << QByteArray();
-    QTest::newRow("large") << 200 << QByteArray(300000, 'x');
-    QTest::newRow("line ends kept") << 200 << QByteArray("a\r\nb\n");
-}
+        QTest::newRow("200") << 200 << QByteArray(R"({"data":{"name":"Zoë"}})");
+        QTest::newRow("201") << 201 << QByteArray("created");
+        QTest::newRow("empty") << 200 << QByteArray();
+        QTest::newRow("large") << 200 << QByteArray(300000, 'x');
+        QTest::newRow("line ends kept") << 200 << QByteArray("a\r\nb\n");
+    }
 
-void tst_PresenterClient::success()
-{
-    QFETCH(int, status);
-    QFETCH(QByteArray, body);
+    void success()
+    {
+        QFETCH(int, status);
+        QFETCH(QByteArray, body);
 
-    FakeService service;
-    service.expect("/a", Answer::json(body, status));
-    ClientProbe client(service.url());
-    const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-    client.request(QStringLiteral("/a"));
+        FakeService service;
+        service.expect("/a", Answer::json(body, status));
+        ClientProbe client(service.url());
+        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+        client.request(QStringLiteral("/a"));
 
-    QCOMPARE(client.successes, QStringList{QString::fromUtf8(body)});
-    QVERIFY(client.failures.isEmpty());
-    QCOMPARE(processed.size(), 1);
-}
+        QCOMPARE(client.successes, QStringList{QString::fromUtf8(body)});
+        QVERIFY(client.failures.isEmpty());
+        QCOMPARE(processed.size(), 1);
+    }
 
-void tst_PresenterClient::httpErrorGoesToTheFailureHandlerWithItsBody()
-{
-    FakeService service;
-    service.expect("/a", Answer::json(R"({"errorMsgKeys":["x"]})", 500));
-    ClientProbe client(service.url());
-    const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-    client.request(QStringLiteral("/a"));
+    void httpErrorGoesToTheFailureHandlerWithItsBody()
+    {
+        FakeService service;
+        service.expect("/a", Answer::json(R"({"errorMsgKeys":["x"]})", 500));
+        ClientProbe client(service.url());
+        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+        client.request(QStringLiteral("/a"));
 
-    QVERIFY(client.successes.isEmpty());
-    QCOMPARE(client.failures, QStringList{R"({"errorMsgKeys":["x"]})"});
-    QCOMPARE(client.errors, QList<QNetworkReply::NetworkError>{QNetworkReply::InternalServerError});
-    QCOMPARE(processed.size(), 1);
-}
+        QVERIFY(client.successes.isEmpty());
+        QCOMPARE(client.failures, QStringList{R"({"errorMsgKeys":["x"]})"});
+        QCOMPARE(client.errors, QList<QNetworkReply::NetworkError>{QNetworkReply::InternalServerError});
+        QCOMPARE(processed.size(), 1);
+    }
 
-void tst_PresenterClient::networkErrorGoesToTheFailureHandler_data()
-{
-    QTest::addColumn<bool>("cut");
+    void networkErrorGoesToTheFailureHandler_data()
+    {
+        QTest::addColumn<bool>("cut");
 
-    QTest::newRow("no answer, service gone") << false;
-    QTest::newRow("answer cut short") << true;
-}
+        QTest::newRow("no answer, service gone") << false;
+        QTest::newRow("answer cut short") << true;
+    }
 
-void tst_PresenterClient::networkErrorGoesToTheFailureHandler()
-{
-    QFETCH(bool, cut);
+    void networkErrorGoesToTheFailureHandler()
+    {
+        QFETCH(bool, cut);
 
-    FakeService service;
-    service.expect("/a", cut ? Answer::cut(R"({"data":{}})") : Answer::gone());
-    ClientProbe client(service.url());
-    const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-    client.request(QStringLiteral("/a"));
+        FakeService service;
+        service.expect("/a", cut ? Answer::cut(R"({"data":{}})") : Answer::gone());
+        ClientProbe client(service.url());
+        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+        client.request(QStringLiteral("/a"));
 
-    QVERIFY(client.successes.isEmpty());
-    QCOMPARE(client.failures.size(), 1);
-    QVERIFY(client.errors.first() != QNetworkReply::NoError);
-    QCOMPARE(processed.size(), 1);
-}
+        QVERIFY(client.successes.isEmpty());
+        QCOMPARE(client.failures.size(), 1);
+        QVERIFY(client.errors.first() != QNetworkReply::NoError);
+        QCOMPARE(processed.size(), 1);
+    }
 
-void tst_PresenterClient::missingHandlersAreSkipped_data()
-{
-    QTest::addColumn<int>("status");
+    void missingHandlersAreSkipped_data()
+    {
+        QTest::addColumn<int>("status");
 
-    QTest::newRow("success") << 200;
-    QTest::newRow("failure") << 500;
-}
+        QTest::newRow("success") << 200;
+        QTest::newRow("failure") << 500;
+    }
 
-void tst_PresenterClient::missingHandlersAreSkipped()
-{
-    QFETCH(int, status);
+    void missingHandlersAreSkipped()
+    {
+        QFETCH(int, status);
 
-    FakeService service;
-    service.expect("/a", Answer::json("{}", status));
-    PresenterClient client(nullptr, service.url());
-    const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-    client.doRequest(true, QUrl(service.url() + "/a"), QString(), nullptr);
+        FakeService service;
+        service.expect("/a", Answer::json("{}", status));
+        PresenterClient client(nullptr, service.url());
+        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+        client.doRequest(true, QUrl(service.url() + "/a"), QString(), nullptr);
 
-    QCOMPARE(processed.size(), 1);
-}
+        QCOMPARE(processed.size(), 1);
+    }
 
-void tst_PresenterClient::returnsAtOnceWhenNotToldToWait()
-{
-    FakeService service;
-    service.expect("/a", Answer::json("1"));
-    ClientProbe client(service.url());
-    client.request(QStringLiteral("/a"), false);
+    void returnsAtOnceWhenNotToldToWait()
+    {
+        FakeService service;
+        service.expect("/a", Answer::json("1"));
+        ClientProbe client(service.url());
+        client.request(QStringLiteral("/a"), false);
 
-    QVERIFY(service.requests().isEmpty());
-    QVERIFY(client.successes.isEmpty());
-    QTRY_COMPARE(client.successes, QStringList{"1"});
-}
+        QVERIFY(service.requests().isEmpty());
+        QVERIFY(client.successes.isEmpty());
+        QTRY_COMPARE(client.successes, QStringList{"1"});
+    }
 
-void tst_PresenterClient::handlerRunsBeforeRequestProcessed()
-{
-    FakeService service;
-    service.expect("/a", Answer::json("1"));
-    ClientProbe client(service.url());
-    int handledBefore = -1;
-    connect(&client, &PresenterClient::requestProcessed, this,
-            [&] { handledBefore = client.successes.size(); });
-    client.request(QStringLiteral("/a"));
+    void handlerRunsBeforeRequestProcessed()
+    {
+        FakeService service;
+        service.expect("/a", Answer::json("1"));
+        ClientProbe client(service.url());
+        int handledBefore = -1;
+        connect(&client, &PresenterClient::requestProcessed, this,
+                [&] { handledBefore = client.successes.size(); });
+        client.request(QStringLiteral("/a"));
 
-    QCOMPARE(handledBefore, 1);
-}
+        QCOMPARE(handledBefore, 1);
+    }
 
-// A reply that is reported a second time finds no handler any more.
-void tst_PresenterClient::callbackIsGoneWhenRequestProcessedIsEmitted()
-{
-    FakeService service;
-    service.expect("/a", Answer::json("1"));
-    ClientProbe client(service.url());
-    QNetworkReply* reply = nullptr;
-    connect(client.findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
-            [&](QNetworkReply* finished) { reply = finished; });
-    client.request(QStringLiteral("/a"));
-    QVERIFY(reply);
-    QVERIFY(QMetaObject::invokeMethod(&client, "slotRequestFinished", Q_ARG(QNetworkReply*, reply)));
+    // A reply that is reported a second time finds no handler any more.
+    void callbackIsGoneWhenRequestProcessedIsEmitted()
+    {
+        FakeService service;
+        service.expect("/a", Answer::json("1"));
+        ClientProbe client(service.url());
+        QNetworkReply* reply = nullptr;
+        connect(client.findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
+                [&](QNetworkReply* finished) { reply = finished; });
+        client.request(QStringLiteral("/a"));
+        QVERIFY(reply);
+        QVERIFY(QMetaObject::invokeMethod(&client, "slotRequestFinished", Q_ARG(QNetworkReply*, reply)));
 
-    QCOMPARE(client.successes, QStringList{"1"});
-}
+        QCOMPARE(client.successes, QStringList{"1"});
+    }
 
-void tst_PresenterClient::repliesAreReleased()
-{
-    FakeService service;
-    service.expect("/ok", Answer::json("1"));
-    service.expect("/bad", Answer::json("1", 500));
-    service.expect("/moved", Answer::redirect("http://elsewhere.example/"));
-    ClientProbe client(service.url());
-    QList<QPointer<QNetworkReply>> replies;
-    connect(client.findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
-            [&](QNetworkReply* reply) { replies.append(reply); });
-    client.request(QStringLiteral("/ok"));
-    client.request(QStringLiteral("/bad"));
-    client.request(QStringLiteral("/moved"));
+    void repliesAreReleased()
+    {
+        FakeService service;
+        service.expect("/ok", Answer::json("1"));
+        service.expect("/bad", Answer::json("1", 500));
+        service.expect("/moved", Answer::redirect("http://elsewhere.example/"));
+        ClientProbe client(service.url());
+        QList<QPointer<QNetworkReply>> replies;
+        connect(client.findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
+                [&](QNetworkReply* reply) { replies.append(reply); });
+        client.request(QStringLiteral("/ok"));
+        client.request(QStringLiteral("/bad"));
+        client.request(QStringLiteral("/moved"));
 
-    QCOMPARE(replies.size(), 3);
-    for (const auto& reply : qAsConst(replies))
+        QCOMPARE(replies.size(), 3);
+        for (const auto& reply : qAsConst(replies))
+            QTRY_VERIFY(reply.isNull());
+    }
+
+    void replyOfNoRequestIsReleasedAndAnnounced()
+    {
+        FakeService service;
+        service.expect("/a", Answer::json("1"));
+        ClientProbe client(service.url());
+        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+        QNetworkAccessManager manager;
+        const QPointer<QNetworkReply> reply = manager.get(QNetworkRequest(QUrl(service.url() + "/a")));
+        QTRY_VERIFY(reply->isFinished());
+        QVERIFY(QMetaObject::invokeMethod(&client, "slotRequestFinished", Q_ARG(QNetworkReply*, reply)));
+
+        QCOMPARE(processed.size(), 1);
+        QVERIFY(client.successes.isEmpty());
         QTRY_VERIFY(reply.isNull());
-}
+    }
 
-void tst_PresenterClient::replyOfNoRequestIsReleasedAndAnnounced()
-{
-    FakeService service;
-    service.expect("/a", Answer::json("1"));
-    ClientProbe client(service.url());
-    const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-    QNetworkAccessManager manager;
-    const QPointer<QNetworkReply> reply = manager.get(QNetworkRequest(QUrl(service.url() + "/a")));
-    QTRY_VERIFY(reply->isFinished());
-    QVERIFY(QMetaObject::invokeMethod(&client, "slotRequestFinished", Q_ARG(QNetworkReply*, reply)));
+    void firstErrorKeyCounts_data()
+    {
+        QTest::addColumn<QVariant>("reply");
+        QTest::addColumn<QString>("error"); // null: none
 
-    QCOMPARE(processed.size(), 1);
-    QVERIFY(client.successes.isEmpty());
-    QTRY_VERIFY(reply.isNull());
-}
+        const auto row = [](const char* name, const QVariant& keys, const QString& error) {
+            QTest::newRow(name) << QVariant(QVariantMap{{"errorMsgKeys", keys}}) << error;
+        };
+        row("contains error", QVariantList{"login.error.password"}, "login.error.password");
+        row("is error", QVariantList{"error"}, "error");
+        row("inside a word", QVariantList{"Terrors"}, "Terrors");
+        row("first of two", QVariantList{"a.error", "b.error"}, "a.error");
+        row("only the second", QVariantList{"login.refused", "b.error"}, QString());
+        row("capital", QVariantList{"login.Error"}, QString());
+        row("empty list", QVariantList(), QString());
+        row("first is empty", QVariantList{"", "b.error"}, QString());
+        row("first is null", QVariantList{QVariant(), "b.error"}, QString());
+        row("first is an object", QVariantList{QVariantMap{{"error", "error"}}}, QString());
+        row("string list", QStringList{"a.error"}, "a.error");
+        row("text instead of a list", "a.error", QString());
+        row("object instead of a list", QVariantMap{{"error", "error"}}, QString());
+        row("null instead of a list", QVariant::fromValue(nullptr), QString());
+        QTest::newRow("no key") << QVariant(QVariantMap{{"infoMsgKeys", QVariantList{"a.error"}}})
+                                << QString();
+        QTest::newRow("no map") << QVariant(QVariantList{"a.error"}) << QString();
+        QTest::newRow("nothing") << QVariant() << QString();
+    }
 
-void tst_PresenterClient::firstErrorKeyCounts_data()
-{
-    QTest::addColumn<QVariant>("reply");
-    QTest::addColumn<QString>("error"); // null: none
+    void firstErrorKeyCounts()
+    {
+        QFETCH(QVariant, reply);
+        QFETCH(QString, error);
 
-    const auto row = [](const char* name, const QVariant& keys, const QString& error) {
-        QTest::newRow(name) << QVariant(QVariantMap{{"errorMsgKeys", keys}}) << error;
-    };
-    row("contains error", QVariantList{"login.error.password"}, "login.error.password");
-    row("is error", QVariantList{"error"}, "error");
-    row("inside a word", QVariantList{"Terrors"}, "Terrors");
-    row("first of two", QVariantList{"a.error", "b.error"}, "a.error");
-    row("only the second", QVariantList{"login.refused", "b.error"}, QString());
-    row("capital", QVariantList{"login.Error"}, QString());
-    row("empty list", QVariantList(), QString());
-    row("first is empty", QVariantList{"", "b.error"}, QString());
-    row("first is null", QVariantList{QVariant(), "b.error"}, QString());
-    row("first is an object", QVariantList{QVariantMap{{"error", "error"}}}, QString());
-    row("string list", QStringList{"a.error"}, "a.error");
-    row("text instead of a list", "a.error", QString());
-    row("object instead of a list", QVariantMap{{"error", "error"}}, QString());
-    row("null instead of a list", QVariant::fromValue(nullptr), QString());
-    QTest::newRow("no key") << QVariant(QVariantMap{{"infoMsgKeys", QVariantList{"a.error"}}}) << QString();
-    QTest::newRow("no map") << QVariant(QVariantList{"a.error"}) << QString();
-    QTest::newRow("nothing") << QVariant() << QString();
-}
+        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+        QString found = QStringLiteral("earlier");
 
-void tst_PresenterClient::firstErrorKeyCounts()
-{
-    QFETCH(QVariant, reply);
-    QFETCH(QString, error);
+        QCOMPARE(client.isErrorInErrorMsgKeys(reply, found), !error.isNull());
+        QCOMPARE(found, error);
+        QCOMPARE(found.isNull(), error.isNull());
+        QVERIFY(client.lastError().isNull());
+    }
 
-    PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
-    QString found = QStringLiteral("earlier");
+    void decompressesLzma()
+    {
+        const QString text = QString::fromUtf8("Zoë \"%1\"\n");
+        QString packed;
+        QVERIFY(Lzma::compress64(text, &packed));
+        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+        QString unpacked;
 
-    QCOMPARE(client.isErrorInErrorMsgKeys(reply, found), !error.isNull());
-    QCOMPARE(found, error);
-    QCOMPARE(found.isNull(), error.isNull());
-    QVERIFY(client.lastError().isNull());
-}
+        QVERIFY(client.LzmaDecompress64(packed, &unpacked));
+        QCOMPARE(unpacked, text);
+    }
 
-void tst_PresenterClient::decompressesLzma()
-{
-    const QString text = QString::fromUtf8("Zoë \"%1\"\n");
-    QString packed;
-    QVERIFY(Lzma::compress64(text, &packed));
-    PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
-    QString unpacked;
+    void badLzmaLeavesTheTextAsItWas()
+    {
+        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+        QString text = QStringLiteral("before");
 
-    QVERIFY(client.LzmaDecompress64(packed, &unpacked));
-    QCOMPARE(unpacked, text);
-}
-
-void tst_PresenterClient::badLzmaLeavesTheTextAsItWas()
-{
-    PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
-    QString text = QStringLiteral("before");
-
-    QVERIFY(!client.LzmaDecompress64(QStringLiteral("AAAAAAAAAAAAAAAAAA=="), &text)); // 13 bytes
-    QVERIFY(!client.LzmaDecompress64(QString(), &text));
-    QCOMPARE(text, QStringLiteral("before"));
-}
+        QVERIFY(!client.LzmaDecompress64(QStringLiteral("AAAAAAAAAAAAAAAAAA=="), &text)); // 13 bytes
+        QVERIFY(!client.LzmaDecompress64(QString(), &text));
+        QCOMPARE(text, QStringLiteral("before"));
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_PresenterClient)
 

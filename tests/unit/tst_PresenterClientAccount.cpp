@@ -27,399 +27,385 @@ class tst_PresenterClientAccount : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void sendsItsRequest_data();
-    void sendsItsRequest();
-    void callbackUrlEndsWithSlashForFacebookOnly_data();
-    void callbackUrlEndsWithSlashForFacebookOnly();
-    void completesTheRegistrationText_data();
-    void completesTheRegistrationText();
+    void sendsItsRequest_data()
+    {
+        QTest::addColumn<Call>("call");
+        QTest::addColumn<QStringList>("values");
+        QTest::addColumn<QByteArray>("path");
+        QTest::addColumn<QByteArray>("body"); // <n> stands for the nth value
 
-    void infoMessagesDecideTheLogin_data();
-    void infoMessagesDecideTheLogin();
-    void refusedLoginKeepsTheErrorKey_data();
-    void refusedLoginKeepsTheErrorKey();
-    void unansweredLoginFailsWithoutAKey_data();
-    void unansweredLoginFailsWithoutAKey();
-    void loginStartsAnew_data();
-    void loginStartsAnew();
+        const auto rows = [](const char* name, const Call& call, const char* path, const char* body) {
+            QTest::addRow("%s", name)
+                << call << QStringList{"u", "p", "d", "n"} << QByteArray(path) << QByteArray(body);
+            // Nothing is escaped, and no value is taken for a placeholder.
+            QTest::addRow("%s, odd values", name)
+                << call
+                << QStringList{"\"%1%2\"", "%0 \\", QString::fromUtf8("Zoë\xf0\x9f\x8e\x93"), "a\nb<>&"}
+                << QByteArray(path) << QByteArray(body);
+            QTest::addRow("%s, empty values", name)
+                << call << QStringList{"", "", "", ""} << QByteArray(path) << QByteArray(body);
+        };
+        rows(
+            "doLogin", [](PresenterClient& c, const QStringList& v) { return c.doLogin(v[0], v[1]); }, SUBMIT,
+            R"({"userId":"<0>","password":"<1>","sourceSystem":"Lumora"})");
+        rows(
+            "doLogin by device",
+            [](PresenterClient& c, const QStringList& v) { return c.doLogin(v[0], v[1], v[2]); }, SUBMIT,
+            R"({"userId":"<0>","deviceId":"<1>","deviceAccessToken":"<2>","sourceSystem":"Lumora"})");
+        rows(
+            "doLoginWithOAuth",
+            [](PresenterClient& c, const QStringList& v) {
+                QString registration;
+                return c.doLoginWithOAuth("google", v[0], registration);
+            },
+            CALLBACK, R"({"code":"<0>","callbackUrl":"<server>","sourceSystem":"Lumora"})");
+        rows(
+            "doGetAccessToken",
+            [](PresenterClient& c, const QStringList& v) {
+                return c.doGetAccessToken(v[0], v[1], v[2], v[3]);
+            },
+            SUBMIT,
+            R"({"userId":"<0>","password":"<1>","deviceId":"<2>","deviceName":"<3>","sourceSystem":"Lumora"})");
+        rows(
+            "doGetOAuthAccessToken",
+            [](PresenterClient& c, const QStringList& v) {
+                QString registration;
+                return c.doGetOAuthAccessToken("google", v[0], v[1], v[2], registration);
+            },
+            CALLBACK,
+            R"({"code":"<0>","callbackUrl":"<server>","deviceId":"<1>","deviceName":"<2>","sourceSystem":"Lumora"})");
 
-    void oauthLoginCanAskForRegistration_data();
-    void oauthLoginCanAskForRegistration();
-    void passwordLoginAsksForNoRegistration();
-    void passwordLoginAfterOAuthAsksForRegistration();
-    void registrationIsCompletedInASecondStep();
+        const auto row = [](const char* name, const Call& call, const char* path, const char* body) {
+            QTest::addRow("%s", name) << call << QStringList() << QByteArray(path) << QByteArray(body);
+        };
+        row(
+            "doGetUserName", [](PresenterClient& c, const QStringList&) { return c.doGetUserName(); }, USER,
+            "{}");
+        row(
+            "doLogout", [](PresenterClient& c, const QStringList&) { return c.doLogout(); }, LOGOUT, "{}");
+        row(
+            "sendKeepAlive",
+            [](PresenterClient& c, const QStringList&) { return c.sendKeepAlive(), QVariant(); }, KEEP_ALIVE,
+            "");
+        row(
+            "onPingTimer",
+            [](PresenterClient& c, const QStringList&) {
+                return QVariant(QMetaObject::invokeMethod(&c, "onPingTimer"));
+            },
+            KEEP_ALIVE, "");
+        row(
+            "provider with a blank",
+            [](PresenterClient& c, const QStringList&) {
+                QString registration;
+                return c.doLoginWithOAuth("my school", "c", registration);
+            },
+            "/tavisto/login/oauth/my%20school/callback",
+            R"({"code":"c","callbackUrl":"<server>","sourceSystem":"Lumora"})");
+    }
+
+    void sendsItsRequest()
+    {
+        QFETCH(Call, call);
+        QFETCH(QStringList, values);
+        QFETCH(QByteArray, path);
+        QFETCH(QByteArray, body);
+
+        FakeService service;
+        service.expect(path, Answer::json("{}"));
+        PresenterClient client(nullptr, service.url());
+        call(client, values);
+
+        body.replace("<server>", service.url().toUtf8());
+        for (int i = 0; i < values.size(); ++i)
+            body.replace('<' + QByteArray::number(i) + '>', values.at(i).toUtf8());
+        QCOMPARE(service.last().method, QByteArray("POST"));
+        QCOMPARE(service.last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
+        QCOMPARE(service.last().body, body);
+    }
+
+    void callbackUrlEndsWithSlashForFacebookOnly_data()
+    {
+        QTest::addColumn<QString>("provider");
+        QTest::addColumn<bool>("slash");
+
+        QTest::newRow("facebook") << "facebook" << true;
+        QTest::newRow("capital") << "Facebook" << false;
+        QTest::newRow("longer") << "facebook2" << false;
+        QTest::newRow("another") << "google" << false;
+    }
+
+    void callbackUrlEndsWithSlashForFacebookOnly()
+    {
+        QFETCH(QString, provider);
+        QFETCH(bool, slash);
+
+        const QByteArray path = "/tavisto/login/oauth/" + provider.toUtf8() + "/callback";
+        FakeService service;
+        service.expect(path, Answer::json("{}"));
+        service.expect(path, Answer::json("{}"));
+        PresenterClient client(nullptr, service.url());
+        QString registration;
+        client.doLoginWithOAuth(provider, QStringLiteral("c"), registration);
+        client.doGetOAuthAccessToken(provider, QStringLiteral("c"), QString(), QString(), registration);
+
+        const QByteArray url = service.url().toUtf8() + (slash ? "/" : "");
+        for (const FakeService::Request& request : service.requests())
+            QVERIFY2(request.body.contains("\"callbackUrl\":\"" + url + "\","), request.body.constData());
+    }
+
+    void completesTheRegistrationText_data()
+    {
+        QTest::addColumn<QString>("registration");
+        QTest::addColumn<QByteArray>("body");
+
+        QTest::newRow("last member is a text")
+            << R"({"name":"x","mail":"y"})"
+            << QByteArray(R"({"name":"x","mail":"y","sourceSystem":"Lumora"})");
+        QTest::newRow("blank before the brace")
+            << "{\"name\":\"x\"\n}" << QByteArray("{\"name\":\"x\",\"sourceSystem\":\"Lumora\"\n}");
+        QTest::newRow("last member is a number")
+            << R"({"name":"x","age":5})" << QByteArray(R"({"name":"x","age","sourceSystem":"Lumora":5})");
+        QTest::newRow("not ASCII") << QString::fromUtf8(R"({"name":"Zoë %1"})")
+                                   << QByteArray(R"({"name":"Zoë %1","sourceSystem":"Lumora"})");
+    }
+
+    void completesTheRegistrationText()
+    {
+        QFETCH(QString, registration);
+        QFETCH(QByteArray, body);
+
+        FakeService service;
+        service.expect(REGISTER, Answer::json("{}"));
+        PresenterClient client(nullptr, service.url());
+        client.doLoginWithOAuth(QStringLiteral("google"), QStringLiteral("c"), registration);
+
+        QCOMPARE(service.last().body, body);
+        QVERIFY(registration.isNull());
+    }
+
+    void infoMessagesDecideTheLogin_data()
+    {
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<bool>("loggedIn");
+
+        const auto row = [](const char* body, bool loggedIn) {
+            QTest::newRow(body) << QByteArray(body) << loggedIn;
+        };
+        row(R"({"infoMsgKeys":["login.success"]})", true);
+        row(R"({"infoMsgKeys":["unsuccessful"]})", true);
+        row(R"({"infoMsgKeys":["login.Success"]})", false);
+        row(R"({"infoMsgKeys":["login.refused","login.success"]})", false);
+        row(R"({"infoMsgKeys":[]})", false);
+        row(R"({"infoMsgKeys":"success"})", false);
+        row(R"({"infoMsgs":["a success"]})", true);
+        row(R"({"infoMsgs":["a success"],"infoMsgKeys":["login.refused"]})", true);
+        row(R"({"infoMsgs":["refused"],"infoMsgKeys":["login.success"]})", false);
+        row(R"({"infoMsgs":["refused","success"]})", false);
+        row(R"({"infoMsgs":[],"infoMsgKeys":["login.success"]})", false);
+        row(R"({"infoMsgs":"refused","infoMsgKeys":["login.success"]})", true);
+        row(R"({"infoMsgs":{"a":"b"},"infoMsgKeys":["login.success"]})", true);
+        row(R"({"infoMsgs":null,"infoMsgKeys":["login.success"]})", true);
+        row(R"({"success":true})", false);
+        row(R"({"infoMsgKeys":["login.success.registration"]})", true);
+        row("[\"success\"]", false);
+        row("success", false);
+        row("", false);
+    }
+
+    void infoMessagesDecideTheLogin()
+    {
+        QFETCH(QByteArray, body);
+        QFETCH(bool, loggedIn);
+
+        FakeService service;
+        service.expect(SUBMIT, Answer::json(body));
+        service.expect(SUBMIT, Answer::json(body));
+        PresenterClient client(nullptr, service.url());
+
+        QCOMPARE(loginByPassword(client), loggedIn);
+        QCOMPARE(client.isLoggedIn(), loggedIn);
+        QCOMPARE(loginByDevice(client), loggedIn);
+        QVERIFY(client.lastError().isNull());
+        QVERIFY(client.registration().isNull());
+        QCOMPARE(client.userId(), QStringLiteral("u"));
+    }
+
+    void refusedLoginKeepsTheErrorKey_data()
+    {
+        QTest::addColumn<Login>("login");
+        QTest::addColumn<QByteArray>("path");
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QString>("error");
+
+        const QByteArray first(R"({"errorMsgKeys":["login.error.password","b.error"]})");
+        const QString key = QStringLiteral("login.error.password");
+        QTest::newRow("password") << Login(loginByPassword) << QByteArray(SUBMIT) << first << key;
+        QTest::newRow("device") << Login(loginByDevice) << QByteArray(SUBMIT) << first << key;
+        QTest::newRow("OAuth") << Login(loginWithOAuth) << QByteArray(CALLBACK) << first << key;
+        QTest::newRow("registration") << Login(registerWithOAuth) << QByteArray(REGISTER) << first << key;
+        const auto row = [](const char* name, const char* body) {
+            QTest::newRow(name) << Login(loginByPassword) << QByteArray(SUBMIT) << QByteArray(body)
+                                << QString();
+        };
+        row("first key without error", R"({"errorMsgKeys":["login.refused","b.error"]})");
+        row("no key", R"({"infoMsgKeys":["login.success"]})");
+        row("no JSON", "<html>error</html>");
+        row("no body", "");
+    }
+
+    void refusedLoginKeepsTheErrorKey()
+    {
+        QFETCH(Login, login);
+        QFETCH(QByteArray, path);
+        QFETCH(QByteArray, body);
+        QFETCH(QString, error);
+
+        FakeService service;
+        service.expect(path, Answer::json(body, 401));
+        PresenterClient client(nullptr, service.url());
+
+        QVERIFY(!login(client));
+        QVERIFY(!client.isLoggedIn());
+        QCOMPARE(client.lastError(), error);
+        QCOMPARE(client.lastError().isNull(), error.isNull());
+    }
+
+    void unansweredLoginFailsWithoutAKey_data()
+    {
+        QTest::addColumn<bool>("cut");
+
+        QTest::newRow("service gone") << false;
+        QTest::newRow("answer cut short") << true;
+    }
+
+    void unansweredLoginFailsWithoutAKey()
+    {
+        QFETCH(bool, cut);
+
+        FakeService service;
+        service.expect(SUBMIT, cut ? Answer::cut(REFUSED) : Answer::gone());
+        PresenterClient client(nullptr, service.url());
+
+        QVERIFY(!loginByPassword(client));
+        QVERIFY(client.lastError().isNull());
+    }
+
+    void loginStartsAnew_data()
+    {
+        QTest::addColumn<Login>("login");
+        QTest::addColumn<QByteArray>("path");
+
+        QTest::newRow("password") << Login(loginByPassword) << QByteArray(SUBMIT);
+        QTest::newRow("device") << Login(loginByDevice) << QByteArray(SUBMIT);
+        QTest::newRow("OAuth") << Login(loginWithOAuth) << QByteArray(CALLBACK);
+        QTest::newRow("registration") << Login(registerWithOAuth) << QByteArray(REGISTER);
+    }
+
+    // Neither the error nor the login of an earlier call outlives the start of the next.
+    void loginStartsAnew()
+    {
+        QFETCH(Login, login);
+        QFETCH(QByteArray, path);
+
+        FakeService service;
+        PresenterClient client(nullptr, service.url());
+        client.loginSuccessResponse(QString::fromLatin1(SUCCESS));
+        client.loginFailureResponse(nullptr, QString::fromLatin1(REFUSED));
+        QVERIFY(client.isLoggedIn());
+        QVERIFY(!client.lastError().isNull());
+        bool loggedInMeanwhile = true;
+        service.expect(path, Answer::json("{}").then([&] { loggedInMeanwhile = client.isLoggedIn(); }));
+
+        QVERIFY(!login(client));
+        QVERIFY(!loggedInMeanwhile);
+        QVERIFY(client.lastError().isNull());
+    }
+
+    void oauthLoginCanAskForRegistration_data()
+    {
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<bool>("loggedIn");
+        QTest::addColumn<QString>("registration");
+
+        const auto row = [](const char* name, const char* body, bool loggedIn, const char* registration) {
+            QTest::newRow(name) << QByteArray(body) << loggedIn << QString::fromUtf8(registration);
+        };
+        row("asked", R"({"infoMsgKeys":["success.registration"],"data":{"email":"zoë@x"}})", false,
+            R"({"email":"zoë@x"})");
+        row("data in the middle", R"({"data":{"a":1},"infoMsgKeys":["success.registration"]})", false,
+            R"({"a":1},"infoMsgKeys":["success.registration"])");
+        row("line end behind", "{\"infoMsgKeys\":[\"success.registration\"],\"data\":{\"a\":1}}\n", false,
+            "{\"a\":1}}");
+        row("blank before the data", R"({"infoMsgKeys":["success.registration"],"data": {}})", false, " {}");
+        row("without data", R"({"infoMsgKeys":["success.registration"]})", false,
+            R"(MsgKeys":["success.registration"])");
+        row("blank before the colon", R"({"data" :{},"infoMsgKeys":["success.registration"]})", false,
+            R"(" :{},"infoMsgKeys":["success.registration"])");
+        row("no registration in the key", R"({"infoMsgKeys":["success"],"data":{"a":1}})", true, nullptr);
+        row("no success in the key", R"({"infoMsgKeys":["registration"],"data":{"a":1}})", false, nullptr);
+        row("in infoMsgs", R"({"infoMsgs":["success.registration"],"data":{"a":1}})", true, nullptr);
+        row("in the second key", R"({"infoMsgKeys":["success","registration"],"data":{"a":1}})", true,
+            nullptr);
+        row("no JSON", R"(success.registration "data":{"a":1}})", false, nullptr);
+    }
+
+    void oauthLoginCanAskForRegistration()
+    {
+        QFETCH(QByteArray, body);
+        QFETCH(bool, loggedIn);
+        QFETCH(QString, registration);
+
+        FakeService service;
+        service.expect(CALLBACK, Answer::json(body));
+        PresenterClient client(nullptr, service.url());
+        QString given;
+
+        QCOMPARE(client.doLoginWithOAuth(QStringLiteral("google"), QStringLiteral("c"), given), loggedIn);
+        QCOMPARE(client.isLoggedIn(), loggedIn);
+        QCOMPARE(given, registration);
+        QCOMPARE(client.registration(), registration);
+        QCOMPARE(client.registration().isNull(), registration.isNull());
+    }
+
+    void passwordLoginAsksForNoRegistration()
+    {
+        FakeService service;
+        service.expect(SUBMIT, Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{}})"));
+        PresenterClient client(nullptr, service.url());
+
+        QVERIFY(loginByPassword(client));
+        QVERIFY(client.registration().isNull());
+    }
+
+    // What counts is whether the client knows a provider and a code, not which login it was.
+    void passwordLoginAfterOAuthAsksForRegistration()
+    {
+        FakeService service;
+        service.expect(CALLBACK, Answer::json("{}"));
+        service.expect(SUBMIT, Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{"a":1}})"));
+        PresenterClient client(nullptr, service.url());
+        QVERIFY(!loginWithOAuth(client));
+
+        QVERIFY(!loginByPassword(client));
+        QCOMPARE(client.registration(), QStringLiteral(R"({"a":1})"));
+    }
+
+    void registrationIsCompletedInASecondStep()
+    {
+        FakeService service;
+        service.expect(CALLBACK,
+                       Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{"mail":"m"}})"));
+        service.expect(REGISTER, Answer::json(SUCCESS));
+        PresenterClient client(nullptr, service.url());
+        QString registration;
+
+        QVERIFY(!client.doLoginWithOAuth(QStringLiteral("google"), QStringLiteral("c"), registration));
+        QCOMPARE(registration, QStringLiteral(R"({"mail":"m"})"));
+        QVERIFY(client.doLoginWithOAuth(QStringLiteral("google"), QStringLiteral("c"), registration));
+        QVERIFY(registration.isNull());
+        QVERIFY(client.registration().isNull());
+    }
 };
-
-void tst_PresenterClientAccount::sendsItsRequest_data()
-{
-    QTest::addColumn<Call>("call");
-    QTest::addColumn<QStringList>("values");
-    QTest::addColumn<QByteArray>("path");
-    QTest::addColumn<QByteArray>("body"); // <n> stands for the nth value
-
-    const auto rows = [](const char* name, const Call& call, const char* path, const char* body) {
-        QTest::addRow("%s", name) << call << QStringList{"u", "p", "d", "n"} << QByteArray(path)
-                                  << QByteArray(body);
-        // Nothing is escaped, and no value is taken for a placeholder.
-        QTest::addRow("%s, odd values", name)
-            << call << QStringList{"\"%1%2\"", "%0 \\", QString::fromUtf8("Zoë\xf0\x9f\x8e\x93"), "a\nb<>&"}
-            << QByteArray(path) << QByteArray(body);
-        QTest::addRow("%s, empty values", name)
-            << call << QStringList{"", "", "", ""} << QByteArray(path) << QByteArray(body);
-    };
-    rows(
-        "doLogin", [](PresenterClient& c, const QStringList& v) { return c.doLogin(v[0], v[1]); }, SUBMIT,
-        R"({"userId":"<0>","password":"<1>","sourceSystem":"Lumora"})");
-    rows(
-        "doLogin by device",
-        [](PresenterClient& c, const QStringList& v) { return c.doLogin(v[0], v[1], v[2]); }, SUBMIT,
-        R"({"userId":"<0>","deviceId":"<1>","deviceAccessToken":"<2>","sourceSystem":"Lumora"})");
-    rows(
-        "doLoginWithOAuth",
-        [](PresenterClient& c, const QStringList& v) {
-            QString registration;
-            return c.doLoginWithOAuth("google", v[0], registration);
-        },
-        CALLBACK, R"({"code":"<0>","callbackUrl":"<server>","sourceSystem":"Lumora"})");
-    rows(
-        "doGetAccessToken",
-        [](PresenterClient& c, const QStringList& v) { return c.doGetAccessToken(v[0], v[1], v[2], v[3]); },
-        SUBMIT,
-        R"({"userId":"<0>","password":"<1>","deviceId":"<2>","deviceName":"<3>","sourceSystem":"Lumora"})");
-    rows(
-        "doGetOAuthAccessToken",
-        [](PresenterClient& c, const QStringList& v) {
-            QString registration;
-            return c.doGetOAuthAccessToken("google", v[0], v[1], v[2], registration);
-        },
-        CALLBACK,
-        R"({"code":"<0>","callbackUrl":"<server>","deviceId":"<1>","deviceName":"<2>","sourceSystem":"Lumora"})");
-
-    const auto row = [](const char* name, const Call& call, const char* path, const char* body) {
-        QTest::addRow("%s", name) << call << QStringList() << QByteArray(path) << QByteArray(body);
-    };
-    row(
-        "doGetUserName", [](PresenterClient& c, const QStringList&) { return c.doGetUserName(); }, USER,
-        "{}");
-    row(
-        "doLogout", [](PresenterClient& c, const QStringList&) { return c.doLogout(); }, LOGOUT, "{}");
-    row(
-        "sendKeepAlive", [](PresenterClient& c, const QStringList&) { return c.sendKeepAlive(), QVariant(); },
-        KEEP_ALIVE, "");
-    row(
-        "onPingTimer",
-        [](PresenterClient& c, const QStringList&) {
-            return QVariant(QMetaObject::invokeMethod(&c, "onPingTimer"));
-        },
-        KEEP_ALIVE, "");
-    row(
-        "provider with a blank",
-        [](PresenterClient& c, const QStringList&) {
-            QString registration;
-            return c.doLoginWithOAuth("my school", "c", registration);
-        },
-        "/tavisto/login/oauth/my%20school/callback",
-        R"({"code":"c","callbackUrl":"<server>","sourceSystem":"Lumora"})");
-}
-
-void tst_PresenterClientAccount::sendsItsRequest()
-{
-    QFETCH(Call, call);
-    QFETCH(QStringList, values);
-    QFETCH(QByteArray, path);
-    QFETCH(QByteArray, body);
-
-    FakeService service;
-    service.expect(path, Answer::json("{}"));
-    PresenterClient client(nullptr, service.url());
-    call(client, values);
-
-    body.replace("<server>", service.url().toUtf8());
-    for (int i = 0; i < values.size(); ++i)
-        body.replace('<' + QByteArray::number(i) + '>', values.at(i).toUtf8());
-    QCOMPARE(service.last().method, QByteArray("POST"));
-    QCOMPARE(service.last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
-    QCOMPARE(service.last().body, body);
-}
-
-void tst_PresenterClientAccount::callbackUrlEndsWithSlashForFacebookOnly_data()
-{
-    QTest::addColumn<QString>("provider");
-    QTest::addColumn<bool>("slash");
-
-    QTest::newRow("facebook") << "facebook" << true;
-    QTest::newRow("capital") << "Facebook" << false;
-    QTest::newRow("longer") << "facebook2" << false;
-    QTest::newRow("another") << "google" << false;
-}
-
-void tst_PresenterClientAccount::callbackUrlEndsWithSlashForFacebookOnly()
-{
-    QFETCH(QString, provider);
-    QFETCH(bool, slash);
-
-    const QByteArray path = "/tavisto/login/oauth/" + provider.toUtf8() + "/callback";
-    FakeService service;
-    service.expect(path, Answer::json("{}"));
-    service.expect(path, Answer::json("{}"));
-    PresenterClient client(nullptr, service.url());
-    QString registration;
-    client.doLoginWithOAuth(provider, QStringLiteral("c"), registration);
-    client.doGetOAuthAccessToken(provider, QStringLiteral("c"), QString(), QString(), registration);
-
-    const QByteArray url = service.url().toUtf8() + (slash ? "/" : "");
-    for (const FakeService::Request& request : service.requests())
-        QVERIFY2(request.body.contains("\"callbackUrl\":\"" + url + "\","), request.body.constData());
-}
-
-void tst_PresenterClientAccount::completesTheRegistrationText_data()
-{
-    QTest::addColumn<QString>("registration");
-    QTest::addColumn<QByteArray>("body");
-
-    QTest::newRow("last member is a text")
-        << R"({"name":"x","mail":"y"})" << QByteArray(R"({"name":"x","mail":"y","sourceSystem":"Lumora"})");
-    QTest::newRow("blank before the brace")
-        << "{\"name\":\"x\"\n}" << QByteArray("{\"name\":\"x\",\"sourceSystem\":\"Lumora\"\n}");
-    QTest::newRow("last member is a number")
-        << R"({"name":"x","age":5})" << QByteArray(R"({"name":"x","age","sourceSystem":"Lumora":5})");
-    QTest::newRow("not ASCII") << QString::fromUtf8(R"({"name":"Zoë %1"})")
-                               << QByteArray(R"({"name":"Zoë %1","sourceSystem":"Lumora"})");
-}
-
-void tst_PresenterClientAccount::completesTheRegistrationText()
-{
-    QFETCH(QString, registration);
-    QFETCH(QByteArray, body);
-
-    FakeService service;
-    service.expect(REGISTER, Answer::json("{}"));
-    PresenterClient client(nullptr, service.url());
-    client.doLoginWithOAuth(QStringLiteral("google"), QStringLiteral("c"), registration);
-
-    QCOMPARE(service.last().body, body);
-    QVERIFY(registration.isNull());
-}
-
-void tst_PresenterClientAccount::infoMessagesDecideTheLogin_data()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<bool>("loggedIn");
-
-    const auto row = [](const char* body, bool loggedIn) {
-        QTest::newRow(body) << QByteArray(body) << loggedIn;
-    };
-    row(R"({"infoMsgKeys":["login.success"]})", true);
-    row(R"({"infoMsgKeys":["unsuccessful"]})", true);
-    row(R"({"infoMsgKeys":["login.Success"]})", false);
-    row(R"({"infoMsgKeys":["login.refused","login.success"]})", false);
-    row(R"({"infoMsgKeys":[]})", false);
-    row(R"({"infoMsgKeys":"success"})", false);
-    row(R"({"infoMsgs":["a success"]})", true);
-    row(R"({"infoMsgs":["a success"],"infoMsgKeys":["login.refused"]})", true);
-    row(R"({"infoMsgs":["refused"],"infoMsgKeys":["login.success"]})", false);
-    row(R"({"infoMsgs":["refused","success"]})", false);
-    row(R"({"infoMsgs":[],"infoMsgKeys":["login.success"]})", false);
-    row(R"({"infoMsgs":"refused","infoMsgKeys":["login.success"]})", true);
-    row(R"({"infoMsgs":{"a":"b"},"infoMsgKeys":["login.success"]})", true);
-    row(R"({"infoMsgs":null,"infoMsgKeys":["login.success"]})", true);
-    row(R"({"success":true})", false);
-    row(R"({"infoMsgKeys":["login.success.registration"]})", true);
-    row("[\"success\"]", false);
-    row("success", false);
-    row("", false);
-}
-
-void tst_PresenterClientAccount::infoMessagesDecideTheLogin()
-{
-    QFETCH(QByteArray, body);
-    QFETCH(bool, loggedIn);
-
-    FakeService service;
-    service.expect(SUBMIT, Answer::json(body));
-    service.expect(SUBMIT, Answer::json(body));
-    PresenterClient client(nullptr, service.url());
-
-    QCOMPARE(loginByPassword(client), loggedIn);
-    QCOMPARE(client.isLoggedIn(), loggedIn);
-    QCOMPARE(loginByDevice(client), loggedIn);
-    QVERIFY(client.lastError().isNull());
-    QVERIFY(client.registration().isNull());
-    QCOMPARE(client.userId(), QStringLiteral("u"));
-}
-
-void tst_PresenterClientAccount::refusedLoginKeepsTheErrorKey_data()
-{
-    QTest::addColumn<Login>("login");
-    QTest::addColumn<QByteArray>("path");
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<QString>("error");
-
-    const QByteArray first(R"({"errorMsgKeys":["login.error.password","b.error"]})");
-    const QString key = QStringLiteral("login.error.password");
-    QTest::newRow("password") << Login(loginByPassword) << QByteArray(SUBMIT) << first << key;
-    QTest::newRow("device") << Login(loginByDevice) << QByteArray(SUBMIT) << first << key;
-    QTest::newRow("OAuth") << Login(loginWithOAuth) << QByteArray(CALLBACK) << first << key;
-    QTest::newRow("registration") << Login(registerWithOAuth) << QByteArray(REGISTER) << first << key;
-    const auto row = [](const char* name, const char* body) {
-        QTest::newRow(name) << Login(loginByPassword) << QByteArray(SUBMIT) << QByteArray(body) << QString();
-    };
-    row("first key without error", R"({"errorMsgKeys":["login.refused","b.error"]})");
-    row("no key", R"({"infoMsgKeys":["login.success"]})");
-    row("no JSON", "<html>error</html>");
-    row("no body", "");
-}
-
-void tst_PresenterClientAccount::refusedLoginKeepsTheErrorKey()
-{
-    QFETCH(Login, login);
-    QFETCH(QByteArray, path);
-    QFETCH(QByteArray, body);
-    QFETCH(QString, error);
-
-    FakeService service;
-    service.expect(path, Answer::json(body, 401));
-    PresenterClient client(nullptr, service.url());
-
-    QVERIFY(!login(client));
-    QVERIFY(!client.isLoggedIn());
-    QCOMPARE(client.lastError(), error);
-    QCOMPARE(client.lastError().isNull(), error.isNull());
-}
-
-void tst_PresenterClientAccount::unansweredLoginFailsWithoutAKey_data()
-{
-    QTest::addColumn<bool>("cut");
-
-    QTest::newRow("service gone") << false;
-    QTest::newRow("answer cut short") << true;
-}
-
-void tst_PresenterClientAccount::unansweredLoginFailsWithoutAKey()
-{
-    QFETCH(bool, cut);
-
-    FakeService service;
-    service.expect(SUBMIT, cut ? Answer::cut(REFUSED) : Answer::gone());
-    PresenterClient client(nullptr, service.url());
-
-    QVERIFY(!loginByPassword(client));
-    QVERIFY(client.lastError().isNull());
-}
-
-void tst_PresenterClientAccount::loginStartsAnew_data()
-{
-    QTest::addColumn<Login>("login");
-    QTest::addColumn<QByteArray>("path");
-
-    QTest::newRow("password") << Login(loginByPassword) << QByteArray(SUBMIT);
-    QTest::newRow("device") << Login(loginByDevice) << QByteArray(SUBMIT);
-    QTest::newRow("OAuth") << Login(loginWithOAuth) << QByteArray(CALLBACK);
-    QTest::newRow("registration") << Login(registerWithOAuth) << QByteArray(REGISTER);
-}
-
-// Neither the error nor the login of an earlier call outlives the start of the next.
-void tst_PresenterClientAccount::loginStartsAnew()
-{
-    QFETCH(Login, login);
-    QFETCH(QByteArray, path);
-
-    FakeService service;
-    PresenterClient client(nullptr, service.url());
-    client.loginSuccessResponse(QString::fromLatin1(SUCCESS));
-    client.loginFailureResponse(nullptr, QString::fromLatin1(REFUSED));
-    QVERIFY(client.isLoggedIn());
-    QVERIFY(!client.lastError().isNull());
-    bool loggedInMeanwhile = true;
-    service.expect(path, Answer::json("{}").then([&] { loggedInMeanwhile = client.isLoggedIn(); }));
-
-    QVERIFY(!login(client));
-    QVERIFY(!loggedInMeanwhile);
-    QVERIFY(client.lastError().isNull());
-}
-
-void tst_PresenterClientAccount::oauthLoginCanAskForRegistration_data()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<bool>("loggedIn");
-    QTest::addColumn<QString>("registration");
-
-    const auto row = [](const char* name, const char* body, bool loggedIn, const char* registration) {
-        QTest::newRow(name) << QByteArray(body) << loggedIn << QString::fromUtf8(registration);
-    };
-    row("asked", R"({"infoMsgKeys":["success.registration"],"data":{"email":"zoë@x"}})", false,
-        R"({"email":"zoë@x"})");
-    row("data in the middle", R"({"data":{"a":1},"infoMsgKeys":["success.registration"]})", false,
-        R"({"a":1},"infoMsgKeys":["success.registration"])");
-    row("line end behind", "{\"infoMsgKeys\":[\"success.registration\"],\"data\":{\"a\":1}}\n", false,
-        "{\"a\":1}}");
-    row("blank before the data", R"({"infoMsgKeys":["success.registration"],"data": {}})", false, " {}");
-    row("without data", R"({"infoMsgKeys":["success.registration"]})", false,
-        R"(MsgKeys":["success.registration"])");
-    row("blank before the colon", R"({"data" :{},"infoMsgKeys":["success.registration"]})", false,
-        R"(" :{},"infoMsgKeys":["success.registration"])");
-    row("no registration in the key", R"({"infoMsgKeys":["success"],"data":{"a":1}})", true, nullptr);
-    row("no success in the key", R"({"infoMsgKeys":["registration"],"data":{"a":1}})", false, nullptr);
-    row("in infoMsgs", R"({"infoMsgs":["success.registration"],"data":{"a":1}})", true, nullptr);
-    row("in the second key", R"({"infoMsgKeys":["success","registration"],"data":{"a":1}})", true, nullptr);
-    row("no JSON", R"(success.registration "data":{"a":1}})", false, nullptr);
-}
-
-void tst_PresenterClientAccount::oauthLoginCanAskForRegistration()
-{
-    QFETCH(QByteArray, body);
-    QFETCH(bool, loggedIn);
-    QFETCH(QString, registration);
-
-    FakeService service;
-    service.expect(CALLBACK, Answer::json(body));
-    PresenterClient client(nullptr, service.url());
-    QString given;
-
-    QCOMPARE(client.doLoginWithOAuth(QStringLiteral("google"), QStringLiteral("c"), given), loggedIn);
-    QCOMPARE(client.isLoggedIn(), loggedIn);
-    QCOMPARE(given, registration);
-    QCOMPARE(client.registration(), registration);
-    QCOMPARE(client.registration().isNull(), registration.isNull());
-}
-
-void tst_PresenterClientAccount::passwordLoginAsksForNoRegistration()
-{
-    FakeService service;
-    service.expect(SUBMIT, Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{}})"));
-    PresenterClient client(nullptr, service.url());
-
-    QVERIFY(loginByPassword(client));
-    QVERIFY(client.registration().isNull());
-}
-
-// What counts is whether the client knows a provider and a code, not which login it was.
-void tst_PresenterClientAccount::passwordLoginAfterOAuthAsksForRegistration()
-{
-    FakeService service;
-    service.expect(CALLBACK, Answer::json("{}"));
-    service.expect(SUBMIT, Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{"a":1}})"));
-    PresenterClient client(nullptr, service.url());
-    QVERIFY(!loginWithOAuth(client));
-
-    QVERIFY(!loginByPassword(client));
-    QCOMPARE(client.registration(), QStringLiteral(R"({"a":1})"));
-}
-
-void tst_PresenterClientAccount::registrationIsCompletedInASecondStep()
-{
-    FakeService service;
-    service.expect(CALLBACK, Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{"mail":"m"}})"));
-    service.expect(REGISTER, Answer::json(SUCCESS));
-    PresenterClient client(nullptr, service.url());
-    QString registration;
-
-    QVERIFY(!client.doLoginWithOAuth(QStringLiteral("google"), QStringLiteral("c"), registration));
-    QCOMPARE(registration, QStringLiteral(R"({"mail":"m"})"));
-    QVERIFY(client.doLoginWithOAuth(QStringLiteral("google"), QStringLiteral("c"), registration));
-    QVERIFY(registration.isNull());
-    QVERIFY(client.registration().isNull());
-}
 
 QTEST_GUILESS_MAIN(tst_PresenterClientAccount)
 

@@ -17,175 +17,162 @@ class tst_PresenterClientChannel : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void unreachableBusIsNoFailure();
-    void secondStartForgetsTheFirstChannel();
-    void openLimitIsPassedOn();
-    void stoppedSessionCanBeFollowedByAnother();
-    void goodbyeIsSaidToTheWholeSession();
-    void logoutClosesTheChannelAndStops();
+    void unreachableBusIsNoFailure()
+    {
+        Lesson lesson;
+        lesson.bus.stopListening();
 
-    void hostMayDeleteTheChannel();
-    void hostMayDeleteTheChannelAndStartAgain();
-    void hostMayDeleteTheChannelWhileItOpens();
-    void hostMayDeleteTheClientWhileTheChannelOpens();
-    void hostMayDeleteTheClientWhenConnected();
+        QVERIFY(lesson.startWell());
+        QVERIFY(lesson.collab);
+        QVERIFY(!lesson.collab->isConnected());
+        QVERIFY(lesson.stop());
+    }
+
+    void secondStartForgetsTheFirstChannel()
+    {
+        Lesson lesson;
+        QVERIFY(lesson.startWell());
+        const QPointer<PresenterCollab> first = lesson.collab;
+        QTRY_VERIFY(first->isConnected());
+        QVERIFY(lesson.startWell());
+
+        QVERIFY(lesson.collab != first);
+        QCOMPARE(lesson.client->collab(), lesson.collab);
+        QVERIFY(first);
+        QCOMPARE(first->parent(), lesson.client.get());
+        QTRY_VERIFY(lesson.collab->isConnected());
+        QVERIFY(lesson.stop()); // closes the second one only
+        QTRY_COMPARE(lesson.bus.endedSessions(), 1);
+        QVERIFY(first->isConnected());
+        lesson.client.reset();
+        QVERIFY(!first);
+    }
+
+    void openLimitIsPassedOn()
+    {
+        Lesson lesson;
+        QVERIFY(lesson.startWell());
+        QCOMPARE(lesson.collab->connector()->openLimit(), 0);
+        lesson.client->setOpenLimit(4321);
+
+        QVERIFY(lesson.startWell());
+        QCOMPARE(lesson.collab->connector()->openLimit(), 4321);
+    }
+
+    void stoppedSessionCanBeFollowedByAnother()
+    {
+        Lesson lesson;
+        QVERIFY(lesson.startWell());
+        QTRY_VERIFY(lesson.collab->isConnected());
+        QVERIFY(lesson.stop());
+        lesson.service.expect("/tavisto/login/user", Answer::json(R"({"data":{"userLoginId":"teacher"}})"));
+        lesson.service.expect("/tavisto/session/create", Answer::json(R"({"data":{"sessionCode":"2"}})"));
+        QVERIFY(lesson.client->doStartSession(QString()));
+
+        QVERIFY(lesson.startWell());
+        QCOMPARE(lesson.collab->sessionCode(), QStringLiteral("2"));
+        QTRY_VERIFY(lesson.collab->isConnected());
+    }
+
+    void goodbyeIsSaidToTheWholeSession()
+    {
+        Lesson lesson;
+        QVERIFY(lesson.startWell());
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(!Lesson::registered(lesson.bus.nextMessage()).isNull());
+        QVERIFY(lesson.stop());
+
+        const QJsonObject frame = QJsonDocument::fromJson(lesson.bus.nextMessage().toUtf8()).object();
+        const QJsonObject body = frame.value("body").toObject();
+        QCOMPARE(frame.value("address").toString(), QStringLiteral("T"));
+        QCOMPARE(body.value("from").toString(), QStringLiteral("U"));
+        QCOMPARE(body.value("type").toString(), QStringLiteral("disconnect"));
+        QString data;
+        QVERIFY(Lzma::decompress64(body.value("data").toVariant().toStringList().value(0), &data));
+        QCOMPARE(data, QStringLiteral("\"\""));
+        QTRY_COMPARE(lesson.bus.endedSessions(), 1);
+    }
+
+    void logoutClosesTheChannelAndStops()
+    {
+        Lesson lesson;
+        QVERIFY(lesson.startWell());
+        QTRY_VERIFY(lesson.collab->isConnected());
+        lesson.service.expect(Lesson::STOP, Answer::json("{}"));
+        lesson.service.expect("/tavisto/login/logout", Answer::json("{}"));
+
+        QVERIFY(lesson.client->doLogout());
+        QVERIFY(!lesson.collab->isConnected());
+        QTRY_COMPARE(lesson.bus.endedSessions(), 1);
+    }
+
+    void hostMayDeleteTheChannel()
+    {
+        Lesson lesson;
+        QVERIFY(lesson.startWell());
+        delete lesson.collab;
+
+        QVERIFY(!lesson.client->collab());
+        QVERIFY(lesson.stop());
+        QTRY_COMPARE(lesson.bus.openConnections(), 0);
+    }
+
+    void hostMayDeleteTheChannelAndStartAgain()
+    {
+        Lesson lesson;
+        QVERIFY(lesson.startWell());
+        delete lesson.collab;
+
+        QVERIFY(lesson.startWell());
+        QCOMPARE(lesson.client->collab(), lesson.collab);
+        QTRY_VERIFY(lesson.collab->isConnected());
+    }
+
+    // The server leaves the WebSocket without an answer; what the host does meanwhile ends the wait.
+    void hostMayDeleteTheChannelWhileItOpens()
+    {
+        Lesson lesson;
+        lesson.bus.setUpgrade(FakeSockJSServer::Silent);
+        lesson.expectStart();
+        connect(&lesson.bus, &FakeSockJSServer::requested, this,
+                [&] { QTimer::singleShot(0, this, [&] { delete lesson.client->collab(); }); });
+        lesson.start();
+
+        QVERIFY(!lesson.client->collab());
+        QVERIFY(!lesson.collab);
+        QVERIFY(lesson.stop());
+    }
+
+    void hostMayDeleteTheClientWhileTheChannelOpens()
+    {
+        Lesson lesson;
+        lesson.bus.setUpgrade(FakeSockJSServer::Silent);
+        lesson.expectStart();
+        lesson.service.expect(Lesson::STOP, Answer::json("{}"));
+        connect(&lesson.bus, &FakeSockJSServer::requested, this,
+                [&] { QTimer::singleShot(0, this, [&] { lesson.client.reset(); }); });
+
+        QVERIFY(!lesson.client->startWebsocket(&lesson.collab));
+        QVERIFY(!lesson.collab);
+    }
+
+    void hostMayDeleteTheClientWhenConnected()
+    {
+        Lesson lesson;
+        lesson.bus.setUpgrade(FakeSockJSServer::Mute);
+        QVERIFY(lesson.startWell());
+        const QPointer<PresenterCollab> collab = lesson.collab;
+        QVERIFY(!collab->isConnected());
+        lesson.service.expect(Lesson::STOP, Answer::json("{}"));
+        connect(collab->connector(), &SockJSConnector::connected, this, [&] { lesson.client.reset(); });
+        lesson.bus.inject(QStringLiteral("o"));
+
+        QTRY_VERIFY(!collab);
+        QTRY_COMPARE(lesson.bus.openConnections(), 0);
+    }
 
     void requestsKeepTheirProxyAfterAnOpen();
 };
-
-void tst_PresenterClientChannel::unreachableBusIsNoFailure()
-{
-    Lesson lesson;
-    lesson.bus.stopListening();
-
-    QVERIFY(lesson.startWell());
-    QVERIFY(lesson.collab);
-    QVERIFY(!lesson.collab->isConnected());
-    QVERIFY(lesson.stop());
-}
-
-void tst_PresenterClientChannel::secondStartForgetsTheFirstChannel()
-{
-    Lesson lesson;
-    QVERIFY(lesson.startWell());
-    const QPointer<PresenterCollab> first = lesson.collab;
-    QTRY_VERIFY(first->isConnected());
-    QVERIFY(lesson.startWell());
-
-    QVERIFY(lesson.collab != first);
-    QCOMPARE(lesson.client->collab(), lesson.collab);
-    QVERIFY(first);
-    QCOMPARE(first->parent(), lesson.client.get());
-    QTRY_VERIFY(lesson.collab->isConnected());
-    QVERIFY(lesson.stop()); // closes the second one only
-    QTRY_COMPARE(lesson.bus.endedSessions(), 1);
-    QVERIFY(first->isConnected());
-    lesson.client.reset();
-    QVERIFY(!first);
-}
-
-void tst_PresenterClientChannel::openLimitIsPassedOn()
-{
-    Lesson lesson;
-    QVERIFY(lesson.startWell());
-    QCOMPARE(lesson.collab->connector()->openLimit(), 0);
-    lesson.client->setOpenLimit(4321);
-
-    QVERIFY(lesson.startWell());
-    QCOMPARE(lesson.collab->connector()->openLimit(), 4321);
-}
-
-void tst_PresenterClientChannel::stoppedSessionCanBeFollowedByAnother()
-{
-    Lesson lesson;
-    QVERIFY(lesson.startWell());
-    QTRY_VERIFY(lesson.collab->isConnected());
-    QVERIFY(lesson.stop());
-    lesson.service.expect("/tavisto/login/user", Answer::json(R"({"data":{"userLoginId":"teacher"}})"));
-    lesson.service.expect("/tavisto/session/create", Answer::json(R"({"data":{"sessionCode":"2"}})"));
-    QVERIFY(lesson.client->doStartSession(QString()));
-
-    QVERIFY(lesson.startWell());
-    QCOMPARE(lesson.collab->sessionCode(), QStringLiteral("2"));
-    QTRY_VERIFY(lesson.collab->isConnected());
-}
-
-void tst_PresenterClientChannel::goodbyeIsSaidToTheWholeSession()
-{
-    Lesson lesson;
-    QVERIFY(lesson.startWell());
-    for (int i = 0; i < 3; ++i)
-        QVERIFY(!Lesson::registered(lesson.bus.nextMessage()).isNull());
-    QVERIFY(lesson.stop());
-
-    const QJsonObject frame = QJsonDocument::fromJson(lesson.bus.nextMessage().toUtf8()).object();
-    const QJsonObject body = frame.value("body").toObject();
-    QCOMPARE(frame.value("address").toString(), QStringLiteral("T"));
-    QCOMPARE(body.value("from").toString(), QStringLiteral("U"));
-    QCOMPARE(body.value("type").toString(), QStringLiteral("disconnect"));
-    QString data;
-    QVERIFY(Lzma::decompress64(body.value("data").toVariant().toStringList().value(0), &data));
-    QCOMPARE(data, QStringLiteral("\"\""));
-    QTRY_COMPARE(lesson.bus.endedSessions(), 1);
-}
-
-void tst_PresenterClientChannel::logoutClosesTheChannelAndStops()
-{
-    Lesson lesson;
-    QVERIFY(lesson.startWell());
-    QTRY_VERIFY(lesson.collab->isConnected());
-    lesson.service.expect(Lesson::STOP, Answer::json("{}"));
-    lesson.service.expect("/tavisto/login/logout", Answer::json("{}"));
-
-    QVERIFY(lesson.client->doLogout());
-    QVERIFY(!lesson.collab->isConnected());
-    QTRY_COMPARE(lesson.bus.endedSessions(), 1);
-}
-
-void tst_PresenterClientChannel::hostMayDeleteTheChannel()
-{
-    Lesson lesson;
-    QVERIFY(lesson.startWell());
-    delete lesson.collab;
-
-    QVERIFY(!lesson.client->collab());
-    QVERIFY(lesson.stop());
-    QTRY_COMPARE(lesson.bus.openConnections(), 0);
-}
-
-void tst_PresenterClientChannel::hostMayDeleteTheChannelAndStartAgain()
-{
-    Lesson lesson;
-    QVERIFY(lesson.startWell());
-    delete lesson.collab;
-
-    QVERIFY(lesson.startWell());
-    QCOMPARE(lesson.client->collab(), lesson.collab);
-    QTRY_VERIFY(lesson.collab->isConnected());
-}
-
-// The server leaves the WebSocket without an answer; what the host does meanwhile ends the wait.
-void tst_PresenterClientChannel::hostMayDeleteTheChannelWhileItOpens()
-{
-    Lesson lesson;
-    lesson.bus.setUpgrade(FakeSockJSServer::Silent);
-    lesson.expectStart();
-    connect(&lesson.bus, &FakeSockJSServer::requested, this,
-            [&] { QTimer::singleShot(0, this, [&] { delete lesson.client->collab(); }); });
-    lesson.start();
-
-    QVERIFY(!lesson.client->collab());
-    QVERIFY(!lesson.collab);
-    QVERIFY(lesson.stop());
-}
-
-void tst_PresenterClientChannel::hostMayDeleteTheClientWhileTheChannelOpens()
-{
-    Lesson lesson;
-    lesson.bus.setUpgrade(FakeSockJSServer::Silent);
-    lesson.expectStart();
-    lesson.service.expect(Lesson::STOP, Answer::json("{}"));
-    connect(&lesson.bus, &FakeSockJSServer::requested, this,
-            [&] { QTimer::singleShot(0, this, [&] { lesson.client.reset(); }); });
-
-    QVERIFY(!lesson.client->startWebsocket(&lesson.collab));
-    QVERIFY(!lesson.collab);
-}
-
-void tst_PresenterClientChannel::hostMayDeleteTheClientWhenConnected()
-{
-    Lesson lesson;
-    lesson.bus.setUpgrade(FakeSockJSServer::Mute);
-    QVERIFY(lesson.startWell());
-    const QPointer<PresenterCollab> collab = lesson.collab;
-    QVERIFY(!collab->isConnected());
-    lesson.service.expect(Lesson::STOP, Answer::json("{}"));
-    connect(collab->connector(), &SockJSConnector::connected, this, [&] { lesson.client.reset(); });
-    lesson.bus.inject(QStringLiteral("o"));
-
-    QTRY_VERIFY(!collab);
-    QTRY_COMPARE(lesson.bus.openConnections(), 0);
-}
 
 // Opening a WebSocket exports the proxy in a form that Qt misreads afterwards.
 void tst_PresenterClientChannel::requestsKeepTheirProxyAfterAnOpen()

@@ -20,132 +20,375 @@ class tst_PresenterClientCollaboration : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void asksTheServiceInFourSteps();
-    void valuesAreSentAsTheyAre_data();
-    void valuesAreSentAsTheyAre();
-    void opensTheChannelOfTheSession();
-    void logsTokenAndAddress();
+    void asksTheServiceInFourSteps()
+    {
+        Lesson lesson;
+
+        QVERIFY(lesson.startWell());
+        const QList<FakeService::Request> requests = lesson.service.requests();
+        QCOMPARE(lesson.service.paths(),
+                 (QList<QByteArray>{Lesson::ADDRESS, Lesson::FEATURES, Lesson::START, Lesson::JOIN}));
+        for (const FakeService::Request& request : requests) {
+            QCOMPARE(request.method, QByteArray("POST"));
+            QCOMPARE(request.header("content-type"), QByteArray("application/json; charset=UTF-8"));
+        }
+        QCOMPARE(requests.at(0).body, QByteArray("{}"));
+        QCOMPARE(requests.at(1).body, QByteArray("{}"));
+        QCOMPARE(requests.at(2).body, "{\"sessionCode\": \"123456\",\"serverUrl\":\"" +
+                                          lesson.bus.url().toEncoded() +
+                                          "\",\"sourceSystem\":\"Lumora\",\"version\":\"3.0.0\"}");
+        QCOMPARE(requests.at(3).body,
+                 QByteArray(R"({"userName":"SessionStarter","sessionCode":"123456","mode":"presenter",)"
+                            R"("deviceName":"teacher_SessionStarter","deviceType":"presenter"})"));
+    }
+
+    void valuesAreSentAsTheyAre_data()
+    {
+        QTest::addColumn<QString>("value");
+
+        QTest::newRow("quotes") << "a\"b";
+        QTest::newRow("placeholders") << "%1%2%0";
+        QTest::newRow("not ASCII") << QString::fromUtf8("Zoë 🎓");
+        QTest::newRow("backslash") << "a\\";
+    }
+
+    // Nothing is escaped: a user id with a quote in it makes the body no JSON at all.
+    void valuesAreSentAsTheyAre()
+    {
+        QFETCH(QString, value);
+
+        const auto envelope = [&](const char* key) {
+            const QJsonObject data{{QLatin1String(key), value}};
+            const QJsonObject object{{QStringLiteral("data"), data}};
+            return QString::fromUtf8(QJsonDocument(object).toJson());
+        };
+        Lesson lesson;
+        lesson.client->sessionSuccessResponse(envelope("sessionCode"));
+        lesson.client->userNameResponse(envelope("userLoginId"));
+
+        QVERIFY(lesson.startWell());
+        const QByteArray bytes = value.toUtf8();
+        QCOMPARE(lesson.service.requests().at(2).body,
+                 "{\"sessionCode\": \"" + bytes + "\",\"serverUrl\":\"" + lesson.bus.url().toEncoded() +
+                     "\",\"sourceSystem\":\"Lumora\",\"version\":\"3.0.0\"}");
+        QCOMPARE(lesson.service.requests().at(3).body,
+                 "{\"userName\":\"SessionStarter\",\"sessionCode\":\"" + bytes +
+                     "\",\"mode\":\"presenter\",\"deviceName\":\"" + bytes +
+                     "_SessionStarter\",\"deviceType\":\"presenter\"}");
+    }
+
+    void opensTheChannelOfTheSession()
+    {
+        Lesson lesson;
+
+        QVERIFY(lesson.startWell());
+        PresenterCollab* collab = lesson.collab;
+        QVERIFY(collab);
+        QCOMPARE(lesson.client->collab(), collab);
+        QCOMPARE(collab->parent(), lesson.client.get());
+        QCOMPARE(collab->serverUrl(), lesson.bus.url().toString());
+        QCOMPARE(collab->sessionCode(), QStringLiteral("123456"));
+        QCOMPARE(collab->sessionToken(), QStringLiteral("T"));
+        QCOMPARE(collab->userToken(), QStringLiteral("U"));
+        QCOMPARE(lesson.client->collabServerUrl(), lesson.bus.url().toString());
+        QCOMPARE(lesson.client->sessionToken(), QStringLiteral("T"));
+        QCOMPARE(lesson.client->userToken(), QStringLiteral("U"));
+        QCOMPARE(lesson.client->sockJSProtocols(), QStringList{"websocket"});
+        QVERIFY(lesson.client->lastError().isNull());
+        QTRY_VERIFY(collab->isConnected());
+        for (const char* address : {"T", "T.presenter", "T.presenter.U"})
+            QCOMPARE(Lesson::registered(lesson.bus.nextMessage()), QString::fromLatin1(address));
+    }
+
+    void logsTokenAndAddress()
+    {
+        Lesson lesson;
+        lesson.expectStart(Answer::json(Lesson::WEBSOCKET),
+                           Answer::json(R"({"data":{"sessionToken":"tokenToFind"}})"));
+        const LogRecorder log;
+        QVERIFY(lesson.start());
+
+        const QStringList lines = log.debug();
+        int connecting = 0;
+        while (connecting < lines.size() &&
+               !lines.at(connecting).startsWith("Connecting to collaboration server:"))
+            ++connecting;
+        QVERIFY(connecting >= 2 && connecting < lines.size());
+        QVERIFY(lines.at(connecting - 2).contains("tokenToFind"));
+        QVERIFY(lines.at(connecting - 1).contains(lesson.bus.url().toString()));
+        QVERIFY(!lines.at(connecting - 2).startsWith("[REST Response]"));
+        QVERIFY(!lines.at(connecting - 1).startsWith("[REST Response]"));
+    }
 
     void noAddressEndsTheChain_data();
-    void noAddressEndsTheChain();
-    void earlierAddressServesWhenTheRequestFails();
-    void tenantNamesTheTransports_data();
-    void tenantNamesTheTransports();
-    void overrideWinsOverTheTenant();
-    void emptyOverrideIsNone();
-    void overrideCanBeSetAgain();
-    void transportsAreTriedInTheirOrder();
 
-    void refusedStartEndsTheChain();
-    void earlierErrorEndsTheChain();
-    void startWithoutTokenGoesOn_data();
-    void startWithoutTokenGoesOn();
-    void failedStartKeepsTheEarlierToken();
-    void failedJoinKeepsTheUserToken_data();
-    void failedJoinKeepsTheUserToken();
-    void handlersLeaveThingsAloneWithoutJson();
-    void absentKeysOverwriteWithNothing();
-};
+    void noAddressEndsTheChain()
+    {
+        QFETCH(int, kind);
+        QFETCH(QByteArray, body);
 
-void tst_PresenterClientCollaboration::asksTheServiceInFourSteps()
-{
-    Lesson lesson;
+        Lesson lesson;
+        lesson.service.expect(Lesson::ADDRESS, kind ? Answer::json(body, kind) : Answer::gone());
+        PresenterCollab other(nullptr, QString(), QString(), QString(), QString());
+        lesson.collab = &other;
+        const LogRecorder log;
 
-    QVERIFY(lesson.startWell());
-    const QList<FakeService::Request> requests = lesson.service.requests();
-    QCOMPARE(lesson.service.paths(),
-             (QList<QByteArray>{Lesson::ADDRESS, Lesson::FEATURES, Lesson::START, Lesson::JOIN}));
-    for (const FakeService::Request& request : requests) {
-        QCOMPARE(request.method, QByteArray("POST"));
-        QCOMPARE(request.header("content-type"), QByteArray("application/json; charset=UTF-8"));
+        QVERIFY(!lesson.start());
+        QCOMPARE(log.debug().last(), QStringLiteral("ERROR: Failed to get collab server URL!"));
+        QCOMPARE(lesson.collab, &other);
+        QVERIFY(!lesson.client->collab());
+        QVERIFY(lesson.client->lastError().isNull());
     }
-    QCOMPARE(requests.at(0).body, QByteArray("{}"));
-    QCOMPARE(requests.at(1).body, QByteArray("{}"));
-    QCOMPARE(requests.at(2).body, "{\"sessionCode\": \"123456\",\"serverUrl\":\"" +
-                                      lesson.bus.url().toEncoded() +
-                                      "\",\"sourceSystem\":\"Lumora\",\"version\":\"3.0.0\"}");
-    QCOMPARE(requests.at(3).body,
-             QByteArray(R"({"userName":"SessionStarter","sessionCode":"123456","mode":"presenter",)"
-                        R"("deviceName":"teacher_SessionStarter","deviceType":"presenter"})"));
-}
 
-void tst_PresenterClientCollaboration::valuesAreSentAsTheyAre_data()
-{
-    QTest::addColumn<QString>("value");
+    void earlierAddressServesWhenTheRequestFails()
+    {
+        Lesson lesson;
+        lesson.client->getCollabUrlResponse(QString::fromUtf8(lesson.address()));
+        lesson.service.expect(Lesson::ADDRESS, Answer::json("{}", 500));
+        lesson.service.expect(Lesson::FEATURES, Answer::json(Lesson::WEBSOCKET));
+        lesson.service.expect(Lesson::START, Answer::json(Lesson::STARTED));
+        lesson.service.expect(Lesson::JOIN, Answer::json(Lesson::JOINED));
 
-    QTest::newRow("quotes") << "a\"b";
-    QTest::newRow("placeholders") << "%1%2%0";
-    QTest::newRow("not ASCII") << QString::fromUtf8("Zoë 🎓");
-    QTest::newRow("backslash") << "a\\";
-}
+        QVERIFY(lesson.start());
+        QCOMPARE(lesson.collab->serverUrl(), lesson.bus.url().toString());
+    }
 
-// Nothing is escaped: a user id with a quote in it makes the body no JSON at all.
-void tst_PresenterClientCollaboration::valuesAreSentAsTheyAre()
-{
-    QFETCH(QString, value);
+    void tenantNamesTheTransports_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QStringList>("protocols");
 
-    const auto envelope = [&](const char* key) {
-        const QJsonObject data{{QLatin1String(key), value}};
-        const QJsonObject object{{QStringLiteral("data"), data}};
-        return QString::fromUtf8(QJsonDocument(object).toJson());
-    };
-    Lesson lesson;
-    lesson.client->sessionSuccessResponse(envelope("sessionCode"));
-    lesson.client->userNameResponse(envelope("userLoginId"));
+        const QStringList earlier{"websocket", "earlier"};
+        QTest::newRow("one") << 200 << QByteArray(Lesson::WEBSOCKET) << QStringList{"websocket"};
+        QTest::newRow("in order") << 200
+                                  << QByteArray(R"({"data":{"sockJSProtocols":["b","websocket","a"]}})")
+                                  << QStringList{"b", "websocket", "a"};
+        QTest::newRow("none") << 200 << QByteArray(R"({"data":{"sockJSProtocols":[]}})") << QStringList();
+        QTest::newRow("absent") << 200 << QByteArray(R"({"data":{}})") << QStringList();
+        QTest::newRow("no data") << 200 << QByteArray("{}") << QStringList();
+        QTest::newRow("no JSON") << 200 << QByteArray("websocket") << earlier;
+        QTest::newRow("http error") << 500 << QByteArray(Lesson::WEBSOCKET) << earlier;
+    }
 
-    QVERIFY(lesson.startWell());
-    const QByteArray bytes = value.toUtf8();
-    QCOMPARE(lesson.service.requests().at(2).body,
-             "{\"sessionCode\": \"" + bytes + "\",\"serverUrl\":\"" + lesson.bus.url().toEncoded() +
-                 "\",\"sourceSystem\":\"Lumora\",\"version\":\"3.0.0\"}");
-    QCOMPARE(lesson.service.requests().at(3).body, "{\"userName\":\"SessionStarter\",\"sessionCode\":\"" +
-                                                       bytes + "\",\"mode\":\"presenter\",\"deviceName\":\"" +
-                                                       bytes +
-                                                       "_SessionStarter\",\"deviceType\":\"presenter\"}");
-}
+    void tenantNamesTheTransports()
+    {
+        QFETCH(int, status);
+        QFETCH(QByteArray, body);
+        QFETCH(QStringList, protocols);
 
-void tst_PresenterClientCollaboration::opensTheChannelOfTheSession()
-{
-    Lesson lesson;
+        Lesson lesson;
+        lesson.client->getTenantFeatureDetailsResponse(
+            QStringLiteral(R"({"data":{"sockJSProtocols":["websocket","earlier"]}})"));
+        lesson.expectStart(Answer::json(body, status));
+        const LogRecorder log;
 
-    QVERIFY(lesson.startWell());
-    PresenterCollab* collab = lesson.collab;
-    QVERIFY(collab);
-    QCOMPARE(lesson.client->collab(), collab);
-    QCOMPARE(collab->parent(), lesson.client.get());
-    QCOMPARE(collab->serverUrl(), lesson.bus.url().toString());
-    QCOMPARE(collab->sessionCode(), QStringLiteral("123456"));
-    QCOMPARE(collab->sessionToken(), QStringLiteral("T"));
-    QCOMPARE(collab->userToken(), QStringLiteral("U"));
-    QCOMPARE(lesson.client->collabServerUrl(), lesson.bus.url().toString());
-    QCOMPARE(lesson.client->sessionToken(), QStringLiteral("T"));
-    QCOMPARE(lesson.client->userToken(), QStringLiteral("U"));
-    QCOMPARE(lesson.client->sockJSProtocols(), QStringList{"websocket"});
-    QVERIFY(lesson.client->lastError().isNull());
-    QTRY_VERIFY(collab->isConnected());
-    for (const char* address : {"T", "T.presenter", "T.presenter.U"})
-        QCOMPARE(Lesson::registered(lesson.bus.nextMessage()), QString::fromLatin1(address));
-}
+        QVERIFY(lesson.start());
+        QCOMPARE(lesson.client->sockJSProtocols(), protocols);
+        const QStringList lines = log.debug(QStringLiteral("Connecting to collaboration server:"));
+        QCOMPARE(lines.size(), 1);
+        QVERIFY2(lines.first().contains(protocols.join(QStringLiteral(", "))), qPrintable(lines.first()));
+        QTRY_VERIFY(lesson.collab->isConnected()); // all of these lists come down to a WebSocket
+    }
 
-void tst_PresenterClientCollaboration::logsTokenAndAddress()
-{
-    Lesson lesson;
-    lesson.expectStart(Answer::json(Lesson::WEBSOCKET),
-                       Answer::json(R"({"data":{"sessionToken":"tokenToFind"}})"));
-    const LogRecorder log;
-    QVERIFY(lesson.start());
+    void overrideWinsOverTheTenant()
+    {
+        Lesson lesson;
+        lesson.expectStart(Answer::json(R"({"data":{"sockJSProtocols":["xhr-polling"]}})"));
+        lesson.client->setSockJSOverrideProtocols({"websocket"});
 
-    const QStringList lines = log.debug();
-    int connecting = 0;
-    while (connecting < lines.size() &&
-           !lines.at(connecting).startsWith("Connecting to collaboration server:"))
-        ++connecting;
-    QVERIFY(connecting >= 2 && connecting < lines.size());
-    QVERIFY(lines.at(connecting - 2).contains("tokenToFind"));
-    QVERIFY(lines.at(connecting - 1).contains(lesson.bus.url().toString()));
-    QVERIFY(!lines.at(connecting - 2).startsWith("[REST Response]"));
-    QVERIFY(!lines.at(connecting - 1).startsWith("[REST Response]"));
-}
+        QVERIFY(lesson.start());
+        QCOMPARE(lesson.client->sockJSProtocols(), QStringList{"websocket"});
+        QTRY_VERIFY(lesson.collab->isConnected());
+        QCOMPARE(lesson.bus.count(QStringLiteral("/websocket")), 1);
+        QCOMPARE(lesson.bus.count(QStringLiteral("/xhr")), 0);
+    }
+
+    void emptyOverrideIsNone()
+    {
+        Lesson lesson;
+        lesson.expectStart(Answer::json(R"({"data":{"sockJSProtocols":["websocket","unknown"]}})"));
+        lesson.client->setSockJSOverrideProtocols({"xhr-polling"});
+        lesson.client->setSockJSOverrideProtocols({});
+
+        QVERIFY(lesson.start());
+        QCOMPARE(lesson.client->sockJSProtocols(), (QStringList{"websocket", "unknown"}));
+    }
+
+    void overrideCanBeSetAgain()
+    {
+        Lesson lesson;
+        lesson.client->setSockJSOverrideProtocols({"xhr-polling"});
+        const QStringList second{"websocket"};
+        lesson.client->setSockJSOverrideProtocols(second);
+        lesson.client->setSockJSOverrideProtocols(second);
+        lesson.expectStart(Answer::json(R"({"data":{}})"));
+
+        QVERIFY(lesson.start());
+        QCOMPARE(lesson.client->sockJSProtocols(), second);
+        QVERIFY(lesson.stop());
+        lesson.expectStart(Answer::json(R"({"data":{"sockJSProtocols":["xhr-streaming"]}})"));
+        QVERIFY(lesson.start());
+        QCOMPARE(lesson.client->sockJSProtocols(), second);
+    }
+
+    void transportsAreTriedInTheirOrder()
+    {
+        Lesson lesson;
+        lesson.bus.setUpgrades({FakeSockJSServer::Refuse404, FakeSockJSServer::Open});
+        lesson.expectStart(
+            Answer::json(R"({"data":{"sockJSProtocols":["websocket","unknown","websocket"]}})"));
+
+        QVERIFY(lesson.start());
+        QTRY_VERIFY(lesson.collab->isConnected());
+        QCOMPARE(lesson.bus.count(QStringLiteral("/websocket")), 2);
+    }
+
+    void refusedStartEndsTheChain()
+    {
+        Lesson lesson;
+        lesson.service.expect(Lesson::ADDRESS, Answer::json(lesson.address()));
+        lesson.service.expect(Lesson::FEATURES, Answer::json(Lesson::WEBSOCKET));
+        lesson.service.expect(Lesson::START, Answer::json(REFUSED, 500));
+
+        QVERIFY(!lesson.start());
+        QVERIFY(!lesson.collab);
+        QVERIFY(!lesson.client->collab());
+        QCOMPARE(lesson.client->lastError(), QStringLiteral("session.start.error"));
+        QVERIFY(lesson.client->sessionToken().isNull());
+        QVERIFY(lesson.bus.requests().isEmpty());
+    }
+
+    // The session is started all the same: the error is looked at only after that request.
+    void earlierErrorEndsTheChain()
+    {
+        Lesson lesson;
+        lesson.client->sessionFailureResponse(nullptr,
+                                              QStringLiteral(R"({"errorMsgKeys":["earlier.error"]})"));
+        lesson.service.expect(Lesson::ADDRESS, Answer::json(lesson.address()));
+        lesson.service.expect(Lesson::FEATURES, Answer::json(Lesson::WEBSOCKET));
+        lesson.service.expect(Lesson::START, Answer::json(Lesson::STARTED));
+
+        QVERIFY(!lesson.start());
+        QVERIFY(!lesson.collab);
+        QCOMPARE(lesson.client->lastError(), QStringLiteral("earlier.error"));
+        QCOMPARE(lesson.client->sessionToken(), QStringLiteral("T"));
+    }
+
+    void startWithoutTokenGoesOn_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QByteArray>("body");
+
+        QTest::newRow("first key without error")
+            << 500 << QByteArray(R"({"errorMsgKeys":["session.refused","b.error"]})");
+        QTest::newRow("no key") << 500 << QByteArray("{}");
+        QTest::newRow("no JSON") << 500 << QByteArray("error");
+        QTest::newRow("answered without JSON") << 200 << QByteArray("started");
+        QTest::newRow("key, but no http error") << 200 << QByteArray(REFUSED);
+    }
+
+    void startWithoutTokenGoesOn()
+    {
+        QFETCH(int, status);
+        QFETCH(QByteArray, body);
+
+        Lesson lesson;
+        lesson.expectStart(Answer::json(Lesson::WEBSOCKET), Answer::json(body, status));
+
+        QVERIFY(lesson.start());
+        QVERIFY(lesson.client->sessionToken().isEmpty());
+        QVERIFY(lesson.collab->sessionToken().isEmpty());
+        QCOMPARE(lesson.collab->userToken(), QStringLiteral("U"));
+        QVERIFY(lesson.client->lastError().isNull());
+    }
+
+    void failedStartKeepsTheEarlierToken()
+    {
+        Lesson lesson;
+        lesson.client->sessionStartSuccessResponse(QStringLiteral(R"({"data":{"sessionToken":"old"}})"));
+        lesson.expectStart(Answer::json(Lesson::WEBSOCKET), Answer::cut(Lesson::STARTED));
+
+        QVERIFY(lesson.start());
+        QCOMPARE(lesson.collab->sessionToken(), QStringLiteral("old"));
+    }
+
+    void failedJoinKeepsTheUserToken_data()
+    {
+        QTest::addColumn<QString>("before");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QByteArray>("body");
+
+        QTest::newRow("http error") << "U0" << 500 << QByteArray(Lesson::JOINED);
+        QTest::newRow("no JSON") << "U0" << 200 << QByteArray("joined");
+        QTest::newRow("none before") << QString() << 500 << QByteArray(REFUSED);
+    }
+
+    void failedJoinKeepsTheUserToken()
+    {
+        QFETCH(QString, before);
+        QFETCH(int, status);
+        QFETCH(QByteArray, body);
+
+        Lesson lesson;
+        if (!before.isNull())
+            lesson.client->sessionJoinResponse(QStringLiteral(R"({"data":{"userToken":"U0"}})"));
+        lesson.expectStart(Answer::json(Lesson::WEBSOCKET), Answer::json(Lesson::STARTED),
+                           Answer::json(body, status));
+
+        QVERIFY(lesson.start());
+        QCOMPARE(lesson.client->userToken(), before);
+        QCOMPARE(lesson.client->userToken().isNull(), before.isNull());
+        QCOMPARE(lesson.collab->userToken(), before);
+        QVERIFY(lesson.client->lastError().isNull());
+    }
+
+    void handlersLeaveThingsAloneWithoutJson()
+    {
+        Lesson lesson;
+        PresenterClient& client = *lesson.client;
+        const QString broken = QStringLiteral("{\"data\":");
+        client.getCollabUrlResponse(QStringLiteral(R"({"data":{"url":"a"}})"));
+        client.getTenantFeatureDetailsResponse(QString::fromLatin1(Lesson::WEBSOCKET));
+        client.sessionStartSuccessResponse(QString::fromLatin1(Lesson::STARTED));
+        client.sessionStartFailureResponse(nullptr, QString::fromLatin1(REFUSED));
+        client.sessionJoinResponse(QString::fromLatin1(Lesson::JOINED));
+        client.getCollabUrlResponse(broken);
+        client.getTenantFeatureDetailsResponse(broken);
+        client.sessionStartSuccessResponse(broken);
+        client.sessionStartFailureResponse(nullptr, broken);
+        client.sessionJoinResponse(broken);
+
+        QCOMPARE(client.collabServerUrl(), QStringLiteral("a"));
+        QCOMPARE(client.sockJSProtocols(), QStringList{"websocket"});
+        QCOMPARE(client.sessionToken(), QStringLiteral("T"));
+        QCOMPARE(client.lastError(), QStringLiteral("session.start.error"));
+        QCOMPARE(client.userToken(), QStringLiteral("U"));
+    }
+
+    void absentKeysOverwriteWithNothing()
+    {
+        Lesson lesson;
+        PresenterClient& client = *lesson.client;
+        client.getCollabUrlResponse(QStringLiteral(R"({"data":{"url":"a"}})"));
+        client.getTenantFeatureDetailsResponse(QString::fromLatin1(Lesson::WEBSOCKET));
+        client.sessionStartSuccessResponse(QString::fromLatin1(Lesson::STARTED));
+        client.sessionStartFailureResponse(nullptr, QString::fromLatin1(REFUSED));
+        client.sessionJoinResponse(QString::fromLatin1(Lesson::JOINED));
+        const QString nothing = QStringLiteral("{}");
+        client.getCollabUrlResponse(nothing);
+        client.getTenantFeatureDetailsResponse(nothing);
+        client.sessionStartSuccessResponse(nothing);
+        client.sessionStartFailureResponse(nullptr, nothing);
+        client.sessionJoinResponse(nothing);
+
+        QVERIFY(client.collabServerUrl().isEmpty());
+        QVERIFY(client.sockJSProtocols().isEmpty());
+        QVERIFY(client.sessionToken().isEmpty());
+        QVERIFY(client.lastError().isNull());
+        QVERIFY(client.userToken().isEmpty());
+    }
+};
 
 void tst_PresenterClientCollaboration::noAddressEndsTheChain_data()
 {
@@ -159,270 +402,6 @@ void tst_PresenterClientCollaboration::noAddressEndsTheChain_data()
     QTest::newRow("http error") << 500
                                 << QByteArray(R"({"errorMsgKeys":["a.error"],"data":{"url":"http://x"}})");
     QTest::newRow("service gone") << 0 << QByteArray();
-}
-
-void tst_PresenterClientCollaboration::noAddressEndsTheChain()
-{
-    QFETCH(int, kind);
-    QFETCH(QByteArray, body);
-
-    Lesson lesson;
-    lesson.service.expect(Lesson::ADDRESS, kind ? Answer::json(body, kind) : Answer::gone());
-    PresenterCollab other(nullptr, QString(), QString(), QString(), QString());
-    lesson.collab = &other;
-    const LogRecorder log;
-
-    QVERIFY(!lesson.start());
-    QCOMPARE(log.debug().last(), QStringLiteral("ERROR: Failed to get collab server URL!"));
-    QCOMPARE(lesson.collab, &other);
-    QVERIFY(!lesson.client->collab());
-    QVERIFY(lesson.client->lastError().isNull());
-}
-
-void tst_PresenterClientCollaboration::earlierAddressServesWhenTheRequestFails()
-{
-    Lesson lesson;
-    lesson.client->getCollabUrlResponse(QString::fromUtf8(lesson.address()));
-    lesson.service.expect(Lesson::ADDRESS, Answer::json("{}", 500));
-    lesson.service.expect(Lesson::FEATURES, Answer::json(Lesson::WEBSOCKET));
-    lesson.service.expect(Lesson::START, Answer::json(Lesson::STARTED));
-    lesson.service.expect(Lesson::JOIN, Answer::json(Lesson::JOINED));
-
-    QVERIFY(lesson.start());
-    QCOMPARE(lesson.collab->serverUrl(), lesson.bus.url().toString());
-}
-
-void tst_PresenterClientCollaboration::tenantNamesTheTransports_data()
-{
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<QStringList>("protocols");
-
-    const QStringList earlier{"websocket", "earlier"};
-    QTest::newRow("one") << 200 << QByteArray(Lesson::WEBSOCKET) << QStringList{"websocket"};
-    QTest::newRow("in order") << 200 << QByteArray(R"({"data":{"sockJSProtocols":["b","websocket","a"]}})")
-                              << QStringList{"b", "websocket", "a"};
-    QTest::newRow("none") << 200 << QByteArray(R"({"data":{"sockJSProtocols":[]}})") << QStringList();
-    QTest::newRow("absent") << 200 << QByteArray(R"({"data":{}})") << QStringList();
-    QTest::newRow("no data") << 200 << QByteArray("{}") << QStringList();
-    QTest::newRow("no JSON") << 200 << QByteArray("websocket") << earlier;
-    QTest::newRow("http error") << 500 << QByteArray(Lesson::WEBSOCKET) << earlier;
-}
-
-void tst_PresenterClientCollaboration::tenantNamesTheTransports()
-{
-    QFETCH(int, status);
-    QFETCH(QByteArray, body);
-    QFETCH(QStringList, protocols);
-
-    Lesson lesson;
-    lesson.client->getTenantFeatureDetailsResponse(
-        QStringLiteral(R"({"data":{"sockJSProtocols":["websocket","earlier"]}})"));
-    lesson.expectStart(Answer::json(body, status));
-    const LogRecorder log;
-
-    QVERIFY(lesson.start());
-    QCOMPARE(lesson.client->sockJSProtocols(), protocols);
-    const QStringList lines = log.debug(QStringLiteral("Connecting to collaboration server:"));
-    QCOMPARE(lines.size(), 1);
-    QVERIFY2(lines.first().contains(protocols.join(QStringLiteral(", "))), qPrintable(lines.first()));
-    QTRY_VERIFY(lesson.collab->isConnected()); // all of these lists come down to a WebSocket
-}
-
-void tst_PresenterClientCollaboration::overrideWinsOverTheTenant()
-{
-    Lesson lesson;
-    lesson.expectStart(Answer::json(R"({"data":{"sockJSProtocols":["xhr-polling"]}})"));
-    lesson.client->setSockJSOverrideProtocols({"websocket"});
-
-    QVERIFY(lesson.start());
-    QCOMPARE(lesson.client->sockJSProtocols(), QStringList{"websocket"});
-    QTRY_VERIFY(lesson.collab->isConnected());
-    QCOMPARE(lesson.bus.count(QStringLiteral("/websocket")), 1);
-    QCOMPARE(lesson.bus.count(QStringLiteral("/xhr")), 0);
-}
-
-void tst_PresenterClientCollaboration::emptyOverrideIsNone()
-{
-    Lesson lesson;
-    lesson.expectStart(Answer::json(R"({"data":{"sockJSProtocols":["websocket","unknown"]}})"));
-    lesson.client->setSockJSOverrideProtocols({"xhr-polling"});
-    lesson.client->setSockJSOverrideProtocols({});
-
-    QVERIFY(lesson.start());
-    QCOMPARE(lesson.client->sockJSProtocols(), (QStringList{"websocket", "unknown"}));
-}
-
-void tst_PresenterClientCollaboration::overrideCanBeSetAgain()
-{
-    Lesson lesson;
-    lesson.client->setSockJSOverrideProtocols({"xhr-polling"});
-    const QStringList second{"websocket"};
-    lesson.client->setSockJSOverrideProtocols(second);
-    lesson.client->setSockJSOverrideProtocols(second);
-    lesson.expectStart(Answer::json(R"({"data":{}})"));
-
-    QVERIFY(lesson.start());
-    QCOMPARE(lesson.client->sockJSProtocols(), second);
-    QVERIFY(lesson.stop());
-    lesson.expectStart(Answer::json(R"({"data":{"sockJSProtocols":["xhr-streaming"]}})"));
-    QVERIFY(lesson.start());
-    QCOMPARE(lesson.client->sockJSProtocols(), second);
-}
-
-void tst_PresenterClientCollaboration::transportsAreTriedInTheirOrder()
-{
-    Lesson lesson;
-    lesson.bus.setUpgrades({FakeSockJSServer::Refuse404, FakeSockJSServer::Open});
-    lesson.expectStart(Answer::json(R"({"data":{"sockJSProtocols":["websocket","unknown","websocket"]}})"));
-
-    QVERIFY(lesson.start());
-    QTRY_VERIFY(lesson.collab->isConnected());
-    QCOMPARE(lesson.bus.count(QStringLiteral("/websocket")), 2);
-}
-
-void tst_PresenterClientCollaboration::refusedStartEndsTheChain()
-{
-    Lesson lesson;
-    lesson.service.expect(Lesson::ADDRESS, Answer::json(lesson.address()));
-    lesson.service.expect(Lesson::FEATURES, Answer::json(Lesson::WEBSOCKET));
-    lesson.service.expect(Lesson::START, Answer::json(REFUSED, 500));
-
-    QVERIFY(!lesson.start());
-    QVERIFY(!lesson.collab);
-    QVERIFY(!lesson.client->collab());
-    QCOMPARE(lesson.client->lastError(), QStringLiteral("session.start.error"));
-    QVERIFY(lesson.client->sessionToken().isNull());
-    QVERIFY(lesson.bus.requests().isEmpty());
-}
-
-// The session is started all the same: the error is looked at only after that request.
-void tst_PresenterClientCollaboration::earlierErrorEndsTheChain()
-{
-    Lesson lesson;
-    lesson.client->sessionFailureResponse(nullptr, QStringLiteral(R"({"errorMsgKeys":["earlier.error"]})"));
-    lesson.service.expect(Lesson::ADDRESS, Answer::json(lesson.address()));
-    lesson.service.expect(Lesson::FEATURES, Answer::json(Lesson::WEBSOCKET));
-    lesson.service.expect(Lesson::START, Answer::json(Lesson::STARTED));
-
-    QVERIFY(!lesson.start());
-    QVERIFY(!lesson.collab);
-    QCOMPARE(lesson.client->lastError(), QStringLiteral("earlier.error"));
-    QCOMPARE(lesson.client->sessionToken(), QStringLiteral("T"));
-}
-
-void tst_PresenterClientCollaboration::startWithoutTokenGoesOn_data()
-{
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("body");
-
-    QTest::newRow("first key without error")
-        << 500 << QByteArray(R"({"errorMsgKeys":["session.refused","b.error"]})");
-    QTest::newRow("no key") << 500 << QByteArray("{}");
-    QTest::newRow("no JSON") << 500 << QByteArray("error");
-    QTest::newRow("answered without JSON") << 200 << QByteArray("started");
-    QTest::newRow("key, but no http error") << 200 << QByteArray(REFUSED);
-}
-
-void tst_PresenterClientCollaboration::startWithoutTokenGoesOn()
-{
-    QFETCH(int, status);
-    QFETCH(QByteArray, body);
-
-    Lesson lesson;
-    lesson.expectStart(Answer::json(Lesson::WEBSOCKET), Answer::json(body, status));
-
-    QVERIFY(lesson.start());
-    QVERIFY(lesson.client->sessionToken().isEmpty());
-    QVERIFY(lesson.collab->sessionToken().isEmpty());
-    QCOMPARE(lesson.collab->userToken(), QStringLiteral("U"));
-    QVERIFY(lesson.client->lastError().isNull());
-}
-
-void tst_PresenterClientCollaboration::failedStartKeepsTheEarlierToken()
-{
-    Lesson lesson;
-    lesson.client->sessionStartSuccessResponse(QStringLiteral(R"({"data":{"sessionToken":"old"}})"));
-    lesson.expectStart(Answer::json(Lesson::WEBSOCKET), Answer::cut(Lesson::STARTED));
-
-    QVERIFY(lesson.start());
-    QCOMPARE(lesson.collab->sessionToken(), QStringLiteral("old"));
-}
-
-void tst_PresenterClientCollaboration::failedJoinKeepsTheUserToken_data()
-{
-    QTest::addColumn<QString>("before");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("body");
-
-    QTest::newRow("http error") << "U0" << 500 << QByteArray(Lesson::JOINED);
-    QTest::newRow("no JSON") << "U0" << 200 << QByteArray("joined");
-    QTest::newRow("none before") << QString() << 500 << QByteArray(REFUSED);
-}
-
-void tst_PresenterClientCollaboration::failedJoinKeepsTheUserToken()
-{
-    QFETCH(QString, before);
-    QFETCH(int, status);
-    QFETCH(QByteArray, body);
-
-    Lesson lesson;
-    if (!before.isNull())
-        lesson.client->sessionJoinResponse(QStringLiteral(R"({"data":{"userToken":"U0"}})"));
-    lesson.expectStart(Answer::json(Lesson::WEBSOCKET), Answer::json(Lesson::STARTED),
-                       Answer::json(body, status));
-
-    QVERIFY(lesson.start());
-    QCOMPARE(lesson.client->userToken(), before);
-    QCOMPARE(lesson.client->userToken().isNull(), before.isNull());
-    QCOMPARE(lesson.collab->userToken(), before);
-    QVERIFY(lesson.client->lastError().isNull());
-}
-
-void tst_PresenterClientCollaboration::handlersLeaveThingsAloneWithoutJson()
-{
-    Lesson lesson;
-    PresenterClient& client = *lesson.client;
-    const QString broken = QStringLiteral("{\"data\":");
-    client.getCollabUrlResponse(QStringLiteral(R"({"data":{"url":"a"}})"));
-    client.getTenantFeatureDetailsResponse(QString::fromLatin1(Lesson::WEBSOCKET));
-    client.sessionStartSuccessResponse(QString::fromLatin1(Lesson::STARTED));
-    client.sessionStartFailureResponse(nullptr, QString::fromLatin1(REFUSED));
-    client.sessionJoinResponse(QString::fromLatin1(Lesson::JOINED));
-    client.getCollabUrlResponse(broken);
-    client.getTenantFeatureDetailsResponse(broken);
-    client.sessionStartSuccessResponse(broken);
-    client.sessionStartFailureResponse(nullptr, broken);
-    client.sessionJoinResponse(broken);
-
-    QCOMPARE(client.collabServerUrl(), QStringLiteral("a"));
-    QCOMPARE(client.sockJSProtocols(), QStringList{"websocket"});
-    QCOMPARE(client.sessionToken(), QStringLiteral("T"));
-    QCOMPARE(client.lastError(), QStringLiteral("session.start.error"));
-    QCOMPARE(client.userToken(), QStringLiteral("U"));
-}
-
-void tst_PresenterClientCollaboration::absentKeysOverwriteWithNothing()
-{
-    Lesson lesson;
-    PresenterClient& client = *lesson.client;
-    client.getCollabUrlResponse(QStringLiteral(R"({"data":{"url":"a"}})"));
-    client.getTenantFeatureDetailsResponse(QString::fromLatin1(Lesson::WEBSOCKET));
-    client.sessionStartSuccessResponse(QString::fromLatin1(Lesson::STARTED));
-    client.sessionStartFailureResponse(nullptr, QString::fromLatin1(REFUSED));
-    client.sessionJoinResponse(QString::fromLatin1(Lesson::JOINED));
-    const QString nothing = QStringLiteral("{}");
-    client.getCollabUrlResponse(nothing);
-    client.getTenantFeatureDetailsResponse(nothing);
-    client.sessionStartSuccessResponse(nothing);
-    client.sessionStartFailureResponse(nullptr, nothing);
-    client.sessionJoinResponse(nothing);
-
-    QVERIFY(client.collabServerUrl().isEmpty());
-    QVERIFY(client.sockJSProtocols().isEmpty());
-    QVERIFY(client.sessionToken().isEmpty());
-    QVERIFY(client.lastError().isNull());
-    QVERIFY(client.userToken().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(tst_PresenterClientCollaboration)

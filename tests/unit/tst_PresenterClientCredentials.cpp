@@ -27,23 +27,272 @@ class tst_PresenterClientCredentials : public QObject
 
 private Q_SLOTS:
     void accessToken_data();
-    void accessToken();
-    void accessTokenStaysAsItWasWhenTheRequestFails();
-    void accessTokenResetsNothingFirst();
-    void oauthAccessTokenGivesTheEarlierRegistrationBack();
 
-    void userName_data();
-    void userName();
-    void userNameStaysAsItWasWhenTheRequestFails();
+    void accessToken()
+    {
+        QFETCH(QByteArray, body);
+        QFETCH(QString, token);
+        QFETCH(QString, registration);
 
-    void logout_data();
-    void logout();
-    void logoutStopsTheSessionFirst();
-    void logoutWithACodeAloneStopsNothing();
-    void logoutKeepsTheCredentials();
+        for (const bool oauth : {false, true}) {
+            FakeService service;
+            service.expect(oauth ? CALLBACK : SUBMIT, Answer::json(body));
+            PresenterClient client(nullptr, service.url());
+            QString given = QStringLiteral("given");
+            const QString u = QStringLiteral("u");
 
-    void reLoginChoosesTheCredentials_data();
-    void reLoginChoosesTheCredentials();
+            QCOMPARE(oauth ? getOAuthToken(client, &given) : client.doGetAccessToken(u, u, u, u), token);
+            QCOMPARE(client.isLoggedIn(), !token.isEmpty());
+            QCOMPARE(client.registration(), registration);
+            QCOMPARE(given, oauth ? registration : QStringLiteral("given"));
+            QCOMPARE(client.userId(), oauth ? QString() : u);
+            QVERIFY(client.lastError().isNull());
+        }
+    }
+
+    void accessTokenStaysAsItWasWhenTheRequestFails()
+    {
+        FakeService service;
+        service.expect(SUBMIT, Answer::json(R"({"data":{"deviceAccessToken":"T1"}})"));
+        service.expect(SUBMIT, Answer::json(R"({"data":{"deviceAccessToken":"T2"}})", 500));
+        service.expect(CALLBACK, Answer::gone());
+        PresenterClient client(nullptr, service.url());
+        const QString u = QStringLiteral("u");
+        QCOMPARE(client.doGetAccessToken(u, u, u, u), QStringLiteral("T1"));
+
+        QCOMPARE(client.doGetAccessToken(u, u, u, u), QStringLiteral("T1"));
+        QCOMPARE(getOAuthToken(client), QStringLiteral("T1"));
+        QVERIFY(client.isLoggedIn());
+    }
+
+    void accessTokenResetsNothingFirst()
+    {
+        FakeService service;
+        service.expect(SUBMIT, Answer::json(REFUSED, 401));
+        service.expect(CALLBACK, Answer::json(REFUSED, 401));
+        PresenterClient client(nullptr, service.url());
+        client.loginSuccessResponse(QString::fromLatin1(SUCCESS));
+        client.loginFailureResponse(nullptr, QStringLiteral(R"({"errorMsgKeys":["earlier.error"]})"));
+
+        client.doGetAccessToken(QStringLiteral("u"), QStringLiteral("p"), QString(), QString());
+        QVERIFY(client.isLoggedIn());
+        getOAuthToken(client);
+        QVERIFY(client.isLoggedIn());
+        QCOMPARE(client.lastError(), QStringLiteral("earlier.error"));
+    }
+
+    void oauthAccessTokenGivesTheEarlierRegistrationBack()
+    {
+        FakeService service;
+        service.expect(CALLBACK, Answer::json(R"({"data":{"mail":"m"}})"));
+        service.expect(CALLBACK, Answer::json("{}", 500));
+        PresenterClient client(nullptr, service.url());
+        getOAuthToken(client);
+        QString registration;
+
+        QCOMPARE(getOAuthToken(client, &registration), QString());
+        QCOMPARE(registration, QStringLiteral(R"({"mail":"m"})"));
+    }
+
+    void userName_data()
+    {
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QString>("name");
+
+        QTest::newRow("known") << QByteArray(R"({"data":{"userLoginId":"zoë"}})") << QString::fromUtf8("zoë");
+        QTest::newRow("empty") << QByteArray(R"({"data":{"userLoginId":""}})") << "";
+        QTest::newRow("absent") << QByteArray(R"({"data":{}})") << QString();
+        QTest::newRow("no data") << QByteArray("{}") << QString();
+        QTest::newRow("data is no object") << QByteArray(R"({"data":"userLoginId"})") << QString();
+        QTest::newRow("no JSON") << QByteArray("userLoginId") << QString();
+    }
+
+    void userName()
+    {
+        QFETCH(QByteArray, body);
+        QFETCH(QString, name);
+
+        FakeService service;
+        service.expect(SUBMIT, Answer::json(name.isEmpty() ? SUCCESS : "{}"));
+        service.expect(USER, Answer::json(body));
+        PresenterClient client(nullptr, service.url());
+        loginByPassword(client);
+
+        QCOMPARE(client.doGetUserName(), name);
+        QCOMPARE(client.userId(), name);
+        QCOMPARE(client.userId().isNull(), name.isNull());
+        QCOMPARE(client.isLoggedIn(), !name.isEmpty());
+    }
+
+    void userNameStaysAsItWasWhenTheRequestFails()
+    {
+        FakeService service;
+        service.expect(SUBMIT, Answer::json(SUCCESS));
+        service.expect(USER, Answer::json(R"({"data":{}})", 500));
+        PresenterClient client(nullptr, service.url());
+        QVERIFY(loginByPassword(client));
+
+        QCOMPARE(client.doGetUserName(), QStringLiteral("u"));
+        QVERIFY(client.isLoggedIn());
+    }
+
+    void logout_data()
+    {
+        QTest::addColumn<bool>("wasLoggedIn");
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<bool>("loggedOut");
+
+        QTest::newRow("answered") << true << QByteArray("{}") << 200 << true;
+        QTest::newRow("error envelope") << true << QByteArray(REFUSED) << 200 << true;
+        QTest::newRow("no JSON") << true << QByteArray("bye") << 200 << false;
+        QTest::newRow("empty") << true << QByteArray() << 200 << false;
+        QTest::newRow("http error") << true << QByteArray("{}") << 500 << false;
+        QTest::newRow("http error, but nobody was logged in") << false << QByteArray("{}") << 500 << true;
+    }
+
+    void logout()
+    {
+        QFETCH(bool, wasLoggedIn);
+        QFETCH(QByteArray, body);
+        QFETCH(int, status);
+        QFETCH(bool, loggedOut);
+
+        FakeService service;
+        service.expect(LOGOUT, Answer::json(body, status));
+        PresenterClient client(nullptr, service.url());
+        if (wasLoggedIn)
+            client.loginSuccessResponse(QString::fromLatin1(SUCCESS));
+
+        QCOMPARE(client.doLogout(), loggedOut);
+        QCOMPARE(client.isLoggedIn(), !loggedOut);
+    }
+
+    void logoutStopsTheSessionFirst()
+    {
+        FakeService service;
+        service.expect("/tavisto/session/stop", Answer::json("{}"));
+        service.expect(LOGOUT, Answer::json("{}"));
+        PresenterClient client(nullptr, service.url());
+        client.sessionStartSuccessResponse(QStringLiteral(R"({"data":{"sessionToken":"T"}})"));
+
+        QVERIFY(client.doLogout());
+        QVERIFY(client.sessionToken().isNull());
+    }
+
+    void logoutWithACodeAloneStopsNothing()
+    {
+        FakeService service;
+        service.expect(LOGOUT, Answer::json("{}"));
+        PresenterClient client(nullptr, service.url());
+        client.sessionSuccessResponse(QStringLiteral(R"({"data":{"sessionCode":"1"}})"));
+        const LogRecorder log;
+
+        QVERIFY(client.doLogout());
+        QCOMPARE(log.debug(QStringLiteral("[PresenterClient] No session to stop!")).size(), 1);
+    }
+
+    void logoutKeepsTheCredentials()
+    {
+        FakeService service;
+        service.expect(SUBMIT, Answer::json(SUCCESS));
+        service.expect(LOGOUT, Answer::json("{}"));
+        service.expect(SUBMIT, Answer::json(SUCCESS));
+        PresenterClient client(nullptr, service.url());
+        QVERIFY(loginByPassword(client));
+        QVERIFY(client.doLogout());
+        QCOMPARE(client.userId(), QStringLiteral("u"));
+        client.reLogin();
+
+        QVERIFY(client.isLoggedIn());
+        QCOMPARE(service.requests().last().body, service.requests().first().body);
+    }
+
+    void reLoginChoosesTheCredentials_data()
+    {
+        QTest::addColumn<Preparation>("prepare");
+        QTest::addColumn<QByteArray>("path"); // empty: no request
+        QTest::addColumn<QByteArray>("body");
+
+        const auto password = [](PresenterClient& c, FakeService& s) {
+            s.expect(SUBMIT, Answer::json("{}"));
+            loginByPassword(c);
+        };
+        const auto device = [](PresenterClient& c, FakeService& s) {
+            s.expect(SUBMIT, Answer::json("{}"));
+            loginByDevice(c);
+        };
+        const auto halfDevice = [](const QString& id, const QString& token) {
+            return [=](PresenterClient& c, FakeService& s) {
+                s.expect(SUBMIT, Answer::json("{}"));
+                c.doLogin("u", id, token);
+            };
+        };
+        const auto token = [](PresenterClient& c, FakeService& s) {
+            s.expect(SUBMIT, Answer::json("{}"));
+            c.doGetAccessToken("u", "p", "other device", "n");
+        };
+        const auto oauth = [](PresenterClient& c, FakeService& s) {
+            s.expect(CALLBACK, Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{}})"));
+            loginWithOAuth(c);
+        };
+        const auto halfOAuth = [](PresenterClient& c, FakeService& s) {
+            s.expect(CALLBACK, Answer::json("{}"));
+            QString registration;
+            c.doLoginWithOAuth("google", "", registration);
+        };
+        const auto name = [](PresenterClient& c, FakeService&) {
+            c.userNameResponse(R"({"data":{"userLoginId":"u"}})");
+        };
+        const auto row = [](const char* title, const QList<Preparation>& steps, const char* path,
+                            const char* body) {
+            const Preparation prepare = [=](PresenterClient& c, FakeService& s) {
+                for (const Preparation& step : steps)
+                    step(c, s);
+            };
+            QTest::newRow(title) << prepare << QByteArray(path) << QByteArray(body);
+        };
+        const char byPassword[] = R"({"userId":"u","password":"p","sourceSystem":"Lumora"})";
+        const char byDevice[] =
+            R"({"userId":"u","deviceId":"d","deviceAccessToken":"t","sourceSystem":"Lumora"})";
+        const char byOAuth[] = R"({"code":"c","callbackUrl":"<server>","sourceSystem":"Lumora"})";
+        row("nothing known", {}, "", "");
+        row("user id alone", {name}, "", "");
+        row("password", {password}, SUBMIT, byPassword);
+        row("password of a token request", {token}, SUBMIT, byPassword);
+        row("device", {device}, SUBMIT, byDevice);
+        row("password, then device", {password, device}, SUBMIT, byPassword);
+        row("device, then password", {device, password}, SUBMIT, byPassword);
+        row("OAuth without a user id", {oauth}, "", "");
+        row("OAuth and the user id", {oauth, name}, CALLBACK, byOAuth);
+        row("OAuth without a code", {halfOAuth, name}, "", "");
+        row("device, then OAuth", {device, oauth}, SUBMIT, byDevice);
+        row("device without token, then OAuth", {halfDevice("d", ""), oauth}, CALLBACK, byOAuth);
+        row("device without id, then OAuth", {halfDevice("", "t"), oauth}, CALLBACK, byOAuth);
+        row("password, but the user id is gone",
+            {password, [](PresenterClient& c, FakeService&) { c.userNameResponse("{}"); }}, "", "");
+    }
+
+    void reLoginChoosesTheCredentials()
+    {
+        QFETCH(Preparation, prepare);
+        QFETCH(QByteArray, path);
+        QFETCH(QByteArray, body);
+
+        FakeService service;
+        PresenterClient client(nullptr, service.url());
+        prepare(client, service);
+        const int before = service.requests().size();
+        const bool wasLoggedIn = client.isLoggedIn();
+        if (!path.isEmpty())
+            service.expect(path, Answer::json(SUCCESS));
+        client.reLogin();
+
+        QCOMPARE(service.requests().size() - before, path.isEmpty() ? 0 : 1);
+        QCOMPARE(client.isLoggedIn(), wasLoggedIn || !path.isEmpty());
+        if (!path.isEmpty())
+            QCOMPARE(service.last().body, body.replace("<server>", service.url().toUtf8()));
+    }
 };
 
 void tst_PresenterClientCredentials::accessToken_data()
@@ -65,272 +314,6 @@ void tst_PresenterClientCredentials::accessToken_data()
     row("{}", "", "");
     row("", "", "");
     row(R"("data":{"a":1})", "", nullptr); // at the very beginning it is not taken
-}
-
-void tst_PresenterClientCredentials::accessToken()
-{
-    QFETCH(QByteArray, body);
-    QFETCH(QString, token);
-    QFETCH(QString, registration);
-
-    for (const bool oauth : {false, true}) {
-        FakeService service;
-        service.expect(oauth ? CALLBACK : SUBMIT, Answer::json(body));
-        PresenterClient client(nullptr, service.url());
-        QString given = QStringLiteral("given");
-        const QString u = QStringLiteral("u");
-
-        QCOMPARE(oauth ? getOAuthToken(client, &given) : client.doGetAccessToken(u, u, u, u), token);
-        QCOMPARE(client.isLoggedIn(), !token.isEmpty());
-        QCOMPARE(client.registration(), registration);
-        QCOMPARE(given, oauth ? registration : QStringLiteral("given"));
-        QCOMPARE(client.userId(), oauth ? QString() : u);
-        QVERIFY(client.lastError().isNull());
-    }
-}
-
-void tst_PresenterClientCredentials::accessTokenStaysAsItWasWhenTheRequestFails()
-{
-    FakeService service;
-    service.expect(SUBMIT, Answer::json(R"({"data":{"deviceAccessToken":"T1"}})"));
-    service.expect(SUBMIT, Answer::json(R"({"data":{"deviceAccessToken":"T2"}})", 500));
-    service.expect(CALLBACK, Answer::gone());
-    PresenterClient client(nullptr, service.url());
-    const QString u = QStringLiteral("u");
-    QCOMPARE(client.doGetAccessToken(u, u, u, u), QStringLiteral("T1"));
-
-    QCOMPARE(client.doGetAccessToken(u, u, u, u), QStringLiteral("T1"));
-    QCOMPARE(getOAuthToken(client), QStringLiteral("T1"));
-    QVERIFY(client.isLoggedIn());
-}
-
-void tst_PresenterClientCredentials::accessTokenResetsNothingFirst()
-{
-    FakeService service;
-    service.expect(SUBMIT, Answer::json(REFUSED, 401));
-    service.expect(CALLBACK, Answer::json(REFUSED, 401));
-    PresenterClient client(nullptr, service.url());
-    client.loginSuccessResponse(QString::fromLatin1(SUCCESS));
-    client.loginFailureResponse(nullptr, QStringLiteral(R"({"errorMsgKeys":["earlier.error"]})"));
-
-    client.doGetAccessToken(QStringLiteral("u"), QStringLiteral("p"), QString(), QString());
-    QVERIFY(client.isLoggedIn());
-    getOAuthToken(client);
-    QVERIFY(client.isLoggedIn());
-    QCOMPARE(client.lastError(), QStringLiteral("earlier.error"));
-}
-
-void tst_PresenterClientCredentials::oauthAccessTokenGivesTheEarlierRegistrationBack()
-{
-    FakeService service;
-    service.expect(CALLBACK, Answer::json(R"({"data":{"mail":"m"}})"));
-    service.expect(CALLBACK, Answer::json("{}", 500));
-    PresenterClient client(nullptr, service.url());
-    getOAuthToken(client);
-    QString registration;
-
-    QCOMPARE(getOAuthToken(client, &registration), QString());
-    QCOMPARE(registration, QStringLiteral(R"({"mail":"m"})"));
-}
-
-void tst_PresenterClientCredentials::userName_data()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<QString>("name");
-
-    QTest::newRow("known") << QByteArray(R"({"data":{"userLoginId":"zoë"}})") << QString::fromUtf8("zoë");
-    QTest::newRow("empty") << QByteArray(R"({"data":{"userLoginId":""}})") << "";
-    QTest::newRow("absent") << QByteArray(R"({"data":{}})") << QString();
-    QTest::newRow("no data") << QByteArray("{}") << QString();
-    QTest::newRow("data is no object") << QByteArray(R"({"data":"userLoginId"})") << QString();
-    QTest::newRow("no JSON") << QByteArray("userLoginId") << QString();
-}
-
-void tst_PresenterClientCredentials::userName()
-{
-    QFETCH(QByteArray, body);
-    QFETCH(QString, name);
-
-    FakeService service;
-    service.expect(SUBMIT, Answer::json(name.isEmpty() ? SUCCESS : "{}"));
-    service.expect(USER, Answer::json(body));
-    PresenterClient client(nullptr, service.url());
-    loginByPassword(client);
-
-    QCOMPARE(client.doGetUserName(), name);
-    QCOMPARE(client.userId(), name);
-    QCOMPARE(client.userId().isNull(), name.isNull());
-    QCOMPARE(client.isLoggedIn(), !name.isEmpty());
-}
-
-void tst_PresenterClientCredentials::userNameStaysAsItWasWhenTheRequestFails()
-{
-    FakeService service;
-    service.expect(SUBMIT, Answer::json(SUCCESS));
-    service.expect(USER, Answer::json(R"({"data":{}})", 500));
-    PresenterClient client(nullptr, service.url());
-    QVERIFY(loginByPassword(client));
-
-    QCOMPARE(client.doGetUserName(), QStringLiteral("u"));
-    QVERIFY(client.isLoggedIn());
-}
-
-void tst_PresenterClientCredentials::logout_data()
-{
-    QTest::addColumn<bool>("wasLoggedIn");
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<bool>("loggedOut");
-
-    QTest::newRow("answered") << true << QByteArray("{}") << 200 << true;
-    QTest::newRow("error envelope") << true << QByteArray(REFUSED) << 200 << true;
-    QTest::newRow("no JSON") << true << QByteArray("bye") << 200 << false;
-    QTest::newRow("empty") << true << QByteArray() << 200 << false;
-    QTest::newRow("http error") << true << QByteArray("{}") << 500 << false;
-    QTest::newRow("http error, but nobody was logged in") << false << QByteArray("{}") << 500 << true;
-}
-
-void tst_PresenterClientCredentials::logout()
-{
-    QFETCH(bool, wasLoggedIn);
-    QFETCH(QByteArray, body);
-    QFETCH(int, status);
-    QFETCH(bool, loggedOut);
-
-    FakeService service;
-    service.expect(LOGOUT, Answer::json(body, status));
-    PresenterClient client(nullptr, service.url());
-    if (wasLoggedIn)
-        client.loginSuccessResponse(QString::fromLatin1(SUCCESS));
-
-    QCOMPARE(client.doLogout(), loggedOut);
-    QCOMPARE(client.isLoggedIn(), !loggedOut);
-}
-
-void tst_PresenterClientCredentials::logoutStopsTheSessionFirst()
-{
-    FakeService service;
-    service.expect("/tavisto/session/stop", Answer::json("{}"));
-    service.expect(LOGOUT, Answer::json("{}"));
-    PresenterClient client(nullptr, service.url());
-    client.sessionStartSuccessResponse(QStringLiteral(R"({"data":{"sessionToken":"T"}})"));
-
-    QVERIFY(client.doLogout());
-    QVERIFY(client.sessionToken().isNull());
-}
-
-void tst_PresenterClientCredentials::logoutWithACodeAloneStopsNothing()
-{
-    FakeService service;
-    service.expect(LOGOUT, Answer::json("{}"));
-    PresenterClient client(nullptr, service.url());
-    client.sessionSuccessResponse(QStringLiteral(R"({"data":{"sessionCode":"1"}})"));
-    const LogRecorder log;
-
-    QVERIFY(client.doLogout());
-    QCOMPARE(log.debug(QStringLiteral("[PresenterClient] No session to stop!")).size(), 1);
-}
-
-void tst_PresenterClientCredentials::logoutKeepsTheCredentials()
-{
-    FakeService service;
-    service.expect(SUBMIT, Answer::json(SUCCESS));
-    service.expect(LOGOUT, Answer::json("{}"));
-    service.expect(SUBMIT, Answer::json(SUCCESS));
-    PresenterClient client(nullptr, service.url());
-    QVERIFY(loginByPassword(client));
-    QVERIFY(client.doLogout());
-    QCOMPARE(client.userId(), QStringLiteral("u"));
-    client.reLogin();
-
-    QVERIFY(client.isLoggedIn());
-    QCOMPARE(service.requests().last().body, service.requests().first().body);
-}
-
-void tst_PresenterClientCredentials::reLoginChoosesTheCredentials_data()
-{
-    QTest::addColumn<Preparation>("prepare");
-    QTest::addColumn<QByteArray>("path"); // empty: no request
-    QTest::addColumn<QByteArray>("body");
-
-    const auto password = [](PresenterClient& c, FakeService& s) {
-        s.expect(SUBMIT, Answer::json("{}"));
-        loginByPassword(c);
-    };
-    const auto device = [](PresenterClient& c, FakeService& s) {
-        s.expect(SUBMIT, Answer::json("{}"));
-        loginByDevice(c);
-    };
-    const auto halfDevice = [](const QString& id, const QString& token) {
-        return [=](PresenterClient& c, FakeService& s) {
-            s.expect(SUBMIT, Answer::json("{}"));
-            c.doLogin("u", id, token);
-        };
-    };
-    const auto token = [](PresenterClient& c, FakeService& s) {
-        s.expect(SUBMIT, Answer::json("{}"));
-        c.doGetAccessToken("u", "p", "other device", "n");
-    };
-    const auto oauth = [](PresenterClient& c, FakeService& s) {
-        s.expect(CALLBACK, Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{}})"));
-        loginWithOAuth(c);
-    };
-    const auto halfOAuth = [](PresenterClient& c, FakeService& s) {
-        s.expect(CALLBACK, Answer::json("{}"));
-        QString registration;
-        c.doLoginWithOAuth("google", "", registration);
-    };
-    const auto name = [](PresenterClient& c, FakeService&) {
-        c.userNameResponse(R"({"data":{"userLoginId":"u"}})");
-    };
-    const auto row = [](const char* title, const QList<Preparation>& steps, const char* path,
-                        const char* body) {
-        const Preparation prepare = [=](PresenterClient& c, FakeService& s) {
-            for (const Preparation& step : steps)
-                step(c, s);
-        };
-        QTest::newRow(title) << prepare << QByteArray(path) << QByteArray(body);
-    };
-    const char byPassword[] = R"({"userId":"u","password":"p","sourceSystem":"Lumora"})";
-    const char byDevice[] =
-        R"({"userId":"u","deviceId":"d","deviceAccessToken":"t","sourceSystem":"Lumora"})";
-    const char byOAuth[] = R"({"code":"c","callbackUrl":"<server>","sourceSystem":"Lumora"})";
-    row("nothing known", {}, "", "");
-    row("user id alone", {name}, "", "");
-    row("password", {password}, SUBMIT, byPassword);
-    row("password of a token request", {token}, SUBMIT, byPassword);
-    row("device", {device}, SUBMIT, byDevice);
-    row("password, then device", {password, device}, SUBMIT, byPassword);
-    row("device, then password", {device, password}, SUBMIT, byPassword);
-    row("OAuth without a user id", {oauth}, "", "");
-    row("OAuth and the user id", {oauth, name}, CALLBACK, byOAuth);
-    row("OAuth without a code", {halfOAuth, name}, "", "");
-    row("device, then OAuth", {device, oauth}, SUBMIT, byDevice);
-    row("device without token, then OAuth", {halfDevice("d", ""), oauth}, CALLBACK, byOAuth);
-    row("device without id, then OAuth", {halfDevice("", "t"), oauth}, CALLBACK, byOAuth);
-    row("password, but the user id is gone",
-        {password, [](PresenterClient& c, FakeService&) { c.userNameResponse("{}"); }}, "", "");
-}
-
-void tst_PresenterClientCredentials::reLoginChoosesTheCredentials()
-{
-    QFETCH(Preparation, prepare);
-    QFETCH(QByteArray, path);
-    QFETCH(QByteArray, body);
-
-    FakeService service;
-    PresenterClient client(nullptr, service.url());
-    prepare(client, service);
-    const int before = service.requests().size();
-    const bool wasLoggedIn = client.isLoggedIn();
-    if (!path.isEmpty())
-        service.expect(path, Answer::json(SUCCESS));
-    client.reLogin();
-
-    QCOMPARE(service.requests().size() - before, path.isEmpty() ? 0 : 1);
-    QCOMPARE(client.isLoggedIn(), wasLoggedIn || !path.isEmpty());
-    if (!path.isEmpty())
-        QCOMPARE(service.last().body, body.replace("<server>", service.url().toUtf8()));
 }
 
 QTEST_GUILESS_MAIN(tst_PresenterClientCredentials)

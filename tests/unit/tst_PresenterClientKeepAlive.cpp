@@ -29,56 +29,6 @@ using Preparation = std::function<void(PresenterClient&, FakeService&)>;
 Q_DECLARE_METATYPE(Login)
 Q_DECLARE_METATYPE(Preparation)
 
-class tst_PresenterClientKeepAlive : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void keepAliveRefreshesOnlyTheReachability_data();
-    void keepAliveRefreshesOnlyTheReachability();
-    void keepsAliveEveryMinuteAfterALogin_data();
-    void keepsAliveEveryMinuteAfterALogin();
-    void keepsNothingAliveWithoutALogin_data();
-    void keepsNothingAliveWithoutALogin();
-    void loginRestartsThePeriod();
-    void logoutEndsTheKeepAlive_data();
-    void logoutEndsTheKeepAlive();
-    void keepAliveFallsDueDuringAnotherWait();
-};
-
-void tst_PresenterClientKeepAlive::keepAliveRefreshesOnlyTheReachability_data()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<bool>("before");
-    QTest::addColumn<bool>("after");
-
-    QTest::newRow("JSON") << QByteArray("{}") << 200 << false << true;
-    QTest::newRow("error envelope") << QByteArray(REFUSED) << 200 << false << true;
-    QTest::newRow("html") << QByteArray("<html>") << 200 << true << false;
-    QTest::newRow("http error, reachable before") << QByteArray("{}") << 500 << true << true;
-    QTest::newRow("http error, unreachable before") << QByteArray("{}") << 500 << false << false;
-}
-
-void tst_PresenterClientKeepAlive::keepAliveRefreshesOnlyTheReachability()
-{
-    QFETCH(QByteArray, body);
-    QFETCH(int, status);
-    QFETCH(bool, before);
-    QFETCH(bool, after);
-
-    FakeService service;
-    service.expect(KEEP_ALIVE, Answer::json(body, status));
-    PresenterClient client(nullptr, service.url());
-    client.loginSuccessResponse(QString::fromLatin1(SUCCESS));
-    client.serverCheckResponse(before ? QStringLiteral("{}") : QString());
-    client.sendKeepAlive();
-
-    QCOMPARE(client.isServerReachable(), after);
-    QVERIFY(client.isLoggedIn());
-    QVERIFY(client.lastError().isNull());
-}
-
 // The timer's slot waits for its answer: what it would send has been sent when this returns.
 static void advance(int msecs)
 {
@@ -86,135 +36,174 @@ static void advance(int msecs)
     QCoreApplication::processEvents();
 }
 
-void tst_PresenterClientKeepAlive::keepsAliveEveryMinuteAfterALogin_data()
+class tst_PresenterClientKeepAlive : public QObject
 {
-    QTest::addColumn<Login>("login");
-    QTest::addColumn<QByteArray>("path");
+    Q_OBJECT
 
-    QTest::newRow("password") << Login(loginByPassword) << QByteArray(SUBMIT);
-    QTest::newRow("device") << Login(loginByDevice) << QByteArray(SUBMIT);
-    QTest::newRow("OAuth") << Login(loginWithOAuth) << QByteArray(CALLBACK);
-    QTest::newRow("registration") << Login(registerWithOAuth) << QByteArray(REGISTER);
-}
+private Q_SLOTS:
+    void keepAliveRefreshesOnlyTheReachability_data()
+    {
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<bool>("before");
+        QTest::addColumn<bool>("after");
 
-void tst_PresenterClientKeepAlive::keepsAliveEveryMinuteAfterALogin()
-{
-    QFETCH(Login, login);
-    QFETCH(QByteArray, path);
+        QTest::newRow("JSON") << QByteArray("{}") << 200 << false << true;
+        QTest::newRow("error envelope") << QByteArray(REFUSED) << 200 << false << true;
+        QTest::newRow("html") << QByteArray("<html>") << 200 << true << false;
+        QTest::newRow("http error, reachable before") << QByteArray("{}") << 500 << true << true;
+        QTest::newRow("http error, unreachable before") << QByteArray("{}") << 500 << false << false;
+    }
 
-    FakeService service;
-    service.expect(path, Answer::json(SUCCESS));
-    PresenterClient client(nullptr, service.url());
-    QVERIFY(login(client));
-    advance(NOT_YET);
-    QCOMPARE(service.requests().size(), 1);
-    for (int i = 0; i < 3; ++i) {
+    void keepAliveRefreshesOnlyTheReachability()
+    {
+        QFETCH(QByteArray, body);
+        QFETCH(int, status);
+        QFETCH(bool, before);
+        QFETCH(bool, after);
+
+        FakeService service;
+        service.expect(KEEP_ALIVE, Answer::json(body, status));
+        PresenterClient client(nullptr, service.url());
+        client.loginSuccessResponse(QString::fromLatin1(SUCCESS));
+        client.serverCheckResponse(before ? QStringLiteral("{}") : QString());
+        client.sendKeepAlive();
+
+        QCOMPARE(client.isServerReachable(), after);
+        QVERIFY(client.isLoggedIn());
+        QVERIFY(client.lastError().isNull());
+    }
+
+    void keepsAliveEveryMinuteAfterALogin_data()
+    {
+        QTest::addColumn<Login>("login");
+        QTest::addColumn<QByteArray>("path");
+
+        QTest::newRow("password") << Login(loginByPassword) << QByteArray(SUBMIT);
+        QTest::newRow("device") << Login(loginByDevice) << QByteArray(SUBMIT);
+        QTest::newRow("OAuth") << Login(loginWithOAuth) << QByteArray(CALLBACK);
+        QTest::newRow("registration") << Login(registerWithOAuth) << QByteArray(REGISTER);
+    }
+
+    void keepsAliveEveryMinuteAfterALogin()
+    {
+        QFETCH(Login, login);
+        QFETCH(QByteArray, path);
+
+        FakeService service;
+        service.expect(path, Answer::json(SUCCESS));
+        PresenterClient client(nullptr, service.url());
+        QVERIFY(login(client));
+        advance(NOT_YET);
+        QCOMPARE(service.requests().size(), 1);
+        for (int i = 0; i < 3; ++i) {
+            service.expect(KEEP_ALIVE, Answer::json("{}"));
+            advance(i == 0 ? REST_OF_THE_PERIOD : PERIOD);
+            QVERIFY(service.isUsedUp());
+        }
+    }
+
+    void keepsNothingAliveWithoutALogin_data()
+    {
+        QTest::addColumn<Preparation>("prepare");
+
+        QTest::newRow("new client") << Preparation([](PresenterClient&, FakeService&) {});
+        QTest::newRow("refused") << Preparation([](PresenterClient& c, FakeService& s) {
+            s.expect(SUBMIT, Answer::json(REFUSED, 401));
+            loginByPassword(c);
+        });
+        QTest::newRow("access token") << Preparation([](PresenterClient& c, FakeService& s) {
+            s.expect(SUBMIT, Answer::json(R"({"data":{"deviceAccessToken":"T"}})"));
+            c.doGetAccessToken("u", "p", "d", "n");
+            QVERIFY(c.isLoggedIn());
+        });
+        QTest::newRow("OAuth access token") << Preparation([](PresenterClient& c, FakeService& s) {
+            s.expect(CALLBACK, Answer::json(R"({"data":{"deviceAccessToken":"T"}})"));
+            getOAuthToken(c);
+            QVERIFY(c.isLoggedIn());
+        });
+        QTest::newRow("user name") << Preparation([](PresenterClient& c, FakeService& s) {
+            s.expect(USER, Answer::json(R"({"data":{"userLoginId":"u"}})"));
+            c.doGetUserName();
+            QVERIFY(c.isLoggedIn());
+        });
+    }
+
+    void keepsNothingAliveWithoutALogin()
+    {
+        QFETCH(Preparation, prepare);
+
+        FakeService service;
+        PresenterClient client(nullptr, service.url());
+        prepare(client, service);
+        const int before = service.requests().size();
+        advance(2 * PERIOD);
+
+        QCOMPARE(service.requests().size(), before);
+    }
+
+    void loginRestartsThePeriod()
+    {
+        FakeService service;
+        service.expect(SUBMIT, Answer::json(SUCCESS));
+        service.expect(SUBMIT, Answer::json(SUCCESS));
+        PresenterClient client(nullptr, service.url());
+        QVERIFY(loginByPassword(client));
+        advance(40000);
+        QVERIFY(loginByPassword(client));
+        advance(40000);
+        QCOMPARE(service.requests().size(), 2);
         service.expect(KEEP_ALIVE, Answer::json("{}"));
-        advance(i == 0 ? REST_OF_THE_PERIOD : PERIOD);
+        advance(PERIOD - 40000);
+
         QVERIFY(service.isUsedUp());
     }
-}
 
-void tst_PresenterClientKeepAlive::keepsNothingAliveWithoutALogin_data()
-{
-    QTest::addColumn<Preparation>("prepare");
+    void logoutEndsTheKeepAlive_data()
+    {
+        QTest::addColumn<int>("status");
 
-    QTest::newRow("new client") << Preparation([](PresenterClient&, FakeService&) {});
-    QTest::newRow("refused") << Preparation([](PresenterClient& c, FakeService& s) {
-        s.expect(SUBMIT, Answer::json(REFUSED, 401));
-        loginByPassword(c);
-    });
-    QTest::newRow("access token") << Preparation([](PresenterClient& c, FakeService& s) {
-        s.expect(SUBMIT, Answer::json(R"({"data":{"deviceAccessToken":"T"}})"));
-        c.doGetAccessToken("u", "p", "d", "n");
-        QVERIFY(c.isLoggedIn());
-    });
-    QTest::newRow("OAuth access token") << Preparation([](PresenterClient& c, FakeService& s) {
-        s.expect(CALLBACK, Answer::json(R"({"data":{"deviceAccessToken":"T"}})"));
-        getOAuthToken(c);
-        QVERIFY(c.isLoggedIn());
-    });
-    QTest::newRow("user name") << Preparation([](PresenterClient& c, FakeService& s) {
-        s.expect(USER, Answer::json(R"({"data":{"userLoginId":"u"}})"));
-        c.doGetUserName();
-        QVERIFY(c.isLoggedIn());
-    });
-}
+        QTest::newRow("logged out") << 200;
+        QTest::newRow("logout failed") << 500;
+    }
 
-void tst_PresenterClientKeepAlive::keepsNothingAliveWithoutALogin()
-{
-    QFETCH(Preparation, prepare);
+    void logoutEndsTheKeepAlive()
+    {
+        QFETCH(int, status);
 
-    FakeService service;
-    PresenterClient client(nullptr, service.url());
-    prepare(client, service);
-    const int before = service.requests().size();
-    advance(2 * PERIOD);
+        FakeService service;
+        service.expect(SUBMIT, Answer::json(SUCCESS));
+        service.expect(LOGOUT, Answer::json("{}", status));
+        PresenterClient client(nullptr, service.url());
+        QVERIFY(loginByPassword(client));
+        client.doLogout();
+        advance(2 * PERIOD);
 
-    QCOMPARE(service.requests().size(), before);
-}
+        QCOMPARE(service.requests().size(), 2);
+    }
 
-void tst_PresenterClientKeepAlive::loginRestartsThePeriod()
-{
-    FakeService service;
-    service.expect(SUBMIT, Answer::json(SUCCESS));
-    service.expect(SUBMIT, Answer::json(SUCCESS));
-    PresenterClient client(nullptr, service.url());
-    QVERIFY(loginByPassword(client));
-    advance(40000);
-    QVERIFY(loginByPassword(client));
-    advance(40000);
-    QCOMPARE(service.requests().size(), 2);
-    service.expect(KEEP_ALIVE, Answer::json("{}"));
-    advance(PERIOD - 40000);
+    void keepAliveFallsDueDuringAnotherWait()
+    {
+        FakeService service;
+        service.expect(SUBMIT, Answer::json(SUCCESS));
+        PresenterClient client(nullptr, service.url());
+        QVERIFY(loginByPassword(client));
+        advance(PERIOD - 8500);
+        QCOMPARE(service.requests().size(), 1);
+        service.expect(USER, Answer::json(R"({"data":{"userLoginId":"u"}})").held().then([] {
+            TimerClock::advance(8500); // due, while the wait still has time
+        }));
+        service.expect(KEEP_ALIVE, Answer::json("{}"));
+        connect(&client, &PresenterClient::requestProcessed, &service, [&] {
+            if (service.isHolding())
+                QTimer::singleShot(0, &service, [&] { service.release(); });
+        });
 
-    QVERIFY(service.isUsedUp());
-}
-
-void tst_PresenterClientKeepAlive::logoutEndsTheKeepAlive_data()
-{
-    QTest::addColumn<int>("status");
-
-    QTest::newRow("logged out") << 200;
-    QTest::newRow("logout failed") << 500;
-}
-
-void tst_PresenterClientKeepAlive::logoutEndsTheKeepAlive()
-{
-    QFETCH(int, status);
-
-    FakeService service;
-    service.expect(SUBMIT, Answer::json(SUCCESS));
-    service.expect(LOGOUT, Answer::json("{}", status));
-    PresenterClient client(nullptr, service.url());
-    QVERIFY(loginByPassword(client));
-    client.doLogout();
-    advance(2 * PERIOD);
-
-    QCOMPARE(service.requests().size(), 2);
-}
-
-void tst_PresenterClientKeepAlive::keepAliveFallsDueDuringAnotherWait()
-{
-    FakeService service;
-    service.expect(SUBMIT, Answer::json(SUCCESS));
-    PresenterClient client(nullptr, service.url());
-    QVERIFY(loginByPassword(client));
-    advance(PERIOD - 8500);
-    QCOMPARE(service.requests().size(), 1);
-    service.expect(USER, Answer::json(R"({"data":{"userLoginId":"u"}})").held().then([] {
-        TimerClock::advance(8500); // due, while the wait still has time
-    }));
-    service.expect(KEEP_ALIVE, Answer::json("{}"));
-    connect(&client, &PresenterClient::requestProcessed, &service, [&] {
-        if (service.isHolding())
-            QTimer::singleShot(0, &service, [&] { service.release(); });
-    });
-
-    QCOMPARE(client.doGetUserName(), QStringLiteral("u"));
-    QVERIFY(client.isServerReachable());
-    QCOMPARE(service.abandoned(), 0);
-}
+        QCOMPARE(client.doGetUserName(), QStringLiteral("u"));
+        QVERIFY(client.isServerReachable());
+        QCOMPARE(service.abandoned(), 0);
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_PresenterClientKeepAlive)
 

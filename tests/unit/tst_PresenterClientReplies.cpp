@@ -36,255 +36,236 @@ class tst_PresenterClientReplies : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void logsTheBody();
-    void logsErrorAndBody();
-    void logsNoErrorForAGoodReply();
+    void logsTheBody()
+    {
+        const Exchange exchange(Answer::json("[1,2]"));
 
-    void redirectChangesTheBaseAddress_data();
-    void redirectChangesTheBaseAddress();
-    void redirectCallsNoHandler();
-    void redirectEndsTheOperation();
-    void redirectIsFollowedByTheNextRequest();
-    void otherRedirectsAreAnswersLikeAnyOther_data();
-    void otherRedirectsAreAnswersLikeAnyOther();
-
-    void gzipIsInflated();
-    void gzipOfAFailureIsInflated();
-    void gzipNameIsCaseSensitive();
-    void badGzipGivesAnEmptyBody_data();
-    void badGzipGivesAnEmptyBody();
-    void bodyEndsAtItsFirstNul_data();
-    void bodyEndsAtItsFirstNul();
-};
-
-void tst_PresenterClientReplies::logsTheBody()
-{
-    const Exchange exchange(Answer::json("[1,2]"));
-
-    const QStringList lines = exchange.log.debug(QStringLiteral("[REST Response] "));
-    QCOMPARE(lines.size(), 1);
-    QVERIFY(lines.first().contains("[1,2]"));
-    for (const LogRecorder::Message& message : exchange.log.messages())
-        QCOMPARE(message.category, QStringLiteral("default"));
-}
-
-void tst_PresenterClientReplies::logsErrorAndBody()
-{
-    FakeService service;
-    service.expect("/a", Answer::json("[1,2]", 500));
-    ClientProbe client(service.url());
-    QString errorString;
-    connect(client.findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
-            [&](QNetworkReply* reply) { errorString = reply->errorString(); });
-    const LogRecorder log;
-    client.request(QStringLiteral("/a"));
-
-    QVERIFY(!errorString.isEmpty());
-    QCOMPARE(log.debug(QStringLiteral("[REST Response] ")).size(), 1);
-    QString line = log.debug().last();
-    line.replace("\\n", "\n"); // Qt's quoting of texts in debug output is as good
-    QVERIFY2(line.contains("ERROR: " + errorString + "\nRESPONSE: [1,2]"), qPrintable(line));
-}
-
-void tst_PresenterClientReplies::logsNoErrorForAGoodReply()
-{
-    const Exchange exchange(Answer::json("[1,2]"));
-
-    QVERIFY(!exchange.log.debug().isEmpty());
-    QVERIFY(exchange.log.debug().filter(QStringLiteral("ERROR")).isEmpty());
-    QVERIFY(exchange.log.warnings().isEmpty());
-}
-
-void tst_PresenterClientReplies::redirectChangesTheBaseAddress_data()
-{
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("location");
-    QTest::addColumn<QString>("server");
-
-    for (const int status : {301, 302, 303, 307, 308}) {
-        QTest::newRow(qPrintable(QStringLiteral("status %1").arg(status)))
-            << status << QByteArray("https://moved.example/tavisto") << "https://moved.example";
+        const QStringList lines = exchange.log.debug(QStringLiteral("[REST Response] "));
+        QCOMPARE(lines.size(), 1);
+        QVERIFY(lines.first().contains("[1,2]"));
+        for (const LogRecorder::Message& message : exchange.log.messages())
+            QCOMPARE(message.category, QStringLiteral("default"));
     }
-    const QList<QPair<QByteArray, QString>> targets{
-        {"https://moved.example", "https://moved.example"},
-        {"https://moved.example/login?next=%2F#top", "https://moved.example"},
-        {"https://moved.example:8443/", "https://moved.example:8443"},
-        {"https://moved.example:443/", "https://moved.example:443"},
-        {"https://moved.example:80/", "https://moved.example"},
-        {"http://moved.example/a", "http://moved.example"},
-        {"http://moved.example:80/a", "http://moved.example"},
-        {"http://moved.example:8080/a", "http://moved.example:8080"},
-        {"http://moved.example:443/a", "http://moved.example:443"},
-        // Qt shows the names of this domain decoded, unless it is asked for the encoded one.
-        {"https://pr\xc3\xbc"
-         "fling.info/",
-         "https://xn--prfling-o2a.info"},
-    };
-    for (const auto& target : targets)
-        QTest::newRow(target.first.constData()) << 302 << target.first << target.second;
-}
 
-void tst_PresenterClientReplies::redirectChangesTheBaseAddress()
-{
-    QFETCH(int, status);
-    QFETCH(QByteArray, location);
-    QFETCH(QString, server);
+    void logsErrorAndBody()
+    {
+        FakeService service;
+        service.expect("/a", Answer::json("[1,2]", 500));
+        ClientProbe client(service.url());
+        QString errorString;
+        connect(client.findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
+                [&](QNetworkReply* reply) { errorString = reply->errorString(); });
+        const LogRecorder log;
+        client.request(QStringLiteral("/a"));
 
-    FakeService service;
-    service.expect("/tavisto", Answer::redirect(location, status));
-    PresenterClient client(nullptr, service.url());
+        QVERIFY(!errorString.isEmpty());
+        QCOMPARE(log.debug(QStringLiteral("[REST Response] ")).size(), 1);
+        QString line = log.debug().last();
+        line.replace("\\n", "\n"); // Qt's quoting of texts in debug output is as good
+        QVERIFY2(line.contains("ERROR: " + errorString + "\nRESPONSE: [1,2]"), qPrintable(line));
+    }
 
-    QVERIFY(client.checkServer(QString(), QString()));
-    QVERIFY(client.isServerReachable());
-    QCOMPARE(client.server(), server);
-}
+    void logsNoErrorForAGoodReply()
+    {
+        const Exchange exchange(Answer::json("[1,2]"));
 
-void tst_PresenterClientReplies::redirectCallsNoHandler()
-{
-    const Exchange exchange(Answer::redirect("https://moved.example/"));
+        QVERIFY(!exchange.log.debug().isEmpty());
+        QVERIFY(exchange.log.debug().filter(QStringLiteral("ERROR")).isEmpty());
+        QVERIFY(exchange.log.warnings().isEmpty());
+    }
 
-    QVERIFY(exchange.client.successes.isEmpty());
-    QVERIFY(exchange.client.failures.isEmpty());
-    QVERIFY(exchange.log.debug(QStringLiteral("[REST Response]")).isEmpty());
-}
+    void redirectChangesTheBaseAddress_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QByteArray>("location");
+        QTest::addColumn<QString>("server");
 
-void tst_PresenterClientReplies::redirectEndsTheOperation()
-{
-    FakeService service;
-    service.expect("/tavisto/login/submit", Answer::redirect("https://moved.example/"));
-    PresenterClient client(nullptr, service.url());
-    const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+        for (const int status : {301, 302, 303, 307, 308}) {
+            QTest::newRow(qPrintable(QStringLiteral("status %1").arg(status)))
+                << status << QByteArray("https://moved.example/tavisto") << "https://moved.example";
+        }
+        const QList<QPair<QByteArray, QString>> targets{
+            {"https://moved.example", "https://moved.example"},
+            {"https://moved.example/login?next=%2F#top", "https://moved.example"},
+            {"https://moved.example:8443/", "https://moved.example:8443"},
+            {"https://moved.example:443/", "https://moved.example:443"},
+            {"https://moved.example:80/", "https://moved.example"},
+            {"http://moved.example/a", "http://moved.example"},
+            {"http://moved.example:80/a", "http://moved.example"},
+            {"http://moved.example:8080/a", "http://moved.example:8080"},
+            {"http://moved.example:443/a", "http://moved.example:443"},
+            // Qt shows the names of this domain decoded, unless it is asked for the encoded one.
+            {"https://pr\xc3\xbc"
+             "fling.info/",
+             "https://xn--prfling-o2a.info"},
+        };
+        for (const auto& target : targets)
+            QTest::newRow(target.first.constData()) << 302 << target.first << target.second;
+    }
 
-    QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
-    QCOMPARE(processed.size(), 1);
-    QVERIFY(client.lastError().isNull());
-    QVERIFY(client.isServerReachable());
-    QCOMPARE(client.server(), QStringLiteral("https://moved.example"));
-}
+    void redirectChangesTheBaseAddress()
+    {
+        QFETCH(int, status);
+        QFETCH(QByteArray, location);
+        QFETCH(QString, server);
 
-void tst_PresenterClientReplies::redirectIsFollowedByTheNextRequest()
-{
-    FakeService oldService;
-    FakeService newService;
-    oldService.expect("/tavisto", Answer::redirect(newService.url().toUtf8() + "/some/where?x=1"));
-    newService.expect("/tavisto", Answer::json("{}"));
-    PresenterClient client(nullptr, oldService.url());
+        FakeService service;
+        service.expect("/tavisto", Answer::redirect(location, status));
+        PresenterClient client(nullptr, service.url());
 
-    QVERIFY(client.checkServer(QString(), QString()));
-    QCOMPARE(client.server(), newService.url());
-    QVERIFY(newService.requests().isEmpty());
-    QVERIFY(client.checkServer(QString(), QString()));
-}
+        QVERIFY(client.checkServer(QString(), QString()));
+        QVERIFY(client.isServerReachable());
+        QCOMPARE(client.server(), server);
+    }
 
-void tst_PresenterClientReplies::otherRedirectsAreAnswersLikeAnyOther_data()
-{
-    QTest::addColumn<QByteArray>("location");
+    void redirectCallsNoHandler()
+    {
+        const Exchange exchange(Answer::redirect("https://moved.example/"));
 
-    QTest::newRow("another scheme") << QByteArray("ftp://moved.example/");
-    QTest::newRow("wss") << QByteArray("wss://moved.example/");
-    QTest::newRow("no scheme") << QByteArray("/elsewhere");
-}
+        QVERIFY(exchange.client.successes.isEmpty());
+        QVERIFY(exchange.client.failures.isEmpty());
+        QVERIFY(exchange.log.debug(QStringLiteral("[REST Response]")).isEmpty());
+    }
 
-void tst_PresenterClientReplies::otherRedirectsAreAnswersLikeAnyOther()
-{
-    QFETCH(QByteArray, location);
+    void redirectEndsTheOperation()
+    {
+        FakeService service;
+        service.expect("/tavisto/login/submit", Answer::redirect("https://moved.example/"));
+        PresenterClient client(nullptr, service.url());
+        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
 
-    FakeService service;
-    service.expect("/tavisto", Answer::redirect(location));
-    service.expect("/a", Answer::redirect(location));
-    ClientProbe client(service.url());
+        QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QCOMPARE(processed.size(), 1);
+        QVERIFY(client.lastError().isNull());
+        QVERIFY(client.isServerReachable());
+        QCOMPARE(client.server(), QStringLiteral("https://moved.example"));
+    }
 
-    QVERIFY(!client.checkServer(QString(), QString())); // an empty body is no JSON
-    client.request(QStringLiteral("/a"));
-    QCOMPARE(client.successes.size() + client.failures.size(), 1);
-    QCOMPARE(client.server(), service.url());
-}
+    void redirectIsFollowedByTheNextRequest()
+    {
+        FakeService oldService;
+        FakeService newService;
+        oldService.expect("/tavisto", Answer::redirect(newService.url().toUtf8() + "/some/where?x=1"));
+        newService.expect("/tavisto", Answer::json("{}"));
+        PresenterClient client(nullptr, oldService.url());
 
-void tst_PresenterClientReplies::gzipIsInflated()
-{
-    const QByteArray text = R"({"data":{"name":"Zoë"}})";
-    const QByteArray packed = Gzip::gzip(text);
-    const Exchange exchange(Answer::json(packed).with("Content-Encoding", "gzip"));
+        QVERIFY(client.checkServer(QString(), QString()));
+        QCOMPARE(client.server(), newService.url());
+        QVERIFY(newService.requests().isEmpty());
+        QVERIFY(client.checkServer(QString(), QString()));
+    }
 
-    QCOMPARE(exchange.client.successes, QStringList{QString::fromUtf8(text)});
-    const QStringList lines = exchange.log.debug(QStringLiteral("[REST Responze.gzip] Compressed size: "));
-    QCOMPARE(lines.size(), 1);
-    QVERIFY2(lines.first().trimmed().endsWith(' ' + QString::number(packed.size())),
-             qPrintable(lines.first()));
-    QCOMPARE(exchange.log.debug(QStringLiteral("[REST Response] ")).size(), 1);
-}
+    void otherRedirectsAreAnswersLikeAnyOther_data()
+    {
+        QTest::addColumn<QByteArray>("location");
 
-void tst_PresenterClientReplies::gzipOfAFailureIsInflated()
-{
-    const Exchange exchange(Answer::json(Gzip::gzip("{\"a\":1}"), 500).with("content-encoding", "gzip"));
+        QTest::newRow("another scheme") << QByteArray("ftp://moved.example/");
+        QTest::newRow("wss") << QByteArray("wss://moved.example/");
+        QTest::newRow("no scheme") << QByteArray("/elsewhere");
+    }
 
-    QCOMPARE(exchange.client.failures, QStringList{"{\"a\":1}"});
-}
+    void otherRedirectsAreAnswersLikeAnyOther()
+    {
+        QFETCH(QByteArray, location);
 
-void tst_PresenterClientReplies::gzipNameIsCaseSensitive()
-{
-    FakeService service;
-    service.expect("/tavisto", Answer::json(Gzip::gzip("{}")).with("Content-Encoding", "GZIP"));
-    service.expect("/tavisto", Answer::json("{}").with("Content-Encoding", "GZIP"));
-    PresenterClient client(nullptr, service.url());
-    const LogRecorder log;
+        FakeService service;
+        service.expect("/tavisto", Answer::redirect(location));
+        service.expect("/a", Answer::redirect(location));
+        ClientProbe client(service.url());
 
-    QVERIFY(!client.checkServer(QString(), QString()));
-    QVERIFY(client.checkServer(QString(), QString()));
-    QVERIFY(log.debug(QStringLiteral("[REST Responze.gzip]")).isEmpty());
-}
+        QVERIFY(!client.checkServer(QString(), QString())); // an empty body is no JSON
+        client.request(QStringLiteral("/a"));
+        QCOMPARE(client.successes.size() + client.failures.size(), 1);
+        QCOMPARE(client.server(), service.url());
+    }
 
-void tst_PresenterClientReplies::badGzipGivesAnEmptyBody_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<bool>("warned");
+    void gzipIsInflated()
+    {
+        const QByteArray text = R"({"data":{"name":"Zoë"}})";
+        const QByteArray packed = Gzip::gzip(text);
+        const Exchange exchange(Answer::json(packed).with("Content-Encoding", "gzip"));
 
-    QByteArray corrupt = Gzip::gzip(QByteArray(5000, 'x'));
-    corrupt[corrupt.size() - 8] = char(corrupt.at(corrupt.size() - 8) ^ 1);
-    QTest::newRow("no byte") << QByteArray() << true;
-    QTest::newRow("4 bytes") << QByteArray("\x1f\x8b\x08\x00", 4) << true;
-    QTest::newRow("5 bytes") << QByteArray("\x1f\x8b\x08\x00\x00", 5) << false;
-    QTest::newRow("plain text") << QByteArray(R"({"data":{}})") << false;
-    QTest::newRow("wrong checksum") << corrupt << false;
-}
+        QCOMPARE(exchange.client.successes, QStringList{QString::fromUtf8(text)});
+        const QStringList lines =
+            exchange.log.debug(QStringLiteral("[REST Responze.gzip] Compressed size: "));
+        QCOMPARE(lines.size(), 1);
+        QVERIFY2(lines.first().trimmed().endsWith(' ' + QString::number(packed.size())),
+                 qPrintable(lines.first()));
+        QCOMPARE(exchange.log.debug(QStringLiteral("[REST Response] ")).size(), 1);
+    }
 
-void tst_PresenterClientReplies::badGzipGivesAnEmptyBody()
-{
-    QFETCH(QByteArray, bytes);
-    QFETCH(bool, warned);
+    void gzipOfAFailureIsInflated()
+    {
+        const Exchange exchange(Answer::json(Gzip::gzip("{\"a\":1}"), 500).with("content-encoding", "gzip"));
 
-    const Exchange exchange(Answer::json(bytes).with("Content-Encoding", "gzip"));
+        QCOMPARE(exchange.client.failures, QStringList{"{\"a\":1}"});
+    }
 
-    QCOMPARE(exchange.client.successes, QStringList{QString()});
-    QCOMPARE(exchange.log.warnings(),
-             warned ? QStringList{"gUncompress: Input data is truncated"} : QStringList());
-}
+    void gzipNameIsCaseSensitive()
+    {
+        FakeService service;
+        service.expect("/tavisto", Answer::json(Gzip::gzip("{}")).with("Content-Encoding", "GZIP"));
+        service.expect("/tavisto", Answer::json("{}").with("Content-Encoding", "GZIP"));
+        PresenterClient client(nullptr, service.url());
+        const LogRecorder log;
 
-void tst_PresenterClientReplies::bodyEndsAtItsFirstNul_data()
-{
-    QTest::addColumn<bool>("gzip");
+        QVERIFY(!client.checkServer(QString(), QString()));
+        QVERIFY(client.checkServer(QString(), QString()));
+        QVERIFY(log.debug(QStringLiteral("[REST Responze.gzip]")).isEmpty());
+    }
 
-    QTest::newRow("plain") << false;
-    QTest::newRow("gzip") << true;
-}
+    void badGzipGivesAnEmptyBody_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("warned");
 
-void tst_PresenterClientReplies::bodyEndsAtItsFirstNul()
-{
-    QFETCH(bool, gzip);
+        QByteArray corrupt = Gzip::gzip(QByteArray(5000, 'x'));
+        corrupt[corrupt.size() - 8] = char(corrupt.at(corrupt.size() - 8) ^ 1);
+        QTest::newRow("no byte") << QByteArray() << true;
+        QTest::newRow("4 bytes") << QByteArray("\x1f\x8b\x08\x00", 4) << true;
+        QTest::newRow("5 bytes") << QByteArray("\x1f\x8b\x08\x00\x00", 5) << false;
+        QTest::newRow("plain text") << QByteArray(R"({"data":{}})") << false;
+        QTest::newRow("wrong checksum") << corrupt << false;
+    }
 
-    const QByteArray body("{\"a\":1}\0garbage\0", 16);
-    Answer answer = Answer::json(gzip ? Gzip::gzip(body) : body);
-    if (gzip)
-        answer.with("Content-Encoding", "gzip");
-    FakeService service;
-    service.expect("/a", answer);
-    service.expect("/tavisto", answer);
-    ClientProbe client(service.url());
-    client.request(QStringLiteral("/a"));
+    void badGzipGivesAnEmptyBody()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, warned);
 
-    QCOMPARE(client.successes, QStringList{"{\"a\":1}"});
-    QVERIFY(client.checkServer(QString(), QString()));
-}
+        const Exchange exchange(Answer::json(bytes).with("Content-Encoding", "gzip"));
+
+        QCOMPARE(exchange.client.successes, QStringList{QString()});
+        QCOMPARE(exchange.log.warnings(),
+                 warned ? QStringList{"gUncompress: Input data is truncated"} : QStringList());
+    }
+
+    void bodyEndsAtItsFirstNul_data()
+    {
+        QTest::addColumn<bool>("gzip");
+
+        QTest::newRow("plain") << false;
+        QTest::newRow("gzip") << true;
+    }
+
+    void bodyEndsAtItsFirstNul()
+    {
+        QFETCH(bool, gzip);
+
+        const QByteArray body("{\"a\":1}\0garbage\0", 16);
+        Answer answer = Answer::json(gzip ? Gzip::gzip(body) : body);
+        if (gzip)
+            answer.with("Content-Encoding", "gzip");
+        FakeService service;
+        service.expect("/a", answer);
+        service.expect("/tavisto", answer);
+        ClientProbe client(service.url());
+        client.request(QStringLiteral("/a"));
+
+        QCOMPARE(client.successes, QStringList{"{\"a\":1}"});
+        QVERIFY(client.checkServer(QString(), QString()));
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_PresenterClientReplies)
 

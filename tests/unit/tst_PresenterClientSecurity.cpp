@@ -66,198 +66,6 @@ private:
 
 } // namespace
 
-class tst_PresenterClientSecurity : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void initTestCase();
-
-    void trustedServiceIsReached();
-    void unknownRootIsReported_data();
-    void unknownRootIsReported();
-    void knownRootButWrongHostFailsWithoutAKey();
-    void tlsErrorsReachTheFailureHandler();
-    void tlsErrorsAreLogged();
-    void emptyPeerChainMatchesOnlyANamelessRoot_data();
-    void emptyPeerChainMatchesOnlyANamelessRoot();
-    void redirectFromHttpsToHttpIsNotFollowed();
-    void redirectFromHttpsToHttpsIsFollowed();
-
-    void challengeIsAnswered();
-    void challengeIsAnsweredWithEarlierCredentials();
-    void emptyArgumentsKeepEarlierCredentials_data();
-    void emptyArgumentsKeepEarlierCredentials();
-    void challengeWithoutCredentialsFails();
-    void refusedCredentialsFail();
-    void authenticatorGetsOnlyWhatIsSet_data();
-    void authenticatorGetsOnlyWhatIsSet();
-
-    void requestsUseTheSystemProxy();
-    void requestsUseTheProxyOfTheApplication();
-    void exportedProxyChangesNothing_data();
-    void exportedProxyChangesNothing();
-};
-
-void tst_PresenterClientSecurity::initTestCase()
-{
-    QVERIFY(QSslSocket::supportsSsl());
-    QVERIFY(!TestCertificates::certificate(QStringLiteral("root")).isNull());
-    QVERIFY(TestCertificates::certificate(QStringLiteral("nameless"))
-                .issuerInfo(QSslCertificate::CommonName)
-                .isEmpty());
-}
-
-void tst_PresenterClientSecurity::trustedServiceIsReached()
-{
-    const TestCertificates::TrustedRoot trusted;
-    FakeService service(TestCertificates::server(QStringLiteral("loopback")));
-    service.expect("/tavisto", Answer::json("{}"));
-    PresenterClient client(nullptr, service.url());
-    const LogRecorder log;
-
-    QVERIFY(client.checkServer(QString(), QString()));
-    QVERIFY(client.lastError().isNull());
-    QVERIFY(log.debug(QStringLiteral("+++ SSL Config +++")).isEmpty());
-}
-
-void tst_PresenterClientSecurity::unknownRootIsReported_data()
-{
-    QTest::addColumn<QString>("certificate");
-    QTest::addColumn<bool>("withRoot");
-
-    QTest::newRow("root shown") << "loopback" << true;
-    QTest::newRow("root not shown") << "loopback" << false;
-    QTest::newRow("wrong host as well") << "elsewhere" << true;
-}
-
-void tst_PresenterClientSecurity::unknownRootIsReported()
-{
-    QFETCH(QString, certificate);
-    QFETCH(bool, withRoot);
-
-    QSslConfiguration tls = TestCertificates::server(certificate);
-    if (!withRoot)
-        tls.setLocalCertificateChain({TestCertificates::certificate(certificate)});
-    FakeService service(tls);
-    PresenterClient client(nullptr, service.url());
-
-    QVERIFY(!client.checkServer(QString(), QString()));
-    QCOMPARE(client.lastError(), QStringLiteral("SSLRootCertificateMissing"));
-    QVERIFY(service.requests().isEmpty());
-}
-
-void tst_PresenterClientSecurity::knownRootButWrongHostFailsWithoutAKey()
-{
-    const TestCertificates::TrustedRoot trusted;
-    FakeService service(TestCertificates::server(QStringLiteral("elsewhere")));
-    PresenterClient client(nullptr, service.url());
-    const LogRecorder log;
-
-    QVERIFY(!client.checkServer(QString(), QString()));
-    QVERIFY(client.lastError().isNull());
-    QCOMPARE(log.debug(QStringLiteral("ssl error ")).size(), 1);
-    QVERIFY(service.requests().isEmpty());
-}
-
-void tst_PresenterClientSecurity::tlsErrorsReachTheFailureHandler()
-{
-    FakeService service(TestCertificates::server(QStringLiteral("loopback")));
-    PresenterClient client(nullptr, service.url());
-    const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-    const LogRecorder log;
-
-    QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
-    QCOMPARE(client.lastError(), QStringLiteral("SSLRootCertificateMissing"));
-    QCOMPARE(processed.size(), 1);
-    QCOMPARE(log.debug(QStringLiteral("[REST Response] ")).size(), 1);
-    QVERIFY(!log.debug().filter(QStringLiteral("ERROR: ")).isEmpty());
-}
-
-void tst_PresenterClientSecurity::tlsErrorsAreLogged()
-{
-    FakeService service(TestCertificates::server(QStringLiteral("loopback")));
-    PresenterClient client(nullptr, service.url());
-    const LogRecorder log;
-    client.checkServer(QString(), QString());
-
-    const QStringList lines = log.debug();
-    const auto first = [&](const QString& prefix) {
-        for (int i = 0; i < lines.size(); ++i) {
-            if (lines.at(i).startsWith(prefix))
-                return i;
-        }
-        return -1;
-    };
-    const int config = first(QStringLiteral("+++ SSL Config +++"));
-    const int error = first(QStringLiteral("ssl error "));
-    const int peers = first(QStringLiteral("peer certificate list"));
-    const int authorities = first(QStringLiteral("certificate list"));
-    QVERIFY(config >= 0 && config < error && error < peers && peers < authorities);
-    const QStringList peerLines = lines.mid(peers + 1, authorities - peers - 1);
-    QCOMPARE(peerLines.size(), 2);
-    for (const QString& line : peerLines)
-        QVERIFY2(line.startsWith("CommonName:") && line.contains("Calyx Test Root"), qPrintable(line));
-}
-
-void tst_PresenterClientSecurity::emptyPeerChainMatchesOnlyANamelessRoot_data()
-{
-    QTest::addColumn<QStringList>("roots");
-    QTest::addColumn<QString>("error");
-
-    const QString missing = QStringLiteral("SSLRootCertificateMissing");
-    QTest::newRow("no root") << QStringList() << missing;
-    QTest::newRow("named") << QStringList{"root"} << missing;
-    QTest::newRow("nameless") << QStringList{"nameless"} << QString();
-    QTest::newRow("nameless, named") << QStringList{"nameless", "root"} << QString();
-    QTest::newRow("named, nameless") << QStringList{"root", "nameless"} << QString();
-}
-
-void tst_PresenterClientSecurity::emptyPeerChainMatchesOnlyANamelessRoot()
-{
-    QFETCH(QStringList, roots);
-    QFETCH(QString, error);
-
-    QList<QSslCertificate> certificates;
-    for (const QString& root : roots)
-        certificates.append(TestCertificates::certificate(root));
-    ReplyWithoutPeer reply(certificates);
-    PresenterClient client(nullptr, QStringLiteral("https://127.0.0.1:1"));
-    const LogRecorder log;
-    const QList<QSslError> errors{QSslError(QSslError::NoPeerCertificate),
-                                  QSslError(QSslError::NoSslSupport)};
-    QVERIFY(QMetaObject::invokeMethod(&client, "slotSslErrors", Q_ARG(QNetworkReply*, &reply),
-                                      Q_ARG(QList<QSslError>, errors)));
-
-    QCOMPARE(client.lastError(), error);
-    QCOMPARE(client.lastError().isNull(), error.isNull());
-    QCOMPARE(log.debug(QStringLiteral("ssl error ")).size(), 2);
-    QVERIFY(log.debug(QStringLiteral("ssl error ")).first().contains(errors.first().errorString()));
-    QCOMPARE(log.debug(QStringLiteral("CommonName:")).size(), roots.size());
-}
-
-void tst_PresenterClientSecurity::redirectFromHttpsToHttpIsNotFollowed()
-{
-    const TestCertificates::TrustedRoot trusted;
-    FakeService service(TestCertificates::server(QStringLiteral("loopback")));
-    service.expect("/tavisto", Answer::redirect("http://moved.example/"));
-    PresenterClient client(nullptr, service.url());
-
-    QVERIFY(!client.checkServer(QString(), QString()));
-    QCOMPARE(client.server(), service.url());
-}
-
-void tst_PresenterClientSecurity::redirectFromHttpsToHttpsIsFollowed()
-{
-    const TestCertificates::TrustedRoot trusted;
-    FakeService service(TestCertificates::server(QStringLiteral("loopback")));
-    service.expect("/tavisto", Answer::redirect("https://moved.example:443/"));
-    PresenterClient client(nullptr, service.url());
-
-    QVERIFY(client.checkServer(QString(), QString()));
-    QCOMPARE(client.server(), QStringLiteral("https://moved.example:443"));
-}
-
 static Answer challenge()
 {
     return Answer::json(LOGIN_REFUSED, 401).with("WWW-Authenticate", "Basic realm=\"classroom\"");
@@ -266,131 +74,6 @@ static Answer challenge()
 static QByteArray basic(const QByteArray& credentials)
 {
     return "Basic " + credentials.toBase64();
-}
-
-void tst_PresenterClientSecurity::challengeIsAnswered()
-{
-    FakeService service;
-    service.expect("/tavisto", challenge());
-    service.expect("/tavisto", Answer::json("{}"));
-    PresenterClient client(nullptr, service.url());
-
-    QVERIFY(client.checkServer(QStringLiteral("user"), QStringLiteral("secret")));
-    QVERIFY(service.requests().at(0).header("authorization").isNull());
-    QCOMPARE(service.requests().at(1).header("authorization"), basic("user:secret"));
-}
-
-void tst_PresenterClientSecurity::challengeIsAnsweredWithEarlierCredentials()
-{
-    FakeService service;
-    service.expect("/tavisto", Answer::json("{}"));
-    service.expect("/tavisto/login/user", challenge());
-    service.expect("/tavisto/login/user", Answer::json(R"({"data":{"userLoginId":"u"}})"));
-    PresenterClient client(nullptr, service.url());
-    QVERIFY(client.checkServer(QStringLiteral("user"), QStringLiteral("secret")));
-
-    QCOMPARE(client.doGetUserName(), QStringLiteral("u"));
-    QCOMPARE(service.last().header("authorization"), basic("user:secret"));
-}
-
-void tst_PresenterClientSecurity::emptyArgumentsKeepEarlierCredentials_data()
-{
-    QTest::addColumn<QString>("user");
-    QTest::addColumn<QString>("password");
-    QTest::addColumn<QByteArray>("credentials");
-
-    QTest::newRow("both empty") << ""
-                                << "" << QByteArray("user:secret");
-    QTest::newRow("both null") << QString() << QString() << QByteArray("user:secret");
-    QTest::newRow("new user") << "other"
-                              << "" << QByteArray("other:secret");
-    QTest::newRow("new password") << ""
-                                  << "word" << QByteArray("user:word");
-    QTest::newRow("both new") << "other"
-                              << "word" << QByteArray("other:word");
-}
-
-void tst_PresenterClientSecurity::emptyArgumentsKeepEarlierCredentials()
-{
-    QFETCH(QString, user);
-    QFETCH(QString, password);
-    QFETCH(QByteArray, credentials);
-
-    FakeService service;
-    service.expect("/tavisto", Answer::json("{}"));
-    service.expect("/tavisto", challenge());
-    service.expect("/tavisto", Answer::json("{}"));
-    PresenterClient client(nullptr, service.url());
-    QVERIFY(client.checkServer(QStringLiteral("user"), QStringLiteral("secret")));
-
-    QVERIFY(client.checkServer(user, password));
-    QCOMPARE(service.last().header("authorization"), basic(credentials));
-}
-
-void tst_PresenterClientSecurity::challengeWithoutCredentialsFails()
-{
-    FakeService service;
-    service.expect("/tavisto", challenge());
-    PresenterClient client(nullptr, service.url());
-
-    QVERIFY(!client.checkServer(QString(), QString()));
-}
-
-void tst_PresenterClientSecurity::refusedCredentialsFail()
-{
-    FakeService service;
-    service.expect("/tavisto", challenge());
-    service.expect("/tavisto", challenge());
-    PresenterClient client(nullptr, service.url());
-
-    QVERIFY(!client.checkServer(QStringLiteral("user"), QStringLiteral("wrong")));
-    QCOMPARE(service.last().header("authorization"), basic("user:wrong"));
-}
-
-void tst_PresenterClientSecurity::authenticatorGetsOnlyWhatIsSet_data()
-{
-    QTest::addColumn<QString>("user");
-    QTest::addColumn<QString>("password");
-    QTest::addColumn<QString>("userGiven");
-    QTest::addColumn<QString>("passwordGiven");
-
-    QTest::newRow("neither") << ""
-                             << ""
-                             << "before"
-                             << "before";
-    QTest::newRow("user") << "u"
-                          << ""
-                          << "u"
-                          << "before";
-    QTest::newRow("password") << ""
-                              << "p"
-                              << "before"
-                              << "p";
-    QTest::newRow("both") << "u"
-                          << "p"
-                          << "u"
-                          << "p";
-}
-
-void tst_PresenterClientSecurity::authenticatorGetsOnlyWhatIsSet()
-{
-    QFETCH(QString, user);
-    QFETCH(QString, password);
-    QFETCH(QString, userGiven);
-    QFETCH(QString, passwordGiven);
-
-    FakeService service;
-    service.expect("/tavisto", Answer::json("{}"));
-    PresenterClient client(nullptr, service.url());
-    QVERIFY(client.checkServer(user, password));
-    QAuthenticator authenticator;
-    authenticator.setUser(QStringLiteral("before"));
-    authenticator.setPassword(QStringLiteral("before"));
-    QVERIFY(QMetaObject::invokeMethod(&client, "authenticationRequired", Q_ARG(QNetworkReply*, nullptr),
-                                      Q_ARG(QAuthenticator*, &authenticator)));
-
-    QCOMPARE(authenticator.user(), userGiven);
-    QCOMPARE(authenticator.password(), passwordGiven);
 }
 
 // A proxy is asked for the whole URL; the host does not exist, so that no other way leads there.
@@ -402,61 +85,352 @@ static bool isReachedThrough(FakeService& proxy, PresenterClient& client)
     return client.checkServer(QString(), QString()) && proxy.last().path == BEHIND_PROXY;
 }
 
-void tst_PresenterClientSecurity::requestsUseTheSystemProxy()
+class tst_PresenterClientSecurity : public QObject
 {
-    const Environment environment("http_proxy");
-    FakeService proxy;
-    qputenv("http_proxy", proxy.url().toUtf8());
-    PresenterClient client(nullptr, QStringLiteral("http://classroom.invalid"));
+    Q_OBJECT
 
-    QVERIFY(isReachedThrough(proxy, client));
-}
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(QSslSocket::supportsSsl());
+        QVERIFY(!TestCertificates::certificate(QStringLiteral("root")).isNull());
+        QVERIFY(TestCertificates::certificate(QStringLiteral("nameless"))
+                    .issuerInfo(QSslCertificate::CommonName)
+                    .isEmpty());
+    }
 
-void tst_PresenterClientSecurity::requestsUseTheProxyOfTheApplication()
-{
-    FakeService proxy;
-    QNetworkProxy::setApplicationProxy(
-        QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.serverPort()));
-    PresenterClient client(nullptr, QStringLiteral("http://classroom.invalid"));
-    const bool reached = isReachedThrough(proxy, client);
-    QNetworkProxyFactory::setUseSystemConfiguration(true);
+    void trustedServiceIsReached()
+    {
+        const TestCertificates::TrustedRoot trusted;
+        FakeService service(TestCertificates::server(QStringLiteral("loopback")));
+        service.expect("/tavisto", Answer::json("{}"));
+        PresenterClient client(nullptr, service.url());
+        const LogRecorder log;
 
-    QVERIFY(reached);
-}
+        QVERIFY(client.checkServer(QString(), QString()));
+        QVERIFY(client.lastError().isNull());
+        QVERIFY(log.debug(QStringLiteral("+++ SSL Config +++")).isEmpty());
+    }
 
-void tst_PresenterClientSecurity::exportedProxyChangesNothing_data()
-{
-    QTest::addColumn<bool>("hasProxy");
+    void unknownRootIsReported_data()
+    {
+        QTest::addColumn<QString>("certificate");
+        QTest::addColumn<bool>("withRoot");
 
-    QTest::newRow("system proxy") << true;
-    QTest::newRow("no proxy") << false;
-}
+        QTest::newRow("root shown") << "loopback" << true;
+        QTest::newRow("root not shown") << "loopback" << false;
+        QTest::newRow("wrong host as well") << "elsewhere" << true;
+    }
 
-// What the real-time channel exports has no scheme, which Qt misreads.
-void tst_PresenterClientSecurity::exportedProxyChangesNothing()
-{
-    QFETCH(bool, hasProxy);
+    void unknownRootIsReported()
+    {
+        QFETCH(QString, certificate);
+        QFETCH(bool, withRoot);
 
-    const Environment environment("http_proxy");
-    FakeService service;
-    if (hasProxy)
-        qputenv("http_proxy", service.url().toUtf8());
-    else
-        qunsetenv("http_proxy");
-    PresenterClient client(nullptr, hasProxy ? QStringLiteral("http://classroom.invalid") : service.url());
-    const QByteArray path = hasProxy ? QByteArray(BEHIND_PROXY) : QByteArray("/tavisto");
+        QSslConfiguration tls = TestCertificates::server(certificate);
+        if (!withRoot)
+            tls.setLocalCertificateChain({TestCertificates::certificate(certificate)});
+        FakeService service(tls);
+        PresenterClient client(nullptr, service.url());
 
-    service.expect(path, Answer::json("{}"));
-    QVERIFY(client.checkServer(QString(), QString()));
-    QSystemConfigurationProxyFactory::exportToEnvironment(
-        QStringLiteral("127.0.0.1:%1").arg(service.serverPort()));
-    QVERIFY(qEnvironmentVariable("http_proxy").startsWith("127.0.0.1"));
-    for (int i = 0; i < 2; ++i) {
+        QVERIFY(!client.checkServer(QString(), QString()));
+        QCOMPARE(client.lastError(), QStringLiteral("SSLRootCertificateMissing"));
+        QVERIFY(service.requests().isEmpty());
+    }
+
+    void knownRootButWrongHostFailsWithoutAKey()
+    {
+        const TestCertificates::TrustedRoot trusted;
+        FakeService service(TestCertificates::server(QStringLiteral("elsewhere")));
+        PresenterClient client(nullptr, service.url());
+        const LogRecorder log;
+
+        QVERIFY(!client.checkServer(QString(), QString()));
+        QVERIFY(client.lastError().isNull());
+        QCOMPARE(log.debug(QStringLiteral("ssl error ")).size(), 1);
+        QVERIFY(service.requests().isEmpty());
+    }
+
+    void tlsErrorsReachTheFailureHandler()
+    {
+        FakeService service(TestCertificates::server(QStringLiteral("loopback")));
+        PresenterClient client(nullptr, service.url());
+        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+        const LogRecorder log;
+
+        QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QCOMPARE(client.lastError(), QStringLiteral("SSLRootCertificateMissing"));
+        QCOMPARE(processed.size(), 1);
+        QCOMPARE(log.debug(QStringLiteral("[REST Response] ")).size(), 1);
+        QVERIFY(!log.debug().filter(QStringLiteral("ERROR: ")).isEmpty());
+    }
+
+    void tlsErrorsAreLogged()
+    {
+        FakeService service(TestCertificates::server(QStringLiteral("loopback")));
+        PresenterClient client(nullptr, service.url());
+        const LogRecorder log;
+        client.checkServer(QString(), QString());
+
+        const QStringList lines = log.debug();
+        const auto first = [&](const QString& prefix) {
+            for (int i = 0; i < lines.size(); ++i) {
+                if (lines.at(i).startsWith(prefix))
+                    return i;
+            }
+            return -1;
+        };
+        const int config = first(QStringLiteral("+++ SSL Config +++"));
+        const int error = first(QStringLiteral("ssl error "));
+        const int peers = first(QStringLiteral("peer certificate list"));
+        const int authorities = first(QStringLiteral("certificate list"));
+        QVERIFY(config >= 0 && config < error && error < peers && peers < authorities);
+        const QStringList peerLines = lines.mid(peers + 1, authorities - peers - 1);
+        QCOMPARE(peerLines.size(), 2);
+        for (const QString& line : peerLines)
+            QVERIFY2(line.startsWith("CommonName:") && line.contains("Calyx Test Root"), qPrintable(line));
+    }
+
+    void emptyPeerChainMatchesOnlyANamelessRoot_data()
+    {
+        QTest::addColumn<QStringList>("roots");
+        QTest::addColumn<QString>("error");
+
+        const QString missing = QStringLiteral("SSLRootCertificateMissing");
+        QTest::newRow("no root") << QStringList() << missing;
+        QTest::newRow("named") << QStringList{"root"} << missing;
+        QTest::newRow("nameless") << QStringList{"nameless"} << QString();
+        QTest::newRow("nameless, named") << QStringList{"nameless", "root"} << QString();
+        QTest::newRow("named, nameless") << QStringList{"root", "nameless"} << QString();
+    }
+
+    void emptyPeerChainMatchesOnlyANamelessRoot()
+    {
+        QFETCH(QStringList, roots);
+        QFETCH(QString, error);
+
+        QList<QSslCertificate> certificates;
+        for (const QString& root : roots)
+            certificates.append(TestCertificates::certificate(root));
+        ReplyWithoutPeer reply(certificates);
+        PresenterClient client(nullptr, QStringLiteral("https://127.0.0.1:1"));
+        const LogRecorder log;
+        const QList<QSslError> errors{QSslError(QSslError::NoPeerCertificate),
+                                      QSslError(QSslError::NoSslSupport)};
+        QVERIFY(QMetaObject::invokeMethod(&client, "slotSslErrors", Q_ARG(QNetworkReply*, &reply),
+                                          Q_ARG(QList<QSslError>, errors)));
+
+        QCOMPARE(client.lastError(), error);
+        QCOMPARE(client.lastError().isNull(), error.isNull());
+        QCOMPARE(log.debug(QStringLiteral("ssl error ")).size(), 2);
+        QVERIFY(log.debug(QStringLiteral("ssl error ")).first().contains(errors.first().errorString()));
+        QCOMPARE(log.debug(QStringLiteral("CommonName:")).size(), roots.size());
+    }
+
+    void redirectFromHttpsToHttpIsNotFollowed()
+    {
+        const TestCertificates::TrustedRoot trusted;
+        FakeService service(TestCertificates::server(QStringLiteral("loopback")));
+        service.expect("/tavisto", Answer::redirect("http://moved.example/"));
+        PresenterClient client(nullptr, service.url());
+
+        QVERIFY(!client.checkServer(QString(), QString()));
+        QCOMPARE(client.server(), service.url());
+    }
+
+    void redirectFromHttpsToHttpsIsFollowed()
+    {
+        const TestCertificates::TrustedRoot trusted;
+        FakeService service(TestCertificates::server(QStringLiteral("loopback")));
+        service.expect("/tavisto", Answer::redirect("https://moved.example:443/"));
+        PresenterClient client(nullptr, service.url());
+
+        QVERIFY(client.checkServer(QString(), QString()));
+        QCOMPARE(client.server(), QStringLiteral("https://moved.example:443"));
+    }
+
+    void challengeIsAnswered()
+    {
+        FakeService service;
+        service.expect("/tavisto", challenge());
+        service.expect("/tavisto", Answer::json("{}"));
+        PresenterClient client(nullptr, service.url());
+
+        QVERIFY(client.checkServer(QStringLiteral("user"), QStringLiteral("secret")));
+        QVERIFY(service.requests().at(0).header("authorization").isNull());
+        QCOMPARE(service.requests().at(1).header("authorization"), basic("user:secret"));
+    }
+
+    void challengeIsAnsweredWithEarlierCredentials()
+    {
+        FakeService service;
+        service.expect("/tavisto", Answer::json("{}"));
+        service.expect("/tavisto/login/user", challenge());
+        service.expect("/tavisto/login/user", Answer::json(R"({"data":{"userLoginId":"u"}})"));
+        PresenterClient client(nullptr, service.url());
+        QVERIFY(client.checkServer(QStringLiteral("user"), QStringLiteral("secret")));
+
+        QCOMPARE(client.doGetUserName(), QStringLiteral("u"));
+        QCOMPARE(service.last().header("authorization"), basic("user:secret"));
+    }
+
+    void emptyArgumentsKeepEarlierCredentials_data()
+    {
+        QTest::addColumn<QString>("user");
+        QTest::addColumn<QString>("password");
+        QTest::addColumn<QByteArray>("credentials");
+
+        QTest::newRow("both empty") << ""
+                                    << "" << QByteArray("user:secret");
+        QTest::newRow("both null") << QString() << QString() << QByteArray("user:secret");
+        QTest::newRow("new user") << "other"
+                                  << "" << QByteArray("other:secret");
+        QTest::newRow("new password") << ""
+                                      << "word" << QByteArray("user:word");
+        QTest::newRow("both new") << "other"
+                                  << "word" << QByteArray("other:word");
+    }
+
+    void emptyArgumentsKeepEarlierCredentials()
+    {
+        QFETCH(QString, user);
+        QFETCH(QString, password);
+        QFETCH(QByteArray, credentials);
+
+        FakeService service;
+        service.expect("/tavisto", Answer::json("{}"));
+        service.expect("/tavisto", challenge());
+        service.expect("/tavisto", Answer::json("{}"));
+        PresenterClient client(nullptr, service.url());
+        QVERIFY(client.checkServer(QStringLiteral("user"), QStringLiteral("secret")));
+
+        QVERIFY(client.checkServer(user, password));
+        QCOMPARE(service.last().header("authorization"), basic(credentials));
+    }
+
+    void challengeWithoutCredentialsFails()
+    {
+        FakeService service;
+        service.expect("/tavisto", challenge());
+        PresenterClient client(nullptr, service.url());
+
+        QVERIFY(!client.checkServer(QString(), QString()));
+    }
+
+    void refusedCredentialsFail()
+    {
+        FakeService service;
+        service.expect("/tavisto", challenge());
+        service.expect("/tavisto", challenge());
+        PresenterClient client(nullptr, service.url());
+
+        QVERIFY(!client.checkServer(QStringLiteral("user"), QStringLiteral("wrong")));
+        QCOMPARE(service.last().header("authorization"), basic("user:wrong"));
+    }
+
+    void authenticatorGetsOnlyWhatIsSet_data()
+    {
+        QTest::addColumn<QString>("user");
+        QTest::addColumn<QString>("password");
+        QTest::addColumn<QString>("userGiven");
+        QTest::addColumn<QString>("passwordGiven");
+
+        QTest::newRow("neither") << ""
+                                 << ""
+                                 << "before"
+                                 << "before";
+        QTest::newRow("user") << "u"
+                              << ""
+                              << "u"
+                              << "before";
+        QTest::newRow("password") << ""
+                                  << "p"
+                                  << "before"
+                                  << "p";
+        QTest::newRow("both") << "u"
+                              << "p"
+                              << "u"
+                              << "p";
+    }
+
+    void authenticatorGetsOnlyWhatIsSet()
+    {
+        QFETCH(QString, user);
+        QFETCH(QString, password);
+        QFETCH(QString, userGiven);
+        QFETCH(QString, passwordGiven);
+
+        FakeService service;
+        service.expect("/tavisto", Answer::json("{}"));
+        PresenterClient client(nullptr, service.url());
+        QVERIFY(client.checkServer(user, password));
+        QAuthenticator authenticator;
+        authenticator.setUser(QStringLiteral("before"));
+        authenticator.setPassword(QStringLiteral("before"));
+        QVERIFY(QMetaObject::invokeMethod(&client, "authenticationRequired", Q_ARG(QNetworkReply*, nullptr),
+                                          Q_ARG(QAuthenticator*, &authenticator)));
+
+        QCOMPARE(authenticator.user(), userGiven);
+        QCOMPARE(authenticator.password(), passwordGiven);
+    }
+
+    void requestsUseTheSystemProxy()
+    {
+        const Environment environment("http_proxy");
+        FakeService proxy;
+        qputenv("http_proxy", proxy.url().toUtf8());
+        PresenterClient client(nullptr, QStringLiteral("http://classroom.invalid"));
+
+        QVERIFY(isReachedThrough(proxy, client));
+    }
+
+    void requestsUseTheProxyOfTheApplication()
+    {
+        FakeService proxy;
+        QNetworkProxy::setApplicationProxy(
+            QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.serverPort()));
+        PresenterClient client(nullptr, QStringLiteral("http://classroom.invalid"));
+        const bool reached = isReachedThrough(proxy, client);
+        QNetworkProxyFactory::setUseSystemConfiguration(true);
+
+        QVERIFY(reached);
+    }
+
+    void exportedProxyChangesNothing_data()
+    {
+        QTest::addColumn<bool>("hasProxy");
+
+        QTest::newRow("system proxy") << true;
+        QTest::newRow("no proxy") << false;
+    }
+
+    // What the real-time channel exports has no scheme, which Qt misreads.
+    void exportedProxyChangesNothing()
+    {
+        QFETCH(bool, hasProxy);
+
+        const Environment environment("http_proxy");
+        FakeService service;
+        if (hasProxy)
+            qputenv("http_proxy", service.url().toUtf8());
+        else
+            qunsetenv("http_proxy");
+        PresenterClient client(nullptr,
+                               hasProxy ? QStringLiteral("http://classroom.invalid") : service.url());
+        const QByteArray path = hasProxy ? QByteArray(BEHIND_PROXY) : QByteArray("/tavisto");
+
         service.expect(path, Answer::json("{}"));
         QVERIFY(client.checkServer(QString(), QString()));
-        QCOMPARE(service.last().path, path);
+        QSystemConfigurationProxyFactory::exportToEnvironment(
+            QStringLiteral("127.0.0.1:%1").arg(service.serverPort()));
+        QVERIFY(qEnvironmentVariable("http_proxy").startsWith("127.0.0.1"));
+        for (int i = 0; i < 2; ++i) {
+            service.expect(path, Answer::json("{}"));
+            QVERIFY(client.checkServer(QString(), QString()));
+            QCOMPARE(service.last().path, path);
+        }
     }
-}
+};
 
 QTEST_GUILESS_MAIN(tst_PresenterClientSecurity)
 

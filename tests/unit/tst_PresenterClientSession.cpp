@@ -37,350 +37,326 @@ class tst_PresenterClientSession : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void asksWhoIsLoggedInAndCreates();
-    void code_data();
-    void code();
-    void refusedCreationKeepsTheErrorKey_data();
-    void refusedCreationKeepsTheErrorKey();
-    void unansweredCreationFails_data();
-    void unansweredCreationFails();
-    void creationForgetsTheEarlierSessionFirst();
-    void creationClearsTheLastError();
-    void logsInAgainWhenNeeded();
-    void failedReLoginCreatesNothing();
-    void unknownUserCreatesNothing();
-    void handlersLeaveThingsAloneWithoutJson();
+    void asksWhoIsLoggedInAndCreates()
+    {
+        FakeService service;
+        service.expect(USER, Answer::json(LOGGED_IN));
+        service.expect(CREATE, Answer::json(CREATED));
+        PresenterClient client(nullptr, service.url());
 
-    void asksForTheLearnersOfTheSession();
-    void noLearnersWithoutASession();
-    void learners_data();
-    void learners();
-    void badListLeavesTheLearners_data();
-    void badListLeavesTheLearners();
-    void failedRequestLeavesTheLearners_data();
-    void failedRequestLeavesTheLearners();
-    void learnerIsAValue();
-};
-
-void tst_PresenterClientSession::asksWhoIsLoggedInAndCreates()
-{
-    FakeService service;
-    service.expect(USER, Answer::json(LOGGED_IN));
-    service.expect(CREATE, Answer::json(CREATED));
-    PresenterClient client(nullptr, service.url());
-
-    QVERIFY(client.doStartSession(QStringLiteral("not used")));
-    QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
-    QVERIFY(client.sessionToken().isNull());
-    QVERIFY(client.isLoggedIn());
-    for (const FakeService::Request& request : service.requests()) {
-        QCOMPARE(request.method, QByteArray("POST"));
-        QCOMPARE(request.header("content-type"), QByteArray("application/json; charset=UTF-8"));
-        QCOMPARE(request.body, QByteArray("{}"));
+        QVERIFY(client.doStartSession(QStringLiteral("not used")));
+        QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
+        QVERIFY(client.sessionToken().isNull());
+        QVERIFY(client.isLoggedIn());
+        for (const FakeService::Request& request : service.requests()) {
+            QCOMPARE(request.method, QByteArray("POST"));
+            QCOMPARE(request.header("content-type"), QByteArray("application/json; charset=UTF-8"));
+            QCOMPARE(request.body, QByteArray("{}"));
+        }
     }
-}
 
-void tst_PresenterClientSession::code_data()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<bool>("created");
-    QTest::addColumn<QString>("code");
+    void code_data()
+    {
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<bool>("created");
+        QTest::addColumn<QString>("code");
 
-    QTest::newRow("text") << QByteArray(R"({"data":{"sessionCode":"012345"}})") << true << "012345";
-    QTest::newRow("number") << QByteArray(R"({"data":{"sessionCode":123456}})") << true << "123456";
-    QTest::newRow("empty") << QByteArray(R"({"data":{"sessionCode":""}})") << true << "";
-    QTest::newRow("absent") << QByteArray(R"({"data":{}})") << false << QString();
-    QTest::newRow("no data") << QByteArray(R"({"success":true})") << false << QString();
-    QTest::newRow("data is a text") << QByteArray(R"({"data":"sessionCode"})") << false << QString();
-    QTest::newRow("no JSON") << QByteArray("<html>") << false << QString();
-    QTest::newRow("error key, but no HTTP error")
-        << QByteArray(R"({"errorMsgKeys":["a.error"],"data":{"sessionCode":"1"}})") << true << "1";
-}
+        QTest::newRow("text") << QByteArray(R"({"data":{"sessionCode":"012345"}})") << true << "012345";
+        QTest::newRow("number") << QByteArray(R"({"data":{"sessionCode":123456}})") << true << "123456";
+        QTest::newRow("empty") << QByteArray(R"({"data":{"sessionCode":""}})") << true << "";
+        QTest::newRow("absent") << QByteArray(R"({"data":{}})") << false << QString();
+        QTest::newRow("no data") << QByteArray(R"({"success":true})") << false << QString();
+        QTest::newRow("data is a text") << QByteArray(R"({"data":"sessionCode"})") << false << QString();
+        QTest::newRow("no JSON") << QByteArray("<html>") << false << QString();
+        QTest::newRow("error key, but no HTTP error")
+            << QByteArray(R"({"errorMsgKeys":["a.error"],"data":{"sessionCode":"1"}})") << true << "1";
+    }
 
-void tst_PresenterClientSession::code()
-{
-    QFETCH(QByteArray, body);
-    QFETCH(bool, created);
-    QFETCH(QString, code);
+    void code()
+    {
+        QFETCH(QByteArray, body);
+        QFETCH(bool, created);
+        QFETCH(QString, code);
 
-    FakeService service;
-    service.expect(USER, Answer::json(LOGGED_IN));
-    service.expect(CREATE, Answer::json(body));
-    PresenterClient client(nullptr, service.url());
+        FakeService service;
+        service.expect(USER, Answer::json(LOGGED_IN));
+        service.expect(CREATE, Answer::json(body));
+        PresenterClient client(nullptr, service.url());
 
-    QCOMPARE(client.doStartSession(QString()), created);
-    QCOMPARE(client.sessionCode(), code);
-    QCOMPARE(client.sessionCode().isNull(), code.isNull());
-}
+        QCOMPARE(client.doStartSession(QString()), created);
+        QCOMPARE(client.sessionCode(), code);
+        QCOMPARE(client.sessionCode().isNull(), code.isNull());
+    }
 
-void tst_PresenterClientSession::refusedCreationKeepsTheErrorKey_data()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<QString>("error");
+    void refusedCreationKeepsTheErrorKey_data()
+    {
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QString>("error");
 
-    QTest::newRow("first key") << QByteArray(R"({"errorMsgKeys":["session.error","b.error"]})")
-                               << "session.error";
-    QTest::newRow("first key without error")
-        << QByteArray(R"({"errorMsgKeys":["session.refused","b.error"]})") << QString();
-    QTest::newRow("a code all the same") << QByteArray(CREATED) << QString();
-    QTest::newRow("no JSON") << QByteArray("error") << QString();
-}
+        QTest::newRow("first key") << QByteArray(R"({"errorMsgKeys":["session.error","b.error"]})")
+                                   << "session.error";
+        QTest::newRow("first key without error")
+            << QByteArray(R"({"errorMsgKeys":["session.refused","b.error"]})") << QString();
+        QTest::newRow("a code all the same") << QByteArray(CREATED) << QString();
+        QTest::newRow("no JSON") << QByteArray("error") << QString();
+    }
 
-void tst_PresenterClientSession::refusedCreationKeepsTheErrorKey()
-{
-    QFETCH(QByteArray, body);
-    QFETCH(QString, error);
+    void refusedCreationKeepsTheErrorKey()
+    {
+        QFETCH(QByteArray, body);
+        QFETCH(QString, error);
 
-    FakeService service;
-    service.expect(USER, Answer::json(LOGGED_IN));
-    service.expect(CREATE, Answer::json(body, 500));
-    PresenterClient client(nullptr, service.url());
+        FakeService service;
+        service.expect(USER, Answer::json(LOGGED_IN));
+        service.expect(CREATE, Answer::json(body, 500));
+        PresenterClient client(nullptr, service.url());
 
-    QVERIFY(!client.doStartSession(QString()));
-    QCOMPARE(client.lastError(), error);
-    QCOMPARE(client.lastError().isNull(), error.isNull());
-    QVERIFY(client.sessionCode().isNull());
-}
+        QVERIFY(!client.doStartSession(QString()));
+        QCOMPARE(client.lastError(), error);
+        QCOMPARE(client.lastError().isNull(), error.isNull());
+        QVERIFY(client.sessionCode().isNull());
+    }
 
-void tst_PresenterClientSession::unansweredCreationFails_data()
-{
-    QTest::addColumn<bool>("cut");
+    void unansweredCreationFails_data()
+    {
+        QTest::addColumn<bool>("cut");
 
-    QTest::newRow("service gone") << false;
-    QTest::newRow("answer cut short") << true;
-}
+        QTest::newRow("service gone") << false;
+        QTest::newRow("answer cut short") << true;
+    }
 
-void tst_PresenterClientSession::unansweredCreationFails()
-{
-    QFETCH(bool, cut);
+    void unansweredCreationFails()
+    {
+        QFETCH(bool, cut);
 
-    FakeService service;
-    service.expect(USER, Answer::json(LOGGED_IN));
-    service.expect(CREATE, cut ? Answer::cut(CREATED) : Answer::gone());
-    PresenterClient client(nullptr, service.url());
+        FakeService service;
+        service.expect(USER, Answer::json(LOGGED_IN));
+        service.expect(CREATE, cut ? Answer::cut(CREATED) : Answer::gone());
+        PresenterClient client(nullptr, service.url());
 
-    QVERIFY(!client.doStartSession(QString()));
-    QVERIFY(client.sessionCode().isNull());
-    QVERIFY(client.lastError().isNull());
-}
+        QVERIFY(!client.doStartSession(QString()));
+        QVERIFY(client.sessionCode().isNull());
+        QVERIFY(client.lastError().isNull());
+    }
 
-void tst_PresenterClientSession::creationForgetsTheEarlierSessionFirst()
-{
-    FakeService service;
-    PresenterClient client(nullptr, service.url());
-    openSession(client);
-    bool forgottenMeanwhile = false;
-    service.expect(USER, Answer::json(LOGGED_IN));
-    service.expect(CREATE, Answer::json("{}", 500).then([&] {
-        forgottenMeanwhile = client.sessionCode().isNull() && client.sessionToken().isNull();
-    }));
+    void creationForgetsTheEarlierSessionFirst()
+    {
+        FakeService service;
+        PresenterClient client(nullptr, service.url());
+        openSession(client);
+        bool forgottenMeanwhile = false;
+        service.expect(USER, Answer::json(LOGGED_IN));
+        service.expect(CREATE, Answer::json("{}", 500).then([&] {
+            forgottenMeanwhile = client.sessionCode().isNull() && client.sessionToken().isNull();
+        }));
 
-    QVERIFY(!client.doStartSession(QString()));
-    QVERIFY(forgottenMeanwhile);
-    QVERIFY(client.sessionCode().isNull());
-    QVERIFY(client.sessionToken().isNull());
-}
+        QVERIFY(!client.doStartSession(QString()));
+        QVERIFY(forgottenMeanwhile);
+        QVERIFY(client.sessionCode().isNull());
+        QVERIFY(client.sessionToken().isNull());
+    }
 
-void tst_PresenterClientSession::creationClearsTheLastError()
-{
-    FakeService service;
-    service.expect(USER, Answer::json(LOGGED_IN));
-    service.expect(CREATE, Answer::json(CREATED));
-    PresenterClient client(nullptr, service.url());
-    client.sessionFailureResponse(nullptr, QStringLiteral(R"({"errorMsgKeys":["earlier.error"]})"));
-    QCOMPARE(client.lastError(), QStringLiteral("earlier.error"));
+    void creationClearsTheLastError()
+    {
+        FakeService service;
+        service.expect(USER, Answer::json(LOGGED_IN));
+        service.expect(CREATE, Answer::json(CREATED));
+        PresenterClient client(nullptr, service.url());
+        client.sessionFailureResponse(nullptr, QStringLiteral(R"({"errorMsgKeys":["earlier.error"]})"));
+        QCOMPARE(client.lastError(), QStringLiteral("earlier.error"));
 
-    QVERIFY(client.doStartSession(QString()));
-    QVERIFY(client.lastError().isNull());
-}
+        QVERIFY(client.doStartSession(QString()));
+        QVERIFY(client.lastError().isNull());
+    }
 
-// A service that does not know us any more answers the question for the user with an error.
-void tst_PresenterClientSession::logsInAgainWhenNeeded()
-{
-    FakeService service;
-    service.expect(SUBMIT, Answer::json("{}"));
-    service.expect(USER, Answer::json("{}", 401));
-    service.expect(SUBMIT, Answer::json(R"({"infoMsgs":["success"]})"));
-    service.expect(CREATE, Answer::json(CREATED));
-    PresenterClient client(nullptr, service.url());
-    QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+    // A service that does not know us any more answers the question for the user with an error.
+    void logsInAgainWhenNeeded()
+    {
+        FakeService service;
+        service.expect(SUBMIT, Answer::json("{}"));
+        service.expect(USER, Answer::json("{}", 401));
+        service.expect(SUBMIT, Answer::json(R"({"infoMsgs":["success"]})"));
+        service.expect(CREATE, Answer::json(CREATED));
+        PresenterClient client(nullptr, service.url());
+        QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
 
-    QVERIFY(client.doStartSession(QString()));
-    QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
-}
+        QVERIFY(client.doStartSession(QString()));
+        QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
+    }
 
-void tst_PresenterClientSession::failedReLoginCreatesNothing()
-{
-    FakeService service;
-    service.expect(SUBMIT, Answer::json("{}"));
-    service.expect(USER, Answer::json("{}", 401));
-    service.expect(SUBMIT, Answer::json(R"({"errorMsgKeys":["login.error"]})", 401));
-    PresenterClient client(nullptr, service.url());
-    QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
-    createSession(client);
+    void failedReLoginCreatesNothing()
+    {
+        FakeService service;
+        service.expect(SUBMIT, Answer::json("{}"));
+        service.expect(USER, Answer::json("{}", 401));
+        service.expect(SUBMIT, Answer::json(R"({"errorMsgKeys":["login.error"]})", 401));
+        PresenterClient client(nullptr, service.url());
+        QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        createSession(client);
 
-    QVERIFY(!client.doStartSession(QString()));
-    QCOMPARE(client.lastError(), QStringLiteral("login.error"));
-    QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
-}
+        QVERIFY(!client.doStartSession(QString()));
+        QCOMPARE(client.lastError(), QStringLiteral("login.error"));
+        QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
+    }
 
-// Without a user id there is nobody to log in again.
-void tst_PresenterClientSession::unknownUserCreatesNothing()
-{
-    FakeService service;
-    service.expect(SUBMIT, Answer::json(R"({"infoMsgs":["success"]})"));
-    service.expect(USER, Answer::json(R"({"data":{}})"));
-    PresenterClient client(nullptr, service.url());
-    QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+    // Without a user id there is nobody to log in again.
+    void unknownUserCreatesNothing()
+    {
+        FakeService service;
+        service.expect(SUBMIT, Answer::json(R"({"infoMsgs":["success"]})"));
+        service.expect(USER, Answer::json(R"({"data":{}})"));
+        PresenterClient client(nullptr, service.url());
+        QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
 
-    QVERIFY(!client.doStartSession(QString()));
-}
+        QVERIFY(!client.doStartSession(QString()));
+    }
 
-void tst_PresenterClientSession::handlersLeaveThingsAloneWithoutJson()
-{
-    PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
-    createSession(client);
-    client.sessionFailureResponse(nullptr, QStringLiteral(R"({"errorMsgKeys":["a.error"]})"));
-    client.sessionSuccessResponse(QStringLiteral("{\"data\":"));
-    client.sessionFailureResponse(nullptr, QStringLiteral("error"));
+    void handlersLeaveThingsAloneWithoutJson()
+    {
+        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+        createSession(client);
+        client.sessionFailureResponse(nullptr, QStringLiteral(R"({"errorMsgKeys":["a.error"]})"));
+        client.sessionSuccessResponse(QStringLiteral("{\"data\":"));
+        client.sessionFailureResponse(nullptr, QStringLiteral("error"));
 
-    QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
-    QCOMPARE(client.lastError(), QStringLiteral("a.error"));
-    client.sessionFailureResponse(nullptr, QStringLiteral("{}"));
-    QVERIFY(client.lastError().isNull());
-}
+        QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
+        QCOMPARE(client.lastError(), QStringLiteral("a.error"));
+        client.sessionFailureResponse(nullptr, QStringLiteral("{}"));
+        QVERIFY(client.lastError().isNull());
+    }
 
-void tst_PresenterClientSession::asksForTheLearnersOfTheSession()
-{
-    FakeService service;
-    service.expect(USERS, Answer::json(R"({"data":{"users":[]}})"));
-    PresenterClient client(nullptr, service.url());
-    openSession(client, QString::fromUtf8("é\\\"%1"));
-    QCOMPARE(client.sessionToken(), QString::fromUtf8("é\"%1"));
+    void asksForTheLearnersOfTheSession()
+    {
+        FakeService service;
+        service.expect(USERS, Answer::json(R"({"data":{"users":[]}})"));
+        PresenterClient client(nullptr, service.url());
+        openSession(client, QString::fromUtf8("é\\\"%1"));
+        QCOMPARE(client.sessionToken(), QString::fromUtf8("é\"%1"));
 
-    QVERIFY(client.doGetLearners());
-    QCOMPARE(service.last().method, QByteArray("POST"));
-    QCOMPARE(service.last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
-    QCOMPARE(service.last().body, QByteArray("{\"sessionToken\":\"é\"%1\"}"));
-    service.expect(STOP, Answer::json("{}"));
-}
+        QVERIFY(client.doGetLearners());
+        QCOMPARE(service.last().method, QByteArray("POST"));
+        QCOMPARE(service.last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
+        QCOMPARE(service.last().body, QByteArray("{\"sessionToken\":\"é\"%1\"}"));
+        service.expect(STOP, Answer::json("{}"));
+    }
 
-void tst_PresenterClientSession::noLearnersWithoutASession()
-{
-    FakeService service;
-    PresenterClient client(nullptr, service.url());
-    createSession(client);
-    const LogRecorder log;
+    void noLearnersWithoutASession()
+    {
+        FakeService service;
+        PresenterClient client(nullptr, service.url());
+        createSession(client);
+        const LogRecorder log;
 
-    QVERIFY(!client.doGetLearners());
-    QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to get users for!"});
-}
+        QVERIFY(!client.doGetLearners());
+        QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to get users for!"});
+    }
 
-void tst_PresenterClientSession::learners_data()
-{
-    QTest::addColumn<QByteArray>("users");
-    QTest::addColumn<QStringList>("learners");
+    void learners_data()
+    {
+        QTest::addColumn<QByteArray>("users");
+        QTest::addColumn<QStringList>("learners");
 
-    const auto row = [](const char* name, const char* users, const QStringList& learners) {
-        QTest::newRow(name) << QByteArray(users) << learners;
-    };
-    row("none", "[]", {});
-    row("one", R"([{"userToken":"d1","userName":"Zoë","deviceType":"tablet","mode":"learner"}])",
-        {QString::fromUtf8("d1 Zoë tablet")});
-    row("in order, twice the same",
-        R"([{"userToken":"d2","mode":"learner"},{"userToken":"d1","mode":"learner"},)"
-        R"({"userToken":"d2","mode":"learner"}])",
-        {"d2  ", "d1  ", "d2  "});
-    row("learners only",
-        R"([{"userToken":"p","mode":"presenter"},{"userToken":"c","mode":"Learner"},{"userToken":"n"},)"
-        R"({"userToken":"b","mode":"learner "},{"userToken":"z","mode":null},{"userToken":"d","mode":"learner"}])",
-        {"d  "});
-    row("nothing but the mode", R"([{"mode":"learner"}])", {"  "});
-    row("no objects", R"(["learner",1,null,[],{"mode":"learner","userToken":"d"}])", {"d  "});
-    row("numbers", R"([{"mode":"learner","userToken":1,"userName":2,"deviceType":3}])", {"1 2 3"});
-}
+        const auto row = [](const char* name, const char* users, const QStringList& learners) {
+            QTest::newRow(name) << QByteArray(users) << learners;
+        };
+        row("none", "[]", {});
+        row("one", R"([{"userToken":"d1","userName":"Zoë","deviceType":"tablet","mode":"learner"}])",
+            {QString::fromUtf8("d1 Zoë tablet")});
+        row("in order, twice the same",
+            R"([{"userToken":"d2","mode":"learner"},{"userToken":"d1","mode":"learner"},)"
+            R"({"userToken":"d2","mode":"learner"}])",
+            {"d2  ", "d1  ", "d2  "});
+        row("learners only",
+            R"([{"userToken":"p","mode":"presenter"},{"userToken":"c","mode":"Learner"},{"userToken":"n"},)"
+            R"({"userToken":"b","mode":"learner "},{"userToken":"z","mode":null},{"userToken":"d","mode":"learner"}])",
+            {"d  "});
+        row("nothing but the mode", R"([{"mode":"learner"}])", {"  "});
+        row("no objects", R"(["learner",1,null,[],{"mode":"learner","userToken":"d"}])", {"d  "});
+        row("numbers", R"([{"mode":"learner","userToken":1,"userName":2,"deviceType":3}])", {"1 2 3"});
+    }
 
-void tst_PresenterClientSession::learners()
-{
-    QFETCH(QByteArray, users);
-    QFETCH(QStringList, learners);
+    void learners()
+    {
+        QFETCH(QByteArray, users);
+        QFETCH(QStringList, learners);
 
-    FakeService service;
-    service.expect(USERS, Answer::json("{\"data\":{\"users\":" + users + "}}"));
-    PresenterClient client(nullptr, service.url());
-    openSession(client);
-    client.getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
-    QCOMPARE(client.learners().size(), 1);
+        FakeService service;
+        service.expect(USERS, Answer::json("{\"data\":{\"users\":" + users + "}}"));
+        PresenterClient client(nullptr, service.url());
+        openSession(client);
+        client.getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
+        QCOMPARE(client.learners().size(), 1);
 
-    QVERIFY(client.doGetLearners());
-    QCOMPARE(texts(client.learners()), learners);
-    service.expect(STOP, Answer::json("{}"));
-}
+        QVERIFY(client.doGetLearners());
+        QCOMPARE(texts(client.learners()), learners);
+        service.expect(STOP, Answer::json("{}"));
+    }
 
-void tst_PresenterClientSession::badListLeavesTheLearners_data()
-{
-    QTest::addColumn<QByteArray>("body");
+    void badListLeavesTheLearners_data()
+    {
+        QTest::addColumn<QByteArray>("body");
 
-    QTest::newRow("text") << QByteArray(R"({"data":{"users":"none"}})");
-    QTest::newRow("object") << QByteArray(R"({"data":{"users":{"mode":"learner"}}})");
-    QTest::newRow("null") << QByteArray(R"({"data":{"users":null}})");
-    QTest::newRow("absent") << QByteArray(R"({"data":{}})");
-    QTest::newRow("no data") << QByteArray("{}");
-    QTest::newRow("no JSON") << QByteArray(R"({"data":{"users":[)");
-    QTest::newRow("empty") << QByteArray();
-}
+        QTest::newRow("text") << QByteArray(R"({"data":{"users":"none"}})");
+        QTest::newRow("object") << QByteArray(R"({"data":{"users":{"mode":"learner"}}})");
+        QTest::newRow("null") << QByteArray(R"({"data":{"users":null}})");
+        QTest::newRow("absent") << QByteArray(R"({"data":{}})");
+        QTest::newRow("no data") << QByteArray("{}");
+        QTest::newRow("no JSON") << QByteArray(R"({"data":{"users":[)");
+        QTest::newRow("empty") << QByteArray();
+    }
 
-void tst_PresenterClientSession::badListLeavesTheLearners()
-{
-    QFETCH(QByteArray, body);
+    void badListLeavesTheLearners()
+    {
+        QFETCH(QByteArray, body);
 
-    FakeService service;
-    service.expect(USERS, Answer::json(body));
-    PresenterClient client(nullptr, service.url());
-    openSession(client);
-    client.getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
+        FakeService service;
+        service.expect(USERS, Answer::json(body));
+        PresenterClient client(nullptr, service.url());
+        openSession(client);
+        client.getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
 
-    QVERIFY(client.doGetLearners());
-    QCOMPARE(texts(client.learners()), QStringList{"old  "});
-    service.expect(STOP, Answer::json("{}"));
-}
+        QVERIFY(client.doGetLearners());
+        QCOMPARE(texts(client.learners()), QStringList{"old  "});
+        service.expect(STOP, Answer::json("{}"));
+    }
 
-void tst_PresenterClientSession::failedRequestLeavesTheLearners_data()
-{
-    QTest::addColumn<bool>("cut");
+    void failedRequestLeavesTheLearners_data()
+    {
+        QTest::addColumn<bool>("cut");
 
-    QTest::newRow("http error") << false;
-    QTest::newRow("answer cut short") << true;
-}
+        QTest::newRow("http error") << false;
+        QTest::newRow("answer cut short") << true;
+    }
 
-void tst_PresenterClientSession::failedRequestLeavesTheLearners()
-{
-    QFETCH(bool, cut);
+    void failedRequestLeavesTheLearners()
+    {
+        QFETCH(bool, cut);
 
-    const QByteArray body(R"({"errorMsgKeys":["a.error"],"data":{"users":[]}})");
-    FakeService service;
-    service.expect(USERS, cut ? Answer::cut(body) : Answer::json(body, 500));
-    PresenterClient client(nullptr, service.url());
-    openSession(client);
-    client.getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
+        const QByteArray body(R"({"errorMsgKeys":["a.error"],"data":{"users":[]}})");
+        FakeService service;
+        service.expect(USERS, cut ? Answer::cut(body) : Answer::json(body, 500));
+        PresenterClient client(nullptr, service.url());
+        openSession(client);
+        client.getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
 
-    QVERIFY(client.doGetLearners());
-    QCOMPARE(texts(client.learners()), QStringList{"old  "});
-    QVERIFY(client.lastError().isNull());
-    service.expect(STOP, Answer::json("{}"));
-}
+        QVERIFY(client.doGetLearners());
+        QCOMPARE(texts(client.learners()), QStringList{"old  "});
+        QVERIFY(client.lastError().isNull());
+        service.expect(STOP, Answer::json("{}"));
+    }
 
-void tst_PresenterClientSession::learnerIsAValue()
-{
-    const Calyx::Learner empty;
-    QVERIFY(empty.deviceId.isNull() && empty.userName.isNull() && empty.deviceType.isNull());
-    Calyx::Learner one(QStringLiteral("d"), QStringLiteral("n"), QStringLiteral("t"));
-    const Calyx::Learner copy = one;
-    one.userName = QStringLiteral("changed");
+    void learnerIsAValue()
+    {
+        const Calyx::Learner empty;
+        QVERIFY(empty.deviceId.isNull() && empty.userName.isNull() && empty.deviceType.isNull());
+        Calyx::Learner one(QStringLiteral("d"), QStringLiteral("n"), QStringLiteral("t"));
+        const Calyx::Learner copy = one;
+        one.userName = QStringLiteral("changed");
 
-    QCOMPARE(texts({copy}), QStringList{"d n t"});
-    QVERIFY(QMetaType::type("Calyx::Learner") != QMetaType::UnknownType);
-}
+        QCOMPARE(texts({copy}), QStringList{"d n t"});
+        QVERIFY(QMetaType::type("Calyx::Learner") != QMetaType::UnknownType);
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_PresenterClientSession)
 

@@ -21,33 +21,162 @@ class tst_PresenterClientSessionEnd : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void stopsTheSession();
+    void stopsTheSession()
+    {
+        FakeService service;
+        service.expect(STOP, Answer::json("{}"));
+        PresenterClient client(nullptr, service.url());
+        openSession(client, QStringLiteral("%1"));
+
+        QVERIFY(client.doStopSession());
+        QCOMPARE(service.last().method, QByteArray("POST"));
+        QCOMPARE(service.last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
+        QCOMPARE(service.last().body, QByteArray(R"({"sessionToken":"%1"})"));
+    }
+
     void stopSetsOnlyTokenAndCodeToNull();
-    void secondStopFindsNoSession();
-    void sessionThatWasNeverStartedIsNotStopped();
-    void stopNeedsNoGoodAnswer_data();
-    void stopNeedsNoGoodAnswer();
-    void stopClosesTheChannelFirst();
-    void stopLogsAfterTheRequest();
-    void destructorStopsTheSession();
-    void destructorOfACreatedSessionOnlyLogs();
-    void destructorWithoutSessionDoesNothing();
-    void destructorWaitsNoLongerThanTheLimit();
-    void destructorClosesTheChannel();
+
+    void secondStopFindsNoSession()
+    {
+        FakeService service;
+        service.expect(STOP, Answer::json("{}"));
+        PresenterClient client(nullptr, service.url());
+        openSession(client);
+        QVERIFY(client.doStopSession());
+        const LogRecorder log;
+
+        QVERIFY(!client.doStopSession());
+        QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to stop!"});
+    }
+
+    void sessionThatWasNeverStartedIsNotStopped()
+    {
+        FakeService service;
+        PresenterClient client(nullptr, service.url());
+        createSession(client);
+        const LogRecorder log;
+
+        QVERIFY(!client.doStopSession());
+        QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to stop!"});
+        QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
+    }
+
+    void stopNeedsNoGoodAnswer_data()
+    {
+        QTest::addColumn<int>("kind");
+
+        QTest::newRow("http error") << 0;
+        QTest::newRow("no JSON") << 1;
+        QTest::newRow("service gone") << 2;
+    }
+
+    void stopNeedsNoGoodAnswer()
+    {
+        QFETCH(int, kind);
+
+        const Answer answers[] = {Answer::json(R"({"errorMsgKeys":["a.error"]})", 500), Answer::json("bye"),
+                                  Answer::gone()};
+        FakeService service;
+        service.expect(STOP, answers[kind]);
+        PresenterClient client(nullptr, service.url());
+        openSession(client);
+
+        QVERIFY(client.doStopSession());
+        QVERIFY(client.sessionToken().isNull());
+        QVERIFY(client.sessionCode().isNull());
+        QVERIFY(client.lastError().isNull());
+    }
+
+    void stopClosesTheChannelFirst()
+    {
+        Lesson lesson;
+        QVERIFY(lesson.startWell());
+        QTRY_VERIFY(lesson.collab->isConnected());
+        const QSignalSpy closed(lesson.collab, SIGNAL(connectionClosed(bool)));
+        bool openMeanwhile = true;
+        lesson.service.expect(STOP,
+                              Answer::json("{}").then([&] { openMeanwhile = lesson.collab->isConnected(); }));
+
+        QVERIFY(lesson.client->doStopSession());
+        QVERIFY(!openMeanwhile);
+        QTRY_COMPARE(closed.size(), 1);
+        QCOMPARE(closed.first().first().toBool(), false);
+        QTRY_COMPARE(lesson.bus.endedSessions(), 1);
+    }
+
+    void stopLogsAfterTheRequest()
+    {
+        const QString line = QStringLiteral("[PresenterClient] Stopping session, closing websocket...");
+        FakeService service;
+        PresenterClient client(nullptr, service.url());
+        openSession(client);
+        const LogRecorder log;
+        int before = -1;
+        service.expect(STOP, Answer::json("{}").then([&] { before = log.debug(line).size(); }));
+        client.doStopSession();
+
+        QCOMPARE(before, 0);
+        QCOMPARE(log.debug().last(), line);
+    }
+
+    void destructorStopsTheSession()
+    {
+        FakeService service;
+        service.expect(STOP, Answer::json("{}"));
+        auto client = std::make_unique<PresenterClient>(nullptr, service.url());
+        openSession(*client);
+        client.reset();
+
+        QCOMPARE(service.last().body, QByteArray(R"({"sessionToken":"T"})"));
+    }
+
+    void destructorOfACreatedSessionOnlyLogs()
+    {
+        FakeService service;
+        auto client = std::make_unique<PresenterClient>(nullptr, service.url());
+        createSession(*client);
+        const LogRecorder log;
+        client.reset();
+
+        QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to stop!"});
+    }
+
+    void destructorWithoutSessionDoesNothing()
+    {
+        FakeService service;
+        auto client = std::make_unique<PresenterClient>(nullptr, service.url());
+        const LogRecorder log;
+        client.reset();
+
+        QVERIFY(log.messages().isEmpty());
+    }
+
+    void destructorWaitsNoLongerThanTheLimit()
+    {
+        FakeService service;
+        service.expect(STOP, Answer::never().then([] { TimerClock::advance(10600); }));
+        auto client = std::make_unique<PresenterClient>(nullptr, service.url());
+        openSession(*client);
+        client.reset();
+
+        QTRY_COMPARE(service.abandoned(), 1);
+    }
+
+    void destructorClosesTheChannel()
+    {
+        Lesson lesson;
+        QVERIFY(lesson.startWell());
+        const QPointer<PresenterCollab> collab = lesson.collab;
+        for (int i = 0; i < 3; ++i)
+            lesson.bus.nextMessage(); // the registrations
+        lesson.service.expect(STOP, Answer::json("{}"));
+        lesson.client.reset();
+
+        QVERIFY(!collab);
+        QVERIFY(lesson.bus.nextMessage().contains(R"("type":"disconnect")"));
+        QTRY_COMPARE(lesson.bus.endedSessions(), 1);
+    }
 };
-
-void tst_PresenterClientSessionEnd::stopsTheSession()
-{
-    FakeService service;
-    service.expect(STOP, Answer::json("{}"));
-    PresenterClient client(nullptr, service.url());
-    openSession(client, QStringLiteral("%1"));
-
-    QVERIFY(client.doStopSession());
-    QCOMPARE(service.last().method, QByteArray("POST"));
-    QCOMPARE(service.last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
-    QCOMPARE(service.last().body, QByteArray(R"({"sessionToken":"%1"})"));
-}
 
 void tst_PresenterClientSessionEnd::stopSetsOnlyTokenAndCodeToNull()
 {
@@ -65,147 +194,6 @@ void tst_PresenterClientSessionEnd::stopSetsOnlyTokenAndCodeToNull()
     QCOMPARE(client.learners().size(), 1);
     QCOMPARE(client.collabServerUrl(), QStringLiteral("http://127.0.0.1:1"));
     QCOMPARE(client.userToken(), QStringLiteral("U"));
-}
-
-void tst_PresenterClientSessionEnd::secondStopFindsNoSession()
-{
-    FakeService service;
-    service.expect(STOP, Answer::json("{}"));
-    PresenterClient client(nullptr, service.url());
-    openSession(client);
-    QVERIFY(client.doStopSession());
-    const LogRecorder log;
-
-    QVERIFY(!client.doStopSession());
-    QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to stop!"});
-}
-
-void tst_PresenterClientSessionEnd::sessionThatWasNeverStartedIsNotStopped()
-{
-    FakeService service;
-    PresenterClient client(nullptr, service.url());
-    createSession(client);
-    const LogRecorder log;
-
-    QVERIFY(!client.doStopSession());
-    QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to stop!"});
-    QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
-}
-
-void tst_PresenterClientSessionEnd::stopNeedsNoGoodAnswer_data()
-{
-    QTest::addColumn<int>("kind");
-
-    QTest::newRow("http error") << 0;
-    QTest::newRow("no JSON") << 1;
-    QTest::newRow("service gone") << 2;
-}
-
-void tst_PresenterClientSessionEnd::stopNeedsNoGoodAnswer()
-{
-    QFETCH(int, kind);
-
-    const Answer answers[] = {Answer::json(R"({"errorMsgKeys":["a.error"]})", 500), Answer::json("bye"),
-                              Answer::gone()};
-    FakeService service;
-    service.expect(STOP, answers[kind]);
-    PresenterClient client(nullptr, service.url());
-    openSession(client);
-
-    QVERIFY(client.doStopSession());
-    QVERIFY(client.sessionToken().isNull());
-    QVERIFY(client.sessionCode().isNull());
-    QVERIFY(client.lastError().isNull());
-}
-
-void tst_PresenterClientSessionEnd::stopClosesTheChannelFirst()
-{
-    Lesson lesson;
-    QVERIFY(lesson.startWell());
-    QTRY_VERIFY(lesson.collab->isConnected());
-    const QSignalSpy closed(lesson.collab, SIGNAL(connectionClosed(bool)));
-    bool openMeanwhile = true;
-    lesson.service.expect(STOP,
-                          Answer::json("{}").then([&] { openMeanwhile = lesson.collab->isConnected(); }));
-
-    QVERIFY(lesson.client->doStopSession());
-    QVERIFY(!openMeanwhile);
-    QTRY_COMPARE(closed.size(), 1);
-    QCOMPARE(closed.first().first().toBool(), false);
-    QTRY_COMPARE(lesson.bus.endedSessions(), 1);
-}
-
-void tst_PresenterClientSessionEnd::stopLogsAfterTheRequest()
-{
-    const QString line = QStringLiteral("[PresenterClient] Stopping session, closing websocket...");
-    FakeService service;
-    PresenterClient client(nullptr, service.url());
-    openSession(client);
-    const LogRecorder log;
-    int before = -1;
-    service.expect(STOP, Answer::json("{}").then([&] { before = log.debug(line).size(); }));
-    client.doStopSession();
-
-    QCOMPARE(before, 0);
-    QCOMPARE(log.debug().last(), line);
-}
-
-void tst_PresenterClientSessionEnd::destructorStopsTheSession()
-{
-    FakeService service;
-    service.expect(STOP, Answer::json("{}"));
-    auto client = std::make_unique<PresenterClient>(nullptr, service.url());
-    openSession(*client);
-    client.reset();
-
-    QCOMPARE(service.last().body, QByteArray(R"({"sessionToken":"T"})"));
-}
-
-void tst_PresenterClientSessionEnd::destructorOfACreatedSessionOnlyLogs()
-{
-    FakeService service;
-    auto client = std::make_unique<PresenterClient>(nullptr, service.url());
-    createSession(*client);
-    const LogRecorder log;
-    client.reset();
-
-    QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to stop!"});
-}
-
-void tst_PresenterClientSessionEnd::destructorWithoutSessionDoesNothing()
-{
-    FakeService service;
-    auto client = std::make_unique<PresenterClient>(nullptr, service.url());
-    const LogRecorder log;
-    client.reset();
-
-    QVERIFY(log.messages().isEmpty());
-}
-
-void tst_PresenterClientSessionEnd::destructorWaitsNoLongerThanTheLimit()
-{
-    FakeService service;
-    service.expect(STOP, Answer::never().then([] { TimerClock::advance(10600); }));
-    auto client = std::make_unique<PresenterClient>(nullptr, service.url());
-    openSession(*client);
-    client.reset();
-
-    QTRY_COMPARE(service.abandoned(), 1);
-}
-
-void tst_PresenterClientSessionEnd::destructorClosesTheChannel()
-{
-    Lesson lesson;
-    QVERIFY(lesson.startWell());
-    const QPointer<PresenterCollab> collab = lesson.collab;
-    for (int i = 0; i < 3; ++i)
-        lesson.bus.nextMessage(); // the registrations
-    lesson.service.expect(STOP, Answer::json("{}"));
-    lesson.client.reset();
-
-    QVERIFY(!collab);
-    QVERIFY(lesson.bus.nextMessage().contains(R"("type":"disconnect")"));
-    QTRY_COMPARE(lesson.bus.endedSessions(), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_PresenterClientSessionEnd)

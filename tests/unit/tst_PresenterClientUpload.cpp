@@ -48,192 +48,182 @@ class tst_PresenterClientUpload : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void sendsTheBody_data();
-    void sendsTheBody();
-    void multipartValue_data();
-    void multipartValue();
-    void givesIdAndDownloadPath_data();
-    void givesIdAndDownloadPath();
-    void failureTouchesNothing_data();
-    void failureTouchesNothing();
-    void uploadForgetsTheEarlierResourceFirst();
-    void handlerLeavesThingsAloneWithoutJson();
+    void sendsTheBody_data()
+    {
+        QTest::addColumn<QString>("fileName");
+        QTest::addColumn<QByteArray>("data");
+
+        QByteArray allBytes;
+        for (int byte = 0; byte < 256; ++byte)
+            allBytes.append(char(byte));
+        QTest::newRow("three bytes") << "f.png" << QByteArray("ABC");
+        QTest::newRow("no bytes") << "f.png" << QByteArray();
+        QTest::newRow("every byte") << "f.png" << allBytes;
+        QTest::newRow("the boundary inside") << "f.png" << QByteArray("\r\n------boundary--\r\n");
+        QTest::newRow("large") << "f.png" << QByteArray(2000000, '\xff');
+        QTest::newRow("quote in the name") << "a\"b\".png" << QByteArray("ABC");
+        QTest::newRow("name is not ASCII") << QString::fromUtf8("Zoë 🎓.png") << QByteArray("ABC");
+        QTest::newRow("placeholder in the name") << "%1%2" << QByteArray("%1");
+        QTest::newRow("no name") << QString() << QByteArray("ABC");
+    }
+
+    void sendsTheBody()
+    {
+        QFETCH(QString, fileName);
+        QFETCH(QByteArray, data);
+
+        FakeService service;
+        service.expect(UPLOAD, Answer::json(STORED));
+        PresenterClient client(nullptr, service.url());
+        QString id;
+        QString path;
+
+        QVERIFY(client.doUploadResource(fileName, data, &id, &path));
+        const FakeService::Request request = service.last();
+        QCOMPARE(request.method, QByteArray("POST"));
+        QCOMPARE(request.header("accept-encoding"), QByteArray("identity"));
+        QCOMPARE(request.header("content-type"),
+                 QByteArray("multipart/form-data; charset=UTF-8; boundary=----boundary"));
+        const QByteArray before = "------boundary\r\n"
+                                  "Content-Disposition: form-data; name=files; filename=\"" +
+                                  fileName.toUtf8() + "\"\r\n\r\n";
+        QCOMPARE(request.body, before + data + BEHIND_THE_FILE);
+    }
+
+    void multipartValue_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<bool>("last");
+        QTest::addColumn<QString>("text");
+
+        const QString type = QStringLiteral("\r\nContent-Type: text/plain; charset=utf-8\r\n\r\n");
+        const QString head = QStringLiteral("Content-Disposition: form-data; name=");
+        QTest::newRow("not the last") << "a"
+                                      << "b" << false << head + "a" + type + "b\r\n------boundary\r\n\r\n";
+        QTest::newRow("the last") << "a"
+                                  << "b" << true << head + "a" + type + "b\r\n------boundary--\r\n\r\n";
+        QTest::newRow("empty") << ""
+                               << "" << false << head + type + "\r\n------boundary\r\n\r\n";
+        QTest::newRow("placeholders")
+            << "%1"
+            << "%2%1" << true << head + "%1" + type + "%2%1\r\n------boundary--\r\n\r\n";
+        QTest::newRow("quotes") << "\"a\""
+                                << "\"b\"" << false
+                                << head + "\"a\"" + type + "\"b\"\r\n------boundary\r\n\r\n";
+    }
+
+    void multipartValue()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, value);
+        QFETCH(bool, last);
+        QFETCH(QString, text);
+
+        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+        QCOMPARE(client.addMultipartValue(name, value, last), text);
+    }
+
+    void givesIdAndDownloadPath_data()
+    {
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QString>("id");
+        QTest::addColumn<QString>("resourcePath");
+
+        const auto row = [](const char* name, const char* body, const char* id, const char* path) {
+            QTest::newRow(name) << QByteArray(body) << QString::fromUtf8(id) << QString::fromUtf8(path);
+        };
+        row("both", STORED, "r1", "/files/r1");
+        row("id alone", R"({"data":{"id":"r1"}})", "r1", "");
+        row("number", R"({"data":{"id":17}})", "17", "");
+        row("odd id", R"({"data":{"id":"a b/é%1"}})", "a b/é%1", "");
+        row("empty id", R"({"data":{"id":""}})", "", "");
+        row("no id", R"({"data":{"path":"/p"}})", "", "/p");
+        row("no data", R"({"success":true})", "", "");
+        row("no object", "[]", "", "");
+        row("refused without HTTP error", R"({"errorMsgKeys":["a.error"]})", "", "");
+    }
+
+    void givesIdAndDownloadPath()
+    {
+        QFETCH(QByteArray, body);
+        QFETCH(QString, id);
+        QFETCH(QString, resourcePath);
+
+        FakeService service;
+        service.expect(UPLOAD, Answer::json(body));
+        PresenterClient client(nullptr, service.url());
+        const Upload upload(client);
+
+        QVERIFY(upload.done);
+        QCOMPARE(upload.id, id);
+        QCOMPARE(upload.path, "/tavisto/resource/downloadResourceFile?resourceId=" + id);
+        QCOMPARE(client.resourceId(), id);
+        QVERIFY(!client.resourceId().isNull());
+        QCOMPARE(client.resourcePath(), resourcePath);
+        QVERIFY(client.lastError().isNull());
+    }
+
+    void failureTouchesNothing_data()
+    {
+        QTest::addColumn<int>("kind");
+
+        QTest::newRow("http error with an id") << 0;
+        QTest::newRow("http error with an error key") << 1;
+        QTest::newRow("no JSON") << 2;
+        QTest::newRow("empty answer") << 3;
+        QTest::newRow("answer cut short") << 4;
+        QTest::newRow("service gone") << 5;
+    }
+
+    void failureTouchesNothing()
+    {
+        QFETCH(int, kind);
+
+        const Answer answers[] = {
+            Answer::json(STORED, 500),     Answer::json(R"({"errorMsgKeys":["upload.error"]})", 500),
+            Answer::json("<html></html>"), Answer::json(""),
+            Answer::cut(STORED),           Answer::gone()};
+        FakeService service;
+        service.expect(UPLOAD, answers[kind]);
+        PresenterClient client(nullptr, service.url());
+        const Upload upload(client);
+
+        QVERIFY(!upload.done);
+        QCOMPARE(upload.id, QStringLiteral("untouched"));
+        QCOMPARE(upload.path, QStringLiteral("untouched"));
+        QVERIFY(client.resourceId().isNull());
+        QVERIFY(client.resourcePath().isNull());
+        QVERIFY(client.lastError().isNull());
+    }
+
+    void uploadForgetsTheEarlierResourceFirst()
+    {
+        FakeService service;
+        PresenterClient client(nullptr, service.url());
+        bool forgottenMeanwhile = false;
+        service.expect(UPLOAD, Answer::json(STORED));
+        service.expect(UPLOAD, Answer::json("", 500).then([&] {
+            forgottenMeanwhile = client.resourceId().isNull() && client.resourcePath().isNull();
+        }));
+        QVERIFY(Upload(client).done);
+        QVERIFY(!Upload(client).done);
+
+        QVERIFY(forgottenMeanwhile);
+        QVERIFY(client.resourceId().isNull());
+        QVERIFY(client.resourcePath().isNull());
+    }
+
+    void handlerLeavesThingsAloneWithoutJson()
+    {
+        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+        client.uploadResourceResponse(QString::fromLatin1(STORED));
+        client.uploadResourceResponse(QStringLiteral("{\"data\":"));
+
+        QCOMPARE(client.resourceId(), QStringLiteral("r1"));
+        QCOMPARE(client.resourcePath(), QStringLiteral("/files/r1"));
+    }
 };
-
-void tst_PresenterClientUpload::sendsTheBody_data()
-{
-    QTest::addColumn<QString>("fileName");
-    QTest::addColumn<QByteArray>("data");
-
-    QByteArray allBytes;
-    for (int byte = 0; byte < 256; ++byte)
-        allBytes.append(char(byte));
-    QTest::newRow("three bytes") << "f.png" << QByteArray("ABC");
-    QTest::newRow("no bytes") << "f.png" << QByteArray();
-    QTest::newRow("every byte") << "f.png" << allBytes;
-    QTest::newRow("the boundary inside") << "f.png" << QByteArray("\r\n------boundary--\r\n");
-    QTest::newRow("large") << "f.png" << QByteArray(2000000, '\xff');
-    QTest::newRow("quote in the name") << "a\"b\".png" << QByteArray("ABC");
-    QTest::newRow("name is not ASCII") << QString::fromUtf8("Zoë 🎓.png") << QByteArray("ABC");
-    QTest::newRow("placeholder in the name") << "%1%2" << QByteArray("%1");
-    QTest::newRow("no name") << QString() << QByteArray("ABC");
-}
-
-void tst_PresenterClientUpload::sendsTheBody()
-{
-    QFETCH(QString, fileName);
-    QFETCH(QByteArray, data);
-
-    FakeService service;
-    service.expect(UPLOAD, Answer::json(STORED));
-    PresenterClient client(nullptr, service.url());
-    QString id;
-    QString path;
-
-    QVERIFY(client.doUploadResource(fileName, data, &id, &path));
-    const FakeService::Request request = service.last();
-    QCOMPARE(request.method, QByteArray("POST"));
-    QCOMPARE(request.header("accept-encoding"), QByteArray("identity"));
-    QCOMPARE(request.header("content-type"),
-             QByteArray("multipart/form-data; charset=UTF-8; boundary=----boundary"));
-    const QByteArray before = "------boundary\r\n"
-                              "Content-Disposition: form-data; name=files; filename=\"" +
-                              fileName.toUtf8() + "\"\r\n\r\n";
-    QCOMPARE(request.body, before + data + BEHIND_THE_FILE);
-}
-
-void tst_PresenterClientUpload::multipartValue_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<bool>("last");
-    QTest::addColumn<QString>("text");
-
-    const QString type = QStringLiteral("\r\nContent-Type: text/plain; charset=utf-8\r\n\r\n");
-    const QString head = QStringLiteral("Content-Disposition: form-data; name=");
-    QTest::newRow("not the last") << "a"
-                                  << "b" << false << head + "a" + type + "b\r\n------boundary\r\n\r\n";
-    QTest::newRow("the last") << "a"
-                              << "b" << true << head + "a" + type + "b\r\n------boundary--\r\n\r\n";
-    QTest::newRow("empty") << ""
-                           << "" << false << head + type + "\r\n------boundary\r\n\r\n";
-    QTest::newRow("placeholders") << "%1"
-                                  << "%2%1" << true
-                                  << head + "%1" + type + "%2%1\r\n------boundary--\r\n\r\n";
-    QTest::newRow("quotes") << "\"a\""
-                            << "\"b\"" << false << head + "\"a\"" + type + "\"b\"\r\n------boundary\r\n\r\n";
-}
-
-void tst_PresenterClientUpload::multipartValue()
-{
-    QFETCH(QString, name);
-    QFETCH(QString, value);
-    QFETCH(bool, last);
-    QFETCH(QString, text);
-
-    PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
-    QCOMPARE(client.addMultipartValue(name, value, last), text);
-}
-
-void tst_PresenterClientUpload::givesIdAndDownloadPath_data()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<QString>("id");
-    QTest::addColumn<QString>("resourcePath");
-
-    const auto row = [](const char* name, const char* body, const char* id, const char* path) {
-        QTest::newRow(name) << QByteArray(body) << QString::fromUtf8(id) << QString::fromUtf8(path);
-    };
-    row("both", STORED, "r1", "/files/r1");
-    row("id alone", R"({"data":{"id":"r1"}})", "r1", "");
-    row("number", R"({"data":{"id":17}})", "17", "");
-    row("odd id", R"({"data":{"id":"a b/é%1"}})", "a b/é%1", "");
-    row("empty id", R"({"data":{"id":""}})", "", "");
-    row("no id", R"({"data":{"path":"/p"}})", "", "/p");
-    row("no data", R"({"success":true})", "", "");
-    row("no object", "[]", "", "");
-    row("refused without HTTP error", R"({"errorMsgKeys":["a.error"]})", "", "");
-}
-
-void tst_PresenterClientUpload::givesIdAndDownloadPath()
-{
-    QFETCH(QByteArray, body);
-    QFETCH(QString, id);
-    QFETCH(QString, resourcePath);
-
-    FakeService service;
-    service.expect(UPLOAD, Answer::json(body));
-    PresenterClient client(nullptr, service.url());
-    const Upload upload(client);
-
-    QVERIFY(upload.done);
-    QCOMPARE(upload.id, id);
-    QCOMPARE(upload.path, "/tavisto/resource/downloadResourceFile?resourceId=" + id);
-    QCOMPARE(client.resourceId(), id);
-    QVERIFY(!client.resourceId().isNull());
-    QCOMPARE(client.resourcePath(), resourcePath);
-    QVERIFY(client.lastError().isNull());
-}
-
-void tst_PresenterClientUpload::failureTouchesNothing_data()
-{
-    QTest::addColumn<int>("kind");
-
-    QTest::newRow("http error with an id") << 0;
-    QTest::newRow("http error with an error key") << 1;
-    QTest::newRow("no JSON") << 2;
-    QTest::newRow("empty answer") << 3;
-    QTest::newRow("answer cut short") << 4;
-    QTest::newRow("service gone") << 5;
-}
-
-void tst_PresenterClientUpload::failureTouchesNothing()
-{
-    QFETCH(int, kind);
-
-    const Answer answers[] = {
-        Answer::json(STORED, 500),     Answer::json(R"({"errorMsgKeys":["upload.error"]})", 500),
-        Answer::json("<html></html>"), Answer::json(""),
-        Answer::cut(STORED),           Answer::gone()};
-    FakeService service;
-    service.expect(UPLOAD, answers[kind]);
-    PresenterClient client(nullptr, service.url());
-    const Upload upload(client);
-
-    QVERIFY(!upload.done);
-    QCOMPARE(upload.id, QStringLiteral("untouched"));
-    QCOMPARE(upload.path, QStringLiteral("untouched"));
-    QVERIFY(client.resourceId().isNull());
-    QVERIFY(client.resourcePath().isNull());
-    QVERIFY(client.lastError().isNull());
-}
-
-void tst_PresenterClientUpload::uploadForgetsTheEarlierResourceFirst()
-{
-    FakeService service;
-    PresenterClient client(nullptr, service.url());
-    bool forgottenMeanwhile = false;
-    service.expect(UPLOAD, Answer::json(STORED));
-    service.expect(UPLOAD, Answer::json("", 500).then([&] {
-        forgottenMeanwhile = client.resourceId().isNull() && client.resourcePath().isNull();
-    }));
-    QVERIFY(Upload(client).done);
-    QVERIFY(!Upload(client).done);
-
-    QVERIFY(forgottenMeanwhile);
-    QVERIFY(client.resourceId().isNull());
-    QVERIFY(client.resourcePath().isNull());
-}
-
-void tst_PresenterClientUpload::handlerLeavesThingsAloneWithoutJson()
-{
-    PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
-    client.uploadResourceResponse(QString::fromLatin1(STORED));
-    client.uploadResourceResponse(QStringLiteral("{\"data\":"));
-
-    QCOMPARE(client.resourceId(), QStringLiteral("r1"));
-    QCOMPARE(client.resourcePath(), QStringLiteral("/files/r1"));
-}
 
 QTEST_GUILESS_MAIN(tst_PresenterClientUpload)
 

@@ -30,287 +30,272 @@ class tst_PresenterClientWait : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void noAnswerIn10SecondsIsAborted();
-    void answerAfter9SecondsIsInTime();
-    void stalledBodyIsAbortedToo();
-    void timeOutEndsTheOperation_data();
-    void timeOutEndsTheOperation();
-    void nextOperationAfterATimeOutSucceeds();
-    void hostThatBlocksSignalsGetsItsAnswerAtTheLimit();
-    void requestWithoutWaitHasNoTimeLimit();
-
-    void anotherReplyDoesNotEndTheWait();
-    void earlierRequestOutlivesTheWait();
-    void earlierRequestOutlivesTheTimeOut();
-    void operationsNest();
-    void keepAliveInsideAWaitNeitherEndsNorAbortsIt();
-    void keepAliveOutlivesTheReplyOfTheOuterOperation();
-    void timersOfTheHostRunDuringAWait();
-    void operationInsideRequestProcessed();
-};
-
-void tst_PresenterClientWait::noAnswerIn10SecondsIsAborted()
-{
-    FakeService service;
-    service.expect("/a", Answer::never());
-    ClientProbe client(service.url());
-    const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-    const LogRecorder log;
-    QElapsedTimer elapsed;
-    elapsed.start();
-    client.request(QStringLiteral("/a"));
-
-    QVERIFY2(elapsed.elapsed() >= 9500 && elapsed.elapsed() < 12000,
-             qPrintable(QString::number(elapsed.elapsed())));
-    QVERIFY(client.successes.isEmpty());
-    QCOMPARE(client.failures, QStringList{QString()});
-    QCOMPARE(client.errors, QList<QNetworkReply::NetworkError>{QNetworkReply::OperationCanceledError});
-    QCOMPARE(processed.size(), 1);
-    QCOMPARE(log.debug(QStringLiteral("[REST Response] ")).size(), 1);
-    QTRY_COMPARE(service.abandoned(), 1);
-}
-
-void tst_PresenterClientWait::answerAfter9SecondsIsInTime()
-{
-    FakeService service;
-    service.expect("/a", Answer::json("1").held().then([&] {
-        TimerClock::advance(BEFORE_THE_LIMIT);
-        // A round of the event loop, in which a limit that had passed would show.
-        QTimer::singleShot(0, &service, [&] { service.release(); });
-    }));
-    ClientProbe client(service.url());
-    client.request(QStringLiteral("/a"));
-
-    QCOMPARE(client.successes, QStringList{"1"});
-    QCOMPARE(service.abandoned(), 0);
-}
-
-void tst_PresenterClientWait::stalledBodyIsAbortedToo()
-{
-    FakeService service;
-    service.expect("/a", Answer::stalled(R"({"data":{}})").then([] { TimerClock::advance(PAST_THE_LIMIT); }));
-    ClientProbe client(service.url());
-    client.request(QStringLiteral("/a"));
-
-    QVERIFY(client.successes.isEmpty());
-    QCOMPARE(client.errors, QList<QNetworkReply::NetworkError>{QNetworkReply::OperationCanceledError});
-    QTRY_COMPARE(service.abandoned(), 1);
-}
-
-void tst_PresenterClientWait::timeOutEndsTheOperation_data()
-{
-    QTest::addColumn<Operation>("operation");
-
-    for (const auto& operation : operations())
-        QTest::newRow(operation.first) << operation.second;
-    Operation noAddress = chainedOperations().at(1).second;
-    noAddress.paths = noAddress.paths.mid(0, 1);
-    QTest::newRow("startWebsocket, first request") << noAddress;
-}
-
-void tst_PresenterClientWait::timeOutEndsTheOperation()
-{
-    QFETCH(Operation, operation);
-
-    FakeService service;
-    for (const QByteArray& path : operation.paths.mid(0, operation.paths.size() - 1))
-        service.expect(path, Answer::json(ALL_IS_WELL));
-    service.expect(operation.paths.last(), Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
-    auto client = std::make_unique<PresenterClient>(nullptr, service.url());
-    operation.prepare(client.get());
-    const QSignalSpy processed(client.get(), SIGNAL(requestProcessed()));
-
-    QCOMPARE(operation.call(client.get()), operation.timedOut);
-    QCOMPARE(processed.size(), operation.paths.size());
-    QVERIFY(client->lastError().isNull());
-    QTRY_COMPARE(service.abandoned(), 1);
-    if (!client->sessionToken().isNull())
-        service.expect("/tavisto/session/stop", Answer::json("{}"));
-}
-
-void tst_PresenterClientWait::nextOperationAfterATimeOutSucceeds()
-{
-    FakeService service;
-    service.expect("/tavisto", Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
-    service.expect("/tavisto", Answer::json("{}"));
-    PresenterClient client(nullptr, service.url());
-
-    QVERIFY(!client.checkServer(QString(), QString()));
-    QVERIFY(client.checkServer(QString(), QString()));
-}
-
-// The wait is not told that the reply has been processed, and the reply is gone when the time is over.
-void tst_PresenterClientWait::hostThatBlocksSignalsGetsItsAnswerAtTheLimit()
-{
-    FakeService service;
-    service.expect("/own", Answer::json("own"));
-    ClientProbe client(service.url());
-    client.processed = [] { TimerClock::advance(PAST_THE_LIMIT); };
+    void noAnswerIn10SecondsIsAborted()
     {
-        const QSignalBlocker blocker(&client);
-        client.request(QStringLiteral("/own"));
+        FakeService service;
+        service.expect("/a", Answer::never());
+        ClientProbe client(service.url());
+        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+        const LogRecorder log;
+        QElapsedTimer elapsed;
+        elapsed.start();
+        client.request(QStringLiteral("/a"));
+
+        QVERIFY2(elapsed.elapsed() >= 9500 && elapsed.elapsed() < 12000,
+                 qPrintable(QString::number(elapsed.elapsed())));
+        QVERIFY(client.successes.isEmpty());
+        QCOMPARE(client.failures, QStringList{QString()});
+        QCOMPARE(client.errors, QList<QNetworkReply::NetworkError>{QNetworkReply::OperationCanceledError});
+        QCOMPARE(processed.size(), 1);
+        QCOMPARE(log.debug(QStringLiteral("[REST Response] ")).size(), 1);
+        QTRY_COMPARE(service.abandoned(), 1);
     }
 
-    QCOMPARE(client.successes, QStringList{"own"});
-    QVERIFY(client.failures.isEmpty());
-}
-
-void tst_PresenterClientWait::requestWithoutWaitHasNoTimeLimit()
-{
-    FakeService service;
-    service.expect("/a", Answer::json("1").held());
-    ClientProbe client(service.url());
-    client.request(QStringLiteral("/a"), false);
-    QTRY_COMPARE(service.requests().size(), 1);
-    TimerClock::advance(2 * PAST_THE_LIMIT);
-    service.release();
-
-    QTRY_COMPARE(client.successes, QStringList{"1"});
-}
-
-void tst_PresenterClientWait::anotherReplyDoesNotEndTheWait()
-{
-    FakeService service;
-    service.expect("/early", Answer::json("early").held());
-    service.expect("/own", Answer::json("own").held().then([&] { service.release(); }));
-    ClientProbe client(service.url());
-    client.request(QStringLiteral("/early"), false);
-    QTRY_COMPARE(service.requests().size(), 1);
-    connect(&client, &PresenterClient::requestProcessed, this, [&] {
-        if (client.successes.size() == 1)
+    void answerAfter9SecondsIsInTime()
+    {
+        FakeService service;
+        service.expect("/a", Answer::json("1").held().then([&] {
+            TimerClock::advance(BEFORE_THE_LIMIT);
+            // A round of the event loop, in which a limit that had passed would show.
             QTimer::singleShot(0, &service, [&] { service.release(); });
-    });
-    client.request(QStringLiteral("/own"));
+        }));
+        ClientProbe client(service.url());
+        client.request(QStringLiteral("/a"));
 
-    QCOMPARE(client.successes, (QStringList{"early", "own"}));
-}
+        QCOMPARE(client.successes, QStringList{"1"});
+        QCOMPARE(service.abandoned(), 0);
+    }
 
-void tst_PresenterClientWait::earlierRequestOutlivesTheWait()
-{
-    FakeService service;
-    service.expect("/slow", Answer::json("slow").held());
-    service.expect("/own", Answer::json("own"));
-    ClientProbe client(service.url());
-    client.request(QStringLiteral("/slow"), false);
-    QTRY_COMPARE(service.requests().size(), 1);
-    client.request(QStringLiteral("/own"));
-    QCOMPARE(client.successes, QStringList{"own"});
-    service.release();
+    void stalledBodyIsAbortedToo()
+    {
+        FakeService service;
+        service.expect("/a",
+                       Answer::stalled(R"({"data":{}})").then([] { TimerClock::advance(PAST_THE_LIMIT); }));
+        ClientProbe client(service.url());
+        client.request(QStringLiteral("/a"));
 
-    QTRY_COMPARE(client.successes, (QStringList{"own", "slow"}));
-}
+        QVERIFY(client.successes.isEmpty());
+        QCOMPARE(client.errors, QList<QNetworkReply::NetworkError>{QNetworkReply::OperationCanceledError});
+        QTRY_COMPARE(service.abandoned(), 1);
+    }
 
-void tst_PresenterClientWait::earlierRequestOutlivesTheTimeOut()
-{
-    FakeService service;
-    service.expect("/slow", Answer::json("slow").held());
-    service.expect("/own", Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
-    ClientProbe client(service.url());
-    client.request(QStringLiteral("/slow"), false);
-    QTRY_COMPARE(service.requests().size(), 1);
-    client.request(QStringLiteral("/own"));
-    QCOMPARE(client.errors, QList<QNetworkReply::NetworkError>{QNetworkReply::OperationCanceledError});
-    service.release();
+    void timeOutEndsTheOperation_data()
+    {
+        QTest::addColumn<Operation>("operation");
 
-    QTRY_COMPARE(client.successes, QStringList{"slow"});
-}
+        for (const auto& operation : operations())
+            QTest::newRow(operation.first) << operation.second;
+        Operation noAddress = chainedOperations().at(1).second;
+        noAddress.paths = noAddress.paths.mid(0, 1);
+        QTest::newRow("startWebsocket, first request") << noAddress;
+    }
 
-void tst_PresenterClientWait::operationsNest()
-{
-    FakeService service;
-    PresenterClient client(nullptr, service.url());
-    bool innerReachable = false;
-    bool outerReturned = false;
-    service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL).held().then([&] {
-        QTimer::singleShot(0, &client, [&] { innerReachable = client.checkServer(QString(), QString()); });
-    }));
-    // The outer operation has its answer first, and has to wait for the inner one.
-    service.expect("/tavisto", Answer::json("{}").held().then([&] { service.release(); }));
-    connect(&client, &PresenterClient::requestProcessed, this, [&] {
-        if (client.isLoggedIn() && !innerReachable && service.requests().size() == 2)
-            QTimer::singleShot(0, &service, [&] {
-                if (service.isHolding())
-                    service.release();
-            });
-    });
-    outerReturned = client.doLogin(QStringLiteral("u"), QStringLiteral("p"));
+    void timeOutEndsTheOperation()
+    {
+        QFETCH(Operation, operation);
 
-    QVERIFY(outerReturned);
-    QVERIFY(innerReachable);
-}
+        FakeService service;
+        for (const QByteArray& path : operation.paths.mid(0, operation.paths.size() - 1))
+            service.expect(path, Answer::json(ALL_IS_WELL));
+        service.expect(operation.paths.last(),
+                       Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
+        auto client = std::make_unique<PresenterClient>(nullptr, service.url());
+        operation.prepare(client.get());
+        const QSignalSpy processed(client.get(), SIGNAL(requestProcessed()));
 
-void tst_PresenterClientWait::keepAliveInsideAWaitNeitherEndsNorAbortsIt()
-{
-    FakeService service;
-    PresenterClient client(nullptr, service.url());
-    bool keptAlive = false;
-    service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL).held().then([&] {
-        QTimer::singleShot(0, &client, [&] {
-            QMetaObject::invokeMethod(&client, "onPingTimer");
-            keptAlive = client.isServerReachable();
-            QTimer::singleShot(0, &service, [&] { service.release(); });
+        QCOMPARE(operation.call(client.get()), operation.timedOut);
+        QCOMPARE(processed.size(), operation.paths.size());
+        QVERIFY(client->lastError().isNull());
+        QTRY_COMPARE(service.abandoned(), 1);
+        if (!client->sessionToken().isNull())
+            service.expect("/tavisto/session/stop", Answer::json("{}"));
+    }
+
+    void nextOperationAfterATimeOutSucceeds()
+    {
+        FakeService service;
+        service.expect("/tavisto", Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
+        service.expect("/tavisto", Answer::json("{}"));
+        PresenterClient client(nullptr, service.url());
+
+        QVERIFY(!client.checkServer(QString(), QString()));
+        QVERIFY(client.checkServer(QString(), QString()));
+    }
+
+    // The wait is not told that the reply has been processed, and the reply is gone when the time is over.
+    void hostThatBlocksSignalsGetsItsAnswerAtTheLimit()
+    {
+        FakeService service;
+        service.expect("/own", Answer::json("own"));
+        ClientProbe client(service.url());
+        client.processed = [] { TimerClock::advance(PAST_THE_LIMIT); };
+        {
+            const QSignalBlocker blocker(&client);
+            client.request(QStringLiteral("/own"));
+        }
+
+        QCOMPARE(client.successes, QStringList{"own"});
+        QVERIFY(client.failures.isEmpty());
+    }
+
+    void requestWithoutWaitHasNoTimeLimit()
+    {
+        FakeService service;
+        service.expect("/a", Answer::json("1").held());
+        ClientProbe client(service.url());
+        client.request(QStringLiteral("/a"), false);
+        QTRY_COMPARE(service.requests().size(), 1);
+        TimerClock::advance(2 * PAST_THE_LIMIT);
+        service.release();
+
+        QTRY_COMPARE(client.successes, QStringList{"1"});
+    }
+
+    void anotherReplyDoesNotEndTheWait()
+    {
+        FakeService service;
+        service.expect("/early", Answer::json("early").held());
+        service.expect("/own", Answer::json("own").held().then([&] { service.release(); }));
+        ClientProbe client(service.url());
+        client.request(QStringLiteral("/early"), false);
+        QTRY_COMPARE(service.requests().size(), 1);
+        connect(&client, &PresenterClient::requestProcessed, this, [&] {
+            if (client.successes.size() == 1)
+                QTimer::singleShot(0, &service, [&] { service.release(); });
         });
-    }));
-    service.expect("/tavisto/login/keepSessionAlive", Answer::json("{}"));
+        client.request(QStringLiteral("/own"));
 
-    QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
-    QVERIFY(keptAlive);
-    QCOMPARE(service.abandoned(), 0);
-}
+        QCOMPARE(client.successes, (QStringList{"early", "own"}));
+    }
 
-void tst_PresenterClientWait::keepAliveOutlivesTheReplyOfTheOuterOperation()
-{
-    FakeService service;
-    PresenterClient client(nullptr, service.url());
-    service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL).held().then([&] {
-        QTimer::singleShot(0, &client, [&] { QMetaObject::invokeMethod(&client, "onPingTimer"); });
-    }));
-    service.expect("/tavisto/login/keepSessionAlive",
-                   Answer::json("{}").held().then([&] { service.release(); }));
-    connect(&client, &PresenterClient::requestProcessed, &service, [&] {
-        if (client.isLoggedIn() && service.isHolding())
-            QTimer::singleShot(0, &service, [&] { service.release(); });
-    });
+    void earlierRequestOutlivesTheWait()
+    {
+        FakeService service;
+        service.expect("/slow", Answer::json("slow").held());
+        service.expect("/own", Answer::json("own"));
+        ClientProbe client(service.url());
+        client.request(QStringLiteral("/slow"), false);
+        QTRY_COMPARE(service.requests().size(), 1);
+        client.request(QStringLiteral("/own"));
+        QCOMPARE(client.successes, QStringList{"own"});
+        service.release();
 
-    QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
-    QTRY_VERIFY(client.isServerReachable());
-    QCOMPARE(service.abandoned(), 0);
-}
+        QTRY_COMPARE(client.successes, (QStringList{"own", "slow"}));
+    }
 
-void tst_PresenterClientWait::timersOfTheHostRunDuringAWait()
-{
-    FakeService service;
-    service.expect("/a", Answer::json("1").held());
-    ClientProbe client(service.url());
-    int ticks = 0;
-    QTimer timer;
-    connect(&timer, &QTimer::timeout, this, [&] {
-        if (service.isHolding() && ++ticks == 3)
-            service.release();
-    });
-    timer.start(1);
-    client.request(QStringLiteral("/a"));
+    void earlierRequestOutlivesTheTimeOut()
+    {
+        FakeService service;
+        service.expect("/slow", Answer::json("slow").held());
+        service.expect("/own", Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
+        ClientProbe client(service.url());
+        client.request(QStringLiteral("/slow"), false);
+        QTRY_COMPARE(service.requests().size(), 1);
+        client.request(QStringLiteral("/own"));
+        QCOMPARE(client.errors, QList<QNetworkReply::NetworkError>{QNetworkReply::OperationCanceledError});
+        service.release();
 
-    QCOMPARE(client.successes, QStringList{"1"});
-    QCOMPARE(ticks, 3);
-}
+        QTRY_COMPARE(client.successes, QStringList{"slow"});
+    }
 
-void tst_PresenterClientWait::operationInsideRequestProcessed()
-{
-    FakeService service;
-    service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL));
-    service.expect("/tavisto", Answer::json("{}"));
-    PresenterClient client(nullptr, service.url());
-    bool reachable = false;
-    QMetaObject::Connection connection;
-    connection = connect(&client, &PresenterClient::requestProcessed, this, [&] {
-        disconnect(connection);
-        reachable = client.checkServer(QString(), QString());
-    });
+    void operationsNest()
+    {
+        FakeService service;
+        PresenterClient client(nullptr, service.url());
+        bool innerReachable = false;
+        bool outerReturned = false;
+        service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL).held().then([&] {
+            QTimer::singleShot(0, &client,
+                               [&] { innerReachable = client.checkServer(QString(), QString()); });
+        }));
+        // The outer operation has its answer first, and has to wait for the inner one.
+        service.expect("/tavisto", Answer::json("{}").held().then([&] { service.release(); }));
+        connect(&client, &PresenterClient::requestProcessed, this, [&] {
+            if (client.isLoggedIn() && !innerReachable && service.requests().size() == 2)
+                QTimer::singleShot(0, &service, [&] {
+                    if (service.isHolding())
+                        service.release();
+                });
+        });
+        outerReturned = client.doLogin(QStringLiteral("u"), QStringLiteral("p"));
 
-    QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
-    QVERIFY(reachable);
-}
+        QVERIFY(outerReturned);
+        QVERIFY(innerReachable);
+    }
+
+    void keepAliveInsideAWaitNeitherEndsNorAbortsIt()
+    {
+        FakeService service;
+        PresenterClient client(nullptr, service.url());
+        bool keptAlive = false;
+        service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL).held().then([&] {
+            QTimer::singleShot(0, &client, [&] {
+                QMetaObject::invokeMethod(&client, "onPingTimer");
+                keptAlive = client.isServerReachable();
+                QTimer::singleShot(0, &service, [&] { service.release(); });
+            });
+        }));
+        service.expect("/tavisto/login/keepSessionAlive", Answer::json("{}"));
+
+        QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(keptAlive);
+        QCOMPARE(service.abandoned(), 0);
+    }
+
+    void keepAliveOutlivesTheReplyOfTheOuterOperation()
+    {
+        FakeService service;
+        PresenterClient client(nullptr, service.url());
+        service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL).held().then([&] {
+            QTimer::singleShot(0, &client, [&] { QMetaObject::invokeMethod(&client, "onPingTimer"); });
+        }));
+        service.expect("/tavisto/login/keepSessionAlive",
+                       Answer::json("{}").held().then([&] { service.release(); }));
+        connect(&client, &PresenterClient::requestProcessed, &service, [&] {
+            if (client.isLoggedIn() && service.isHolding())
+                QTimer::singleShot(0, &service, [&] { service.release(); });
+        });
+
+        QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QTRY_VERIFY(client.isServerReachable());
+        QCOMPARE(service.abandoned(), 0);
+    }
+
+    void timersOfTheHostRunDuringAWait()
+    {
+        FakeService service;
+        service.expect("/a", Answer::json("1").held());
+        ClientProbe client(service.url());
+        int ticks = 0;
+        QTimer timer;
+        connect(&timer, &QTimer::timeout, this, [&] {
+            if (service.isHolding() && ++ticks == 3)
+                service.release();
+        });
+        timer.start(1);
+        client.request(QStringLiteral("/a"));
+
+        QCOMPARE(client.successes, QStringList{"1"});
+        QCOMPARE(ticks, 3);
+    }
+
+    void operationInsideRequestProcessed()
+    {
+        FakeService service;
+        service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL));
+        service.expect("/tavisto", Answer::json("{}"));
+        PresenterClient client(nullptr, service.url());
+        bool reachable = false;
+        QMetaObject::Connection connection;
+        connection = connect(&client, &PresenterClient::requestProcessed, this, [&] {
+            disconnect(connection);
+            reachable = client.checkServer(QString(), QString());
+        });
+
+        QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(reachable);
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_PresenterClientWait)
 

@@ -82,122 +82,106 @@ class tst_PresenterClientWaitDestroyed : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void clientDestroyedByATimer_data();
-    void clientDestroyedByATimer();
-    void clientDestroyedWithItsParent();
-    void clientDestroyedByASlotOfRequestProcessed_data();
-    void clientDestroyedByASlotOfRequestProcessed();
-    void clientDestroyedOnARedirect();
-    void clientDestroyedOnATimeOut();
-    void clientDestroyedInsideTheKeepAliveOfAnotherWait();
-    void clientDestroyedInsideTheReLoginOfDoStartSession();
-    void clientDestroyedWithARequestUnderWay();
+    void clientDestroyedByATimer_data() { destructionRows(); }
+
+    void clientDestroyedByATimer()
+    {
+        QFETCH(Operation, operation);
+        QFETCH(int, request);
+
+        FakeService service;
+        QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
+        operation.prepare(client);
+        for (int i = 0; i < request; ++i)
+            service.expect(operation.paths.at(i), Answer::json(ALL_IS_WELL));
+        service.expect(operation.paths.at(request),
+                       unansweredWhile(service, [&] { destroy(client, service); }));
+
+        verifyEndsWithItsClient(operation, client);
+        QTRY_COMPARE(service.abandoned(), 1);
+    }
+
+    void clientDestroyedWithItsParent()
+    {
+        FakeService service;
+        auto* parent = new QObject;
+        const QPointer<PresenterClient> client = new PresenterClient(parent, service.url());
+        service.expect("/tavisto/login/submit", unansweredWhile(service, [&] { delete parent; }));
+
+        QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(!client);
+    }
+
+    void clientDestroyedByASlotOfRequestProcessed_data() { destructionRows(); }
+
+    void clientDestroyedByASlotOfRequestProcessed()
+    {
+        QFETCH(Operation, operation);
+        QFETCH(int, request);
+
+        FakeService service;
+        QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
+        operation.prepare(client);
+        for (int i = 0; i <= request; ++i)
+            service.expect(operation.paths.at(i), Answer::json(ALL_IS_WELL));
+        QMetaObject::Connection connection;
+        connection = connect(client, &PresenterClient::requestProcessed, &service, [&] {
+            if (!service.isUsedUp())
+                return;
+            disconnect(connection); // the destructor makes requests as well
+            destroy(client, service);
+        });
+
+        verifyEndsWithItsClient(operation, client);
+    }
+
+    void clientDestroyedOnARedirect()
+    {
+        verifyDestroyedOnceProcessed(Answer::redirect("https://moved.example/"));
+    }
+
+    void clientDestroyedOnATimeOut()
+    {
+        verifyDestroyedOnceProcessed(Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
+    }
+
+    void clientDestroyedInsideTheKeepAliveOfAnotherWait()
+    {
+        FakeService service;
+        const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
+        service.expect("/tavisto/login/submit",
+                       unansweredWhile(service, [&] { QMetaObject::invokeMethod(client, "onPingTimer"); }));
+        service.expect("/tavisto/login/keepSessionAlive", unansweredWhile(service, [&] { delete client; }));
+
+        QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(!client);
+    }
+
+    void clientDestroyedInsideTheReLoginOfDoStartSession()
+    {
+        FakeService service;
+        service.expect("/tavisto/login/submit", Answer::json("{}"));
+        const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
+        client->doGetAccessToken(QStringLiteral("u"), QStringLiteral("p"), QString(), QString());
+        service.expect("/tavisto/login/user", Answer::json("{}", 500));
+        service.expect("/tavisto/login/submit", unansweredWhile(service, [&] { delete client; }));
+
+        QVERIFY(!client->doStartSession(QString()));
+        QVERIFY(!client);
+    }
+
+    void clientDestroyedWithARequestUnderWay()
+    {
+        FakeService service;
+        service.expect("/a", Answer::never());
+        auto client = std::make_unique<ClientProbe>(service.url());
+        client->request(QStringLiteral("/a"), false);
+        QTRY_COMPARE(service.requests().size(), 1);
+        client.reset();
+
+        QTRY_COMPARE(service.abandoned(), 1);
+    }
 };
-
-void tst_PresenterClientWaitDestroyed::clientDestroyedByATimer_data()
-{
-    destructionRows();
-}
-
-void tst_PresenterClientWaitDestroyed::clientDestroyedByATimer()
-{
-    QFETCH(Operation, operation);
-    QFETCH(int, request);
-
-    FakeService service;
-    QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-    operation.prepare(client);
-    for (int i = 0; i < request; ++i)
-        service.expect(operation.paths.at(i), Answer::json(ALL_IS_WELL));
-    service.expect(operation.paths.at(request), unansweredWhile(service, [&] { destroy(client, service); }));
-
-    verifyEndsWithItsClient(operation, client);
-    QTRY_COMPARE(service.abandoned(), 1);
-}
-
-void tst_PresenterClientWaitDestroyed::clientDestroyedWithItsParent()
-{
-    FakeService service;
-    auto* parent = new QObject;
-    const QPointer<PresenterClient> client = new PresenterClient(parent, service.url());
-    service.expect("/tavisto/login/submit", unansweredWhile(service, [&] { delete parent; }));
-
-    QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
-    QVERIFY(!client);
-}
-
-void tst_PresenterClientWaitDestroyed::clientDestroyedByASlotOfRequestProcessed_data()
-{
-    destructionRows();
-}
-
-void tst_PresenterClientWaitDestroyed::clientDestroyedByASlotOfRequestProcessed()
-{
-    QFETCH(Operation, operation);
-    QFETCH(int, request);
-
-    FakeService service;
-    QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-    operation.prepare(client);
-    for (int i = 0; i <= request; ++i)
-        service.expect(operation.paths.at(i), Answer::json(ALL_IS_WELL));
-    QMetaObject::Connection connection;
-    connection = connect(client, &PresenterClient::requestProcessed, &service, [&] {
-        if (!service.isUsedUp())
-            return;
-        disconnect(connection); // the destructor makes requests as well
-        destroy(client, service);
-    });
-
-    verifyEndsWithItsClient(operation, client);
-}
-
-void tst_PresenterClientWaitDestroyed::clientDestroyedOnARedirect()
-{
-    verifyDestroyedOnceProcessed(Answer::redirect("https://moved.example/"));
-}
-
-void tst_PresenterClientWaitDestroyed::clientDestroyedOnATimeOut()
-{
-    verifyDestroyedOnceProcessed(Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
-}
-
-void tst_PresenterClientWaitDestroyed::clientDestroyedInsideTheKeepAliveOfAnotherWait()
-{
-    FakeService service;
-    const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-    service.expect("/tavisto/login/submit",
-                   unansweredWhile(service, [&] { QMetaObject::invokeMethod(client, "onPingTimer"); }));
-    service.expect("/tavisto/login/keepSessionAlive", unansweredWhile(service, [&] { delete client; }));
-
-    QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
-    QVERIFY(!client);
-}
-
-void tst_PresenterClientWaitDestroyed::clientDestroyedInsideTheReLoginOfDoStartSession()
-{
-    FakeService service;
-    service.expect("/tavisto/login/submit", Answer::json("{}"));
-    const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-    client->doGetAccessToken(QStringLiteral("u"), QStringLiteral("p"), QString(), QString());
-    service.expect("/tavisto/login/user", Answer::json("{}", 500));
-    service.expect("/tavisto/login/submit", unansweredWhile(service, [&] { delete client; }));
-
-    QVERIFY(!client->doStartSession(QString()));
-    QVERIFY(!client);
-}
-
-void tst_PresenterClientWaitDestroyed::clientDestroyedWithARequestUnderWay()
-{
-    FakeService service;
-    service.expect("/a", Answer::never());
-    auto client = std::make_unique<ClientProbe>(service.url());
-    client->request(QStringLiteral("/a"), false);
-    QTRY_COMPARE(service.requests().size(), 1);
-    client.reset();
-
-    QTRY_COMPARE(service.abandoned(), 1);
-}
 
 QTEST_GUILESS_MAIN(tst_PresenterClientWaitDestroyed)
 

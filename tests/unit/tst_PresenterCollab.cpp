@@ -30,252 +30,238 @@ class TestPresenterCollab : public SessionTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void keepsWhatItWasConstructedWith();
-    void signalsAndSlotsAreDeclaredInOrder();
-    void openLogsTheServer();
-    void openUsesTheDefaultTransports();
-    void openUsesTheNamedTransports();
-    void registersItsThreeAddressesInOrder();
-    void registersAgainWhenOpenedAgain();
-    void registersNothingBeforeTheChannelIsUp();
-    void pingsEveryMinuteOnceConnected();
-    void pingsOnceToldOfAConnection();
-    void pingDoesNotLookAtTheConnection();
-    void pingsAreNoActivityAndPublishesAre();
-    void relaysWhatComesIn();
-    void doesNotRelayQuestionRequests();
+    void keepsWhatItWasConstructedWith()
+    {
+        QObject parent;
+        auto* session = new PresenterCollab(&parent, QStringLiteral("http://h/b"), QStringLiteral("123456"),
+                                            QStringLiteral("token"), QStringLiteral("user"));
+
+        QCOMPARE(session->parent(), &parent);
+        QCOMPARE(session->serverUrl(), QStringLiteral("http://h/b"));
+        QCOMPARE(session->sessionCode(), QStringLiteral("123456"));
+        QCOMPARE(session->sessionToken(), QStringLiteral("token"));
+        QCOMPARE(session->userToken(), QStringLiteral("user"));
+        QVERIFY(session->currentPollId().isEmpty());
+        QVERIFY(session->currentQuestionId().isEmpty());
+        QVERIFY(!session->isConnected());
+        QCOMPARE(session->connector()->parent(), session);
+        QCOMPARE(session->messageHandler()->parent(), session);
+        auto* timer = session->findChild<QTimer*>(QString(), Qt::FindDirectChildrenOnly);
+        QVERIFY(timer);
+        QVERIFY(!timer->isActive());
+        QCOMPARE(session->getCardImageRef(false), QString());
+    }
+
+    void signalsAndSlotsAreDeclaredInOrder()
+    {
+        const auto& meta = PresenterCollab::staticMetaObject;
+        QStringList signatures;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+            signatures.append(QLatin1String(meta.method(i).methodSignature()));
+        QCOMPARE(
+            signatures,
+            QStringList({"connectionClosed(bool)", "learnerPollResponse(QString,QString,int,QString)",
+                         "learnerJoin(Learner)", "learnerUnregister(QString)", "controllerRegister(bool)",
+                         "remoteControl(RemoteControlMessage)", "unhandledMessage(QVariantMap,QVariant)",
+                         "onConnected()", "onClosed(bool)", "onPingTimer()"}));
+    }
+
+    void openLogsTheServer()
+    {
+        server().stopListening();
+
+        collab()->open();
+        const auto byDefault = log().debug(QStringLiteral("Connecting to collaboration server (default):"));
+        QCOMPARE(byDefault.size(), 1);
+        QVERIFY(byDefault.first().contains(collab()->serverUrl()));
+
+        collab()->open({QStringLiteral("websocket"), QStringLiteral("nothing")});
+        const auto named = log().debug(QStringLiteral("Connecting to collaboration server:"));
+        QCOMPARE(named.size(), 1);
+        const auto text = named.first();
+        QVERIFY2(text.indexOf(collab()->serverUrl()) < text.indexOf(QLatin1String(" [")), qPrintable(text));
+        QVERIFY2(text.contains(QLatin1String("websocket, nothing")), qPrintable(text));
+        QVERIFY2(text.contains(QLatin1Char(']')), qPrintable(text));
+    }
+
+    void openUsesTheDefaultTransports()
+    {
+        server().setUpgrade(Server::Refuse403);
+
+        collab()->open();
+
+        // The second comes up, and registers at once.
+        QTRY_VERIFY(server().requests().size() >= 5);
+        QVERIFY(server().paths().at(0).endsWith(QLatin1String("/websocket")));
+        QVERIFY(server().paths().at(1).endsWith(QLatin1String("/xhr_streaming")));
+        QVERIFY(server().paths().at(0).startsWith(QLatin1String("/bus/eventbus/119/")));
+    }
+
+    void openUsesTheNamedTransports()
+    {
+        server().setFirstFrames({});
+
+        collab()->open({QStringLiteral("carrier-pigeon"), QStringLiteral("xhr-polling")});
+
+        QTRY_VERIFY(!server().requests().isEmpty());
+        QVERIFY(server().paths().first().endsWith(QLatin1String("/xhr")));
+    }
+
+    void registersItsThreeAddressesInOrder()
+    {
+        collab()->open({QStringLiteral("websocket")});
+
+        for (const char* address : {"abc", "abc.presenter", "abc.presenter.teacher-7"})
+            QCOMPARE(server().nextMessage(), registerMessage(QLatin1String(address)));
+        QVERIFY(m_session->nothingWasSent());
+    }
+
+    void registersAgainWhenOpenedAgain()
+    {
+        QVERIFY(m_session->open());
+        server().closeSession();
+        QTRY_VERIFY(!collab()->isConnected());
+        QVERIFY(m_session->open());
+        collab()->close();
+        QCOMPARE(m_session->nextPublish().type, QStringLiteral("disconnect"));
+
+        QVERIFY(m_session->open()); // reads the registers
+        QVERIFY(m_session->nothingWasSent());
+    }
+
+    void registersNothingBeforeTheChannelIsUp()
+    {
+        server().setUpgrade(Server::Mute);
+        collab()->open({QStringLiteral("websocket")});
+        QVERIFY(!collab()->isConnected());
+        QVERIFY(!pingTimer()->isActive());
+        QVERIFY(m_session->nothingWasSent());
+
+        server().inject(QStringLiteral("o"));
+
+        QVERIFY(m_session->readRegisters());
+        QVERIFY(collab()->isConnected());
+        QVERIFY(pingTimer()->isActive());
+    }
+
+    void pingsEveryMinuteOnceConnected()
+    {
+        QVERIFY(m_session->open());
+        QVERIFY(pingTimer()->isActive());
+        QCOMPARE(pingTimer()->interval(), 60000);
+        QVERIFY(!pingTimer()->isSingleShot());
+
+        for (int i = 0; i < 3; ++i) {
+            TimerClock::advance(60000);
+            QCOMPARE(server().nextMessage(), pingMessage);
+        }
+        QVERIFY(QMetaObject::invokeMethod(collab(), "onPingTimer"));
+        QCOMPARE(server().nextMessage(), pingMessage);
+    }
+
+    void pingsOnceToldOfAConnection()
+    {
+        QVERIFY(QMetaObject::invokeMethod(collab(), "onConnected"));
+        QVERIFY(pingTimer()->isActive());
+        QCOMPARE(pingTimer()->interval(), 60000);
+    }
+
+    void pingDoesNotLookAtTheConnection()
+    {
+        collab()->sendPing();
+        QVERIFY(QMetaObject::invokeMethod(collab(), "onPingTimer"));
+        QVERIFY(log().messages().isEmpty());
+
+        server().setUpgrade(Server::Mute);
+        collab()->open({QStringLiteral("websocket")});
+        QVERIFY(!collab()->isConnected());
+        collab()->sendPing();
+        QCOMPARE(server().nextMessage(), pingMessage);
+    }
+
+    void pingsAreNoActivityAndPublishesAre()
+    {
+        WallClock::freeze();
+        const auto release = qScopeGuard(WallClock::release);
+        QVERIFY(m_session->open());
+        QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
+
+        WallClock::advance(3600);
+        collab()->publishMessage(QStringLiteral("type"), QStringLiteral("1"));
+        QCOMPARE(m_session->nextPublish().type, QStringLiteral("type"));
+        WallClock::advance(3600);
+        CalyxCollabMessage message;
+        collab()->publishMessage(QString(), &message);
+        WallClock::advance(3600);
+        QVERIFY(QMetaObject::invokeMethod(collab()->connector(), "onTimeout"));
+        QVERIFY(collab()->isConnected());
+
+        collab()->sendPing();
+        WallClock::advance(1);
+        QVERIFY(QMetaObject::invokeMethod(collab()->connector(), "onTimeout"));
+        QTRY_COMPARE(closed.size(), 1);
+        QCOMPARE(closed.first().first().toBool(), true);
+        QVERIFY(!pingTimer()->isActive());
+    }
+
+    void relaysWhatComesIn()
+    {
+        QVERIFY(m_session->open());
+        QSignalSpy answers(collab(), SIGNAL(learnerPollResponse(QString, QString, int, QString)));
+        QSignalSpy joins(collab(), SIGNAL(learnerJoin(Learner)));
+        QSignalSpy departures(collab(), SIGNAL(learnerUnregister(QString)));
+        QSignalSpy controllers(collab(), SIGNAL(controllerRegister(bool)));
+        QSignalSpy commands(collab(), SIGNAL(remoteControl(RemoteControlMessage)));
+        QSignalSpy others(collab(), SIGNAL(unhandledMessage(QVariantMap, QVariant)));
+        const auto client = [](const char* type) { return QVariantMap{{"token", "t1"}, {"type", type}}; };
+
+        m_session->receive("pollResponse", "d1",
+                           {{"pollId", "p1"}, {"responseTime", 2500}, {"blob", QVariantMap{{"input", "x"}}}});
+        m_session->receive("join", "d2", {{"userName", "Ann"}, {"deviceType", "tablet"}});
+        m_session->receive({{"action", "unregister"}, {"client", client("user")}});
+        m_session->receive({{"action", "unregister"}, {"client", client("controller")}});
+        m_session->receive("nextCard", "d3", {{"card", 4}});
+        m_session->receive("somethingNew", "d4", {{"a", 1}});
+        QVERIFY(m_session->syncInbound());
+
+        QCOMPARE(answers.size(), 1);
+        QCOMPARE(answers.first(), QVariantList({"d1", "p1", 2500, "x"}));
+        QCOMPARE(joins.size(), 1);
+        const auto learner = joins.first().first().value<Calyx::Learner>();
+        QCOMPARE(learner.deviceId, QStringLiteral("d2"));
+        QCOMPARE(learner.userName, QStringLiteral("Ann"));
+        QCOMPARE(learner.deviceType, QStringLiteral("tablet"));
+        QCOMPARE(departures.size(), 1);
+        QCOMPARE(departures.first(), QVariantList({"t1"}));
+        QCOMPARE(controllers.size(), 1);
+        QCOMPARE(controllers.first(), QVariantList({false}));
+        QCOMPARE(commands.size(), 1);
+        const auto command = commands.first().first().value<Calyx::RemoteControlMessage>();
+        QCOMPARE(command.from, QStringLiteral("d3"));
+        QCOMPARE(command.type, QStringLiteral("nextCard"));
+        QCOMPARE(command.data, QVariant(QVariantMap{{"card", 4}}));
+        QCOMPARE(others.size(), 1);
+        QCOMPARE(others.first().at(0).toMap().value("from").toString(), QStringLiteral("d4"));
+        QCOMPARE(others.first().at(1), QVariant(QVariantMap{{"a", 1}}));
+    }
+
+    void doesNotRelayQuestionRequests()
+    {
+        QVERIFY(m_session->open());
+        QSignalSpy others(collab(), &PresenterCollab::unhandledMessage);
+        QSignalSpy requests(collab()->messageHandler(), &CollaborationMessageHandler::learnerGetQuestion);
+
+        m_session->receive("questionGet", "d1", {{"questionNumber", 3}});
+        QTRY_COMPARE(requests.size(), 1);
+
+        QCOMPARE(requests.first(), QVariantList({"d1", 3}));
+        QCOMPARE(others.size(), 0);
+        QCOMPARE(PresenterCollab::staticMetaObject.indexOfSignal("learnerGetQuestion(QString,int)"), -1);
+    }
 
 private:
     QTimer* pingTimer() const { return collab()->findChild<QTimer*>(QString(), Qt::FindDirectChildrenOnly); }
 };
-
-void TestPresenterCollab::keepsWhatItWasConstructedWith()
-{
-    QObject parent;
-    auto* session = new PresenterCollab(&parent, QStringLiteral("http://h/b"), QStringLiteral("123456"),
-                                        QStringLiteral("token"), QStringLiteral("user"));
-
-    QCOMPARE(session->parent(), &parent);
-    QCOMPARE(session->serverUrl(), QStringLiteral("http://h/b"));
-    QCOMPARE(session->sessionCode(), QStringLiteral("123456"));
-    QCOMPARE(session->sessionToken(), QStringLiteral("token"));
-    QCOMPARE(session->userToken(), QStringLiteral("user"));
-    QVERIFY(session->currentPollId().isEmpty());
-    QVERIFY(session->currentQuestionId().isEmpty());
-    QVERIFY(!session->isConnected());
-    QCOMPARE(session->connector()->parent(), session);
-    QCOMPARE(session->messageHandler()->parent(), session);
-    auto* timer = session->findChild<QTimer*>(QString(), Qt::FindDirectChildrenOnly);
-    QVERIFY(timer);
-    QVERIFY(!timer->isActive());
-    QCOMPARE(session->getCardImageRef(false), QString());
-}
-
-void TestPresenterCollab::signalsAndSlotsAreDeclaredInOrder()
-{
-    const auto& meta = PresenterCollab::staticMetaObject;
-    QStringList signatures;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
-        signatures.append(QLatin1String(meta.method(i).methodSignature()));
-    QCOMPARE(signatures,
-             QStringList({"connectionClosed(bool)", "learnerPollResponse(QString,QString,int,QString)",
-                          "learnerJoin(Learner)", "learnerUnregister(QString)", "controllerRegister(bool)",
-                          "remoteControl(RemoteControlMessage)", "unhandledMessage(QVariantMap,QVariant)",
-                          "onConnected()", "onClosed(bool)", "onPingTimer()"}));
-}
-
-void TestPresenterCollab::openLogsTheServer()
-{
-    server().stopListening();
-
-    collab()->open();
-    const auto byDefault = log().debug(QStringLiteral("Connecting to collaboration server (default):"));
-    QCOMPARE(byDefault.size(), 1);
-    QVERIFY(byDefault.first().contains(collab()->serverUrl()));
-
-    collab()->open({QStringLiteral("websocket"), QStringLiteral("nothing")});
-    const auto named = log().debug(QStringLiteral("Connecting to collaboration server:"));
-    QCOMPARE(named.size(), 1);
-    const auto text = named.first();
-    QVERIFY2(text.indexOf(collab()->serverUrl()) < text.indexOf(QLatin1String(" [")), qPrintable(text));
-    QVERIFY2(text.contains(QLatin1String("websocket, nothing")), qPrintable(text));
-    QVERIFY2(text.contains(QLatin1Char(']')), qPrintable(text));
-}
-
-void TestPresenterCollab::openUsesTheDefaultTransports()
-{
-    server().setUpgrade(Server::Refuse403);
-
-    collab()->open();
-
-    // The second comes up, and registers at once.
-    QTRY_VERIFY(server().requests().size() >= 5);
-    QVERIFY(server().paths().at(0).endsWith(QLatin1String("/websocket")));
-    QVERIFY(server().paths().at(1).endsWith(QLatin1String("/xhr_streaming")));
-    QVERIFY(server().paths().at(0).startsWith(QLatin1String("/bus/eventbus/119/")));
-}
-
-void TestPresenterCollab::openUsesTheNamedTransports()
-{
-    server().setFirstFrames({});
-
-    collab()->open({QStringLiteral("carrier-pigeon"), QStringLiteral("xhr-polling")});
-
-    QTRY_VERIFY(!server().requests().isEmpty());
-    QVERIFY(server().paths().first().endsWith(QLatin1String("/xhr")));
-}
-
-void TestPresenterCollab::registersItsThreeAddressesInOrder()
-{
-    collab()->open({QStringLiteral("websocket")});
-
-    for (const char* address : {"abc", "abc.presenter", "abc.presenter.teacher-7"})
-        QCOMPARE(server().nextMessage(), registerMessage(QLatin1String(address)));
-    QVERIFY(m_session->nothingWasSent());
-}
-
-void TestPresenterCollab::registersAgainWhenOpenedAgain()
-{
-    QVERIFY(m_session->open());
-    server().closeSession();
-    QTRY_VERIFY(!collab()->isConnected());
-    QVERIFY(m_session->open());
-    collab()->close();
-    QCOMPARE(m_session->nextPublish().type, QStringLiteral("disconnect"));
-
-    QVERIFY(m_session->open()); // reads the registers
-    QVERIFY(m_session->nothingWasSent());
-}
-
-void TestPresenterCollab::registersNothingBeforeTheChannelIsUp()
-{
-    server().setUpgrade(Server::Mute);
-    collab()->open({QStringLiteral("websocket")});
-    QVERIFY(!collab()->isConnected());
-    QVERIFY(!pingTimer()->isActive());
-    QVERIFY(m_session->nothingWasSent());
-
-    server().inject(QStringLiteral("o"));
-
-    QVERIFY(m_session->readRegisters());
-    QVERIFY(collab()->isConnected());
-    QVERIFY(pingTimer()->isActive());
-}
-
-void TestPresenterCollab::pingsEveryMinuteOnceConnected()
-{
-    QVERIFY(m_session->open());
-    QVERIFY(pingTimer()->isActive());
-    QCOMPARE(pingTimer()->interval(), 60000);
-    QVERIFY(!pingTimer()->isSingleShot());
-
-    for (int i = 0; i < 3; ++i) {
-        TimerClock::advance(60000);
-        QCOMPARE(server().nextMessage(), pingMessage);
-    }
-    QVERIFY(QMetaObject::invokeMethod(collab(), "onPingTimer"));
-    QCOMPARE(server().nextMessage(), pingMessage);
-}
-
-void TestPresenterCollab::pingsOnceToldOfAConnection()
-{
-    QVERIFY(QMetaObject::invokeMethod(collab(), "onConnected"));
-    QVERIFY(pingTimer()->isActive());
-    QCOMPARE(pingTimer()->interval(), 60000);
-}
-
-void TestPresenterCollab::pingDoesNotLookAtTheConnection()
-{
-    collab()->sendPing();
-    QVERIFY(QMetaObject::invokeMethod(collab(), "onPingTimer"));
-    QVERIFY(log().messages().isEmpty());
-
-    server().setUpgrade(Server::Mute);
-    collab()->open({QStringLiteral("websocket")});
-    QVERIFY(!collab()->isConnected());
-    collab()->sendPing();
-    QCOMPARE(server().nextMessage(), pingMessage);
-}
-
-void TestPresenterCollab::pingsAreNoActivityAndPublishesAre()
-{
-    WallClock::freeze();
-    const auto release = qScopeGuard(WallClock::release);
-    QVERIFY(m_session->open());
-    QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
-
-    WallClock::advance(3600);
-    collab()->publishMessage(QStringLiteral("type"), QStringLiteral("1"));
-    QCOMPARE(m_session->nextPublish().type, QStringLiteral("type"));
-    WallClock::advance(3600);
-    CalyxCollabMessage message;
-    collab()->publishMessage(QString(), &message);
-    WallClock::advance(3600);
-    QVERIFY(QMetaObject::invokeMethod(collab()->connector(), "onTimeout"));
-    QVERIFY(collab()->isConnected());
-
-    collab()->sendPing();
-    WallClock::advance(1);
-    QVERIFY(QMetaObject::invokeMethod(collab()->connector(), "onTimeout"));
-    QTRY_COMPARE(closed.size(), 1);
-    QCOMPARE(closed.first().first().toBool(), true);
-    QVERIFY(!pingTimer()->isActive());
-}
-
-void TestPresenterCollab::relaysWhatComesIn()
-{
-    QVERIFY(m_session->open());
-    QSignalSpy answers(collab(), SIGNAL(learnerPollResponse(QString, QString, int, QString)));
-    QSignalSpy joins(collab(), SIGNAL(learnerJoin(Learner)));
-    QSignalSpy departures(collab(), SIGNAL(learnerUnregister(QString)));
-    QSignalSpy controllers(collab(), SIGNAL(controllerRegister(bool)));
-    QSignalSpy commands(collab(), SIGNAL(remoteControl(RemoteControlMessage)));
-    QSignalSpy others(collab(), SIGNAL(unhandledMessage(QVariantMap, QVariant)));
-    const auto client = [](const char* type) { return QVariantMap{{"token", "t1"}, {"type", type}}; };
-
-    m_session->receive("pollResponse", "d1",
-                       {{"pollId", "p1"}, {"responseTime", 2500}, {"blob", QVariantMap{{"input", "x"}}}});
-    m_session->receive("join", "d2", {{"userName", "Ann"}, {"deviceType", "tablet"}});
-    m_session->receive({{"action", "unregister"}, {"client", client("user")}});
-    m_session->receive({{"action", "unregister"}, {"client", client("controller")}});
-    m_session->receive("nextCard", "d3", {{"card", 4}});
-    m_session->receive("somethingNew", "d4", {{"a", 1}});
-    QVERIFY(m_session->syncInbound());
-
-    QCOMPARE(answers.size(), 1);
-    QCOMPARE(answers.first(), QVariantList({"d1", "p1", 2500, "x"}));
-    QCOMPARE(joins.size(), 1);
-    const auto learner = joins.first().first().value<Calyx::Learner>();
-    QCOMPARE(learner.deviceId, QStringLiteral("d2"));
-    QCOMPARE(learner.userName, QStringLiteral("Ann"));
-    QCOMPARE(learner.deviceType, QStringLiteral("tablet"));
-    QCOMPARE(departures.size(), 1);
-    QCOMPARE(departures.first(), QVariantList({"t1"}));
-    QCOMPARE(controllers.size(), 1);
-    QCOMPARE(controllers.first(), QVariantList({false}));
-    QCOMPARE(commands.size(), 1);
-    const auto command = commands.first().first().value<Calyx::RemoteControlMessage>();
-    QCOMPARE(command.from, QStringLiteral("d3"));
-    QCOMPARE(command.type, QStringLiteral("nextCard"));
-    QCOMPARE(command.data, QVariant(QVariantMap{{"card", 4}}));
-    QCOMPARE(others.size(), 1);
-    QCOMPARE(others.first().at(0).toMap().value("from").toString(), QStringLiteral("d4"));
-    QCOMPARE(others.first().at(1), QVariant(QVariantMap{{"a", 1}}));
-}
-
-void TestPresenterCollab::doesNotRelayQuestionRequests()
-{
-    QVERIFY(m_session->open());
-    QSignalSpy others(collab(), &PresenterCollab::unhandledMessage);
-    QSignalSpy requests(collab()->messageHandler(), &CollaborationMessageHandler::learnerGetQuestion);
-
-    m_session->receive("questionGet", "d1", {{"questionNumber", 3}});
-    QTRY_COMPARE(requests.size(), 1);
-
-    QCOMPARE(requests.first(), QVariantList({"d1", 3}));
-    QCOMPARE(others.size(), 0);
-    QCOMPARE(PresenterCollab::staticMetaObject.indexOfSignal("learnerGetQuestion(QString,int)"), -1);
-}
 
 QTEST_GUILESS_MAIN(TestPresenterCollab)
 #include "tst_PresenterCollab.moc"

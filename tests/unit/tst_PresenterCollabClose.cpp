@@ -44,318 +44,302 @@ class TestPresenterCollabClose : public SessionTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void closeSaysGoodbyeAndDisconnects();
-    void closeOfASessionThatNeverConnected();
-    void closeBeforeTheChannelIsUpClosesItOnceItIs();
-    void closeDuringTheWaitClosesTheChannelOnceItIsUp();
-    void openAfterACloseThatCameEarlyRegisters();
-    void openRightAfterCloseKeepsTheNewChannel();
-    void closeSendsALargeCardFirst();
-    void deletionSendsWhatWasPublished();
-    void theServersEndStopsThePingAndIsReported();
-    void hostActsInASlot_data();
-    void hostActsInASlot();
-    void deletionDuringTheWait();
-    void nothingIsLeftBehind();
-
-private:
-    QTimer* pingTimer() const { return collab()->findChild<QTimer*>(QString(), Qt::FindDirectChildrenOnly); }
-    void receiveEverything();
-    void bringAbout(const QString& trigger);
-    void act(const QString& action);
-};
-
-// A message for each inbound signal.
-void TestPresenterCollabClose::receiveEverything()
-{
-    const QVariantMap learner{{"token", "d1"}, {"type", "user"}};
-    const QVariantMap controller{{"token", "d2"}, {"type", "controller"}};
-    m_session->receive("pollResponse", "d1", {});
-    m_session->receive("join", "d1", {});
-    m_session->receive({{"action", "unregister"}, {"client", learner}});
-    m_session->receive({{"action", "unregister"}, {"client", controller}});
-    m_session->receive("pause", "d1", {});
-    m_session->receive("questionGet", "d1", {});
-    m_session->receive("somethingNew", "d1", {});
-}
-
-void TestPresenterCollabClose::bringAbout(const QString& trigger)
-{
-    if (trigger == QLatin1String("open"))
-        collab()->open({QStringLiteral("websocket")});
-    else if (trigger == QLatin1String("close"))
-        collab()->close();
-    else if (trigger == QLatin1String("the server"))
-        server().closeSession();
-    else if (trigger == QLatin1String("removeLearner"))
-        collab()->removeLearner(QStringLiteral("d1"));
-    else
-        receiveEverything();
-}
-
-void TestPresenterCollabClose::act(const QString& action)
-{
-    if (action == QLatin1String("delete"))
-        m_session->deleteCollab();
-    else if (action == QLatin1String("close"))
-        collab()->close();
-    else
-        collab()->open({QStringLiteral("websocket")});
-}
-
-void TestPresenterCollabClose::closeSaysGoodbyeAndDisconnects()
-{
-    QVERIFY(m_session->open());
-    QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
-
-    collab()->close();
-
-    QVERIFY(!collab()->isConnected());
-    QVERIFY(!pingTimer()->isActive());
-    QCOMPARE(closed.size(), 0);
-    const auto publish = m_session->nextPublish();
-    QCOMPARE(publish.address, QStringLiteral("abc"));
-    QCOMPARE(publish.type, QStringLiteral("disconnect"));
-    QCOMPARE(publish.data, QStringLiteral("\"\""));
-    QTRY_COMPARE(closed.size(), 1);
-    QCOMPARE(closed.first().first().toBool(), false);
-    QTRY_COMPARE(server().endedSessions(), 1);
-
-    collab()->close();
-    QVERIFY(m_session->open());
-    QVERIFY(m_session->syncInbound());
-    QCOMPARE(closed.size(), 1);
-}
-
-void TestPresenterCollabClose::closeOfASessionThatNeverConnected()
-{
-    QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
-
-    collab()->close();
-
-    QCOMPARE(dropped(), 1);
-    QVERIFY(!pingTimer()->isActive());
-    QVERIFY(m_session->open());
-    QVERIFY(m_session->syncInbound());
-    QCOMPARE(closed.size(), 0);
-}
-
-void TestPresenterCollabClose::closeBeforeTheChannelIsUpClosesItOnceItIs()
-{
-    server().setUpgrade(Server::Mute);
-    QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
-    collab()->open({QStringLiteral("websocket")});
-    collab()->close();
-    QCOMPARE(dropped(), 1);
-
-    server().inject(QStringLiteral("o"));
-
-    QTRY_COMPARE(server().endedSessions(), 1);
-    QVERIFY2(server().unreadFrames().isEmpty(), qPrintable(server().unreadFrames().join(QLatin1Char('\n'))));
-    QVERIFY(!collab()->isConnected());
-    QVERIFY(!pingTimer()->isActive());
-    QTRY_COMPARE(closed.size(), 1);
-    QCOMPARE(closed.first().first().toBool(), false);
-}
-
-void TestPresenterCollabClose::closeDuringTheWaitClosesTheChannelOnceItIsUp()
-{
-    server().setUpgrade(Server::Silent);
-    QSignalSpy connected(collab()->connector(), &SockJSConnector::connected);
-    connect(&server(), &Server::requested, collab(), [this] {
-        collab()->close();
-        QTimer::singleShot(0, &server(), &Server::answerUpgrade);
-    });
-
-    collab()->open({QStringLiteral("websocket")});
-
-    // Whether the wait ends or the channel still comes up: it is closed, and nothing was registered.
-    QTRY_COMPARE(server().openConnections(), 0);
-    QVERIFY(server().unreadFrames().isEmpty());
-    QVERIFY(!collab()->isConnected());
-    QVERIFY(!pingTimer()->isActive());
-}
-
-void TestPresenterCollabClose::openAfterACloseThatCameEarlyRegisters()
-{
-    server().setUpgrades({Server::Mute, Server::Open});
-    collab()->open({QStringLiteral("websocket")});
-    collab()->close();
-
-    QVERIFY(m_session->open()); // reads the registers
-    QVERIFY(m_session->syncInbound());
-    QVERIFY(collab()->isConnected());
-    QVERIFY(pingTimer()->isActive());
-}
-
-void TestPresenterCollabClose::openRightAfterCloseKeepsTheNewChannel()
-{
-    QVERIFY(m_session->open());
-    QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
-
-    collab()->close();
-    collab()->open({QStringLiteral("websocket")});
-
-    QCOMPARE(m_session->nextPublish().type, QStringLiteral("disconnect"));
-    QVERIFY(m_session->readRegisters());
-    QTRY_COMPARE(server().openConnections(), 1);
-    QVERIFY(m_session->syncInbound());
-    QCOMPARE(closed.size(), 1);
-    QVERIFY(collab()->isConnected());
-    QVERIFY(pingTimer()->isActive());
-    QVERIFY(m_session->nothingWasSent());
-}
-
-void TestPresenterCollabClose::closeSendsALargeCardFirst()
-{
-    QVERIFY(m_session->open());
-    QByteArray image(8 * 1024 * 1024, Qt::Uninitialized);
-    QRandomGenerator random(1); // noise, which does not get smaller by compression
-    random.fillRange(reinterpret_cast<quint32*>(image.data()), image.size() / 4);
-
-    collab()->setCardImage(image);
-    collab()->showImageCard(false);
-    collab()->close();
-
-    auto publish = m_session->nextPublish();
-    QCOMPARE(publish.type, QStringLiteral("showCard"));
-    QVERIFY(publish.data.contains(QString::fromLatin1(image.toBase64())));
-    publish = m_session->nextPublish();
-    QCOMPARE(publish.type, QStringLiteral("disconnect"));
-    QTRY_COMPARE(server().endedSessions(), 1);
-}
-
-void TestPresenterCollabClose::deletionSendsWhatWasPublished()
-{
-    QVERIFY(m_session->open());
-    const QString large(2000000, QLatin1Char('x'));
-
-    collab()->publishMessage(QStringLiteral("last"), large);
-    m_session->deleteCollab();
-
-    const auto publish = m_session->nextPublish();
-    QCOMPARE(publish.type, QStringLiteral("last"));
-    QVERIFY(publish.data == large);
-    QTRY_COMPARE(server().openConnections(), 0);
-}
-
-void TestPresenterCollabClose::theServersEndStopsThePingAndIsReported()
-{
-    QVERIFY(m_session->open());
-    QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
-
-    server().closeSession();
-
-    QTRY_COMPARE(closed.size(), 1);
-    QCOMPARE(closed.first().first().toBool(), false);
-    QVERIFY(!collab()->isConnected());
-    QVERIFY(!pingTimer()->isActive());
-}
-
-void TestPresenterCollabClose::hostActsInASlot_data()
-{
-    QTest::addColumn<QString>("sender");
-    QTest::addColumn<QByteArray>("signal");
-    QTest::addColumn<QString>("trigger");
-    QTest::addColumn<QString>("action");
-
-    for (const char* action : {"delete", "close", "open"}) {
-        const auto add = [action](const char* sender, const char* signal, const char* trigger) {
-            QTest::addRow("%s in %s by %s", action, signal + 1, trigger)
-                << sender << QByteArray(signal) << trigger << action;
-        };
-        add("session", SIGNAL(learnerPollResponse(QString, QString, int, QString)), "messages");
-        add("session", SIGNAL(learnerJoin(Learner)), "messages");
-        add("session", SIGNAL(learnerUnregister(QString)), "messages");
-        add("session", SIGNAL(learnerUnregister(QString)), "removeLearner");
-        add("session", SIGNAL(controllerRegister(bool)), "messages");
-        add("session", SIGNAL(remoteControl(RemoteControlMessage)), "messages");
-        add("session", SIGNAL(unhandledMessage(QVariantMap, QVariant)), "messages");
-        add("session", SIGNAL(connectionClosed(bool)), "close");
-        add("session", SIGNAL(connectionClosed(bool)), "the server");
-        add("connector", SIGNAL(connected()), "open");
-        add("connector", SIGNAL(sockJSMessage(QString)), "messages");
-        add("connector", SIGNAL(closed(bool)), "close");
-        add("connector", SIGNAL(closed(bool)), "the server");
-        add("handler", SIGNAL(learnerGetQuestion(QString, int)), "messages");
-    }
-}
-
-void TestPresenterCollabClose::hostActsInASlot()
-{
-    QFETCH(QString, sender);
-    QFETCH(QByteArray, signal);
-    QFETCH(QString, trigger);
-    QFETCH(QString, action);
-    if (trigger != QLatin1String("open"))
+    void closeSaysGoodbyeAndDisconnects()
+    {
         QVERIFY(m_session->open());
-    QSignalSpy ends(collab(), &PresenterCollab::connectionClosed);
-    Once host([&] { act(action); });
-    QObject* object = collab();
-    if (sender == QLatin1String("connector"))
-        object = collab()->connector();
-    else if (sender == QLatin1String("handler"))
-        object = collab()->messageHandler();
-    QVERIFY(connect(object, signal.constData(), &host, SLOT(run())));
+        QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
 
-    bringAbout(trigger);
-    QTRY_VERIFY(host.hasRun());
+        collab()->close();
 
-    if (action == QLatin1String("delete")) {
-        QVERIFY(!collab());
-        QTRY_COMPARE(server().openConnections(), 0);
-    } else if (action == QLatin1String("close")) {
-        QTRY_COMPARE(server().openConnections(), 0);
-        QTRY_COMPARE(ends.size(), 1);
         QVERIFY(!collab()->isConnected());
         QVERIFY(!pingTimer()->isActive());
-    } else {
-        QTRY_COMPARE(server().count(QStringLiteral("/websocket")), 2);
-        QTRY_VERIFY(collab()->isConnected());
-        QTRY_COMPARE(server().openConnections(), 1);
+        QCOMPARE(closed.size(), 0);
+        const auto publish = m_session->nextPublish();
+        QCOMPARE(publish.address, QStringLiteral("abc"));
+        QCOMPARE(publish.type, QStringLiteral("disconnect"));
+        QCOMPARE(publish.data, QStringLiteral("\"\""));
+        QTRY_COMPARE(closed.size(), 1);
+        QCOMPARE(closed.first().first().toBool(), false);
+        QTRY_COMPARE(server().endedSessions(), 1);
+
+        collab()->close();
+        QVERIFY(m_session->open());
+        QVERIFY(m_session->syncInbound());
+        QCOMPARE(closed.size(), 1);
+    }
+
+    void closeOfASessionThatNeverConnected()
+    {
+        QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
+
+        collab()->close();
+
+        QCOMPARE(dropped(), 1);
+        QVERIFY(!pingTimer()->isActive());
+        QVERIFY(m_session->open());
+        QVERIFY(m_session->syncInbound());
+        QCOMPARE(closed.size(), 0);
+    }
+
+    void closeBeforeTheChannelIsUpClosesItOnceItIs()
+    {
+        server().setUpgrade(Server::Mute);
+        QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
+        collab()->open({QStringLiteral("websocket")});
+        collab()->close();
+        QCOMPARE(dropped(), 1);
+
+        server().inject(QStringLiteral("o"));
+
+        QTRY_COMPARE(server().endedSessions(), 1);
+        QVERIFY2(server().unreadFrames().isEmpty(),
+                 qPrintable(server().unreadFrames().join(QLatin1Char('\n'))));
+        QVERIFY(!collab()->isConnected());
+        QVERIFY(!pingTimer()->isActive());
+        QTRY_COMPARE(closed.size(), 1);
+        QCOMPARE(closed.first().first().toBool(), false);
+    }
+
+    void closeDuringTheWaitClosesTheChannelOnceItIsUp()
+    {
+        server().setUpgrade(Server::Silent);
+        QSignalSpy connected(collab()->connector(), &SockJSConnector::connected);
+        connect(&server(), &Server::requested, collab(), [this] {
+            collab()->close();
+            QTimer::singleShot(0, &server(), &Server::answerUpgrade);
+        });
+
+        collab()->open({QStringLiteral("websocket")});
+
+        // Whether the wait ends or the channel still comes up: it is closed, and nothing was registered.
+        QTRY_COMPARE(server().openConnections(), 0);
+        QVERIFY(server().unreadFrames().isEmpty());
+        QVERIFY(!collab()->isConnected());
+        QVERIFY(!pingTimer()->isActive());
+    }
+
+    void openAfterACloseThatCameEarlyRegisters()
+    {
+        server().setUpgrades({Server::Mute, Server::Open});
+        collab()->open({QStringLiteral("websocket")});
+        collab()->close();
+
+        QVERIFY(m_session->open()); // reads the registers
         QVERIFY(m_session->syncInbound());
         QVERIFY(collab()->isConnected());
         QVERIFY(pingTimer()->isActive());
-        QVERIFY(ends.size() <= 1);
     }
-}
 
-void TestPresenterCollabClose::deletionDuringTheWait()
-{
-    server().setUpgrade(Server::Silent);
-    connect(&server(), &Server::requested, &server(),
-            [this] { QTimer::singleShot(0, &server(), [this] { m_session->deleteCollab(); }); });
+    void openRightAfterCloseKeepsTheNewChannel()
+    {
+        QVERIFY(m_session->open());
+        QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
 
-    collab()->open();
+        collab()->close();
+        collab()->open({QStringLiteral("websocket")});
 
-    QVERIFY(!collab());
-    QTRY_COMPARE(server().openConnections(), 0);
-    QCOMPARE(server().requests().size(), 1);
-}
+        QCOMPARE(m_session->nextPublish().type, QStringLiteral("disconnect"));
+        QVERIFY(m_session->readRegisters());
+        QTRY_COMPARE(server().openConnections(), 1);
+        QVERIFY(m_session->syncInbound());
+        QCOMPARE(closed.size(), 1);
+        QVERIFY(collab()->isConnected());
+        QVERIFY(pingTimer()->isActive());
+        QVERIFY(m_session->nothingWasSent());
+    }
 
-void TestPresenterCollabClose::nothingIsLeftBehind()
-{
-    const auto session = [this](const std::function<void()>& end) {
-        m_session = std::make_unique<LiveSession>();
-        const bool opened = m_session->open() && m_session->syncInbound();
-        end();
-        const bool ended = waitFor([this] { return server().openConnections() == 0; });
-        m_session.reset();
-        return opened && ended;
-    };
-    QVERIFY(session([this] { collab()->close(); }));
-    const int descriptors = ProcessResources::descriptors();
-    const int threads = ProcessResources::threads();
+    void closeSendsALargeCardFirst()
+    {
+        QVERIFY(m_session->open());
+        QByteArray image(8 * 1024 * 1024, Qt::Uninitialized);
+        QRandomGenerator random(1); // noise, which does not get smaller by compression
+        random.fillRange(reinterpret_cast<quint32*>(image.data()), image.size() / 4);
 
-    for (int i = 0; i < 5; ++i) {
+        collab()->setCardImage(image);
+        collab()->showImageCard(false);
+        collab()->close();
+
+        auto publish = m_session->nextPublish();
+        QCOMPARE(publish.type, QStringLiteral("showCard"));
+        QVERIFY(publish.data.contains(QString::fromLatin1(image.toBase64())));
+        publish = m_session->nextPublish();
+        QCOMPARE(publish.type, QStringLiteral("disconnect"));
+        QTRY_COMPARE(server().endedSessions(), 1);
+    }
+
+    void deletionSendsWhatWasPublished()
+    {
+        QVERIFY(m_session->open());
+        const QString large(2000000, QLatin1Char('x'));
+
+        collab()->publishMessage(QStringLiteral("last"), large);
+        m_session->deleteCollab();
+
+        const auto publish = m_session->nextPublish();
+        QCOMPARE(publish.type, QStringLiteral("last"));
+        QVERIFY(publish.data == large);
+        QTRY_COMPARE(server().openConnections(), 0);
+    }
+
+    void theServersEndStopsThePingAndIsReported()
+    {
+        QVERIFY(m_session->open());
+        QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
+
+        server().closeSession();
+
+        QTRY_COMPARE(closed.size(), 1);
+        QCOMPARE(closed.first().first().toBool(), false);
+        QVERIFY(!collab()->isConnected());
+        QVERIFY(!pingTimer()->isActive());
+    }
+
+    void hostActsInASlot_data()
+    {
+        QTest::addColumn<QString>("sender");
+        QTest::addColumn<QByteArray>("signal");
+        QTest::addColumn<QString>("trigger");
+        QTest::addColumn<QString>("action");
+
+        for (const char* action : {"delete", "close", "open"}) {
+            const auto add = [action](const char* sender, const char* signal, const char* trigger) {
+                QTest::addRow("%s in %s by %s", action, signal + 1, trigger)
+                    << sender << QByteArray(signal) << trigger << action;
+            };
+            add("session", SIGNAL(learnerPollResponse(QString, QString, int, QString)), "messages");
+            add("session", SIGNAL(learnerJoin(Learner)), "messages");
+            add("session", SIGNAL(learnerUnregister(QString)), "messages");
+            add("session", SIGNAL(learnerUnregister(QString)), "removeLearner");
+            add("session", SIGNAL(controllerRegister(bool)), "messages");
+            add("session", SIGNAL(remoteControl(RemoteControlMessage)), "messages");
+            add("session", SIGNAL(unhandledMessage(QVariantMap, QVariant)), "messages");
+            add("session", SIGNAL(connectionClosed(bool)), "close");
+            add("session", SIGNAL(connectionClosed(bool)), "the server");
+            add("connector", SIGNAL(connected()), "open");
+            add("connector", SIGNAL(sockJSMessage(QString)), "messages");
+            add("connector", SIGNAL(closed(bool)), "close");
+            add("connector", SIGNAL(closed(bool)), "the server");
+            add("handler", SIGNAL(learnerGetQuestion(QString, int)), "messages");
+        }
+    }
+
+    void hostActsInASlot()
+    {
+        QFETCH(QString, sender);
+        QFETCH(QByteArray, signal);
+        QFETCH(QString, trigger);
+        QFETCH(QString, action);
+        if (trigger != QLatin1String("open"))
+            QVERIFY(m_session->open());
+        QSignalSpy ends(collab(), &PresenterCollab::connectionClosed);
+        Once host([&] { act(action); });
+        QObject* object = collab();
+        if (sender == QLatin1String("connector"))
+            object = collab()->connector();
+        else if (sender == QLatin1String("handler"))
+            object = collab()->messageHandler();
+        QVERIFY(connect(object, signal.constData(), &host, SLOT(run())));
+
+        bringAbout(trigger);
+        QTRY_VERIFY(host.hasRun());
+
+        if (action == QLatin1String("delete")) {
+            QVERIFY(!collab());
+            QTRY_COMPARE(server().openConnections(), 0);
+        } else if (action == QLatin1String("close")) {
+            QTRY_COMPARE(server().openConnections(), 0);
+            QTRY_COMPARE(ends.size(), 1);
+            QVERIFY(!collab()->isConnected());
+            QVERIFY(!pingTimer()->isActive());
+        } else {
+            QTRY_COMPARE(server().count(QStringLiteral("/websocket")), 2);
+            QTRY_VERIFY(collab()->isConnected());
+            QTRY_COMPARE(server().openConnections(), 1);
+            QVERIFY(m_session->syncInbound());
+            QVERIFY(collab()->isConnected());
+            QVERIFY(pingTimer()->isActive());
+            QVERIFY(ends.size() <= 1);
+        }
+    }
+
+    void deletionDuringTheWait()
+    {
+        server().setUpgrade(Server::Silent);
+        connect(&server(), &Server::requested, &server(),
+                [this] { QTimer::singleShot(0, &server(), [this] { m_session->deleteCollab(); }); });
+
+        collab()->open();
+
+        QVERIFY(!collab());
+        QTRY_COMPARE(server().openConnections(), 0);
+        QCOMPARE(server().requests().size(), 1);
+    }
+
+    void nothingIsLeftBehind()
+    {
+        const auto session = [this](const std::function<void()>& end) {
+            m_session = std::make_unique<LiveSession>();
+            const bool opened = m_session->open() && m_session->syncInbound();
+            end();
+            const bool ended = waitFor([this] { return server().openConnections() == 0; });
+            m_session.reset();
+            return opened && ended;
+        };
         QVERIFY(session([this] { collab()->close(); }));
-        QVERIFY(session([this] { server().closeSession(); }));
-        QVERIFY(session([this] { m_session->deleteCollab(); }));
+        const int descriptors = ProcessResources::descriptors();
+        const int threads = ProcessResources::threads();
+
+        for (int i = 0; i < 5; ++i) {
+            QVERIFY(session([this] { collab()->close(); }));
+            QVERIFY(session([this] { server().closeSession(); }));
+            QVERIFY(session([this] { m_session->deleteCollab(); }));
+        }
+
+        QTRY_COMPARE(ProcessResources::descriptors(), descriptors);
+        QTRY_COMPARE(ProcessResources::threads(), threads);
     }
 
-    QTRY_COMPARE(ProcessResources::descriptors(), descriptors);
-    QTRY_COMPARE(ProcessResources::threads(), threads);
-}
+private:
+    QTimer* pingTimer() const { return collab()->findChild<QTimer*>(QString(), Qt::FindDirectChildrenOnly); }
+
+    // A message for each inbound signal.
+    void receiveEverything()
+    {
+        const QVariantMap learner{{"token", "d1"}, {"type", "user"}};
+        const QVariantMap controller{{"token", "d2"}, {"type", "controller"}};
+        m_session->receive("pollResponse", "d1", {});
+        m_session->receive("join", "d1", {});
+        m_session->receive({{"action", "unregister"}, {"client", learner}});
+        m_session->receive({{"action", "unregister"}, {"client", controller}});
+        m_session->receive("pause", "d1", {});
+        m_session->receive("questionGet", "d1", {});
+        m_session->receive("somethingNew", "d1", {});
+    }
+
+    void bringAbout(const QString& trigger)
+    {
+        if (trigger == QLatin1String("open"))
+            collab()->open({QStringLiteral("websocket")});
+        else if (trigger == QLatin1String("close"))
+            collab()->close();
+        else if (trigger == QLatin1String("the server"))
+            server().closeSession();
+        else if (trigger == QLatin1String("removeLearner"))
+            collab()->removeLearner(QStringLiteral("d1"));
+        else
+            receiveEverything();
+    }
+
+    void act(const QString& action)
+    {
+        if (action == QLatin1String("delete"))
+            m_session->deleteCollab();
+        else if (action == QLatin1String("close"))
+            collab()->close();
+        else
+            collab()->open({QStringLiteral("websocket")});
+    }
+};
 
 QTEST_GUILESS_MAIN(TestPresenterCollabClose)
 #include "tst_PresenterCollabClose.moc"

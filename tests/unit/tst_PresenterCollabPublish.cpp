@@ -28,267 +28,255 @@ class TestPresenterCollabPublish : public SessionTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void compressedPublish_data();
-    void compressedPublish();
-    void compressedPublishToTheSession();
-    void placeholdersInValuesGoOutAsTheyAre();
-    void compressedPublishWhileDisconnectedIsDropped();
-    void compressedPublishBeforeTheOpenFrameIsDropped();
-    void objectPublish_data();
-    void objectPublish();
-    void objectPublishOfADataObject();
-    void objectPublishWithoutDataIsLoggedAndSent();
-    void objectPublishWhileDisconnectedIsHandedOn();
-    void removeLearnerTellsTheDevice();
-    void removeLearnerWhileDisconnectedStillReports();
-};
+    void compressedPublish_data()
+    {
+        QTest::addColumn<QString>("address");
+        QTest::addColumn<QString>("resolved");
+        QTest::addColumn<QString>("data");
 
-void TestPresenterCollabPublish::compressedPublish_data()
-{
-    QTest::addColumn<QString>("address");
-    QTest::addColumn<QString>("resolved");
-    QTest::addColumn<QString>("data");
-
-    const QString large(300000, QLatin1Char('x'));
-    QTest::newRow("below the session") << ".learner"
-                                       << "abc.learner"
-                                       << "{\"a\":1}";
-    QTest::newRow("without the point") << "x.learner"
-                                       << "x.learner"
+        const QString large(300000, QLatin1Char('x'));
+        QTest::newRow("below the session") << ".learner"
+                                           << "abc.learner"
+                                           << "{\"a\":1}";
+        QTest::newRow("without the point") << "x.learner"
+                                           << "x.learner"
+                                           << "{}";
+        QTest::newRow("empty address") << ""
+                                       << ""
                                        << "{}";
-    QTest::newRow("empty address") << ""
-                                   << ""
-                                   << "{}";
-    QTest::newRow("a point alone") << "."
-                                   << "abc."
-                                   << "{}";
-    QTest::newRow("the session itself") << "abc"
-                                        << "abc"
-                                        << "[1]";
-    QTest::newRow("a device") << ".user.d1"
-                              << "abc.user.d1"
-                              << "\"\"";
-    QTest::newRow("empty data") << ".learner"
-                                << "abc.learner"
-                                << "";
-    QTest::newRow("outside ASCII") << ".learner"
-                                   << "abc.learner"
-                                   << QString::fromUtf8("h\xc3\xa9 \xe4\xb8\xad \xf0\x9f\x98\x80");
-    QTest::newRow("brackets and blanks") << ".learner"
-                                         << "abc.learner"
-                                         << "[ 1, [ 2 ] ]";
-    QTest::newRow("large") << ".learner"
-                           << "abc.learner" << large;
-}
-
-void TestPresenterCollabPublish::compressedPublish()
-{
-    QFETCH(QString, address);
-    QFETCH(QString, resolved);
-    QFETCH(QString, data);
-    QVERIFY(m_session->open());
-    m_session->forgetLog();
-
-    collab()->publishMessage(address, QStringLiteral("someType"), data);
-    collab()->publishMessage64(address, QStringLiteral("someType"), data);
-
-    for (int i = 0; i < 2; ++i) {
-        const auto publish = m_session->nextPublish();
-        QCOMPARE(publish.text, LiveSession::compressedFrame(resolved, QStringLiteral("teacher-7"),
-                                                            QStringLiteral("someType"), publish.base64));
-        QCOMPARE(publish.data, data);
+        QTest::newRow("a point alone") << "."
+                                       << "abc."
+                                       << "{}";
+        QTest::newRow("the session itself") << "abc"
+                                            << "abc"
+                                            << "[1]";
+        QTest::newRow("a device") << ".user.d1"
+                                  << "abc.user.d1"
+                                  << "\"\"";
+        QTest::newRow("empty data") << ".learner"
+                                    << "abc.learner"
+                                    << "";
+        QTest::newRow("outside ASCII")
+            << ".learner"
+            << "abc.learner" << QString::fromUtf8("h\xc3\xa9 \xe4\xb8\xad \xf0\x9f\x98\x80");
+        QTest::newRow("brackets and blanks") << ".learner"
+                                             << "abc.learner"
+                                             << "[ 1, [ 2 ] ]";
+        QTest::newRow("large") << ".learner"
+                               << "abc.learner" << large;
     }
-    QVERIFY2(log().messages().isEmpty(), "a compressed publish is not logged");
-}
 
-void TestPresenterCollabPublish::compressedPublishToTheSession()
-{
-    QVERIFY(m_session->open());
+    void compressedPublish()
+    {
+        QFETCH(QString, address);
+        QFETCH(QString, resolved);
+        QFETCH(QString, data);
+        QVERIFY(m_session->open());
+        m_session->forgetLog();
 
-    collab()->publishMessage(QStringLiteral("hello"), QStringLiteral("{\"x\":2}"));
+        collab()->publishMessage(address, QStringLiteral("someType"), data);
+        collab()->publishMessage64(address, QStringLiteral("someType"), data);
 
-    const auto publish = m_session->nextPublish();
-    QCOMPARE(publish.text, LiveSession::compressedFrame(QStringLiteral("abc"), QStringLiteral("teacher-7"),
-                                                        QStringLiteral("hello"), publish.base64));
-    QCOMPARE(publish.data, QStringLiteral("{\"x\":2}"));
-}
+        for (int i = 0; i < 2; ++i) {
+            const auto publish = m_session->nextPublish();
+            QCOMPARE(publish.text, LiveSession::compressedFrame(resolved, QStringLiteral("teacher-7"),
+                                                                QStringLiteral("someType"), publish.base64));
+            QCOMPARE(publish.data, data);
+        }
+        QVERIFY2(log().messages().isEmpty(), "a compressed publish is not logged");
+    }
 
-void TestPresenterCollabPublish::placeholdersInValuesGoOutAsTheyAre()
-{
-    m_session = std::make_unique<LiveSession>(QStringLiteral("t%1"), QStringLiteral("u%2%3"));
-    QVERIFY(m_session->open()); // reads the registers
+    void compressedPublishToTheSession()
+    {
+        QVERIFY(m_session->open());
 
-    collab()->publishMessage(QStringLiteral(".%1%3"), QStringLiteral("%0%3"), QStringLiteral("%1 %2"));
-    auto publish = m_session->nextPublish();
-    QCOMPARE(publish.text, LiveSession::compressedFrame(QStringLiteral("t%1.%1%3"), QStringLiteral("u%2%3"),
-                                                        QStringLiteral("%0%3"), publish.base64));
-    QCOMPARE(publish.data, QStringLiteral("%1 %2"));
+        collab()->publishMessage(QStringLiteral("hello"), QStringLiteral("{\"x\":2}"));
 
-    CalyxCollabMessage message;
-    message.settype(QStringLiteral("%1"));
-    collab()->publishMessage(QStringLiteral("%1"), &message);
-    publish = m_session->nextPublish();
-    QCOMPARE(publish.address, QStringLiteral("%1"));
-    QCOMPARE(publish.type, QStringLiteral("%1"));
-    QCOMPARE(publish.from, QStringLiteral("u%2%3"));
-}
+        const auto publish = m_session->nextPublish();
+        QCOMPARE(publish.text,
+                 LiveSession::compressedFrame(QStringLiteral("abc"), QStringLiteral("teacher-7"),
+                                              QStringLiteral("hello"), publish.base64));
+        QCOMPARE(publish.data, QStringLiteral("{\"x\":2}"));
+    }
 
-void TestPresenterCollabPublish::compressedPublishWhileDisconnectedIsDropped()
-{
-    collab()->publishMessage(QStringLiteral("type"), QStringLiteral("1"));
-    QCOMPARE(dropped(), 1);
-    collab()->publishMessage(QStringLiteral(".learner"), QStringLiteral("type"), QStringLiteral("2"));
-    QCOMPARE(dropped(), 2);
-    collab()->publishMessage64(QStringLiteral(".learner"), QStringLiteral("type"), QStringLiteral("3"));
-    QCOMPARE(dropped(), 3);
+    void placeholdersInValuesGoOutAsTheyAre()
+    {
+        m_session = std::make_unique<LiveSession>(QStringLiteral("t%1"), QStringLiteral("u%2%3"));
+        QVERIFY(m_session->open()); // reads the registers
 
-    QVERIFY(m_session->open());
-    QVERIFY(m_session->nothingWasSent());
+        collab()->publishMessage(QStringLiteral(".%1%3"), QStringLiteral("%0%3"), QStringLiteral("%1 %2"));
+        auto publish = m_session->nextPublish();
+        QCOMPARE(publish.text,
+                 LiveSession::compressedFrame(QStringLiteral("t%1.%1%3"), QStringLiteral("u%2%3"),
+                                              QStringLiteral("%0%3"), publish.base64));
+        QCOMPARE(publish.data, QStringLiteral("%1 %2"));
 
-    server().closeSession();
-    QTRY_VERIFY(!collab()->isConnected());
-    collab()->publishMessage(QStringLiteral("type"), QStringLiteral("4"));
-    QCOMPARE(dropped(), 4);
-}
+        CalyxCollabMessage message;
+        message.settype(QStringLiteral("%1"));
+        collab()->publishMessage(QStringLiteral("%1"), &message);
+        publish = m_session->nextPublish();
+        QCOMPARE(publish.address, QStringLiteral("%1"));
+        QCOMPARE(publish.type, QStringLiteral("%1"));
+        QCOMPARE(publish.from, QStringLiteral("u%2%3"));
+    }
 
-void TestPresenterCollabPublish::compressedPublishBeforeTheOpenFrameIsDropped()
-{
-    server().setUpgrade(Server::Mute);
-    collab()->open({QStringLiteral("websocket")});
+    void compressedPublishWhileDisconnectedIsDropped()
+    {
+        collab()->publishMessage(QStringLiteral("type"), QStringLiteral("1"));
+        QCOMPARE(dropped(), 1);
+        collab()->publishMessage(QStringLiteral(".learner"), QStringLiteral("type"), QStringLiteral("2"));
+        QCOMPARE(dropped(), 2);
+        collab()->publishMessage64(QStringLiteral(".learner"), QStringLiteral("type"), QStringLiteral("3"));
+        QCOMPARE(dropped(), 3);
 
-    collab()->publishMessage(QStringLiteral("type"), QStringLiteral("1"));
+        QVERIFY(m_session->open());
+        QVERIFY(m_session->nothingWasSent());
 
-    QCOMPARE(dropped(), 1);
-    QVERIFY(m_session->nothingWasSent());
-}
+        server().closeSession();
+        QTRY_VERIFY(!collab()->isConnected());
+        collab()->publishMessage(QStringLiteral("type"), QStringLiteral("4"));
+        QCOMPARE(dropped(), 4);
+    }
 
-void TestPresenterCollabPublish::objectPublish_data()
-{
-    QTest::addColumn<QString>("address");
-    QTest::addColumn<QString>("resolved");
-    QTest::addColumn<QVariantMap>("map");
-    QTest::addColumn<QString>("data");
+    void compressedPublishBeforeTheOpenFrameIsDropped()
+    {
+        server().setUpgrade(Server::Mute);
+        collab()->open({QStringLiteral("websocket")});
 
-    const auto json = QStringLiteral("{\n    \"a\": 1,\n    \"b\": \"x\"\n}\n");
-    QTest::newRow("below the session") << ".learner"
-                                       << "abc.learner" << QVariantMap{{"b", "x"}, {"a", 1}} << json;
-    QTest::newRow("without the point") << "x.y"
-                                       << "x.y" << QVariantMap{{"b", "x"}, {"a", 1}} << json;
-    QTest::newRow("empty address") << ""
-                                   << "" << QVariantMap{{"b", "x"}, {"a", 1}} << json;
-    QTest::newRow("empty map") << "abc"
-                               << "abc" << QVariantMap{} << "{\n}\n";
-}
+        collab()->publishMessage(QStringLiteral("type"), QStringLiteral("1"));
 
-void TestPresenterCollabPublish::objectPublish()
-{
-    QFETCH(QString, address);
-    QFETCH(QString, resolved);
-    QFETCH(QVariantMap, map);
-    QFETCH(QString, data);
-    QVERIFY(m_session->open());
-    CalyxCollabMessage message;
-    message.setfrom(QStringLiteral("somebody else"));
-    message.settype(QStringLiteral("someType"));
-    message.setdata(map);
-    m_session->forgetLog();
+        QCOMPARE(dropped(), 1);
+        QVERIFY(m_session->nothingWasSent());
+    }
 
-    collab()->publishMessage(address, &message);
+    void objectPublish_data()
+    {
+        QTest::addColumn<QString>("address");
+        QTest::addColumn<QString>("resolved");
+        QTest::addColumn<QVariantMap>("map");
+        QTest::addColumn<QString>("data");
 
-    const auto publish = m_session->nextPublish();
-    const auto json =
-        QStringLiteral("{\n    \"data\": [\n        \"%1\"\n    ],\n    \"from\": \"teacher-7\",\n"
-                       "    \"sourceSystem\": \"Lumora\",\n    \"type\": \"someType\",\n"
-                       "    \"version\": \"3.0.0\"\n}\n")
-            .arg(publish.base64);
-    const auto frame = QStringLiteral("{\"type\":\"publish\",\"address\":\"") + resolved +
-                       QStringLiteral("\",\"body\":") + json + QLatin1Char('}');
-    // SockJS framing takes the blank in front of a closing bracket.
-    QCOMPARE(publish.text, QString(frame).replace(QLatin1String(" ]"), QLatin1String("]")));
-    QCOMPARE(publish.data, data);
-    QCOMPARE(message.from(), QStringLiteral("teacher-7"));
-    QCOMPARE(message.data(), QVariant(QVariantList{publish.base64}));
+        const auto json = QStringLiteral("{\n    \"a\": 1,\n    \"b\": \"x\"\n}\n");
+        QTest::newRow("below the session") << ".learner"
+                                           << "abc.learner" << QVariantMap{{"b", "x"}, {"a", 1}} << json;
+        QTest::newRow("without the point") << "x.y"
+                                           << "x.y" << QVariantMap{{"b", "x"}, {"a", 1}} << json;
+        QTest::newRow("empty address") << ""
+                                       << "" << QVariantMap{{"b", "x"}, {"a", 1}} << json;
+        QTest::newRow("empty map") << "abc"
+                                   << "abc" << QVariantMap{} << "{\n}\n";
+    }
 
-    const auto transmitted = log().debug(QStringLiteral("TRANSMIT: "));
-    QCOMPARE(transmitted.size(), 1);
-    QVERIFY2(unquoted(transmitted.first()).contains(frame), qPrintable(transmitted.first()));
-}
+    void objectPublish()
+    {
+        QFETCH(QString, address);
+        QFETCH(QString, resolved);
+        QFETCH(QVariantMap, map);
+        QFETCH(QString, data);
+        QVERIFY(m_session->open());
+        CalyxCollabMessage message;
+        message.setfrom(QStringLiteral("somebody else"));
+        message.settype(QStringLiteral("someType"));
+        message.setdata(map);
+        m_session->forgetLog();
 
-void TestPresenterCollabPublish::objectPublishOfADataObject()
-{
-    QVERIFY(m_session->open());
-    CalyxCollabMessage carried;
-    carried.settype(QStringLiteral("inner"));
-    CalyxCollabMessage message;
-    message.setdata(QVariantMap{{"not", "this"}});
-    message.setdataobject(&carried);
+        collab()->publishMessage(address, &message);
 
-    collab()->publishMessage(QStringLiteral(".learner"), &message);
+        const auto publish = m_session->nextPublish();
+        const auto json =
+            QStringLiteral("{\n    \"data\": [\n        \"%1\"\n    ],\n    \"from\": \"teacher-7\",\n"
+                           "    \"sourceSystem\": \"Lumora\",\n    \"type\": \"someType\",\n"
+                           "    \"version\": \"3.0.0\"\n}\n")
+                .arg(publish.base64);
+        const auto frame = QStringLiteral("{\"type\":\"publish\",\"address\":\"") + resolved +
+                           QStringLiteral("\",\"body\":") + json + QLatin1Char('}');
+        // SockJS framing takes the blank in front of a closing bracket.
+        QCOMPARE(publish.text, QString(frame).replace(QLatin1String(" ]"), QLatin1String("]")));
+        QCOMPARE(publish.data, data);
+        QCOMPARE(message.from(), QStringLiteral("teacher-7"));
+        QCOMPARE(message.data(), QVariant(QVariantList{publish.base64}));
 
-    const auto publish = m_session->nextPublish();
-    QVERIFY2(publish.data.contains(QLatin1String("\"type\": \"inner\"")), qPrintable(publish.data));
-    QVERIFY(!publish.data.contains(QLatin1String("this")));
-}
+        const auto transmitted = log().debug(QStringLiteral("TRANSMIT: "));
+        QCOMPARE(transmitted.size(), 1);
+        QVERIFY2(unquoted(transmitted.first()).contains(frame), qPrintable(transmitted.first()));
+    }
 
-void TestPresenterCollabPublish::objectPublishWithoutDataIsLoggedAndSent()
-{
-    const auto invalid = QStringLiteral("[CalyxCollabMessage] data object in message is invalid!");
-    QVERIFY(m_session->open());
+    void objectPublishOfADataObject()
+    {
+        QVERIFY(m_session->open());
+        CalyxCollabMessage carried;
+        carried.settype(QStringLiteral("inner"));
+        CalyxCollabMessage message;
+        message.setdata(QVariantMap{{"not", "this"}});
+        message.setdataobject(&carried);
 
-    CalyxCollabMessage empty;
-    collab()->publishMessage(QStringLiteral(".learner"), &empty);
-    QCOMPARE(log().debug(invalid).size(), 1);
-    auto publish = m_session->nextPublish();
-    QVERIFY(publish.body.contains(QStringLiteral("data")));
-    QVERIFY(publish.body.value(QStringLiteral("data")).isNull());
+        collab()->publishMessage(QStringLiteral(".learner"), &message);
 
-    CalyxCollabMessage text;
-    text.setdata(QStringLiteral("as it stood"));
-    collab()->publishMessage(QStringLiteral(".learner"), &text);
-    QCOMPARE(log().debug(invalid).size(), 2);
-    publish = m_session->nextPublish();
-    QCOMPARE(publish.body.value(QStringLiteral("data")).toString(), QStringLiteral("as it stood"));
-}
+        const auto publish = m_session->nextPublish();
+        QVERIFY2(publish.data.contains(QLatin1String("\"type\": \"inner\"")), qPrintable(publish.data));
+        QVERIFY(!publish.data.contains(QLatin1String("this")));
+    }
 
-void TestPresenterCollabPublish::objectPublishWhileDisconnectedIsHandedOn()
-{
-    CalyxCollabMessage message;
-    message.setdata(QVariantMap{{"a", 1}});
+    void objectPublishWithoutDataIsLoggedAndSent()
+    {
+        const auto invalid = QStringLiteral("[CalyxCollabMessage] data object in message is invalid!");
+        QVERIFY(m_session->open());
 
-    collab()->publishMessage(QStringLiteral(".learner"), &message);
+        CalyxCollabMessage empty;
+        collab()->publishMessage(QStringLiteral(".learner"), &empty);
+        QCOMPARE(log().debug(invalid).size(), 1);
+        auto publish = m_session->nextPublish();
+        QVERIFY(publish.body.contains(QStringLiteral("data")));
+        QVERIFY(publish.body.value(QStringLiteral("data")).isNull());
 
-    QVERIFY(log().debug(LiveSession::notConnected()).isEmpty());
-    QCOMPARE(log().debug(QStringLiteral("TRANSMIT: ")).size(), 1);
-    QCOMPARE(message.from(), QStringLiteral("teacher-7"));
-    QVERIFY(m_session->open());
-    QVERIFY(m_session->nothingWasSent());
-}
+        CalyxCollabMessage text;
+        text.setdata(QStringLiteral("as it stood"));
+        collab()->publishMessage(QStringLiteral(".learner"), &text);
+        QCOMPARE(log().debug(invalid).size(), 2);
+        publish = m_session->nextPublish();
+        QCOMPARE(publish.body.value(QStringLiteral("data")).toString(), QStringLiteral("as it stood"));
+    }
 
-void TestPresenterCollabPublish::removeLearnerTellsTheDevice()
-{
-    QVERIFY(m_session->open());
-    QSignalSpy gone(collab(), &PresenterCollab::learnerUnregister);
+    void objectPublishWhileDisconnectedIsHandedOn()
+    {
+        CalyxCollabMessage message;
+        message.setdata(QVariantMap{{"a", 1}});
 
-    collab()->removeLearner(QStringLiteral("d%1"));
+        collab()->publishMessage(QStringLiteral(".learner"), &message);
 
-    QCOMPARE(gone.size(), 1);
-    QCOMPARE(gone.first().first().toString(), QStringLiteral("d%1"));
-    const auto publish = m_session->nextPublish();
-    QCOMPARE(publish.address, QStringLiteral("abc.user.d%1"));
-    QCOMPARE(publish.type, QStringLiteral("disconnect"));
-    QCOMPARE(publish.data, emptyText);
-}
+        QVERIFY(log().debug(LiveSession::notConnected()).isEmpty());
+        QCOMPARE(log().debug(QStringLiteral("TRANSMIT: ")).size(), 1);
+        QCOMPARE(message.from(), QStringLiteral("teacher-7"));
+        QVERIFY(m_session->open());
+        QVERIFY(m_session->nothingWasSent());
+    }
 
-void TestPresenterCollabPublish::removeLearnerWhileDisconnectedStillReports()
-{
-    QSignalSpy gone(collab(), &PresenterCollab::learnerUnregister);
+    void removeLearnerTellsTheDevice()
+    {
+        QVERIFY(m_session->open());
+        QSignalSpy gone(collab(), &PresenterCollab::learnerUnregister);
 
-    collab()->removeLearner(QStringLiteral("d1"));
+        collab()->removeLearner(QStringLiteral("d%1"));
 
-    QCOMPARE(gone.size(), 1);
-    QCOMPARE(gone.first().first().toString(), QStringLiteral("d1"));
-    QCOMPARE(dropped(), 1);
-}
+        QCOMPARE(gone.size(), 1);
+        QCOMPARE(gone.first().first().toString(), QStringLiteral("d%1"));
+        const auto publish = m_session->nextPublish();
+        QCOMPARE(publish.address, QStringLiteral("abc.user.d%1"));
+        QCOMPARE(publish.type, QStringLiteral("disconnect"));
+        QCOMPARE(publish.data, emptyText);
+    }
+
+    void removeLearnerWhileDisconnectedStillReports()
+    {
+        QSignalSpy gone(collab(), &PresenterCollab::learnerUnregister);
+
+        collab()->removeLearner(QStringLiteral("d1"));
+
+        QCOMPARE(gone.size(), 1);
+        QCOMPARE(gone.first().first().toString(), QStringLiteral("d1"));
+        QCOMPARE(dropped(), 1);
+    }
+};
 
 QTEST_GUILESS_MAIN(TestPresenterCollabPublish)
 

@@ -36,88 +36,82 @@ class tst_QSystemConfigurationProxyFactorySystem : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void asksForAPublicPlainWebAddress();
-    void onlyTheFirstEntryCounts_data();
-    void onlyTheFirstEntryCounts();
-    void firstEntryIsGivenWhole();
-    void noProxyIsEmptyInAllItsParts();
-};
-
-void tst_QSystemConfigurationProxyFactorySystem::init()
-{
-    theSystemsAnswer.clear();
-    asked.clear();
-}
-
-void tst_QSystemConfigurationProxyFactorySystem::asksForAPublicPlainWebAddress()
-{
-    QSystemConfigurationProxyFactory::getPrimaryProxy();
-    QSystemConfigurationProxyFactory::getProxyString();
-    QVERIFY(asked.size() >= 2);
-    for (const QNetworkProxyQuery& query : qAsConst(asked)) {
-        QCOMPARE(query.queryType(), QNetworkProxyQuery::UrlRequest);
-        QCOMPARE(query.url().scheme(), QStringLiteral("http"));
-        QVERIFY(query.url().host().contains(QLatin1Char('.')));
-        QVERIFY(query.url().port() == -1 || query.url().port() == 80);
-        QCOMPARE(query.url(), asked.first().url());
+    void init()
+    {
+        theSystemsAnswer.clear();
+        asked.clear();
     }
-}
 
-void tst_QSystemConfigurationProxyFactorySystem::onlyTheFirstEntryCounts_data()
-{
-    QTest::addColumn<QList<QNetworkProxy>>("answer");
-    QTest::addColumn<QString>("text");
+    void asksForAPublicPlainWebAddress()
+    {
+        QSystemConfigurationProxyFactory::getPrimaryProxy();
+        QSystemConfigurationProxyFactory::getProxyString();
+        QVERIFY(asked.size() >= 2);
+        for (const QNetworkProxyQuery& query : qAsConst(asked)) {
+            QCOMPARE(query.queryType(), QNetworkProxyQuery::UrlRequest);
+            QCOMPARE(query.url().scheme(), QStringLiteral("http"));
+            QVERIFY(query.url().host().contains(QLatin1Char('.')));
+            QVERIFY(query.url().port() == -1 || query.url().port() == 80);
+            QCOMPARE(query.url(), asked.first().url());
+        }
+    }
 
-    const QNetworkProxy none(QNetworkProxy::NoProxy);
-    const QNetworkProxy http = entry(QNetworkProxy::HttpProxy, "h.test", 3128);
-    const QNetworkProxy caching = entry(QNetworkProxy::HttpCachingProxy, "c.test", 3129, "user", "secret");
-    const QNetworkProxy socks = entry(QNetworkProxy::Socks5Proxy, "s.test", 65535);
-    const QNetworkProxy portless = entry(QNetworkProxy::HttpProxy, "zero.test", 0);
-    QTest::newRow("empty list") << QList<QNetworkProxy>() << "";
-    QTest::newRow("no proxy") << QList<QNetworkProxy>{none} << "";
-    QTest::newRow("one") << QList<QNetworkProxy>{http} << "h.test:3128";
-    QTest::newRow("with credentials") << QList<QNetworkProxy>{caching} << "c.test:3129";
-    QTest::newRow("several") << QList<QNetworkProxy>{socks, http, caching, none} << "s.test:65535";
-    QTest::newRow("no proxy before one") << QList<QNetworkProxy>{none, http} << "";
-    QTest::newRow("host with port 0") << QList<QNetworkProxy>{portless} << "";
-    QTest::newRow("host with port 0 before one") << QList<QNetworkProxy>{portless, http} << "";
-}
+    void onlyTheFirstEntryCounts_data()
+    {
+        QTest::addColumn<QList<QNetworkProxy>>("answer");
+        QTest::addColumn<QString>("text");
 
-void tst_QSystemConfigurationProxyFactorySystem::onlyTheFirstEntryCounts()
-{
-    QFETCH(QList<QNetworkProxy>, answer);
-    QFETCH(QString, text);
-    theSystemsAnswer = answer;
-    QCOMPARE(QSystemConfigurationProxyFactory::getProxyString(), text);
-    const QNetworkProxy proxy = QSystemConfigurationProxyFactory::getPrimaryProxy();
-    if (text.isEmpty())
+        const QNetworkProxy none(QNetworkProxy::NoProxy);
+        const QNetworkProxy http = entry(QNetworkProxy::HttpProxy, "h.test", 3128);
+        const QNetworkProxy caching =
+            entry(QNetworkProxy::HttpCachingProxy, "c.test", 3129, "user", "secret");
+        const QNetworkProxy socks = entry(QNetworkProxy::Socks5Proxy, "s.test", 65535);
+        const QNetworkProxy portless = entry(QNetworkProxy::HttpProxy, "zero.test", 0);
+        QTest::newRow("empty list") << QList<QNetworkProxy>() << "";
+        QTest::newRow("no proxy") << QList<QNetworkProxy>{none} << "";
+        QTest::newRow("one") << QList<QNetworkProxy>{http} << "h.test:3128";
+        QTest::newRow("with credentials") << QList<QNetworkProxy>{caching} << "c.test:3129";
+        QTest::newRow("several") << QList<QNetworkProxy>{socks, http, caching, none} << "s.test:65535";
+        QTest::newRow("no proxy before one") << QList<QNetworkProxy>{none, http} << "";
+        QTest::newRow("host with port 0") << QList<QNetworkProxy>{portless} << "";
+        QTest::newRow("host with port 0 before one") << QList<QNetworkProxy>{portless, http} << "";
+    }
+
+    void onlyTheFirstEntryCounts()
+    {
+        QFETCH(QList<QNetworkProxy>, answer);
+        QFETCH(QString, text);
+        theSystemsAnswer = answer;
+        QCOMPARE(QSystemConfigurationProxyFactory::getProxyString(), text);
+        const QNetworkProxy proxy = QSystemConfigurationProxyFactory::getPrimaryProxy();
+        if (text.isEmpty())
+            QCOMPARE(proxy.type(), QNetworkProxy::NoProxy);
+        else
+            QCOMPARE(proxy, answer.first());
+    }
+
+    void firstEntryIsGivenWhole()
+    {
+        theSystemsAnswer = {entry(QNetworkProxy::HttpCachingProxy, "c.test", 3129, "user", "secret")};
+        const QNetworkProxy proxy = QSystemConfigurationProxyFactory::getPrimaryProxy();
+        QCOMPARE(proxy.type(), QNetworkProxy::HttpCachingProxy);
+        QCOMPARE(proxy.hostName(), QStringLiteral("c.test"));
+        QCOMPARE(proxy.port(), quint16(3129));
+        QCOMPARE(proxy.user(), QStringLiteral("user"));
+        QCOMPARE(proxy.password(), QStringLiteral("secret"));
+    }
+
+    void noProxyIsEmptyInAllItsParts()
+    {
+        theSystemsAnswer = {entry(QNetworkProxy::HttpProxy, "zero.test", 0, "user", "secret")};
+        const QNetworkProxy proxy = QSystemConfigurationProxyFactory::getPrimaryProxy();
         QCOMPARE(proxy.type(), QNetworkProxy::NoProxy);
-    else
-        QCOMPARE(proxy, answer.first());
-}
-
-void tst_QSystemConfigurationProxyFactorySystem::firstEntryIsGivenWhole()
-{
-    theSystemsAnswer = {entry(QNetworkProxy::HttpCachingProxy, "c.test", 3129, "user", "secret")};
-    const QNetworkProxy proxy = QSystemConfigurationProxyFactory::getPrimaryProxy();
-    QCOMPARE(proxy.type(), QNetworkProxy::HttpCachingProxy);
-    QCOMPARE(proxy.hostName(), QStringLiteral("c.test"));
-    QCOMPARE(proxy.port(), quint16(3129));
-    QCOMPARE(proxy.user(), QStringLiteral("user"));
-    QCOMPARE(proxy.password(), QStringLiteral("secret"));
-}
-
-void tst_QSystemConfigurationProxyFactorySystem::noProxyIsEmptyInAllItsParts()
-{
-    theSystemsAnswer = {entry(QNetworkProxy::HttpProxy, "zero.test", 0, "user", "secret")};
-    const QNetworkProxy proxy = QSystemConfigurationProxyFactory::getPrimaryProxy();
-    QCOMPARE(proxy.type(), QNetworkProxy::NoProxy);
-    QCOMPARE(proxy.hostName(), QString());
-    QCOMPARE(proxy.port(), quint16(0));
-    QCOMPARE(proxy.user(), QString());
-    QCOMPARE(proxy.password(), QString());
-}
+        QCOMPARE(proxy.hostName(), QString());
+        QCOMPARE(proxy.port(), quint16(0));
+        QCOMPARE(proxy.user(), QString());
+        QCOMPARE(proxy.password(), QString());
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_QSystemConfigurationProxyFactorySystem)
 #include "tst_QSystemConfigurationProxyFactorySystem.moc"

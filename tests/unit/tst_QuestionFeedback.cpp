@@ -13,84 +13,77 @@ class tst_QuestionFeedback : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void onlyResubmittingIsAllowedAtFirst();
-    void gettersAreNamedAsTheProperties();
-    void anyKindOfAnswerIsKept_data();
-    void anyKindOfAnswerIsKept();
-    void json();
-};
+    void onlyResubmittingIsAllowedAtFirst()
+    {
+        const QuestionFeedback feedback;
+        QVERIFY(feedback.allowResubmit());
+        QVERIFY(!feedback.showFeedback());
+        QVERIFY(!feedback.showCorrectAnswer());
+    }
 
-void tst_QuestionFeedback::onlyResubmittingIsAllowedAtFirst()
-{
-    const QuestionFeedback feedback;
-    QVERIFY(feedback.allowResubmit());
-    QVERIFY(!feedback.showFeedback());
-    QVERIFY(!feedback.showCorrectAnswer());
-}
+    void gettersAreNamedAsTheProperties()
+    {
+        QuestionFeedback feedback;
+        feedback.setshowFeedback(true);
+        feedback.setshowCorrectAnswer(true);
+        feedback.setcorrectAnswer(1);
+        feedback.setactivityScoreStatus(2);
+        feedback.setactivityResponseStatus(3);
+        feedback.setcorrectOptions({4});
+        feedback.setallowResubmit(false);
+        feedback.setcorrectFeedback(5);
+        feedback.setinCorrectFeedback(6);
+        feedback.setanswer(7);
+        feedback.setjsonAnswer(8);
+        feedback.setoptionAnswers({9});
+        feedback.setoptionFeedbacks({10});
+        feedback.setnumberOfRetries(11);
+        feedback.setnumberOfRetriesRemaining(12);
+        feedback.setremainingTime(13);
+        QVERIFY(feedback.showFeedback() && feedback.showCorrectAnswer() && !feedback.allowResubmit());
+        const QVariantList values{feedback.correctAnswer(),
+                                  feedback.activityScoreStatus(),
+                                  feedback.activityResponseStatus(),
+                                  feedback.correctOptions().value(0),
+                                  feedback.correctFeedback(),
+                                  feedback.inCorrectFeedback(),
+                                  feedback.answer(),
+                                  feedback.jsonAnswer(),
+                                  feedback.optionAnswers().value(0),
+                                  feedback.optionFeedbacks().value(0),
+                                  feedback.numberOfRetries(),
+                                  feedback.numberOfRetriesRemaining(),
+                                  feedback.remainingTime()};
+        QCOMPARE(values, QVariantList({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13}));
+    }
 
-void tst_QuestionFeedback::gettersAreNamedAsTheProperties()
-{
-    QuestionFeedback feedback;
-    feedback.setshowFeedback(true);
-    feedback.setshowCorrectAnswer(true);
-    feedback.setcorrectAnswer(1);
-    feedback.setactivityScoreStatus(2);
-    feedback.setactivityResponseStatus(3);
-    feedback.setcorrectOptions({4});
-    feedback.setallowResubmit(false);
-    feedback.setcorrectFeedback(5);
-    feedback.setinCorrectFeedback(6);
-    feedback.setanswer(7);
-    feedback.setjsonAnswer(8);
-    feedback.setoptionAnswers({9});
-    feedback.setoptionFeedbacks({10});
-    feedback.setnumberOfRetries(11);
-    feedback.setnumberOfRetriesRemaining(12);
-    feedback.setremainingTime(13);
-    QVERIFY(feedback.showFeedback() && feedback.showCorrectAnswer() && !feedback.allowResubmit());
-    const QVariantList values{feedback.correctAnswer(),
-                              feedback.activityScoreStatus(),
-                              feedback.activityResponseStatus(),
-                              feedback.correctOptions().value(0),
-                              feedback.correctFeedback(),
-                              feedback.inCorrectFeedback(),
-                              feedback.answer(),
-                              feedback.jsonAnswer(),
-                              feedback.optionAnswers().value(0),
-                              feedback.optionFeedbacks().value(0),
-                              feedback.numberOfRetries(),
-                              feedback.numberOfRetriesRemaining(),
-                              feedback.remainingTime()};
-    QCOMPARE(values, QVariantList({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13}));
-}
+    void anyKindOfAnswerIsKept_data()
+    {
+        QTest::addColumn<QVariant>("answer");
+        QTest::newRow("text") << QVariant(QStringLiteral("text"));
+        QTest::newRow("number") << QVariant(2.5);
+        QTest::newRow("list") << QVariant(QVariantList{1, QStringLiteral("two")});
+        QTest::newRow("map") << QVariant(QVariantMap{{QStringLiteral("key"), true}});
+        QTest::newRow("nothing") << QVariant();
+    }
 
-void tst_QuestionFeedback::anyKindOfAnswerIsKept_data()
-{
-    QTest::addColumn<QVariant>("answer");
-    QTest::newRow("text") << QVariant(QStringLiteral("text"));
-    QTest::newRow("number") << QVariant(2.5);
-    QTest::newRow("list") << QVariant(QVariantList{1, QStringLiteral("two")});
-    QTest::newRow("map") << QVariant(QVariantMap{{QStringLiteral("key"), true}});
-    QTest::newRow("nothing") << QVariant();
-}
+    void anyKindOfAnswerIsKept()
+    {
+        QFETCH(QVariant, answer);
+        QuestionFeedback feedback;
+        feedback.setanswer(QStringLiteral("before"));
+        feedback.setanswer(answer);
+        QCOMPARE(feedback.answer(), answer);
+        QCOMPARE(feedback.answer().isValid(), answer.isValid());
+    }
 
-void tst_QuestionFeedback::anyKindOfAnswerIsKept()
-{
-    QFETCH(QVariant, answer);
-    QuestionFeedback feedback;
-    feedback.setanswer(QStringLiteral("before"));
-    feedback.setanswer(answer);
-    QCOMPARE(feedback.answer(), answer);
-    QCOMPARE(feedback.answer().isValid(), answer.isValid());
-}
-
-void tst_QuestionFeedback::json()
-{
-    QuestionFeedback feedback;
-    feedback.setanswer(QStringLiteral("yes"));
-    feedback.setoptionAnswers({QVariantMap{{QStringLiteral("activityOptionId"), QStringLiteral("B")}}});
-    const LogRecorder log;
-    QCOMPARE(JsonSerializer::serializeToJson(&feedback), QStringLiteral(R"({
+    void json()
+    {
+        QuestionFeedback feedback;
+        feedback.setanswer(QStringLiteral("yes"));
+        feedback.setoptionAnswers({QVariantMap{{QStringLiteral("activityOptionId"), QStringLiteral("B")}}});
+        const LogRecorder log;
+        QCOMPARE(JsonSerializer::serializeToJson(&feedback), QStringLiteral(R"({
     "activityResponseStatus": null,
     "activityScoreStatus": null,
     "allowResubmit": true,
@@ -115,8 +108,9 @@ void tst_QuestionFeedback::json()
     "showFeedback": false
 }
 )"));
-    QCOMPARE(log.debug(), QStringList());
-}
+        QCOMPARE(log.debug(), QStringList());
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_QuestionFeedback)
 #include "tst_QuestionFeedback.moc"

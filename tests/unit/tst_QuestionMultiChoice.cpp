@@ -17,17 +17,15 @@ public:
     {}
 
 private Q_SLOTS:
-    void countsItsCorrectOptions();
+    void countsItsCorrectOptions()
+    {
+        Calyx::QuestionMultiChoice question;
+        QCOMPARE(question.numberOfCorrectOptions(), 1);
+        question.setnumberOfCorrectOptions(3);
+        QCOMPARE(question.numberOfCorrectOptions(), 3);
+        QCOMPARE(jsonOf(question).value(QStringLiteral("numberOfCorrectOptions")).toInt(), 3);
+    }
 };
-
-void tst_QuestionMultiChoice::countsItsCorrectOptions()
-{
-    Calyx::QuestionMultiChoice question;
-    QCOMPARE(question.numberOfCorrectOptions(), 1);
-    question.setnumberOfCorrectOptions(3);
-    QCOMPARE(question.numberOfCorrectOptions(), 3);
-    QCOMPARE(jsonOf(question).value(QStringLiteral("numberOfCorrectOptions")).toInt(), 3);
-}
 
 QTEST_GUILESS_MAIN(tst_QuestionMultiChoice)
 #include "tst_QuestionMultiChoice.moc"

@@ -17,17 +17,15 @@ public:
     {}
 
 private Q_SLOTS:
-    void limitsItsDecimals();
+    void limitsItsDecimals()
+    {
+        Calyx::QuestionNumeric question;
+        QCOMPARE(question.noOfDecimals(), 0);
+        question.setnoOfDecimals(2);
+        QCOMPARE(question.noOfDecimals(), 2);
+        QCOMPARE(jsonOf(question).value(QStringLiteral("noOfDecimals")).toInt(), 2);
+    }
 };
-
-void tst_QuestionNumeric::limitsItsDecimals()
-{
-    Calyx::QuestionNumeric question;
-    QCOMPARE(question.noOfDecimals(), 0);
-    question.setnoOfDecimals(2);
-    QCOMPARE(question.noOfDecimals(), 2);
-    QCOMPARE(jsonOf(question).value(QStringLiteral("noOfDecimals")).toInt(), 2);
-}
 
 QTEST_GUILESS_MAIN(tst_QuestionNumeric)
 #include "tst_QuestionNumeric.moc"

@@ -17,19 +17,17 @@ public:
     {}
 
 private Q_SLOTS:
-    void priorAnswerTakesEachCharacterOnce();
+    void priorAnswerTakesEachCharacterOnce()
+    {
+        Calyx::QuestionSort question;
+        question.setPriorAnswer(QStringLiteral("B,b B"));
+        QCOMPARE(question.feedBack()->property("optionAnswers").toList(),
+                 chosen({QStringLiteral("B"), QStringLiteral(","), QStringLiteral("b"), QStringLiteral(" "),
+                         QStringLiteral("B")}));
+        question.setPriorAnswer(QStringLiteral("1"));
+        QCOMPARE(question.feedBack()->property("optionAnswers").toList(), chosen({QStringLiteral("1")}));
+    }
 };
-
-void tst_QuestionSort::priorAnswerTakesEachCharacterOnce()
-{
-    Calyx::QuestionSort question;
-    question.setPriorAnswer(QStringLiteral("B,b B"));
-    QCOMPARE(question.feedBack()->property("optionAnswers").toList(),
-             chosen({QStringLiteral("B"), QStringLiteral(","), QStringLiteral("b"), QStringLiteral(" "),
-                     QStringLiteral("B")}));
-    question.setPriorAnswer(QStringLiteral("1"));
-    QCOMPARE(question.feedBack()->property("optionAnswers").toList(), chosen({QStringLiteral("1")}));
-}
 
 QTEST_GUILESS_MAIN(tst_QuestionSort)
 #include "tst_QuestionSort.moc"

@@ -17,17 +17,15 @@ public:
     {}
 
 private Q_SLOTS:
-    void limitsItsCharacters();
+    void limitsItsCharacters()
+    {
+        Calyx::QuestionText question;
+        QCOMPARE(question.maxChars(), 0);
+        question.setmaxChars(140);
+        QCOMPARE(question.maxChars(), 140);
+        QCOMPARE(jsonOf(question).value(QStringLiteral("maxChars")).toInt(), 140);
+    }
 };
-
-void tst_QuestionText::limitsItsCharacters()
-{
-    Calyx::QuestionText question;
-    QCOMPARE(question.maxChars(), 0);
-    question.setmaxChars(140);
-    QCOMPARE(question.maxChars(), 140);
-    QCOMPARE(jsonOf(question).value(QStringLiteral("maxChars")).toInt(), 140);
-}
 
 QTEST_GUILESS_MAIN(tst_QuestionText)
 #include "tst_QuestionText.moc"

@@ -29,29 +29,26 @@ public:
     {}
 
 private Q_SLOTS:
-    void typeFollowsTheFlag();
-    void flagIsNoProperty();
+    void typeFollowsTheFlag()
+    {
+        Calyx::QuestionYesNo question;
+        QVERIFY(!question.isTrueFalse());
+        QCOMPARE(question.getType(), QStringLiteral("yes-no-other"));
+        question.setTrueFalse(true);
+        QVERIFY(question.isTrueFalse());
+        QCOMPARE(question.getType(), QStringLiteral("true-false"));
+        question.setTrueFalse(false);
+        QCOMPARE(question.getType(), QStringLiteral("yes-no-other"));
+    }
+
+    void flagIsNoProperty()
+    {
+        Calyx::QuestionYesNo question;
+        const QStringList keys = jsonOf(question).keys();
+        QCOMPARE(keys.size(), 15);
+        QVERIFY(keys.filter(QStringLiteral("true"), Qt::CaseInsensitive).isEmpty());
+    }
 };
-
-void tst_QuestionYesNo::typeFollowsTheFlag()
-{
-    Calyx::QuestionYesNo question;
-    QVERIFY(!question.isTrueFalse());
-    QCOMPARE(question.getType(), QStringLiteral("yes-no-other"));
-    question.setTrueFalse(true);
-    QVERIFY(question.isTrueFalse());
-    QCOMPARE(question.getType(), QStringLiteral("true-false"));
-    question.setTrueFalse(false);
-    QCOMPARE(question.getType(), QStringLiteral("yes-no-other"));
-}
-
-void tst_QuestionYesNo::flagIsNoProperty()
-{
-    Calyx::QuestionYesNo question;
-    const QStringList keys = jsonOf(question).keys();
-    QCOMPARE(keys.size(), 15);
-    QVERIFY(keys.filter(QStringLiteral("true"), Qt::CaseInsensitive).isEmpty());
-}
 
 QTEST_GUILESS_MAIN(tst_QuestionYesNo)
 #include "tst_QuestionYesNo.moc"

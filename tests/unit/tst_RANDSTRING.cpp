@@ -40,103 +40,92 @@ class tst_RANDSTRING : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void isOfTheGivenLength_data();
-    void isOfTheGivenLength();
-    void lengthOfZeroOrLessIsEmpty_data();
-    void lengthOfZeroOrLessIsEmpty();
-    void drawsFromLettersAndDigits();
-    void isSeededWithTheSecond();
-    void sameSecondGivesTheSameCharacters();
-    void anotherSecondGivesOthers();
-    void seedsTheGeneratorOfTheProcess_data();
-    void seedsTheGeneratorOfTheProcess();
+    void isOfTheGivenLength_data()
+    {
+        QTest::addColumn<int>("length");
+        for (const int length : {1, 2, 8, 16, 62, 1000, 100000})
+            QTest::addRow("%d", length) << length;
+    }
+
+    void isOfTheGivenLength()
+    {
+        QFETCH(int, length);
+        QCOMPARE(RANDSTRING::Generate(length).size(), length);
+    }
+
+    void lengthOfZeroOrLessIsEmpty_data()
+    {
+        QTest::addColumn<int>("length");
+        QTest::newRow("0") << 0;
+        QTest::newRow("-1") << -1;
+        QTest::newRow("smallest") << std::numeric_limits<int>::min();
+    }
+
+    void lengthOfZeroOrLessIsEmpty()
+    {
+        QFETCH(int, length);
+        QCOMPARE(RANDSTRING::Generate(length), QString());
+    }
+
+    void drawsFromLettersAndDigits()
+    {
+        // So long that every character comes up.
+        const QString text = RANDSTRING::Generate(20000);
+        for (const QChar character : text)
+            QVERIFY2(ALPHABET.contains(character), qPrintable(QString(character)));
+        for (const QChar character : ALPHABET)
+            QVERIFY2(text.contains(character), qPrintable(QString(character)));
+    }
+
+    void isSeededWithTheSecond()
+    {
+        const std::time_t before = std::time(nullptr);
+        const QString text = RANDSTRING::Generate(24);
+        const std::time_t after = std::time(nullptr);
+        QStringList expected;
+        for (std::time_t second = before; second <= after; ++second)
+            expected.append(expectedIn(second, 24));
+        QVERIFY2(expected.contains(text), qPrintable(text));
+    }
+
+    void sameSecondGivesTheSameCharacters()
+    {
+        // Tried again if a second ends in the middle.
+        QTRY_VERIFY([] {
+            const std::time_t second = std::time(nullptr);
+            const QString one = RANDSTRING::Generate(8);
+            const QString two = RANDSTRING::Generate(8);
+            const QString longer = RANDSTRING::Generate(16);
+            return second == std::time(nullptr) && one == two && longer.startsWith(one);
+        }());
+    }
+
+    void anotherSecondGivesOthers()
+    {
+        const QString first = RANDSTRING::Generate(8);
+        QTRY_VERIFY(RANDSTRING::Generate(8) != first);
+    }
+
+    void seedsTheGeneratorOfTheProcess_data()
+    {
+        QTest::addColumn<int>("length");
+        for (const int length : {5, 0, -1})
+            QTest::addRow("%d", length) << length;
+    }
+
+    void seedsTheGeneratorOfTheProcess()
+    {
+        QFETCH(int, length);
+        QTRY_VERIFY([length] {
+            const std::time_t second = std::time(nullptr);
+            seedRandom(1);
+            RANDSTRING::Generate(length);
+            const int following = nextRandom();
+            expectedIn(second, length);
+            return second == std::time(nullptr) && following == nextRandom();
+        }());
+    }
 };
-
-void tst_RANDSTRING::isOfTheGivenLength_data()
-{
-    QTest::addColumn<int>("length");
-    for (const int length : {1, 2, 8, 16, 62, 1000, 100000})
-        QTest::addRow("%d", length) << length;
-}
-
-void tst_RANDSTRING::isOfTheGivenLength()
-{
-    QFETCH(int, length);
-    QCOMPARE(RANDSTRING::Generate(length).size(), length);
-}
-
-void tst_RANDSTRING::lengthOfZeroOrLessIsEmpty_data()
-{
-    QTest::addColumn<int>("length");
-    QTest::newRow("0") << 0;
-    QTest::newRow("-1") << -1;
-    QTest::newRow("smallest") << std::numeric_limits<int>::min();
-}
-
-void tst_RANDSTRING::lengthOfZeroOrLessIsEmpty()
-{
-    QFETCH(int, length);
-    QCOMPARE(RANDSTRING::Generate(length), QString());
-}
-
-void tst_RANDSTRING::drawsFromLettersAndDigits()
-{
-    // So long that every character comes up.
-    const QString text = RANDSTRING::Generate(20000);
-    for (const QChar character : text)
-        QVERIFY2(ALPHABET.contains(character), qPrintable(QString(character)));
-    for (const QChar character : ALPHABET)
-        QVERIFY2(text.contains(character), qPrintable(QString(character)));
-}
-
-void tst_RANDSTRING::isSeededWithTheSecond()
-{
-    const std::time_t before = std::time(nullptr);
-    const QString text = RANDSTRING::Generate(24);
-    const std::time_t after = std::time(nullptr);
-    QStringList expected;
-    for (std::time_t second = before; second <= after; ++second)
-        expected.append(expectedIn(second, 24));
-    QVERIFY2(expected.contains(text), qPrintable(text));
-}
-
-void tst_RANDSTRING::sameSecondGivesTheSameCharacters()
-{
-    // Tried again if a second ends in the middle.
-    QTRY_VERIFY([] {
-        const std::time_t second = std::time(nullptr);
-        const QString one = RANDSTRING::Generate(8);
-        const QString two = RANDSTRING::Generate(8);
-        const QString longer = RANDSTRING::Generate(16);
-        return second == std::time(nullptr) && one == two && longer.startsWith(one);
-    }());
-}
-
-void tst_RANDSTRING::anotherSecondGivesOthers()
-{
-    const QString first = RANDSTRING::Generate(8);
-    QTRY_VERIFY(RANDSTRING::Generate(8) != first);
-}
-
-void tst_RANDSTRING::seedsTheGeneratorOfTheProcess_data()
-{
-    QTest::addColumn<int>("length");
-    for (const int length : {5, 0, -1})
-        QTest::addRow("%d", length) << length;
-}
-
-void tst_RANDSTRING::seedsTheGeneratorOfTheProcess()
-{
-    QFETCH(int, length);
-    QTRY_VERIFY([length] {
-        const std::time_t second = std::time(nullptr);
-        seedRandom(1);
-        RANDSTRING::Generate(length);
-        const int following = nextRandom();
-        expectedIn(second, length);
-        return second == std::time(nullptr) && following == nextRandom();
-    }());
-}
 
 QTEST_GUILESS_MAIN(tst_RANDSTRING)
 #include "tst_RANDSTRING.moc"

@@ -60,326 +60,298 @@ class tst_RawConnection : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
+    void initTestCase() { QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy); }
 
     void carriesBytesBothWays_data() { ways(); }
-    void carriesBytesBothWays();
-    void writesAtOnce();
+
+    void carriesBytesBothWays()
+    {
+        QFETCH(bool, secure);
+        QFETCH(bool, waiting);
+        Server server(secure ? tlsOf("loopback") : QSslConfiguration());
+        Line line(server.port(), secure);
+        QVERIFY(line.connection.isUnconnected());
+        QVERIFY(line.connectLine(waiting));
+        QVERIFY(line.connection.isConnected());
+        QVERIFY(!line.connection.isUnconnected());
+        QVERIFY(!line.connection.isClosed());
+        QVERIFY(!line.connection.hasBytes());
+        QVERIFY(!line.stop);
+
+        line.connection.write("question");
+        QTRY_COMPARE(server.received(0), QByteArray("question"));
+        server.sendNow("answer");
+        QCOMPARE(line.read(), QByteArray("answer"));
+        QVERIFY(!line.connection.hasBytes());
+    }
+
+    void writesAtOnce()
+    {
+        const Server server;
+        Line line(server.port(), false);
+        QVERIFY(line.connectLine(false));
+        line.connection.write("question");
+        QCOMPARE(line.socket->bytesToWrite(), qint64(0));
+    }
+
     void refusedOneCanBeMadeAgain_data() { ways(); }
-    void refusedOneCanBeMadeAgain();
+
+    void refusedOneCanBeMadeAgain()
+    {
+        QFETCH(bool, secure);
+        QFETCH(bool, waiting);
+        Server server(secure ? tlsOf("loopback") : QSslConfiguration());
+        server.stopListening();
+        Line line(server.port(), secure);
+        QVERIFY(!line.connectLine(waiting));
+        QVERIFY(line.connection.isUnconnected());
+        QVERIFY(!line.connection.isClosed());
+        QVERIFY(!line.stop);
+
+        QVERIFY(server.listenAgain());
+        QVERIFY(line.connectLine(waiting));
+        QVERIFY(line.connection.isConnected());
+    }
+
     void droppedOneCanBeMadeAgain_data() { ways(); }
-    void droppedOneCanBeMadeAgain();
-    void refusesCertificatesOfOthers_data();
-    void refusesCertificatesOfOthers();
+
+    void droppedOneCanBeMadeAgain()
+    {
+        QFETCH(bool, secure);
+        QFETCH(bool, waiting);
+        Server server(secure ? tlsOf("loopback") : QSslConfiguration());
+        Line line(server.port(), secure);
+        QVERIFY(line.connectLine(waiting));
+        line.connection.write("lost");
+        line.connection.drop();
+        QVERIFY(line.connection.isUnconnected());
+        QVERIFY(!line.connection.isConnected());
+        QVERIFY(!line.connection.isClosed());
+        QTRY_COMPARE(server.openConnections(), 0);
+
+        QVERIFY(line.connectLine(waiting));
+        line.connection.write("again");
+        QTRY_COMPARE(server.received(1), QByteArray("again"));
+    }
+
+    void refusesCertificatesOfOthers_data()
+    {
+        QTest::addColumn<QByteArray>("certificate");
+        QTest::addColumn<bool>("waiting");
+        for (const char* certificate : {"elsewhere", "expired", "unknown"}) {
+            QTest::addRow("%s, without events", certificate) << QByteArray(certificate) << false;
+            QTest::addRow("%s, within the event loop", certificate) << QByteArray(certificate) << true;
+        }
+    }
+
+    void refusesCertificatesOfOthers()
+    {
+        QFETCH(QByteArray, certificate);
+        QFETCH(bool, waiting);
+        const Server server(tlsOf(certificate.constData()));
+        Line line(server.port(), true);
+        QVERIFY(!line.connectLine(waiting));
+        QVERIFY(line.connection.isUnconnected());
+        QVERIFY(!line.connection.isClosed());
+        QCOMPARE(server.received(0), QByteArray());
+    }
+
     void handshakeHasItsTime_data() { waits(); }
-    void handshakeHasItsTime();
+
+    void handshakeHasItsTime()
+    {
+        QFETCH(bool, waiting);
+        const Server silent;
+        Line line(silent.port(), true);
+        QVERIFY(!line.connectLine(waiting, little));
+        QVERIFY(!line.stop);
+    }
+
     void goesThroughTheProxyOfItsSocket_data() { waits(); }
-    void goesThroughTheProxyOfItsSocket();
 
-    void stopEndsTheHandshake();
-    void stopBeforehandIsAnEnd();
-    void quittingThreadEndsTheHandshake();
-    void quittingThreadEndsTheWait();
+    // The far end of its CONNECT is in no network: only the proxy can know it.
+    void goesThroughTheProxyOfItsSocket()
+    {
+        QFETCH(bool, waiting);
+        Server proxy;
+        proxy.answer("bus.invalid:80", "HTTP/1.1 200 Connection established\r\n\r\n");
+        Line line(80, false, QStringLiteral("bus.invalid"));
+        line.socket->setProxy({QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.port()});
+        QVERIFY(line.connectLine(waiting));
+        QVERIFY(proxy.isUsedUp());
+        proxy.sendNow("o\n");
+        QCOMPARE(line.read(), QByteArray("o\n"));
+    }
 
-    void waitEndsWithBytes();
-    void waitEndsWithTheConnection();
-    void waitEndsWhenWoken();
-    void waitEndsWithItsTime();
+    void stopEndsTheHandshake()
+    {
+        const Server silent;
+        Line line(silent.port(), true);
+        std::thread other([&] {
+            line.stop = true;
+            QMetaObject::invokeMethod(&line.connection, &RawConnection::wake, Qt::QueuedConnection);
+        });
+        const bool connected = line.connectLine(true, tooLong);
+        other.join();
+        QVERIFY(!connected);
+        QVERIFY(line.connection.isUnconnected());
+        QVERIFY(!line.connection.isClosed());
+    }
 
-    void closedByTheFarEndIsNotClosed_data();
-    void closedByTheFarEndIsNotClosed();
-    void closedByAFailedWriteIsNotClosed();
-    void closedBySomebodyElseIsClosed();
-    void closedBySomebodyElseWhenMadeAgainIsClosed();
+    void stopBeforehandIsAnEnd()
+    {
+        const Server server;
+        Line line(server.port(), true);
+        line.stop = true;
+        QVERIFY(!line.connectLine(true, tooLong));
+        QVERIFY(line.connection.isUnconnected());
+    }
+
+    void quittingThreadEndsTheHandshake()
+    {
+        const Server silent;
+        bool connected = true;
+        bool stopped = false;
+        bool dropped = false;
+        std::thread thread([&] {
+            Line line(silent.port(), true);
+            QThread::currentThread()->quit();
+            connected = line.connectLine(true, tooLong);
+            stopped = line.stop;
+            dropped = line.connection.isUnconnected();
+        });
+        thread.join();
+        QVERIFY(!connected);
+        QVERIFY(stopped);
+        QVERIFY(dropped);
+    }
+
+    void quittingThreadEndsTheWait()
+    {
+        bool ran = true;
+        std::thread thread([&] {
+            Line line(1, false);
+            QThread::currentThread()->quit();
+            ran = line.connection.wait(tooLong);
+        });
+        thread.join();
+        QVERIFY(!ran);
+    }
+
+    void waitEndsWithBytes()
+    {
+        Server server;
+        server.answer("/a", "answer");
+        Line line(server.port(), false);
+        QVERIFY(line.connectLine(false));
+        line.connection.write("GET /a HTTP/1.1\r\n\r\n");
+        QVERIFY(line.connection.wait(tooLong));
+        QCOMPARE(line.connection.readAll(), QByteArray("answer"));
+    }
+
+    void waitEndsWithTheConnection()
+    {
+        Server server;
+        server.answer("/a", Server::Script{Server::close()});
+        Line line(server.port(), false);
+        QVERIFY(line.connectLine(false));
+        line.connection.write("GET /a HTTP/1.1\r\n\r\n");
+        while (line.connection.isConnected())
+            QVERIFY(line.connection.wait(tooLong));
+    }
+
+    void waitEndsWhenWoken()
+    {
+        Line line(1, false);
+        line.connection.wake(); // that nobody waits is no harm
+        std::thread other(
+            [&] { QMetaObject::invokeMethod(&line.connection, &RawConnection::wake, Qt::QueuedConnection); });
+        const bool ran = line.connection.wait(tooLong);
+        other.join();
+        QVERIFY(ran);
+    }
+
+    void waitEndsWithItsTime()
+    {
+        Line line(1, false);
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(line.connection.wait(little));
+        QVERIFY(clock.elapsed() >= little - 1);
+    }
+
+    void closedByTheFarEndIsNotClosed_data()
+    {
+        QTest::addColumn<bool>("reset");
+        QTest::newRow("farewell") << false;
+        QTest::newRow("reset") << true;
+    }
+
+    void closedByTheFarEndIsNotClosed()
+    {
+        QFETCH(bool, reset);
+        Server server;
+        Line line(server.port(), false);
+        QVERIFY(line.connectLine(false));
+        QTRY_COMPARE(server.connections(), 1);
+        server.dropConnections(reset);
+        QVERIFY(waitFor([&] { return line.connection.isUnconnected(); }));
+        QVERIFY(!line.connection.isClosed());
+        QVERIFY(line.connectLine(true));
+    }
+
+    void closedByAFailedWriteIsNotClosed()
+    {
+        Server server;
+        Line line(server.port(), false);
+        QVERIFY(line.connectLine(false));
+        QTRY_COMPARE(server.connections(), 1);
+        server.dropConnections(true);
+        while (line.socket->isOpen()) // until the reset has come
+            line.connection.write("lost");
+        QVERIFY(!line.connection.isClosed());
+    }
+
+    void closedBySomebodyElseIsClosed()
+    {
+        const Server server;
+        Line line(server.port(), false);
+        QVERIFY(line.connectLine(false));
+        line.socket->close();
+        QVERIFY(line.connection.isClosed());
+    }
+
+    void closedBySomebodyElseWhenMadeAgainIsClosed()
+    {
+        const Server server;
+        Line line(server.port(), false);
+        QVERIFY(line.connectLine(false));
+        line.connection.drop();
+        QVERIFY(line.connectLine(true));
+        line.socket->close();
+        QVERIFY(line.connection.isClosed());
+    }
 
 private:
-    static void waits();
-    static void ways();
+    static void waits()
+    {
+        QTest::addColumn<bool>("waiting");
+        QTest::newRow("without events") << false;
+        QTest::newRow("within the event loop") << true;
+    }
+
+    static void ways()
+    {
+        QTest::addColumn<bool>("secure");
+        QTest::addColumn<bool>("waiting");
+        QTest::newRow("plain, without events") << false << false;
+        QTest::newRow("plain, within the event loop") << false << true;
+        QTest::newRow("TLS, without events") << true << false;
+        QTest::newRow("TLS, within the event loop") << true << true;
+    }
 
     const TestCertificates::TrustedRoot m_trusted;
 };
-
-void tst_RawConnection::initTestCase()
-{
-    QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
-}
-
-void tst_RawConnection::waits()
-{
-    QTest::addColumn<bool>("waiting");
-    QTest::newRow("without events") << false;
-    QTest::newRow("within the event loop") << true;
-}
-
-void tst_RawConnection::ways()
-{
-    QTest::addColumn<bool>("secure");
-    QTest::addColumn<bool>("waiting");
-    QTest::newRow("plain, without events") << false << false;
-    QTest::newRow("plain, within the event loop") << false << true;
-    QTest::newRow("TLS, without events") << true << false;
-    QTest::newRow("TLS, within the event loop") << true << true;
-}
-
-void tst_RawConnection::carriesBytesBothWays()
-{
-    QFETCH(bool, secure);
-    QFETCH(bool, waiting);
-    Server server(secure ? tlsOf("loopback") : QSslConfiguration());
-    Line line(server.port(), secure);
-    QVERIFY(line.connection.isUnconnected());
-    QVERIFY(line.connectLine(waiting));
-    QVERIFY(line.connection.isConnected());
-    QVERIFY(!line.connection.isUnconnected());
-    QVERIFY(!line.connection.isClosed());
-    QVERIFY(!line.connection.hasBytes());
-    QVERIFY(!line.stop);
-
-    line.connection.write("question");
-    QTRY_COMPARE(server.received(0), QByteArray("question"));
-    server.sendNow("answer");
-    QCOMPARE(line.read(), QByteArray("answer"));
-    QVERIFY(!line.connection.hasBytes());
-}
-
-void tst_RawConnection::writesAtOnce()
-{
-    const Server server;
-    Line line(server.port(), false);
-    QVERIFY(line.connectLine(false));
-    line.connection.write("question");
-    QCOMPARE(line.socket->bytesToWrite(), qint64(0));
-}
-
-void tst_RawConnection::refusedOneCanBeMadeAgain()
-{
-    QFETCH(bool, secure);
-    QFETCH(bool, waiting);
-    Server server(secure ? tlsOf("loopback") : QSslConfiguration());
-    server.stopListening();
-    Line line(server.port(), secure);
-    QVERIFY(!line.connectLine(waiting));
-    QVERIFY(line.connection.isUnconnected());
-    QVERIFY(!line.connection.isClosed());
-    QVERIFY(!line.stop);
-
-    QVERIFY(server.listenAgain());
-    QVERIFY(line.connectLine(waiting));
-    QVERIFY(line.connection.isConnected());
-}
-
-void tst_RawConnection::droppedOneCanBeMadeAgain()
-{
-    QFETCH(bool, secure);
-    QFETCH(bool, waiting);
-    Server server(secure ? tlsOf("loopback") : QSslConfiguration());
-    Line line(server.port(), secure);
-    QVERIFY(line.connectLine(waiting));
-    line.connection.write("lost");
-    line.connection.drop();
-    QVERIFY(line.connection.isUnconnected());
-    QVERIFY(!line.connection.isConnected());
-    QVERIFY(!line.connection.isClosed());
-    QTRY_COMPARE(server.openConnections(), 0);
-
-    QVERIFY(line.connectLine(waiting));
-    line.connection.write("again");
-    QTRY_COMPARE(server.received(1), QByteArray("again"));
-}
-
-void tst_RawConnection::refusesCertificatesOfOthers_data()
-{
-    QTest::addColumn<QByteArray>("certificate");
-    QTest::addColumn<bool>("waiting");
-    for (const char* certificate : {"elsewhere", "expired", "unknown"}) {
-        QTest::addRow("%s, without events", certificate) << QByteArray(certificate) << false;
-        QTest::addRow("%s, within the event loop", certificate) << QByteArray(certificate) << true;
-    }
-}
-
-void tst_RawConnection::refusesCertificatesOfOthers()
-{
-    QFETCH(QByteArray, certificate);
-    QFETCH(bool, waiting);
-    const Server server(tlsOf(certificate.constData()));
-    Line line(server.port(), true);
-    QVERIFY(!line.connectLine(waiting));
-    QVERIFY(line.connection.isUnconnected());
-    QVERIFY(!line.connection.isClosed());
-    QCOMPARE(server.received(0), QByteArray());
-}
-
-void tst_RawConnection::handshakeHasItsTime()
-{
-    QFETCH(bool, waiting);
-    const Server silent;
-    Line line(silent.port(), true);
-    QVERIFY(!line.connectLine(waiting, little));
-    QVERIFY(!line.stop);
-}
-
-// The far end of its CONNECT is in no network: only the proxy can know it.
-void tst_RawConnection::goesThroughTheProxyOfItsSocket()
-{
-    QFETCH(bool, waiting);
-    Server proxy;
-    proxy.answer("bus.invalid:80", "HTTP/1.1 200 Connection established\r\n\r\n");
-    Line line(80, false, QStringLiteral("bus.invalid"));
-    line.socket->setProxy({QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.port()});
-    QVERIFY(line.connectLine(waiting));
-    QVERIFY(proxy.isUsedUp());
-    proxy.sendNow("o\n");
-    QCOMPARE(line.read(), QByteArray("o\n"));
-}
-
-void tst_RawConnection::stopEndsTheHandshake()
-{
-    const Server silent;
-    Line line(silent.port(), true);
-    std::thread other([&] {
-        line.stop = true;
-        QMetaObject::invokeMethod(&line.connection, &RawConnection::wake, Qt::QueuedConnection);
-    });
-    const bool connected = line.connectLine(true, tooLong);
-    other.join();
-    QVERIFY(!connected);
-    QVERIFY(line.connection.isUnconnected());
-    QVERIFY(!line.connection.isClosed());
-}
-
-void tst_RawConnection::stopBeforehandIsAnEnd()
-{
-    const Server server;
-    Line line(server.port(), true);
-    line.stop = true;
-    QVERIFY(!line.connectLine(true, tooLong));
-    QVERIFY(line.connection.isUnconnected());
-}
-
-void tst_RawConnection::quittingThreadEndsTheHandshake()
-{
-    const Server silent;
-    bool connected = true;
-    bool stopped = false;
-    bool dropped = false;
-    std::thread thread([&] {
-        Line line(silent.port(), true);
-        QThread::currentThread()->quit();
-        connected = line.connectLine(true, tooLong);
-        stopped = line.stop;
-        dropped = line.connection.isUnconnected();
-    });
-    thread.join();
-    QVERIFY(!connected);
-    QVERIFY(stopped);
-    QVERIFY(dropped);
-}
-
-void tst_RawConnection::quittingThreadEndsTheWait()
-{
-    bool ran = true;
-    std::thread thread([&] {
-        Line line(1, false);
-        QThread::currentThread()->quit();
-        ran = line.connection.wait(tooLong);
-    });
-    thread.join();
-    QVERIFY(!ran);
-}
-
-void tst_RawConnection::waitEndsWithBytes()
-{
-    Server server;
-    server.answer("/a", "answer");
-    Line line(server.port(), false);
-    QVERIFY(line.connectLine(false));
-    line.connection.write("GET /a HTTP/1.1\r\n\r\n");
-    QVERIFY(line.connection.wait(tooLong));
-    QCOMPARE(line.connection.readAll(), QByteArray("answer"));
-}
-
-void tst_RawConnection::waitEndsWithTheConnection()
-{
-    Server server;
-    server.answer("/a", Server::Script{Server::close()});
-    Line line(server.port(), false);
-    QVERIFY(line.connectLine(false));
-    line.connection.write("GET /a HTTP/1.1\r\n\r\n");
-    while (line.connection.isConnected())
-        QVERIFY(line.connection.wait(tooLong));
-}
-
-void tst_RawConnection::waitEndsWhenWoken()
-{
-    Line line(1, false);
-    line.connection.wake(); // that nobody waits is no harm
-    std::thread other(
-        [&] { QMetaObject::invokeMethod(&line.connection, &RawConnection::wake, Qt::QueuedConnection); });
-    const bool ran = line.connection.wait(tooLong);
-    other.join();
-    QVERIFY(ran);
-}
-
-void tst_RawConnection::waitEndsWithItsTime()
-{
-    Line line(1, false);
-    QElapsedTimer clock;
-    clock.start();
-    QVERIFY(line.connection.wait(little));
-    QVERIFY(clock.elapsed() >= little - 1);
-}
-
-void tst_RawConnection::closedByTheFarEndIsNotClosed_data()
-{
-    QTest::addColumn<bool>("reset");
-    QTest::newRow("farewell") << false;
-    QTest::newRow("reset") << true;
-}
-
-void tst_RawConnection::closedByTheFarEndIsNotClosed()
-{
-    QFETCH(bool, reset);
-    Server server;
-    Line line(server.port(), false);
-    QVERIFY(line.connectLine(false));
-    QTRY_COMPARE(server.connections(), 1);
-    server.dropConnections(reset);
-    QVERIFY(waitFor([&] { return line.connection.isUnconnected(); }));
-    QVERIFY(!line.connection.isClosed());
-    QVERIFY(line.connectLine(true));
-}
-
-void tst_RawConnection::closedByAFailedWriteIsNotClosed()
-{
-    Server server;
-    Line line(server.port(), false);
-    QVERIFY(line.connectLine(false));
-    QTRY_COMPARE(server.connections(), 1);
-    server.dropConnections(true);
-    while (line.socket->isOpen()) // until the reset has come
-        line.connection.write("lost");
-    QVERIFY(!line.connection.isClosed());
-}
-
-void tst_RawConnection::closedBySomebodyElseIsClosed()
-{
-    const Server server;
-    Line line(server.port(), false);
-    QVERIFY(line.connectLine(false));
-    line.socket->close();
-    QVERIFY(line.connection.isClosed());
-}
-
-void tst_RawConnection::closedBySomebodyElseWhenMadeAgainIsClosed()
-{
-    const Server server;
-    Line line(server.port(), false);
-    QVERIFY(line.connectLine(false));
-    line.connection.drop();
-    QVERIFY(line.connectLine(true));
-    line.socket->close();
-    QVERIFY(line.connection.isClosed());
-}
 
 QTEST_GUILESS_MAIN(tst_RawConnection)
 #include "tst_RawConnection.moc"

@@ -52,81 +52,73 @@ public:
     tst_RemoteControlMessage() : ValueTypeContract(messageType()) {}
 
 private Q_SLOTS:
-    void isEmptyAtFirst();
-    void takesSenderTypeAndDataInThisOrder();
-    void isAValue();
+    void isEmptyAtFirst()
+    {
+        const RemoteControlMessage message;
+        QVERIFY(message.from.isEmpty() && message.type.isEmpty());
+        QVERIFY(!message.data.isValid());
+    }
 
-    void queuedConnectionToALambda();
-    void signalSpyByPointer();
+    void takesSenderTypeAndDataInThisOrder()
+    {
+        const RemoteControlMessage message(QStringLiteral("sender"), QStringLiteral("pause"),
+                                           QVariantList{1});
+        QCOMPARE(message.from, QStringLiteral("sender"));
+        QCOMPARE(message.type, QStringLiteral("pause"));
+        QCOMPARE(message.data, QVariant(QVariantList{1}));
+    }
+
+    void isAValue()
+    {
+        static_assert(std::is_copy_constructible_v<RemoteControlMessage> &&
+                      std::is_copy_assignable_v<RemoteControlMessage>);
+        static_assert(std::is_default_constructible_v<RemoteControlMessage>);
+        const RemoteControlMessage message(QStringLiteral("sender"), QStringLiteral("pause"), 5);
+        RemoteControlMessage copy = message;
+        copy.data = QStringLiteral("other");
+        QCOMPARE(message.data, QVariant(5));
+        const QVariant variant = QVariant::fromValue(copy);
+        QCOMPARE(textOf(variant.value<RemoteControlMessage>()), QStringLiteral("sender/pause/other"));
+    }
+
+    void queuedConnectionToALambda()
+    {
+        QStringList taken;
+        connect(
+            m_handler.get(), &CollaborationMessageHandler::remoteControl, this,
+            [&taken](const RemoteControlMessage& message) { taken.append(textOf(message)); },
+            Qt::QueuedConnection);
+        m_handler->dataRemote(BODY, QVariant());
+        QTRY_COMPARE(taken, QStringList({QStringLiteral("dev/resume/")}));
+    }
+
+    void signalSpyByPointer()
+    {
+        QSignalSpy spy(m_handler.get(), &CollaborationMessageHandler::remoteControl);
+        QVERIFY(spy.isValid());
+        m_handler->dataRemote(BODY, QVariant());
+        QCOMPARE(spy.size(), 1);
+        QCOMPARE(textOf(spy.first().first().value<RemoteControlMessage>()), QStringLiteral("dev/resume/"));
+    }
 
 private:
-    static ValueType messageType();
+    static ValueType messageType()
+    {
+        ValueType type;
+        type.name = "RemoteControlMessage";
+        type.id = qMetaTypeId<RemoteControlMessage>();
+        type.registerAgain = &Calyx::registerRemoteControlMessage;
+        type.textOf = [](const QVariant& value) { return textOf(value.value<RemoteControlMessage>()); };
+        type.newHost = [] { return std::make_unique<Host>(); };
+        type.told = QStringLiteral("sender/nextCard/7");
+        type.signal = "remoteControl";
+        type.handle = [](CollaborationMessageHandler* handler) {
+            handler->dataRemote(BODY, QStringLiteral("payload"));
+        };
+        type.handled = QStringLiteral("dev/resume/payload");
+        return type;
+    }
 };
-
-ValueTypeContract::ValueType tst_RemoteControlMessage::messageType()
-{
-    ValueType type;
-    type.name = "RemoteControlMessage";
-    type.id = qMetaTypeId<RemoteControlMessage>();
-    type.registerAgain = &Calyx::registerRemoteControlMessage;
-    type.textOf = [](const QVariant& value) { return textOf(value.value<RemoteControlMessage>()); };
-    type.newHost = [] { return std::make_unique<Host>(); };
-    type.told = QStringLiteral("sender/nextCard/7");
-    type.signal = "remoteControl";
-    type.handle = [](CollaborationMessageHandler* handler) {
-        handler->dataRemote(BODY, QStringLiteral("payload"));
-    };
-    type.handled = QStringLiteral("dev/resume/payload");
-    return type;
-}
-
-void tst_RemoteControlMessage::isEmptyAtFirst()
-{
-    const RemoteControlMessage message;
-    QVERIFY(message.from.isEmpty() && message.type.isEmpty());
-    QVERIFY(!message.data.isValid());
-}
-
-void tst_RemoteControlMessage::takesSenderTypeAndDataInThisOrder()
-{
-    const RemoteControlMessage message(QStringLiteral("sender"), QStringLiteral("pause"), QVariantList{1});
-    QCOMPARE(message.from, QStringLiteral("sender"));
-    QCOMPARE(message.type, QStringLiteral("pause"));
-    QCOMPARE(message.data, QVariant(QVariantList{1}));
-}
-
-void tst_RemoteControlMessage::isAValue()
-{
-    static_assert(std::is_copy_constructible_v<RemoteControlMessage> &&
-                  std::is_copy_assignable_v<RemoteControlMessage>);
-    static_assert(std::is_default_constructible_v<RemoteControlMessage>);
-    const RemoteControlMessage message(QStringLiteral("sender"), QStringLiteral("pause"), 5);
-    RemoteControlMessage copy = message;
-    copy.data = QStringLiteral("other");
-    QCOMPARE(message.data, QVariant(5));
-    const QVariant variant = QVariant::fromValue(copy);
-    QCOMPARE(textOf(variant.value<RemoteControlMessage>()), QStringLiteral("sender/pause/other"));
-}
-
-void tst_RemoteControlMessage::queuedConnectionToALambda()
-{
-    QStringList taken;
-    connect(
-        m_handler.get(), &CollaborationMessageHandler::remoteControl, this,
-        [&taken](const RemoteControlMessage& message) { taken.append(textOf(message)); },
-        Qt::QueuedConnection);
-    m_handler->dataRemote(BODY, QVariant());
-    QTRY_COMPARE(taken, QStringList({QStringLiteral("dev/resume/")}));
-}
-
-void tst_RemoteControlMessage::signalSpyByPointer()
-{
-    QSignalSpy spy(m_handler.get(), &CollaborationMessageHandler::remoteControl);
-    QVERIFY(spy.isValid());
-    m_handler->dataRemote(BODY, QVariant());
-    QCOMPARE(spy.size(), 1);
-    QCOMPARE(textOf(spy.first().first().value<RemoteControlMessage>()), QStringLiteral("dev/resume/"));
-}
 
 QTEST_GUILESS_MAIN(tst_RemoteControlMessage)
 #include "tst_RemoteControlMessage.moc"

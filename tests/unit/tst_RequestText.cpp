@@ -9,47 +9,42 @@ class tst_RequestText : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyCharacterOfAFirstLine();
-    void everyByteOfALine();
-    void oneBadCharacterIsEnough();
-    void emptyTextIsSafe();
+    void everyCharacterOfAFirstLine()
+    {
+        for (int character = 0; character <= 0xffff; ++character) {
+            const bool isSafe = character > ' ' && character != 0x7f;
+            if (RequestText::isSafeInFirstLine(QString(QChar(character))) != isSafe)
+                QFAIL(qPrintable(QString::number(character, 16)));
+        }
+    }
+
+    void everyByteOfALine()
+    {
+        for (int byte = 0; byte <= 0xff; ++byte) {
+            const bool isSafe = byte >= ' ' && byte != 0x7f;
+            if (RequestText::isSafeInLine(QByteArray(1, char(byte))) != isSafe)
+                QFAIL(qPrintable(QString::number(byte, 16)));
+        }
+    }
+
+    void oneBadCharacterIsEnough()
+    {
+        const QString text = QStringLiteral("/bus/119/abcdefgh");
+        QVERIFY(RequestText::isSafeInFirstLine(text));
+        QVERIFY(RequestText::isSafeInLine(text.toLatin1()));
+        for (int at = 0; at <= text.size(); ++at) {
+            const QString broken = QString(text).insert(at, QLatin1Char('\n'));
+            QVERIFY2(!RequestText::isSafeInFirstLine(broken), qPrintable(QString::number(at)));
+            QVERIFY2(!RequestText::isSafeInLine(broken.toLatin1()), qPrintable(QString::number(at)));
+        }
+    }
+
+    void emptyTextIsSafe()
+    {
+        QVERIFY(RequestText::isSafeInFirstLine(QString()));
+        QVERIFY(RequestText::isSafeInLine(QByteArray()));
+    }
 };
-
-void tst_RequestText::everyCharacterOfAFirstLine()
-{
-    for (int character = 0; character <= 0xffff; ++character) {
-        const bool isSafe = character > ' ' && character != 0x7f;
-        if (RequestText::isSafeInFirstLine(QString(QChar(character))) != isSafe)
-            QFAIL(qPrintable(QString::number(character, 16)));
-    }
-}
-
-void tst_RequestText::everyByteOfALine()
-{
-    for (int byte = 0; byte <= 0xff; ++byte) {
-        const bool isSafe = byte >= ' ' && byte != 0x7f;
-        if (RequestText::isSafeInLine(QByteArray(1, char(byte))) != isSafe)
-            QFAIL(qPrintable(QString::number(byte, 16)));
-    }
-}
-
-void tst_RequestText::oneBadCharacterIsEnough()
-{
-    const QString text = QStringLiteral("/bus/119/abcdefgh");
-    QVERIFY(RequestText::isSafeInFirstLine(text));
-    QVERIFY(RequestText::isSafeInLine(text.toLatin1()));
-    for (int at = 0; at <= text.size(); ++at) {
-        const QString broken = QString(text).insert(at, QLatin1Char('\n'));
-        QVERIFY2(!RequestText::isSafeInFirstLine(broken), qPrintable(QString::number(at)));
-        QVERIFY2(!RequestText::isSafeInLine(broken.toLatin1()), qPrintable(QString::number(at)));
-    }
-}
-
-void tst_RequestText::emptyTextIsSafe()
-{
-    QVERIFY(RequestText::isSafeInFirstLine(QString()));
-    QVERIFY(RequestText::isSafeInLine(QByteArray()));
-}
 
 QTEST_APPLESS_MAIN(tst_RequestText)
 #include "tst_RequestText.moc"

@@ -6,24 +6,6 @@
 #include <QTest>
 #include <QUrl>
 
-/// Which cookies are kept, and who gets them. What requests carry is in tst_CookiesAndRedirects.
-class tst_SafeCookieJar : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void controlCharactersAreRefused_data();
-    void controlCharactersAreRefused();
-    void harmlessOnesAreKept_data();
-    void harmlessOnesAreKept();
-    void endOfAnAddressIsNoDomain_data();
-    void endOfAnAddressIsNoDomain();
-    void hostOfOneNameKeepsItsOwn_data();
-    void hostOfOneNameKeepsItsOwn();
-    void anotherHostGetsNone_data();
-    void anotherHostGetsNone();
-};
-
 namespace {
 
 QByteArray sent(const SafeCookieJar& jar, const char* url)
@@ -42,102 +24,110 @@ bool set(SafeCookieJar* jar, const QByteArray& header, const char* url)
 
 } // namespace
 
-void tst_SafeCookieJar::controlCharactersAreRefused_data()
+/// Which cookies are kept, and who gets them. What requests carry is in tst_CookiesAndRedirects.
+class tst_SafeCookieJar : public QObject
 {
-    QTest::addColumn<QByteArray>("name");
-    QTest::addColumn<QByteArray>("value");
-    const QList<QByteArray> breaking{"\r", "\n", "\r\n", QByteArray(1, '\0'), "\t", "\x0b", "\x7f"};
-    for (const QByteArray& text : breaking) {
-        const QByteArray hex = text.toHex();
-        QTest::addRow("%s in the value", hex.constData()) << QByteArray("a") << '1' + text + "X: 1";
-        QTest::addRow("%s in the name", hex.constData()) << 'a' + text + 'b' << QByteArray("1");
+    Q_OBJECT
+
+private Q_SLOTS:
+    void controlCharactersAreRefused_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<QByteArray>("value");
+        const QList<QByteArray> breaking{"\r", "\n", "\r\n", QByteArray(1, '\0'), "\t", "\x0b", "\x7f"};
+        for (const QByteArray& text : breaking) {
+            const QByteArray hex = text.toHex();
+            QTest::addRow("%s in the value", hex.constData()) << QByteArray("a") << '1' + text + "X: 1";
+            QTest::addRow("%s in the name", hex.constData()) << 'a' + text + 'b' << QByteArray("1");
+        }
     }
-}
 
-void tst_SafeCookieJar::controlCharactersAreRefused()
-{
-    QFETCH(QByteArray, name);
-    QFETCH(QByteArray, value);
-    SafeCookieJar jar("[Tag]", nullptr);
-    const LogRecorder log;
-    QVERIFY(!jar.setCookiesFromUrl({QNetworkCookie(name, value)}, QUrl("http://127.0.0.1/")));
-    QCOMPARE(sent(jar, "http://127.0.0.1/"), QByteArray());
-    QCOMPARE(log.debug(QStringLiteral("[Tag] Refused a cookie")).size(), 1);
-}
+    void controlCharactersAreRefused()
+    {
+        QFETCH(QByteArray, name);
+        QFETCH(QByteArray, value);
+        SafeCookieJar jar("[Tag]", nullptr);
+        const LogRecorder log;
+        QVERIFY(!jar.setCookiesFromUrl({QNetworkCookie(name, value)}, QUrl("http://127.0.0.1/")));
+        QCOMPARE(sent(jar, "http://127.0.0.1/"), QByteArray());
+        QCOMPARE(log.debug(QStringLiteral("[Tag] Refused a cookie")).size(), 1);
+    }
 
-void tst_SafeCookieJar::harmlessOnesAreKept_data()
-{
-    QTest::addColumn<QByteArray>("header");
-    QTest::addColumn<QByteArray>("expected");
-    QTest::newRow("plain") << QByteArray("a=1") << QByteArray("a=1;");
-    QTest::newRow("a blank") << QByteArray("a=1 2") << QByteArray("a=1 2;");
-    QTest::newRow("beyond ASCII") << QByteArray("a=\xc3\xa4") << QByteArray("a=\xc3\xa4;");
-    QTest::newRow("beside a bad one") << QByteArray("a=1\nb=2\r3\nc=4") << QByteArray("a=1;c=4;");
-    QTest::newRow("its own address as domain") << QByteArray("a=1; Domain=127.0.0.1") << QByteArray("a=1;");
-}
+    void harmlessOnesAreKept_data()
+    {
+        QTest::addColumn<QByteArray>("header");
+        QTest::addColumn<QByteArray>("expected");
+        QTest::newRow("plain") << QByteArray("a=1") << QByteArray("a=1;");
+        QTest::newRow("a blank") << QByteArray("a=1 2") << QByteArray("a=1 2;");
+        QTest::newRow("beyond ASCII") << QByteArray("a=\xc3\xa4") << QByteArray("a=\xc3\xa4;");
+        QTest::newRow("beside a bad one") << QByteArray("a=1\nb=2\r3\nc=4") << QByteArray("a=1;c=4;");
+        QTest::newRow("its own address as domain")
+            << QByteArray("a=1; Domain=127.0.0.1") << QByteArray("a=1;");
+    }
 
-void tst_SafeCookieJar::harmlessOnesAreKept()
-{
-    QFETCH(QByteArray, header);
-    SafeCookieJar jar("[Tag]", nullptr);
-    set(&jar, header, "http://127.0.0.1/");
-    QTEST(sent(jar, "http://127.0.0.1/"), "expected");
-}
+    void harmlessOnesAreKept()
+    {
+        QFETCH(QByteArray, header);
+        SafeCookieJar jar("[Tag]", nullptr);
+        set(&jar, header, "http://127.0.0.1/");
+        QTEST(sent(jar, "http://127.0.0.1/"), "expected");
+    }
 
-void tst_SafeCookieJar::endOfAnAddressIsNoDomain_data()
-{
-    QTest::addColumn<QByteArray>("domain");
-    for (const char* domain : {".0.0.1", "0.0.1", ".1", "1", "127.0.0.2", ".127.0.0.1", "local"})
-        QTest::newRow(domain) << QByteArray(domain);
-}
+    void endOfAnAddressIsNoDomain_data()
+    {
+        QTest::addColumn<QByteArray>("domain");
+        for (const char* domain : {".0.0.1", "0.0.1", ".1", "1", "127.0.0.2", ".127.0.0.1", "local"})
+            QTest::newRow(domain) << QByteArray(domain);
+    }
 
-void tst_SafeCookieJar::endOfAnAddressIsNoDomain()
-{
-    QFETCH(QByteArray, domain);
-    SafeCookieJar jar("[Tag]", nullptr);
-    set(&jar, "a=1; Domain=" + domain, "http://127.0.0.1/");
-    for (const char* other : {"http://10.0.0.1/", "http://127.0.0.2/", "http://x.127.0.0.1/"})
-        QCOMPARE(sent(jar, other), QByteArray());
-}
+    void endOfAnAddressIsNoDomain()
+    {
+        QFETCH(QByteArray, domain);
+        SafeCookieJar jar("[Tag]", nullptr);
+        set(&jar, "a=1; Domain=" + domain, "http://127.0.0.1/");
+        for (const char* other : {"http://10.0.0.1/", "http://127.0.0.2/", "http://x.127.0.0.1/"})
+            QCOMPARE(sent(jar, other), QByteArray());
+    }
 
-void tst_SafeCookieJar::hostOfOneNameKeepsItsOwn_data()
-{
-    QTest::addColumn<QByteArray>("domain");
-    for (const char* domain : {"localhost", ".localhost", "LOCALHOST"})
-        QTest::newRow(domain) << QByteArray(domain);
-}
+    void hostOfOneNameKeepsItsOwn_data()
+    {
+        QTest::addColumn<QByteArray>("domain");
+        for (const char* domain : {"localhost", ".localhost", "LOCALHOST"})
+            QTest::newRow(domain) << QByteArray(domain);
+    }
 
-void tst_SafeCookieJar::hostOfOneNameKeepsItsOwn()
-{
-    QFETCH(QByteArray, domain);
-    SafeCookieJar jar("[Tag]", nullptr);
-    set(&jar, "a=1; Domain=" + domain, "http://localhost/");
-    QCOMPARE(sent(jar, "http://localhost/"), QByteArray("a=1;"));
-    for (const char* other : {"http://host/", "http://otherlocalhost/"})
-        QCOMPARE(sent(jar, other), QByteArray());
-}
+    void hostOfOneNameKeepsItsOwn()
+    {
+        QFETCH(QByteArray, domain);
+        SafeCookieJar jar("[Tag]", nullptr);
+        set(&jar, "a=1; Domain=" + domain, "http://localhost/");
+        QCOMPARE(sent(jar, "http://localhost/"), QByteArray("a=1;"));
+        for (const char* other : {"http://host/", "http://otherlocalhost/"})
+            QCOMPARE(sent(jar, other), QByteArray());
+    }
 
-void tst_SafeCookieJar::anotherHostGetsNone_data()
-{
-    QTest::addColumn<QByteArray>("header");
-    QTest::newRow("no domain") << QByteArray("a=1");
-    QTest::newRow("its own") << QByteArray("a=1; Domain=school.example");
-    QTest::newRow("another's") << QByteArray("a=1; Domain=other.example");
-    QTest::newRow("everybody's") << QByteArray("a=1; Domain=example");
-    QTest::newRow("everybody's, with a point") << QByteArray("a=1; Domain=.example");
-    QTest::newRow("a point alone") << QByteArray("a=1; Domain=.");
-    QTest::newRow("empty") << QByteArray("a=1; Domain=");
-}
+    void anotherHostGetsNone_data()
+    {
+        QTest::addColumn<QByteArray>("header");
+        QTest::newRow("no domain") << QByteArray("a=1");
+        QTest::newRow("its own") << QByteArray("a=1; Domain=school.example");
+        QTest::newRow("another's") << QByteArray("a=1; Domain=other.example");
+        QTest::newRow("everybody's") << QByteArray("a=1; Domain=example");
+        QTest::newRow("everybody's, with a point") << QByteArray("a=1; Domain=.example");
+        QTest::newRow("a point alone") << QByteArray("a=1; Domain=.");
+        QTest::newRow("empty") << QByteArray("a=1; Domain=");
+    }
 
-void tst_SafeCookieJar::anotherHostGetsNone()
-{
-    QFETCH(QByteArray, header);
-    SafeCookieJar jar("[Tag]", nullptr);
-    set(&jar, header, "http://school.example/");
-    for (const char* other : {"http://other.example/", "http://example/", "http://notschool.example/",
-                              "http://school.example.org/"})
-        QCOMPARE(sent(jar, other), QByteArray());
-}
+    void anotherHostGetsNone()
+    {
+        QFETCH(QByteArray, header);
+        SafeCookieJar jar("[Tag]", nullptr);
+        set(&jar, header, "http://school.example/");
+        for (const char* other : {"http://other.example/", "http://example/", "http://notschool.example/",
+                                  "http://school.example.org/"})
+            QCOMPARE(sent(jar, other), QByteArray());
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_SafeCookieJar)
 #include "tst_SafeCookieJar.moc"

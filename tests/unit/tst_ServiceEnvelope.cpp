@@ -8,73 +8,74 @@ class tst_ServiceEnvelope : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void bodyIsReadAsAMap_data();
-    void bodyIsReadAsAMap();
-    void bodyThatIsNoObjectIsEmpty_data();
-    void bodyThatIsNoObjectIsEmpty();
+    void bodyIsReadAsAMap_data()
+    {
+        QTest::addColumn<QString>("body");
+        QTest::addColumn<QVariantMap>("expected");
+        const QVariantMap data{{QStringLiteral("userLoginId"), QStringLiteral("teacher")}};
+        QTest::newRow("data") << QStringLiteral(R"({"data":{"userLoginId":"teacher"}})")
+                              << QVariantMap{{QStringLiteral("data"), data}};
+        QTest::newRow("numbers and null") << QStringLiteral(R"({"n":1.5,"b":true,"z":null})")
+                                          << QVariantMap{{QStringLiteral("n"), 1.5},
+                                                         {QStringLiteral("b"), true},
+                                                         {QStringLiteral("z"), QVariant::fromValue(nullptr)}};
+        QTest::newRow("beyond ASCII") << QString::fromUtf8(u8R"({"ä":"😀"})")
+                                      << QVariantMap{{QString::fromUtf8(u8"ä"), QString::fromUtf8(u8"😀")}};
+        QTest::newRow("the last of several")
+            << QStringLiteral(R"({"data":{"a":1},"data":{"b":2}})")
+            << QVariantMap{{QStringLiteral("data"), QVariantMap{{QStringLiteral("b"), 2.0}}}};
+        QTest::newRow("blanks") << QStringLiteral(" \r\n{ \"a\" : 1 }\n")
+                                << QVariantMap{{QStringLiteral("a"), 1.0}};
+        QTest::newRow("nothing inside") << QStringLiteral("{}") << QVariantMap();
+    }
+
+    void bodyIsReadAsAMap()
+    {
+        QFETCH(QString, body);
+        QFETCH(QVariantMap, expected);
+        bool ok = false;
+        QCOMPARE(ServiceEnvelope::parse(body, &ok), expected);
+        QVERIFY(ok);
+        QCOMPARE(ServiceEnvelope::parse(body), expected);
+        QCOMPARE(ServiceEnvelope::object(body).toVariantMap(), expected);
+    }
+
+    void bodyThatIsNoObjectIsEmpty_data()
+    {
+        QTest::addColumn<QString>("body");
+        QTest::addColumn<bool>("isJson");
+        QTest::newRow("list") << QStringLiteral(R"([{"data":{}}])") << true;
+        QTest::newRow("empty list") << QStringLiteral("[]") << true;
+        QTest::newRow("null text") << QString() << false;
+        QTest::newRow("empty text") << QStringLiteral("") << false;
+        QTest::newRow("a page") << QStringLiteral("<html><body>502</body></html>") << false;
+        QTest::newRow("cut") << QStringLiteral(R"({"data":{"a":1})") << false;
+        QTest::newRow("text behind it") << QStringLiteral(R"({"data":{"a":1}} )"
+                                                          "x")
+                                        << false;
+        QTest::newRow("bare text") << QStringLiteral(R"("ok")") << false;
+        QTest::newRow("bare number") << QStringLiteral("7") << false;
+    }
+
+    void bodyThatIsNoObjectIsEmpty()
+    {
+        QFETCH(QString, body);
+        QFETCH(bool, isJson);
+        bool ok = !isJson;
+        QCOMPARE(ServiceEnvelope::parse(body, &ok), QVariantMap());
+        QCOMPARE(ok, isJson);
+        QCOMPARE(ServiceEnvelope::parse(body), QVariantMap());
+        QCOMPARE(ServiceEnvelope::object(body), QJsonObject());
+    }
+
     void dataIsTheMapUnderData_data();
-    void dataIsTheMapUnderData();
+
+    void dataIsTheMapUnderData()
+    {
+        QFETCH(QString, body);
+        QTEST(ServiceEnvelope::data(ServiceEnvelope::parse(body)), "expected");
+    }
 };
-
-void tst_ServiceEnvelope::bodyIsReadAsAMap_data()
-{
-    QTest::addColumn<QString>("body");
-    QTest::addColumn<QVariantMap>("expected");
-    const QVariantMap data{{QStringLiteral("userLoginId"), QStringLiteral("teacher")}};
-    QTest::newRow("data") << QStringLiteral(R"({"data":{"userLoginId":"teacher"}})")
-                          << QVariantMap{{QStringLiteral("data"), data}};
-    QTest::newRow("numbers and null") << QStringLiteral(R"({"n":1.5,"b":true,"z":null})")
-                                      << QVariantMap{{QStringLiteral("n"), 1.5},
-                                                     {QStringLiteral("b"), true},
-                                                     {QStringLiteral("z"), QVariant::fromValue(nullptr)}};
-    QTest::newRow("beyond ASCII") << QString::fromUtf8(u8R"({"ä":"😀"})")
-                                  << QVariantMap{{QString::fromUtf8(u8"ä"), QString::fromUtf8(u8"😀")}};
-    QTest::newRow("the last of several")
-        << QStringLiteral(R"({"data":{"a":1},"data":{"b":2}})")
-        << QVariantMap{{QStringLiteral("data"), QVariantMap{{QStringLiteral("b"), 2.0}}}};
-    QTest::newRow("blanks") << QStringLiteral(" \r\n{ \"a\" : 1 }\n")
-                            << QVariantMap{{QStringLiteral("a"), 1.0}};
-    QTest::newRow("nothing inside") << QStringLiteral("{}") << QVariantMap();
-}
-
-void tst_ServiceEnvelope::bodyIsReadAsAMap()
-{
-    QFETCH(QString, body);
-    QFETCH(QVariantMap, expected);
-    bool ok = false;
-    QCOMPARE(ServiceEnvelope::parse(body, &ok), expected);
-    QVERIFY(ok);
-    QCOMPARE(ServiceEnvelope::parse(body), expected);
-    QCOMPARE(ServiceEnvelope::object(body).toVariantMap(), expected);
-}
-
-void tst_ServiceEnvelope::bodyThatIsNoObjectIsEmpty_data()
-{
-    QTest::addColumn<QString>("body");
-    QTest::addColumn<bool>("isJson");
-    QTest::newRow("list") << QStringLiteral(R"([{"data":{}}])") << true;
-    QTest::newRow("empty list") << QStringLiteral("[]") << true;
-    QTest::newRow("null text") << QString() << false;
-    QTest::newRow("empty text") << QStringLiteral("") << false;
-    QTest::newRow("a page") << QStringLiteral("<html><body>502</body></html>") << false;
-    QTest::newRow("cut") << QStringLiteral(R"({"data":{"a":1})") << false;
-    QTest::newRow("text behind it") << QStringLiteral(R"({"data":{"a":1}} )"
-                                                      "x")
-                                    << false;
-    QTest::newRow("bare text") << QStringLiteral(R"("ok")") << false;
-    QTest::newRow("bare number") << QStringLiteral("7") << false;
-}
-
-void tst_ServiceEnvelope::bodyThatIsNoObjectIsEmpty()
-{
-    QFETCH(QString, body);
-    QFETCH(bool, isJson);
-    bool ok = !isJson;
-    QCOMPARE(ServiceEnvelope::parse(body, &ok), QVariantMap());
-    QCOMPARE(ok, isJson);
-    QCOMPARE(ServiceEnvelope::parse(body), QVariantMap());
-    QCOMPARE(ServiceEnvelope::object(body), QJsonObject());
-}
 
 void tst_ServiceEnvelope::dataIsTheMapUnderData_data()
 {
@@ -90,12 +91,6 @@ void tst_ServiceEnvelope::dataIsTheMapUnderData_data()
     QTest::newRow("in another spelling") << QStringLiteral(R"({"Data":{"url":"u"}})") << nothing;
     QTest::newRow("one level down") << QStringLiteral(R"({"body":{"data":{"url":"u"}}})") << nothing;
     QTest::newRow("no envelope") << QString() << nothing;
-}
-
-void tst_ServiceEnvelope::dataIsTheMapUnderData()
-{
-    QFETCH(QString, body);
-    QTEST(ServiceEnvelope::data(ServiceEnvelope::parse(body)), "expected");
 }
 
 QTEST_APPLESS_MAIN(tst_ServiceEnvelope)

@@ -25,146 +25,252 @@ class TestSockJSConnector : public ConnectorTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void protocolTableNamesTheThreeTransports();
-    void defaultProtocolsAreInTheOrderOfTheTable();
-    void protocolsAreFoundByTheirNames_data();
-    void protocolsAreFoundByTheirNames();
-    void signalsAndSlotsAreDeclaredInOrder();
-    void aNewConnectorIsIdle();
-    void sendingWrapsTheMessageInAnIndentedArray_data();
-    void sendingWrapsTheMessageInAnIndentedArray();
-    void sendingAMapSendsItsIndentedJson_data();
-    void sendingAMapSendsItsIndentedJson();
-    void sendingWithoutATransportIsDropped();
-    void sendingBeforeTheOpenFrameReachesTheServer();
-    void inboundFrames_data();
-    void inboundFrames();
-    void binaryMessagesAreNotFrames();
-    void framesBeforeTheOpenFrameAreHandledAlike();
-    void onlyAnExactOOpensTheSession();
-    void connectedIsEmittedOnceForSeveralOpenFrames();
-    void onConnectedOpensTheSessionByItself();
-    void manyMessagesKeepTheirOrder();
-};
+    void protocolTableNamesTheThreeTransports()
+    {
+        const auto table = SockJSConnector::PROTOCOL_TYPE_STR();
 
-void TestSockJSConnector::protocolTableNamesTheThreeTransports()
-{
-    const auto table = SockJSConnector::PROTOCOL_TYPE_STR();
-
-    QCOMPARE(table.size(), 3);
-    QCOMPARE(table.value(Protocol(1)), QStringLiteral("websocket"));
-    QCOMPARE(table.value(Protocol(2)), QStringLiteral("xhr-streaming"));
-    QCOMPARE(table.value(Protocol(4)), QStringLiteral("xhr-polling"));
-    QCOMPARE(int(SockJSConnector::WEBSOCKET), 1);
-    QCOMPARE(int(SockJSConnector::XHR_STREAMING), 2);
-    QCOMPARE(int(SockJSConnector::XHR_POLLING), 4);
-}
-
-void TestSockJSConnector::defaultProtocolsAreInTheOrderOfTheTable()
-{
-    const Protocols expected{Protocol(1), Protocol(2), Protocol(4)};
-    QCOMPARE(SockJSConnector::GetDefaultProtocols(), expected);
-    QCOMPARE(SockJSConnector::PROTOCOL_TYPE_STR().keys(), expected);
-}
-
-void TestSockJSConnector::protocolsAreFoundByTheirNames_data()
-{
-    QTest::addColumn<QStringList>("names");
-    QTest::addColumn<Protocols>("expected");
-    QTest::addColumn<bool>("defaults");
-
-    const Protocols all{Protocol(1), Protocol(2), Protocol(4)};
-    QTest::newRow("an unknown one between two") << QStringList{"xhr-polling", "carrier-pigeon", "websocket"}
-                                                << Protocols{Protocol(4), Protocol(1)} << false;
-    QTest::newRow("all, backwards") << QStringList{"xhr-polling", "xhr-streaming", "websocket"}
-                                    << Protocols{Protocol(4), Protocol(2), Protocol(1)} << false;
-    QTest::newRow("duplicates") << QStringList{"websocket", "xhr-streaming", "websocket"}
-                                << Protocols{Protocol(1), Protocol(2), Protocol(1)} << false;
-    QTest::newRow("empty list") << QStringList{} << all << true;
-    QTest::newRow("wrong case") << QStringList{"WebSocket"} << all << true;
-    QTest::newRow("blanks around") << QStringList{" websocket", "xhr-polling "} << all << true;
-    QTest::newRow("empty name") << QStringList{""} << all << true;
-    QTest::newRow("part of a name") << QStringList{"xhr", "socket"} << all << true;
-}
-
-void TestSockJSConnector::protocolsAreFoundByTheirNames()
-{
-    QFETCH(QStringList, names);
-    QFETCH(Protocols, expected);
-    QFETCH(bool, defaults);
-
-    QCOMPARE(SockJSConnector::GetProtocolsFromStrings(names), expected);
-    QCOMPARE(m_log->debug(noProtocols).size(), defaults ? 1 : 0);
-}
-
-void TestSockJSConnector::signalsAndSlotsAreDeclaredInOrder()
-{
-    const auto& meta = SockJSConnector::staticMetaObject;
-    QStringList signatures;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
-        const auto method = meta.method(i);
-        const auto access = method.access() == QMetaMethod::Protected ? "protected " : "public ";
-        signatures.append(QLatin1String(access) + QLatin1String(method.methodSignature()));
+        QCOMPARE(table.size(), 3);
+        QCOMPARE(table.value(Protocol(1)), QStringLiteral("websocket"));
+        QCOMPARE(table.value(Protocol(2)), QStringLiteral("xhr-streaming"));
+        QCOMPARE(table.value(Protocol(4)), QStringLiteral("xhr-polling"));
+        QCOMPARE(int(SockJSConnector::WEBSOCKET), 1);
+        QCOMPARE(int(SockJSConnector::XHR_STREAMING), 2);
+        QCOMPARE(int(SockJSConnector::XHR_POLLING), 4);
     }
-    QCOMPARE(signatures,
-             QStringList({"public connected()", "public sockJSMessage(QString)", "public error(int)",
-                          "public closed(bool)", "protected onConnected()", "protected onClosed()",
-                          "protected onTextMessageReceived(QString)", "protected onTimeout()",
-                          "protected openstate1()", "protected openstate2()"}));
-}
 
-void TestSockJSConnector::aNewConnectorIsIdle()
-{
-    QVERIFY(!m_connector->isConnected());
-    QVERIFY(m_connector->sessionId().isEmpty());
-    QCOMPARE(m_connector->openLimit(), 0);
-}
+    void defaultProtocolsAreInTheOrderOfTheTable()
+    {
+        const Protocols expected{Protocol(1), Protocol(2), Protocol(4)};
+        QCOMPARE(SockJSConnector::GetDefaultProtocols(), expected);
+        QCOMPARE(SockJSConnector::PROTOCOL_TYPE_STR().keys(), expected);
+    }
 
-void TestSockJSConnector::sendingWrapsTheMessageInAnIndentedArray_data()
-{
-    QTest::addColumn<QString>("message");
-    QTest::addColumn<QString>("frame");
+    void protocolsAreFoundByTheirNames_data()
+    {
+        QTest::addColumn<QStringList>("names");
+        QTest::addColumn<Protocols>("expected");
+        QTest::addColumn<bool>("defaults");
 
-    QTest::newRow("plain") << "hello"
-                           << "[\n    \"hello\"\n]\n";
-    QTest::newRow("empty") << ""
-                           << "[\n    \"\"\n]\n";
-    QTest::newRow("double quote") << "say \"hi\""
-                                  << "[\n    \"say \\\"hi\\\"\"\n]\n";
-    QTest::newRow("backslash") << "a\\b"
-                               << "[\n    \"a\\\\b\"\n]\n";
-    QTest::newRow("slash") << "a/b"
-                           << "[\n    \"a/b\"\n]\n";
-    QTest::newRow("control characters") << "a\nb\tc\rd\be\ff\x01g"
-                                        << "[\n    \"a\\nb\\tc\\rd\\be\\ff\\u0001g\"\n]\n";
-    QTest::newRow("outside ASCII") << utf8("h\xc3\xa9 \xe4\xb8\xad \xf0\x9f\x98\x80")
-                                   << utf8("[\n    \"h\xc3\xa9 \xe4\xb8\xad \xf0\x9f\x98\x80\"\n]\n");
-    QTest::newRow("NUL is escaped, not the end")
-        << QString(QStringLiteral("a") + QChar(0) + QStringLiteral("b")) << "[\n    \"a\\u0000b\"\n]\n";
-    QTest::newRow("a blank inside brackets goes") << "x [ y ] z"
-                                                  << "[\n    \"x [y] z\"\n]\n";
-    QTest::newRow("one of two blanks goes") << "[  x  ]"
-                                            << "[\n    \"[ x ]\"\n]\n";
-    QTest::newRow("brackets side by side") << "[ [ ] ]"
-                                           << "[\n    \"[[]]\"\n]\n";
-    QTest::newRow("braces keep theirs") << "{ \"a\": 1 }"
-                                        << "[\n    \"{ \\\"a\\\": 1 }\"\n]\n";
-    QTest::newRow("placeholders") << "%0 %1"
-                                  << "[\n    \"%0 %1\"\n]\n";
-}
+        const Protocols all{Protocol(1), Protocol(2), Protocol(4)};
+        QTest::newRow("an unknown one between two")
+            << QStringList{"xhr-polling", "carrier-pigeon", "websocket"}
+            << Protocols{Protocol(4), Protocol(1)} << false;
+        QTest::newRow("all, backwards") << QStringList{"xhr-polling", "xhr-streaming", "websocket"}
+                                        << Protocols{Protocol(4), Protocol(2), Protocol(1)} << false;
+        QTest::newRow("duplicates") << QStringList{"websocket", "xhr-streaming", "websocket"}
+                                    << Protocols{Protocol(1), Protocol(2), Protocol(1)} << false;
+        QTest::newRow("empty list") << QStringList{} << all << true;
+        QTest::newRow("wrong case") << QStringList{"WebSocket"} << all << true;
+        QTest::newRow("blanks around") << QStringList{" websocket", "xhr-polling "} << all << true;
+        QTest::newRow("empty name") << QStringList{""} << all << true;
+        QTest::newRow("part of a name") << QStringList{"xhr", "socket"} << all << true;
+    }
 
-void TestSockJSConnector::sendingWrapsTheMessageInAnIndentedArray()
-{
-    QFETCH(QString, message);
-    QFETCH(QString, frame);
-    QVERIFY(openSession());
+    void protocolsAreFoundByTheirNames()
+    {
+        QFETCH(QStringList, names);
+        QFETCH(Protocols, expected);
+        QFETCH(bool, defaults);
 
-    m_connector->sendMessage(message, false);
-    m_connector->sendMessage(message, true);
+        QCOMPARE(SockJSConnector::GetProtocolsFromStrings(names), expected);
+        QCOMPARE(m_log->debug(noProtocols).size(), defaults ? 1 : 0);
+    }
 
-    QCOMPARE(m_server->nextFrame(), frame);
-    QCOMPARE(m_server->nextFrame(), frame);
-}
+    void signalsAndSlotsAreDeclaredInOrder()
+    {
+        const auto& meta = SockJSConnector::staticMetaObject;
+        QStringList signatures;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+            const auto method = meta.method(i);
+            const auto access = method.access() == QMetaMethod::Protected ? "protected " : "public ";
+            signatures.append(QLatin1String(access) + QLatin1String(method.methodSignature()));
+        }
+        QCOMPARE(signatures,
+                 QStringList({"public connected()", "public sockJSMessage(QString)", "public error(int)",
+                              "public closed(bool)", "protected onConnected()", "protected onClosed()",
+                              "protected onTextMessageReceived(QString)", "protected onTimeout()",
+                              "protected openstate1()", "protected openstate2()"}));
+    }
+
+    void aNewConnectorIsIdle()
+    {
+        QVERIFY(!m_connector->isConnected());
+        QVERIFY(m_connector->sessionId().isEmpty());
+        QCOMPARE(m_connector->openLimit(), 0);
+    }
+
+    void sendingWrapsTheMessageInAnIndentedArray_data()
+    {
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<QString>("frame");
+
+        QTest::newRow("plain") << "hello"
+                               << "[\n    \"hello\"\n]\n";
+        QTest::newRow("empty") << ""
+                               << "[\n    \"\"\n]\n";
+        QTest::newRow("double quote") << "say \"hi\""
+                                      << "[\n    \"say \\\"hi\\\"\"\n]\n";
+        QTest::newRow("backslash") << "a\\b"
+                                   << "[\n    \"a\\\\b\"\n]\n";
+        QTest::newRow("slash") << "a/b"
+                               << "[\n    \"a/b\"\n]\n";
+        QTest::newRow("control characters") << "a\nb\tc\rd\be\ff\x01g"
+                                            << "[\n    \"a\\nb\\tc\\rd\\be\\ff\\u0001g\"\n]\n";
+        QTest::newRow("outside ASCII") << utf8("h\xc3\xa9 \xe4\xb8\xad \xf0\x9f\x98\x80")
+                                       << utf8("[\n    \"h\xc3\xa9 \xe4\xb8\xad \xf0\x9f\x98\x80\"\n]\n");
+        QTest::newRow("NUL is escaped, not the end")
+            << QString(QStringLiteral("a") + QChar(0) + QStringLiteral("b")) << "[\n    \"a\\u0000b\"\n]\n";
+        QTest::newRow("a blank inside brackets goes") << "x [ y ] z"
+                                                      << "[\n    \"x [y] z\"\n]\n";
+        QTest::newRow("one of two blanks goes") << "[  x  ]"
+                                                << "[\n    \"[ x ]\"\n]\n";
+        QTest::newRow("brackets side by side") << "[ [ ] ]"
+                                               << "[\n    \"[[]]\"\n]\n";
+        QTest::newRow("braces keep theirs") << "{ \"a\": 1 }"
+                                            << "[\n    \"{ \\\"a\\\": 1 }\"\n]\n";
+        QTest::newRow("placeholders") << "%0 %1"
+                                      << "[\n    \"%0 %1\"\n]\n";
+    }
+
+    void sendingWrapsTheMessageInAnIndentedArray()
+    {
+        QFETCH(QString, message);
+        QFETCH(QString, frame);
+        QVERIFY(openSession());
+
+        m_connector->sendMessage(message, false);
+        m_connector->sendMessage(message, true);
+
+        QCOMPARE(m_server->nextFrame(), frame);
+        QCOMPARE(m_server->nextFrame(), frame);
+    }
+
+    void sendingAMapSendsItsIndentedJson_data();
+
+    void sendingAMapSendsItsIndentedJson()
+    {
+        QFETCH(QVariantMap, map);
+        QFETCH(QString, frame);
+        QVERIFY(openSession());
+
+        m_connector->sendMessage(map);
+
+        QCOMPARE(m_server->nextFrame(), frame);
+    }
+
+    void sendingWithoutATransportIsDropped()
+    {
+        m_connector->sendMessage(QStringLiteral("before"), false);
+        m_connector->sendMessage(QVariantMap{{"before", 1}});
+        QVERIFY(m_log->messages().isEmpty());
+        QVERIFY(openSession());
+        m_connector->close();
+        forgetLog();
+        m_connector->sendMessage(QStringLiteral("between"), false);
+        QVERIFY(m_log->messages().isEmpty());
+        QVERIFY(openSession());
+
+        m_connector->sendMessage(QStringLiteral("after"), false);
+        QCOMPARE(m_server->nextMessage(), QStringLiteral("after"));
+        QVERIFY(m_server->unreadFrames().isEmpty());
+    }
+
+    void sendingBeforeTheOpenFrameReachesTheServer()
+    {
+        m_server->setUpgrade(Server::Mute);
+        QVERIFY(m_probe->open(m_server->url(), webSocket));
+        QVERIFY(!m_connector->isConnected());
+
+        m_connector->sendMessage(QStringLiteral("early"), false);
+
+        QCOMPARE(m_server->nextMessage(), QStringLiteral("early"));
+    }
+
+    void inboundFrames_data();
+
+    void inboundFrames()
+    {
+        QFETCH(QString, frame);
+        QFETCH(QStringList, messages);
+        QVERIFY(openSession());
+        forgetLog();
+
+        m_server->inject(frame);
+        QVERIFY(syncInbound());
+
+        QCOMPARE(m_probe->messages().mid(0, m_probe->messages().size() - 1), messages);
+        QCOMPARE(m_probe->events().size(), messages.size() + 2); // "connected" and the synchronizing one
+        QVERIFY(m_connector->isConnected());
+        QVERIFY2(m_log->debug(QStringLiteral("[SockJSConnector]")).isEmpty(), "something was logged");
+    }
+
+    void binaryMessagesAreNotFrames()
+    {
+        QVERIFY(openSession());
+
+        m_server->injectBinary("a[\"x\"]");
+        QVERIFY(syncInbound());
+
+        QCOMPARE(m_probe->messages().size(), 1);
+    }
+
+    void framesBeforeTheOpenFrameAreHandledAlike()
+    {
+        m_server->setFirstFrames({"h", "a[\"early\"]", "o", "a[\"late\"]"});
+        QVERIFY(openSession());
+
+        QTRY_COMPARE(m_probe->events(), QStringList({"message early", "connected", "message late"}));
+    }
+
+    void onlyAnExactOOpensTheSession()
+    {
+        m_server->setFirstFrames({"O", "o ", "oo", " o", "open", "o\n", "", "a[\"still closed\"]"});
+        QVERIFY(m_probe->open(m_server->url(), webSocket));
+        QTRY_COMPARE(m_probe->events(), QStringList({"message still closed"}));
+        QVERIFY(!m_connector->isConnected());
+
+        m_server->inject(QStringLiteral("o"));
+        QTRY_VERIFY(m_connector->isConnected());
+        QCOMPARE(m_probe->events(), QStringList({"message still closed", "connected"}));
+    }
+
+    void connectedIsEmittedOnceForSeveralOpenFrames()
+    {
+        m_server->setFirstFrames({"o", "o", "o"});
+        QVERIFY(openSession());
+        QVERIFY(syncInbound());
+
+        QCOMPARE(m_probe->count(QStringLiteral("connected")), 1);
+        QVERIFY(!m_probe->hasClosed());
+    }
+
+    void onConnectedOpensTheSessionByItself()
+    {
+        QVERIFY(QMetaObject::invokeMethod(m_connector, "onConnected"));
+
+        QCOMPARE(m_probe->events(), QStringList({"connected"}));
+        QVERIFY(m_connector->isConnected());
+        QCOMPARE(m_log->debug(QStringLiteral("[SockJSConnector] Websocket connected")).size(), 1);
+    }
+
+    void manyMessagesKeepTheirOrder()
+    {
+        QVERIFY(openSession());
+        QStringList sent;
+        for (int i = 0; i < 2000; ++i)
+            sent.append(QString::number(i) + QString(i % 700, QChar(0xe9)));
+
+        for (int i = 0; i < sent.size(); i += 4)
+            m_server->injectMessages(sent.mid(i, 4));
+        for (const auto& message : qAsConst(sent))
+            m_connector->sendMessage(message, false);
+
+        for (const auto& message : qAsConst(sent))
+            QCOMPARE(m_server->nextMessage(), message);
+        QVERIFY(syncInbound());
+        QCOMPARE(m_probe->messages().mid(0, sent.size()), sent);
+    }
+};
 
 void TestSockJSConnector::sendingAMapSendsItsIndentedJson_data()
 {
@@ -180,45 +286,6 @@ void TestSockJSConnector::sendingAMapSendsItsIndentedJson_data()
     "{\n    \"list\": [\n        1\n   ]\n}\n"
 ]
 )";
-}
-
-void TestSockJSConnector::sendingAMapSendsItsIndentedJson()
-{
-    QFETCH(QVariantMap, map);
-    QFETCH(QString, frame);
-    QVERIFY(openSession());
-
-    m_connector->sendMessage(map);
-
-    QCOMPARE(m_server->nextFrame(), frame);
-}
-
-void TestSockJSConnector::sendingWithoutATransportIsDropped()
-{
-    m_connector->sendMessage(QStringLiteral("before"), false);
-    m_connector->sendMessage(QVariantMap{{"before", 1}});
-    QVERIFY(m_log->messages().isEmpty());
-    QVERIFY(openSession());
-    m_connector->close();
-    forgetLog();
-    m_connector->sendMessage(QStringLiteral("between"), false);
-    QVERIFY(m_log->messages().isEmpty());
-    QVERIFY(openSession());
-
-    m_connector->sendMessage(QStringLiteral("after"), false);
-    QCOMPARE(m_server->nextMessage(), QStringLiteral("after"));
-    QVERIFY(m_server->unreadFrames().isEmpty());
-}
-
-void TestSockJSConnector::sendingBeforeTheOpenFrameReachesTheServer()
-{
-    m_server->setUpgrade(Server::Mute);
-    QVERIFY(m_probe->open(m_server->url(), webSocket));
-    QVERIFY(!m_connector->isConnected());
-
-    m_connector->sendMessage(QStringLiteral("early"), false);
-
-    QCOMPARE(m_server->nextMessage(), QStringLiteral("early"));
 }
 
 void TestSockJSConnector::inboundFrames_data()
@@ -264,89 +331,6 @@ void TestSockJSConnector::inboundFrames_data()
     QTest::newRow("single message frame") << R"(m"x")" << QStringList{};
     QTest::newRow("bare array") << R"(["x"])" << QStringList{};
     QTest::newRow("empty frame") << "" << QStringList{};
-}
-
-void TestSockJSConnector::inboundFrames()
-{
-    QFETCH(QString, frame);
-    QFETCH(QStringList, messages);
-    QVERIFY(openSession());
-    forgetLog();
-
-    m_server->inject(frame);
-    QVERIFY(syncInbound());
-
-    QCOMPARE(m_probe->messages().mid(0, m_probe->messages().size() - 1), messages);
-    QCOMPARE(m_probe->events().size(), messages.size() + 2); // "connected" and the synchronizing one
-    QVERIFY(m_connector->isConnected());
-    QVERIFY2(m_log->debug(QStringLiteral("[SockJSConnector]")).isEmpty(), "something was logged");
-}
-
-void TestSockJSConnector::binaryMessagesAreNotFrames()
-{
-    QVERIFY(openSession());
-
-    m_server->injectBinary("a[\"x\"]");
-    QVERIFY(syncInbound());
-
-    QCOMPARE(m_probe->messages().size(), 1);
-}
-
-void TestSockJSConnector::framesBeforeTheOpenFrameAreHandledAlike()
-{
-    m_server->setFirstFrames({"h", "a[\"early\"]", "o", "a[\"late\"]"});
-    QVERIFY(openSession());
-
-    QTRY_COMPARE(m_probe->events(), QStringList({"message early", "connected", "message late"}));
-}
-
-void TestSockJSConnector::onlyAnExactOOpensTheSession()
-{
-    m_server->setFirstFrames({"O", "o ", "oo", " o", "open", "o\n", "", "a[\"still closed\"]"});
-    QVERIFY(m_probe->open(m_server->url(), webSocket));
-    QTRY_COMPARE(m_probe->events(), QStringList({"message still closed"}));
-    QVERIFY(!m_connector->isConnected());
-
-    m_server->inject(QStringLiteral("o"));
-    QTRY_VERIFY(m_connector->isConnected());
-    QCOMPARE(m_probe->events(), QStringList({"message still closed", "connected"}));
-}
-
-void TestSockJSConnector::connectedIsEmittedOnceForSeveralOpenFrames()
-{
-    m_server->setFirstFrames({"o", "o", "o"});
-    QVERIFY(openSession());
-    QVERIFY(syncInbound());
-
-    QCOMPARE(m_probe->count(QStringLiteral("connected")), 1);
-    QVERIFY(!m_probe->hasClosed());
-}
-
-void TestSockJSConnector::onConnectedOpensTheSessionByItself()
-{
-    QVERIFY(QMetaObject::invokeMethod(m_connector, "onConnected"));
-
-    QCOMPARE(m_probe->events(), QStringList({"connected"}));
-    QVERIFY(m_connector->isConnected());
-    QCOMPARE(m_log->debug(QStringLiteral("[SockJSConnector] Websocket connected")).size(), 1);
-}
-
-void TestSockJSConnector::manyMessagesKeepTheirOrder()
-{
-    QVERIFY(openSession());
-    QStringList sent;
-    for (int i = 0; i < 2000; ++i)
-        sent.append(QString::number(i) + QString(i % 700, QChar(0xe9)));
-
-    for (int i = 0; i < sent.size(); i += 4)
-        m_server->injectMessages(sent.mid(i, 4));
-    for (const auto& message : qAsConst(sent))
-        m_connector->sendMessage(message, false);
-
-    for (const auto& message : qAsConst(sent))
-        QCOMPARE(m_server->nextMessage(), message);
-    QVERIFY(syncInbound());
-    QCOMPARE(m_probe->messages().mid(0, sent.size()), sent);
 }
 
 QTEST_GUILESS_MAIN(TestSockJSConnector)

@@ -43,379 +43,356 @@ class TestSockJSConnectorFallback : public ConnectorTest
 private Q_SLOTS:
     void initTestCase() { m_threads = ProcessResources::threads(); }
 
-    void aRefusedUpgradeGoesToTheNextTransport_data();
-    void aRefusedUpgradeGoesToTheNextTransport();
-    void nobodyListeningGoesToTheNextEntry();
-    void allTransportsFailingIsSilent_data();
-    void allTransportsFailingIsSilent();
-    void noTransportsIsSilent();
-    void entriesAreTriedInOrder();
-    void unknownEntriesAreLoggedAndSkipped_data();
-    void unknownEntriesAreLoggedAndSkipped();
-    void xhrEntriesAskForTheirPath_data();
-    void xhrEntriesAskForTheirPath();
-    void aDropBeforeTheOpenFrameFallsBackToPolling_data();
-    void aDropBeforeTheOpenFrameFallsBackToPolling();
-    void theFallbackIgnoresTheList();
-    void aSessionComesUpOverTheFallback();
-    void hostActsWhenTheFallbackIsUp_data();
-    void hostActsWhenTheFallbackIsUp();
-    void aFailedFallbackIsReportedAsClosed();
-    void aDropAfterTheOpenFrameDoesNotFallBack();
-    void closeBeforeTheOpenFrameIsFollowedByClosedFalse();
-    void closeBeforeTheOpenFrameSilencesIt();
-    void nothingIsLeftBehind();
-    void pollingLeavesNothingBehind();
+    void aRefusedUpgradeGoesToTheNextTransport_data()
+    {
+        QTest::addColumn<Server::Upgrade>("refusal");
+        addEveryRefusal();
+    }
+
+    void aRefusedUpgradeGoesToTheNextTransport()
+    {
+        QFETCH(Server::Upgrade, refusal);
+        m_server->setFirstFrames({}); // the poll stays without an answer
+        m_server->setUpgrade(refusal);
+
+        QVERIFY(m_probe->open(m_server->url(QStringLiteral("/base")), webSocketThenPolling));
+
+        QTRY_COMPARE(m_server->count(QStringLiteral("/xhr")), 1);
+        const QString session = QStringLiteral("/base/eventbus/119/") + m_connector->sessionId();
+        QCOMPARE(m_server->paths(), QStringList({session + "/websocket", session + "/xhr"}));
+        QVERIFY(!m_probe->hasClosed());
+        QVERIFY(m_log->debug(upSocket).isEmpty());
+        QVERIFY(m_log->debug(fellBack).isEmpty());
+    }
+
+    void nobodyListeningGoesToTheNextEntry()
+    {
+        const auto url = m_server->url();
+        m_server->stopListening();
+
+        QVERIFY(m_probe->open(url, {SockJSConnector::WEBSOCKET, SockJSConnector::WEBSOCKET}));
+
+        QCOMPARE(m_log->debug(QStringLiteral("[SockJSConnector] Websocket url =")).size(), 2);
+        QVERIFY(m_probe->events().isEmpty());
+    }
+
+    void allTransportsFailingIsSilent_data()
+    {
+        QTest::addColumn<Server::Upgrade>("refusal");
+        addEveryRefusal();
+    }
+
+    void allTransportsFailingIsSilent()
+    {
+        QFETCH(Server::Upgrade, refusal);
+        m_server->setUpgrade(refusal);
+
+        QVERIFY(m_probe->open(m_server->url(), webSocket));
+
+        QTRY_COMPARE(m_server->openConnections(), 0);
+        QVERIFY(anotherConnectorOpens());
+        QVERIFY(m_probe->events().isEmpty());
+        QVERIFY(!m_connector->isConnected());
+        QVERIFY(m_log->debug(noMore).isEmpty());
+        QVERIFY(m_log->debug(QStringLiteral("[SockJSConnector] Websocket CLOSED")).isEmpty());
+
+        // The next open() is not impaired.
+        QVERIFY(openSession());
+        QVERIFY(syncInbound());
+    }
+
+    void noTransportsIsSilent()
+    {
+        QVERIFY(m_probe->open(m_server->url(), {}));
+
+        QVERIFY(m_log->debug(noMore).isEmpty());
+        QVERIFY(anotherConnectorOpens());
+        QVERIFY(m_probe->events().isEmpty());
+        QCOMPARE(m_server->requests().size(), 1);
+    }
+
+    void entriesAreTriedInOrder()
+    {
+        m_server->setUpgrades({Server::Refuse404, Server::ResetInstead, Server::Open});
+
+        QVERIFY(m_probe->openSession(m_server->url(), webSocket + webSocket + webSocketThenPolling));
+
+        const QString path =
+            QStringLiteral("/eventbus/119/") + m_connector->sessionId() + QStringLiteral("/websocket");
+        QCOMPARE(m_server->paths(), QStringList({path, path, path}));
+        QCOMPARE(m_probe->events(), QStringList({"connected"}));
+    }
+
+    void unknownEntriesAreLoggedAndSkipped_data()
+    {
+        QTest::addColumn<Protocols>("protocols");
+        QTest::addColumn<int>("unknown");
+        QTest::addColumn<bool>("opens");
+
+        const auto ws = SockJSConnector::WEBSOCKET;
+        QTest::newRow("none") << Protocols{ws} << 0 << true;
+        QTest::newRow("0 in front") << Protocols{Protocol(0), ws} << 1 << true;
+        QTest::newRow("two bits in front") << Protocols{Protocol(3), Protocol(7), ws} << 2 << true;
+        QTest::newRow("behind what opens") << Protocols{ws, Protocol(5)} << 0 << true;
+        QTest::newRow("nothing else") << Protocols{Protocol(6)} << 1 << false;
+    }
+
+    void unknownEntriesAreLoggedAndSkipped()
+    {
+        QFETCH(Protocols, protocols);
+        QFETCH(int, unknown);
+        QFETCH(bool, opens);
+
+        QVERIFY(m_probe->open(m_server->url(), protocols));
+
+        QCOMPARE(m_log->debug(noMore).size(), unknown);
+        if (opens)
+            QTRY_VERIFY(m_connector->isConnected());
+        QCOMPARE(m_server->requests().size(), opens ? 1 : 0);
+    }
+
+    void xhrEntriesAskForTheirPath_data()
+    {
+        QTest::addColumn<int>("protocol");
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("log");
+
+        QTest::newRow("polling") << 4 << "/xhr"
+                                 << "[SockJSConnector] CONNECTED via xhr_polling";
+        QTest::newRow("streaming") << 2 << "/xhr_streaming"
+                                   << "[SockJSConnector] CONNECTED via xhr_streaming";
+    }
+
+    void xhrEntriesAskForTheirPath()
+    {
+        QFETCH(int, protocol);
+        QFETCH(QString, path);
+        QFETCH(QString, log);
+
+        QVERIFY(m_probe->open(m_server->url(QStringLiteral("/base/")), {Protocol(protocol)}));
+
+        QTRY_VERIFY(!m_server->requests().isEmpty());
+        QCOMPARE(m_server->requests().first().method, QByteArray("POST"));
+        QCOMPARE(m_server->paths().first(),
+                 QStringLiteral("/base/eventbus/119/") + m_connector->sessionId() + path);
+        QString line = m_log->debug(QStringLiteral("[SockJSConnector] CONNECTED via")).value(0);
+        QCOMPARE(line.remove(QLatin1Char('"')).replace(QStringLiteral("xhr_ "), QStringLiteral("xhr_")), log);
+    }
+
+    void aDropBeforeTheOpenFrameFallsBackToPolling_data()
+    {
+        QTest::addColumn<Server::Upgrade>("drop");
+        addEveryDrop();
+    }
+
+    void aDropBeforeTheOpenFrameFallsBackToPolling()
+    {
+        QFETCH(Server::Upgrade, drop);
+        m_server->setFirstFrames({}); // the poll stays without an answer
+        m_server->setUpgrade(drop);
+
+        QVERIFY(m_probe->open(m_server->url(QStringLiteral("/base")), webSocket));
+
+        QTRY_COMPARE(m_server->count(QStringLiteral("/xhr")), 1);
+        const QString session = QStringLiteral("/base/eventbus/119/") + m_connector->sessionId();
+        QCOMPARE(m_server->paths(), QStringList({session + "/websocket", session + "/xhr"}));
+        QVERIFY(!m_probe->hasClosed());
+        QTRY_COMPARE(m_log->debug(fellBack).size(), 1);
+    }
+
+    void theFallbackIgnoresTheList()
+    {
+        m_server->setFirstFrames({}); // the poll stays without an answer
+        m_server->setUpgrade(Server::CloseAfterUpgrade);
+
+        QVERIFY(m_probe->open(m_server->url(), {SockJSConnector::WEBSOCKET, SockJSConnector::XHR_STREAMING}));
+
+        QTRY_COMPARE(m_server->requests().size(), 2);
+        QVERIFY2(m_server->paths().last().endsWith(QLatin1String("/xhr")),
+                 qPrintable(m_server->paths().last()));
+    }
+
+    void aSessionComesUpOverTheFallback()
+    {
+        m_server->setUpgrade(Server::CloseAfterUpgrade);
+        QVERIFY(m_probe->open(m_server->url(), webSocket));
+
+        QTRY_VERIFY(m_connector->isConnected());
+        m_server->injectMessages({"over polling"});
+        QTRY_COMPARE(m_probe->events(), QStringList({"connected", "message over polling"}));
+        m_connector->sendMessage(QStringLiteral("answer"), false);
+        QCOMPARE(m_server->nextMessage(), QStringLiteral("answer"));
+
+        m_connector->close();
+        QTRY_COMPARE(m_probe->count(QStringLiteral("closed false")), 1);
+    }
+
+    void hostActsWhenTheFallbackIsUp_data()
+    {
+        QTest::addColumn<QString>("signal");
+        QTest::addColumn<QString>("action");
+
+        for (const char* signal : {"connected", "message"}) {
+            for (const char* action : {"close", "delete", "open"})
+                QTest::addRow("%s in %s", action, signal) << signal << action;
+        }
+    }
+
+    void hostActsWhenTheFallbackIsUp()
+    {
+        QFETCH(QString, signal);
+        QFETCH(QString, action);
+        m_server->setUpgrades({Server::CloseAfterUpgrade, Server::Open});
+        m_server->setFirstFrames({"o", "a[\"one\",\"two\"]"});
+        QObject host;
+        int calls = 0;
+        const auto once = [&] {
+            if (calls++ > 0)
+                return;
+            if (action == QLatin1String("close"))
+                m_connector->close();
+            else if (action == QLatin1String("delete"))
+                delete m_connector;
+            else
+                m_probe->open(m_server->url(QStringLiteral("/second")), webSocket);
+        };
+        if (signal == QLatin1String("connected"))
+            connect(m_connector, &SockJSConnector::connected, &host, once);
+        else
+            connect(m_connector, &SockJSConnector::sockJSMessage, &host, once);
+
+        QVERIFY(m_probe->open(m_server->url(QStringLiteral("/first")), webSocket));
+        QTRY_VERIFY(calls > 0);
+
+        if (action == QLatin1String("open")) {
+            QTRY_COMPARE(m_probe->count(QStringLiteral("connected")), 2);
+            QTRY_COMPARE(m_server->openConnections(), 1);
+            QVERIFY(syncInbound());
+            QVERIFY(m_connector->isConnected());
+        } else {
+            QTRY_COMPARE(m_server->openConnections(), 0);
+            QCOMPARE(m_connector.isNull(), action == QLatin1String("delete"));
+            QTRY_COMPARE(m_probe->count(QStringLiteral("closed false")), m_connector ? 1 : 0);
+        }
+    }
+
+    void aFailedFallbackIsReportedAsClosed()
+    {
+        m_server->setUpgrade(Server::CloseAfterUpgrade);
+        connect(m_server.get(), &Server::requested, m_server.get(), &Server::stopListening);
+
+        QVERIFY(m_probe->open(m_server->url(), webSocket));
+
+        QTRY_COMPARE(m_probe->events(), QStringList({"closed false"}));
+        QVERIFY(m_log->debug(fellBack).isEmpty());
+        QVERIFY(!m_connector->isConnected());
+        m_connector->close();
+        Server other;
+        QVERIFY(m_probe->openSession(other.url(), webSocket));
+        QCOMPARE(m_probe->events(), QStringList({"closed false", "connected"}));
+    }
+
+    void aDropAfterTheOpenFrameDoesNotFallBack()
+    {
+        QVERIFY(m_probe->openSession(m_server->url(), webSocketThenPolling));
+
+        m_server->closeSession();
+
+        QTRY_VERIFY(m_probe->hasClosed());
+        QVERIFY(anotherConnectorOpens());
+        QCOMPARE(m_server->count(QStringLiteral("/xhr")), 0);
+        QVERIFY(m_log->debug(fellBack).isEmpty());
+    }
+
+    void closeBeforeTheOpenFrameIsFollowedByClosedFalse()
+    {
+        m_server->setUpgrade(Server::Mute);
+        QVERIFY(m_probe->open(m_server->url(), webSocketThenPolling));
+
+        m_connector->close();
+
+        QVERIFY(m_probe->events().isEmpty());
+        QTRY_COMPARE(m_probe->events(), QStringList({"closed false"}));
+        QTRY_COMPARE(m_server->openConnections(), 0);
+        QVERIFY(anotherConnectorOpens());
+        QCOMPARE(m_probe->events(), QStringList({"closed false"}));
+        QCOMPARE(m_server->count(QStringLiteral("/xhr")), 0);
+        QVERIFY(m_log->debug(fellBack).isEmpty());
+    }
+
+    void closeBeforeTheOpenFrameSilencesIt()
+    {
+        m_server->setUpgrade(Server::Mute);
+        QVERIFY(m_probe->open(m_server->url(), webSocket));
+
+        m_server->inject(QStringLiteral("o"));
+        m_connector->close();
+
+        QTRY_COMPARE(m_server->openConnections(), 0);
+        QTRY_COMPARE(m_probe->events(), QStringList({"closed false"}));
+        QVERIFY(!m_connector->isConnected());
+    }
+
+    void nothingIsLeftBehind()
+    {
+        const auto attempt = [this](Server::Upgrade upgrade) {
+            tearDown();
+            setUp();
+            m_server->setUpgrade(upgrade);
+            m_connector->setOpenLimit(50);
+            const bool returned = m_probe->open(m_server->url(), webSocket);
+            const bool ended = waitFor([this] { return m_server->openConnections() == 0; });
+            return returned && ended;
+        };
+        QVERIFY(attempt(Server::Refuse403));
+        tearDown();
+        const int descriptors = ProcessResources::descriptors();
+        const int threads = ProcessResources::threads();
+
+        for (int i = 0; i < 3; ++i) {
+            for (auto upgrade : {Server::Mute, Server::Refuse403, Server::Answer200, Server::AnswerGarbage,
+                                 Server::EndInstead, Server::ResetInstead, Server::Silent})
+                QVERIFY(attempt(upgrade));
+        }
+
+        tearDown();
+        QTRY_COMPARE(ProcessResources::descriptors(), descriptors);
+        QTRY_COMPARE(ProcessResources::threads(), threads);
+    }
+
+    void pollingLeavesNothingBehind()
+    {
+        const auto session = [this](bool close) {
+            tearDown();
+            setUp();
+            m_server->setUpgrade(Server::CloseAfterUpgrade);
+            const bool open = openSession() && syncInbound() && syncOutbound();
+            if (close)
+                m_connector->close();
+            else
+                delete m_connector;
+            const bool ended = waitFor([this] { return m_server->openConnections() == 0; });
+            return open && ended;
+        };
+        QVERIFY(session(true));
+        tearDown();
+        // The thread of the first one may take a moment to end.
+        QTRY_COMPARE(ProcessResources::threads(), m_threads);
+        const int descriptors = ProcessResources::descriptors();
+
+        for (int i = 0; i < 5; ++i) {
+            QVERIFY(session(true));
+            QVERIFY(session(false));
+        }
+
+        tearDown();
+        QTRY_COMPARE(ProcessResources::threads(), m_threads);
+        QTRY_COMPARE(ProcessResources::descriptors(), descriptors);
+    }
 
 private:
     int m_threads = 0; // before the first test
 };
-
-void TestSockJSConnectorFallback::aRefusedUpgradeGoesToTheNextTransport_data()
-{
-    QTest::addColumn<Server::Upgrade>("refusal");
-    addEveryRefusal();
-}
-
-void TestSockJSConnectorFallback::aRefusedUpgradeGoesToTheNextTransport()
-{
-    QFETCH(Server::Upgrade, refusal);
-    m_server->setFirstFrames({}); // the poll stays without an answer
-    m_server->setUpgrade(refusal);
-
-    QVERIFY(m_probe->open(m_server->url(QStringLiteral("/base")), webSocketThenPolling));
-
-    QTRY_COMPARE(m_server->count(QStringLiteral("/xhr")), 1);
-    const QString session = QStringLiteral("/base/eventbus/119/") + m_connector->sessionId();
-    QCOMPARE(m_server->paths(), QStringList({session + "/websocket", session + "/xhr"}));
-    QVERIFY(!m_probe->hasClosed());
-    QVERIFY(m_log->debug(upSocket).isEmpty());
-    QVERIFY(m_log->debug(fellBack).isEmpty());
-}
-
-void TestSockJSConnectorFallback::nobodyListeningGoesToTheNextEntry()
-{
-    const auto url = m_server->url();
-    m_server->stopListening();
-
-    QVERIFY(m_probe->open(url, {SockJSConnector::WEBSOCKET, SockJSConnector::WEBSOCKET}));
-
-    QCOMPARE(m_log->debug(QStringLiteral("[SockJSConnector] Websocket url =")).size(), 2);
-    QVERIFY(m_probe->events().isEmpty());
-}
-
-void TestSockJSConnectorFallback::allTransportsFailingIsSilent_data()
-{
-    QTest::addColumn<Server::Upgrade>("refusal");
-    addEveryRefusal();
-}
-
-void TestSockJSConnectorFallback::allTransportsFailingIsSilent()
-{
-    QFETCH(Server::Upgrade, refusal);
-    m_server->setUpgrade(refusal);
-
-    QVERIFY(m_probe->open(m_server->url(), webSocket));
-
-    QTRY_COMPARE(m_server->openConnections(), 0);
-    QVERIFY(anotherConnectorOpens());
-    QVERIFY(m_probe->events().isEmpty());
-    QVERIFY(!m_connector->isConnected());
-    QVERIFY(m_log->debug(noMore).isEmpty());
-    QVERIFY(m_log->debug(QStringLiteral("[SockJSConnector] Websocket CLOSED")).isEmpty());
-
-    // The next open() is not impaired.
-    QVERIFY(openSession());
-    QVERIFY(syncInbound());
-}
-
-void TestSockJSConnectorFallback::noTransportsIsSilent()
-{
-    QVERIFY(m_probe->open(m_server->url(), {}));
-
-    QVERIFY(m_log->debug(noMore).isEmpty());
-    QVERIFY(anotherConnectorOpens());
-    QVERIFY(m_probe->events().isEmpty());
-    QCOMPARE(m_server->requests().size(), 1);
-}
-
-void TestSockJSConnectorFallback::entriesAreTriedInOrder()
-{
-    m_server->setUpgrades({Server::Refuse404, Server::ResetInstead, Server::Open});
-
-    QVERIFY(m_probe->openSession(m_server->url(), webSocket + webSocket + webSocketThenPolling));
-
-    const QString path =
-        QStringLiteral("/eventbus/119/") + m_connector->sessionId() + QStringLiteral("/websocket");
-    QCOMPARE(m_server->paths(), QStringList({path, path, path}));
-    QCOMPARE(m_probe->events(), QStringList({"connected"}));
-}
-
-void TestSockJSConnectorFallback::unknownEntriesAreLoggedAndSkipped_data()
-{
-    QTest::addColumn<Protocols>("protocols");
-    QTest::addColumn<int>("unknown");
-    QTest::addColumn<bool>("opens");
-
-    const auto ws = SockJSConnector::WEBSOCKET;
-    QTest::newRow("none") << Protocols{ws} << 0 << true;
-    QTest::newRow("0 in front") << Protocols{Protocol(0), ws} << 1 << true;
-    QTest::newRow("two bits in front") << Protocols{Protocol(3), Protocol(7), ws} << 2 << true;
-    QTest::newRow("behind what opens") << Protocols{ws, Protocol(5)} << 0 << true;
-    QTest::newRow("nothing else") << Protocols{Protocol(6)} << 1 << false;
-}
-
-void TestSockJSConnectorFallback::unknownEntriesAreLoggedAndSkipped()
-{
-    QFETCH(Protocols, protocols);
-    QFETCH(int, unknown);
-    QFETCH(bool, opens);
-
-    QVERIFY(m_probe->open(m_server->url(), protocols));
-
-    QCOMPARE(m_log->debug(noMore).size(), unknown);
-    if (opens)
-        QTRY_VERIFY(m_connector->isConnected());
-    QCOMPARE(m_server->requests().size(), opens ? 1 : 0);
-}
-
-void TestSockJSConnectorFallback::xhrEntriesAskForTheirPath_data()
-{
-    QTest::addColumn<int>("protocol");
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("log");
-
-    QTest::newRow("polling") << 4 << "/xhr"
-                             << "[SockJSConnector] CONNECTED via xhr_polling";
-    QTest::newRow("streaming") << 2 << "/xhr_streaming"
-                               << "[SockJSConnector] CONNECTED via xhr_streaming";
-}
-
-void TestSockJSConnectorFallback::xhrEntriesAskForTheirPath()
-{
-    QFETCH(int, protocol);
-    QFETCH(QString, path);
-    QFETCH(QString, log);
-
-    QVERIFY(m_probe->open(m_server->url(QStringLiteral("/base/")), {Protocol(protocol)}));
-
-    QTRY_VERIFY(!m_server->requests().isEmpty());
-    QCOMPARE(m_server->requests().first().method, QByteArray("POST"));
-    QCOMPARE(m_server->paths().first(),
-             QStringLiteral("/base/eventbus/119/") + m_connector->sessionId() + path);
-    QString line = m_log->debug(QStringLiteral("[SockJSConnector] CONNECTED via")).value(0);
-    QCOMPARE(line.remove(QLatin1Char('"')).replace(QStringLiteral("xhr_ "), QStringLiteral("xhr_")), log);
-}
-
-void TestSockJSConnectorFallback::aDropBeforeTheOpenFrameFallsBackToPolling_data()
-{
-    QTest::addColumn<Server::Upgrade>("drop");
-    addEveryDrop();
-}
-
-void TestSockJSConnectorFallback::aDropBeforeTheOpenFrameFallsBackToPolling()
-{
-    QFETCH(Server::Upgrade, drop);
-    m_server->setFirstFrames({}); // the poll stays without an answer
-    m_server->setUpgrade(drop);
-
-    QVERIFY(m_probe->open(m_server->url(QStringLiteral("/base")), webSocket));
-
-    QTRY_COMPARE(m_server->count(QStringLiteral("/xhr")), 1);
-    const QString session = QStringLiteral("/base/eventbus/119/") + m_connector->sessionId();
-    QCOMPARE(m_server->paths(), QStringList({session + "/websocket", session + "/xhr"}));
-    QVERIFY(!m_probe->hasClosed());
-    QTRY_COMPARE(m_log->debug(fellBack).size(), 1);
-}
-
-void TestSockJSConnectorFallback::theFallbackIgnoresTheList()
-{
-    m_server->setFirstFrames({}); // the poll stays without an answer
-    m_server->setUpgrade(Server::CloseAfterUpgrade);
-
-    QVERIFY(m_probe->open(m_server->url(), {SockJSConnector::WEBSOCKET, SockJSConnector::XHR_STREAMING}));
-
-    QTRY_COMPARE(m_server->requests().size(), 2);
-    QVERIFY2(m_server->paths().last().endsWith(QLatin1String("/xhr")), qPrintable(m_server->paths().last()));
-}
-
-void TestSockJSConnectorFallback::aSessionComesUpOverTheFallback()
-{
-    m_server->setUpgrade(Server::CloseAfterUpgrade);
-    QVERIFY(m_probe->open(m_server->url(), webSocket));
-
-    QTRY_VERIFY(m_connector->isConnected());
-    m_server->injectMessages({"over polling"});
-    QTRY_COMPARE(m_probe->events(), QStringList({"connected", "message over polling"}));
-    m_connector->sendMessage(QStringLiteral("answer"), false);
-    QCOMPARE(m_server->nextMessage(), QStringLiteral("answer"));
-
-    m_connector->close();
-    QTRY_COMPARE(m_probe->count(QStringLiteral("closed false")), 1);
-}
-
-void TestSockJSConnectorFallback::hostActsWhenTheFallbackIsUp_data()
-{
-    QTest::addColumn<QString>("signal");
-    QTest::addColumn<QString>("action");
-
-    for (const char* signal : {"connected", "message"}) {
-        for (const char* action : {"close", "delete", "open"})
-            QTest::addRow("%s in %s", action, signal) << signal << action;
-    }
-}
-
-void TestSockJSConnectorFallback::hostActsWhenTheFallbackIsUp()
-{
-    QFETCH(QString, signal);
-    QFETCH(QString, action);
-    m_server->setUpgrades({Server::CloseAfterUpgrade, Server::Open});
-    m_server->setFirstFrames({"o", "a[\"one\",\"two\"]"});
-    QObject host;
-    int calls = 0;
-    const auto once = [&] {
-        if (calls++ > 0)
-            return;
-        if (action == QLatin1String("close"))
-            m_connector->close();
-        else if (action == QLatin1String("delete"))
-            delete m_connector;
-        else
-            m_probe->open(m_server->url(QStringLiteral("/second")), webSocket);
-    };
-    if (signal == QLatin1String("connected"))
-        connect(m_connector, &SockJSConnector::connected, &host, once);
-    else
-        connect(m_connector, &SockJSConnector::sockJSMessage, &host, once);
-
-    QVERIFY(m_probe->open(m_server->url(QStringLiteral("/first")), webSocket));
-    QTRY_VERIFY(calls > 0);
-
-    if (action == QLatin1String("open")) {
-        QTRY_COMPARE(m_probe->count(QStringLiteral("connected")), 2);
-        QTRY_COMPARE(m_server->openConnections(), 1);
-        QVERIFY(syncInbound());
-        QVERIFY(m_connector->isConnected());
-    } else {
-        QTRY_COMPARE(m_server->openConnections(), 0);
-        QCOMPARE(m_connector.isNull(), action == QLatin1String("delete"));
-        QTRY_COMPARE(m_probe->count(QStringLiteral("closed false")), m_connector ? 1 : 0);
-    }
-}
-
-void TestSockJSConnectorFallback::aFailedFallbackIsReportedAsClosed()
-{
-    m_server->setUpgrade(Server::CloseAfterUpgrade);
-    connect(m_server.get(), &Server::requested, m_server.get(), &Server::stopListening);
-
-    QVERIFY(m_probe->open(m_server->url(), webSocket));
-
-    QTRY_COMPARE(m_probe->events(), QStringList({"closed false"}));
-    QVERIFY(m_log->debug(fellBack).isEmpty());
-    QVERIFY(!m_connector->isConnected());
-    m_connector->close();
-    Server other;
-    QVERIFY(m_probe->openSession(other.url(), webSocket));
-    QCOMPARE(m_probe->events(), QStringList({"closed false", "connected"}));
-}
-
-void TestSockJSConnectorFallback::aDropAfterTheOpenFrameDoesNotFallBack()
-{
-    QVERIFY(m_probe->openSession(m_server->url(), webSocketThenPolling));
-
-    m_server->closeSession();
-
-    QTRY_VERIFY(m_probe->hasClosed());
-    QVERIFY(anotherConnectorOpens());
-    QCOMPARE(m_server->count(QStringLiteral("/xhr")), 0);
-    QVERIFY(m_log->debug(fellBack).isEmpty());
-}
-
-void TestSockJSConnectorFallback::closeBeforeTheOpenFrameIsFollowedByClosedFalse()
-{
-    m_server->setUpgrade(Server::Mute);
-    QVERIFY(m_probe->open(m_server->url(), webSocketThenPolling));
-
-    m_connector->close();
-
-    QVERIFY(m_probe->events().isEmpty());
-    QTRY_COMPARE(m_probe->events(), QStringList({"closed false"}));
-    QTRY_COMPARE(m_server->openConnections(), 0);
-    QVERIFY(anotherConnectorOpens());
-    QCOMPARE(m_probe->events(), QStringList({"closed false"}));
-    QCOMPARE(m_server->count(QStringLiteral("/xhr")), 0);
-    QVERIFY(m_log->debug(fellBack).isEmpty());
-}
-
-void TestSockJSConnectorFallback::closeBeforeTheOpenFrameSilencesIt()
-{
-    m_server->setUpgrade(Server::Mute);
-    QVERIFY(m_probe->open(m_server->url(), webSocket));
-
-    m_server->inject(QStringLiteral("o"));
-    m_connector->close();
-
-    QTRY_COMPARE(m_server->openConnections(), 0);
-    QTRY_COMPARE(m_probe->events(), QStringList({"closed false"}));
-    QVERIFY(!m_connector->isConnected());
-}
-
-void TestSockJSConnectorFallback::nothingIsLeftBehind()
-{
-    const auto attempt = [this](Server::Upgrade upgrade) {
-        tearDown();
-        setUp();
-        m_server->setUpgrade(upgrade);
-        m_connector->setOpenLimit(50);
-        const bool returned = m_probe->open(m_server->url(), webSocket);
-        const bool ended = waitFor([this] { return m_server->openConnections() == 0; });
-        return returned && ended;
-    };
-    QVERIFY(attempt(Server::Refuse403));
-    tearDown();
-    const int descriptors = ProcessResources::descriptors();
-    const int threads = ProcessResources::threads();
-
-    for (int i = 0; i < 3; ++i) {
-        for (auto upgrade : {Server::Mute, Server::Refuse403, Server::Answer200, Server::AnswerGarbage,
-                             Server::EndInstead, Server::ResetInstead, Server::Silent})
-            QVERIFY(attempt(upgrade));
-    }
-
-    tearDown();
-    QTRY_COMPARE(ProcessResources::descriptors(), descriptors);
-    QTRY_COMPARE(ProcessResources::threads(), threads);
-}
-
-void TestSockJSConnectorFallback::pollingLeavesNothingBehind()
-{
-    const auto session = [this](bool close) {
-        tearDown();
-        setUp();
-        m_server->setUpgrade(Server::CloseAfterUpgrade);
-        const bool open = openSession() && syncInbound() && syncOutbound();
-        if (close)
-            m_connector->close();
-        else
-            delete m_connector;
-        const bool ended = waitFor([this] { return m_server->openConnections() == 0; });
-        return open && ended;
-    };
-    QVERIFY(session(true));
-    tearDown();
-    // The thread of the first one may take a moment to end.
-    QTRY_COMPARE(ProcessResources::threads(), m_threads);
-    const int descriptors = ProcessResources::descriptors();
-
-    for (int i = 0; i < 5; ++i) {
-        QVERIFY(session(true));
-        QVERIFY(session(false));
-    }
-
-    tearDown();
-    QTRY_COMPARE(ProcessResources::threads(), m_threads);
-    QTRY_COMPARE(ProcessResources::descriptors(), descriptors);
-}
 
 QTEST_GUILESS_MAIN(TestSockJSConnectorFallback)
 #include "tst_SockJSConnectorFallback.moc"

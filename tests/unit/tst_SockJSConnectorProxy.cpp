@@ -75,89 +75,80 @@ class TestSockJSConnectorProxy : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void withoutAProxyTheEnvironmentStaysAsItIs();
-    void theProxyIsExportedWithoutScheme();
-    void everyOpenGoesThroughTheProxy();
-    void aProxyThatRefusesFailsTheTransport();
+    void initTestCase()
+    {
+        for (const char* name : {"http_proxy", "https_proxy", "all_proxy", "no_proxy", "HTTP_PROXY",
+                                 "HTTPS_PROXY", "ALL_PROXY", "NO_PROXY"})
+            qunsetenv(name);
+    }
+
+    void init()
+    {
+        m_connector = std::make_unique<SockJSConnector>();
+        m_probe = std::make_unique<ConnectorProbe>(m_connector.get());
+    }
+
+    void withoutAProxyTheEnvironmentStaysAsItIs()
+    {
+        QVERIFY(m_probe->openSession(m_server.url(), webSocket));
+        QVERIFY(!qEnvironmentVariableIsSet("http_proxy"));
+
+        qputenv("http_proxy", "");
+        QVERIFY(m_probe->openSession(m_server.url(), webSocket));
+        QVERIFY(qEnvironmentVariableIsSet("http_proxy"));
+        QVERIFY(qEnvironmentVariableIsEmpty("http_proxy"));
+        QVERIFY(m_proxy.requests().isEmpty());
+    }
+
+    void theProxyIsExportedWithoutScheme()
+    {
+        qputenv("http_proxy", "http://" + m_proxy.address().toLatin1());
+
+        QVERIFY(m_probe->openSession(m_server.url(), webSocket));
+
+        QCOMPARE(qEnvironmentVariable("http_proxy"), m_proxy.address());
+        QCOMPARE(m_proxy.requests(), QStringList({connectRequest()}));
+    }
+
+    void everyOpenGoesThroughTheProxy()
+    {
+        const int before = m_proxy.requests().size();
+
+        for (int i = 1; i <= 3; ++i) {
+            QVERIFY(m_probe->openSession(m_server.url(), webSocket));
+            QCOMPARE(m_proxy.requests().size(), before + i);
+            QCOMPARE(m_proxy.requests().last(), connectRequest());
+            QCOMPARE(qEnvironmentVariable("http_proxy"), m_proxy.address());
+        }
+        m_connector->sendMessage(QStringLiteral("through the proxy"), false);
+        QCOMPARE(m_server.nextMessage(), QStringLiteral("through the proxy"));
+    }
+
+    void aProxyThatRefusesFailsTheTransport()
+    {
+        const int before = m_server.requests().size();
+        m_proxy.setRefusing(true);
+
+        QVERIFY(m_probe->open(m_server.url(), webSocket));
+        QVERIFY(!m_connector->isConnected());
+        QVERIFY(m_probe->events().isEmpty());
+
+        m_proxy.setRefusing(false);
+        QVERIFY(m_probe->openSession(m_server.url(), webSocket));
+        QCOMPARE(m_server.requests().size(), before + 1);
+    }
 
 private:
-    QString connectRequest() const;
+    QString connectRequest() const
+    {
+        return QStringLiteral("CONNECT 127.0.0.1:%1 HTTP/1.1").arg(m_server.port());
+    }
 
     FakeProxy m_proxy;
     FakeSockJSServer m_server;
     std::unique_ptr<SockJSConnector> m_connector;
     std::unique_ptr<ConnectorProbe> m_probe;
 };
-
-void TestSockJSConnectorProxy::initTestCase()
-{
-    for (const char* name : {"http_proxy", "https_proxy", "all_proxy", "no_proxy", "HTTP_PROXY",
-                             "HTTPS_PROXY", "ALL_PROXY", "NO_PROXY"})
-        qunsetenv(name);
-}
-
-void TestSockJSConnectorProxy::init()
-{
-    m_connector = std::make_unique<SockJSConnector>();
-    m_probe = std::make_unique<ConnectorProbe>(m_connector.get());
-}
-
-QString TestSockJSConnectorProxy::connectRequest() const
-{
-    return QStringLiteral("CONNECT 127.0.0.1:%1 HTTP/1.1").arg(m_server.port());
-}
-
-void TestSockJSConnectorProxy::withoutAProxyTheEnvironmentStaysAsItIs()
-{
-    QVERIFY(m_probe->openSession(m_server.url(), webSocket));
-    QVERIFY(!qEnvironmentVariableIsSet("http_proxy"));
-
-    qputenv("http_proxy", "");
-    QVERIFY(m_probe->openSession(m_server.url(), webSocket));
-    QVERIFY(qEnvironmentVariableIsSet("http_proxy"));
-    QVERIFY(qEnvironmentVariableIsEmpty("http_proxy"));
-    QVERIFY(m_proxy.requests().isEmpty());
-}
-
-void TestSockJSConnectorProxy::theProxyIsExportedWithoutScheme()
-{
-    qputenv("http_proxy", "http://" + m_proxy.address().toLatin1());
-
-    QVERIFY(m_probe->openSession(m_server.url(), webSocket));
-
-    QCOMPARE(qEnvironmentVariable("http_proxy"), m_proxy.address());
-    QCOMPARE(m_proxy.requests(), QStringList({connectRequest()}));
-}
-
-void TestSockJSConnectorProxy::everyOpenGoesThroughTheProxy()
-{
-    const int before = m_proxy.requests().size();
-
-    for (int i = 1; i <= 3; ++i) {
-        QVERIFY(m_probe->openSession(m_server.url(), webSocket));
-        QCOMPARE(m_proxy.requests().size(), before + i);
-        QCOMPARE(m_proxy.requests().last(), connectRequest());
-        QCOMPARE(qEnvironmentVariable("http_proxy"), m_proxy.address());
-    }
-    m_connector->sendMessage(QStringLiteral("through the proxy"), false);
-    QCOMPARE(m_server.nextMessage(), QStringLiteral("through the proxy"));
-}
-
-void TestSockJSConnectorProxy::aProxyThatRefusesFailsTheTransport()
-{
-    const int before = m_server.requests().size();
-    m_proxy.setRefusing(true);
-
-    QVERIFY(m_probe->open(m_server.url(), webSocket));
-    QVERIFY(!m_connector->isConnected());
-    QVERIFY(m_probe->events().isEmpty());
-
-    m_proxy.setRefusing(false);
-    QVERIFY(m_probe->openSession(m_server.url(), webSocket));
-    QCOMPARE(m_server.requests().size(), before + 1);
-}
 
 QTEST_GUILESS_MAIN(TestSockJSConnectorProxy)
 #include "tst_SockJSConnectorProxy.moc"

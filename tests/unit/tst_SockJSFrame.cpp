@@ -11,12 +11,74 @@ class tst_SockJSFrame : public QObject
 
 private Q_SLOTS:
     void messagesAreThoseOfQtsReader_data();
-    void messagesAreThoseOfQtsReader();
-    void messagesOfAnyLength();
-    void manyMessagesInOneFrame();
-    void frameIsThatOfQtsWriter_data();
-    void frameIsThatOfQtsWriter();
-    void blanksAtBracketsAreDropped();
+
+    void messagesAreThoseOfQtsReader()
+    {
+        QFETCH(QString, array);
+        QStringList expected;
+        const QVariantList list = QJsonDocument::fromJson(array.toUtf8()).toVariant().toList();
+        for (const QVariant& element : list)
+            expected.append(element.toString());
+        QCOMPARE(SockJSFrame::messages(QLatin1Char('a') + array), expected);
+    }
+
+    void messagesOfAnyLength()
+    {
+        for (const int length : {0, 1, 1023, 1024, 1025, 2048, 100000, 1000000}) {
+            const QString text(length, QLatin1Char('x'));
+            const QString escapes = QStringLiteral("\\n").repeated(length);
+            QCOMPARE(SockJSFrame::messages(QStringLiteral("a[\"%1\"]").arg(text)), QStringList(text));
+            QCOMPARE(SockJSFrame::messages(QStringLiteral("a[\"%1\",\"%2\"]").arg(text, escapes)),
+                     QStringList({text, QString(length, QLatin1Char('\n'))}));
+            QCOMPARE(SockJSFrame::messages(QStringLiteral("a[\"%1").arg(text)), QStringList());
+        }
+    }
+
+    void manyMessagesInOneFrame()
+    {
+        constexpr int count = 20000; // in time and memory that grow with the text, not with its square
+        QStringList sent;
+        QJsonArray array;
+        for (int i = 0; i < count; ++i) {
+            sent.append(QStringLiteral("{\"number\":%1}").arg(i));
+            array.append(sent.last());
+        }
+        const QString frame =
+            QLatin1Char('a') + QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
+        QCOMPARE(SockJSFrame::messages(frame), sent);
+    }
+
+    void frameIsThatOfQtsWriter_data()
+    {
+        QTest::addColumn<QString>("message");
+        const QStringList messages = {
+            QString(),
+            QStringLiteral("text"),
+            QStringLiteral(R"({"type":"ping"})"),
+            QStringLiteral("\"\\/\b\f\n\r\t"),
+            QStringLiteral("\u0001\u001f\u007f"),
+            QStringLiteral("\u00e4\u6f22\U0001f600\u2028<>&"),
+            QString(QChar(0xd800)),
+            QString(QChar(0xdc00)),
+            QChar(0xd83d) + QStringLiteral("x"),
+            QLatin1String("a") + QChar(0) + QLatin1String("b"),
+        };
+        for (int i = 0; i < messages.size(); ++i)
+            QTest::addRow("%d", i) << messages.at(i);
+    }
+
+    void frameIsThatOfQtsWriter()
+    {
+        QFETCH(QString, message);
+        QCOMPARE(SockJSFrame::encode(message),
+                 QString::fromUtf8(QJsonDocument(QJsonArray{message}).toJson()));
+    }
+
+    void blanksAtBracketsAreDropped()
+    {
+        QCOMPARE(SockJSFrame::encode(QStringLiteral("x[ 1 ]y[  ]")),
+                 QStringLiteral("[\n    \"x[1]y[]\"\n]\n"));
+    }
 };
 
 void tst_SockJSFrame::messagesAreThoseOfQtsReader_data()
@@ -56,72 +118,6 @@ void tst_SockJSFrame::messagesAreThoseOfQtsReader_data()
     };
     for (int i = 0; i < arrays.size(); ++i)
         QTest::addRow("%d", i) << arrays.at(i);
-}
-
-void tst_SockJSFrame::messagesAreThoseOfQtsReader()
-{
-    QFETCH(QString, array);
-    QStringList expected;
-    const QVariantList list = QJsonDocument::fromJson(array.toUtf8()).toVariant().toList();
-    for (const QVariant& element : list)
-        expected.append(element.toString());
-    QCOMPARE(SockJSFrame::messages(QLatin1Char('a') + array), expected);
-}
-
-void tst_SockJSFrame::messagesOfAnyLength()
-{
-    for (const int length : {0, 1, 1023, 1024, 1025, 2048, 100000, 1000000}) {
-        const QString text(length, QLatin1Char('x'));
-        const QString escapes = QStringLiteral("\\n").repeated(length);
-        QCOMPARE(SockJSFrame::messages(QStringLiteral("a[\"%1\"]").arg(text)), QStringList(text));
-        QCOMPARE(SockJSFrame::messages(QStringLiteral("a[\"%1\",\"%2\"]").arg(text, escapes)),
-                 QStringList({text, QString(length, QLatin1Char('\n'))}));
-        QCOMPARE(SockJSFrame::messages(QStringLiteral("a[\"%1").arg(text)), QStringList());
-    }
-}
-
-void tst_SockJSFrame::manyMessagesInOneFrame()
-{
-    constexpr int count = 20000; // in time and memory that grow with the text, not with its square
-    QStringList sent;
-    QJsonArray array;
-    for (int i = 0; i < count; ++i) {
-        sent.append(QStringLiteral("{\"number\":%1}").arg(i));
-        array.append(sent.last());
-    }
-    const QString frame =
-        QLatin1Char('a') + QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
-    QCOMPARE(SockJSFrame::messages(frame), sent);
-}
-
-void tst_SockJSFrame::frameIsThatOfQtsWriter_data()
-{
-    QTest::addColumn<QString>("message");
-    const QStringList messages = {
-        QString(),
-        QStringLiteral("text"),
-        QStringLiteral(R"({"type":"ping"})"),
-        QStringLiteral("\"\\/\b\f\n\r\t"),
-        QStringLiteral("\u0001\u001f\u007f"),
-        QStringLiteral("\u00e4\u6f22\U0001f600\u2028<>&"),
-        QString(QChar(0xd800)),
-        QString(QChar(0xdc00)),
-        QChar(0xd83d) + QStringLiteral("x"),
-        QLatin1String("a") + QChar(0) + QLatin1String("b"),
-    };
-    for (int i = 0; i < messages.size(); ++i)
-        QTest::addRow("%d", i) << messages.at(i);
-}
-
-void tst_SockJSFrame::frameIsThatOfQtsWriter()
-{
-    QFETCH(QString, message);
-    QCOMPARE(SockJSFrame::encode(message), QString::fromUtf8(QJsonDocument(QJsonArray{message}).toJson()));
-}
-
-void tst_SockJSFrame::blanksAtBracketsAreDropped()
-{
-    QCOMPARE(SockJSFrame::encode(QStringLiteral("x[ 1 ]y[  ]")), QStringLiteral("[\n    \"x[1]y[]\"\n]\n"));
 }
 
 QTEST_APPLESS_MAIN(tst_SockJSFrame)

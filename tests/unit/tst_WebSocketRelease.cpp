@@ -84,157 +84,145 @@ class tst_WebSocketRelease : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+    void init()
+    {
+        m_server = std::make_unique<FakeSockJSServer>();
+        m_socket = new QWebSocket;
+    }
+
+    void cleanup()
+    {
+        delete m_socket;
+        m_server.reset();
+    }
 
     void goesAtEveryStage_data() { stages(); }
-    void goesAtEveryStage();
+
+    void goesAtEveryStage()
+    {
+        QFETCH(Stage, stage);
+        QVERIFY(openUntil(stage));
+        releaseWebSocket(m_socket);
+        QVERIFY(m_socket);
+        QVERIFY(waitFor([&] { return !m_socket; }));
+        QVERIFY(waitFor([&] { return m_server->openConnections() == 0; }));
+    }
+
     void nobodyHearsOfItsEnd_data() { stages(); }
-    void nobodyHearsOfItsEnd();
-    void whatWasSentArrives();
-    void belongsToTheApplicationMeanwhile();
-    void insideItsOwnMessage();
-    void insideItsOwnEnd();
-    void peerThatDoesNotReadIsLeft();
+
+    void nobodyHearsOfItsEnd()
+    {
+        QFETCH(Stage, stage);
+        QVERIFY(openUntil(stage));
+        const Spies spies = spiesOn(m_socket);
+        m_server->inject(QStringLiteral("a[\"late\"]"));
+        releaseWebSocket(m_socket);
+        QVERIFY(waitFor([&] { return !m_socket; }));
+        for (const auto& spy : spies)
+            QCOMPARE(spy->size(), 0);
+    }
+
+    void whatWasSentArrives()
+    {
+        QVERIFY(openUntil(Open));
+        // More than a socket takes at once.
+        const QString large = QStringLiteral("0123456789abcdef").repeated(256 * 1024);
+        m_socket->sendTextMessage(large);
+        m_socket->sendTextMessage(QStringLiteral("last"));
+        releaseWebSocket(m_socket);
+        QVERIFY(m_server->nextFrame() == large);
+        QCOMPARE(m_server->nextFrame(), QStringLiteral("last"));
+        QVERIFY(waitFor([&] { return m_server->endedSessions() == 1; }));
+        QVERIFY(waitFor([&] { return !m_socket; }));
+    }
+
+    void belongsToTheApplicationMeanwhile()
+    {
+        QObject owner;
+        m_socket->setParent(&owner);
+        QVERIFY(openUntil(Open));
+        releaseWebSocket(m_socket);
+        QCOMPARE(m_socket->parent(), QCoreApplication::instance());
+        QVERIFY(waitFor([&] { return !m_socket; }));
+    }
+
+    void insideItsOwnMessage()
+    {
+        QVERIFY(openUntil(Open));
+        QStringList heard;
+        connect(m_socket, &QWebSocket::textMessageReceived, this, [&](const QString& text) {
+            heard.append(text);
+            releaseWebSocket(m_socket);
+            heard.append(m_socket ? QStringLiteral("is still there") : QStringLiteral("is gone"));
+        });
+        m_server->inject(QStringLiteral("h"));
+        m_server->inject(QStringLiteral("h"));
+        QVERIFY(waitFor([&] { return !m_socket; }));
+        QCOMPARE(heard.mid(heard.size() - 1), QStringList(QStringLiteral("is still there")));
+        QCOMPARE(heard.count(QStringLiteral("is still there")), 1);
+    }
+
+    void insideItsOwnEnd()
+    {
+        QVERIFY(openUntil(Open));
+        int ends = 0;
+        connect(m_socket, &QWebSocket::disconnected, this, [&] {
+            ++ends;
+            releaseWebSocket(m_socket);
+            QVERIFY(m_socket);
+        });
+        m_server->closeSession();
+        QVERIFY(waitFor([&] { return !m_socket; }));
+        QCOMPARE(ends, 1);
+    }
+
+    void peerThatDoesNotReadIsLeft()
+    {
+        const DeafServer deaf;
+        m_socket->open(busUrl(deaf.serverPort()));
+        QVERIFY(waitFor([&] { return m_socket->state() == QAbstractSocket::ConnectedState; }));
+        m_socket->sendTextMessage(QString(16 * 1024 * 1024, QLatin1Char('x'))); // more than fits in between
+        releaseWebSocket(m_socket);
+        TimerClock::advance(longestFarewell / 2);
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(m_socket);
+        TimerClock::advance(longestFarewell);
+        QVERIFY(waitFor([&] { return !m_socket; }, longestFarewell / 2));
+    }
 
 private:
-    static void stages();
-    bool openUntil(Stage stage);
+    static void stages()
+    {
+        QTest::addColumn<Stage>("stage");
+        QTest::newRow("new") << New;
+        QTest::newRow("before the upgrade") << BeforeTheUpgrade;
+        QTest::newRow("open") << Open;
+        QTest::newRow("ended") << Ended;
+    }
+
+    bool openUntil(Stage stage)
+    {
+        const auto reaches = [this](QAbstractSocket::SocketState state) {
+            return waitFor([&] { return m_socket->state() == state; });
+        };
+        if (stage == New)
+            return true;
+        m_server->setUpgrade(stage == BeforeTheUpgrade ? FakeSockJSServer::Silent : FakeSockJSServer::Open);
+        m_socket->open(busUrl(m_server->port()));
+        if (stage == BeforeTheUpgrade)
+            return waitFor([&] { return m_server->paths().size() == 1; });
+        if (!reaches(QAbstractSocket::ConnectedState))
+            return false;
+        if (stage == Open)
+            return true;
+        m_server->dropConnections();
+        return reaches(QAbstractSocket::UnconnectedState);
+    }
 
     std::unique_ptr<FakeSockJSServer> m_server;
     QPointer<QWebSocket> m_socket;
 };
-
-void tst_WebSocketRelease::init()
-{
-    m_server = std::make_unique<FakeSockJSServer>();
-    m_socket = new QWebSocket;
-}
-
-void tst_WebSocketRelease::cleanup()
-{
-    delete m_socket;
-    m_server.reset();
-}
-
-void tst_WebSocketRelease::stages()
-{
-    QTest::addColumn<Stage>("stage");
-    QTest::newRow("new") << New;
-    QTest::newRow("before the upgrade") << BeforeTheUpgrade;
-    QTest::newRow("open") << Open;
-    QTest::newRow("ended") << Ended;
-}
-
-bool tst_WebSocketRelease::openUntil(Stage stage)
-{
-    const auto reaches = [this](QAbstractSocket::SocketState state) {
-        return waitFor([&] { return m_socket->state() == state; });
-    };
-    if (stage == New)
-        return true;
-    m_server->setUpgrade(stage == BeforeTheUpgrade ? FakeSockJSServer::Silent : FakeSockJSServer::Open);
-    m_socket->open(busUrl(m_server->port()));
-    if (stage == BeforeTheUpgrade)
-        return waitFor([&] { return m_server->paths().size() == 1; });
-    if (!reaches(QAbstractSocket::ConnectedState))
-        return false;
-    if (stage == Open)
-        return true;
-    m_server->dropConnections();
-    return reaches(QAbstractSocket::UnconnectedState);
-}
-
-void tst_WebSocketRelease::goesAtEveryStage()
-{
-    QFETCH(Stage, stage);
-    QVERIFY(openUntil(stage));
-    releaseWebSocket(m_socket);
-    QVERIFY(m_socket);
-    QVERIFY(waitFor([&] { return !m_socket; }));
-    QVERIFY(waitFor([&] { return m_server->openConnections() == 0; }));
-}
-
-void tst_WebSocketRelease::nobodyHearsOfItsEnd()
-{
-    QFETCH(Stage, stage);
-    QVERIFY(openUntil(stage));
-    const Spies spies = spiesOn(m_socket);
-    m_server->inject(QStringLiteral("a[\"late\"]"));
-    releaseWebSocket(m_socket);
-    QVERIFY(waitFor([&] { return !m_socket; }));
-    for (const auto& spy : spies)
-        QCOMPARE(spy->size(), 0);
-}
-
-void tst_WebSocketRelease::whatWasSentArrives()
-{
-    QVERIFY(openUntil(Open));
-    // More than a socket takes at once.
-    const QString large = QStringLiteral("0123456789abcdef").repeated(256 * 1024);
-    m_socket->sendTextMessage(large);
-    m_socket->sendTextMessage(QStringLiteral("last"));
-    releaseWebSocket(m_socket);
-    QVERIFY(m_server->nextFrame() == large);
-    QCOMPARE(m_server->nextFrame(), QStringLiteral("last"));
-    QVERIFY(waitFor([&] { return m_server->endedSessions() == 1; }));
-    QVERIFY(waitFor([&] { return !m_socket; }));
-}
-
-void tst_WebSocketRelease::belongsToTheApplicationMeanwhile()
-{
-    QObject owner;
-    m_socket->setParent(&owner);
-    QVERIFY(openUntil(Open));
-    releaseWebSocket(m_socket);
-    QCOMPARE(m_socket->parent(), QCoreApplication::instance());
-    QVERIFY(waitFor([&] { return !m_socket; }));
-}
-
-void tst_WebSocketRelease::insideItsOwnMessage()
-{
-    QVERIFY(openUntil(Open));
-    QStringList heard;
-    connect(m_socket, &QWebSocket::textMessageReceived, this, [&](const QString& text) {
-        heard.append(text);
-        releaseWebSocket(m_socket);
-        heard.append(m_socket ? QStringLiteral("is still there") : QStringLiteral("is gone"));
-    });
-    m_server->inject(QStringLiteral("h"));
-    m_server->inject(QStringLiteral("h"));
-    QVERIFY(waitFor([&] { return !m_socket; }));
-    QCOMPARE(heard.mid(heard.size() - 1), QStringList(QStringLiteral("is still there")));
-    QCOMPARE(heard.count(QStringLiteral("is still there")), 1);
-}
-
-void tst_WebSocketRelease::insideItsOwnEnd()
-{
-    QVERIFY(openUntil(Open));
-    int ends = 0;
-    connect(m_socket, &QWebSocket::disconnected, this, [&] {
-        ++ends;
-        releaseWebSocket(m_socket);
-        QVERIFY(m_socket);
-    });
-    m_server->closeSession();
-    QVERIFY(waitFor([&] { return !m_socket; }));
-    QCOMPARE(ends, 1);
-}
-
-void tst_WebSocketRelease::peerThatDoesNotReadIsLeft()
-{
-    const DeafServer deaf;
-    m_socket->open(busUrl(deaf.serverPort()));
-    QVERIFY(waitFor([&] { return m_socket->state() == QAbstractSocket::ConnectedState; }));
-    m_socket->sendTextMessage(QString(16 * 1024 * 1024, QLatin1Char('x'))); // more than fits in between
-    releaseWebSocket(m_socket);
-    TimerClock::advance(longestFarewell / 2);
-    QCoreApplication::processEvents();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QVERIFY(m_socket);
-    TimerClock::advance(longestFarewell);
-    QVERIFY(waitFor([&] { return !m_socket; }, longestFarewell / 2));
-}
 
 QTEST_GUILESS_MAIN(tst_WebSocketRelease)
 #include "tst_WebSocketRelease.moc"
