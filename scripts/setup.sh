@@ -7,7 +7,10 @@ build="$project/build/dev"
 # The classroom, the learners and the host meet on loopback: a proxy must not stand in between.
 unset http_proxy https_proxy all_proxy no_proxy HTTP_PROXY HTTPS_PROXY ALL_PROXY NO_PROXY
 
-if [ -t 1 ] && [ -z "${NO_COLOR:-}" ]; then
+# A terminal that understands escape sequences.
+has_escapes() { [ -t 1 ] && [ "${TERM:-dumb}" != dumb ]; }
+
+if has_escapes && [ -z "${NO_COLOR:-}" ]; then
     bold=$'\e[1m' plain=$'\e[0m'
 else
     bold='' plain=''
@@ -30,18 +33,35 @@ has_node() {
         && [ "$(node -p 'Number(process.versions.node.split(".")[0]) >= 18')" = true ]
 }
 
+# Runs a command of the package manager quietly. While another holds one of its locks (a run beside this one, upgrades in
+# the background), it is tried again, for half an hour.
+patiently() {
+    local errors told='' end=$((SECONDS + 1800))
+    errors=$(mktemp)
+    until "$@" >/dev/null 2>"$errors"; do
+        if [ "$SECONDS" -gt "$end" ] || ! grep -qE 'Could not get lock|Unable to (lock|acquire)' "$errors"; then
+            cat "$errors" >&2
+            rm -f "$errors"
+            return 1
+        fi
+        [ -n "$told" ] || step "Waiting for another package manager to be done"
+        told=yes
+        sleep 1
+    done
+    rm -f "$errors"
+}
+
 install_packages() {
     command -v apt-get >/dev/null \
         || fail "this machine has no apt-get. Install by hand what these Debian packages hold: $*"
-    local root=()
+    local apt=(env LC_ALL=C DEBIAN_FRONTEND=noninteractive apt-get -qq)
     if [ "$(id -u)" != 0 ]; then
         command -v sudo >/dev/null || fail "not root, and no sudo. Have these packages installed: $*"
-        root=(sudo)
+        apt=(sudo "${apt[@]}")
     fi
     step "Installing packages: $*"
-    "${root[@]}" apt-get update -qq || fail "apt-get update failed. Is this machine online?"
-    "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "$@" >/dev/null \
-        || fail "apt-get could not install: $*"
+    patiently "${apt[@]}" update || fail "apt-get update failed. Is this machine online?"
+    patiently "${apt[@]}" install -y --no-install-recommends "$@" || fail "apt-get could not install: $*"
 }
 
 install_missing_packages() {
@@ -69,7 +89,7 @@ install_node_modules() {
 quietly() {
     local log
     log=$(mktemp)
-    if [ -t 1 ]; then
+    if has_escapes; then
         "$@" 2>&1 | tee "$log" | while IFS= read -r line; do printf '\r\e[K%s' "${line:0:${COLUMNS:-80}}"; done
         local status=${PIPESTATUS[0]}
         printf '\r\e[K'
