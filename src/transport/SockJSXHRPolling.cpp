@@ -49,7 +49,7 @@ private:
 } // namespace
 
 SockJSXHRPolling::SockJSXHRPolling(QObject* parent)
-    : QObject(parent)
+    : SockJSTransport(parent)
     , m_nam(new QNetworkAccessManager(this))
     , m_cookieJar(new SafeCookieJar("[SockJSXHRPolling]", this))
 {
@@ -100,6 +100,7 @@ bool SockJSXHRPolling::start(QString host, int port, bool secure, QString path, 
         joinThread();
         return false;
     }
+    m_up = true;
     doPoll();
     return true;
 }
@@ -135,7 +136,7 @@ bool SockJSXHRPolling::startThread(SockJSXHRPollingWorker* worker, QTcpSocket* s
     // Before quit(): from then on the thread deletes the worker, and nothing may reach it.
     connect(worker, &Worker::finished, this, &SockJSXHRPolling::onWorkerFinished);
     connect(worker, &Worker::finished, thread, &QThread::quit);
-    connect(worker, &Worker::finished, this, &SockJSXHRPolling::connectionClosed);
+    connect(worker, &Worker::finished, this, &SockJSXHRPolling::tellEnd);
     connect(thread, &QThread::started, worker, &Worker::process);
     connect(thread, &QThread::finished, worker, &QObject::deleteLater);
     connect(thread, &QObject::destroyed, this, &SockJSXHRPolling::endRetirement);
@@ -174,6 +175,12 @@ void SockJSXHRPolling::onWorkerFinished()
     m_currentRequest = nullptr;
     while (!m_requests.isEmpty())
         m_requests.takeLast()->deleteLater();
+}
+
+void SockJSXHRPolling::tellEnd()
+{
+    m_up = false;
+    Q_EMIT connectionClosed();
 }
 
 void SockJSXHRPolling::doPoll()

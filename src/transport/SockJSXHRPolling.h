@@ -1,6 +1,7 @@
 #pragma once
 
 #include "calyxclient_export.h"
+#include "transport/SockJSTransport.h"
 #include "transport/XHRRequest.h"
 
 #include <QByteArray>
@@ -21,7 +22,7 @@ class SockJSXHRPollingWorker;
 ///
 /// Lives on the thread that made it, and runs one thread of its own for the receiving side. Everything in it
 /// may be called, and it may be deleted, from any slot connected to its signals.
-class CALYXCLIENT_EXPORT SockJSXHRPolling : public QObject
+class CALYXCLIENT_EXPORT SockJSXHRPolling : public SockJSTransport
 {
     Q_OBJECT
 
@@ -46,18 +47,22 @@ public:
     /// Asks for the next frames. Does nothing while such a request is waiting or in flight.
     void doPoll();
 
+    /// Whether start() has succeeded, and connectionClosed() has not been emitted since.
+    bool isUp() const override { return m_up; }
+
     /// Posts \p frame, once all earlier frames have been answered. A post that fails, or is not answered for
     /// 30 seconds, is lost with a debug line.
-    void sendTextMessage(QString frame);
+    void sendTextMessage(QString frame) override;
 
-    /// Ends the receiving side: connectionClosed() follows from the event loop. Frames sent before still go
+    /// Ends the receiving side, as the server's end of the session does, and a server that cannot be reached
+    /// any more: connectionClosed() follows from the event loop. Frames sent before still go
     /// out.
     void close();
 
     /// Hands the transport over to itself: it emits nothing any more, has no parent, closes, and deletes
     /// itself once its thread has ended and its frames are out, at the latest when no post has been answered
     /// for 10 seconds or when the application object goes; at once when that is gone.
-    void retire();
+    void retire() override;
 
     /// The number of cookies that a receive request would carry.
     int getCookieCount();
@@ -67,13 +72,6 @@ public:
     /// Queues one POST of \p payload to \p path on the receiving side. Refused with a debug line after
     /// close() and when \p path holds a blank or a control character.
     void doRequestXHR(const QString& path, const QString& payload);
-
-Q_SIGNALS:
-    /// The receiving side has ended: after close(), after the server's end of the session, or because the
-    /// server could not be reached any more. Once, and nothing follows it.
-    void connectionClosed();
-    /// One SockJS frame, or what the server sent in place of one.
-    void textMessageReceived(QString message);
 
 private Q_SLOTS:
     void onReceivedHeadersResponse(XHRRequest* request, QStringMap headers);
@@ -90,6 +88,7 @@ private:
     void setAddress(const QString& host, int port, bool secure, const QString& path);
     bool startThread(SockJSXHRPollingWorker* worker, QTcpSocket* socket);
     void joinThread();
+    void tellEnd();
     QString headerBlock(const QString& payload);
     void postNextFrame();
     void endRetirement();
@@ -104,6 +103,7 @@ private:
     QString m_baseUrl;
     QString m_fullUrl;
     bool m_closed = false;
+    bool m_up = false;
     bool m_keepAlive = true;
     bool m_streaming = false;
     SockJSXHRPollingWorker* m_worker = nullptr; // null before its thread may delete it

@@ -1,0 +1,3 @@
+#include "transport/SockJSTransport.h"
+
+SockJSTransport::~SockJSTransport() = default;
