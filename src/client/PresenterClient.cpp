@@ -1,15 +1,15 @@
 #include "client/PresenterClient.h"
 
-#include "Diagnostics.h"
+#include "base/Diagnostics.h"
+#include "base/FileDescriptors.h"
+#include "base/SafeCookieJar.h"
 #include "client/GzipInflate.h"
 #include "client/NestedWait.h"
 #include "client/ServiceEnvelope.h"
 #include "collab/CalyxCollabMessage.h"
 #include "collab/PresenterCollab.h"
 #include "compression/Lzma.h"
-#include "transport/Descriptors.h"
 #include "transport/QSystemConfigurationProxyFactory.h"
-#include "transport/SafeCookieJar.h"
 
 #include <QAuthenticator>
 #include <QNetworkAccessManager>
@@ -94,7 +94,7 @@ void PresenterClient::doRequest(bool wait, const QUrl& url, const QByteArray& bo
                                 FailureHandler failure, bool multipart)
 {
     // The first one begins a thread. A request without an address fails like any other.
-    QNetworkRequest request(Descriptors::areSpare() ? url : QUrl());
+    QNetworkRequest request(FileDescriptors::sufficeForThread() ? url : QUrl());
     request.setRawHeader("accept-encoding", "identity");
     request.setHeader(QNetworkRequest::ContentTypeHeader,
                       multipart ? QStringLiteral("multipart/form-data; charset=UTF-8; boundary=") +

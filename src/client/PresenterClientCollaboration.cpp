@@ -1,6 +1,6 @@
 #include "client/PresenterClient.h"
 
-#include "Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "client/ServiceEnvelope.h"
 #include "collab/PresenterCollab.h"
 #include "transport/SockJSConnector.h"

@@ -1,6 +1,6 @@
 #include "client/ServiceEnvelope.h"
 
-#include "JsonReader.h"
+#include "base/JsonReader.h"
 
 QVariantMap ServiceEnvelope::parse(const QString& body)
 {

@@ -1,7 +1,7 @@
 #include "collab/CalyxCollabMessage.h"
 
-#include "Diagnostics.h"
-#include "JsonWriter.h"
+#include "base/Diagnostics.h"
+#include "base/JsonWriter.h"
 #include "compression/LzmaBlock.h"
 #include "model/JsonSerializer.h"
 

@@ -1,7 +1,7 @@
 #include "collab/CollaborationMessageHandler.h"
 
-#include "Diagnostics.h"
-#include "JsonReader.h"
+#include "base/Diagnostics.h"
+#include "base/JsonReader.h"
 #include "collab/PayloadDecoder.h"
 
 #include <QJsonArray>

@@ -1,7 +1,7 @@
 #include "collab/PayloadDecoder.h"
 
-#include "Diagnostics.h"
-#include "JsonReader.h"
+#include "base/Diagnostics.h"
+#include "base/JsonReader.h"
 #include "compression/Lzma.h"
 #include "compression/LzmaBlock.h"
 

@@ -1,13 +1,13 @@
 #include "collab/PresenterCollab.h"
 
-#include "Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "collab/CalyxCollabMessage.h"
 #include "collab/CollaborationMessageHandler.h"
 #include "collab/MessageTemplates.h"
-#include "collab/PollQuestionFactory.h"
 #include "compression/LzmaBlock.h"
 #include "model/Card.h"
 #include "model/JsonSerializer.h"
+#include "model/PollQuestionFactory.h"
 #include "model/QuestionBase.h"
 #include "transport/SockJSConnector.h"
 

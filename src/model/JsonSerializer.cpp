@@ -1,7 +1,7 @@
 #include "model/JsonSerializer.h"
 
-#include "Diagnostics.h"
-#include "JsonWriter.h"
+#include "base/Diagnostics.h"
+#include "base/JsonWriter.h"
 
 #include <QMetaProperty>
 #include <QObject>

@@ -1,6 +1,6 @@
 #include "transport/SockJSConnector.h"
 
-#include "Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "transport/QSystemConfigurationProxyFactory.h"
 #include "transport/RANDSTRING.h"
 #include "transport/SockJSFrame.h"

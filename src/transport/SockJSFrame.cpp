@@ -1,7 +1,7 @@
 #include "transport/SockJSFrame.h"
 
-#include "JsonEscape.h"
-#include "JsonReader.h"
+#include "base/JsonEscape.h"
+#include "base/JsonReader.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,10 +1,10 @@
 #include "transport/SockJSXHRPolling.h"
 
-#include "Diagnostics.h"
-#include "transport/Descriptors.h"
+#include "base/Diagnostics.h"
+#include "base/FileDescriptors.h"
+#include "base/RequestText.h"
+#include "base/SafeCookieJar.h"
 #include "transport/QSystemConfigurationProxyFactory.h"
-#include "transport/RequestText.h"
-#include "transport/SafeCookieJar.h"
 #include "transport/SockJSXHRPollingWorker.h"
 
 #include <QCoreApplication>
@@ -143,7 +143,7 @@ bool SockJSXHRPolling::startThread(SockJSXHRPollingWorker* worker, QTcpSocket* s
     m_worker = worker;
     m_thread = thread;
     m_onThread = {worker, socket};
-    if (!Descriptors::areSpare())
+    if (!FileDescriptors::sufficeForThread())
         return false;
     endWithApplication();
     thread->start();
@@ -303,7 +303,8 @@ void SockJSXHRPolling::sendTextMessage(QString frame)
 void SockJSXHRPolling::postNextFrame()
 {
     // The first one begins a thread. A request without an address fails like any other.
-    QNetworkRequest request(Descriptors::areSpare() ? QUrl(m_fullUrl + QLatin1String("/xhr_send")) : QUrl());
+    QNetworkRequest request(FileDescriptors::sufficeForThread() ? QUrl(m_fullUrl + QLatin1String("/xhr_send"))
+                                                                : QUrl());
     request.setRawHeader("accept-encoding", "identity");
     request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json; charset=UTF-8"));
     request.setRawHeader("Connection", m_keepAlive ? "keep-alive" : "close");

@@ -1,6 +1,6 @@
 #include "transport/SockJSXHRPollingWorker.h"
 
-#include "Diagnostics.h"
+#include "base/Diagnostics.h"
 #include "transport/HttpAnswerParser.h"
 #include "transport/RawConnection.h"
 

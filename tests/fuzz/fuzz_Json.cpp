@@ -1,7 +1,7 @@
 // The reading of JSON: the input is a text. What comes out is what QJsonDocument makes of it, without its
 // leak.
 
-#include "JsonReader.h"
+#include "base/JsonReader.h"
 #include "support/Fuzz.h"
 
 #include <sanitizer/lsan_interface.h>

@@ -1,6 +1,6 @@
 // One inbound message, as it comes out of a SockJS frame: the input is its text.
 
-#include "JsonReader.h"
+#include "base/JsonReader.h"
 #include "collab/CollaborationMessageHandler.h"
 #include "support/Fuzz.h"
 

@@ -2,7 +2,7 @@
 //   s  a text           n  a list of numbers: the bytes    c  chunks, one a line
 //   j  any JSON list    b  a block, which every carrier then carries
 
-#include "JsonReader.h"
+#include "base/JsonReader.h"
 #include "collab/PayloadDecoder.h"
 #include "compression/Base64.h"
 #include "compression/Lzma.h"

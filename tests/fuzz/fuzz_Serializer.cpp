@@ -1,6 +1,6 @@
 // JsonSerializer on maps: the input is JSON, whose objects become maps.
 
-#include "JsonReader.h"
+#include "base/JsonReader.h"
 #include "model/JsonSerializer.h"
 #include "support/Fuzz.h"
 

@@ -1,6 +1,6 @@
 // What a transport delivers. The input: frames, separated by zero bytes.
 
-#include "JsonReader.h"
+#include "base/JsonReader.h"
 #include "support/Fuzz.h"
 #include "transport/SockJSConnector.h"
 #include "transport/SockJSFrame.h"

@@ -1,4 +1,4 @@
-#include "JsonEscape.h"
+#include "base/JsonEscape.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,4 +1,4 @@
-#include "JsonReader.h"
+#include "base/JsonReader.h"
 
 #include <QtTest>
 

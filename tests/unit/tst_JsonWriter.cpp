@@ -1,4 +1,4 @@
-#include "JsonWriter.h"
+#include "base/JsonWriter.h"
 
 #include <QDateTime>
 #include <QJsonArray>

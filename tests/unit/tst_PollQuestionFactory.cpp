@@ -1,4 +1,4 @@
-#include "collab/PollQuestionFactory.h"
+#include "model/PollQuestionFactory.h"
 
 #include <CalyxClient/ActivityOption>
 #include <CalyxClient/QuestionBaseWithOptions>

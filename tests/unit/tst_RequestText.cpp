@@ -1,4 +1,4 @@
-#include "transport/RequestText.h"
+#include "base/RequestText.h"
 
 #include <QTest>
 

@@ -1,4 +1,4 @@
-#include "transport/SafeCookieJar.h"
+#include "base/SafeCookieJar.h"
 
 #include "support/LogRecorder.h"
 

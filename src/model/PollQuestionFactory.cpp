@@ -1,4 +1,4 @@
-#include "collab/PollQuestionFactory.h"
+#include "model/PollQuestionFactory.h"
 
 #include "model/QuestionMathFormula.h"
 #include "model/QuestionMultiChoice.h"

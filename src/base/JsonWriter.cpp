@@ -1,6 +1,6 @@
-#include "JsonWriter.h"
+#include "base/JsonWriter.h"
 
-#include "JsonEscape.h"
+#include "base/JsonEscape.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

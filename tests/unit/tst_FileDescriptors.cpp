@@ -1,4 +1,4 @@
-#include "transport/Descriptors.h"
+#include "base/FileDescriptors.h"
 
 #include "support/ProcessResources.h"
 
@@ -43,22 +43,22 @@ private:
 } // namespace
 
 /// Whether a thread can begin. What a transport does where none can is in tst_FailingCalls.
-class tst_Descriptors : public QObject
+class tst_FileDescriptors : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void areSpareWhereNobodyTakesThem()
+    void sufficeWhereNobodyTakesThem()
     {
         const int before = ProcessResources::descriptors();
-        QVERIFY(Descriptors::areSpare());
+        QVERIFY(FileDescriptors::sufficeForThread());
         QCOMPARE(ProcessResources::descriptors(), before);
     }
 
     void fewAreNotEnough_data()
     {
         QTest::addColumn<int>("left");
-        QTest::addColumn<bool>("areSpare");
+        QTest::addColumn<bool>("suffice");
         QTest::newRow("none") << 0 << false;
         QTest::newRow("one") << 1 << false;
         QTest::newRow("an event loop's") << 2 << false;
@@ -71,23 +71,23 @@ private Q_SLOTS:
     {
         QFETCH(int, left);
         const int before = ProcessResources::descriptors();
-        bool areSpare = false;
+        bool suffice = false;
         {
             const Scarcity scarcity(left);
-            areSpare = Descriptors::areSpare();
+            suffice = FileDescriptors::sufficeForThread();
         }
-        QTEST(areSpare, "areSpare");
+        QTEST(suffice, "suffice");
         QCOMPARE(ProcessResources::descriptors(), before);
     }
 
-    void areSpareAgain()
+    void sufficeAgain()
     {
         const Scarcity scarcity(4);
         // What one look took would be missing at the next.
-        QVERIFY(Descriptors::areSpare());
-        QVERIFY(Descriptors::areSpare());
+        QVERIFY(FileDescriptors::sufficeForThread());
+        QVERIFY(FileDescriptors::sufficeForThread());
     }
 };
 
-QTEST_APPLESS_MAIN(tst_Descriptors)
-#include "tst_Descriptors.moc"
+QTEST_APPLESS_MAIN(tst_FileDescriptors)
+#include "tst_FileDescriptors.moc"

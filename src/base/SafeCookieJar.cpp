@@ -1,7 +1,7 @@
-#include "transport/SafeCookieJar.h"
+#include "base/SafeCookieJar.h"
 
-#include "Diagnostics.h"
-#include "transport/RequestText.h"
+#include "base/Diagnostics.h"
+#include "base/RequestText.h"
 
 #include <QHostAddress>
 #include <QNetworkCookie>

@@ -1,4 +1,4 @@
-#include "transport/Descriptors.h"
+#include "base/FileDescriptors.h"
 
 #include <QtGlobal>
 
@@ -8,7 +8,7 @@
 #include <unistd.h>
 #endif
 
-bool Descriptors::areSpare()
+bool FileDescriptors::sufficeForThread()
 {
 #ifdef Q_OS_UNIX
     constexpr int wanted = 4; // an event loop takes one or two, and somebody else may be quicker
