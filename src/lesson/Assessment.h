@@ -1,0 +1,162 @@
+#pragma once
+
+#include "PollAnswer.h"
+#include "Question.h"
+#include "calyxclient_export.h"
+
+#include <QAbstractTableModel>
+#include <QDateTime>
+#include <QJsonObject>
+#include <QVector>
+
+#include <memory>
+
+namespace Calyx {
+
+class Roster;
+
+/// What an assessment asks, and what learners may do in it. A value.
+struct CALYXCLIENT_EXPORT AssessmentPlan
+{
+    Q_GADGET
+
+public:
+    /// The title that learners read.
+    QString title;
+    /// The questions in their order; one at least. What is right in them is not sent.
+    QVector<Question> questions;
+    /// Seconds for all questions together; 0 for no limit. The devices keep it.
+    int seconds = 0;
+    /// Whether a learner may go on without an answer.
+    bool maySkip = false;
+    /// Whether a learner may go back and forth.
+    bool mayGoBack = false;
+    /// Whether a learner may change an answer; else only the first one counts.
+    bool mayResubmit = true;
+    /// Whether the devices show a summary at the end.
+    bool showsSummary = false;
+
+    /// From the keys "title", "questions" (maps as Question::fromMap() takes them), "seconds", "maySkip",
+    /// "mayGoBack", "mayResubmit" and "showsSummary".
+    static AssessmentPlan fromMap(const QVariantMap& map);
+    /// What is wrong with it, a sentence for people, translated; empty when nothing is.
+    QString fault() const;
+};
+
+/// A set of questions that learners work through at their own pace, as a model of learners by questions: a
+/// row for each learner who takes part, in the order of coming, a column for the name, one for the marks, and
+/// one for each question.
+///
+/// Lesson::startAssessment() makes it and owns it. Each learner gets the questions as his device asks for
+/// them; whoever joins later takes part too, unless it was started for certain devices. Lives on the lesson's
+/// thread.
+class CALYXCLIENT_EXPORT Assessment : public QAbstractTableModel
+{
+    Q_OBJECT
+    Q_PROPERTY(QString title READ title CONSTANT)
+    Q_PROPERTY(int questionCount READ questionCount CONSTANT)
+    Q_PROPERTY(bool running READ isRunning NOTIFY stateChanged)
+    Q_PROPERTY(bool paused READ isPaused NOTIFY stateChanged)
+    Q_PROPERTY(int finished READ finished NOTIFY changed)
+    Q_PROPERTY(int expected READ expected NOTIFY changed)
+
+public:
+    /// The columns before those of the questions. The marks are texts as "3 of 5", empty where nothing is
+    /// marked.
+    enum Column { Name, Score, FirstQuestion };
+    Q_ENUM(Column)
+    /// Named "deviceId", "answer", "mark" (a PollAnswer::Mark), "name", "rightAnswers", "answered" and
+    /// "isFinished" in QML. "answer" and "mark" are of the index's question, the others of its learner.
+    enum Role {
+        DeviceIdRole = Qt::UserRole + 1,
+        AnswerRole,
+        MarkRole,
+        NameRole,
+        RightAnswersRole,
+        AnsweredRole,
+        IsFinishedRole
+    };
+    Q_ENUM(Role)
+
+    ~Assessment() override;
+
+    /// The token by which devices know it: unique.
+    QString token() const;
+    /// What was asked for.
+    AssessmentPlan plan() const;
+    /// The plan's title.
+    QString title() const;
+    /// How many questions there are.
+    int questionCount() const;
+    /// How many of them have something right.
+    int markedCount() const;
+    /// Whether it has not been stopped yet.
+    bool isRunning() const;
+    /// Whether the devices hold it.
+    bool isPaused() const;
+    /// Whether everybody takes part, not only the devices that it was started for.
+    bool isForAll() const;
+    /// When it was started.
+    QDateTime startedAt() const;
+    /// Milliseconds that it has run, or has run until it was stopped.
+    qint64 elapsed() const;
+
+    /// The devices that take part, in the order of coming.
+    QStringList participants() const;
+    /// Whether the device takes part.
+    bool takesPart(const QString& deviceId) const;
+    /// The device's answer to the question with this number, from 1; one whose mark is PollAnswer::NoAnswer
+    /// when there is none.
+    PollAnswer answer(const QString& deviceId, int number) const;
+    /// How many questions the device has answered.
+    int answered(const QString& deviceId) const;
+    /// How many of them are right.
+    int rightAnswers(const QString& deviceId) const;
+    /// Whether the device has answered every question.
+    bool isFinished(const QString& deviceId) const;
+    /// How many have answered the question with this number.
+    int answeredBy(int number) const;
+    /// How many of them are right.
+    int rightBy(int number) const;
+    /// How many have answered every question.
+    int finished() const;
+    /// Those, and the others who are still here.
+    int expected() const;
+    /// The devices present that have not answered every question.
+    QStringList unfinished() const;
+    /// A line for each learner: name, marks, then answer and mark of each question.
+    Q_INVOKABLE QString toCsv() const;
+    /// The questions, every answer, the marks.
+    QJsonObject toJson() const;
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    int columnCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+Q_SIGNALS:
+    /// Paused, resumed or stopped.
+    void stateChanged();
+    /// Learners or answers have come: once for all that came together.
+    void changed();
+
+private:
+    friend class Lesson;
+    friend struct LessonPrivate;
+    Assessment(const AssessmentPlan& plan, bool isForAll, const Roster* roster, QObject* parent);
+    int numberOf(const QString& questionId) const;
+    QString questionId(int number) const;
+    void enter(const QString& deviceId);
+    bool add(const QString& deviceId, int number, const QString& text, int time);
+    void setPaused(bool paused);
+    void stop();
+    void flush();
+
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace Calyx
+
+Q_DECLARE_METATYPE(Calyx::AssessmentPlan)

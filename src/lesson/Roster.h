@@ -1,0 +1,87 @@
+#pragma once
+
+#include "calyxclient_export.h"
+#include "model/Learner.h"
+
+#include <QAbstractListModel>
+#include <QJsonArray>
+#include <QStringList>
+
+#include <memory>
+
+namespace Calyx {
+
+class Poll;
+
+/// Who takes part: every device that has joined the lesson, in the order of coming, those that have left
+/// included. Rows are stable. Names are not unique, devices are.
+///
+/// Owned by its Lesson, and on its thread. Names come from outside: control characters are replaced by
+/// blanks, 60 characters are kept; escape them where you show HTML.
+class CALYXCLIENT_EXPORT Roster : public QAbstractListModel
+{
+    Q_OBJECT
+    Q_PROPERTY(int count READ rowCount NOTIFY changed)
+    Q_PROPERTY(int presentCount READ presentCount NOTIFY changed)
+
+public:
+    /// Named "deviceId", "name", "deviceType", "isPresent", "hasAnswered" and "answer" in QML. The last two
+    /// are about Lesson::poll().
+    enum Role {
+        DeviceIdRole = Qt::UserRole + 1,
+        NameRole,
+        DeviceTypeRole,
+        IsPresentRole,
+        HasAnsweredRole,
+        AnswerRole
+    };
+    Q_ENUM(Role)
+
+    ~Roster() override;
+
+    /// How many are here.
+    int presentCount() const;
+    /// The most who were here at once.
+    int mostPresent() const;
+    /// Whether the device is here.
+    Q_INVOKABLE bool isPresent(const QString& deviceId) const;
+    /// Whether the device has ever been here.
+    Q_INVOKABLE bool contains(const QString& deviceId) const;
+    /// The learner's name; the device id when it has none.
+    Q_INVOKABLE QString name(const QString& deviceId) const;
+    /// The devices that are here, in the order of coming.
+    QStringList present() const;
+    /// The devices present that \p text names: by device id, else by the whole name, else by the beginning
+    /// of either; case does not count in names.
+    QStringList find(const QString& text) const;
+    /// Everybody with the times of coming and going.
+    QJsonArray toJson() const;
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+Q_SIGNALS:
+    /// A device that was not here is.
+    void joined(const QString& deviceId);
+    /// A device that was here is not any more.
+    void left(const QString& deviceId);
+    /// Somebody has come or gone: once for all who came together.
+    void changed();
+
+private:
+    friend class Lesson;
+    friend struct LessonPrivate;
+    explicit Roster(QObject* parent);
+    bool join(const Learner& learner);
+    bool leave(const QString& deviceId);
+    void clear();
+    void setPoll(const Poll* poll);
+    void tellAnswers();
+    void flush();
+
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace Calyx
