@@ -23,28 +23,38 @@ Export& currentExport()
     return instance;
 }
 
-// Takes our own value out of the environment for the length of one look-up. Emptied rather than removed: Qt
-// reads both as "not set", and a variable that stays in place never makes the C library move its table.
-class ExportSuspension
+// Qt takes what stands before the colon of "host:port" for the scheme.
+QByteArray withScheme(const QByteArray& value)
+{
+    return value.isEmpty() || value.contains("://") ? value : "http://" + value;
+}
+
+// Puts a value that Qt can read into the environment for the length of one look-up: the one from before our
+// own export, and with a scheme. Emptied rather than removed: Qt reads both as "not set", and a variable that
+// stays in place never makes the C library move its table.
+class ReadableEnvironment
 {
 public:
-    ExportSuspension()
-        : m_lock(&currentExport().mutex)
-        , m_active(currentExport().done && qgetenv(proxyVariable) == currentExport().exported)
+    ReadableEnvironment() : m_lock(&currentExport().mutex), m_value(qgetenv(proxyVariable))
+    {
+        const Export& state = currentExport();
+        const bool isOurs = state.done && m_value == state.exported;
+        const QByteArray readable = withScheme(isOurs ? state.before : m_value);
+        m_active = readable != m_value;
+        if (m_active)
+            qputenv(proxyVariable, readable);
+    }
+    ~ReadableEnvironment()
     {
         if (m_active)
-            qputenv(proxyVariable, currentExport().before);
+            qputenv(proxyVariable, m_value);
     }
-    ~ExportSuspension()
-    {
-        if (m_active)
-            qputenv(proxyVariable, currentExport().exported);
-    }
-    Q_DISABLE_COPY(ExportSuspension)
+    Q_DISABLE_COPY(ReadableEnvironment)
 
 private:
     QMutexLocker m_lock;
-    bool m_active;
+    QByteArray m_value;
+    bool m_active = false;
 };
 
 } // namespace
@@ -54,7 +64,7 @@ QNetworkProxy QSystemConfigurationProxyFactory::getPrimaryProxy()
     // Only asked about, never contacted: any public web address gives the proxy for ordinary web traffic.
     static const QNetworkProxyQuery query(QUrl(QStringLiteral("http://www.example.com/")),
                                           QNetworkProxyQuery::UrlRequest);
-    const ExportSuspension suspension;
+    const ReadableEnvironment environment;
     const QList<QNetworkProxy> proxies = QNetworkProxyFactory::systemProxyForQuery(query);
     if (!proxies.isEmpty() && proxies.first().port() != 0)
         return proxies.first();
@@ -71,6 +81,8 @@ QString QSystemConfigurationProxyFactory::getProxyString()
 
 void QSystemConfigurationProxyFactory::exportToEnvironment(const QString& proxy)
 {
+    if (proxy.startsWith(QLatin1Char(':')))
+        return;
     Export& state = currentExport();
     const QMutexLocker lock(&state.mutex);
     const QByteArray current = qgetenv(proxyVariable);
@@ -84,7 +96,7 @@ void QSystemConfigurationProxyFactory::exportToEnvironment(const QString& proxy)
 QList<QNetworkProxy> QSystemConfigurationProxyFactory::queryProxy(const QNetworkProxyQuery& query)
 {
     static thread_local bool asking = false;
-    const ExportSuspension suspension;
+    const ReadableEnvironment environment;
     if (asking) // the application has one of this class as its own
         return QNetworkProxyFactory::systemProxyForQuery(query);
     const QScopedValueRollback<bool> guard(asking, true);

@@ -10,7 +10,8 @@
 ///
 /// The static operations answer for the raw sockets. As a factory it answers for a QNetworkAccessManager:
 /// it gives the proxies that the application would have used if this library had never exported one.
-/// All operations may be called on any thread; none sends anything.
+/// A proxy variable without a scheme ("host:port") is read as one with "http://". All operations may be
+/// called on any thread; none sends anything.
 class CALYXCLIENT_EXPORT QSystemConfigurationProxyFactory : public QNetworkProxyFactory
 {
 public:
@@ -21,8 +22,9 @@ public:
     /// getPrimaryProxy() as host, ":" and port; without scheme and credentials. Empty when there is none.
     static QString getProxyString();
 
-    /// Puts \p proxy (as from getProxyString()) into the process environment as `http_proxy`. The value
-    /// has no scheme, which Qt misreads on the next look-up; from then on this class looks past it.
+    /// Puts \p proxy (as from getProxyString()) into the process environment as `http_proxy`; one without a
+    /// host is left out. The value has no scheme, which Qt misreads on the next look-up; from then on this
+    /// class looks past it.
     static void exportToEnvironment(const QString& proxy);
 
     /// The application's proxies for \p query, not disturbed by exportToEnvironment().
