@@ -8,22 +8,17 @@
 /// What may stand in the text of a raw request without ending a line of it, or splitting its first one.
 namespace RequestText {
 
-inline bool isControl(QChar c)
-{
-    return c < QLatin1Char(' ') || c == QChar(0x7f);
-}
-
 /// For a host name or a path.
 inline bool isSafeInFirstLine(const QString& text)
 {
     return std::none_of(text.begin(), text.end(),
-                        [](QChar c) { return isControl(c) || c == QLatin1Char(' '); });
+                        [](QChar c) { return c <= QLatin1Char(' ') || c == QChar(0x7f); });
 }
 
 /// For the value of a header line.
 inline bool isSafeInLine(const QByteArray& text)
 {
-    return std::none_of(text.begin(), text.end(), [](char c) { return isControl(QLatin1Char(c)); });
+    return std::none_of(text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
 }
 
 } // namespace RequestText

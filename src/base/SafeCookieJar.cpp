@@ -9,14 +9,23 @@
 
 namespace {
 
+// Qt puts a point before a domain that is a name, and a server may put one before an address.
+QString withoutPoint(const QString& domain)
+{
+    return domain.startsWith(QLatin1Char('.')) ? domain.mid(1) : domain;
+}
+
+bool isAddress(const QString& host)
+{
+    return !QHostAddress(host).isNull();
+}
+
 // An address has no domain but itself, and a name without a point is everybody's, but for the host that is
-// called so. Qt puts a point before a name.
+// called so.
 bool isOwnDomain(const QString& domain, const QString& host)
 {
-    if (domain == host || !QHostAddress(host).isNull())
-        return domain == host;
-    const QStringRef name = domain.midRef(domain.startsWith(QLatin1Char('.')) ? 1 : 0);
-    return name == host || name.contains(QLatin1Char('.'));
+    const QString name = withoutPoint(domain);
+    return name == host || (!isAddress(host) && name.contains(QLatin1Char('.')));
 }
 
 } // namespace
@@ -30,4 +39,13 @@ bool SafeCookieJar::validateCookie(const QNetworkCookie& cookie, const QUrl& url
         return QNetworkCookieJar::validateCookie(cookie, url);
     qCDebug(diagnostics) << m_tag << "Refused a cookie: control character, or a domain not its own";
     return false;
+}
+
+// A plain jar gives the cookie of a domain with a point to all names that end with it.
+bool SafeCookieJar::insertCookie(const QNetworkCookie& cookie)
+{
+    QNetworkCookie kept(cookie);
+    if (isAddress(withoutPoint(cookie.domain())))
+        kept.setDomain(withoutPoint(cookie.domain()));
+    return QNetworkCookieJar::insertCookie(kept);
 }

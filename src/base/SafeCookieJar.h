@@ -4,7 +4,7 @@
 
 /// Keeps cookies that can do no harm in the text of a request, and gives them to the host that set them.
 ///
-/// What a plain jar takes, and this one does not: a control character in a cookie's name or value, which
+/// What a plain jar takes, and this one does not: a CR, LF or NUL in a cookie's name or value, which
 /// could begin a header line of its own; and a domain that is the end of an IP address, which other addresses
 /// share.
 class SafeCookieJar : public QNetworkCookieJar
@@ -12,6 +12,9 @@ class SafeCookieJar : public QNetworkCookieJar
 public:
     /// Refusals are logged with \p tag at the beginning of the line.
     SafeCookieJar(const char* tag, QObject* parent);
+
+    /// Keeps \p cookie, that of an address under the address alone. False when it is refused or expired.
+    bool insertCookie(const QNetworkCookie& cookie) override;
 
 protected:
     bool validateCookie(const QNetworkCookie& cookie, const QUrl& url) const override;

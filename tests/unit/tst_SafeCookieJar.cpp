@@ -34,7 +34,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("name");
         QTest::addColumn<QByteArray>("value");
-        const QList<QByteArray> breaking{"\r", "\n", "\r\n", QByteArray(1, '\0'), "\t", "\x0b", "\x7f"};
+        const QList<QByteArray> breaking{"\r", "\n", "\r\n", QByteArray(1, '\0')};
         for (const QByteArray& text : breaking) {
             const QByteArray hex = text.toHex();
             QTest::addRow("%s in the value", hex.constData()) << QByteArray("a") << '1' + text + "X: 1";
@@ -58,11 +58,14 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("header");
         QTest::addColumn<QByteArray>("expected");
         QTest::newRow("plain") << QByteArray("a=1") << QByteArray("a=1;");
+        QTest::newRow("a tab") << QByteArray("a=1\t2") << QByteArray("a=1\t2;");
         QTest::newRow("a blank") << QByteArray("a=1 2") << QByteArray("a=1 2;");
         QTest::newRow("beyond ASCII") << QByteArray("a=\xc3\xa4") << QByteArray("a=\xc3\xa4;");
         QTest::newRow("beside a bad one") << QByteArray("a=1\nb=2\r3\nc=4") << QByteArray("a=1;c=4;");
         QTest::newRow("its own address as domain")
             << QByteArray("a=1; Domain=127.0.0.1") << QByteArray("a=1;");
+        QTest::newRow("its own address, a point before it")
+            << QByteArray("a=1; Domain=.127.0.0.1") << QByteArray("a=1;");
     }
 
     void harmlessOnesAreKept()
