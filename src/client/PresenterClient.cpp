@@ -1,10 +1,9 @@
-#include "client/PresenterClient.h"
+#include "client/PresenterClientPrivate.h"
 
 #include "base/Diagnostics.h"
 #include "base/FileDescriptors.h"
 #include "base/SafeCookieJar.h"
 #include "client/GzipInflate.h"
-#include "client/NestedWait.h"
 #include "client/ServiceEnvelope.h"
 #include "collab/CalyxCollabMessage.h"
 #include "collab/PresenterCollab.h"
@@ -18,6 +17,8 @@
 #include <QSslCertificate>
 #include <QSslConfiguration>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int replyLimit = 10000; // ms
@@ -26,6 +27,23 @@ constexpr qint64 largestReply = qint64(64) * 1024 * 1024;
 QString issuerName(const QSslCertificate& certificate)
 {
     return certificate.issuerInfo(QSslCertificate::CommonName).join(QLatin1Char(' '));
+}
+
+bool hasIssued(const QSslCertificate& authority, const QSslCertificate& certificate)
+{
+    const QList<QByteArray> attributes = certificate.issuerInfoAttributes();
+    return attributes == authority.subjectInfoAttributes() &&
+           std::all_of(attributes.begin(), attributes.end(), [&](const QByteArray& attribute) {
+               return certificate.issuerInfo(attribute) == authority.subjectInfo(attribute);
+           });
+}
+
+// Where Qt loads the system's authorities on demand, the configuration of a reply lists none of them.
+bool isIssuedBySystem(const QSslCertificate& certificate)
+{
+    const QList<QSslCertificate> authorities = QSslConfiguration::systemCaCertificates();
+    return std::any_of(authorities.begin(), authorities.end(),
+                       [&](const QSslCertificate& authority) { return hasIssued(authority, certificate); });
 }
 
 // A base address on the target of a redirect. Its path is dropped; https with port 443 written out keeps the
@@ -42,41 +60,73 @@ QString baseAddress(const QUrl& target)
     return address;
 }
 
+QString readBody(QNetworkReply* reply)
+{
+    QByteArray bytes = reply->isOpen() ? reply->readAll() : QByteArray(); // closed when it was aborted
+    if (reply->rawHeader("content-encoding") == "gzip") {
+        qCDebug(diagnostics) << "[REST Responze.gzip] Compressed size: " << bytes.size();
+        bytes = gUncompress(bytes);
+    }
+    return QString::fromUtf8(bytes.constData()); // up to the first NUL
+}
+
 } // namespace
 
 const QString PresenterClient::MULTIPART_BOUNDARY = QStringLiteral("----boundary");
 
 PresenterClient::PresenterClient(QObject* parent, QString server)
-    : QObject(parent)
-    , m_version(Calyx::CalyxCollabMessage::PROTOCOL_VERSION)
-    , m_server(server)
-    , m_manager(new QNetworkAccessManager(this))
+    : QObject(parent), d(std::make_unique<Private>(this, server))
 {
     Calyx::registerLearner();
-    if (m_server.endsWith(QLatin1Char('/')))
-        m_server.chop(1);
-    m_manager->setCookieJar(new SafeCookieJar("[PresenterClient]", this));
-    m_manager->setProxyFactory(new QSystemConfigurationProxyFactory);
+    QNetworkAccessManager* manager = d->manager.get();
+    manager->setCookieJar(new SafeCookieJar("[PresenterClient]", this));
+    manager->setProxyFactory(new QSystemConfigurationProxyFactory);
 
-    connect(m_manager, SIGNAL(finished(QNetworkReply*)), this, SLOT(slotRequestFinished(QNetworkReply*)));
-    connect(m_manager, SIGNAL(sslErrors(QNetworkReply*, QList<QSslError>)), this,
+    connect(manager, SIGNAL(finished(QNetworkReply*)), this, SLOT(slotRequestFinished(QNetworkReply*)));
+    connect(manager, SIGNAL(sslErrors(QNetworkReply*, QList<QSslError>)), this,
             SLOT(slotSslErrors(QNetworkReply*, QList<QSslError>)));
-    connect(m_manager, SIGNAL(authenticationRequired(QNetworkReply*, QAuthenticator*)), this,
+    connect(manager, SIGNAL(authenticationRequired(QNetworkReply*, QAuthenticator*)), this,
             SLOT(authenticationRequired(QNetworkReply*, QAuthenticator*)));
-    connect(&m_pingTimer, SIGNAL(timeout()), this, SLOT(onPingTimer()));
+    connect(&d->pingTimer, SIGNAL(timeout()), this, SLOT(onPingTimer()));
 }
 
 PresenterClient::~PresenterClient()
 {
-    if (!m_sessionCode.isNull() || !m_sessionToken.isNull())
+    d->pingTimer.stop();
+    if (!d->sessionCode.isNull() || !d->sessionToken.isNull())
         doStopSession();
-    // As our child it would die at once, maybe inside its own signal.
-    m_manager->setParent(nullptr);
-    m_manager->deleteLater();
-    m_manager = nullptr;
-    m_learners.clear();
-    m_callbacks.clear();
-    m_collab = nullptr;
+    // As our child it would die with us, maybe inside its own signal.
+    d->manager->setParent(nullptr);
+}
+
+PresenterClient::Private::Private(PresenterClient* client, const QString& address)
+    : q(client)
+    , version(Calyx::CalyxCollabMessage::PROTOCOL_VERSION)
+    , server(address)
+    , manager(new QNetworkAccessManager(client), [](QObject* object) { object->deleteLater(); })
+{
+    if (server.endsWith(QLatin1Char('/')))
+        server.chop(1);
+}
+
+bool PresenterClient::isLoggedIn() const
+{
+    return d->loggedIn;
+}
+
+bool PresenterClient::isServerReachable() const
+{
+    return d->serverReachable;
+}
+
+QString PresenterClient::server() const
+{
+    return d->server;
+}
+
+QString PresenterClient::lastError() const
+{
+    return d->lastError;
 }
 
 void PresenterClient::doRequest(bool wait, const QUrl& url, const QString& body, SuccessHandler success)
@@ -93,6 +143,14 @@ void PresenterClient::doRequest(bool wait, const QUrl& url, const QString& body,
 void PresenterClient::doRequest(bool wait, const QUrl& url, const QByteArray& body, SuccessHandler success,
                                 FailureHandler failure, bool multipart)
 {
+    QNetworkReply* reply = d->send(url, body, {success, failure}, multipart);
+    if (wait)
+        d->wait(reply, ReplyWaits::Patient);
+}
+
+QNetworkReply* PresenterClient::Private::send(const QUrl& url, const QByteArray& body, CALLBACKS handlers,
+                                              bool multipart)
+{
     // The first one begins a thread. A request without an address fails like any other.
     QNetworkRequest request(FileDescriptors::sufficeForThread() ? url : QUrl());
     request.setRawHeader("accept-encoding", "identity");
@@ -100,87 +158,91 @@ void PresenterClient::doRequest(bool wait, const QUrl& url, const QByteArray& bo
                       multipart ? QStringLiteral("multipart/form-data; charset=UTF-8; boundary=") +
                                       MULTIPART_BOUNDARY
                                 : QStringLiteral("application/json; charset=UTF-8"));
-    QNetworkReply* reply = m_manager->post(request, body);
-    m_callbacks[reply] = {success, failure};
+    QNetworkReply* reply = manager->post(request, body);
+    callbacks[reply] = handlers;
     connect(reply, &QNetworkReply::readyRead, reply, [reply] {
         if (reply->bytesAvailable() > largestReply)
             reply->abort(); // ends in slotRequestFinished(), as any failed reply
     });
-    if (!wait)
-        return;
-    const auto isProcessed = [this, reply] { return !m_callbacks.contains(reply); };
-    // A host that blocks our signals is not told of a reply that has come: the map is asked again.
-    if (NestedWait::run(this, &PresenterClient::requestProcessed, isProcessed, replyLimit) !=
-            NestedWait::TimedOut ||
-        isProcessed())
-        return;
-    const QPointer<PresenterClient> self(this);
-    reply->abort();
-    // The manager may have failed to begin its thread, and would go on without one.
-    if (self && m_callbacks.isEmpty())
-        m_manager->clearConnectionCache();
+    return reply;
 }
 
-// One operation's request. False when the client has been destroyed during the wait.
-bool PresenterClient::post(const char* path, const QString& body, SuccessHandler success,
-                           FailureHandler failure)
+void PresenterClient::Private::wait(QNetworkReply* reply, ReplyWaits::Kind kind)
+{
+    // The reply's own, so that it also ends a reply for which nobody waits any more.
+    auto* limit = new QTimer(reply);
+    limit->setTimerType(Qt::PreciseTimer);
+    limit->setSingleShot(true);
+    connect(limit, &QTimer::timeout, reply,
+            [self = QPointer<PresenterClient>(q), reply] { abortAtTheLimit(self, reply); });
+    limit->start(replyLimit);
+
+    const QPointer<QNetworkReply> pending(reply);
+    waits.run(q, reply, kind);
+    if (kind == ReplyWaits::Patient && pending)
+        pending->abort(); // the application ends; without effect on a reply that has been processed
+}
+
+void PresenterClient::Private::abortAtTheLimit(const QPointer<PresenterClient>& client, QNetworkReply* reply)
+{
+    reply->abort();
+    // The manager may have failed to begin its thread, and would go on without one.
+    if (client && client->d->callbacks.isEmpty())
+        client->d->manager->clearConnectionCache();
+}
+
+bool PresenterClient::Private::post(const char* path, const QString& body, SuccessHandler success,
+                                    FailureHandler failure)
 {
     return post(QString(QLatin1String(path)), body, success, failure);
 }
 
-bool PresenterClient::post(const QString& path, const QString& body, SuccessHandler success,
-                           FailureHandler failure)
+bool PresenterClient::Private::post(const QString& path, const QString& body, SuccessHandler success,
+                                    FailureHandler failure)
 {
-    const QPointer<PresenterClient> self(this);
-    doRequest(true, QUrl(m_server + path), body, success, failure, false);
+    const QPointer<PresenterClient> self(q);
+    wait(send(QUrl(server + path), body.toUtf8(), {success, failure}, false), ReplyWaits::Patient);
     return self;
 }
 
 void PresenterClient::slotRequestFinished(QNetworkReply* reply)
 {
-    if (!followRedirect(reply)) {
+    // It emits the signal that brings us here, and a host's slot may destroy us before that returns.
+    const std::shared_ptr<QNetworkAccessManager> emitting = d->manager;
+    if (!d->followRedirect(reply)) {
         const QString body = readBody(reply);
         qCDebug(diagnostics) << "[REST Response] " << body;
-        callHandler(reply, body);
+        d->callHandler(reply, body);
     }
-    m_callbacks.remove(reply);
+    d->callbacks.remove(reply);
+    d->waits.end(reply);
     reply->deleteLater();
     Q_EMIT requestProcessed();
 }
 
 // A redirect within the scheme, or to https, moves the base address. The request itself is not repeated.
-bool PresenterClient::followRedirect(QNetworkReply* reply)
+bool PresenterClient::Private::followRedirect(QNetworkReply* reply)
 {
     const QUrl target = reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
     if (target.isEmpty())
         return false;
-    if (target.scheme() != QUrl(m_server).scheme() && target.scheme() != QLatin1String("https"))
+    if (target.scheme() != QUrl(server).scheme() && target.scheme() != QLatin1String("https"))
         return false;
-    m_serverReachable = true;
-    m_server = baseAddress(target);
+    serverReachable = true;
+    server = baseAddress(target);
     return true;
 }
 
-QString PresenterClient::readBody(QNetworkReply* reply)
+void PresenterClient::Private::callHandler(QNetworkReply* reply, const QString& body)
 {
-    QByteArray bytes = reply->isOpen() ? reply->readAll() : QByteArray(); // closed when it was aborted
-    if (reply->rawHeader("content-encoding") == "gzip") {
-        qCDebug(diagnostics) << "[REST Responze.gzip] Compressed size: " << bytes.size();
-        bytes = gUncompress(bytes);
-    }
-    return QString::fromUtf8(bytes.constData()); // up to the first NUL
-}
-
-void PresenterClient::callHandler(QNetworkReply* reply, const QString& body)
-{
-    const CALLBACKS callbacks = m_callbacks.value(reply, CALLBACKS{nullptr, nullptr});
+    const CALLBACKS handlers = callbacks.value(reply, CALLBACKS{nullptr, nullptr});
     if (reply->error() != QNetworkReply::NoError) {
         qCDebug(diagnostics).noquote()
             << QStringLiteral("ERROR: %0\nRESPONSE: %1").arg(reply->errorString(), body);
-        if (callbacks.failure)
-            (this->*callbacks.failure)(reply, body);
-    } else if (callbacks.success) {
-        (this->*callbacks.success)(body);
+        if (handlers.failure)
+            (q->*handlers.failure)(reply, body);
+    } else if (handlers.success) {
+        (q->*handlers.success)(body);
     }
 }
 
@@ -198,12 +260,12 @@ bool PresenterClient::isErrorInErrorMsgKeys(const QVariant& reply, QString& erro
 }
 
 // What the failure handlers do with the body of a refusal.
-void PresenterClient::readErrorKey(const QString& body)
+void PresenterClient::Private::readErrorKey(const QString& body)
 {
     bool ok = false;
     const QVariantMap envelope = ServiceEnvelope::parse(body, &ok);
     if (ok)
-        isErrorInErrorMsgKeys(envelope, m_lastError);
+        q->isErrorInErrorMsgKeys(envelope, lastError);
 }
 
 bool PresenterClient::LzmaDecompress64(QString in, QString* out)
@@ -214,17 +276,17 @@ bool PresenterClient::LzmaDecompress64(QString in, QString* out)
 bool PresenterClient::checkServer(const QString& user, const QString& password)
 {
     if (!user.isEmpty())
-        m_authUser = user;
+        d->authUser = user;
     if (!password.isEmpty())
-        m_authPassword = password;
-    m_lastError = QString();
-    m_serverReachable = false;
-    return post("/tavisto", QString(), &PresenterClient::serverCheckResponse) && m_serverReachable;
+        d->authPassword = password;
+    d->lastError = QString();
+    d->serverReachable = false;
+    return d->post("/tavisto", QString(), &PresenterClient::serverCheckResponse) && d->serverReachable;
 }
 
 void PresenterClient::serverCheckResponse(QString body)
 {
-    ServiceEnvelope::parse(body, &m_serverReachable);
+    ServiceEnvelope::parse(body, &d->serverReachable);
 }
 
 void PresenterClient::slotSslErrors(QNetworkReply* reply, QList<QSslError> errors)
@@ -251,16 +313,16 @@ void PresenterClient::slotSslErrors(QNetworkReply* reply, QList<QSslError> error
         qCDebug(diagnostics) << "CommonName:" << name;
         found = found || name == issuer;
     }
-    if (!found)
-        m_lastError = QStringLiteral("SSLRootCertificateMissing");
+    if (!found && !isIssuedBySystem(root))
+        d->lastError = QStringLiteral("SSLRootCertificateMissing");
 }
 
 void PresenterClient::authenticationRequired(QNetworkReply*, QAuthenticator* authenticator)
 {
-    if (!m_authUser.isEmpty())
-        authenticator->setUser(m_authUser);
-    if (!m_authPassword.isEmpty())
-        authenticator->setPassword(m_authPassword);
+    if (!d->authUser.isEmpty())
+        authenticator->setUser(d->authUser);
+    if (!d->authPassword.isEmpty())
+        authenticator->setPassword(d->authPassword);
 }
 
 void PresenterClient::onPingTimer()

@@ -1,20 +1,19 @@
 #pragma once
 
-#include "calyxclient_export.h"
-#include "collab/PresenterCollab.h"
-#include "model/Learner.h"
+#include <CalyxClient/calyxclient_export.h>
+#include <CalyxClient/collab/PresenterCollab.h>
+#include <CalyxClient/model/Learner.h>
 
 #include <QByteArray>
 #include <QList>
-#include <QMap>
 #include <QObject>
-#include <QPointer>
 #include <QSslError>
 #include <QString>
 #include <QStringList>
-#include <QTimer>
 #include <QUrl>
 #include <QVariant>
+
+#include <memory>
 
 class QAuthenticator;
 class QNetworkAccessManager;
@@ -22,10 +21,12 @@ class QNetworkReply;
 
 /// A teacher's client of the classroom service.
 ///
-/// Each operation sends one POST (some several) and blocks until the service has answered or 10 seconds have
-/// passed, in a nested event loop that leaves user input alone; timers and sockets of the host go on
-/// meanwhile. What an operation returns, the accessors keep. After one that failed, lastError() may hold the
-/// service's error key.
+/// Each operation sends one POST (some several) and blocks until the reply has been processed or 10 seconds
+/// have passed, in a nested event loop that leaves user input alone. Everything else of the host's goes on
+/// meanwhile: timers, sockets, queued calls, painting. An operation that is started there ends first, and
+/// the one outside returns after it; a keep-alive is the exception, and is never waited for. Once the
+/// application has been told to quit, no loop runs, and operations fail at once until its exec() has
+/// returned. What an operation returns, the accessors keep.
 ///
 /// Lives on the thread that created it. May be deleted at any time, also while an operation waits: the
 /// operation then returns false or an empty text. Values are put into the request as they are, without JSON
@@ -55,64 +56,77 @@ public:
     /// \p server is the service's base address, for example "https://classroom.example"; one "/" at its end
     /// is dropped. Sends nothing. Cookies of the service are kept in memory and sent back.
     PresenterClient(QObject* parent, QString server);
-    /// Stops a session that is still open, which sends one request and waits for its answer as every
-    /// operation does.
+    /// Ends the keep-alive, then stops a session that has been started and not stopped: one request, for
+    /// whose answer it waits as every operation does.
     ~PresenterClient() override;
 
     /// Whether the last operation that could tell found the user logged in.
-    bool isLoggedIn() const { return m_loggedIn; }
-    /// Whether the last checkServer() or keep-alive found the service answering.
-    bool isServerReachable() const { return m_serverReachable; }
+    bool isLoggedIn() const;
+    /// Whether the service was found answering: by the last checkServer(), by a redirect followed since, or
+    /// by a keep-alive that got JSON since (other text sets it to false). A keep-alive that is refused, or
+    /// meets nobody, leaves it as it was.
+    bool isServerReachable() const;
     /// The base address, which a redirect can change.
-    QString server() const { return m_server; }
-    /// The error key of the last failure, "SSLRootCertificateMissing" included; null when there was none.
-    QString lastError() const { return m_lastError; }
+    QString server() const;
+    /// The error key that a failed operation has left: the service's own, when the reply had an HTTP error
+    /// and its first key has "error" in it, or "SSLRootCertificateMissing". checkServer(), the log-ins and
+    /// doStartSession() set it to null before they send, no other operation does. So it is also null after a
+    /// failure without such a key: nobody answered, the answer was no JSON, or it was a refusal with HTTP
+    /// status 200.
+    QString lastError() const;
     /// The user who logs in; after doGetUserName(), and so after doStartSession(), as the service spells it.
     /// Null before the first login, empty or null when the service said that nobody is logged in.
-    QString userId() const { return m_userId; }
-    /// The registration data (JSON) that the service asks a new OAuth user to complete; null when it asked
-    /// for none.
-    QString registration() const { return m_registration; }
+    QString userId() const;
+    /// The registration data (JSON) that the service asks a new OAuth user to complete; null before. A token
+    /// request that got no token leaves here what its reply has as "data", whatever that is, or the text of
+    /// the reply from its seventh character on; only doLoginWithOAuth() sets it to null again.
+    QString registration() const;
     /// The code by which learners join; null without a session.
-    QString sessionCode() const { return m_sessionCode; }
+    QString sessionCode() const;
     /// The token of the started session; null without one.
-    QString sessionToken() const { return m_sessionToken; }
+    QString sessionToken() const;
     /// The presenter's own token in the session: the sender of all that goes out. Null before the first
     /// startWebsocket(); kept when the session ends.
-    QString userToken() const { return m_userToken; }
+    QString userToken() const;
     /// The address of the live channel's server, as the service gave it; null before the first
     /// startWebsocket().
-    QString collabServerUrl() const { return m_collabServerUrl; }
+    QString collabServerUrl() const;
     /// The transports that the tenant, or setSockJSOverrideProtocols(), prescribes; empty means the default
     /// ones.
-    QStringList sockJSProtocols() const { return m_sockJSProtocols; }
+    QStringList sockJSProtocols() const;
     /// The learners as doGetLearners() found them last, in the service's order; empty before that. Kept when
     /// the session ends.
-    QList<Learner> learners() const { return m_learners; }
+    QList<Learner> learners() const;
     /// The id of the resource last uploaded; null before the first upload and after one that failed.
-    QString resourceId() const { return m_resourceId; }
+    QString resourceId() const;
     /// The path of that resource, as the service gave it; null when it gave none.
-    QString resourcePath() const { return m_resourcePath; }
+    QString resourcePath() const;
     /// The live channel last opened; null before the first, or when the host has deleted it. Owned by this
     /// client.
-    PresenterCollab* collab() const { return m_collab; }
+    PresenterCollab* collab() const;
 
     // The request engine.
 
     ///@{
     /// Posts \p body as JSON (or, with \p multipart, as multipart form data) to \p url. With \p wait, blocks
     /// until the reply has been processed: the success handler was called with its body, or the failure
-    /// handler with the reply and its body. A redirect calls neither. A reply that takes longer than 10
-    /// seconds, or is larger than 64 MiB, is aborted and fails. Either handler may be null; handlers set what
-    /// the accessors tell. Without \p wait, requestProcessed() tells that the reply has come.
+    /// handler with the reply and its body. A redirect calls neither. A reply for which somebody waits and
+    /// that takes longer than 10 seconds, sending included, is aborted and fails; so is one larger than 64
+    /// MiB. Either handler may be null; handlers set what the accessors tell. Without \p wait,
+    /// requestProcessed() tells that the reply has come.
     void doRequest(bool wait, const QUrl& url, const QString& body, SuccessHandler success);
     void doRequest(bool wait, const QUrl& url, const QString& body, SuccessHandler success,
                    FailureHandler failure, bool multipart);
     void doRequest(bool wait, const QUrl& url, const QByteArray& body, SuccessHandler success,
                    FailureHandler failure, bool multipart);
     ///@}
-    /// Whether the service answers, with JSON of whatever content. Posts an empty body to "/tavisto". \p user
-    /// and \p password, unless empty, are offered to HTTP authentication from now on.
+    /// Whether somebody answers, with JSON of whatever content or with a redirect. Posts an empty body to
+    /// "/tavisto". \p user and \p password, unless empty, are offered to HTTP authentication from now on.
+    ///
+    /// True does not prove that it is the service: the sign-in page of a guest network (a captive portal)
+    /// redirects, that is followed, and server() names the portal from then on. Compare server() with the
+    /// address that was meant before a password is sent; where it has changed to another host, have the user
+    /// sign in to the network, and make a new client.
     bool checkServer(const QString& user, const QString& password);
     /// Whether the first of the reply's "errorMsgKeys" contains "error"; \p error receives it, else null.
     bool isErrorInErrorMsgKeys(const QVariant& reply, QString& error);
@@ -124,8 +138,7 @@ public:
     ///@{
     /// Logs in, by password or by device access token, with a request to "/tavisto/login/submit". Clears
     /// lastError() first. True when the service accepts; from then on a request every 60 seconds keeps the
-    /// login alive until doLogout(). False with the service's key in lastError() when it refuses; when it
-    /// cannot be reached, lastError() is null, or "SSLRootCertificateMissing".
+    /// login alive until doLogout(). False when it does not, or cannot be reached: lastError() tells.
     bool doLogin(QString userId, QString password);
     bool doLogin(QString userId, QString deviceId, QString deviceAccessToken);
     ///@}
@@ -136,8 +149,9 @@ public:
     bool doLoginWithOAuth(QString provider, QString code, QString& registration);
     ///@{
     /// A token with which this device can log in later without a password. With it the client counts as
-    /// logged in, but nothing keeps this login alive. Empty when the service gave none, the token before when
-    /// the request failed. The OAuth form sets \p registration as doLoginWithOAuth() does.
+    /// logged in, but nothing keeps this login alive. Empty or null when the service gave none; then the
+    /// client counts as logged out. The token before when the request failed. lastError() is left alone. The
+    /// OAuth form sets \p registration to registration(), which may stem from an earlier reply.
     QString doGetAccessToken(QString userId, QString password, QString deviceId, QString deviceName);
     QString doGetOAuthAccessToken(QString provider, QString code, QString deviceId, QString deviceName,
                                   QString& registration);
@@ -150,15 +164,17 @@ public:
     /// Logs in with the credentials used last: password, else device token, else OAuth code. Does nothing
     /// without any. Whether it worked shows in isLoggedIn().
     void reLogin();
-    /// Tells the service that the login is still in use, and sets isServerReachable(). Every 60 seconds by
-    /// itself while logged in.
+    /// Tells the service that the login is still in use; an answer sets isServerReachable(). Every 60 seconds
+    /// by itself while logged in. Inside another operation's wait it returns when that wait ends, with or
+    /// without its answer, which is then processed when it comes, within 10 seconds.
     void sendKeepAlive();
 
     // Classroom session.
 
-    /// Creates a session, logging in again if the service has forgotten us: two requests or three. The
-    /// argument is not used. On true, sessionCode() is what learners join with once startWebsocket() has
-    /// started the session. Forgets the codes of a session before, without stopping it.
+    /// Asks who is logged in, logs in again when the service says that nobody is and there are credentials,
+    /// and creates a session: up to three requests. The argument is not used. On true, sessionCode() is what
+    /// learners join with once startWebsocket() has started the session. Once logged in it forgets the code
+    /// and the token of a session before, without stopping it.
     bool doStartSession(QString);
     /// Refreshes learners(); they stay as they were when the request fails. False only without a started
     /// session.
@@ -172,10 +188,12 @@ public:
     /// Starts the created session and opens its live channel: four requests, then PresenterCollab::open(),
     /// which blocks as described there. On success \p collab receives the channel, owned by this client;
     /// PresenterCollab::isConnected() tells whether it is open yet, SockJSConnector::connected() when it is.
-    /// A channel opened before is forgotten, not deleted.
+    /// A channel opened before is forgotten, not deleted. \p collab may be null: collab() has the channel.
     ///
-    /// False leaves \p collab as it was: the service gave no address, or refused the start, its key then in
-    /// lastError(). A key that an operation before has left there refuses the start, too.
+    /// False leaves \p collab as it was: there is no address, the service refused the start, its key then in
+    /// lastError(), or the host has deleted the client or the channel meanwhile. A key that an operation
+    /// before has left in lastError() refuses the start, too. When the request for the address fails, the
+    /// address of an earlier start serves. A start that fails without a key goes on, with the token before.
     bool startWebsocket(PresenterCollab** collab);
     /// Transport names ("websocket", "xhr-streaming", "xhr-polling") to use instead of the tenant's, from the
     /// next startWebsocket(). An empty list sets none: the tenant's count again.
@@ -188,7 +206,8 @@ public:
     /// Stores \p data under \p fileName on the service, in one multipart request. Learners' devices can load
     /// it from server() and \p downloadPath, without a login. On success \p resourceId receives the
     /// resource's id (empty when the service gave none) and \p downloadPath its path below the base address.
-    /// False leaves both as they were; the reason is not kept.
+    /// False leaves both as they were; the reason is not kept. Either may be null. Sending counts towards the
+    /// 10 seconds: on a line of 1 Mbit/s they suffice for about 1 MB.
     bool doUploadResource(QString fileName, QByteArray data, QString* resourceId, QString* downloadPath);
     /// One value of a multipart body, with the delimiter behind it.
     QString addMultipartValue(QString name, QString value, bool last);
@@ -225,54 +244,13 @@ protected Q_SLOTS:
     void slotRequestFinished(QNetworkReply* reply);
     /// sendKeepAlive().
     void onPingTimer();
-    /// Logs TLS errors and ignores none; sets lastError() to "SSLRootCertificateMissing" when no known root
-    /// has issued the server's chain.
+    /// Logs TLS errors and ignores none; sets lastError() to "SSLRootCertificateMissing" when neither the
+    /// reply's configuration nor the system holds the authority that has issued the server's chain.
     void slotSslErrors(QNetworkReply* reply, QList<QSslError> errors);
     /// Answers HTTP authentication with what checkServer() was given.
     void authenticationRequired(QNetworkReply* reply, QAuthenticator* authenticator);
 
 private:
-    bool post(const char* path, const QString& body, SuccessHandler success,
-              FailureHandler failure = nullptr);
-    bool post(const QString& path, const QString& body, SuccessHandler success,
-              FailureHandler failure = nullptr);
-    bool followRedirect(QNetworkReply* reply);
-    QString readBody(QNetworkReply* reply);
-    void callHandler(QNetworkReply* reply, const QString& body);
-    void readErrorKey(const QString& body);
-    void startLogin();
-    bool finishLogin();
-    void readRegistration(const QString& body);
-    QString callbackUrl(const QString& provider) const;
-    bool openCollab(PresenterCollab** collab);
-
-    QTimer m_pingTimer;
-    bool m_loggedIn = false;
-    bool m_serverReachable = false;
-    QString m_sessionCode;
-    QString m_newDeviceAccessToken;
-    QString m_collabServerUrl;
-    QString m_version;
-    QStringList m_sockJSProtocols;
-    QStringList m_sockJSOverrideProtocols;
-    QString m_sessionToken;
-    QString m_userToken;
-    QString m_server;
-    QList<Learner> m_learners;
-    QNetworkAccessManager* m_manager;
-    QMap<QNetworkReply*, CALLBACKS> m_callbacks;
-    QPointer<PresenterCollab> m_collab;
-    QString m_userId;
-    QString m_password;
-    QString m_deviceId;
-    QString m_deviceAccessToken;
-    QString m_oauthProvider;
-    QString m_oauthCode;
-    QString m_registration;
-    QString m_resourcePath;
-    QString m_resourceId;
-    QString m_lastError;
-    QString m_authUser;
-    QString m_authPassword;
-    int m_openLimit = 0;
+    class Private;
+    std::unique_ptr<Private> d;
 };

@@ -1,4 +1,4 @@
-#include "client/PresenterClient.h"
+#include "client/PresenterClientPrivate.h"
 
 #include "client/ServiceEnvelope.h"
 
@@ -27,129 +27,142 @@ QString withSourceSystem(QString registration)
 
 } // namespace
 
+QString PresenterClient::userId() const
+{
+    return d->userId;
+}
+
+QString PresenterClient::registration() const
+{
+    return d->registration;
+}
+
 bool PresenterClient::doLogin(QString userId, QString password)
 {
-    startLogin();
-    m_userId = userId;
-    m_password = password;
+    d->startLogin();
+    d->userId = userId;
+    d->password = password;
     const QString body = QStringLiteral(R"({"userId":"%0","password":"%1","sourceSystem":"Lumora"})");
-    return post(loginPath, body.arg(userId, password), &PresenterClient::loginSuccessResponse,
-                &PresenterClient::loginFailureResponse) &&
-           finishLogin();
+    return d->post(loginPath, body.arg(userId, password), &PresenterClient::loginSuccessResponse,
+                   &PresenterClient::loginFailureResponse) &&
+           d->finishLogin();
 }
 
 bool PresenterClient::doLogin(QString userId, QString deviceId, QString deviceAccessToken)
 {
-    startLogin();
-    m_userId = userId;
-    m_deviceId = deviceId;
-    m_deviceAccessToken = deviceAccessToken;
+    d->startLogin();
+    d->userId = userId;
+    d->deviceId = deviceId;
+    d->deviceAccessToken = deviceAccessToken;
     const QString body =
         QStringLiteral(R"({"userId":"%0","deviceId":"%1","deviceAccessToken":"%2","sourceSystem":"Lumora"})");
-    return post(loginPath, body.arg(userId, deviceId, deviceAccessToken),
-                &PresenterClient::loginSuccessResponse, &PresenterClient::loginFailureResponse) &&
-           finishLogin();
+    return d->post(loginPath, body.arg(userId, deviceId, deviceAccessToken),
+                   &PresenterClient::loginSuccessResponse, &PresenterClient::loginFailureResponse) &&
+           d->finishLogin();
 }
 
 bool PresenterClient::doLoginWithOAuth(QString provider, QString code, QString& registration)
 {
-    startLogin();
-    m_registration = QString();
-    m_oauthProvider = provider;
-    m_oauthCode = code;
+    d->startLogin();
+    d->registration = QString();
+    d->oauthProvider = provider;
+    d->oauthCode = code;
     const bool isFirstStep = registration.isEmpty();
     const QString path =
         isFirstStep ? callbackPath(provider) : QStringLiteral("/tavisto/register/oauth/submit");
     const QString firstBody = QStringLiteral(R"({"code":"%0","callbackUrl":"%1","sourceSystem":"Lumora"})");
     const QString body =
-        isFirstStep ? firstBody.arg(code, callbackUrl(provider)) : withSourceSystem(registration);
-    if (!post(path, body, &PresenterClient::loginSuccessResponse, &PresenterClient::loginFailureResponse))
+        isFirstStep ? firstBody.arg(code, d->callbackUrl(provider)) : withSourceSystem(registration);
+    if (!d->post(path, body, &PresenterClient::loginSuccessResponse, &PresenterClient::loginFailureResponse))
         return false;
-    finishLogin();
-    registration = m_registration;
-    return m_loggedIn;
+    d->finishLogin();
+    registration = d->registration;
+    return d->loggedIn;
 }
 
 QString PresenterClient::doGetAccessToken(QString userId, QString password, QString deviceId,
                                           QString deviceName)
 {
-    m_userId = userId;
-    m_password = password;
+    d->userId = userId;
+    d->password = password;
     const QString body = QStringLiteral(
         R"({"userId":"%0","password":"%1","deviceId":"%2","deviceName":"%3","sourceSystem":"Lumora"})");
-    if (!post(loginPath, body.arg(userId, password, deviceId, deviceName),
-              &PresenterClient::getDeviceAccessTokenResponse))
+    if (!d->post(loginPath, body.arg(userId, password, deviceId, deviceName),
+                 &PresenterClient::getDeviceAccessTokenResponse))
         return QString();
-    return m_newDeviceAccessToken;
+    return d->newDeviceAccessToken;
 }
 
 QString PresenterClient::doGetOAuthAccessToken(QString provider, QString code, QString deviceId,
                                                QString deviceName, QString& registration)
 {
-    m_oauthProvider = provider;
-    m_oauthCode = code;
+    d->oauthProvider = provider;
+    d->oauthCode = code;
     const QString body = QStringLiteral(
         R"({"code":"%0","callbackUrl":"%1","deviceId":"%2","deviceName":"%3","sourceSystem":"Lumora"})");
-    if (!post(callbackPath(provider), body.arg(code, callbackUrl(provider), deviceId, deviceName),
-              &PresenterClient::getDeviceAccessTokenResponse))
+    if (!d->post(callbackPath(provider), body.arg(code, d->callbackUrl(provider), deviceId, deviceName),
+                 &PresenterClient::getDeviceAccessTokenResponse))
         return QString();
-    registration = m_registration;
-    return m_newDeviceAccessToken;
+    registration = d->registration;
+    return d->newDeviceAccessToken;
 }
 
 QString PresenterClient::doGetUserName()
 {
-    if (!post("/tavisto/login/user", QStringLiteral("{}"), &PresenterClient::userNameResponse))
+    if (!d->post("/tavisto/login/user", QStringLiteral("{}"), &PresenterClient::userNameResponse))
         return QString();
-    return m_userId;
+    return d->userId;
 }
 
 bool PresenterClient::doLogout()
 {
     const QPointer<PresenterClient> self(this);
-    m_pingTimer.stop();
-    if (!m_sessionCode.isNull() || !m_sessionToken.isNull())
+    d->pingTimer.stop();
+    if (!d->sessionCode.isNull() || !d->sessionToken.isNull())
         doStopSession();
-    return self && post("/tavisto/login/logout", QStringLiteral("{}"), &PresenterClient::logoutResponse) &&
-           !m_loggedIn;
+    return self && d->post("/tavisto/login/logout", QStringLiteral("{}"), &PresenterClient::logoutResponse) &&
+           !d->loggedIn;
 }
 
 void PresenterClient::reLogin()
 {
-    if (m_userId.isEmpty())
+    if (d->userId.isEmpty())
         return;
-    if (!m_password.isEmpty()) {
-        doLogin(m_userId, m_password);
-    } else if (!m_deviceId.isEmpty() && !m_deviceAccessToken.isEmpty()) {
-        doLogin(m_userId, m_deviceId, m_deviceAccessToken);
-    } else if (!m_oauthProvider.isEmpty() && !m_oauthCode.isEmpty()) {
+    if (!d->password.isEmpty()) {
+        doLogin(d->userId, d->password);
+    } else if (!d->deviceId.isEmpty() && !d->deviceAccessToken.isEmpty()) {
+        doLogin(d->userId, d->deviceId, d->deviceAccessToken);
+    } else if (!d->oauthProvider.isEmpty() && !d->oauthCode.isEmpty()) {
         QString registration;
-        doLoginWithOAuth(m_oauthProvider, m_oauthCode, registration);
+        doLoginWithOAuth(d->oauthProvider, d->oauthCode, registration);
     }
 }
 
 void PresenterClient::sendKeepAlive()
 {
-    post("/tavisto/login/keepSessionAlive", QString(), &PresenterClient::serverCheckResponse);
+    const QUrl url(d->server + QStringLiteral("/tavisto/login/keepSessionAlive"));
+    QNetworkReply* reply =
+        d->send(url, QByteArray(), {&PresenterClient::serverCheckResponse, nullptr}, false);
+    d->wait(reply, ReplyWaits::Yielding);
 }
 
-void PresenterClient::startLogin()
+void PresenterClient::Private::startLogin()
 {
-    m_lastError = QString();
-    m_loggedIn = false;
+    lastError = QString();
+    loggedIn = false;
 }
 
-bool PresenterClient::finishLogin()
+bool PresenterClient::Private::finishLogin()
 {
-    if (m_loggedIn)
-        m_pingTimer.start(keepAliveInterval);
-    return m_loggedIn;
+    if (loggedIn)
+        pingTimer.start(keepAliveInterval);
+    return loggedIn;
 }
 
 // Only this one provider wants the slash.
-QString PresenterClient::callbackUrl(const QString& provider) const
+QString PresenterClient::Private::callbackUrl(const QString& provider) const
 {
-    return provider == QLatin1String("facebook") ? m_server + QLatin1Char('/') : m_server;
+    return provider == QLatin1String("facebook") ? server + QLatin1Char('/') : server;
 }
 
 void PresenterClient::loginSuccessResponse(QString body)
@@ -158,52 +171,53 @@ void PresenterClient::loginSuccessResponse(QString body)
     const QVariant messages = envelope.value(QStringLiteral("infoMsgs"));
     if (messages.canConvert<QVariantList>()) {
         if (firstText(messages).contains(QLatin1String("success")))
-            m_loggedIn = true;
+            d->loggedIn = true;
         return;
     }
     QString key;
-    if (!m_loggedIn) {
+    if (!d->loggedIn) {
         key = firstText(envelope.value(QStringLiteral("infoMsgKeys")));
         if (key.contains(QLatin1String("success")))
-            m_loggedIn = true;
-        if (!m_loggedIn)
+            d->loggedIn = true;
+        if (!d->loggedIn)
             return;
     }
-    if (!m_oauthProvider.isEmpty() && !m_oauthCode.isEmpty() && key.contains(QLatin1String("registration"))) {
-        m_loggedIn = false;
-        readRegistration(body);
+    if (!d->oauthProvider.isEmpty() && !d->oauthCode.isEmpty() &&
+        key.contains(QLatin1String("registration"))) {
+        d->loggedIn = false;
+        d->readRegistration(body);
     }
 }
 
 // The raw text of "data", without the brace that closes the envelope. Its place is compared with 0, not with
 // -1: in a body without "data" the text starts at position 6, and hosts have come to see that.
-void PresenterClient::readRegistration(const QString& body)
+void PresenterClient::Private::readRegistration(const QString& body)
 {
     const QString key = QStringLiteral("\"data\":");
     const int index = body.indexOf(key);
     if (index != 0)
-        m_registration = body.mid(index + key.size(), body.size() - index - key.size() - 1);
+        registration = body.mid(index + key.size(), body.size() - index - key.size() - 1);
 }
 
 void PresenterClient::loginFailureResponse(QNetworkReply*, QString body)
 {
-    readErrorKey(body);
+    d->readErrorKey(body);
 }
 
 void PresenterClient::getDeviceAccessTokenResponse(QString body)
 {
     const QVariantMap data = ServiceEnvelope::data(ServiceEnvelope::parse(body));
-    m_newDeviceAccessToken = data.value(QStringLiteral("deviceAccessToken")).toString();
-    m_loggedIn = !m_newDeviceAccessToken.isEmpty();
-    if (!m_loggedIn)
-        readRegistration(body);
+    d->newDeviceAccessToken = data.value(QStringLiteral("deviceAccessToken")).toString();
+    d->loggedIn = !d->newDeviceAccessToken.isEmpty();
+    if (!d->loggedIn)
+        d->readRegistration(body);
 }
 
 void PresenterClient::userNameResponse(QString body)
 {
     const QVariantMap data = ServiceEnvelope::data(ServiceEnvelope::parse(body));
-    m_userId = data.value(QStringLiteral("userLoginId")).toString();
-    m_loggedIn = !m_userId.isEmpty();
+    d->userId = data.value(QStringLiteral("userLoginId")).toString();
+    d->loggedIn = !d->userId.isEmpty();
 }
 
 void PresenterClient::logoutResponse(QString body)
@@ -211,5 +225,5 @@ void PresenterClient::logoutResponse(QString body)
     bool ok = false;
     ServiceEnvelope::parse(body, &ok);
     if (ok)
-        m_loggedIn = false;
+        d->loggedIn = false;
 }

@@ -1,4 +1,4 @@
-#include "client/PresenterClient.h"
+#include "client/PresenterClientPrivate.h"
 
 #include "base/Diagnostics.h"
 #include "client/ServiceEnvelope.h"
@@ -18,64 +18,86 @@ void readText(const QString& body, const char* key, QString& member)
 
 } // namespace
 
+QString PresenterClient::userToken() const
+{
+    return d->userToken;
+}
+
+QString PresenterClient::collabServerUrl() const
+{
+    return d->collabServerUrl;
+}
+
+QStringList PresenterClient::sockJSProtocols() const
+{
+    return d->sockJSProtocols;
+}
+
+PresenterCollab* PresenterClient::collab() const
+{
+    return d->collab;
+}
+
 void PresenterClient::setSockJSOverrideProtocols(QStringList protocols)
 {
-    m_sockJSOverrideProtocols = protocols;
+    d->sockJSOverrideProtocols = protocols;
 }
 
 void PresenterClient::setOpenLimit(int msecs)
 {
-    m_openLimit = msecs;
+    d->openLimit = msecs;
 }
 
 bool PresenterClient::startWebsocket(PresenterCollab** collab)
 {
     const QString nothing = QStringLiteral("{}");
-    if (!post("/tavisto/session/getcollabserverurl", nothing, &PresenterClient::getCollabUrlResponse))
+    if (!d->post("/tavisto/session/getcollabserverurl", nothing, &PresenterClient::getCollabUrlResponse))
         return false;
-    if (m_collabServerUrl.isEmpty()) {
+    if (d->collabServerUrl.isEmpty()) {
         qCDebug(diagnostics) << "ERROR: Failed to get collab server URL!";
         return false;
     }
-    if (!post("/tavisto/config/findTenantFeatureDetails", nothing,
-              &PresenterClient::getTenantFeatureDetailsResponse))
+    if (!d->post("/tavisto/config/findTenantFeatureDetails", nothing,
+                 &PresenterClient::getTenantFeatureDetailsResponse))
         return false;
-    if (!m_sockJSOverrideProtocols.isEmpty())
-        m_sockJSProtocols = m_sockJSOverrideProtocols;
+    if (!d->sockJSOverrideProtocols.isEmpty())
+        d->sockJSProtocols = d->sockJSOverrideProtocols;
 
     const QString startBody =
         QStringLiteral(R"({"sessionCode": "%0","serverUrl":"%1","sourceSystem":"Lumora","version":"%2"})");
-    if (!post("/tavisto/session/start", startBody.arg(m_sessionCode, m_collabServerUrl, m_version),
-              &PresenterClient::sessionStartSuccessResponse, &PresenterClient::sessionStartFailureResponse) ||
-        !m_lastError.isNull())
+    if (!d->post("/tavisto/session/start", startBody.arg(d->sessionCode, d->collabServerUrl, d->version),
+                 &PresenterClient::sessionStartSuccessResponse,
+                 &PresenterClient::sessionStartFailureResponse) ||
+        !d->lastError.isNull())
         return false;
 
     const QString joinBody = QStringLiteral(
         R"({"userName":"SessionStarter","sessionCode":"%0","mode":"presenter","deviceName":"%1_SessionStarter","deviceType":"presenter"})");
-    if (!post("/tavisto/classroom/session/join", joinBody.arg(m_sessionCode, m_userId),
-              &PresenterClient::sessionJoinResponse))
+    if (!d->post("/tavisto/classroom/session/join", joinBody.arg(d->sessionCode, d->userId),
+                 &PresenterClient::sessionJoinResponse))
         return false;
-    qCDebug(diagnostics) << m_sessionToken;
-    qCDebug(diagnostics) << m_collabServerUrl;
-    return openCollab(collab);
+    qCDebug(diagnostics) << d->sessionToken;
+    qCDebug(diagnostics) << d->collabServerUrl;
+    return d->openCollab(collab);
 }
 
-bool PresenterClient::openCollab(PresenterCollab** collab)
+bool PresenterClient::Private::openCollab(PresenterCollab** opened)
 {
     const QPointer<PresenterCollab> created =
-        new PresenterCollab(this, m_collabServerUrl, m_sessionCode, m_sessionToken, m_userToken);
-    m_collab = created;
-    created->connector()->setOpenLimit(m_openLimit);
-    created->open(m_sockJSProtocols);
+        new PresenterCollab(q, collabServerUrl, sessionCode, sessionToken, userToken);
+    collab = created;
+    created->connector()->setOpenLimit(openLimit);
+    created->open(sockJSProtocols);
     if (!created) // deleted, or we were and it with us, while it was opening
         return false;
-    *collab = created;
+    if (opened)
+        *opened = created;
     return true;
 }
 
 void PresenterClient::getCollabUrlResponse(QString body)
 {
-    readText(body, "url", m_collabServerUrl);
+    readText(body, "url", d->collabServerUrl);
 }
 
 void PresenterClient::getTenantFeatureDetailsResponse(QString body)
@@ -83,21 +105,21 @@ void PresenterClient::getTenantFeatureDetailsResponse(QString body)
     bool ok = false;
     const QVariantMap envelope = ServiceEnvelope::parse(body, &ok);
     if (ok)
-        m_sockJSProtocols =
+        d->sockJSProtocols =
             ServiceEnvelope::data(envelope).value(QStringLiteral("sockJSProtocols")).toStringList();
 }
 
 void PresenterClient::sessionStartSuccessResponse(QString body)
 {
-    readText(body, "sessionToken", m_sessionToken);
+    readText(body, "sessionToken", d->sessionToken);
 }
 
 void PresenterClient::sessionStartFailureResponse(QNetworkReply*, QString body)
 {
-    readErrorKey(body);
+    d->readErrorKey(body);
 }
 
 void PresenterClient::sessionJoinResponse(QString body)
 {
-    readText(body, "userToken", m_userToken);
+    readText(body, "userToken", d->userToken);
 }

@@ -1,4 +1,4 @@
-#include "client/PresenterClient.h"
+#include "client/PresenterClientPrivate.h"
 
 #include "base/Diagnostics.h"
 #include "client/ServiceEnvelope.h"
@@ -28,20 +28,35 @@ QString text(const QJsonObject& object, const char* key)
 
 } // namespace
 
+QString PresenterClient::sessionCode() const
+{
+    return d->sessionCode;
+}
+
+QString PresenterClient::sessionToken() const
+{
+    return d->sessionToken;
+}
+
+QList<Calyx::Learner> PresenterClient::learners() const
+{
+    return d->learners;
+}
+
 bool PresenterClient::doStartSession(QString)
 {
     const QPointer<PresenterClient> self(this);
     doGetUserName();
-    if (self && !m_loggedIn)
+    if (self && !d->loggedIn)
         reLogin();
-    if (!self || !m_loggedIn)
+    if (!self || !d->loggedIn)
         return false;
-    m_sessionToken = QString();
-    m_sessionCode = QString();
-    m_lastError = QString();
-    return post("/tavisto/session/create", QStringLiteral("{}"), &PresenterClient::sessionSuccessResponse,
-                &PresenterClient::sessionFailureResponse) &&
-           m_lastError.isNull() && !m_sessionCode.isNull();
+    d->sessionToken = QString();
+    d->sessionCode = QString();
+    d->lastError = QString();
+    return d->post("/tavisto/session/create", QStringLiteral("{}"), &PresenterClient::sessionSuccessResponse,
+                   &PresenterClient::sessionFailureResponse) &&
+           d->lastError.isNull() && !d->sessionCode.isNull();
 }
 
 void PresenterClient::sessionSuccessResponse(QString body)
@@ -49,22 +64,22 @@ void PresenterClient::sessionSuccessResponse(QString body)
     bool ok = false;
     const QVariantMap envelope = ServiceEnvelope::parse(body, &ok);
     if (ok)
-        m_sessionCode = text(ServiceEnvelope::data(envelope), "sessionCode");
+        d->sessionCode = text(ServiceEnvelope::data(envelope), "sessionCode");
 }
 
 void PresenterClient::sessionFailureResponse(QNetworkReply*, QString body)
 {
-    readErrorKey(body);
+    d->readErrorKey(body);
 }
 
 bool PresenterClient::doGetLearners()
 {
-    if (m_sessionToken.isNull()) {
+    if (d->sessionToken.isNull()) {
         qCDebug(diagnostics) << "[PresenterClient] No session to get users for!";
         return false;
     }
-    return post("/tavisto/session/getusers", sessionBody(m_sessionToken),
-                &PresenterClient::getLearnersResponse);
+    return d->post("/tavisto/session/getusers", sessionBody(d->sessionToken),
+                   &PresenterClient::getLearnersResponse);
 }
 
 void PresenterClient::getLearnersResponse(QString body)
@@ -73,30 +88,30 @@ void PresenterClient::getLearnersResponse(QString body)
         ServiceEnvelope::object(body).value(QLatin1String("data")).toObject().value(QLatin1String("users"));
     if (!users.isArray())
         return;
-    m_learners.clear();
+    d->learners.clear();
     const QJsonArray entries = users.toArray();
-    m_learners.reserve(entries.size());
+    d->learners.reserve(entries.size());
     for (const QJsonValue& entry : entries) {
         const QJsonObject user = entry.toObject();
         if (text(user, "mode") == QLatin1String("learner"))
-            m_learners.append(
+            d->learners.append(
                 Learner(text(user, "userToken"), text(user, "userName"), text(user, "deviceType")));
     }
 }
 
 bool PresenterClient::doStopSession()
 {
-    if (m_sessionToken.isNull()) {
+    if (d->sessionToken.isNull()) {
         qCDebug(diagnostics) << "[PresenterClient] No session to stop!";
         return false;
     }
     const QPointer<PresenterClient> self(this);
-    if (m_collab)
-        m_collab->close();
-    if (!self || !post("/tavisto/session/stop", sessionBody(m_sessionToken), nullptr))
+    if (d->collab)
+        d->collab->close();
+    if (!self || !d->post("/tavisto/session/stop", sessionBody(d->sessionToken), nullptr))
         return false;
     qCDebug(diagnostics) << "[PresenterClient] Stopping session, closing websocket...";
-    m_sessionToken = QString();
-    m_sessionCode = QString();
+    d->sessionToken = QString();
+    d->sessionCode = QString();
     return true;
 }

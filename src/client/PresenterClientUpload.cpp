@@ -1,6 +1,16 @@
-#include "client/PresenterClient.h"
+#include "client/PresenterClientPrivate.h"
 
 #include "client/ServiceEnvelope.h"
+
+QString PresenterClient::resourceId() const
+{
+    return d->resourceId;
+}
+
+QString PresenterClient::resourcePath() const
+{
+    return d->resourcePath;
+}
 
 bool PresenterClient::doUploadResource(QString fileName, QByteArray data, QString* resourceId,
                                        QString* downloadPath)
@@ -14,15 +24,17 @@ bool PresenterClient::doUploadResource(QString fileName, QByteArray data, QStrin
     body += addMultipartValue(QStringLiteral("isTemporary"), QStringLiteral("true"), false).toUtf8();
     body += addMultipartValue(QStringLiteral("clientProvidedGUID"), QStringLiteral("false"), true).toUtf8();
 
-    m_resourcePath = QString();
-    m_resourceId = QString();
+    d->resourcePath = QString();
+    d->resourceId = QString();
     const QPointer<PresenterClient> self(this);
-    doRequest(true, QUrl(m_server + QStringLiteral("/tavisto/resource/uploadResourceFile")), body,
+    doRequest(true, QUrl(d->server + QStringLiteral("/tavisto/resource/uploadResourceFile")), body,
               &PresenterClient::uploadResourceResponse, nullptr, true);
-    if (!self || m_resourceId.isNull())
+    if (!self || d->resourceId.isNull())
         return false;
-    *resourceId = m_resourceId;
-    *downloadPath = QStringLiteral("/tavisto/resource/downloadResourceFile?resourceId=") + m_resourceId;
+    if (resourceId)
+        *resourceId = d->resourceId;
+    if (downloadPath)
+        *downloadPath = QStringLiteral("/tavisto/resource/downloadResourceFile?resourceId=") + d->resourceId;
     return true;
 }
 
@@ -41,6 +53,6 @@ void PresenterClient::uploadResourceResponse(QString body)
     if (!ok)
         return;
     // A reply without an id still means that the file is stored: empty, where Qt gives null.
-    m_resourceId = QStringLiteral("") + data.value(QStringLiteral("id")).toString();
-    m_resourcePath = data.value(QStringLiteral("path")).toString();
+    d->resourceId = QStringLiteral("") + data.value(QStringLiteral("id")).toString();
+    d->resourcePath = data.value(QStringLiteral("path")).toString();
 }

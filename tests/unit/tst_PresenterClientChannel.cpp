@@ -17,6 +17,15 @@ class tst_PresenterClientChannel : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void hostMayAskTheClientForTheChannel()
+    {
+        Lesson lesson;
+        lesson.expectStart();
+
+        QVERIFY(lesson.client->startWebsocket(nullptr));
+        QVERIFY(lesson.client->collab());
+    }
+
     void unreachableBusIsNoFailure()
     {
         Lesson lesson;

@@ -10,6 +10,7 @@
 
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 #include <memory>
 
@@ -160,6 +161,23 @@ private Q_SLOTS:
         client.reset();
 
         QTRY_COMPARE(service.abandoned(), 1);
+    }
+
+    void destructorKeepsNothingAlive()
+    {
+        FakeService service;
+        service.expect("/tavisto/login/submit", Answer::json(R"({"infoMsgs":["success"]})"));
+        auto client = std::make_unique<PresenterClient>(nullptr, service.url());
+        QVERIFY(client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        openSession(*client);
+        TimerClock::advance(55000);
+        service.expect(STOP, Answer::json("{}").held().then([&] {
+            TimerClock::advance(9000); // the next keep-alive is due, the limit of the wait is not
+            QTimer::singleShot(0, &service, [&] { service.release(); });
+        }));
+        client.reset();
+
+        QVERIFY(service.isUsedUp());
     }
 
     void destructorClosesTheChannel()

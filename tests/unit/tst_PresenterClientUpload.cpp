@@ -164,6 +164,16 @@ private Q_SLOTS:
         QVERIFY(client.lastError().isNull());
     }
 
+    void whatIsNotWantedIsNotWritten()
+    {
+        FakeService service;
+        service.expect(UPLOAD, Answer::json(STORED));
+        PresenterClient client(nullptr, service.url());
+
+        QVERIFY(client.doUploadResource(QStringLiteral("f.png"), QByteArray("ABC"), nullptr, nullptr));
+        QCOMPARE(client.resourceId(), QStringLiteral("r1"));
+    }
+
     void failureTouchesNothing_data()
     {
         QTest::addColumn<int>("kind");

@@ -261,6 +261,69 @@ private Q_SLOTS:
         QCOMPARE(service.abandoned(), 0);
     }
 
+    void keepAliveDoesNotProlongTheOuterOperation_data()
+    {
+        QTest::addColumn<bool>("isAnswered");
+
+        QTest::newRow("own reply processed") << true;
+        QTest::newRow("own limit reached") << false;
+    }
+
+    // The keep-alive gets no answer. It is not aborted before its own 10 seconds are over.
+    void keepAliveDoesNotProlongTheOuterOperation()
+    {
+        QFETCH(bool, isAnswered);
+
+        FakeService service;
+        PresenterClient client(nullptr, service.url());
+        service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL).held().then([&] {
+            TimerClock::advance(PAST_THE_LIMIT / 2);
+            QTimer::singleShot(0, &client, [&] { QMetaObject::invokeMethod(&client, "onPingTimer"); });
+        }));
+        service.expect("/tavisto/login/keepSessionAlive", Answer::never().then([&] {
+            if (isAnswered)
+                service.release();
+            else
+                TimerClock::advance(PAST_THE_LIMIT / 2);
+        }));
+
+        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+        QCOMPARE(client.doLogin(QStringLiteral("u"), QStringLiteral("p")), isAnswered);
+        QCOMPARE(processed.size(), 1);
+        TimerClock::advance(PAST_THE_LIMIT);
+        QTRY_VERIFY(service.abandoned() > 0);
+    }
+
+    // The outer operation has its reply, but cannot return before the slot does.
+    void keepAliveInASlotOfTheOuterOperationsReplyIsNotWaitedFor()
+    {
+        FakeService service;
+        PresenterClient client(nullptr, service.url());
+        service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL));
+        service.expect("/tavisto/login/keepSessionAlive", Answer::json("{}").held());
+        connect(&client, &PresenterClient::requestProcessed, &service, [&] {
+            if (!client.isServerReachable())
+                client.sendKeepAlive();
+        });
+
+        QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(!client.isServerReachable());
+        QTRY_VERIFY(service.isHolding());
+        service.release();
+        QTRY_VERIFY(client.isServerReachable());
+    }
+
+    // Thousands of short operations within the limit would otherwise have thousands of timers run.
+    void aWaitThatHasEndedLeavesNoTimer()
+    {
+        FakeService service;
+        service.expect("/a", Answer::json("1"));
+        ClientProbe client(service.url());
+        client.request(QStringLiteral("/a"));
+
+        QTRY_VERIFY(client.findChildren<QTimer*>().isEmpty());
+    }
+
     void timersOfTheHostRunDuringAWait()
     {
         FakeService service;

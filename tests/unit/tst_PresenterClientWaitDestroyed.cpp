@@ -7,6 +7,7 @@
 
 #include <CalyxClient/PresenterClient>
 
+#include <QEventLoop>
 #include <QNetworkAccessManager>
 #include <QPointer>
 #include <QTest>
@@ -168,6 +169,28 @@ private Q_SLOTS:
 
         QVERIFY(!client->doStartSession(QString()));
         QVERIFY(!client);
+    }
+
+    // The manager's signal, in whose slot the host is, has to find the manager when it comes back.
+    void clientDestroyedInAnOperationOfASlot()
+    {
+        FakeService service;
+        service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL));
+        const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
+        const QPointer<QNetworkAccessManager> manager = client->findChild<QNetworkAccessManager*>();
+        service.expect("/tavisto", unansweredWhile(service, [&] { delete client; }));
+        bool outlivesTheSlot = false;
+        connect(client, &PresenterClient::requestProcessed, &service, [&] {
+            client->checkServer(QString(), QString());
+            QEventLoop loop; // where a deferred deletion would be carried out
+            QTimer::singleShot(0, &loop, &QEventLoop::quit);
+            loop.exec();
+            outlivesTheSlot = !client && manager;
+        });
+
+        QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(outlivesTheSlot);
+        QTRY_VERIFY(!manager);
     }
 
     void clientDestroyedWithARequestUnderWay()

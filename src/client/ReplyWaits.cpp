@@ -1,0 +1,37 @@
+#include "client/ReplyWaits.h"
+
+#include <QEventLoop>
+#include <QObject>
+#include <QPointer>
+
+#include <algorithm>
+
+void ReplyWaits::run(QObject* owner, const QNetworkReply* reply, Kind kind)
+{
+    if (kind == Yielding && hasEnded())
+        return;
+    const QPointer<QObject> guard(owner);
+    QEventLoop loop;
+    QObject::connect(owner, &QObject::destroyed, &loop, &QEventLoop::quit);
+    m_waits.append({reply, kind, &loop});
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+    if (guard)
+        m_waits.removeLast(); // those inside have returned
+}
+
+void ReplyWaits::end(const QNetworkReply* reply)
+{
+    bool isInside = false;
+    for (const Wait& wait : qAsConst(m_waits)) {
+        if (wait.reply == reply || (isInside && wait.kind == Yielding))
+            wait.loop->quit();
+        isInside = isInside || wait.reply == reply;
+    }
+}
+
+// Whether one of the waits has ended that cannot return before those inside it do.
+bool ReplyWaits::hasEnded() const
+{
+    return std::any_of(m_waits.begin(), m_waits.end(),
+                       [](const Wait& wait) { return !wait.loop->isRunning(); });
+}
