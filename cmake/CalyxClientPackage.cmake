@@ -48,8 +48,9 @@ set(CALYXCLIENT_PRESENTER_PATH "presenter/calyx-presenter${CMAKE_EXECUTABLE_SUFF
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/CalyxClientConfig.cmake.in"
     "${PROJECT_BINARY_DIR}/CalyxClientConfig.cmake"
     INSTALL_PREFIX "${PROJECT_BINARY_DIR}" INSTALL_DESTINATION "." PATH_VARS CALYXCLIENT_PRESENTER_PATH)
-write_basic_package_version_file("${PROJECT_BINARY_DIR}/CalyxClientConfigVersion.cmake"
-    COMPATIBILITY SameMinorVersion)
+math(EXPR CALYXCLIENT_POINTER_BITS "8 * ${CMAKE_SIZEOF_VOID_P}")
+configure_file("${PROJECT_SOURCE_DIR}/cmake/CalyxClientConfigVersion.cmake.in"
+    "${PROJECT_BINARY_DIR}/CalyxClientConfigVersion.cmake" @ONLY)
 
 install(TARGETS ${CALYXCLIENT_EXPORTED} EXPORT CalyxClientTargets
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT Runtime NAMELINK_COMPONENT Development
@@ -63,4 +64,5 @@ install(FILES "${CALYXCLIENT_PACKAGE_BUILD_DIR}/calyxclient.pc" DESTINATION "${C
 install(FILES "${CALYXCLIENT_PACKAGE_BUILD_DIR}/calyxclient.pri" DESTINATION "${CALYXCLIENT_PRI_DIR}"
     COMPONENT Development)
 install(FILES "${PROJECT_BINARY_DIR}/include/CalyxClient/calyxclient_export.h"
+    "${PROJECT_BINARY_DIR}/include/CalyxClient/calyxclient_version.h"
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/CalyxClient" COMPONENT Development)

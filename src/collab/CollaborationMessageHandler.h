@@ -1,8 +1,8 @@
 #pragma once
 
-#include "calyxclient_export.h"
-#include "model/Learner.h"
-#include "model/RemoteControlMessage.h"
+#include <CalyxClient/calyxclient_export.h>
+#include <CalyxClient/model/Learner.h>
+#include <CalyxClient/model/RemoteControlMessage.h>
 
 #include <QMap>
 #include <QObject>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "calyxclient_export.h"
-#include "model/Learner.h"
-#include "model/OrdinalType.h"
-#include "model/PollType.h"
-#include "model/RemoteControlMessage.h"
+#include <CalyxClient/calyxclient_export.h>
+#include <CalyxClient/model/Learner.h>
+#include <CalyxClient/model/OrdinalType.h>
+#include <CalyxClient/model/PollType.h>
+#include <CalyxClient/model/RemoteControlMessage.h>
 
 #include <QByteArray>
 #include <QObject>

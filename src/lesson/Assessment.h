@@ -2,7 +2,7 @@
 
 #include "PollAnswer.h"
 #include "Question.h"
-#include "calyxclient_export.h"
+#include <CalyxClient/calyxclient_export.h>
 
 #include <QAbstractTableModel>
 #include <QDateTime>

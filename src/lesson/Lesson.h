@@ -5,7 +5,7 @@
 #include "LessonError.h"
 #include "Poll.h"
 #include "Roster.h"
-#include "calyxclient_export.h"
+#include <CalyxClient/calyxclient_export.h>
 
 #include <QDateTime>
 #include <QJsonObject>

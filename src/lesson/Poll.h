@@ -3,7 +3,7 @@
 #include "PollAnswer.h"
 #include "PollResults.h"
 #include "Question.h"
-#include "calyxclient_export.h"
+#include <CalyxClient/calyxclient_export.h>
 
 #include <QDateTime>
 #include <QJsonObject>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Question.h"
-#include "calyxclient_export.h"
+#include <CalyxClient/calyxclient_export.h>
 
 #include <QAbstractTableModel>
 #include <QVector>

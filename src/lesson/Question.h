@@ -1,8 +1,8 @@
 #pragma once
 
-#include "calyxclient_export.h"
-#include "model/OrdinalType.h"
-#include "model/PollType.h"
+#include <CalyxClient/calyxclient_export.h>
+#include <CalyxClient/model/OrdinalType.h>
+#include <CalyxClient/model/PollType.h>
 
 #include <QByteArray>
 #include <QMetaType>

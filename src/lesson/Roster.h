@@ -1,7 +1,7 @@
 #pragma once
 
-#include "calyxclient_export.h"
-#include "model/Learner.h"
+#include <CalyxClient/calyxclient_export.h>
+#include <CalyxClient/model/Learner.h>
 
 #include <QAbstractListModel>
 #include <QJsonArray>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "calyxclient_export.h"
-#include "model/QuestionFeedback.h"
+#include <CalyxClient/calyxclient_export.h>
+#include <CalyxClient/model/QuestionFeedback.h>
 
 #include <QObject>
 #include <QPointer>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "calyxclient_export.h"
-#include "model/OrdinalType.h"
-#include "model/QuestionBase.h"
-#include "model/QuestionMetadata.h"
+#include <CalyxClient/calyxclient_export.h>
+#include <CalyxClient/model/OrdinalType.h>
+#include <CalyxClient/model/QuestionBase.h>
+#include <CalyxClient/model/QuestionMetadata.h>
 
 #include <QList>
 #include <QPointer>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "calyxclient_export.h"
-#include "model/QuestionBaseWithOptions.h"
+#include <CalyxClient/calyxclient_export.h>
+#include <CalyxClient/model/QuestionBaseWithOptions.h>
 
 namespace Calyx {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "calyxclient_export.h"
-#include "model/QuestionBase.h"
+#include <CalyxClient/calyxclient_export.h>
+#include <CalyxClient/model/QuestionBase.h>
 
 namespace Calyx {
 

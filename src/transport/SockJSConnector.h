@@ -1,6 +1,6 @@
 #pragma once
 
-#include "calyxclient_export.h"
+#include <CalyxClient/calyxclient_export.h>
 
 #include <QDateTime>
 #include <QList>

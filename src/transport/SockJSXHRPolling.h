@@ -1,8 +1,8 @@
 #pragma once
 
-#include "calyxclient_export.h"
-#include "transport/SockJSTransport.h"
-#include "transport/XHRRequest.h"
+#include <CalyxClient/calyxclient_export.h>
+#include <CalyxClient/transport/SockJSTransport.h>
+#include <CalyxClient/transport/XHRRequest.h>
 
 #include <QByteArray>
 #include <QList>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "calyxclient_export.h"
-#include "transport/XHRRequest.h"
+#include <CalyxClient/calyxclient_export.h>
+#include <CalyxClient/transport/XHRRequest.h>
 
 #include <QByteArray>
 #include <QDeadlineTimer>

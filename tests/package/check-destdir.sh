@@ -9,7 +9,7 @@ DESTDIR=$stage cmake --install "$build" --prefix "$work/final" >/dev/null
 prefix=$stage$work/final
 
 for file in include/CalyxClient/PresenterClient include/CalyxClient/client/PresenterClient.h \
-    include/CalyxClient/calyxclient_export.h; do
+    include/CalyxClient/calyxclient_export.h include/CalyxClient/calyxclient_version.h; do
     [ -f "$prefix/$file" ] || fail "$file is missing"
 done
 lib=$(folder_of "$prefix" libcalyxclient.so)

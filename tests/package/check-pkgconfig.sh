@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # A host finds the installed build $1 with pkg-config and make: in a folder with a blank in its name, moved after the
-# installation. Then every public header is compiled, with strict warnings and without Qt's keywords.
+# installation. Then every public header is compiled, with strict warnings, without Qt's keywords, and by a host that
+# has files of the same names.
 # shellcheck source-path=SCRIPTDIR source=common.sh
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
@@ -13,4 +14,8 @@ make_host
 cd "$prefix/include"
 find CalyxClient -type f | sort | sed 's/.*/#include <&>/' >"$work/headers.cpp"
 [ "$(grep -c . "$work/headers.cpp")" -gt 50 ] || fail "the headers are not installed"
+find CalyxClient -type f -printf '%P\n' | while read -r header; do
+    mkdir -p "$work/host/$(dirname "$header")"
+    echo '#error This is the header of the host' >"$work/host/$header"
+done
 make -s -C "$work" headers.o

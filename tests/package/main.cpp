@@ -2,9 +2,14 @@
 #include <CalyxClient/Learner>
 #include <CalyxClient/Lzma>
 #include <CalyxClient/PresenterClient>
+#include <CalyxClient/calyxclient_version.h>
 #include <CalyxClient/collab/PresenterCollab.h>
 
 #include <QCoreApplication>
+
+#if CALYXCLIENT_VERSION < CALYXCLIENT_VERSION_CHECK(0, 1, 0)
+#error The parts do not make the version
+#endif
 
 int main(int argc, char** argv)
 {
