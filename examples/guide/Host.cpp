@@ -6,9 +6,12 @@
 #include <CalyxClient/QuestionText>
 #include <CalyxClient/SockJSConnector>
 
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QSysInfo>
 #include <QTextStream>
 #include <QTimer>
+#include <QUrl>
 #include <QUuid>
 
 namespace {
@@ -28,14 +31,25 @@ Host::Host(const QString& server) : m_client(nullptr, server) {}
 
 bool Host::findService()
 {
-    return m_client.checkServer(QString(), QString()) || fail(tr("Nobody answers"));
+    const QUrl meant(m_client.server());
+    if (!m_client.checkServer(QString(), QString()))
+        return fail(tr("Nobody answers"));
+    const bool isElsewhere = QUrl(m_client.server()).host() != meant.host();
+    return !isElsewhere || fail(tr("This network wants you to sign in first"));
 }
 // [service]
 
 // [log-in]
+// As it has to stand between the quotes of a JSON text.
+static QString escaped(const QString& text)
+{
+    const QByteArray json = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
+    return QString::fromUtf8(json.mid(2, json.size() - 4)); // without [" and "]
+}
+
 bool Host::logIn(const QString& user, const QString& password)
 {
-    return m_client.doLogin(user, password) || fail(tr("Cannot log in"));
+    return m_client.doLogin(escaped(user), escaped(password)) || fail(tr("Cannot log in"));
 }
 
 bool Host::fail(const QString& what)
@@ -52,8 +66,9 @@ bool Host::fail(const QString& what)
 // [device]
 bool Host::rememberDevice(const QString& user, const QString& password)
 {
-    m_user = user;
-    m_deviceToken = m_client.doGetAccessToken(user, password, deviceId(), QSysInfo::machineHostName());
+    m_user = escaped(user);
+    m_deviceToken =
+        m_client.doGetAccessToken(m_user, escaped(password), deviceId(), QSysInfo::machineHostName());
     return !m_deviceToken.isEmpty(); // keep it where passwords are kept
 }
 
@@ -97,7 +112,8 @@ bool Host::goLive()
 // [listen]
 void Host::listen()
 {
-    connect(m_collab->connector(), &SockJSConnector::connected, this, &Host::onOpen);
+    // Queued: it asks the service, and waits.
+    connect(m_collab->connector(), &SockJSConnector::connected, this, &Host::onOpen, Qt::QueuedConnection);
     connect(m_collab, &PresenterCollab::learnerJoin, this, &Host::onJoin);
     connect(m_collab, &PresenterCollab::learnerUnregister, this, &Host::onLeave);
     connect(m_collab, &PresenterCollab::learnerPollResponse, this, &Host::onAnswer);
@@ -200,6 +216,8 @@ void Host::onRemoteControl(const Calyx::RemoteControlMessage& command)
 {
     if (command.from == m_collab->userToken())
         return; // what we publish to the whole session comes back to us
+    if (m_learners.contains(command.from))
+        return; // a learner is no remote control
     if (command.type == QLatin1String("nextCard"))
         showCard(m_card + 1);
     else if (command.type == QLatin1String("previousCard"))

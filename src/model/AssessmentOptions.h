@@ -55,7 +55,7 @@ public:
     int questionCount() const { return m_questionCount; }
     /// The question to begin with; 0, as at first, for the first one.
     int startingQuestionNumber() const { return m_startingQuestionNumber; }
-    /// Seconds for all questions together; 0, as at first, for no limit.
+    /// Seconds for all questions together; 0 at first. Sent as it is: what 0 means is for the devices to say.
     int allowedTime() const { return m_allowedTime; }
     /// The section that the questions belong to; empty at first, for none.
     QString currentAssessmentSectionId() const { return m_currentAssessmentSectionId; }

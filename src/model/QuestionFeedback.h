@@ -43,7 +43,7 @@ public:
     QVariant activityScoreStatus() const { return m_activityScoreStatus; }
     /// How far the answer has come, in the service's own words; invalid at first.
     QVariant activityResponseStatus() const { return m_activityResponseStatus; }
-    /// The right options: ids, or maps that hold "activityOptionId"; empty at first.
+    /// The right options, sent as they are: their form is for the devices to say. Empty at first.
     QVariantList correctOptions() const { return m_correctOptions; }
     /// Learners may resubmit unless told otherwise.
     bool allowResubmit() const { return m_allowResubmit; }
