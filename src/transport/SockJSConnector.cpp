@@ -6,13 +6,14 @@
 #include "transport/SockJSFrame.h"
 #include "transport/SockJSXHRPolling.h"
 #include "transport/SockJSXHRPollingWorker.h"
-#include "transport/WebSocketRelease.h"
+#include "transport/WebSocketTransport.h"
 
-#include <QEventLoop>
+#include <QDateTime>
 #include <QHash>
 #include <QJsonDocument>
 #include <QMutex>
-#include <QWebSocket>
+#include <QPointer>
+#include <QTimer>
 
 namespace {
 
@@ -45,19 +46,93 @@ QString freshSessionId(const QString& server, const QString& last)
     return id;
 }
 
+// One open(), until close(), deletion or the next open(). Whoever has run an event loop or a slot of the
+// host's sees by it that the open() is over.
+struct Attempt : QObject
+{
+    explicit Attempt(const QList<SockJSConnector::PROTOCOL_TYPE>& list) : protocols(list) {}
+
+    const QList<SockJSConnector::PROTOCOL_TYPE> protocols;
+    int next = 0;           // of the protocols
+    bool hasBegun = false;  // the end of the connection before has been told
+    bool isTrying = false;  // a transport is being started
+    bool isFalling = false; // it is the one to fall back to
+};
+
 } // namespace
 
-SockJSConnector::SockJSConnector(QObject* parent) : QObject(parent)
+// A QObject, so that what is queued for the connector and its timers go before it is half destroyed.
+class SockJSConnectorPrivate : public QObject
 {
-    m_openLimitTimer.setSingleShot(true);
-    connect(&m_openLimitTimer, &QTimer::timeout, this, &SockJSConnector::onOpenLimit);
+public:
+    explicit SockJSConnectorPrivate(SockJSConnector* connector);
+    ~SockJSConnectorPrivate() override;
+
+    void open(const QUrl& url, const QList<SockJSConnector::PROTOCOL_TYPE>& protocols);
+    void startInactivityTimer();
+    void readUrl(const QUrl& url);
+    void makeSessionId();
+    QString basePath() const;
+    QUrl webSocketUrl() const;
+
+    void tryRemainingProtocols();
+    bool tryNextProtocol();
+    bool openWebSocket();
+    bool openXHRPolling(bool streaming);
+    void use(SockJSTransport* started);
+    void startOpenLimit();
+    void onOpenLimit();
+
+    void receive(const QString& frame);
+    void deliver();
+    void send(QString message, bool skipsActivity);
+
+    void onTimeout();
+    void shutDown();
+    bool isUp() const;
+    void end();
+    void onClosed();
+    bool fallBack();
+    void dropTransport();
+
+    SockJSConnector* const q;
+    QPointer<SockJSTransport> transport;
+    std::unique_ptr<Attempt> attempt;
+    int openCount = 0;
+
+    bool secure = false;
+    int port = 0;
+    QString host;
+    QString path;
+    QString sessionId;
+    bool sessionOpen = false;
+    QStringList inbox;       // what has come in one frame and has not been told yet
+    bool endPending = false; // the connection has ended, which has not been told yet
+
+    QDateTime lastActivity;
+    bool closedForInactivity = false;
+    QTimer* inactivityTimer = nullptr;
+    int openLimit = 0;
+    QTimer openLimitTimer;
+};
+
+SockJSConnectorPrivate::SockJSConnectorPrivate(SockJSConnector* connector) : q(connector)
+{
+    openLimitTimer.setSingleShot(true);
+    connect(&openLimitTimer, &QTimer::timeout, this, &SockJSConnectorPrivate::onOpenLimit);
 }
 
-SockJSConnector::~SockJSConnector()
+SockJSConnectorPrivate::~SockJSConnectorPrivate()
 {
-    endAttempt();
-    dropTransports();
+    attempt.reset();
+    dropTransport();
 }
+
+SockJSConnector::SockJSConnector(QObject* parent)
+    : QObject(parent), d(std::make_unique<SockJSConnectorPrivate>(this))
+{}
+
+SockJSConnector::~SockJSConnector() = default;
 
 QMap<SockJSConnector::PROTOCOL_TYPE, QString> SockJSConnector::PROTOCOL_TYPE_STR()
 {
@@ -86,91 +161,91 @@ QList<SockJSConnector::PROTOCOL_TYPE> SockJSConnector::GetProtocolsFromStrings(Q
 
 bool SockJSConnector::open(QUrl url, QList<PROTOCOL_TYPE> protocols)
 {
-    const QPointer<SockJSConnector> self(this);
-    endAttempt();
-    const int attempt = m_attempt;
-    // The end of the connection before belongs before anything of the new one. It must not open a fallback
-    // any more.
-    m_closing = true;
-    if (m_endPending)
-        onClosed();
-    if (!self || m_attempt != attempt)
-        return false;
-    dropTransports();
-    m_sessionOpen = false;
-
-    m_lastActivity = QDateTime::currentDateTimeUtc();
-    m_closedForInactivity = false;
-    startInactivityTimer();
-    m_closing = false;
-    readUrl(url);
-    m_protocolIndex = 0;
-    m_protocols = protocols;
-    makeSessionId();
-    tryRemainingProtocols();
+    d->open(url, protocols);
     return false;
 }
 
-void SockJSConnector::startInactivityTimer()
+void SockJSConnectorPrivate::open(const QUrl& url, const QList<SockJSConnector::PROTOCOL_TYPE>& protocols)
 {
-    if (m_inactivityTimer)
+    attempt = std::make_unique<Attempt>(protocols);
+    const QPointer<Attempt> mine(attempt.get());
+    inbox.clear();
+    dropTransport();
+    // The end of the connection before belongs before anything of the new one.
+    if (endPending)
+        onClosed();
+    if (!mine)
         return;
-    m_inactivityTimer = new QTimer(this);
-    connect(m_inactivityTimer, SIGNAL(timeout()), this, SLOT(onTimeout()));
-    m_inactivityTimer->start(inactivityInterval);
+    mine->hasBegun = true;
+    ++openCount;
+    sessionOpen = false;
+    lastActivity = QDateTime::currentDateTimeUtc();
+    closedForInactivity = false;
+    startInactivityTimer();
+    readUrl(url);
+    makeSessionId();
+    tryRemainingProtocols();
 }
 
-void SockJSConnector::readUrl(const QUrl& url)
+void SockJSConnectorPrivate::startInactivityTimer()
+{
+    if (inactivityTimer)
+        return;
+    inactivityTimer = new QTimer(q);
+    connect(inactivityTimer, &QTimer::timeout, this, &SockJSConnectorPrivate::onTimeout);
+    inactivityTimer->start(inactivityInterval);
+}
+
+void SockJSConnectorPrivate::readUrl(const QUrl& url)
 {
     constexpr int httpPort = 80;
     constexpr int httpsPort = 443;
-    m_secure = url.scheme() == QLatin1String("wss") || url.scheme() == QLatin1String("https");
-    m_port = url.port(m_secure ? httpsPort : httpPort);
-    m_host = url.host(QUrl::FullyDecoded);
-    m_path = url.path(QUrl::FullyDecoded);
-    if (m_path.endsWith(QLatin1Char('/')))
-        m_path.chop(1);
+    secure = url.scheme() == QLatin1String("wss") || url.scheme() == QLatin1String("https");
+    port = url.port(secure ? httpsPort : httpPort);
+    host = url.host(QUrl::FullyDecoded);
+    path = url.path(QUrl::FullyDecoded);
+    if (path.endsWith(QLatin1Char('/')))
+        path.chop(1);
 }
 
-void SockJSConnector::makeSessionId()
+void SockJSConnectorPrivate::makeSessionId()
 {
-    m_sessionId = freshSessionId(m_host + QLatin1Char(':') + QString::number(m_port) + m_path, m_sessionId);
+    sessionId = freshSessionId(host + QLatin1Char(':') + QString::number(port) + path, sessionId);
 }
 
-QString SockJSConnector::basePath() const
+QString SockJSConnectorPrivate::basePath() const
 {
-    return m_path + QStringLiteral("/eventbus/119/") + m_sessionId;
+    return path + QStringLiteral("/eventbus/119/") + sessionId;
 }
 
-QUrl SockJSConnector::webSocketUrl() const
+QUrl SockJSConnectorPrivate::webSocketUrl() const
 {
-    const QString scheme = m_secure ? QStringLiteral("wss://") : QStringLiteral("ws://");
-    const QString host =
-        m_host.contains(QLatin1Char(':')) ? QLatin1Char('[') + m_host + QLatin1Char(']') : m_host;
-    return QUrl(scheme + host + QLatin1Char(':') + QString::number(m_port) + basePath() +
+    const QString scheme = secure ? QStringLiteral("wss://") : QStringLiteral("ws://");
+    const QString name = host.contains(QLatin1Char(':')) ? QLatin1Char('[') + host + QLatin1Char(']') : host;
+    return QUrl(scheme + name + QLatin1Char(':') + QString::number(port) + basePath() +
                 QStringLiteral("/websocket"));
 }
 
-void SockJSConnector::tryRemainingProtocols()
+void SockJSConnectorPrivate::tryRemainingProtocols()
 {
-    const QPointer<SockJSConnector> self(this);
-    const int attempt = m_attempt;
-    while (self && m_attempt == attempt && m_protocolIndex < m_protocols.size()) {
+    const QPointer<Attempt> mine(attempt.get());
+    mine->isTrying = true;
+    while (mine && mine->next < mine->protocols.size()) {
         if (tryNextProtocol())
-            return;
+            break;
     }
+    if (mine)
+        mine->isTrying = false;
 }
 
-bool SockJSConnector::tryNextProtocol()
+bool SockJSConnectorPrivate::tryNextProtocol()
 {
-    const int index = m_protocolIndex++;
-    const int protocol = index < m_protocols.size() ? m_protocols.at(index) : 0;
-    switch (protocol) {
-    case WEBSOCKET:
-        return openWebsocket();
-    case XHR_STREAMING:
+    switch (attempt->protocols.at(attempt->next++)) {
+    case SockJSConnector::WEBSOCKET:
+        return openWebSocket();
+    case SockJSConnector::XHR_STREAMING:
         return openXHRPolling(true);
-    case XHR_POLLING:
+    case SockJSConnector::XHR_POLLING:
         return openXHRPolling(false);
     default:
         qCDebug(diagnostics) << "[SockJSConnector] No more protocols found!";
@@ -178,7 +253,7 @@ bool SockJSConnector::tryNextProtocol()
     }
 }
 
-bool SockJSConnector::openWebsocket()
+bool SockJSConnectorPrivate::openWebSocket()
 {
     const QNetworkProxy proxy = QSystemConfigurationProxyFactory::getPrimaryProxy();
     if (proxy.port() != 0)
@@ -187,159 +262,143 @@ bool SockJSConnector::openWebsocket()
     const QUrl url = webSocketUrl();
     qCDebug(diagnostics) << "[SockJSConnector] Websocket url =" << url.toString();
 
-    m_openState = Pending;
-    m_upgraded = false;
-    m_webSocket = new QWebSocket(QString(), QWebSocketProtocol::Version13);
-    m_webSocket->setProxy(proxy);
-    connect(m_webSocket, SIGNAL(connected()), this, SLOT(openstate1()));
-    connect(m_webSocket, SIGNAL(disconnected()), this, SLOT(openstate2()));
-    // A refused upgrade is reported as an error only, never as `disconnected`.
-    connect(m_webSocket, SIGNAL(error(QAbstractSocket::SocketError)), this, SLOT(openstate2()));
-    // Heard from now on: the first frame can come in one packet with the upgrade.
-    connect(m_webSocket, SIGNAL(textMessageReceived(QString)), this, SLOT(onTextMessageReceived(QString)));
-    startOpenLimit();
-    m_webSocket->open(url);
-    if (!waitForWebSocket())
-        return false;
-
-    disconnect(m_webSocket); // our own signals; the state is watched on
-    qCDebug(diagnostics) << "[SockJSConnector] CONNECTED via Websocket";
-    if (m_openState == Connected)
-        connect(m_webSocket, SIGNAL(disconnected()), this, SLOT(onClosed()));
-    else // ended again while we were waking up
-        queueEnd();
-    return true;
-}
-
-// True once the socket is upgraded. False otherwise, the socket released; also when the attempt is over or we
-// are gone.
-bool SockJSConnector::waitForWebSocket()
-{
-    const QPointer<SockJSConnector> self(this);
-    const int attempt = m_attempt;
-    bool interrupted = false;
-    if (m_openState == Pending) {
-        QEventLoop loop;
-        m_openWait = &loop;
-        loop.exec();
-        // Not by us: the application is quitting, and nothing will be waited for any more.
-        interrupted = self && m_attempt == attempt && m_openState == Pending;
-    }
-    if (!self || m_attempt != attempt)
-        return false;
-    if (m_upgraded)
+    const QPointer<Attempt> mine(attempt.get());
+    const QPointer<WebSocketTransport> socket(new WebSocketTransport(q));
+    use(socket);
+    if (socket->start(url, proxy)) {
+        qCDebug(diagnostics) << "[SockJSConnector] CONNECTED via Websocket";
         return true;
-    if (interrupted)
-        endAttempt();
-    dropWebSocket();
+    }
+    if (!mine)
+        return false;
+    if (socket && socket->wasInterrupted())
+        attempt.reset();
+    dropTransport();
     return false;
 }
 
-bool SockJSConnector::openXHRPolling(bool streaming)
+bool SockJSConnectorPrivate::openXHRPolling(bool streaming)
 {
-    m_xhr = new SockJSXHRPolling(this);
-    if (m_openLimit > 0)
-        m_xhr->setConnectLimit(qMin(m_openLimit, SockJSXHRPollingWorker::ConnectLimit));
-    startOpenLimit();
-    if (!m_xhr->start(m_host, m_port, m_secure, basePath(), streaming)) {
-        m_xhr->retire();
-        m_xhr = nullptr;
-        return false;
+    const QPointer<Attempt> mine(attempt.get());
+    auto* xhr = new SockJSXHRPolling(q);
+    if (openLimit > 0)
+        xhr->setConnectLimit(qMin(openLimit, SockJSXHRPollingWorker::ConnectLimit));
+    use(xhr);
+    if (xhr->start(host, port, secure, basePath(), streaming)) {
+        qCDebug(diagnostics).noquote() << "[SockJSConnector] CONNECTED via xhr_" +
+                                              QString(QLatin1String(streaming ? "streaming" : "polling"));
+        return true;
     }
-    qCDebug(diagnostics).noquote() << "[SockJSConnector] CONNECTED via xhr_" +
-                                          QString(QLatin1String(streaming ? "streaming" : "polling"));
-    connect(m_xhr, SIGNAL(textMessageReceived(QString)), this, SLOT(onTextMessageReceived(QString)));
-    connect(m_xhr, SIGNAL(connectionClosed()), this, SLOT(onClosed()));
-    return true;
+    if (mine)
+        dropTransport();
+    return false;
 }
 
-void SockJSConnector::setOpenLimit(int msecs)
+void SockJSConnectorPrivate::use(SockJSTransport* started)
 {
-    m_openLimit = msecs;
+    transport = started;
+    connect(started, &SockJSTransport::textMessageReceived, this, &SockJSConnectorPrivate::receive);
+    connect(started, &SockJSTransport::connectionClosed, this, &SockJSConnectorPrivate::end);
+    startOpenLimit();
 }
 
-void SockJSConnector::startOpenLimit()
+void SockJSConnectorPrivate::startOpenLimit()
 {
-    if (m_openLimit > 0)
-        m_openLimitTimer.start(m_openLimit);
+    if (openLimit > 0)
+        openLimitTimer.start(openLimit);
     else
-        m_openLimitTimer.stop();
+        openLimitTimer.stop();
 }
 
-void SockJSConnector::onOpenLimit()
+void SockJSConnectorPrivate::onOpenLimit()
 {
-    if (m_sessionOpen)
+    if (sessionOpen)
         return;
     // The server may have opened the session, its "o" held back on the way, and refuses a second receiver of
     // it.
     makeSessionId();
-    if (m_openWait) { // open() goes on with the next transport
-        m_openState = Disconnected;
-        m_upgraded = false;
-        m_openWait->quit();
-        return;
-    }
-    dropTransports();
-    tryRemainingProtocols();
+    dropTransport();
+    if (!attempt->isTrying) // else open() goes on by itself
+        tryRemainingProtocols();
 }
 
-void SockJSConnector::openstate1()
+bool SockJSConnector::isConnected() const
 {
-    m_openState = Connected;
-    m_upgraded = true;
-    if (m_openWait)
-        m_openWait->quit();
+    return d->sessionOpen;
 }
 
-void SockJSConnector::openstate2()
+QString SockJSConnector::sessionId() const
 {
-    m_openState = Disconnected;
-    if (m_openWait)
-        m_openWait->quit();
+    return d->sessionId;
 }
+
+int SockJSConnector::openCount() const
+{
+    return d->openCount;
+}
+
+void SockJSConnector::setOpenLimit(int msecs)
+{
+    d->openLimit = msecs;
+}
+
+int SockJSConnector::openLimit() const
+{
+    return d->openLimit;
+}
+
+void SockJSConnector::openstate1() {}
+
+void SockJSConnector::openstate2() {}
 
 void SockJSConnector::onConnected()
 {
     qCDebug(diagnostics) << "[SockJSConnector] Websocket connected";
-    m_sessionOpen = true;
+    d->sessionOpen = true;
     Q_EMIT connected();
 }
 
 void SockJSConnector::onTextMessageReceived(QString message)
 {
-    if (message == QLatin1String("o") && !m_sessionOpen) {
-        m_openLimitTimer.stop();
-        m_sessionOpen = true;
-        Q_EMIT connected();
+    d->receive(message);
+}
+
+void SockJSConnectorPrivate::receive(const QString& frame)
+{
+    if (frame == QLatin1String("o") && !sessionOpen) {
+        openLimitTimer.stop();
+        sessionOpen = true;
+        Q_EMIT q->connected();
         return;
     }
-    if (!message.startsWith(QLatin1Char('a')))
+    if (!frame.startsWith(QLatin1Char('a')))
         return;
-    const QPointer<SockJSConnector> self(this);
-    const int attempt = m_attempt;
-    const QStringList messages = SockJSFrame::messages(message);
-    for (const QString& text : messages) {
-        Q_EMIT sockJSMessage(text);
-        if (!self)
-            return;
-        // Opened anew by a slot: the rest belongs to a connection whose end has been told.
-        if (m_attempt != attempt && !m_endPending)
-            return;
-    }
+    inbox += SockJSFrame::messages(frame);
+    deliver();
+}
+
+// A slot may let the next frame in: its messages come after those that are still to be told.
+void SockJSConnectorPrivate::deliver()
+{
+    const QPointer<SockJSConnectorPrivate> self(this);
+    while (self && !inbox.isEmpty())
+        Q_EMIT q->sockJSMessage(inbox.takeFirst());
 }
 
 void SockJSConnector::sendMessage(QString message, bool bSkipActivity)
 {
-    if (!bSkipActivity)
-        m_lastActivity = QDateTime::currentDateTimeUtc();
-    if (!m_webSocket && !m_xhr)
+    d->send(std::move(message), bSkipActivity);
+}
+
+void SockJSConnectorPrivate::send(QString message, bool skipsActivity)
+{
+    if (!skipsActivity)
+        lastActivity = QDateTime::currentDateTimeUtc();
+    if (!transport)
         return;
     const QString frame = SockJSFrame::encode(message);
     message.clear(); // it can be as large as a picture, and sending takes room for another two
-    if (m_webSocket)
-        m_webSocket->sendTextMessage(frame);
-    else
-        m_xhr->sendTextMessage(frame);
+    transport->sendTextMessage(frame);
 }
 
 void SockJSConnector::sendMessage(QMap<QString, QVariant> message)
@@ -349,89 +408,95 @@ void SockJSConnector::sendMessage(QMap<QString, QVariant> message)
 
 void SockJSConnector::onTimeout()
 {
-    if (m_lastActivity.secsTo(QDateTime::currentDateTimeUtc()) < inactivityLimit || !m_sessionOpen)
+    d->onTimeout();
+}
+
+void SockJSConnectorPrivate::onTimeout()
+{
+    if (lastActivity.secsTo(QDateTime::currentDateTimeUtc()) < inactivityLimit || !sessionOpen)
         return;
-    m_closedForInactivity = true;
-    m_inactivityTimer->stop();
+    closedForInactivity = true;
+    inactivityTimer->stop();
     shutDown();
 }
 
 void SockJSConnector::close()
 {
-    shutDown();
+    d->shutDown();
 }
 
 // Closes what is open; the end of a connection that was up is told from the event loop.
-void SockJSConnector::shutDown()
+void SockJSConnectorPrivate::shutDown()
 {
-    const bool wasUp = isTransportUp();
-    endAttempt();
-    m_closing = true;
-    m_sessionOpen = false;
-    dropTransports();
+    const bool wasUp = isUp();
+    // An open() that is only telling the end of the connection before stands.
+    if (attempt && attempt->hasBegun)
+        attempt.reset();
+    sessionOpen = false;
+    dropTransport();
     if (!wasUp)
         return;
-    queueEnd();
+    endPending = true;
+    const auto tell = [this] {
+        if (endPending)
+            end();
+    };
+    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
 }
 
-// The end of the connection will be handled from the event loop, or at the start of the next open().
-void SockJSConnector::queueEnd()
+bool SockJSConnectorPrivate::isUp() const
 {
-    m_endPending = true;
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            if (m_endPending)
-                onClosed();
-        },
-        Qt::QueuedConnection);
+    return (transport && transport->isUp()) || (attempt && attempt->isFalling);
+}
+
+// What has come in before the end is told before it.
+void SockJSConnectorPrivate::end()
+{
+    const QPointer<SockJSConnectorPrivate> self(this);
+    endPending = true;
+    deliver();
+    if (self && endPending)
+        onClosed();
 }
 
 void SockJSConnector::onClosed()
 {
+    d->onClosed();
+}
+
+void SockJSConnectorPrivate::onClosed()
+{
     qCDebug(diagnostics) << "[SockJSConnector] Websocket CLOSED";
-    m_endPending = false;
-    if (!m_sessionOpen && !m_closing && m_webSocket) {
-        dropWebSocket();
-        if (openXHRPolling(false)) {
-            qCDebug(diagnostics) << "[SockJSConnector] Fallback to XHR_Polling";
-            return;
-        }
-    }
-    m_sessionOpen = false;
-    dropTransports();
-    Q_EMIT closed(m_closedForInactivity);
+    endPending = false;
+    const bool falls = !sessionOpen && attempt && qobject_cast<WebSocketTransport*>(transport);
+    dropTransport();
+    if (falls && fallBack())
+        return;
+    sessionOpen = false;
+    Q_EMIT q->closed(closedForInactivity);
 }
 
-bool SockJSConnector::isTransportUp() const
+// True also when the attempt is over.
+bool SockJSConnectorPrivate::fallBack()
 {
-    return m_xhr || (m_webSocket && m_upgraded);
+    const QPointer<Attempt> mine(attempt.get());
+    mine->isTrying = mine->isFalling = true;
+    const bool up = openXHRPolling(false);
+    if (!mine)
+        return true;
+    mine->isTrying = mine->isFalling = false;
+    if (up)
+        qCDebug(diagnostics) << "[SockJSConnector] Fallback to XHR_Polling";
+    return up;
 }
 
-// Whatever open() is still waiting for is over.
-void SockJSConnector::endAttempt()
+void SockJSConnectorPrivate::dropTransport()
 {
-    ++m_attempt;
-    if (m_openWait)
-        m_openWait->quit();
-    m_openWait = nullptr;
-}
-
-void SockJSConnector::dropTransports()
-{
-    m_openLimitTimer.stop();
-    dropWebSocket();
-    if (SockJSXHRPolling* xhr = m_xhr) {
-        m_xhr = nullptr;
-        xhr->disconnect(this);
-        xhr->retire();
-    }
-}
-
-void SockJSConnector::dropWebSocket()
-{
-    if (QWebSocket* socket = m_webSocket) {
-        m_webSocket = nullptr;
-        releaseWebSocket(socket);
-    }
+    openLimitTimer.stop();
+    SockJSTransport* dropped = transport;
+    transport = nullptr;
+    if (!dropped)
+        return;
+    dropped->disconnect(this);
+    dropped->retire();
 }

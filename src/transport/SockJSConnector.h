@@ -12,9 +12,9 @@
 #include <QUrl>
 #include <QVariant>
 
-class QEventLoop;
-class QWebSocket;
-class SockJSXHRPolling;
+#include <memory>
+
+class SockJSConnectorPrivate;
 
 /// The client end of a SockJS connection: picks a transport from an ordered list, takes inbound frames apart
 /// and wraps outbound messages.
@@ -67,17 +67,19 @@ public:
     void sendMessage(QMap<QString, QVariant> message);
 
     /// Whether the SockJS session is open: its open frame has come and its end has not.
-    bool isConnected() const { return m_sessionOpen; }
+    bool isConnected() const;
     /// The id of the session last opened, 8 characters; null before the first open(). A transport that is
     /// tried after one that was given up at the open limit opens a session of its own.
-    QString sessionId() const { return m_sessionId; }
+    QString sessionId() const;
+    /// How many times open() has begun a connection: tells one from another.
+    int openCount() const;
 
     /// Milliseconds that a transport may take from its start to its open frame. One that takes longer is
     /// given up without closed(), and the next of the list is tried. 0, the default, sets no limit. Counts
     /// from the next open().
     void setOpenLimit(int msecs);
     /// What setOpenLimit() has set, in milliseconds.
-    int openLimit() const { return m_openLimit; }
+    int openLimit() const;
 
 Q_SIGNALS:
     /// The session is open.
@@ -100,59 +102,12 @@ protected Q_SLOTS:
     void onTextMessageReceived(QString message);
     /// Closes a connection that has not been used for over an hour.
     void onTimeout();
-    /// The WebSocket that is being opened is up.
+    ///@{
+    /// Declared for hosts that connect to them; without effect.
     void openstate1();
-    /// The WebSocket that is being opened has failed or ended.
     void openstate2();
+    ///@}
 
 private:
-    enum OpenState { Pending = 0, Connected = 1, Disconnected = 2 };
-
-    void readUrl(const QUrl& url);
-    void makeSessionId();
-    QString basePath() const;
-    QUrl webSocketUrl() const;
-    void startInactivityTimer();
-
-    void tryRemainingProtocols();
-    bool tryNextProtocol();
-    bool openWebsocket();
-    bool waitForWebSocket();
-    bool openXHRPolling(bool streaming);
-    void startOpenLimit();
-    void onOpenLimit();
-
-    bool isTransportUp() const;
-    void dropTransports();
-    void dropWebSocket();
-    void endAttempt();
-    void shutDown();
-    void queueEnd();
-
-    QList<PROTOCOL_TYPE> m_protocols;
-    int m_protocolIndex = 0;
-    bool m_secure = false;
-    int m_port = 0;
-    QString m_host;
-    QString m_sessionId;
-    QString m_path;
-    bool m_closedForInactivity = false;
-    QDateTime m_lastActivity;
-    QTimer* m_inactivityTimer = nullptr;
-    bool m_closing = false;
-    bool m_sessionOpen = false;
-    QPointer<SockJSXHRPolling> m_xhr;
-    QWebSocket* m_webSocket = nullptr;
-    int m_openState = Pending;
-
-    // Set once the server has accepted the upgrade, also when the socket has been closed again since.
-    bool m_upgraded = false;
-    QTimer m_openLimitTimer;
-    int m_openLimit = 0;
-    // Counts the calls of open() and close(): whoever waited in an event loop sees by it that its attempt is
-    // over.
-    int m_attempt = 0;
-    QPointer<QEventLoop> m_openWait;
-    // The connection has ended, and onClosed() has not been told yet.
-    bool m_endPending = false;
+    const std::unique_ptr<SockJSConnectorPrivate> d;
 };

@@ -31,5 +31,5 @@ void releaseWebSocket(QWebSocket* socket)
         socket->setParent(application);
     QObject::connect(socket, &QWebSocket::disconnected, socket, &QObject::deleteLater);
     QTimer::singleShot(longestFarewell, socket, [socket] { socket->abort(); });
-    socket->close();
+    socket->close(QWebSocketProtocol::CloseCodeGoingAway);
 }
