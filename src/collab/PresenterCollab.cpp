@@ -11,7 +11,7 @@
 #include "model/QuestionBase.h"
 #include "transport/SockJSConnector.h"
 
-#include <QPointer>
+#include <QTimer>
 #include <QUrl>
 #include <QUuid>
 
@@ -51,85 +51,162 @@ QString joinNumbers(int first, int count, Format format)
 
 } // namespace
 
+class PresenterCollabPrivate
+{
+public:
+    PresenterCollabPrivate(PresenterCollab* q, const QString& url, const QString& code, const QString& token,
+                           const QString& user)
+        : pingTimer(q)
+        , serverUrl(url)
+        , sessionCode(code)
+        , sessionToken(token)
+        , userToken(user)
+        , connector(new SockJSConnector(q))
+        , handler(new CollaborationMessageHandler(q))
+    {}
+
+    QString resolve(const QString& address) const
+    {
+        return address.startsWith(QLatin1Char('.')) ? sessionToken + address : address;
+    }
+    QString below(const char* suffix) const { return sessionToken + QLatin1String(suffix); }
+    QString pollDocument(PollType::POLL_TYPE pollType, OrdinalType::ORDINAL_TYPE ordinalType, int optionCount,
+                         const QString& image) const
+    {
+        const QString options = joinNumbers(0, optionCount, [](const QString& number) { return number; });
+        return START_POLL_DATA64.arg(PollType::POLL_TYPE_STR().value(pollType),
+                                     OrdinalType::ORDINAL_TYPE_STR().value(ordinalType), sessionToken,
+                                     sessionCode, pollTime, currentPollId, options, image);
+    }
+
+    QTimer pingTimer;
+    const QString serverUrl;
+    const QString sessionCode;
+    const QString sessionToken;
+    const QString userToken;
+    SockJSConnector* const connector;
+    CollaborationMessageHandler* const handler;
+    QString currentPollId;
+    QString currentQuestionId;
+    QByteArray cardImage;
+    QString cardImageRef;       // null until it is assigned
+    int closeRequestedFor = -1; // the connector's openCount() that is to be closed as soon as it is up
+};
+
 PresenterCollab::PresenterCollab(QObject* parent, QString serverUrl, QString sessionCode,
                                  QString sessionToken, QString userToken)
     : QObject(parent)
-    , m_pingTimer(this)
-    , m_serverUrl(serverUrl)
-    , m_sessionCode(sessionCode)
-    , m_sessionToken(sessionToken)
-    , m_userToken(userToken)
-    , m_connector(new SockJSConnector(this))
-    , m_handler(new CollaborationMessageHandler(this))
+    , d(std::make_unique<PresenterCollabPrivate>(this, serverUrl, sessionCode, sessionToken, userToken))
 {
-    connect(m_connector, SIGNAL(connected()), this, SLOT(onConnected()));
-    connect(m_connector, SIGNAL(closed(bool)), this, SLOT(onClosed(bool)));
-    connect(m_connector, SIGNAL(sockJSMessage(QString)), m_handler, SLOT(onHandleMessage(QString)));
+    connect(d->connector, SIGNAL(connected()), this, SLOT(onConnected()));
+    connect(d->connector, SIGNAL(closed(bool)), this, SLOT(onClosed(bool)));
+    connect(d->connector, SIGNAL(sockJSMessage(QString)), d->handler, SLOT(onHandleMessage(QString)));
 
-    connect(m_handler, SIGNAL(learnerPollResponse(QString, QString, int, QString)), this,
+    connect(d->handler, SIGNAL(learnerPollResponse(QString, QString, int, QString)), this,
             SIGNAL(learnerPollResponse(QString, QString, int, QString)));
-    connect(m_handler, SIGNAL(learnerJoin(Learner)), this, SIGNAL(learnerJoin(Learner)));
-    connect(m_handler, SIGNAL(learnerUnregister(QString)), this, SIGNAL(learnerUnregister(QString)));
-    connect(m_handler, SIGNAL(controllerRegister(bool)), this, SIGNAL(controllerRegister(bool)));
-    connect(m_handler, SIGNAL(remoteControl(RemoteControlMessage)), this,
+    connect(d->handler, SIGNAL(learnerJoin(Learner)), this, SIGNAL(learnerJoin(Learner)));
+    connect(d->handler, SIGNAL(learnerUnregister(QString)), this, SIGNAL(learnerUnregister(QString)));
+    connect(d->handler, SIGNAL(controllerRegister(bool)), this, SIGNAL(controllerRegister(bool)));
+    connect(d->handler, SIGNAL(remoteControl(RemoteControlMessage)), this,
             SIGNAL(remoteControl(RemoteControlMessage)));
-    connect(m_handler, SIGNAL(unhandledMessage(QVariantMap, QVariant)), this,
+    connect(d->handler, SIGNAL(unhandledMessage(QVariantMap, QVariant)), this,
             SIGNAL(unhandledMessage(QVariantMap, QVariant)));
 
-    connect(&m_pingTimer, SIGNAL(timeout()), this, SLOT(onPingTimer()));
+    connect(&d->pingTimer, SIGNAL(timeout()), this, SLOT(onPingTimer()));
+}
+
+// Nothing is to be heard, and nobody to be reached, while those that have `destroyed` connected are told.
+PresenterCollab::~PresenterCollab()
+{
+    d->connector->disconnect(this);
+    d->handler->disconnect(this);
+}
+
+QString PresenterCollab::serverUrl() const
+{
+    return d->serverUrl;
+}
+
+QString PresenterCollab::sessionCode() const
+{
+    return d->sessionCode;
+}
+
+QString PresenterCollab::sessionToken() const
+{
+    return d->sessionToken;
+}
+
+QString PresenterCollab::userToken() const
+{
+    return d->userToken;
+}
+
+QString PresenterCollab::currentPollId() const
+{
+    return d->currentPollId;
+}
+
+QString PresenterCollab::currentQuestionId() const
+{
+    return d->currentQuestionId;
+}
+
+CollaborationMessageHandler* PresenterCollab::messageHandler() const
+{
+    return d->handler;
+}
+
+SockJSConnector* PresenterCollab::connector() const
+{
+    return d->connector;
 }
 
 bool PresenterCollab::isConnected() const
 {
-    return m_connector->isConnected();
+    return d->connector->isConnected();
 }
 
 void PresenterCollab::open()
 {
-    qCDebug(diagnostics) << "Connecting to collaboration server (default):" << m_serverUrl;
-    m_closeRequested = false;
-    m_connector->open(QUrl(m_serverUrl), SockJSConnector::GetDefaultProtocols());
+    qCDebug(diagnostics) << "Connecting to collaboration server (default):" << d->serverUrl;
+    d->pingTimer.stop();
+    d->connector->open(QUrl(d->serverUrl), SockJSConnector::GetDefaultProtocols());
 }
 
 void PresenterCollab::open(QStringList protocols)
 {
-    qCDebug(diagnostics) << "Connecting to collaboration server:" << m_serverUrl << " ["
+    qCDebug(diagnostics) << "Connecting to collaboration server:" << d->serverUrl << " ["
                          << protocols.join(QStringLiteral(", ")) << "]";
-    m_closeRequested = false;
-    m_connector->open(QUrl(m_serverUrl), SockJSConnector::GetProtocolsFromStrings(protocols));
+    d->pingTimer.stop();
+    d->connector->open(QUrl(d->serverUrl), SockJSConnector::GetProtocolsFromStrings(protocols));
 }
 
 void PresenterCollab::close()
 {
-    const QPointer<PresenterCollab> self(this);
-    m_closeRequested = true;
+    d->closeRequestedFor = d->connector->openCount();
     publishMessage(QStringLiteral("disconnect"), emptyJsonString);
-    if (!self)
-        return;
-    m_pingTimer.stop();
-    if (m_connector->isConnected())
-        m_connector->close();
+    d->pingTimer.stop();
+    if (d->connector->isConnected())
+        d->connector->close();
 }
 
 void PresenterCollab::onConnected()
 {
-    if (m_closeRequested) {
-        m_connector->close();
+    if (d->closeRequestedFor == d->connector->openCount()) {
+        d->connector->close();
         return;
     }
-    const QPointer<PresenterCollab> self(this);
-    m_pingTimer.start(pingInterval); // an end that comes while the frames go out stops it again
-    const QStringList addresses = {m_sessionToken, below(".presenter"), below(".presenter.") + m_userToken};
-    for (const QString& address : addresses) {
-        m_connector->sendMessage(REGISTER_MESSAGE.arg(address), false);
-        if (!self)
-            return;
-    }
+    const QStringList addresses = {d->sessionToken, d->below(".presenter"),
+                                   d->below(".presenter.") + d->userToken};
+    for (const QString& address : addresses)
+        d->connector->sendMessage(REGISTER_MESSAGE.arg(address), false);
+    d->pingTimer.start(pingInterval);
 }
 
 void PresenterCollab::onClosed(bool bClosedForInactivity)
 {
-    m_pingTimer.stop();
+    d->pingTimer.stop();
     Q_EMIT connectionClosed(bClosedForInactivity);
 }
 
@@ -140,43 +217,35 @@ void PresenterCollab::onPingTimer()
 
 void PresenterCollab::sendPing()
 {
-    m_connector->sendMessage(PING_MESSAGE, true);
-}
-
-QString PresenterCollab::resolve(const QString& address) const
-{
-    return address.startsWith(QLatin1Char('.')) ? m_sessionToken + address : address;
-}
-
-QString PresenterCollab::below(const char* suffix) const
-{
-    return m_sessionToken + QLatin1String(suffix);
+    d->connector->sendMessage(PING_MESSAGE, true);
 }
 
 void PresenterCollab::publishMessage(QString address, CalyxCollabMessage* message)
 {
     if (!message)
         return;
-    message->setfrom(m_userToken);
+    message->setfrom(d->userToken);
     message->compileData();
-    const QString frame = PUBLISH_MESSAGE_3.arg(resolve(address), JsonSerializer::serializeToJson(message));
+    const QString frame =
+        PUBLISH_MESSAGE_3.arg(d->resolve(address), JsonSerializer::serializeToJson(message));
     qCDebug(diagnostics) << "TRANSMIT: " << frame;
-    m_connector->sendMessage(frame, false);
+    d->connector->sendMessage(frame, false);
 }
 
 void PresenterCollab::publishMessage(QString type, QString data)
 {
-    publishMessage(m_sessionToken, type, std::move(data));
+    publishMessage(d->sessionToken, type, std::move(data));
 }
 
 void PresenterCollab::publishMessage(QString address, QString type, QString data)
 {
-    if (!m_connector->isConnected()) {
+    if (!d->connector->isConnected()) {
         qCDebug(diagnostics) << "[PresenterCollab] SockJS socket not connected!";
         return;
     }
-    QString message = PUBLISH_MESSAGE64.arg(resolve(address), m_userToken, type, compressed(std::move(data)));
-    m_connector->sendMessage(std::move(message), false);
+    QString message =
+        PUBLISH_MESSAGE64.arg(d->resolve(address), d->userToken, type, compressed(std::move(data)));
+    d->connector->sendMessage(std::move(message), false);
 }
 
 void PresenterCollab::publishMessage64(QString address, QString type, QString data)
@@ -186,42 +255,30 @@ void PresenterCollab::publishMessage64(QString address, QString type, QString da
 
 void PresenterCollab::removeLearner(QString deviceId)
 {
-    const QPointer<PresenterCollab> self(this);
-    publishMessage(below(".user.") + deviceId, QStringLiteral("disconnect"), emptyJsonString);
-    if (self)
-        Q_EMIT learnerUnregister(deviceId);
+    publishMessage(d->below(".user.") + deviceId, QStringLiteral("disconnect"), emptyJsonString);
+    Q_EMIT learnerUnregister(deviceId);
 }
 
 void PresenterCollab::startPoll(PollType::POLL_TYPE pollType, OrdinalType::ORDINAL_TYPE ordinalType,
                                 int optionCount, int extra)
 {
-    m_currentPollId = QUuid::createUuid().toString(QUuid::WithoutBraces);
-    // Sending can reach a slot of the host's that deletes us, and the question, our child, with us.
-    const QPointer<QuestionBase> question = createPollQuestion(pollType, ordinalType, optionCount, extra);
+    d->currentPollId = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    const std::unique_ptr<QuestionBase> question(
+        createPollQuestion(pollType, ordinalType, optionCount, extra));
     if (!question) {
-        publishPollDocument(pollType, ordinalType, optionCount);
+        d->currentQuestionId.clear();
+        publishMessage64(d->sessionToken, QStringLiteral("poll"),
+                         d->pollDocument(pollType, ordinalType, optionCount, getCardImageRef(true)));
         return;
     }
     const QString image = getCardImageRef(true);
     if (!image.isEmpty()) {
-        auto* card = new Card(question);
+        auto* card = new Card(question.get());
         card->setBackgroundImage(image);
         card->setid(question->id());
         question->setcard(card);
     }
-    sendQuestion(m_sessionToken, question);
-    delete question.data();
-}
-
-void PresenterCollab::publishPollDocument(PollType::POLL_TYPE pollType, OrdinalType::ORDINAL_TYPE ordinalType,
-                                          int optionCount)
-{
-    m_currentQuestionId.clear();
-    const QString options = joinNumbers(0, optionCount, [](const QString& number) { return number; });
-    const QString document = START_POLL_DATA64.arg(
-        PollType::POLL_TYPE_STR().value(pollType), OrdinalType::ORDINAL_TYPE_STR().value(ordinalType),
-        m_sessionToken, m_sessionCode, pollTime, m_currentPollId, options, getCardImageRef(true));
-    publishMessage64(m_sessionToken, QStringLiteral("poll"), document);
+    sendQuestion(d->sessionToken, question.get());
 }
 
 QuestionBase* PresenterCollab::createPollQuestion(PollType::POLL_TYPE pollType,
@@ -233,22 +290,19 @@ QuestionBase* PresenterCollab::createPollQuestion(PollType::POLL_TYPE pollType,
 
 void PresenterCollab::stopPoll()
 {
-    const QPointer<PresenterCollab> self(this);
-    publishMessage(QStringLiteral("pollStop"), PLAIN_DATA.arg(m_currentPollId));
-    if (!self)
-        return;
-    m_currentPollId.clear();
+    publishMessage(QStringLiteral("pollStop"), PLAIN_DATA.arg(d->currentPollId));
+    d->currentPollId.clear();
     clearCardImage();
 }
 
 void PresenterCollab::pausePoll()
 {
-    publishMessage(QStringLiteral("pause"), PLAIN_DATA.arg(m_currentPollId));
+    publishMessage(QStringLiteral("pause"), PLAIN_DATA.arg(d->currentPollId));
 }
 
 void PresenterCollab::resumePoll()
 {
-    publishMessage(QStringLiteral("resume"), PLAIN_DATA.arg(m_currentPollId));
+    publishMessage(QStringLiteral("resume"), PLAIN_DATA.arg(d->currentPollId));
 }
 
 void PresenterCollab::sendQuestion(QString address, QuestionBase* question)
@@ -259,7 +313,7 @@ void PresenterCollab::sendQuestion(QString address, QuestionBase* question)
     question->setactivityType(
         {{QStringLiteral("id"), PollType::POLL_TYPE_ID().value(type, QStringLiteral(""))},
          {QStringLiteral("name"), type}});
-    m_currentQuestionId = question->id();
+    d->currentQuestionId = question->id();
     CalyxCollabMessage message;
     message.settype(QStringLiteral("questionStart"));
     message.setdataobject(question);
@@ -268,72 +322,68 @@ void PresenterCollab::sendQuestion(QString address, QuestionBase* question)
 
 void PresenterCollab::sendQuestion(QuestionBase* question)
 {
-    sendQuestion(m_sessionToken, question);
+    sendQuestion(d->sessionToken, question);
 }
 
 void PresenterCollab::setCardImage(const QByteArray& png)
 {
-    m_cardImage = png;
+    d->cardImage = png;
 }
 
 void PresenterCollab::setCardImageRef(const QString& reference)
 {
-    m_cardImageRef = reference;
+    d->cardImageRef = reference;
 }
 
 QString PresenterCollab::getCardImageRef(bool asCssUrl)
 {
-    if (!m_cardImage.isEmpty())
-        return QString::fromLatin1("data:image/png;base64," + m_cardImage.toBase64());
-    if (m_cardImageRef.isNull()) {
+    if (!d->cardImage.isEmpty())
+        return QString::fromLatin1("data:image/png;base64," + d->cardImage.toBase64());
+    if (d->cardImageRef.isNull()) {
         qCDebug(diagnostics) << "[PresenterCollab] No image reference has been set!";
         return QStringLiteral("");
     }
-    return asCssUrl ? QStringLiteral("url('") + m_cardImageRef + QStringLiteral("')") : m_cardImageRef;
+    return asCssUrl ? QStringLiteral("url('") + d->cardImageRef + QStringLiteral("')") : d->cardImageRef;
 }
 
 void PresenterCollab::clearCardImage()
 {
-    m_cardImage.clear();
-    m_cardImageRef = QString();
+    d->cardImage.clear();
+    d->cardImageRef = QString();
 }
 
 void PresenterCollab::showImageCard(bool checkHeavy)
 {
-    const QPointer<PresenterCollab> self(this);
     QString reference = getCardImageRef(false);
     if (checkHeavy && reference.size() >= lightestHeavyImage)
         sendHeavy();
-    if (!self)
-        return;
     QString card = SHOW_CARD_DATA.arg(QStringLiteral("any"), reference);
     reference.clear();
-    publishMessage(below(".learner"), QStringLiteral("showCard"), std::move(card));
-    if (self)
-        clearCardImage();
+    publishMessage(d->below(".learner"), QStringLiteral("showCard"), std::move(card));
+    clearCardImage();
 }
 
 void PresenterCollab::sendHeavy()
 {
     // The receivers read only the type: the data is the template itself, unfilled.
-    publishMessage(below(".learner"), QStringLiteral("heavy"), PLAIN_DATA);
+    publishMessage(d->below(".learner"), QStringLiteral("heavy"), PLAIN_DATA);
 }
 
 void PresenterCollab::sendCurrentLessonToRemote(QString lessonId, QString name)
 {
-    publishMessage(below(".controller"), QStringLiteral("currentLesson"), LESSON_DATA.arg(lessonId, name));
+    publishMessage(d->below(".controller"), QStringLiteral("currentLesson"), LESSON_DATA.arg(lessonId, name));
 }
 
 void PresenterCollab::sendPresenterIsActiveToRemote()
 {
     // As in sendHeavy(), the receivers read only the type.
-    publishMessage(below(".controller"), QStringLiteral("presenterIsActive"), PLAIN_DATA);
+    publishMessage(d->below(".controller"), QStringLiteral("presenterIsActive"), PLAIN_DATA);
 }
 
 void PresenterCollab::sendCurrentCardToRemote(int currentCard, int totalCards)
 {
     const QString cards =
         joinNumbers(1, totalCards, [](const QString& number) { return CURRENTCARD_SUBDATA.arg(number); });
-    publishMessage(below(".controller"), QStringLiteral("currentCard"),
+    publishMessage(d->below(".controller"), QStringLiteral("currentCard"),
                    CURRENTCARD_DATA.arg(QString::number(currentCard), cards, QString::number(totalCards)));
 }

@@ -13,7 +13,10 @@
 #include <QTimer>
 #include <QVariant>
 
+#include <memory>
+
 class CollaborationMessageHandler;
+class PresenterCollabPrivate;
 class SockJSConnector;
 
 namespace Calyx {
@@ -44,27 +47,29 @@ public:
     /// PresenterClient::startWebsocket() gives what the service has said; a host has no need to call this.
     PresenterCollab(QObject* parent, QString serverUrl, QString sessionCode, QString sessionToken,
                     QString userToken);
+    /// Emits nothing any more. What was published still goes out; no goodbye is said.
+    ~PresenterCollab() override;
 
     /// The address of the channel's server, as the service gave it.
-    QString serverUrl() const { return m_serverUrl; }
+    QString serverUrl() const;
     /// The code by which learners join.
-    QString sessionCode() const { return m_sessionCode; }
+    QString sessionCode() const;
     /// The session's token: the root of all its addresses.
-    QString sessionToken() const { return m_sessionToken; }
+    QString sessionToken() const;
     /// The presenter's own token: the sender of all that goes out, and the end of the presenter's address.
-    QString userToken() const { return m_userToken; }
+    QString userToken() const;
     /// The id of the poll last started; empty before the first and after stopPoll().
-    QString currentPollId() const { return m_currentPollId; }
+    QString currentPollId() const;
     /// The id under which the answers to the question last sent come back; empty before the first question
     /// and after a poll that went out as a document (word seed, creative), whose answers carry
     /// currentPollId().
-    QString currentQuestionId() const { return m_currentQuestionId; }
+    QString currentQuestionId() const;
     /// Whether the channel is open: messages go out and come in.
     bool isConnected() const;
     /// The dispatcher of inbound messages; never null, owned by this object.
-    CollaborationMessageHandler* messageHandler() const { return m_handler; }
+    CollaborationMessageHandler* messageHandler() const;
     /// The connection; never null, owned by this object.
-    SockJSConnector* connector() const { return m_connector; }
+    SockJSConnector* connector() const;
 
     ///@{
     /// Opens the channel, with the default transports or with those named, unknown names left out. Blocks as
@@ -182,22 +187,5 @@ protected Q_SLOTS:
     void onPingTimer();
 
 private:
-    QString resolve(const QString& address) const;
-    QString below(const char* suffix) const;
-    // Poll documents are for the kinds that have no question class.
-    void publishPollDocument(Calyx::PollType::POLL_TYPE pollType,
-                             Calyx::OrdinalType::ORDINAL_TYPE ordinalType, int optionCount);
-
-    QTimer m_pingTimer;
-    QString m_serverUrl;
-    QString m_sessionCode;
-    QString m_sessionToken;
-    QString m_userToken;
-    QString m_currentPollId;
-    QByteArray m_cardImage;
-    QString m_cardImageRef; // null until it is assigned
-    SockJSConnector* m_connector;
-    CollaborationMessageHandler* m_handler;
-    QString m_currentQuestionId;
-    bool m_closeRequested = false;
+    const std::unique_ptr<PresenterCollabPrivate> d;
 };
