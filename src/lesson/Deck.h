@@ -55,7 +55,7 @@ Q_SIGNALS:
     void changed();
 
 private:
-    friend class Lesson;
+    friend struct LessonPrivate;
     explicit Deck(QObject* parent);
     bool append(const QString& name, const QByteArray& png, const QString& url);
 

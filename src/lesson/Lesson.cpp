@@ -1,0 +1,521 @@
+#include "lesson/Lesson.h"
+
+#include "collab/PresenterCollab.h"
+#include "lesson/LessonPrivate.h"
+#include "lesson/LessonText.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QSaveFile>
+
+namespace Calyx {
+
+namespace {
+
+const char noLesson[] = QT_TRANSLATE_NOOP("Calyx::Lesson", "No lesson is open.");
+
+// People leave the scheme out.
+QUrl withScheme(const QUrl& server)
+{
+    if (server.isEmpty() || !server.host().isEmpty())
+        return server;
+    return QUrl(QStringLiteral("https://") + server.toString());
+}
+
+void registerTypes()
+{
+    static const bool once = [] {
+        qRegisterMetaType<LessonError>();
+        qRegisterMetaType<Question>();
+        qRegisterMetaType<PollAnswer>();
+        qRegisterMetaType<AssessmentPlan>();
+        return true;
+    }();
+    Q_UNUSED(once)
+}
+
+QStringList csvRow(const QString& where, const QString& question, const PollAnswer& answer)
+{
+    const QString mark = answer.mark <= PollAnswer::Unmarked ? QString()
+                         : answer.mark == PollAnswer::Right  ? Lesson::tr("yes")
+                                                             : Lesson::tr("no");
+    return {where,
+            question,
+            answer.name,
+            answer.deviceId,
+            answer.text,
+            mark,
+            QString::number(answer.msecs),
+            answer.receivedAt.toString(Qt::ISODate),
+            answer.isLate ? Lesson::tr("yes") : QString()};
+}
+
+} // namespace
+
+Lesson::Lesson(const QUrl& server, QObject* parent) : QObject(parent)
+{
+    registerTypes();
+    d = std::make_unique<LessonPrivate>(this);
+    d->server = withScheme(server);
+}
+
+Lesson::~Lesson() = default;
+
+Lesson::State Lesson::state() const
+{
+    return d->state;
+}
+
+QUrl Lesson::server() const
+{
+    return d->server;
+}
+
+void Lesson::setServer(const QUrl& server)
+{
+    if (withScheme(server) == d->server)
+        return;
+    if (d->state != LoggedOut) {
+        d->refuse(QT_TRANSLATE_NOOP("Calyx::Lesson", "Log out before you go to another service."));
+        return;
+    }
+    d->server = withScheme(server);
+    Q_EMIT serverChanged();
+}
+
+QString Lesson::user() const
+{
+    return d->user;
+}
+
+QString Lesson::joinCode() const
+{
+    return d->joinCode;
+}
+
+QUrl Lesson::joinAddress() const
+{
+    return QUrl(d->joinAddress);
+}
+
+bool Lesson::isBusy() const
+{
+    return d->state == LoggingIn || d->state == Starting || d->state == Ending || !d->uploads.isEmpty();
+}
+
+double Lesson::progress() const
+{
+    return d->progress;
+}
+
+QDateTime Lesson::nextAttempt() const
+{
+    return d->nextAttempt;
+}
+
+void Lesson::setName(const QString& id, const QString& name)
+{
+    d->lessonId = id;
+    d->lessonName = name;
+    d->tellRemote();
+}
+
+void Lesson::setTransports(const QStringList& transports)
+{
+    d->transports = transports;
+}
+
+void Lesson::setReconnects(bool reconnects)
+{
+    d->reconnects = reconnects;
+}
+
+// Login and session.
+
+void Lesson::logIn(const QString& user, const QString& password)
+{
+    d->beginLogIn({Login::Password, d->server.toString(), user, password, QString(), QString()});
+}
+
+void Lesson::logInWithToken(const QString& user, const QString& deviceId, const QString& token)
+{
+    d->beginLogIn({Login::Token, d->server.toString(), user, token, deviceId, QString()});
+}
+
+void Lesson::logInWithOAuth(const QString& provider, const QString& code, const QString& registration)
+{
+    d->beginLogIn({Login::OAuth, d->server.toString(), provider, code, QString(), registration});
+}
+
+void Lesson::logOut()
+{
+    if (d->state != LoggedOut && !(d->state == Ending && d->isLoggingOut))
+        d->beginEnd(true);
+}
+
+void Lesson::start()
+{
+    if (d->state == LoggedOut || (d->state == Ending && d->isLoggingOut)) {
+        d->refuse(QT_TRANSLATE_NOOP("Calyx::Lesson", "Log in first."));
+        return;
+    }
+    if (d->isWanted())
+        return;
+    const QPointer<Lesson> self(this);
+    d->wantsLive = true;
+    d->clearSession();
+    if (self && d->state == LoggedIn && d->wantsLive)
+        d->beginStart();
+}
+
+void Lesson::end()
+{
+    if (d->state == Starting || d->hasSession())
+        d->beginEnd(false);
+    else if (d->wantsLive)
+        d->wantsLive = false;
+    else
+        d->refuse(noLesson);
+}
+
+void Lesson::cancel()
+{
+    if (isBusy() || d->state == Reconnecting)
+        d->giveUp();
+}
+
+void Lesson::retryNow()
+{
+    if (d->state == Reconnecting && (d->retry.isActive() || !d->reconnects))
+        d->attempt();
+}
+
+// Polls.
+
+Poll* Lesson::ask(const Question& question)
+{
+    const QString fault = question.fault();
+    if (!fault.isEmpty())
+        d->fail(LessonError::make(LessonError::BadInput, QString(), fault));
+    else if (!d->isWanted())
+        d->refuse(noLesson);
+    else
+        return d->addPoll(question);
+    return nullptr;
+}
+
+Poll* Lesson::ask(PollType::POLL_TYPE type, OrdinalType::ORDINAL_TYPE ordinal, int optionCount)
+{
+    return ask(Question::of(type, ordinal, optionCount));
+}
+
+Poll* Lesson::ask(const QVariantMap& question)
+{
+    return ask(Question::fromMap(question));
+}
+
+void Lesson::pause()
+{
+    d->setPaused(true);
+}
+
+void Lesson::resume()
+{
+    d->setPaused(false);
+}
+
+void Lesson::stop()
+{
+    if (!d->poll || !d->poll->isRunning())
+        return;
+    const QPointer<Lesson> self(this);
+    if (d->isPollReady)
+        d->send([id = d->poll->id()](PresenterCollab* collab) { LessonMessages::sendPollStop(collab, id); });
+    d->poll->stop();
+    if (self)
+        Q_EMIT pollChanged();
+}
+
+Poll* Lesson::poll() const
+{
+    return d->poll;
+}
+
+QList<Poll*> Lesson::polls() const
+{
+    return d->polls;
+}
+
+void Lesson::clearPolls()
+{
+    const QList<Poll*> all = d->polls;
+    for (Poll* poll : all) {
+        if (poll->isRunning())
+            continue;
+        d->polls.removeOne(poll);
+        d->pollsById.remove(poll->id());
+        d->answeredPolls.remove(poll);
+        if (d->poll == poll) {
+            d->poll = nullptr;
+            d->roster->setPoll(nullptr);
+        }
+        poll->deleteLater();
+    }
+    Q_EMIT pollChanged();
+}
+
+// "Right. B: 12, A: 3"
+void Lesson::showResults(Poll* poll)
+{
+    constexpr int mostRows = 5;
+    poll = poll ? poll : d->poll.data();
+    if (!poll)
+        return;
+    QStringList counts;
+    const QVector<PollResults::Row> rows = poll->results()->rows(mostRows);
+    for (const PollResults::Row& row : rows)
+        counts.append(QStringLiteral("%1: %2").arg(row.title(), QString::number(row.count)));
+    const QString right = tr("Right is: %1.").arg(poll->question().right.join(tr(" or ")));
+    const QStringList devices = d->roster->present();
+    for (const QString& deviceId : devices) {
+        QStringList lines;
+        const PollAnswer::Mark mark = poll->answerOf(deviceId).mark;
+        if (mark == PollAnswer::Right)
+            lines.append(tr("Your answer is right."));
+        else if (mark == PollAnswer::Wrong)
+            lines.append(tr("Your answer is not right."));
+        if (poll->question().isMarked() && mark != PollAnswer::Right)
+            lines.append(right);
+        lines.append(counts.join(QStringLiteral(", ")));
+        showText(lines.join(QLatin1Char('\n')), deviceId, true);
+    }
+}
+
+// Assessment.
+
+Assessment* Lesson::startAssessment(const AssessmentPlan& plan, const QStringList& devices)
+{
+    const QString fault = plan.fault();
+    if (!fault.isEmpty() || !d->isWanted()) {
+        d->fail(LessonError::make(LessonError::BadInput, QString(), fault.isEmpty() ? tr(noLesson) : fault));
+        return nullptr;
+    }
+    const QPointer<Lesson> self(this);
+    stopAssessment();
+    if (!self)
+        return nullptr;
+    auto* const added = new Assessment(plan, devices.isEmpty(), d->roster, this);
+    d->assessments.append(added);
+    d->assessment = added;
+    const QStringList all = devices.isEmpty() ? d->roster->present() : devices;
+    for (const QString& deviceId : all)
+        added->enter(deviceId);
+    const auto start = [=](const QString& address) {
+        d->send([=, token = added->token()](PresenterCollab* collab) {
+            LessonMessages::sendAssessment(collab, address, plan, token);
+        });
+    };
+    if (devices.isEmpty())
+        start(QString());
+    for (const QString& deviceId : devices)
+        start(LessonMessages::addressOf(deviceId));
+    Q_EMIT assessmentChanged();
+    return self ? added : nullptr;
+}
+
+Assessment* Lesson::startAssessment(const QVariantMap& plan)
+{
+    return startAssessment(AssessmentPlan::fromMap(plan));
+}
+
+void Lesson::admit(const QString& deviceId)
+{
+    if (!d->assessment || !d->assessment->isRunning() || deviceId.isEmpty())
+        return;
+    d->assessment->enter(deviceId);
+    d->send([=, plan = d->assessment->plan(), token = d->assessment->token()](PresenterCollab* collab) {
+        LessonMessages::sendAssessment(collab, LessonMessages::addressOf(deviceId), plan, token);
+    });
+    d->assessment->flush();
+}
+
+void Lesson::stopAssessment()
+{
+    if (!d->assessment || !d->assessment->isRunning())
+        return;
+    const QPointer<Lesson> self(this);
+    d->send([token = d->assessment->token()](PresenterCollab* collab) {
+        LessonMessages::sendAssessmentStop(collab, token);
+    });
+    d->assessment->stop();
+    if (self)
+        Q_EMIT assessmentChanged();
+}
+
+Assessment* Lesson::assessment() const
+{
+    return d->assessment;
+}
+
+QList<Assessment*> Lesson::assessments() const
+{
+    return d->assessments;
+}
+
+// Cards and texts.
+
+Deck* Lesson::deck() const
+{
+    return d->deck;
+}
+
+void Lesson::showCard(int number)
+{
+    const QPointer<Lesson> self(this);
+    const int shown = number == 0 ? d->deck->current() : number;
+    if (!d->deck->setCurrent(shown))
+        d->refuse(QT_TRANSLATE_NOOP("Calyx::Lesson", "There is no such card."));
+    else if (self)
+        d->show(d->deck->picture(shown), d->deck->url(shown), shown);
+}
+
+void Lesson::showPicture(const QByteArray& png)
+{
+    if (png.isEmpty())
+        d->refuse(QT_TRANSLATE_NOOP("Calyx::Lesson", "There is no picture."));
+    else
+        d->show(png, QString(), 0);
+}
+
+bool Lesson::isLocked() const
+{
+    return d->isLocked;
+}
+
+void Lesson::setLocked(bool locked)
+{
+    if (d->isLocked == locked)
+        return;
+    if (!d->isWanted()) {
+        d->refuse(noLesson);
+        return;
+    }
+    d->isLocked = locked;
+    d->send([locked](PresenterCollab* collab) { LessonMessages::sendLock(collab, QString(), locked); });
+    Q_EMIT lockedChanged();
+}
+
+void Lesson::showText(const QString& text, const QString& deviceId, bool isDismissible)
+{
+    const QString address = deviceId.isEmpty() ? QString() : LessonMessages::addressOf(deviceId);
+    d->send([=](PresenterCollab* collab) { LessonMessages::sendText(collab, address, text, isDismissible); });
+}
+
+void Lesson::showReview(const QString& text, const QString& deviceId)
+{
+    const QString address = deviceId.isEmpty() ? QString() : LessonMessages::addressOf(deviceId);
+    d->send([=](PresenterCollab* collab) { LessonMessages::sendReview(collab, address, text); });
+}
+
+// People.
+
+Roster* Lesson::roster() const
+{
+    return d->roster;
+}
+
+void Lesson::remove(const QString& deviceId)
+{
+    d->send([deviceId](PresenterCollab* collab) {
+        collab->removeLearner(deviceId);
+    }); // which is heard as leaving
+}
+
+bool Lesson::isRemotePresent() const
+{
+    return d->isRemotePresent;
+}
+
+void Lesson::setObeys(RemoteCommand command, bool obeys)
+{
+    if (obeys)
+        d->takenOver.remove(command);
+    else
+        d->takenOver.insert(command);
+}
+
+// Afterwards.
+
+QJsonObject Lesson::report() const
+{
+    QJsonArray polls;
+    for (const Poll* poll : qAsConst(d->polls))
+        polls.append(poll->toJson());
+    QJsonArray assessments;
+    for (const Assessment* assessment : qAsConst(d->assessments))
+        assessments.append(assessment->toJson());
+    return {{QStringLiteral("lesson"), d->lessonName},
+            {QStringLiteral("teacher"), d->user},
+            {QStringLiteral("startedAt"), d->startedAt.toString(Qt::ISODateWithMs)},
+            {QStringLiteral("savedAt"), QDateTime::currentDateTime().toString(Qt::ISODateWithMs)},
+            {QStringLiteral("learners"), d->roster->toJson()},
+            {QStringLiteral("polls"), polls},
+            {QStringLiteral("assessments"), assessments}};
+}
+
+QString Lesson::toCsv() const
+{
+    QString csv = LessonText::csvLine({tr("Part"), tr("Question"), tr("Learner"), tr("Device"), tr("Answer"),
+                                       tr("Right"), tr("Milliseconds"), tr("Received"), tr("Late")});
+    for (const Poll* poll : qAsConst(d->polls)) {
+        const QVector<PollAnswer> answers = poll->answers();
+        for (const PollAnswer& answer : answers)
+            csv += LessonText::csvLine(csvRow(tr("Poll %1").arg(poll->number()), poll->title(), answer));
+    }
+    for (const Assessment* assessment : qAsConst(d->assessments)) {
+        const QStringList devices = assessment->participants();
+        for (const QString& deviceId : devices) {
+            for (int number = 1; number <= assessment->questionCount(); ++number) {
+                const PollAnswer answer = assessment->answer(deviceId, number);
+                const Question& question = assessment->plan().questions.at(number - 1);
+                const QString text = question.text.isEmpty() ? question.kindName() : question.text;
+                if (answer.mark != PollAnswer::NoAnswer)
+                    csv += LessonText::csvLine(
+                        csvRow(assessment->title(), QStringLiteral("%1 %2").arg(number).arg(text), answer));
+            }
+        }
+    }
+    return csv;
+}
+
+bool Lesson::save(const QString& fileName)
+{
+    const bool isCsv = QFileInfo(fileName).suffix().compare(QLatin1String("csv"), Qt::CaseInsensitive) == 0;
+    const QByteArray bytes =
+        isCsv ? QByteArray("\xef\xbb\xbf") + toCsv().toUtf8() // or spreadsheets take it for Latin 1
+              : QJsonDocument(report()).toJson();
+    QSaveFile file(fileName);
+    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
+        return true;
+    d->fail(LessonError::make(LessonError::BadInput, file.errorString(),
+                              tr("%1 cannot be written: %2").arg(fileName, file.errorString())));
+    return false;
+}
+
+// Down to the wire.
+
+void Lesson::onChannel(std::function<void(PresenterCollab*)> work)
+{
+    d->worker->tell([work](LessonWorker* at) { at->withChannel(work); });
+}
+
+void Lesson::onClient(std::function<void(PresenterClient*)> work)
+{
+    if (!d->thread->isRunning())
+        d->thread->start();
+    d->worker->tell(
+        [work, server = d->server.toString()](LessonWorker* at) { at->withClient(server, work); });
+}
+
+} // namespace Calyx

@@ -1,0 +1,225 @@
+#include "lesson/LessonMessages.h"
+
+#include "collab/CalyxCollabMessage.h"
+#include "collab/MessageTemplates.h"
+#include "collab/PresenterCollab.h"
+#include "lesson/LessonText.h"
+#include "model/AssessmentOptions.h"
+#include "model/Card.h"
+#include "model/QuestionBaseWithOptions.h"
+#include "model/QuestionCreative.h"
+#include "model/QuestionFeedback.h"
+#include "model/QuestionMultiChoice.h"
+#include "model/QuestionWordSeed.h"
+
+#include <QCoreApplication>
+
+#include <memory>
+
+namespace Calyx {
+
+namespace {
+
+constexpr int heavyCard = 0x80001; // characters: as of this size devices are told before
+
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("Calyx::Lesson", text);
+}
+
+QString quoted(const QString& id)
+{
+    return PLAIN_DATA.arg(id);
+}
+
+QString whole(PresenterCollab* collab, const QString& address)
+{
+    return address.isEmpty() ? collab->sessionToken() : address;
+}
+
+QString pictureOf(const QByteArray& png, const QString& url)
+{
+    return png.isEmpty() ? url : QString::fromLatin1("data:image/png;base64," + png.toBase64());
+}
+
+bool isDocument(const Question& question)
+{
+    const bool isKind = question.type == PollType::WORD_SEED || question.type == PollType::CREATIVE;
+    return isKind && question.text.isEmpty() && question.options.isEmpty();
+}
+
+QuestionBase* construct(PresenterCollab* collab, const Question& question)
+{
+    if (question.type == PollType::WORD_SEED)
+        return new QuestionWordSeed;
+    if (question.type == PollType::CREATIVE)
+        return new QuestionCreative;
+    const bool isNumber = question.type == PollType::NUMBER;
+    const int options = !question.options.isEmpty() ? 0 : isNumber ? question.decimals : question.optionCount;
+    return collab->createPollQuestion(question.type, question.ordinal, options, question.choices);
+}
+
+std::unique_ptr<QuestionBase> makeQuestion(PresenterCollab* collab, const Question& from, const QString& id)
+{
+    std::unique_ptr<QuestionBase> question(construct(collab, from));
+    question->setID(id);
+    question->setinstructions(from.text);
+    if (auto* withOptions = qobject_cast<QuestionBaseWithOptions*>(question.get())) {
+        const QStringList ids = from.options.isEmpty() ? QStringList() : from.optionIds();
+        for (int i = 0; i < ids.size(); ++i)
+            withOptions->addActivityOption(ids.at(i), from.options.at(i), i + 1);
+        question->inferOrdinalType();
+    }
+    if (!from.picture.isEmpty() || !from.pictureUrl.isEmpty()) {
+        auto* card = new Card(question.get());
+        const QString picture = pictureOf(from.picture, LessonText::asReference(from.pictureUrl));
+        card->setBackgroundImage(from.picture.isEmpty() ? QStringLiteral("url('%1')").arg(picture) : picture);
+        card->setid(id);
+        question->setcard(card);
+    }
+    return question;
+}
+
+void sendDocument(PresenterCollab* collab, const QString& address, const Question& question,
+                  const QString& id)
+{
+    const QString time = QStringLiteral("1395358151638"); // the devices do not read it
+    const QString url = LessonText::asReference(question.pictureUrl);
+    QString picture = pictureOf(question.picture, url);
+    if (question.picture.isEmpty() && !url.isEmpty())
+        picture = QStringLiteral("url('%1')").arg(url);
+    collab->publishMessage64(address, QStringLiteral("poll"),
+                             START_POLL_DATA64.arg(question.kind(),
+                                                   OrdinalType::ORDINAL_TYPE_STR().value(question.ordinal),
+                                                   collab->sessionToken(), collab->sessionCode(), time, id,
+                                                   question.optionIds().join(QLatin1Char(',')), picture));
+}
+
+void publish(PresenterCollab* collab, const QString& address, const QString& type, const QVariantMap& data)
+{
+    CalyxCollabMessage message;
+    message.settype(type);
+    message.setdata(data);
+    collab->publishMessage(whole(collab, address), &message);
+}
+
+} // namespace
+
+QString LessonMessages::addressOf(const QString& deviceId)
+{
+    return QStringLiteral(".user.") + deviceId;
+}
+
+// In this order, because each covers what was there before.
+void LessonMessages::bring(PresenterCollab* collab, const QString& address, const Wanted& wanted)
+{
+    if (!wanted.assessmentToken.isEmpty()) {
+        sendAssessment(collab, address, wanted.assessment, wanted.assessmentToken, wanted.firstQuestion);
+        if (wanted.isAssessmentPaused)
+            sendPause(collab, address, wanted.assessmentToken, true);
+    }
+    if (!wanted.pollId.isEmpty()) {
+        sendPoll(collab, address, wanted.question, wanted.pollId);
+        if (wanted.isPollPaused)
+            sendPause(collab, address, wanted.pollId, true);
+    }
+    if (!wanted.cardPng.isEmpty() || !wanted.cardUrl.isEmpty())
+        sendCard(collab, address, wanted.cardPng, wanted.cardUrl);
+    if (wanted.isLocked)
+        sendLock(collab, address, true);
+}
+
+void LessonMessages::sendPoll(PresenterCollab* collab, const QString& address, const Question& question,
+                              const QString& id)
+{
+    if (isDocument(question))
+        sendDocument(collab, whole(collab, address), question, id);
+    else
+        collab->sendQuestion(whole(collab, address), makeQuestion(collab, question, id).get());
+}
+
+void LessonMessages::sendPause(PresenterCollab* collab, const QString& address, const QString& id,
+                               bool isPaused)
+{
+    collab->publishMessage(whole(collab, address), QLatin1String(isPaused ? "pause" : "resume"), quoted(id));
+}
+
+void LessonMessages::sendPollStop(PresenterCollab* collab, const QString& id)
+{
+    collab->publishMessage(QStringLiteral("pollStop"), quoted(id));
+}
+
+void LessonMessages::sendCard(PresenterCollab* collab, const QString& address, const QByteArray& png,
+                              const QString& url)
+{
+    const QString to = address.isEmpty() ? QStringLiteral(".learner") : address;
+    const QString picture = pictureOf(png, url);
+    if (picture.size() >= heavyCard)
+        collab->publishMessage(to, QStringLiteral("heavy"), PLAIN_DATA);
+    collab->publishMessage(to, QStringLiteral("showCard"),
+                           SHOW_CARD_DATA.arg(QStringLiteral("any"), picture));
+}
+
+void LessonMessages::sendLock(PresenterCollab* collab, const QString& address, bool isLocked)
+{
+    sendText(collab, address, isLocked ? tr("Please look at your teacher.") : tr("You can go on."),
+             !isLocked);
+}
+
+void LessonMessages::sendText(PresenterCollab* collab, const QString& address, const QString& text,
+                              bool isDismissible)
+{
+    publish(collab, address, QStringLiteral("dialogShow"),
+            {{QStringLiteral("text"), text}, {QStringLiteral("isDismissible"), isDismissible}});
+}
+
+void LessonMessages::sendReview(PresenterCollab* collab, const QString& address, const QString& text)
+{
+    publish(collab, address, QStringLiteral("questionSetReview"),
+            {{QStringLiteral("text"), text}, {QStringLiteral("showNavigation"), true}});
+}
+
+void LessonMessages::sendAssessment(PresenterCollab* collab, const QString& address,
+                                    const AssessmentPlan& plan, const QString& token, int firstQuestion)
+{
+    AssessmentOptions options;
+    options.setassessmentToken(token);
+    options.settitle(plan.title);
+    options.setquestionCount(plan.questions.size());
+    options.setstartingQuestionNumber(firstQuestion);
+    options.setallowedTime(plan.seconds);
+    options.setallowSkipQuestion(plan.maySkip);
+    options.setallowNavigateQuestionSet(plan.mayGoBack);
+    options.setallowResubmitResponse(plan.mayResubmit);
+    options.setshowSummaryOnAssessmentCompletion(plan.showsSummary);
+    for (const Question& question : plan.questions)
+        options.setscored(options.scored() || question.isMarked());
+    CalyxCollabMessage message;
+    message.settype(QStringLiteral("assessmentStart"));
+    message.setdataobject(&options);
+    collab->publishMessage(whole(collab, address), &message);
+}
+
+void LessonMessages::sendAssessmentStop(PresenterCollab* collab, const QString& token)
+{
+    publish(collab, QString(), QStringLiteral("assessmentStop"),
+            {{QStringLiteral("assessmentToken"), token}});
+}
+
+void LessonMessages::sendAssessmentQuestion(PresenterCollab* collab, const QString& address,
+                                            const AssessmentPlan& plan, int number, const QString& id,
+                                            const QString& before)
+{
+    const std::unique_ptr<QuestionBase> question = makeQuestion(collab, plan.questions.at(number - 1), id);
+    question->setquestionSetMode(QStringLiteral("Assessment"));
+    question->setquestionNumber(number);
+    question->sethasNext(number < plan.questions.size());
+    question->setnavigable(plan.mayGoBack);
+    if (auto* feedBack = qobject_cast<QuestionFeedback*>(question->feedBack()))
+        feedBack->setallowResubmit(plan.mayResubmit);
+    if (!before.isNull())
+        question->setPriorAnswer(before);
+    collab->sendQuestion(whole(collab, address), question.get());
+}
+
+} // namespace Calyx

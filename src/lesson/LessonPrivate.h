@@ -1,0 +1,127 @@
+#pragma once
+
+#include "lesson/Inbox.h"
+#include "lesson/Lesson.h"
+#include "lesson/LessonMessages.h"
+#include "lesson/LessonWorker.h"
+
+#include <QHash>
+#include <QPointer>
+#include <QSet>
+#include <QThread>
+#include <QTimer>
+
+namespace Calyx {
+
+/// What is behind a Lesson, on its thread: the state, what is wanted, what was collected.
+///
+/// Whatever emits can be the end of the lesson: functions that do return whether it is still there, where
+/// more is to come.
+struct LessonPrivate : public LessonListener
+{
+    explicit LessonPrivate(Lesson* lesson);
+    ~LessonPrivate() override;
+
+    // The state.
+    bool setState(Lesson::State next);
+    void tellBusy();
+    bool fail(const LessonError& error);
+    bool refuse(const char* text);
+    void beginLogIn(const Login& login);
+    void beginStart();
+    void beginEnd(bool andLogOut);
+    void tryAgain();
+    void attempt();
+    void giveUp();
+    /// The session is over, here at least.
+    void finishSession();
+    /// Forgets what the session before has left.
+    void clearSession();
+    bool isWanted() const { return wantsLive || state == Lesson::Starting || hasSession(); }
+    bool hasSession() const { return state == Lesson::Live || state == Lesson::Reconnecting; }
+
+    // The class.
+    Wanted wanted() const;
+    Wanted wantedBy(const QString& deviceId, const Wanted& all) const;
+    void bring(const QStringList& devices);
+    void bringBack();
+    void send(const std::function<void(PresenterCollab*)>& work);
+    void withPicture(const QByteArray& png,
+                     const std::function<void(const QByteArray& png, const QString& url)>& then);
+    Poll* addPoll(const Question& question);
+    void setPaused(bool paused);
+    void show(const QByteArray& png, const QString& url, int number);
+    void tellRemote();
+    bool obey(Lesson::RemoteCommand command, const QVariant& data);
+    bool addRemoteCard(const QVariant& data);
+    void welcome(const Learner& learner);
+    void afterTurn();
+
+    // From the worker.
+    void onLoggedIn(int ticket, const LessonError& error, const QString& registration) override;
+    void onOpened(int ticket, const Opening& opening) override;
+    void onNotOpened(int ticket, const LessonError& error) override;
+    void onLost() override;
+    void onEnded(int ticket, const LessonError& error) override;
+    void onUploaded(int ticket, const QString& url) override;
+    void onProgress(int ticket, double progress) override;
+    void onJoin(const Learner& learner) override;
+    void onLeave(const QString& deviceId) override;
+    void onAnswer(const QString& deviceId, const QString& id, int time, const QString& answer) override;
+    void onQuestionWanted(const QString& deviceId, int number) override;
+    void onRemote(const QString& type, const QVariant& data) override;
+    void onRemoteGone() override;
+    void onMessage(const QString& type, const QString& from, const QVariant& data) override;
+
+    struct Upload
+    {
+        QByteArray png;
+        std::function<void(const QByteArray& png, const QString& url)> then;
+    };
+
+    Lesson* q;
+    Inbox inbox;
+    LessonWorker* worker; // lives on the thread, and goes with it
+    QThread* thread;
+
+    Lesson::State state = Lesson::LoggedOut;
+    QUrl server;
+    QString user;
+    QString joinCode;
+    QString joinAddress;
+    QString lessonId = QStringLiteral("lesson");
+    QString lessonName = QStringLiteral("Lesson");
+    QStringList transports;
+    QDateTime startedAt;
+    bool reconnects = true;
+    bool wantsLive = false; // a session, as soon as the login is there
+    bool isLoggingOut = false;
+    bool wasBusy = false;
+    double progress = -1;
+    int lastTicket = 0;
+    int ticket = 0; // of the operation that the state is about
+    int attempts = 0;
+    QTimer retry;
+    QDateTime nextAttempt;
+    QHash<int, Upload> uploads;          // by ticket
+    QHash<QByteArray, QString> uploaded; // addresses by hash
+
+    Roster* roster;
+    Deck* deck;
+    QList<Poll*> polls;
+    QHash<QString, Poll*> pollsById;
+    QList<Assessment*> assessments;
+    QPointer<Poll> poll;
+    QPointer<Assessment> assessment;
+    QSet<Poll*> answeredPolls; // in this turn
+    Question sentQuestion;     // the running poll's, as devices get it
+    bool isPollReady = false;  // its picture is uploaded
+    QByteArray cardPng;
+    QString cardUrl;
+    int cardSerial = 0; // counts what takes a card's place
+    bool isLocked = false;
+    bool isRemotePresent = false;
+    QSet<Lesson::RemoteCommand> takenOver;
+};
+
+} // namespace Calyx

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/// Texts that cross the lesson's borders: from learners, onto the wire, into files.
+namespace LessonText {
+
+/// \p text without what would move a cursor or turn the direction of writing: such characters become blanks.
+/// At most \p longest characters.
+QString clean(const QString& text, int longest);
+/// What stands between the quotes of a JSON string that holds \p text: the wire's templates take texts as
+/// they are.
+QString escaped(const QString& text);
+/// Whether \p text holds control characters, which no name, password or token has.
+bool hasControls(const QString& text);
+/// \p reference with everything percent-encoded that ends the quotes of JSON or of CSS's url('...').
+QString asReference(const QString& reference);
+/// A line of CSV, its end included.
+QString csvLine(const QStringList& fields);
+
+} // namespace LessonText

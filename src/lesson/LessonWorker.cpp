@@ -1,0 +1,471 @@
+#include "lesson/LessonWorker.h"
+
+#include "collab/CollaborationMessageHandler.h"
+#include "collab/PresenterCollab.h"
+#include "lesson/LessonText.h"
+#include "lesson/ServiceClient.h"
+#include "transport/SockJSConnector.h"
+
+#include <QEventLoop>
+#include <QThread>
+
+#include <utility>
+
+namespace Calyx {
+
+namespace {
+
+constexpr int openLimit = 10000; // ms, for each transport
+constexpr int channelLimit = 3 * openLimit + 1000;
+constexpr int replyLimit = 10000; // ms, the client's
+constexpr int abortPace = 10;     // ms
+
+} // namespace
+
+LessonWorker::LessonWorker(std::shared_ptr<Inbox::Slot> inbox, LessonListener* listener)
+    : m_inbox(std::move(inbox)), m_listener(listener), m_abort(this)
+{
+    // An operation of the client makes several requests, and does not know that it is not wanted any more.
+    connect(&m_abort, &QTimer::timeout, this, [this] {
+        if (m_client)
+            m_client->abortRequests();
+    });
+}
+
+LessonWorker::~LessonWorker() = default;
+
+void LessonWorker::tell(const std::function<void(LessonWorker*)>& work)
+{
+    QMetaObject::invokeMethod(
+        this, [this, work] { work(this); }, Qt::QueuedConnection);
+}
+
+void LessonWorker::report(const std::function<void(LessonListener*)>& what)
+{
+    m_inbox->put([listener = m_listener, what] { what(listener); });
+}
+
+LessonError LessonWorker::error(LessonError::Kind kind, const QString& key)
+{
+    return LessonError::make(m_isCancelled ? LessonError::Cancelled : kind, key);
+}
+
+void LessonWorker::enqueue(bool isCancellable, const std::function<void()>& run)
+{
+    if (m_isLeaving)
+        return;
+    m_queue.push_back({run, isCancellable});
+    if (!m_isRunning)
+        runNext();
+}
+
+// Operations run event loops, in which others are put into the queue.
+void LessonWorker::runNext()
+{
+    m_isRunning = true;
+    while (!m_queue.empty()) {
+        const Operation operation = m_queue.front();
+        m_queue.pop_front();
+        m_isCancelled = false;
+        m_runsCancellable = operation.isCancellable;
+        m_steps = m_expectedSteps = 0;
+        m_clock.start();
+        operation.run();
+        m_abort.stop();
+    }
+    m_isRunning = false;
+}
+
+void LessonWorker::cancel()
+{
+    std::deque<Operation> kept;
+    for (const Operation& operation : m_queue) {
+        if (!operation.isCancellable)
+            kept.push_back(operation);
+    }
+    m_queue.swap(kept);
+    if (!m_isRunning || !m_runsCancellable)
+        return;
+    m_isCancelled = true;
+    m_abort.start(abortPace);
+    if (m_collab && !m_isOpen)
+        m_collab->connector()->close();
+    if (m_client)
+        m_client->abortRequests();
+    Q_EMIT interrupted();
+}
+
+void LessonWorker::shutDown(int msecs)
+{
+    m_queue.clear();
+    m_waiting.clear();
+    m_runsCancellable = true;
+    cancel();
+    enqueue(false, [this, msecs] {
+        QTimer::singleShot(msecs, this, [this] { m_abort.start(abortPace); });
+        m_abort.stop();
+        stopSession();
+        if (m_client && m_client->isLoggedIn())
+            m_client->doLogout();
+        m_client.reset();
+        thread()->quit();
+    });
+    m_isLeaving = true;
+}
+
+// Login.
+
+void LessonWorker::logIn(int ticket, const Login& login)
+{
+    enqueue(true, [this, ticket, login] {
+        m_ticket = ticket;
+        m_expectedSteps = 2;
+        stopSession();
+        m_login = login;
+        QString registration;
+        const LessonError result = doLogIn(&registration);
+        if (result.kind != LessonError::NoError)
+            m_client.reset();
+        report([=](LessonListener* listener) { listener->onLoggedIn(ticket, result, registration); });
+    });
+}
+
+LessonError LessonWorker::doLogIn(QString* registration)
+{
+    m_client = std::make_unique<ServiceClient>(m_login.server);
+    connect(m_client.get(), &PresenterClient::requestProcessed, this, [this] {
+        ++m_steps;
+        const double progress = m_expectedSteps > 0 ? qMin(1.0, double(m_steps) / m_expectedSteps) : -1;
+        report([ticket = m_ticket, progress](LessonListener* listener) {
+            listener->onProgress(ticket, progress);
+        });
+    });
+    const LessonError::Kind kind = m_client->probe(); // also moves the address where the service wants that
+    if (kind != LessonError::NoError)
+        return error(kind);
+    return submitLogin(registration) ? LessonError() : reasonOfFailure();
+}
+
+// The client puts texts into its requests as they are.
+bool LessonWorker::submitLogin(QString* registration)
+{
+    const QString user = LessonText::escaped(m_login.user);
+    const QString secret = LessonText::escaped(m_login.secret);
+    switch (m_login.how) {
+    case Login::Password:
+        return m_client->doLogin(user, secret);
+    case Login::Token:
+        return m_client->doLogin(user, LessonText::escaped(m_login.deviceId), secret);
+    case Login::OAuth:
+        *registration = m_login.registration;
+        return m_client->doLoginWithOAuth(m_login.user, secret, *registration);
+    }
+    return false;
+}
+
+LessonError LessonWorker::reasonOfFailure()
+{
+    const QString key = m_client->lastError();
+    if (!key.isEmpty())
+        return error(ServiceClient::kindOf(key), key);
+    if (m_clock.hasExpired(replyLimit))
+        return error(LessonError::NoAnswer);
+    const LessonError::Kind kind = m_client->probe();
+    return error(kind == LessonError::NoError ? LessonError::Refused : kind);
+}
+
+LessonError LessonWorker::renewLogin()
+{
+    QString registration;
+    const QString before = m_client->userId();
+    if (!m_client->doGetUserName().isEmpty() || submitLogin(&registration))
+        return LessonError();
+    const LessonError reason = reasonOfFailure();
+    const bool isRefused = reason.kind == LessonError::BadCredentials || reason.kind == LessonError::Refused;
+    return isRefused ? error(LessonError::LoggedOutByService, reason.key) : reason;
+}
+
+void LessonWorker::logOut(int ticket)
+{
+    enqueue(false, [this, ticket] {
+        m_ticket = ticket;
+        stopSession();
+        const bool isDone = !m_client || m_client->doLogout();
+        const LessonError result = isDone ? LessonError() : reasonOfFailure();
+        m_client.reset();
+        report([=](LessonListener* listener) { listener->onEnded(ticket, result); });
+    });
+}
+
+// Session and channel.
+
+void LessonWorker::open(int ticket, const QStringList& transports)
+{
+    enqueue(true, [this, ticket, transports] {
+        m_ticket = ticket;
+        m_expectedSteps = 8;
+        m_transports = transports;
+        const LessonError result = doOpen();
+        if (result.kind == LessonError::NoError) {
+            reportOpened(ticket, false);
+            return;
+        }
+        m_abort.stop();
+        stopSession();
+        report([=](LessonListener* listener) { listener->onNotOpened(ticket, result); });
+    });
+}
+
+LessonError LessonWorker::doOpen()
+{
+    if (!m_client)
+        return error(LessonError::LoggedOutByService);
+    m_client->setOpenLimit(openLimit);
+    m_client->setSockJSOverrideProtocols(m_transports);
+    PresenterCollab* collab = nullptr;
+    const LessonError reason = startSession(&collab);
+    if (reason.kind != LessonError::NoError || m_isCancelled)
+        return error(reason.kind, reason.key);
+    adopt(collab);
+    return waitForChannel() ? LessonError() : error(LessonError::NoChannel);
+}
+
+LessonError LessonWorker::startSession(PresenterCollab** collab)
+{
+    if (!m_client->doStartSession(QString())) {
+        if (m_client->isLoggedIn() || m_isCancelled)
+            return reasonOfFailure();
+        const LessonError reason = renewLogin(); // the client forgets who it is when it hears that nobody is
+        if (reason.kind != LessonError::NoError)
+            return reason;
+        if (!m_client->doStartSession(QString()))
+            return reasonOfFailure();
+    }
+    if (!m_client->startWebsocket(collab))
+        return reasonOfFailure();
+    m_sessionToken = m_client->sessionToken();
+    return m_sessionToken.isEmpty() ? error(LessonError::Refused) : LessonError();
+}
+
+void LessonWorker::adopt(PresenterCollab* collab)
+{
+    m_collab = collab;
+    connect(collab, &PresenterCollab::connectionClosed, this, [this] {
+        if (std::exchange(m_isOpen, false))
+            report([](LessonListener* listener) { listener->onLost(); });
+    });
+    connect(collab, &PresenterCollab::learnerJoin, this, [this](const Learner& learner) {
+        m_heard.insert(learner.deviceId);
+        report([learner](LessonListener* listener) { listener->onJoin(learner); });
+    });
+    connect(collab, &PresenterCollab::learnerUnregister, this, [this](const QString& deviceId) {
+        m_heard.remove(deviceId);
+        report([deviceId](LessonListener* listener) { listener->onLeave(deviceId); });
+    });
+    connect(collab, &PresenterCollab::learnerPollResponse, this,
+            [this](const QString& deviceId, const QString& id, int time, const QString& answer) {
+                report([=](LessonListener* listener) { listener->onAnswer(deviceId, id, time, answer); });
+            });
+    connect(collab->messageHandler(), &CollaborationMessageHandler::learnerGetQuestion, this,
+            [this](const QString& deviceId, int number) {
+                report([=](LessonListener* listener) { listener->onQuestionWanted(deviceId, number); });
+            });
+    connect(collab, &PresenterCollab::controllerRegister, this, [this](bool isHere) {
+        if (!isHere)
+            report([](LessonListener* listener) { listener->onRemoteGone(); });
+    });
+    connect(collab, &PresenterCollab::remoteControl, this, [this](const RemoteControlMessage& message) {
+        onRemoteControl(message.from, message.type, message.data);
+    });
+    connect(collab, &PresenterCollab::unhandledMessage, this,
+            [this](const QVariantMap& body, const QVariant& data) {
+                const QString from = body.value(QStringLiteral("from")).toString();
+                const QString type = body.value(QStringLiteral("type")).toString();
+                if (m_collab && from != m_collab->userToken()) // the bus brings back what we publish to all
+                    report([=](LessonListener* listener) { listener->onMessage(type, from, data); });
+            });
+}
+
+// That open() has returned does not mean that the channel is open: the server has yet to say so.
+bool LessonWorker::waitForChannel()
+{
+    if (m_collab && !m_collab->isConnected() && !m_isCancelled) {
+        QEventLoop loop;
+        connect(m_collab->connector(), &SockJSConnector::connected, &loop, &QEventLoop::quit);
+        connect(m_collab, &PresenterCollab::connectionClosed, &loop, &QEventLoop::quit);
+        connect(m_collab, &QObject::destroyed, &loop, &QEventLoop::quit);
+        connect(this, &LessonWorker::interrupted, &loop, &QEventLoop::quit);
+        QTimer limit;
+        connect(&limit, &QTimer::timeout, &loop, &QEventLoop::quit);
+        limit.start(channelLimit);
+        loop.exec();
+    }
+    return m_collab && m_collab->isConnected() && !m_isCancelled;
+}
+
+void LessonWorker::reportOpened(int ticket, bool isReturn)
+{
+    Opening opening;
+    opening.joinCode = m_client->sessionCode();
+    opening.joinAddress = m_client->server();
+    opening.isReturn = isReturn;
+    m_isOpen = true;
+    m_heard.clear();
+    QList<ServiceClient::User> users;
+    opening.hasLearners = m_client->askUsers(m_sessionToken, &users).isFine();
+    if (!m_isOpen || m_isCancelled) { // lost again meanwhile
+        m_isOpen = false;
+        report(
+            [=](LessonListener* listener) { listener->onNotOpened(ticket, error(LessonError::NoChannel)); });
+        return;
+    }
+    for (const ServiceClient::User& user : qAsConst(users)) {
+        if (user.mode == QLatin1String("learner"))
+            opening.learners.append(user.device);
+    }
+    opening.heard = m_heard;
+    report([=](LessonListener* listener) { listener->onOpened(ticket, opening); });
+    for (const auto& work : std::exchange(m_waiting, {})) {
+        if (m_collab)
+            work(m_collab);
+    }
+}
+
+void LessonWorker::reopen(int ticket)
+{
+    enqueue(true, [this, ticket] {
+        m_ticket = ticket;
+        const LessonError result = doReopen();
+        if (result.kind == LessonError::NoError)
+            reportOpened(ticket, true);
+        else
+            report([=](LessonListener* listener) { listener->onNotOpened(ticket, result); });
+    });
+}
+
+// The service is asked first: whether it is there, who we are to it, and whether it knows the session.
+LessonError LessonWorker::doReopen()
+{
+    if (!m_client || !m_collab)
+        return error(LessonError::SessionGone);
+    QList<ServiceClient::User> users;
+    ServiceClient::Reply reply = m_client->askUsers(m_sessionToken, &users);
+    if (reply.key.startsWith(QLatin1String("login.error"))) {
+        const LessonError reason = renewLogin();
+        if (reason.kind != LessonError::NoError)
+            return reason;
+        reply = m_client->askUsers(m_sessionToken, &users);
+    }
+    if (reply.key.startsWith(QLatin1String("session.error")))
+        return error(LessonError::SessionGone, reply.key);
+    if (!reply.isFine())
+        return error(m_client->kindOf(reply), reply.key);
+    if (!m_isCancelled)
+        m_collab->open(m_client->sockJSProtocols());
+    return waitForChannel() ? LessonError() : error(LessonError::NoChannel);
+}
+
+void LessonWorker::dropChannel()
+{
+    m_isOpen = false;
+    m_waiting.clear();
+    if (!m_collab)
+        return;
+    m_collab->disconnect(this);
+    m_collab->close();
+    m_collab->deleteLater(); // the client forgets it, but would keep it
+    m_collab = nullptr;
+}
+
+// Whatever the service answers, the session is over here.
+void LessonWorker::stopSession()
+{
+    dropChannel();
+    m_sessionToken.clear();
+    m_remotes.clear();
+    if (m_client && !m_client->sessionToken().isNull())
+        m_client->doStopSession();
+}
+
+void LessonWorker::endSession(int ticket)
+{
+    enqueue(false, [this, ticket] {
+        m_ticket = ticket;
+        stopSession();
+        report([=](LessonListener* listener) { listener->onEnded(ticket, LessonError()); });
+    });
+}
+
+void LessonWorker::upload(int ticket, const QByteArray& picture)
+{
+    enqueue(true, [this, ticket, picture] {
+        m_ticket = ticket;
+        const QString url = doUpload(picture);
+        report([=](LessonListener* listener) { listener->onUploaded(ticket, url); });
+    });
+}
+
+// Null when it has failed.
+QString LessonWorker::doUpload(const QByteArray& picture)
+{
+    QString id;
+    QString path;
+    if (!m_client || m_isCancelled ||
+        !m_client->doUploadResource(QStringLiteral("card.png"), picture, &id, &path) || id.isEmpty())
+        return QString();
+    return m_client->server() + path;
+}
+
+void LessonWorker::withClient(const QString& server, const std::function<void(PresenterClient*)>& work)
+{
+    enqueue(true, [this, server, work] {
+        m_ticket = 0;
+        if (!m_client)
+            m_client = std::make_unique<ServiceClient>(server);
+        work(m_client.get());
+    });
+}
+
+void LessonWorker::send(const std::function<void(PresenterCollab*)>& work)
+{
+    if (m_isOpen && m_collab)
+        work(m_collab);
+}
+
+void LessonWorker::withChannel(const std::function<void(PresenterCollab*)>& work)
+{
+    if (m_isOpen && m_collab)
+        work(m_collab);
+    else
+        m_waiting.push_back(work);
+}
+
+// Every device of the session can send what a remote control sends. The service knows which of them is one.
+void LessonWorker::onRemoteControl(const QString& from, const QString& type, const QVariant& data)
+{
+    if (!m_collab || from == m_collab->userToken()) // our own "pause", for example
+        return;
+    const auto tellIt = [=] { report([=](LessonListener* listener) { listener->onRemote(type, data); }); };
+    if (m_remotes.contains(from)) {
+        tellIt();
+        return;
+    }
+    enqueue(true, [=] {
+        if (isRemote(from))
+            tellIt();
+    });
+}
+
+bool LessonWorker::isRemote(const QString& from)
+{
+    QList<ServiceClient::User> users;
+    if (m_client)
+        m_client->askUsers(m_sessionToken, &users);
+    for (const ServiceClient::User& user : qAsConst(users)) {
+        if (user.mode == QLatin1String("controller"))
+            m_remotes.insert(user.device.deviceId);
+    }
+    return m_remotes.contains(from);
+}
+
+} // namespace Calyx

@@ -1,0 +1,158 @@
+#pragma once
+
+#include "lesson/Inbox.h"
+#include "lesson/LessonError.h"
+#include "model/Learner.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QPointer>
+#include <QSet>
+#include <QStringList>
+#include <QTimer>
+#include <QVariant>
+
+#include <deque>
+#include <functional>
+#include <memory>
+
+class PresenterClient;
+class PresenterCollab;
+
+namespace Calyx {
+
+class ServiceClient;
+
+/// How somebody logs in.
+struct Login
+{
+    enum How { Password, Token, OAuth };
+
+    How how = Password;
+    QString server;
+    QString user;     ///< of OAuth, the provider
+    QString secret;   ///< password, token or code
+    QString deviceId; ///< of Token
+    QString registration;
+};
+
+/// A channel that is open.
+struct Opening
+{
+    QString joinCode;
+    QString joinAddress;
+    QList<Learner> learners; ///< the service's list
+    QSet<QString> heard;     ///< who has joined since it was asked for
+    bool isReturn = false;   ///< the session was open before
+    bool hasLearners = false;
+};
+
+/// What a LessonWorker tells, on the thread of its inbox. Each ticket is that of the operation it is about.
+class LessonListener
+{
+public:
+    virtual ~LessonListener() = default;
+    virtual void onLoggedIn(int ticket, const LessonError& error, const QString& registration) = 0;
+    virtual void onOpened(int ticket, const Opening& opening) = 0;
+    virtual void onNotOpened(int ticket, const LessonError& error) = 0;
+    virtual void onLost() = 0;
+    virtual void onEnded(int ticket, const LessonError& error) = 0;
+    virtual void onUploaded(int ticket, const QString& url) = 0;
+    virtual void onProgress(int ticket, double progress) = 0;
+    virtual void onJoin(const Learner& learner) = 0;
+    virtual void onLeave(const QString& deviceId) = 0;
+    virtual void onAnswer(const QString& deviceId, const QString& id, int time, const QString& answer) = 0;
+    virtual void onQuestionWanted(const QString& deviceId, int number) = 0;
+    virtual void onRemote(const QString& type, const QVariant& data) = 0;
+    virtual void onRemoteGone() = 0;
+    virtual void onMessage(const QString& type, const QString& from, const QVariant& data) = 0;
+};
+
+/// The lesson's side of the network, on a thread of its own: the client, whose operations block there, and
+/// its channel. Operations wait for each other in a queue; messages on the channel do not.
+///
+/// All functions are for that thread; tell() is for any.
+class LessonWorker : public QObject
+{
+    Q_OBJECT
+
+public:
+    LessonWorker(std::shared_ptr<Inbox::Slot> inbox, LessonListener* listener);
+    ~LessonWorker() override;
+
+    /// Has the worker do \p work on its thread.
+    void tell(const std::function<void(LessonWorker*)>& work);
+
+    void logIn(int ticket, const Login& login);
+    void open(int ticket, const QStringList& transports);
+    /// Opens the channel of the session again, whatever has become of it and of the login.
+    void reopen(int ticket);
+    void endSession(int ticket);
+    void logOut(int ticket);
+    void upload(int ticket, const QByteArray& picture);
+    void withClient(const QString& server, const std::function<void(PresenterClient*)>& work);
+    /// Does \p work with the channel, if it is open.
+    void send(const std::function<void(PresenterCollab*)>& work);
+    /// Does \p work with the channel, when it is open at the latest.
+    void withChannel(const std::function<void(PresenterCollab*)>& work);
+    /// Ends what is under way and forgets what waits, but for ends.
+    void cancel();
+    /// Says goodbye where that can be done in \p msecs milliseconds, and ends the thread.
+    void shutDown(int msecs);
+
+Q_SIGNALS:
+    /// What is waited for is not wanted any more.
+    void interrupted();
+
+private:
+    struct Operation
+    {
+        std::function<void()> run;
+        bool isCancellable;
+    };
+
+    void enqueue(bool isCancellable, const std::function<void()>& run);
+    void runNext();
+    void report(const std::function<void(LessonListener*)>& what);
+    LessonError error(LessonError::Kind kind, const QString& key = QString());
+
+    LessonError doLogIn(QString* registration);
+    bool submitLogin(QString* registration);
+    LessonError doOpen();
+    LessonError startSession(PresenterCollab** collab);
+    LessonError reasonOfFailure();
+    LessonError doReopen();
+    LessonError renewLogin();
+    void reportOpened(int ticket, bool isReturn);
+    bool waitForChannel();
+    void adopt(PresenterCollab* collab);
+    void dropChannel();
+    void stopSession();
+    QString doUpload(const QByteArray& picture);
+    void onRemoteControl(const QString& from, const QString& type, const QVariant& data);
+    bool isRemote(const QString& from);
+
+    std::shared_ptr<Inbox::Slot> m_inbox;
+    LessonListener* m_listener;
+    std::unique_ptr<ServiceClient> m_client;
+    QPointer<PresenterCollab> m_collab; // the client's
+    Login m_login;
+    QStringList m_transports;
+    QString m_sessionToken;
+    std::deque<Operation> m_queue;
+    std::deque<std::function<void(PresenterCollab*)>> m_waiting; // for the channel
+    QSet<QString> m_heard;
+    QSet<QString> m_remotes; // devices that the service knows as such
+    QTimer m_abort;
+    QElapsedTimer m_clock; // since the operation has begun
+    int m_ticket = 0;
+    int m_steps = 0; // requests of the operation
+    int m_expectedSteps = 0;
+    bool m_isRunning = false;
+    bool m_runsCancellable = false;
+    bool m_isCancelled = false;
+    bool m_isOpen = false;
+    bool m_isLeaving = false;
+};
+
+} // namespace Calyx

@@ -1,0 +1,258 @@
+#include "lesson/Poll.h"
+
+#include "lesson/LessonText.h"
+#include "lesson/Roster.h"
+
+#include <QElapsedTimer>
+#include <QHash>
+#include <QJsonArray>
+#include <QPointer>
+#include <QUuid>
+
+namespace Calyx {
+
+namespace {
+
+constexpr int longestAnswer = 500; // characters; more would only be memory
+
+QJsonObject toJson(const PollAnswer& answer)
+{
+    QJsonObject object{{QStringLiteral("deviceId"), answer.deviceId},
+                       {QStringLiteral("name"), answer.name},
+                       {QStringLiteral("answer"), answer.text},
+                       {QStringLiteral("msecs"), answer.msecs},
+                       {QStringLiteral("receivedAt"), answer.receivedAt.toString(Qt::ISODateWithMs)},
+                       {QStringLiteral("late"), answer.isLate},
+                       {QStringLiteral("replacement"), answer.isReplacement}};
+    if (answer.mark > PollAnswer::Unmarked)
+        object.insert(QStringLiteral("right"), answer.mark == PollAnswer::Right);
+    return object;
+}
+
+} // namespace
+
+struct Poll::Private
+{
+    int number;
+    Question question;
+    QPointer<const Roster> roster;
+    QString id = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    QDateTime startedAt = QDateTime::currentDateTime();
+    QElapsedTimer clock;
+    qint64 lasted = 0; // ms, once it is over
+    QVector<PollAnswer> answers;
+    QHash<QString, int> rows; // by device
+    PollResults* results = nullptr;
+    QStringList missingAtStop;
+    bool isRunning = true;
+    bool isPaused = false;
+    bool isDirty = false;
+};
+
+Poll::Poll(int number, const Question& question, const Roster* roster, QObject* parent)
+    : QObject(parent), d(std::make_unique<Private>())
+{
+    d->number = number;
+    d->question = question;
+    d->roster = roster;
+    d->results = new PollResults(question, this);
+    d->clock.start();
+}
+
+Poll::~Poll() = default;
+
+// Takes the device's answer; false when it is the one that it has given already.
+bool Poll::add(const QString& deviceId, const QString& text, int time)
+{
+    constexpr int second = 1000;
+    PollAnswer answer;
+    answer.text = LessonText::clean(text, longestAnswer);
+    const auto row = d->rows.constFind(deviceId);
+    if (row != d->rows.constEnd()) {
+        const QString before = d->answers.at(*row).text;
+        if (before == answer.text) // sent again, after a lost connection for example
+            return false;
+        d->results->count(before, -1);
+        answer.isReplacement = true;
+    }
+    answer.deviceId = deviceId;
+    answer.name = d->roster ? d->roster->name(deviceId) : deviceId;
+    answer.picks = d->question.picksOf(answer.text);
+    answer.msecs = isDocument() ? time : time * second;
+    answer.receivedAt = QDateTime::currentDateTime();
+    answer.isLate = !d->isRunning;
+    if (d->question.isMarked())
+        answer.mark = d->question.isRight(answer.text) ? PollAnswer::Right : PollAnswer::Wrong;
+    else
+        answer.mark = PollAnswer::Unmarked;
+    d->results->count(answer.text, 1);
+    if (answer.isReplacement) {
+        d->answers[*row] = answer;
+    } else {
+        d->rows.insert(deviceId, d->answers.size());
+        d->answers.append(answer);
+    }
+    d->results->setAnswered(d->answers.size());
+    d->isDirty = true;
+    return true;
+}
+
+void Poll::setPaused(bool paused)
+{
+    if (!d->isRunning || d->isPaused == paused)
+        return;
+    d->isPaused = paused;
+    Q_EMIT stateChanged();
+}
+
+void Poll::stop()
+{
+    if (!d->isRunning)
+        return;
+    d->missingAtStop = missing();
+    d->lasted = d->clock.elapsed();
+    d->isRunning = d->isPaused = false;
+    Q_EMIT stateChanged();
+}
+
+void Poll::flush()
+{
+    if (!d->isDirty)
+        return;
+    d->isDirty = false;
+    const QPointer<Poll> self(this);
+    d->results->flush();
+    if (self)
+        Q_EMIT answersChanged();
+}
+
+// A word seed or creative poll without words of the teacher's.
+bool Poll::isDocument() const
+{
+    const bool isKind = d->question.type == PollType::WORD_SEED || d->question.type == PollType::CREATIVE;
+    return isKind && d->question.text.isEmpty() && d->question.options.isEmpty();
+}
+
+QString Poll::id() const
+{
+    return d->id;
+}
+
+int Poll::number() const
+{
+    return d->number;
+}
+
+Question Poll::question() const
+{
+    return d->question;
+}
+
+QString Poll::title() const
+{
+    return d->question.text.isEmpty() ? d->question.kindName() : d->question.text;
+}
+
+bool Poll::isRunning() const
+{
+    return d->isRunning;
+}
+
+bool Poll::isPaused() const
+{
+    return d->isPaused;
+}
+
+QDateTime Poll::startedAt() const
+{
+    return d->startedAt;
+}
+
+qint64 Poll::elapsed() const
+{
+    return d->isRunning ? d->clock.elapsed() : d->lasted;
+}
+
+PollResults* Poll::results() const
+{
+    return d->results;
+}
+
+int Poll::answered() const
+{
+    return d->answers.size();
+}
+
+int Poll::expected() const
+{
+    int waiting = 0;
+    const QStringList devices = d->isRunning ? missing() : d->missingAtStop;
+    for (const QString& deviceId : devices)
+        waiting += hasAnswered(deviceId) ? 0 : 1;
+    return answered() + waiting;
+}
+
+bool Poll::hasAnswered(const QString& deviceId) const
+{
+    return d->rows.contains(deviceId);
+}
+
+PollAnswer Poll::answerOf(const QString& deviceId) const
+{
+    const auto row = d->rows.constFind(deviceId);
+    return row == d->rows.constEnd() ? PollAnswer() : d->answers.at(*row);
+}
+
+QVector<PollAnswer> Poll::answers() const
+{
+    return d->answers;
+}
+
+QStringList Poll::missing() const
+{
+    QStringList devices;
+    if (!d->isRunning || !d->roster)
+        return devices;
+    const QStringList present = d->roster->present();
+    for (const QString& deviceId : present) {
+        if (!hasAnswered(deviceId))
+            devices.append(deviceId);
+    }
+    return devices;
+}
+
+QString Poll::toCsv() const
+{
+    QString csv = LessonText::csvLine({tr("Question"), tr("Learner"), tr("Device"), tr("Answer"), tr("Right"),
+                                       tr("Milliseconds"), tr("Late")});
+    for (const PollAnswer& answer : qAsConst(d->answers)) {
+        const QString right = answer.mark == PollAnswer::Unmarked ? QString()
+                              : answer.mark == PollAnswer::Right  ? tr("yes")
+                                                                  : tr("no");
+        csv += LessonText::csvLine({title(), answer.name, answer.deviceId, answer.text, right,
+                                    QString::number(answer.msecs), answer.isLate ? tr("yes") : QString()});
+    }
+    return csv;
+}
+
+QJsonObject Poll::toJson() const
+{
+    QJsonArray answers;
+    for (const PollAnswer& answer : qAsConst(d->answers))
+        answers.append(Calyx::toJson(answer));
+    QJsonArray counts;
+    const QVector<PollResults::Row> rows = d->results->rows();
+    for (const PollResults::Row& row : rows)
+        counts.append(
+            QJsonObject{{QStringLiteral("answer"), row.title()}, {QStringLiteral("count"), row.count}});
+    return {{QStringLiteral("number"), d->number},
+            {QStringLiteral("id"), d->id},
+            {QStringLiteral("question"), QJsonObject::fromVariantMap(d->question.toMap())},
+            {QStringLiteral("startedAt"), d->startedAt.toString(Qt::ISODateWithMs)},
+            {QStringLiteral("msecs"), elapsed()},
+            {QStringLiteral("running"), d->isRunning},
+            {QStringLiteral("results"), counts},
+            {QStringLiteral("answers"), answers}};
+}
+
+} // namespace Calyx

@@ -1,0 +1,212 @@
+#include "interop/support/Main.h"
+#include "interop/support/Peers.h"
+#include "support/WaitFor.h"
+
+#include <CalyxClient/Lesson>
+#include <CalyxClient/PresenterCollab>
+#include <CalyxClient/SockJSConnector>
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QSignalSpy>
+
+#include <memory>
+
+using namespace Calyx;
+
+namespace {
+
+/// Simulated learners who join the session with this code and answer everything until it ends.
+class Learners
+{
+public:
+    Learners(const Peer& classroom, const QString& code, int count, const QStringList& options = {})
+    {
+        m_process.start(QStringLiteral("node"),
+                        QStringList{QStringLiteral(INTEROP_SOURCE_DIR "/../../classroom/learners.js"),
+                                    QStringLiteral("--url"), classroom.url().toString(),
+                                    QStringLiteral("--session"), code, QStringLiteral("--count"),
+                                    QString::number(count), QStringLiteral("--quiet")} +
+                            options);
+    }
+    ~Learners()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+
+private:
+    QProcess m_process;
+};
+
+const QStringList transports = {QStringLiteral("websocket"), QStringLiteral("xhr-streaming"),
+                                QStringLiteral("xhr-polling")};
+
+Question marked()
+{
+    Question question = Question::usual(PollType::MULTIPLE);
+    question.text = QStringLiteral("Which gas does a \"leaf\" take in?");
+    question.options = QStringList{QStringLiteral("Oxygen"), QStringLiteral("Carbon dioxide")};
+    question.right = QStringList{QStringLiteral("B")};
+    return question;
+}
+
+} // namespace
+
+/// The lesson layer against the local classroom.
+class TestLesson : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_classroom = std::make_unique<Peer>(Peers::classroom());
+        VERIFY_STARTED(m_classroom->start());
+        m_lesson = std::make_unique<Lesson>(m_classroom->url());
+        connect(m_lesson.get(), &Lesson::failed, this, [this](const LessonError& error) { m_error = error; });
+        m_error = LessonError();
+    }
+
+    void cleanup()
+    {
+        m_lesson.reset();
+        m_classroom.reset();
+    }
+
+    void teaches_data()
+    {
+        QTest::addColumn<QString>("transport");
+        for (const QString& transport : transports)
+            QTest::newRow(qPrintable(transport)) << transport;
+    }
+
+    // All is asked for at once, and done in order.
+    void teaches()
+    {
+        QFETCH(QString, transport);
+        QList<Lesson::State> states;
+        connect(m_lesson.get(), &Lesson::stateChanged, this, [&] { states.append(m_lesson->state()); });
+        m_lesson->setTransports({transport});
+        goLive();
+        Poll* const early = m_lesson->ask(PollType::WORD_SEED, OrdinalType::GENERIC, 0);
+        QVERIFY(early);
+        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
+        QCOMPARE(states,
+                 (QList<Lesson::State>{Lesson::LoggingIn, Lesson::LoggedIn, Lesson::Starting, Lesson::Live}));
+
+        // Who comes late gets what the class has in front of it.
+        const Learners learners(*m_classroom, m_lesson->joinCode(), 5);
+        QVERIFY(waitFor([&] { return early->answered() == 5; }));
+        QCOMPARE(m_lesson->roster()->presentCount(), 5);
+
+        Poll* const poll = m_lesson->ask(marked());
+        QVERIFY(!early->isRunning());
+        QVERIFY(waitFor([&] { return poll->answered() == 5; }));
+        QVERIFY(poll->id() != early->id());
+        QCOMPARE(poll->results()->rowCount(), 2);
+        QCOMPARE(poll->results()->rows().at(1).isCorrect, true);
+        QCOMPARE(poll->results()->rows().at(0).count + poll->results()->rows().at(1).count, 5);
+        m_lesson->stop();
+        QVERIFY(poll->missing().isEmpty());
+
+        AssessmentPlan plan;
+        plan.title = QStringLiteral("Leaves");
+        plan.questions = {marked(), Question::usual(PollType::TEXT), Question::usual(PollType::NUMBER)};
+        Assessment* const assessment = m_lesson->startAssessment(plan);
+        QVERIFY(waitFor([&] { return assessment->finished() == 5; }));
+        m_lesson->stopAssessment();
+
+        QCOMPARE(m_lesson->report().value("polls").toArray().size(), 2);
+        QCOMPARE(m_lesson->toCsv().count("\r\n"), 1 + 5 + 5 + 15);
+        m_lesson->logOut();
+        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::LoggedOut; }));
+        QCOMPARE(m_error.kind, LessonError::NoError);
+        QCOMPARE(m_lesson->roster()->presentCount(), 0);
+        QCOMPARE(poll->answered(), 5);
+    }
+
+    void comesBack_data() { teaches_data(); }
+
+    // The channel is lost again and again, and what is asked meanwhile reaches the class.
+    void comesBack()
+    {
+        QFETCH(QString, transport);
+        m_lesson->setTransports({transport});
+        goLive();
+        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
+        const Learners learners(*m_classroom, m_lesson->joinCode(), 5);
+        QVERIFY(waitFor([&] { return m_lesson->roster()->presentCount() == 5; }));
+        for (int round = 0; round < 3; ++round) {
+            m_lesson->onChannel([](PresenterCollab* collab) { collab->connector()->close(); });
+            QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Reconnecting; }));
+            Poll* const poll = m_lesson->ask(marked());
+            QVERIFY(poll);
+            QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live && poll->answered() == 5; }));
+        }
+        QCOMPARE(m_lesson->polls().size(), 3);
+        QCOMPARE(m_lesson->roster()->rowCount(), 5);
+    }
+
+    // The service has been started anew, and knows nobody.
+    void saysThatTheSessionIsGone()
+    {
+        goLive();
+        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
+        Poll* const poll = m_lesson->ask(marked());
+        m_classroom->kill();
+        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Reconnecting; }));
+        VERIFY_STARTED(m_classroom->start());
+        m_lesson->retryNow();
+        QVERIFY(waitFor([&] { return m_error.kind == LessonError::SessionGone; }));
+        QCOMPARE(m_lesson->state(), Lesson::LoggedIn);
+        QVERIFY(!poll->isRunning());
+        m_lesson->start();
+        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
+    }
+
+    void diesInEveryState_data()
+    {
+        QTest::addColumn<int>("state");
+        for (int state = Lesson::LoggingIn; state <= Lesson::Ending; ++state)
+            QTest::newRow(QMetaEnum::fromType<Lesson::State>().valueToKey(state)) << state;
+    }
+
+    // Deleted by its own slot.
+    void diesInEveryState()
+    {
+        QFETCH(int, state);
+        bool isGone = false;
+        connect(m_lesson.get(), &Lesson::stateChanged, this, [&] {
+            if (m_lesson->state() == state) {
+                QElapsedTimer clock;
+                clock.start();
+                m_lesson.reset();
+                isGone = true;
+                QVERIFY(clock.elapsed() < 2000);
+            } else if (m_lesson->state() == Lesson::Live && state == Lesson::Reconnecting) {
+                m_lesson->onChannel([](PresenterCollab* collab) { collab->connector()->close(); });
+            } else if (m_lesson->state() == Lesson::Live) {
+                m_lesson->end();
+            }
+        });
+        goLive();
+        QVERIFY(waitFor([&] { return isGone; }));
+    }
+
+private:
+    void goLive()
+    {
+        m_lesson->logIn(QStringLiteral("teacher"), QStringLiteral("chalk"));
+        if (m_lesson)
+            m_lesson->start();
+    }
+
+    std::unique_ptr<Peer> m_classroom;
+    std::unique_ptr<Lesson> m_lesson;
+    LessonError m_error;
+};
+
+INTEROP_MAIN(TestLesson)
+
+#include "tst_Lesson.moc"
