@@ -93,6 +93,28 @@ private Q_SLOTS:
         QCOMPARE(lines.last(), QStringLiteral("  and 2 different answers more"));
     }
 
+    void anOptionWithVotesIsNeverHidden()
+    {
+        ChartData options;
+        for (char letter = 'A'; letter <= 'Z'; ++letter)
+            options.bars.append({QString(QLatin1Char(letter)),
+                                 letter == 'Z'   ? 5
+                                 : letter == 'B' ? 2
+                                                 : 0,
+                                 true});
+        const QStringList some = Chart::lines(options, style(false, 60), 4);
+        QCOMPARE(some.size(), 4);
+        QVERIFY(some.at(1).startsWith("  B ") && some.at(2).startsWith("  Z "));
+        QCOMPARE(some.last(), QStringLiteral("  and 24 more options"));
+        QCOMPARE(Chart::lines(options, style(false, 60), 3).last(),
+                 QStringLiteral("  and B 2, 24 more options"));
+        Style small = style(false, 60);
+        small.rows = 4;
+        for (Bar& bar : options.bars)
+            bar.count = 1;
+        QCOMPARE(Chart::all(options, small).size(), 27); // the window scrolls
+    }
+
     void aChartThatJustFitsIsWhole()
     {
         const QStringList lines = Chart::lines(data(), style(false, 60), 4);

@@ -1,7 +1,14 @@
+#include "commands/CommandHelp.h"
 #include "commands/CommandTable.h"
 
 #include <QSet>
 #include <QTest>
+
+namespace {
+
+constexpr int wide = 200;
+
+} // namespace
 
 class tst_CommandTable : public QObject
 {
@@ -76,11 +83,13 @@ private Q_SLOTS:
                                  << "Usage: card FILE";
         QTest::newRow("too many") << "poll stop now"
                                   << "Usage: poll stop";
-        QTest::newRow("no number") << "pause long"
+        QTest::newRow("no number") << "deck go long"
                                    << "\"long\" is not a whole number";
-        QTest::newRow("negative") << "pause -5"
+        QTest::newRow("no time") << "pause long"
+                                 << "\"long\" is not a number of seconds";
+        QTest::newRow("negative") << "deck go -5"
                                   << "\"-5\" is not a whole number";
-        QTest::newRow("too large a number") << "pause 99999999999"
+        QTest::newRow("too large a number") << "deck go 99999999999"
                                             << "is not a whole number";
         QTest::newRow("no amount") << "wait answers some"
                                    << "neither a whole number nor \"all\"";
@@ -108,30 +117,56 @@ private Q_SLOTS:
 
     void helpKnowsAllCommands()
     {
-        const QString overview = CommandTable::overview().join(QLatin1Char('\n'));
-        for (const Command& command : CommandTable::commands()) {
-            const QString name = QLatin1String(command.name);
-            QVERIFY2(overview.contains(QStringLiteral("  ") + name), command.name);
-            QVERIFY2(CommandTable::help(name).contains(CommandTable::usage(command)), command.name);
+        const QString overview = CommandHelp::overview(wide).join(QLatin1Char('\n'));
+        for (const CommandTable::Topic& topic : CommandTable::topics()) {
+            const QStringList lines = CommandHelp::about(QLatin1String(topic.name), wide);
+            for (const Command& command : topic.commands) {
+                QVERIFY2(overview.contains(QLatin1String(command.name)), command.name);
+                QVERIFY2(!lines.filter(QLatin1String(command.summary)).isEmpty(), command.name);
+                QVERIFY2(CommandHelp::about(command.name, wide).contains(CommandTable::usage(command)),
+                         command.name);
+            }
         }
     }
 
     void helpExplainsFamilies()
     {
-        const QStringList help = CommandTable::help("session");
+        const QStringList help = CommandHelp::about("session", wide);
         QVERIFY(help.contains(QStringLiteral("session start [within SECONDS]")));
         QVERIFY(help.contains(QStringLiteral("session stop")));
-        QVERIFY(!CommandTable::help("poll stop").contains(QStringLiteral("poll pause")));
-        QVERIFY(CommandTable::help("dance").isEmpty());
+        QVERIFY(!CommandHelp::about("poll", wide).contains(QStringLiteral("poll pause")));
+        QVERIFY(CommandHelp::about("dance", wide).isEmpty());
     }
 
-    void helpFitsATerminal()
+    void helpFitsTheWindow_data()
     {
-        QStringList lines = CommandTable::overview();
+        QTest::addColumn<QString>("name");
+        QTest::newRow("overview") << "";
+        for (const CommandTable::Topic& topic : CommandTable::topics())
+            QTest::newRow(topic.name) << topic.name;
         for (const Command& command : CommandTable::commands())
-            lines += CommandTable::help(QLatin1String(command.name));
-        for (const QString& line : qAsConst(lines))
-            QVERIFY2(line.size() <= 100, qPrintable(line));
+            QTest::newRow(command.name) << command.name;
+    }
+
+    void helpFitsTheWindow()
+    {
+        constexpr int rows = 23; // the prompt is the last
+        QFETCH(QString, name);
+        for (const int columns : {40, 79}) {
+            const QStringList lines =
+                name.isEmpty() ? CommandHelp::overview(columns) : CommandHelp::about(name, columns);
+            for (const QString& line : lines)
+                QVERIFY2(line.size() <= columns, qPrintable(line));
+            QVERIFY2(columns < 79 || lines.size() <= rows, qPrintable(lines.join(QLatin1Char('\n'))));
+        }
+    }
+
+    void secretsAreKnown()
+    {
+        for (const char* line : {"login ann chalk", "login token a d t", "token d n ann chalk", "check a b"})
+            QVERIFY2(CommandTable::holdsSecret(line), line);
+        for (const char* line : {"login ann", "poll text", "dance"})
+            QVERIFY2(!CommandTable::holdsSecret(line), line);
     }
 };
 

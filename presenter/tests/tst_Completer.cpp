@@ -58,8 +58,7 @@ private Q_SLOTS:
     void candidatesFitThePlace()
     {
         QFETCH(QString, line);
-        const Completer::Completion completion =
-            Completer::complete(line, {"Zoë", "Li Mei"}, m_folder.path());
+        const Completion completion = Completer::complete(line, {"Zoë", "Li Mei"}, m_folder.path());
         QTEST(completion.start, "start");
         QTEST(completion.candidates, "candidates");
     }

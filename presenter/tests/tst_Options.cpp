@@ -24,7 +24,7 @@ private Q_SLOTS:
     {
         const Options options =
             parse({"--server", "http://127.0.0.1:80", "--user", "ann", "--password", "p w", "--script",
-                   "a.lesson", "--transports", "websocket, xhr-polling", "--open-limit", "500", "--quiet"});
+                   "a.lesson", "--transports", "websocket, xhr-polling", "--open-limit", "0.5", "--quiet"});
         QCOMPARE(options.request, Options::Run);
         QCOMPARE(options.server, QStringLiteral("http://127.0.0.1:80"));
         QCOMPARE(options.user, QStringLiteral("ann"));

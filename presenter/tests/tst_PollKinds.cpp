@@ -109,10 +109,21 @@ private Q_SLOTS:
 
     void barsAreThoseOfTheOptions()
     {
-        QCOMPARE(labels(PollKinds::usual(PollType::TRUE_FALSE)), QStringList({"A TRUE", "B FALSE"}));
+        QCOMPARE(labels(PollKinds::usual(PollType::TRUE_FALSE)), QStringList({"A True", "B False"}));
         QCOMPARE(labels(PollKinds::usual(PollType::SCALE)), QStringList({"0", "1", "2", "3", "4"}));
         QCOMPARE(labels(PollKinds::usual(PollType::SORT)), QStringList{});
         QCOMPARE(labels(PollKinds::usual(PollType::TEXT)), QStringList{});
+    }
+
+    void everyLabelIsThereOnceAndIsAWord()
+    {
+        PollPlan plan = PollKinds::usual(PollType::MULTIPLE);
+        plan.ordinal = OrdinalType::YES_NO_MAYBE;
+        plan.options = PollKinds::usualOptions(plan);
+        QCOMPARE(labels(plan), QStringList({"A Yes", "B No", "? Maybe"}));
+        Tally tally = PollKinds::tally(plan);
+        tally.add("d", "DONTKNOW");
+        QCOMPARE(tally.bars().at(2).count, 1);
     }
 
     // Such a poll goes out as a document, whose answers name options by number.

@@ -148,16 +148,59 @@ private Q_SLOTS:
         TYPE_UNTIL_LIVE(goLive);
         terminal.type("say now\rwait learners 5\rsay queued\r");
         TRY_SHOWN("\nnow\n");
-        TRY_SHOWN("calyx> say queued");
+        TRY(terminal.lastLine().startsWith("Waiting: 0 of 5 learners are here  0:0")); // and no prompt
+        terminal.type("say unread\r");
         terminal.type("\003");
         TRY_SHOWN("Interrupted.");
+        TRY_SHOWN("Not done: say queued");
+        TRY_SHOWN("Not done: say unread");
+        TRY_LINE("calyx>");
         terminal.type("say after\r");
         TRY_SHOWN("\nafter\n");
         QVERIFY(!terminal.text().contains("\nqueued\n")); // what waited behind it is given up, too
+        terminal.type("half a li");
+        TRY_LINE("calyx> half a li");
+        terminal.type("\003");
+        TRY(terminal.text().endsWith("calyx> half a li^C\ncalyx>"));
+        QVERIFY(!terminal.text().contains("Ctrl-C again"));
+        terminal.type("\003");
+        TRY_SHOWN("A session with 0 learners is open. Ctrl-C again, or \"quit\", ends it.");
+        TRY_LINE("calyx>");
         terminal.type("\003");
         TRY_ENDED(128 + SIGINT);
         QVERIFY(terminal.isCooked());
         QCOMPARE(classroom.requests().last(), QStringLiteral("/login/logout"));
+    }
+
+    void whatIsTypedDuringAWaitIsDoneAfterIt()
+    {
+        FakeClassroom classroom;
+        Terminal terminal(arguments(classroom));
+        TYPE_UNTIL_LIVE(goLive);
+        terminal.type("wait learners 1\r");
+        TRY(terminal.lastLine().startsWith("Waiting: "));
+        terminal.type("say typed ahead\r");
+        classroom.join("d1", "Ann");
+        TRY(terminal.text().endsWith("calyx> say typed ahead\ntyped ahead\ncalyx>"));
+    }
+
+    void aPasswordIsAskedForAndNotShown()
+    {
+        FakeClassroom classroom;
+        Terminal terminal({"--server", classroom.url()});
+        TRY_LINE("calyx>");
+        terminal.type("login teacher\r");
+        TRY(terminal.lastLine().startsWith("Waiting: the password of teacher, which is not shown"));
+        terminal.type("chalkx\177\r");
+        TRY_SHOWN("Logged in as teacher.");
+        QVERIFY(classroom.body("/login/submit").contains("\"password\":\"chalk\""));
+        QVERIFY(!terminal.text().contains("chalk"));
+        terminal.type("login teacher chalk\r");
+        TRY(classroom.requests().size() == 2);
+        terminal.type("say there\r");
+        TRY_SHOWN("\nthere\n");
+        terminal.type("\033[A\033[A");
+        TRY_LINE("calyx> login teacher"); // the line with the password is not remembered
     }
 
     void theRemoteControlStopsTheSessionAndThePromptStays()
@@ -166,9 +209,9 @@ private Q_SLOTS:
         Terminal terminal(arguments(classroom));
         TYPE_UNTIL_LIVE(goLive);
         terminal.type("wait learners 3\r");
-        TRY_SHOWN("calyx> wait learners 3");
+        TRY_SHOWN("Waiting: 0 of 3 learners are here");
         classroom.remote("stopSession");
-        TRY_SHOWN("Session 123456 is stopped.");
+        TRY_SHOWN("Session 123 456 is stopped.");
         terminal.type("say still here\r");
         TRY(terminal.text().endsWith("\nstill here\ncalyx>"));
         QCOMPARE(classroom.requests().last(), QStringLiteral("/session/stop"));

@@ -104,6 +104,20 @@ private Q_SLOTS:
         QCOMPARE(Text::duration(5), QStringLiteral("0:05"));
         QCOMPARE(Text::duration(725), QStringLiteral("12:05"));
     }
+
+    void linesAreWrappedBetweenWords()
+    {
+        QCOMPARE(Text::wrap("one two three four", 9, 0, 2), QStringList({"one two", "  three", "  four"}));
+        QCOMPARE(Text::wrap("name    what it does", 14, 2, 6),
+                 QStringList({"  name    what", "      it does"}));
+    }
+
+    void codesAreGrouped()
+    {
+        QCOMPARE(Text::code("559335"), QStringLiteral("559 335"));
+        QCOMPARE(Text::code("5593"), QStringLiteral("559 3"));
+        QCOMPARE(Text::code(""), QString());
+    }
 };
 
 QTEST_GUILESS_MAIN(tst_Text)

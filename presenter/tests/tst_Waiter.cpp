@@ -1,4 +1,4 @@
-#include "app/Waiter.h"
+#include "commands/Waiter.h"
 
 #include <QElapsedTimer>
 #include <QTest>

@@ -29,8 +29,8 @@ export class RealHost {
     await host.do('login');
     await host.do('session start');
     await host.do(`set wait-limit ${WAIT_SECONDS}`);
-    const started = await host.line(/^Session (\d{6}) is live/);
-    host.code = started[1];
+    const started = await host.line(/^Session ([\d ]+) is live/);
+    host.code = started[1].replaceAll(' ', '');
     return host;
   }
 

@@ -1,5 +1,6 @@
 #include "app/Options.h"
 
+#include "commands/ArgumentReader.h"
 #include "text/Suggestions.h"
 
 #include <CalyxClient/SockJSConnector>
@@ -22,8 +23,9 @@ Teaches a live classroom lesson: from a script, or by commands typed at a prompt
                       line by line from standard input where that is no terminal
   --transports LIST   the transports to use instead of the tenant's, in this order, divided by
                       commas: websocket, xhr-streaming, xhr-polling
-  --open-limit MS     how long a transport may take to open before the next is tried
-                      (10000; 0: no limit)
+  --open-limit SECONDS
+                      how long a transport may take to open before the next is tried (10; 0: no
+                      limit)
   --quiet             print errors and results only: no progress, no narration
   --verbose           print the library's diagnostics on standard error; they hold tokens
   --version           print the version
@@ -32,8 +34,8 @@ Teaches a live classroom lesson: from a script, or by commands typed at a prompt
 In a lesson, one command stands on a line; "#" begins a comment line. A failed command ends a
 script and anything piped in, not what is typed at a prompt. A session that is open at the end
 is stopped, and the user is logged out. Ctrl-C (SIGINT) and SIGTERM end the lesson in the same
-way; at the prompt, Ctrl-C first gives up what is under way. A third such signal ends the program
-at once.
+way; at the prompt, Ctrl-C first clears the line or gives up what is under way, and asks before it
+ends a session. A third such signal ends the program at once.
 
 Exit status:
   0    the whole lesson did what it says, or the remote control ended it
@@ -123,8 +125,8 @@ QString faultIn(const QCommandLineParser& parser, const Options& options, bool i
         return text;
     if (parser.isSet(QStringLiteral("transports")) && options.transports.isEmpty())
         return QStringLiteral("--transports takes at least one transport.");
-    if (!isOpenLimitNumber || options.openLimit < 0)
-        return QStringLiteral("--open-limit takes a number of milliseconds, not \"%1\".")
+    if (!isOpenLimitNumber)
+        return QStringLiteral("--open-limit takes a number of seconds, not \"%1\".")
             .arg(parser.value(QStringLiteral("open-limit")));
     if (parser.isSet(QStringLiteral("script")) && options.script.isEmpty())
         return QStringLiteral("--script takes a file.");
@@ -161,8 +163,10 @@ Options Options::parse(const QStringList& arguments)
     options.quiet = isSet("quiet");
     options.verbose = isSet("verbose");
     bool isNumber = true;
+    qint64 msecs = options.openLimit;
     if (isSet("open-limit"))
-        options.openLimit = value("open-limit").toInt(&isNumber);
+        isNumber = ArgumentReader::readSeconds(value("open-limit"), msecs);
+    options.openLimit = static_cast<int>(msecs);
 
     if (isSet("help")) {
         options.request = ShowHelp;

@@ -1,19 +1,23 @@
 #include "app/Runner.h"
 
-#include "app/Host.h"
-#include "app/Waiter.h"
+#include "commands/CommandContext.h"
 #include "commands/CommandTable.h"
-#include "commands/Support.h"
+#include "commands/Ending.h"
+#include "commands/Waiter.h"
+#include "lesson/Lesson.h"
 #include "terminal/Screen.h"
 #include "terminal/UnixSignals.h"
-#include "text/Words.h"
+#include "text/LineSyntax.h"
+#include "text/Text.h"
 
 #include <csignal>
+#include <utility>
 
-Runner::Runner(Host& host, OnFailure onFailure) : m_host(host), m_onFailure(onFailure) {}
+Runner::Runner(CommandContext& context, OnFailure onFailure) : m_context(context), m_onFailure(onFailure) {}
 
 void Runner::add(const CommandLine& line)
 {
+    m_hasAsked = false;
     m_queue.enqueue(line);
     runSoon();
 }
@@ -26,14 +30,16 @@ void Runner::finishInput()
 
 void Runner::interrupt(int signal)
 {
-    const bool isAtWork = (m_isBusy && !m_isGivenUp) || !m_queue.isEmpty();
-    if (signal == SIGINT && m_onFailure == GoOn && isAtWork && !m_isEnding) {
+    const bool isTyped = signal == SIGINT && m_onFailure == GoOn && !m_isEnding;
+    if (isTyped && ((m_isBusy && !m_isGivenUp) || !m_queue.isEmpty())) {
         giveUp();
         return;
     }
+    if (isTyped && !m_isBusy && asksFirst())
+        return;
     if (m_signal == 0)
         m_signal = signal;
-    m_host.waiter.shutDown();
+    m_context.waiter.shutDown();
     runSoon();
 }
 
@@ -41,10 +47,35 @@ void Runner::interrupt(int signal)
 void Runner::giveUp()
 {
     UnixSignals::forgetRequests();
-    m_host.screen.note(QStringLiteral("Interrupted."));
+    m_context.screen.note(QStringLiteral("Interrupted."));
     m_isGivenUp = true;
-    m_queue.clear();
-    m_host.waiter.interrupt();
+    QStringList lines;
+    for (const CommandLine& line : std::exchange(m_queue, {}))
+        lines.append(line.text);
+    drop(lines);
+    Q_EMIT givenUp();
+    m_context.waiter.interrupt();
+}
+
+void Runner::drop(const QStringList& lines)
+{
+    for (const QString& line : lines) {
+        if (!LineSyntax::isBlank(line) && !CommandTable::holdsSecret(line))
+            m_context.screen.note(QStringLiteral("Not done: %1").arg(Text::clean(line)), Ink::Bad);
+    }
+}
+
+// Whole classes were sent home by a key that was meant for half a line.
+bool Runner::asksFirst()
+{
+    if (m_hasAsked || !(m_context.facts() & Fact::Session))
+        return false;
+    m_hasAsked = true;
+    UnixSignals::forgetRequests();
+    m_context.screen.note(QStringLiteral("A session with %1 is open. Ctrl-C again, or \"quit\", ends it.")
+                              .arg(Text::count(m_context.lesson.roster().presentCount(), "learner")),
+                          Ink::Strong);
+    return true;
 }
 
 void Runner::stopSession()
@@ -52,11 +83,11 @@ void Runner::stopSession()
     m_queue.clear();
     if (m_onFailure == EndLesson) {
         m_isStopped = true;
-        m_host.isQuitting = true;
+        m_context.isQuitting = true;
     } else {
         m_queue.enqueue({QStringLiteral("session stop"), QString()});
     }
-    m_host.waiter.interrupt();
+    m_context.waiter.interrupt();
     runSoon();
 }
 
@@ -70,7 +101,7 @@ void Runner::runNext()
 {
     if (m_isBusy || m_isEnding)
         return;
-    if (m_signal != 0 || m_host.isQuitting || (m_queue.isEmpty() && m_isInputOver)) {
+    if (m_signal != 0 || m_context.isQuitting || (m_queue.isEmpty() && m_isInputOver)) {
         end();
     } else if (!m_queue.isEmpty()) {
         m_isBusy = true;
@@ -83,16 +114,34 @@ void Runner::runNext()
 
 void Runner::run(const CommandLine& line)
 {
-    if (Words::isBlank(line.text))
+    if (LineSyntax::isBlank(line.text))
         return;
-    const CommandTable::Match match = CommandTable::match(line.text);
-    if (!match.fault.isEmpty()) {
-        fail(line, Outcome::failed(match.fault));
-        return;
-    }
-    const Outcome outcome = match.command->run(m_host, match.arguments);
+    const Outcome outcome = runCommand(line);
+    setCurrent(QString());
     if (!outcome.isDone())
         fail(line, outcome);
+}
+
+Outcome Runner::runCommand(const CommandLine& line)
+{
+    const CommandTable::Match match = CommandTable::match(line.text);
+    if (!match.fault.isEmpty())
+        return Outcome::failed(match.fault);
+    if (const Outcome ready = m_context.require(match.command->needs); !ready.isDone())
+        return ready;
+    if (const Outcome checked = CommandTable::check(match, m_context.folder); !checked.isDone())
+        return checked;
+    setCurrent(QLatin1String(match.command->name));
+    return match.command->run(m_context, match.arguments);
+}
+
+void Runner::setCurrent(const QString& name)
+{
+    if (name.isEmpty() == m_current.isEmpty())
+        return;
+    m_current = name;
+    m_clock.start();
+    Q_EMIT busyChanged(!name.isEmpty());
 }
 
 void Runner::fail(const CommandLine& line, const Outcome& outcome)
@@ -101,19 +150,20 @@ void Runner::fail(const CommandLine& line, const Outcome& outcome)
     if (m_signal != 0 || m_isStopped)
         return;
     const QString origin = line.origin.isEmpty() ? QString() : line.origin + QStringLiteral(": ");
-    m_host.screen.error(origin + outcome.message);
+    m_context.screen.error(origin + outcome.message);
     if (m_onFailure == GoOn)
         return;
     m_status = outcome.code;
-    m_host.isQuitting = true;
+    m_context.isQuitting = true;
 }
 
 void Runner::end()
 {
     m_isEnding = true;
+    setCurrent(QStringLiteral("quit"));
     if (m_signal != 0)
-        m_host.screen.note(QStringLiteral("Interrupted: the lesson is ended."));
-    if (!Support::endLesson(m_host) && m_status == ExitCode::Done)
+        m_context.screen.note(QStringLiteral("Interrupted: the lesson is ended."));
+    if (!Ending::endLesson(m_context) && m_status == ExitCode::Done)
         m_status = ExitCode::Failed;
     Q_EMIT finished(m_signal != 0 ? ExitCode::Signal + m_signal : m_status);
 }

@@ -1,11 +1,12 @@
-#include "app/ChartView.h"
-#include "app/ExitCode.h"
-#include "app/Host.h"
+#include "app/Announcer.h"
+#include "app/LiveView.h"
 #include "app/Options.h"
 #include "app/Runner.h"
 #include "app/ScriptFile.h"
-#include "app/Waiter.h"
+#include "commands/CommandContext.h"
+#include "commands/CommandTable.h"
 #include "commands/Completer.h"
+#include "commands/Waiter.h"
 #include "lesson/Lesson.h"
 #include "terminal/PlainLines.h"
 #include "terminal/Screen.h"
@@ -24,6 +25,7 @@
 #include <cstdio>
 #include <cstring>
 #include <langinfo.h>
+#include <limits>
 #include <unistd.h>
 
 namespace {
@@ -75,44 +77,78 @@ bool isTyped()
     return isatty(STDIN_FILENO) == 1;
 }
 
-std::unique_ptr<LineSource> makeInput(Host& host)
+#ifdef CALYX_PRESENTER_LINE_EDITING
+std::unique_ptr<LineSource> makeEditor(CommandContext& context, LiveView& view)
+{
+    const auto complete = [&context](const QString& line) {
+        QStringList names;
+        const QList<Roster::Member> members = context.lesson.roster().members();
+        for (const Roster::Member& member : members) {
+            if (member.isPresent)
+                names.append(member.name);
+        }
+        return Completer::complete(line, names, context.folder);
+    };
+    auto editor = std::make_unique<EditedLines>(QStringLiteral("calyx> "), context.screen, complete,
+                                                &CommandTable::holdsSecret);
+    QObject::connect(editor.get(), &EditedLines::promptShown, &view,
+                     [&view](bool isShown) { view.showWork(!isShown); });
+    LineSource* const source = editor.get();
+    context.askPassword = [&context, source](const QString& question, QString& password) {
+        if (!context.screen.isLive())
+            context.screen.print(QStringLiteral("Type %1.").arg(question));
+        source->startHidden();
+        const bool isGiven =
+            context.waiter.until([source] { return source->isHiddenDone(); }, std::numeric_limits<int>::max(),
+                                 [question] { return question; }) == Waiter::Met;
+        password = source->takeHidden();
+        return isGiven;
+    };
+    QObject::connect(source, &LineSource::hiddenRead, &context.waiter, &Waiter::poke);
+    return editor;
+}
+#endif
+
+std::unique_ptr<LineSource> makeInput(CommandContext& context, LiveView& view)
 {
 #ifdef CALYX_PRESENTER_LINE_EDITING
     const QByteArray terminal = qgetenv("TERM");
-    if (isTyped() && isatty(STDOUT_FILENO) == 1 && !terminal.isEmpty() && terminal != "dumb") {
-        const auto complete = [&host](const QString& line) {
-            QStringList names;
-            const QList<Roster::Member> members = host.lesson.roster().members();
-            for (const Roster::Member& member : members) {
-                if (member.isPresent)
-                    names.append(member.name);
-            }
-            return Completer::complete(line, names, host.folder);
-        };
-        return std::make_unique<EditedLines>(QStringLiteral("calyx> "), host.screen, complete);
-    }
+    if (isTyped() && isatty(STDOUT_FILENO) == 1 && !terminal.isEmpty() && terminal != "dumb")
+        return makeEditor(context, view);
+#else
+    Q_UNUSED(view)
 #endif
     if (isTyped())
-        host.screen.disableLive();
+        context.screen.disableLive();
     return std::make_unique<PlainLines>();
 }
 
 // Feeds the runner from standard input. The source is to live as long as the runner.
-std::unique_ptr<LineSource> feed(Runner& runner, Host& host)
+void feed(Runner& runner, LineSource& source, CommandContext& context)
 {
-    std::unique_ptr<LineSource> source = makeInput(host);
     int number = 0;
-    QObject::connect(source.get(), &LineSource::lineRead, &runner,
-                     [&runner, number](const QString& line) mutable {
-                         ++number;
-                         runner.add({line, isTyped() ? QString() : QStringLiteral("stdin:%1").arg(number)});
-                     });
-    QObject::connect(source.get(), &LineSource::ended, &runner, &Runner::finishInput);
-    QObject::connect(&runner, &Runner::finished, source.get(), &LineSource::stop);
+    QObject::connect(&source, &LineSource::lineRead, &runner, [&runner, number](const QString& line) mutable {
+        ++number;
+        runner.add({line, isTyped() ? QString() : QStringLiteral("stdin:%1").arg(number)});
+    });
+    QObject::connect(&source, &LineSource::ended, &runner, &Runner::finishInput);
+    QObject::connect(&runner, &Runner::busyChanged, &source, &LineSource::setBusy);
+    QObject::connect(&runner, &Runner::givenUp, &source, [&] { runner.drop(source.takeTyped()); });
+    QObject::connect(&runner, &Runner::finished, &source, &LineSource::stop);
     if (isTyped())
-        host.screen.note(QStringLiteral("\"help\" lists the commands, Tab completes them, \"quit\" ends."));
-    source->start();
-    return source;
+        context.screen.note(
+            QStringLiteral("\"help\" lists the commands, Tab completes them, \"quit\" ends."));
+    source.start();
+}
+
+void handle(int signal, Runner& runner, Screen& screen, LineSource* source)
+{
+    if (signal == SIGWINCH || signal == SIGCONT)
+        screen.refresh();
+    else if (signal == SIGINT && source && source->clearLine())
+        UnixSignals::forgetRequests();
+    else
+        runner.interrupt(signal);
 }
 
 int run(QCoreApplication& application, const Options& options, const ScriptFile::Script& script)
@@ -122,33 +158,30 @@ int run(QCoreApplication& application, const Options& options, const ScriptFile:
     Lesson lesson(options.server);
     lesson.client().setOpenLimit(options.openLimit);
     lesson.client().setSockJSOverrideProtocols(options.transports);
-    Host host{options, lesson, screen, waiter, QDir::currentPath()};
-    host.openLimit = options.openLimit;
-    const ChartView chart(lesson, screen);
+    CommandContext context{lesson, screen, waiter, options.user, options.password, QDir::currentPath()};
+    context.openLimit = options.openLimit;
     QObject::connect(&lesson, &Lesson::changed, &waiter, &Waiter::poke);
-    QObject::connect(&lesson, &Lesson::happened, &screen, &Screen::note);
 
     const bool hasScript = !options.script.isEmpty();
-    Runner runner(host, hasScript || !isTyped() ? Runner::EndLesson : Runner::GoOn);
+    Runner runner(context, hasScript || !isTyped() ? Runner::EndLesson : Runner::GoOn);
     QObject::connect(&lesson.remoteControl(), &RemoteControl::stopRequested, &runner, &Runner::stopSession);
+    const Announcer announcer(lesson, screen);
+    LiveView view(lesson, screen, runner, waiter);
+    QObject::connect(&runner, &Runner::finished, &view, [&view] { view.showWork(false); });
+    const std::unique_ptr<LineSource> source = hasScript ? nullptr : makeInput(context, view);
     UnixSignals unixSignals;
-    QObject::connect(&unixSignals, &UnixSignals::received, &runner, [&](int signal) {
-        if (signal == SIGWINCH || signal == SIGCONT)
-            screen.refresh();
-        else
-            runner.interrupt(signal);
-    });
+    QObject::connect(&unixSignals, &UnixSignals::received, &runner,
+                     [&](int signal) { handle(signal, runner, screen, source.get()); });
     QObject::connect(&runner, &Runner::finished, &application, &QCoreApplication::exit, Qt::QueuedConnection);
 
-    std::unique_ptr<LineSource> source;
     if (hasScript) {
-        host.folder = QFileInfo(options.script).absolutePath();
+        context.folder = QFileInfo(options.script).absolutePath();
         lesson.lessonName = QFileInfo(options.script).completeBaseName();
         for (const CommandLine& line : script.lines)
             runner.add(line);
         runner.finishInput();
     } else {
-        source = feed(runner, host);
+        feed(runner, *source, context);
     }
     return application.exec();
 }

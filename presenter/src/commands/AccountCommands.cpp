@@ -1,6 +1,6 @@
-#include "app/Host.h"
-#include "commands/Handlers.h"
-#include "commands/Support.h"
+#include "commands/CommandContext.h"
+#include "commands/CommandTable.h"
+#include "commands/Ending.h"
 #include "lesson/Lesson.h"
 #include "terminal/Screen.h"
 #include "text/JsonText.h"
@@ -11,16 +11,29 @@ namespace {
 const QString checkCredentials = QStringLiteral("Check --user and --password.");
 const QString checkCode = QStringLiteral("Get a new code from the provider and try again.");
 
-Outcome loggedIn(Host& host, const QString& user)
+Outcome loggedIn(CommandContext& context, const QString& user)
 {
-    host.screen.note(QStringLiteral("Logged in as %1.").arg(Text::clean(user)), Ink::Good);
+    context.screen.note(QStringLiteral("Logged in as %1.").arg(Text::clean(user)), Ink::Good);
     return Outcome::done();
 }
 
-// The service wants to know more about a new user first.
-Outcome askToRegister(Host& host, const QString& provider, const QString& code, const QString& data)
+// The argument at \p index, else that of the command line where it belongs to that user, else what is typed.
+bool findPassword(CommandContext& context, const Arguments& arguments, int index, const QString& user,
+                  QString& password)
 {
-    host.lesson.registration = {provider, code, data};
+    const bool isOurs = context.user.isEmpty() || user == context.user;
+    password = arguments.value(index, isOurs ? context.password : QString());
+    if (!password.isEmpty() || !context.askPassword)
+        return true;
+    return context.askPassword(
+        QStringLiteral("the password of %1, which is not shown").arg(Text::clean(user)), password);
+}
+
+// The service wants to know more about a new user first.
+Outcome askToRegister(CommandContext& context, const QString& provider, const QString& code,
+                      const QString& data)
+{
+    context.lesson.registration = {provider, code, data};
     QStringList fields;
     const QJsonObject known = JsonText::leadingObject(data);
     for (auto field = known.begin(); field != known.end(); ++field)
@@ -31,52 +44,53 @@ Outcome askToRegister(Host& host, const QString& provider, const QString& code, 
             .arg(provider, Text::clean(fields.join(QStringLiteral(", ")))));
 }
 
-} // namespace
-
-Outcome Handlers::check(Host& host, const Arguments& arguments)
+Outcome check(CommandContext& context, const Arguments& arguments)
 {
-    if (!host.lesson.client().checkServer(arguments.value(0), arguments.value(1)))
-        return Support::refused(host, QStringLiteral("The check"), QString());
-    host.screen.print(QStringLiteral("The service at %1 answers.").arg(host.lesson.client().server()));
+    if (!context.lesson.client().checkServer(arguments.value(0), arguments.value(1)))
+        return context.refused(QStringLiteral("The check"), QString());
+    context.screen.print(QStringLiteral("The service at %1 answers.").arg(context.lesson.client().server()));
     return Outcome::done();
 }
 
-Outcome Handlers::login(Host& host, const Arguments& arguments)
+Outcome login(CommandContext& context, const Arguments& arguments)
 {
-    const QString user = arguments.value(0, host.options.user);
-    const QString password = arguments.value(1, host.options.password);
+    const QString user = arguments.value(0, context.user);
+    QString password;
     if (user.isEmpty())
         return Outcome::failed(QStringLiteral("Nobody to log in. Use --user, or \"login USER PASSWORD\"."));
-    if (!host.lesson.client().doLogin(JsonText::escaped(user), JsonText::escaped(password)))
-        return Support::refused(host, QStringLiteral("Login"), checkCredentials);
-    return loggedIn(host, user);
+    if (!findPassword(context, arguments, 1, user, password))
+        return Outcome::failed(QStringLiteral("The login was given up."));
+    if (!context.lesson.client().doLogin(JsonText::escaped(user), JsonText::escaped(password)))
+        return context.refused(QStringLiteral("Login"), checkCredentials);
+    return loggedIn(context, user);
 }
 
-Outcome Handlers::loginToken(Host& host, const Arguments& arguments)
+Outcome loginToken(CommandContext& context, const Arguments& arguments)
 {
-    if (!host.lesson.client().doLogin(JsonText::escaped(arguments.at(0)), JsonText::escaped(arguments.at(1)),
-                                      JsonText::escaped(arguments.at(2))))
-        return Support::refused(host, QStringLiteral("Login with the device token"),
-                                QStringLiteral("Get a new one with \"token\"."));
-    return loggedIn(host, arguments.at(0));
+    if (!context.lesson.client().doLogin(JsonText::escaped(arguments.at(0)),
+                                         JsonText::escaped(arguments.at(1)),
+                                         JsonText::escaped(arguments.at(2))))
+        return context.refused(QStringLiteral("Login with the device token"),
+                               QStringLiteral("Get a new one with \"token\"."));
+    return loggedIn(context, arguments.at(0));
 }
 
-Outcome Handlers::loginOAuth(Host& host, const Arguments& arguments)
+Outcome loginOAuth(CommandContext& context, const Arguments& arguments)
 {
-    PresenterClient& client = host.lesson.client();
+    PresenterClient& client = context.lesson.client();
     QString registration;
     const bool done =
         client.doLoginWithOAuth(arguments.at(0), JsonText::escaped(arguments.at(1)), registration);
     if (!done && !registration.isEmpty())
-        return askToRegister(host, arguments.at(0), arguments.at(1), registration);
+        return askToRegister(context, arguments.at(0), arguments.at(1), registration);
     if (!done)
-        return Support::refused(host, QStringLiteral("Login with %1").arg(arguments.at(0)), checkCode);
-    return loggedIn(host, client.doGetUserName());
+        return context.refused(QStringLiteral("Login with %1").arg(arguments.at(0)), checkCode);
+    return loggedIn(context, client.doGetUserName());
 }
 
-Outcome Handlers::registerUser(Host& host, const Arguments& arguments)
+Outcome registerUser(CommandContext& context, const Arguments& arguments)
 {
-    const Lesson::Registration pending = host.lesson.registration;
+    const Lesson::Registration pending = context.lesson.registration;
     if (pending.data.isEmpty())
         return Outcome::failed(QStringLiteral("No registration is asked for. Use \"login oauth\" first."));
     QJsonObject fields = JsonText::leadingObject(pending.data);
@@ -90,88 +104,135 @@ Outcome Handlers::registerUser(Host& host, const Arguments& arguments)
     if (registration.isEmpty())
         return Outcome::failed(
             QStringLiteral("The registration holds no text. Give at least one NAME=VALUE."));
-    PresenterClient& client = host.lesson.client();
+    PresenterClient& client = context.lesson.client();
     if (!client.doLoginWithOAuth(pending.provider, JsonText::escaped(pending.code), registration))
-        return Support::refused(host, QStringLiteral("Registration"),
-                                QStringLiteral("Change a value, or begin again with \"login oauth\"."));
-    host.lesson.registration = {};
-    return loggedIn(host, client.doGetUserName());
+        return context.refused(QStringLiteral("Registration"),
+                               QStringLiteral("Change a value, or begin again with \"login oauth\"."));
+    context.lesson.registration = {};
+    return loggedIn(context, client.doGetUserName());
 }
 
-namespace {
-
 // A failed request leaves the token before in place: only another one is a new one.
-Outcome tokenGiven(Host& host, const QString& token, const QString& hint)
+Outcome tokenGiven(CommandContext& context, const QString& token, const QString& hint)
 {
-    if (token.isEmpty() || token == host.lesson.deviceToken)
-        return Support::refused(host, QStringLiteral("The request for a device token"), hint);
-    host.lesson.deviceToken = token;
-    host.screen.print(QStringLiteral("Device token: %1").arg(Text::clean(token)));
+    if (token.isEmpty() || token == context.lesson.deviceToken)
+        return context.refused(QStringLiteral("The request for a device token"), hint);
+    context.lesson.deviceToken = token;
+    context.screen.print(QStringLiteral("Device token: %1").arg(Text::clean(token)));
     return Outcome::done();
 }
 
-} // namespace
-
-Outcome Handlers::token(Host& host, const Arguments& arguments)
+Outcome token(CommandContext& context, const Arguments& arguments)
 {
-    const QString user = arguments.value(2, host.options.user);
-    const QString password = arguments.value(3, host.options.password);
-    const QString given = host.lesson.client().doGetAccessToken(
+    const QString user = arguments.value(2, context.user);
+    QString password;
+    if (!findPassword(context, arguments, 3, user, password))
+        return Outcome::failed(QStringLiteral("The request was given up."));
+    const QString given = context.lesson.client().doGetAccessToken(
         JsonText::escaped(user), JsonText::escaped(password), JsonText::escaped(arguments.at(0)),
         JsonText::escaped(arguments.at(1)));
-    return tokenGiven(host, given, checkCredentials);
+    return tokenGiven(context, given, checkCredentials);
 }
 
-Outcome Handlers::tokenOAuth(Host& host, const Arguments& arguments)
+Outcome tokenOAuth(CommandContext& context, const Arguments& arguments)
 {
     QString registration;
-    const QString given = host.lesson.client().doGetOAuthAccessToken(
+    const QString given = context.lesson.client().doGetOAuthAccessToken(
         arguments.at(0), JsonText::escaped(arguments.at(1)), JsonText::escaped(arguments.at(2)),
         JsonText::escaped(arguments.at(3)), registration);
     if (given.isEmpty() && !JsonText::leadingObject(registration).isEmpty())
-        return askToRegister(host, arguments.at(0), arguments.at(1), registration);
-    return tokenGiven(host, given, checkCode);
+        return askToRegister(context, arguments.at(0), arguments.at(1), registration);
+    return tokenGiven(context, given, checkCode);
 }
 
-Outcome Handlers::whoAmI(Host& host, const Arguments&)
+Outcome whoAmI(CommandContext& context, const Arguments&)
 {
-    PresenterClient& client = host.lesson.client();
+    PresenterClient& client = context.lesson.client();
     // A service that does not answer leaves the name as it was.
     if (!client.checkServer(QString(), QString()))
-        return Support::refused(host, QStringLiteral("The question who is logged in"), QString());
+        return context.refused(QStringLiteral("The question who is logged in"), QString());
     const QString user = client.doGetUserName();
-    host.screen.print(user.isEmpty() ? QStringLiteral("Nobody is logged in.")
-                                     : QStringLiteral("%1 is logged in.").arg(Text::clean(user)));
+    context.screen.print(user.isEmpty() ? QStringLiteral("Nobody is logged in.")
+                                        : QStringLiteral("%1 is logged in.").arg(Text::clean(user)));
     return Outcome::done();
 }
 
-Outcome Handlers::reLogin(Host& host, const Arguments&)
+Outcome reLogin(CommandContext& context, const Arguments&)
 {
-    PresenterClient& client = host.lesson.client();
+    PresenterClient& client = context.lesson.client();
     if (client.userId().isEmpty())
         return Outcome::failed(QStringLiteral("There is no earlier login to repeat. Use \"login\"."));
     client.reLogin();
     if (!client.isLoggedIn())
-        return Support::refused(host, QStringLiteral("Login"), QStringLiteral("Use \"login\" instead."));
-    return loggedIn(host, client.userId());
+        return context.refused(QStringLiteral("Login"), QStringLiteral("Use \"login\" instead."));
+    return loggedIn(context, client.userId());
 }
 
-Outcome Handlers::keepAlive(Host& host, const Arguments&)
+Outcome keepAlive(CommandContext& context, const Arguments&)
 {
-    host.lesson.client().sendKeepAlive();
-    host.screen.note(QStringLiteral("The service was asked to keep the login alive."));
+    context.lesson.client().sendKeepAlive();
+    context.screen.note(QStringLiteral("The service was asked to keep the login alive."));
     return Outcome::done();
 }
 
-Outcome Handlers::logout(Host& host, const Arguments&)
+Outcome logout(CommandContext& context, const Arguments&)
 {
-    Support::stopActivities(host);
-    host.lesson.expectClose();
-    const bool done = host.lesson.client().doLogout();
-    if (host.lesson.client().sessionToken().isEmpty())
-        host.lesson.forgetSession();
+    Ending::stopActivities(context);
+    context.lesson.expectClose();
+    const bool done = context.lesson.client().doLogout();
+    if (context.lesson.client().sessionToken().isEmpty())
+        context.lesson.forgetSession();
     if (!done)
-        return Support::refused(host, QStringLiteral("Logging out"), QStringLiteral("Try it again."));
-    host.screen.note(QStringLiteral("Logged out."));
+        return context.refused(QStringLiteral("Logging out"), QStringLiteral("Try it again."));
+    context.screen.note(QStringLiteral("Logged out."));
     return Outcome::done();
+}
+
+namespace F = Fact;
+using P = Place;
+
+// A row tells all about a command; clang-format would put each member on a line of its own.
+// clang-format off
+const Command rows[] = {
+    {"check", "[USER PASSWORD]", "Ask whether the service answers.",
+     "USER and PASSWORD are offered when the service asks for HTTP authentication.",
+     F::Nothing, F::Nothing, F::Nothing, 0, 2, {P::Anything, P::Secret}, "", check},
+    {"login", "[USER [PASSWORD]]", "Log in.",
+     "Without USER and PASSWORD, those of the command line and of CALYX_PASSWORD are taken.",
+     F::Nothing, F::Login, F::Nothing, 0, 2, {P::Anything, P::Secret}, "", login},
+    {"login token", "USER DEVICE TOKEN", "Log in with a device token instead of a password.",
+     "",
+     F::Nothing, F::Login, F::Nothing, 3, 3, {P::Anything, P::Anything, P::Secret}, "", loginToken},
+    {"login oauth", "PROVIDER CODE", "Log in with the code of an OAuth provider.",
+     "The service may want a new user to register first: \"register\" does that.",
+     F::Nothing, F::Login, F::Nothing, 2, 2, {P::Anything, P::Secret}, "", loginOAuth},
+    {"register", "[NAME=VALUE ...]", "Complete the registration that an OAuth login has asked for.",
+     "Adds the values to what the service knows, or changes it, and logs in.",
+     F::Nothing, F::Login, F::Nothing, 0, anyNumber, {}, "", registerUser},
+    {"token", "DEVICE NAME [USER [PASSWORD]]", "Get a token for later logins of this device.",
+     "DEVICE is the device's id, NAME what people call it. This logs in, too.",
+     F::Nothing, F::Login, F::Nothing, 2, 4, {P::Anything, P::Anything, P::Anything, P::Secret}, "", token},
+    {"token oauth", "PROVIDER CODE DEVICE NAME", "Get a device token with a provider's code.",
+     "",
+     F::Nothing, F::Login, F::Nothing, 4, 4, {P::Anything, P::Secret}, "", tokenOAuth},
+    {"whoami", "", "Ask the service who is logged in.",
+     "",
+     F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", whoAmI},
+    {"relogin", "", "Log in again as the last time.",
+     "",
+     F::Nothing, F::Login, F::Nothing, 0, 0, {}, "", reLogin},
+    {"keepalive", "", "Keep the login alive.",
+     "Every minute this happens by itself.",
+     F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", keepAlive},
+    {"logout", "", "Stop the session, if one is open, and log out.",
+     "",
+     F::Nothing, F::Nothing, F::Everything, 0, 0, {}, "", logout},
+};
+// clang-format on
+
+} // namespace
+
+QVector<Command> CommandTable::account()
+{
+    return QVector<Command>(std::begin(rows), std::end(rows));
 }

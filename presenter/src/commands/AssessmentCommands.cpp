@@ -1,7 +1,7 @@
-#include "app/Host.h"
-#include "commands/Handlers.h"
-#include "commands/PollArguments.h"
-#include "commands/Support.h"
+#include "commands/ArgumentReader.h"
+#include "commands/CommandContext.h"
+#include "commands/CommandTable.h"
+#include "commands/Ending.h"
 #include "lesson/Lesson.h"
 #include "terminal/Screen.h"
 #include "text/Text.h"
@@ -10,23 +10,13 @@ using namespace Calyx;
 
 namespace {
 
-Outcome needAssessment(Host& host)
-{
-    const Outcome live = Support::needLive(host);
-    if (!live.isDone())
-        return live;
-    if (!host.lesson.desk().isRunning())
-        return Outcome::failed(QStringLiteral("No assessment is under way. Use \"assessment start\"."));
-    return Outcome::done();
-}
-
 // "to=LEARNER"; without it the whole class is meant, which has an empty id.
-Outcome takeAddressee(Host& host, Arguments& arguments, QString& deviceId)
+Outcome takeAddressee(CommandContext& context, Arguments& arguments, QString& deviceId)
 {
     QString name;
-    if (!Support::takeSetting(arguments, QStringLiteral("to"), name))
+    if (!ArgumentReader::takeSetting(arguments, QStringLiteral("to"), name))
         return Outcome::done();
-    return Support::findLearner(host, name, deviceId);
+    return ArgumentReader::findLearner(context.lesson.roster(), name, deviceId);
 }
 
 Outcome misunderstood(const Arguments& rest)
@@ -39,7 +29,7 @@ Outcome misunderstood(const Arguments& rest)
 Outcome takeChoices(Arguments& arguments, AssessmentItem& item)
 {
     QString text;
-    if (!Support::takeSetting(arguments, QStringLiteral("choices"), text))
+    if (!ArgumentReader::takeSetting(arguments, QStringLiteral("choices"), text))
         return Outcome::done();
     if (PollKinds::options(PollKinds::usual(item.plan.type)).isEmpty())
         return Outcome::failed(
@@ -47,15 +37,14 @@ Outcome takeChoices(Arguments& arguments, AssessmentItem& item)
     item.choices = text.split(QLatin1Char('|'));
     item.plan.options = item.choices.size();
     item.plan.extra = qMin(item.plan.extra, item.plan.options);
-    const QString fault = PollKinds::fault(item.plan);
-    return fault.isEmpty() ? Outcome::done() : Outcome::failed(fault);
+    return Outcome::of(PollKinds::fault(item.plan));
 }
 
 // "answer=ANSWER". A multiple choice tells the learners how many options they are to choose.
 Outcome takeAnswer(Arguments& arguments, AssessmentItem& item)
 {
     QString text;
-    if (!Support::takeSetting(arguments, QStringLiteral("answer"), text))
+    if (!ArgumentReader::takeSetting(arguments, QStringLiteral("answer"), text))
         return Outcome::done();
     item.key = AnswerKey(item.plan, text);
     if (!item.key.fault().isEmpty())
@@ -67,8 +56,8 @@ Outcome takeAnswer(Arguments& arguments, AssessmentItem& item)
 
 Outcome readItem(Arguments arguments, AssessmentItem& item)
 {
-    Support::takeSetting(arguments, QStringLiteral("text"), item.text);
-    if (const Outcome read = PollArguments::take(arguments, item.plan); !read.isDone())
+    ArgumentReader::takeSetting(arguments, QStringLiteral("text"), item.text);
+    if (const Outcome read = ArgumentReader::takePoll(arguments, item.plan); !read.isDone())
         return read;
     // As polls these two can have options; as questions they have none.
     if (item.plan.type == PollType::WORD_SEED || item.plan.type == PollType::CREATIVE)
@@ -82,8 +71,8 @@ Outcome readItem(Arguments arguments, AssessmentItem& item)
 
 Outcome readPlan(Arguments arguments, AssessmentPlan& plan)
 {
-    Support::takeSetting(arguments, QStringLiteral("title"), plan.title);
-    if (const Outcome read = Support::takeCount(arguments, QStringLiteral("time"), plan.seconds);
+    ArgumentReader::takeSetting(arguments, QStringLiteral("title"), plan.title);
+    if (const Outcome read = ArgumentReader::takeCount(arguments, QStringLiteral("time"), plan.seconds);
         !read.isDone())
         return read;
     const struct
@@ -95,15 +84,16 @@ Outcome readPlan(Arguments arguments, AssessmentPlan& plan)
                  {"resubmit", plan.mayResubmit},
                  {"summary", plan.showsSummary}};
     for (const auto& [name, flag] : flags) {
-        if (const Outcome read = Support::takeFlag(arguments, QLatin1String(name), flag); !read.isDone())
+        if (const Outcome read = ArgumentReader::takeFlag(arguments, QLatin1String(name), flag);
+            !read.isDone())
             return read;
     }
     return arguments.isEmpty() ? Outcome::done() : misunderstood(arguments);
 }
 
-Outcome admit(Host& host, const Arguments& arguments, const QString& deviceId)
+Outcome admit(CommandContext& context, const Arguments& arguments, const QString& deviceId)
 {
-    AssessmentDesk& desk = host.lesson.desk();
+    AssessmentDesk& desk = context.lesson.desk();
     if (desk.isForAll() || deviceId.isEmpty())
         return Outcome::failed(
             QStringLiteral("An assessment is under way. Use \"assessment stop\" before the next."));
@@ -111,105 +101,168 @@ Outcome admit(Host& host, const Arguments& arguments, const QString& deviceId)
         return Outcome::failed(QStringLiteral(
             "An assessment is under way: its settings stay. Use \"assessment start to=LEARNER\" alone."));
     desk.admit(deviceId);
+    context.screen.note(
+        QStringLiteral("%1 begins the assessment, too.").arg(context.lesson.roster().name(deviceId)));
     return Outcome::done();
 }
 
-Outcome showText(Host& host, Arguments arguments, bool isReview)
+Outcome showText(CommandContext& context, Arguments arguments, bool isReview)
 {
-    if (const Outcome live = Support::needLive(host); !live.isDone())
-        return live;
     QString deviceId;
-    if (const Outcome found = takeAddressee(host, arguments, deviceId); !found.isDone())
+    if (const Outcome found = takeAddressee(context, arguments, deviceId); !found.isDone())
         return found;
     bool isDismissible = true;
-    if (const Outcome read = Support::takeFlag(arguments, QStringLiteral("dismissible"), isDismissible);
+    if (const Outcome read =
+            ArgumentReader::takeFlag(arguments, QStringLiteral("dismissible"), isDismissible);
         !read.isDone())
         return read;
-    host.lesson.showText(deviceId, arguments.join(QLatin1Char(' ')), isDismissible, isReview);
+    context.lesson.showText(deviceId, arguments.join(QLatin1Char(' ')), isDismissible, isReview);
+    context.screen.note(
+        QStringLiteral("The text is shown to %1.")
+            .arg(deviceId.isEmpty() ? QStringLiteral("the class") : context.lesson.roster().name(deviceId)));
     return Outcome::done();
 }
 
-Outcome setPaused(Host& host, bool paused)
+Outcome setPaused(CommandContext& context, bool paused)
 {
-    const Outcome ready = needAssessment(host);
-    if (ready.isDone())
-        host.lesson.desk().setPaused(paused);
-    return ready;
+    context.lesson.desk().setPaused(paused);
+    context.screen.note(QLatin1String(paused ? "The assessment is paused; \"assessment resume\" goes on."
+                                             : "The assessment goes on."));
+    return Outcome::done();
 }
 
-} // namespace
-
-Outcome Handlers::assessmentQuestion(Host& host, const Arguments& arguments)
+Outcome checkQuestion(const QString&, const Arguments& arguments)
 {
-    if (host.lesson.desk().isRunning())
+    AssessmentItem item;
+    return readItem(arguments, item);
+}
+
+Outcome checkStart(const QString&, const Arguments& given)
+{
+    Arguments arguments = given;
+    QString addressee;
+    ArgumentReader::takeSetting(arguments, QStringLiteral("to"), addressee);
+    AssessmentPlan plan;
+    return readPlan(arguments, plan);
+}
+
+Outcome assessmentQuestion(CommandContext& context, const Arguments& arguments)
+{
+    if (context.lesson.desk().isRunning())
         return Outcome::failed(
             QStringLiteral("An assessment is under way: its questions stay. Use \"assessment stop\" first."));
     AssessmentItem item;
     if (const Outcome read = readItem(arguments, item); !read.isDone())
         return read;
-    host.lesson.desk().write(item);
+    context.lesson.desk().write(item);
+    context.screen.note(
+        QStringLiteral("Question %1 is written: %2.")
+            .arg(QString::number(context.lesson.desk().written().size()), PollKinds::description(item.plan)));
     return Outcome::done();
 }
 
-Outcome Handlers::assessmentStart(Host& host, const Arguments& given)
+Outcome assessmentStart(CommandContext& context, const Arguments& given)
 {
     Arguments arguments = given;
-    if (const Outcome live = Support::needLive(host); !live.isDone())
-        return live;
-    AssessmentDesk& desk = host.lesson.desk();
+    AssessmentDesk& desk = context.lesson.desk();
     QString deviceId;
-    if (const Outcome found = takeAddressee(host, arguments, deviceId); !found.isDone())
+    if (const Outcome found = takeAddressee(context, arguments, deviceId); !found.isDone())
         return found;
     if (desk.isRunning())
-        return admit(host, arguments, deviceId);
+        return admit(context, arguments, deviceId);
     AssessmentPlan plan;
     if (const Outcome read = readPlan(arguments, plan); !read.isDone())
         return read;
     plan.items = desk.written();
-    if (plan.items.isEmpty())
-        return Outcome::failed(QStringLiteral("There are no questions. Use \"assessment question\" first."));
 
-    Support::stopPoll(host);
-    desk.start(host.lesson.collab(), plan, deviceId);
-    if (!host.screen.isLive())
-        host.screen.note(QStringLiteral("The assessment has started: %1.")
-                             .arg(Text::count(plan.items.size(), "question")));
+    Ending::stopPoll(context);
+    desk.start(context.lesson.collab(), plan, deviceId);
+    if (!context.screen.isLive())
+        context.screen.note(QStringLiteral("The assessment has started: %1.")
+                                .arg(Text::count(plan.items.size(), "question")));
     return Outcome::done();
 }
 
-Outcome Handlers::assessmentResults(Host& host, const Arguments&)
+Outcome assessmentResults(CommandContext& context, const Arguments&)
 {
-    if (!host.lesson.desk().sheet())
-        return Outcome::failed(QStringLiteral("There has been no assessment. Use \"assessment start\"."));
-    Support::printResults(host);
+    Ending::printResults(context);
     return Outcome::done();
 }
 
-Outcome Handlers::assessmentDialog(Host& host, const Arguments& arguments)
+Outcome assessmentDialog(CommandContext& context, const Arguments& arguments)
 {
-    return showText(host, arguments, false);
+    return showText(context, arguments, false);
 }
 
-Outcome Handlers::assessmentReview(Host& host, const Arguments& arguments)
+Outcome assessmentReview(CommandContext& context, const Arguments& arguments)
 {
-    return showText(host, arguments, true);
+    return showText(context, arguments, true);
 }
 
-Outcome Handlers::assessmentPause(Host& host, const Arguments&)
+Outcome assessmentPause(CommandContext& context, const Arguments&)
 {
-    return setPaused(host, true);
+    return setPaused(context, true);
 }
 
-Outcome Handlers::assessmentResume(Host& host, const Arguments&)
+Outcome assessmentResume(CommandContext& context, const Arguments&)
 {
-    return setPaused(host, false);
+    return setPaused(context, false);
 }
 
-Outcome Handlers::assessmentStop(Host& host, const Arguments&)
+Outcome assessmentStop(CommandContext& context, const Arguments&)
 {
-    if (!host.lesson.desk().isRunning())
-        return Outcome::failed(QStringLiteral("No assessment is under way. Use \"assessment start\"."));
-    Support::stopAssessment(host);
+    Ending::stopAssessment(context);
     // Without a channel the learners have not heard of it.
-    return Support::needLive(host);
+    return context.require(Fact::Channel);
+}
+
+namespace F = Fact;
+using P = Place;
+
+// A row tells all about a command; clang-format would put each member on a line of its own.
+// clang-format off
+const Command rows[] = {
+    {"assessment question", "TYPE [ORDINAL] [OPTIONS] [EXTRA] [text=TEXT] [choices=A|B] [answer=ANSWER]", "Write a question of the next assessment.",
+     "The types are those of \"poll\". Choices are what the options say; their number is that of "
+     "the options. ANSWER is the right one, for the marks: options by their ids, a number, or "
+     "words. Where several are right, \"|\" divides them. Nothing goes out before \"assessment "
+     "start\".\n"
+     "Examples: assessment question number text=\"How many legs has a spider?\" answer=8\n"
+     "assessment question multiple choices=oxygen|water|light answer=BC",
+     F::Nothing, F::Questions, F::Nothing, 1, anyNumber, {P::PollType, P::Ordinal}, "text= choices= answer=", assessmentQuestion, checkQuestion},
+    {"assessment start", "[to=LEARNER] [title=TEXT] [time=SECONDS] [SETTING=yes|no ...]", "Begin an assessment of the questions written.",
+     "For one learner or, without \"to\", for the class and whoever joins it. Each learner gets "
+     "the questions as he asks for them, at his own pace. While one is under way for single "
+     "learners, \"to\" adds another. Without \"time\" it takes as long as it takes. The questions "
+     "stay for another start, until the first of a new set is written. The settings, and what "
+     "they are unless told otherwise: skip=no, questions may be skipped; navigate=no, one may go "
+     "back to questions; resubmit=yes, answers may be changed; summary=no, the device shows a "
+     "summary at the end.",
+     F::Channel | F::Questions, F::Assessment | F::AnyAssessment, F::Poll, 0, anyNumber, {}, "to= title= time= skip= navigate= resubmit= summary=", assessmentStart, checkStart},
+    {"assessment results", "", "Show the results so far, by learner and by question.",
+     "A mark stands before each answer that has a right one.",
+     F::AnyAssessment, F::Nothing, F::Nothing, 0, 0, {}, "", assessmentResults},
+    {"assessment dialog", "[to=LEARNER] [dismissible=no] TEXT", "Show a text on the learners' devices.",
+     "Also without an assessment.",
+     F::Channel, F::Nothing, F::Nothing, 1, anyNumber, {}, "to= dismissible=", assessmentDialog},
+    {"assessment review", "[to=LEARNER] TEXT", "Let the learners review their questions.",
+     "",
+     F::Channel, F::Nothing, F::Nothing, 1, anyNumber, {}, "to=", assessmentReview},
+    {"assessment pause", "", "Let the learners pause.",
+     "",
+     F::Channel | F::Assessment, F::Nothing, F::Nothing, 0, 0, {}, "", assessmentPause},
+    {"assessment resume", "", "Let the learners go on.",
+     "",
+     F::Channel | F::Assessment, F::Nothing, F::Nothing, 0, 0, {}, "", assessmentResume},
+    {"assessment stop", "", "End the assessment and show its results.",
+     "",
+     F::Assessment, F::Nothing, F::Assessment, 0, 0, {}, "", assessmentStop},
+};
+// clang-format on
+
+} // namespace
+
+QVector<Command> CommandTable::assessments()
+{
+    return QVector<Command>(std::begin(rows), std::end(rows));
 }

@@ -1,6 +1,7 @@
-#include "app/Host.h"
-#include "commands/Handlers.h"
-#include "commands/Support.h"
+#include "commands/ArgumentReader.h"
+#include "commands/CommandContext.h"
+#include "commands/CommandTable.h"
+#include "commands/Files.h"
 #include "lesson/Lesson.h"
 #include "terminal/Screen.h"
 #include "text/Table.h"
@@ -10,9 +11,9 @@
 
 namespace {
 
-Outcome show(Host& host, const Picture& picture, const QString& what)
+Outcome show(CommandContext& context, const Picture& picture, const QString& what)
 {
-    host.lesson.showPicture(picture, what);
+    context.lesson.showPicture(picture, what);
     return Outcome::done();
 }
 
@@ -20,77 +21,62 @@ Outcome show(Host& host, const Picture& picture, const QString& what)
 QString takeName(Arguments& arguments)
 {
     QString name = QFileInfo(arguments.first()).fileName();
-    Support::takeSetting(arguments, QStringLiteral("name"), name);
+    ArgumentReader::takeSetting(arguments, QStringLiteral("name"), name);
     return Text::clean(name);
 }
 
-Outcome add(Host& host, const QString& name, const Picture& picture)
+Outcome add(CommandContext& context, const QString& name, const Picture& picture)
 {
-    host.lesson.addCard({name, picture});
-    host.lesson.remoteControl().tellCard();
+    context.lesson.addCard({name, picture});
+    context.lesson.remoteControl().tellCard();
+    context.screen.note(QStringLiteral("Card %1 is \"%2\".").arg(context.lesson.deck().count()).arg(name));
     return Outcome::done();
 }
 
-Outcome go(Host& host, int number)
+Outcome go(CommandContext& context, int number)
 {
-    if (!host.lesson.goToCard(number))
+    if (!context.lesson.goToCard(number))
         return Outcome::failed(
             QStringLiteral("There is no card %1: the lesson has %2.")
-                .arg(QString::number(number), Text::count(host.lesson.deck().count(), "card")));
-    host.lesson.remoteControl().tellCard();
+                .arg(QString::number(number), Text::count(context.lesson.deck().count(), "card")));
+    context.lesson.remoteControl().tellCard();
     return Outcome::done();
 }
 
-} // namespace
-
-Outcome Handlers::card(Host& host, const Arguments& arguments)
+Outcome card(CommandContext& context, const Arguments& arguments)
 {
-    if (const Outcome live = Support::needLive(host); !live.isDone())
-        return live;
     Picture picture;
-    if (const Outcome read = Support::readPicture(host, arguments.first(), picture); !read.isDone())
+    if (const Outcome read = Files::readPicture(context.folder, arguments.first(), picture); !read.isDone())
         return read;
-    return show(host, picture, arguments.first());
+    return show(context, picture, arguments.first());
 }
 
-Outcome Handlers::cardReference(Host& host, const Arguments& arguments)
+Outcome cardReference(CommandContext& context, const Arguments& arguments)
 {
-    if (const Outcome live = Support::needLive(host); !live.isDone())
-        return live;
-    return show(host, Picture::ofReference(arguments.first()), arguments.first());
+    return show(context, Picture::ofReference(arguments.first()), arguments.first());
 }
 
-Outcome Handlers::cardUpload(Host& host, const Arguments& arguments)
+Outcome cardUpload(CommandContext& context, const Arguments& arguments)
 {
-    if (const Outcome live = Support::needLive(host); !live.isDone())
-        return live;
-    Support::Upload upload;
-    if (const Outcome stored = Support::upload(host, arguments.first(), upload); !stored.isDone())
+    Files::Upload upload;
+    if (const Outcome stored = Files::upload(context, arguments.first(), upload); !stored.isDone())
         return stored;
-    return show(host, Picture::ofReference(upload.address), arguments.first());
+    return show(context, Picture::ofReference(upload.address), arguments.first());
 }
 
-Outcome Handlers::upload(Host& host, const Arguments& arguments)
+Outcome upload(CommandContext& context, const Arguments& arguments)
 {
-    Support::Upload upload;
-    if (const Outcome stored = Support::upload(host, arguments.first(), upload); !stored.isDone())
+    Files::Upload upload;
+    if (const Outcome stored = Files::upload(context, arguments.first(), upload); !stored.isDone())
         return stored;
-    host.screen.print(QStringLiteral("Resource %1, for learners at %2")
-                          .arg(Text::clean(upload.id), Text::clean(upload.address)));
+    context.screen.print(QStringLiteral("Resource %1, for learners at %2")
+                             .arg(Text::clean(upload.id), Text::clean(upload.address)));
     return Outcome::done();
 }
 
-Outcome Handlers::heavy(Host& host, const Arguments&)
+Outcome deck(CommandContext& context, const Arguments&)
 {
-    const Outcome live = Support::needLive(host);
-    if (live.isDone())
-        host.lesson.collab()->sendHeavy();
-    return live;
-}
-
-Outcome Handlers::deck(Host& host, const Arguments&)
-{
-    const Deck& deck = host.lesson.deck();
+    const Deck& deck = context.lesson.deck();
     QVector<QStringList> rows;
     for (int number = 1; number <= deck.count(); ++number) {
         const Picture picture = deck.card(number).picture;
@@ -99,64 +85,113 @@ Outcome Handlers::deck(Host& host, const Arguments&)
         rows.append({QLatin1String(number == deck.current() ? ">" : ""), QString::number(number),
                      deck.card(number).name,
                      isInline ? QStringLiteral("PNG, %1 bytes").arg(picture.png().size())
-                              : Text::elide(picture.reference(), longest, host.screen.style().unicode)});
+                              : Text::elide(picture.reference(), longest, context.screen.style().unicode)});
     }
     if (rows.isEmpty())
-        host.screen.print(QStringLiteral("The lesson has no cards. \"deck add\" adds one."));
+        context.screen.print(QStringLiteral("The lesson has no cards. \"deck add\" adds one."));
     else
-        host.screen.print(
+        context.screen.print(
             Table::lines({QString(), QStringLiteral("#"), QStringLiteral("Card"), QStringLiteral("Picture")},
-                         rows, host.screen.style()));
+                         rows, context.screen.style()));
     return Outcome::done();
 }
 
-Outcome Handlers::deckAdd(Host& host, const Arguments& given)
+Outcome deckAdd(CommandContext& context, const Arguments& given)
 {
     Arguments arguments = given;
     const QString name = takeName(arguments);
     Picture picture;
-    if (const Outcome read = Support::readPicture(host, arguments.value(0), picture); !read.isDone())
+    if (const Outcome read = Files::readPicture(context.folder, arguments.value(0), picture); !read.isDone())
         return read;
-    return add(host, name, picture);
+    return add(context, name, picture);
 }
 
-Outcome Handlers::deckUpload(Host& host, const Arguments& given)
+Outcome deckUpload(CommandContext& context, const Arguments& given)
 {
     Arguments arguments = given;
     const QString name = takeName(arguments);
-    Support::Upload upload;
-    if (const Outcome stored = Support::upload(host, arguments.value(0), upload); !stored.isDone())
+    Files::Upload upload;
+    if (const Outcome stored = Files::upload(context, arguments.value(0), upload); !stored.isDone())
         return stored;
-    return add(host, name, Picture::ofReference(upload.address));
+    return add(context, name, Picture::ofReference(upload.address));
 }
 
-Outcome Handlers::deckReference(Host& host, const Arguments& given)
+Outcome deckReference(CommandContext& context, const Arguments& given)
 {
     Arguments arguments = given;
     const QString name = takeName(arguments);
-    return add(host, name, Picture::ofReference(arguments.value(0)));
+    return add(context, name, Picture::ofReference(arguments.value(0)));
 }
 
-Outcome Handlers::deckNext(Host& host, const Arguments&)
+Outcome deckNext(CommandContext& context, const Arguments&)
 {
-    return go(host, host.lesson.deck().current() + 1);
+    return go(context, context.lesson.deck().current() + 1);
 }
 
-Outcome Handlers::deckPrevious(Host& host, const Arguments&)
+Outcome deckPrevious(CommandContext& context, const Arguments&)
 {
-    return go(host, host.lesson.deck().current() - 1);
+    return go(context, context.lesson.deck().current() - 1);
 }
 
-Outcome Handlers::deckGo(Host& host, const Arguments& arguments)
+Outcome deckGo(CommandContext& context, const Arguments& arguments)
 {
-    return go(host, arguments.first().toInt());
+    return go(context, arguments.first().toInt());
 }
 
-Outcome Handlers::deckShow(Host& host, const Arguments&)
+Outcome deckShow(CommandContext& context, const Arguments&)
 {
-    if (const Outcome live = Support::needLive(host); !live.isDone())
-        return live;
-    return host.lesson.showCurrentCard()
-               ? Outcome::done()
-               : Outcome::failed(QStringLiteral("The lesson has no cards. Use \"deck add\"."));
+    context.lesson.showCurrentCard();
+    return Outcome::done();
+}
+
+namespace F = Fact;
+using P = Place;
+
+// A row tells all about a command; clang-format would put each member on a line of its own.
+// clang-format off
+const Command rows[] = {
+    {"card", "FILE", "Show a PNG picture on the learners' devices.",
+     "The picture travels in the message; a large one is announced before.",
+     F::Channel, F::Nothing, F::Nothing, 1, 1, {P::PictureFile}, "", card},
+    {"card ref", "REFERENCE", "Show a picture that devices load from an address.",
+     "",
+     F::Channel, F::Nothing, F::Nothing, 1, 1, {}, "", cardReference},
+    {"card upload", "FILE", "Upload a picture and show it by its address.",
+     "",
+     F::Channel, F::Nothing, F::Nothing, 1, 1, {P::File}, "", cardUpload},
+    {"upload", "FILE", "Store a file at the service and print its address.",
+     "",
+     F::Login, F::Nothing, F::Nothing, 1, 1, {P::File}, "", upload},
+    {"deck", "", "List the cards of the lesson.",
+     "They are what the remote control goes through, and pushes to the learners.",
+     F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", deck},
+    {"deck add", "FILE [name=TEXT]", "Add a PNG picture to the lesson's cards.",
+     "",
+     F::Nothing, F::Cards, F::Nothing, 1, 2, {P::PictureFile}, "name=", deckAdd},
+    {"deck upload", "FILE [name=TEXT]", "Upload a picture and add it by its address.",
+     "",
+     F::Login, F::Cards, F::Nothing, 1, 2, {P::File}, "name=", deckUpload},
+    {"deck ref", "REFERENCE [name=TEXT]", "Add a picture that devices load from an address.",
+     "",
+     F::Nothing, F::Cards, F::Nothing, 1, 2, {}, "name=", deckReference},
+    {"deck next", "", "Go to the next card.",
+     "",
+     F::Cards, F::Nothing, F::Nothing, 0, 0, {}, "", deckNext},
+    {"deck previous", "", "Go to the card before.",
+     "",
+     F::Cards, F::Nothing, F::Nothing, 0, 0, {}, "", deckPrevious},
+    {"deck go", "NUMBER", "Go to a card.",
+     "",
+     F::Cards, F::Nothing, F::Nothing, 1, 1, {P::Number}, "", deckGo},
+    {"deck show", "", "Show the current card on the learners' devices.",
+     "",
+     F::Channel | F::Cards, F::Nothing, F::Nothing, 0, 0, {}, "", deckShow},
+};
+// clang-format on
+
+} // namespace
+
+QVector<Command> CommandTable::cards()
+{
+    return QVector<Command>(std::begin(rows), std::end(rows));
 }

@@ -1,80 +1,139 @@
-#include "app/Host.h"
-#include "commands/Handlers.h"
-#include "commands/Support.h"
+#include "commands/ArgumentReader.h"
+#include "commands/CommandContext.h"
+#include "commands/CommandTable.h"
 #include "lesson/Lesson.h"
+#include "terminal/Screen.h"
 #include "text/JsonText.h"
+#include "text/Text.h"
 
-Outcome Handlers::remoteLesson(Host& host, const Arguments& arguments)
+namespace {
+
+constexpr int mostCards = 1000;
+
+Outcome told(CommandContext& context)
 {
-    const Outcome live = Support::needLive(host);
-    if (live.isDone())
-        host.lesson.collab()->sendCurrentLessonToRemote(JsonText::escaped(arguments.at(0)),
-                                                        JsonText::escaped(arguments.at(1)));
-    return live;
+    context.screen.note(QStringLiteral("The remote control has been told."));
+    return Outcome::done();
 }
 
-Outcome Handlers::remoteCard(Host& host, const Arguments& arguments)
+Outcome remoteLesson(CommandContext& context, const Arguments& arguments)
 {
-    constexpr int most = 1000;
-    const Outcome live = Support::needLive(host);
-    if (!live.isDone())
-        return live;
+    context.lesson.collab()->sendCurrentLessonToRemote(JsonText::escaped(arguments.at(0)),
+                                                       JsonText::escaped(arguments.at(1)));
+    return told(context);
+}
+
+Outcome checkRemoteCard(const QString&, const Arguments& arguments)
+{
     const int current = arguments.at(0).toInt();
     const int total = arguments.at(1).toInt();
-    if (current < 1 || current > total || total > most)
-        return Outcome::failed(
-            QStringLiteral("The card's number goes from 1 to the number of cards, which is at most %1.")
-                .arg(most));
-    host.lesson.collab()->sendCurrentCardToRemote(current, total);
+    if (current >= 1 && current <= total && total <= mostCards)
+        return Outcome::done();
+    return Outcome::failed(
+        QStringLiteral("The card's number goes from 1 to the number of cards, which is at most %1.")
+            .arg(mostCards));
+}
+
+Outcome remoteCard(CommandContext& context, const Arguments& arguments)
+{
+    context.lesson.collab()->sendCurrentCardToRemote(arguments.at(0).toInt(), arguments.at(1).toInt());
+    return told(context);
+}
+
+Outcome remoteActive(CommandContext& context, const Arguments&)
+{
+    context.lesson.collab()->sendPresenterIsActiveToRemote();
+    return told(context);
+}
+
+Outcome publish(CommandContext& context, const Arguments& arguments)
+{
+    context.lesson.collab()->publishMessage(arguments.at(0), arguments.at(1), arguments.at(2));
+    context.screen.note(QStringLiteral("A message of type %1 is published to %2.")
+                            .arg(Text::clean(arguments.at(1)), Text::clean(arguments.at(0))));
     return Outcome::done();
 }
 
-Outcome Handlers::remoteActive(Host& host, const Arguments&)
+Outcome ping(CommandContext& context, const Arguments&)
 {
-    const Outcome live = Support::needLive(host);
-    if (live.isDone())
-        host.lesson.collab()->sendPresenterIsActiveToRemote();
-    return live;
+    context.lesson.collab()->sendPing();
+    context.screen.note(QStringLiteral("A ping was sent on the live channel."));
+    return Outcome::done();
 }
 
-Outcome Handlers::publish(Host& host, const Arguments& arguments)
-{
-    const Outcome live = Support::needLive(host);
-    if (live.isDone())
-        host.lesson.collab()->publishMessage(arguments.at(0), arguments.at(1), arguments.at(2));
-    return live;
-}
-
-Outcome Handlers::ping(Host& host, const Arguments&)
-{
-    const Outcome live = Support::needLive(host);
-    if (live.isDone())
-        host.lesson.collab()->sendPing();
-    return live;
-}
-
-Outcome Handlers::lesson(Host& host, const Arguments& given)
+Outcome lesson(CommandContext& context, const Arguments& given)
 {
     Arguments arguments = given;
-    Support::takeSetting(arguments, QStringLiteral("id"), host.lesson.lessonId);
+    ArgumentReader::takeSetting(arguments, QStringLiteral("id"), context.lesson.lessonId);
     if (!arguments.isEmpty())
-        host.lesson.lessonName = arguments.join(QLatin1Char(' '));
-    host.lesson.remoteControl().tellLesson();
+        context.lesson.lessonName = arguments.join(QLatin1Char(' '));
+    context.lesson.remoteControl().tellLesson();
+    context.screen.note(
+        QStringLiteral("The lesson is called \"%1\".").arg(Text::clean(context.lesson.lessonName)));
     return Outcome::done();
 }
 
-Outcome Handlers::lock(Host& host, const Arguments&)
+Outcome lock(CommandContext& context, const Arguments&)
 {
-    const Outcome live = Support::needLive(host);
-    if (live.isDone())
-        host.lesson.setLocked(true);
-    return live;
+    context.lesson.setLocked(true);
+    context.screen.note(QStringLiteral("The learners' devices are locked; \"unlock\" frees them."));
+    return Outcome::done();
 }
 
-Outcome Handlers::unlock(Host& host, const Arguments&)
+Outcome unlock(CommandContext& context, const Arguments&)
 {
-    const Outcome live = Support::needLive(host);
-    if (live.isDone())
-        host.lesson.setLocked(false);
-    return live;
+    context.lesson.setLocked(false);
+    context.screen.note(QStringLiteral("The learners' devices are not locked."));
+    return Outcome::done();
+}
+
+Outcome heavy(CommandContext& context, const Arguments&)
+{
+    context.lesson.collab()->sendHeavy();
+    context.screen.note(QStringLiteral("The learners' devices expect something large."));
+    return Outcome::done();
+}
+
+namespace F = Fact;
+using P = Place;
+
+// A row tells all about a command; clang-format would put each member on a line of its own.
+// clang-format off
+const Command rows[] = {
+    {"remote lesson", "ID NAME", "Tell the remote control of some lesson.",
+     "By itself it is told of this one.",
+     F::Channel, F::Nothing, F::Nothing, 2, 2, {}, "", remoteLesson},
+    {"remote card", "NUMBER TOTAL", "Tell the remote control which card is shown.",
+     "",
+     F::Channel, F::Nothing, F::Nothing, 2, 2, {P::Number, P::Number}, "", remoteCard, checkRemoteCard},
+    {"remote active", "", "Tell the remote control that the presenter is here.",
+     "",
+     F::Channel, F::Nothing, F::Nothing, 0, 0, {}, "", remoteActive},
+    {"publish", "ADDRESS TYPE JSON", "Publish a message of your own.",
+     "An ADDRESS that begins with \".\" is below the session: .learner, .controller, "
+     ".user.DEVICE. Example: publish .learner heavy '\"\"'",
+     F::Channel, F::Nothing, F::Nothing, 3, 3, {}, "", publish},
+    {"ping", "", "Send a ping on the live channel.",
+     "Every minute this happens by itself.",
+     F::Channel, F::Nothing, F::Nothing, 0, 0, {}, "", ping},
+    {"lesson", "[NAME] [id=ID]", "Name the lesson, for the remote control.",
+     "Without a name of its own it is called as its script.",
+     F::Nothing, F::Nothing, F::Nothing, 1, anyNumber, {}, "id=", lesson},
+    {"lock", "", "Cover the learners' devices with a text.",
+     "Until \"unlock\", or until the next poll starts.",
+     F::Channel, F::Nothing, F::Nothing, 0, 0, {}, "", lock},
+    {"unlock", "", "Let the learners go on.",
+     "",
+     F::Channel, F::Nothing, F::Nothing, 0, 0, {}, "", unlock},
+    {"heavy", "", "Tell the learners' devices that something large is coming.",
+     "",
+     F::Channel, F::Nothing, F::Nothing, 0, 0, {}, "", heavy},
+};
+// clang-format on
+
+} // namespace
+
+QVector<Command> CommandTable::devices()
+{
+    return QVector<Command>(std::begin(rows), std::end(rows));
 }

@@ -1,16 +1,16 @@
 #include "commands/CommandTable.h"
 
-#include "commands/CommandRows.h"
+#include "commands/ArgumentReader.h"
+#include "commands/Files.h"
 #include "lesson/PollKinds.h"
+#include "text/LineSyntax.h"
 #include "text/Suggestions.h"
 #include "text/Text.h"
-#include "text/Words.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace {
-
-constexpr int indent = 2;
 
 int wordsIn(const Command& command)
 {
@@ -48,8 +48,11 @@ bool isNumber(const QString& text)
 QString fault(const Command& command, Place place, const QString& word)
 {
     Calyx::PollType::POLL_TYPE type;
+    qint64 msecs = 0;
     if (place == Place::Number && !isNumber(word))
         return QStringLiteral("\"%1\" is not a whole number.").arg(word);
+    if (place == Place::Seconds && !ArgumentReader::readSeconds(word, msecs))
+        return QStringLiteral("\"%1\" is not a number of seconds.").arg(word);
     if (place == Place::Amount && !isNumber(word) && word != QLatin1String("all"))
         return QStringLiteral("\"%1\" is neither a whole number nor \"all\".").arg(word);
     const QStringList keywords = CommandTable::keywords(command);
@@ -76,11 +79,28 @@ QString fault(const Command& command, const Arguments& arguments)
 
 } // namespace
 
+const QVector<CommandTable::Topic>& CommandTable::topics()
+{
+    static const QVector<Topic> all = {{"accounts", "Logging in and out", account()},
+                                       {"sessions", "Sessions and who is in them", session()},
+                                       {"polls", "Polls", polls()},
+                                       {"cards", "Pictures and the cards of the lesson", cards()},
+                                       {"devices", "Learners' devices and the remote control", devices()},
+                                       {"assessments", "Assessments", assessments()},
+                                       {"steps", "The steps of a lesson", flow()},
+                                       {"console", "This program", general()}};
+    return all;
+}
+
 const QVector<Command>& CommandTable::commands()
 {
-    static const QVector<Command> rows =
-        CommandRows::service() + CommandRows::classroom() + CommandRows::flow();
-    return rows;
+    static const QVector<Command> all = [] {
+        QVector<Command> rows;
+        for (const Topic& topic : topics())
+            rows += topic.commands;
+        return rows;
+    }();
+    return all;
 }
 
 const Command* CommandTable::find(const QStringList& words)
@@ -100,7 +120,7 @@ QVector<const Command*> CommandTable::family(const QString& name)
     QVector<const Command*> members;
     for (const Command& command : commands()) {
         const QString own = QLatin1String(command.name);
-        if (name.isEmpty() || own == name || own.startsWith(name + QLatin1Char(' ')))
+        if (own == name || own.startsWith(name + QLatin1Char(' ')))
             members.append(&command);
     }
     return members;
@@ -109,11 +129,11 @@ QVector<const Command*> CommandTable::family(const QString& name)
 CommandTable::Match CommandTable::match(const QString& line)
 {
     Match match;
-    const Words::Split split = Words::split(line);
+    const LineSyntax::Split split = LineSyntax::split(line);
     // Text may hold any quotes: its command is looked for first.
     match.command = find(split.words);
-    if (match.command && match.command->takesText) {
-        const QString text = Words::textAfter(line, wordsIn(*match.command));
+    if (match.command && match.command->most == asText) {
+        const QString text = LineSyntax::textAfter(line, wordsIn(*match.command));
         if (!text.isEmpty())
             match.arguments.append(text);
     } else if (!split.error.isEmpty()) {
@@ -126,6 +146,33 @@ CommandTable::Match CommandTable::match(const QString& line)
     if (match.fault.isEmpty())
         match.fault = fault(*match.command, match.arguments);
     return match;
+}
+
+Outcome CommandTable::check(const Match& match, const QString& folder)
+{
+    for (int i = 0; i < match.arguments.size(); ++i) {
+        const Place kind = place(*match.command, i);
+        Picture picture;
+        QByteArray content;
+        Outcome read;
+        if (kind == Place::PictureFile)
+            read = Files::readPicture(folder, match.arguments.at(i), picture);
+        else if (kind == Place::File)
+            read = Files::read(folder, match.arguments.at(i), content);
+        if (!read.isDone())
+            return read;
+    }
+    return match.command->check ? match.command->check(folder, match.arguments) : Outcome::done();
+}
+
+bool CommandTable::holdsSecret(const QString& line)
+{
+    const Match found = match(line);
+    for (int i = 0; i < found.arguments.size(); ++i) {
+        if (place(*found.command, i) == Place::Secret)
+            return true;
+    }
+    return false;
 }
 
 Place CommandTable::place(const Command& command, int index)
@@ -142,37 +189,4 @@ QStringList CommandTable::keywords(const Command& command)
 QString CommandTable::usage(const Command& command)
 {
     return QString(QLatin1String(command.name) + QLatin1Char(' ') + QLatin1String(command.usage)).trimmed();
-}
-
-QStringList CommandTable::overview()
-{
-    int width = 0;
-    for (const Command& command : commands())
-        width = qMax(width, QString(QLatin1String(command.name)).size());
-    const auto list = [width](const char* title, const QVector<Command>& rows) {
-        QStringList lines = {QLatin1String(title)};
-        for (const Command& command : rows)
-            lines.append(QString(indent, QLatin1Char(' ')) +
-                         Text::padRight(QLatin1String(command.name), width + indent) +
-                         QLatin1String(command.summary));
-        return lines;
-    };
-    return list("Service and session", CommandRows::service()) +
-           list("Learners and remote control", CommandRows::classroom()) +
-           list("Lesson", CommandRows::flow()) +
-           QStringList(QStringLiteral("\"help NAME\" tells more, \"help poll\" for example."));
-}
-
-QStringList CommandTable::help(const QString& name)
-{
-    QStringList lines;
-    const QVector<const Command*> members = family(name.toLower());
-    for (const Command* command : members) {
-        lines += {usage(*command), QStringLiteral("    ") + QLatin1String(command->summary)};
-        const QStringList details =
-            QString::fromUtf8(command->details).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-        for (const QString& line : details)
-            lines.append(QStringLiteral("    ") + line);
-    }
-    return lines;
 }

@@ -8,6 +8,17 @@
 /// All commands, and how lines are matched with them.
 namespace CommandTable {
 
+/// The commands of a topic, in the order in which help lists them.
+struct Topic
+{
+    const char* name;
+    const char* title;
+    QVector<Command> commands;
+};
+
+const QVector<Topic>& topics();
+const QVector<Command>& commands();
+
 /// A line that has been understood, or what is wrong with it.
 struct Match
 {
@@ -16,21 +27,31 @@ struct Match
     QString fault;
 };
 
-const QVector<Command>& commands();
 /// Finds the command of a line that is not blank and checks its arguments as far as that goes without running
 /// it.
 Match match(const QString& line);
+/// What else can be found wrong with the arguments before running it: files that cannot be read, impossible
+/// answers. Relative file names begin at \p folder.
+Outcome check(const Match& match, const QString& folder);
 /// The command whose name \p words begin with, the longest if there are several; null when there is none.
 const Command* find(const QStringList& words);
-/// Those whose name begins with \p name, as "session" does for "session start"; all for an empty name.
+/// Those whose name begins with \p name, as "session" does for "session start".
 QVector<const Command*> family(const QString& name);
 QString usage(const Command& command);
 /// What stands at an argument's place.
 Place place(const Command& command, int index);
 QStringList keywords(const Command& command);
+/// Whether the line holds a password or a token.
+bool holdsSecret(const QString& line);
 
-/// What "help" and "help NAME" print; empty when there is no such command.
-QStringList overview();
-QStringList help(const QString& name);
+// Each from the file of its topic.
+QVector<Command> account();
+QVector<Command> session();
+QVector<Command> polls();
+QVector<Command> cards();
+QVector<Command> devices();
+QVector<Command> assessments();
+QVector<Command> flow();
+QVector<Command> general();
 
 } // namespace CommandTable

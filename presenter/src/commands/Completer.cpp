@@ -2,7 +2,7 @@
 
 #include "commands/CommandTable.h"
 #include "lesson/PollKinds.h"
-#include "text/Words.h"
+#include "text/LineSyntax.h"
 
 #include <CalyxClient/SockJSConnector>
 
@@ -35,6 +35,14 @@ QStringList nameWords(const QStringList& words)
     return next;
 }
 
+QStringList topicNames()
+{
+    QStringList names;
+    for (const CommandTable::Topic& topic : CommandTable::topics())
+        names.append(QLatin1String(topic.name));
+    return names;
+}
+
 // "to=" is followed by a learner; any other word may be one that the command knows.
 QStringList anywhere(const Command& command, int index, const QString& piece, const QStringList& learners)
 {
@@ -63,11 +71,12 @@ QStringList atPlace(const Command& command, const QStringList& arguments, const 
     case Place::Ordinal:
         return PollKinds::ordinalNames();
     case Place::File:
+    case Place::PictureFile:
         return files(piece, folder);
     case Place::Learner:
         return learners;
     case Place::CommandName:
-        return nameWords(arguments);
+        return nameWords(arguments) + (arguments.isEmpty() ? topicNames() : QStringList());
     case Place::Transport:
         return SockJSConnector::PROTOCOL_TYPE_STR().values();
     case Place::Keyword:
@@ -77,6 +86,8 @@ QStringList atPlace(const Command& command, const QStringList& arguments, const 
     case Place::Anything:
         return anywhere(command, arguments.size(), piece, learners);
     case Place::Number:
+    case Place::Seconds:
+    case Place::Secret:
         break;
     }
     return {};
@@ -84,10 +95,9 @@ QStringList atPlace(const Command& command, const QStringList& arguments, const 
 
 } // namespace
 
-Completer::Completion Completer::complete(const QString& line, const QStringList& learners,
-                                          const QString& folder)
+Completion Completer::complete(const QString& line, const QStringList& learners, const QString& folder)
 {
-    const Words::Split split = Words::split(line);
+    const LineSyntax::Split split = LineSyntax::split(line);
     QStringList words = split.words;
     const QString piece = split.endsInWord ? words.takeLast() : QString();
     QStringList all = nameWords(words);
@@ -99,7 +109,7 @@ Completer::Completion Completer::complete(const QString& line, const QStringList
     completion.start = split.lastStart;
     for (const QString& candidate : qAsConst(all)) {
         if (candidate.startsWith(piece, Qt::CaseInsensitive))
-            completion.candidates.append(Words::quoted(candidate));
+            completion.candidates.append(LineSyntax::quoted(candidate));
     }
     completion.candidates.removeDuplicates();
     completion.candidates.sort();

@@ -1,15 +1,12 @@
-#include "app/Host.h"
-#include "app/Waiter.h"
+#include "commands/ArgumentReader.h"
+#include "commands/CommandContext.h"
 #include "commands/CommandTable.h"
-#include "commands/Handlers.h"
-#include "commands/Support.h"
+#include "commands/Waiter.h"
 #include "lesson/Lesson.h"
 #include "terminal/Screen.h"
-#include "text/Suggestions.h"
 #include "text/Text.h"
 
-#include <CalyxClient/SockJSConnector>
-
+#include <cmath>
 #include <functional>
 
 namespace {
@@ -17,216 +14,197 @@ namespace {
 constexpr int second = 1000;
 constexpr int mostNames = 5;
 
-Outcome wait(Host& host, Arguments arguments, const std::function<bool()>& isReached,
-             const std::function<QString()>& state)
+// What "wait" waits for, and "expect" expects.
+struct Goal
 {
-    qint64 limit = static_cast<qint64>(host.waitLimit) * second;
-    if (const Outcome taken = Support::takeWithin(arguments, limit); !taken.isDone())
-        return taken;
-    const auto isOver = [&] { return isReached() || !host.lesson.isLive(); };
-    const Waiter::Result result = host.waiter.until(isOver, limit);
+    std::function<int()> have;
+    std::function<int()> want;
+    std::function<QString()> state; ///< both, for people
+};
+
+Goal learnersGoal(const Lesson& lesson, const QString& amount)
+{
+    const int wanted = amount.toInt();
+    return {[&lesson] { return lesson.roster().presentCount(); }, [wanted] { return wanted; },
+            [&lesson, wanted] {
+                return QStringLiteral("%1 of %2 learners are here")
+                    .arg(lesson.roster().presentCount())
+                    .arg(wanted);
+            }};
+}
+
+QString withMissing(const QString& state, const QString& what, bool isOpen, const QStringList& missing)
+{
+    return isOpen && !missing.isEmpty()
+               ? QStringLiteral("%1; %2 %3").arg(state, what, Text::list(missing, mostNames))
+               : state;
+}
+
+// "all" are those who are here, and one at least.
+int wantedOf(const QString& amount, int all)
+{
+    return amount == QLatin1String("all") ? qMax(all, 1) : amount.toInt();
+}
+
+// Of the poll put last.
+Goal answersGoal(const Lesson& lesson, const QString& amount)
+{
+    const auto have = [&lesson] { return lesson.board().last()->tally().answered(); };
+    const auto want = [&lesson, amount] {
+        return wantedOf(amount, lesson.board().last()->expected(lesson.roster()));
+    };
+    const auto state = [&lesson, have, want] {
+        const Poll& poll = *lesson.board().last();
+        return withMissing(QStringLiteral("%1 of %2 answers have come").arg(have()).arg(want()),
+                           QStringLiteral("none yet from"), poll.isRunning(), poll.missing(lesson.roster()));
+    };
+    return {have, want, state};
+}
+
+Goal assessmentGoal(const Lesson& lesson, const QString& amount)
+{
+    const auto have = [&lesson] { return lesson.desk().finished(); };
+    const auto want = [&lesson, amount] { return wantedOf(amount, lesson.desk().expected()); };
+    const auto state = [&lesson, have, want] {
+        return withMissing(QStringLiteral("%1 of %2 learners have finished").arg(have()).arg(want()),
+                           QStringLiteral("not yet"), lesson.desk().isRunning(), lesson.desk().unfinished());
+    };
+    return {have, want, state};
+}
+
+Outcome told(CommandContext& context, const QString& text)
+{
+    context.screen.note(text);
+    return Outcome::done();
+}
+
+Outcome checkWait(const QString&, const Arguments& given)
+{
+    Arguments arguments = given;
+    qint64 limit = 0;
+    return ArgumentReader::takeWithin(arguments, limit);
+}
+
+Outcome wait(CommandContext& context, Arguments arguments, const Goal& goal)
+{
+    qint64 limit = std::llround(context.waitLimit * second);
+    ArgumentReader::takeWithin(arguments, limit);
+    const auto isReached = [&] { return goal.have() >= goal.want(); };
+    const Waiter::Result result =
+        context.waiter.until([&] { return isReached() || !context.lesson.isLive(); }, limit, goal.state);
     if (isReached())
-        return Outcome::done();
+        return told(context, goal.state() + QLatin1Char('.'));
     if (result == Waiter::Interrupted)
-        return Outcome::failed(QStringLiteral("The wait was given up: %1.").arg(state()));
-    if (!host.lesson.isLive())
-        return Outcome::failed(QStringLiteral("The live channel was lost while waiting: %1.").arg(state()));
-    return Outcome::failed(QStringLiteral("After %1, %2.")
-                               .arg(Text::count(static_cast<int>(limit / second), "second"), state()));
-}
-
-QString learnerState(const Lesson& lesson, int wanted)
-{
-    return QStringLiteral("%1 of %2 learners are here").arg(lesson.roster().presentCount()).arg(wanted);
-}
-
-// How many answers are wanted of the poll put last.
-int wantedAnswers(const Lesson& lesson, const QString& amount)
-{
-    const Poll& poll = *lesson.board().last();
-    return amount == QLatin1String("all") ? qMax(poll.expected(lesson.roster()), 1) : amount.toInt();
-}
-
-QString answerState(const Lesson& lesson, const QString& amount)
-{
-    const Poll& poll = *lesson.board().last();
-    QString state = QStringLiteral("%1 of %2 answers have come")
-                        .arg(poll.tally().answered())
-                        .arg(wantedAnswers(lesson, amount));
-    const QStringList missing = poll.missing(lesson.roster());
-    if (poll.isRunning() && !missing.isEmpty())
-        state += QStringLiteral("; none yet from %1").arg(Text::list(missing, mostNames));
-    return state;
-}
-
-Outcome needAnyPoll(const Lesson& lesson)
-{
-    if (lesson.board().last())
-        return Outcome::done();
-    return Outcome::failed(QStringLiteral("No poll has been put. Use \"poll TYPE\"."));
-}
-
-// How many learners are wanted to finish.
-int wantedFinishers(const Lesson& lesson, const QString& amount)
-{
-    return amount == QLatin1String("all") ? qMax(lesson.desk().expected(), 1) : amount.toInt();
-}
-
-QString finisherState(const Lesson& lesson, const QString& amount)
-{
-    QString state = QStringLiteral("%1 of %2 learners have finished")
-                        .arg(lesson.desk().finished())
-                        .arg(wantedFinishers(lesson, amount));
-    const QStringList others = lesson.desk().unfinished();
-    if (lesson.desk().isRunning() && !others.isEmpty())
-        state += QStringLiteral("; not yet %1").arg(Text::list(others, mostNames));
-    return state;
-}
-
-Outcome needAnyAssessment(const Lesson& lesson)
-{
-    if (lesson.desk().sheet())
-        return Outcome::done();
-    return Outcome::failed(QStringLiteral("There has been no assessment. Use \"assessment start\"."));
-}
-
-Outcome setTransports(Host& host, const QStringList& names)
-{
-    const QStringList known = SockJSConnector::PROTOCOL_TYPE_STR().values();
-    for (const QString& name : names) {
-        if (!known.contains(name))
-            return Outcome::failed(
-                QStringLiteral("There is no transport \"%1\".%2 There are %3.")
-                    .arg(name, Suggestions::question(name, known), known.join(QStringLiteral(", "))));
-    }
-    host.lesson.client().setSockJSOverrideProtocols(names);
-    return Outcome::done();
-}
-
-Outcome setNumber(const QStringList& values, const std::function<void(int)>& store)
-{
-    bool isNumber = false;
-    const int value = values.first().toInt(&isNumber);
-    if (!isNumber || value < 0 || values.size() > 1)
+        return Outcome::failed(QStringLiteral("The wait was given up: %1.").arg(goal.state()));
+    if (!context.lesson.isLive())
         return Outcome::failed(
-            QStringLiteral("\"%1\" is not a whole number.").arg(values.join(QLatin1Char(' '))));
-    store(value);
-    return Outcome::done();
+            QStringLiteral("The live channel was lost while waiting: %1.").arg(goal.state()));
+    return Outcome::failed(QStringLiteral("After %1, %2.").arg(Text::seconds(limit), goal.state()));
 }
 
-} // namespace
-
-Outcome Handlers::say(Host& host, const Arguments& arguments)
+Outcome expect(CommandContext& context, const Goal& goal)
 {
-    host.screen.note(arguments.value(0));
-    return Outcome::done();
+    if (goal.have() != goal.want())
+        return Outcome::failed(QStringLiteral("Expected otherwise: %1.").arg(goal.state()));
+    return told(context, QStringLiteral("As expected: %1.").arg(goal.state()));
 }
 
-Outcome Handlers::heading(Host& host, const Arguments& arguments)
+Outcome say(CommandContext& context, const Arguments& arguments)
 {
-    const Style& style = host.screen.style();
+    return told(context, arguments.value(0));
+}
+
+Outcome heading(CommandContext& context, const Arguments& arguments)
+{
+    const Style& style = context.screen.style();
     const QString text = arguments.value(0);
     const QChar line = style.unicode ? QChar(0x2500) : QLatin1Char('-');
-    host.screen.note(QString());
-    host.screen.note(text, Ink::Heading);
-    host.screen.note(QString(qMin(Text::width(text), style.columns - 1), line), Ink::Heading);
+    context.screen.note(QString());
+    context.screen.note(text, Ink::Heading);
+    context.screen.note(QString(qMin(Text::width(text), style.columns - 1), line), Ink::Heading);
     return Outcome::done();
 }
 
-Outcome Handlers::pause(Host& host, const Arguments& arguments)
+Outcome pause(CommandContext& context, const Arguments& arguments)
 {
-    return host.waiter.pause(arguments.first().toInt())
-               ? Outcome::done()
+    qint64 msecs = 0;
+    ArgumentReader::readSeconds(arguments.first(), msecs);
+    const QString length = Text::seconds(msecs);
+    return context.waiter.pause(static_cast<int>(msecs),
+                                [length] { return QStringLiteral("A pause of %1").arg(length); })
+               ? told(context, QStringLiteral("Paused for %1.").arg(length))
                : Outcome::failed(QStringLiteral("The pause was cut short."));
 }
 
-Outcome Handlers::waitLearners(Host& host, const Arguments& arguments)
+Outcome waitLearners(CommandContext& context, const Arguments& arguments)
 {
-    if (const Outcome live = Support::needLive(host); !live.isDone())
-        return live;
-    const Lesson& lesson = host.lesson;
-    const int wanted = arguments.first().toInt();
-    return wait(
-        host, arguments, [&] { return lesson.roster().presentCount() >= wanted; },
-        [&] { return learnerState(lesson, wanted); });
+    return wait(context, arguments, learnersGoal(context.lesson, arguments.first()));
 }
 
-Outcome Handlers::waitAnswers(Host& host, const Arguments& arguments)
+Outcome waitAnswers(CommandContext& context, const Arguments& arguments)
 {
-    const Lesson& lesson = host.lesson;
-    if (const Outcome poll = needAnyPoll(lesson); !poll.isDone())
-        return poll;
-    const QString amount = arguments.first();
-    return wait(
-        host, arguments,
-        [&] { return lesson.board().last()->tally().answered() >= wantedAnswers(lesson, amount); },
-        [&] { return answerState(lesson, amount); });
+    return wait(context, arguments, answersGoal(context.lesson, arguments.first()));
 }
 
-Outcome Handlers::waitAssessment(Host& host, const Arguments& arguments)
+Outcome waitAssessment(CommandContext& context, const Arguments& arguments)
 {
-    const Lesson& lesson = host.lesson;
-    if (const Outcome any = needAnyAssessment(lesson); !any.isDone())
-        return any;
-    const QString amount = arguments.first();
-    return wait(
-        host, arguments, [&] { return lesson.desk().finished() >= wantedFinishers(lesson, amount); },
-        [&] { return finisherState(lesson, amount); });
+    return wait(context, arguments, assessmentGoal(context.lesson, arguments.first()));
 }
 
-Outcome Handlers::expectLearners(Host& host, const Arguments& arguments)
+Outcome expectLearners(CommandContext& context, const Arguments& arguments)
 {
-    const int wanted = arguments.first().toInt();
-    if (host.lesson.roster().presentCount() == wanted)
-        return Outcome::done();
-    return Outcome::failed(QStringLiteral("Expected otherwise: %1.").arg(learnerState(host.lesson, wanted)));
+    return expect(context, learnersGoal(context.lesson, arguments.first()));
 }
 
-Outcome Handlers::expectAnswers(Host& host, const Arguments& arguments)
+Outcome expectAnswers(CommandContext& context, const Arguments& arguments)
 {
-    if (const Outcome poll = needAnyPoll(host.lesson); !poll.isDone())
-        return poll;
-    const QString amount = arguments.first();
-    if (host.lesson.board().last()->tally().answered() == wantedAnswers(host.lesson, amount))
-        return Outcome::done();
-    return Outcome::failed(QStringLiteral("Expected otherwise: %1.").arg(answerState(host.lesson, amount)));
+    return expect(context, answersGoal(context.lesson, arguments.first()));
 }
 
-Outcome Handlers::expectAssessment(Host& host, const Arguments& arguments)
+Outcome expectAssessment(CommandContext& context, const Arguments& arguments)
 {
-    if (const Outcome any = needAnyAssessment(host.lesson); !any.isDone())
-        return any;
-    const QString amount = arguments.first();
-    if (host.lesson.desk().finished() == wantedFinishers(host.lesson, amount))
-        return Outcome::done();
-    return Outcome::failed(QStringLiteral("Expected otherwise: %1.").arg(finisherState(host.lesson, amount)));
+    return expect(context, assessmentGoal(context.lesson, arguments.first()));
 }
 
-Outcome Handlers::set(Host& host, const Arguments& arguments)
-{
-    const QStringList values = arguments.mid(1);
-    if (arguments.first() == QLatin1String("transports"))
-        return setTransports(host, values);
-    if (arguments.first() == QLatin1String("open-limit"))
-        return setNumber(values, [&](int msecs) {
-            host.openLimit = msecs;
-            host.lesson.client().setOpenLimit(msecs);
-        });
-    return setNumber(values, [&](int seconds) { host.waitLimit = seconds; });
-}
+namespace F = Fact;
+using P = Place;
 
-Outcome Handlers::help(Host& host, const Arguments& arguments)
-{
-    const QString name = arguments.join(QLatin1Char(' '));
-    const QStringList lines = name.isEmpty() ? CommandTable::overview() : CommandTable::help(name);
-    if (lines.isEmpty())
-        return Outcome::failed(QStringLiteral("There is no command \"%1\". \"help\" lists all.").arg(name));
-    host.screen.print(lines);
-    return Outcome::done();
-}
+// A row tells all about a command; clang-format would put each member on a line of its own.
+// clang-format off
+const Command rows[] = {
+    {"wait learners", "N [within SECONDS]", "Wait until N learners are here.",
+     "For a minute, unless told otherwise here or by \"set wait-limit\".",
+     F::Channel, F::Nothing, F::Nothing, 1, 3, {P::Number, P::Keyword, P::Seconds}, "within", waitLearners, checkWait},
+    {"wait answers", "N|all [within SECONDS]", "Wait until N answers have come, or those of all learners.",
+     "For a minute, unless told otherwise here or by \"set wait-limit\".",
+     F::AnyPoll, F::Nothing, F::Nothing, 1, 3, {P::Amount, P::Keyword, P::Seconds}, "within", waitAnswers, checkWait},
+    {"wait assessment", "N|all [within SECONDS]", "Wait until N learners, or all, have finished the assessment.",
+     "For a minute, unless told otherwise here or by \"set wait-limit\".",
+     F::AnyAssessment, F::Nothing, F::Nothing, 1, 3, {P::Amount, P::Keyword, P::Seconds}, "within", waitAssessment, checkWait},
+    {"expect learners", "N", "Fail unless N learners are here.",
+     "",
+     F::Nothing, F::Nothing, F::Nothing, 1, 1, {P::Number}, "", expectLearners},
+    {"expect answers", "N|all", "Fail unless the last poll has N answers, or those of all learners.",
+     "",
+     F::AnyPoll, F::Nothing, F::Nothing, 1, 1, {P::Amount}, "", expectAnswers},
+    {"expect assessment", "N|all", "Fail unless N learners, or all, have finished the assessment.",
+     "",
+     F::AnyAssessment, F::Nothing, F::Nothing, 1, 1, {P::Amount}, "", expectAssessment},
+    {"say", "[TEXT]", "Print a line.",
+     "",
+     F::Nothing, F::Nothing, F::Nothing, 0, asText, {}, "", say},
+    {"heading", "TEXT", "Print a heading.",
+     "",
+     F::Nothing, F::Nothing, F::Nothing, 1, asText, {}, "", heading},
+    {"pause", "SECONDS", "Do nothing for a while.",
+     "",
+     F::Nothing, F::Nothing, F::Nothing, 1, 1, {P::Seconds}, "", pause},
+};
+// clang-format on
 
-Outcome Handlers::quit(Host& host, const Arguments&)
+} // namespace
+
+QVector<Command> CommandTable::flow()
 {
-    host.isQuitting = true;
-    return Outcome::done();
+    return QVector<Command>(std::begin(rows), std::end(rows));
 }

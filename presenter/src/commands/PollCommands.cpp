@@ -1,8 +1,9 @@
-#include "app/Host.h"
-#include "app/Waiter.h"
-#include "commands/Handlers.h"
-#include "commands/PollArguments.h"
-#include "commands/Support.h"
+#include "commands/ArgumentReader.h"
+#include "commands/CommandContext.h"
+#include "commands/CommandTable.h"
+#include "commands/Ending.h"
+#include "commands/Files.h"
+#include "commands/Waiter.h"
 #include "lesson/Lesson.h"
 #include "terminal/Screen.h"
 #include "text/Chart.h"
@@ -11,35 +12,42 @@
 
 namespace {
 
-const QString noPoll = QStringLiteral("No poll is running. Use \"poll TYPE\" to start one.");
-
-Outcome needPoll(Host& host)
-{
-    const Outcome live = Support::needLive(host);
-    if (!live.isDone())
-        return live;
-    return host.lesson.board().isRunning() ? Outcome::done() : Outcome::failed(noPoll);
-}
-
-// "picture FILE", "upload FILE" or "ref REFERENCE".
-Outcome readPicture(Host& host, const Arguments& arguments, Picture& picture)
+// What follows a poll's plan: "picture FILE", "upload FILE" or "ref REFERENCE".
+Outcome checkPicture(const QString& folder, const Arguments& arguments)
 {
     const QString kind = arguments.value(0);
-    if (arguments.isEmpty())
+    Picture picture;
+    QByteArray content;
+    if (arguments.isEmpty() || (arguments.size() == 2 && kind == QLatin1String("ref")))
         return Outcome::done();
     if (arguments.size() == 2 && kind == QLatin1String("picture"))
-        return Support::readPicture(host, arguments.last(), picture);
-    if (arguments.size() == 2 && kind == QLatin1String("upload")) {
-        Support::Upload upload;
-        const Outcome stored = Support::upload(host, arguments.last(), upload);
-        picture = Picture::ofReference(upload.address);
-        return stored;
-    }
-    if (arguments.size() == 2 && kind == QLatin1String("ref")) {
-        picture = Picture::ofReference(arguments.last());
-        return Outcome::done();
-    }
+        return Files::readPicture(folder, arguments.last(), picture);
+    if (arguments.size() == 2 && kind == QLatin1String("upload"))
+        return Files::read(folder, arguments.last(), content);
     return Outcome::failed(QStringLiteral("\"%1\" is not understood here. See \"help poll\".").arg(kind));
+}
+
+Outcome checkPoll(const QString& folder, const Arguments& given)
+{
+    Arguments arguments = given;
+    PollPlan plan;
+    const Outcome read = ArgumentReader::takePoll(arguments, plan);
+    return read.isDone() ? checkPicture(folder, arguments) : read;
+}
+
+Outcome readPicture(CommandContext& context, const Arguments& arguments, Picture& picture)
+{
+    if (arguments.isEmpty())
+        return Outcome::done();
+    if (arguments.first() == QLatin1String("picture"))
+        return Files::readPicture(context.folder, arguments.last(), picture);
+    Files::Upload upload = {QString(), arguments.last()};
+    if (arguments.first() == QLatin1String("upload")) {
+        if (const Outcome stored = Files::upload(context, arguments.last(), upload); !stored.isDone())
+            return stored;
+    }
+    picture = Picture::ofReference(upload.address);
+    return Outcome::done();
 }
 
 // All bars that are as long as the longest.
@@ -59,81 +67,78 @@ QString mostFrequent(const QVector<Bar>& bars)
                             : QStringLiteral("%1 (%2)").arg(Text::list(labels, mostNames)).arg(top);
 }
 
-} // namespace
-
-Outcome Handlers::poll(Host& host, const Arguments& given)
+// Polls within the same second would have the same id.
+Outcome waitForId(CommandContext& context)
 {
-    if (const Outcome live = Support::needLive(host); !live.isDone())
-        return live;
-    Arguments arguments = given;
-    PollPlan plan;
-    if (const Outcome read = PollArguments::take(arguments, plan); !read.isDone())
-        return read;
-    Picture picture;
-    plan.hasPicture = !arguments.isEmpty();
-    if (const Outcome read = readPicture(host, arguments, picture); !read.isDone())
-        return read;
-
-    Support::stopPoll(host);
-    while (const int msecs = host.lesson.msecsToNewId()) {
-        if (!host.waiter.pause(msecs))
+    while (const int msecs = context.lesson.msecsToNewId()) {
+        if (!context.waiter.pause(msecs))
             return Outcome::failed(QStringLiteral("The poll was not started: interrupted."));
     }
-    if (const Outcome live = Support::needLive(host); !live.isDone())
-        return live;
-    picture.setOn(host.lesson.collab());
-    host.lesson.startPoll(plan);
-    if (!host.screen.isLive())
-        host.screen.note(
+    return context.require(Fact::Channel);
+}
+
+Outcome poll(CommandContext& context, const Arguments& given)
+{
+    Arguments arguments = given;
+    PollPlan plan;
+    ArgumentReader::takePoll(arguments, plan);
+    Picture picture;
+    plan.hasPicture = !arguments.isEmpty();
+    if (const Outcome read = readPicture(context, arguments, picture); !read.isDone())
+        return read;
+    Ending::stopPoll(context);
+    if (const Outcome ready = waitForId(context); !ready.isDone())
+        return ready;
+    picture.setOn(context.lesson.collab());
+    context.lesson.startPoll(plan);
+    if (!context.screen.isLive())
+        context.screen.note(
             QStringLiteral("Poll %1 has started: %2.")
-                .arg(QString::number(host.lesson.board().last()->number()), PollKinds::description(plan)));
+                .arg(QString::number(context.lesson.board().last()->number()), PollKinds::description(plan)));
     return Outcome::done();
 }
 
-Outcome Handlers::pollStop(Host& host, const Arguments&)
+Outcome pollStop(CommandContext& context, const Arguments&)
 {
-    if (!host.lesson.board().isRunning())
-        return Outcome::failed(noPoll);
-    Support::stopPoll(host);
+    Ending::stopPoll(context);
     // Without a channel the learners have not heard of it.
-    return Support::needLive(host);
+    return context.require(Fact::Channel);
 }
 
-Outcome Handlers::pollPause(Host& host, const Arguments&)
+Outcome setPaused(CommandContext& context, bool paused)
 {
-    const Outcome ready = needPoll(host);
-    if (ready.isDone())
-        host.lesson.setPaused(true);
-    return ready;
+    context.lesson.setPaused(paused);
+    context.screen.note(
+        QLatin1String(paused ? "The poll is paused; \"poll resume\" goes on." : "The poll goes on."));
+    return Outcome::done();
 }
 
-Outcome Handlers::pollResume(Host& host, const Arguments&)
+Outcome pollPause(CommandContext& context, const Arguments&)
 {
-    const Outcome ready = needPoll(host);
-    if (ready.isDone())
-        host.lesson.setPaused(false);
-    return ready;
+    return setPaused(context, true);
 }
 
-Outcome Handlers::pollStatus(Host& host, const Arguments&)
+Outcome pollResume(CommandContext& context, const Arguments&)
 {
-    constexpr int mostLines = 24;
+    return setPaused(context, false);
+}
+
+Outcome pollStatus(CommandContext& context, const Arguments&)
+{
     constexpr int mostNames = 10;
-    const Poll* const poll = host.lesson.board().last();
-    if (!poll)
-        return Outcome::failed(noPoll);
-    const Roster& roster = host.lesson.roster();
-    if (!poll->isRunning() || !host.screen.isLive()) // else it stands there anyway
-        host.screen.print(Chart::lines(poll->chart(roster), host.screen.style(), mostLines));
+    const Poll* const poll = context.lesson.board().last();
+    const Roster& roster = context.lesson.roster();
+    if (!poll->isRunning() || !context.screen.isLive()) // else it stands there anyway
+        context.screen.print(Chart::all(poll->chart(roster), context.screen.style()));
     const QStringList missing = poll->missing(roster);
     if (poll->isRunning() && !missing.isEmpty())
-        host.screen.print(QStringLiteral("  No answer yet from %1.").arg(Text::list(missing, mostNames)));
+        context.screen.print(QStringLiteral("  No answer yet from %1.").arg(Text::list(missing, mostNames)));
     return Outcome::done();
 }
 
-Outcome Handlers::summary(Host& host, const Arguments&)
+Outcome summary(CommandContext& context, const Arguments&)
 {
-    const Lesson& lesson = host.lesson;
+    const Lesson& lesson = context.lesson;
     QVector<QStringList> rows;
     for (const Poll& poll : lesson.board().polls()) {
         const ChartData data = poll.chart(lesson.roster());
@@ -142,14 +147,56 @@ Outcome Handlers::summary(Host& host, const Arguments&)
                      Text::duration(data.seconds), mostFrequent(data.bars)});
     }
     if (!rows.isEmpty())
-        host.screen.print(
+        context.screen.print(
             Table::lines({QStringLiteral("#"), QStringLiteral("Poll"), QStringLiteral("Answers"),
                           QStringLiteral("Time"), QStringLiteral("Most frequent")},
-                         rows, host.screen.style()));
-    host.screen.print(
+                         rows, context.screen.style()));
+    context.screen.print(
         QStringLiteral("Total: %1, %2, %3, %4, %5.")
             .arg(Text::count(lesson.mostLearners(), "learner"), Text::count(rows.size(), "poll"),
                  Text::count(lesson.board().answers(), "answer"), Text::count(lesson.cards(), "card"),
                  Text::count(lesson.board().lateAnswers(), "late answer")));
     return Outcome::done();
+}
+
+namespace F = Fact;
+using P = Place;
+
+// A row tells all about a command; clang-format would put each member on a line of its own.
+// clang-format off
+const Command rows[] = {
+    {"poll", "TYPE [ORDINAL] [OPTIONS] [EXTRA] [picture FILE | upload FILE | ref REFERENCE]", "Put a poll to the learners.",
+     "TYPE: true-false, yes-no-other, multiple, scale, sort, text, word-seed, number, creative, "
+     "math-formula. ORDINAL labels the options: true-false, yes-no, yes-no-maybe, yes-no-unsure, "
+     "yes-no-other, alpha-upper, alpha-lower, number, agreement, confidence, generic. OPTIONS is "
+     "their number; of a number poll, its decimals. EXTRA is the number of correct options of a "
+     "multiple choice. What is left out is what the type usually has. A picture is a PNG file "
+     "that travels in the message, a file that is uploaded, or an address from which devices can "
+     "load it. A poll that runs is stopped first.\n"
+     "Examples: poll true-false    poll multiple alpha-upper 5 2    poll number 2\n"
+     "poll scale agreement 5 picture images/leaf.png",
+     F::Channel, F::Poll | F::AnyPoll, F::Nothing, 1, anyNumber, {P::PollType, P::Ordinal}, "picture upload ref", poll, checkPoll},
+    {"poll stop", "", "Stop the poll and show its final tally.",
+     "",
+     F::Poll, F::Nothing, F::Poll, 0, 0, {}, "", pollStop},
+    {"poll pause", "", "Let the learners pause.",
+     "",
+     F::Channel | F::Poll, F::Nothing, F::Nothing, 0, 0, {}, "", pollPause},
+    {"poll resume", "", "Let the learners go on.",
+     "",
+     F::Channel | F::Poll, F::Nothing, F::Nothing, 0, 0, {}, "", pollResume},
+    {"poll status", "", "Show the answers so far and whose are missing.",
+     "",
+     F::AnyPoll, F::Nothing, F::Nothing, 0, 0, {}, "", pollStatus},
+    {"summary", "", "Show a table of all polls so far.",
+     "",
+     F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", summary},
+};
+// clang-format on
+
+} // namespace
+
+QVector<Command> CommandTable::polls()
+{
+    return QVector<Command>(std::begin(rows), std::end(rows));
 }

@@ -56,6 +56,7 @@ void Lesson::adopt(PresenterCollab* collab)
     m_collab = collab;
     m_expectsClose = false;
     m_early.clear();
+    m_others.clear();
     m_roster.clear();
     connect(collab, &PresenterCollab::learnerJoin, this, &Lesson::join);
     connect(collab, &PresenterCollab::learnerUnregister, this, &Lesson::onLeave);
@@ -109,6 +110,7 @@ void Lesson::findEarlyLearners()
 void Lesson::forgetSession()
 {
     m_early.clear();
+    m_others.clear();
     m_roster.clear();
     m_isLocked = false;
     Q_EMIT changed();
@@ -202,16 +204,12 @@ void Lesson::showLock(const QString& id)
 void Lesson::tellJoin(const QString& deviceId)
 {
     m_mostLearners = qMax(m_mostLearners, m_roster.presentCount());
-    Q_EMIT happened(QStringLiteral("  + %1 has joined, %2 here")
-                        .arg(m_roster.name(deviceId), QString::number(m_roster.presentCount())),
-                    Ink::Faint);
+    Q_EMIT manyHappened(Joined, m_roster.name(deviceId));
 }
 
 void Lesson::tellLeave(const QString& deviceId)
 {
-    Q_EMIT happened(QStringLiteral("  - %1 has left, %2 here")
-                        .arg(m_roster.name(deviceId), QString::number(m_roster.presentCount())),
-                    Ink::Faint);
+    Q_EMIT manyHappened(Left, m_roster.name(deviceId));
 }
 
 void Lesson::join(const Learner& learner)
@@ -242,8 +240,7 @@ void Lesson::onAnswer(const QString& deviceId, const QString& answerId, const QS
         return;
     const PollBoard::Verdict verdict = m_board.addAnswer(deviceId, answerId, answer);
     if (verdict == PollBoard::TooLate)
-        Q_EMIT happened(QStringLiteral("  The answer of %1 came too late").arg(m_roster.name(deviceId)),
-                        Ink::Faint);
+        Q_EMIT manyHappened(AnsweredLate, m_roster.name(deviceId));
     else if (verdict == PollBoard::UnknownPoll)
         Q_EMIT happened(
             QStringLiteral("  An answer of %1 belongs to no poll of ours").arg(m_roster.name(deviceId)),
@@ -266,12 +263,40 @@ void Lesson::onRemoteControl(const RemoteControlMessage& message)
     if (const QString data = shown(message.data); !data.isEmpty())
         text += QLatin1Char(' ') + data;
     Q_EMIT happened(text, Ink::Strong);
-    // Every device of the session can send such a message.
-    if (m_roster.isPresent(message.from))
-        Q_EMIT happened(QStringLiteral("  Not done: it came from %1.").arg(m_roster.name(message.from)),
-                        Ink::Bad);
-    else
+    m_asked.enqueue(message);
+    if (m_asked.size() > 1) // the service is being asked who sent the first of them
+        return;
+    while (!m_asked.isEmpty()) {
+        obey(m_asked.head());
+        m_asked.dequeue();
+    }
+}
+
+// Every device of the session can send such a message.
+void Lesson::obey(const RemoteControlMessage& message)
+{
+    const QString learner = learnerBehind(message.from);
+    if (learner.isEmpty())
         m_remoteControl.obey(message);
+    else
+        Q_EMIT happened(QStringLiteral("  Not done: it came from %1.").arg(learner), Ink::Bad);
+}
+
+// The learner's name; empty when the device is nobody's. Who has not been heard yet is known to the service.
+QString Lesson::learnerBehind(const QString& deviceId)
+{
+    if (m_roster.isPresent(deviceId))
+        return m_roster.name(deviceId);
+    if (m_others.contains(deviceId))
+        return QString();
+    m_client.doGetLearners();
+    const QList<Learner> learners = m_client.learners();
+    for (const Learner& learner : learners) {
+        if (learner.deviceId == deviceId)
+            return learner.userName.isEmpty() ? QStringLiteral("a learner") : Text::clean(learner.userName);
+    }
+    m_others.insert(deviceId);
+    return QString();
 }
 
 void Lesson::onUnhandled(const QVariantMap& body, const QVariant& data)

@@ -12,6 +12,8 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QQueue>
+#include <QSet>
 #include <QTimer>
 #include <QVariant>
 
@@ -30,6 +32,8 @@ public:
         QString code;
         QString data; ///< as the service sent it
     };
+
+    enum Happening { Joined, Left, AnsweredLate };
 
     explicit Lesson(const QString& server);
 
@@ -94,6 +98,8 @@ public:
 Q_SIGNALS:
     /// Something that a wait or a chart depends on.
     void changed();
+    /// Something of which much may come at once: a Happening, and the learner's name.
+    void manyHappened(int happening, const QString& name);
     /// Something came from outside.
     void happened(const QString& text, Ink ink);
 
@@ -104,6 +110,8 @@ private:
     void onAnswer(const QString& deviceId, const QString& answerId, const QString& answer);
     void onController(bool isHere);
     void onRemoteControl(const Calyx::RemoteControlMessage& message);
+    void obey(const Calyx::RemoteControlMessage& message);
+    QString learnerBehind(const QString& deviceId);
     void onUnhandled(const QVariantMap& body, const QVariant& data);
     void onClosed(bool forInactivity);
     void showLock(const QString& id);
@@ -116,6 +124,8 @@ private:
     AssessmentDesk m_desk;
     QList<Calyx::Learner> m_early; // listed, not heard yet
     QTimer m_earlyTimer;
+    QQueue<Calyx::RemoteControlMessage> m_asked; // for by the remote control
+    QSet<QString> m_others;                      // devices that are no learner's
     PollBoard m_board;
     Deck m_deck;
     RemoteControl m_remoteControl;

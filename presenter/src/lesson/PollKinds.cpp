@@ -71,9 +71,33 @@ bool read(const QMap<Type, QString>& table, const QString& name, Type& type)
     return false;
 }
 
-bool isLetters(OrdinalType::ORDINAL_TYPE ordinal)
+// These label two answers, and all further ones alike.
+bool isYesNo(OrdinalType::ORDINAL_TYPE ordinal)
 {
-    return ordinal == OrdinalType::ALPHA_UPPER || ordinal == OrdinalType::ALPHA_LOWER;
+    return ordinal <= OrdinalType::YES_NO_OTHER;
+}
+
+// How many options can be told from each other.
+int labels(OrdinalType::ORDINAL_TYPE ordinal)
+{
+    constexpr int letters = 26;
+    constexpr int most = 100;
+    if (isYesNo(ordinal))
+        return 3;
+    return ordinal == OrdinalType::ALPHA_UPPER || ordinal == OrdinalType::ALPHA_LOWER ? letters : most;
+}
+
+// The library's texts are the wire's: "DONTKNOW" for the third of each such labelling.
+QString shownText(OrdinalType::ORDINAL_TYPE ordinal, int index)
+{
+    static const QMap<OrdinalType::ORDINAL_TYPE, const char*> thirds = {
+        {OrdinalType::YES_NO_MAYBE, "Maybe"},
+        {OrdinalType::YES_NO_UNSURE, "Unsure"},
+        {OrdinalType::YES_NO_OTHER, "Other"}};
+    const QString text = OrdinalType::optionText(ordinal, index);
+    if (index == 2 && !text.isEmpty())
+        return QLatin1String(thirds.value(ordinal, "Don't know"));
+    return text.left(1) + text.mid(1).toLower();
 }
 
 } // namespace
@@ -113,21 +137,29 @@ PollPlan PollKinds::usual(PollType::POLL_TYPE type)
     return kindOf(type).usual;
 }
 
+int PollKinds::usualOptions(const PollPlan& plan)
+{
+    const bool hasTwo = plan.ordinal == OrdinalType::TRUE_FALSE || plan.ordinal == OrdinalType::YES_NO;
+    if (kindOf(plan.type).meaning != OptionMeaning::Options || !isYesNo(plan.ordinal))
+        return plan.options;
+    return hasTwo ? 2 : 3;
+}
+
 QString PollKinds::fault(const PollPlan& plan)
 {
-    constexpr int letters = 26;
-    constexpr int mostOptions = 100;
     constexpr int mostDecimals = 10;
     const OptionMeaning meaning = kindOf(plan.type).meaning;
-    int most = isLetters(plan.ordinal) ? letters : mostOptions;
+    const int least = meaning == OptionMeaning::Options ? 1 : 0;
+    int most = labels(plan.ordinal);
     if (meaning == OptionMeaning::Decimals)
         most = mostDecimals;
     if (meaning == OptionMeaning::None && plan.options != 0)
         return QStringLiteral("A poll of type %1 has no options.").arg(typeName(plan.type));
-    if (plan.options < 0 || plan.options > most)
-        return QStringLiteral("%1 takes from 0 to %2, not %3.")
+    if (plan.options < least || plan.options > most)
+        return QStringLiteral("%1 takes from %2 to %3, not %4.")
             .arg(QLatin1String(meaning == OptionMeaning::Decimals ? "The number of decimals"
                                                                   : "The number of options"))
+            .arg(least)
             .arg(most)
             .arg(plan.options);
     if (plan.type != PollType::MULTIPLE)
@@ -149,7 +181,7 @@ QVector<AnswerOption> PollKinds::options(const PollPlan& plan)
     for (int i = 0; i < plan.options; ++i) {
         const QString label = OrdinalType::optionId(plan.ordinal, i);
         const QString id = isPicked ? QString::number(i) : label;
-        options.append({id, label, OrdinalType::optionText(plan.ordinal, i)});
+        options.append({id, label, OrdinalType::optionText(plan.ordinal, i), shownText(plan.ordinal, i)});
     }
     return options;
 }

@@ -36,6 +36,9 @@ bool readOrdinal(const QString& name, Calyx::OrdinalType::ORDINAL_TYPE& ordinal)
 /// A poll of this kind as a teacher most likely wants it.
 PollPlan usual(Calyx::PollType::POLL_TYPE type);
 
+/// The number of options that goes with the plan's type and labelling.
+int usualOptions(const PollPlan& plan);
+
 /// What is wrong with the numbers; empty when nothing is.
 QString fault(const PollPlan& plan);
 

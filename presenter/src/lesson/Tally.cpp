@@ -59,7 +59,7 @@ QVector<Bar> Tally::bars() const
     }
     QVector<Bar> bars;
     for (const AnswerOption& option : m_options)
-        bars.append({option.title(), counts.take(option.title())});
+        bars.append({option.title(), counts.take(option.title()), true});
     return bars + mostFrequentFirst(counts);
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "text/Bar.h"
+#include "text/Chart.h"
 
 #include <QHash>
 #include <QString>
@@ -12,9 +12,14 @@ struct AnswerOption
 {
     QString id;
     QString label;
-    QString text;
+    QString text; ///< by which answers may name it, too
+    QString shown = {};
 
-    QString title() const { return text.isEmpty() ? label : label + QLatin1Char(' ') + text; }
+    QString title() const
+    {
+        const QString said = shown.isEmpty() ? text : shown;
+        return said.isEmpty() ? label : label + QLatin1Char(' ') + said;
+    }
 };
 
 /// Counts the answers to one poll: one for each device, the last that it sent.

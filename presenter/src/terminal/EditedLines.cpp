@@ -1,6 +1,5 @@
 #include "terminal/EditedLines.h"
 
-#include "terminal/Screen.h"
 #include "text/Text.h"
 
 #include <QSocketNotifier>
@@ -10,9 +9,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
+#include <utility>
 
 #include <editline/readline.h>
 #include <poll.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace {
@@ -38,6 +39,20 @@ QString commonStart(const QStringList& candidates)
     return start;
 }
 
+// What is typed is neither shown nor edited, and stays with the terminal until it is read. A signal of the
+// keyboard does not throw it away.
+void setSilent()
+{
+    termios settings{};
+    if (tcgetattr(STDIN_FILENO, &settings) != 0)
+        return;
+    settings.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
+    settings.c_lflag |= ISIG | NOFLSH;
+    settings.c_cc[VMIN] = 1;
+    settings.c_cc[VTIME] = 0;
+    tcsetattr(STDIN_FILENO, TCSADRAIN, &settings);
+}
+
 // One byte of standard input; -1 when none comes in time, -2 when none will come any more.
 int readByte()
 {
@@ -56,9 +71,13 @@ int readByte()
 
 } // namespace
 
-EditedLines::EditedLines(const QString& prompt, Screen& screen, Complete completer)
-    : m_prompt(prompt), m_screen(screen), m_completer(std::move(completer))
+EditedLines::EditedLines(const QString& prompt, Screen& screen, Complete completer, IsSecret isSecret)
+    : m_prompt(prompt), m_screen(screen), m_completer(std::move(completer)), m_isSecret(std::move(isSecret))
 {
+    constexpr int unnoticed = 150; // ms
+    m_hideSoon.setSingleShot(true);
+    m_hideSoon.setInterval(unnoticed);
+    connect(&m_hideSoon, &QTimer::timeout, this, &EditedLines::hidePrompt);
     active = this;
 }
 
@@ -71,6 +90,7 @@ EditedLines::~EditedLines()
 void EditedLines::start()
 {
     static char name[] = "calyx-presenter";
+    tcgetattr(STDIN_FILENO, &m_before);
     rl_readline_name = name;
     rl_catch_signals = 0;
     rl_getc_function = &EditedLines::readCharacter;
@@ -89,17 +109,125 @@ void EditedLines::stop()
 {
     if (!m_active)
         return;
+    removePrompt();
     m_active = false;
+    tcsetattr(STDIN_FILENO, TCSADRAIN, &m_before);
+}
+
+void EditedLines::setBusy(bool isBusy)
+{
+    if (isBusy && m_active) {
+        m_hideSoon.start();
+        return;
+    }
+    m_hideSoon.stop();
+    showPrompt();
+}
+
+void EditedLines::hidePrompt()
+{
+    if (removePrompt())
+        Q_EMIT promptShown(false);
+}
+
+bool EditedLines::removePrompt()
+{
+    m_hideSoon.stop();
+    if (m_isHidden || !m_active)
+        return false;
+    m_isHidden = true;
     m_notifier->setEnabled(false);
+    m_kept = typed(rl_end);
     m_screen.hideBlock();
     m_screen.setPrompt(nullptr);
     rl_callback_handler_remove();
+    setSilent();
     m_screen.showBlock();
+    return true;
 }
 
-// Draws the prompt, too.
+// What has been typed meanwhile is read now, by the editor.
+void EditedLines::showPrompt()
+{
+    if (!m_isHidden || !m_active)
+        return;
+    m_isHidden = false;
+    Q_EMIT promptShown(true);
+    m_screen.setPrompt(this);
+    install();
+    if (!m_kept.isEmpty()) {
+        m_screen.hideBlock();
+        rl_insert_text(std::exchange(m_kept, QString()).toLocal8Bit().constData());
+        m_screen.showBlock();
+    }
+    m_notifier->setEnabled(true);
+}
+
+QStringList EditedLines::takeTyped()
+{
+    QByteArray bytes;
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    char byte = 0;
+    while (m_isHidden && poll(&input, 1, 0) > 0 && ::read(STDIN_FILENO, &byte, 1) == 1)
+        bytes.append(byte == '\r' ? '\n' : byte);
+    const QString kept = std::exchange(m_kept, QString());
+    return (kept + QString::fromLocal8Bit(bytes)).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+bool EditedLines::clearLine()
+{
+    if (m_isHidden || !m_active || rl_end == 0)
+        return false;
+    const QString line = typed(rl_end);
+    m_screen.enterLine(m_prompt + line + QStringLiteral("^C"), rowsOf(line));
+    rl_callback_handler_remove();
+    install();
+    return true;
+}
+
+void EditedLines::startHidden()
+{
+    hidePrompt();
+    m_isHiddenDone = false;
+    m_hidden.clear();
+    m_secretNotifier = std::make_unique<QSocketNotifier>(STDIN_FILENO, QSocketNotifier::Read);
+    connect(m_secretNotifier.get(), &QSocketNotifier::activated, this, &EditedLines::readHidden);
+}
+
+QString EditedLines::takeHidden()
+{
+    m_secretNotifier.reset();
+    m_isHiddenDone = true;
+    return QString::fromLocal8Bit(std::exchange(m_hidden, QByteArray()));
+}
+
+void EditedLines::readHidden()
+{
+    constexpr char erase = 0x7F;
+    char byte = '\n';
+    const ssize_t count = ::read(STDIN_FILENO, &byte, 1); // an end of input ends the line, too
+    if (count < 0 && (errno == EINTR || errno == EAGAIN))
+        return;
+    if (byte == erase || byte == '\b')
+        m_hidden = QString::fromLocal8Bit(m_hidden).chopped(m_hidden.isEmpty() ? 0 : 1).toLocal8Bit();
+    else if (byte != '\n' && byte != '\r')
+        m_hidden.append(byte);
+    else
+        endHidden();
+}
+
+void EditedLines::endHidden()
+{
+    m_secretNotifier->setEnabled(false);
+    m_isHiddenDone = true;
+    Q_EMIT hiddenRead();
+}
+
+// Draws the prompt, too. The library tells of the line before until a key is pressed.
 void EditedLines::install()
 {
+    rl_point = 0;
+    rl_end = 0;
     rl_callback_handler_install(m_prompt.toLocal8Bit().constData(), &EditedLines::onLine);
 }
 
@@ -144,12 +272,16 @@ void EditedLines::onLine(char* line)
 
 void EditedLines::take(const QString& line)
 {
-    if (!line.trimmed().isEmpty())
+    if (!line.trimmed().isEmpty() && !m_isSecret(line))
         add_history(line.toLocal8Bit().constData());
-    const int rows = Text::width(m_prompt + line) / m_screen.style().columns + 1;
-    m_screen.enterLine(m_prompt + line, rows);
+    m_screen.enterLine(m_prompt + line, rowsOf(line));
     install();
     Q_EMIT lineRead(line);
+}
+
+int EditedLines::rowsOf(const QString& line) const
+{
+    return Text::width(m_prompt + line) / m_screen.style().columns + 1;
 }
 
 void EditedLines::end()
@@ -183,7 +315,7 @@ int EditedLines::onTab(int, int)
 void EditedLines::complete()
 {
     const QString line = typed(rl_point);
-    const Completer::Completion completion = m_completer(line);
+    const Completion completion = m_completer(line);
     if (completion.candidates.isEmpty())
         return;
     const QString piece = line.mid(completion.start);

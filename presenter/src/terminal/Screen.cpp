@@ -1,6 +1,5 @@
 #include "terminal/Screen.h"
 
-#include "terminal/Prompt.h"
 #include "text/Text.h"
 
 #include <QThread>
@@ -79,12 +78,23 @@ void Screen::readSize()
 void Screen::note(const QString& text, Ink ink)
 {
     if (!m_quiet)
-        update(lineOf(m_style.paint(ink, text)));
+        update(lineOf(m_style.paint(ink, wrapped(text))));
+}
+
+// Between words, at a terminal; below where it begins.
+QString Screen::wrapped(const QString& text) const
+{
+    if (isatty(STDOUT_FILENO) != 1 || Text::width(text) < m_style.columns)
+        return text;
+    int indent = 0;
+    while (indent < text.size() && text.at(indent) == QLatin1Char(' '))
+        ++indent;
+    return Text::wrap(text.mid(indent), m_style.columns - 1, indent, indent).join(QLatin1Char('\n'));
 }
 
 void Screen::print(const QString& text)
 {
-    update(lineOf(text));
+    update(lineOf(wrapped(text)));
 }
 
 void Screen::print(const QStringList& lines)
@@ -94,7 +104,8 @@ void Screen::print(const QStringList& lines)
 
 void Screen::error(const QString& text)
 {
-    writeError(isatty(STDERR_FILENO) == 1 ? m_style.paint(Ink::Bad, text) : text);
+    const bool isSeen = isatty(STDERR_FILENO) == 1;
+    writeError(isSeen ? m_style.paint(Ink::Bad, wrapped(text)) : text);
 }
 
 void Screen::diagnostic(const QString& text)

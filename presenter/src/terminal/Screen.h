@@ -8,7 +8,18 @@
 
 #include <cstdio>
 
-class Prompt;
+/// The line at the bottom of the terminal in which a command is being typed.
+class Prompt
+{
+public:
+    virtual ~Prompt() = default;
+    /// Rows of the prompt and its text that stand above the cursor's, on a terminal of that many columns.
+    virtual int rowsAboveCursor(int columns) const = 0;
+    /// Draws the prompt and its text where the terminal's cursor is.
+    virtual void redraw() = 0;
+    /// The terminal has another size now.
+    virtual void resize() = 0;
+};
 
 /// Where everything is printed. On a terminal the last lines stay in place while text appears above them: a
 /// live block (the chart of the running poll), then the prompt.
@@ -51,6 +62,7 @@ public:
 
 private:
     void readSize();
+    QString wrapped(const QString& text) const;
     QString eraser(int rowsOfPrompt) const;
     QString block() const;
     void update(const QString& text);

@@ -3,6 +3,7 @@
 #include "text/Text.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace {
 
@@ -74,6 +75,41 @@ QString head(const ChartData& data, const Style& style)
            style.paint(ink, state);
 }
 
+// The bars that are drawn, in their order: the smallest give way first, of equal ones the last.
+QVector<int> chosen(const QVector<Bar>& bars, int room)
+{
+    QVector<int> all(bars.size());
+    std::iota(all.begin(), all.end(), 0);
+    std::stable_sort(all.begin(), all.end(),
+                     [&](int a, int b) { return bars.at(a).count > bars.at(b).count; });
+    QVector<int> kept = all.mid(0, room);
+    std::sort(kept.begin(), kept.end());
+    return kept;
+}
+
+// About the bars that are not drawn.
+QString restLine(const QVector<Bar>& hidden, const Style& style)
+{
+    QStringList voted;
+    int options = 0;
+    int answers = 0;
+    for (const Bar& bar : hidden) {
+        if (bar.isOption && bar.count > 0)
+            voted.append(QStringLiteral("%1 %2").arg(bar.label).arg(bar.count));
+        else
+            ++(bar.isOption ? options : answers);
+    }
+    QStringList parts = voted;
+    if (options > 0)
+        parts.append(QStringLiteral("%1 more %2")
+                         .arg(options)
+                         .arg(QLatin1String(options == 1 ? "option" : "options")));
+    if (answers > 0)
+        parts.append(QStringLiteral("%1 more").arg(Text::count(answers, "different answer")));
+    return Text::elide(indent + QStringLiteral("and ") + parts.join(QStringLiteral(", ")), style.columns - 1,
+                       style.unicode);
+}
+
 } // namespace
 
 QStringList Chart::lines(const ChartData& data, const Style& style, int mostLines)
@@ -81,18 +117,24 @@ QStringList Chart::lines(const ChartData& data, const Style& style, int mostLine
     QStringList lines = {head(data, style)};
     if (data.bars.isEmpty() && mostLines > 1)
         lines.append(indent + style.paint(Ink::Faint, QStringLiteral("No answers yet.")));
-    int shown = qMin(data.bars.size(), mostLines - 1);
-    if (shown < data.bars.size())
-        shown = qMax(shown - 1, 0); // the last line tells of the others
-    const QVector<Bar> bars = data.bars.mid(0, shown);
+    const bool isWhole = data.bars.size() < mostLines;
+    const QVector<int> shown = chosen(data.bars, isWhole ? mostLines : qMax(mostLines - 2, 0));
+    QVector<Bar> bars;
+    QVector<Bar> hidden = data.bars;
+    for (int i = shown.size() - 1; i >= 0; --i)
+        bars.prepend(hidden.takeAt(shown.at(i)));
     const Measures measures = measure(bars, style);
     const int whole = data.whole < 0 ? data.answered : data.whole;
-    for (const Bar& bar : bars)
+    for (const Bar& bar : qAsConst(bars))
         lines.append(barLine(bar, whole, measures, style));
-    const int hidden = data.bars.size() - shown;
-    if (hidden > 0 && mostLines > 1)
-        lines.append(indent +
-                     style.paint(Ink::Faint,
-                                 QStringLiteral("and %1 more").arg(Text::count(hidden, "different answer"))));
+    if (!hidden.isEmpty() && mostLines > 1)
+        lines.append(style.paint(Ink::Faint, restLine(hidden, style)));
     return lines;
+}
+
+QStringList Chart::all(const ChartData& data, const Style& style)
+{
+    const auto voted = std::count_if(data.bars.begin(), data.bars.end(),
+                                     [](const Bar& bar) { return bar.isOption && bar.count > 0; });
+    return lines(data, style, qMax(style.rows - 1, static_cast<int>(voted) + 2));
 }

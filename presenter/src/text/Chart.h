@@ -1,11 +1,18 @@
 #pragma once
 
-#include "text/Bar.h"
 #include "text/Style.h"
 
 #include <QString>
 #include <QStringList>
 #include <QVector>
+
+/// One bar of a chart.
+struct Bar
+{
+    QString label;
+    int count;
+    bool isOption = false; ///< of the poll; else an answer in somebody's own words
+};
 
 /// What a chart shows.
 struct ChartData
@@ -25,8 +32,11 @@ struct ChartData
 /// A horizontal bar chart as text.
 namespace Chart {
 
-/// At most \p mostLines lines, none wider than the style's columns less one; bars that find no place are
-/// counted in the last line. The longest bar fills the width.
+/// At most \p mostLines lines, none wider than the style's columns less one. The longest bar fills the width.
+/// Bars that find no place are counted in the last line, those of options that somebody chose named there:
+/// the smallest give way first.
 QStringList lines(const ChartData& data, const Style& style, int mostLines);
+/// As many lines as the window has, and more where options that somebody chose need them.
+QStringList all(const ChartData& data, const Style& style);
 
 } // namespace Chart

@@ -100,6 +100,41 @@ QString Text::list(const QStringList& items, int most)
     return rest > 0 ? QStringLiteral("%1 and %2 more").arg(shown, QString::number(rest)) : shown;
 }
 
+QStringList Text::wrap(const QString& text, int columns, int first, int next)
+{
+    QStringList lines;
+    QString line = fill(first);
+    bool isEmpty = true;
+    // Blanks within a line stay, so that columns line up.
+    const QStringList words = text.split(QLatin1Char(' '));
+    for (const QString& word : words) {
+        if (!isEmpty && width(line) + 1 + width(word) > columns) {
+            lines.append(line);
+            line = fill(next);
+            isEmpty = true;
+        }
+        line += isEmpty ? word : QLatin1Char(' ') + word;
+        isEmpty = false;
+    }
+    return lines << line;
+}
+
+QString Text::code(const QString& code)
+{
+    constexpr int group = 3;
+    QString grouped;
+    for (int at = 0; at < code.size(); ++at)
+        grouped += (at > 0 && at % group == 0 ? QStringLiteral(" ") : QString()) + code.at(at);
+    return grouped;
+}
+
+QString Text::seconds(qint64 msecs)
+{
+    constexpr double second = 1000;
+    const QString number = QString::number(static_cast<double>(msecs) / second);
+    return number + QLatin1String(number == QLatin1String("1") ? " second" : " seconds");
+}
+
 QString Text::duration(int seconds)
 {
     return QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));

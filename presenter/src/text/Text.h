@@ -27,6 +27,16 @@ QString count(int number, const char* thing);
 /// The items as one enumeration; those beyond \p most are only counted.
 QString list(const QStringList& items, int most);
 
+/// Lines of at most \p columns, broken between words where that is possible: the first begins behind \p first
+/// blanks, the others behind \p next.
+QStringList wrap(const QString& text, int columns, int first, int next);
+
+/// A session's code in groups that are easily read out, "559 335".
+QString code(const QString& code);
+
+/// "1 second", "0.5 seconds".
+QString seconds(qint64 msecs);
+
 /// Minutes and seconds, "1:05".
 QString duration(int seconds);
 

@@ -52,7 +52,8 @@ async function teach(presenter, transport, lesson, meanwhile = async () => {}) {
   const host = new Program(presenter,
     ['--server', tap.url, '--user', 'teacher', '--password', 'chalk', '--transports', transport]);
   host.child.stdin.write(lesson);
-  const [, code] = await host.says(/^Session (\d+) is live/m);
+  const [, shown] = await host.says(/^Session ([\d ]+) is live/m);
+  const code = shown.replaceAll(' ', '');
   // A host that fails ends before what it was to do has passed.
   await Promise.race([meanwhile(tap, url, code, host), host.ended]);
   host.child.stdin.end(END);

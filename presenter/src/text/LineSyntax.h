@@ -6,7 +6,7 @@
 /// A line of command language taken apart: words divided by blanks, "..." around what holds blanks (also
 /// within a word, as in title="A B"), '...' around a whole word, and a backslash before a character that is
 /// meant as it stands (not within '...'). An apostrophe within a word is one.
-namespace Words {
+namespace LineSyntax {
 
 struct Split
 {
@@ -31,4 +31,4 @@ QString quoted(const QString& word);
 /// Nothing but blanks, or a comment: "#" and what follows.
 bool isBlank(const QString& line);
 
-} // namespace Words
+} // namespace LineSyntax

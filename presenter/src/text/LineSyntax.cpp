@@ -1,4 +1,4 @@
-#include "text/Words.h"
+#include "text/LineSyntax.h"
 
 #include <algorithm>
 
@@ -11,7 +11,7 @@ class Splitter
 public:
     explicit Splitter(const QString& line) : m_line(line) {}
 
-    Words::Split run()
+    LineSyntax::Split run()
     {
         for (m_at = 0; m_at < m_line.size(); ++m_at)
             take(m_line.at(m_at));
@@ -66,7 +66,7 @@ private:
     }
 
     const QString& m_line;
-    Words::Split m_result;
+    LineSyntax::Split m_result;
     QString m_word;
     QChar m_quote;
     int m_at = 0;
@@ -76,12 +76,12 @@ private:
 
 } // namespace
 
-Words::Split Words::split(const QString& line)
+LineSyntax::Split LineSyntax::split(const QString& line)
 {
     return Splitter(line).run();
 }
 
-QString Words::textAfter(const QString& line, int count)
+QString LineSyntax::textAfter(const QString& line, int count)
 {
     int at = 0;
     const auto skip = [&](bool blanks) {
@@ -98,7 +98,7 @@ QString Words::textAfter(const QString& line, int count)
     return isQuoted ? text.mid(1, text.size() - 2) : text;
 }
 
-QString Words::quoted(const QString& word)
+QString LineSyntax::quoted(const QString& word)
 {
     const auto isPlain = [](QChar character) {
         return !character.isSpace() && character != QLatin1Char('"') && character != QLatin1Char('\'') &&
@@ -111,7 +111,7 @@ QString Words::quoted(const QString& word)
     return QLatin1Char('"') + escaped + QLatin1Char('"');
 }
 
-bool Words::isBlank(const QString& line)
+bool LineSyntax::isBlank(const QString& line)
 {
     const QString text = line.trimmed();
     return text.isEmpty() || text.startsWith(QLatin1Char('#'));

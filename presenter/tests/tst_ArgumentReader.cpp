@@ -1,10 +1,10 @@
-#include "commands/PollArguments.h"
+#include "commands/ArgumentReader.h"
 
 #include <QTest>
 
 using namespace Calyx;
 
-class tst_PollArguments : public QObject
+class tst_ArgumentReader : public QObject
 {
     Q_OBJECT
 
@@ -22,7 +22,10 @@ private Q_SLOTS:
                                  << QStringList{};
         QTest::newRow("options") << "multiple 6" << alphaUpper << 6 << 1 << QStringList{};
         QTest::newRow("extra") << "multiple alpha-upper 6 3" << alphaUpper << 6 << 3 << QStringList{};
-        QTest::newRow("no options") << "multiple alpha-upper 0" << alphaUpper << 0 << 0 << QStringList{};
+        QTest::newRow("labels decide")
+            << "multiple yes-no-maybe" << int(OrdinalType::YES_NO_MAYBE) << 3 << 1 << QStringList{};
+        QTest::newRow("two labels") << "scale true-false" << int(OrdinalType::TRUE_FALSE) << 2 << 0
+                                    << QStringList{};
         QTest::newRow("picture") << "multiple picture a.png" << alphaUpper << 4 << 1
                                  << QStringList({"picture", "a.png"});
         QTest::newRow("picture behind all")
@@ -37,7 +40,7 @@ private Q_SLOTS:
         QFETCH(QString, words);
         Arguments arguments = words.split(QLatin1Char(' '));
         PollPlan plan;
-        const Outcome outcome = PollArguments::take(arguments, plan);
+        const Outcome outcome = ArgumentReader::takePoll(arguments, plan);
         QVERIFY2(outcome.isDone(), qPrintable(outcome.message));
         QTEST(int(plan.ordinal), "ordinal");
         QTEST(plan.options, "options");
@@ -54,7 +57,11 @@ private Q_SLOTS:
         QTest::newRow("ordinal") << "multiple alhpa-upper"
                                  << "Did you mean alpha-upper?";
         QTest::newRow("too many") << "multiple alpha-upper 27"
-                                  << "from 0 to 26, not 27";
+                                  << "from 1 to 26, not 27";
+        QTest::newRow("none") << "multiple alpha-upper 0"
+                              << "from 1 to 26, not 0";
+        QTest::newRow("more than labels") << "multiple yes-no-maybe 4"
+                                          << "from 1 to 3, not 4";
         QTest::newRow("correct") << "multiple alpha-upper 3 4"
                                  << "from 0 to 3, not 4";
         QTest::newRow("options of a text") << "text generic 3"
@@ -69,11 +76,11 @@ private Q_SLOTS:
         QFETCH(QString, part);
         Arguments arguments = words.split(QLatin1Char(' '));
         PollPlan plan;
-        const Outcome outcome = PollArguments::take(arguments, plan);
+        const Outcome outcome = ArgumentReader::takePoll(arguments, plan);
         QVERIFY(!outcome.isDone());
         QVERIFY2(outcome.message.contains(part), qPrintable(outcome.message));
     }
 };
 
-QTEST_APPLESS_MAIN(tst_PollArguments)
-#include "tst_PollArguments.moc"
+QTEST_APPLESS_MAIN(tst_ArgumentReader)
+#include "tst_ArgumentReader.moc"

@@ -1,8 +1,8 @@
-#include "text/Words.h"
+#include "text/LineSyntax.h"
 
 #include <QTest>
 
-class tst_Words : public QObject
+class tst_LineSyntax : public QObject
 {
     Q_OBJECT
 
@@ -27,15 +27,15 @@ private Q_SLOTS:
     void wordsAreDividedByBlanks()
     {
         QFETCH(QString, line);
-        const Words::Split split = Words::split(line);
+        const LineSyntax::Split split = LineSyntax::split(line);
         QTEST(split.words, "words");
         QVERIFY(split.error.isEmpty());
     }
 
     void anOpenQuotationIsAFault()
     {
-        QVERIFY(!Words::split(QStringLiteral("say \"a")).error.isEmpty());
-        QVERIFY(!Words::split(QStringLiteral("say 'a")).error.isEmpty());
+        QVERIFY(!LineSyntax::split(QStringLiteral("say \"a")).error.isEmpty());
+        QVERIFY(!LineSyntax::split(QStringLiteral("say 'a")).error.isEmpty());
     }
 
     void theWordAtTheEndIsKnown_data()
@@ -53,7 +53,7 @@ private Q_SLOTS:
     void theWordAtTheEndIsKnown()
     {
         QFETCH(QString, line);
-        const Words::Split split = Words::split(line);
+        const LineSyntax::Split split = LineSyntax::split(line);
         QTEST(split.endsInWord, "endsInWord");
         QTEST(split.lastStart, "lastStart");
     }
@@ -74,7 +74,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, line);
         QFETCH(int, count);
-        QTEST(Words::textAfter(line, count), "text");
+        QTEST(LineSyntax::textAfter(line, count), "text");
     }
 
     void quotedWordsComeBack_data()
@@ -87,16 +87,16 @@ private Q_SLOTS:
     void quotedWordsComeBack()
     {
         QFETCH(QString, word);
-        QCOMPARE(Words::split(Words::quoted(word)).words, QStringList{word});
+        QCOMPARE(LineSyntax::split(LineSyntax::quoted(word)).words, QStringList{word});
     }
 
     void commentsAreBlank()
     {
-        QVERIFY(Words::isBlank(QStringLiteral("  # say no")));
-        QVERIFY(Words::isBlank(QString()));
-        QVERIFY(!Words::isBlank(QStringLiteral("say #1")));
+        QVERIFY(LineSyntax::isBlank(QStringLiteral("  # say no")));
+        QVERIFY(LineSyntax::isBlank(QString()));
+        QVERIFY(!LineSyntax::isBlank(QStringLiteral("say #1")));
     }
 };
 
-QTEST_APPLESS_MAIN(tst_Words)
-#include "tst_Words.moc"
+QTEST_APPLESS_MAIN(tst_LineSyntax)
+#include "tst_LineSyntax.moc"

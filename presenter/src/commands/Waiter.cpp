@@ -1,11 +1,12 @@
-#include "app/Waiter.h"
+#include "commands/Waiter.h"
 
 #include <QEventLoop>
 #include <QTimer>
 
 #include <limits>
 
-Waiter::Result Waiter::until(const std::function<bool()>& condition, qint64 msecs)
+Waiter::Result Waiter::until(const std::function<bool()>& condition, qint64 msecs,
+                             const Description& description)
 {
     if (condition())
         return Met;
@@ -15,16 +16,18 @@ Waiter::Result Waiter::until(const std::function<bool()>& condition, qint64 msec
     QTimer::singleShot(static_cast<int>(qMin<qint64>(msecs, std::numeric_limits<int>::max())),
                        Qt::PreciseTimer, &loop, [&loop] { loop.exit(TimedOut); });
     m_condition = condition;
+    m_description = description;
     m_loop = &loop;
     const auto result = static_cast<Result>(loop.exec());
     m_loop = nullptr;
     m_condition = nullptr;
+    m_description = nullptr;
     return result;
 }
 
-bool Waiter::pause(int msecs)
+bool Waiter::pause(int msecs, const Description& description)
 {
-    return until([] { return false; }, msecs) == TimedOut;
+    return until([] { return false; }, msecs, description) == TimedOut;
 }
 
 void Waiter::poke()

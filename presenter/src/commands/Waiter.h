@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 
 #include <functional>
 
@@ -14,12 +15,17 @@ class Waiter : public QObject
 public:
     enum Result { Met, TimedOut, Interrupted };
 
-    /// Waits until \p condition, asked now and after each poke(), is true, for \p msecs at most.
-    Result until(const std::function<bool()>& condition, qint64 msecs);
+    using Description = std::function<QString()>;
+
+    /// Waits until \p condition, asked now and after each poke(), is true, for \p msecs at most. \p
+    /// description says what is waited for.
+    Result until(const std::function<bool()>& condition, qint64 msecs, const Description& description = {});
     /// Waits for \p msecs. False when it was interrupted.
-    bool pause(int msecs);
+    bool pause(int msecs, const Description& description = {});
 
     bool isWaiting() const { return m_loop; }
+    /// What is waited for; empty while nothing is, or where it was not said.
+    QString description() const { return m_description ? m_description() : QString(); }
     /// Something has changed that a condition may depend on.
     void poke();
     /// Ends the wait under way, if any.
@@ -30,5 +36,6 @@ public:
 private:
     QEventLoop* m_loop = nullptr;
     std::function<bool()> m_condition;
+    Description m_description;
     bool m_down = false;
 };
