@@ -200,6 +200,14 @@ public:
     void setSockJSOverrideProtocols(QStringList protocols);
     /// SockJSConnector::setOpenLimit() for the channels to come: \p msecs milliseconds, 0 for no limit.
     void setOpenLimit(int msecs);
+    ///@{
+    /// The operations of SockJSConnector of these names, for the channels to come: what notices a far end
+    /// that has gone without a word (milliseconds, 0 for not at all), and session ids that nobody can guess.
+    void setSilenceLimit(int msecs);
+    void setPingInterval(int msecs);
+    void setPongLimit(int msecs);
+    void setRandomSessionIds(bool random);
+    ///@}
 
     // Upload.
 

@@ -48,6 +48,26 @@ void PresenterClient::setOpenLimit(int msecs)
     d->openLimit = msecs;
 }
 
+void PresenterClient::setSilenceLimit(int msecs)
+{
+    d->silenceLimit = msecs;
+}
+
+void PresenterClient::setPingInterval(int msecs)
+{
+    d->pingInterval = msecs;
+}
+
+void PresenterClient::setPongLimit(int msecs)
+{
+    d->pongLimit = msecs;
+}
+
+void PresenterClient::setRandomSessionIds(bool random)
+{
+    d->randomSessionIds = random;
+}
+
 bool PresenterClient::startWebsocket(PresenterCollab** collab)
 {
     const QString nothing = QStringLiteral("{}");
@@ -86,7 +106,13 @@ bool PresenterClient::Private::openCollab(PresenterCollab** opened)
     const QPointer<PresenterCollab> created =
         new PresenterCollab(q, collabServerUrl, sessionCode, sessionToken, userToken);
     collab = created;
-    created->connector()->setOpenLimit(openLimit);
+    SockJSConnector* connector = created->connector();
+    connector->setOpenLimit(openLimit);
+    connector->setSilenceLimit(silenceLimit);
+    connector->setPingInterval(pingInterval);
+    if (pongLimit > 0)
+        connector->setPongLimit(pongLimit);
+    connector->setRandomSessionIds(randomSessionIds);
     created->open(sockJSProtocols);
     if (!created) // deleted, or we were and it with us, while it was opening
         return false;

@@ -73,6 +73,10 @@ public:
     QString authUser;
     QString authPassword;
     int openLimit = 0;
+    int silenceLimit = 0;
+    int pingInterval = 0;
+    int pongLimit = 0; // the connector's own
+    bool randomSessionIds = false;
 
 private:
     static void abortAtTheLimit(const QPointer<PresenterClient>& client, QNetworkReply* reply);

@@ -13,6 +13,7 @@
 #include <QJsonDocument>
 #include <QMutex>
 #include <QPointer>
+#include <QRandomGenerator>
 #include <QTimer>
 
 namespace {
@@ -43,6 +44,16 @@ QString freshSessionId(const QString& server, const QString& last)
         id = text.mid(begin, sessionIdLength);
         begin += sessionIdLength;
     } while (id == last);
+    return id;
+}
+
+QString randomSessionId()
+{
+    static const QString alphabet =
+        QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789");
+    QString id;
+    while (id.size() < sessionIdLength)
+        id += alphabet.at(QRandomGenerator::system()->bounded(alphabet.size()));
     return id;
 }
 
@@ -82,6 +93,8 @@ public:
     void use(SockJSTransport* started);
     void startOpenLimit();
     void onOpenLimit();
+    void startSilenceLimit();
+    void hear();
 
     void receive(const QString& frame);
     void deliver();
@@ -114,12 +127,19 @@ public:
     QTimer* inactivityTimer = nullptr;
     int openLimit = 0;
     QTimer openLimitTimer;
+    int silenceLimit = 0;
+    QTimer silence; // since something has come in
+    int pingInterval = 0;
+    int pongLimit = 10000;
+    bool randomIds = false;
 };
 
 SockJSConnectorPrivate::SockJSConnectorPrivate(SockJSConnector* connector) : q(connector)
 {
     openLimitTimer.setSingleShot(true);
     connect(&openLimitTimer, &QTimer::timeout, this, &SockJSConnectorPrivate::onOpenLimit);
+    silence.setSingleShot(true);
+    connect(&silence, &QTimer::timeout, this, &SockJSConnectorPrivate::end);
 }
 
 SockJSConnectorPrivate::~SockJSConnectorPrivate()
@@ -210,7 +230,8 @@ void SockJSConnectorPrivate::readUrl(const QUrl& url)
 
 void SockJSConnectorPrivate::makeSessionId()
 {
-    sessionId = freshSessionId(host + QLatin1Char(':') + QString::number(port) + path, sessionId);
+    sessionId = randomIds ? randomSessionId()
+                          : freshSessionId(host + QLatin1Char(':') + QString::number(port) + path, sessionId);
 }
 
 QString SockJSConnectorPrivate::basePath() const
@@ -264,8 +285,11 @@ bool SockJSConnectorPrivate::openWebSocket()
 
     const QPointer<Attempt> mine(attempt.get());
     const QPointer<WebSocketTransport> socket(new WebSocketTransport(q));
+    socket->setPings(pingInterval, pongLimit);
+    connect(socket, &WebSocketTransport::ponged, this, &SockJSConnectorPrivate::hear);
     use(socket);
     if (socket->start(url, proxy)) {
+        startSilenceLimit();
         qCDebug(diagnostics) << "[SockJSConnector] CONNECTED via Websocket";
         return true;
     }
@@ -285,6 +309,7 @@ bool SockJSConnectorPrivate::openXHRPolling(bool streaming)
         xhr->setConnectLimit(qMin(openLimit, SockJSXHRPollingWorker::ConnectLimit));
     use(xhr);
     if (xhr->start(host, port, secure, basePath(), streaming)) {
+        startSilenceLimit();
         qCDebug(diagnostics).noquote() << "[SockJSConnector] CONNECTED via xhr_" +
                                               QString(QLatin1String(streaming ? "streaming" : "polling"));
         return true;
@@ -322,6 +347,18 @@ void SockJSConnectorPrivate::onOpenLimit()
         tryRemainingProtocols();
 }
 
+void SockJSConnectorPrivate::startSilenceLimit()
+{
+    if (silenceLimit > 0)
+        silence.start(silenceLimit);
+}
+
+void SockJSConnectorPrivate::hear()
+{
+    if (silence.isActive())
+        silence.start();
+}
+
 bool SockJSConnector::isConnected() const
 {
     return d->sessionOpen;
@@ -347,6 +384,46 @@ int SockJSConnector::openLimit() const
     return d->openLimit;
 }
 
+void SockJSConnector::setSilenceLimit(int msecs)
+{
+    d->silenceLimit = msecs;
+}
+
+int SockJSConnector::silenceLimit() const
+{
+    return d->silenceLimit;
+}
+
+void SockJSConnector::setPingInterval(int msecs)
+{
+    d->pingInterval = msecs;
+}
+
+int SockJSConnector::pingInterval() const
+{
+    return d->pingInterval;
+}
+
+void SockJSConnector::setPongLimit(int msecs)
+{
+    d->pongLimit = msecs;
+}
+
+int SockJSConnector::pongLimit() const
+{
+    return d->pongLimit;
+}
+
+void SockJSConnector::setRandomSessionIds(bool random)
+{
+    d->randomIds = random;
+}
+
+bool SockJSConnector::randomSessionIds() const
+{
+    return d->randomIds;
+}
+
 void SockJSConnector::openstate1() {}
 
 void SockJSConnector::openstate2() {}
@@ -365,6 +442,7 @@ void SockJSConnector::onTextMessageReceived(QString message)
 
 void SockJSConnectorPrivate::receive(const QString& frame)
 {
+    hear();
     if (frame == QLatin1String("o") && !sessionOpen) {
         openLimitTimer.stop();
         sessionOpen = true;
@@ -493,6 +571,7 @@ bool SockJSConnectorPrivate::fallBack()
 void SockJSConnectorPrivate::dropTransport()
 {
     openLimitTimer.stop();
+    silence.stop();
     SockJSTransport* dropped = transport;
     transport = nullptr;
     if (!dropped)

@@ -81,6 +81,33 @@ public:
     /// What setOpenLimit() has set, in milliseconds.
     int openLimit() const;
 
+    /// Milliseconds without anything from the far end, heartbeats included, after which a transport that is
+    /// up counts as ended by the far end. A frame counts when it is complete. Has to be longer than the time
+    /// between two heartbeats of the server (25 seconds are usual). 0, the default, sets no limit. Counts
+    /// from the next open().
+    void setSilenceLimit(int msecs);
+    /// What setSilenceLimit() has set, in milliseconds.
+    int silenceLimit() const;
+
+    ///@{
+    /// Milliseconds from one ping to the next on a WebSocket; 0, the default, sends none. Once the far end
+    /// has answered one, it counts as gone when nothing has come from it for the pong limit (10 seconds
+    /// unless set) after a ping. Counts from the next open(); has no effect on the XHR transports.
+    void setPingInterval(int msecs);
+    void setPongLimit(int msecs);
+    ///@}
+    ///@{
+    /// What setPingInterval() and setPongLimit() have set, in milliseconds.
+    int pingInterval() const;
+    int pongLimit() const;
+    ///@}
+
+    /// Takes session ids from the system's random generator. The usual ones follow from the second in which
+    /// they are made: another may guess them, and two processes can meet. Off by default.
+    void setRandomSessionIds(bool random);
+    /// What setRandomSessionIds() has set.
+    bool randomSessionIds() const;
+
 Q_SIGNALS:
     /// The session is open.
     void connected();

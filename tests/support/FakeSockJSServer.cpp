@@ -197,6 +197,12 @@ void FakeSockJSServer::closeSession()
         inject(QStringLiteral("c[3000,\"Go away!\"]"));
 }
 
+void FakeSockJSServer::injectPong()
+{
+    if (m_raw)
+        m_raw->write(QByteArray("\x8a\0", 2));
+}
+
 void FakeSockJSServer::injectHalf()
 {
     if (m_raw)

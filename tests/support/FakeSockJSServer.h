@@ -92,6 +92,9 @@ public:
     void injectBinary(const QByteArray& bytes);
     /// Sends a part of a frame in the newest session, whose WebSocket has come up OpenInSamePacket.
     void injectHalf();
+    /// Answers a ping, in the newest session, which answers none by itself: its WebSocket has come up
+    /// OpenInSamePacket.
+    void injectPong();
     /// Closes the newest session: its WebSocket, or with a close frame.
     void closeSession();
     /// Ends all connections at once.

@@ -57,15 +57,24 @@ private Q_SLOTS:
         QVERIFY(!first);
     }
 
-    void openLimitIsPassedOn()
+    void limitsArePassedOn()
     {
         Lesson lesson;
         QVERIFY(lesson.startWell());
         QCOMPARE(lesson.collab->connector()->openLimit(), 0);
         lesson.client->setOpenLimit(4321);
+        lesson.client->setSilenceLimit(54321);
+        lesson.client->setPingInterval(65432);
+        lesson.client->setPongLimit(76543);
+        lesson.client->setRandomSessionIds(true);
 
         QVERIFY(lesson.startWell());
-        QCOMPARE(lesson.collab->connector()->openLimit(), 4321);
+        const auto* connector = lesson.collab->connector();
+        QCOMPARE(connector->openLimit(), 4321);
+        QCOMPARE(connector->silenceLimit(), 54321);
+        QCOMPARE(connector->pingInterval(), 65432);
+        QCOMPARE(connector->pongLimit(), 76543);
+        QVERIFY(connector->randomSessionIds());
     }
 
     void stoppedSessionCanBeFollowedByAnother()

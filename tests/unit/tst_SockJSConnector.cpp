@@ -97,6 +97,9 @@ private Q_SLOTS:
         QVERIFY(!m_connector->isConnected());
         QVERIFY(m_connector->sessionId().isEmpty());
         QCOMPARE(m_connector->openLimit(), 0);
+        QCOMPARE(m_connector->silenceLimit(), 0);
+        QCOMPARE(m_connector->pingInterval(), 0);
+        QVERIFY(!m_connector->randomSessionIds());
     }
 
     void sendingWrapsTheMessageInAnIndentedArray_data()

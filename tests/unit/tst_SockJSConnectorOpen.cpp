@@ -112,6 +112,23 @@ private Q_SLOTS:
         QVERIFY(QRegularExpression(QStringLiteral("^[A-Za-z0-9]{8}$")).match(expected).hasMatch());
     }
 
+    void randomSessionIdsDoNotFollowFromTheTime()
+    {
+        WallClock::freeze();
+        const auto usual = RANDSTRING::Generate(800);
+        m_connector->setRandomSessionIds(true);
+        QSet<QString> ids;
+        for (int i = 0; i < 50; ++i) {
+            m_connector->open(m_server->url(), {});
+            const auto id = m_connector->sessionId();
+            QVERIFY2(QRegularExpression(QStringLiteral("^[A-Za-z0-9]{8}$")).match(id).hasMatch(),
+                     qPrintable(id));
+            QVERIFY2(!usual.contains(id), qPrintable(id));
+            ids.insert(id);
+        }
+        QCOMPARE(ids.size(), 50);
+    }
+
     void sessionIdsOfOneSecondDiffer()
     {
         WallClock::freeze();

@@ -231,6 +231,72 @@ private Q_SLOTS:
         QTRY_COMPARE(m_server->endedSessions(), 2);
     }
 
+    void aFarEndThatIsGoneIsNoticed_data()
+    {
+        QTest::addColumn<Protocol>("transport");
+        QTest::addColumn<int>("silenceLimit");
+        QTest::addColumn<int>("pingInterval");
+        QTest::addColumn<bool>("heartbeats");
+        QTest::addColumn<bool>("pong");
+        QTest::addColumn<bool>("gone");
+        constexpr auto ws = SockJSConnector::WEBSOCKET;
+        constexpr auto streaming = SockJSConnector::XHR_STREAMING;
+        constexpr auto polling = SockJSConnector::XHR_POLLING;
+        QTest::newRow("silence, websocket") << ws << 100 << 0 << false << false << true;
+        QTest::newRow("silence, streaming") << streaming << 100 << 0 << false << false << true;
+        QTest::newRow("silence, polling") << polling << 100 << 0 << false << false << true;
+        QTest::newRow("heartbeats, websocket") << ws << 200 << 0 << true << false << false;
+        QTest::newRow("heartbeats, streaming") << streaming << 200 << 0 << true << false << false;
+        QTest::newRow("heartbeats, polling") << polling << 200 << 0 << true << false << false;
+        QTest::newRow("answers pings no more") << ws << 0 << 20 << false << true << true;
+        QTest::newRow("has never answered pings") << ws << 0 << 20 << false << false << false;
+        QTest::newRow("answers no pings, but sends") << ws << 0 << 20 << true << true << false;
+        QTest::newRow("no limits") << ws << 0 << 0 << false << true << false;
+    }
+
+    void aFarEndThatIsGoneIsNoticed()
+    {
+        QFETCH(Protocol, transport);
+        QFETCH(int, silenceLimit);
+        QFETCH(int, pingInterval);
+        QFETCH(bool, heartbeats);
+        QFETCH(bool, pong);
+        QFETCH(bool, gone);
+        m_server->setUpgrades({Server::OpenInSamePacket, Server::Silent});
+        m_connector->setSilenceLimit(silenceLimit);
+        m_connector->setPingInterval(pingInterval);
+        m_connector->setPongLimit(200);
+        QVERIFY(m_probe->openSession(m_server->url(), {transport}));
+        QTimer beats;
+        connect(&beats, &QTimer::timeout, this, [this] { m_server->inject(QStringLiteral("h")); });
+        if (heartbeats)
+            beats.start(20);
+        if (pong)
+            m_server->injectPong();
+
+        // A wait that is given up has outlasted the limits.
+        SockJSConnector other;
+        other.setOpenLimit(600);
+        m_server->setUpgrade(Server::Silent);
+        other.open(m_server->url(), webSocket);
+
+        QCOMPARE(m_probe->count(QStringLiteral("closed false")), gone ? 1 : 0);
+        QCOMPARE(m_connector->isConnected(), !gone);
+    }
+
+    void pingsAreAnswered()
+    {
+        m_connector->setPingInterval(20);
+        m_connector->setPongLimit(200);
+        QVERIFY(openSession());
+        m_server->setUpgrade(Server::Silent);
+        SockJSConnector other;
+        other.setOpenLimit(600);
+        other.open(m_server->url(), webSocket);
+        QVERIFY(syncInbound());
+        QVERIFY(!m_probe->hasClosed());
+    }
+
 private:
     // Runs once, when the server has the first upgrade and has not answered it.
     void duringTheWait(const std::function<void()>& action)
