@@ -23,7 +23,7 @@ fail() {
 }
 
 # What building and running needs, as Debian packages. The tests add theirs.
-packages=(cmake ninja-build g++ pkg-config qtbase5-dev libqt5websockets5-dev libqt5charts5-dev zlib1g-dev lzma-dev
+packages=(cmake ninja-build g++ pkg-config qtbase5-dev libqt5websockets5-dev libqrencode-dev zlib1g-dev lzma-dev
     libedit-dev)
 
 has_package() { [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }

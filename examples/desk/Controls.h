@@ -2,8 +2,8 @@
 
 #include <QtWidgets>
 
-// Qt tells screen readers the text of a button, or the label of a field, as its name. Lists and combo boxes
-// need an accessible name of their own.
+// Qt tells screen readers the text of a button, or the label of a field, as its name. Lists, tables and combo
+// boxes need an accessible name of their own.
 
 /// Disables \p control when there is a reason, and says the first of them where it else says what it does.
 inline void allow(QWidget* control, QStringList whyNot)
@@ -16,9 +16,10 @@ inline void allow(QWidget* control, QStringList whyNot)
 
 /// Says what \p control does, for as long as it can be used.
 template<typename Control>
-Control* described(Control* control, const QString& tip)
+Control* described(Control* control, const QString& tip, const QString& name = QString())
 {
     control->setWhatsThis(tip);
+    control->setAccessibleName(name);
     allow(control, {});
     return control;
 }
@@ -30,12 +31,27 @@ inline QPushButton* button(const QString& text, const QString& tip)
     return described(button, tip);
 }
 
+/// A label for what comes from outside: never taken for HTML.
+inline QLabel* plainLabel(const QString& text = QString())
+{
+    auto* label = new QLabel(text);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    return label;
+}
+
 /// Lays \p widgets out in \p parent, and returns it.
-inline QWidget* arrange(QWidget* parent, QBoxLayout::Direction direction, const QList<QWidget*>& widgets)
+template<typename Parent>
+Parent* arrange(Parent* parent, QBoxLayout::Direction direction, const QList<QWidget*>& widgets)
 {
     auto* layout = new QBoxLayout(direction, parent);
     layout->setContentsMargins({});
     for (QWidget* widget : widgets)
         layout->addWidget(widget);
     return parent;
+}
+
+inline QWidget* across(const QList<QWidget*>& widgets)
+{
+    return arrange(new QWidget, QBoxLayout::LeftToRight, widgets);
 }

@@ -1,47 +1,93 @@
 #include "DeskWindow.h"
 
-#include "LessonPage.h"
+#include "Summary.h"
+
+#include <qrencode.h>
+
+using Calyx::Lesson;
 
 // Most colours are the system's, be they dark or light.
 static const char look[] = R"(
 QGroupBox { font-weight: bold; background: palette(base); border: 1px solid palette(mid); border-radius: 6px; margin-top: 22px; padding: 8px; }
 QGroupBox > * { font-weight: normal; }
 QGroupBox::title { subcontrol-origin: margin; left: 2px; }
-QGroupBox QListWidget, QGroupBox QGraphicsView { border: 0; background: palette(base); }
+QAbstractItemView { border: 0; background: palette(base); }
+#code { font-size: 22pt; font-weight: bold; }
 #notice { padding: 8px; background: #fdf1f0; border: 1px solid #e3b0ab; border-radius: 6px; }
 #notice QLabel { color: #6d1f18; }
 )";
 
-DeskWindow::DeskWindow(const QString& server) : m_lesson(new LessonPage(&m_classroom))
+static QPixmap qrCode(const QString& text, int side)
+{
+    constexpr int margin = 4; // modules, without which readers do not find it
+    QRcode* const code = QRcode_encodeString(text.toUtf8().constData(), 0, QR_ECLEVEL_M, QR_MODE_8, 1);
+    if (!code)
+        return {};
+    const int width = code->width;
+    QImage image(width + 2 * margin, width + 2 * margin, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    for (int i = 0; i < width * width; ++i) {
+        if (code->data[i] & 1)
+            image.setPixelColor(margin + i % width, margin + i / width, Qt::black);
+    }
+    QRcode_free(code);
+    return QPixmap::fromImage(image.scaled(side, side));
+}
+
+DeskWindow::DeskWindow(const QUrl& server)
+{
+    m_server->setText(server.toString());
+    m_lesson.setName(QStringLiteral("desk"), tr("Lesson at the desk"));
+    layOut();
+    connect(m_logIn, &QPushButton::clicked, this, [this] {
+        m_lesson.setServer(QUrl(m_server->text().trimmed()));
+        m_lesson.logIn(m_user->text(), m_password->text());
+    });
+    connect(m_start, &QPushButton::clicked, &m_lesson, &Lesson::start);
+    connect(m_end, &QPushButton::clicked, this,
+            [this] { mayEnd(tr("End the lesson")) ? m_lesson.end() : void(); });
+    connect(m_logOut, &QPushButton::clicked, this,
+            [this] { mayEnd(tr("Log out")) ? m_lesson.logOut() : void(); });
+    connect(m_summary, &QPushButton::clicked, this, [this] { Summary(m_lesson, this).exec(); });
+    connect(m_save, &QPushButton::clicked, this, &DeskWindow::save);
+    connect(m_dismiss, &QPushButton::clicked, m_notice, &QWidget::hide);
+    connect(m_retry, &QPushButton::clicked, &m_lesson, &Lesson::retryNow);
+    connect(m_cancel, &QPushButton::clicked, &m_lesson, &Lesson::cancel);
+    for (const auto change : {&Lesson::stateChanged, &Lesson::pollChanged, &Lesson::assessmentChanged})
+        connect(&m_lesson, change, this, &DeskWindow::refresh);
+    connect(&m_lesson, &Lesson::busyChanged, this, &DeskWindow::refreshBusy);
+    connect(&m_lesson, &Lesson::nextAttemptChanged, this, &DeskWindow::tellAttempt);
+    connect(&m_clock, &QTimer::timeout, this, &DeskWindow::tellAttempt);
+    connect(&m_lesson, &Lesson::remoteCommand, this, &DeskWindow::tellCommand);
+    connect(&m_lesson, &Lesson::failed, this, [this](const Calyx::LessonError& error) {
+        if (error.kind != Calyx::LessonError::Cancelled) // that is no news
+            tell(error.text + QLatin1Char('\n') + error.advice);
+    });
+    refresh();
+    refreshBusy();
+}
+
+void DeskWindow::layOut()
 {
     setWindowTitle(tr("Desk"));
     setStyleSheet(QLatin1String(look));
-    resize(1180, 720);
-    m_server->setText(server);
+    resize(1180, 760);
     m_pages->addWidget(makeLogin());
-    m_pages->addWidget(m_lesson);
-    auto* close = button(tr("&Dismiss"), tr("Close this message"));
-    arrange(m_notice, QBoxLayout::LeftToRight, {m_noticeText, close});
-    m_notice->setObjectName(QStringLiteral("notice"));
-    m_notice->hide();
-    m_noticeText->setWordWrap(true);
-    m_noticeText->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    m_pages->addWidget(makeLesson());
     setContentsMargins(12, 12, 12, 4);
-    setCentralWidget(arrange(new QWidget, QBoxLayout::TopToBottom, {m_notice, m_pages}));
-    m_progress->setRange(0, 0); // nobody knows how long it takes
+    setCentralWidget(arrange(new QWidget, QBoxLayout::TopToBottom, {m_lost, m_notice, m_pages}));
     m_progress->setMaximumWidth(160);
-    m_progress->setAccessibleName(tr("Progress"));
     statusBar()->addPermanentWidget(m_progress);
     statusBar()->addPermanentWidget(m_cancel);
+}
 
-    connect(close, &QPushButton::clicked, m_notice, &QWidget::hide);
-    connect(m_cancel, &QPushButton::clicked, &m_classroom, &Classroom::giveUp);
-    connect(&m_classroom, &Classroom::busy, this, &DeskWindow::setBusy);
-    connect(&m_classroom, &Classroom::failed, this, &DeskWindow::showFailure);
-    connect(&m_classroom, &Classroom::news, this,
-            [this](const QString& text) { statusBar()->showMessage(text); });
-    connect(&m_classroom, &Classroom::stageChanged, this, &DeskWindow::setStage);
-    setBusy(QString());
+QWidget* DeskWindow::notice(QLabel* text, QPushButton* press)
+{
+    auto* frame = arrange(new QFrame, QBoxLayout::LeftToRight, {text, press});
+    frame->setObjectName(QStringLiteral("notice"));
+    text->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    frame->hide();
+    return frame;
 }
 
 QWidget* DeskWindow::makeLogin()
@@ -59,21 +105,26 @@ QWidget* DeskWindow::makeLogin()
         connect(edit, &QLineEdit::textChanged, this, &DeskWindow::refreshLogin);
         connect(edit, &QLineEdit::returnPressed, m_logIn, &QPushButton::click);
     }
-    connect(m_logIn, &QPushButton::clicked, this, &DeskWindow::logIn);
     auto* page = new QWidget;
     (new QGridLayout(page))->addWidget(box, 0, 0, Qt::AlignCenter);
     return page;
 }
 
-void DeskWindow::logIn()
+QWidget* DeskWindow::makeLesson()
 {
-    QString server = m_server->text().trimmed();
-    if (!server.contains(QLatin1String("://"))) // people leave that out
-        server.prepend(QLatin1String("https://"));
-    m_classroom.begin(tr("Logging in to %1\u2026").arg(server),
-                      [server, user = m_user->text(), password = m_password->text()](Classroom* classroom) {
-                          classroom->logIn(server, user, password);
-                      });
+    m_code->setObjectName(QStringLiteral("code"));
+    m_code->setWordWrap(false);
+    m_address->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    auto* cards = new Cards(&m_lesson, [this](const QString& text) { tell(text); });
+    auto* remote = arrange(new QGroupBox(tr("Remote control")), QBoxLayout::TopToBottom, {m_remote});
+    auto* columns = new QSplitter;
+    columns->addWidget(new Learners(&m_lesson));
+    columns->addWidget(m_polls);
+    columns->addWidget(arrange(new QWidget, QBoxLayout::TopToBottom, {cards, remote}));
+    columns->setStretchFactor(1, 1);
+    columns->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    auto* header = across({m_qrCode, m_code, m_address, m_start, m_end, m_summary, m_save, m_logOut});
+    return arrange(new QWidget, QBoxLayout::TopToBottom, {header, columns});
 }
 
 void DeskWindow::refreshLogin()
@@ -85,37 +136,111 @@ void DeskWindow::refreshLogin()
     }
     m_pages->widget(0)->setFocusProxy(missing ? missing : m_password);
     allow(m_logIn,
-          {m_busy, missing ? tr("Fill in the service, your user name and your password first.") : QString()});
+          {m_lesson.isBusy() ? tr("The service is being asked.") : QString(),
+           missing ? tr("Fill in the service, your user name and your password first.") : QString()});
 }
 
-void DeskWindow::showFailure(const QString& what, const QString& advice)
+void DeskWindow::refresh()
 {
-    m_noticeText->setText(tr("<b>%1</b>%2").arg(what.toHtmlEscaped(), Qt::convertFromPlainText(advice)));
+    const Lesson::State state = m_lesson.state();
+    const bool isIn = state != Lesson::LoggedOut && state != Lesson::LoggingIn;
+    const QString code = m_lesson.joinCode();
+    const bool isOpen = !code.isEmpty();
+    const bool isEmpty = m_lesson.polls().isEmpty() && m_lesson.assessments().isEmpty();
+    const QString nothing = isEmpty ? tr("Nothing has been asked yet.") : QString();
+    allow(m_start, {isOpen ? tr("The lesson is open.") : QString(),
+                    m_lesson.isBusy() ? tr("The service is being asked.") : QString()});
+    allow(m_end, {isOpen ? QString() : tr("No lesson is open.")});
+    allow(m_summary, {nothing});
+    allow(m_save, {nothing});
+    QUrl address = m_lesson.joinAddress();
+    m_code->setText(code.left(3) + QLatin1Char(' ') + code.mid(3));
+    m_address->setText(isOpen ? tr("Learners join at %1 with this code.").arg(address.toDisplayString())
+                              : tr("Start a lesson, and learners can join."));
+    address.setQuery(QStringLiteral("code=") + code);
+    m_qrCode->setVisible(isOpen);
+    m_qrCode->setPixmap(qrCode(address.toString(), 96));
+
+    const int page = int(isIn);
+    m_pages->widget(1)->setFocusProxy(isOpen ? m_polls : static_cast<QWidget*>(m_start));
+    if (state == Lesson::LoggedIn)
+        m_password->clear();
+    if (state == Lesson::LoggingIn || state == Lesson::Starting)
+        m_notice->hide();
+    refreshLogin();
+    tellAttempt();
+    if (page == m_pages->currentIndex() && !m_pages->currentWidget()->isEnabled())
+        return;
+    m_pages->setCurrentIndex(page);
+}
+
+void DeskWindow::refreshBusy()
+{
+    constexpr int percent = 100;
+    m_progress->setRange(0, m_lesson.progress() < 0 ? 0 : percent);
+    m_progress->setValue(qRound(m_lesson.progress() * percent));
+    m_progress->setVisible(m_lesson.isBusy());
+    m_cancel->setVisible(m_lesson.isBusy());
+    refresh();
+    // By Tab a field's text is selected: one types over a wrong password.
+    (m_lesson.isBusy() ? m_cancel : m_pages->currentWidget())->setFocus(Qt::TabFocusReason);
+}
+
+void DeskWindow::tellAttempt()
+{
+    constexpr int second = 1000;
+    const QDateTime next = m_lesson.nextAttempt();
+    const qint64 left = qMax<qint64>(0, QDateTime::currentDateTime().msecsTo(next) + second - 1) / second;
+    const QString when = next.isValid() ? tr("Trying again in %1 s.").arg(left) : tr("Trying again\u2026");
+    m_lostText->setText(
+        tr("The connection is lost. %1 What you do meanwhile is done when it is back.").arg(when));
+    m_lost->setVisible(m_lesson.state() == Lesson::Reconnecting);
+    m_lost->isHidden() ? m_clock.stop() : m_clock.start(second / 4);
+}
+
+void DeskWindow::tell(const QString& text)
+{
+    m_noticeText->setText(text.trimmed());
     m_notice->show();
     QAccessibleEvent alert(m_noticeText, QAccessible::Alert);
     QAccessible::updateAccessibility(&alert);
 }
 
-void DeskWindow::setStage(Classroom::Stage stage)
+void DeskWindow::tellCommand(Lesson::RemoteCommand command, bool obeyed)
 {
-    m_pages->setCurrentIndex(stage == Classroom::LoggedOut ? 0 : 1);
-    if (stage == Classroom::Ready)
-        m_password->clear();
-    if (stage == Classroom::Lost)
-        showFailure(tr("The connection to the lesson is lost"),
-                    tr("The lesson goes on without you: reconnect to take it up again."));
+    const QHash<int, QString> words = {{Lesson::AskPresence, tr("Is the desk there?")},
+                                       {Lesson::AskLesson, tr("Which lesson is it?")},
+                                       {Lesson::AskCards, tr("Which card is it?")},
+                                       {Lesson::Pause, tr("Pause")},
+                                       {Lesson::Resume, tr("Resume")},
+                                       {Lesson::Lock, tr("Lock all")},
+                                       {Lesson::Unlock, tr("Unlock all")},
+                                       {Lesson::NextCard, tr("Next card")},
+                                       {Lesson::PreviousCard, tr("Previous card")},
+                                       {Lesson::ShowCard, tr("Show the card")},
+                                       {Lesson::AddCard, tr("Add a picture")},
+                                       {Lesson::EndLesson, tr("End the lesson")}};
+    const QString text = obeyed ? tr("Its last command: %1") : tr("It wanted what could not be done: %1");
+    m_remote->setText(text.arg(words.value(command)));
 }
 
-void DeskWindow::setBusy(const QString& what)
+bool DeskWindow::mayEnd(const QString& what)
 {
-    const bool isBusy = !what.isEmpty();
-    m_busy = what;
-    statusBar()->showMessage(what);
-    m_progress->setVisible(isBusy);
-    m_cancel->setVisible(isBusy);
-    refreshLogin();
-    if (isBusy)
-        m_notice->hide();
-    // By Tab a field's text is selected: one types over a wrong password.
-    (isBusy ? m_cancel : m_pages->currentWidget())->setFocus(Qt::TabFocusReason);
+    const int count = m_lesson.roster()->presentCount();
+    if (m_lesson.joinCode().isEmpty() || count == 0)
+        return true;
+    QMessageBox box(QMessageBox::Question, what,
+                    tr("A lesson with %1 learners is open. It ends for everybody.").arg(count),
+                    QMessageBox::Cancel, this);
+    const QAbstractButton* yes = box.addButton(what, QMessageBox::AcceptRole);
+    box.exec();
+    return box.clickedButton() == yes;
+}
+
+void DeskWindow::save()
+{
+    const QString name = QFileDialog::getSaveFileName(this, tr("Save the results"), tr("results.csv"),
+                                                      tr("Results (*.csv *.json)"));
+    if (!name.isEmpty())
+        m_lesson.save(name);
 }

@@ -1,6 +1,5 @@
 #include "DeskWindow.h"
 
-#include <QApplication>
 #include <QLoggingCategory>
 
 // desk [ADDRESS]: the classroom service's.
@@ -9,7 +8,7 @@ int main(int argc, char** argv)
     // The library writes down every message that comes and goes.
     QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
     QApplication application(argc, argv);
-    DeskWindow window(QApplication::arguments().value(1));
+    DeskWindow window(QUrl(QApplication::arguments().value(1)));
     window.show();
     return QApplication::exec();
 }

@@ -10,7 +10,7 @@ constexpr int limit = 30000; // ms
 
 } // namespace
 
-DeskRobot::DeskRobot(const QString& server) : m_window(std::make_unique<DeskWindow>(server)) {}
+DeskRobot::DeskRobot(const QString& server) : m_window(std::make_unique<DeskWindow>(QUrl(server))) {}
 
 bool DeskRobot::show()
 {
@@ -99,5 +99,8 @@ QString DeskRobot::startLesson()
 {
     if (!logIn() || !click("Start lesson") || !awaits("Start poll"))
         return QString();
-    return QRegularExpression(QStringLiteral("\\b\\d{6}\\b")).match(text()).captured();
+    return QRegularExpression(QStringLiteral("\\b\\d{3} \\d{3}\\b"))
+        .match(text())
+        .captured()
+        .remove(QLatin1Char(' '));
 }

@@ -2,8 +2,8 @@
 //
 // node devices.mjs CLASSROOM_FOLDER URL CODE [NAME=PICK ...]
 //
-// Each NAME is a learner who picks the option of that number (from 0) of every question that has options, or, with
-// another PICK, never answers. The remote
+// Each NAME is a learner who picks the option of that number (from 0) of every question that has options. Another PICK is
+// the answer to questions without options; "none" never answers. The remote
 // control sends what it reads on stdin, a line for each command: "nextCard", or "addImageCard {...}". What the devices
 // receive is written to stdout: "remote: currentCard {...}", "NAME: dialogShow {...}".
 import { createRequire } from 'node:module';
@@ -37,19 +37,18 @@ async function joinSession(mode, userName, addresses, receive) {
 async function joinLearner(name, pick) {
   const publish = await joinSession('learner', name, ['.learner'], (type, question) => {
     console.log(`${name}: ${type} ${JSON.stringify(question)}`);
-    if (Number.isNaN(pick) || type !== 'questionStart' || !question.activityOptions?.length) return;
-    const { id, questionSetMode, activityOptions } = question;
-    const option = activityOptions[pick % activityOptions.length];
-    publish('questionResponse', {
-      questionId: id, questionSetMode, optionAnswers: [{ activityOptionId: option.id }], responseTime: 1000,
-    });
+    if (type !== 'questionStart' || pick === 'none') return;
+    const { id, questionSetMode, activityOptions = [] } = question;
+    const option = activityOptions[Number(pick) % activityOptions.length];
+    const answer = option ? { optionAnswers: [{ activityOptionId: option.id }] } : { answer: pick };
+    publish('questionResponse', { questionId: id, questionSetMode, ...answer, responseTime: 1000 });
   });
   publish('join', { userName: name, deviceType: 'tablet' });
 }
 
 for (const learner of learners) {
-  const [name, pick] = learner.split('=');
-  await joinLearner(name, Number(pick));
+  const split = learner.lastIndexOf('=');
+  await joinLearner(learner.slice(0, split), learner.slice(split + 1));
 }
 const command = await joinSession('controller', 'Remote control', ['.controller'], (type, value) => {
   console.log(`remote: ${type} ${JSON.stringify(value)}`);

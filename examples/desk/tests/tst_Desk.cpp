@@ -1,7 +1,6 @@
 #include "Classmates.h"
 #include "DeskRobot.h"
 #include "Picture.h"
-#include "Tally.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -11,10 +10,15 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QLoggingCategory>
+#include <QMessageBox>
 #include <QMimeData>
+#include <QTabWidget>
+#include <QTableView>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTemporaryDir>
 #include <QTimer>
+#include <QTreeWidget>
 #include <QUrl>
 
 namespace {
@@ -63,8 +67,14 @@ NodeProgram* learners(const QString& url, int count)
 
 QString answersInWords(const DeskRobot& desk)
 {
-    const QWidget* chart = desk.find("Answers");
-    return chart ? chart->accessibleDescription() : QString();
+    const auto* chart = desk.find<QTableView>("Answers");
+    QStringList words;
+    for (int row = 0; chart && chart->model() && row < chart->model()->rowCount(); ++row) {
+        const auto cell = [&](int column) { return chart->model()->index(row, column).data().toString(); };
+        words.append(cell(Calyx::PollResults::Label) + QStringLiteral(": ") +
+                     cell(Calyx::PollResults::Count));
+    }
+    return words.join(QStringLiteral(", "));
 }
 
 void dropOnCards(DeskRobot& desk, const QString& file)
@@ -96,6 +106,24 @@ void chooseInDialog(DeskRobot& desk, const QString& file)
     look->start(10);
 }
 
+// Answers the question that a click asks, as soon as it is there.
+void answerWith(DeskRobot& desk, const QString& text)
+{
+    auto* const look = new QTimer(&desk.window());
+    QObject::connect(look, &QTimer::timeout, &desk.window(), [&desk, look, text] {
+        const auto* const box = desk.window().findChild<QMessageBox*>();
+        const QList<QAbstractButton*> buttons = box ? box->buttons() : QList<QAbstractButton*>();
+        for (QAbstractButton* button : buttons) {
+            if (button->text().remove(QLatin1Char('&')) == text) {
+                look->deleteLater();
+                QTest::mouseClick(button, Qt::LeftButton);
+                return;
+            }
+        }
+    });
+    look->start(10);
+}
+
 QRect placeOf(const char* name, DeskRobot& desk)
 {
     const QWidget* const widget = desk.find(name);
@@ -117,373 +145,431 @@ class tst_Desk : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+    void init()
+    {
+        m_classroom = std::make_unique<LocalClassroom>();
+        QVERIFY2(!m_classroom->url().isEmpty(), "the classroom does not start");
+    }
 
-    void saysWhyOneCannotLogInYet();
-    void tellsAWrongPassword();
-    void tellsAnAddressWhereNothingIs();
-    void canBeUsedWhileItWaits();
-    void closesWhileItWaits();
-    void putsEveryKindOfPoll();
-    void pausesAndResumes();
-    void showsCardsFromFilesAndDrops();
-    void refusesWhatIsNoPicture();
-    void obeysTheRemoteControl();
-    void endsTheLessonWhenItIsClosed();
-    void tellsALostConnection();
-    void takesALostLessonUpAgain();
-    void worksByKeyboard();
-    void namesAllThatCanBeUsed();
-    void looksAsInThePictures();
+    void cleanup()
+    {
+        m_desk.reset();
+        m_classroom.reset();
+    }
+
+    void saysWhyOneCannotLogInYet()
+    {
+        DeskRobot& desk = deskAt(m_classroom->url());
+        QVERIFY(desk.show());
+        QVERIFY(!desk.find("Log in")->isEnabled());
+        QVERIFY(desk.find("Log in")->toolTip().contains(QStringLiteral("your password first")));
+        QCOMPARE(DeskRobot::told(desk.find("Log in"), QAccessible::Description),
+                 desk.find("Log in")->toolTip());
+        desk.type("User name", QStringLiteral("teacher"));
+        QVERIFY(!desk.find("Log in")->isEnabled());
+        desk.type("Password", QStringLiteral("chalk"));
+        QVERIFY(desk.find("Log in")->isEnabled());
+    }
+
+    void tellsAWrongPassword()
+    {
+        DeskRobot& desk = deskAt(m_classroom->url());
+        QVERIFY(desk.logIn(QStringLiteral("cha\"lk")));
+        QVERIFY(desk.reads(QStringLiteral("The user name or the password is wrong.")));
+        QVERIFY(!desk.text().contains(QStringLiteral("login.error"))); // that is for the log
+        QTRY_VERIFY(desk.find("Password")->hasFocus());
+        QVERIFY(Picture::keep(&desk.window(), QStringLiteral("error"), placeOf("Service", desk)));
+    }
+
+    void tellsAnAddressWhereNothingIs()
+    {
+        const QString nowhere = SilentServer().url(); // closed again by now
+        DeskRobot& desk = deskAt(nowhere);
+        QVERIFY(desk.logIn());
+        QVERIFY(desk.reads(QStringLiteral("The classroom service cannot be reached.")));
+    }
+
+    void canBeUsedWhileItWaits()
+    {
+        const SilentServer silent;
+        DeskRobot& desk = deskAt(silent.url());
+        QVERIFY(desk.logIn());
+        QVERIFY(desk.find("Progress"));
+        QVERIFY(!desk.find("Log in")->isEnabled());
+        QVERIFY(desk.find("Log in")->toolTip().startsWith(QStringLiteral("The service is being asked")));
+        QTRY_VERIFY(silent.hasPendingConnections());
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(desk.click("Cancel"));
+        QVERIFY(desk.awaits("Log in"));
+        QVERIFY2(clock.elapsed() < 9000, "it waited for the service's 10 seconds");
+        QVERIFY(!desk.find("Progress"));
+        // It can be tried again.
+        desk.type("Service", m_classroom->url());
+        desk.type("Password", QStringLiteral("chalk"));
+        QVERIFY(desk.click("Log in"));
+        QVERIFY(desk.awaits("Start lesson"));
+    }
+
+    void closesWhileItWaits()
+    {
+        SilentServer silent;
+        DeskRobot& desk = deskAt(silent.url());
+        QVERIFY(desk.logIn());
+        QTRY_VERIFY(silent.hasPendingConnections());
+        QTcpSocket* const connection = silent.nextPendingConnection();
+        QTRY_VERIFY(connection->bytesAvailable() > 0);
+        QElapsedTimer clock;
+        clock.start();
+        desk.close();
+        QVERIFY2(clock.elapsed() < 9000, "it waited for the service's 10 seconds");
+        QTRY_COMPARE(connection->state(), QAbstractSocket::UnconnectedState);
+        QVERIFY(QApplication::topLevelWidgets().isEmpty());
+    }
+
+    void putsEveryKindOfPoll()
+    {
+        constexpr int count = 12;
+        DeskRobot& desk = deskAt(m_classroom->url());
+        const std::unique_ptr<NodeProgram> crowd(learners(m_classroom->url(), count));
+        QVERIFY(!desk.startLesson().isNull());
+        QVERIFY(desk.reads(QStringLiteral("Learners (%1)").arg(count)));
+        const int kinds = desk.find<QComboBox>("Kind of poll")->count();
+        QCOMPARE(kinds, Calyx::PollType::POLL_TYPE_STR().size());
+        for (int kind = 0; kind < kinds; ++kind) {
+            desk.find<QComboBox>("Kind of poll")->setCurrentIndex(kind);
+            QVERIFY(desk.click("Start poll"));
+            QVERIFY2(desk.reads(QStringLiteral("%1 of %1 answered").arg(count)),
+                     qPrintable(desk.find<QComboBox>("Kind of poll")->currentText()));
+            QCOMPARE(sumOf(answersInWords(desk)), count);
+            QVERIFY(!desk.find("Start poll")->isEnabled());
+            QCOMPARE(desk.find("Start poll")->toolTip(), QStringLiteral("A poll is running: stop it first."));
+            QVERIFY(desk.click("Stop poll"));
+        }
+        answerWith(desk, QStringLiteral("Cancel"));
+        QVERIFY(desk.click("End lesson"));
+        QVERIFY(desk.find("End lesson")->isEnabled()); // it goes on
+        answerWith(desk, QStringLiteral("End the lesson"));
+        QVERIFY(desk.click("End lesson"));
+        QVERIFY(desk.awaits("Start lesson"));
+        QCOMPARE(crowd->lineWith(QStringLiteral("learners: ")),
+                 QStringLiteral("learners: joined=%1 questions=10 cards=0 answers=%2 decode-failures=0")
+                     .arg(count)
+                     .arg(count * kinds));
+        QVERIFY(desk.click("Log out"));
+        QVERIFY(desk.awaits("Service"));
+    }
+
+    void pausesAndResumes()
+    {
+        DeskRobot& desk = deskAt(m_classroom->url());
+        remember(desk.startLesson());
+        const std::unique_ptr<NodeProgram> remote(devices());
+        QVERIFY(!remote->lineWith(QStringLiteral("joined")).isNull());
+        QVERIFY(!desk.find("Pause")->isEnabled());
+        QCOMPARE(desk.find("Pause")->toolTip(), QStringLiteral("No poll is running."));
+        QVERIFY(desk.click("Start poll"));
+        QVERIFY(desk.click("Pause"));
+        QVERIFY(desk.reads(QStringLiteral("Multiple choice (paused)")));
+        QVERIFY(!remote->lineWith(QStringLiteral("remote: pause")).isNull());
+        QVERIFY(desk.click("Resume"));
+        QVERIFY(desk.awaits("Pause"));
+        QVERIFY(!remote->lineWith(QStringLiteral("remote: resume")).isNull());
+    }
+
+    void showsCardsFromFilesAndDrops()
+    {
+        DeskRobot& desk = deskAt(m_classroom->url());
+        const std::unique_ptr<NodeProgram> crowd(learners(m_classroom->url(), 2));
+        QVERIFY(!desk.startLesson().isNull());
+        QVERIFY(desk.reads(QStringLiteral("Learners (2)")));
+        QCOMPARE(desk.find("Show to learners")->toolTip(), QStringLiteral("Add a picture first."));
+
+        chooseInDialog(desk, QStringLiteral(DESK_LEAF));
+        QVERIFY(desk.click("Add picture\u2026"));
+        QVERIFY(desk.reads(QStringLiteral("1 of 1")));
+        QVERIFY(desk.click("Show to learners"));
+        answerWith(desk, QStringLiteral("End the lesson"));
+        QVERIFY(desk.click("End lesson"));
+        QVERIFY(crowd->lineWith(QStringLiteral("learners: ")).contains(QStringLiteral("cards=1 ")));
+
+        dropOnCards(desk, QStringLiteral(DESK_LEAF));
+        QVERIFY(desk.reads(QStringLiteral("2 of 2")));
+        QTest::keyClick(desk.find<QListWidget>("Cards"), Qt::Key_Up);
+        QVERIFY(desk.reads(QStringLiteral("1 of 2")));
+    }
+
+    void refusesWhatIsNoPicture()
+    {
+        DeskRobot& desk = deskAt(m_classroom->url());
+        QVERIFY(desk.logIn());
+        QVERIFY(desk.awaits("Start lesson"));
+        dropOnCards(desk, QStringLiteral(DESK_TESTS "/devices.mjs"));
+        QVERIFY(desk.reads(QStringLiteral("devices.mjs cannot be a card")));
+        QVERIFY(desk.click("Dismiss"));
+        QVERIFY(!desk.find("Dismiss"));
+    }
+
+    void showsWhatLearnersWriteAsItIs()
+    {
+        DeskRobot& desk = deskAt(m_classroom->url());
+        remember(desk.startLesson());
+        const std::unique_ptr<NodeProgram> remote(devices({QStringLiteral("<img src=f>=x<3")}));
+        QVERIFY(desk.reads(QStringLiteral("Learners (1)")));
+        desk.find<QComboBox>("Kind of poll")->setCurrentText(QStringLiteral("Text"));
+        QVERIFY(desk.click("Start poll"));
+        QVERIFY(desk.reads(QStringLiteral("1 of 1 answered")));
+        QCOMPARE(answersInWords(desk), QStringLiteral("x<3: 1"));
+        QCOMPARE(desk.find<QListView>("Learners")->model()->index(0, 0).data().toString(),
+                 QStringLiteral("<img src=f>"));
+        const QList<QAbstractItemView*> views = desk.window().findChildren<QAbstractItemView*>();
+        for (const QAbstractItemView* view : views)
+            QVERIFY(view->indexWidget(view->model() ? view->model()->index(0, 0) : QModelIndex()) == nullptr);
+    }
+
+    void keepsWhatCameOfTheLesson()
+    {
+        const QTemporaryDir folder;
+        const QString file = folder.filePath(QStringLiteral("results.csv"));
+        DeskRobot& desk = deskAt(m_classroom->url());
+        const std::unique_ptr<NodeProgram> crowd(learners(m_classroom->url(), 2));
+        QVERIFY(!desk.startLesson().isNull());
+        QVERIFY(desk.reads(QStringLiteral("Learners (2)")));
+        desk.type("Question", QStringLiteral("Which one?"));
+        desk.type("Options", QStringLiteral("red; green"));
+        desk.type("Right answer", QStringLiteral("A"));
+        QVERIFY(desk.click("Start poll"));
+        QVERIFY(desk.reads(QStringLiteral("Which one?: 2 of 2 answered")));
+        QVERIFY(desk.click("Show results"));
+        QVERIFY(desk.click("Stop poll"));
+        desk.find<QTabWidget>("What is asked")->setCurrentIndex(1);
+        QVERIFY(desk.click("Add question"));
+        QVERIFY(desk.click("Start assessment"));
+        const QAbstractItemModel* const sheet = desk.find<QTableView>("Answers by learner")->model();
+        QTRY_COMPARE(sheet->property("finished").toInt(), 2);
+        QVERIFY(desk.click("Stop assessment"));
+
+        chooseInDialog(desk, file);
+        QVERIFY(desk.click("Save results\u2026"));
+        QFile saved(file);
+        QVERIFY(saved.open(QIODevice::ReadOnly));
+        QCOMPARE(saved.readAll().count("Which one?"), 4); // of two learners, in the poll and the assessment
+        QTimer::singleShot(0, &desk.window(), [&desk] {
+            auto* const summary = desk.window().findChild<QDialog*>();
+            QCOMPARE(summary->findChild<QTreeWidget*>()->topLevelItemCount(), 2);
+            summary->reject();
+        });
+        QVERIFY(desk.click("Summary\u2026"));
+    }
+
+    void locksAndSendsAway()
+    {
+        DeskRobot& desk = deskAt(m_classroom->url());
+        remember(desk.startLesson());
+        const std::unique_ptr<NodeProgram> remote(
+            devices({QStringLiteral("Amara=0"), QStringLiteral("Bea=none")}));
+        QVERIFY(desk.reads(QStringLiteral("Learners (2)")));
+        QVERIFY(desk.click("Lock"));
+        QVERIFY(!remote->lineWith(QStringLiteral("Bea: dialogShow")).isNull());
+        QVERIFY(desk.click("Start poll")); // takes the lock away
+        QVERIFY(!desk.find<QPushButton>("Lock")->isChecked());
+        QVERIFY(desk.reads(QStringLiteral("1 of 2 answered")));
+        QVERIFY(desk.click("Not answered yet"));
+        auto* const list = desk.find<QListView>("Learners");
+        QTRY_COMPARE(list->model()->rowCount(), 1);
+        list->setCurrentIndex(list->model()->index(0, 0));
+        QVERIFY(desk.click("Remove"));
+        QVERIFY(desk.reads(QStringLiteral("Learners (1)")));
+        QVERIFY(!remote->lineWith(QStringLiteral("Bea: disconnect")).isNull());
+    }
+
+    void obeysTheRemoteControl()
+    {
+        DeskRobot& desk = deskAt(m_classroom->url());
+        remember(desk.startLesson());
+        const std::unique_ptr<NodeProgram> remote(devices({QStringLiteral("Amara=none")}));
+        QVERIFY(!remote->lineWith(QStringLiteral("joined")).isNull());
+        dropOnCards(desk, QStringLiteral(DESK_LEAF));
+        QVERIFY(desk.reads(QStringLiteral("1 of 1")));
+        QVERIFY(!remote->lineWith(QStringLiteral("remote: currentCard {\"currentCard\":\"1\"")).isNull());
+
+        remote->say(QStringLiteral("presenterActive"));
+        QVERIFY(!remote->lineWith(QStringLiteral("remote: presenterIsActive")).isNull());
+        remote->say(QStringLiteral("requestLessonInfo"));
+        QVERIFY(remote->lineWith(QStringLiteral("remote: currentLesson"))
+                    .contains(QStringLiteral("at the desk")));
+
+        QFile leaf(QStringLiteral(DESK_LEAF));
+        QVERIFY(leaf.open(QIODevice::ReadOnly));
+        remote->say(QStringLiteral("addImageCard {\"name\":\"leaf\",\"url\":\"data:image/png;base64,%1\"}")
+                        .arg(QString::fromLatin1(leaf.readAll().toBase64())));
+        QVERIFY(desk.reads(QStringLiteral("2 of 2")));
+        remote->say(QStringLiteral("previousCard"));
+        QVERIFY(desk.reads(QStringLiteral("1 of 2")));
+        remote->say(QStringLiteral("nextCard"));
+        QVERIFY(desk.reads(QStringLiteral("2 of 2")));
+        QVERIFY(desk.reads(QStringLiteral("Next card")));
+
+        QVERIFY(desk.click("Start poll"));
+        QVERIFY(desk.awaits("Pause"));
+        remote->say(QStringLiteral("pause"));
+        QVERIFY(desk.awaits("Resume"));
+        remote->say(QStringLiteral("resume"));
+        QVERIFY(desk.awaits("Pause"));
+        remote->say(QStringLiteral("lockAll"));
+        QVERIFY(remote->lineWith(QStringLiteral("Amara: dialogShow"))
+                    .contains(QStringLiteral("look at your teacher")));
+        remote->say(QStringLiteral("unlockAll"));
+        QVERIFY(!remote->lineWith(QStringLiteral("Amara: dialogShow"), QStringLiteral("You can go on."))
+                     .isNull());
+        const std::unique_ptr<NodeProgram> crowd(learners(m_classroom->url(), 2));
+        QVERIFY(desk.reads(QStringLiteral("Learners (3)")));
+        remote->say(QStringLiteral("pushCurrentCard"));
+        remote->say(QStringLiteral("stopSession"));
+        QVERIFY(desk.awaits("Start lesson"));
+        QVERIFY(crowd->lineWith(QStringLiteral("learners: ")).contains(QStringLiteral("cards=1 ")));
+    }
+
+    void endsTheLessonWhenItIsClosed()
+    {
+        DeskRobot& desk = deskAt(m_classroom->url());
+        const std::unique_ptr<NodeProgram> crowd(learners(m_classroom->url(), 2));
+        QVERIFY(!desk.startLesson().isNull());
+        QVERIFY(desk.reads(QStringLiteral("Learners (2)")));
+        answerWith(desk, QStringLiteral("Close the desk"));
+        desk.close();
+        QVERIFY(!crowd->lineWith(QStringLiteral("learners: joined=2")).isNull());
+    }
+
+    void tellsALostConnection()
+    {
+        DeskRobot& desk = deskAt(m_classroom->url());
+        QVERIFY(!desk.startLesson().isNull());
+        m_classroom->kill();
+        QVERIFY(m_classroom->waitForFinished());
+        QVERIFY(desk.reads(QStringLiteral("The connection is lost. Trying again")));
+        QVERIFY(desk.find("Start poll")->isEnabled()); // done when it is back
+        QVERIFY(desk.find("Try now")->isEnabled());
+        QVERIFY(desk.click("End lesson"));
+        QVERIFY(desk.awaits("Start lesson"));
+    }
+
+    void takesALostLessonUpAgain()
+    {
+        Relay relay(QUrl(m_classroom->url()));
+        DeskRobot& desk = deskAt(relay.url());
+        const std::unique_ptr<NodeProgram> crowd(learners(m_classroom->url(), 2));
+        QVERIFY(!desk.startLesson().isNull());
+        QVERIFY(desk.reads(QStringLiteral("Learners (2)")));
+        relay.cut();
+        QVERIFY(desk.reads(QStringLiteral("The connection is lost")));
+        QTRY_VERIFY(!desk.text().contains(QStringLiteral("is lost")));
+        QVERIFY(desk.reads(QStringLiteral("Learners (2)")));
+        QVERIFY(desk.click("Start poll"));
+        QVERIFY(desk.reads(QStringLiteral("2 of 2 answered")));
+        QVERIFY(!desk.text().contains(QStringLiteral("is lost")));
+    }
+
+    void worksByKeyboard()
+    {
+        DeskRobot& desk = deskAt(m_classroom->url());
+        QVERIFY(desk.show());
+        QVERIFY(desk.find("User name")->hasFocus());
+        QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("teacher"));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("chalk"));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QVERIFY(desk.awaits("Start lesson"));
+        QTRY_VERIFY(desk.find("Start lesson")->hasFocus());
+        desk.press(Qt::Key_L);
+        QVERIFY(desk.awaits("Start poll"));
+        QTRY_VERIFY(desk.find("Kind of poll")->hasFocus());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+        QCOMPARE(desk.find<QComboBox>("Kind of poll")->currentText(), QStringLiteral("True or false"));
+        desk.press(Qt::Key_P);
+        QVERIFY(desk.awaits("Pause"));
+        desk.press(Qt::Key_U);
+        QVERIFY(desk.awaits("Resume"));
+        desk.press(Qt::Key_T);
+        QVERIFY(desk.awaits("Start poll"));
+        desk.press(Qt::Key_E);
+        QVERIFY(desk.awaits("Start lesson"));
+        desk.press(Qt::Key_O);
+        QVERIFY(desk.awaits("Service"));
+    }
+
+    void namesAllThatCanBeUsed()
+    {
+        DeskRobot& desk = deskAt(m_classroom->url());
+        QVERIFY(desk.show());
+        int controls = 0;
+        const QList<QWidget*> widgets = desk.window().findChildren<QWidget*>();
+        for (QWidget* widget : widgets) {
+            // What a control is made of goes by the control's name.
+            const bool isPart = widget->window() != &desk.window() ||
+                                (widget->parentWidget()->focusPolicy() & Qt::TabFocus) != 0;
+            if (!(widget->focusPolicy() & Qt::TabFocus) || isPart)
+                continue;
+            ++controls;
+            const QString name = DeskRobot::told(widget, QAccessible::Name);
+            QVERIFY2(!name.isEmpty(), widget->metaObject()->className());
+            QVERIFY2(!DeskRobot::told(widget, QAccessible::Description).isEmpty() ||
+                         widget->inherits("QGraphicsView"),
+                     qPrintable(name));
+        }
+        QCOMPARE(controls, 35);
+    }
+
+    // A class whose answers are always the same, so that the picture is; only the code differs.
+    void looksAsInThePictures()
+    {
+        DeskRobot& desk = deskAt(m_classroom->url());
+        QVERIFY(desk.show());
+        QVERIFY(Picture::keep(&desk.window(), QStringLiteral("login"), placeOf("Service", desk)));
+        remember(desk.startLesson());
+        const QStringList answers = {
+            QStringLiteral("Amara=1"),     QStringLiteral("Bea=1"),     QStringLiteral("Chidi=0"),
+            QStringLiteral("Dilan=1"),     QStringLiteral("Elif=2"),    QStringLiteral("Farid=1"),
+            QStringLiteral("Greta=3"),     QStringLiteral("Hana=none"), QStringLiteral("Ines=0"),
+            QStringLiteral("Jos\u00e9=1"), QStringLiteral("Kofi=2"),    QStringLiteral("Lena=none")};
+        const std::unique_ptr<NodeProgram> remote(devices(answers));
+        QVERIFY(desk.reads(QStringLiteral("Learners (12)")));
+        dropOnCards(desk, QStringLiteral(DESK_LEAF));
+        QVERIFY(desk.reads(QStringLiteral("1 of 1")));
+        QVERIFY(!remote->lineWith(QStringLiteral("joined")).isNull());
+        remote->say(QStringLiteral("pushCurrentCard"));
+        QVERIFY(desk.reads(QStringLiteral("Its last command: Show the card")));
+        QVERIFY(desk.click("Start poll"));
+        QVERIFY(desk.reads(QStringLiteral("10 of 12 answered")));
+        QCOMPARE(answersInWords(desk), QStringLiteral("A: 2, B: 5, C: 2, D: 1"));
+        QAccessibleInterface* const names =
+            QAccessible::queryAccessibleInterface(desk.find<QListView>("Learners"));
+        for (int i = 0; i < names->childCount(); ++i)
+            QCOMPARE(bool(names->child(i)->state().checked), !answers.at(i).endsWith(QLatin1String("none")));
+        const QString code = QString(m_code).insert(3, QLatin1Char(' '));
+        QVERIFY(Picture::keep(&desk.window(), QStringLiteral("lesson"),
+                              placeOf(code.toUtf8().constData(), desk)));
+    }
 
 private:
-    DeskRobot& deskAt(const QString& server);
+    DeskRobot& deskAt(const QString& server)
+    {
+        m_desk = std::make_unique<DeskRobot>(server);
+        return *m_desk;
+    }
+
+    NodeProgram* devices(const QStringList& answering = {})
+    {
+        return new NodeProgram(QStringLiteral(DESK_TESTS "/devices.mjs"),
+                               QStringList{QStringLiteral(DESK_CLASSROOM), m_classroom->url(), m_code} +
+                                   answering);
+    }
     void remember(const QString& code) { m_code = code; }
-    NodeProgram* devices(const QStringList& answering = {});
 
     std::unique_ptr<LocalClassroom> m_classroom;
     std::unique_ptr<DeskRobot> m_desk;
     QString m_code;
 };
-
-void tst_Desk::init()
-{
-    m_classroom = std::make_unique<LocalClassroom>();
-    QVERIFY2(!m_classroom->url().isEmpty(), "the classroom does not start");
-}
-
-void tst_Desk::cleanup()
-{
-    m_desk.reset();
-    m_classroom.reset();
-}
-
-DeskRobot& tst_Desk::deskAt(const QString& server)
-{
-    m_desk = std::make_unique<DeskRobot>(server);
-    return *m_desk;
-}
-
-NodeProgram* tst_Desk::devices(const QStringList& answering)
-{
-    return new NodeProgram(QStringLiteral(DESK_TESTS "/devices.mjs"),
-                           QStringList{QStringLiteral(DESK_CLASSROOM), m_classroom->url(), m_code} +
-                               answering);
-}
-
-void tst_Desk::saysWhyOneCannotLogInYet()
-{
-    DeskRobot& desk = deskAt(m_classroom->url());
-    QVERIFY(desk.show());
-    QVERIFY(!desk.find("Log in")->isEnabled());
-    QVERIFY(desk.find("Log in")->toolTip().contains(QStringLiteral("your password first")));
-    QCOMPARE(DeskRobot::told(desk.find("Log in"), QAccessible::Description), desk.find("Log in")->toolTip());
-    desk.type("User name", QStringLiteral("teacher"));
-    QVERIFY(!desk.find("Log in")->isEnabled());
-    desk.type("Password", QStringLiteral("chalk"));
-    QVERIFY(desk.find("Log in")->isEnabled());
-}
-
-void tst_Desk::tellsAWrongPassword()
-{
-    DeskRobot& desk = deskAt(m_classroom->url());
-    QVERIFY(desk.logIn(QStringLiteral("cha\"lk")));
-    QVERIFY(desk.reads(QStringLiteral("The service says: login.error.badCredentials")));
-    QVERIFY(desk.reads(QStringLiteral("Check the user name and the password")));
-    QTRY_VERIFY(desk.find("Password")->hasFocus());
-    QVERIFY(Picture::keep(&desk.window(), QStringLiteral("error"), placeOf("Service", desk)));
-}
-
-void tst_Desk::tellsAnAddressWhereNothingIs()
-{
-    const QString nowhere = SilentServer().url(); // closed again by now
-    DeskRobot& desk = deskAt(nowhere);
-    QVERIFY(desk.logIn());
-    QVERIFY(desk.reads(QStringLiteral("No classroom service answers at ") + nowhere));
-}
-
-void tst_Desk::canBeUsedWhileItWaits()
-{
-    const SilentServer silent;
-    DeskRobot& desk = deskAt(silent.url());
-    QVERIFY(desk.logIn());
-    QVERIFY(desk.find("Progress"));
-    QVERIFY(!desk.find("Log in")->isEnabled());
-    QVERIFY(desk.find("Log in")->toolTip().startsWith(QStringLiteral("Logging in to")));
-    QTRY_VERIFY(silent.hasPendingConnections());
-    QElapsedTimer clock;
-    clock.start();
-    QVERIFY(desk.click("Cancel"));
-    QVERIFY(desk.awaits("Log in"));
-    QVERIFY2(clock.elapsed() < 9000, "it waited for the service's 10 seconds");
-    QVERIFY(!desk.find("Progress"));
-    // It can be tried again.
-    desk.type("Service", m_classroom->url());
-    desk.type("Password", QStringLiteral("chalk"));
-    QVERIFY(desk.click("Log in"));
-    QVERIFY(desk.awaits("Start lesson"));
-}
-
-void tst_Desk::closesWhileItWaits()
-{
-    SilentServer silent;
-    DeskRobot& desk = deskAt(silent.url());
-    QVERIFY(desk.logIn());
-    QTRY_VERIFY(silent.hasPendingConnections());
-    QTcpSocket* const connection = silent.nextPendingConnection();
-    QTRY_VERIFY(connection->bytesAvailable() > 0);
-    QElapsedTimer clock;
-    clock.start();
-    desk.close();
-    QVERIFY2(clock.elapsed() < 9000, "it waited for the service's 10 seconds");
-    QTRY_COMPARE(connection->state(), QAbstractSocket::UnconnectedState);
-    QVERIFY(QApplication::topLevelWidgets().isEmpty());
-}
-
-void tst_Desk::putsEveryKindOfPoll()
-{
-    constexpr int count = 12;
-    DeskRobot& desk = deskAt(m_classroom->url());
-    const std::unique_ptr<NodeProgram> crowd(learners(m_classroom->url(), count));
-    QVERIFY(!desk.startLesson().isNull());
-    QVERIFY(desk.reads(QStringLiteral("Learners (%1)").arg(count)));
-    for (int kind = 0; kind < PollKind::all().size(); ++kind) {
-        QVERIFY(desk.awaits("Kind of poll"));
-        desk.find<QComboBox>("Kind of poll")->setCurrentIndex(kind);
-        QVERIFY(desk.click("Start poll"));
-        QVERIFY2(desk.reads(QStringLiteral("%1 of %1 answered").arg(count)),
-                 qPrintable(PollKind::all().at(kind).name));
-        QCOMPARE(sumOf(answersInWords(desk)), count);
-        QVERIFY(!desk.find("Start poll")->isEnabled());
-        QCOMPARE(desk.find("Start poll")->toolTip(), QStringLiteral("A poll is running: stop it first."));
-        QVERIFY(desk.click("Stop poll"));
-    }
-    QVERIFY(desk.click("End lesson"));
-    QVERIFY(desk.awaits("Start lesson"));
-    QCOMPARE(crowd->lineWith(QStringLiteral("learners: ")),
-             QStringLiteral("learners: joined=%1 questions=10 cards=0 answers=%2 decode-failures=0")
-                 .arg(count)
-                 .arg(count * PollKind::all().size()));
-    QVERIFY(desk.click("Log out"));
-    QVERIFY(desk.awaits("Service"));
-}
-
-void tst_Desk::pausesAndResumes()
-{
-    DeskRobot& desk = deskAt(m_classroom->url());
-    remember(desk.startLesson());
-    const std::unique_ptr<NodeProgram> remote(devices());
-    QVERIFY(!remote->lineWith(QStringLiteral("joined")).isNull());
-    QVERIFY(!desk.find("Pause")->isEnabled());
-    QCOMPARE(desk.find("Pause")->toolTip(), QStringLiteral("No poll is running."));
-    QVERIFY(desk.click("Start poll"));
-    QVERIFY(desk.click("Pause"));
-    QVERIFY(desk.reads(QStringLiteral("Multiple choice (paused)")));
-    QVERIFY(!remote->lineWith(QStringLiteral("remote: pause")).isNull());
-    QVERIFY(desk.click("Resume"));
-    QVERIFY(desk.awaits("Pause"));
-    QVERIFY(!remote->lineWith(QStringLiteral("remote: resume")).isNull());
-}
-
-void tst_Desk::showsCardsFromFilesAndDrops()
-{
-    DeskRobot& desk = deskAt(m_classroom->url());
-    const std::unique_ptr<NodeProgram> crowd(learners(m_classroom->url(), 2));
-    QVERIFY(!desk.startLesson().isNull());
-    QVERIFY(desk.reads(QStringLiteral("Learners (2)")));
-    QCOMPARE(desk.find("Show to learners")->toolTip(), QStringLiteral("Add a picture first."));
-
-    chooseInDialog(desk, QStringLiteral(DESK_LEAF));
-    QVERIFY(desk.click("Add picture\u2026"));
-    QVERIFY(desk.reads(QStringLiteral("1 of 1")));
-    QVERIFY(desk.click("Show to learners"));
-    QVERIFY(desk.click("End lesson"));
-    QVERIFY(crowd->lineWith(QStringLiteral("learners: ")).contains(QStringLiteral("cards=1 ")));
-
-    dropOnCards(desk, QStringLiteral(DESK_LEAF));
-    QVERIFY(desk.reads(QStringLiteral("2 of 2")));
-    QTest::keyClick(desk.find<QListWidget>("Cards"), Qt::Key_Up);
-    QVERIFY(desk.reads(QStringLiteral("1 of 2")));
-}
-
-void tst_Desk::refusesWhatIsNoPicture()
-{
-    DeskRobot& desk = deskAt(m_classroom->url());
-    QVERIFY(desk.logIn());
-    QVERIFY(desk.awaits("Start lesson"));
-    dropOnCards(desk, QStringLiteral(DESK_TESTS "/devices.mjs"));
-    QVERIFY(desk.reads(QStringLiteral("devices.mjs cannot be a card")));
-    QVERIFY(desk.click("Dismiss"));
-    QVERIFY(!desk.find("Dismiss"));
-}
-
-void tst_Desk::obeysTheRemoteControl()
-{
-    DeskRobot& desk = deskAt(m_classroom->url());
-    remember(desk.startLesson());
-    const std::unique_ptr<NodeProgram> remote(devices({QStringLiteral("Amara=none")}));
-    QVERIFY(!remote->lineWith(QStringLiteral("joined")).isNull());
-    dropOnCards(desk, QStringLiteral(DESK_LEAF));
-    QVERIFY(desk.reads(QStringLiteral("1 of 1")));
-    QVERIFY(!remote->lineWith(QStringLiteral("remote: currentCard {\"currentCard\":\"1\"")).isNull());
-
-    remote->say(QStringLiteral("presenterActive"));
-    QVERIFY(!remote->lineWith(QStringLiteral("remote: presenterIsActive")).isNull());
-    remote->say(QStringLiteral("requestLessonInfo"));
-    QVERIFY(
-        remote->lineWith(QStringLiteral("remote: currentLesson")).contains(QStringLiteral("at the desk")));
-
-    QFile leaf(QStringLiteral(DESK_LEAF));
-    QVERIFY(leaf.open(QIODevice::ReadOnly));
-    remote->say(QStringLiteral("addImageCard {\"name\":\"leaf\",\"url\":\"data:image/png;base64,%1\"}")
-                    .arg(QString::fromLatin1(leaf.readAll().toBase64())));
-    QVERIFY(desk.reads(QStringLiteral("2 of 2")));
-    remote->say(QStringLiteral("previousCard"));
-    QVERIFY(desk.reads(QStringLiteral("1 of 2")));
-    remote->say(QStringLiteral("nextCard"));
-    QVERIFY(desk.reads(QStringLiteral("2 of 2")));
-    QVERIFY(desk.reads(QStringLiteral("Next card")));
-
-    QVERIFY(desk.click("Start poll"));
-    QVERIFY(desk.awaits("Pause"));
-    remote->say(QStringLiteral("pause"));
-    QVERIFY(desk.awaits("Resume"));
-    remote->say(QStringLiteral("resume"));
-    QVERIFY(desk.awaits("Pause"));
-    remote->say(QStringLiteral("lockAll"));
-    QVERIFY(remote->lineWith(QStringLiteral("Amara: dialogShow"))
-                .contains(QStringLiteral("look at your teacher")));
-    remote->say(QStringLiteral("unlockAll"));
-    QVERIFY(
-        !remote->lineWith(QStringLiteral("Amara: dialogShow"), QStringLiteral("You can go on.")).isNull());
-    const std::unique_ptr<NodeProgram> crowd(learners(m_classroom->url(), 2));
-    QVERIFY(desk.reads(QStringLiteral("Learners (3)")));
-    remote->say(QStringLiteral("pushCurrentCard"));
-    remote->say(QStringLiteral("stopSession"));
-    QVERIFY(desk.awaits("Start lesson"));
-    QVERIFY(crowd->lineWith(QStringLiteral("learners: ")).contains(QStringLiteral("cards=1 ")));
-}
-
-void tst_Desk::endsTheLessonWhenItIsClosed()
-{
-    DeskRobot& desk = deskAt(m_classroom->url());
-    const std::unique_ptr<NodeProgram> crowd(learners(m_classroom->url(), 2));
-    QVERIFY(!desk.startLesson().isNull());
-    QVERIFY(desk.reads(QStringLiteral("Learners (2)")));
-    desk.close();
-    QVERIFY(!crowd->lineWith(QStringLiteral("learners: joined=2")).isNull());
-}
-
-void tst_Desk::tellsALostConnection()
-{
-    DeskRobot& desk = deskAt(m_classroom->url());
-    QVERIFY(!desk.startLesson().isNull());
-    m_classroom->kill();
-    QVERIFY(m_classroom->waitForFinished());
-    QVERIFY(desk.reads(QStringLiteral("The connection to the lesson is lost")));
-    QCOMPARE(desk.find("Start poll")->toolTip(), QStringLiteral("The connection is lost: reconnect first."));
-    QVERIFY(desk.find("Reconnect")->isEnabled());
-    QVERIFY(desk.click("End lesson"));
-    QVERIFY(desk.awaits("Start lesson"));
-}
-
-void tst_Desk::takesALostLessonUpAgain()
-{
-    Relay relay(QUrl(m_classroom->url()));
-    DeskRobot& desk = deskAt(relay.url());
-    const std::unique_ptr<NodeProgram> crowd(learners(m_classroom->url(), 2));
-    QVERIFY(!desk.startLesson().isNull());
-    QVERIFY(desk.reads(QStringLiteral("Learners (2)")));
-    relay.cut();
-    QVERIFY(desk.reads(QStringLiteral("The connection to the lesson is lost")));
-    QVERIFY(desk.click("Reconnect"));
-    QVERIFY(desk.reads(QStringLiteral("Learners (2)")));
-    QVERIFY(desk.click("Start poll"));
-    QVERIFY(desk.reads(QStringLiteral("2 of 2 answered")));
-    QVERIFY(!desk.text().contains(QStringLiteral("is lost")));
-}
-
-void tst_Desk::worksByKeyboard()
-{
-    DeskRobot& desk = deskAt(m_classroom->url());
-    QVERIFY(desk.show());
-    QVERIFY(desk.find("User name")->hasFocus());
-    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("teacher"));
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("chalk"));
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-    QVERIFY(desk.awaits("Start lesson"));
-    QTRY_VERIFY(desk.find("Start lesson")->hasFocus());
-    desk.press(Qt::Key_L);
-    QVERIFY(desk.awaits("Start poll"));
-    QTRY_VERIFY(desk.find("Kind of poll")->hasFocus());
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
-    QCOMPARE(desk.find<QComboBox>("Kind of poll")->currentText(), QStringLiteral("True or false"));
-    desk.press(Qt::Key_P);
-    QVERIFY(desk.awaits("Pause"));
-    desk.press(Qt::Key_U);
-    QVERIFY(desk.awaits("Resume"));
-    desk.press(Qt::Key_T);
-    QVERIFY(desk.awaits("Start poll"));
-    desk.press(Qt::Key_E);
-    QVERIFY(desk.awaits("Start lesson"));
-    desk.press(Qt::Key_O);
-    QVERIFY(desk.awaits("Service"));
-}
-
-void tst_Desk::namesAllThatCanBeUsed()
-{
-    DeskRobot& desk = deskAt(m_classroom->url());
-    QVERIFY(desk.show());
-    int controls = 0;
-    const QList<QWidget*> widgets = desk.window().findChildren<QWidget*>();
-    for (QWidget* widget : widgets) {
-        // What a control is made of goes by the control's name.
-        const bool isPart =
-            widget->window() != &desk.window() || (widget->parentWidget()->focusPolicy() & Qt::TabFocus) != 0;
-        if (!(widget->focusPolicy() & Qt::TabFocus) || isPart)
-            continue;
-        ++controls;
-        const QString name = DeskRobot::told(widget, QAccessible::Name);
-        QVERIFY2(!name.isEmpty(), widget->metaObject()->className());
-        QVERIFY2(!DeskRobot::told(widget, QAccessible::Description).isEmpty() ||
-                     widget->inherits("QGraphicsView"),
-                 qPrintable(name));
-    }
-    QCOMPARE(controls, 19);
-}
-
-// A class whose answers are always the same, so that the picture is; only the code differs.
-void tst_Desk::looksAsInThePictures()
-{
-    DeskRobot& desk = deskAt(m_classroom->url());
-    QVERIFY(desk.show());
-    QVERIFY(Picture::keep(&desk.window(), QStringLiteral("login"), placeOf("Service", desk)));
-    remember(desk.startLesson());
-    const QStringList answers = {
-        QStringLiteral("Amara=1"),     QStringLiteral("Bea=1"),     QStringLiteral("Chidi=0"),
-        QStringLiteral("Dilan=1"),     QStringLiteral("Elif=2"),    QStringLiteral("Farid=1"),
-        QStringLiteral("Greta=3"),     QStringLiteral("Hana=none"), QStringLiteral("Ines=0"),
-        QStringLiteral("Jos\u00e9=1"), QStringLiteral("Kofi=2"),    QStringLiteral("Lena=none")};
-    const std::unique_ptr<NodeProgram> remote(devices(answers));
-    QVERIFY(desk.reads(QStringLiteral("Learners (12)")));
-    dropOnCards(desk, QStringLiteral(DESK_LEAF));
-    QVERIFY(desk.reads(QStringLiteral("1 of 1")));
-    QVERIFY(!remote->lineWith(QStringLiteral("joined")).isNull());
-    remote->say(QStringLiteral("pushCurrentCard"));
-    QVERIFY(desk.reads(QStringLiteral("Its last command: Show the card")));
-    QVERIFY(desk.click("Start poll"));
-    QVERIFY(desk.reads(QStringLiteral("10 of 12 answered")));
-    QCOMPARE(answersInWords(desk), QStringLiteral("A: 2, B: 5, C: 2, D: 1"));
-    QAccessibleInterface* const names =
-        QAccessible::queryAccessibleInterface(desk.find<QListWidget>("Learners"));
-    for (int i = 0; i < names->childCount(); ++i)
-        QCOMPARE(bool(names->child(i)->state().checked), !answers.at(i).endsWith(QLatin1String("none")));
-    const QString code = m_code + QStringLiteral("\u00a0 Learners join with this code.");
-    QVERIFY(
-        Picture::keep(&desk.window(), QStringLiteral("lesson"), placeOf(code.toUtf8().constData(), desk)));
-}
 
 int main(int argc, char** argv)
 {

@@ -1,0 +1,204 @@
+#pragma once
+
+#include "Controls.h"
+
+#include <CalyxClient/Lesson>
+
+/// Draws the count of an answer as a bar; what is right has a tick.
+class Bars : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        constexpr int room = 64; // for the count behind the longest bar
+        const bool isRight = index.data(Calyx::PollResults::IsCorrectRole).toBool();
+        const int count = index.data(Calyx::PollResults::CountRole).toInt();
+        QRect bar = option.rect.adjusted(2, 4, -room, -4);
+        bar.setWidth(bar.width() * count / index.model()->property("highest").toInt());
+        painter->fillRect(bar,
+                          isRight ? QColor(0x2e, 0x7d, 0x32) : option.palette.color(QPalette::Highlight));
+        painter->drawText(option.rect.adjusted(bar.width() + 8, 0, 0, 0), Qt::AlignVCenter,
+                          QString::number(count) + (isRight ? QStringLiteral(" \u2713") : QString()));
+    }
+};
+
+/// What is asked, one question as a poll or several as an assessment, and what the learners answer.
+class Polls : public QTabWidget
+{
+    Q_DECLARE_TR_FUNCTIONS(Polls)
+    using Lesson = Calyx::Lesson;
+    using Question = Calyx::Question;
+
+public:
+    explicit Polls(Lesson* lesson) : m_lesson(lesson)
+    {
+        described(this, tr("One question, or several at each learner\u2019s own pace"), tr("What is asked"));
+        addTab(makePoll(), tr("Poll"));
+        addTab(makeAssessment(), tr("Assessment"));
+        connect(m_kind, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &Polls::chooseKind);
+        connect(m_options, &QLineEdit::textChanged, this, &Polls::refresh);
+        connect(m_ask, &QPushButton::clicked, this, [this] {
+            if (m_lesson->ask(question()))
+                m_pause->setFocus(); // the button that was pressed is disabled now
+        });
+        connect(m_pause, &QPushButton::clicked, lesson,
+                [lesson] { lesson->poll()->isPaused() ? lesson->resume() : lesson->pause(); });
+        connect(m_stop, &QPushButton::clicked, lesson, &Lesson::stop);
+        connect(m_show, &QPushButton::clicked, lesson, [lesson] { lesson->showResults(); });
+        connect(m_add, &QPushButton::clicked, this, [this] {
+            m_plan.questions.append(question());
+            refresh();
+        });
+        connect(m_clear, &QPushButton::clicked, this, [this] {
+            m_plan.questions.clear();
+            refresh();
+        });
+        connect(m_begin, &QPushButton::clicked, lesson, [this] { m_lesson->startAssessment(m_plan); });
+        connect(m_finish, &QPushButton::clicked, lesson, &Lesson::stopAssessment);
+        for (const auto change : {&Lesson::stateChanged, &Lesson::pollChanged, &Lesson::assessmentChanged})
+            connect(lesson, change, this, &Polls::refresh);
+        connect(lesson, &Lesson::answersChanged, this, &Polls::tellAnswers);
+        connect(lesson->roster(), &Calyx::Roster::changed, this, &Polls::tellAnswers);
+        chooseKind();
+        setFocusProxy(m_kind);
+    }
+
+private:
+    QWidget* makePoll()
+    {
+        using namespace Calyx::PollType;
+        for (const POLL_TYPE kind : {MULTIPLE, TRUE_FALSE, YES_NO_OTHER, SCALE, SORT, TEXT, WORD_SEED, NUMBER,
+                                     CREATIVE, MATH_FORMULA})
+            m_kind->addItem(Question::kindName(kind), kind);
+        m_kind->setMaxVisibleItems(m_kind->count());
+        m_options->setPlaceholderText(tr("Red; green; blue"));
+        m_chart->setItemDelegateForColumn(Calyx::PollResults::Count, new Bars(m_chart));
+        auto* page = new QWidget;
+        auto* form = new QFormLayout(page);
+        form->addRow(tr("&Kind"), m_kind);
+        form->addRow(tr("Question"), m_text);
+        form->addRow(tr("Num&ber of options"), m_count);
+        form->addRow(tr("Opt&ions"), m_options);
+        form->addRow(tr("Ri&ght answer"), m_right);
+        form->addRow(across({m_ask, m_pause, m_stop, m_show}));
+        form->addRow(m_answers);
+        form->addRow(quiet(m_chart));
+        return page;
+    }
+    QWidget* makeAssessment()
+    {
+        m_plan.title = tr("Assessment");
+        m_plan.mayGoBack = m_plan.showsSummary = true;
+        return arrange(new QWidget, QBoxLayout::TopToBottom,
+                       {m_planned, across({m_add, m_clear, m_begin, m_finish}), quiet(m_sheet)});
+    }
+    // Tab goes on to the next control, not through the cells.
+    static QTableView* quiet(QTableView* table)
+    {
+        table->setTabKeyNavigation(false);
+        table->setSelectionMode(QAbstractItemView::NoSelection);
+        table->setShowGrid(false);
+        table->verticalHeader()->hide();
+        table->horizontalHeader()->setStretchLastSection(true);
+        return table;
+    }
+    Question usual() const
+    {
+        return Question::usual(static_cast<Calyx::PollType::POLL_TYPE>(m_kind->currentData().toInt()));
+    }
+    Question question() const
+    {
+        Question question = usual();
+        question.text = m_text->text().trimmed();
+        if (!m_right->text().trimmed().isEmpty())
+            question.right = QStringList(m_right->text().trimmed());
+        question.optionCount = m_count->value();
+        for (const QString& option : m_options->text().split(QLatin1Char(';'), Qt::SkipEmptyParts))
+            question.options.append(option.trimmed());
+        return question;
+    }
+    void chooseKind()
+    {
+        using namespace Calyx::PollType;
+        const Question kind = usual();
+        const bool isFixed = kind.optionCount == 0 || kind.type == TRUE_FALSE || kind.type == YES_NO_OTHER;
+        m_count->setRange(isFixed ? kind.optionCount : 2, isFixed ? kind.optionCount : 26);
+        m_count->setValue(kind.optionCount);
+        m_options->clear();
+        m_right->clear();
+        refresh();
+    }
+    void refresh()
+    {
+        const Calyx::Poll* poll = m_lesson->poll();
+        const bool isAsked = poll && poll->isRunning();
+        const bool isAssessed = m_lesson->assessment() && m_lesson->assessment()->isRunning();
+        m_pause->setText(isAsked && poll->isPaused() ? tr("Res&ume") : tr("Pa&use"));
+        m_chart->setModel(poll ? poll->results() : nullptr);
+        for (int column : {Calyx::PollResults::Share, Calyx::PollResults::IsCorrect})
+            m_chart->setColumnHidden(column, true); // the bars show both
+        m_sheet->setModel(m_lesson->assessment());
+        const int planned = m_plan.questions.size();
+        m_planned->setText(planned == 0
+                               ? tr("Fill in a question on the page \u201cPoll\u201d, then add it here.")
+                               : tr("Questions: %1").arg(planned));
+
+        const QString closed = m_lesson->joinCode().isEmpty() ? tr("Start the lesson first.") : QString();
+        const QString isOn = isAsked ? tr("A poll is running: stop it first.") : QString();
+        const QString isOff = isAsked ? QString() : tr("No poll is running.");
+        const QString isEmpty = planned == 0 ? tr("Add a question first.") : QString();
+        const bool isFixed = m_count->minimum() == m_count->maximum();
+        allow(m_count, {isFixed ? tr("This kind of poll has no number of options to choose.") : QString(),
+                        m_options->text().isEmpty() ? QString() : tr("There are as many as texts.")});
+        allow(m_options, {m_count->maximum() == 0 ? tr("This kind of poll has no options.") : QString()});
+        allow(m_ask, {closed, isOn});
+        allow(m_pause, {isOff});
+        allow(m_stop, {isOff});
+        allow(m_show, {closed, poll ? QString() : tr("Nothing has been asked yet.")});
+        allow(m_clear, {isEmpty});
+        allow(m_begin,
+              {closed, isEmpty, isAssessed ? tr("An assessment is running: stop it first.") : QString()});
+        allow(m_finish, {isAssessed ? QString() : tr("No assessment is running.")});
+        tellAnswers();
+    }
+    void tellAnswers()
+    {
+        const Calyx::Poll* poll = m_lesson->poll();
+        if (!poll)
+            return m_answers->setText(tr("Start a poll: the answers appear here as they come in."));
+        const QString state = !poll->isRunning() ? tr(" (over)")
+                              : poll->isPaused() ? tr(" (paused)")
+                                                 : QString();
+        m_answers->setText(tr("%1%2: %3 of %4 answered")
+                               .arg(poll->title(), state)
+                               .arg(poll->answered())
+                               .arg(poll->expected()));
+    }
+
+    Lesson* m_lesson;
+    Calyx::AssessmentPlan m_plan;
+    QComboBox* m_kind = described(new QComboBox, tr("What the learners are asked for"), tr("Kind of poll"));
+    QLineEdit* m_text =
+        described(new QLineEdit, tr("What the learners read; empty: you ask in your own words"));
+    QSpinBox* m_count = described(new QSpinBox, tr("How many options the learners choose from"));
+    QLineEdit* m_options =
+        described(new QLineEdit, tr("What the options say, with a semicolon between them"));
+    QLineEdit* m_right =
+        described(new QLineEdit, tr("The right answer, options by their letters or numbers"));
+    QPushButton* m_ask = button(tr("Start &poll"), tr("Ask the learners"));
+    QPushButton* m_pause = button(tr("Pa&use"), tr("Let nobody answer for the time being, or go on"));
+    QPushButton* m_stop = button(tr("S&top poll"), tr("Take no more answers"));
+    QPushButton* m_show = button(tr("Sho&w results"), tr("Show the learners how the poll came out"));
+    QLabel* m_answers = plainLabel();
+    QTableView* m_chart = described(new QTableView, tr("How many gave which answer"), tr("Answers"));
+    QPushButton* m_add =
+        button(tr("Add &question"), tr("Take over the question of the page \u201cPoll\u201d"));
+    QPushButton* m_clear = button(tr("Clear"), tr("Take all questions out"));
+    QPushButton* m_begin =
+        button(tr("Start assess&ment"), tr("Have the learners work through the questions"));
+    QPushButton* m_finish = button(tr("Stop assessment"), tr("Take no more answers"));
+    QLabel* m_planned = plainLabel();
+    QTableView* m_sheet =
+        described(new QTableView, tr("What each learner answered"), tr("Answers by learner"));
+};
