@@ -57,7 +57,7 @@ public:
     /// is dropped. Sends nothing. Cookies of the service are kept in memory and sent back.
     PresenterClient(QObject* parent, QString server);
     /// Ends the keep-alive, then stops a session that has been started and not stopped: one request, for
-    /// whose answer it waits as every operation does.
+    /// whose reply it waits as every operation does.
     ~PresenterClient() override;
 
     /// Whether the last operation that could tell found the user logged in.
@@ -71,7 +71,7 @@ public:
     /// The error key that a failed operation has left: the service's own, when the reply had an HTTP error
     /// and its first key has "error" in it, or "SSLRootCertificateMissing". checkServer(), the log-ins and
     /// doStartSession() set it to null before they send, no other operation does. So it is also null after a
-    /// failure without such a key: nobody answered, the answer was no JSON, or it was a refusal with HTTP
+    /// failure without such a key: nobody answered, the reply was no JSON, or it was a refusal with HTTP
     /// status 200.
     QString lastError() const;
     /// The user who logs in; after doGetUserName(), and so after doStartSession(), as the service spells it.
@@ -164,9 +164,9 @@ public:
     /// Logs in with the credentials used last: password, else device token, else OAuth code. Does nothing
     /// without any. Whether it worked shows in isLoggedIn().
     void reLogin();
-    /// Tells the service that the login is still in use; an answer sets isServerReachable(). Every 60 seconds
+    /// Tells the service that the login is still in use; the reply sets isServerReachable(). Every 60 seconds
     /// by itself while logged in. Inside another operation's wait it returns when that wait ends, with or
-    /// without its answer, which is then processed when it comes, within 10 seconds.
+    /// without its reply, which is then processed when it comes, within 10 seconds.
     void sendKeepAlive();
 
     // Classroom session.
