@@ -8,8 +8,11 @@ const USAGE = `usage: node server.js [options]
 
 Runs the local classroom: the classroom service and its event bus, in memory.
 Prints "listening http://HOST:PORT" when it is ready; SIGINT or SIGTERM ends it.
+Where others than this machine reach it, the built-in accounts are closed. Without
+--user it makes a password then, and prints "password of teacher: PASSWORD".
 
   --host HOST                the address to bind to (127.0.0.1)
+  --name NAME                one more name by which browsers may ask for it; may be given again
   --port PORT                the port; 0, the default, takes a free one
   --user NAME:PASSWORD       one more account; may be given again
   --gzip                     send the service's replies gzip-encoded
@@ -23,6 +26,7 @@ Prints "listening http://HOST:PORT" when it is ready; SIGINT or SIGTERM ends it.
 const OPTIONS = {
   host: { type: 'string', default: '127.0.0.1' },
   port: { type: 'string', default: '0' },
+  name: { type: 'string', multiple: true, default: [] },
   user: { type: 'string', multiple: true, default: [] },
   gzip: { type: 'boolean', default: false },
   'sockjs-transports': { type: 'string' },
@@ -45,6 +49,7 @@ function read(args) {
     port: wholeNumber('port', values.port, 0, 65535),
     classroom: {
       users: values.user.map(account),
+      names: values.name,
       gzip: values.gzip,
       websocket: !values['disable-websocket'],
       ...(transports === undefined ? {} : { sockjsTransports: commaList(transports) }),
@@ -57,6 +62,8 @@ async function run({ host, port, classroom: options }) {
   const signalled = untilSignalled();
   const classroom = new Classroom(options);
   process.stdout.write(`listening ${await classroom.listen(host, port)}\n`);
+  const { madeAccount: made } = classroom;
+  if (made) process.stdout.write(`password of ${made.userId}: ${made.password}\n`);
   await signalled;
   await classroom.close();
   // Timers of closed bus connections would keep the process for seconds more.

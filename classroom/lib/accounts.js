@@ -6,6 +6,8 @@ import { MAX_DEVICE_TOKENS, MAX_REGISTRATIONS, MAX_USERS_REGISTERED } from './li
 
 const DEMO_FILE = new URL('../demo-accounts.json', import.meta.url);
 
+export const NO_ACCOUNTS = { users: [], oauth: [] };
+
 export function demoAccounts() {
   return JSON.parse(readFileSync(DEMO_FILE, 'utf8'));
 }
@@ -20,7 +22,7 @@ export class Accounts {
   #deviceTokens = new BoundedMap(MAX_DEVICE_TOKENS);
   #registrations = new BoundedMap(MAX_REGISTRATIONS);
 
-  constructor({ users, oauth } = demoAccounts(), extraUsers = []) {
+  constructor({ users, oauth }, extraUsers = []) {
     for (const { userId, password } of [...users, ...extraUsers]) this.#passwords.set(userId, password);
     for (const identity of oauth) this.#identities.set(pair(identity.provider, identity.code), { ...identity });
   }

@@ -1,7 +1,13 @@
+import { randomBytes } from 'node:crypto';
 import http from 'node:http';
+import { networkInterfaces } from 'node:os';
 import { accountRoutes } from './account-routes.js';
-import { Accounts } from './accounts.js';
+import { Accounts, NO_ACCOUNTS, demoAccounts } from './accounts.js';
 import { Bus } from './bus.js';
+import { failure } from './envelope.js';
+import { ownNames, refusalOf } from './gate.js';
+import { isLoopback, sendJson } from './http.js';
+import { MAX_QUEUED_BYTES } from './limits.js';
 import { Logins } from './logins.js';
 import { servePage } from './pages.js';
 import { resourceRoutes } from './resource-routes.js';
@@ -16,6 +22,12 @@ const DEFAULTS = {
   websocket: true,
   sockjsTransports: ['websocket', 'xhr-streaming', 'xhr-polling'],
   users: [],
+  // How long a client that polls may stay away before it counts as gone.
+  awayMs: 5000,
+  // How many bytes may wait for one that is slow.
+  maxQueued: MAX_QUEUED_BYTES,
+  // Names by which it may be asked for, beside its addresses and the machine's own.
+  names: [],
   log: () => {},
 };
 
@@ -25,21 +37,32 @@ const KEEP_ALIVE_MS = 65000;
 // A peer that has stopped reading does not hold up the end for longer than this.
 const CLOSE_GRACE_MS = 2000;
 
+/** Where others reach what listens at a host: at everything that this machine has, that is its first address in a network. */
+function reachable(host, address) {
+  if (!['0.0.0.0', '::'].includes(address)) return host;
+  const own = Object.values(networkInterfaces()).flat().find(({ internal, family }) => !internal && family === 'IPv4');
+  return own?.address ?? '127.0.0.1';
+}
+
 /** The whole classroom service in one process: REST, event bus and what is in memory. */
 export class Classroom {
   #server = http.createServer({ keepAliveTimeout: KEEP_ALIVE_MS });
   #sockets = new Set();
   #router;
   #bus;
+  #names;
+  // The account that has been made where nobody has given one: {userId, password}.
+  madeAccount = null;
 
   constructor(options = {}) {
     this.options = { ...DEFAULTS, ...options };
-    this.accounts = new Accounts(undefined, this.options.users);
+    this.#names = ownNames(this.options.names);
+    this.accounts = new Accounts(demoAccounts(), this.options.users);
     this.logins = new Logins();
-    this.sessions = new Sessions();
+    this.sessions = new Sessions(this.logins);
     this.uploads = new Uploads();
     this.#router = new Router(this, [...accountRoutes, ...sessionRoutes, ...resourceRoutes, ...toolRoutes]);
-    this.#bus = new Bus(this.sessions, { websocket: this.options.websocket });
+    this.#bus = new Bus(this.sessions, this.options);
     this.#server.on('request', (request, response) => this.#request(request, response));
     this.#server.on('upgrade', (request, socket, head) => this.#upgrade(request, socket, head));
     this.#server.on('connection', (socket) => this.#track(socket));
@@ -54,10 +77,20 @@ export class Classroom {
     return new Promise((resolve, reject) => {
       this.#server.once('error', reject);
       this.#server.listen(port, host, () => {
-        const shown = host.includes(':') ? `[${host}]` : host;
-        resolve(`http://${shown}:${this.#server.address().port}`);
+        const { address, port: taken } = this.#server.address();
+        if (!isLoopback(address)) this.#closeToStrangers();
+        const shown = reachable(host, address);
+        this.#names.add(shown.toLowerCase());
+        resolve(`http://${shown.includes(':') ? `[${shown}]` : shown}:${taken}`);
       });
     });
+  }
+
+  // The built-in accounts are known to everybody who has read about them.
+  #closeToStrangers() {
+    const { users } = this.options;
+    if (users.length === 0) this.madeAccount = { userId: 'teacher', password: randomBytes(9).toString('base64url') };
+    this.accounts = new Accounts(NO_ACCOUNTS, this.madeAccount ? [this.madeAccount] : users);
   }
 
   /** Ends every connection, after what has been written to it is out. */
@@ -84,12 +117,21 @@ export class Classroom {
     response.on('close', () => {
       this.log(`${request.method} ${path} ${response.statusCode} ${Date.now() - begun}ms`);
     });
+    const refused = refusalOf(request, this.#names);
+    if (refused) {
+      request.resume();
+      sendJson(response, 403, failure(refused), { headers: { connection: 'close' } });
+      return;
+    }
     if (this.#bus.handle(request, response, path) || servePage(request, response, path)) return;
     this.#router.handle(request, response, path, new URLSearchParams(query));
   }
 
   #upgrade(request, socket, head) {
     this.log(`${request.method} ${request.url.split('?')[0]} upgrade`);
-    this.#bus.upgrade(request, socket, head);
+    // Nobody else listens on a socket that is turned away: its error would end the process.
+    socket.on('error', () => {});
+    if (refusalOf(request, this.#names)) socket.end('HTTP/1.1 403 Forbidden\r\nConnection: close\r\nContent-Length: 0\r\n\r\n');
+    else this.#bus.upgrade(request, socket, head);
   }
 }

@@ -2,10 +2,10 @@ import { Refusal } from './envelope.js';
 import { MAX_FIELD_LENGTH } from './limits.js';
 
 /** The named members of a body, each a text that is not empty; `area` begins the key of the refusal. */
-export function requireTexts(body, area, names) {
+export function requireTexts(body, area, names, longest = MAX_FIELD_LENGTH) {
   return names.map((name) => {
     const value = body[name];
-    if (typeof value !== 'string' || value === '' || value.length > MAX_FIELD_LENGTH) {
+    if (typeof value !== 'string' || value === '' || value.length > longest) {
       throw new Refusal(400, `${area}.error.${name}`);
     }
     return value;

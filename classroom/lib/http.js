@@ -4,24 +4,36 @@ import { gzipSync } from 'node:zlib';
 import { Refusal } from './envelope.js';
 import { MAX_DRAINED_BODY } from './limits.js';
 
-/** The whole body, refused with 413 when it is longer than `limit`. */
-export function readBody(request, limit) {
+/**
+ * The whole body, refused with 413 when it is longer than `limit`, and with 503 when the lease, on what is held of it, does not
+ * give that much. What is refused is read to its end all the same, so that the connection stays usable.
+ */
+export function readBody(request, limit, lease) {
   return new Promise((resolve, reject) => {
     let chunks = [];
     let size = 0;
+    let refusal = null;
+    const refuse = (status, key) => {
+      refusal ??= new Refusal(status, key);
+      chunks = [];
+      lease.end();
+    };
     request.on('data', (chunk) => {
       size += chunk.length;
-      if (size <= limit) chunks.push(chunk);
-      else chunks = [];
+      if (size > limit) refuse(413, 'request.error.tooLarge');
+      else if (!refusal && !lease.take(chunk.length)) refuse(503, 'request.error.busy');
+      if (!refusal) chunks.push(chunk);
       if (size > MAX_DRAINED_BODY) request.destroy();
     });
-    request.on('end', () => {
-      if (size > limit) reject(new Refusal(413, 'request.error.tooLarge'));
-      else resolve(Buffer.concat(chunks));
-    });
+    request.on('end', () => (refusal ? reject(refusal) : resolve(Buffer.concat(chunks))));
     request.on('close', () => reject(new Refusal(400, 'request.error.cut')));
   });
 }
+
+const NOTHING = { take: () => false, end: () => {} };
+
+/** Reads a body of somebody who is refused, and holds nothing of it. */
+export const dropBody = (request) => readBody(request, MAX_DRAINED_BODY, NOTHING).catch(() => {});
 
 /** The JSON object in a body; anything else is refused. */
 export function parseObject(body) {

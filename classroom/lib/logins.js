@@ -23,17 +23,19 @@ export class Logins {
     this.#now = now;
   }
 
-  /** The user id of the request's login, or undefined; asking keeps the login alive. */
-  userOf(request) {
+  /** The request's login, {id, userId, from}, or undefined; asking keeps the login alive. */
+  of(request) {
     const id = loginId(request);
+    if (!this.isOpen(id)) return undefined;
+    const { userId } = this.#open.get(id);
+    this.#open.set(id, { userId, lastUse: this.#now() });
+    return { id, userId, from: request.socket?.remoteAddress };
+  }
+
+  isOpen(id) {
     const login = this.#open.get(id);
-    if (!login) return undefined;
-    if (this.#now() - login.lastUse > LOGIN_IDLE_MS) {
-      this.#open.delete(id);
-      return undefined;
-    }
-    this.#open.set(id, { userId: login.userId, lastUse: this.#now() });
-    return login.userId;
+    if (login && this.#now() - login.lastUse > LOGIN_IDLE_MS) this.#open.delete(id);
+    return this.#open.has(id);
   }
 
   /** Opens a login in place of the one that the request came with; returns the cookie to set. */

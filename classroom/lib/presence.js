@@ -27,7 +27,7 @@ export class Presence {
     const before = this.#places.get(user);
     this.#places.set(user, { session, address, connection });
     connection.users.add(user);
-    user.left = false;
+    session.came(user);
     if (!before) this.#tell(session, 'register', user);
   }
 

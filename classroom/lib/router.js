@@ -1,13 +1,22 @@
 // Finds the handler for a request, reads the body that it wants, and answers or refuses.
 
+import { Budget } from './budget.js';
 import { Refusal, failure } from './envelope.js';
-import { parseObject, readBody, sendJson } from './http.js';
-import { MAX_JSON_BODY, MAX_UPLOAD_BODY } from './limits.js';
+import { dropBody, parseObject, readBody, sendJson } from './http.js';
+import { MAX_HELD_BODIES, MAX_HELD_STRANGERS_BODIES, MAX_JSON_BODY, MAX_UPLOAD_BODY } from './limits.js';
+
+// A page of another site can post any text, but not as JSON.
+async function readJson(request, lease) {
+  const body = await readBody(request, MAX_JSON_BODY, lease);
+  const [type] = (request.headers['content-type'] ?? '').split(';');
+  if (type.trim().toLowerCase() !== 'application/json') throw new Refusal(415, 'request.error.contentType');
+  return parseObject(body);
+}
 
 const BODY_READERS = {
-  json: async (request) => parseObject(await readBody(request, MAX_JSON_BODY)),
-  none: async (request) => void await readBody(request, MAX_JSON_BODY),
-  upload: (request) => readBody(request, MAX_UPLOAD_BODY),
+  json: readJson,
+  none: async (request, lease) => void await readBody(request, MAX_JSON_BODY, lease),
+  upload: (request, lease) => readBody(request, MAX_UPLOAD_BODY, lease),
 };
 
 function compile({ path, method = 'POST', body = 'json', login = false, handle }) {
@@ -26,6 +35,8 @@ function decodeParams(groups = {}) {
 export class Router {
   #classroom;
   #routes;
+  #bodies = new Budget(MAX_HELD_BODIES);
+  #strangersBodies = new Budget(MAX_HELD_STRANGERS_BODIES);
 
   constructor(classroom, routes) {
     this.#classroom = classroom;
@@ -50,20 +61,27 @@ export class Router {
       query,
       params,
       classroom: this.#classroom,
-      // The login is looked up first: an upload by a stranger is refused, not parsed.
-      user: this.#classroom.logins.userOf(request),
+      // The login is looked up first: an upload by a stranger is refused, not kept.
+      login: this.#classroom.logins.of(request),
       setCookie: (cookie) => cookies.push(cookie),
     };
-    context.body = await this.#readBody(route, request, context.user);
-    const envelope = await route.handle(context);
+    context.user = context.login?.userId;
+    if (route.login && !context.login) {
+      await dropBody(request);
+      throw new Refusal(403, 'login.error.required');
+    }
+    const envelope = await this.#handle(route, context);
     if (envelope) this.#send(response, 200, envelope, cookies.length ? { 'set-cookie': cookies } : {});
   }
 
-  // The body of a refused request is read all the same, so that the connection stays usable.
-  async #readBody(route, request, user) {
-    if (!route.login || user !== undefined) return BODY_READERS[route.body](request);
-    await readBody(request, MAX_UPLOAD_BODY);
-    throw new Refusal(403, 'login.error.required');
+  async #handle(route, context) {
+    const lease = (context.login ? this.#bodies : this.#strangersBodies).lease();
+    try {
+      context.body = await BODY_READERS[route.body](context.request, lease);
+      return await route.handle(context);
+    } finally {
+      lease.end();
+    }
   }
 
   #find(request, path) {

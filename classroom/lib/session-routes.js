@@ -3,17 +3,18 @@
 import { Refusal, success } from './envelope.js';
 import { requireSourceSystem, requireTexts } from './fields.js';
 import { ownAddress } from './http.js';
+import { MAX_NAME_LENGTH } from './limits.js';
 import { MODES } from './sessions.js';
 
-function create({ classroom, user }) {
-  return success({ sessionCode: classroom.sessions.create(user).code });
+function create({ classroom, login }) {
+  return success({ sessionCode: classroom.sessions.create(login).code });
 }
 
-function start({ classroom, body, user, request }) {
+function start({ classroom, body, login }) {
   requireSourceSystem(body, 'session');
   const [code, , version] = requireTexts(body, 'session', ['sessionCode', 'serverUrl', 'version']);
   if (!/^3\./.test(version)) throw new Refusal(400, 'session.error.version');
-  const session = classroom.sessions.start(code, user, request.socket.remoteAddress);
+  const session = classroom.sessions.start(code, login);
   return success({ sessionCode: session.code, sessionToken: session.token });
 }
 
@@ -21,7 +22,7 @@ function start({ classroom, body, user, request }) {
 // given the address at which it has reached us, not the presenter's: that one may be a loopback address.
 function join({ classroom, body, user, request }) {
   const names = ['userName', 'sessionCode', 'mode', 'deviceName', 'deviceType'];
-  const [userName, code, mode, deviceName, deviceType] = requireTexts(body, 'session', names);
+  const [userName, code, mode, deviceName, deviceType] = requireTexts(body, 'session', names, MAX_NAME_LENGTH);
   if (!MODES.includes(mode)) throw new Refusal(400, 'session.error.mode');
   if (mode === 'presenter' && user === undefined) throw new Refusal(403, 'login.error.required');
   const session = classroom.sessions.byCode(code);
@@ -30,18 +31,18 @@ function join({ classroom, body, user, request }) {
   return success({ userToken: joined.token, sessionToken: session.token, serverUrl: ownAddress(request) });
 }
 
-function getUsers({ classroom, body, user }) {
+function getUsers({ classroom, body, login }) {
   const [token] = requireTexts(body, 'session', ['sessionToken']);
-  const users = classroom.sessions.owned(token, user).present();
+  const users = classroom.sessions.owned(token, login).present();
   return success({
     users: users.map(({ token: userToken, userName, mode, deviceName, deviceType }) => (
       { userToken, userName, mode, deviceName, deviceType })),
   });
 }
 
-function stop({ classroom, body, user }) {
+function stop({ classroom, body, login }) {
   const [token] = requireTexts(body, 'session', ['sessionToken']);
-  classroom.sessions.stop(token, user);
+  classroom.sessions.stop(token, login);
   return success();
 }
 

@@ -47,33 +47,34 @@ check('a login ends when it is not used for half an hour, and use prolongs it', 
   const cookie = logins.open({ headers: {} }, 'ann').split(';')[0];
   const request = { headers: { cookie: `other=1; ${cookie}` } };
   now += LOGIN_IDLE_MS;
-  assert.equal(logins.userOf(request), 'ann');
+  assert.equal(logins.of(request).userId, 'ann');
   now += LOGIN_IDLE_MS;
-  assert.equal(logins.userOf(request), 'ann');
+  assert.equal(logins.of(request).userId, 'ann');
   now += LOGIN_IDLE_MS + 1;
-  assert.equal(logins.userOf(request), undefined);
-  assert.equal(logins.userOf({ headers: {} }), undefined);
+  assert.equal(logins.of(request), undefined);
+  assert.equal(logins.of({ headers: {} }), undefined);
 });
 
 check('a full house gives up sessions that never started, then idle ones, then refuses', () => {
-  const sessions = new Sessions();
-  const codes = Array.from({ length: MAX_SESSIONS }, () => sessions.create('ann').code);
+  const ANN = { id: 'a login', userId: 'ann' };
+  const sessions = new Sessions(new Logins());
+  const codes = Array.from({ length: MAX_SESSIONS }, () => sessions.create(ANN).code);
   assert.equal(new Set(codes).size, MAX_SESSIONS);
-  codes.slice(1).forEach((code) => sessions.start(code, 'ann'));
+  codes.slice(1).forEach((code) => sessions.start(code, ANN));
   codes.slice(2).forEach((code) => sessions.byCode(code).connections.add({}));
   const stopped = [];
   sessions.on('stopped', (session) => stopped.push(session.code));
-  const extra = sessions.create('ann');
+  const extra = sessions.create(ANN);
   assert.throws(() => sessions.byCode(codes[0]), { key: 'session.error.unknownCode' });
   assert.deepEqual(stopped, []);
-  sessions.start(extra.code, 'ann');
+  sessions.start(extra.code, ANN);
   extra.connections.add({});
-  sessions.byToken(sessions.create('ann') && extra.token);
+  sessions.byToken(sessions.create(ANN) && extra.token);
   assert.deepEqual(stopped, [codes[1]]);
   const last = sessions.list().find(({ started }) => !started);
-  sessions.start(last.code, 'ann');
+  sessions.start(last.code, ANN);
   sessions.byCode(last.code).connections.add({});
-  assert.throws(() => sessions.create('ann'), { status: 429, key: 'session.error.tooMany' });
+  assert.throws(() => sessions.create(ANN), { status: 429, key: 'session.error.tooMany' });
 });
 
 check('the oldest upload makes room for a new one', () => {
