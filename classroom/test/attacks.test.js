@@ -91,7 +91,7 @@ const FRAME = Buffer.from([0x81, 0xff, 0, 0, 0, 0, 0, 0xf0, 0, 0, 0, 0, 0, 0]);
 
 for (const [what, head, count, megabytes] of [
   ['uploads', post('/tavisto/resource/uploadResourceFile', 31 * MIB), 20, 15],
-  ['logins', post('/tavisto/login/submit', MIB, 'Content-Type: application/json\r\n'), 200, 0.75],
+  ['logins', post('/tavisto/login/submit', MIB, 'Content-Type: application/json\r\n'), 400, 0.9],
   ['messages to no session', post('/eventbus/119/nobody/xhr_send', 15 * MIB), 20, 14],
   ['frames of a WebSocket', Buffer.concat([Buffer.from(UPGRADE), FRAME]), 20, 14],
 ]) {
