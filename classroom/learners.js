@@ -8,8 +8,8 @@ const USAGE = `usage: node learners.js --url URL --session CODE|auto --count N [
 
 Joins simulated learners to a session of the classroom at URL. They answer what they are asked until
 the session ends, then one line of totals is printed and, for each assessment, a table of what they meant
-to answer. Exit status 0: all have joined, and everything that they were sent could be
-decoded.
+to answer. Exit status 0: all have joined, none has lost the service, and everything that they were
+sent could be decoded.
 
   --url URL            the classroom's address
   --session CODE|auto  the code of a started session; "auto" takes the newest whose presenter is
@@ -17,6 +17,7 @@ decoded.
   --count N            how many learners
   --answer-after MS    how long each thinks before it answers (0)
   --repeat             when a session has ended, wait for the next, until SIGINT or SIGTERM
+  --reconnect          make lost connections again, and send the answers to open questions once more
   --transports LIST    the SockJS transports to use (all): websocket,xhr-streaming,xhr-polling
   --quiet              nothing on stderr
   --help               this text
@@ -28,6 +29,7 @@ const OPTIONS = {
   count: { type: 'string' },
   'answer-after': { type: 'string', default: '0' },
   repeat: { type: 'boolean', default: false },
+  reconnect: { type: 'boolean', default: false },
   transports: { type: 'string' },
   quiet: { type: 'boolean', default: false },
 };
@@ -55,6 +57,7 @@ function read(args) {
       url: baseUrl(values.url),
       count: wholeNumber('count', values.count, 1, 10000),
       answerAfter: wholeNumber('answer-after', values['answer-after'], 0, 3600000),
+      reconnect: values.reconnect,
       transports: values.transports === undefined ? undefined : commaList(values.transports),
       note: values.quiet ? () => {} : (line) => process.stderr.write(`${line}\n`),
     },

@@ -11,6 +11,7 @@ const sum = (learners, what) => learners.reduce((total, learner) => total + lear
 export class Crowd {
   totals = { joined: 0, questions: 0, cards: 0, answers: 0, decodeFailures: 0 };
   refused = 0;
+  lost = 0;
   // The assessments by token: {title, rows}, a row for each learner: the name, then what was meant as each answer.
   #assessments = new Map();
   #settings;
@@ -21,7 +22,7 @@ export class Crowd {
   }
 
   get ok() {
-    return this.refused === 0 && this.totals.decodeFailures === 0;
+    return this.refused === 0 && this.lost === 0 && this.totals.decodeFailures === 0;
   }
 
   // Questions and cards are the most that any one learner of a session got, so that the total of the
@@ -87,6 +88,7 @@ export class Crowd {
     this.totals.cards += most(learners, 'cards');
     this.totals.answers += sum(learners, 'answers');
     this.totals.decodeFailures += sum(learners, 'decodeFailures');
+    this.lost += learners.filter(({ lost }) => lost).length;
     for (const learner of learners) this.#collectMeant(learner);
   }
 

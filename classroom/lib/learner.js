@@ -1,6 +1,7 @@
 import EventBus from 'vertx3-eventbus-client';
 import { answerInWords, answerPoll, answerQuestion, responseTime, seedOf } from './answers.js';
 import { decodeData, encodeData } from './codec.js';
+import { CLOSE_SESSION_ENDED } from './connection.js';
 import { OPEN_MS } from './limits.js';
 import { post } from './rest.js';
 
@@ -8,6 +9,7 @@ const DEVICE_TYPES = ['tablet', 'laptop', 'phone'];
 const FIRST_NAMES = ['Ann', 'Zoë', 'Łukasz', 'Ада', '小明', 'José', 'Bea', 'Tom'];
 // As often as the presenter; the client's own default of 5 s is a thousand frames a second from 5,000 learners.
 const PING_MS = 60000;
+const RETRY_MS = 500;
 
 const forms = {
   question: {
@@ -32,6 +34,8 @@ export class Learner {
   dialogs = 0;
   heavyNotices = 0;
   decodeFailures = 0;
+  // The connection was lost, and the session with it.
+  lost = false;
   // What is meant as answers, for each assessment: {title, token, answers}, the answers a Map by question number.
   meant = [];
   #index;
@@ -44,9 +48,14 @@ export class Learner {
   #due = false;
   #paused = false;
   #assessment = null;
+  #over = false;
+  #joined = false;
+  #comeBack;
+  // The last answer, [type, value], while its question is open: it goes out again after a lost connection.
+  #answered = null;
 
   /**
-   * settings: url, transports (undefined: all), answerAfter in ms, note(text) for what goes wrong, and answerBy: "order" for
+   * settings: reconnect (whether a lost connection is made again), url, transports (undefined: all), answerAfter in ms, note(text) for what goes wrong, and answerBy: "order" for
    * answers that are the same in each lesson, whatever the questions' ids.
    */
   constructor(index, settings) {
@@ -60,6 +69,7 @@ export class Learner {
 
   /** Resolves once the join message has been sent; rejects when the service or the bus refuses. */
   async join(sessionCode, signal) {
+    this.#comeBack = () => this.join(sessionCode, signal);
     const { url, transports } = this.#settings;
     const joined = await post(url, '/tavisto/classroom/session/join', {
       userName: this.userName,
@@ -67,6 +77,7 @@ export class Learner {
       mode: 'learner',
       deviceName: `simulated-${this.#index + 1}`,
       deviceType: this.deviceType,
+      userToken: this.token,
     }, { signal });
     this.token = joined.userToken;
     this.sessionToken = joined.sessionToken;
@@ -74,9 +85,13 @@ export class Learner {
     await this.#opened();
     this.#listen();
     this.#publish('join', { userName: this.userName, deviceType: this.deviceType });
+    this.#joined = true;
+    if (this.#answered) this.#publish(...this.#answered);
+    if (this.#assessment && !this.#open) this.#getQuestion();
   }
 
   leave() {
+    this.#over = true;
     this.#drop();
     this.#assessment = null;
     const live = this.#bus && [EventBus.CONNECTING, EventBus.OPEN].includes(this.#bus.state);
@@ -95,9 +110,38 @@ export class Learner {
       this.#bus.onclose = (event) => {
         clearTimeout(timer);
         reject(new Error(`the bus was closed: ${event.code} ${event.reason}`));
-        this.leave();
+        this.#closed(event.code);
       };
     });
+  }
+
+  #closed(code) {
+    if (this.#over || !this.#joined || code === CLOSE_SESSION_ENDED) return this.leave();
+    if (this.#settings.reconnect) return this.#retryLater();
+    this.#settings.note(`${this.userName} has lost the service`);
+    return this.#loseAll();
+  }
+
+  #loseAll() {
+    this.lost = true;
+    this.leave();
+  }
+
+  #retryLater() {
+    // Not all at once, when a whole class has lost its connection.
+    this.#joined = false;
+    const timer = setTimeout(() => this.#retry(), RETRY_MS * (1 + Math.random()));
+    this.ended.then(() => clearTimeout(timer));
+  }
+
+  async #retry() {
+    try {
+      await this.#comeBack();
+    } catch (error) {
+      if (this.#over) return;
+      if (/^session\.error\./.test(error.message)) this.#loseAll();
+      else this.#retryLater();
+    }
   }
 
   #listen() {
@@ -144,6 +188,11 @@ export class Learner {
   }));
 
   #ask(form, document) {
+    // The same again, to who has answered it: so that nobody's answer is missing.
+    if (this.#settings.reconnect && document.id !== undefined && this.#answered?.[2] === document.id) {
+      this.#publish(...this.#answered);
+      return;
+    }
     this.#drop();
     this.questions += 1;
     if (this.#isOfAssessment(document)) {
@@ -158,6 +207,7 @@ export class Learner {
   // A new question starts unpaused, as a new poll does.
   #drop() {
     clearTimeout(this.#timer);
+    this.#answered = null;
     this.#open = null;
     this.#due = false;
     this.#paused = false;
@@ -177,12 +227,14 @@ export class Learner {
     const { form, document } = this.#open;
     this.#drop();
     const time = responseTime(seedOf(this.#index, this.#keyOf(document)), this.#settings.answerAfter);
-    const sent = this.#publish(form.type, {
+    const value = {
       ...form.answer(document, this.#index, this.#keyOf(document)),
       responseTime: time,
       studentAssessmentToken: this.#assessment?.token,
-    });
-    if (sent) this.answers += 1;
+    };
+    const sent = this.#publish(form.type, value);
+    if (sent || this.#settings.reconnect) this.answers += 1;
+    this.#answered = [form.type, value, document.id];
     this.#goOn(document);
   }
 

@@ -8,7 +8,7 @@ import { heading, teach } from './support/class.js';
 import { codeField, command, joinController, stateOf, told } from './support/controller.js';
 import { press, tabTo } from './support/keyboard.js';
 import { PNG } from './support/pictures.js';
-import { openWire } from './support/wire.js';
+import { openWire } from '../test/support/wire.js';
 
 after(closeBrowser);
 

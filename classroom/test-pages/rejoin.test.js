@@ -4,7 +4,7 @@ import { check } from './support/check.js';
 import { assertAccessible } from './support/accessible.js';
 import { closeBrowser, openContext, openPage } from './support/browser.js';
 import { field, heading, joinLearner, lesson, send, sendForm, sent, teach } from './support/class.js';
-import { openWire } from './support/wire.js';
+import { openWire } from '../test/support/wire.js';
 
 after(closeBrowser);
 
@@ -65,6 +65,42 @@ check('a dropped connection is made again, as the same learner, and nothing begu
   await send(page).click();
   const { from, value } = await presenter.next('questionResponse');
   assert.deepEqual([from, value.answer], [token, 'begun']);
+});
+
+check('an answer that is lost on a frozen link goes out again when there is another', async (t) => {
+  const room = await teach(t);
+  const wire = await openWire(t, room.url);
+  const { page, token } = await joinLearner(t, room, { at: wire.url });
+  const { presenter } = room;
+  page.mayFail = true;
+  presenter.ask({ id: 'q', type: 'word-seed' });
+  await field(page, WORD).fill('leaf');
+  wire.freeze();
+  await send(page).click();
+  await page.getByText(LOST).waitFor();
+  wire.mend();
+  const { from, value } = await presenter.next('questionResponse');
+  assert.deepEqual([from, value.answer], [token, 'leaf']);
+  await page.getByText(LOST).waitFor({ state: 'detached' });
+  await sent(page);
+});
+
+check('a learner is in when the class knows of it, and not before', async (t) => {
+  const room = await teach(t);
+  const wire = await openWire(t, room.url);
+  const page = await openPage(t, await openContext(t));
+  await page.goto(`${wire.url}/?code=${room.presenter.code}`);
+  page.mayFail = true;
+  await page.route('**/eventbus/info*', (route) => {
+    wire.freeze();
+    return route.continue();
+  }, { times: 1 });
+  await sendForm(page, { name: 'Ann' });
+  await page.getByText(LOST).waitFor();
+  assert.equal(await page.getByText('You are in').count(), 0);
+  wire.mend();
+  await heading(page, 'You are in');
+  assert.equal((await room.presenter.next('join')).value.userName, 'Ann');
 });
 
 check('a session that has ended while the connection was lost is over', async (t) => {

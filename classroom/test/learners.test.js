@@ -4,6 +4,7 @@ import { Crowd } from '../lib/crowd.js';
 import { Learner } from '../lib/learner.js';
 import { check } from './support/check.js';
 import { startClassroom } from './support/classroom.js';
+import { openWire } from './support/wire.js';
 import { Presenter } from './support/presenter.js';
 import { runProgram, runServer } from './support/program.js';
 
@@ -287,4 +288,28 @@ check('questions of a crowd are the most that one learner was asked', async (t) 
   await attended;
   assert.ok(crowd.ok);
   assert.equal(crowd.summary(), 'learners: joined=2 questions=2 cards=0 answers=3 decode-failures=0');
+});
+
+check('learners who have lost the service end with 1; with --reconnect they come back with their answers', async (t) => {
+  for (const [more, code] of [[[], 1], [['--reconnect'], 0]]) {
+    const { classroom, url } = await startClassroom(t);
+    const presenter = await Presenter.open(t, url);
+    const wire = await openWire(t, url);
+    const learners = learnersOf(t, wire.url, ['--session', presenter.code, '--count', '2', '--quiet', ...more]);
+    const before = await presenter.all('join', 2);
+    presenter.ask({ id: 'one', type: 'text' });
+    const answers = await presenter.all('questionResponse', 2);
+    wire.cut();
+    wire.mend();
+    if (code === 0) {
+      const tokens = (messages) => messages.map(({ from }) => from).sort();
+      assert.deepEqual(tokens(await presenter.all('join', 2)), tokens(before));
+      const again = await presenter.all('questionResponse', 2);
+      for (const { from, value } of again) assert.deepEqual(value, answers.find((one) => one.from === from).value);
+      await presenter.stop();
+    }
+    assert.deepEqual(await learners.exited, { code, signal: null }, learners.stderr());
+    assert.match(learners.lines[0], /joined=2 questions=1 cards=0 answers=2 /);
+    await classroom.close();
+  }
 });

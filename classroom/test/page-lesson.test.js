@@ -254,3 +254,21 @@ check('what was kept by another version of the page does not break it', () => {
     assert.equal(one.shows, 'waiting');
   }
 });
+
+check('an answer goes out again after a lost connection, also over a reload, while its question is open', async () => {
+  const made = lesson();
+  made.lesson.sendAgain();
+  made.receive('questionStart', choice('q'));
+  made.lesson.sendAgain();
+  await made.lesson.answer({ picked: [1] });
+  made.lesson.sendAgain();
+  const later = made.open();
+  later.restore(JSON.parse(JSON.stringify(made.lesson)));
+  later.sendAgain();
+  later.handlers.questionStart(choice('q'));
+  assert.deepEqual(made.sent.map((one) => JSON.stringify(one)), Array(4).fill(JSON.stringify(made.sent[0])));
+  later.handlers.pollStop('p');
+  later.sendAgain();
+  assert.equal(made.sent.length, 4);
+  assert.deepEqual([later.activity.answer, later.activity.closed], [{ picked: [1] }, true]);
+});

@@ -6,6 +6,9 @@ const { EventBus } = globalThis;
 const PING_MS = 60000;
 const FIRST_RETRY_MS = 500;
 const LAST_RETRY_MS = 8000;
+// A bus is to open, and whatever is sent is followed by a message to itself. When nothing comes back for so long, the link is dead, whatever the
+// browser thinks of it.
+const SILENCE_MS = 10000;
 const CLOSED_WITH_SESSION = 3001;
 const SESSION_IS_OVER = ['session.error.unknownCode', 'session.error.notStarted'];
 
@@ -23,14 +26,17 @@ export class Device {
   #bus = null;
   #tries = 0;
   #timer;
+  #silence;
+  // The bus is open, and has registered the addresses.
+  #isIn = false;
   #over = false;
   #receiving = Promise.resolve();
   #sending = Promise.resolve();
 
   /**
    * settings: mode; addresses, what to listen at beside the session's and the own one (".learner"); handlers, a
-   * function (value, isMine) by message type; onState(state, reason), with the states "open", "lost" and "over" and
-   * the reasons "stopped", "removed" and "elsewhere".
+   * function (value, isMine) by message type; onState(state, reason), with the states "open" (the addresses are
+   * registered), "lost" and "over" and the reasons "stopped", "removed" and "elsewhere".
    */
   constructor(settings) {
     this.#settings = settings;
@@ -55,6 +61,7 @@ export class Device {
       const data = await this.#codec.encode(value);
       if (!this.connected) return false;
       this.#bus.publish(`${this.#token}.presenter`, { from: this.#profile.userToken, type, data });
+      this.#callBack(this.#bus);
       return true;
     }).catch((error) => {
       console.warn(`A "${type}" cannot be sent:`, error.message);
@@ -67,6 +74,7 @@ export class Device {
   leave() {
     this.#over = true;
     clearTimeout(this.#timer);
+    this.#heard();
     if ([EventBus.CONNECTING, EventBus.OPEN].includes(this.#bus?.state)) this.#bus.close();
   }
 
@@ -81,33 +89,57 @@ export class Device {
   #open() {
     const bus = new EventBus(`${location.origin}/eventbus`, { vertxbus_ping_interval: PING_MS });
     this.#bus = bus;
+    this.#isIn = false;
+    this.#silence = setTimeout(() => bus.close(), SILENCE_MS);
     bus.onopen = () => this.#opened(bus);
     bus.onclose = ({ code }) => this.#closed(code);
     bus.onerror = (error) => console.warn('The bus reports', error);
   }
 
   #opened(bus) {
-    this.#tries = 0;
-    const own = `${this.#token}.user.${this.#profile.userToken}`;
+    const own = this.#own;
     const others = this.#settings.addresses.map((address) => this.#token + address);
     for (const address of [this.#token, ...others, own]) {
       bus.registerHandler(address, (error, message) => {
         if (!error && bus === this.#bus) this.#receive(message.body, address === own);
       });
     }
-    bus.publish(own, { type: 'here', page: this.#page });
-    this.#settings.onState('open');
+    this.#callBack(bus);
+  }
+
+  get #own() {
+    return `${this.#token}.user.${this.#profile.userToken}`;
+  }
+
+  // A device may talk to itself: what comes back has followed all that was sent before.
+  #callBack(bus) {
+    bus.publish(this.#own, { type: 'here', page: this.#page });
+    this.#silence ??= setTimeout(() => bus.close(), SILENCE_MS);
+  }
+
+  #heard() {
+    clearTimeout(this.#silence);
+    this.#silence = undefined;
   }
 
   // One after the other, although each is decoded elsewhere: a "pollStop" never overtakes its question.
   #receive(body, isMine) {
+    this.#heard();
     if (body?.type === 'here' && isMine) {
-      if (body.page !== this.#page) this.#end('elsewhere');
+      if (body.page === this.#page) this.#registered();
+      else this.#end('elsewhere');
     } else if (body?.type === 'disconnect') {
       this.#receiving = this.#receiving.then(() => this.#end(isMine ? 'removed' : 'stopped'));
     } else if (Object.hasOwn(this.#settings.handlers, body?.type)) {
       this.#receiving = this.#receiving.then(() => this.#handle(body, isMine));
     }
+  }
+
+  #registered() {
+    if (this.#isIn || this.#over) return;
+    this.#isIn = true;
+    this.#tries = 0;
+    this.#settings.onState('open');
   }
 
   async #handle({ type, data }, isMine) {
@@ -120,6 +152,7 @@ export class Device {
   }
 
   #closed(code) {
+    this.#heard();
     if (this.#over) return;
     if (code === CLOSED_WITH_SESSION) {
       this.#receiving.then(() => this.#end('stopped'));

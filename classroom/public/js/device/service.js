@@ -1,3 +1,5 @@
+const ANSWER_MS = 10000;
+
 /** What the service refuses, by the key that it gives. */
 export class Refused extends Error {
   constructor(key) {
@@ -24,6 +26,7 @@ export async function join(profile) {
     method: 'POST',
     headers: { 'content-type': 'application/json; charset=UTF-8' },
     body: JSON.stringify(profile),
+    signal: AbortSignal.timeout(ANSWER_MS),
   });
   const { success, errorMsgKeys, data } = await reply.json();
   if (!success) throw new Refused(errorMsgKeys[0]);

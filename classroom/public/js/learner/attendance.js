@@ -15,6 +15,10 @@ export class Attendance {
   place = null;
   #onEnd;
   #timer;
+  // The class knows of this learner: until then nothing is shown.
+  #isIn = false;
+  #arrive;
+  #arrived = new Promise((resolve) => { this.#arrive = resolve; });
   #lesson = new Lesson({
     publish: (type, value) => this.#device.publish(type, value),
     changed: () => this.#changed(),
@@ -38,12 +42,12 @@ export class Attendance {
     this.#onEnd = onEnd;
   }
 
-  /** Joins, or comes back to a place. Rejects when the service refuses. */
+  /** Joins, or comes back to a place; resolves once the join has gone out. Rejects when the service refuses. */
   async join(wanted) {
     this.place = await this.#device.join(wanted);
     const saved = recall('sessionStorage', LESSON_KEY);
     if (saved?.userToken === this.place.userToken) this.#lesson.restore(saved.lesson);
-    else this.#changed();
+    await this.#arrived;
     this.#timer = setInterval(() => this.#page.tick(), 1000);
     addEventListener('pagehide', this.#keep);
     document.addEventListener('visibilitychange', this.#keep);
@@ -65,14 +69,22 @@ export class Attendance {
   };
 
   #changed() {
+    if (!this.#isIn) return;
     this.#page.render();
     this.#keep();
   }
 
-  #opened() {
-    this.#device.publish('join', { userName: this.place.userName, deviceType: deviceType() });
+  async #opened() {
+    const join = () => this.#device.publish('join', { userName: this.place.userName, deviceType: deviceType() });
+    const joined = join();
     if (this.#lesson.shows === 'coming') this.#lesson.askAgain();
+    else this.#lesson.sendAgain();
     this.#page.showLost(false);
+    // Once more: a codec that could not be loaded may be there now. Without a connection it is for the next one.
+    if (!(await joined || await join()) || this.#isIn) return;
+    this.#isIn = true;
+    this.#changed();
+    this.#arrive();
   }
 
   #over(reason) {

@@ -10,9 +10,9 @@ export class Activity {
   changing = false;
   closed = false;
 
-  // wasAnsweredBefore is known of one that was kept; of one that comes its document tells.
-  constructor({ kind, document, number = 0, draft = null, answer = null, closed = false, watch, wasAnsweredBefore }, now) {
-    Object.assign(this, { kind, document, number, draft, answer, closed, watch: new Stopwatch(now, watch), wasAnsweredBefore });
+  // sent: the last answer as it went out, {type, value}. wasAnsweredBefore is known of one that was kept; of one that comes its document tells.
+  constructor({ kind, document, number = 0, draft = null, answer = null, sent = null, closed = false, watch, wasAnsweredBefore }, now) {
+    Object.assign(this, { kind, document, number, draft, answer, sent, closed, watch: new Stopwatch(now, watch), wasAnsweredBefore });
     if (wasAnsweredBefore !== undefined) return;
     const prior = priorAnswer(this);
     this.answer = prior ?? answer;
@@ -28,7 +28,7 @@ export class Activity {
   }
 
   toJSON() {
-    const { kind, document, number, draft, answer, closed, watch, wasAnsweredBefore } = this;
-    return { kind, document, number, draft, answer, closed, watch: watch.toJSON(), wasAnsweredBefore };
+    const { kind, document, number, draft, answer, sent, closed, watch, wasAnsweredBefore } = this;
+    return { kind, document, number, draft, answer, sent, closed, watch: watch.toJSON(), wasAnsweredBefore };
   }
 }

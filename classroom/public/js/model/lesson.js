@@ -98,8 +98,14 @@ export class Lesson {
     const { type, value } = responseTo(activity, answer, Math.round(activity.watch.elapsed), token);
     const sent = await this.#publish(type, value).catch(() => false);
     Object.assign(activity, { sending: false, failed: !sent });
-    if (sent) Object.assign(activity, { answer, draft: null, changing: false, wasAnsweredBefore: false });
+    if (sent) Object.assign(activity, { answer, sent: { type, value }, draft: null, changing: false, wasAnsweredBefore: false });
     this.#changed();
+  }
+
+  /** The answer once more, as it was: it may have been lost with a connection, or have met nobody. */
+  sendAgain() {
+    const { sent, closed } = this.activity ?? {};
+    if (sent && !closed) this.#publish(sent.type, sent.value).catch(() => false);
   }
 
   changeAnswer() {
@@ -163,6 +169,7 @@ export class Lesson {
     const number = isOurs ? this.assessment.numberOf(document) : 0;
     this.activity = this.#asLeft(new Activity({ kind, document, number }, this.#now));
     if (isOurs) this.assessment.show(this.activity);
+    else if (!this.activity.wasAnsweredBefore) this.sendAgain();
     this.#unpause();
     this.#update({ shows: 'question', card: null, review: null, notice: null, expectsPicture: false });
   }
