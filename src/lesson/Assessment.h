@@ -1,8 +1,8 @@
 #pragma once
 
-#include "PollAnswer.h"
-#include "Question.h"
 #include <CalyxClient/calyxclient_export.h>
+#include <CalyxClient/lesson/PollAnswer.h>
+#include <CalyxClient/lesson/Question.h>
 
 #include <QAbstractTableModel>
 #include <QDateTime>

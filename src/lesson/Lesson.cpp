@@ -320,7 +320,9 @@ Assessment* Lesson::startAssessment(const AssessmentPlan& plan, const QStringLis
         start(QString());
     for (const QString& deviceId : devices)
         start(LessonMessages::addressOf(deviceId));
-    Q_EMIT assessmentChanged();
+    added->flush();
+    if (self)
+        Q_EMIT assessmentChanged();
     return self ? added : nullptr;
 }
 

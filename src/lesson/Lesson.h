@@ -1,11 +1,11 @@
 #pragma once
 
-#include "Assessment.h"
-#include "Deck.h"
-#include "LessonError.h"
-#include "Poll.h"
-#include "Roster.h"
 #include <CalyxClient/calyxclient_export.h>
+#include <CalyxClient/lesson/Assessment.h>
+#include <CalyxClient/lesson/Deck.h>
+#include <CalyxClient/lesson/LessonError.h>
+#include <CalyxClient/lesson/Poll.h>
+#include <CalyxClient/lesson/Roster.h>
 
 #include <QDateTime>
 #include <QJsonObject>

@@ -133,8 +133,11 @@ void LessonPrivate::beginLogIn(const Login& login)
             return;
         }
     }
+    const QPointer<Lesson> self(q);
     if (hasSession() || state == Lesson::Starting)
         finishSession();
+    if (!self)
+        return;
     if (!thread->isRunning())
         thread->start();
     wantsLive = isLoggingOut = false;
@@ -159,7 +162,7 @@ void LessonPrivate::onLoggedIn(int ticketOfLogin, const LessonError& error, cons
     }
     user.clear();
     finishSession();
-    if (!setState(Lesson::LoggedOut))
+    if (!self || !setState(Lesson::LoggedOut))
         return;
     if (!registration.isEmpty())
         Q_EMIT q->registrationNeeded(registration);
@@ -225,7 +228,10 @@ void LessonPrivate::onNotOpened(int ticketOfOpening, const LessonError& error)
         tryAgain();
         return;
     }
+    const QPointer<Lesson> self(q);
     finishSession();
+    if (!self)
+        return;
     const bool isLoggedOut = error.kind == LessonError::LoggedOutByService;
     if (isLoggedOut)
         user.clear();
@@ -309,7 +315,10 @@ void LessonPrivate::giveUp()
     if (state == Lesson::Live) {
         tellBusy();
     } else {
+        const QPointer<Lesson> self(q);
         finishSession();
+        if (!self)
+            return;
         if (!hadLogin)
             user.clear();
         if (!setState(hadLogin ? Lesson::LoggedIn : Lesson::LoggedOut))
@@ -341,6 +350,8 @@ void LessonPrivate::finishSession()
     if (self && std::exchange(isLocked, false))
         Q_EMIT q->lockedChanged();
     if (self)
+        roster->flush();
+    if (self)
         onRemoteGone();
 }
 
@@ -366,7 +377,9 @@ void LessonPrivate::clearSession()
         object->deleteLater(); // views may be in the middle of them
     roster->setPoll(nullptr);
     roster->clear();
-    if (gone.isEmpty())
+    if (self)
+        roster->flush();
+    if (!self || gone.isEmpty())
         return;
     Q_EMIT q->pollChanged();
     if (self)
@@ -424,6 +437,8 @@ void LessonPrivate::bring(const QStringList& devices)
         return;
     for (const QString& deviceId : devices) {
         const Wanted one = wantedBy(deviceId, all);
+        if (one.isNothing())
+            continue;
         send([deviceId, one](PresenterCollab* collab) {
             LessonMessages::bring(collab, LessonMessages::addressOf(deviceId), one);
         });
@@ -667,8 +682,6 @@ void LessonPrivate::onProgress(int ticketOfOperation, double next)
 
 void LessonPrivate::tellRemote()
 {
-    if (!isRemotePresent && state == Lesson::Live && deck->rowCount() == 0)
-        return;
     send([id = LessonText::escaped(lessonId), name = LessonText::escaped(lessonName),
           current = deck->current(), cards = deck->rowCount()](PresenterCollab* collab) {
         collab->sendPresenterIsActiveToRemote();

@@ -5,6 +5,7 @@
 #include "lesson/LessonText.h"
 #include "lesson/ServiceClient.h"
 #include "transport/SockJSConnector.h"
+#include "transport/WebSocketTransport.h"
 
 #include <QEventLoop>
 #include <QThread>
@@ -19,12 +20,24 @@ constexpr int openLimit = 10000; // ms, for each transport
 constexpr int channelLimit = 3 * openLimit + 1000;
 constexpr int replyLimit = 10000; // ms, the client's
 constexpr int abortPace = 10;     // ms
+constexpr int pulsePace = 10000;
+constexpr int echoLimit = 5000;
+constexpr int hastyEchoLimit = 2000;
+
+// What a presenter publishes to its own address comes back to it.
+const QString pulseType = QStringLiteral("pulse");
 
 } // namespace
 
 LessonWorker::LessonWorker(std::shared_ptr<Inbox::Slot> inbox, LessonListener* listener)
-    : m_inbox(std::move(inbox)), m_listener(listener), m_abort(this)
+    : m_inbox(std::move(inbox)), m_listener(listener), m_abort(this), m_pulse(this), m_echoLimit(this)
 {
+    connect(&m_pulse, &QTimer::timeout, this, &LessonWorker::sendPulse);
+    m_echoLimit.setSingleShot(true);
+    connect(&m_echoLimit, &QTimer::timeout, this, [this] {
+        if (m_isOpen && m_collab && m_echoes)
+            m_collab->connector()->close();
+    });
     // An operation of the client makes several requests, and does not know that it is not wanted any more.
     connect(&m_abort, &QTimer::timeout, this, [this] {
         if (m_client)
@@ -121,6 +134,8 @@ void LessonWorker::logIn(int ticket, const Login& login)
         m_ticket = ticket;
         m_expectedSteps = 2;
         stopSession();
+        if (m_client && m_client->isLoggedIn())
+            m_client->doLogout();
         m_login = login;
         QString registration;
         const LessonError result = doLogIn(&registration);
@@ -165,6 +180,8 @@ bool LessonWorker::submitLogin(QString* registration)
 
 LessonError LessonWorker::reasonOfFailure()
 {
+    if (m_isCancelled)
+        return error(LessonError::Cancelled);
     const QString key = m_client->lastError();
     if (!key.isEmpty())
         return error(ServiceClient::kindOf(key), key);
@@ -177,7 +194,6 @@ LessonError LessonWorker::reasonOfFailure()
 LessonError LessonWorker::renewLogin()
 {
     QString registration;
-    const QString before = m_client->userId();
     if (!m_client->doGetUserName().isEmpty() || submitLogin(&registration))
         return LessonError();
     const LessonError reason = reasonOfFailure();
@@ -203,7 +219,7 @@ void LessonWorker::open(int ticket, const QStringList& transports)
 {
     enqueue(true, [this, ticket, transports] {
         m_ticket = ticket;
-        m_expectedSteps = 8;
+        m_expectedSteps = 7;
         m_transports = transports;
         const LessonError result = doOpen();
         if (result.kind == LessonError::NoError) {
@@ -251,6 +267,8 @@ void LessonWorker::adopt(PresenterCollab* collab)
 {
     m_collab = collab;
     connect(collab, &PresenterCollab::connectionClosed, this, [this] {
+        m_pulse.stop();
+        m_echoLimit.stop();
         if (std::exchange(m_isOpen, false))
             report([](LessonListener* listener) { listener->onLost(); });
     });
@@ -281,7 +299,12 @@ void LessonWorker::adopt(PresenterCollab* collab)
             [this](const QVariantMap& body, const QVariant& data) {
                 const QString from = body.value(QStringLiteral("from")).toString();
                 const QString type = body.value(QStringLiteral("type")).toString();
-                if (m_collab && from != m_collab->userToken()) // the bus brings back what we publish to all
+                const bool isOurs = m_collab && from == m_collab->userToken(); // the bus brings it back
+                if (isOurs && type == pulseType) {
+                    m_echoes = true;
+                    m_echoLimit.stop();
+                }
+                if (!isOurs)
                     report([=](LessonListener* listener) { listener->onMessage(type, from, data); });
             });
 }
@@ -289,7 +312,8 @@ void LessonWorker::adopt(PresenterCollab* collab)
 // That open() has returned does not mean that the channel is open: the server has yet to say so.
 bool LessonWorker::waitForChannel()
 {
-    if (m_collab && !m_collab->isConnected() && !m_isCancelled) {
+    const bool isComing = m_collab && m_collab->connector()->findChild<SockJSTransport*>();
+    if (isComing && !m_collab->isConnected() && !m_isCancelled) {
         QEventLoop loop;
         connect(m_collab->connector(), &SockJSConnector::connected, &loop, &QEventLoop::quit);
         connect(m_collab, &PresenterCollab::connectionClosed, &loop, &QEventLoop::quit);
@@ -324,6 +348,9 @@ void LessonWorker::reportOpened(int ticket, bool isReturn)
             opening.learners.append(user.device);
     }
     opening.heard = m_heard;
+    m_wasWebSocket = m_collab && m_collab->connector()->findChild<WebSocketTransport*>();
+    m_pulse.start(pulsePace);
+    sendPulse();
     report([=](LessonListener* listener) { listener->onOpened(ticket, opening); });
     for (const auto& work : std::exchange(m_waiting, {})) {
         if (m_collab)
@@ -361,13 +388,43 @@ LessonError LessonWorker::doReopen()
     if (!reply.isFine())
         return error(m_client->kindOf(reply), reply.key);
     if (!m_isCancelled)
-        m_collab->open(m_client->sockJSProtocols());
+        m_collab->open(transportsForReturn());
     return waitForChannel() ? LessonError() : error(LessonError::NoChannel);
+}
+
+// The one that worked comes first: a WebSocket that a filter swallows would take its time again.
+QStringList LessonWorker::transportsForReturn() const
+{
+    QStringList transports = m_client->sockJSProtocols();
+    if (transports.isEmpty()) {
+        for (const SockJSConnector::PROTOCOL_TYPE type : SockJSConnector::GetDefaultProtocols())
+            transports.append(SockJSConnector::PROTOCOL_TYPE_STR().value(type));
+    }
+    const QString webSocket = SockJSConnector::PROTOCOL_TYPE_STR().value(SockJSConnector::WEBSOCKET);
+    if (m_wasWebSocket || !transports.removeOne(webSocket))
+        return transports;
+    return transports << webSocket;
+}
+
+// A far end that is frozen, or has vanished, closes nothing. That it answers is known once it has; after a
+// sleep it is asked in haste.
+void LessonWorker::sendPulse()
+{
+    if (!m_isOpen || !m_collab || m_echoLimit.isActive())
+        return;
+    const bool hasSlept = m_lastPulse.isValid() && m_lastPulse.hasExpired(3 * pulsePace);
+    m_lastPulse.start();
+    m_echoLimit.start(hasSlept ? hastyEchoLimit : echoLimit);
+    const QString frame =
+        QStringLiteral(R"({"type":"publish","address":"%1.presenter.%2","body":{"from":"%2","type":"%3"}})");
+    m_collab->connector()->sendMessage(frame.arg(m_sessionToken, m_collab->userToken(), pulseType), true);
 }
 
 void LessonWorker::dropChannel()
 {
-    m_isOpen = false;
+    m_isOpen = m_echoes = false;
+    m_pulse.stop();
+    m_echoLimit.stop();
     m_waiting.clear();
     if (!m_collab)
         return;
@@ -383,6 +440,7 @@ void LessonWorker::stopSession()
     dropChannel();
     m_sessionToken.clear();
     m_remotes.clear();
+    m_others.clear();
     if (m_client && !m_client->sessionToken().isNull())
         m_client->doStopSession();
 }
@@ -418,7 +476,7 @@ QString LessonWorker::doUpload(const QByteArray& picture)
 
 void LessonWorker::withClient(const QString& server, const std::function<void(PresenterClient*)>& work)
 {
-    enqueue(true, [this, server, work] {
+    enqueue(false, [this, server, work] {
         m_ticket = 0;
         if (!m_client)
             m_client = std::make_unique<ServiceClient>(server);
@@ -450,9 +508,13 @@ void LessonWorker::onRemoteControl(const QString& from, const QString& type, con
         tellIt();
         return;
     }
+    if (m_others.contains(from))
+        return;
     enqueue(true, [=] {
         if (isRemote(from))
             tellIt();
+        else
+            m_others.insert(from);
     });
 }
 

@@ -126,6 +126,8 @@ private:
     void reportOpened(int ticket, bool isReturn);
     bool waitForChannel();
     void adopt(PresenterCollab* collab);
+    QStringList transportsForReturn() const;
+    void sendPulse();
     void dropChannel();
     void stopSession();
     QString doUpload(const QByteArray& picture);
@@ -143,7 +145,12 @@ private:
     std::deque<std::function<void(PresenterCollab*)>> m_waiting; // for the channel
     QSet<QString> m_heard;
     QSet<QString> m_remotes; // devices that the service knows as such
+    QSet<QString> m_others;  // devices that have commanded, and are none
     QTimer m_abort;
+    QTimer m_pulse;     // when the far end is asked for a sign of life
+    QTimer m_echoLimit; // until it has to be there
+    QElapsedTimer m_lastPulse;
+    bool m_echoes = false; // the far end has given one
     QElapsedTimer m_clock; // since the operation has begun
     int m_ticket = 0;
     int m_steps = 0; // requests of the operation
@@ -153,6 +160,7 @@ private:
     bool m_isCancelled = false;
     bool m_isOpen = false;
     bool m_isLeaving = false;
+    bool m_wasWebSocket = true; // the channel when it was open last
 };
 
 } // namespace Calyx

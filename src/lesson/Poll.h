@@ -1,9 +1,9 @@
 #pragma once
 
-#include "PollAnswer.h"
-#include "PollResults.h"
-#include "Question.h"
 #include <CalyxClient/calyxclient_export.h>
+#include <CalyxClient/lesson/PollAnswer.h>
+#include <CalyxClient/lesson/PollResults.h>
+#include <CalyxClient/lesson/Question.h>
 
 #include <QDateTime>
 #include <QJsonObject>

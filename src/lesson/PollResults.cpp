@@ -28,6 +28,7 @@ struct PollResults::Private
 {
     Question question;
     QStringList ids;
+    QStringList rightForms;
     QVector<Row> options;         // in their order
     QHash<QString, Group> others; // by form
     QVector<Row> rows;            // what the model shows
@@ -42,6 +43,8 @@ PollResults::PollResults(const Question& question, QObject* parent)
     : QAbstractTableModel(parent), d(std::make_unique<Private>())
 {
     d->question = question;
+    for (const QString& answer : question.right)
+        d->rightForms.append(question.formOf(answer));
     if (d->wholeAnswersCount())
         return;
     d->ids = question.optionIds();
@@ -87,9 +90,8 @@ QVector<PollResults::Row> PollResults::Private::currentRows() const
 {
     QVector<Row> current = options;
     current.reserve(options.size() + others.size());
-    for (const Group& group : others)
-        current.append(
-            {group.label, QString(), group.count, 0, question.isMarked() && question.isRight(group.label)});
+    for (auto other = others.cbegin(); other != others.cend(); ++other)
+        current.append({other->label, QString(), other->count, 0, rightForms.contains(other.key())});
     std::sort(current.begin() + options.size(), current.end(), isBefore);
     for (Row& row : current)
         row.share = answered > 0 ? double(row.count) / answered : 0;

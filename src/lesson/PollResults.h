@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Question.h"
 #include <CalyxClient/calyxclient_export.h>
+#include <CalyxClient/lesson/Question.h>
 
 #include <QAbstractTableModel>
 #include <QVector>

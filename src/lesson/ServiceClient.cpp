@@ -25,13 +25,10 @@ bool isEnvelope(const QVariantMap& map)
 
 ServiceClient::Reply ServiceClient::ask(const QString& path, const QString& body)
 {
-    const QString before = server();
-    for (int attempt = 0; attempt < 2; ++attempt) {
-        m_reply = Reply();
+    m_reply = Reply();
+    for (int attempt = 0; attempt < 2 && m_reply.isRedirect; ++attempt) {
         doRequest(true, QUrl(server() + path), body, static_cast<SuccessHandler>(&ServiceClient::readSuccess),
                   static_cast<FailureHandler>(&ServiceClient::readFailure), false);
-        if (server() == before) // a redirect calls neither handler, and moves the address
-            break;
     }
     return m_reply;
 }
@@ -51,6 +48,7 @@ void ServiceClient::readFailure(QNetworkReply* reply, QString body)
 void ServiceClient::readBody(const QString& body)
 {
     const QVariantMap envelope = ServiceEnvelope::parse(body);
+    m_reply.isRedirect = false; // which moves the address, and calls nobody
     m_reply.isEnvelope = isEnvelope(envelope);
     m_reply.data = ServiceEnvelope::data(envelope);
     m_reply.key = envelope.value(QStringLiteral("errorMsgKeys")).toList().value(0).toString();

@@ -15,7 +15,8 @@ public:
     /// What came back for one request.
     struct Reply
     {
-        QNetworkReply::NetworkError error = QNetworkReply::UnknownNetworkError;
+        bool isRedirect = true; ///< until something else has come
+        QNetworkReply::NetworkError error = QNetworkReply::NoError;
         bool isEnvelope = false; ///< the service's own JSON, be it a refusal
         QVariantMap data;
         QString key; ///< of the refusal

@@ -148,6 +148,20 @@ private Q_SLOTS:
         QCOMPARE(m_lesson->roster()->rowCount(), 5);
     }
 
+    // A far end that is frozen closes nothing.
+    void noticesAFrozenService()
+    {
+        goLive();
+        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
+        const Learners learners(*m_classroom, m_lesson->joinCode(), 1);
+        Poll* const poll = m_lesson->ask(marked());
+        QVERIFY(waitFor([&] { return poll->answered() == 1; }));
+        m_classroom->stop();
+        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Reconnecting; }));
+        m_classroom->goOn();
+        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
+    }
+
     // The service has been started anew, and knows nobody.
     void saysThatTheSessionIsGone()
     {

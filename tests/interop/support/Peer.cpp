@@ -182,6 +182,16 @@ void Peer::kill()
     m_process->waitForFinished(endLimit);
 }
 
+void Peer::stop()
+{
+    ::kill(static_cast<pid_t>(m_process->processId()), SIGSTOP);
+}
+
+void Peer::goOn()
+{
+    ::kill(static_cast<pid_t>(m_process->processId()), SIGCONT);
+}
+
 QUrl Peer::url(const QString& scheme) const
 {
     return QUrl(QStringLiteral("%1://127.0.0.1:%2").arg(scheme).arg(m_port));

@@ -45,6 +45,11 @@ public:
     void end();
     /// Ends the program without asking.
     void kill();
+    ///@{
+    /// Freezes the program, and lets it go on.
+    void stop();
+    void goOn();
+    ///@}
 
     quint16 port() const { return m_port; }
     QUrl url(const QString& scheme = QStringLiteral("http")) const;

@@ -1,0 +1,189 @@
+// What a lesson says and does when the service is not as it should be.
+
+#include "support/FakeService.h"
+#include "support/Logins.h"
+#include "support/WaitFor.h"
+
+#include <CalyxClient/Lesson>
+
+#include <QElapsedTimer>
+#include <QMetaEnum>
+#include <QTest>
+
+#include <functional>
+#include <memory>
+
+using namespace Calyx;
+using Answer = FakeService::Answer;
+using Logins::SUBMIT;
+
+namespace {
+
+constexpr char PROBE[] = "/tavisto";
+constexpr char FINE[] = R"({"success":true,"data":{}})";
+
+using Script = std::function<void(FakeService&)>;
+using Work = std::function<void(Lesson&)>;
+
+void logIn(Lesson& lesson)
+{
+    lesson.logIn(QStringLiteral("teacher"), QStringLiteral("chalk"));
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Script)
+Q_DECLARE_METATYPE(Work)
+
+class tst_LessonStates : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void failedLogins_data()
+    {
+        QTest::addColumn<Script>("script");
+        QTest::addColumn<int>("kind");
+        const auto row = [](const char* name, LessonError::Kind kind, const Script& script) {
+            QTest::newRow(name) << script << int(kind);
+        };
+        const auto submit = [](const char* body, int status) {
+            return [=](FakeService& service) {
+                service.expect(PROBE, Answer::json(FINE));
+                service.expect(SUBMIT, Answer::json(body, status));
+            };
+        };
+        row("wrong password", LessonError::BadCredentials,
+            submit(R"({"success":false,"errorMsgKeys":["login.error.badCredentials"]})", 403));
+        row("refused", LessonError::Refused,
+            submit(R"({"success":false,"errorMsgKeys":["login.error.locked"]})", 403));
+        row("gone", LessonError::Unreachable,
+            [](FakeService& service) { service.expect(PROBE, Answer::gone()); });
+        row("a page", LessonError::NotTheService,
+            [](FakeService& service) { service.expect(PROBE, Answer::json("<html>")); });
+        row("other JSON", LessonError::NotTheService,
+            [](FakeService& service) { service.expect(PROBE, Answer::json(R"({"portal":"login"})")); });
+        row("not found", LessonError::NotTheService,
+            [](FakeService& service) { service.expect(PROBE, Answer::json("<html>", 404)); });
+        row("a balancer without server", LessonError::NoAnswer,
+            [](FakeService& service) { service.expect(PROBE, Answer::json("<html>", 502)); });
+        row("a portal that redirects", LessonError::NotTheService, [](FakeService& service) {
+            service.expect(PROBE, Answer::redirect((service.url() + "/welcome").toLatin1()));
+            service.expect(PROBE, Answer::redirect((service.url() + "/welcome").toLatin1()));
+        });
+        row("logged in", LessonError::NoError, submit(Logins::SUCCESS, 200));
+    }
+
+    void failedLogins()
+    {
+        QFETCH(Script, script);
+        QFETCH(int, kind);
+        FakeService service;
+        script(service);
+        Lesson lesson(QUrl(service.url()));
+        LessonError error;
+        connect(&lesson, &Lesson::failed, this, [&](const LessonError& one) { error = one; });
+        logIn(lesson);
+        QCOMPARE(lesson.state(), Lesson::LoggingIn);
+        QVERIFY(waitFor([&] { return lesson.state() != Lesson::LoggingIn; }));
+        QCOMPARE(int(error.kind), kind);
+        QCOMPARE(lesson.state(), kind == LessonError::NoError ? Lesson::LoggedIn : Lesson::LoggedOut);
+        QCOMPARE(error.text.isEmpty(), kind == LessonError::NoError);
+        QVERIFY(!error.text.contains(error.key) || error.key.isEmpty());
+        service.expect(Logins::LOGOUT, Answer::json(FINE));
+        lesson.logOut();
+        QVERIFY(waitFor([&] { return lesson.state() == Lesson::LoggedOut; }));
+        service.expectNoMore();
+    }
+
+    void textsAreEscaped()
+    {
+        FakeService service;
+        service.expect(PROBE, Answer::json(FINE));
+        service.expect(SUBMIT, Answer::json(Logins::REFUSED, 403));
+        Lesson lesson(QUrl(service.url()));
+        lesson.logIn(QStringLiteral("te\"ach\\er"), QStringLiteral("ch%1\"alk"));
+        QVERIFY(waitFor([&] { return lesson.state() == Lesson::LoggedOut; }));
+        const QByteArray expected = "\"userId\":\"te\\\"ach\\\\er\",\"password\":\"ch%1\\\"alk\"";
+        QVERIFY2(service.last().body.contains(expected), service.last().body.constData());
+    }
+
+    void whatCannotBeIsRefused_data()
+    {
+        QTest::addColumn<Work>("work");
+        const auto row = [](const char* name, const Work& work) { QTest::newRow(name) << work; };
+        row("start", [](Lesson& lesson) { lesson.start(); });
+        row("end", [](Lesson& lesson) { lesson.end(); });
+        row("ask", [](Lesson& lesson) { QVERIFY(!lesson.ask(Question::usual(PollType::TEXT))); });
+        row("assess", [](Lesson& lesson) { QVERIFY(!lesson.startAssessment(AssessmentPlan())); });
+        row("lock", [](Lesson& lesson) { lesson.setLocked(true); });
+        row("card", [](Lesson& lesson) { lesson.showCard(); });
+        row("picture", [](Lesson& lesson) { lesson.showPicture("png"); });
+        row("controls", [](Lesson& lesson) { lesson.logIn(QStringLiteral("a\nb"), QString()); });
+        row("save", [](Lesson& lesson) { QVERIFY(!lesson.save(QStringLiteral("/nowhere/at all"))); });
+    }
+
+    void whatCannotBeIsRefused()
+    {
+        QFETCH(Work, work);
+        Lesson lesson(QUrl(QStringLiteral("http://127.0.0.1:1")));
+        QList<LessonError::Kind> kinds;
+        connect(&lesson, &Lesson::failed, this, [&](const LessonError& error) { kinds.append(error.kind); });
+        work(lesson);
+        QCOMPARE(kinds, QList<LessonError::Kind>{LessonError::BadInput});
+        QCOMPARE(lesson.state(), Lesson::LoggedOut);
+        lesson.pause(); // and others that have nothing to do
+        lesson.stop();
+        lesson.retryNow();
+        lesson.cancel();
+        lesson.logOut();
+        lesson.stopAssessment();
+        lesson.clearPolls();
+        lesson.showResults();
+        QCOMPARE(kinds.size(), 1);
+    }
+
+    void waitsAreCancelled_data()
+    {
+        QTest::addColumn<Script>("script");
+        const auto row = [](const char* name, const Script& script) { QTest::newRow(name) << script; };
+        row("probe", [](FakeService& service) { service.expect(PROBE, Answer::never()); });
+        row("login", [](FakeService& service) {
+            service.expect(PROBE, Answer::json(FINE));
+            service.expect(SUBMIT, Answer::stalled(Logins::SUCCESS));
+        });
+    }
+
+    void waitsAreCancelled()
+    {
+        QFETCH(Script, script);
+        FakeService service;
+        script(service);
+        Lesson lesson(QUrl(service.url()));
+        LessonError error;
+        connect(&lesson, &Lesson::failed, this, [&](const LessonError& one) { error = one; });
+        logIn(lesson);
+        lesson.start();
+        QVERIFY(waitFor([&] { return service.isUsedUp(); }));
+        lesson.cancel();
+        QCOMPARE(lesson.state(), Lesson::LoggedOut);
+        QCOMPARE(int(error.kind), int(LessonError::Cancelled));
+        QVERIFY(waitFor([&] { return service.abandoned() == 1; }));
+        // The next login does not wait for the one that was given up.
+        service.expect(PROBE, Answer::json(FINE));
+        service.expect(SUBMIT, Answer::json(Logins::SUCCESS));
+        logIn(lesson);
+        QVERIFY(waitFor([&] { return lesson.state() == Lesson::LoggedIn; }, 5000));
+        service.expect(Logins::LOGOUT, Answer::never());
+        QElapsedTimer clock;
+        clock.start();
+        lesson.logOut();
+        lesson.cancel();
+        QCOMPARE(lesson.state(), Lesson::LoggedOut);
+        service.expectNoMore();
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_LessonStates)
+
+#include "tst_LessonStates.moc"
