@@ -567,10 +567,10 @@ Poll* LessonPrivate::addPoll(const Question& question)
     cardPng.clear(); // the question takes the place of the card and of the text
     cardUrl.clear();
     isPollReady = false;
-    const int serial = ++cardSerial;
+    ++cardSerial;
     const bool wasLocked = std::exchange(isLocked, false);
     withPicture(question.picture,
-                [this, serial, question, id = added->id()](const QByteArray& png, const QString& url) {
+                [this, question, id = added->id()](const QByteArray& png, const QString& url) {
                     if (!poll || poll->id() != id || !poll->isRunning())
                         return;
                     sentQuestion = question;
