@@ -197,3 +197,16 @@ check('passage, hint and the picture behind a question are there to be read', as
   await page.getByText('It is green.').waitFor();
   await assertAccessible(page);
 });
+
+check('at twice the size of text nothing sticks out of a narrow telephone', async (t) => {
+  const { presenter, page } = await lesson(t, { ...PHONE, viewport: { width: 360, height: 640 }, name: 'Annabella' });
+  await page.evaluate(() => { document.documentElement.style.fontSize = '200%'; });
+  const activityOptions = withTexts({ A: 'Photosynthesis', B: 'Root' });
+  for (const type of ['sort', 'multiple', 'math formula']) {
+    presenter.ask({ id: type, type, instructions: type, activityOptions: type === 'math formula' ? [] : activityOptions });
+    await heading(page, type);
+    assert.equal(await page.evaluate(() => document.documentElement.scrollWidth), 360, type);
+  }
+  const [code, leave] = await Promise.all([page.locator('.who-code').boundingBox(), page.getByRole('button', { name: 'Leave' }).boundingBox()]);
+  assert.ok(code.x + code.width <= leave.x || code.y + code.height <= leave.y, 'the code is not below the button');
+});

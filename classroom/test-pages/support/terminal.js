@@ -16,14 +16,16 @@ export async function runOnTerminal(t, command, env) {
   const quoted = command.map((word) => `'${word.replaceAll("'", "'\\''")}'`).join(' ');
   const sized = `stty cols ${SIZE.cols} rows ${SIZE.rows}; exec ${quoted}`;
   const child = spawn('script', ['--quiet', '--flush', '--return', '--command', sized, '/dev/null'], {
-    env: { ...process.env, TERM: 'xterm-256color', LC_ALL: 'C.UTF-8', ...env }, stdio: ['ignore', 'pipe', 'inherit'],
+    env: { ...process.env, TERM: 'xterm-256color', LC_ALL: 'C.UTF-8', ...env }, stdio: ['ignore', 'pipe', 'pipe'],
   });
   t.after(() => child.kill('SIGKILL'));
   const written = [];
+  const complaints = [];
   child.stdout.on('data', (bytes) => written.push(bytes));
+  child.stderr.on('data', (bytes) => complaints.push(bytes));
   const [code] = await once(child, 'close');
   const bytes = Buffer.concat(written);
-  assert.equal(code, 0, bytes.toString());
+  assert.equal(code, 0, `the program on the terminal has ended with ${code}: ${Buffer.concat([...complaints, bytes])}`);
   return bytes.toString();
 }
 

@@ -4,9 +4,9 @@ export const GROUPS = [
   {
     name: 'Cards',
     commands: [
-      { type: 'previousCard', label: 'Previous', said: 'Previous card', kind: 'large back' },
-      { type: 'nextCard', label: 'Next', said: 'Next card', kind: 'large forth' },
-      { type: 'pushCurrentCard', label: 'Push this card to the learners', said: 'Push card', kind: 'wide' },
+      { type: 'previousCard', label: 'Previous', said: 'Previous card', kind: 'large back', needsCards: true },
+      { type: 'nextCard', label: 'Next', said: 'Next card', kind: 'large forth', needsCards: true },
+      { type: 'pushCurrentCard', label: 'Push this card to the learners', said: 'Push card', kind: 'wide', needsCards: true },
     ],
   },
   {

@@ -14,6 +14,8 @@ import { RemoteState } from './state.js';
 
 const NAME = 'Remote control';
 const ANSWER_MS = 5000;
+// A presence is as old as its last answer.
+const ASK_AGAIN_MS = 30000;
 
 const ENDS = {
   stopped: ['This session has ended', 'There is nothing left to control.'],
@@ -58,7 +60,10 @@ async function control(wanted) {
       ASKED_AT_ONCE.forEach((type) => send({ type }));
     },
     lost: () => showNotices([{ text: 'The connection is lost. It is being made again …', kind: 'warning' }]),
-    over: ended,
+    over: (reason) => {
+      clearInterval(asking);
+      ended(reason);
+    },
   };
   const device = new Device({
     mode: 'controller',
@@ -67,10 +72,17 @@ async function control(wanted) {
     handlers: state.handlers,
     onState: (now, reason) => states[now](reason),
   });
-  const taken = await device.join(wanted);
+  const asking = setInterval(() => {
+    if (device.connected) send({ type: 'presenterActive' });
+  }, ASK_AGAIN_MS);
+  const taken = await device.join(wanted).catch((error) => {
+    clearInterval(asking);
+    throw error;
+  });
   place.take(taken);
   showWho({ ...taken, userName: '' }, () => {
     device.leave();
+    clearInterval(asking);
     place.leave();
     showNotices([]);
     askToJoin();

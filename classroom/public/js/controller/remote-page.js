@@ -16,9 +16,10 @@ export class RemotePage {
   #state;
   #send;
   #lesson = el('h1', { tabindex: '-1' });
-  #lessonId = el('p', { class: 'lesson-id' });
   #card = el('dd');
   #presence = el('dd');
+  // What cannot work without cards.
+  #cardButtons = [];
   #sent = el('p', { class: 'sent', hidden: true });
   #picker = el('input', { type: 'file', accept: 'image/*', class: 'unseen', tabindex: '-1', 'aria-hidden': 'true' });
   element;
@@ -35,7 +36,7 @@ export class RemotePage {
 
   #status() {
     return el('section', { class: 'sheet status', 'aria-label': 'Presenter' },
-      el('p', { class: 'kind' }, 'Lesson'), this.#lesson, this.#lessonId,
+      el('p', { class: 'kind' }, 'Lesson'), this.#lesson,
       el('dl', {},
         el('div', {}, el('dt', {}, 'Card'), this.#card),
         el('div', {}, el('dt', {}, 'Presenter'), this.#presence)));
@@ -44,9 +45,13 @@ export class RemotePage {
   #group({ name, commands }) {
     const id = freshId('group');
     return el('section', { class: 'group', 'aria-labelledby': id }, el('h2', { id }, name),
-      el('div', { class: 'commands' }, ...commands.map((command) => button(command.label, () => this.#give(command), {
-        class: `command ${command.kind ?? ''}`,
-      }))));
+      el('div', { class: 'commands' }, ...commands.map((command) => this.#button(command))));
+  }
+
+  #button(command) {
+    const made = button(command.label, () => this.#give(command), { class: `command ${command.kind ?? ''}` });
+    if (command.needsCards) this.#cardButtons.push(made);
+    return made;
   }
 
   #rest() {
@@ -60,7 +65,7 @@ export class RemotePage {
   render() {
     const { lesson, card, presence } = this.#state;
     this.#set(this.#lesson, lesson ? lesson.name || 'A lesson without a name' : 'No lesson yet');
-    setText(this.#lessonId, lesson?.id ?? '');
+    for (const one of this.#cardButtons) one.disabled = this.#state.hasNoCards;
     this.#set(this.#card, cardInWords(card));
     this.#set(this.#presence, PRESENCE[presence]);
     this.#presence.className = `presence ${presence}`;

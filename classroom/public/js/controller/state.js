@@ -9,6 +9,7 @@ export class RemoteState {
   card = null;
   // "unknown", "asked", "active" or "silent".
   presence = 'unknown';
+  #isAsked = false;
   #changed;
 
   constructor(changed) {
@@ -17,22 +18,33 @@ export class RemoteState {
 
   handlers = {
     currentLesson: (lesson) => {
-      if (isObject(lesson)) this.#update({ lesson: { id: textOf(lesson.lessonId), name: textOf(lesson.name) } });
+      if (isObject(lesson)) this.#update({ lesson: { name: textOf(lesson.name) } });
     },
     currentCard: (card) => {
       if (isObject(card)) this.#update({ card: cardOf(card) });
     },
-    presenterIsActive: () => this.#update({ presence: 'active' }),
+    presenterIsActive: () => {
+      this.#isAsked = false;
+      this.#update({ presence: 'active' });
+    },
   };
 
   /** The presenter has been asked whether it is there. */
   asked() {
-    this.#update({ presence: 'asked' });
+    this.#isAsked = true;
+    // One that is there stays so while it is asked again: only its silence is news.
+    if (this.presence !== 'active') this.#update({ presence: 'asked' });
   }
 
   /** Time enough has gone by for an answer. */
   waited() {
-    if (this.presence === 'asked') this.#update({ presence: 'silent' });
+    if (this.#isAsked) this.#update({ presence: 'silent' });
+    this.#isAsked = false;
+  }
+
+  /** The presenter has said that there are no cards. */
+  get hasNoCards() {
+    return this.card?.total === 0;
   }
 
   #update(changes) {
