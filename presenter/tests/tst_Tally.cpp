@@ -109,6 +109,18 @@ private Q_SLOTS:
         QCOMPARE(shown(tally), QStringLiteral("b=2 9=1 10=1 a=1"));
     }
 
+    void equalAnswersCountTogether()
+    {
+        for (const auto counting : {Tally::WholeAnswer, Tally::ExactAnswer}) {
+            Tally tally(counting);
+            for (const char* answer : {"Water", " water.", "WATER!", "wat er"})
+                tally.add(QString::number(tally.answered()), answer);
+            QCOMPARE(shown(tally),
+                     QLatin1String(counting == Tally::WholeAnswer ? "Water=3 wat er=1"
+                                                                  : "WATER!=1 Water=1 wat er=1 water.=1"));
+        }
+    }
+
     void wholeAnswersAreNotTakenApart()
     {
         Tally tally(Tally::WholeAnswer, {});

@@ -26,12 +26,15 @@ Announcer::~Announcer()
 
 void Announcer::collect(int kind, const QString& name)
 {
+    constexpr int longest = 1000; // ms
     if (kind != m_kind)
         flush();
     m_kind = kind;
     m_names.append(name);
     m_here = m_lesson.roster().presentCount();
     if (!m_soon.isActive())
+        m_first.start();
+    if (!m_soon.isActive() || m_first.elapsed() < longest)
         m_soon.start();
 }
 

@@ -2,6 +2,7 @@
 
 #include "text/Style.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QStringList>
 #include <QTimer>
@@ -28,5 +29,6 @@ private:
     int m_kind = 0;
     QStringList m_names;
     int m_here = 0;
-    QTimer m_soon;
+    QTimer m_soon;         // runs anew with each
+    QElapsedTimer m_first; // since the first of them
 };

@@ -59,9 +59,9 @@ void tellHowToJoin(CommandContext& context)
         picture = JoinAddress::qrCode(JoinAddress::withCode(client.server(), code), style);
     if (!picture.isEmpty())
         context.screen.print(picture);
-    context.screen.print(
-        QStringLiteral("Session %1 is live. Join at %2 with %1.")
-            .arg(style.paint(Ink::Strong, Text::code(code)), JoinAddress::ofService(client.server())));
+    context.screen.print(QStringLiteral("Session %1 is live. Join at %2 with %1.")
+                             .arg(Text::code(code), JoinAddress::ofService(client.server())),
+                         Ink::Strong);
     if (!hint.isEmpty())
         context.screen.note(hint, Ink::Faint);
 }

@@ -33,7 +33,7 @@ const Kind& kindOf(PollType::POLL_TYPE type)
         {P::WORD_SEED, {{P::WORD_SEED, O::GENERIC, 0, 0, false}, M::Picks, Tally::WholeAnswer}},
         {P::NUMBER, {{P::NUMBER, O::NUMBER, 0, 0, false}, M::Decimals, Tally::WholeAnswer}},
         {P::CREATIVE, {{P::CREATIVE, O::GENERIC, 0, 0, false}, M::Picks, Tally::WholeAnswer}},
-        {P::MATH_FORMULA, {{P::MATH_FORMULA, O::GENERIC, 0, 0, false}, M::None, Tally::WholeAnswer}}};
+        {P::MATH_FORMULA, {{P::MATH_FORMULA, O::GENERIC, 0, 0, false}, M::None, Tally::ExactAnswer}}};
     return *kinds.constFind(type);
 }
 

@@ -19,6 +19,15 @@ bool isBefore(const QString& a, const QString& b)
     return a < b;
 }
 
+// Case, blanks and the punctuation at the end do not make another answer.
+QString commonForm(const QString& answer)
+{
+    QString text = answer.normalized(QString::NormalizationForm_C).simplified().toCaseFolded();
+    while (text.size() > 1 && QStringLiteral(".,;:!?").contains(text.at(text.size() - 1)))
+        text.chop(1);
+    return text.trimmed();
+}
+
 QVector<Bar> mostFrequentFirst(const QHash<QString, int>& counts)
 {
     QVector<Bar> bars;
@@ -45,6 +54,8 @@ Tally::Tally(Counting counting, const QVector<AnswerOption>& options) : m_counti
 bool Tally::add(const QString& deviceId, const QString& answer)
 {
     const bool isFirst = !m_answers.contains(deviceId);
+    if (isFirst)
+        m_order.append(deviceId);
     m_answers.insert(deviceId, Text::clean(answer).left(longestAnswer));
     return isFirst;
 }
@@ -52,15 +63,26 @@ bool Tally::add(const QString& deviceId, const QString& answer)
 QVector<Bar> Tally::bars() const
 {
     QHash<QString, int> counts;
-    for (const QString& answer : m_answers) {
-        const QStringList keys = keysOf(answer);
-        for (const QString& key : keys)
-            ++counts[key];
+    QHash<QString, QString> spellings; // the first of those that are equal, by what they have in common
+    for (const QString& deviceId : m_order) {
+        const QStringList keys = keysOf(m_answers.value(deviceId));
+        for (const QString& key : keys) {
+            const QString common = m_counting == ExactAnswer || isOption(key) ? key : commonForm(key);
+            if (!spellings.contains(common))
+                spellings.insert(common, key);
+            ++counts[spellings.value(common)];
+        }
     }
     QVector<Bar> bars;
     for (const AnswerOption& option : m_options)
         bars.append({option.title(), counts.take(option.title()), true});
     return bars + mostFrequentFirst(counts);
+}
+
+bool Tally::isOption(const QString& key) const
+{
+    return std::any_of(m_options.begin(), m_options.end(),
+                       [&](const AnswerOption& option) { return option.title() == key; });
 }
 
 // The labels of the bars that an answer counts for.

@@ -27,8 +27,9 @@ class Tally
 {
 public:
     enum Counting {
-        EachOption, ///< an answer may name several options, and each of them counts
-        WholeAnswer ///< equal answers count together
+        EachOption,  ///< an answer may name several options, and each of them counts
+        WholeAnswer, ///< equal answers count together: case, blanks and final punctuation aside
+        ExactAnswer  ///< the same to the letter: case tells one name in a formula from another
     };
 
     explicit Tally(Counting counting = WholeAnswer, const QVector<AnswerOption>& options = {});
@@ -46,10 +47,12 @@ public:
 
 private:
     bool takeApart(const QString& answer, QStringList& ids) const;
+    bool isOption(const QString& key) const;
     int optionNamed(const QString& part) const;
     QStringList keysOf(const QString& answer) const;
 
     Counting m_counting;
     QVector<AnswerOption> m_options;
     QHash<QString, QString> m_answers; // by device id
+    QStringList m_order;               // of the devices
 };

@@ -179,7 +179,7 @@ bool EditedLines::clearLine()
     if (m_isHidden || !m_active || rl_end == 0)
         return false;
     const QString line = typed(rl_end);
-    m_screen.enterLine(m_prompt + line + QStringLiteral("^C"), rowsOf(line));
+    m_screen.enterLine(m_prompt + line + QStringLiteral("^C"), rowsAboveCursor(m_screen.style().columns));
     rl_callback_handler_remove();
     install();
     return true;

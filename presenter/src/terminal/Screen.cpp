@@ -92,9 +92,9 @@ QString Screen::wrapped(const QString& text) const
     return Text::wrap(text.mid(indent), m_style.columns - 1, indent, indent).join(QLatin1Char('\n'));
 }
 
-void Screen::print(const QString& text)
+void Screen::print(const QString& text, Ink ink)
 {
-    update(lineOf(wrapped(text)));
+    update(lineOf(m_style.paint(ink, wrapped(text))));
 }
 
 void Screen::print(const QStringList& lines)

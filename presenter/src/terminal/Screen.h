@@ -41,7 +41,7 @@ public:
     /// Tells of progress; says nothing with --quiet.
     void note(const QString& text, Ink ink = Ink::Plain);
     /// Prints what was asked for.
-    void print(const QString& text);
+    void print(const QString& text, Ink ink = Ink::Plain);
     void print(const QStringList& lines);
     /// Goes to standard error.
     void error(const QString& text);
@@ -50,7 +50,7 @@ public:
     void setLiveLines(const QStringList& lines);
     /// Null: there is no prompt (any more). Does not draw it.
     void setPrompt(Prompt* prompt) { m_prompt = prompt; }
-    /// The prompt's line has been entered: the cursor is below it, and it took \p rows. \p echo stays in its
+    /// The prompt's line is done with: the cursor is \p rows below its first row. \p echo stays in its
     /// place above the live block.
     void enterLine(const QString& echo, int rows);
     /// Takes the live block and the prompt from the terminal, and puts them there again: around whatever
