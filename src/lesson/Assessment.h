@@ -61,20 +61,22 @@ class CALYXCLIENT_EXPORT Assessment : public QAbstractTableModel
     Q_PROPERTY(int expected READ expected NOTIFY changed)
 
 public:
-    /// The columns before those of the questions. The marks are texts as "3 of 5", empty where nothing is
-    /// marked.
-    enum Column { Name, Score, FirstQuestion };
+    /// The columns.
+    enum Column {
+        Name,         ///< the learner
+        Score,        ///< the marks, as "3 of 5"; empty where nothing is marked
+        FirstQuestion ///< the first question; the others follow
+    };
     Q_ENUM(Column)
-    /// Named "deviceId", "answer", "mark" (a PollAnswer::Mark), "name", "rightAnswers", "answered" and
-    /// "isFinished" in QML. "answer" and "mark" are of the index's question, the others of its learner.
+    /// The roles, with their names in QML.
     enum Role {
-        DeviceIdRole = Qt::UserRole + 1,
-        AnswerRole,
-        MarkRole,
-        NameRole,
-        RightAnswersRole,
-        AnsweredRole,
-        IsFinishedRole
+        DeviceIdRole = Qt::UserRole + 1, ///< "deviceId"
+        AnswerRole,                      ///< "answer" to the index's question
+        MarkRole,                        ///< "mark" of that answer, a PollAnswer::Mark
+        NameRole,                        ///< "name"
+        RightAnswersRole,                ///< "rightAnswers": how many
+        AnsweredRole,                    ///< "answered": how many
+        IsFinishedRole                   ///< "isFinished"
     };
     Q_ENUM(Role)
 

@@ -21,8 +21,13 @@ class CALYXCLIENT_EXPORT Deck : public QAbstractListModel
     Q_PROPERTY(int current READ current WRITE setCurrent NOTIFY changed)
 
 public:
-    /// Named "name", "picture" (bytes), "url" and "isCurrent" in QML.
-    enum Role { NameRole = Qt::UserRole + 1, PictureRole, UrlRole, IsCurrentRole };
+    /// The roles, with their names in QML.
+    enum Role {
+        NameRole = Qt::UserRole + 1, ///< "name"
+        PictureRole,                 ///< "picture": its bytes
+        UrlRole,                     ///< "url"
+        IsCurrentRole                ///< "isCurrent"
+    };
     Q_ENUM(Role)
 
     ~Deck() override;

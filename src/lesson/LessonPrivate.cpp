@@ -190,11 +190,14 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
     const QPointer<Lesson> self(q);
     joinCode = opening.joinCode;
     joinAddress = opening.joinAddress;
+    QStringList newcomers;
     QSet<QString> listed = opening.heard;
     for (const Learner& learner : opening.learners) {
         listed.insert(learner.deviceId);
-        if (roster->join(learner) && self)
-            Q_EMIT roster->joined(learner.deviceId);
+        if (!roster->join(learner))
+            continue;
+        newcomers.append(learner.deviceId);
+        Q_EMIT roster->joined(learner.deviceId);
         if (!self)
             return;
     }
@@ -210,7 +213,7 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
     if (!setState(Lesson::Live) || state != Lesson::Live)
         return;
     if (opening.isReturn)
-        bringBack();
+        bringBack(newcomers);
     else if (!wanted().isNothing())
         send([wanted = wanted()](PresenterCollab* collab) {
             LessonMessages::bring(collab, QString(), wanted);
@@ -244,6 +247,7 @@ void LessonPrivate::onLost()
     if (state != Lesson::Live)
         return;
     attempts = 0;
+    shown = wanted();
     if (setState(Lesson::Reconnecting) && state == Lesson::Reconnecting && reconnects)
         tryAgain();
 }
@@ -445,25 +449,48 @@ void LessonPrivate::bring(const QStringList& devices)
     }
 }
 
-// The learners have had the lesson in front of them all the while: who has answered is left alone.
-void LessonPrivate::bringBack()
+// The learners have had the lesson in front of them all the while: they get what has changed, and who has not
+// answered gets the question again. Who has come meanwhile gets everything.
+void LessonPrivate::bringBack(const QStringList& newcomers)
 {
-    const Wanted all = wanted();
-    Wanted rest = all;
-    rest.assessmentToken.clear(); // devices go on with theirs by themselves
-    if (poll && poll->answered() > 0)
-        rest.pollId.clear();
-    if (!rest.isNothing())
-        send([rest](PresenterCollab* collab) { LessonMessages::bring(collab, QString(), rest); });
-    if (all.pollId.isEmpty() || !rest.pollId.isEmpty())
+    const Wanted now = wanted();
+    Wanted news = now;
+    const bool isSamePoll = now.pollId == shown.pollId;
+    const bool isSameAssessment = now.assessmentToken == shown.assessmentToken;
+    if (isSamePoll)
+        news.pollId.clear();
+    if (isSameAssessment)
+        news.assessmentToken.clear();
+    if (now.cardPng == shown.cardPng && now.cardUrl == shown.cardUrl) {
+        news.cardPng.clear();
+        news.cardUrl.clear();
+    }
+    news.isLocked = now.isLocked && !shown.isLocked;
+    send([=, before = shown](PresenterCollab* collab) {
+        if (!before.pollId.isEmpty() && now.pollId.isEmpty())
+            LessonMessages::sendPollStop(collab, before.pollId);
+        if (!before.assessmentToken.isEmpty() && !isSameAssessment)
+            LessonMessages::sendAssessmentStop(collab, before.assessmentToken);
+        LessonMessages::bring(collab, QString(), news);
+        if (isSamePoll && now.isPollPaused != before.isPollPaused)
+            LessonMessages::sendPause(collab, QString(), now.pollId, now.isPollPaused);
+        if (isSameAssessment && now.isAssessmentPaused != before.isAssessmentPaused)
+            LessonMessages::sendPause(collab, QString(), now.assessmentToken, now.isAssessmentPaused);
+        if (before.isLocked && !now.isLocked)
+            LessonMessages::sendLock(collab, QString(), false);
+    });
+    bring(newcomers);
+    if (!isSamePoll || now.pollId.isEmpty())
         return;
-    Wanted missing;
-    missing.question = all.question;
-    missing.pollId = all.pollId;
-    missing.isPollPaused = all.isPollPaused;
-    send([missing, devices = poll->missing()](PresenterCollab* collab) {
-        for (const QString& deviceId : devices)
-            LessonMessages::bring(collab, LessonMessages::addressOf(deviceId), missing);
+    QStringList missing = poll->missing();
+    for (const QString& deviceId : newcomers)
+        missing.removeOne(deviceId);
+    send([now, devices = missing](PresenterCollab* collab) {
+        for (const QString& deviceId : devices) {
+            LessonMessages::sendPoll(collab, LessonMessages::addressOf(deviceId), now.question, now.pollId);
+            if (now.isPollPaused)
+                LessonMessages::sendPause(collab, LessonMessages::addressOf(deviceId), now.pollId, true);
+        }
     });
 }
 

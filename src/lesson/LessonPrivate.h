@@ -44,7 +44,7 @@ struct LessonPrivate : public LessonListener
     Wanted wanted() const;
     Wanted wantedBy(const QString& deviceId, const Wanted& all) const;
     void bring(const QStringList& devices);
-    void bringBack();
+    void bringBack(const QStringList& newcomers);
     void send(const std::function<void(PresenterCollab*)>& work);
     void withPicture(const QByteArray& png,
                      const std::function<void(const QByteArray& png, const QString& url)>& then);
@@ -116,6 +116,7 @@ struct LessonPrivate : public LessonListener
     QSet<Poll*> answeredPolls; // in this turn
     Question sentQuestion;     // the running poll's, as devices get it
     bool isPollReady = false;  // its picture is uploaded
+    Wanted shown;              // what the class had in front of it when the channel was lost
     QByteArray cardPng;
     QString cardUrl;
     int cardSerial = 0; // counts what takes a card's place

@@ -18,8 +18,9 @@ namespace {
 
 constexpr int openLimit = 10000; // ms, for each transport
 constexpr int channelLimit = 3 * openLimit + 1000;
-constexpr int replyLimit = 10000; // ms, the client's
-constexpr int abortPace = 10;     // ms
+constexpr int replyLimit = 10000;   // ms, the client's
+constexpr int abortPace = 10;       // ms
+constexpr int silenceLimit = 40000; // longer than a server's heartbeats are apart
 constexpr int pulsePace = 10000;
 constexpr int echoLimit = 5000;
 constexpr int hastyEchoLimit = 2000;
@@ -237,6 +238,8 @@ LessonError LessonWorker::doOpen()
     if (!m_client)
         return error(LessonError::LoggedOutByService);
     m_client->setOpenLimit(openLimit);
+    m_client->setSilenceLimit(silenceLimit);
+    m_client->setRandomSessionIds(true);
     m_client->setSockJSOverrideProtocols(m_transports);
     PresenterCollab* collab = nullptr;
     const LessonError reason = startSession(&collab);

@@ -24,10 +24,23 @@ class CALYXCLIENT_EXPORT PollResults : public QAbstractTableModel
 
 public:
     /// The columns, which are the roles as well: a role is Qt::UserRole + 1 + its column.
-    enum Column { Label, Text, Count, Share, IsCorrect, ColumnCount };
+    enum Column {
+        Label,      ///< the option's label, or the answer as it was first written
+        Text,       ///< what the option says
+        Count,      ///< how many learners gave it
+        Share,      ///< of those who answered, 0 to 1
+        IsCorrect,  ///< whether it is right
+        ColumnCount ///< how many columns there are
+    };
     Q_ENUM(Column)
-    /// Named "label", "text", "count", "share" and "isCorrect" in QML.
-    enum Role { LabelRole = Qt::UserRole + 1, TextRole, CountRole, ShareRole, IsCorrectRole };
+    /// The roles, with their names in QML.
+    enum Role {
+        LabelRole = Qt::UserRole + 1, ///< "label"
+        TextRole,                     ///< "text"
+        CountRole,                    ///< "count"
+        ShareRole,                    ///< "share"
+        IsCorrectRole                 ///< "isCorrect"
+    };
     Q_ENUM(Role)
 
     /// One row.

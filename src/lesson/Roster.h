@@ -25,15 +25,14 @@ class CALYXCLIENT_EXPORT Roster : public QAbstractListModel
     Q_PROPERTY(int presentCount READ presentCount NOTIFY changed)
 
 public:
-    /// Named "deviceId", "name", "deviceType", "isPresent", "hasAnswered" and "answer" in QML. The last two
-    /// are about Lesson::poll().
+    /// The roles, with their names in QML. The last two are about Lesson::poll().
     enum Role {
-        DeviceIdRole = Qt::UserRole + 1,
-        NameRole,
-        DeviceTypeRole,
-        IsPresentRole,
-        HasAnsweredRole,
-        AnswerRole
+        DeviceIdRole = Qt::UserRole + 1, ///< "deviceId"
+        NameRole,                        ///< "name", the device id where there is none
+        DeviceTypeRole,                  ///< "deviceType", as the service names it
+        IsPresentRole,                   ///< "isPresent"
+        HasAnsweredRole,                 ///< "hasAnswered": Lesson::poll()
+        AnswerRole                       ///< "answer": its text
     };
     Q_ENUM(Role)
 

@@ -1,12 +1,15 @@
 // What a lesson says and does when the service is not as it should be.
 
 #include "support/FakeService.h"
+#include "support/FakeSockJSServer.h"
 #include "support/Logins.h"
 #include "support/WaitFor.h"
 
 #include <CalyxClient/Lesson>
 
 #include <QElapsedTimer>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QMetaEnum>
 #include <QTest>
 
@@ -29,6 +32,66 @@ void logIn(Lesson& lesson)
 {
     lesson.logIn(QStringLiteral("teacher"), QStringLiteral("chalk"));
 }
+
+/// A service with a bus, and a lesson there that is live with the learners D1 and D2.
+struct Class
+{
+    FakeService service;
+    FakeSockJSServer bus;
+    Lesson lesson{QUrl(service.url())};
+
+    void expectUsers()
+    {
+        service.expect("/tavisto/session/getusers", Answer::json(R"({"success":true,"data":{"users":[
+            {"userToken":"D1","userName":"Ann","mode":"learner"},{"userToken":"D2","userName":"Bea","mode":"learner"}]}})"));
+    }
+
+    bool start()
+    {
+        const QByteArray address = "{\"data\":{\"url\":\"" + bus.url().toEncoded() + "\"}}";
+        service.expect(PROBE, Answer::json(FINE));
+        service.expect(SUBMIT, Answer::json(Logins::SUCCESS));
+        service.expect(Logins::USER, Answer::json(R"({"data":{"userLoginId":"teacher"}})"));
+        service.expect("/tavisto/session/create", Answer::json(R"({"data":{"sessionCode":"123456"}})"));
+        service.expect("/tavisto/session/getcollabserverurl", Answer::json(address));
+        service.expect("/tavisto/config/findTenantFeatureDetails",
+                       Answer::json(R"({"data":{"sockJSProtocols":["websocket"]}})"));
+        service.expect("/tavisto/session/start", Answer::json(R"({"data":{"sessionToken":"T"}})"));
+        service.expect("/tavisto/classroom/session/join", Answer::json(R"({"data":{"userToken":"U"}})"));
+        expectUsers();
+        logIn(lesson);
+        lesson.start();
+        return waitFor([&] { return lesson.state() == Lesson::Live; });
+    }
+
+    bool loseAndReturn(const Work& meanwhile)
+    {
+        bus.dropConnections();
+        if (!waitFor([&] { return lesson.state() == Lesson::Reconnecting; }))
+            return false;
+        meanwhile(lesson);
+        expectUsers(); // is the session still there?
+        expectUsers();
+        lesson.retryNow();
+        return waitFor([&] { return lesson.state() == Lesson::Live; });
+    }
+
+    /// What is published as "type address", up to the next message to the remote control.
+    QStringList published()
+    {
+        QStringList all;
+        for (QString text = bus.nextMessage(); !text.isNull(); text = bus.nextMessage()) {
+            const QJsonObject frame = QJsonDocument::fromJson(text.toUtf8()).object();
+            const QString type = frame.value("body").toObject().value("type").toString();
+            if (type == QLatin1String("currentCard"))
+                break;
+            if (frame.value("type") == QLatin1String("publish") && type != QLatin1String("pulse") &&
+                !frame.value("address").toString().endsWith(QLatin1String(".controller")))
+                all.append(type + QLatin1Char(' ') + frame.value("address").toString());
+        }
+        return all;
+    }
+};
 
 } // namespace
 
@@ -141,6 +204,46 @@ private Q_SLOTS:
         lesson.clearPolls();
         lesson.showResults();
         QCOMPARE(kinds.size(), 1);
+    }
+
+    void bringsBackWhatHasChanged_data()
+    {
+        QTest::addColumn<Work>("meanwhile");
+        QTest::addColumn<QStringList>("published");
+        const auto row = [](const char* name, const Work& meanwhile, const QStringList& published) {
+            QTest::newRow(name) << meanwhile << published;
+        };
+        const QStringList again = {"questionStart T.user.D1", "questionStart T.user.D2"};
+        row(
+            "nothing", [](Lesson&) {}, again);
+        row("stop", [](Lesson& lesson) { lesson.stop(); }, {"pollStop T"});
+        row("pause", [](Lesson& lesson) { lesson.pause(); },
+            {"pause T", "questionStart T.user.D1", "pause T.user.D1", "questionStart T.user.D2",
+             "pause T.user.D2"});
+        row("ask", [](Lesson& lesson) { lesson.ask(Question::usual(PollType::TEXT)); }, {"questionStart T"});
+        row(
+            "lock", [](Lesson& lesson) { lesson.setLocked(true); }, QStringList{"dialogShow T"} + again);
+        row(
+            "card", [](Lesson& lesson) { lesson.showPicture("png"); },
+            QStringList{"showCard T.learner"} + again);
+    }
+
+    void bringsBackWhatHasChanged()
+    {
+        QFETCH(Work, meanwhile);
+        Class class_;
+        QVERIFY(class_.start());
+        QCOMPARE(class_.lesson.roster()->presentCount(), 2);
+        class_.lesson.ask(Question::usual(PollType::MULTIPLE));
+        class_.lesson.setName(QStringLiteral("id"), QStringLiteral("name")); // told to the remote control
+        QCOMPARE(class_.published(), QStringList());
+        QCOMPARE(class_.published(), QStringList{"questionStart T"});
+        QVERIFY(class_.loseAndReturn(meanwhile));
+        QTEST(class_.published(), "published");
+        class_.service.expect("/tavisto/session/stop", Answer::json(FINE));
+        class_.service.expect(Logins::LOGOUT, Answer::json(FINE));
+        class_.lesson.logOut();
+        QVERIFY(waitFor([&] { return class_.lesson.state() == Lesson::LoggedOut; }));
     }
 
     void waitsAreCancelled_data()
