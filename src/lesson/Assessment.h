@@ -131,11 +131,14 @@ public:
     /// The questions, every answer, the marks.
     QJsonObject toJson() const;
 
+    ///@{
+    /// As views want it.
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
     QHash<int, QByteArray> roleNames() const override;
+    ///@}
 
 Q_SIGNALS:
     /// Paused, resumed or stopped.

@@ -51,9 +51,12 @@ public:
     /// Removes all cards.
     Q_INVOKABLE void clear();
 
+    ///@{
+    /// As views want it.
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QHash<int, QByteArray> roleNames() const override;
+    ///@}
 
 Q_SIGNALS:
     /// Cards were added or removed, or another one is current.

@@ -68,11 +68,14 @@ public:
     /// other answers that do not fit ("Others", translated).
     QVector<Row> rows(int most) const;
 
+    ///@{
+    /// As views want it.
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
     QHash<int, QByteArray> roleNames() const override;
+    ///@}
 
 Q_SIGNALS:
     /// Counts have changed: after the model's own signals.

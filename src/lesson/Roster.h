@@ -56,9 +56,12 @@ public:
     /// Everybody with the times of coming and going.
     QJsonArray toJson() const;
 
+    ///@{
+    /// As views want it.
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QHash<int, QByteArray> roleNames() const override;
+    ///@}
 
 Q_SIGNALS:
     /// A device that was not here is.
