@@ -115,9 +115,11 @@ PresenterCollab::PresenterCollab(QObject* parent, QString serverUrl, QString ses
     connect(&d->pingTimer, SIGNAL(timeout()), this, SLOT(onPingTimer()));
 }
 
-// Nothing is to be heard, and nobody to be reached, while those that have `destroyed` connected are told.
+// A slot of `destroyed` may run an event loop, and may delete the client: nothing reaches what is left of this
+// object then, and nobody deletes it once more.
 PresenterCollab::~PresenterCollab()
 {
+    setParent(nullptr);
     d->connector->disconnect(this);
     d->handler->disconnect(this);
 }

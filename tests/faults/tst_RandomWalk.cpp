@@ -1,0 +1,246 @@
+#include "faults/support/WillingService.h"
+#include "support/ClientOperations.h"
+#include "support/FakeSockJSServer.h"
+#include "support/ProcessResources.h"
+
+#include <CalyxClient/CollaborationMessageHandler>
+#include <CalyxClient/Lzma>
+#include <CalyxClient/PresenterCollab>
+#include <CalyxClient/SockJSConnector>
+
+#include <QEventLoop>
+#include <QMetaMethod>
+#include <QNetworkProxy>
+#include <QPointer>
+#include <QTest>
+#include <QTimer>
+
+#include <functional>
+
+namespace {
+
+constexpr int roundLength = 2000; // milliseconds
+constexpr int deepest = 5;        // slots that act inside one another
+
+} // namespace
+
+/// A host that does anything from any slot: every operation, deletion, and loops of its own, by seed. Nothing
+/// is stated but that it neither crashes nor hangs, and leaves nothing behind.
+class TestRandomWalk : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
+        qputenv("QT_LOGGING_RULES", "*.debug=false");
+        walk(0, 500);
+        m_threads = ProcessResources::threads();
+        m_descriptors = ProcessResources::descriptors();
+    }
+
+    // 20 seconds, or what the environment says.
+    void anythingInAnySlot_data()
+    {
+        QTest::addColumn<quint32>("seed");
+        const int seconds = qEnvironmentVariableIntValue("CALYX_WALK_SECONDS");
+        const int first = qEnvironmentVariableIntValue("CALYX_WALK_SEED");
+        for (int i = 1; i <= (seconds > 0 ? seconds : 20) * 1000 / roundLength; ++i)
+            QTest::addRow("seed %d", first + i) << quint32(first + i);
+    }
+
+    void anythingInAnySlot()
+    {
+        QFETCH(quint32, seed);
+        walk(seed, roundLength);
+        QVERIFY(m_steps > 10);
+    }
+
+    void cleanupTestCase()
+    {
+        QTRY_VERIFY2_WITH_TIMEOUT(ProcessResources::threads() <= m_threads,
+                                  qPrintable(QString::number(ProcessResources::threads())), 20000);
+        QTRY_VERIFY2_WITH_TIMEOUT(ProcessResources::descriptors() <= m_descriptors,
+                                  qPrintable(QString::number(ProcessResources::descriptors())), 20000);
+    }
+
+public Q_SLOTS:
+    void act()
+    {
+        if (m_depth < deepest && m_random.bounded(2) == 0)
+            step();
+    }
+
+private:
+    using Action = std::function<void()>;
+
+    void walk(quint32 seed, int msecs)
+    {
+        m_random.seed(seed);
+        m_steps = 0;
+        FakeSockJSServer bus;
+        m_bus = &bus;
+        const WillingService service(bus.url(), &m_random, 10);
+        m_service = service.url();
+        m_isOver = false;
+        QTimer ticks;
+        connect(&ticks, &QTimer::timeout, this, [this] { step(); });
+        ticks.start(5);
+        QTimer::singleShot(msecs, this, [this] { m_isOver = true; });
+        while (!m_isOver) // quit() is one of the actions
+            QCoreApplication::exec();
+        ticks.stop();
+        delete m_client;
+        delete m_collab;
+        m_bus = nullptr;
+    }
+
+    void step()
+    {
+        if (m_depth >= deepest)
+            return;
+        if (m_isOver) {
+            QCoreApplication::quit();
+            return;
+        }
+        ++m_steps;
+        ++m_depth;
+        if (!m_client)
+            makeClient();
+        else if (!m_collab)
+            startLesson();
+        else
+            any({[this] { operate(); }, [this] { operate(); }, [this] { publish(); },
+                 [this] { connection(); }, [this] { farEnd(); }, [this] { farEnd(); }, [this] { ownLoop(); },
+                 [this] { remove(); }});
+        --m_depth;
+    }
+
+    void any(const QList<Action>& actions) { actions.at(m_random.bounded(actions.size()))(); }
+
+    // Every signal, destroyed() included.
+    void listenTo(QObject* object)
+    {
+        const QMetaMethod slot = metaObject()->method(metaObject()->indexOfSlot("act()"));
+        for (int i = 0; i < object->metaObject()->methodCount(); ++i) {
+            const QMetaMethod method = object->metaObject()->method(i);
+            if (method.methodType() == QMetaMethod::Signal && method.name() != "objectNameChanged")
+                connect(object, method, this, slot);
+        }
+    }
+
+    void makeClient()
+    {
+        m_client = new PresenterClient(nullptr, m_service);
+        listenTo(m_client);
+        ClientOperations::operations().first().second.prepare(m_client);
+        m_client->sessionSuccessResponse(QString::fromLatin1(ClientOperations::ALL_IS_WELL));
+    }
+
+    void startLesson()
+    {
+        m_client->setSockJSOverrideProtocols({transport()});
+        const QPointer<PresenterClient> client(m_client);
+        PresenterCollab* collab = nullptr;
+        if (!client->startWebsocket(&collab) || !client || client != m_client)
+            return;
+        m_collab = client->collab();
+        if (!m_collab)
+            return;
+        for (QObject* object : {static_cast<QObject*>(m_collab), static_cast<QObject*>(m_collab->connector()),
+                                static_cast<QObject*>(m_collab->messageHandler())})
+            listenTo(object);
+        listenToTransports();
+    }
+
+    void listenToTransports()
+    {
+        const auto children = m_collab->connector()->findChildren<QObject*>();
+        for (QObject* child : children)
+            connect(child, &QObject::destroyed, this, &TestRandomWalk::act, Qt::UniqueConnection);
+    }
+
+    QString transport()
+    {
+        const QStringList all = {"websocket", "xhr-streaming", "xhr-polling"};
+        return all.at(m_random.bounded(all.size()));
+    }
+
+    void operate()
+    {
+        static const auto operations = ClientOperations::operations();
+        operations.at(m_random.bounded(operations.size())).second.call(m_client);
+    }
+
+    void publish()
+    {
+        PresenterCollab* collab = m_collab;
+        any({[=] { collab->startPoll(Calyx::PollType::MULTIPLE, Calyx::OrdinalType::ALPHA_UPPER, 4, 1); },
+             [=] { collab->stopPoll(); }, [=] { collab->removeLearner(QStringLiteral("d")); },
+             [=] { collab->setCardImage(QByteArray(1000, 'x')); }, [=] { collab->showImageCard(true); },
+             [=] { collab->sendPing(); }, [=] { collab->sendCurrentCardToRemote(1, 3); }});
+    }
+
+    void connection()
+    {
+        PresenterCollab* collab = m_collab;
+        const QString name = transport();
+        const auto list = SockJSConnector::GetProtocolsFromStrings({name});
+        any({[=] { collab->close(); }, [=] { collab->connector()->close(); }, [=] { collab->open({name}); },
+             [=] { collab->connector()->open(QUrl(collab->serverUrl()), list); },
+             [=] {
+                 collab->close();
+                 collab->open({name});
+             }});
+        if (m_collab)
+            listenToTransports();
+    }
+
+    void farEnd()
+    {
+        using Server = FakeSockJSServer;
+        any({[this] { m_bus->closeSession(); }, [this] { m_bus->dropConnections(); },
+             [this] { m_bus->setUpgrade(Server::Upgrade(m_random.bounded(int(Server::Silent)))); },
+             [this] { m_bus->setUpgrade(Server::Open); }, [this] { m_bus->setUpgrade(Server::Open); },
+             [this] { messages(); }, [this] { messages(); }, [this] { messages(); }});
+    }
+
+    void messages()
+    {
+        QString block;
+        Lzma::compress64(QStringLiteral("{}"), &block);
+        QStringList texts;
+        for (const char* type : {"join", "pollResponse", "questionGet", "pause", "else"})
+            texts.append(
+                QStringLiteral(R"({"body":{"from":"d","type":"%1","data":["%2"]}})").arg(type, block));
+        m_bus->injectMessages(texts.mid(m_random.bounded(texts.size())));
+    }
+
+    void ownLoop()
+    {
+        QEventLoop loop;
+        QTimer::singleShot(m_random.bounded(20), &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+
+    void remove()
+    {
+        any({[this] { delete m_collab; }, [this] { delete m_client; }, [this] { m_collab->deleteLater(); },
+             [] { QCoreApplication::quit(); }});
+    }
+
+    QRandomGenerator m_random;
+    QPointer<FakeSockJSServer> m_bus;
+    QString m_service;
+    QPointer<PresenterClient> m_client;
+    QPointer<PresenterCollab> m_collab;
+    bool m_isOver = false;
+    int m_steps = 0;
+    int m_depth = 0;
+    int m_threads = 0;
+    int m_descriptors = 0;
+};
+
+QTEST_GUILESS_MAIN(TestRandomWalk)
+#include "tst_RandomWalk.moc"
