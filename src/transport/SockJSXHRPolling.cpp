@@ -65,6 +65,11 @@ SockJSXHRPolling::~SockJSXHRPolling()
     transportsOfApplication().removeOne(this);
     joinThread();
     qDeleteAll(m_requests);
+    // A slot of `destroyed` may run an event loop: nothing of the thread's or of the manager's reaches what
+    // is left of this object then.
+    m_nam->disconnect(this);
+    delete m_nam;
+    QCoreApplication::removePostedEvents(this, QEvent::MetaCall);
 }
 
 bool SockJSXHRPolling::start(QString host, int port, bool secure, QString path, bool streaming)

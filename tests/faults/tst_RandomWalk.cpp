@@ -91,7 +91,7 @@ private:
         while (!m_isOver) // quit() is one of the actions
             QCoreApplication::exec();
         ticks.stop();
-        delete m_client;
+        removeClient();
         delete m_collab;
         m_bus = nullptr;
     }
@@ -226,14 +226,24 @@ private:
 
     void remove()
     {
-        any({[this] { delete m_collab; }, [this] { delete m_client; }, [this] { m_collab->deleteLater(); },
+        any({[this] { delete m_collab; }, [this] { removeClient(); }, [this] { m_collab->deleteLater(); },
              [] { QCoreApplication::quit(); }});
+    }
+
+    // Its destructor waits for the session's end, and nobody deletes an object a second time meanwhile.
+    void removeClient()
+    {
+        if (m_removed == m_client)
+            return;
+        m_removed = m_client;
+        delete m_client;
     }
 
     QRandomGenerator m_random;
     QPointer<FakeSockJSServer> m_bus;
     QString m_service;
     QPointer<PresenterClient> m_client;
+    QPointer<PresenterClient> m_removed;
     QPointer<PresenterCollab> m_collab;
     bool m_isOver = false;
     int m_steps = 0;
