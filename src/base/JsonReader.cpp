@@ -1,8 +1,8 @@
 #include "base/JsonReader.h"
 
-#include <QHash>
-
+#include <algorithm>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -99,15 +99,18 @@ private:
         m_members.resize(level.firstMember);
     }
 
+    // The names are sorted, not hashed: a sender who knows Qt's hash could choose names that all get the same
+    // one, and each would be compared with all others.
     void removeRepeated(size_t first)
     {
-        QHash<QString, size_t> latest;
-        for (size_t i = first; i < m_members.size(); ++i) {
-            const QString name = textOf(m_members[i]);
-            const auto earlier = latest.constFind(name);
-            if (earlier != latest.constEnd())
-                blank(m_members[*earlier]);
-            latest.insert(name, i);
+        std::vector<std::pair<QString, size_t>> names;
+        names.reserve(m_members.size() - first);
+        for (size_t i = first; i < m_members.size(); ++i)
+            names.emplace_back(textOf(m_members[i]), i);
+        std::sort(names.begin(), names.end());
+        for (size_t i = 1; i < names.size(); ++i) {
+            if (names[i - 1].first == names[i].first)
+                blank(m_members[names[i - 1].second]);
         }
     }
 
@@ -121,17 +124,23 @@ private:
     // The same name can be written in many ways.
     QString textOf(const Member& member) const
     {
-        QString text = QString::fromUtf8(m_json + member.nameBegin, member.nameEnd - member.nameBegin);
-        for (int i = text.indexOf(QLatin1Char('\\')); i >= 0 && i + 1 < text.size();
-             i = text.indexOf(QLatin1Char('\\'), i + 1)) {
-            const bool isCode = text.at(i + 1) == QLatin1Char('u');
-            text.replace(i, isCode ? 6 : 2,
-                         isCode ? codeUnit(text.mid(i + 2, 4)) : unescaped(text.at(i + 1)));
+        constexpr int digits = 4;
+        const QString written =
+            QString::fromUtf8(m_json + member.nameBegin, member.nameEnd - member.nameBegin);
+        QString text;
+        text.reserve(written.size());
+        for (int i = 0; i < written.size(); ++i) {
+            if (written.at(i) != QLatin1Char('\\') || i + 1 == written.size()) {
+                text += written.at(i);
+            } else if (written.at(++i) == QLatin1Char('u')) {
+                text += QChar(written.mid(i + 1, digits).toUShort(nullptr, 16));
+                i += digits;
+            } else {
+                text += unescaped(written.at(i));
+            }
         }
         return text;
     }
-
-    static QChar codeUnit(const QString& digits) { return QChar(digits.toUShort(nullptr, 16)); }
 
     static QChar unescaped(QChar c)
     {

@@ -1,5 +1,6 @@
 #include "base/JsonReader.h"
 
+#include <QJsonObject>
 #include <QtTest>
 
 #include <malloc.h>
@@ -9,6 +10,20 @@ namespace {
 QByteArray compact(const QString& text)
 {
     return JsonReader::read(text).toJson(QJsonDocument::Compact);
+}
+
+// To Qt's hash "Aa" and "BB" are the same, on a processor that does not help.
+QString namesOfOneHash()
+{
+    constexpr int bits = 17;
+    QString text = QStringLiteral("{\"\":[]");
+    for (int number = 0; number < 1 << bits; ++number) {
+        text += QStringLiteral(",\"");
+        for (int bit = 0; bit < bits; ++bit)
+            text += (number >> bit) & 1 ? QStringLiteral("Aa") : QStringLiteral("BB");
+        text += QStringLiteral("\":0");
+    }
+    return text + QLatin1Char('}');
 }
 
 } // namespace
@@ -74,6 +89,21 @@ private Q_SLOTS:
         QVERIFY(JsonReader::read(nested(deepest + 2)).isNull());
         QVERIFY(JsonReader::read(QString(1000000, QLatin1Char('['))).isNull());
         QVERIFY(JsonReader::read(QStringLiteral(R"({"a":)").repeated(1000000)).isNull());
+    }
+
+    // Each of these takes minutes where its time grows with the square of its size.
+    void longNamesAreReadInOneGo_data()
+    {
+        QTest::addColumn<QString>("text");
+        const QString escapes = QStringLiteral("\\u0061").repeated(1000000);
+        QTest::newRow("many escapes") << QStringLiteral(R"({"%1":[],"b":[]})").arg(escapes);
+        QTest::newRow("many names of one hash") << namesOfOneHash();
+    }
+
+    void longNamesAreReadInOneGo()
+    {
+        QFETCH(QString, text);
+        QVERIFY(!JsonReader::read(text).object().isEmpty());
     }
 
     void manyMembersAreReadInOneGo()
