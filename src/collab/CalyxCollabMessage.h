@@ -48,15 +48,15 @@ public:
 public Q_SLOTS:
     ///@{
     /// Stores the value unchanged, for the key of its name in the message's JSON.
-    void setfrom(QString from);
-    void settype(QString type);
-    void setversion(QString version);
-    void setsourceSystem(QString sourceSystem);
-    void setdata(QVariant data);
+    void setfrom(QString from) { m_from = from; }
+    void settype(QString type) { m_type = type; }
+    void setversion(QString version) { m_version = version; }
+    void setsourceSystem(QString sourceSystem) { m_sourceSystem = sourceSystem; }
+    void setdata(QVariant data) { m_data = data; }
     ///@}
     /// Sets the object that compileData() serialises; it stays the caller's. Null for none: then data()
     /// counts.
-    void setdataobject(QObject* object);
+    void setdataobject(QObject* object) { m_dataObject = object; }
 
 private:
     QString m_from = QStringLiteral("");

@@ -32,10 +32,10 @@ public:
 public Q_SLOTS:
     ///@{
     /// Stores the value unchanged; emits nothing. The getter of the same name tells what it means.
-    void setID(QString value);
-    void setoptionText(QString optionText);
-    void setdisplaySeqNumber(int displaySeqNumber);
-    void setmath(bool math);
+    void setID(QString value) { m_id = value; }
+    void setoptionText(QString optionText) { m_optionText = optionText; }
+    void setdisplaySeqNumber(int displaySeqNumber) { m_displaySeqNumber = displaySeqNumber; }
+    void setmath(bool math) { m_math = math; }
     ///@}
 
 private:

@@ -71,21 +71,39 @@ public:
 public Q_SLOTS:
     ///@{
     /// Stores the value unchanged; emits nothing. The getter of the same name tells what it means.
-    void setassessmentToken(QString assessmentToken);
-    void setallowSkipQuestion(bool allowSkipQuestion);
-    void setallowNavigateQuestionSet(bool allowNavigateQuestionSet);
-    void setallowResubmitResponse(bool allowResubmitResponse);
-    void setshowSummaryOnAssessmentCompletion(bool showSummaryOnAssessmentCompletion);
-    void setshowAnswerOnIncorrectResponse(bool showAnswerOnIncorrectResponse);
-    void setshowFeedback(bool showFeedback);
-    void setquestionCount(int questionCount);
-    void setstartingQuestionNumber(int questionNumber);
-    void setallowedTime(int allowedTime);
-    void setcurrentAssessmentSectionId(QString currentAssessmentSectionId);
-    void settitle(QString title);
-    void setdescription(QString description);
-    void setscored(bool scored);
-    void setassessmentSectionConfigurations(QVariantMap assessmentSectionConfigurations);
+    void setassessmentToken(QString assessmentToken) { m_assessmentToken = assessmentToken; }
+    void setallowSkipQuestion(bool allowSkipQuestion) { m_allowSkipQuestion = allowSkipQuestion; }
+    void setallowNavigateQuestionSet(bool allowNavigateQuestionSet)
+    {
+        m_allowNavigateQuestionSet = allowNavigateQuestionSet;
+    }
+    void setallowResubmitResponse(bool allowResubmitResponse)
+    {
+        m_allowResubmitResponse = allowResubmitResponse;
+    }
+    void setshowSummaryOnAssessmentCompletion(bool showSummaryOnAssessmentCompletion)
+    {
+        m_showSummaryOnAssessmentCompletion = showSummaryOnAssessmentCompletion;
+    }
+    void setshowAnswerOnIncorrectResponse(bool showAnswerOnIncorrectResponse)
+    {
+        m_showAnswerOnIncorrectResponse = showAnswerOnIncorrectResponse;
+    }
+    void setshowFeedback(bool showFeedback) { m_showFeedback = showFeedback; }
+    void setquestionCount(int questionCount) { m_questionCount = questionCount; }
+    void setstartingQuestionNumber(int questionNumber) { m_startingQuestionNumber = questionNumber; }
+    void setallowedTime(int allowedTime) { m_allowedTime = allowedTime; }
+    void setcurrentAssessmentSectionId(QString currentAssessmentSectionId)
+    {
+        m_currentAssessmentSectionId = currentAssessmentSectionId;
+    }
+    void settitle(QString title) { m_title = title; }
+    void setdescription(QString description) { m_description = description; }
+    void setscored(bool scored) { m_scored = scored; }
+    void setassessmentSectionConfigurations(QVariantMap assessmentSectionConfigurations)
+    {
+        m_assessmentSectionConfigurations = assessmentSectionConfigurations;
+    }
     ///@}
 
 private:

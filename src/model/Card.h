@@ -71,22 +71,22 @@ public:
 public Q_SLOTS:
     ///@{
     /// Stores the value unchanged; emits nothing. The getter of the same name tells what it means.
-    void setactive(bool active);
-    void setautoSend(bool autoSend);
-    void setcomponents(QVariantList components);
-    void sethasRendered(bool hasRendered);
-    void setid(QString value);
-    void setisTeacherCard(bool isTeacherCard);
-    void setnotes(QString notes);
-    void setordinal(int ordinal);
-    void setprimary(bool primary);
-    void setpristine(bool pristine);
-    void setremoteId(QString remoteId);
-    void setsegment(QVariantMap segment);
-    void setstyles(QVariantMap styles);
-    void settracks(QVariantList tracks);
-    void settype(QString type);
-    void setvisible(bool visible);
+    void setactive(bool active) { m_active = active; }
+    void setautoSend(bool autoSend) { m_autoSend = autoSend; }
+    void setcomponents(QVariantList components) { m_components = components; }
+    void sethasRendered(bool hasRendered) { m_hasRendered = hasRendered; }
+    void setid(QString value) { m_id = value; }
+    void setisTeacherCard(bool isTeacherCard) { m_isTeacherCard = isTeacherCard; }
+    void setnotes(QString notes) { m_notes = notes; }
+    void setordinal(int ordinal) { m_ordinal = ordinal; }
+    void setprimary(bool primary) { m_primary = primary; }
+    void setpristine(bool pristine) { m_pristine = pristine; }
+    void setremoteId(QString remoteId) { m_remoteId = remoteId; }
+    void setsegment(QVariantMap segment) { m_segment = segment; }
+    void setstyles(QVariantMap styles) { m_styles = styles; }
+    void settracks(QVariantList tracks) { m_tracks = tracks; }
+    void settype(QString type) { m_type = type; }
+    void setvisible(bool visible) { m_visible = visible; }
     ///@}
     /// Sets the background image to \p url, unchanged: a data URI, or a CSS `url('...')`.
     void setBackgroundImage(QString url);

@@ -76,20 +76,20 @@ public Q_SLOTS:
 
     ///@{
     /// Stores the value unchanged; emits nothing. The getter of the same name tells what it means.
-    void setID(QString value);
-    void setquestionSetMode(QString questionSetMode);
-    void setquestionNumber(int questionNumber);
-    void setType(QString type);
-    void setactivityType(QVariantMap activityType);
-    void setfeedBack(QObject* feedBack);
-    void setfeedBack(Calyx::QuestionFeedback* feedBack);
-    void setinstructions(QString instructions);
-    void setpassage(QString passage);
-    void setcard(QObject* card);
-    void sethint(QString hint);
-    void setmath(bool math);
-    void sethasNext(bool hasNext);
-    void setnavigable(bool navigable);
+    void setID(QString value) { m_id = value; }
+    void setquestionSetMode(QString questionSetMode) { m_questionSetMode = questionSetMode; }
+    void setquestionNumber(int questionNumber) { m_questionNumber = questionNumber; }
+    void setType(QString type) { m_type = type; }
+    void setactivityType(QVariantMap activityType) { m_activityType = activityType; }
+    void setfeedBack(QObject* feedBack) { m_feedBack = feedBack; }
+    void setfeedBack(Calyx::QuestionFeedback* feedBack) { m_feedBack = feedBack; }
+    void setinstructions(QString instructions) { m_instructions = instructions; }
+    void setpassage(QString passage) { m_passage = passage; }
+    void setcard(QObject* card) { m_card = card; }
+    void sethint(QString hint) { m_hint = hint; }
+    void setmath(bool math) { m_math = math; }
+    void sethasNext(bool hasNext) { m_hasNext = hasNext; }
+    void setnavigable(bool navigable) { m_navigable = navigable; }
     ///@}
 
 protected:

@@ -71,16 +71,6 @@ void QuestionBaseWithOptions::setPriorAnswer(QString answer)
     setPriorOptions({answer});
 }
 
-void QuestionBaseWithOptions::setmetadata(QObject* metadata)
-{
-    m_metadata = metadata;
-}
-
-void QuestionBaseWithOptions::setmetadata(Calyx::QuestionMetadata* metadata)
-{
-    m_metadata = metadata;
-}
-
 void QuestionBaseWithOptions::setPriorOptions(const QStringList& ids)
 {
     QVariantList answers;

@@ -53,8 +53,8 @@ public Q_SLOTS:
 
     ///@{
     /// Replaces the metadata object; \p metadata stays the caller's, and the one before stays a child.
-    void setmetadata(QObject* metadata);
-    void setmetadata(Calyx::QuestionMetadata* metadata);
+    void setmetadata(QObject* metadata) { m_metadata = metadata; }
+    void setmetadata(Calyx::QuestionMetadata* metadata) { m_metadata = metadata; }
     ///@}
 
 protected:

@@ -69,22 +69,28 @@ public:
 public Q_SLOTS:
     ///@{
     /// Stores the value unchanged; emits nothing. The getter of the same name tells what it means.
-    void setshowFeedback(bool showFeedback);
-    void setshowCorrectAnswer(bool showCorrectAnswer);
-    void setcorrectAnswer(QVariant correctAnswer);
-    void setactivityScoreStatus(QVariant activityScoreStatus);
-    void setactivityResponseStatus(QVariant activityResponseStatus);
-    void setcorrectOptions(QVariantList correctOptions);
-    void setallowResubmit(bool allowResubmit);
-    void setcorrectFeedback(QVariant correctFeedback);
-    void setinCorrectFeedback(QVariant inCorrectFeedback);
-    void setanswer(QVariant answer);
-    void setjsonAnswer(QVariant jsonAnswer);
-    void setoptionAnswers(QVariantList optionAnswers);
-    void setoptionFeedbacks(QVariantList optionFeedbacks);
-    void setnumberOfRetries(int numberOfRetries);
-    void setnumberOfRetriesRemaining(int numberOfRetriesRemaining);
-    void setremainingTime(QVariant remainingTime);
+    void setshowFeedback(bool showFeedback) { m_showFeedback = showFeedback; }
+    void setshowCorrectAnswer(bool showCorrectAnswer) { m_showCorrectAnswer = showCorrectAnswer; }
+    void setcorrectAnswer(QVariant correctAnswer) { m_correctAnswer = correctAnswer; }
+    void setactivityScoreStatus(QVariant activityScoreStatus) { m_activityScoreStatus = activityScoreStatus; }
+    void setactivityResponseStatus(QVariant activityResponseStatus)
+    {
+        m_activityResponseStatus = activityResponseStatus;
+    }
+    void setcorrectOptions(QVariantList correctOptions) { m_correctOptions = correctOptions; }
+    void setallowResubmit(bool allowResubmit) { m_allowResubmit = allowResubmit; }
+    void setcorrectFeedback(QVariant correctFeedback) { m_correctFeedback = correctFeedback; }
+    void setinCorrectFeedback(QVariant inCorrectFeedback) { m_inCorrectFeedback = inCorrectFeedback; }
+    void setanswer(QVariant answer) { m_answer = answer; }
+    void setjsonAnswer(QVariant jsonAnswer) { m_jsonAnswer = jsonAnswer; }
+    void setoptionAnswers(QVariantList optionAnswers) { m_optionAnswers = optionAnswers; }
+    void setoptionFeedbacks(QVariantList optionFeedbacks) { m_optionFeedbacks = optionFeedbacks; }
+    void setnumberOfRetries(int numberOfRetries) { m_numberOfRetries = numberOfRetries; }
+    void setnumberOfRetriesRemaining(int numberOfRetriesRemaining)
+    {
+        m_numberOfRetriesRemaining = numberOfRetriesRemaining;
+    }
+    void setremainingTime(QVariant remainingTime) { m_remainingTime = remainingTime; }
     ///@}
 
 private:

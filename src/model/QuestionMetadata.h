@@ -27,8 +27,8 @@ public:
 public Q_SLOTS:
     ///@{
     /// Stores the value unchanged; emits nothing. The getter of the same name tells what it means.
-    void setordinalType(QString ordinalType);
-    void setoptions(QVariantList options);
+    void setordinalType(QString ordinalType) { m_ordinalType = ordinalType; }
+    void setoptions(QVariantList options) { m_options = options; }
     ///@}
 
 private:

@@ -9,11 +9,6 @@ QString QuestionMultiChoice::getType() const
     return QStringLiteral("multiple");
 }
 
-void QuestionMultiChoice::setnumberOfCorrectOptions(int numberOfCorrectOptions)
-{
-    m_numberOfCorrectOptions = numberOfCorrectOptions;
-}
-
 void QuestionMultiChoice::setPriorAnswer(QString answer)
 {
     setPriorOptions(answer.split(QString(), Qt::SkipEmptyParts));

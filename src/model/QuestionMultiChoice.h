@@ -23,7 +23,10 @@ public:
 
 public Q_SLOTS:
     /// Stores the value unchanged; emits nothing.
-    void setnumberOfCorrectOptions(int numberOfCorrectOptions);
+    void setnumberOfCorrectOptions(int numberOfCorrectOptions)
+    {
+        m_numberOfCorrectOptions = numberOfCorrectOptions;
+    }
     /// Takes each character of \p answer for the id of one option, in order.
     void setPriorAnswer(QString answer) override;
 

@@ -9,9 +9,4 @@ QString QuestionNumeric::getType() const
     return QStringLiteral("number");
 }
 
-void QuestionNumeric::setnoOfDecimals(int noOfDecimals)
-{
-    m_noOfDecimals = noOfDecimals;
-}
-
 } // namespace Calyx

@@ -23,7 +23,7 @@ public:
 
 public Q_SLOTS:
     /// Stores the value unchanged; emits nothing.
-    void setnoOfDecimals(int noOfDecimals);
+    void setnoOfDecimals(int noOfDecimals) { m_noOfDecimals = noOfDecimals; }
 
 private:
     int m_noOfDecimals = 0;

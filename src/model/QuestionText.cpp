@@ -9,9 +9,4 @@ QString QuestionText::getType() const
     return QStringLiteral("text");
 }
 
-void QuestionText::setmaxChars(int maxChars)
-{
-    m_maxChars = maxChars;
-}
-
 } // namespace Calyx

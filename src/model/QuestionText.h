@@ -23,7 +23,7 @@ public:
 
 public Q_SLOTS:
     /// Stores the value unchanged; emits nothing.
-    void setmaxChars(int maxChars);
+    void setmaxChars(int maxChars) { m_maxChars = maxChars; }
 
 private:
     int m_maxChars = 0;
