@@ -8,6 +8,8 @@
 #include <QString>
 #include <QVariant>
 
+#include <cstddef>
+
 namespace Calyx {
 
 /// What every question has. Each getter is a Qt property and a key of the JSON.
@@ -63,6 +65,8 @@ public:
     /// Whether the learner may go to other questions from here; false at first.
     bool navigable() const { return m_navigable; }
 
+    /// No feedback object: it is written as null.
+    void setfeedBack(std::nullptr_t) { m_feedBack = nullptr; }
     /// Tells the learner's device that the question was answered before.
     void configurePriorAnswer();
 

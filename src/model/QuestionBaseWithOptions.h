@@ -10,6 +10,8 @@
 #include <QStringList>
 #include <QVariant>
 
+#include <cstddef>
+
 namespace Calyx {
 
 class ActivityOption;
@@ -33,6 +35,8 @@ public:
     /// The options in the order in which they were added, as a `QList<QObject*>`.
     QVariant getactivityOptions() const;
 
+    /// No metadata object: it is written as null.
+    void setmetadata(std::nullptr_t) { m_metadata = nullptr; }
     /// Adds an option, owned by the question. \p displaySeqNumber counts from 1.
     void addActivityOption(QString id, QString optionText, int displaySeqNumber);
 

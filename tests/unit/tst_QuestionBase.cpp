@@ -210,6 +210,8 @@ private Q_SLOTS:
         QCOMPARE(question.feedBack(), &feedback);
         QVERIFY(QMetaObject::invokeMethod(&question, "setfeedBack", Q_ARG(QObject*, &plain)));
         QCOMPARE(question.feedBack(), &plain);
+        question.setfeedBack(nullptr);
+        QVERIFY(!question.feedBack());
     }
 
     void replacedObjectsStayUntilTheQuestionGoes()

@@ -169,6 +169,8 @@ private Q_SLOTS:
         QVERIFY(
             QMetaObject::invokeMethod(&question, "setmetadata", Q_ARG(Calyx::QuestionMetadata*, &metadata)));
         QCOMPARE(question.metadata(), &metadata);
+        question.setmetadata(nullptr);
+        QVERIFY(!question.metadata());
     }
 
     void replacedMetadataStaysUntilTheQuestionGoes()
