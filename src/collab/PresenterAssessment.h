@@ -50,6 +50,10 @@ public:
     void sendMessage(QString text, bool isDismissible, bool review);
     void sendMessage(QString id, QString text, bool isDismissible, bool review);
     ///@}
+    /// Not to be called: a literal where a bool stands is a forgotten argument. `sendMessage("device-1",
+    /// "Well done", true)` would show "device-1" to everybody.
+    template<typename Character>
+    void sendMessage(QString id, const Character* text, bool isDismissible) = delete;
 
 Q_SIGNALS:
     /// The learner's device \p id asks for the question with the number \p questionId, 0 when it named none.

@@ -10,8 +10,16 @@
 #include <QUuid>
 
 #include <memory>
+#include <type_traits>
 
 namespace {
+
+struct SendMessage
+{
+    template<typename... Arguments>
+    auto operator()(Arguments... arguments)
+        -> decltype(std::declval<PresenterAssessment>().sendMessage(arguments...));
+};
 
 void addAddresses()
 {
@@ -290,6 +298,17 @@ private Q_SLOTS:
         QCOMPARE(publish.address, address);
         QCOMPARE(publish.type, type);
         QCOMPARE(publish.data, Calyx::JsonSerializer::serializeToJson(data));
+    }
+
+    void sendMessageTakesNoLiteralForABool()
+    {
+        const auto canSend = [](auto... arguments) {
+            return std::is_invocable_v<SendMessage, decltype(arguments)...>;
+        };
+        QVERIFY(canSend("Hi", true, false));
+        QVERIFY(canSend("device-1", "Well done", true, false));
+        QVERIFY(!canSend("device-1", "Well done", true));
+        QVERIFY(!canSend("device-1", u8"Well done", true));
     }
 
     void sendMessageToTheWholeSession()
