@@ -1,6 +1,5 @@
 #include "compression/Lzma.h"
 
-#include "compression/Base64.h"
 #include "compression/LzmaBlock.h"
 
 #include <QByteArray>
@@ -90,7 +89,7 @@ try {
     QByteArray block;
     block.reserve(parts.size());
     for (const QStringRef& part : parts)
-        block.append(static_cast<char>(part.toInt()));
+        block.append(static_cast<char>(part.toLongLong()));
     return decompress(bytesOf(block), size_t(block.size()), out);
 } catch (const std::bad_alloc&) {
     return false;
@@ -101,7 +100,7 @@ try {
     QByteArray block;
     block.reserve(bytes.size());
     for (const QVariant& byte : bytes)
-        block.append(static_cast<char>(byte.toInt()));
+        block.append(static_cast<char>(byte.toLongLong()));
     return decompress(bytesOf(block), size_t(block.size()), out);
 } catch (const std::bad_alloc&) {
     return false;
@@ -109,7 +108,7 @@ try {
 
 bool Lzma::decompress64(QString text, QString* out)
 try {
-    QByteArray block = Base64::decode(text);
+    QByteArray block = QByteArray::fromBase64(text.toLatin1());
     return decompress(bytesOf(block), size_t(block.size()), out);
 } catch (const std::bad_alloc&) {
     return false;

@@ -16,8 +16,7 @@
 ///
 /// All operations return true on success and leave what their pointer arguments point to as it was on
 /// failure; none logs. They may be called on any thread. They take time and memory in proportion to what they
-/// read and write, never to what a block claims; a block of more than 256 MiB of decoded bytes fails, and so
-/// does one whose lc and lp together are above 4.
+/// read and write, never to what a block claims; a block of more than 256 MiB of decoded bytes fails.
 class CALYXCLIENT_EXPORT Lzma
 {
 public:
@@ -33,8 +32,8 @@ public:
     static bool decompress(const unsigned char* block, size_t len, unsigned char** dest);
     /// Decodes a block of \p len bytes; \p out receives the text, which ends at the first NUL.
     static bool decompress(unsigned char* block, size_t len, QString* out);
-    /// Decodes a list of decimal byte values. A part that is no number counts as 0; of larger ones the low 8
-    /// bits count.
+    /// Decodes a list of decimal byte values. The low 8 bits of a number count; a part that is no number, or
+    /// none of 64 bits, counts as 0.
     static bool decompress(QString list, QString* out);
     /// Decodes a list of byte values, as a parsed JSON array holds them. The low 8 bits of each count.
     static bool decompress(QList<QVariant> bytes, QString* out);

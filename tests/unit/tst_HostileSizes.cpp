@@ -103,28 +103,6 @@ private Q_SLOTS:
         QVERIFY(!decoded(QVariantList{first, second, chunk(QStringLiteral(" "))}).isValid());
         QVERIFY(!decoded(QVariantList{second, second, second, second, second}).isValid());
     }
-
-    void blockWithLargeTablesIsRefused_data()
-    {
-        QTest::addColumn<int>("lc");
-        QTest::addColumn<int>("lp");
-        for (int lc = 0; lc <= 8; ++lc) {
-            for (int lp = 0; lp <= 4; ++lp)
-                QTest::addRow("lc=%d lp=%d", lc, lp) << lc << lp;
-        }
-    }
-
-    void blockWithLargeTablesIsRefused()
-    {
-        QFETCH(int, lc);
-        QFETCH(int, lp);
-        QByteArray block = blockOf(QString()); // holds no literal, which alone needs these tables
-        for (int pb = 0; pb <= 4; ++pb) {
-            block[0] = static_cast<char>((pb * 5 + lp) * 9 + lc);
-            QString text;
-            QCOMPARE(Lzma::decompress64(QString::fromLatin1(block.toBase64()), &text), lc + lp <= 4);
-        }
-    }
 };
 
 QTEST_GUILESS_MAIN(tst_HostileSizes)

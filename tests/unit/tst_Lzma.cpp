@@ -386,8 +386,10 @@ private Q_SLOTS:
         QTest::newRow("empty parts are zeros") << QStringLiteral("[93,,64,,") + tail + QStringLiteral("]");
         QTest::newRow("fractions are zeros")
             << QStringLiteral("[93,1.5,64,2e3,") + tail + QStringLiteral("]");
-        QTest::newRow("numbers beyond 32 bits are zeros")
-            << QStringLiteral("[93,99999999999,64,-99999999999,") + tail + QStringLiteral("]");
+        QTest::newRow("numbers beyond 32 bits") // 93 and 64, and 2 or 3 to the 32nd
+            << QStringLiteral("[4294967389,0,12884901952,-4294967296,") + tail + QStringLiteral("]");
+        QTest::newRow("numbers beyond 64 bits are zeros")
+            << QStringLiteral("[93,99999999999999999999,64,0,") + tail + QStringLiteral("]");
         QTest::newRow("negative numbers")
             << QStringLiteral("[-163,-256,-192,0,") + tail + QStringLiteral("]");
         QTest::newRow("numbers above 255")
@@ -412,6 +414,7 @@ private Q_SLOTS:
         QTest::newRow("double") << QList<QVariant>{93.0, 0.0, 64.0, 0.0};
         QTest::newRow("signed bytes") << QList<QVariant>{-163, -256, -192, 0};
         QTest::newRow("above 255") << QList<QVariant>{349, 256, 65600, 512};
+        QTest::newRow("beyond 32 bits") << QList<QVariant>{Q_INT64_C(4294967389), 4294967296.0, 64, 0};
         QTest::newRow("texts of numbers") << QList<QVariant>{QStringLiteral("93"), QStringLiteral("0"),
                                                              QStringLiteral("64"), QStringLiteral("0")};
         QTest::newRow("what is no number is zero")

@@ -1,8 +1,10 @@
 #include "compression/LzmaBlock.h"
 
-#include "compression/Base64.h"
+#include <LzmaEnc.h>
 
+#include <QRandomGenerator>
 #include <QTest>
+#include <QtEndian>
 
 #include <malloc.h>
 
@@ -27,8 +29,47 @@ QByteArray encoded(const QByteArray& bytes)
 
 QString encoded64(const QByteArray& bytes)
 {
-    const QByteArray block = encoded(bytes);
-    return Base64::encode(bytesOf(block), size_t(block.size()));
+    return QString::fromLatin1(encoded(bytes).toBase64());
+}
+
+QByteArray decoded(const QByteArray& block)
+{
+    LzmaBlock::Buffer text;
+    return LzmaBlock::decode(bytesOf(block), size_t(block.size()), &text) ? copyOf(text) : QByteArray();
+}
+
+ISzAlloc heap = {[](void*, size_t size) { return std::malloc(size); },
+                 [](void*, void* address) { std::free(address); }};
+
+// Of an encoder with other settings than ours.
+QByteArray encodedWith(const QByteArray& bytes, int lc, int lp, int pb)
+{
+    CLzmaEncProps props;
+    LzmaEncProps_Init(&props);
+    props.dictSize = 1 << 16;
+    props.lc = lc;
+    props.lp = lp;
+    props.pb = pb;
+    QByteArray block(13 + 2 * bytes.size() + 128, '\0');
+    auto* out = reinterpret_cast<unsigned char*>(block.data());
+    qToLittleEndian<quint64>(quint64(bytes.size()), out + 5);
+    SizeT size = SizeT(block.size() - 13);
+    SizeT propsSize = 5;
+    constexpr int writeEndMark = 1;
+    const SRes result = LzmaEncode(out + 13, &size, bytesOf(bytes), SizeT(bytes.size()), &props, out,
+                                   &propsSize, writeEndMark, nullptr, &heap, &heap);
+    block.truncate(13 + int(size));
+    return result == SZ_OK ? block : QByteArray();
+}
+
+// Words and noise, so that there are literals of every kind, and matches.
+QByteArray mixedBytes(QRandomGenerator& random, int size)
+{
+    QByteArray bytes;
+    while (bytes.size() < size)
+        bytes += random.bounded(2) ? QByteArray("a word that comes again ")
+                                   : QByteArray(1, char(random.generate()));
+    return bytes;
 }
 
 } // namespace
@@ -117,6 +158,23 @@ private Q_SLOTS:
         QByteArray utf8;
         QVERIFY(LzmaBlock::decode64(encoded64(bytes), &utf8));
         QTEST(utf8, "text");
+    }
+
+    // The decoder's tables are kept from block to block, and set back where a block has changed them.
+    void blocksOfAllContextsAreTaken()
+    {
+        QRandomGenerator random(5);
+        for (int i = 0; i < 9 * 5 * 5 * 4; ++i) {
+            const QByteArray bytes = mixedBytes(random, random.bounded(random.bounded(2) ? 100 : 4000));
+            const QByteArray block = encodedWith(bytes, i % 9, i / 9 % 5, i / 45 % 5);
+            QVERIFY(!block.isEmpty());
+            QCOMPARE(decoded(block), bytes);
+            QByteArray broken = block;
+            const int at = 14 + random.bounded(block.size() - 14);
+            broken[at] = char(~broken.at(at));
+            decoded(broken); // whatever it is
+            QCOMPARE(decoded(block), bytes);
+        }
     }
 
     void failureLeavesTheResultAsItWas_data()
