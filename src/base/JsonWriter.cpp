@@ -1,6 +1,7 @@
 #include "base/JsonWriter.h"
 
 #include "base/JsonEscape.h"
+#include "base/JsonVariant.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -60,8 +61,7 @@ private:
             m_json += QByteArray::number(value.toInt());
             return;
         default:
-            // Converted as a document's values are; a value by itself is not, where it is a short integer.
-            writeOther(QJsonArray::fromVariantList({value}).at(0));
+            writeOther(JsonVariant::toJson(value));
         }
     }
 

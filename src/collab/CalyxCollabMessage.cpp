@@ -18,7 +18,7 @@ void CalyxCollabMessage::compileData()
         map = JsonSerializer::buildObjectMap(m_dataObject.data(), JsonSerializer::getIgnorePropertiesList(),
                                              JsonSerializer::MAX_RECURSE_DEPTH);
     } else if (m_data.canConvert<QVariantMap>()) {
-        map = m_data.toMap();
+        map = m_data.value<QVariantMap>();
     } else {
         qCDebug(diagnostics) << "[CalyxCollabMessage] data object in message is invalid!";
         return;
@@ -26,36 +26,6 @@ void CalyxCollabMessage::compileData()
     QString compressed;
     LzmaBlock::encode64(JsonWriter::write(map), &compressed);
     m_data = QVariantList{compressed};
-}
-
-void CalyxCollabMessage::setfrom(QString from)
-{
-    m_from = from;
-}
-
-void CalyxCollabMessage::settype(QString type)
-{
-    m_type = type;
-}
-
-void CalyxCollabMessage::setversion(QString version)
-{
-    m_version = version;
-}
-
-void CalyxCollabMessage::setsourceSystem(QString sourceSystem)
-{
-    m_sourceSystem = sourceSystem;
-}
-
-void CalyxCollabMessage::setdata(QVariant data)
-{
-    m_data = data;
-}
-
-void CalyxCollabMessage::setdataobject(QObject* object)
-{
-    m_dataObject = object;
 }
 
 } // namespace Calyx

@@ -2,6 +2,7 @@
 
 #include "base/Diagnostics.h"
 #include "base/JsonReader.h"
+#include "base/JsonVariant.h"
 #include "collab/PayloadDecoder.h"
 
 #include <QJsonArray>
@@ -9,23 +10,8 @@
 
 namespace {
 
-// Messages are read as they were parsed, without turning them into variants first; what hosts hand over
-// consists of variants. The same functions read both.
-
-QVariant leaf(const QVariantMap& map, const char* key)
-{
-    return map.value(QLatin1String(key));
-}
-
-QVariant leaf(const QJsonObject& object, const char* key)
-{
-    return object.value(QLatin1String(key)).toVariant();
-}
-
-QString text(const QVariantMap& map, const char* key)
-{
-    return leaf(map, key).toString();
-}
+// Messages are read as they were parsed, without turning them into variants first; the variants that hosts
+// hand over are turned into JSON where they come in.
 
 QString text(const QJsonObject& object, const char* key)
 {
@@ -33,9 +19,9 @@ QString text(const QJsonObject& object, const char* key)
     return value.isString() ? value.toString() : value.toVariant().toString();
 }
 
-QVariantMap child(const QVariantMap& map, const char* key)
+int number(const QJsonObject& object, const char* key)
 {
-    return leaf(map, key).toMap();
+    return object.value(QLatin1String(key)).toVariant().toInt();
 }
 
 QJsonObject child(const QJsonObject& object, const char* key)
@@ -44,40 +30,36 @@ QJsonObject child(const QJsonObject& object, const char* key)
 }
 
 // A value as text that ends at its first zero byte.
-QString textUpToNul(const QVariant& value)
-{
-    return QString::fromUtf8(value.toByteArray().constData());
-}
-
 QString textUpToNul(const QJsonValue& value)
 {
-    return textUpToNul(value.toVariant());
+    return QString::fromUtf8(value.toVariant().toByteArray().constData());
 }
 
-template<typename List>
-QString joined(const List& picks)
+QString joined(const QJsonArray& picks)
 {
     QString text;
-    bool isFirst = true;
-    for (const auto& pick : picks) {
-        if (!isFirst)
+    for (int i = 0; i < picks.size(); ++i) {
+        if (i > 0)
             text += QLatin1Char(',');
-        text += textUpToNul(pick);
-        isFirst = false;
+        text += textUpToNul(picks.at(i));
     }
     return text;
-}
-
-QString pickedOrTyped(const QVariantMap& blob)
-{
-    const QVariant pick = leaf(blob, "pick");
-    return pick.canConvert<QVariantList>() ? joined(pick.toList()) : textUpToNul(leaf(blob, "input"));
 }
 
 QString pickedOrTyped(const QJsonObject& blob)
 {
     const QJsonValue pick = blob.value(QLatin1String("pick"));
-    return pick.isArray() ? joined(pick.toArray()) : pickedOrTyped(blob.toVariantMap());
+    return pick.isArray() ? joined(pick.toArray()) : textUpToNul(blob.value(QLatin1String("input")));
+}
+
+QJsonObject objectOf(const QVariant& map)
+{
+    return JsonVariant::toJson(map).toObject();
+}
+
+PayloadDecoder::Payload payloadOf(const QVariant& data)
+{
+    return {QJsonDocument(objectOf(data)), QVariant()};
 }
 
 } // namespace
@@ -88,7 +70,7 @@ CollaborationMessageHandler::CollaborationMessageHandler(QObject* parent) : QObj
     Calyx::registerRemoteControlMessage();
 
     // "register" stays out on purpose: devices tell of themselves with "join".
-    m_actions.insert(QStringLiteral("unregister"), &CollaborationMessageHandler::actionUnregister);
+    m_actions.insert(QStringLiteral("unregister"), &CollaborationMessageHandler::onUnregister);
 
     m_dataTypes.insert(QStringLiteral("join"), &CollaborationMessageHandler::onJoin);
     m_dataTypes.insert(QStringLiteral("pollResponse"), &CollaborationMessageHandler::onPollResponse);
@@ -125,7 +107,7 @@ void CollaborationMessageHandler::handleAction(const QString& action, const QJso
 {
     qCDebug(diagnostics) << "[MessageHandler.ACTION]" << action;
     if (const ActionHandler handler = m_actions.value(action))
-        (this->*handler)(body.toVariantMap());
+        (this->*handler)(body);
 }
 
 void CollaborationMessageHandler::handleData(const QString& type, const QJsonObject& body)
@@ -140,12 +122,12 @@ void CollaborationMessageHandler::handleData(const QString& type, const QJsonObj
 
 QVariant CollaborationMessageHandler::getDataValue(QVariantMap body)
 {
-    return PayloadDecoder::decode(leaf(body, "data"));
+    return PayloadDecoder::decode(body.value(QStringLiteral("data")));
 }
 
 void CollaborationMessageHandler::actionRegister(QVariantMap body)
 {
-    const QVariantMap client = body.value(QStringLiteral("client")).toMap();
+    const QJsonObject client = child(objectOf(body), "client");
     if (text(client, "type") == QLatin1String("controller")) {
         qCDebug(diagnostics) << "REGISTER CONTROLLER" << text(client, "token");
         Q_EMIT controllerRegister(true);
@@ -154,7 +136,12 @@ void CollaborationMessageHandler::actionRegister(QVariantMap body)
 
 void CollaborationMessageHandler::actionUnregister(QVariantMap body)
 {
-    const QVariantMap client = body.value(QStringLiteral("client")).toMap();
+    onUnregister(objectOf(body));
+}
+
+void CollaborationMessageHandler::onUnregister(const QJsonObject& body)
+{
+    const QJsonObject client = child(body, "client");
     const QString token = text(client, "token");
     const QString kind = text(client, "type");
     if (kind == QLatin1String("user")) {
@@ -168,88 +155,66 @@ void CollaborationMessageHandler::actionUnregister(QVariantMap body)
 
 void CollaborationMessageHandler::dataJoin(QVariantMap body, QVariant data)
 {
-    tellJoin(body, data.toMap());
+    onJoin(objectOf(body), payloadOf(data));
 }
 
 void CollaborationMessageHandler::onJoin(const QJsonObject& body, const Payload& payload)
 {
-    tellJoin(body, payload.object());
-}
-
-template<typename Map>
-void CollaborationMessageHandler::tellJoin(const Map& body, const Map& payload)
-{
+    const QJsonObject data = payload.object();
     const QString from = text(body, "from");
     qCDebug(diagnostics) << "JOIN" << from;
-    Q_EMIT learnerJoin(Learner(from, text(payload, "userName"), text(payload, "deviceType")));
+    Q_EMIT learnerJoin(Learner(from, text(data, "userName"), text(data, "deviceType")));
 }
 
 void CollaborationMessageHandler::dataPollResponse(QVariantMap body, QVariant data)
 {
-    tellPollResponse(body, data.toMap());
+    onPollResponse(objectOf(body), payloadOf(data));
 }
 
 void CollaborationMessageHandler::onPollResponse(const QJsonObject& body, const Payload& payload)
 {
-    tellPollResponse(body, payload.object());
-}
-
-template<typename Map>
-void CollaborationMessageHandler::tellPollResponse(const Map& body, const Map& payload)
-{
+    const QJsonObject data = payload.object();
     const QString deviceId = text(body, "from");
-    const QString answer = pickedOrTyped(child(payload, "blob"));
+    const QString answer = pickedOrTyped(child(data, "blob"));
     qCDebug(diagnostics) << "POLL_RESPONSE" << deviceId << ":" << answer;
-    Q_EMIT learnerPollResponse(deviceId, text(payload, "pollId"), leaf(payload, "responseTime").toInt(),
-                               answer);
+    Q_EMIT learnerPollResponse(deviceId, text(data, "pollId"), number(data, "responseTime"), answer);
 }
 
 void CollaborationMessageHandler::dataQuestionResponse(QVariantMap body, QVariant data)
 {
-    tellQuestionResponse(body, data.toMap());
+    onQuestionResponse(objectOf(body), payloadOf(data));
 }
 
 void CollaborationMessageHandler::onQuestionResponse(const QJsonObject& body, const Payload& payload)
 {
-    tellQuestionResponse(body, payload.object());
-}
-
-template<typename Map>
-void CollaborationMessageHandler::tellQuestionResponse(const Map& body, const Map& payload)
-{
     constexpr int millisecondsPerSecond = 1000;
+    const QJsonObject data = payload.object();
     const QString deviceId = text(body, "from");
-    const int responseTime = leaf(payload, "responseTime").toInt() / millisecondsPerSecond;
-    QString answer = text(payload, "answer");
-    const QVariantList options = leaf(payload, "optionAnswers").toList();
-    for (const QVariant& option : options)
-        answer += text(option.toMap(), "activityOptionId");
+    const int responseTime = number(data, "responseTime") / millisecondsPerSecond;
+    QString answer = text(data, "answer");
+    const QJsonArray options = data.value(QLatin1String("optionAnswers")).toArray();
+    for (const QJsonValue& option : options)
+        answer += text(option.toObject(), "activityOptionId");
     qCDebug(diagnostics) << "[DEBUG] RECEIVED RESPONSE FROM DEVICE " << deviceId << " of value: " << answer;
-    Q_EMIT learnerPollResponse(deviceId, text(payload, "questionId"), responseTime, answer);
+    Q_EMIT learnerPollResponse(deviceId, text(data, "questionId"), responseTime, answer);
 }
 
 void CollaborationMessageHandler::dataGetQuestion(QVariantMap body, QVariant data)
 {
-    tellGetQuestion(body, data.toMap());
+    onGetQuestion(objectOf(body), payloadOf(data));
 }
 
 void CollaborationMessageHandler::onGetQuestion(const QJsonObject& body, const Payload& payload)
 {
-    tellGetQuestion(body, payload.object());
-}
-
-template<typename Map>
-void CollaborationMessageHandler::tellGetQuestion(const Map& body, const Map& payload)
-{
     const QString id = text(body, "from");
-    const int questionNumber = leaf(payload, "questionNumber").toInt();
+    const int questionNumber = number(payload.object(), "questionNumber");
     qCDebug(diagnostics) << "Learner " << id << " requesting question " << questionNumber;
     Q_EMIT learnerGetQuestion(id, questionNumber);
 }
 
 void CollaborationMessageHandler::dataRemote(QVariantMap body, QVariant data)
 {
-    Q_EMIT remoteControl(RemoteControlMessage(text(body, "from"), text(body, "type"), data));
+    onRemote(objectOf(body), {QJsonDocument(), data});
 }
 
 void CollaborationMessageHandler::onRemote(const QJsonObject& body, const Payload& payload)

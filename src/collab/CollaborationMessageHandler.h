@@ -80,27 +80,19 @@ protected Q_SLOTS:
     void onHandleMessage(QString message);
 
 private:
-    using ActionHandler = void (CollaborationMessageHandler::*)(QVariantMap);
+    using ActionHandler = void (CollaborationMessageHandler::*)(const QJsonObject&);
     using Payload = PayloadDecoder::Payload;
     using DataHandler = void (CollaborationMessageHandler::*)(const QJsonObject&, const Payload&);
 
     void handleAction(const QString& action, const QJsonObject& body);
     void handleData(const QString& type, const QJsonObject& body);
 
+    void onUnregister(const QJsonObject& body);
     void onJoin(const QJsonObject& body, const Payload& payload);
     void onPollResponse(const QJsonObject& body, const Payload& payload);
     void onQuestionResponse(const QJsonObject& body, const Payload& payload);
     void onGetQuestion(const QJsonObject& body, const Payload& payload);
     void onRemote(const QJsonObject& body, const Payload& payload);
-
-    template<typename Map>
-    void tellJoin(const Map& body, const Map& payload);
-    template<typename Map>
-    void tellPollResponse(const Map& body, const Map& payload);
-    template<typename Map>
-    void tellQuestionResponse(const Map& body, const Map& payload);
-    template<typename Map>
-    void tellGetQuestion(const Map& body, const Map& payload);
 
     QMap<QString, ActionHandler> m_actions;
     QMap<QString, DataHandler> m_dataTypes;

@@ -2,6 +2,7 @@
 
 #include "base/Diagnostics.h"
 #include "base/JsonReader.h"
+#include "base/JsonVariant.h"
 #include "compression/Lzma.h"
 #include "compression/LzmaBlock.h"
 
@@ -15,9 +16,15 @@ using PayloadDecoder::Payload;
 // takes all memory once it is JSON.
 constexpr int largestPayload = 32 * 1024 * 1024;
 
-bool isTooLarge(const QByteArray& utf8)
+// Adds the characters of a text in UTF-8 to \p characters: no text is decoded again for being counted. False
+// when they are too many.
+bool fits(const QByteArray& utf8, int* characters)
 {
-    return utf8.size() > largestPayload && QString::fromUtf8(utf8).size() > largestPayload;
+    for (const char c : utf8) {
+        const auto byte = static_cast<unsigned char>(c);
+        *characters += int((byte & 0xC0) != 0x80) + int(byte >= 0xF0); // a pair of surrogates
+    }
+    return *characters <= largestPayload;
 }
 
 bool decompressText(const QString& text, QByteArray* json)
@@ -34,7 +41,8 @@ bool decompressText(const QString& text, QByteArray* json)
 Payload decodeText(const QString& text)
 {
     QByteArray json;
-    if (!decompressText(text, &json) || isTooLarge(json)) {
+    int characters = 0;
+    if (!decompressText(text, &json) || !fits(json, &characters)) {
         qCDebug(diagnostics) << "[MessageHandler.Decompressed] FAILED to decompress, forwarding raw string!";
         return {QJsonDocument(), text};
     }
@@ -43,32 +51,19 @@ Payload decodeText(const QString& text)
     return {document.isObject() ? document : QJsonDocument(), QVariant()};
 }
 
-QString textOf(const QVariant& chunk)
-{
-    return chunk.toString();
-}
-
-QString textOf(const QJsonValue& chunk)
-{
-    return chunk.isString() ? chunk.toString() : chunk.toVariant().toString();
-}
-
-template<typename List>
-bool decompressChunks(const List& chunks, QByteArray* json)
+bool decompressChunks(const QJsonArray& chunks, QByteArray* json)
 {
     bool any = false;
-    for (const auto& chunk : chunks) {
-        const QString text = textOf(chunk);
+    int characters = 0;
+    for (const QJsonValue& chunk : chunks) {
+        const QString text = chunk.isString() ? chunk.toString() : chunk.toVariant().toString();
         QByteArray part;
-        if (!text.isEmpty() && LzmaBlock::decode64(text, &part)) {
-            if (any)
-                json->append(part);
-            else
-                *json = part;
-            if (isTooLarge(*json))
-                return false;
-            any = true;
-        }
+        if (text.isEmpty() || !LzmaBlock::decode64(text, &part))
+            continue;
+        if (!fits(part, &characters))
+            return false;
+        json->append(part);
+        any = true;
     }
     return any;
 }
@@ -94,39 +89,28 @@ Payload payloadOf(const QByteArray& json)
     return {document, QVariant()};
 }
 
-Payload decodeList(const QVariantList& list)
+Payload decodeList(const QJsonArray& list)
 {
     if (list.isEmpty())
         return {};
     QByteArray json;
-    const bool isText = list.first().userType() == QMetaType::QString;
-    return (isText ? decompressChunks(list, &json) : decompressBytes(list, &json)) ? payloadOf(json)
-                                                                                   : Payload();
+    const bool any = list.first().isString() ? decompressChunks(list, &json)
+                                             : decompressBytes(list.toVariantList(), &json);
+    return any ? payloadOf(json) : Payload();
 }
 
 } // namespace
 
-PayloadDecoder::Payload PayloadDecoder::read(const QVariant& data)
-{
-    if (data.userType() == QMetaType::Nullptr) // which Qt would convert to a string
-        return {};
-    if (data.canConvert<QString>())
-        return decodeText(data.toString());
-    if (data.canConvert<QVariantList>())
-        return decodeList(data.toList());
-    return {};
-}
-
 PayloadDecoder::Payload PayloadDecoder::read(const QJsonValue& data)
 {
-    const QJsonArray list = data.toArray();
-    if (!list.first().isString())
-        return read(data.toVariant());
-    QByteArray json;
-    return decompressChunks(list, &json) ? payloadOf(json) : Payload();
+    if (data.isArray())
+        return decodeList(data.toArray());
+    if (data.isString() || data.isDouble() || data.isBool())
+        return decodeText(data.toVariant().toString());
+    return {};
 }
 
 QVariant PayloadDecoder::decode(const QVariant& data)
 {
-    return read(data).value();
+    return read(JsonVariant::toJson(data)).value();
 }

@@ -23,11 +23,10 @@ struct Payload
     QJsonObject object() const { return document.object(); }
 };
 
-Payload read(const QVariant& data);
-/// The same of data as it was parsed.
+/// Of data as it was parsed.
 Payload read(const QJsonValue& data);
 
-/// The value of read().
+/// The value of read(), of what a host hands over.
 QVariant decode(const QVariant& data);
 
 } // namespace PayloadDecoder

@@ -38,15 +38,6 @@ QVariantList buildList(const QList<QObject*>& objects, int depth)
     return list;
 }
 
-QVariantList toVariants(const QList<QVariantMap>& maps)
-{
-    QVariantList list;
-    list.reserve(maps.size());
-    for (const QVariantMap& map : maps)
-        list.append(map);
-    return list;
-}
-
 } // namespace
 
 QStringList JsonSerializer::getIgnorePropertiesList()
@@ -92,8 +83,6 @@ QVariantMap JsonSerializer::buildObjectMap(QObject const* object, QStringList ig
             *entry = buildObjectMap(subObject, ignore, --depth);
         } else if (type == qMetaTypeId<QList<QObject*>>()) {
             *entry = buildList(entry->value<QList<QObject*>>(), depthInLists);
-        } else if (type == qMetaTypeId<QList<QVariantMap>>()) {
-            *entry = toVariants(entry->value<QList<QVariantMap>>());
         }
     }
     return map;

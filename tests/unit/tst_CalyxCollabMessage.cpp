@@ -113,6 +113,9 @@ private Q_SLOTS:
         QTest::newRow("empty map") << QVariant(QVariantMap()) << QStringLiteral("{\n}\n");
         QTest::newRow("hash, which converts to a map")
             << QVariant(QVariantHash{{QStringLiteral("a"), 1}}) << QStringLiteral("{\n    \"a\": 1\n}\n");
+        QTest::newRow("map of another type, which converts to a map")
+            << QVariant::fromValue(QMap<QString, int>{{QStringLiteral("a"), 1}})
+            << QStringLiteral("{\n    \"a\": 1\n}\n");
     }
 
     void mapIsSerialisedAndCompressed()

@@ -311,6 +311,18 @@ private Q_SLOTS:
         QCOMPARE(m_answers->size(), 0);
     }
 
+    void hostsMayUseOtherTypes()
+    {
+        const QString pick = QStringLiteral("pick");
+        const QVariantList picks = {QStringList{QStringLiteral("2"), QStringLiteral("7")},
+                                    QVariant::fromValue(QVector<int>{2, 7})};
+        for (const QVariant& list : picks) {
+            const QMap<QString, QVariantHash> data{{QStringLiteral("blob"), {{pick, list}}}};
+            m_handler->dataPollResponse(from(QStringLiteral("d1")), QVariant::fromValue(data));
+            QCOMPARE(m_answers->takeLast().at(3).toString(), QStringLiteral("2,7"));
+        }
+    }
+
     void logs()
     {
         const QVariantMap body = from(QStringLiteral("d-17"));

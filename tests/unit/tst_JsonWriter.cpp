@@ -67,6 +67,36 @@ private Q_SLOTS:
         const QVariantMap map{{QStringLiteral("first"), value}, {QStringLiteral("inner"), inner}};
         QCOMPARE(JsonWriter::write(map), QJsonDocument::fromVariant(map).toJson());
     }
+
+    void convertsMapsAndListsOfOtherTypes_data()
+    {
+        QTest::addColumn<QVariant>("value");
+        QTest::addColumn<QVariant>("plain");
+        const QString key = QStringLiteral("key");
+        const QVariant map = QVariantMap{{key, 1}};
+        QTest::newRow("map of numbers") << QVariant::fromValue(QMap<QString, int>{{key, 1}}) << map;
+        QTest::newRow("hash of texts")
+            << QVariant::fromValue(QHash<QString, QString>{{key, key}}) << QVariant(QVariantMap{{key, key}});
+        QTest::newRow("keys that are numbers") << QVariant::fromValue(QMap<int, bool>{{7, true}})
+                                               << QVariant(QVariantMap{{QStringLiteral("7"), true}});
+        QTest::newRow("list of maps") << QVariant::fromValue(QList<QVariantMap>{{{key, 1}}, {}})
+                                      << QVariant(QVariantList{map, QVariantMap()});
+        QTest::newRow("list of numbers")
+            << QVariant::fromValue(QVector<int>{3, 1}) << QVariant(QVariantList{3, 1});
+        QTest::newRow("of another type within one of Qt's")
+            << QVariant(QVariantHash{{key, QVariant::fromValue(QList<QVariantMap>{{{key, 1}}})}})
+            << QVariant(QVariantMap{{key, QVariantList{map}}});
+        QTest::newRow("list of objects is null")
+            << QVariant::fromValue(QList<QObject*>{nullptr}) << QVariant();
+    }
+
+    void convertsMapsAndListsOfOtherTypes()
+    {
+        QFETCH(QVariant, value);
+        QFETCH(QVariant, plain);
+        const QString key = QStringLiteral("value");
+        QCOMPARE(JsonWriter::write({{key, value}}), JsonWriter::write({{key, plain}}));
+    }
 };
 
 QTEST_APPLESS_MAIN(tst_JsonWriter)

@@ -78,7 +78,7 @@ private Q_SLOTS:
         QFETCH(QJsonValue, data);
         QFETCH(Holds, holds);
         const LogRecorder quiet;
-        const PayloadDecoder::Payload payload = PayloadDecoder::read(data.toVariant());
+        const PayloadDecoder::Payload payload = PayloadDecoder::read(data);
         const QVariant value = payload.value();
         const bool isJson = holds == AMap || holds == AList;
         QCOMPARE(value.isValid(), holds != Nothing);
@@ -90,19 +90,14 @@ private Q_SLOTS:
         QCOMPARE(PayloadDecoder::decode(data.toVariant()), value);
     }
 
-    void parsedDataIsReadAsVariantsAre_data() { payloads_data(); }
-
-    void parsedDataIsReadAsVariantsAre()
+    void listsOfOtherTypesAreLists()
     {
-        QFETCH(QJsonValue, data);
-        const LogRecorder log;
-        const PayloadDecoder::Payload expected = PayloadDecoder::read(data.toVariant());
-        const QStringList said = log.debug();
-        const PayloadDecoder::Payload payload = PayloadDecoder::read(data);
-        QCOMPARE(payload.document, expected.document);
-        QCOMPARE(payload.other, expected.other);
-        QCOMPARE(payload.other.userType(), expected.other.userType());
-        QCOMPARE(log.debug(), said + said);
+        const LogRecorder quiet;
+        const QStringList chunks{base64(QStringLiteral(R"({"a":)")), base64(QStringLiteral("1}"))};
+        const QVariant map = QVariantMap{{QStringLiteral("a"), 1}};
+        QCOMPARE(PayloadDecoder::decode(chunks), map);
+        QCOMPARE(PayloadDecoder::decode(QVariant::fromValue(chunks.toVector())), map);
+        QCOMPARE(PayloadDecoder::decode(QVariant::fromValue(QList<QVariantMap>{{}})), QVariant());
     }
 
     void newPayloadHoldsNothing()
@@ -115,7 +110,6 @@ private Q_SLOTS:
     void dataThatIsNotThere()
     {
         const LogRecorder log;
-        QVERIFY(!PayloadDecoder::read(QVariant()).value().isValid());
         QVERIFY(!PayloadDecoder::read(QJsonObject().value(QStringLiteral("data"))).value().isValid());
         QVERIFY(!PayloadDecoder::decode(QVariant()).isValid());
         QCOMPARE(log.debug(), QStringList());
@@ -130,6 +124,11 @@ private Q_SLOTS:
         const QJsonValue block = base64(text);
         QCOMPARE(PayloadDecoder::read(block).object().value(QStringLiteral("a")).toString().size(), half);
         QVERIFY(!PayloadDecoder::read(QJsonValue(QJsonArray{block, block, block})).value().isValid());
+        // What is counted is only what has come: it would take minutes to count all of it for each chunk.
+        QJsonArray chunks{block};
+        for (int i = 0; i < 20000; ++i)
+            chunks.append(base64(QStringLiteral(" ")));
+        QCOMPARE(PayloadDecoder::read(chunks).object().size(), 1);
     }
 };
 
