@@ -1,13 +1,13 @@
 #include "client/PresenterClientPrivate.h"
 
 #include "base/Diagnostics.h"
-#include "base/FileDescriptors.h"
 #include "base/SafeCookieJar.h"
 #include "client/GzipInflate.h"
 #include "client/ServiceEnvelope.h"
 #include "collab/CalyxCollabMessage.h"
 #include "collab/PresenterCollab.h"
 #include "compression/Lzma.h"
+#include "transport/PostRequest.h"
 #include "transport/QSystemConfigurationProxyFactory.h"
 
 #include <QAuthenticator>
@@ -151,14 +151,10 @@ void PresenterClient::doRequest(bool wait, const QUrl& url, const QByteArray& bo
 QNetworkReply* PresenterClient::Private::send(const QUrl& url, const QByteArray& body, CALLBACKS handlers,
                                               bool multipart)
 {
-    // The first one begins a thread. A request without an address fails like any other.
-    QNetworkRequest request(FileDescriptors::sufficeForThread() ? url : QUrl());
-    request.setRawHeader("accept-encoding", "identity");
-    request.setHeader(QNetworkRequest::ContentTypeHeader,
-                      multipart ? QStringLiteral("multipart/form-data; charset=UTF-8; boundary=") +
-                                      MULTIPART_BOUNDARY
-                                : QStringLiteral("application/json; charset=UTF-8"));
-    QNetworkReply* reply = manager->post(request, body);
+    const QNetworkRequest request = PostRequest::make(
+        url, multipart ? QStringLiteral("multipart/form-data; charset=UTF-8; boundary=") + MULTIPART_BOUNDARY
+                       : QStringLiteral("application/json; charset=UTF-8"));
+    QNetworkReply* reply = PostRequest::send(manager.get(), request, body);
     callbacks[reply] = handlers;
     connect(reply, &QNetworkReply::readyRead, reply, [reply] {
         if (reply->bytesAvailable() > largestReply)
@@ -238,7 +234,7 @@ void PresenterClient::Private::callHandler(QNetworkReply* reply, const QString& 
     const CALLBACKS handlers = callbacks.value(reply, CALLBACKS{nullptr, nullptr});
     if (reply->error() != QNetworkReply::NoError) {
         qCDebug(diagnostics).noquote()
-            << QStringLiteral("ERROR: %0\nRESPONSE: %1").arg(reply->errorString(), body);
+            << QStringLiteral("ERROR: %0\nRESPONSE: %1").arg(PostRequest::errorText(reply), body);
         if (handlers.failure)
             (q->*handlers.failure)(reply, body);
     } else if (handlers.success) {

@@ -4,6 +4,7 @@
 #include "base/FileDescriptors.h"
 #include "base/RequestText.h"
 #include "base/SafeCookieJar.h"
+#include "transport/PostRequest.h"
 #include "transport/QSystemConfigurationProxyFactory.h"
 #include "transport/SockJSXHRPollingWorker.h"
 
@@ -307,23 +308,20 @@ void SockJSXHRPolling::sendTextMessage(QString frame)
 
 void SockJSXHRPolling::postNextFrame()
 {
-    // The first one begins a thread. A request without an address fails like any other.
-    QNetworkRequest request(FileDescriptors::sufficeForThread() ? QUrl(m_fullUrl + QLatin1String("/xhr_send"))
-                                                                : QUrl());
-    request.setRawHeader("accept-encoding", "identity");
-    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json; charset=UTF-8"));
+    QNetworkRequest request = PostRequest::make(QUrl(m_fullUrl + QLatin1String("/xhr_send")),
+                                                QStringLiteral("application/json; charset=UTF-8"));
     request.setRawHeader("Connection", m_keepAlive ? "keep-alive" : "close");
     request.setTransferTimeout(postLimit);
     m_posting = true;
     // Nobody reads the answer. One without end stops here, and postLimit ends it.
-    m_nam->post(request, m_frames.takeFirst())->setReadBufferSize(postAnswerSize);
+    PostRequest::send(m_nam, request, m_frames.takeFirst())->setReadBufferSize(postAnswerSize);
 }
 
 void SockJSXHRPolling::onNAMRequestFinished(QNetworkReply* reply)
 {
     if (reply->error() != QNetworkReply::NoError)
         qCDebug(diagnostics).noquote().nospace()
-            << "[SockJSXHRPolling] xhr_send error: " << reply->errorString();
+            << "[SockJSXHRPolling] xhr_send error: " << PostRequest::errorText(reply);
     reply->deleteLater();
     m_posting = !m_frames.isEmpty();
     if (m_posting)

@@ -95,6 +95,12 @@ static int failedPosts(const LogRecorder& log)
     return lines.size() - lines.filter(QStringLiteral("refused")).size();
 }
 
+// What Qt says of a request without an address.
+static bool speaksOfAProtocol(const LogRecorder& log)
+{
+    return !log.debug().filter(QStringLiteral("Protocol \"\"")).isEmpty();
+}
+
 using Script = ScriptedHttpServer::Script;
 
 static QVector<QPair<const char*, Script>> brokenHandshakes()
@@ -307,6 +313,7 @@ private Q_SLOTS:
         QFETCH(int, left);
         SockJSConnector connector;
         ConnectorProbe probe(&connector);
+        const LogRecorder log;
         {
             FakeSockJSServer server;
             const Descriptors few(left);
@@ -316,6 +323,7 @@ private Q_SLOTS:
             connector.sendMessage(QStringLiteral("x"), false);
             connector.close();
         }
+        QVERIFY(!speaksOfAProtocol(log));
         connector.setOpenLimit(0);
         FakeSockJSServer server; // one that could not accept does not any more
         QVERIFY(probe.openSession(server.url(), protocols));
@@ -334,6 +342,7 @@ private Q_SLOTS:
         FakeService service;
         PresenterClient client(nullptr, service.url());
         const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+        const LogRecorder log;
         {
             const Descriptors few(left);
             service.expect("/tavisto/login/submit", welcome());
@@ -344,6 +353,7 @@ private Q_SLOTS:
             QVERIFY(done || client.lastError().isNull());
             service.expectNoMore();
         }
+        QVERIFY(!speaksOfAProtocol(log));
         service.resumeAccepting(); // it has stopped if it could not
         service.expect("/tavisto/login/submit", welcome());
         QVERIFY(logsIn(&client));

@@ -4,6 +4,10 @@
 #include <QFile>
 #include <QTest>
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
 /// What the process holds of the system's resources right now.
 namespace ProcessResources {
 
@@ -23,6 +27,23 @@ inline int threads()
         QFile file(tasks.filePath(id) + QStringLiteral("/comm"));
         const auto name = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
         count += name.startsWith("Qt bearer") || name.startsWith("QDBusConnection") ? 0 : 1;
+    }
+    return count;
+}
+
+/// The connections to \p port whose bytes go out as soon as they are written.
+inline int connectionsThatSendAtOnce(quint16 port)
+{
+    int count = 0;
+    for (int descriptor = 0; descriptor < 1024; ++descriptor) {
+        sockaddr_in peer = {};
+        socklen_t peerSize = sizeof(peer);
+        int atOnce = 0;
+        socklen_t size = sizeof(atOnce);
+        if (getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &peerSize) == 0 &&
+            ntohs(peer.sin_port) == port &&
+            getsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &atOnce, &size) == 0)
+            count += atOnce != 0 ? 1 : 0;
     }
     return count;
 }

@@ -1,6 +1,7 @@
 #include <CalyxClient/SockJSXHRPolling>
 
 #include "support/LogRecorder.h"
+#include "support/ProcessResources.h"
 #include "support/TestCertificates.h"
 #include "support/TransportTest.h"
 #include "transport/SockJSXHRPollingWorker.h"
@@ -25,6 +26,21 @@ class tst_SockJSXHRPollingTraffic : public TransportTest
     Q_OBJECT
 
 private Q_SLOTS:
+    // Else a post's body waits on a kept connection until the server's kernel has acknowledged its header.
+    void keptConnectionSendsAtOnce()
+    {
+        Server server;
+        server.answerAlways("/xhr_send", plain(""));
+        Session session;
+        QVERIFY(session.start(server));
+        session.transport->sendTextMessage(QStringLiteral("[]"));
+        session.transport->sendTextMessage(QStringLiteral("[]"));
+        QTRY_COMPARE(server.count("/xhr_send"), 2);
+        QCOMPARE(server.requests("/xhr_send").last().connection,
+                 server.requests("/xhr_send").first().connection);
+        QCOMPARE(ProcessResources::connectionsThatSendAtOnce(server.port()), 1);
+    }
+
     void noCookiesNoLine()
     {
         Server server;

@@ -1,0 +1,54 @@
+#include "transport/PostRequest.h"
+
+#include "base/FileDescriptors.h"
+#include "transport/OpenConnections.h"
+
+#include <QNetworkAccessManager>
+#include <QNetworkProxy>
+#include <QNetworkReply>
+
+#include <cerrno>
+
+namespace {
+
+// Where the connection of a request to \p url ends: at its server or at a proxy.
+QSet<int> farPorts(const QNetworkAccessManager* manager, const QUrl& url)
+{
+    constexpr int httpPort = 80;
+    constexpr int httpsPort = 443;
+    QSet<int> ports{url.port(url.scheme() == QLatin1String("https") ? httpsPort : httpPort),
+                    manager->proxy().port()};
+    if (QNetworkProxyFactory* factory = manager->proxyFactory()) {
+        const QList<QNetworkProxy> proxies = factory->queryProxy(QNetworkProxyQuery(url));
+        for (const QNetworkProxy& proxy : proxies)
+            ports.insert(proxy.port());
+    }
+    return ports;
+}
+
+} // namespace
+
+QNetworkRequest PostRequest::make(const QUrl& url, const QString& contentType)
+{
+    QNetworkRequest request(FileDescriptors::sufficeForThread() ? url : QUrl());
+    request.setRawHeader("accept-encoding", "identity");
+    request.setHeader(QNetworkRequest::ContentTypeHeader, contentType);
+    return request;
+}
+
+QNetworkReply* PostRequest::send(QNetworkAccessManager* manager, const QNetworkRequest& request,
+                                 const QByteArray& body)
+{
+    const OpenConnections before;
+    QNetworkReply* reply = manager->post(request, body);
+    if (!body.isEmpty())
+        QObject::connect(reply, &QNetworkReply::finished, manager, [manager, url = request.url(), before] {
+            OpenConnections::sendAtOnce(before, farPorts(manager, url));
+        });
+    return reply;
+}
+
+QString PostRequest::errorText(const QNetworkReply* reply)
+{
+    return reply->url().isEmpty() ? qt_error_string(EMFILE) : reply->errorString();
+}
