@@ -28,6 +28,13 @@ bool isPolling(const XHRRequest* request)
     return request && request->path().endsWith(QLatin1String("xhr"));
 }
 
+// A path as it stands in the first line of a request, the same for the polls and the posts.
+QString encodedPath(const QString& path)
+{
+    const QUrl url(QStringLiteral("http://h") + path);
+    return QString::fromLatin1(url.toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority));
+}
+
 // Those on the application's thread that have a thread of their own, or no owner. Never freed: a host may end
 // the process before it ends its connectors.
 QList<SockJSXHRPolling*>& transportsOfApplication()
@@ -77,7 +84,8 @@ bool SockJSXHRPolling::start(QString host, int port, bool secure, QString path, 
 {
     if (m_worker)
         return false;
-    if (!RequestText::isSafeInFirstLine(host) || !RequestText::isSafeInFirstLine(path)) {
+    const QString solid = QString(path).remove(QLatin1Char(' '));
+    if (!RequestText::isSafeInFirstLine(host) || !RequestText::isSafeInFirstLine(solid)) {
         qCDebug(diagnostics) << "[SockJSXHRPolling] Can't start: blank or control character in host or path";
         return false;
     }
@@ -118,7 +126,7 @@ void SockJSXHRPolling::setAddress(const QString& host, int port, bool secure, co
     // A URL keeps an IPv6 address apart from the port by brackets.
     const QString urlHost = host.contains(QLatin1Char(':')) ? QStringLiteral("[%0]").arg(host) : host;
     m_host = urlHost;
-    m_path = QLatin1Char('/') + relative;
+    m_path = encodedPath(QLatin1Char('/') + relative);
     m_baseUrl = QStringLiteral("http%0://%1:%2").arg(scheme, urlHost, QString::number(port));
     m_fullUrl = QStringLiteral("%0/%1").arg(m_baseUrl, relative);
     if (m_fullUrl.endsWith(QLatin1Char('/')))

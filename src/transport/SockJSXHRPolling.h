@@ -37,7 +37,8 @@ public:
     /// "/xhr".
     ///
     /// Blocks for up to the connect limit, without events. False when it is started already, when the
-    /// connection cannot be made, or when \p host or \p path holds a blank or a control character. Emits
+    /// connection cannot be made, or when \p host holds a blank, or either of \p host and \p path a
+    /// control character; what else a path cannot hold as it is, a blank too, is sent percent-encoded. Emits
     /// nothing before it returns.
     bool start(QString host, int port, bool secure, QString path, bool streaming);
 
