@@ -64,6 +64,8 @@ SockJSXHRPolling::SockJSXHRPolling(QObject* parent)
     m_nam->setCookieJar(m_cookieJar);
     m_cookieJar->setParent(this); // the manager has made itself the parent
     connect(m_nam, &QNetworkAccessManager::finished, this, &SockJSXHRPolling::onNAMRequestFinished);
+    m_farewell.setSingleShot(true);
+    connect(&m_farewell, &QTimer::timeout, this, &SockJSXHRPolling::close);
     m_retireLimit.setSingleShot(true);
     connect(&m_retireLimit, &QTimer::timeout, this, &QObject::deleteLater);
 }
@@ -334,12 +336,8 @@ void SockJSXHRPolling::onNAMRequestFinished(QNetworkReply* reply)
     m_posting = !m_frames.isEmpty();
     if (m_posting)
         postNextFrame();
-    if (m_retired) {
-        if (!m_posting)
-            close();
-        m_retireLimit.start(retireLimit);
-        endRetirement();
-    }
+    if (m_retired)
+        sayFarewell();
 }
 
 void SockJSXHRPolling::close()
@@ -359,13 +357,18 @@ void SockJSXHRPolling::retire()
     m_retired = true;
     blockSignals(true);
     setParent(nullptr);
-    m_closed = true;
-    // A server ends the session when its receiver goes, and refuses what is posted to it afterwards.
-    if (m_posting)
-        QTimer::singleShot(farewellLimit, this, &SockJSXHRPolling::close);
-    else
-        close();
     endWithApplication();
+    sayFarewell();
+}
+
+// A server ends the session when its receiver goes, and refuses what is posted to it afterwards. So the
+// receiver stays while posts are answered.
+void SockJSXHRPolling::sayFarewell()
+{
+    if (!m_posting)
+        close();
+    else if (!m_closed)
+        m_farewell.start(farewellLimit);
     m_retireLimit.start(retireLimit);
     endRetirement();
 }

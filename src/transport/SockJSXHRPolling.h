@@ -92,6 +92,7 @@ private:
     void tellEnd();
     QString headerBlock(const QString& payload);
     void postNextFrame();
+    void sayFarewell();
     void endRetirement();
     void endWithApplication();
     static void joinAll();
@@ -119,5 +120,6 @@ private:
     bool m_posting = false;
     int m_connectLimit = 30000; // milliseconds
     bool m_retired = false;
+    QTimer m_farewell{this}; // until the receiver goes, without an answered post
     QTimer m_retireLimit{this};
 };

@@ -270,6 +270,26 @@ private Q_SLOTS:
         QTRY_VERIFY(!transport);
     }
 
+    // A server refuses what is posted to a session without a receiver.
+    void receiverStaysWhilePostsAreAnswered()
+    {
+        Server server;
+        server.answerAlways("/xhr_send", Server::Script{Server::pause(1200), Server::send(plain(""))});
+        server.answer("/xhr", Server::Script{Server::hold(), Server::send(plain("h\n"))});
+        const QPointer<Transport> transport(new Transport(nullptr));
+        QVERIFY(transport->start(QStringLiteral("127.0.0.1"), server.port(), false, sessionPath, false));
+        for (int i = 0; i < 4; ++i)
+            transport->sendTextMessage(QString::number(i));
+        QTRY_COMPARE(server.count("/xhr"), 1);
+        transport->retire();
+        server.release();
+        QTRY_COMPARE(server.count("/xhr"), 2);
+        QTRY_COMPARE(server.count("/xhr_send"), 4);
+        QCOMPARE(server.openConnections(), 2);
+        QTRY_VERIFY(!transport);
+        QTRY_COMPARE(server.openConnections(), 0);
+    }
+
     void retiredTransportGivesUpOnASilentServer()
     {
         Server server;
