@@ -7,14 +7,21 @@
 #include "transport/PostRequest.h"
 #include "transport/QSystemConfigurationProxyFactory.h"
 #include "transport/SockJSXHRPollingWorker.h"
+#include "transport/TransportThread.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QNetworkAccessManager>
 #include <QNetworkCookie>
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QPointer>
 #include <QSslSocket>
+#include <QTimer>
 
 #include <cerrno>
+#include <utility>
 
 namespace {
 
@@ -35,176 +42,249 @@ QString encodedPath(const QString& path)
     return QString::fromLatin1(url.toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority));
 }
 
-// Those on the application's thread that have a thread of their own, or no owner. Never freed: a host may end
-// the process before it ends its connectors.
-QList<SockJSXHRPolling*>& transportsOfApplication()
-{
-    static auto* transports = new QList<SockJSXHRPolling*>;
-    return *transports;
-}
-
-// Calls a function when the statics go.
-struct AtExit
-{
-    explicit AtExit(void (*what)()) : m_what(what) {}
-    ~AtExit() { m_what(); }
-    Q_DISABLE_COPY(AtExit)
-
-private:
-    void (*m_what)();
-};
-
 } // namespace
 
-SockJSXHRPolling::SockJSXHRPolling(QObject* parent)
-    : SockJSTransport(parent)
-    , m_nam(new QNetworkAccessManager(this))
-    , m_cookieJar(new SafeCookieJar("[SockJSXHRPolling]", this))
+class SockJSXHRPolling::Private
 {
-    m_nam->setCookieJar(m_cookieJar);
-    m_cookieJar->setParent(this); // the manager has made itself the parent
-    connect(m_nam, &QNetworkAccessManager::finished, this, &SockJSXHRPolling::onNAMRequestFinished);
-    m_farewell.setSingleShot(true);
-    connect(&m_farewell, &QTimer::timeout, this, &SockJSXHRPolling::close);
-    m_retireLimit.setSingleShot(true);
-    connect(&m_retireLimit, &QTimer::timeout, this, &QObject::deleteLater);
+public:
+    explicit Private(SockJSXHRPolling* transport);
+
+    void setAddress(const QString& server, int port, bool secure, const QString& sessionPath);
+    bool connectWorker(SockJSXHRPollingWorker* candidate, QTcpSocket* socket);
+    bool startThread(SockJSXHRPollingWorker* candidate, QTcpSocket* socket);
+    void joinThread();
+    void onWorkerFinished();
+    void tellEnd();
+    void pollAgain(const XHRRequest* request);
+    void releaseRequest(XHRRequest* request);
+    QString headerBlock(const QString& payload) const;
+    QList<QNetworkCookie> cookies() const { return cookieJar->cookiesForUrl(QUrl(fullUrl)); }
+    void postNextFrame();
+    void sayFarewell();
+    void endRetirement();
+    void endWithThread();
+    void awaitPosts();
+    bool isThreadOver() const;
+
+    SockJSXHRPolling* q;
+    QNetworkAccessManager* manager;
+    QNetworkCookieJar* cookieJar;
+    QString host;
+    QString path;
+    QString fullUrl;
+    bool closed = false;
+    bool up = false;
+    bool keepAlive = true;
+    bool streaming = false;
+    QPointer<SockJSXHRPollingWorker> worker; // null before its thread may delete it
+    QPointer<TransportThread> thread;
+    QList<QPointer<QObject>> onThread; // what it deletes at its end; not to be looked at before
+    XHRRequest* currentRequest = nullptr;
+
+    QList<XHRRequest*> requests; // those that the worker has taken and that are not yet released
+    bool sessionOpen = false;    // the first open frame has come
+    bool sessionOver = false;    // the frame that ends the session has come
+    QList<QByteArray> frames;    // still to be posted
+    bool posting = false;
+    int connectLimit = SockJSXHRPollingWorker::ConnectLimit;
+    int stallLimit = SockJSXHRPollingWorker::StallLimit;
+    bool asynchronous = false;
+    bool retired = false;
+    QTimer farewell;   // until the receiver goes, without an answered post
+    QTimer retireEnds; // until the transport goes, without an answered post
+};
+
+SockJSXHRPolling::Private::Private(SockJSXHRPolling* transport)
+    : q(transport)
+    , manager(new QNetworkAccessManager(transport))
+    , cookieJar(new SafeCookieJar("[SockJSXHRPolling]", transport))
+{
+    manager->setCookieJar(cookieJar);
+    cookieJar->setParent(transport); // the manager has made itself the parent
+    farewell.setSingleShot(true);
+    connect(&farewell, &QTimer::timeout, q, &SockJSXHRPolling::close);
+    retireEnds.setSingleShot(true);
+    connect(&retireEnds, &QTimer::timeout, q, &QObject::deleteLater);
+}
+
+SockJSXHRPolling::SockJSXHRPolling(QObject* parent)
+    : SockJSTransport(parent), d(std::make_unique<Private>(this))
+{
+    connect(d->manager, &QNetworkAccessManager::finished, this, &SockJSXHRPolling::onNAMRequestFinished);
+    // Emitted on the thread that ends, whose event loop has returned by then.
+    connect(
+        QThread::currentThread(), &QThread::finished, this, [this] { d->endWithThread(); },
+        Qt::DirectConnection);
 }
 
 SockJSXHRPolling::~SockJSXHRPolling()
 {
-    transportsOfApplication().removeOne(this);
-    joinThread();
-    qDeleteAll(m_requests);
+    d->joinThread();
+    qDeleteAll(d->requests);
     // A slot of `destroyed` may run an event loop: nothing of the thread's or of the manager's reaches what
     // is left of this object then.
-    m_nam->disconnect(this);
-    delete m_nam;
+    if (d->manager)
+        d->manager->disconnect(this);
+    delete d->manager;
     QCoreApplication::removePostedEvents(this, QEvent::MetaCall);
+}
+
+bool SockJSXHRPolling::isUp() const
+{
+    return d->up;
+}
+
+void SockJSXHRPolling::setConnectLimit(int msecs)
+{
+    d->connectLimit = msecs;
+}
+
+void SockJSXHRPolling::setStallLimit(int msecs)
+{
+    d->stallLimit = msecs;
+}
+
+void SockJSXHRPolling::setAsynchronousConnect(bool asynchronous)
+{
+    d->asynchronous = asynchronous;
 }
 
 bool SockJSXHRPolling::start(QString host, int port, bool secure, QString path, bool streaming)
 {
-    if (m_worker)
+    if (d->worker || !d->manager)
         return false;
     const QString solid = QString(path).remove(QLatin1Char(' '));
     if (!RequestText::isSafeInFirstLine(host) || !RequestText::isSafeInFirstLine(solid)) {
         qCDebug(diagnostics) << "[SockJSXHRPolling] Can't start: blank or control character in host or path";
         return false;
     }
-    joinThread();
-    m_closed = false;
-    m_keepAlive = true;
-    m_streaming = streaming;
-    m_sessionOpen = false;
-    m_sessionOver = false;
-    m_currentRequest = nullptr;
-    setAddress(host, port, secure, path);
+    d->joinThread();
+    d->closed = false;
+    d->keepAlive = true;
+    d->streaming = streaming;
+    d->sessionOpen = false;
+    d->sessionOver = false;
+    d->currentRequest = nullptr;
+    d->setAddress(host, port, secure, path);
 
     const QNetworkProxy proxy = QSystemConfigurationProxyFactory::getPrimaryProxy();
-    m_nam->setProxy(proxy);
+    d->manager->setProxy(proxy);
     QTcpSocket* socket = secure ? new QSslSocket : new QTcpSocket;
     socket->setProxy(proxy);
-    auto* worker = new SockJSXHRPollingWorker(nullptr, socket, host, port, secure, m_keepAlive);
-    if (!worker->connectToServer(m_connectLimit)) {
-        qCDebug(diagnostics).noquote() << "[SockJSXHRPolling]" << socket->errorString();
+    auto* worker = new SockJSXHRPollingWorker(nullptr, socket, host, port, secure, d->keepAlive);
+    worker->setStallLimit(d->stallLimit);
+    if (!d->connectWorker(worker, socket)) {
         delete worker;
         delete socket;
         return false;
     }
-    if (!startThread(worker, socket)) {
+    if (!d->startThread(worker, socket)) {
         qCDebug(diagnostics).noquote() << "[SockJSXHRPolling]" << qt_error_string(EAGAIN);
-        joinThread();
+        d->joinThread();
         return false;
     }
-    m_up = true;
+    d->up = true;
     doPoll();
     return true;
 }
 
-void SockJSXHRPolling::setAddress(const QString& host, int port, bool secure, const QString& path)
+// False when that fails, and when the transport is closed or deleted meanwhile: it may be gone then.
+bool SockJSXHRPolling::Private::connectWorker(SockJSXHRPollingWorker* candidate, QTcpSocket* socket)
+{
+    const QPointer<SockJSXHRPolling> self(q);
+    worker = candidate; // for close()
+    const bool connected =
+        asynchronous ? candidate->connectInEventLoop(connectLimit) : candidate->connectToServer(connectLimit);
+    if (!self)
+        return false;
+    if (connected && !closed)
+        return true;
+    qCDebug(diagnostics).noquote() << "[SockJSXHRPolling]" << socket->errorString();
+    worker = nullptr;
+    return false;
+}
+
+void SockJSXHRPolling::Private::setAddress(const QString& server, int port, bool secure,
+                                           const QString& sessionPath)
 {
     const QString scheme = secure ? QStringLiteral("s") : QString();
-    const QString relative = path.startsWith(QLatin1Char('/')) ? path.mid(1) : path;
+    const QString relative = sessionPath.startsWith(QLatin1Char('/')) ? sessionPath.mid(1) : sessionPath;
     // A URL keeps an IPv6 address apart from the port by brackets.
-    const QString urlHost = host.contains(QLatin1Char(':')) ? QStringLiteral("[%0]").arg(host) : host;
-    m_host = urlHost;
-    m_path = encodedPath(QLatin1Char('/') + relative);
-    m_baseUrl = QStringLiteral("http%0://%1:%2").arg(scheme, urlHost, QString::number(port));
-    m_fullUrl = QStringLiteral("%0/%1").arg(m_baseUrl, relative);
-    if (m_fullUrl.endsWith(QLatin1Char('/')))
-        m_fullUrl.chop(1);
+    host = server.contains(QLatin1Char(':')) ? QStringLiteral("[%0]").arg(server) : server;
+    path = encodedPath(QLatin1Char('/') + relative);
+    const QString baseUrl = QStringLiteral("http%0://%1:%2").arg(scheme, host, QString::number(port));
+    fullUrl = QStringLiteral("%0/%1").arg(baseUrl, relative);
+    if (fullUrl.endsWith(QLatin1Char('/')))
+        fullUrl.chop(1);
 }
 
 // False when the system has no thread for us.
-bool SockJSXHRPolling::startThread(SockJSXHRPollingWorker* worker, QTcpSocket* socket)
+bool SockJSXHRPolling::Private::startThread(SockJSXHRPollingWorker* candidate, QTcpSocket* socket)
 {
     using Worker = SockJSXHRPollingWorker;
-    auto* thread = new QThread;
+    worker = candidate;
+    thread = new TransportThread;
+    onThread = {candidate, socket};
     worker->moveToThread(thread);
     socket->moveToThread(thread);
-    connect(worker, &Worker::receivedHeadersResponse, this, &SockJSXHRPolling::onReceivedHeadersResponse);
-    connect(worker, &Worker::receivedMessageResponse, this, &SockJSXHRPolling::onReceivedMessageResponse);
-    connect(worker, &Worker::receivedEmptyResponse, this, &SockJSXHRPolling::onReceivedEmptyResponse);
-    connect(worker, &Worker::requestLost, this, &SockJSXHRPolling::releaseRequest);
-    connect(worker, &Worker::reconnected, this, &SockJSXHRPolling::onReconnected);
+    connect(worker, &Worker::receivedHeadersResponse, q, &SockJSXHRPolling::onReceivedHeadersResponse);
+    connect(worker, &Worker::receivedMessageResponse, q, &SockJSXHRPolling::onReceivedMessageResponse);
+    connect(worker, &Worker::receivedEmptyResponse, q, [this](XHRRequest* request) { pollAgain(request); });
+    connect(worker, &Worker::requestLost, q, [this](XHRRequest* request) { releaseRequest(request); });
+    connect(worker, &Worker::reconnected, q, &SockJSXHRPolling::onReconnected);
     connect(thread, &QThread::finished, thread, &QObject::deleteLater);
     connect(thread, &QThread::finished, socket, &QObject::deleteLater);
     // Before quit(): from then on the thread deletes the worker, and nothing may reach it.
-    connect(worker, &Worker::finished, this, &SockJSXHRPolling::onWorkerFinished);
+    connect(worker, &Worker::finished, q, [this] { onWorkerFinished(); });
     connect(worker, &Worker::finished, thread, &QThread::quit);
-    connect(worker, &Worker::finished, this, &SockJSXHRPolling::tellEnd);
+    connect(worker, &Worker::finished, q, [this] { tellEnd(); });
     connect(thread, &QThread::started, worker, &Worker::process);
     connect(thread, &QThread::finished, worker, &QObject::deleteLater);
-    connect(thread, &QObject::destroyed, this, &SockJSXHRPolling::endRetirement);
-    m_worker = worker;
-    m_thread = thread;
-    m_onThread = {worker, socket};
+    connect(thread, &QObject::destroyed, q, [this] { endRetirement(); });
     if (!FileDescriptors::sufficeForThread())
         return false;
-    endWithApplication();
     thread->start();
     return thread->isRunning() || thread->isFinished();
 }
 
-void SockJSXHRPolling::joinThread()
+void SockJSXHRPolling::Private::joinThread()
 {
-    if (m_worker)
-        m_worker->forceClose();
-    m_worker = nullptr;
-    if (!m_thread)
+    if (worker)
+        worker->forceClose();
+    worker = nullptr;
+    if (!thread)
         return;
-    QThread* thread = m_thread;
-    m_thread = nullptr;
-    thread->disconnect(this);
-    thread->quit();
-    thread->wait();
-    delete thread;
+    TransportThread* ending = thread;
+    thread = nullptr;
+    ending->disconnect(q);
+    delete ending;
     // It deletes nothing when the application object is gone.
-    for (const QPointer<QObject>& object : qAsConst(m_onThread))
+    for (const QPointer<QObject>& object : qAsConst(onThread))
         delete object;
 }
 
-void SockJSXHRPolling::onWorkerFinished()
+void SockJSXHRPolling::Private::tellEnd()
 {
-    m_worker = nullptr;
-    m_closed = true;
-    m_currentRequest = nullptr;
-    while (!m_requests.isEmpty())
-        m_requests.takeLast()->deleteLater();
+    up = false;
+    Q_EMIT q->connectionClosed();
 }
 
-void SockJSXHRPolling::tellEnd()
+void SockJSXHRPolling::Private::onWorkerFinished()
 {
-    m_up = false;
-    Q_EMIT connectionClosed();
+    worker = nullptr;
+    closed = true;
+    currentRequest = nullptr;
+    while (!requests.isEmpty())
+        requests.takeLast()->deleteLater();
 }
 
 void SockJSXHRPolling::doPoll()
 {
     // A second request beside a pending one makes a server end the session.
-    if (!m_closed && m_worker && m_worker->isReceiving())
+    if (!d->closed && d->worker && d->worker->isReceiving())
         return;
-    doRequestXHR(m_path + (m_streaming ? QLatin1String("/xhr_streaming") : QLatin1String("/xhr")), QString());
+    doRequestXHR(d->path + (d->streaming ? QLatin1String("/xhr_streaming") : QLatin1String("/xhr")),
+                 QString());
 }
 
 void SockJSXHRPolling::onReconnected()
@@ -214,7 +294,7 @@ void SockJSXHRPolling::onReconnected()
 
 void SockJSXHRPolling::doRequestXHR(const QString& path, const QString& payload)
 {
-    if (m_closed || !m_worker) {
+    if (d->closed || !d->worker) {
         qCDebug(diagnostics) << "[SockJSXHRPolling] Can't make request when in closed state!";
         return;
     }
@@ -224,36 +304,36 @@ void SockJSXHRPolling::doRequestXHR(const QString& path, const QString& payload)
         return;
     }
     const QString text = QStringLiteral("POST %0 HTTP/1.1\r\n%1\r\n%2\r\n\r\n");
-    auto* request = new XHRRequest(path, text.arg(path, headerBlock(payload), payload));
-    m_requests.append(request);
-    if (!m_worker->queueRequest(request)) {
-        m_requests.removeOne(request);
+    auto* request = new XHRRequest(path, text.arg(path, d->headerBlock(payload), payload));
+    d->requests.append(request);
+    if (!d->worker->queueRequest(request)) {
+        d->requests.removeOne(request);
         delete request;
     }
 }
 
-QString SockJSXHRPolling::headerBlock(const QString& payload)
+QString SockJSXHRPolling::Private::headerBlock(const QString& payload) const
 {
-    QString block = QStringLiteral("Host: %0\r\n").arg(m_host);
-    block +=
-        m_keepAlive ? QLatin1String("Connection: keep-alive\r\n") : QLatin1String("Connection: close\r\n");
+    QString block = QStringLiteral("Host: %0\r\n").arg(host);
+    block += keepAlive ? QLatin1String("Connection: keep-alive\r\n") : QLatin1String("Connection: close\r\n");
     block += QLatin1String("Accept-Encoding: identity\r\n");
     block += QLatin1String("Content-Type: application/json\r\n");
     block += QStringLiteral("Content-Length: %0\r\n").arg(payload.toUtf8().size());
-    if (getCookieCount() > 0)
-        block += QLatin1String("Cookie: ") + getCookieString() + QLatin1String("\r\n");
+    const QString cookieText = q->getCookieString();
+    if (!cookieText.isEmpty())
+        block += QLatin1String("Cookie: ") + cookieText + QLatin1String("\r\n");
     return block;
 }
 
 int SockJSXHRPolling::getCookieCount()
 {
-    return m_cookieJar->cookiesForUrl(QUrl(m_fullUrl)).size();
+    return d->cookies().size();
 }
 
 QString SockJSXHRPolling::getCookieString()
 {
     QString text;
-    const QList<QNetworkCookie> cookies = m_cookieJar->cookiesForUrl(QUrl(m_fullUrl));
+    const QList<QNetworkCookie> cookies = d->cookies();
     for (const QNetworkCookie& cookie : cookies)
         text += QStringLiteral("%0=%1; ").arg(QString::fromUtf8(cookie.name()),
                                               QString::fromUtf8(cookie.value()));
@@ -262,23 +342,23 @@ QString SockJSXHRPolling::getCookieString()
 
 void SockJSXHRPolling::onReceivedHeadersResponse(XHRRequest* request, QStringMap headers)
 {
-    if (m_currentRequest && m_currentRequest != request)
-        releaseRequest(m_currentRequest);
-    m_currentRequest = request;
+    if (d->currentRequest && d->currentRequest != request)
+        d->releaseRequest(d->currentRequest);
+    d->currentRequest = request;
     for (auto header = headers.cbegin(); header != headers.cend(); ++header) {
         if (!header.key().contains(QLatin1String("Set-Cookie")))
             continue;
-        m_cookieJar->setCookiesFromUrl(QNetworkCookie::parseCookies(header.value().toUtf8()),
-                                       QUrl(m_fullUrl));
+        d->cookieJar->setCookiesFromUrl(QNetworkCookie::parseCookies(header.value().toUtf8()),
+                                        QUrl(d->fullUrl));
         qCDebug(diagnostics) << "[SockJSXHRPolling] parsed cookies";
     }
 }
 
-void SockJSXHRPolling::releaseRequest(XHRRequest* request)
+void SockJSXHRPolling::Private::releaseRequest(XHRRequest* request)
 {
-    if (m_currentRequest == request)
-        m_currentRequest = nullptr;
-    m_requests.removeOne(request);
+    if (currentRequest == request)
+        currentRequest = nullptr;
+    requests.removeOne(request);
     request->deleteLater();
 }
 
@@ -286,11 +366,11 @@ void SockJSXHRPolling::onReceivedMessageResponse(XHRRequest* request, QString me
 {
     qCDebug(diagnostics).noquote().nospace() << "[SockJSXHRPolling] RECEIVED: " << message;
     // The last poll may have been answered before the thread has heard of the end.
-    if (m_sessionOver)
+    if (d->sessionOver)
         return;
     const bool opens = message == QLatin1String("o");
-    m_sessionOver = message.startsWith(QLatin1Char('c')) || (opens && m_sessionOpen);
-    m_sessionOpen = m_sessionOpen || opens;
+    d->sessionOver = message.startsWith(QLatin1Char('c')) || (opens && d->sessionOpen);
+    d->sessionOpen = d->sessionOpen || opens;
     // Whoever hears the message may delete this object, and may let other events in.
     const QPointer<SockJSXHRPolling> self(this);
     const bool polling = isPolling(request);
@@ -299,32 +379,34 @@ void SockJSXHRPolling::onReceivedMessageResponse(XHRRequest* request, QString me
         return;
     if (polling)
         doPoll();
-    if (m_sessionOver)
+    if (d->sessionOver)
         close();
 }
 
-void SockJSXHRPolling::onReceivedEmptyResponse(XHRRequest* request)
+void SockJSXHRPolling::Private::pollAgain(const XHRRequest* request)
 {
     if (isPolling(request))
-        doPoll();
+        q->doPoll();
 }
 
 void SockJSXHRPolling::sendTextMessage(QString frame)
 {
-    m_frames.append(frame.toUtf8());
-    if (!m_posting)
-        postNextFrame();
+    if (!d->manager) // its thread has ended
+        return;
+    d->frames.append(frame.toUtf8());
+    if (!d->posting)
+        d->postNextFrame();
 }
 
-void SockJSXHRPolling::postNextFrame()
+void SockJSXHRPolling::Private::postNextFrame()
 {
-    QNetworkRequest request = PostRequest::make(QUrl(m_fullUrl + QLatin1String("/xhr_send")),
+    QNetworkRequest request = PostRequest::make(QUrl(fullUrl + QLatin1String("/xhr_send")),
                                                 QStringLiteral("application/json; charset=UTF-8"));
-    request.setRawHeader("Connection", m_keepAlive ? "keep-alive" : "close");
+    request.setRawHeader("Connection", keepAlive ? "keep-alive" : "close");
     request.setTransferTimeout(postLimit);
-    m_posting = true;
+    posting = true;
     // Nobody reads the answer. One without end stops here, and postLimit ends it.
-    PostRequest::send(m_nam, request, m_frames.takeFirst())->setReadBufferSize(postAnswerSize);
+    PostRequest::send(manager, request, frames.takeFirst())->setReadBufferSize(postAnswerSize);
 }
 
 void SockJSXHRPolling::onNAMRequestFinished(QNetworkReply* reply)
@@ -333,78 +415,87 @@ void SockJSXHRPolling::onNAMRequestFinished(QNetworkReply* reply)
         qCDebug(diagnostics).noquote().nospace()
             << "[SockJSXHRPolling] xhr_send error: " << PostRequest::errorText(reply);
     reply->deleteLater();
-    m_posting = !m_frames.isEmpty();
-    if (m_posting)
-        postNextFrame();
-    if (m_retired)
-        sayFarewell();
+    d->posting = !d->frames.isEmpty();
+    if (d->posting)
+        d->postNextFrame();
+    if (d->retired)
+        d->sayFarewell();
 }
 
 void SockJSXHRPolling::close()
 {
-    m_closed = true;
-    if (m_worker)
-        m_worker->forceClose();
+    d->closed = true;
+    if (d->worker)
+        d->worker->forceClose();
 }
 
 void SockJSXHRPolling::retire()
 {
-    // Nobody will run an event loop any more.
-    if (!QCoreApplication::instance()) {
-        delete this;
-        return;
-    }
-    m_retired = true;
+    QCoreApplication* application = QCoreApplication::instance();
+    d->retired = true;
     blockSignals(true);
     setParent(nullptr);
-    endWithApplication();
-    sayFarewell();
+    if (!application || d->isThreadOver()) { // nobody will run an event loop any more
+        d->endWithThread();
+        return;
+    }
+    if (thread() == application->thread())
+        TransportThread::deleteWithApplication(this);
+    d->sayFarewell();
 }
 
 // A server ends the session when its receiver goes, and refuses what is posted to it afterwards. So the
 // receiver stays while posts are answered.
-void SockJSXHRPolling::sayFarewell()
+void SockJSXHRPolling::Private::sayFarewell()
 {
-    if (!m_posting)
-        close();
-    else if (!m_closed)
-        m_farewell.start(farewellLimit);
-    m_retireLimit.start(retireLimit);
+    if (!posting)
+        q->close();
+    else if (!closed)
+        farewell.start(farewellLimit);
+    retireEnds.start(retireLimit);
     endRetirement();
 }
 
-// Its thread must not outlive the application object, and without an owner it must not itself. A host may
-// also call exit() and leave the application object where it is.
-void SockJSXHRPolling::endWithApplication()
+void SockJSXHRPolling::Private::endRetirement()
 {
-    diagnostics(); // goes later than what is made after it, and the threads use it to their end
-    static const AtExit joins(joinAll);
-    if (!QCoreApplication::instance() || QCoreApplication::instance()->thread() != thread() ||
-        transportsOfApplication().contains(this))
+    if (retired && !thread && !posting)
+        q->deleteLater();
+}
+
+bool SockJSXHRPolling::Private::isThreadOver() const
+{
+    return !q->thread() || q->thread()->isFinished();
+}
+
+// The thread that the transport lives on is ending or has ended, and with it all that would be left behind.
+void SockJSXHRPolling::Private::endWithThread()
+{
+    const QPointer<SockJSXHRPolling> self(q);
+    q->blockSignals(true);
+    if (QCoreApplication::instance() && QThread::currentThread() == q->thread())
+        awaitPosts();
+    if (!self)
         return;
-    transportsOfApplication().append(this);
-    qRemovePostRoutine(endAll);
-    qAddPostRoutine(endAll);
-}
-
-void SockJSXHRPolling::joinAll()
-{
-    for (SockJSXHRPolling* transport : qAsConst(transportsOfApplication()))
-        transport->joinThread();
-}
-
-void SockJSXHRPolling::endAll()
-{
-    while (!transportsOfApplication().isEmpty()) {
-        SockJSXHRPolling* transport = transportsOfApplication().takeLast();
-        transport->joinThread();
-        if (transport->m_retired)
-            delete transport;
+    if (retired) {
+        delete q;
+        return;
     }
+    q->close();
+    joinThread();
+    up = false;
+    frames.clear();
+    delete std::exchange(manager, nullptr);
 }
 
-void SockJSXHRPolling::endRetirement()
+// As an event loop would, which does not run any more on a thread that ends.
+void SockJSXHRPolling::Private::awaitPosts()
 {
-    if (m_retired && !m_thread && !m_posting)
-        deleteLater();
+    const QPointer<SockJSXHRPolling> self(q);
+    const QDeadlineTimer limit(farewellLimit);
+    if (!posting || !QAbstractEventDispatcher::instance())
+        return;
+    QTimer wake;
+    wake.start(farewellLimit);
+    while (self && posting && !limit.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }

@@ -11,7 +11,6 @@ namespace {
 
 constexpr int lockLimit = 1000; // milliseconds, as all below
 constexpr int idleWait = 1000;
-constexpr int stallLimit = 2000;
 
 constexpr int maxQueueSize = 51;
 constexpr int maxConnectAttempts = 10;
@@ -54,6 +53,16 @@ SockJSXHRPollingWorker::~SockJSXHRPollingWorker() = default;
 bool SockJSXHRPollingWorker::connectToServer(int msecs)
 {
     return m_connection->connectBlocking(msecs);
+}
+
+bool SockJSXHRPollingWorker::connectInEventLoop(int msecs)
+{
+    return m_connection->connectWaiting(msecs, &m_stop);
+}
+
+void SockJSXHRPollingWorker::setStallLimit(int msecs)
+{
+    m_stallLimit = msecs;
 }
 
 bool SockJSXHRPollingWorker::queueRequest(XHRRequest* request)
@@ -168,10 +177,16 @@ qint64 SockJSXHRPollingWorker::timeToWait() const
     if (!m_hold.hasExpired())
         msecs = std::min(msecs, m_hold.remainingTime());
     if (m_parser->hasPending())
-        msecs = std::min(msecs, stallLimit + 1 - m_lastReceived.elapsed());
+        msecs = std::min(msecs, pauseLimit() + 1 - m_lastReceived.elapsed());
     if (!m_resync.isForever())
         msecs = std::min(msecs, m_resync.remainingTime());
     return std::max<qint64>(msecs, 0);
+}
+
+// A body that has neither length nor chunks ends with the pause.
+int SockJSXHRPollingWorker::pauseLimit() const
+{
+    return m_parser->isUnbounded() ? StallLimit : m_stallLimit;
 }
 
 void SockJSXHRPollingWorker::receive()
@@ -278,7 +293,7 @@ void SockJSXHRPollingWorker::endAnswer()
 
 void SockJSXHRPollingWorker::checkTimeLimits()
 {
-    if (m_parser->hasPending() && m_lastReceived.hasExpired(stallLimit)) {
+    if (m_parser->hasPending() && m_lastReceived.hasExpired(pauseLimit())) {
         if (m_parser->isUnbounded()) {
             m_parser->endUnbounded();
             readEvents();

@@ -42,6 +42,14 @@ public:
     /// Connects the socket, with TLS the handshake included. Blocks for up to \p msecs, without events.
     /// False when that failed; the socket's errorString() tells why.
     bool connectToServer(int msecs = ConnectLimit);
+    /// The same in an event loop, which forceClose() ends.
+    bool connectInEventLoop(int msecs = ConnectLimit);
+
+    /// Milliseconds that an answer with a length or with chunks may pause, unless told otherwise.
+    static constexpr int StallLimit = 2000;
+
+    /// How long such an answer may pause before it is discarded. To be called before process() runs.
+    void setStallLimit(int msecs);
 
     /// Puts \p request at the end of the queue. It is written when no other is in flight, at once if none is.
     ///
@@ -110,6 +118,7 @@ private:
     bool mayTransmit() const;
     bool isInFlight() const { return m_answer.request || !m_sentQueue.isEmpty(); }
     qint64 timeToWait() const;
+    int pauseLimit() const;
     void wait(qint64 msecs);
     void wakeFromAnyThread();
 
@@ -130,6 +139,7 @@ private:
     void letGo(const XHRRequest* request);
 
     QElapsedTimer m_lastReceived;
+    int m_stallLimit = StallLimit;
     int m_connectAttempts = 0;
     bool m_keepAlive;
     std::atomic<bool> m_stop{false};

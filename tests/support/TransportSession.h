@@ -43,6 +43,7 @@ struct TransportSession
                cookie + "\r\n\r\n\r\n";
     }
 
+    QObject context; ///< of what a test does meanwhile
     QPointer<SockJSXHRPolling> transport;
     QStringList texts;
     int ends = 0;

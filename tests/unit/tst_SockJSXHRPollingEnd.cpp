@@ -305,6 +305,105 @@ private Q_SLOTS:
         QCOMPARE(server.count("/xhr_send"), 1);
     }
 
+    void threadThatEndsTakesItsTransportsAlong_data()
+    {
+        QTest::addColumn<QString>("left");
+        QTest::newRow("retired") << "retired";
+        QTest::newRow("retired at the thread's end") << "retired at the end";
+        QTest::newRow("open, and retired elsewhere afterwards") << "open";
+    }
+
+    void threadThatEndsTakesItsTransportsAlong()
+    {
+        QFETCH(QString, left);
+        Server server;
+        server.answerAlways("/xhr_send", Server::Script{Server::pause(20), Server::send(plain(""))});
+        const ProcessResources::Snapshot before;
+        for (int i = 1; i <= 5; ++i) {
+            QThread thread;
+            QObject context;
+            QPointer<Transport> transport;
+            bool started = false;
+            context.moveToThread(&thread);
+            const auto teach = [&] {
+                transport = new Transport(nullptr);
+                started =
+                    transport->start(QStringLiteral("127.0.0.1"), server.port(), false, sessionPath, false);
+                transport->sendTextMessage(QStringLiteral("[]"));
+                transport->sendTextMessage(QStringLiteral("goodbye"));
+                if (left == QLatin1String("retired"))
+                    transport->retire();
+                thread.quit();
+            };
+            connect(&thread, &QThread::started, &context, teach);
+            if (left == QLatin1String("retired at the end"))
+                connect(
+                    &thread, &QThread::finished, &context, [&] { transport->retire(); },
+                    Qt::DirectConnection);
+            thread.start();
+            QVERIFY(thread.wait(patience));
+            QVERIFY(started);
+            QCOMPARE(server.count("/xhr_send"), 2 * i);
+            QCOMPARE(server.requests("/xhr_send").last().body, QByteArray("goodbye"));
+            QCOMPARE(!transport, left != QLatin1String("open"));
+            if (transport)
+                transport->retire();
+            QVERIFY(!transport);
+        }
+        QCOMPARE(before.waitForSurplusToGo(), QString());
+    }
+
+    // A proxy that does not answer keeps the connection from being made.
+    void asynchronousStartEndsAtOnce_data()
+    {
+        QTest::addColumn<QString>("by");
+        for (const char* by : {"close", "retire", "delete"})
+            QTest::newRow(by) << by;
+    }
+
+    void asynchronousStartEndsAtOnce()
+    {
+        QFETCH(QString, by);
+        const Server proxy;
+        qputenv("http_proxy", "http://127.0.0.1:" + QByteArray::number(proxy.port()));
+        Session session;
+        session.transport->setAsynchronousConnect(true);
+        bool acted = false;
+        const auto act = [&] {
+            acted = true;
+            if (by == QLatin1String("close"))
+                session.transport->close();
+            else if (by == QLatin1String("retire"))
+                session.transport->retire();
+            else
+                delete session.transport;
+        };
+        QTimer::singleShot(0, &session.context, act);
+        QElapsedTimer clock;
+        clock.start();
+        const bool started =
+            session.transport->start(QStringLiteral("server.invalid"), 80, false, sessionPath, false);
+        qunsetenv("http_proxy");
+        QVERIFY(acted && !started);
+        QVERIFY(clock.elapsed() < patience);
+        QCOMPARE(session.ends, 0);
+        QTRY_COMPARE(!session.transport, by != QLatin1String("close"));
+        QTRY_COMPARE(proxy.openConnections(), 0);
+    }
+
+    void asynchronousStartSucceeds()
+    {
+        Server server;
+        server.answer("/xhr", plain("o\n"));
+        Session session;
+        session.transport->setAsynchronousConnect(true);
+        bool turned = false;
+        QTimer::singleShot(0, &session.context, [&turned] { turned = true; });
+        QVERIFY(session.start(server));
+        QVERIFY(turned);
+        QTRY_COMPARE(session.texts, QStringList("o"));
+    }
+
     void retiredTransportNeverStarted()
     {
         const QPointer<Transport> transport(new Transport(nullptr));
