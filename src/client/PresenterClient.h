@@ -198,6 +198,10 @@ public:
     /// Transport names ("websocket", "xhr-streaming", "xhr-polling") to use instead of the tenant's, from the
     /// next startWebsocket(). An empty list sets none: the tenant's count again.
     void setSockJSOverrideProtocols(QStringList protocols);
+    /// SockJSConnector::setStallLimit() for the channels to come: \p msecs milliseconds.
+    void setStallLimit(int msecs);
+    /// SockJSConnector::setAsynchronousConnect() for the channels to come.
+    void setAsynchronousConnect(bool asynchronous);
     /// SockJSConnector::setOpenLimit() for the channels to come: \p msecs milliseconds, 0 for no limit.
     void setOpenLimit(int msecs);
     ///@{

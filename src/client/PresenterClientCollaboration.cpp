@@ -43,6 +43,16 @@ void PresenterClient::setSockJSOverrideProtocols(QStringList protocols)
     d->sockJSOverrideProtocols = protocols;
 }
 
+void PresenterClient::setStallLimit(int msecs)
+{
+    d->stallLimit = msecs;
+}
+
+void PresenterClient::setAsynchronousConnect(bool asynchronous)
+{
+    d->asynchronousConnect = asynchronous;
+}
+
 void PresenterClient::setOpenLimit(int msecs)
 {
     d->openLimit = msecs;
@@ -105,6 +115,8 @@ bool PresenterClient::Private::openCollab(PresenterCollab** opened)
 {
     const QPointer<PresenterCollab> created =
         new PresenterCollab(q, collabServerUrl, sessionCode, sessionToken, userToken);
+    created->connector()->setStallLimit(stallLimit);
+    created->connector()->setAsynchronousConnect(asynchronousConnect);
     collab = created;
     SockJSConnector* connector = created->connector();
     connector->setOpenLimit(openLimit);

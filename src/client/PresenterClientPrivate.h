@@ -72,6 +72,8 @@ public:
     QString lastError;
     QString authUser;
     QString authPassword;
+    int stallLimit = 2000; // milliseconds
+    bool asynchronousConnect = false;
     int openLimit = 0;
     int silenceLimit = 0;
     int pingInterval = 0;

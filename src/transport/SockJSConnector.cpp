@@ -125,6 +125,8 @@ public:
     QDateTime lastActivity;
     bool closedForInactivity = false;
     QTimer* inactivityTimer = nullptr;
+    int stallLimit = SockJSXHRPollingWorker::StallLimit;
+    bool asynchronousConnect = false;
     int openLimit = 0;
     QTimer openLimitTimer;
     int silenceLimit = 0;
@@ -307,6 +309,8 @@ bool SockJSConnectorPrivate::openXHRPolling(bool streaming)
     auto* xhr = new SockJSXHRPolling(q);
     if (openLimit > 0)
         xhr->setConnectLimit(qMin(openLimit, SockJSXHRPollingWorker::ConnectLimit));
+    xhr->setStallLimit(stallLimit);
+    xhr->setAsynchronousConnect(asynchronousConnect);
     use(xhr);
     if (xhr->start(host, port, secure, basePath(), streaming)) {
         startSilenceLimit();
@@ -372,6 +376,26 @@ QString SockJSConnector::sessionId() const
 int SockJSConnector::openCount() const
 {
     return d->openCount;
+}
+
+void SockJSConnector::setStallLimit(int msecs)
+{
+    d->stallLimit = msecs;
+}
+
+int SockJSConnector::stallLimit() const
+{
+    return d->stallLimit;
+}
+
+void SockJSConnector::setAsynchronousConnect(bool asynchronous)
+{
+    d->asynchronousConnect = asynchronous;
+}
+
+bool SockJSConnector::asynchronousConnect() const
+{
+    return d->asynchronousConnect;
 }
 
 void SockJSConnector::setOpenLimit(int msecs)

@@ -74,6 +74,19 @@ public:
     /// How many times open() has begun a connection: tells one from another.
     int openCount() const;
 
+    /// Milliseconds that an answer with a length or with chunks may pause over XHR before it is discarded:
+    /// 2,000 unless set. Counts from the next open(); has no effect on a WebSocket.
+    void setStallLimit(int msecs);
+    /// What setStallLimit() has set, in milliseconds.
+    int stallLimit() const;
+
+    /// Makes the connection of an XHR transport in a nested event loop, as a WebSocket's, so that close(),
+    /// another open() and deletion end an open() at once. Off by default: it blocks then. Counts from the
+    /// next open().
+    void setAsynchronousConnect(bool asynchronous);
+    /// What setAsynchronousConnect() has set.
+    bool asynchronousConnect() const;
+
     /// Milliseconds that a transport may take from its start to its open frame. One that takes longer is
     /// given up without closed(), and the next of the list is tried. 0, the default, sets no limit. Counts
     /// from the next open().

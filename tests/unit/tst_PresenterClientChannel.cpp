@@ -63,6 +63,8 @@ private Q_SLOTS:
         QVERIFY(lesson.startWell());
         QCOMPARE(lesson.collab->connector()->openLimit(), 0);
         lesson.client->setOpenLimit(4321);
+        lesson.client->setStallLimit(5432);
+        lesson.client->setAsynchronousConnect(true);
         lesson.client->setSilenceLimit(54321);
         lesson.client->setPingInterval(65432);
         lesson.client->setPongLimit(76543);
@@ -75,6 +77,8 @@ private Q_SLOTS:
         QCOMPARE(connector->pingInterval(), 65432);
         QCOMPARE(connector->pongLimit(), 76543);
         QVERIFY(connector->randomSessionIds());
+        QCOMPARE(connector->stallLimit(), 5432);
+        QVERIFY(connector->asynchronousConnect());
     }
 
     void stoppedSessionCanBeFollowedByAnother()

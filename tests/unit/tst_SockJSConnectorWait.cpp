@@ -120,6 +120,18 @@ private Q_SLOTS:
         QVERIFY2(std::clock() - before < CLOCKS_PER_SEC / 2, "the wait kept the processor busy");
     }
 
+    void anXHRTransportMayBeConnectedWithEvents()
+    {
+        m_connector->setAsynchronousConnect(true);
+        bool turned = false;
+        QTimer::singleShot(0, this, [&turned] { turned = true; });
+
+        m_connector->open(m_server->url(), {SockJSConnector::XHR_POLLING});
+
+        QVERIFY(turned);
+        QTRY_VERIFY(m_connector->isConnected());
+    }
+
     void theLimitGivesUpASilentServer()
     {
         m_server->setFirstFrames({}); // the poll stays without an answer

@@ -106,6 +106,20 @@ private Q_SLOTS:
         QCOMPARE(log.debug(stallLine), QStringList());
     }
 
+    void hostMayAllowLongerPauses()
+    {
+        Server server;
+        server.answer("/xhr", Server::Script{Server::send(chunkedHead() + "5\r\nab"), Server::pause(3500),
+                                             Server::send("cd\n\r\n" + endChunk())});
+        LogRecorder log;
+        WorkerRun run(server.port());
+        run.worker->setStallLimit(20000);
+        QVERIFY(run.start());
+        QVERIFY(run.queue());
+        QTRY_COMPARE_WITH_TIMEOUT(run.messages, QStringList("abcd"), patience);
+        QCOMPARE(log.debug(stallLine), QStringList());
+    }
+
     void freshAnswerAfterAStallIsTaken()
     {
         Server server;
