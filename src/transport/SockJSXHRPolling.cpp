@@ -28,7 +28,7 @@ namespace {
 constexpr int postLimit = 30000; // milliseconds
 constexpr int retireLimit = 10000;
 constexpr int farewellLimit = 2000;
-constexpr qint64 postAnswerSize = qint64{64} * 1024;
+constexpr qint64 postResponseSize = qint64{64} * 1024;
 
 bool isPolling(const XHRRequest* request)
 {
@@ -90,8 +90,8 @@ public:
     int stallLimit = SockJSXHRPollingWorker::StallLimit;
     bool asynchronous = false;
     bool retired = false;
-    QTimer farewell;   // until the receiver goes, without an answered post
-    QTimer retireEnds; // until the transport goes, without an answered post
+    QTimer farewell;   // until the receiver goes, without a responseed post
+    QTimer retireEnds; // until the transport goes, without a responseed post
 };
 
 SockJSXHRPolling::Private::Private(SockJSXHRPolling* transport)
@@ -405,8 +405,8 @@ void SockJSXHRPolling::Private::postNextFrame()
     request.setRawHeader("Connection", keepAlive ? "keep-alive" : "close");
     request.setTransferTimeout(postLimit);
     posting = true;
-    // Nobody reads the answer. One without end stops here, and postLimit ends it.
-    PostRequest::send(manager, request, frames.takeFirst())->setReadBufferSize(postAnswerSize);
+    // Nobody reads the response. One without end stops here, and postLimit ends it.
+    PostRequest::send(manager, request, frames.takeFirst())->setReadBufferSize(postResponseSize);
 }
 
 void SockJSXHRPolling::onNAMRequestFinished(QNetworkReply* reply)

@@ -10,7 +10,7 @@
 
 class QNetworkReply;
 
-/// A SockJS session over plain HTTP: frames come in as answers to lasting "/xhr" or "/xhr_streaming"
+/// A SockJS session over plain HTTP: frames come in as responses to lasting "/xhr" or "/xhr_streaming"
 /// requests, and go out as "/xhr_send" posts. Both sides share one cookie jar and one proxy.
 ///
 /// Lives on the thread that made it, and runs one thread of its own for the receiving side. Everything in it
@@ -38,7 +38,7 @@ public:
     /// Milliseconds that start() may block: 30 seconds unless told otherwise.
     void setConnectLimit(int msecs);
 
-    /// Milliseconds that an answer with a length or with chunks may pause before it is discarded: 2 seconds
+    /// Milliseconds that a response with a length or with chunks may pause before it is discarded: 2 seconds
     /// unless told otherwise. Counts from the next start().
     void setStallLimit(int msecs);
 

@@ -1,7 +1,7 @@
 #include "transport/SockJSXHRPollingWorker.h"
 
 #include "base/Diagnostics.h"
-#include "transport/HttpAnswerParser.h"
+#include "transport/HttpResponseParser.h"
 #include "transport/RawConnection.h"
 
 #include <algorithm>
@@ -43,7 +43,7 @@ SockJSXHRPollingWorker::SockJSXHRPollingWorker(QObject* parent, QTcpSocket* sock
     : QObject(parent)
     , m_keepAlive(keepAlive)
     , m_connection(new RawConnection(this, socket, host, port, ssl))
-    , m_parser(std::make_unique<HttpAnswerParser>())
+    , m_parser(std::make_unique<HttpResponseParser>())
 {
     qRegisterMetaType<QStringMap>("QStringMap");
 }
@@ -159,10 +159,10 @@ void SockJSXHRPollingWorker::serve()
         checkTimeLimits();
 }
 
-// What is left over from the last answer is not half received; an answer to no request is.
+// What is left over from the last response is not half received; a response to no request is.
 bool SockJSXHRPollingWorker::mayTransmit() const
 {
-    return m_waiting > 0 && !isInFlight() && m_hold.hasExpired() && m_parser->isBetweenAnswers();
+    return m_waiting > 0 && !isInFlight() && m_hold.hasExpired() && m_parser->isBetweenResponses();
 }
 
 void SockJSXHRPollingWorker::wait(qint64 msecs)
@@ -200,14 +200,14 @@ void SockJSXHRPollingWorker::receive()
 
 void SockJSXHRPollingWorker::readEvents()
 {
-    using Event = HttpAnswerParser::Event;
+    using Event = HttpResponseParser::Event;
     while (!m_stop) {
         const Event event = m_parser->next();
         switch (event.type) {
         case Event::Incomplete:
             return;
         case Event::Header:
-            beginAnswer(event.headers, event.chunked, event.contentLength, event.closes);
+            beginResponse(event.headers, event.chunked, event.contentLength, event.closes);
             break;
         case Event::ChunkContinued:
             qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Chunk_continued";
@@ -229,20 +229,20 @@ void SockJSXHRPollingWorker::readEvents()
     }
 }
 
-void SockJSXHRPollingWorker::beginAnswer(const QStringMap& headers, bool chunked, int contentLength,
-                                         bool closes)
+void SockJSXHRPollingWorker::beginResponse(const QStringMap& headers, bool chunked, int contentLength,
+                                           bool closes)
 {
-    // Text of the answer that was cut can look like a header, but without a length, and its end would never
+    // Text of the response that was cut can look like a header, but without a length, and its end would never
     // come.
     if (!m_resync.isForever() && m_parser->isUnbounded()) {
         dropConnection();
         return;
     }
     m_resync = QDeadlineTimer(QDeadlineTimer::Forever);
-    XHRRequest* request = m_sentQueue.isEmpty() ? m_answer.request : m_sentQueue.takeFirst();
-    m_answer = Answer();
-    m_answer.request = request;
-    m_answer.closes = closes;
+    XHRRequest* request = m_sentQueue.isEmpty() ? m_response.request : m_sentQueue.takeFirst();
+    m_response = Response();
+    m_response.request = request;
+    m_response.closes = closes;
     if (!request)
         return;
     if (chunked)
@@ -252,42 +252,42 @@ void SockJSXHRPollingWorker::beginAnswer(const QStringMap& headers, bool chunked
     Q_EMIT receivedHeadersResponse(request, headers);
 }
 
-// The request counts as answered before the signal goes out, because the receiver asks for the next answer at
-// once.
+// The request counts as answered before the signal goes out, because the receiver asks for the next response
+// at once.
 void SockJSXHRPollingWorker::deliver(const QString& text, bool ends)
 {
-    XHRRequest* request = m_answer.request;
-    m_answer.hasText = true;
-    m_answer.isGood = m_answer.isGood || isGoodFrame(text);
+    XHRRequest* request = m_response.request;
+    m_response.hasText = true;
+    m_response.isGood = m_response.isGood || isGoodFrame(text);
     // A stream that is cut after its frames has answered.
-    m_answered = m_answered || (request && m_answer.isGood);
+    m_answered = m_answered || (request && m_response.isGood);
     if (ends)
-        endAnswer();
+        endResponse();
     if (request)
         Q_EMIT receivedMessageResponse(request, text);
 }
 
 void SockJSXHRPollingWorker::deliverEnd()
 {
-    XHRRequest* request = m_answer.request;
-    const bool empty = !m_answer.hasText;
-    endAnswer();
+    XHRRequest* request = m_response.request;
+    const bool empty = !m_response.hasText;
+    endResponse();
     if (request && empty)
         Q_EMIT receivedEmptyResponse(request);
 }
 
-void SockJSXHRPollingWorker::endAnswer()
+void SockJSXHRPollingWorker::endResponse()
 {
-    const Answer answer = std::exchange(m_answer, Answer());
-    if (answer.request) {
+    const Response response = std::exchange(m_response, Response());
+    if (response.request) {
         m_answered = true;
-        letGo(answer.request);
+        letGo(response.request);
         // A server that fails is asked once a second.
-        if (!answer.isGood)
+        if (!response.isGood)
             m_hold.setRemainingTime(idleWait);
     }
     // The next streaming request follows from the reconnection.
-    if (answer.closes || (answer.request && isStreaming(answer.request)))
+    if (response.closes || (response.request && isStreaming(response.request)))
         dropConnection();
 }
 
@@ -305,7 +305,7 @@ void SockJSXHRPollingWorker::checkTimeLimits()
     }
 }
 
-// Where the next answer begins is unknown now. One that comes at once is taken; otherwise the connection is
+// Where the next response begins is unknown now. One that comes at once is taken; otherwise the connection is
 // given up, because the request would never be answered.
 void SockJSXHRPollingWorker::discardPending()
 {
@@ -364,7 +364,7 @@ bool SockJSXHRPollingWorker::restoreConnection()
 void SockJSXHRPollingWorker::loseInFlight()
 {
     m_resync = QDeadlineTimer(QDeadlineTimer::Forever);
-    if (XHRRequest* request = std::exchange(m_answer, Answer()).request)
+    if (XHRRequest* request = std::exchange(m_response, Response()).request)
         lose(request);
     while (!m_sentQueue.isEmpty())
         lose(m_sentQueue.takeFirst());
@@ -390,9 +390,9 @@ int SockJSXHRPollingWorker::parseHttpHeaderResponse(QByteArray data, int* status
     if (position < 0)
         return 0;
     *status = 200;
-    HttpAnswerParser::takeLine(data, &position);
+    HttpResponseParser::takeLine(data, &position);
     while (position < data.size()) {
-        const QByteArray line = HttpAnswerParser::takeLine(data, &position);
+        const QByteArray line = HttpResponseParser::takeLine(data, &position);
         if (line.isEmpty())
             break;
         const int colon = line.indexOf(':');
@@ -411,10 +411,10 @@ int SockJSXHRPollingWorker::parseMessageResponse(QByteArray data, bool chunked, 
         return size;
     }
     int position = 0;
-    QByteArray line = HttpAnswerParser::takeLine(data, &position);
+    QByteArray line = HttpResponseParser::takeLine(data, &position);
     if (line.isEmpty()) {
         qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Chunk_continued";
-        line = HttpAnswerParser::takeLine(data, &position);
+        line = HttpResponseParser::takeLine(data, &position);
     }
     const int size = line.toInt(nullptr, 16);
     if (size < 2) {

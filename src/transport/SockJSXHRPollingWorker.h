@@ -13,14 +13,14 @@
 #include <atomic>
 #include <memory>
 
-class HttpAnswerParser;
+class HttpResponseParser;
 class QTcpSocket;
 class RawConnection;
 
 /// The receiving side of an XHR transport: HTTP/1.1 by hand over one lasting TCP or TLS socket, on a thread
 /// of its own.
 ///
-/// Writes queued requests one at a time, takes the answers apart, and makes a lost connection anew. It is
+/// Writes queued requests one at a time, takes the responses apart, and makes a lost connection anew. It is
 /// made and connected on one thread, then moved to another together with its socket, where process() runs.
 /// queueRequest(), forceClose() and isReceiving() may be called from any thread while the worker lives;
 /// everything else belongs to the thread that it is on.
@@ -45,17 +45,17 @@ public:
     /// The same in an event loop, which forceClose() ends.
     bool connectInEventLoop(int msecs = ConnectLimit);
 
-    /// Milliseconds that an answer with a length or with chunks may pause, unless told otherwise.
+    /// Milliseconds that a response with a length or with chunks may pause, unless told otherwise.
     static constexpr int StallLimit = 2000;
 
-    /// How long such an answer may pause before it is discarded. To be called before process() runs.
+    /// How long such a response may pause before it is discarded. To be called before process() runs.
     void setStallLimit(int msecs);
 
     /// Puts \p request at the end of the queue. It is written when no other is in flight, at once if none is.
     ///
     /// False, with a debug line, when the worker is closing, when the queue stays locked for a second, or
     /// when it holds 51 requests. The request stays the caller's in either case. One that was taken must live
-    /// until its answer or its loss has been reported, or the worker has finished.
+    /// until its response or its loss has been reported, or the worker has finished.
     bool queueRequest(XHRRequest* request);
 
     /// Ends process() within 50 ms. What waits in the queue is never written.
@@ -69,10 +69,10 @@ public:
     void transmitNextRequest();
 
     /// Reads the header in \p data, after whatever stands before it. Sets \p status to 200 whatever the
-    /// answer's status is, and adds each line's name and value to \p headers: names as they are, values with
-    /// the blank after the colon, a later duplicate in place of an earlier one. Returns the bytes up to and
-    /// with the empty line, or all of \p data when there is none. Without an "HTTP/" in \p data: 0, and \p
-    /// status is -1.
+    /// response's status is, and adds each line's name and value to \p headers: names as they are, values
+    /// with the blank after the colon, a later duplicate in place of an earlier one. Returns the bytes up to
+    /// and with the empty line, or all of \p data when there is none. Without an "HTTP/" in \p data: 0, and
+    /// \p status is -1.
     int parseHttpHeaderResponse(QByteArray data, int* status, QMap<QString, QString>* headers);
 
     /// Appends the body in \p data, or its first chunk, to \p out and returns the bytes read; 0 when there
@@ -91,12 +91,13 @@ Q_SIGNALS:
     /// A lost connection has been made anew. What was in flight on the old one has been reported by
     /// requestLost().
     void reconnected();
-    /// The header of the answer to \p request has come. Names are in their usual spelling ("Set-Cookie");
+    /// The header of the response to \p request has come. Names are in their usual spelling ("Set-Cookie");
     /// several Set-Cookie lines are one value with a newline between them.
     void receivedHeadersResponse(XHRRequest* request, QStringMap headers);
-    /// The body of the answer to \p request, or one frame of a streamed one, without the newline at its end.
+    /// The body of the response to \p request, or one frame of a streamed one, without the newline at its
+    /// end.
     void receivedMessageResponse(XHRRequest* request, QString message);
-    /// The answer to \p request is complete, and no text was in it.
+    /// The response to \p request is complete, and no text was in it.
     void receivedEmptyResponse(XHRRequest* request);
     /// \p request will not be answered, or not any further; the worker has let go of it.
     void requestLost(XHRRequest* request);
@@ -104,8 +105,8 @@ Q_SIGNALS:
 private:
     Q_DISABLE_COPY(SockJSXHRPollingWorker)
 
-    // What is known of the answer that is being received.
-    struct Answer
+    // What is known of the response that is being received.
+    struct Response
     {
         XHRRequest* request = nullptr; // null: it answers no request of ours
         bool closes = false;           // the connection ends after it
@@ -116,7 +117,7 @@ private:
     bool runOnce();
     void serve();
     bool mayTransmit() const;
-    bool isInFlight() const { return m_answer.request || !m_sentQueue.isEmpty(); }
+    bool isInFlight() const { return m_response.request || !m_sentQueue.isEmpty(); }
     qint64 timeToWait() const;
     int pauseLimit() const;
     void wait(qint64 msecs);
@@ -124,10 +125,10 @@ private:
 
     void receive();
     void readEvents();
-    void beginAnswer(const QStringMap& headers, bool chunked, int contentLength, bool closes);
+    void beginResponse(const QStringMap& headers, bool chunked, int contentLength, bool closes);
     void deliver(const QString& text, bool ends);
     void deliverEnd();
-    void endAnswer();
+    void endResponse();
     void checkTimeLimits();
     void discardPending();
 
@@ -150,10 +151,10 @@ private:
     std::atomic<int> m_waiting{0};   // the size of m_txQueue
     std::atomic<int> m_receiving{0}; // receive requests that are waiting or in flight
     RawConnection* m_connection;
-    std::unique_ptr<HttpAnswerParser> m_parser;
-    Answer m_answer;
+    std::unique_ptr<HttpResponseParser> m_parser;
+    Response m_response;
     bool m_connected = false;
-    bool m_answered = false; // this connection has brought an answer
+    bool m_answered = false; // this connection has brought a response
     QDeadlineTimer m_hold;   // no request is written and no connection made before it has passed
-    QDeadlineTimer m_resync{QDeadlineTimer::Forever}; // when to give up on an answer that was cut by a stall
+    QDeadlineTimer m_resync{QDeadlineTimer::Forever}; // when to give up on a response that was cut by a stall
 };

@@ -11,10 +11,10 @@
 /// The name under which header maps travel in queued signals.
 using QStringMap = QMap<QString, QString>;
 
-/// One HTTP request of the receiving side of an XHR transport, and what its answer's header said.
+/// One HTTP request of the receiving side of an XHR transport, and what its response's header said.
 ///
 /// Has no parent. Who makes it releases it, with deleteLater() once it has been handed to a worker or a
-/// signal; a worker never does. The worker writes the answer's values before it emits the request, and not
+/// signal; a worker never does. The worker writes the response's values before it emits the request, and not
 /// after.
 class CALYXCLIENT_EXPORT XHRRequest : public QObject
 {
@@ -32,11 +32,11 @@ public:
     /// A number of its own for each request of the process, from 1.
     int requestId() const { return m_requestId; }
 
-    /// Whether the answer came chunked; false before its header has come.
+    /// Whether the response came chunked; false before its header has come.
     bool isChunked() const { return m_chunked; }
     /// For the worker.
     void setChunked(bool chunked) { m_chunked = chunked; }
-    /// The length that the answer's header gave, in bytes; 0 without a usable one and before the header has
+    /// The length that the response's header gave, in bytes; 0 without a usable one and before the header has
     /// come.
     int contentLength() const { return m_contentLength; }
     /// For the worker.

@@ -1,9 +1,9 @@
 #include "faults/support/Recordings.h"
-#include "transport/HttpAnswerParser.h"
+#include "transport/HttpResponseParser.h"
 
 #include <QtTest>
 
-using Event = HttpAnswerParser::Event;
+using Event = HttpResponseParser::Event;
 using Recordings::Answer;
 
 namespace {
@@ -23,7 +23,7 @@ struct Result
     }
 };
 
-void feed(HttpAnswerParser* parser, const QByteArray& bytes, Result* result)
+void feed(HttpResponseParser* parser, const QByteArray& bytes, Result* result)
 {
     parser->add(bytes);
     for (;;) {
@@ -40,7 +40,7 @@ void feed(HttpAnswerParser* parser, const QByteArray& bytes, Result* result)
 
 Result whole(const Answer& answer)
 {
-    HttpAnswerParser parser;
+    HttpResponseParser parser;
     parser.setStreaming(answer.isStream());
     Result result;
     feed(&parser, answer.bytes, &result);
@@ -51,12 +51,12 @@ Result whole(const Answer& answer)
 // out than \p expected; -1 when there is none.
 int splitTwice(const Answer& answer, int first, const Result& expected)
 {
-    HttpAnswerParser begun;
+    HttpResponseParser begun;
     begun.setStreaming(answer.isStream());
     Result soFar;
     feed(&begun, answer.bytes.left(first), &soFar);
     for (int second = first + 1; second < answer.bytes.size(); ++second) {
-        HttpAnswerParser parser = begun;
+        HttpResponseParser parser = begun;
         Result result = soFar;
         feed(&parser, answer.bytes.mid(first, second - first), &result);
         feed(&parser, answer.bytes.mid(second), &result);
@@ -103,7 +103,7 @@ private Q_SLOTS:
         const Answer& answer = Recordings::ofRow();
         const Result expected = whole(answer);
         for (int i = 1; i < answer.bytes.size(); ++i) {
-            HttpAnswerParser parser;
+            HttpResponseParser parser;
             parser.setStreaming(answer.isStream());
             Result result;
             feed(&parser, answer.bytes.left(i), &result);
@@ -135,7 +135,7 @@ private Q_SLOTS:
     void byteByByte()
     {
         const Answer& answer = Recordings::ofRow();
-        HttpAnswerParser parser;
+        HttpResponseParser parser;
         parser.setStreaming(answer.isStream());
         Result result;
         for (const char byte : answer.bytes)
@@ -151,7 +151,7 @@ private Q_SLOTS:
         const Answer& answer = Recordings::ofRow();
         const QList<int> ends = answer.ends();
         QCOMPARE(ends.size(), answer.isStream() ? answer.contents.size() : 1);
-        HttpAnswerParser parser;
+        HttpResponseParser parser;
         parser.setStreaming(answer.isStream());
         Result result;
         for (int i = 0; i < answer.bytes.size(); ++i) {
@@ -170,7 +170,7 @@ private Q_SLOTS:
         const QByteArray bytes = answer.bytes + answer.bytes;
         const Result one = whole(answer);
         for (int i = 1; i < bytes.size(); ++i) {
-            HttpAnswerParser parser;
+            HttpResponseParser parser;
             parser.setStreaming(answer.isStream());
             Result result;
             feed(&parser, bytes.left(i), &result);

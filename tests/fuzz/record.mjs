@@ -157,7 +157,7 @@ function saveRawAnswers({ sent, received }, streaming) {
   if (!/^POST \S+\/xhr(_streaming)? /.test(sent.toString('latin1', 0, 200))) return;
   const settings = [Buffer.from(streaming ? 's' : 'p'), Buffer.from([100, 1, 7, 0])];
   for (let at = 0; at < received.length && at < 8192; at += 1024)
-    save('HttpAnswer', Buffer.concat([...settings, received.subarray(at, at + 2048)]));
+    save('HttpResponse', Buffer.concat([...settings, received.subarray(at, at + 2048)]));
   for (const match of received.toString('utf8').matchAll(/^(o|h|a\[.*\]|c\[.*\])$/gm)) saveFrame(match[1]);
 }
 

@@ -55,7 +55,7 @@ export const handMade = {
   ],
   SockJSFrame: ['o', 'h', 'o\0o', 'c[3000,"Go away!"]', 'a[]', 'a["x"]\0a[1,null,{},[],true]', 'a', 'a{}', 'a["\\ud800"]', 'a["x"',
     `a${'['.repeat(1030)}`, 'a["x","y"]x', 'a [ "x" ] '],
-  HttpAnswer: ANSWERS.flatMap((text) => [answer('s', [1, 1, 1, 1], text), answer('p', [0, 3, 40, 2], text)]),
+  HttpResponse: ANSWERS.flatMap((text) => [answer('s', [1, 1, 1, 1], text), answer('p', [0, 3, 40, 2], text)]),
   Payload: ['s[93,0,0]', 's', `s${OBJECT}`, `c${OBJECT}\n\n${OBJECT}`, 'cbad\nworse', ...DATA.map((data) => `j${JSON.stringify(data)}`)],
   Reply: REPLIES.flatMap((body) => [...Array(17).keys()].flatMap((operation) =>
     [16, 17, 8, 4].map((bits) => Buffer.concat([Buffer.from([operation, bits]), Buffer.from(body)])))),

@@ -3,13 +3,13 @@
 // is what the peer sends.
 
 #include "support/Fuzz.h"
-#include "transport/HttpAnswerParser.h"
+#include "transport/HttpResponseParser.h"
 
 #include <QStringList>
 
 namespace {
 
-using Event = HttpAnswerParser::Event;
+using Event = HttpResponseParser::Event;
 
 constexpr size_t pieceSizes = 4;
 constexpr size_t settings = 1 + pieceSizes;
@@ -32,7 +32,7 @@ QString describe(const Event& event)
     return parts.join(QLatin1Char('|'));
 }
 
-void drain(HttpAnswerParser* parser, bool streaming, Outcome* outcome)
+void drain(HttpResponseParser* parser, bool streaming, Outcome* outcome)
 {
     for (;;) {
         const Event event = parser->next();
@@ -48,7 +48,7 @@ void drain(HttpAnswerParser* parser, bool streaming, Outcome* outcome)
 
 Outcome parse(const QByteArray& bytes, bool streaming, const uint8_t* sizes)
 {
-    HttpAnswerParser parser;
+    HttpResponseParser parser;
     parser.setStreaming(streaming);
     Outcome outcome;
     int position = 0;
@@ -63,7 +63,7 @@ Outcome parse(const QByteArray& bytes, bool streaming, const uint8_t* sizes)
     drain(&parser, streaming, &outcome);
     Fuzz::require(!parser.isUnbounded() || streaming, "silence ends an unbounded body");
     parser.reset();
-    Fuzz::require(parser.isBetweenAnswers() && !parser.hasPending(), "a reset forgets everything");
+    Fuzz::require(parser.isBetweenResponses() && !parser.hasPending(), "a reset forgets everything");
     return outcome;
 }
 

@@ -1,4 +1,4 @@
-#include "transport/HttpAnswerParser.h"
+#include "transport/HttpResponseParser.h"
 
 #include <algorithm>
 
@@ -43,7 +43,7 @@ int endOfHead(const QByteArray& data, int begin)
 {
     int position = begin;
     while (data.indexOf('\n', position) >= 0) {
-        if (HttpAnswerParser::takeLine(data, &position).isEmpty())
+        if (HttpResponseParser::takeLine(data, &position).isEmpty())
             return position;
     }
     return -1;
@@ -87,7 +87,7 @@ qulonglong readContentLength(const QString& value)
 
 } // namespace
 
-QByteArray HttpAnswerParser::takeLine(const QByteArray& data, int* position)
+QByteArray HttpResponseParser::takeLine(const QByteArray& data, int* position)
 {
     const int newline = data.indexOf('\n', *position);
     int end = newline < 0 ? data.size() : newline;
@@ -98,7 +98,7 @@ QByteArray HttpAnswerParser::takeLine(const QByteArray& data, int* position)
     return data.mid(begin, end - begin);
 }
 
-void HttpAnswerParser::add(const QByteArray& bytes)
+void HttpResponseParser::add(const QByteArray& bytes)
 {
     if (m_state == Failed)
         return;
@@ -107,7 +107,7 @@ void HttpAnswerParser::add(const QByteArray& bytes)
     m_buffer += bytes;
 }
 
-void HttpAnswerParser::reset()
+void HttpResponseParser::reset()
 {
     m_state = Head;
     m_silent = false;
@@ -117,12 +117,12 @@ void HttpAnswerParser::reset()
     m_body.clear();
 }
 
-bool HttpAnswerParser::isBetweenAnswers() const
+bool HttpResponseParser::isBetweenResponses() const
 {
     return m_state == Head && m_buffer.indexOf(headBegin, m_read) < 0;
 }
 
-HttpAnswerParser::Event HttpAnswerParser::next()
+HttpResponseParser::Event HttpResponseParser::next()
 {
     for (;;) {
         const State state = m_state;
@@ -133,7 +133,7 @@ HttpAnswerParser::Event HttpAnswerParser::next()
     }
 }
 
-HttpAnswerParser::Event HttpAnswerParser::step()
+HttpResponseParser::Event HttpResponseParser::step()
 {
     switch (m_state) {
     case Head:
@@ -148,7 +148,7 @@ HttpAnswerParser::Event HttpAnswerParser::step()
     return Event();
 }
 
-HttpAnswerParser::Event HttpAnswerParser::readHead()
+HttpResponseParser::Event HttpResponseParser::readHead()
 {
     skipLineBreaks();
     const int begin = m_buffer.indexOf(headBegin, m_read);
@@ -163,7 +163,7 @@ HttpAnswerParser::Event HttpAnswerParser::readHead()
     return readHeader(head);
 }
 
-HttpAnswerParser::Event HttpAnswerParser::readHeader(const QByteArray& head)
+HttpResponseParser::Event HttpResponseParser::readHeader(const QByteArray& head)
 {
     Event event;
     int position = 0;
@@ -185,7 +185,7 @@ HttpAnswerParser::Event HttpAnswerParser::readHeader(const QByteArray& head)
 }
 
 // Sets how the body after a header is bounded. False for an interim header, after which the real one follows.
-bool HttpAnswerParser::frameBody(const Event& header, int status)
+bool HttpResponseParser::frameBody(const Event& header, int status)
 {
     m_silent = false;
     m_lineSkipped = false;
@@ -205,7 +205,7 @@ bool HttpAnswerParser::frameBody(const Event& header, int status)
     return true;
 }
 
-HttpAnswerParser::Event HttpAnswerParser::readChunkSize()
+HttpResponseParser::Event HttpResponseParser::readChunkSize()
 {
     const int newline = m_buffer.indexOf('\n', m_read);
     const int needed = newline < 0 ? pendingSize() : newline - m_read;
@@ -229,7 +229,7 @@ HttpAnswerParser::Event HttpAnswerParser::readChunkSize()
     const qulonglong size = readChunkNumber(line);
     if (size < (m_streaming ? 1U : 2U)) {
         const int textSize = decoded(m_body).size();
-        event = endAnswer();
+        event = endResponse();
         event.endChunkSize = textSize;
         return event;
     }
@@ -241,7 +241,7 @@ HttpAnswerParser::Event HttpAnswerParser::readChunkSize()
     return event;
 }
 
-HttpAnswerParser::Event HttpAnswerParser::readBody()
+HttpResponseParser::Event HttpResponseParser::readBody()
 {
     const int available = m_bound == UntilClose ? pendingSize() : std::min(pendingSize(), m_remaining);
     if (m_streaming) {
@@ -256,7 +256,7 @@ HttpAnswerParser::Event HttpAnswerParser::readBody()
     return endPiece();
 }
 
-HttpAnswerParser::Event HttpAnswerParser::readFrame(int available)
+HttpResponseParser::Event HttpResponseParser::readFrame(int available)
 {
     Event event;
     const int begin = m_read + m_scanned;
@@ -277,24 +277,24 @@ HttpAnswerParser::Event HttpAnswerParser::readFrame(int available)
     return event;
 }
 
-// Nothing says where such a body ends. Every SockJS answer ends with a newline; the rest end with the
+// Nothing says where such a body ends. Every SockJS response ends with a newline; the rest end with the
 // connection.
-HttpAnswerParser::Event HttpAnswerParser::readUnbounded()
+HttpResponseParser::Event HttpResponseParser::readUnbounded()
 {
     if (pendingSize() > MaxBodySize)
         return fail();
     if (!m_silent && (m_streaming || !m_buffer.endsWith('\n') || !hasPending()))
         return Event();
     appendToBody(pendingSize());
-    return endAnswer();
+    return endResponse();
 }
 
-HttpAnswerParser::Event HttpAnswerParser::endPiece()
+HttpResponseParser::Event HttpResponseParser::endPiece()
 {
     appendToBody(m_remaining);
     m_remaining = 0;
     if (m_bound == Length)
-        return endAnswer();
+        return endResponse();
     m_state = ChunkSize;
     m_breakOwed = !startsWithBreak();
     if (!m_breakOwed)
@@ -302,7 +302,7 @@ HttpAnswerParser::Event HttpAnswerParser::endPiece()
     return Event();
 }
 
-HttpAnswerParser::Event HttpAnswerParser::endAnswer()
+HttpResponseParser::Event HttpResponseParser::endResponse()
 {
     Event event;
     event.type = m_body.isEmpty() ? Event::Empty : Event::Message;
@@ -316,7 +316,7 @@ HttpAnswerParser::Event HttpAnswerParser::endAnswer()
     return event;
 }
 
-HttpAnswerParser::Event HttpAnswerParser::fail()
+HttpResponseParser::Event HttpResponseParser::fail()
 {
     reset();
     m_state = Failed;
@@ -325,20 +325,20 @@ HttpAnswerParser::Event HttpAnswerParser::fail()
     return event;
 }
 
-// What follows an end chunk is only an empty line, and belongs to no answer.
-void HttpAnswerParser::skipLineBreaks()
+// What follows an end chunk is only an empty line, and belongs to no response.
+void HttpResponseParser::skipLineBreaks()
 {
     while (hasPending() && (m_buffer.at(m_read) == '\r' || m_buffer.at(m_read) == '\n'))
         consume(1);
 }
 
-void HttpAnswerParser::appendToBody(int count)
+void HttpResponseParser::appendToBody(int count)
 {
     m_body.append(m_buffer.constData() + m_read, count);
     consume(count);
 }
 
-void HttpAnswerParser::consume(int count)
+void HttpResponseParser::consume(int count)
 {
     m_read += count;
     m_scanned = 0;

@@ -1,11 +1,11 @@
-#include "transport/HttpAnswerParser.h"
+#include "transport/HttpResponseParser.h"
 
 #include "support/ScriptedHttpServer.h"
 
 #include <QStringList>
 #include <QtTest>
 
-using Event = HttpAnswerParser::Event;
+using Event = HttpResponseParser::Event;
 using HttpText::chunk;
 using HttpText::chunked;
 using HttpText::chunkedHead;
@@ -37,7 +37,7 @@ QString describe(const Event& event)
 }
 
 // Everything that the parser has to say so far. How a chunk's line break came is nobody's business.
-QStringList drain(HttpAnswerParser* parser)
+QStringList drain(HttpResponseParser* parser)
 {
     QStringList events;
     for (;;) {
@@ -51,7 +51,7 @@ QStringList drain(HttpAnswerParser* parser)
 
 QStringList parse(const QList<QByteArray>& pieces, bool streaming, bool closed)
 {
-    HttpAnswerParser parser;
+    HttpResponseParser parser;
     parser.setStreaming(streaming);
     QStringList events;
     for (const QByteArray& piece : pieces) {
@@ -72,7 +72,7 @@ QByteArray head(const QByteArray& lines)
 
 } // namespace
 
-class tst_HttpAnswerParser : public QObject
+class tst_HttpResponseParser : public QObject
 {
     Q_OBJECT
 
@@ -247,7 +247,7 @@ private Q_SLOTS:
 
     void headerValues()
     {
-        HttpAnswerParser parser;
+        HttpResponseParser parser;
         parser.add(head("Content-Length: 5\r\nConnection: Close\r\n"));
         Event event = parser.next();
         QCOMPARE(event.type, Event::Header);
@@ -265,7 +265,7 @@ private Q_SLOTS:
 
     void frameComesOutOfAHalfReceivedChunk()
     {
-        HttpAnswerParser parser;
+        HttpResponseParser parser;
         parser.setStreaming(true);
         parser.add(chunkedHead() + "64\r\no\nh\na[");
         QCOMPARE(drain(&parser).mid(1), QStringList({"frame o", "frame h"}));
@@ -274,7 +274,7 @@ private Q_SLOTS:
 
     void endChunkTellsTheSizeOfTheText()
     {
-        HttpAnswerParser parser;
+        HttpResponseParser parser;
         parser.add(chunked(QStringLiteral("ä€\n").toUtf8()));
         QCOMPARE(parser.next().type, Event::Header);
         const Event event = parser.next();
@@ -289,7 +289,7 @@ private Q_SLOTS:
 
     void lateLineBreakAfterAChunkIsTold()
     {
-        HttpAnswerParser parser;
+        HttpResponseParser parser;
         parser.add(chunkedHead() + "2\r\nab");
         QCOMPARE(parser.next().type, Event::Header);
         QCOMPARE(parser.next().type, Event::Incomplete);
@@ -300,7 +300,7 @@ private Q_SLOTS:
 
     void nothingIsPendingBetweenPieces()
     {
-        HttpAnswerParser parser;
+        HttpResponseParser parser;
         for (const QByteArray& piece : {chunkedHead(), QByteArray("5\r\n"), QByteArray("abcde"),
                                         QByteArray("\r\n"), QByteArray("0\r\n"), QByteArray("\r\n")}) {
             parser.add(piece);
@@ -315,7 +315,7 @@ private Q_SLOTS:
              {QByteArray("HT"), QByteArray("garbage"), QByteArray("HTTP/1.1 200 OK\r\nA"),
               chunkedHead() + "5", chunkedHead() + "5\r\nabcd", head("Content-Length: 5\r\n") + "abcd",
               head("") + "abcd"}) {
-            HttpAnswerParser parser;
+            HttpResponseParser parser;
             parser.add(bytes);
             drain(&parser);
             QVERIFY2(parser.hasPending(), bytes.constData());
@@ -325,22 +325,22 @@ private Q_SLOTS:
 
     void leftoversAreNotAnAnswer()
     {
-        HttpAnswerParser parser;
-        QVERIFY(parser.isBetweenAnswers());
+        HttpResponseParser parser;
+        QVERIFY(parser.isBetweenResponses());
         parser.add(chunkedHead());
         QCOMPARE(parser.next().type, Event::Header);
-        QVERIFY(!parser.isBetweenAnswers());
+        QVERIFY(!parser.isBetweenResponses());
         parser.add(chunk("ab") + chunk("x") + "0\r\nTrailer: x\r\n\r\n");
         QCOMPARE(drain(&parser), QStringList("last ab"));
-        QVERIFY(parser.isBetweenAnswers());
+        QVERIFY(parser.isBetweenResponses());
         parser.add("HTTP/1.1 408");
         QCOMPARE(drain(&parser), QStringList());
-        QVERIFY(!parser.isBetweenAnswers());
+        QVERIFY(!parser.isBetweenResponses());
     }
 
     void endOfConnectionEndsOnlyAnUnboundedBody()
     {
-        HttpAnswerParser parser;
+        HttpResponseParser parser;
         parser.add(head("Content-Length: 5\r\n") + "abcd");
         drain(&parser);
         QVERIFY(!parser.isUnbounded());
@@ -359,7 +359,7 @@ private Q_SLOTS:
     void overruns_data()
     {
         QTest::addColumn<QByteArray>("bytes");
-        const QByteArray tooMany(HttpAnswerParser::MaxHeadSize + 1, 'x');
+        const QByteArray tooMany(HttpResponseParser::MaxHeadSize + 1, 'x');
         QTest::newRow("garbage") << tooMany;
         QTest::newRow("header without end") << "HTTP/1.1 200 OK\r\nA: " + tooMany;
         QTest::newRow("header with end") << head("A: " + tooMany + "\r\n");
@@ -378,7 +378,7 @@ private Q_SLOTS:
     void overruns()
     {
         QFETCH(QByteArray, bytes);
-        HttpAnswerParser parser;
+        HttpResponseParser parser;
         parser.add(bytes);
         QStringList events = drain(&parser);
         QCOMPARE(events.takeLast(), QStringLiteral("broken"));
@@ -394,8 +394,8 @@ private Q_SLOTS:
     {
         const QByteArray begin = "HTTP/1.1 200 OK\r\nContent-Length: 1\r\nA: ";
         const QByteArray end = "\r\n\r\n";
-        const QByteArray value(HttpAnswerParser::MaxHeadSize - begin.size() - end.size(), 'x');
-        HttpAnswerParser parser;
+        const QByteArray value(HttpResponseParser::MaxHeadSize - begin.size() - end.size(), 'x');
+        HttpResponseParser parser;
         parser.add(begin + value + end + "h");
         QCOMPARE(parser.next().headers.value("A").size(), value.size() + 1);
         QCOMPARE(parser.next().text, QStringLiteral("h"));
@@ -403,30 +403,30 @@ private Q_SLOTS:
 
     void largestLengthIsAwaited()
     {
-        HttpAnswerParser parser;
+        HttpResponseParser parser;
         parser.add(head("Content-Length: 67108864\r\n") + "ab");
-        QCOMPARE(parser.next().contentLength, HttpAnswerParser::MaxBodySize);
+        QCOMPARE(parser.next().contentLength, HttpResponseParser::MaxBodySize);
         QCOMPARE(parser.next().type, Event::Incomplete);
         QCOMPARE(parser.pending(), QByteArray("ab"));
     }
 
     void endlessHeaderTakesNoMemory()
     {
-        HttpAnswerParser parser;
+        HttpResponseParser parser;
         parser.add("HTTP/1.1 200 OK\r\n");
         const QByteArray line = "A: " + QByteArray(1021, 'x') + "\r\n";
         QStringList events;
         for (int i = 0; i < 100 * 1024; ++i) {
             parser.add(line);
             events += drain(&parser);
-            QVERIFY(parser.pending().size() <= HttpAnswerParser::MaxHeadSize);
+            QVERIFY(parser.pending().size() <= HttpResponseParser::MaxHeadSize);
         }
         QCOMPARE(events, QStringList("broken"));
     }
 
     void endlessFrameOfAStreamIsBroken()
     {
-        HttpAnswerParser parser;
+        HttpResponseParser parser;
         parser.setStreaming(true);
         parser.add(chunkedHead());
         QCOMPARE(parser.next().type, Event::Header);
@@ -444,7 +444,7 @@ private Q_SLOTS:
 
     void resetAfterAnOverrunStartsAnew()
     {
-        HttpAnswerParser parser;
+        HttpResponseParser parser;
         parser.add(chunkedHead() + "ffffffffffffffff\r\n");
         QCOMPARE(drain(&parser).last(), QStringLiteral("broken"));
         parser.reset();
@@ -455,7 +455,7 @@ private Q_SLOTS:
     // In time that grows with the bytes only: a copy of the rest for each frame would take minutes here.
     void streamOfManySmallFramesIsReadInOneGo()
     {
-        HttpAnswerParser parser;
+        HttpResponseParser parser;
         parser.setStreaming(true);
         QByteArray bytes = chunkedHead();
         constexpr int frames = 500000;
@@ -470,5 +470,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(tst_HttpAnswerParser)
-#include "tst_HttpAnswerParser.moc"
+QTEST_APPLESS_MAIN(tst_HttpResponseParser)
+#include "tst_HttpResponseParser.moc"

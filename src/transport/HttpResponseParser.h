@@ -4,12 +4,13 @@
 #include <QMap>
 #include <QString>
 
-/// Takes the answers of one HTTP/1.1 connection apart: bytes in, events out. No socket, no signals, no clock.
+/// Takes the responses of one HTTP/1.1 connection apart: bytes in, events out. No socket, no signals, no
+/// clock.
 ///
 /// However the bytes are split over calls of add(), the same headers and texts come out of next(). Memory
 /// stays within a small multiple of what has been received, and that within MaxHeadSize and MaxBodySize,
 /// whatever the far end claims.
-class HttpAnswerParser
+class HttpResponseParser
 {
 public:
     /// Bytes that a header may have with the garbage before it, or the line with a chunk's size.
@@ -21,9 +22,9 @@ public:
     {
         enum Type {
             Incomplete,     ///< more bytes are needed
-            Header,         ///< an answer's header: headers, chunked, contentLength and closes are set
+            Header,         ///< a response's header: headers, chunked, contentLength and closes are set
             Message,        ///< a body, or one frame of a stream: text is set
-            Empty,          ///< the answer has ended without text, or without text after its last frame
+            Empty,          ///< the response has ended without text, or without text after its last frame
             ChunkContinued, ///< the line break after a chunk came later than the chunk
             Broken          ///< a limit is overrun; nothing more comes before reset()
         };
@@ -34,14 +35,14 @@ public:
         QMap<QString, QString> headers;
         bool chunked = false;
         int contentLength = 0; ///< 0 without a usable one
-        bool closes = false;   ///< the sender closes the connection after this answer
+        bool closes = false;   ///< the sender closes the connection after this response
         QString text;          ///< without the newline at its end
-        bool ends = false;     ///< the answer has ended with this Message or Empty
+        bool ends = false;     ///< the response has ended with this Message or Empty
         int endChunkSize =
             -1; ///< where an end chunk has ended it: the characters of text that stood before it
     };
 
-    /// Whether frames are taken out of the next answer as soon as their newline has come. On a stream
+    /// Whether frames are taken out of the next response as soon as their newline has come. On a stream
     /// a chunk of one byte is data, because proxies cut a stream anywhere; elsewhere it ends the body.
     void setStreaming(bool streaming) { m_streaming = streaming; }
 
@@ -54,9 +55,9 @@ public:
     /// Forgets all bytes and looks for a header. The streaming mode stays.
     void reset();
 
-    /// Whether no answer has begun since the last one ended: what is pending is left over, or garbage.
-    bool isBetweenAnswers() const;
-    /// Whether an answer without chunks and without a length is being received.
+    /// Whether no response has begun since the last one ended: what is pending is left over, or garbage.
+    bool isBetweenResponses() const;
+    /// Whether a response without chunks and without a length is being received.
     bool isUnbounded() const { return m_state == Body && m_bound == UntilClose; }
     /// Whether bytes have come that belong to something still incomplete.
     bool hasPending() const { return pendingSize() > 0; }
@@ -78,7 +79,7 @@ private:
     Event readFrame(int available);
     Event readUnbounded();
     Event endPiece();
-    Event endAnswer();
+    Event endResponse();
     Event fail();
     bool frameBody(const Event& header, int status);
     void skipLineBreaks();
