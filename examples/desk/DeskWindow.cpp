@@ -39,11 +39,13 @@ DeskWindow::DeskWindow(const QUrl& server)
     m_server->setText(server.toString());
     m_lesson.setName(QStringLiteral("desk"), tr("Lesson at the desk"));
     layOut();
+    // [log-in]
     connect(m_logIn, &QPushButton::clicked, this, [this] {
         m_lesson.setServer(QUrl(m_server->text().trimmed()));
         m_lesson.logIn(m_user->text(), m_password->text());
     });
     connect(m_start, &QPushButton::clicked, &m_lesson, &Lesson::start);
+    // [log-in]
     connect(m_end, &QPushButton::clicked, this,
             [this] { mayEnd(tr("End the lesson")) ? m_lesson.end() : void(); });
     connect(m_logOut, &QPushButton::clicked, this,
@@ -59,10 +61,12 @@ DeskWindow::DeskWindow(const QUrl& server)
     connect(&m_lesson, &Lesson::nextAttemptChanged, this, &DeskWindow::tellAttempt);
     connect(&m_clock, &QTimer::timeout, this, &DeskWindow::tellAttempt);
     connect(&m_lesson, &Lesson::remoteCommand, this, &DeskWindow::tellCommand);
+    // [failed]
     connect(&m_lesson, &Lesson::failed, this, [this](const Calyx::LessonError& error) {
         if (error.kind != Calyx::LessonError::Cancelled) // that is no news
             tell(error.text + QLatin1Char('\n') + error.advice);
     });
+    // [failed]
     refresh();
     refreshBusy();
 }
@@ -186,6 +190,7 @@ void DeskWindow::refreshBusy()
     (m_lesson.isBusy() ? m_cancel : m_pages->currentWidget())->setFocus(Qt::TabFocusReason);
 }
 
+// [attempt]
 void DeskWindow::tellAttempt()
 {
     constexpr int second = 1000;
@@ -197,6 +202,7 @@ void DeskWindow::tellAttempt()
     m_lost->setVisible(m_lesson.state() == Lesson::Reconnecting);
     m_lost->isHidden() ? m_clock.stop() : m_clock.start(second / 4);
 }
+// [attempt]
 
 void DeskWindow::tell(const QString& text)
 {
@@ -237,6 +243,7 @@ bool DeskWindow::mayEnd(const QString& what)
     return box.clickedButton() == yes;
 }
 
+// [save]
 void DeskWindow::save()
 {
     const QString name = QFileDialog::getSaveFileName(this, tr("Save the results"), tr("results.csv"),
@@ -244,3 +251,4 @@ void DeskWindow::save()
     if (!name.isEmpty())
         m_lesson.save(name);
 }
+// [save]

@@ -5,6 +5,7 @@
 #include <CalyxClient/Lesson>
 #include <CalyxClient/Roster>
 
+// [present]
 /// Those of the roster who are here, by name, with a tick for those who have answered.
 class Present : public QSortFilterProxyModel
 {
@@ -39,6 +40,7 @@ protected:
 private:
     bool m_onlyMissing = false;
 };
+// [present]
 
 /// Who is here, who has not answered; locking the devices, and sending one away.
 class Learners : public QGroupBox

@@ -4,6 +4,7 @@
 
 #include <CalyxClient/Lesson>
 
+// [bars]
 /// Draws the count of an answer as a bar; what is right has a tick.
 class Bars : public QStyledItemDelegate
 {
@@ -22,6 +23,7 @@ public:
                           QString::number(count) + (isRight ? QStringLiteral(" \u2713") : QString()));
     }
 };
+// [bars]
 
 /// What is asked, one question as a poll or several as an assessment, and what the learners answer.
 class Polls : public QTabWidget
@@ -46,6 +48,7 @@ public:
                 [lesson] { lesson->poll()->isPaused() ? lesson->resume() : lesson->pause(); });
         connect(m_stop, &QPushButton::clicked, lesson, &Lesson::stop);
         connect(m_show, &QPushButton::clicked, lesson, [lesson] { lesson->showResults(); });
+        // [assessment]
         connect(m_add, &QPushButton::clicked, this, [this] {
             m_plan.questions.append(question());
             refresh();
@@ -56,6 +59,7 @@ public:
         });
         connect(m_begin, &QPushButton::clicked, lesson, [this] { m_lesson->startAssessment(m_plan); });
         connect(m_finish, &QPushButton::clicked, lesson, &Lesson::stopAssessment);
+        // [assessment]
         for (const auto change : {&Lesson::stateChanged, &Lesson::pollChanged, &Lesson::assessmentChanged})
             connect(lesson, change, this, &Polls::refresh);
         connect(lesson, &Lesson::answersChanged, this, &Polls::tellAnswers);
@@ -107,6 +111,7 @@ private:
     {
         return Question::usual(static_cast<Calyx::PollType::POLL_TYPE>(m_kind->currentData().toInt()));
     }
+    // [question]
     Question question() const
     {
         Question question = usual();
@@ -118,6 +123,7 @@ private:
             question.options.append(option.trimmed());
         return question;
     }
+    // [question]
     void chooseKind()
     {
         using namespace Calyx::PollType;
@@ -162,6 +168,7 @@ private:
         allow(m_finish, {isAssessed ? QString() : tr("No assessment is running.")});
         tellAnswers();
     }
+    // [answers]
     void tellAnswers()
     {
         const Calyx::Poll* poll = m_lesson->poll();
@@ -175,6 +182,7 @@ private:
                                .arg(poll->answered())
                                .arg(poll->expected()));
     }
+    // [answers]
 
     Lesson* m_lesson;
     Calyx::AssessmentPlan m_plan;

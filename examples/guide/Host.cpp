@@ -1,13 +1,13 @@
 // The host of docs/host-guide.md. What stands between two marks of one name is shown there.
 #include "Host.h"
 
+#include "Escaped.h"
+
 #include <CalyxClient/AssessmentOptions>
 #include <CalyxClient/QuestionMultiChoice>
 #include <CalyxClient/QuestionText>
 #include <CalyxClient/SockJSConnector>
 
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QSysInfo>
 #include <QTextStream>
 #include <QTimer>
@@ -40,13 +40,6 @@ bool Host::findService()
 // [service]
 
 // [log-in]
-// As it has to stand between the quotes of a JSON text.
-static QString escaped(const QString& text)
-{
-    const QByteArray json = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
-    return QString::fromUtf8(json.mid(2, json.size() - 4)); // without [" and "]
-}
-
 bool Host::logIn(const QString& user, const QString& password)
 {
     return m_client.doLogin(escaped(user), escaped(password)) || fail(tr("Cannot log in"));

@@ -31,6 +31,7 @@ public:
     QString url() const { return QStringLiteral("http://127.0.0.1:%1").arg(serverPort()); }
 };
 
+// [relay]
 /// Passes everything on to a classroom, until it is cut off.
 class Relay : public QTcpServer
 {
@@ -57,6 +58,7 @@ public:
             near->abort();
     }
 };
+// [relay]
 
 NodeProgram* learners(const QString& url, int count)
 {
@@ -454,6 +456,7 @@ private Q_SLOTS:
         QVERIFY(desk.awaits("Start lesson"));
     }
 
+    // [lost]
     void takesALostLessonUpAgain()
     {
         Relay relay(QUrl(m_classroom->url()));
@@ -469,6 +472,7 @@ private Q_SLOTS:
         QVERIFY(desk.reads(QStringLiteral("2 of 2 answered")));
         QVERIFY(!desk.text().contains(QStringLiteral("is lost")));
     }
+    // [lost]
 
     void worksByKeyboard()
     {
