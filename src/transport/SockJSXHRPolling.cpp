@@ -90,8 +90,8 @@ public:
     int stallLimit = SockJSXHRPollingWorker::StallLimit;
     bool asynchronous = false;
     bool retired = false;
-    QTimer farewell;   // until the receiver goes, without a responseed post
-    QTimer retireEnds; // until the transport goes, without a responseed post
+    QTimer farewell;   // until the receiver goes, without an answered post
+    QTimer retireEnds; // until the transport goes, without an answered post
 };
 
 SockJSXHRPolling::Private::Private(SockJSXHRPolling* transport)
