@@ -5,7 +5,9 @@ import { join } from 'node:path';
 
 const [project, build, option] = process.argv.slice(2);
 const MOST_GROWTH = 1.05;
+const MOST_WORK = 20; // of a byte of the worst message, in bytes of a harmless one
 const REPETITIONS = 20;
+const MOST_BYTES = 200000; // of a row in all its repetitions
 
 const file = join(project, 'bench/baseline.json');
 const program = join(build, 'bench/count_instructions');
@@ -24,14 +26,15 @@ function run(command, parameters) {
   return execFileSync(command, parameters, { env: environment, encoding: 'utf8', stdio: ['ignore', 'pipe', 'pipe'] });
 }
 
-// Instructions of one operation, those inside countedWork() only.
-function count(name) {
+// Instructions of one operation, or of a byte of it, those inside countedWork() only.
+function count(name, bytes) {
+  const repetitions = Math.max(1, Math.min(REPETITIONS, Math.floor(MOST_BYTES / bytes)));
   const output = join(folder, 'callgrind.out');
   run('valgrind', ['--tool=callgrind', `--callgrind-out-file=${output}`, '--toggle-collect=countedWork', '--quiet',
-    program, name, String(REPETITIONS)]);
+    program, name, String(repetitions)]);
   const total = /^(?:summary|totals): (\d+)/m.exec(readFileSync(output, 'utf8'));
   if (!total || total[1] === '0') throw new Error(`callgrind has counted nothing of ${name}`);
-  return Math.round(Number(total[1]) / REPETITIONS);
+  return Math.round(Number(total[1]) / repetitions / bytes);
 }
 
 function compare(counts) {
@@ -49,9 +52,22 @@ function compare(counts) {
   return failed;
 }
 
+// No message may cost a host much more for each byte than a harmless one does.
+function isWorkBounded(counts) {
+  const work = Object.entries(counts).filter(([name]) => name.startsWith('work-'));
+  const [, harmless] = work.find(([name]) => name.startsWith('work-harmless'));
+  const tooMuch = work.filter(([, perByte]) => perByte > harmless * MOST_WORK);
+  for (const [name, perByte] of tooMuch) console.log(`${name}: ${perByte} instructions for a byte, a harmless one ${harmless}`);
+  return tooMuch.length === 0;
+}
+
 try {
   const counts = {};
-  for (const name of run(program, []).trim().split('\n')) counts[name] = count(name);
+  for (const line of run(program, []).trim().split('\n')) {
+    const [name, bytes] = line.split(' ');
+    counts[name] = count(name, Number(bytes));
+  }
+  if (!isWorkBounded(counts)) process.exitCode = 1;
   if (option === '--write') writeFileSync(file, `${JSON.stringify(counts, null, 1)}\n`);
   else if (compare(counts)) process.exitCode = 1;
 } finally {

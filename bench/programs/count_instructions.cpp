@@ -1,6 +1,6 @@
 // For callgrind: count_instructions ROW/SIZE REPETITIONS runs the library's side of one counted workload.
 // What is to be counted happens inside countedWork(), for --toggle-collect. Without arguments it lists the
-// counted workloads.
+// counted workloads, each with the number that its count is divided by.
 
 #include "workloads/Workload.h"
 
@@ -34,7 +34,7 @@ int main(int argc, char** argv)
         if (!workload.isCounted)
             continue;
         if (wanted.isEmpty())
-            std::puts(nameOf(workload).constData());
+            std::printf("%s %lld\n", nameOf(workload).constData(), workload.isPerByte ? workload.size : 1LL);
         if (nameOf(workload) != wanted)
             continue;
         found = true;

@@ -1,9 +1,7 @@
 #include "workloads/Answers.h"
+#include "workloads/Channel.h"
 #include "workloads/PlainLzma.h"
 #include "workloads/Workload.h"
-
-#include <CalyxClient/PresenterCollab>
-#include <CalyxClient/SockJSConnector>
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -49,49 +47,24 @@ Answer readFrame(const QString& frame)
     return readMessage(QJsonDocument::fromJson(frame.mid(1).toUtf8()).array().first().toString());
 }
 
-// A collaboration whose connector is fed by hand.
-class Channel
-{
-public:
-    Channel()
-        : m_collab(nullptr, QStringLiteral("http://127.0.0.1"), QStringLiteral("123456"),
-                   QStringLiteral("6f1c0a52-session"), QStringLiteral("user"))
-    {
-        QObject::connect(
-            &m_collab, &PresenterCollab::learnerPollResponse, &m_collab,
-            [this](const QString& deviceId, const QString& pollId, int responseTime, const QString& answer) {
-                m_last = {deviceId, pollId, responseTime, answer};
-                ++m_count;
-            });
-        feed(QStringLiteral("o"));
-    }
-
-    void feed(const QString& text) { (m_collab.connector()->*Slots::text())(text); }
-    const Answer& last() const { return m_last; }
-    int count() const { return m_count; }
-
-private:
-    // The slot that transports deliver to is protected.
-    struct Slots : SockJSConnector
-    {
-        static void (SockJSConnector::*text())(QString) { return &Slots::onTextMessageReceived; }
-    };
-
-    PresenterCollab m_collab;
-    Answer m_last;
-    int m_count = 0;
-};
-
 struct Sample
 {
     Channel channel;
     QStringList messages;
     QStringList frames;
+    Answer last;
+    int count = 0;
     Answer read;
 
-    explicit Sample(int count)
+    explicit Sample(int size)
     {
-        for (int i = 0; i < count; ++i) {
+        QObject::connect(
+            &channel.collab, &PresenterCollab::learnerPollResponse, &channel.collab,
+            [this](const QString& deviceId, const QString& pollId, int responseTime, const QString& answer) {
+                last = {deviceId, pollId, responseTime, answer};
+                ++count;
+            });
+        for (int i = 0; i < size; ++i) {
             messages.append(Answers::message(i));
             frames.append(Answers::frame(messages.last()));
         }
@@ -119,11 +92,11 @@ struct Sample
 void requireSame(Sample& answers)
 {
     answers.feedAll();
-    require(answers.channel.count() == answers.frames.size(), "a signal for each answer");
+    require(answers.count == answers.frames.size(), "a signal for each answer");
     answers.readMessages();
-    require(answers.read == answers.channel.last(), "the values of the last answer, from the message");
+    require(answers.read == answers.last, "the values of the last answer, from the message");
     answers.readFrames();
-    require(answers.read == answers.channel.last(), "the values of the last answer, from the frame");
+    require(answers.read == answers.last, "the values of the last answer, from the frame");
 }
 
 } // namespace

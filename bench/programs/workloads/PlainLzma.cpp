@@ -32,12 +32,14 @@ unsigned char* bytesOf(QByteArray& array)
 
 } // namespace
 
-QString PlainLzma::compress64(const QString& text)
+QString PlainLzma::compress64(const QString& text, int lc, int lp)
 {
     const QByteArray utf8 = text.toUtf8();
     CLzmaEncProps props;
     LzmaEncProps_Init(&props);
     props.level = 0;
+    props.lc = lc;
+    props.lp = lp;
     props.numThreads = 1;
     QByteArray block(headerSize + utf8.size() + utf8.size() / 3 + 128, Qt::Uninitialized);
     SizeT encoded = SizeT(block.size() - headerSize);

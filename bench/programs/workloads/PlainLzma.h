@@ -7,7 +7,8 @@
 /// program.
 namespace PlainLzma {
 
-QString compress64(const QString& text);
+/// With the SDK's own settings for \p lc and \p lp, unless they are named.
+QString compress64(const QString& text, int lc = -1, int lp = -1);
 QByteArray decompress64(const QByteArray& base64);
 
 } // namespace PlainLzma

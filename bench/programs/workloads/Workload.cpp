@@ -11,8 +11,8 @@ void require(bool holds, const char* what)
 Workloads workloads(Extent extent)
 {
     Workloads all;
-    for (const Workloads& some :
-         {inboundWorkloads(extent), codecWorkloads(extent), pollWorkloads(extent), learnerWorkloads(extent)})
+    for (const Workloads& some : {inboundWorkloads(extent), codecWorkloads(extent), pollWorkloads(extent),
+                                  learnerWorkloads(extent), workWorkloads(extent)})
         all.insert(all.end(), some.begin(), some.end());
     return all;
 }

@@ -16,6 +16,7 @@ struct Workload
     std::function<void()> ours; ///< the library
     std::function<void()> peer; ///< the same by hand with Qt and the LZMA SDK; empty when there is none
     bool isCounted = false;     ///< whether bench/baseline.json holds its instruction count
+    bool isPerByte = false;     ///< whether that is divided by the size
 };
 using Workloads = std::vector<Workload>;
 
@@ -31,6 +32,8 @@ Workloads inboundWorkloads(Extent extent);
 Workloads codecWorkloads(Extent extent);
 /// startPoll() to the WebSocket; grows with the number of options.
 Workloads pollWorkloads(Extent extent);
+/// What a byte that comes in costs, of harmless and of other messages; the size is that of the bytes.
+Workloads workWorkloads(Extent extent);
 /// The learners' list; grows with the number of learners.
 Workloads learnerWorkloads(Extent extent);
 
