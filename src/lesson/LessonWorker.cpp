@@ -18,7 +18,8 @@ namespace {
 
 constexpr int openLimit = 10000; // ms, for each transport
 constexpr int channelLimit = 3 * openLimit + 1000;
-constexpr int replyLimit = 10000;   // ms, the client's
+constexpr int replyLimit = 10000; // ms, the client's
+constexpr int stallLimit = 20000;
 constexpr int abortPace = 10;       // ms
 constexpr int silenceLimit = 40000; // longer than a server's heartbeats are apart
 constexpr int pulsePace = 10000;
@@ -40,10 +41,7 @@ LessonWorker::LessonWorker(std::shared_ptr<Inbox::Slot> inbox, LessonListener* l
             m_collab->connector()->close();
     });
     // An operation of the client makes several requests, and does not know that it is not wanted any more.
-    connect(&m_abort, &QTimer::timeout, this, [this] {
-        if (m_client)
-            m_client->abortRequests();
-    });
+    connect(&m_abort, &QTimer::timeout, this, &LessonWorker::abort);
 }
 
 LessonWorker::~LessonWorker() = default;
@@ -102,11 +100,18 @@ void LessonWorker::cancel()
         return;
     m_isCancelled = true;
     m_abort.start(abortPace);
-    if (m_collab && !m_isOpen)
-        m_collab->connector()->close();
+    abort();
+    Q_EMIT interrupted();
+}
+
+// While the client opens a channel, it alone knows it.
+void LessonWorker::abort()
+{
+    PresenterCollab* collab = m_client ? m_client->collab() : nullptr;
+    if (collab && !m_isOpen)
+        collab->connector()->close();
     if (m_client)
         m_client->abortRequests();
-    Q_EMIT interrupted();
 }
 
 void LessonWorker::shutDown(int msecs)
@@ -228,7 +233,8 @@ void LessonWorker::open(int ticket, const QStringList& transports)
             return;
         }
         m_abort.stop();
-        stopSession();
+        if (!m_isLeaving) // shutDown() does it, and knows how long it may take
+            stopSession();
         report([=](LessonListener* listener) { listener->onNotOpened(ticket, result); });
     });
 }
@@ -239,13 +245,16 @@ LessonError LessonWorker::doOpen()
         return error(LessonError::LoggedOutByService);
     m_client->setOpenLimit(openLimit);
     m_client->setSilenceLimit(silenceLimit);
+    m_client->setStallLimit(stallLimit);
+    m_client->setAsynchronousConnect(true);
     m_client->setRandomSessionIds(true);
     m_client->setSockJSOverrideProtocols(m_transports);
     PresenterCollab* collab = nullptr;
     const LessonError reason = startSession(&collab);
+    if (collab)
+        adopt(collab);
     if (reason.kind != LessonError::NoError || m_isCancelled)
         return error(reason.kind, reason.key);
-    adopt(collab);
     return waitForChannel() ? LessonError() : error(LessonError::NoChannel);
 }
 

@@ -113,6 +113,7 @@ private:
 
     void enqueue(bool isCancellable, const std::function<void()>& run);
     void runNext();
+    void abort();
     void report(const std::function<void(LessonListener*)>& what);
     LessonError error(LessonError::Kind kind, const QString& key = QString());
 

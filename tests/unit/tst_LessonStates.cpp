@@ -11,6 +11,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMetaEnum>
+#include <QTcpServer>
 #include <QTest>
 
 #include <functional>
@@ -38,7 +39,7 @@ struct Class
 {
     FakeService service;
     FakeSockJSServer bus;
-    Lesson lesson{QUrl(service.url())};
+    std::unique_ptr<Lesson> lesson = std::make_unique<Lesson>(QUrl(service.url()));
 
     void expectUsers()
     {
@@ -46,9 +47,10 @@ struct Class
             {"userToken":"D1","userName":"Ann","mode":"learner"},{"userToken":"D2","userName":"Bea","mode":"learner"}]}})"));
     }
 
-    bool start()
+    /// Has the lesson log in and open its channel at \p url.
+    void begin(const QUrl& url)
     {
-        const QByteArray address = "{\"data\":{\"url\":\"" + bus.url().toEncoded() + "\"}}";
+        const QByteArray address = "{\"data\":{\"url\":\"" + url.toEncoded() + "\"}}";
         service.expect(PROBE, Answer::json(FINE));
         service.expect(SUBMIT, Answer::json(Logins::SUCCESS));
         service.expect(Logins::USER, Answer::json(R"({"data":{"userLoginId":"teacher"}})"));
@@ -58,22 +60,27 @@ struct Class
                        Answer::json(R"({"data":{"sockJSProtocols":["websocket"]}})"));
         service.expect("/tavisto/session/start", Answer::json(R"({"data":{"sessionToken":"T"}})"));
         service.expect("/tavisto/classroom/session/join", Answer::json(R"({"data":{"userToken":"U"}})"));
+        logIn(*lesson);
+        lesson->start();
+    }
+
+    bool start()
+    {
+        begin(bus.url());
         expectUsers();
-        logIn(lesson);
-        lesson.start();
-        return waitFor([&] { return lesson.state() == Lesson::Live; });
+        return waitFor([&] { return lesson->state() == Lesson::Live; });
     }
 
     bool loseAndReturn(const Work& meanwhile)
     {
         bus.dropConnections();
-        if (!waitFor([&] { return lesson.state() == Lesson::Reconnecting; }))
+        if (!waitFor([&] { return lesson->state() == Lesson::Reconnecting; }))
             return false;
-        meanwhile(lesson);
+        meanwhile(*lesson);
         expectUsers(); // is the session still there?
         expectUsers();
-        lesson.retryNow();
-        return waitFor([&] { return lesson.state() == Lesson::Live; });
+        lesson->retryNow();
+        return waitFor([&] { return lesson->state() == Lesson::Live; });
     }
 
     /// What is published as "type address", up to the next message to the remote control.
@@ -233,17 +240,17 @@ private Q_SLOTS:
         QFETCH(Work, meanwhile);
         Class class_;
         QVERIFY(class_.start());
-        QCOMPARE(class_.lesson.roster()->presentCount(), 2);
-        class_.lesson.ask(Question::usual(PollType::MULTIPLE));
-        class_.lesson.setName(QStringLiteral("id"), QStringLiteral("name")); // told to the remote control
+        QCOMPARE(class_.lesson->roster()->presentCount(), 2);
+        class_.lesson->ask(Question::usual(PollType::MULTIPLE));
+        class_.lesson->setName(QStringLiteral("id"), QStringLiteral("name")); // told to the remote control
         QCOMPARE(class_.published(), QStringList());
         QCOMPARE(class_.published(), QStringList{"questionStart T"});
         QVERIFY(class_.loseAndReturn(meanwhile));
         QTEST(class_.published(), "published");
         class_.service.expect("/tavisto/session/stop", Answer::json(FINE));
         class_.service.expect(Logins::LOGOUT, Answer::json(FINE));
-        class_.lesson.logOut();
-        QVERIFY(waitFor([&] { return class_.lesson.state() == Lesson::LoggedOut; }));
+        class_.lesson->logOut();
+        QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::LoggedOut; }));
     }
 
     void waitsAreCancelled_data()
@@ -284,6 +291,48 @@ private Q_SLOTS:
         lesson.cancel();
         QCOMPARE(lesson.state(), Lesson::LoggedOut);
         service.expectNoMore();
+    }
+
+    void openingsEnd_data()
+    {
+        QTest::addColumn<QString>("transport");
+        QTest::addColumn<bool>("isDeleted");
+        for (const char* transport : {"websocket", "xhr-streaming", "xhr-polling"}) {
+            for (const bool isDeleted : {false, true})
+                QTest::addRow("%s, %s", transport, isDeleted ? "deleted" : "cancelled")
+                    << QString(transport) << isDeleted;
+        }
+    }
+
+    // A proxy that does not answer keeps the connection from being made.
+    void openingsEnd()
+    {
+        QFETCH(QString, transport);
+        QFETCH(bool, isDeleted);
+        QTcpServer proxy;
+        QVERIFY(proxy.listen(QHostAddress::LocalHost));
+        qputenv("no_proxy", "127.0.0.1");
+        qputenv("http_proxy", "http://127.0.0.1:" + QByteArray::number(proxy.serverPort()));
+        Class class_;
+        class_.lesson->setTransports({transport});
+        class_.begin(QUrl(QStringLiteral("http://bus.invalid")));
+        QVERIFY(waitFor([&] { return proxy.hasPendingConnections(); }));
+        QElapsedTimer clock;
+        clock.start();
+        if (isDeleted) {
+            class_.lesson.reset();
+            QVERIFY(clock.elapsed() < 2000);
+            class_.service.expectNoMore(); // the goodbye, to which nobody listens any more
+        } else {
+            class_.service.expect("/tavisto/session/stop", Answer::json(FINE));
+            class_.lesson->cancel();
+            QVERIFY(waitFor([&] { return class_.service.isUsedUp(); }, 5000));
+            class_.service.expect(Logins::LOGOUT, Answer::json(FINE));
+            class_.lesson->logOut();
+            QVERIFY(waitFor([&] { return class_.service.isUsedUp(); }));
+        }
+        qunsetenv("http_proxy");
+        qunsetenv("no_proxy");
     }
 };
 
