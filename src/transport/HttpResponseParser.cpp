@@ -38,15 +38,15 @@ void insertHeader(QMap<QString, QString>* headers, const QByteArray& line)
     headers->insert(name, value);
 }
 
-// The position behind the empty line that ends the header at begin; -1 while it has not come.
-int endOfHead(const QByteArray& data, int begin)
+// Whether the empty line that ends a header has come. *position, the beginning of a line, goes behind it, or
+// else to the line that is not complete yet.
+bool findEndOfHead(const QByteArray& data, int* position)
 {
-    int position = begin;
-    while (data.indexOf('\n', position) >= 0) {
-        if (HttpResponseParser::takeLine(data, &position).isEmpty())
-            return position;
+    while (data.indexOf('\n', *position) >= 0) {
+        if (HttpResponseParser::takeLine(data, position).isEmpty())
+            return true;
     }
-    return -1;
+    return false;
 }
 
 bool isHexadecimal(const QByteArray& text)
@@ -152,11 +152,13 @@ HttpResponseParser::Event HttpResponseParser::readHead()
 {
     skipLineBreaks();
     const int begin = m_buffer.indexOf(headBegin, m_read);
-    const int end = begin < 0 ? -1 : endOfHead(m_buffer, begin);
-    const int needed = end < 0 ? pendingSize() : end - m_read;
-    if (needed > MaxHeadSize)
+    int end = qMax(begin, m_read + m_scanned); // no line is read twice, however small the pieces are
+    const bool isComplete = begin >= 0 && findEndOfHead(m_buffer, &end);
+    if ((isComplete ? end - m_read : pendingSize()) > MaxHeadSize)
         return fail();
-    if (end < 0)
+    if (begin >= 0)
+        m_scanned = end - m_read;
+    if (!isComplete)
         return Event();
     const QByteArray head = m_buffer.mid(begin, end - begin);
     consume(end - m_read);

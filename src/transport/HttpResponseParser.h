@@ -96,7 +96,7 @@ private:
     bool m_breakOwed = false; // the line break after the last chunk has not come yet
     QByteArray m_buffer;
     int m_read = 0;      // bytes of m_buffer that are done with
-    int m_scanned = 0;   // bytes behind those that hold no newline
+    int m_scanned = 0;   // bytes behind those in which nothing ends
     int m_remaining = 0; // bytes that the current chunk or body still lacks
     QByteArray m_body;
 };
