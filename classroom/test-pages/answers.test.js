@@ -163,6 +163,16 @@ check('a formula shows as it will read, also inside a question', async (t) => {
   await assertAccessible(page);
 });
 
+for (const fonts of [null, 'fonts-without-roots.conf']) {
+  check(`a root has its sign with ${fonts ?? 'the fonts of the machine'}`, async (t) => {
+    const { presenter, page } = await lesson(t, { fonts });
+    presenter.ask({ id: 'q', type: 'math formula' });
+    await field(page, 'Your formula').fill('\\sqrt{x}');
+    const width = (one) => page.locator(`.preview ${one}`).evaluate((element) => element.getBoundingClientRect().width);
+    assert.ok(await width('msqrt') > await width('mi') + 4);
+  });
+}
+
 check('a question that was answered before shows the answer and what is said about it', async (t) => {
   const { presenter, page } = await lesson(t);
   presenter.ask({

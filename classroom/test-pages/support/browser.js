@@ -20,23 +20,25 @@ const STEP_MS = 60000;
 export const DESKTOP = { viewport: { width: 1024, height: 768 } };
 export const PHONE = { viewport: { width: 320, height: 640 }, hasTouch: true, isMobile: true, deviceScaleFactor: 2 };
 
-let launched;
+// By the fonts that they have.
+const launched = new Map();
 
-const FONTS = fileURLToPath(new URL('fonts.conf', import.meta.url));
+const launch = (env) => chromium.launch({ executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', args: FLAGS, env });
 
-const launch = () => chromium.launch({
-  executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', args: FLAGS, env: { ...process.env, FONTCONFIG_FILE: FONTS },
-});
+function browserWith(fonts) {
+  const env = fonts ? { ...process.env, FONTCONFIG_FILE: fileURLToPath(new URL(fonts, import.meta.url)) } : process.env;
+  if (!launched.has(fonts)) launched.set(fonts, launch(env));
+  return launched.get(fonts);
+}
 
 /** To be called once when the tests of a file are over. */
 export async function closeBrowser() {
-  await (await launched)?.close();
+  await Promise.all([...launched.values()].map(async (browser) => (await browser).close()));
 }
 
-/** A browser's window of its own, with nothing remembered; closed with the test. */
-export async function openContext(t, options = {}) {
-  launched ??= launch();
-  const browser = await launched;
+/** A browser's window of its own, with nothing remembered; closed with the test. fonts: a file beside this one, or null for the machine's. */
+export async function openContext(t, { fonts = 'fonts.conf', ...options } = {}) {
+  const browser = await browserWith(fonts);
   const context = await browser.newContext({ ...DESKTOP, reducedMotion: 'reduce', ...options });
   context.setDefaultTimeout(STEP_MS);
   await context.addInitScript({ path: resolve('axe-core/axe.min.js') });
