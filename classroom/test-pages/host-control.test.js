@@ -7,7 +7,7 @@ import { ADD_IMAGE, STOP } from '../public/js/controller/commands.js';
 import { closeBrowser } from './support/browser.js';
 import { check } from './support/check.js';
 import { heading, send } from './support/class.js';
-import { command, joinController, stateOf } from './support/controller.js';
+import { command, joinController, stateOf, told } from './support/controller.js';
 import { learnerOf, teachWithLibrary } from './support/host.js';
 
 after(closeBrowser);
@@ -38,6 +38,7 @@ check('the remote control goes through the cards, pushes one and adds one', asyn
   await stateOf(remote, 'Card', '1 of 2');
   await stateOf(remote, 'Presenter', 'is there');
   await command(remote, 'Push this card to the learners').click();
+  await told(remote, 'The card is shown');
   assert.match(await shownCard(learner), /^data:image\/png;base64,/);
   await command(remote, 'Next').click();
   await stateOf(remote, 'Card', '2 of 2');
@@ -60,12 +61,16 @@ check('the remote control pauses, locks and ends the lesson', async (t) => {
   await host.do('poll true-false');
   await send(learner).waitFor();
   await command(remote, 'Pause').click();
+  await told(remote, 'Paused');
   await learner.getByText('Your teacher has paused this.').waitFor();
   await command(remote, 'Resume').click();
+  await told(remote, 'Resumed');
   await learner.getByText('Your teacher has paused this.').waitFor({ state: 'detached' });
   await command(remote, 'Lock all').click();
+  await told(remote, 'All devices are locked');
   await learner.getByRole('dialog').getByText('Your teacher will go on from here.').waitFor();
   await command(remote, 'Unlock all').click();
+  await told(remote, 'All devices are unlocked');
   await learner.getByRole('dialog').getByRole('button', { name: 'OK' }).click();
   await learner.getByRole('dialog').waitFor({ state: 'hidden' });
   await command(remote, STOP.label).click();

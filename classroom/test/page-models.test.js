@@ -48,6 +48,7 @@ check('the words of the fixed types take the place of the letters in their ids',
     ['True', 'False', 'Don’t know']);
   assert.deepEqual(labels(question({ type: 'yes-no-other', activityOptions: texts({ A: 'YES', '?': 'DONTKNOW' }), metadata: { ordinalType: 'yes-no-maybe' } })),
     ['Yes', 'Maybe']);
+  assert.deepEqual(labels(question({ type: 'yes-no-other', activityOptions: texts({ '?': 'DONTKNOW' }) })), ['Other']);
 });
 
 check('texts of a presenter stand beside the letters, in the order of their sequence numbers', () => {

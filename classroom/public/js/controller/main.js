@@ -9,11 +9,11 @@ import { showNotices } from '../ui/notices.js';
 import { showScreen } from '../ui/screen.js';
 import { showWho } from '../ui/who.js';
 import { ASKED_AT_ONCE } from './commands.js';
+import { ANSWER_MS } from './outcome.js';
 import { RemotePage } from './remote-page.js';
 import { RemoteState } from './state.js';
 
 const NAME = 'Remote control';
-const ANSWER_MS = 5000;
 // A presence is as old as its last answer.
 const ASK_AGAIN_MS = 30000;
 
@@ -45,30 +45,42 @@ function ended(reason) {
 }
 
 async function control(wanted) {
-  const state = new RemoteState(() => page.render());
+  const state = new RemoteState((message) => page.changed(message));
+  let waiting;
   const send = ({ type }, data = {}) => {
     if (type === 'presenterActive') {
       state.asked();
-      setTimeout(() => state.waited(), ANSWER_MS);
+      clearTimeout(waiting);
+      waiting = setTimeout(() => state.waited(), ANSWER_MS);
     }
     return device.publish(type, data);
   };
   const page = new RemotePage(state, send);
+  const end = () => {
+    clearInterval(asking);
+    clearTimeout(waiting);
+    page.end();
+  };
   const states = {
     open: () => {
       showNotices([]);
+      state.linked(true);
       ASKED_AT_ONCE.forEach((type) => send({ type }));
     },
-    lost: () => showNotices([{ text: 'The connection is lost. It is being made again …', kind: 'warning' }]),
+    lost: () => {
+      showNotices([{ text: 'The connection is lost. It is being made again …', kind: 'warning' }]);
+      state.linked(false);
+    },
     over: (reason) => {
-      clearInterval(asking);
+      end();
       ended(reason);
     },
   };
   const device = new Device({
     mode: 'controller',
     deviceType: 'controller',
-    addresses: ['.controller'],
+    // What the learners are shown says that a card was pushed.
+    addresses: ['.controller', '.learner'],
     handlers: state.handlers,
     onState: (now, reason) => states[now](reason),
   });
@@ -76,13 +88,13 @@ async function control(wanted) {
     if (device.connected) send({ type: 'presenterActive' });
   }, ASK_AGAIN_MS);
   const taken = await device.join(wanted).catch((error) => {
-    clearInterval(asking);
+    end();
     throw error;
   });
   place.take(taken);
   showWho({ ...taken, userName: '' }, () => {
     device.leave();
-    clearInterval(asking);
+    end();
     place.leave();
     showNotices([]);
     askToJoin();

@@ -3,9 +3,10 @@ import { confirmed } from '../ui/confirm.js';
 import { button, el, freshId, setText } from '../ui/dom.js';
 import { ADD_IMAGE, GROUPS, STOP } from './commands.js';
 import { pictureFrom } from './image.js';
+import { Outcome } from './outcome.js';
 
 const PRESENCE = {
-  unknown: 'not asked yet',
+  unknown: 'not known',
   asked: 'asking …',
   active: 'is there',
   silent: 'does not answer',
@@ -18,9 +19,10 @@ export class RemotePage {
   #lesson = el('h1', { tabindex: '-1' });
   #card = el('dd');
   #presence = el('dd');
-  // What cannot work without cards.
-  #cardButtons = [];
+  // By their commands.
+  #buttons = new Map();
   #sent = el('p', { class: 'sent', hidden: true });
+  #outcome = new Outcome((text) => this.#tell(text));
   #picker = el('input', { type: 'file', accept: 'image/*', class: 'unseen', tabindex: '-1', 'aria-hidden': 'true' });
   element;
 
@@ -49,8 +51,18 @@ export class RemotePage {
   }
 
   #button(command) {
-    const made = button(command.label, () => this.#give(command), { class: `command ${command.kind ?? ''}` });
-    if (command.needsCards) this.#cardButtons.push(made);
+    return this.#made(command, () => this.#give(command), `command ${command.kind ?? ''}`);
+  }
+
+  // A button that cannot work keeps the focus, and says why.
+  #made(command, act, look) {
+    const attempt = () => {
+      const obstacle = this.#state.obstacle(command);
+      if (obstacle) this.#tell(obstacle);
+      else act();
+    };
+    const made = button(command.label, attempt, { class: look });
+    this.#buttons.set(command, made);
     return made;
   }
 
@@ -58,14 +70,25 @@ export class RemotePage {
     const id = freshId('group');
     return el('section', { class: 'group', 'aria-labelledby': id }, el('h2', { id }, 'Lesson'),
       el('div', { class: 'commands' },
-        button(ADD_IMAGE.label, () => this.#picker.click(), { class: 'command wide' }), this.#picker,
-        button(STOP.label, () => this.#stop(), { class: 'command wide danger' })));
+        this.#made(ADD_IMAGE, () => this.#picker.click(), 'command wide'), this.#picker,
+        this.#made(STOP, () => this.#stop(), 'command wide danger')));
+  }
+
+  /** The state has changed, by a message or otherwise. */
+  changed(message) {
+    this.render();
+    if (message) this.#outcome.heard(message, this.#state);
+  }
+
+  /** The page is no longer shown. */
+  end() {
+    this.#outcome.end();
   }
 
   render() {
     const { lesson, card, presence } = this.#state;
     this.#set(this.#lesson, lesson ? lesson.name || 'A lesson without a name' : 'No lesson yet');
-    for (const one of this.#cardButtons) one.disabled = this.#state.hasNoCards;
+    for (const [command, made] of this.#buttons) made.setAttribute('aria-disabled', String(this.#state.obstacle(command) !== ''));
     this.#set(this.#card, cardInWords(card));
     this.#set(this.#presence, PRESENCE[presence]);
     this.#presence.className = `presence ${presence}`;
@@ -84,8 +107,8 @@ export class RemotePage {
   }
 
   async #give(command, data = {}) {
-    const sent = await this.#send(command, data);
-    this.#tell(sent ? `${command.said}: sent` : `${command.said}: not sent, there is no connection`);
+    this.#outcome.given(command, this.#state);
+    if (!await this.#send(command, data)) this.#outcome.notSent(command);
   }
 
   async #stop() {

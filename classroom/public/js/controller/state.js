@@ -2,38 +2,46 @@ import { isObject, listOf, textOf, wholeNumber } from '../model/text.js';
 
 const MOST_CARDS = 10000;
 
+// What each message of the presenter's changes; false for one that cannot be read.
+const READERS = {
+  currentLesson: (lesson) => isObject(lesson) && { lesson: { name: textOf(lesson.name) } },
+  currentCard: (card) => isObject(card) && { card: cardOf(card) },
+  dialogShow: (dialog) => isObject(dialog) && {},
+  presenterIsActive: () => ({}),
+  pause: () => ({}),
+  resume: () => ({}),
+  showCard: () => ({}),
+};
+
 /** What the remote control knows of the presenter and of its lesson. */
 export class RemoteState {
   // null until the presenter has told it.
   lesson = null;
   card = null;
+  isLinked = false;
   // "unknown", "asked", "active" or "silent".
   presence = 'unknown';
   #isAsked = false;
   #changed;
 
+  /** changed(message): the message {type, value} that has come, if one has. */
   constructor(changed) {
     this.#changed = changed;
   }
 
-  handlers = {
-    currentLesson: (lesson) => {
-      if (isObject(lesson)) this.#update({ lesson: { name: textOf(lesson.name) } });
-    },
-    currentCard: (card) => {
-      if (isObject(card)) this.#update({ card: cardOf(card) });
-    },
-    presenterIsActive: () => {
-      this.#isAsked = false;
-      this.#update({ presence: 'active' });
-    },
-  };
+  handlers = Object.fromEntries(Object.entries(READERS).map(
+    ([type, read]) => [type, (value) => this.#heard({ type, value }, read(value))]));
 
-  /** The presenter has been asked whether it is there. */
+  /** The connection has been made, or is lost. */
+  linked(isLinked) {
+    this.#isAsked = false;
+    this.#update({ isLinked, presence: 'unknown' });
+  }
+
+  /** The presenter has been asked whether it is there. Until it answers, or does not, it is what it was. */
   asked() {
     this.#isAsked = true;
-    // One that is there stays so while it is asked again: only its silence is news.
-    if (this.presence !== 'active') this.#update({ presence: 'asked' });
+    if (this.presence === 'unknown') this.#update({ presence: 'asked' });
   }
 
   /** Time enough has gone by for an answer. */
@@ -42,14 +50,23 @@ export class RemoteState {
     this.#isAsked = false;
   }
 
-  /** The presenter has said that there are no cards. */
-  get hasNoCards() {
-    return this.card?.total === 0;
+  /** Why a command cannot work, or nothing. */
+  obstacle({ asksPresence, needsCards }) {
+    if (!this.isLinked) return 'There is no connection';
+    if (this.presence === 'silent' && !asksPresence) return 'The presenter does not answer';
+    return needsCards && this.card?.total === 0 ? 'There are no cards' : '';
   }
 
-  #update(changes) {
+  // Whatever it says, it is there.
+  #heard(message, changes) {
+    if (!changes) return;
+    this.#isAsked = false;
+    this.#update({ ...changes, presence: 'active' }, message);
+  }
+
+  #update(changes, message) {
     Object.assign(this, changes);
-    this.#changed();
+    this.#changed(message);
   }
 }
 

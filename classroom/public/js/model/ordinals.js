@@ -50,8 +50,9 @@ function schemeWord(scheme, i, count) {
   return Object.hasOwn(SCALES, scheme) ? scaleWord(scheme, i, count) : '';
 }
 
-function sentWord(text, scheme) {
-  if (text === 'DONTKNOW') return WORDS[scheme]?.[2] ?? WORDS['yes-no'][2];
+// The third is what the scheme calls it, or the type.
+function sentWord(text, scheme, type) {
+  if (text === 'DONTKNOW') return (WORDS[scheme] ?? WORDS[type])[2];
   return SENT[text] ?? text;
 }
 
@@ -65,7 +66,7 @@ function symbolOf(scheme, i, id, text) {
 export function labelOf({ id, optionText }, { type, scheme, i, count }) {
   const isFixed = FIXED_TYPES.includes(type);
   const sent = textOf(optionText);
-  const text = isFixed ? sentWord(sent, scheme) : sent;
+  const text = isFixed ? sentWord(sent, scheme, type) : sent;
   // "True" needs no letter before it, although its id is one.
   if (isFixed && text !== '') return { symbol: '', text };
   const words = text || schemeWord(scheme, i, count);
