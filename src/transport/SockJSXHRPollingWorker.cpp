@@ -4,7 +4,13 @@
 #include "transport/HttpResponseParser.h"
 #include "transport/RawConnection.h"
 
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
+#include <QList>
+#include <QMutex>
+
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 namespace {
@@ -38,12 +44,73 @@ void logEndChunk(int size)
 
 } // namespace
 
+class SockJSXHRPollingWorker::Private
+{
+public:
+    Private(SockJSXHRPollingWorker* worker, RawConnection* raw, bool keepsAlive)
+        : q(worker), connection(raw), keepAlive(keepsAlive)
+    {}
+
+    // What is known of the response that is being received.
+    struct Response
+    {
+        XHRRequest* request = nullptr; // null: it answers no request of ours
+        bool closes = false;           // the connection ends after it
+        bool hasText = false;
+        bool isGood = false; // it has given a frame that keeps the session going
+    };
+
+    bool runOnce();
+    void serve();
+    bool mayTransmit() const;
+    bool isInFlight() const { return response.request || !sentQueue.isEmpty(); }
+    qint64 timeToWait() const;
+    int pauseLimit() const;
+    void wait(qint64 msecs);
+    void wakeFromAnyThread();
+
+    void receive();
+    void readEvents();
+    void beginResponse(const QStringMap& headers, bool chunked, int contentLength, bool closes);
+    void deliver(const QString& text, bool ends);
+    void deliverEnd();
+    void endResponse();
+    void checkTimeLimits();
+    void discardPending();
+
+    void dropConnection();
+    void endConnection();
+    bool restoreConnection();
+    void loseInFlight();
+    void lose(XHRRequest* request);
+    void letGo(const XHRRequest* request);
+
+    SockJSXHRPollingWorker* q;
+    RawConnection* connection; // a child of the worker's, which moves to its thread with it
+    const bool keepAlive;
+    HttpResponseParser parser;
+    QElapsedTimer lastReceived;
+    int stallLimit = StallLimit;
+    int connectAttempts = 0;
+    std::atomic<bool> stop{false};
+
+    QMutex mutex; // guards txQueue
+    QList<XHRRequest*> txQueue;
+    std::atomic<int> waiting{0};   // the size of txQueue
+    std::atomic<int> receiving{0}; // receive requests that are waiting or in flight
+
+    QList<XHRRequest*> sentQueue;
+    Response response;
+    bool connected = false;
+    bool answered = false; // this connection has brought a response
+    QDeadlineTimer hold;   // no request is written and no connection made before it has passed
+    QDeadlineTimer resync{QDeadlineTimer::Forever}; // when to give up on a response that was cut by a stall
+};
+
 SockJSXHRPollingWorker::SockJSXHRPollingWorker(QObject* parent, QTcpSocket* socket, QString host, int port,
                                                bool ssl, bool keepAlive)
     : QObject(parent)
-    , m_keepAlive(keepAlive)
-    , m_connection(new RawConnection(this, socket, host, port, ssl))
-    , m_parser(std::make_unique<HttpResponseParser>())
+    , d(std::make_unique<Private>(this, new RawConnection(this, socket, host, port, ssl), keepAlive))
 {
     qRegisterMetaType<QStringMap>("QStringMap");
 }
@@ -52,40 +119,40 @@ SockJSXHRPollingWorker::~SockJSXHRPollingWorker() = default;
 
 bool SockJSXHRPollingWorker::connectToServer(int msecs)
 {
-    return m_connection->connectBlocking(msecs);
+    return d->connection->connectBlocking(msecs);
 }
 
 bool SockJSXHRPollingWorker::connectInEventLoop(int msecs)
 {
-    return m_connection->connectWaiting(msecs, &m_stop);
+    return d->connection->connectWaiting(msecs, &d->stop);
 }
 
 void SockJSXHRPollingWorker::setStallLimit(int msecs)
 {
-    m_stallLimit = msecs;
+    d->stallLimit = msecs;
 }
 
 bool SockJSXHRPollingWorker::queueRequest(XHRRequest* request)
 {
-    if (m_stop) {
+    if (d->stop) {
         qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Async socket tx queue error: Socket closing!";
         return false;
     }
-    if (!m_mutex.tryLock(lockLimit)) {
+    if (!d->mutex.tryLock(lockLimit)) {
         qCDebug(diagnostics)
             << "[SockJSXHRPollingWorker] Async socket tx queue error: Failed to establish mutex lock!";
         return false;
     }
-    const bool accepted = m_waiting < maxQueueSize;
+    const bool accepted = d->waiting < maxQueueSize;
     if (accepted) {
-        m_txQueue.append(request);
+        d->txQueue.append(request);
         if (isReceiveRequest(request))
-            ++m_receiving;
-        ++m_waiting;
+            ++d->receiving;
+        ++d->waiting;
     }
-    m_mutex.unlock();
+    d->mutex.unlock();
     if (accepted)
-        wakeFromAnyThread();
+        d->wakeFromAnyThread();
     else
         qCDebug(diagnostics)
             << "[SockJSXHRPollingWorker] Async socket tx queue error: Too many items in queue!";
@@ -94,115 +161,120 @@ bool SockJSXHRPollingWorker::queueRequest(XHRRequest* request)
 
 void SockJSXHRPollingWorker::forceClose()
 {
-    m_stop = true;
-    wakeFromAnyThread();
+    d->stop = true;
+    d->wakeFromAnyThread();
 }
 
-void SockJSXHRPollingWorker::wakeFromAnyThread()
+bool SockJSXHRPollingWorker::isReceiving() const
 {
-    QMetaObject::invokeMethod(m_connection, &RawConnection::wake, Qt::QueuedConnection);
+    return d->receiving > 0;
+}
+
+void SockJSXHRPollingWorker::Private::wakeFromAnyThread()
+{
+    QMetaObject::invokeMethod(connection, &RawConnection::wake, Qt::QueuedConnection);
 }
 
 void SockJSXHRPollingWorker::transmitNextRequest()
 {
-    if (!m_mutex.tryLock(lockLimit))
+    if (!d->mutex.tryLock(lockLimit))
         return;
     XHRRequest* request = nullptr;
-    if (m_waiting > 0) {
-        request = m_txQueue.takeFirst();
-        --m_waiting;
+    if (d->waiting > 0) {
+        request = d->txQueue.takeFirst();
+        --d->waiting;
     }
-    m_mutex.unlock();
+    d->mutex.unlock();
     if (!request)
         return;
     if (request->payload().isNull()) {
-        lose(request);
+        d->lose(request);
         return;
     }
-    m_parser->setStreaming(isStreaming(request));
-    m_sentQueue.append(request);
-    m_connection->write(request->payload().toUtf8());
+    d->parser.setStreaming(isStreaming(request));
+    d->sentQueue.append(request);
+    d->connection->write(request->payload().toUtf8());
 }
 
 void SockJSXHRPollingWorker::process()
 {
-    m_connected = m_connection->isConnected();
-    while (!m_stop && runOnce()) {
+    d->connected = d->connection->isConnected();
+    while (!d->stop && d->runOnce()) {
     }
     Q_EMIT finished();
 }
 
-bool SockJSXHRPollingWorker::runOnce()
+bool SockJSXHRPollingWorker::Private::runOnce()
 {
-    if (m_connection->isClosed() && m_keepAlive)
+    if (connection->isClosed() && keepAlive)
         return false;
     receive();
-    if (m_connection->isUnconnected())
+    if (connection->isUnconnected())
         return restoreConnection();
-    if (m_connection->isConnected())
+    if (connection->isConnected())
         serve();
     else
         wait(idleWait);
     return true;
 }
 
-void SockJSXHRPollingWorker::serve()
+void SockJSXHRPollingWorker::Private::serve()
 {
-    m_connected = true;
+    connected = true;
     if (mayTransmit()) {
-        m_parser->reset();
-        transmitNextRequest();
+        parser.reset();
+        q->transmitNextRequest();
         return;
     }
     wait(timeToWait());
-    if (!m_connection->hasBytes())
+    if (!connection->hasBytes())
         checkTimeLimits();
 }
 
 // What is left over from the last response is not half received; a response to no request is.
-bool SockJSXHRPollingWorker::mayTransmit() const
+bool SockJSXHRPollingWorker::Private::mayTransmit() const
 {
-    return m_waiting > 0 && !isInFlight() && m_hold.hasExpired() && m_parser->isBetweenResponses();
+    return waiting > 0 && !isInFlight() && hold.hasExpired() && parser.isBetweenResponses();
 }
 
-void SockJSXHRPollingWorker::wait(qint64 msecs)
+void SockJSXHRPollingWorker::Private::wait(qint64 msecs)
 {
-    if (!m_connection->wait(static_cast<int>(msecs)))
-        m_stop = true;
+    if (!connection->wait(static_cast<int>(msecs)))
+        stop = true;
 }
 
-qint64 SockJSXHRPollingWorker::timeToWait() const
+qint64 SockJSXHRPollingWorker::Private::timeToWait() const
 {
     qint64 msecs = idleWait;
-    if (!m_hold.hasExpired())
-        msecs = std::min(msecs, m_hold.remainingTime());
-    if (m_parser->hasPending())
-        msecs = std::min(msecs, pauseLimit() + 1 - m_lastReceived.elapsed());
-    if (!m_resync.isForever())
-        msecs = std::min(msecs, m_resync.remainingTime());
+    if (!hold.hasExpired())
+        msecs = std::min(msecs, hold.remainingTime());
+    if (parser.hasPending())
+        msecs = std::min(msecs, pauseLimit() + 1 - lastReceived.elapsed());
+    if (!resync.isForever())
+        msecs = std::min(msecs, resync.remainingTime());
     return std::max<qint64>(msecs, 0);
 }
 
 // A body that has neither length nor chunks ends with the pause.
-int SockJSXHRPollingWorker::pauseLimit() const
+int SockJSXHRPollingWorker::Private::pauseLimit() const
 {
-    return m_parser->isUnbounded() ? StallLimit : m_stallLimit;
+    return parser.isUnbounded() ? StallLimit : stallLimit;
 }
 
-void SockJSXHRPollingWorker::receive()
+void SockJSXHRPollingWorker::Private::receive()
 {
-    if (!m_connection->hasBytes())
+    if (!connection->hasBytes())
         return;
-    m_lastReceived.start();
-    m_parser->add(m_connection->readAll());
+    lastReceived.start();
+    parser.add(connection->readAll());
     readEvents();
 }
 
-void SockJSXHRPollingWorker::readEvents()
+void SockJSXHRPollingWorker::Private::readEvents()
 {
     using Event = HttpResponseParser::Event;
-    while (!m_stop) {
-        const Event event = m_parser->next();
+    while (!stop) {
+        const Event event = parser.next();
         switch (event.type) {
         case Event::Incomplete:
             return;
@@ -222,164 +294,163 @@ void SockJSXHRPollingWorker::readEvents()
                 deliverEnd();
             break;
         case Event::Broken:
-            m_hold.setRemainingTime(idleWait);
+            hold.setRemainingTime(idleWait);
             dropConnection();
             return;
         }
     }
 }
 
-void SockJSXHRPollingWorker::beginResponse(const QStringMap& headers, bool chunked, int contentLength,
-                                           bool closes)
+void SockJSXHRPollingWorker::Private::beginResponse(const QStringMap& headers, bool chunked,
+                                                    int contentLength, bool closes)
 {
     // Text of the response that was cut can look like a header, but without a length, and its end would never
     // come.
-    if (!m_resync.isForever() && m_parser->isUnbounded()) {
+    if (!resync.isForever() && parser.isUnbounded()) {
         dropConnection();
         return;
     }
-    m_resync = QDeadlineTimer(QDeadlineTimer::Forever);
-    XHRRequest* request = m_sentQueue.isEmpty() ? m_response.request : m_sentQueue.takeFirst();
-    m_response = Response();
-    m_response.request = request;
-    m_response.closes = closes;
+    resync = QDeadlineTimer(QDeadlineTimer::Forever);
+    XHRRequest* request = sentQueue.isEmpty() ? response.request : sentQueue.takeFirst();
+    response = Response();
+    response.request = request;
+    response.closes = closes;
     if (!request)
         return;
     if (chunked)
         qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Detected transfer-encoding: chunked header";
     request->setChunked(chunked);
     request->setContentLength(contentLength);
-    Q_EMIT receivedHeadersResponse(request, headers);
+    Q_EMIT q->receivedHeadersResponse(request, headers);
 }
 
 // The request counts as answered before the signal goes out, because the receiver asks for the next response
 // at once.
-void SockJSXHRPollingWorker::deliver(const QString& text, bool ends)
+void SockJSXHRPollingWorker::Private::deliver(const QString& text, bool ends)
 {
-    XHRRequest* request = m_response.request;
-    m_response.hasText = true;
-    m_response.isGood = m_response.isGood || isGoodFrame(text);
+    XHRRequest* request = response.request;
+    response.hasText = true;
+    response.isGood = response.isGood || isGoodFrame(text);
     // A stream that is cut after its frames has answered.
-    m_answered = m_answered || (request && m_response.isGood);
+    answered = answered || (request && response.isGood);
     if (ends)
         endResponse();
     if (request)
-        Q_EMIT receivedMessageResponse(request, text);
+        Q_EMIT q->receivedMessageResponse(request, text);
 }
 
-void SockJSXHRPollingWorker::deliverEnd()
+void SockJSXHRPollingWorker::Private::deliverEnd()
 {
-    XHRRequest* request = m_response.request;
-    const bool empty = !m_response.hasText;
+    XHRRequest* request = response.request;
+    const bool empty = !response.hasText;
     endResponse();
     if (request && empty)
-        Q_EMIT receivedEmptyResponse(request);
+        Q_EMIT q->receivedEmptyResponse(request);
 }
 
-void SockJSXHRPollingWorker::endResponse()
+void SockJSXHRPollingWorker::Private::endResponse()
 {
-    const Response response = std::exchange(m_response, Response());
-    if (response.request) {
-        m_answered = true;
-        letGo(response.request);
+    const Response ended = std::exchange(response, Response());
+    if (ended.request) {
+        answered = true;
+        letGo(ended.request);
         // A server that fails is asked once a second.
-        if (!response.isGood)
-            m_hold.setRemainingTime(idleWait);
+        if (!ended.isGood)
+            hold.setRemainingTime(idleWait);
     }
     // The next streaming request follows from the reconnection.
-    if (response.closes || (response.request && isStreaming(response.request)))
+    if (ended.closes || (ended.request && isStreaming(ended.request)))
         dropConnection();
 }
 
-void SockJSXHRPollingWorker::checkTimeLimits()
+void SockJSXHRPollingWorker::Private::checkTimeLimits()
 {
-    if (m_parser->hasPending() && m_lastReceived.hasExpired(pauseLimit())) {
-        if (m_parser->isUnbounded()) {
-            m_parser->endUnbounded();
+    if (parser.hasPending() && lastReceived.hasExpired(pauseLimit())) {
+        if (parser.isUnbounded()) {
+            parser.endUnbounded();
             readEvents();
         } else {
             discardPending();
         }
-    } else if (m_resync.hasExpired()) {
+    } else if (resync.hasExpired()) {
         dropConnection();
     }
 }
 
 // Where the next response begins is unknown now. One that comes at once is taken; otherwise the connection is
 // given up, because the request would never be answered.
-void SockJSXHRPollingWorker::discardPending()
+void SockJSXHRPollingWorker::Private::discardPending()
 {
     qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Incoming data timeout, clearing buffer";
-    qCDebug(diagnostics).noquote().nospace()
-        << "[SockJSXHRPollingWorker.BufferData] = " << m_parser->pending();
-    m_parser->reset();
+    qCDebug(diagnostics).noquote().nospace() << "[SockJSXHRPollingWorker.BufferData] = " << parser.pending();
+    parser.reset();
     if (isInFlight())
-        m_resync.setRemainingTime(idleWait);
+        resync.setRemainingTime(idleWait);
 }
 
 // Ends the connection so that it is made anew. What is in flight on it is lost.
-void SockJSXHRPollingWorker::dropConnection()
+void SockJSXHRPollingWorker::Private::dropConnection()
 {
-    m_connected = false;
-    m_connection->drop();
-    m_parser->reset();
+    connected = false;
+    connection->drop();
+    parser.reset();
     loseInFlight();
 }
 
 // The far end has ended the connection.
-void SockJSXHRPollingWorker::endConnection()
+void SockJSXHRPollingWorker::Private::endConnection()
 {
-    m_connected = false;
-    m_parser->endUnbounded();
+    connected = false;
+    parser.endUnbounded();
     readEvents();
-    if (!m_answered)
-        m_hold.setRemainingTime(idleWait);
-    m_parser->reset();
+    if (!answered)
+        hold.setRemainingTime(idleWait);
+    parser.reset();
     loseInFlight();
 }
 
-bool SockJSXHRPollingWorker::restoreConnection()
+bool SockJSXHRPollingWorker::Private::restoreConnection()
 {
-    if (m_connected)
+    if (connected)
         endConnection();
-    if (!m_hold.hasExpired()) {
-        wait(m_hold.remainingTime());
+    if (!hold.hasExpired()) {
+        wait(hold.remainingTime());
         return true;
     }
-    if (m_keepAlive)
+    if (keepAlive)
         qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Connection lost, attempting to re-establish...";
-    m_answered = false;
-    m_connected = m_connection->connectWaiting(ConnectLimit, &m_stop);
-    if (m_connected) {
-        m_connectAttempts = 0;
-        Q_EMIT reconnected();
+    answered = false;
+    connected = connection->connectWaiting(ConnectLimit, &stop);
+    if (connected) {
+        connectAttempts = 0;
+        Q_EMIT q->reconnected();
         return true;
     }
-    if (m_stop || m_connectAttempts++ < maxConnectAttempts)
+    if (stop || connectAttempts++ < maxConnectAttempts)
         return true;
     qCDebug(diagnostics) << "[SockJSXHRPollingWorker] Connection attempts exceeded retry limit!";
     return false;
 }
 
-void SockJSXHRPollingWorker::loseInFlight()
+void SockJSXHRPollingWorker::Private::loseInFlight()
 {
-    m_resync = QDeadlineTimer(QDeadlineTimer::Forever);
-    if (XHRRequest* request = std::exchange(m_response, Response()).request)
+    resync = QDeadlineTimer(QDeadlineTimer::Forever);
+    if (XHRRequest* request = std::exchange(response, Response()).request)
         lose(request);
-    while (!m_sentQueue.isEmpty())
-        lose(m_sentQueue.takeFirst());
+    while (!sentQueue.isEmpty())
+        lose(sentQueue.takeFirst());
 }
 
-void SockJSXHRPollingWorker::lose(XHRRequest* request)
+void SockJSXHRPollingWorker::Private::lose(XHRRequest* request)
 {
     letGo(request);
-    Q_EMIT requestLost(request);
+    Q_EMIT q->requestLost(request);
 }
 
-void SockJSXHRPollingWorker::letGo(const XHRRequest* request)
+void SockJSXHRPollingWorker::Private::letGo(const XHRRequest* request)
 {
     if (isReceiveRequest(request))
-        --m_receiving;
+        --receiving;
 }
 
 int SockJSXHRPollingWorker::parseHttpHeaderResponse(QByteArray data, int* status,

@@ -4,18 +4,13 @@
 #include <CalyxClient/transport/XHRRequest.h>
 
 #include <QByteArray>
-#include <QDeadlineTimer>
-#include <QElapsedTimer>
-#include <QList>
-#include <QMutex>
+#include <QMap>
 #include <QObject>
+#include <QString>
 
-#include <atomic>
 #include <memory>
 
-class HttpResponseParser;
 class QTcpSocket;
-class RawConnection;
 
 /// The receiving side of an XHR transport: HTTP/1.1 by hand over one lasting TCP or TLS socket, on a thread
 /// of its own.
@@ -62,7 +57,7 @@ public:
     void forceClose();
 
     /// Whether a receive request ("/xhr" or "/xhr_streaming") is waiting or in flight.
-    bool isReceiving() const { return m_receiving.load() > 0; }
+    bool isReceiving() const;
 
     /// Writes the first waiting request to the socket, if there is one. A step of process(), which takes it
     /// only when nothing is in flight and nothing is half received.
@@ -104,57 +99,6 @@ Q_SIGNALS:
 
 private:
     Q_DISABLE_COPY(SockJSXHRPollingWorker)
-
-    // What is known of the response that is being received.
-    struct Response
-    {
-        XHRRequest* request = nullptr; // null: it answers no request of ours
-        bool closes = false;           // the connection ends after it
-        bool hasText = false;
-        bool isGood = false; // it has given a frame that keeps the session going
-    };
-
-    bool runOnce();
-    void serve();
-    bool mayTransmit() const;
-    bool isInFlight() const { return m_response.request || !m_sentQueue.isEmpty(); }
-    qint64 timeToWait() const;
-    int pauseLimit() const;
-    void wait(qint64 msecs);
-    void wakeFromAnyThread();
-
-    void receive();
-    void readEvents();
-    void beginResponse(const QStringMap& headers, bool chunked, int contentLength, bool closes);
-    void deliver(const QString& text, bool ends);
-    void deliverEnd();
-    void endResponse();
-    void checkTimeLimits();
-    void discardPending();
-
-    void dropConnection();
-    void endConnection();
-    bool restoreConnection();
-    void loseInFlight();
-    void lose(XHRRequest* request);
-    void letGo(const XHRRequest* request);
-
-    QElapsedTimer m_lastReceived;
-    int m_stallLimit = StallLimit;
-    int m_connectAttempts = 0;
-    bool m_keepAlive;
-    std::atomic<bool> m_stop{false};
-    QMutex m_mutex;
-    QList<XHRRequest*> m_txQueue;
-    QList<XHRRequest*> m_sentQueue;
-
-    std::atomic<int> m_waiting{0};   // the size of m_txQueue
-    std::atomic<int> m_receiving{0}; // receive requests that are waiting or in flight
-    RawConnection* m_connection;
-    std::unique_ptr<HttpResponseParser> m_parser;
-    Response m_response;
-    bool m_connected = false;
-    bool m_answered = false; // this connection has brought a response
-    QDeadlineTimer m_hold;   // no request is written and no connection made before it has passed
-    QDeadlineTimer m_resync{QDeadlineTimer::Forever}; // when to give up on a response that was cut by a stall
+    class Private;
+    const std::unique_ptr<Private> d;
 };
