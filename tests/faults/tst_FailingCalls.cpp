@@ -4,6 +4,7 @@
 #include "support/FakeSockJSServer.h"
 #include "support/Gzip.h"
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 #include "support/ScriptedHttpServer.h"
 #include "support/TestCertificates.h"
 #include "support/TimerClock.h"
@@ -131,9 +132,7 @@ private Q_SLOTS:
 
     void openFails_data()
     {
-        QTest::addColumn<Protocols>("protocols");
-        QTest::addColumn<int>("call");
-        QTest::addColumn<int>("error");
+        columns<Protocols, int, int>();
         addTransports([](const char* name, const Protocols& protocols) {
             for (const int error :
                  {ECONNREFUSED, ENETUNREACH, EHOSTUNREACH, ETIMEDOUT, EACCES, EADDRNOTAVAIL})
@@ -149,9 +148,7 @@ private Q_SLOTS:
 
     void openFails()
     {
-        QFETCH(Protocols, protocols);
-        QFETCH(int, call);
-        QFETCH(int, error);
+        const auto [protocols, call, error] = row<Protocols, int, int>();
         FakeSockJSServer server;
         SockJSConnector connector;
         ConnectorProbe probe(&connector);
@@ -172,8 +169,7 @@ private Q_SLOTS:
 
     void sendFails_data()
     {
-        QTest::addColumn<Protocols>("protocols");
-        QTest::addColumn<int>("error");
+        columns<Protocols, int>();
         addTransports([](const char* name, const Protocols& protocols) {
             for (const int error : {EPIPE, ECONNRESET, ENETDOWN})
                 QTest::addRow("%s, %s", name, strerror(error)) << protocols << error;
@@ -183,8 +179,7 @@ private Q_SLOTS:
     // A WebSocket ends with it; of an XHR transport the message is lost.
     void sendFails()
     {
-        QFETCH(Protocols, protocols);
-        QFETCH(int, error);
+        const auto [protocols, error] = row<Protocols, int>();
         FakeSockJSServer server;
         SockJSConnector connector;
         ConnectorProbe probe(&connector);
@@ -209,8 +204,7 @@ private Q_SLOTS:
 
     void handshakeFails_data()
     {
-        QTest::addColumn<Protocols>("protocols");
-        QTest::addColumn<Script>("script");
+        columns<Protocols, Script>();
         addTransports([](const char* name, const Protocols& protocols) {
             for (const auto& broken : brokenHandshakes())
                 QTest::addRow("%s, %s", name, broken.first) << protocols << broken.second;
@@ -219,8 +213,7 @@ private Q_SLOTS:
 
     void handshakeFails()
     {
-        QFETCH(Protocols, protocols);
-        QFETCH(Script, script);
+        const auto [protocols, script] = row<Protocols, Script>();
         ScriptedHttpServer broken;
         // Qt makes a connection again that is reset before it has looked at it, as often as it takes.
         for (int i = 0; i < manyTimes; ++i)
@@ -236,8 +229,7 @@ private Q_SLOTS:
 
     void requestFails_data()
     {
-        QTest::addColumn<int>("call");
-        QTest::addColumn<int>("error");
+        columns<int, int>();
         for (const int error : {ECONNREFUSED, ENETUNREACH, EHOSTUNREACH, ETIMEDOUT, EACCES})
             QTest::addRow("connect: %s", strerror(error)) << int(FailingCalls::Connect) << error;
         for (const int error : {EMFILE, ENFILE, ENOBUFS, ENOMEM})
@@ -249,8 +241,7 @@ private Q_SLOTS:
 
     void requestFails()
     {
-        QFETCH(int, call);
-        QFETCH(int, error);
+        const auto [call, error] = row<int, int>();
         FakeService service;
         PresenterClient client(nullptr, service.url());
         const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
@@ -271,14 +262,14 @@ private Q_SLOTS:
 
     void requestOverTlsFails_data()
     {
-        QTest::addColumn<Script>("script");
+        columns<Script>();
         for (const auto& broken : brokenHandshakes())
             QTest::newRow(broken.first) << broken.second;
     }
 
     void requestOverTlsFails()
     {
-        QFETCH(Script, script);
+        const auto [script] = row<Script>();
         const TestCertificates::TrustedRoot trusted;
         ScriptedHttpServer server;
         // A connection that ends before its request is out is tried again.
@@ -299,8 +290,7 @@ private Q_SLOTS:
 
     void noDescriptorsForTheBus_data()
     {
-        QTest::addColumn<Protocols>("protocols");
-        QTest::addColumn<int>("left");
+        columns<Protocols, int>();
         addTransports([](const char* name, const Protocols& protocols) {
             for (int left = 0; left < 10; ++left)
                 QTest::addRow("%s, %d left", name, left) << protocols << left;
@@ -309,8 +299,7 @@ private Q_SLOTS:
 
     void noDescriptorsForTheBus()
     {
-        QFETCH(Protocols, protocols);
-        QFETCH(int, left);
+        const auto [protocols, left] = row<Protocols, int>();
         SockJSConnector connector;
         ConnectorProbe probe(&connector);
         const LogRecorder log;
@@ -331,14 +320,14 @@ private Q_SLOTS:
 
     void noDescriptorsForTheService_data()
     {
-        QTest::addColumn<int>("left");
+        columns<int>();
         for (int left = 0; left < 10; ++left)
             QTest::addRow("%d left", left) << left;
     }
 
     void noDescriptorsForTheService()
     {
-        QFETCH(int, left);
+        const auto [left] = row<int>();
         FakeService service;
         PresenterClient client(nullptr, service.url());
         const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
@@ -361,7 +350,7 @@ private Q_SLOTS:
 
     void noMemory_data()
     {
-        QTest::addColumn<Step>("step");
+        columns<Step>();
         const QString text = QStringLiteral("Zoë asks: ").repeated(20000);
         QString base64;
         QString list;
@@ -406,7 +395,7 @@ private Q_SLOTS:
     // fails leaves its result as it was, and the next one, which lacks nothing, succeeds.
     void noMemory()
     {
-        QFETCH(Step, step);
+        const auto [step] = row<Step>();
         int refused = 0;
         for (bool hit = true; hit; ++refused) {
             bool ok = false;

@@ -1,5 +1,6 @@
 #include "faults/support/Resources.h"
 #include "support/ConnectorTest.h"
+#include "support/Rows.h"
 #include "support/WaitFor.h"
 
 #include <QNetworkProxy>
@@ -28,9 +29,7 @@ private Q_SLOTS:
 
     void hostActs_data()
     {
-        QTest::addColumn<QString>("transport");
-        QTest::addColumn<int>("moment");
-        QTest::addColumn<QString>("action");
+        columns<QString, int, QString>();
         for (const char* transport : {"websocket", "fallback", "xhr-streaming", "xhr-polling"}) {
             for (int i = 0; i < moments().size(); ++i) {
                 // While an XHR transport is opened no event is processed, and nobody can act.
@@ -46,9 +45,7 @@ private Q_SLOTS:
 
     void hostActs()
     {
-        QFETCH(QString, transport);
-        QFETCH(int, moment);
-        QFETCH(QString, action);
+        const auto [transport, moment, action] = row<QString, int, QString>();
         m_falls = transport == QLatin1String("fallback");
         m_protocols = m_falls ? webSocket : SockJSConnector::GetProtocolsFromStrings({transport});
         if (m_falls)

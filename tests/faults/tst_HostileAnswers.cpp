@@ -2,6 +2,7 @@
 #include "faults/support/FaultSession.h"
 #include "faults/support/Resources.h"
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 #include "support/WaitFor.h"
 
 #include <QNetworkProxy>
@@ -174,8 +175,7 @@ private Q_SLOTS:
 
     void sessionGoesOn_data()
     {
-        QTest::addColumn<bool>("streaming");
-        QTest::addColumn<int>("ending");
+        columns<bool, int>();
         for (const bool streaming : {false, true}) {
             const char* transport = streaming ? "streaming" : "polling";
             QTest::addRow("%s, the connection stays", transport) << streaming << int(Stays);
@@ -186,8 +186,7 @@ private Q_SLOTS:
 
     void sessionGoesOn()
     {
-        QFETCH(bool, streaming);
-        QFETCH(int, ending);
+        const auto [streaming, ending] = row<bool, int>();
         run(allFaults(streaming, Ending(ending)), streaming);
     }
 
@@ -215,9 +214,7 @@ private Q_SLOTS:
 
     void hundredMegabytesOfHeader_data()
     {
-        QTest::addColumn<bool>("streaming");
-        QTest::addColumn<QByteArray>("begin");
-        QTest::addColumn<QByteArray>("piece");
+        columns<bool, QByteArray, QByteArray>();
         const QByteArray status = "HTTP/1.1 200 OK\r\n";
         for (const bool streaming : {false, true}) {
             const char* transport = streaming ? "streaming" : "polling";
@@ -231,9 +228,7 @@ private Q_SLOTS:
 
     void hundredMegabytesOfHeader()
     {
-        QFETCH(bool, streaming);
-        QFETCH(QByteArray, begin);
-        QFETCH(QByteArray, piece);
+        const auto [streaming, begin, piece] = row<bool, QByteArray, QByteArray>();
         const Server::Script flood{Server::send(begin), hundredMegabytes(piece)};
         const PeakMemory memory;
         run({{"a flood", flood}}, streaming);

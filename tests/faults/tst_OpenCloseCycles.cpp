@@ -1,6 +1,7 @@
 #include "faults/support/Resources.h"
 #include "support/ConnectorTest.h"
 #include "support/ProcessResources.h"
+#include "support/Rows.h"
 #include "support/WaitFor.h"
 
 #include <QNetworkProxy>
@@ -38,8 +39,7 @@ private Q_SLOTS:
 
     void cycles_data()
     {
-        QTest::addColumn<QString>("transport");
-        QTest::addColumn<QString>("end");
+        columns<QString, QString>();
         for (const char* transport : {"websocket", "xhr-streaming", "xhr-polling"}) {
             for (const char* end : {"close", "closed by the server", "open", "delete"})
                 QTest::addRow("%s, %s", transport, end)
@@ -49,8 +49,7 @@ private Q_SLOTS:
 
     void cycles()
     {
-        QFETCH(QString, transport);
-        QFETCH(QString, end);
+        const auto [transport, end] = row<QString, QString>();
         m_protocols = SockJSConnector::GetProtocolsFromStrings({transport});
         const int threads = ProcessResources::threads();
         const int descriptors = ProcessResources::descriptors();

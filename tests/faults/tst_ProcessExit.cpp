@@ -1,5 +1,6 @@
 #include "faults/support/Bounds.h"
 #include "support/FakeSockJSServer.h"
+#include "support/Rows.h"
 #include "support/WaitFor.h"
 
 #include <QElapsedTimer>
@@ -20,8 +21,7 @@ class TestProcessExit : public QObject
 private Q_SLOTS:
     void exits_data()
     {
-        QTest::addColumn<QString>("transport");
-        QTest::addColumn<QString>("way");
+        columns<QString, QString>();
         for (const char* transport : {"websocket", "xhr-streaming", "xhr-polling"}) {
             for (const char* way :
                  {"deleted before the application", "child of the application",
@@ -34,8 +34,7 @@ private Q_SLOTS:
     // A process for each state, all at a time.
     void exits()
     {
-        QFETCH(QString, transport);
-        QFETCH(QString, way);
+        const auto [transport, way] = row<QString, QString>();
         struct Run
         {
             QString state;

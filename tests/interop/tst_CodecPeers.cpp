@@ -2,6 +2,7 @@
 // text, and what one refuses the other refuses too, but for what is written down here.
 
 #include "support/Main.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/Lzma>
 
@@ -270,10 +271,7 @@ private Q_SLOTS:
 
     void whoAcceptsWhat_data()
     {
-        QTest::addColumn<QByteArray>("block");
-        QTest::addColumn<bool>("we");
-        QTest::addColumn<bool>("xz");
-        QTest::addColumn<bool>("npm");
+        columns<QByteArray, bool, bool, bool>();
         const QByteArray text = "a text of 25 characters..";
         const QByteArray block = compressed(text);
         const auto withTables = [](int lc, int lp) {
@@ -322,10 +320,7 @@ private Q_SLOTS:
     // - The package does not look at the stream's first byte, which is always 0.
     void whoAcceptsWhat()
     {
-        QFETCH(QByteArray, block);
-        QFETCH(bool, we);
-        QFETCH(bool, xz);
-        QFETCH(bool, npm);
+        const auto [block, we, xz, npm] = row<QByteArray, bool, bool, bool>();
         const Files files;
         QVERIFY(files.write(0, ".lzma", block));
         QVERIFY(files.npm("decompress"));

@@ -2,6 +2,7 @@
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
 #include "support/ProcessResources.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/CollaborationMessageHandler>
 #include <CalyxClient/Learner>
@@ -295,9 +296,7 @@ private Q_SLOTS:
 
     void cell_data()
     {
-        QTest::addColumn<QString>("transport");
-        QTest::addColumn<QString>("action");
-        QTest::addColumn<QString>("occasion");
+        columns<QString, QString, QString>();
         const auto addRows = [this](const QString& transport, const QMap<QString, Occasion>& occasions,
                                     const QStringList& without = {}) {
             for (auto occasion = occasions.cbegin(); occasion != occasions.cend(); ++occasion) {
@@ -320,9 +319,7 @@ private Q_SLOTS:
 
     void cell()
     {
-        QFETCH(QString, transport);
-        QFETCH(QString, action);
-        QFETCH(QString, occasion);
+        const auto [transport, action, occasion] = row<QString, QString, QString>();
         const QString server = m_classroom->url().toString();
         const QPointer<PresenterClient> client(new PresenterClient(nullptr, server));
         World world{transport, client, nullptr};

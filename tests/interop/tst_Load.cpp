@@ -1,3 +1,5 @@
+#include "support/Rows.h"
+
 #include "interop/support/ClassroomSession.h"
 #include "interop/support/Host.h"
 #include "interop/support/Main.h"
@@ -65,14 +67,14 @@ class TestLoad : public QObject
 private Q_SLOTS:
     void everyAnswerComesOnce_data()
     {
-        QTest::addColumn<QString>("transport");
+        columns<QString>();
         for (const QString& transport : Transport::all)
             QTest::newRow(qPrintable(transport)) << transport;
     }
 
     void everyAnswerComesOnce()
     {
-        QFETCH(QString, transport);
+        const auto [transport] = row<QString>();
         const int count = learners();
         Peer classroom(Peers::classroom({QStringLiteral("--quiet")}));
         VERIFY_STARTED(classroom.start());

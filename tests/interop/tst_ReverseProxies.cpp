@@ -1,3 +1,5 @@
+#include "support/Rows.h"
+
 #include "interop/support/Host.h"
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
@@ -86,14 +88,14 @@ private Q_SLOTS:
 
     void setUpForStreaming_data()
     {
-        QTest::addColumn<QString>("transport");
+        columns<QString>();
         for (const QString& transport : Transport::all)
             QTest::newRow(qPrintable(transport)) << transport;
     }
 
     void setUpForStreaming()
     {
-        QFETCH(QString, transport);
+        const auto [transport] = row<QString>();
         ProxiedBus server;
         VERIFY_STARTED(server.start(forStreaming));
         Host host(server.nginx.url());

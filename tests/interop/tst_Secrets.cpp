@@ -1,3 +1,5 @@
+#include "support/Rows.h"
+
 #include "interop/support/Host.h"
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
@@ -13,8 +15,7 @@ class TestSecrets : public QObject
 private Q_SLOTS:
     void lessonIsWrittenNowhere_data()
     {
-        QTest::addColumn<QString>("transport");
-        QTest::addColumn<bool>("diagnostics");
+        columns<QString, bool>();
         for (const QString& transport : Transport::all) {
             for (const bool diagnostics : {false, true})
                 QTest::addRow("%s, diagnostics %s", qPrintable(transport), diagnostics ? "on" : "off")
@@ -24,8 +25,7 @@ private Q_SLOTS:
 
     void lessonIsWrittenNowhere()
     {
-        QFETCH(QString, transport);
-        QFETCH(bool, diagnostics);
+        const auto [transport, diagnostics] = row<QString, bool>();
         Peer classroom(Peers::classroom({QStringLiteral("--quiet")}));
         VERIFY_STARTED(classroom.start());
         const QTemporaryDir folder; // all that a program may take for its own

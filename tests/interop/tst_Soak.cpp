@@ -2,6 +2,7 @@
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
 #include "support/ProcessResources.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/CollaborationMessageHandler>
 #include <CalyxClient/Lzma>
@@ -58,14 +59,14 @@ class TestSoak : public QObject
 private Q_SLOTS:
     void nothingGrows_data()
     {
-        QTest::addColumn<QString>("transport");
+        columns<QString>();
         for (const QString& transport : Transport::all)
             QTest::newRow(qPrintable(transport)) << transport;
     }
 
     void nothingGrows()
     {
-        QFETCH(QString, transport);
+        const auto [transport] = row<QString>();
         Peer bus(Peers::nodeBus({QStringLiteral("--answer"), answerBlock()}));
         VERIFY_STARTED(bus.start());
         PresenterCollab collab(nullptr, bus.url().toString(), QStringLiteral("code"),

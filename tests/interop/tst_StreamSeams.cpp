@@ -1,3 +1,5 @@
+#include "support/Rows.h"
+
 #include "interop/support/Host.h"
 #include "interop/support/Main.h"
 #include "interop/support/Servers.h"
@@ -20,8 +22,7 @@ class TestStreamSeams : public QObject
 private Q_SLOTS:
     void nothingIsLost_data()
     {
-        QTest::addColumn<QString>("server");
-        QTest::addColumn<int>("limit");
+        columns<QString, int>();
         for (const char* server : {"sockjs", "sockjs-go"}) {
             for (const int limit : {4096, 16384, 131072})
                 QTest::addRow("%s, %d bytes", server, limit) << QString::fromLatin1(server) << limit;
@@ -31,7 +32,7 @@ private Q_SLOTS:
     void nothingIsLost()
     {
         constexpr int seamsOfDefaultLimit = 10;
-        QFETCH(int, limit);
+        const auto [server, limit] = row<QString, int>();
         Peer bus;
         VERIFY_STARTED(Servers::start(&bus, {QStringLiteral("--response-limit"), QString::number(limit)}));
         Host host(bus.url());

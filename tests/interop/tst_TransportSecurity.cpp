@@ -2,6 +2,7 @@
 #include "interop/support/Host.h"
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
+#include "support/Rows.h"
 #include "support/TestCertificates.h"
 
 #include <CalyxClient/PresenterCollab>
@@ -27,7 +28,7 @@ class TestTransportSecurity : public QObject
 private Q_SLOTS:
     void trustedAuthorityCarriesTexts_data()
     {
-        QTest::addColumn<QString>("transport");
+        columns<QString>();
         for (const QString& transport : Transport::all)
             QTest::newRow(qPrintable(transport)) << transport;
     }
@@ -35,7 +36,7 @@ private Q_SLOTS:
     void trustedAuthorityCarriesTexts()
     {
         constexpr int texts = 1000;
-        QFETCH(QString, transport);
+        const auto [transport] = row<QString>();
         const TestCertificates::TrustedRoot trusted;
         Peer bus(Peers::nodeBus({QStringLiteral("--count"), QString::number(texts)}));
         VERIFY_STARTED(bus.start());
@@ -70,8 +71,7 @@ private Q_SLOTS:
 
     void anotherCertificateIsRefused_data()
     {
-        QTest::addColumn<QString>("certificate");
-        QTest::addColumn<QString>("transport");
+        columns<QString, QString>();
         for (const char* certificate : {"unknown", "elsewhere", "expired"}) {
             for (const QString& transport : Transport::all)
                 QTest::addRow("%s, %s", certificate, qPrintable(transport))
@@ -81,8 +81,7 @@ private Q_SLOTS:
 
     void anotherCertificateIsRefused()
     {
-        QFETCH(QString, certificate);
-        QFETCH(QString, transport);
+        const auto [certificate, transport] = row<QString, QString>();
         const TestCertificates::TrustedRoot trusted;
         Peer bus(Peers::nodeBus({QStringLiteral("--count"), QStringLiteral("1")}));
         VERIFY_STARTED(bus.start());
@@ -105,17 +104,16 @@ private Q_SLOTS:
 
     void requestsAreRefused_data()
     {
-        QTest::addColumn<QString>("certificate");
-        QTest::addColumn<QString>("error");
-        QTest::newRow("unknown") << QStringLiteral("unknown") << QStringLiteral("SSLRootCertificateMissing");
-        QTest::newRow("elsewhere") << QStringLiteral("elsewhere") << QString();
-        QTest::newRow("expired") << QStringLiteral("expired") << QString();
+        rows<QString, QString>({
+            {"unknown", "unknown", "SSLRootCertificateMissing"},
+            {"elsewhere", "elsewhere", QString()},
+            {"expired", "expired", QString()},
+        });
     }
 
     void requestsAreRefused()
     {
-        QFETCH(QString, certificate);
-        QFETCH(QString, error);
+        const auto [certificate, error] = row<QString, QString>();
         const TestCertificates::TrustedRoot trusted;
         Peer bus(Peers::nodeBus());
         VERIFY_STARTED(bus.start());

@@ -1,4 +1,5 @@
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/CalyxCollabMessage>
 #include <CalyxClient/JsonSerializer>
@@ -105,23 +106,22 @@ private Q_SLOTS:
 
     void mapIsSerialisedAndCompressed_data()
     {
-        QTest::addColumn<QVariant>("data");
-        QTest::addColumn<QString>("json");
-        QTest::newRow("map") << QVariant(QVariantMap{{QStringLiteral("text"), QStringLiteral("Hi")},
-                                                     {QStringLiteral("isDismissible"), true}})
-                             << QStringLiteral("{\n    \"isDismissible\": true,\n    \"text\": \"Hi\"\n}\n");
-        QTest::newRow("empty map") << QVariant(QVariantMap()) << QStringLiteral("{\n}\n");
-        QTest::newRow("hash, which converts to a map")
-            << QVariant(QVariantHash{{QStringLiteral("a"), 1}}) << QStringLiteral("{\n    \"a\": 1\n}\n");
-        QTest::newRow("map of another type, which converts to a map")
-            << QVariant::fromValue(QMap<QString, int>{{QStringLiteral("a"), 1}})
-            << QStringLiteral("{\n    \"a\": 1\n}\n");
+        rows<QVariant, QString>({
+            {"map",
+             QVariant(QVariantMap{{QStringLiteral("text"), QStringLiteral("Hi")},
+                                  {QStringLiteral("isDismissible"), true}}),
+             "{\n    \"isDismissible\": true,\n    \"text\": \"Hi\"\n}\n"},
+            {"empty map", QVariant(QVariantMap()), "{\n}\n"},
+            {"hash, which converts to a map", QVariant(QVariantHash{{QStringLiteral("a"), 1}}),
+             "{\n    \"a\": 1\n}\n"},
+            {"map of another type, which converts to a map",
+             QVariant::fromValue(QMap<QString, int>{{QStringLiteral("a"), 1}}), "{\n    \"a\": 1\n}\n"},
+        });
     }
 
     void mapIsSerialisedAndCompressed()
     {
-        QFETCH(QVariant, data);
-        QFETCH(QString, json);
+        const auto [data, json] = row<QVariant, QString>();
         CalyxCollabMessage message;
         message.setdata(data);
         message.compileData();
@@ -141,17 +141,18 @@ private Q_SLOTS:
 
     void dataThatIsNoMapStaysAndIsReported_data()
     {
-        QTest::addColumn<QVariant>("data");
-        QTest::newRow("nothing") << QVariant();
-        QTest::newRow("text") << QVariant(QStringLiteral("{\"a\":1}"));
-        QTest::newRow("number") << QVariant(5);
-        QTest::newRow("list") << QVariant(QVariantList{QVariantMap()});
-        QTest::newRow("bytes") << QVariant(QByteArray("{}"));
+        rows<QVariant>({
+            {"nothing", QVariant()},
+            {"text", QVariant(QStringLiteral("{\"a\":1}"))},
+            {"number", QVariant(5)},
+            {"list", QVariant(QVariantList{QVariantMap()})},
+            {"bytes", QVariant(QByteArray("{}"))},
+        });
     }
 
     void dataThatIsNoMapStaysAndIsReported()
     {
-        QFETCH(QVariant, data);
+        const auto [data] = row<QVariant>();
         CalyxCollabMessage message;
         message.setdata(data);
         message.compileData();

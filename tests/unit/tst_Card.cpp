@@ -1,4 +1,5 @@
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/Card>
 #include <CalyxClient/JsonSerializer>
@@ -80,15 +81,16 @@ private Q_SLOTS:
 
     void backgroundImageIsSetUnchanged_data()
     {
-        QTest::addColumn<QString>("url");
-        QTest::newRow("CSS") << QStringLiteral("url('http://127.0.0.1/a b?c=%20')");
-        QTest::newRow("bare") << QStringLiteral("http://127.0.0.1/image");
-        QTest::newRow("data URI") << QStringLiteral("data:image/png;base64,iVBORw0KGgo=");
+        rows<QString>({
+            {"CSS", "url('http://127.0.0.1/a b?c=%20')"},
+            {"bare", "http://127.0.0.1/image"},
+            {"data URI", "data:image/png;base64,iVBORw0KGgo="},
+        });
     }
 
     void backgroundImageIsSetUnchanged()
     {
-        QFETCH(QString, url);
+        const auto [url] = row<QString>();
         Card card;
         card.setBackgroundImage(QStringLiteral("before"));
         card.setBackgroundImage(url);

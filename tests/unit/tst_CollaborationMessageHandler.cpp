@@ -3,6 +3,7 @@
 // tst_CollaborationMessageHandlerLog.
 
 #include "support/MessageHandlerTest.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/Lzma>
 
@@ -63,8 +64,7 @@ private Q_SLOTS:
 
     void framesBecomeSignals_data()
     {
-        QTest::addColumn<QString>("frame");
-        QTest::addColumn<QString>("heard");
+        columns<QString, QString>();
 
         const auto row = [](const char* name, const char* body, const char* heard,
                             const QString& data = QString()) {
@@ -130,15 +130,14 @@ private Q_SLOTS:
 
     void framesBecomeSignals()
     {
-        QFETCH(QString, frame);
-        QFETCH(QString, heard);
+        const auto [frame, heard] = row<QString, QString>();
         emit m_host->frame(frame);
         QCOMPARE(m_host->heard, QStringList({heard}));
     }
 
     void framesThatSayNothingAreDropped_data()
     {
-        QTest::addColumn<QString>("frame");
+        columns<QString>();
 
         const auto row = [](const char* name, const QString& frame) { QTest::newRow(name) << frame; };
         row("nothing", QString());
@@ -185,7 +184,7 @@ private Q_SLOTS:
 
     void framesThatSayNothingAreDropped()
     {
-        QFETCH(QString, frame);
+        const auto [frame] = row<QString>();
         emit m_host->frame(frame);
         QCOMPARE(m_host->heard, QStringList());
         // And the next one is heard.
@@ -195,7 +194,7 @@ private Q_SLOTS:
 
     void remoteCommands_data()
     {
-        QTest::addColumn<QString>("type");
+        columns<QString>();
         for (const char* type :
              {"stopSession", "requestLessonInfo", "requestLesson", "presenterActive", "pause", "resume",
               "lockAll", "unlockAll", "nextCard", "previousCard", "pushCurrentCard", "addImageCard"})
@@ -204,7 +203,7 @@ private Q_SLOTS:
 
     void remoteCommands()
     {
-        QFETCH(QString, type);
+        const auto [type] = row<QString>();
         const QString data = compressed(R"({"id":"l1"})");
         emit m_host->frame(
             QStringLiteral(R"({"body":{"type":"%1","from":"c1","data":"%2"}})").arg(type, data));
@@ -215,7 +214,7 @@ private Q_SLOTS:
 
     void typesThatAreNoCommandsAreUnhandled_data()
     {
-        QTest::addColumn<QString>("type");
+        columns<QString>();
         for (const char* type :
              {"Join", "JOIN", "join ", "stopsession", "poll", "questionStart", "pollStop", "register",
               "unregister", "disconnect", "heavy", "showCard", "currentLesson", "learnerGetQuestion"})
@@ -224,7 +223,7 @@ private Q_SLOTS:
 
     void typesThatAreNoCommandsAreUnhandled()
     {
-        QFETCH(QString, type);
+        const auto [type] = row<QString>();
         emit m_host->frame(QStringLiteral(R"({"body":{"type":"%1"}})").arg(type));
         QCOMPARE(m_host->heard,
                  QStringList({QStringLiteral(R"(unhandled {"type":"%1"} invalid)").arg(type)}));
@@ -276,19 +275,17 @@ private Q_SLOTS:
 
     void registerActionWhenCalledDirectly_data()
     {
-        QTest::addColumn<QString>("kind");
-        QTest::addColumn<QStringList>("heard");
-        QTest::newRow("controller") << QStringLiteral("controller")
-                                    << QStringList{QStringLiteral("controller comes")};
-        QTest::newRow("user") << QStringLiteral("user") << QStringList();
-        QTest::newRow("in capitals") << QStringLiteral("Controller") << QStringList();
-        QTest::newRow("none") << QString() << QStringList();
+        rows<QString, QStringList>({
+            {"controller", "controller", QStringList{QStringLiteral("controller comes")}},
+            {"user", "user", QStringList()},
+            {"in capitals", "Controller", QStringList()},
+            {"none", QString(), QStringList()},
+        });
     }
 
     void registerActionWhenCalledDirectly()
     {
-        QFETCH(QString, kind);
-        QFETCH(QStringList, heard);
+        const auto [kind, heard] = row<QString, QStringList>();
         const QVariantMap client{{QStringLiteral("token"), QStringLiteral("t-17")},
                                  {QStringLiteral("type"), kind}};
         m_handler->actionRegister({{QStringLiteral("client"), client}});
@@ -303,22 +300,21 @@ private Q_SLOTS:
 
     void anySlotMayDeleteTheHandler_data()
     {
-        QTest::addColumn<QString>("body");
-        QTest::newRow("learnerPollResponse, poll") << R"({"type":"pollResponse","from":"d1"})";
-        QTest::newRow("learnerPollResponse, question") << R"({"type":"questionResponse","from":"d1"})";
-        QTest::newRow("learnerJoin") << R"({"type":"join","from":"d1"})";
-        QTest::newRow("learnerUnregister")
-            << R"({"action":"unregister","client":{"token":"d1","type":"user"}})";
-        QTest::newRow("controllerRegister")
-            << R"({"action":"unregister","client":{"token":"c1","type":"controller"}})";
-        QTest::newRow("remoteControl") << R"({"type":"pause","from":"c1"})";
-        QTest::newRow("unhandledMessage") << R"({"type":"chat"})";
-        QTest::newRow("learnerGetQuestion") << R"({"type":"questionGet","from":"d1"})";
+        rows<QString>({
+            {"learnerPollResponse, poll", R"({"type":"pollResponse","from":"d1"})"},
+            {"learnerPollResponse, question", R"({"type":"questionResponse","from":"d1"})"},
+            {"learnerJoin", R"({"type":"join","from":"d1"})"},
+            {"learnerUnregister", R"({"action":"unregister","client":{"token":"d1","type":"user"}})"},
+            {"controllerRegister", R"({"action":"unregister","client":{"token":"c1","type":"controller"}})"},
+            {"remoteControl", R"({"type":"pause","from":"c1"})"},
+            {"unhandledMessage", R"({"type":"chat"})"},
+            {"learnerGetQuestion", R"({"type":"questionGet","from":"d1"})"},
+        });
     }
 
     void anySlotMayDeleteTheHandler()
     {
-        QFETCH(QString, body);
+        const auto [body] = row<QString>();
         m_host->victim = m_handler;
         emit m_host->frame(QStringLiteral("{\"body\":") + body + QLatin1Char('}'));
         QCOMPARE(m_host->heard.size(), 1);

@@ -1,6 +1,7 @@
 // What becomes of the data of a message body.
 
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/CollaborationMessageHandler>
 #include <CalyxClient/Lzma>
@@ -81,47 +82,44 @@ private Q_SLOTS:
 
     void noData_data()
     {
-        QTest::addColumn<QVariantMap>("body");
-        QTest::newRow("absent") << json(R"({"type":"x"})").toMap();
-        QTest::newRow("null") << json(R"({"data":null})").toMap();
-        QTest::newRow("object") << json(R"({"data":{"a":1}})").toMap();
-        QTest::newRow("empty object") << json(R"({"data":{}})").toMap();
-        QTest::newRow("in another spelling") << json(R"({"Data":"x"})").toMap();
-        QTest::newRow("empty body") << QVariantMap();
+        rows<QVariantMap>({
+            {"absent", json(R"({"type":"x"})").toMap()},
+            {"null", json(R"({"data":null})").toMap()},
+            {"object", json(R"({"data":{"a":1}})").toMap()},
+            {"empty object", json(R"({"data":{}})").toMap()},
+            {"in another spelling", json(R"({"Data":"x"})").toMap()},
+            {"empty body", QVariantMap()},
+        });
     }
 
     void noData()
     {
-        QFETCH(QVariantMap, body);
+        const auto [body] = row<QVariantMap>();
         QVERIFY(!m_handler->getDataValue(body).isValid());
         QCOMPARE(m_log->debug(), QStringList());
     }
 
     void singleText_data()
     {
-        QTest::addColumn<QString>("content");
-        QTest::addColumn<QVariant>("expected");
-
-        QTest::newRow("object") << QStringLiteral(R"({"b":[1,null],"a":"x"})")
-                                << json(R"({"b":[1,null],"a":"x"})");
-        QTest::newRow("empty object") << QStringLiteral("{}") << QVariant(QVariantMap());
-        QTest::newRow("object outside ASCII")
-            << QString::fromUtf8(u8R"({"ä":"日本 😀"})") << json(u8R"({"ä":"日本 😀"})");
-        QTest::newRow("object with blanks around") << QStringLiteral(" {\n}\n ") << QVariant(QVariantMap());
-        QTest::newRow("array") << QStringLiteral("[1,2]") << INVALID;
-        QTest::newRow("array of objects") << QStringLiteral("[{}]") << INVALID;
-        QTest::newRow("bare number") << QStringLiteral("5") << INVALID;
-        QTest::newRow("bare text") << QStringLiteral("\"poll-1\"") << INVALID;
-        QTest::newRow("bare null") << QStringLiteral("null") << INVALID;
-        QTest::newRow("no JSON") << QStringLiteral("hello") << INVALID;
-        QTest::newRow("cut off JSON") << QStringLiteral("{\"a\":") << INVALID;
-        QTest::newRow("nothing") << QStringLiteral("") << INVALID;
+        rows<QString, QVariant>({
+            {"object", R"({"b":[1,null],"a":"x"})", json(R"({"b":[1,null],"a":"x"})")},
+            {"empty object", "{}", QVariant(QVariantMap())},
+            {"object outside ASCII", QString::fromUtf8(u8R"({"ä":"日本 😀"})"), json(u8R"({"ä":"日本 😀"})")},
+            {"object with blanks around", " {\n}\n ", QVariant(QVariantMap())},
+            {"array", "[1,2]", INVALID},
+            {"array of objects", "[{}]", INVALID},
+            {"bare number", "5", INVALID},
+            {"bare text", "\"poll-1\"", INVALID},
+            {"bare null", "null", INVALID},
+            {"no JSON", "hello", INVALID},
+            {"cut off JSON", "{\"a\":", INVALID},
+            {"nothing", "", INVALID},
+        });
     }
 
     void singleText()
     {
-        QFETCH(QString, content);
-        QFETCH(QVariant, expected);
+        const auto [content, expected] = row<QString, QVariant>();
         for (const QString& text : {base64(content), byteList(content)}) {
             const QVariant data = decoded(text);
             QCOMPARE(data, expected);
@@ -135,8 +133,7 @@ private Q_SLOTS:
 
     void singleTextThatIsNotCompressedIsForwarded_data()
     {
-        QTest::addColumn<QVariant>("data");
-        QTest::addColumn<QString>("text");
+        columns<QVariant, QString>();
         const QString good = base64(QStringLiteral(R"({"a":1})"));
         QTest::newRow("word") << QVariant(QStringLiteral("hello")) << QStringLiteral("hello");
         QTest::newRow("empty") << QVariant(QStringLiteral("")) << QStringLiteral("");
@@ -155,8 +152,7 @@ private Q_SLOTS:
 
     void singleTextThatIsNotCompressedIsForwarded()
     {
-        QFETCH(QVariant, data);
-        QFETCH(QString, text);
+        const auto [data, text] = row<QVariant, QString>();
         const QVariant result = decoded(data);
         QVERIFY(result.isValid());
         QCOMPARE(result.userType(), int(QMetaType::QString));
@@ -167,8 +163,7 @@ private Q_SLOTS:
 
     void listOfTexts_data()
     {
-        QTest::addColumn<QVariantList>("list");
-        QTest::addColumn<QVariant>("expected");
+        columns<QVariantList, QVariant>();
 
         const QVariant object = json(R"({"a":[1,2],"b":"c"})");
         const QString first = base64(QStringLiteral(R"({"a":[1,)"));
@@ -213,8 +208,7 @@ private Q_SLOTS:
 
     void listOfTexts()
     {
-        QFETCH(QVariantList, list);
-        QFETCH(QVariant, expected);
+        const auto [list, expected] = row<QVariantList, QVariant>();
         const QVariant data = decoded(list);
         QCOMPARE(data.userType(), expected.userType());
         QCOMPARE(data, expected);
@@ -227,7 +221,7 @@ private Q_SLOTS:
 
     void listOfTextsThatAreNotCompressedIsInvalid_data()
     {
-        QTest::addColumn<QVariantList>("list");
+        columns<QVariantList>();
         QTest::newRow("one") << QVariantList{QStringLiteral("hello")};
         QTest::newRow("several") << QVariantList{QStringLiteral("hello"), QStringLiteral("there"), 5};
         QTest::newRow("empty texts") << QVariantList{QStringLiteral(""), QStringLiteral("")};
@@ -239,15 +233,14 @@ private Q_SLOTS:
 
     void listOfTextsThatAreNotCompressedIsInvalid()
     {
-        QFETCH(QVariantList, list);
+        const auto [list] = row<QVariantList>();
         QVERIFY(!decoded(list).isValid());
         QCOMPARE(m_log->debug(), QStringList());
     }
 
     void listOfNumbers_data()
     {
-        QTest::addColumn<QVariantList>("list");
-        QTest::addColumn<QVariant>("expected");
+        columns<QVariantList, QVariant>();
 
         const QString object = QString::fromUtf8(u8R"({"a":[1,2],"b":"ä😀"})");
         const QVariant expected = QJsonDocument::fromJson(object.toUtf8()).toVariant();
@@ -268,8 +261,7 @@ private Q_SLOTS:
 
     void listOfNumbers()
     {
-        QFETCH(QVariantList, list);
-        QFETCH(QVariant, expected);
+        const auto [list, expected] = row<QVariantList, QVariant>();
         const QVariant data = decoded(list);
         QCOMPARE(data.userType(), expected.userType());
         QCOMPARE(data, expected);
@@ -279,22 +271,21 @@ private Q_SLOTS:
 
     void listThatHoldsNoBlockIsInvalid_data()
     {
-        QTest::addColumn<QVariantList>("list");
-        QTest::newRow("few numbers") << json("[93,0,0]").toList();
-        QTest::newRow("many numbers")
-            << json("[1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18,19,20]").toList();
-        QTest::newRow("block cut off") << numbers(QStringLiteral("{}")).mid(0, 18);
-        QTest::newRow("null") << json("[null]").toList();
-        QTest::newRow("true") << json("[true]").toList();
-        QTest::newRow("object") << json("[{\"a\":1}]").toList();
-        QTest::newRow("list") << QVariantList{QVariant(numbers(QStringLiteral("{}")))};
-        QTest::newRow("block behind a null")
-            << QVariantList{QVariant::fromValue(nullptr), base64(QStringLiteral("{}"))};
+        rows<QVariantList>({
+            {"few numbers", json("[93,0,0]").toList()},
+            {"many numbers", json("[1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18,19,20]").toList()},
+            {"block cut off", numbers(QStringLiteral("{}")).mid(0, 18)},
+            {"null", json("[null]").toList()},
+            {"true", json("[true]").toList()},
+            {"object", json("[{\"a\":1}]").toList()},
+            {"list", QVariantList{QVariant(numbers(QStringLiteral("{}")))}},
+            {"block behind a null", QVariantList{QVariant::fromValue(nullptr), base64(QStringLiteral("{}"))}},
+        });
     }
 
     void listThatHoldsNoBlockIsInvalid()
     {
-        QFETCH(QVariantList, list);
+        const auto [list] = row<QVariantList>();
         QVERIFY(!decoded(list).isValid());
         QCOMPARE(m_log->debug().size(), 1);
         QCOMPARE(m_log->debug(LIST_FAILED).size(), 1);

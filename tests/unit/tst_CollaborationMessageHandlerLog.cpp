@@ -1,6 +1,7 @@
 // What each frame writes to the log.
 
 #include "support/MessageHandlerTest.h"
+#include "support/Rows.h"
 
 #include <QLoggingCategory>
 #include <QTest>
@@ -12,9 +13,8 @@ class tst_CollaborationMessageHandlerLog : public MessageHandlerTest
 private Q_SLOTS:
     void logOfAFrame_data()
     {
-        QTest::addColumn<QString>("frame");
+        columns<QString, QList<QStringList>>();
         // For each line, how it begins and what it names.
-        QTest::addColumn<QList<QStringList>>("lines");
 
         const QStringList any{QStringLiteral("[MessageHandler]"), QStringLiteral("\n")};
         const auto lines = [&any](const QList<QStringList>& more) { return QList<QStringList>{any} + more; };
@@ -46,8 +46,7 @@ private Q_SLOTS:
 
     void logOfAFrame()
     {
-        QFETCH(QString, frame);
-        QFETCH(QList<QStringList>, lines);
+        const auto [frame, lines] = row<QString, QList<QStringList>>();
         emit m_host->frame(frame);
         const QStringList logged = m_log->debug();
         QCOMPARE(logged.size(), lines.size());

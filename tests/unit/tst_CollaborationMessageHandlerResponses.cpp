@@ -1,6 +1,7 @@
 // Learners' answers and requests, reduced to what the host is told.
 
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/CollaborationMessageHandler>
 
@@ -50,8 +51,7 @@ private Q_SLOTS:
 
     void answerOfAPollResponse_data()
     {
-        QTest::addColumn<QString>("blob");
-        QTest::addColumn<QString>("answer");
+        columns<QString, QString>();
 
         QTest::newRow("list of two") << R"({"pick":["A","C"]})"
                                      << "A,C";
@@ -124,8 +124,7 @@ private Q_SLOTS:
 
     void answerOfAPollResponse()
     {
-        QFETCH(QString, blob);
-        QFETCH(QString, answer);
+        const auto [blob, answer] = row<QString, QString>();
         const QVariant data =
             json(QStringLiteral(R"({"pollId":"p1","responseTime":2500,"blob":)") + blob + QLatin1Char('}'));
         QVERIFY(data.isValid());
@@ -136,8 +135,7 @@ private Q_SLOTS:
 
     void answerOfAQuestionResponse_data()
     {
-        QTest::addColumn<QString>("members");
-        QTest::addColumn<QString>("answer");
+        columns<QString, QString>();
 
         const QString options =
             QStringLiteral(R"("optionAnswers":[{"activityOptionId":"P"},{"activityOptionId":"Q"}])");
@@ -167,8 +165,7 @@ private Q_SLOTS:
 
     void answerOfAQuestionResponse()
     {
-        QFETCH(QString, members);
-        QFETCH(QString, answer);
+        const auto [members, answer] = row<QString, QString>();
         const QVariant data =
             json(QStringLiteral(R"({"questionId":"q1","responseTime":2500,)") + members + QLatin1Char('}'));
         QVERIFY(data.isValid());
@@ -178,31 +175,27 @@ private Q_SLOTS:
 
     void responseTime_data()
     {
-        QTest::addColumn<QString>("time");
-        QTest::addColumn<int>("ofPoll");
-        QTest::addColumn<int>("ofQuestion");
-
-        QTest::newRow("2500") << "2500" << 2500 << 2;
-        QTest::newRow("1999") << "1999" << 1999 << 1;
-        QTest::newRow("1000") << "1000" << 1000 << 1;
-        QTest::newRow("999") << "999" << 999 << 0;
-        QTest::newRow("0") << "0" << 0 << 0;
-        QTest::newRow("-999") << "-999" << -999 << 0;
-        QTest::newRow("-1500") << "-1500" << -1500 << -1;
-        QTest::newRow("largest") << "2147483647" << 2147483647 << 2147483;
-        QTest::newRow("text of a number") << "\"2500\"" << 2500 << 2;
-        QTest::newRow("text") << "\"soon\"" << 0 << 0;
-        QTest::newRow("empty text") << "\"\"" << 0 << 0;
-        QTest::newRow("null") << "null" << 0 << 0;
-        QTest::newRow("list") << "[2500]" << 0 << 0;
-        QTest::newRow("object") << "{\"ms\":2500}" << 0 << 0;
+        rows<QString, int, int>({
+            {"2500", "2500", 2500, 2},
+            {"1999", "1999", 1999, 1},
+            {"1000", "1000", 1000, 1},
+            {"999", "999", 999, 0},
+            {"0", "0", 0, 0},
+            {"-999", "-999", -999, 0},
+            {"-1500", "-1500", -1500, -1},
+            {"largest", "2147483647", 2147483647, 2147483},
+            {"text of a number", "\"2500\"", 2500, 2},
+            {"text", "\"soon\"", 0, 0},
+            {"empty text", "\"\"", 0, 0},
+            {"null", "null", 0, 0},
+            {"list", "[2500]", 0, 0},
+            {"object", "{\"ms\":2500}", 0, 0},
+        });
     }
 
     void responseTime()
     {
-        QFETCH(QString, time);
-        QFETCH(int, ofPoll);
-        QFETCH(int, ofQuestion);
+        const auto [time, ofPoll, ofQuestion] = row<QString, int, int>();
         const QVariant data = json(QStringLiteral(R"({"responseTime":%1})").arg(time));
         QVERIFY(data.isValid());
         m_handler->dataPollResponse(QVariantMap(), data);
@@ -214,40 +207,20 @@ private Q_SLOTS:
 
     void idsAndSenders_data()
     {
-        QTest::addColumn<QVariantMap>("body");
-        QTest::addColumn<QString>("id");
-        QTest::addColumn<QString>("heardSender");
-        QTest::addColumn<QString>("heardId");
-
-        QTest::newRow("texts") << from(QStringLiteral("d1")) << "\"i1\""
-                               << "d1"
-                               << "i1";
-        QTest::newRow("no sender") << QVariantMap() << "\"i1\""
-                                   << ""
-                                   << "i1";
-        QTest::newRow("sender is a number") << json(QStringLiteral(R"({"from":7})")).toMap() << "\"i1\""
-                                            << "7"
-                                            << "i1";
-        QTest::newRow("sender is null") << json(QStringLiteral(R"({"from":null})")).toMap() << "\"i1\""
-                                        << ""
-                                        << "i1";
-        QTest::newRow("id is a number") << from(QStringLiteral("d1")) << "12"
-                                        << "d1"
-                                        << "12";
-        QTest::newRow("id is an object") << from(QStringLiteral("d1")) << "{}"
-                                         << "d1"
-                                         << "";
-        QTest::newRow("id is null") << from(QStringLiteral("d1")) << "null"
-                                    << "d1"
-                                    << "";
+        rows<QVariantMap, QString, QString, QString>({
+            {"texts", from(QStringLiteral("d1")), "\"i1\"", "d1", "i1"},
+            {"no sender", QVariantMap(), "\"i1\"", "", "i1"},
+            {"sender is a number", json(QStringLiteral(R"({"from":7})")).toMap(), "\"i1\"", "7", "i1"},
+            {"sender is null", json(QStringLiteral(R"({"from":null})")).toMap(), "\"i1\"", "", "i1"},
+            {"id is a number", from(QStringLiteral("d1")), "12", "d1", "12"},
+            {"id is an object", from(QStringLiteral("d1")), "{}", "d1", ""},
+            {"id is null", from(QStringLiteral("d1")), "null", "d1", ""},
+        });
     }
 
     void idsAndSenders()
     {
-        QFETCH(QVariantMap, body);
-        QFETCH(QString, id);
-        QFETCH(QString, heardSender);
-        QFETCH(QString, heardId);
+        const auto [body, id, heardSender, heardId] = row<QVariantMap, QString, QString, QString>();
         m_handler->dataPollResponse(body,
                                     json(QStringLiteral(R"({"pollId":%1,"questionId":"other"})").arg(id)));
         m_handler->dataQuestionResponse(
@@ -258,18 +231,18 @@ private Q_SLOTS:
 
     void dataOfAnotherKindGivesEmptyValues_data()
     {
-        QTest::addColumn<QVariant>("data");
-        QTest::newRow("invalid") << QVariant();
-        QTest::newRow("text") << QVariant(QStringLiteral(R"({"pollId":"p1"})"));
-        QTest::newRow("bytes") << QVariant(QByteArray(R"({"pollId":"p1"})"));
-        QTest::newRow("list") << QVariant(
-            QVariantList{QVariantMap{{QStringLiteral("pollId"), QStringLiteral("p1")}}});
-        QTest::newRow("empty map") << QVariant(QVariantMap());
+        rows<QVariant>({
+            {"invalid", QVariant()},
+            {"text", QVariant(QStringLiteral(R"({"pollId":"p1"})"))},
+            {"bytes", QVariant(QByteArray(R"({"pollId":"p1"})"))},
+            {"list", QVariant(QVariantList{QVariantMap{{QStringLiteral("pollId"), QStringLiteral("p1")}}})},
+            {"empty map", QVariant(QVariantMap())},
+        });
     }
 
     void dataOfAnotherKindGivesEmptyValues()
     {
-        QFETCH(QVariant, data);
+        const auto [data] = row<QVariant>();
         const QVariantMap body = from(QStringLiteral("d1"));
         m_handler->dataPollResponse(body, data);
         m_handler->dataQuestionResponse(body, data);
@@ -291,21 +264,20 @@ private Q_SLOTS:
 
     void questionRequest_data()
     {
-        QTest::addColumn<QString>("data");
-        QTest::addColumn<int>("number");
-        QTest::newRow("number") << R"({"questionNumber":3})" << 3;
-        QTest::newRow("negative") << R"({"questionNumber":-1})" << -1;
-        QTest::newRow("text of a number") << R"({"questionNumber":"12"})" << 12;
-        QTest::newRow("text") << R"({"questionNumber":"next"})" << 0;
-        QTest::newRow("null") << R"({"questionNumber":null})" << 0;
-        QTest::newRow("list") << R"({"questionNumber":[3]})" << 0;
-        QTest::newRow("absent") << "{}" << 0;
+        rows<QString, int>({
+            {"number", R"({"questionNumber":3})", 3},
+            {"negative", R"({"questionNumber":-1})", -1},
+            {"text of a number", R"({"questionNumber":"12"})", 12},
+            {"text", R"({"questionNumber":"next"})", 0},
+            {"null", R"({"questionNumber":null})", 0},
+            {"list", R"({"questionNumber":[3]})", 0},
+            {"absent", "{}", 0},
+        });
     }
 
     void questionRequest()
     {
-        QFETCH(QString, data);
-        QFETCH(int, number);
+        const auto [data, number] = row<QString, int>();
         m_handler->dataGetQuestion(from(QStringLiteral("d1")), json(data));
         QCOMPARE(*m_requests, QList<QVariantList>({{QStringLiteral("d1"), number}}));
         QCOMPARE(m_answers->size(), 0);

@@ -1,5 +1,6 @@
 #include "support/ConnectorProbe.h"
 #include "support/FakeService.h"
+#include "support/Rows.h"
 #include "support/ScriptedHttpServer.h"
 #include "support/TestCertificates.h"
 #include "support/TransportSession.h"
@@ -110,14 +111,14 @@ private Q_SLOTS:
 
     void cookieForAnotherServiceIsNotKept_data()
     {
-        QTest::addColumn<QByteArray>("domain");
+        columns<QByteArray>();
         for (const char* domain : {"127.0.0.2", ".0.0.1", "0.0.1", "localhost", ".example"})
             QTest::newRow(domain) << QByteArray(domain);
     }
 
     void cookieForAnotherServiceIsNotKept()
     {
-        QFETCH(QByteArray, domain);
+        const auto [domain] = row<QByteArray>();
         FakeService here;
         ElsewhereService there;
         here.expect("/tavisto", Answer::json("{}").with("Set-Cookie", "a=1; Path=/; Domain=" + domain));
@@ -132,8 +133,7 @@ private Q_SLOTS:
 
     void redirectSendsNothingByItself_data()
     {
-        QTest::addColumn<int>("status");
-        QTest::addColumn<bool>("moves");
+        columns<int, bool>();
         for (const int status : {301, 302, 303, 307, 308})
             QTest::addRow("%d", status) << status << true;
         for (const int status : {200, 201, 300, 304, 305, 401, 503})
@@ -143,8 +143,7 @@ private Q_SLOTS:
     // Neither the password nor the request: both go to where the host has been told that they go.
     void redirectSendsNothingByItself()
     {
-        QFETCH(int, status);
-        QFETCH(bool, moves);
+        const auto [status, moves] = row<int, bool>();
         FakeService here;
         ElsewhereService there;
         here.expect("/tavisto/login/submit", Answer::redirect(there.address() + "/tavisto", status));
@@ -192,7 +191,7 @@ private Q_SLOTS:
 
     void busIsNotFollowedElsewhere_data()
     {
-        QTest::addColumn<int>("protocol");
+        columns<int>();
         const QMap<SockJSConnector::PROTOCOL_TYPE, QString> protocols = SockJSConnector::PROTOCOL_TYPE_STR();
         for (auto protocol = protocols.begin(); protocol != protocols.end(); ++protocol)
             QTest::newRow(qPrintable(protocol.value())) << int(protocol.key());
@@ -201,7 +200,7 @@ private Q_SLOTS:
     // An answer is an answer to these, whatever its status says.
     void busIsNotFollowedElsewhere()
     {
-        QFETCH(int, protocol);
+        const auto [protocol] = row<int>();
         const Server elsewhere;
         Server server;
         server.answerAlways("", redirection(elsewhere.port()));
@@ -232,22 +231,21 @@ private Q_SLOTS:
 
     void busKeepsItsCookiesToItself_data()
     {
-        QTest::addColumn<QByteArray>("attributes");
-        QTest::addColumn<bool>("isSent");
-        QTest::newRow("none") << QByteArray() << true;
-        QTest::newRow("its path") << QByteArray("; Path=/p") << true;
-        QTest::newRow("its address") << QByteArray("; Domain=127.0.0.1") << true;
-        QTest::newRow("another address") << QByteArray("; Domain=127.0.0.2") << false;
-        QTest::newRow("the end of its address") << QByteArray("; Domain=.0.0.1") << false;
-        QTest::newRow("another path") << QByteArray("; Path=/other") << false;
-        QTest::newRow("secure") << QByteArray("; Secure") << false;
-        QTest::newRow("expired") << QByteArray("; Max-Age=0") << false;
+        rows<QByteArray, bool>({
+            {"none", QByteArray(), true},
+            {"its path", "; Path=/p", true},
+            {"its address", "; Domain=127.0.0.1", true},
+            {"another address", "; Domain=127.0.0.2", false},
+            {"the end of its address", "; Domain=.0.0.1", false},
+            {"another path", "; Path=/other", false},
+            {"secure", "; Secure", false},
+            {"expired", "; Max-Age=0", false},
+        });
     }
 
     void busKeepsItsCookiesToItself()
     {
-        QFETCH(QByteArray, attributes);
-        QFETCH(bool, isSent);
+        const auto [attributes, isSent] = row<QByteArray, bool>();
         Server server;
         server.answer("/xhr", plain("o\n", "Set-Cookie: a=1" + attributes + "\r\n"));
         server.answerAlways("/xhr_send", plain(""));

@@ -1,3 +1,5 @@
+#include "support/Rows.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QRegularExpression>
@@ -140,7 +142,7 @@ private Q_SLOTS:
 
     void nothingElseWrites_data()
     {
-        QTest::addColumn<QString>("name");
+        columns<QString>();
         for (const char* name : {"printf(",       "fprintf(",
                                  "puts(",         "fputs(",
                                  "fwrite(",       "cout ",
@@ -159,7 +161,7 @@ private Q_SLOTS:
 
     void nothingElseWrites()
     {
-        QFETCH(QString, name);
+        const auto [name] = row<QString>();
         const QRegularExpression word(QStringLiteral("\\b") + QRegularExpression::escape(name));
         const QMap<QString, QString> all = sources();
         for (auto source = all.begin(); source != all.end(); ++source)

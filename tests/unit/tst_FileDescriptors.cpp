@@ -1,6 +1,7 @@
 #include "base/FileDescriptors.h"
 
 #include "support/ProcessResources.h"
+#include "support/Rows.h"
 
 #include <QTest>
 
@@ -57,26 +58,26 @@ private Q_SLOTS:
 
     void fewAreNotEnough_data()
     {
-        QTest::addColumn<int>("left");
-        QTest::addColumn<bool>("suffice");
-        QTest::newRow("none") << 0 << false;
-        QTest::newRow("one") << 1 << false;
-        QTest::newRow("an event loop's") << 2 << false;
-        QTest::newRow("with one for somebody else") << 3 << false;
-        QTest::newRow("enough") << 4 << true;
-        QTest::newRow("more") << 5 << true;
+        rows<int, bool>({
+            {"none", 0, false},
+            {"one", 1, false},
+            {"an event loop's", 2, false},
+            {"with one for somebody else", 3, false},
+            {"enough", 4, true},
+            {"more", 5, true},
+        });
     }
 
     void fewAreNotEnough()
     {
-        QFETCH(int, left);
+        const auto [left, expected] = row<int, bool>();
         const int before = ProcessResources::descriptors();
         bool suffice = false;
         {
             const Scarcity scarcity(left);
             suffice = FileDescriptors::sufficeForThread();
         }
-        QTEST(suffice, "suffice");
+        QCOMPARE(suffice, expected);
         QCOMPARE(ProcessResources::descriptors(), before);
     }
 

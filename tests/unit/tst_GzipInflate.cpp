@@ -2,6 +2,7 @@
 
 #include "support/Gzip.h"
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/gUncompress>
 
@@ -17,8 +18,7 @@ class tst_GzipInflate : public QObject
 private Q_SLOTS:
     void inflates_data()
     {
-        QTest::addColumn<QByteArray>("packed");
-        QTest::addColumn<QByteArray>("data");
+        columns<QByteArray, QByteArray>();
 
         for (const int size : sizes) {
             const QByteArray noise = Gzip::noise(size);
@@ -32,8 +32,7 @@ private Q_SLOTS:
 
     void inflates()
     {
-        QFETCH(QByteArray, packed);
-        QFETCH(QByteArray, data);
+        const auto [packed, data] = row<QByteArray, QByteArray>();
 
         const LogRecorder log;
         QVERIFY(gUncompress(packed) == data);
@@ -62,7 +61,7 @@ private Q_SLOTS:
 
     void fewerThanFiveBytesWarn_data()
     {
-        QTest::addColumn<QByteArray>("data");
+        columns<QByteArray>();
 
         const QByteArray packed = Gzip::gzip("abc");
         QTest::newRow("null") << QByteArray();
@@ -72,7 +71,7 @@ private Q_SLOTS:
 
     void fewerThanFiveBytesWarn()
     {
-        QFETCH(QByteArray, data);
+        const auto [data] = row<QByteArray>();
 
         const LogRecorder log;
         QVERIFY(gUncompress(data).isEmpty());
@@ -82,9 +81,7 @@ private Q_SLOTS:
 
     void truncatedDataGivesWhatCameOutUntilThen_data()
     {
-        QTest::addColumn<QByteArray>("packed");
-        QTest::addColumn<QByteArray>("data");
-        QTest::addColumn<int>("atLeast");
+        columns<QByteArray, QByteArray, int>();
 
         const QByteArray noise = Gzip::noise(10000);
         const QByteArray packed = Gzip::gzip(noise);
@@ -101,9 +98,7 @@ private Q_SLOTS:
 
     void truncatedDataGivesWhatCameOutUntilThen()
     {
-        QFETCH(QByteArray, packed);
-        QFETCH(QByteArray, data);
-        QFETCH(int, atLeast);
+        const auto [packed, data, atLeast] = row<QByteArray, QByteArray, int>();
 
         const LogRecorder log;
         const QByteArray inflated = gUncompress(packed);
@@ -121,7 +116,7 @@ private Q_SLOTS:
 
     void corruptDataGivesNothing_data()
     {
-        QTest::addColumn<QByteArray>("packed");
+        columns<QByteArray>();
 
         QTest::newRow("text") << QByteArray(R"({"success":true})");
         QTest::newRow("zeros") << QByteArray(64, '\0');
@@ -141,7 +136,7 @@ private Q_SLOTS:
 
     void corruptDataGivesNothing()
     {
-        QFETCH(QByteArray, packed);
+        const auto [packed] = row<QByteArray>();
 
         const LogRecorder log;
         QVERIFY(gUncompress(packed).isEmpty());
@@ -156,8 +151,7 @@ private Q_SLOTS:
 
     void whatFollowsTheStreamIsIgnored_data()
     {
-        QTest::addColumn<QByteArray>("data");
-        QTest::addColumn<QByteArray>("behind");
+        columns<QByteArray, QByteArray>();
 
         for (const int size : {3, 1023, 1024, 1025, 4096}) {
             const QByteArray data = Gzip::noise(size);
@@ -168,8 +162,7 @@ private Q_SLOTS:
 
     void whatFollowsTheStreamIsIgnored()
     {
-        QFETCH(QByteArray, data);
-        QFETCH(QByteArray, behind);
+        const auto [data, behind] = row<QByteArray, QByteArray>();
 
         QVERIFY(gUncompress(Gzip::gzip(data) + behind) == data);
     }

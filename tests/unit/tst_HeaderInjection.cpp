@@ -1,5 +1,6 @@
 #include "support/ConnectorProbe.h"
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 #include "support/ScriptedHttpServer.h"
 #include "support/TransportSession.h"
 
@@ -52,8 +53,7 @@ private Q_SLOTS:
 
     void pathOfTheBus_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("protocol");
+        columns<QString, int>();
         const QMap<SockJSConnector::PROTOCOL_TYPE, QString> protocols = SockJSConnector::PROTOCOL_TYPE_STR();
         for (auto protocol = protocols.begin(); protocol != protocols.end(); ++protocol) {
             for (const char* before : {"\r", "\n", "\r\n", " ", "\t", " HTTP/1.1\r\n"})
@@ -68,8 +68,7 @@ private Q_SLOTS:
     // all.
     void pathOfTheBus()
     {
-        QFETCH(QString, text);
-        QFETCH(int, protocol);
+        const auto [text, protocol] = row<QString, int>();
         Server server;
         server.answerAlways("", refused);
         QUrl url(QStringLiteral("http://127.0.0.1:%1").arg(server.port()));
@@ -182,8 +181,9 @@ private Q_SLOTS:
 
     void addressOfTheService_data()
     {
-        QTest::addColumn<QString>("address"); // %1: the port
-        QTest::addColumn<bool>("isSent");     // or no request made of it
+        columns<QString, bool>();
+        // %1: the port
+        // or no request made of it
         const auto add = [](const char* name, const QString& text) {
             QTest::addRow("%s in the path", name) << QStringLiteral("http://127.0.0.1:%1/a") + text << true;
             QTest::addRow("%s in the host", name) << QStringLiteral("http://127.0.0.1") + text << false;
@@ -199,8 +199,7 @@ private Q_SLOTS:
 
     void addressOfTheService()
     {
-        QFETCH(QString, address);
-        QFETCH(bool, isSent);
+        auto [address, isSent] = row<QString, bool>();
         Server server;
         server.answerAlways("", plain("{}"));
         PresenterClient client(nullptr, address.replace(QLatin1String("%1"), QString::number(server.port())));
@@ -249,7 +248,8 @@ private Q_SLOTS:
 
     void targetOfARedirect_data()
     {
-        QTest::addColumn<QByteArray>("location"); // %1: the port
+        columns<QByteArray>();
+        // %1: the port
         for (const char* text : {"%0D%0A", "%0A", "%0D", "%20", "%09", "%00", "\r", "\t", " "}) {
             const QByteArray hex = QByteArray(text).toHex();
             QTest::addRow("%s in the host", hex.constData())
@@ -261,7 +261,7 @@ private Q_SLOTS:
 
     void targetOfARedirect()
     {
-        QFETCH(QByteArray, location);
+        auto [location] = row<QByteArray>();
         Server server;
         location.replace("%1", QByteArray::number(server.port()));
         server.answer("", "HTTP/1.1 302 Found\r\nLocation: " + location + "\r\nContent-Length: 0\r\n\r\n");

@@ -1,5 +1,6 @@
 #include "support/LogRecorder.h"
 #include "support/Node.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/JsonSerializer>
 
@@ -156,23 +157,21 @@ private Q_SLOTS:
 
     void stringsAreEscapedAsJson_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("written");
-        QTest::newRow("quote") << QStringLiteral("a\"b") << QStringLiteral("a\\\"b");
-        QTest::newRow("backslash") << QStringLiteral("a\\b") << QStringLiteral("a\\\\b");
-        QTest::newRow("line break and tabulator")
-            << QStringLiteral("a\r\n\tb") << QStringLiteral("a\\r\\n\\tb");
-        QTest::newRow("control character") << QStringLiteral("a\x01") << QStringLiteral("a\\u0001");
-        QTest::newRow("zero, which does not cut the text")
-            << QStringLiteral("a") + QChar(0) + QStringLiteral("b") << QStringLiteral("a\\u0000b");
-        QTest::newRow("outside ASCII") << QString::fromUtf8(u8"ä日😀") << QString::fromUtf8(u8"ä日😀");
-        QTest::newRow("placeholders") << QStringLiteral("%0 %1") << QStringLiteral("%0 %1");
+        rows<QString, QString>({
+            {"quote", "a\"b", "a\\\"b"},
+            {"backslash", "a\\b", "a\\\\b"},
+            {"line break and tabulator", "a\r\n\tb", "a\\r\\n\\tb"},
+            {"control character", QStringLiteral("a\x01"), QStringLiteral("a\\u0001")},
+            {"zero, which does not cut the text", QStringLiteral("a") + QChar(0) + QStringLiteral("b"),
+             QStringLiteral("a\\u0000b")},
+            {"outside ASCII", QString::fromUtf8(u8"ä日😀"), QString::fromUtf8(u8"ä日😀")},
+            {"placeholders", "%0 %1", "%0 %1"},
+        });
     }
 
     void stringsAreEscapedAsJson()
     {
-        QFETCH(QString, text);
-        QFETCH(QString, written);
+        const auto [text, written] = row<QString, QString>();
         QCOMPARE(JsonSerializer::serializeToJson(QVariantMap{{text, text}}),
                  QStringLiteral("{\n    \"") + written + QStringLiteral("\": \"") + written +
                      QStringLiteral("\"\n}\n"));

@@ -2,6 +2,7 @@
 
 #include "support/LogRecorder.h"
 #include "support/Node.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/JsonSerializer>
 
@@ -168,15 +169,16 @@ private Q_SLOTS:
 
     void depthOfZeroOrLessGivesNothing_data()
     {
-        QTest::addColumn<int>("depth");
-        QTest::newRow("0") << 0;
-        QTest::newRow("-1") << -1;
-        QTest::newRow("smallest") << std::numeric_limits<int>::min();
+        rows<int>({
+            {"0", 0},
+            {"-1", -1},
+            {"smallest", std::numeric_limits<int>::min()},
+        });
     }
 
     void depthOfZeroOrLessGivesNothing()
     {
-        QFETCH(int, depth);
+        const auto [depth] = row<int>();
         const Node node(QStringLiteral("n"));
         QCOMPARE(mapOf(node, depth), QVariantMap());
         QCOMPARE(m_log->debug(), QStringList({MAX_DEPTH}));
@@ -184,14 +186,14 @@ private Q_SLOTS:
 
     void depthBoundsAChain_data()
     {
-        QTest::addColumn<int>("depth");
+        columns<int>();
         for (int depth = 1; depth <= 7; ++depth)
             QTest::addRow("%d", depth) << depth;
     }
 
     void depthBoundsAChain()
     {
-        QFETCH(int, depth);
+        const auto [depth] = row<int>();
         std::vector<std::unique_ptr<Node>> nodes;
         QObject* follower = nullptr;
         for (int i = 0; i < 10; ++i) {

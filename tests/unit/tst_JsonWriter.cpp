@@ -1,5 +1,7 @@
 #include "base/JsonWriter.h"
 
+#include "support/Rows.h"
+
 #include <QDateTime>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -17,7 +19,7 @@ class tst_JsonWriter : public QObject
 private Q_SLOTS:
     void writesWhatQtWrites_data()
     {
-        QTest::addColumn<QVariant>("value");
+        columns<QVariant>();
         QTest::newRow("invalid") << QVariant();
         QTest::newRow("null pointer") << QVariant::fromValue(nullptr);
         QTest::newRow("true") << QVariant(true);
@@ -61,7 +63,7 @@ private Q_SLOTS:
 
     void writesWhatQtWrites()
     {
-        QFETCH(QVariant, value);
+        const auto [value] = row<QVariant>();
         const QVariantMap inner{{QStringLiteral("value"), value},
                                 {QStringLiteral("list"), QVariantList{value}}};
         const QVariantMap map{{QStringLiteral("first"), value}, {QStringLiteral("inner"), inner}};

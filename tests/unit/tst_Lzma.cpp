@@ -1,4 +1,5 @@
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/Lzma>
 
@@ -151,8 +152,7 @@ private Q_SLOTS:
 
     void rawBytesComeBackWithANulBehindTheLast_data()
     {
-        QTest::addColumn<QString>("kind");
-        QTest::addColumn<int>("size");
+        columns<QString, int>();
 
         const int sizes[] = {0,   1,    2,    3,    12,    13,    14,      255,
                              256, 4095, 4096, 4097, 65535, 65536, 1 << 20, 8 << 20};
@@ -164,8 +164,7 @@ private Q_SLOTS:
 
     void rawBytesComeBackWithANulBehindTheLast()
     {
-        QFETCH(QString, kind);
-        QFETCH(int, size);
+        const auto [kind, size] = row<QString, int>();
         const QByteArray bytes = pattern(kind, size);
         const QByteArray block = blockOf(bytes);
         QVERIFY(block.size() > 13);
@@ -193,18 +192,19 @@ private Q_SLOTS:
 
     void headerOfABlock_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("0") << QByteArray();
-        QTest::newRow("1") << QByteArray("x");
-        QTest::newRow("255") << QByteArray(255, 'x');
-        QTest::newRow("256") << QByteArray(256, 'x');
-        QTest::newRow("70000") << QByteArray(70000, 'x');
-        QTest::newRow("3 MiB") << QByteArray(3 << 20, 'x');
+        rows<QByteArray>({
+            {"0", QByteArray()},
+            {"1", "x"},
+            {"255", QByteArray(255, 'x')},
+            {"256", QByteArray(256, 'x')},
+            {"70000", QByteArray(70000, 'x')},
+            {"3 MiB", QByteArray(3 << 20, 'x')},
+        });
     }
 
     void headerOfABlock()
     {
-        QFETCH(QByteArray, bytes);
+        const auto [bytes] = row<QByteArray>();
         const QByteArray block = blockOf(bytes);
         QVERIFY(block.size() > 13);
         // 3 literal context bits, no literal position bits, 2 position bits: (2 * 5 + 0) * 9 + 3.
@@ -302,8 +302,7 @@ private Q_SLOTS:
 
     void blocksOfOtherEncodersAreRead_data()
     {
-        QTest::addColumn<QByteArray>("hex");
-        QTest::addColumn<QString>("text");
+        columns<QByteArray, QString>();
 
         const QString json = QString::fromUtf8(u8R"({"answer":"Zürich 日本 😀","n":[1,2,3]})");
         QTest::newRow("lc 3, lp 0, pb 2")
@@ -335,8 +334,7 @@ private Q_SLOTS:
 
     void blocksOfOtherEncodersAreRead()
     {
-        QFETCH(QByteArray, hex);
-        QFETCH(QString, text);
+        const auto [hex, text] = row<QByteArray, QString>();
         QByteArray block = QByteArray::fromHex(hex);
         QString back = QStringLiteral("before");
         QVERIFY(Lzma::decompress64(QString::fromLatin1(block.toBase64()), &back));
@@ -350,7 +348,7 @@ private Q_SLOTS:
 
     void base64IsReadLeniently_data()
     {
-        QTest::addColumn<QString>("base64");
+        columns<QString>();
 
         const QString clean = QString::fromLatin1(blockOf(QStringLiteral("skips")).toBase64());
         const QString half = clean.left(clean.size() / 2);
@@ -366,7 +364,7 @@ private Q_SLOTS:
 
     void base64IsReadLeniently()
     {
-        QFETCH(QString, base64);
+        const auto [base64] = row<QString>();
         QString back;
         QVERIFY(Lzma::decompress64(base64, &back));
         QCOMPARE(back, QStringLiteral("skips"));
@@ -374,7 +372,7 @@ private Q_SLOTS:
 
     void decimalListIsReadLeniently_data()
     {
-        QTest::addColumn<QString>("list");
+        columns<QString>();
 
         // The tail of the block of "a", whose fourth byte is a zero.
         const QString tail = QStringLiteral("0,1,0,0,0,0,0,0,0,0,48,193,251,255,255,255,224,0,0,0");
@@ -398,7 +396,7 @@ private Q_SLOTS:
 
     void decimalListIsReadLeniently()
     {
-        QFETCH(QString, list);
+        const auto [list] = row<QString>();
         QString back;
         QVERIFY(Lzma::decompress(list, &back));
         QCOMPARE(back, QStringLiteral("a"));
@@ -406,27 +404,25 @@ private Q_SLOTS:
 
     void listOfNumbersIsReadLeniently_data()
     {
-        QTest::addColumn<QList<QVariant>>("start");
-
-        QTest::newRow("int") << QList<QVariant>{93, 0, 64, 0};
-        QTest::newRow("64 bits") << QList<QVariant>{qlonglong(93), qlonglong(0), qulonglong(64),
-                                                    qlonglong(0)};
-        QTest::newRow("double") << QList<QVariant>{93.0, 0.0, 64.0, 0.0};
-        QTest::newRow("signed bytes") << QList<QVariant>{-163, -256, -192, 0};
-        QTest::newRow("above 255") << QList<QVariant>{349, 256, 65600, 512};
-        QTest::newRow("beyond 32 bits") << QList<QVariant>{Q_INT64_C(4294967389), 4294967296.0, 64, 0};
-        QTest::newRow("texts of numbers") << QList<QVariant>{QStringLiteral("93"), QStringLiteral("0"),
-                                                             QStringLiteral("64"), QStringLiteral("0")};
-        QTest::newRow("what is no number is zero")
-            << QList<QVariant>{93, QStringLiteral("zero"), 64, QVariant::fromValue(nullptr)};
-        QTest::newRow("maps, lists and nothing are zero")
-            << QList<QVariant>{93, QVariantMap(), 64, QVariantList()};
-        QTest::newRow("truth is one or zero") << QList<QVariant>{93, false, 64, QVariant()};
+        rows<QList<QVariant>>({
+            {"int", QList<QVariant>{93, 0, 64, 0}},
+            {"64 bits", QList<QVariant>{qlonglong(93), qlonglong(0), qulonglong(64), qlonglong(0)}},
+            {"double", QList<QVariant>{93.0, 0.0, 64.0, 0.0}},
+            {"signed bytes", QList<QVariant>{-163, -256, -192, 0}},
+            {"above 255", QList<QVariant>{349, 256, 65600, 512}},
+            {"beyond 32 bits", QList<QVariant>{Q_INT64_C(4294967389), 4294967296.0, 64, 0}},
+            {"texts of numbers", QList<QVariant>{QStringLiteral("93"), QStringLiteral("0"),
+                                                 QStringLiteral("64"), QStringLiteral("0")}},
+            {"what is no number is zero",
+             QList<QVariant>{93, QStringLiteral("zero"), 64, QVariant::fromValue(nullptr)}},
+            {"maps, lists and nothing are zero", QList<QVariant>{93, QVariantMap(), 64, QVariantList()}},
+            {"truth is one or zero", QList<QVariant>{93, false, 64, QVariant()}},
+        });
     }
 
     void listOfNumbersIsReadLeniently()
     {
-        QFETCH(QList<QVariant>, start);
+        const auto [start] = row<QList<QVariant>>();
         // The block of "a", with bytes above 127 written as signed ones.
         const QList<QVariant> tail{0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 48, -63, -5, -1, -1, -1, -32, 0, 0, 0};
         QString back;

@@ -1,3 +1,5 @@
+#include "support/Rows.h"
+
 #include "compression/LzmaBlock.h"
 
 #include <LzmaEnc.h>
@@ -83,17 +85,18 @@ class tst_LzmaBlock : public QObject
 private Q_SLOTS:
     void bytesComeBackAsTheyWere_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("none") << QByteArray("");
-        QTest::newRow("one") << QByteArray("a");
-        QTest::newRow("with NULs") << QByteArray("\0a\0", 3);
-        QTest::newRow("not UTF-8") << QByteArray("\xff\xfe\x80");
-        QTest::newRow("more than the first piece of memory") << QByteArray("0123456789abcdef").repeated(2000);
+        rows<QByteArray>({
+            {"none", ""},
+            {"one", "a"},
+            {"with NULs", QByteArray("\0a\0", 3)},
+            {"not UTF-8", "\xff\xfe\x80"},
+            {"more than the first piece of memory", QByteArray("0123456789abcdef").repeated(2000)},
+        });
     }
 
     void bytesComeBackAsTheyWere()
     {
-        QFETCH(QByteArray, bytes);
+        const auto [bytes] = row<QByteArray>();
         const QByteArray block = encoded(bytes);
         QVERIFY(!block.isEmpty());
         LzmaBlock::Buffer text;
@@ -115,7 +118,7 @@ private Q_SLOTS:
 
     void base64IsThatOfTheBlock()
     {
-        QFETCH(QByteArray, bytes);
+        const auto [bytes] = row<QByteArray>();
         QString base64;
         QVERIFY(LzmaBlock::encode64(bytes, &base64));
         QCOMPARE(base64, encoded64(bytes));
@@ -123,28 +126,27 @@ private Q_SLOTS:
 
     void textEndsAtItsFirstNul_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QByteArray>("text");
-        QTest::newRow("none") << QByteArray("abc") << QByteArray("abc");
-        QTest::newRow("in the middle") << QByteArray("abc\0def", 7) << QByteArray("abc");
-        QTest::newRow("at the end") << QByteArray("abc\0", 4) << QByteArray("abc");
-        QTest::newRow("at the beginning") << QByteArray("\0abc", 4) << QByteArray("");
-        QTest::newRow("before what is not ASCII") << QByteArray("abc\0\xff", 5) << QByteArray("abc");
-        QTest::newRow("nothing else") << QByteArray("") << QByteArray("");
+        rows<QByteArray, QByteArray>({
+            {"none", "abc", "abc"},
+            {"in the middle", QByteArray("abc\0def", 7), "abc"},
+            {"at the end", QByteArray("abc\0", 4), "abc"},
+            {"at the beginning", QByteArray("\0abc", 4), ""},
+            {"before what is not ASCII", QByteArray("abc\0\xff", 5), "abc"},
+            {"nothing else", "", ""},
+        });
     }
 
     void textEndsAtItsFirstNul()
     {
-        QFETCH(QByteArray, bytes);
+        const auto [bytes, text] = row<QByteArray, QByteArray>();
         QByteArray utf8("before");
         QVERIFY(LzmaBlock::decode64(encoded64(bytes), &utf8));
-        QTEST(utf8, "text");
+        QCOMPARE(utf8, text);
     }
 
     void textIsUtf8_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QByteArray>("text");
+        columns<QByteArray, QByteArray>();
         const QByteArray replaced("\xef\xbf\xbd");
         QTest::newRow("two to four bytes") << QByteArray(u8"äb漢😀") << QByteArray(u8"äb漢😀");
         QTest::newRow("Latin-1") << QByteArray("a\xe4z") << 'a' + replaced + 'z';
@@ -154,10 +156,10 @@ private Q_SLOTS:
 
     void textIsUtf8()
     {
-        QFETCH(QByteArray, bytes);
+        const auto [bytes, text] = row<QByteArray, QByteArray>();
         QByteArray utf8;
         QVERIFY(LzmaBlock::decode64(encoded64(bytes), &utf8));
-        QTEST(utf8, "text");
+        QCOMPARE(utf8, text);
     }
 
     // The decoder's tables are kept from block to block, and set back where a block has changed them.
@@ -179,7 +181,7 @@ private Q_SLOTS:
 
     void failureLeavesTheResultAsItWas_data()
     {
-        QTest::addColumn<QByteArray>("block");
+        columns<QByteArray>();
         const QByteArray sound = encoded("a text that is long enough to be cut");
         QTest::newRow("empty") << QByteArray("");
         QTest::newRow("no block") << QByteArray("a text that is not compressed at all");
@@ -189,7 +191,7 @@ private Q_SLOTS:
 
     void failureLeavesTheResultAsItWas()
     {
-        QFETCH(QByteArray, block);
+        const auto [block] = row<QByteArray>();
         LzmaBlock::Buffer text;
         QVERIFY(!LzmaBlock::decode(bytesOf(block), size_t(block.size()), &text));
         QVERIFY(!text.bytes);

@@ -1,6 +1,7 @@
 // Blocks as they must not be: the codec refuses them, or reads them for what they are, and never more.
 
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/Lzma>
 
@@ -153,7 +154,7 @@ private Q_SLOTS:
 
     void blockShorterThanFourteenBytesFails_data()
     {
-        QTest::addColumn<QByteArray>("block");
+        columns<QByteArray>();
         // A header alone: its size field may lie anywhere, 0 included.
         const QByteArray whole = withSize(marked(), 0);
         for (int length = 1; length <= HEADER; ++length)
@@ -162,7 +163,7 @@ private Q_SLOTS:
 
     void blockShorterThanFourteenBytesFails()
     {
-        QFETCH(QByteArray, block);
+        const auto [block] = row<QByteArray>();
         QVERIFY(refusedByAll(block));
     }
 
@@ -180,24 +181,24 @@ private Q_SLOTS:
 
     void textThatIsNoBlockFails_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::newRow("number") << QStringLiteral("5");
-        QTest::newRow("three numbers") << QStringLiteral("[93,0,0]");
-        QTest::newRow("thirteen numbers") << QStringLiteral("[93,0,64,0,0,0,0,0,0,0,0,0,0]");
-        QTest::newRow("fourteen zeros") << QStringLiteral("[0,0,0,0,0,0,0,0,0,0,0,0,0,0]");
-        QTest::newRow("seventeen empty parts") << QString(16, QLatin1Char(','));
-        QTest::newRow("brackets") << QStringLiteral("[[[]]]");
-        QTest::newRow("words") << QStringLiteral(
-            "The quick brown fox jumps over the lazy dog, twice or more.");
-        QTest::newRow("JSON") << QStringLiteral(R"({"answer":"A","responseTime":1200,"pollId":"p-1"})");
-        QTest::newRow("no base64 at all") << QStringLiteral("!!!!....!!!!....");
-        QTest::newRow("outside ASCII") << QString::fromUtf8(u8"日本語日本語日本語日本語日本語");
-        QTest::newRow("padding") << QString(64, QLatin1Char('='));
+        rows<QString>({
+            {"number", "5"},
+            {"three numbers", "[93,0,0]"},
+            {"thirteen numbers", "[93,0,64,0,0,0,0,0,0,0,0,0,0]"},
+            {"fourteen zeros", "[0,0,0,0,0,0,0,0,0,0,0,0,0,0]"},
+            {"seventeen empty parts", QString(16, QLatin1Char(','))},
+            {"brackets", "[[[]]]"},
+            {"words", QStringLiteral("The quick brown fox jumps over the lazy dog, twice or more.")},
+            {"JSON", R"({"answer":"A","responseTime":1200,"pollId":"p-1"})"},
+            {"no base64 at all", "!!!!....!!!!...."},
+            {"outside ASCII", QString::fromUtf8(u8"日本語日本語日本語日本語日本語")},
+            {"padding", QString(64, QLatin1Char('='))},
+        });
     }
 
     void textThatIsNoBlockFails()
     {
-        QFETCH(QString, text);
+        const auto [text] = row<QString>();
         QString out = BEFORE;
         QVERIFY(!Lzma::decompress64(text, &out));
         QVERIFY(!Lzma::decompress(text, &out));
@@ -216,7 +217,7 @@ private Q_SLOTS:
 
     void blockCutAnywhereFails_data()
     {
-        QTest::addColumn<QByteArray>("block");
+        columns<QByteArray>();
 
         QString base64;
         QTest::newRow("with end marker") << marked();
@@ -229,7 +230,7 @@ private Q_SLOTS:
 
     void blockCutAnywhereFails()
     {
-        QFETCH(QByteArray, block);
+        const auto [block] = row<QByteArray>();
         QVERIFY(!refusedByAll(block));
         for (int length = 0; length < block.size(); ++length)
             QVERIFY2(refusedByAll(block.left(length)), qPrintable(QString::number(length)));
@@ -243,8 +244,7 @@ private Q_SLOTS:
 
     void sizeFieldThatLies_data()
     {
-        QTest::addColumn<QByteArray>("block");
-        QTest::addColumn<bool>("passes");
+        columns<QByteArray, bool>();
 
         const auto exact = static_cast<quint64>(qstrlen(HELLO));
         QTest::newRow("marker, one too small") << withSize(marked(), exact - 1) << false;
@@ -269,8 +269,7 @@ private Q_SLOTS:
 
     void sizeFieldThatLies()
     {
-        QFETCH(QByteArray, block);
-        QFETCH(bool, passes);
+        const auto [block, passes] = row<QByteArray, bool>();
         if (!passes) {
             QVERIFY(refusedByAll(block));
             return;
@@ -282,31 +281,32 @@ private Q_SLOTS:
 
     void negativeSizeFails_data()
     {
-        QTest::addColumn<quint64>("size");
-        QTest::newRow("-1, the unknown size of other encoders") << ~quint64(0);
-        QTest::newRow("-1 in the low half") << quint64(0xFFFFFFFFU);
-        QTest::newRow("-27") << static_cast<quint64>(-27);
-        QTest::newRow("smallest") << quint64(0x80000000U);
-        QTest::newRow("smallest below an upper half") << (quint64(5) << 32U) + 0x80000000U;
+        rows<quint64>({
+            {"-1, the unknown size of other encoders", ~quint64(0)},
+            {"-1 in the low half", quint64(0xFFFFFFFFU)},
+            {"-27", static_cast<quint64>(-27)},
+            {"smallest", quint64(0x80000000U)},
+            {"smallest below an upper half", (quint64(5) << 32U) + 0x80000000U},
+        });
     }
 
     void negativeSizeFails()
     {
-        QFETCH(quint64, size);
+        const auto [size] = row<quint64>();
         QVERIFY(refusedByAll(withSize(marked(), size)));
         QVERIFY(refusedByAll(withSize(unmarked(), size)));
     }
 
     void claimedDictionaryIsOnlyAClaim_data()
     {
-        QTest::addColumn<quint32>("dictionary");
+        columns<quint32>();
         for (const quint32 size : {0U, 1U, 4095U, 1U << 16U, 1U << 30U, 0x80000000U, 0xFFFFFFFFU})
             QTest::addRow("%u", size) << size;
     }
 
     void claimedDictionaryIsOnlyAClaim()
     {
-        QFETCH(quint32, dictionary);
+        const auto [dictionary] = row<quint32>();
         const QString hello = QString::fromLatin1(HELLO);
         QCOMPARE(decodeText(withDictionary(marked(), dictionary)), QStringList({hello, hello, hello, hello}));
         QCOMPARE(decodeText(withDictionary(unmarked(), dictionary)),
@@ -315,7 +315,7 @@ private Q_SLOTS:
 
     void propertyByteOutOfRangeFails_data()
     {
-        QTest::addColumn<int>("properties");
+        columns<int>();
         // 9 * 5 * 5 values are defined.
         for (int properties = 225; properties <= 255; ++properties)
             QTest::addRow("%d", properties) << properties;
@@ -323,7 +323,7 @@ private Q_SLOTS:
 
     void propertyByteOutOfRangeFails()
     {
-        QFETCH(int, properties);
+        const auto [properties] = row<int>();
         QByteArray block = marked();
         block[0] = static_cast<char>(properties);
         QVERIFY(refusedByAll(block));
@@ -349,7 +349,7 @@ private Q_SLOTS:
 
     void anyFlippedBitIsReadOrRefused_data()
     {
-        QTest::addColumn<QByteArray>("block");
+        columns<QByteArray>();
         QTest::newRow("with end marker") << marked();
         QTest::newRow("without end marker") << unmarked();
         QString base64;
@@ -360,7 +360,7 @@ private Q_SLOTS:
 
     void anyFlippedBitIsReadOrRefused()
     {
-        QFETCH(QByteArray, block);
+        const auto [block] = row<QByteArray>();
         int refused = 0;
         for (int bit = 0; bit < block.size() * 8; ++bit) {
             QByteArray flipped = block;

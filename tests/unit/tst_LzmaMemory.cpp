@@ -1,5 +1,7 @@
 // What a block claims takes no memory; only what really comes out of it does, and that has a limit.
 
+#include "support/Rows.h"
+
 #include <CalyxClient/Lzma>
 
 #include <QFile>
@@ -99,8 +101,7 @@ private Q_SLOTS:
 
     void claimsTakeNoMemory_data()
     {
-        QTest::addColumn<QByteArray>("block");
-        QTest::addColumn<bool>("passes");
+        columns<QByteArray, bool>();
 
         QByteArray dictionary = marked();
         qToLittleEndian(0xFFFFFFFFU, dictionary.data() + 1);
@@ -114,8 +115,7 @@ private Q_SLOTS:
 
     void claimsTakeNoMemory()
     {
-        QFETCH(QByteArray, block);
-        QFETCH(bool, passes);
+        const auto [block, passes] = row<QByteArray, bool>();
         const QString base64 = QString::fromLatin1(block.toBase64());
         const qint64 before = memory("VmSize:");
         QString out = QStringLiteral("before");
@@ -149,14 +149,15 @@ private Q_SLOTS:
 
     void moreThanTheLimitFails_data()
     {
-        QTest::addColumn<QByteArray>("block");
-        QTest::newRow("exact size") << inflated(ZEROS_256_MIB_AND_ONE);
-        QTest::newRow("size says 2 GiB") << withSize(inflated(ZEROS_256_MIB_AND_ONE), 0x7FFFFFFFU);
+        rows<QByteArray>({
+            {"exact size", inflated(ZEROS_256_MIB_AND_ONE)},
+            {"size says 2 GiB", withSize(inflated(ZEROS_256_MIB_AND_ONE), 0x7FFFFFFFU)},
+        });
     }
 
     void moreThanTheLimitFails()
     {
-        QFETCH(QByteArray, block);
+        const auto [block] = row<QByteArray>();
         QCOMPARE(block.size(), 37936);
         Buffer buffer(nullptr, &std::free);
         QVERIFY(!decodes(block, &buffer));

@@ -1,4 +1,5 @@
 #include "support/ConnectorProbe.h"
+#include "support/Rows.h"
 #include "support/ScriptedHttpServer.h"
 
 #include <CalyxClient/PresenterClient>
@@ -45,8 +46,7 @@ private Q_SLOTS:
 
     void busGetsTlsOnly_data()
     {
-        QTest::addColumn<QString>("scheme");
-        QTest::addColumn<QList<int>>("protocols");
+        columns<QString, QList<int>>();
         for (const char* scheme : {"https", "wss", "HTTPS", "WSS"}) {
             QTest::addRow("%s, websocket", scheme) << scheme << QList<int>{SockJSConnector::WEBSOCKET};
             QTest::addRow("%s, xhr-streaming", scheme)
@@ -58,8 +58,7 @@ private Q_SLOTS:
 
     void busGetsTlsOnly()
     {
-        QFETCH(QString, scheme);
-        QFETCH(QList<int>, protocols);
+        const auto [scheme, protocols] = row<QString, QList<int>>();
         Server server;
         for (int i = 0; i < protocols.size(); ++i)
             server.onConnect({Server::hear(), Server::send(inviting)});

@@ -1,5 +1,7 @@
 #include "model/PollQuestionFactory.h"
 
+#include "support/Rows.h"
+
 #include <CalyxClient/ActivityOption>
 #include <CalyxClient/QuestionBaseWithOptions>
 #include <CalyxClient/QuestionMetadata>
@@ -24,8 +26,7 @@ class tst_PollQuestionFactory : public QObject
 private Q_SLOTS:
     void classOfEachPollType_data()
     {
-        QTest::addColumn<PollType::POLL_TYPE>("type");
-        QTest::addColumn<QString>("expected");
+        columns<PollType::POLL_TYPE, QString>();
         const auto row = [](PollType::POLL_TYPE type, const char* expected) {
             QTest::newRow(expected) << type << QString::fromLatin1(expected);
         };
@@ -41,25 +42,26 @@ private Q_SLOTS:
 
     void classOfEachPollType()
     {
-        QFETCH(PollType::POLL_TYPE, type);
+        const auto [type, expected] = row<PollType::POLL_TYPE, QString>();
         QObject parent;
         const auto* question = PollQuestionFactory::create(&parent, type, OrdinalType::ALPHA_UPPER, 2, 1);
         QVERIFY(question);
-        QTEST(QString::fromLatin1(question->metaObject()->className()), "expected");
+        QCOMPARE(QString::fromLatin1(question->metaObject()->className()), expected);
         QCOMPARE(question->parent(), &parent);
         QCOMPARE(question->getType(), PollType::POLL_TYPE_STR().value(type));
     }
 
     void pollDocumentsHaveNoQuestion_data()
     {
-        QTest::addColumn<PollType::POLL_TYPE>("type");
-        QTest::newRow("word seed") << PollType::WORD_SEED;
-        QTest::newRow("creative") << PollType::CREATIVE;
+        rows<PollType::POLL_TYPE>({
+            {"word seed", PollType::WORD_SEED},
+            {"creative", PollType::CREATIVE},
+        });
     }
 
     void pollDocumentsHaveNoQuestion()
     {
-        QFETCH(PollType::POLL_TYPE, type);
+        const auto [type] = row<PollType::POLL_TYPE>();
         QObject parent;
         QVERIFY(!PollQuestionFactory::create(&parent, type, OrdinalType::ALPHA_UPPER, 2, 1));
         QVERIFY(parent.children().isEmpty());
@@ -67,18 +69,17 @@ private Q_SLOTS:
 
     void optionsAreLabelledAndNumbered_data()
     {
-        QTest::addColumn<PollType::POLL_TYPE>("type");
-        QTest::addColumn<OrdinalType::ORDINAL_TYPE>("ordinal");
-        QTest::newRow("yes or no") << PollType::YES_NO_OTHER << OrdinalType::YES_NO;
-        QTest::newRow("choice") << PollType::MULTIPLE << OrdinalType::ALPHA_LOWER;
-        QTest::newRow("scale") << PollType::SCALE << OrdinalType::AGREEMENT;
-        QTest::newRow("sort") << PollType::SORT << OrdinalType::NUMBER;
+        rows<PollType::POLL_TYPE, OrdinalType::ORDINAL_TYPE>({
+            {"yes or no", PollType::YES_NO_OTHER, OrdinalType::YES_NO},
+            {"choice", PollType::MULTIPLE, OrdinalType::ALPHA_LOWER},
+            {"scale", PollType::SCALE, OrdinalType::AGREEMENT},
+            {"sort", PollType::SORT, OrdinalType::NUMBER},
+        });
     }
 
     void optionsAreLabelledAndNumbered()
     {
-        QFETCH(PollType::POLL_TYPE, type);
-        QFETCH(OrdinalType::ORDINAL_TYPE, ordinal);
+        const auto [type, ordinal] = row<PollType::POLL_TYPE, OrdinalType::ORDINAL_TYPE>();
         QObject parent;
         const auto* question = PollQuestionFactory::create(&parent, type, ordinal, 2, 1);
         const auto options = question->property("activityOptions").value<QList<QObject*>>();
@@ -95,21 +96,21 @@ private Q_SLOTS:
 
     void schemeIsInferredFromTheOptions_data()
     {
-        QTest::addColumn<OrdinalType::ORDINAL_TYPE>("ordinal");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("capitals") << OrdinalType::ALPHA_UPPER << QStringLiteral("alpha-upper");
-        QTest::newRow("small letters") << OrdinalType::ALPHA_LOWER << QStringLiteral("alpha-lower");
-        QTest::newRow("numbers") << OrdinalType::NUMBER << QStringLiteral("number");
+        rows<OrdinalType::ORDINAL_TYPE, QString>({
+            {"capitals", OrdinalType::ALPHA_UPPER, "alpha-upper"},
+            {"small letters", OrdinalType::ALPHA_LOWER, "alpha-lower"},
+            {"numbers", OrdinalType::NUMBER, "number"},
+        });
     }
 
     void schemeIsInferredFromTheOptions()
     {
-        QFETCH(OrdinalType::ORDINAL_TYPE, ordinal);
+        const auto [ordinal, expected] = row<OrdinalType::ORDINAL_TYPE, QString>();
         QObject parent;
         const auto* question = PollQuestionFactory::create(&parent, PollType::MULTIPLE, ordinal, 3, 1);
         const auto* metadata = question->property("metadata").value<QObject*>();
         QVERIFY(metadata);
-        QTEST(metadata->property("ordinalType").toString(), "expected");
+        QCOMPARE(metadata->property("ordinalType").toString(), expected);
     }
 
     void flagOfATrueFalsePoll()
@@ -146,15 +147,16 @@ private Q_SLOTS:
 
     void noOptionsWhereNoneAreWanted_data()
     {
-        QTest::addColumn<int>("count");
-        QTest::newRow("none") << 0;
-        QTest::newRow("less than none") << -1;
-        QTest::newRow("the least number") << std::numeric_limits<int>::min();
+        rows<int>({
+            {"none", 0},
+            {"less than none", -1},
+            {"the least number", std::numeric_limits<int>::min()},
+        });
     }
 
     void noOptionsWhereNoneAreWanted()
     {
-        QFETCH(int, count);
+        const auto [count] = row<int>();
         QObject parent;
         const auto* question =
             PollQuestionFactory::create(&parent, PollType::SORT, OrdinalType::ALPHA_UPPER, count, 1);

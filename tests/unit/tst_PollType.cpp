@@ -1,3 +1,5 @@
+#include "support/Rows.h"
+
 #include <CalyxClient/PollType>
 
 #include <QObject>
@@ -15,10 +17,7 @@ class tst_PollType : public QObject
 private Q_SLOTS:
     void nameAndIdOfEachType_data()
     {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<int>("value");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("id");
+        columns<int, int, QString, QString>();
 
         const auto add = [](PollType::POLL_TYPE type, int value, const char* name, const char* id) {
             QTest::newRow(name) << int(type) << value << QString::fromLatin1(name) << QString::fromLatin1(id);
@@ -37,10 +36,7 @@ private Q_SLOTS:
 
     void nameAndIdOfEachType()
     {
-        QFETCH(int, type);
-        QFETCH(int, value);
-        QFETCH(QString, name);
-        QFETCH(QString, id);
+        const auto [type, value, name, id] = row<int, int, QString, QString>();
         QCOMPARE(type, value);
         QCOMPARE(PollType::POLL_TYPE_STR().value(static_cast<PollType::POLL_TYPE>(value)), name);
         QCOMPARE(PollType::POLL_TYPE_ID().value(name), id);

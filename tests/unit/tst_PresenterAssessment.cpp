@@ -3,6 +3,7 @@
 #include "model/AssessmentOptions.h"
 #include "model/JsonSerializer.h"
 #include "model/QuestionMultiChoice.h"
+#include "support/Rows.h"
 #include "support/SessionTest.h"
 
 #include <QSignalSpy>
@@ -192,29 +193,19 @@ private Q_SLOTS:
 
     void sendQuestionInfersTheScheme_data()
     {
-        QTest::addColumn<QString>("first");
-        QTest::addColumn<QString>("scheme");
-        QTest::addColumn<int>("indices");
-
-        QTest::newRow("A") << "A"
-                           << "alpha-upper" << 0;
-        QTest::newRow("a") << "a"
-                           << "alpha-lower" << 0;
-        QTest::newRow("0") << "0"
-                           << "number" << 0;
-        QTest::newRow("1") << "1"
-                           << "number" << 0;
-        QTest::newRow("B keeps what it had") << "B"
-                                             << "agreement" << 2;
-        QTest::newRow("no options keep it too") << ""
-                                                << "agreement" << 2;
+        rows<QString, QString, int>({
+            {"A", "A", "alpha-upper", 0},
+            {"a", "a", "alpha-lower", 0},
+            {"0", "0", "number", 0},
+            {"1", "1", "number", 0},
+            {"B keeps what it had", "B", "agreement", 2},
+            {"no options keep it too", "", "agreement", 2},
+        });
     }
 
     void sendQuestionInfersTheScheme()
     {
-        QFETCH(QString, first);
-        QFETCH(QString, scheme);
-        QFETCH(int, indices);
+        const auto [first, scheme, indices] = row<QString, QString, int>();
         QVERIFY(m_session->open());
         PresenterAssessment assessment(nullptr, collab());
         Calyx::QuestionMultiChoice question;
@@ -247,48 +238,26 @@ private Q_SLOTS:
 
     void sendMessage_data()
     {
-        QTest::addColumn<QString>("id");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("isDismissible");
-        QTest::addColumn<bool>("review");
-        QTest::addColumn<QString>("address");
-        QTest::addColumn<QString>("type");
-        QTest::addColumn<QVariantMap>("data");
-
-        QTest::newRow("dialog to all")
-            << ""
-            << "Hi" << true << false << "abc"
-            << "dialogShow" << QVariantMap{{"text", "Hi"}, {"isDismissible", true}};
-        QTest::newRow("dialog that stays")
-            << ""
-            << "Hi" << false << false << "abc"
-            << "dialogShow" << QVariantMap{{"text", "Hi"}, {"isDismissible", false}};
-        QTest::newRow("dialog to one") << "d2"
-                                       << "" << true << false << "abc.user.d2"
-                                       << "dialogShow" << QVariantMap{{"text", ""}, {"isDismissible", true}};
-        QTest::newRow("review to one")
-            << "d1"
-            << "Review" << false << true << "abc.user.d1"
-            << "questionSetReview" << QVariantMap{{"text", "Review"}, {"showNavigation", true}};
-        QTest::newRow("review to all")
-            << ""
-            << "Review" << true << true << "abc"
-            << "questionSetReview" << QVariantMap{{"text", "Review"}, {"showNavigation", true}};
-        QTest::newRow("text is escaped")
-            << ""
-            << "say \"hi\"\n%1" << true << false << "abc"
-            << "dialogShow" << QVariantMap{{"text", "say \"hi\"\n%1"}, {"isDismissible", true}};
+        rows<QString, QString, bool, bool, QString, QString, QVariantMap>({
+            {"dialog to all", "", "Hi", true, false, "abc", "dialogShow",
+             QVariantMap{{"text", "Hi"}, {"isDismissible", true}}},
+            {"dialog that stays", "", "Hi", false, false, "abc", "dialogShow",
+             QVariantMap{{"text", "Hi"}, {"isDismissible", false}}},
+            {"dialog to one", "d2", "", true, false, "abc.user.d2", "dialogShow",
+             QVariantMap{{"text", ""}, {"isDismissible", true}}},
+            {"review to one", "d1", "Review", false, true, "abc.user.d1", "questionSetReview",
+             QVariantMap{{"text", "Review"}, {"showNavigation", true}}},
+            {"review to all", "", "Review", true, true, "abc", "questionSetReview",
+             QVariantMap{{"text", "Review"}, {"showNavigation", true}}},
+            {"text is escaped", "", "say \"hi\"\n%1", true, false, "abc", "dialogShow",
+             QVariantMap{{"text", "say \"hi\"\n%1"}, {"isDismissible", true}}},
+        });
     }
 
     void sendMessage()
     {
-        QFETCH(QString, id);
-        QFETCH(QString, text);
-        QFETCH(bool, isDismissible);
-        QFETCH(bool, review);
-        QFETCH(QString, address);
-        QFETCH(QString, type);
-        QFETCH(QVariantMap, data);
+        const auto [id, text, isDismissible, review, address, type, data] =
+            row<QString, QString, bool, bool, QString, QString, QVariantMap>();
         QVERIFY(m_session->open());
         PresenterAssessment assessment(nullptr, collab());
 
@@ -389,14 +358,14 @@ private Q_SLOTS:
 
     void hostActsInTheSlot_data()
     {
-        QTest::addColumn<QString>("action");
+        columns<QString>();
         for (const char* action : {"delete the assessment", "delete the session", "close the session"})
             QTest::newRow(action) << action;
     }
 
     void hostActsInTheSlot()
     {
-        QFETCH(QString, action);
+        const auto [action] = row<QString>();
         QVERIFY(m_session->open());
         auto assessment = std::make_unique<PresenterAssessment>(nullptr, collab());
         int calls = 0;

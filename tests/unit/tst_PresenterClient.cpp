@@ -2,6 +2,7 @@
 
 #include "support/ClientProbe.h"
 #include "support/FakeService.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/Lzma>
 #include <CalyxClient/PresenterClient>
@@ -38,25 +39,18 @@ private Q_SLOTS:
 
     void baseAddressLosesOneTrailingSlash_data()
     {
-        QTest::addColumn<QString>("given");
-        QTest::addColumn<QString>("kept");
-
-        QTest::newRow("none") << "https://host.example"
-                              << "https://host.example";
-        QTest::newRow("one") << "https://host.example/"
-                             << "https://host.example";
-        QTest::newRow("two") << "https://host.example//"
-                             << "https://host.example/";
-        QTest::newRow("below a path") << "https://host.example:8443/a/"
-                                      << "https://host.example:8443/a";
-        QTest::newRow("nothing") << ""
-                                 << "";
+        rows<QString, QString>({
+            {"none", "https://host.example", "https://host.example"},
+            {"one", "https://host.example/", "https://host.example"},
+            {"two", "https://host.example//", "https://host.example/"},
+            {"below a path", "https://host.example:8443/a/", "https://host.example:8443/a"},
+            {"nothing", "", ""},
+        });
     }
 
     void baseAddressLosesOneTrailingSlash()
     {
-        QFETCH(QString, given);
-        QFETCH(QString, kept);
+        const auto [given, kept] = row<QString, QString>();
 
         QCOMPARE(PresenterClient(nullptr, given).server(), kept);
     }
@@ -174,20 +168,18 @@ private Q_SLOTS:
 
     void success_data()
     {
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QByteArray>("body");
-
-        QTest::newRow("200") << 200 << QByteArray(R"({"data":{"name":"Zoë"}})");
-        QTest::newRow("201") << 201 << QByteArray("created");
-        QTest::newRow("empty") << 200 << QByteArray();
-        QTest::newRow("large") << 200 << QByteArray(300000, 'x');
-        QTest::newRow("line ends kept") << 200 << QByteArray("a\r\nb\n");
+        rows<int, QByteArray>({
+            {"200", 200, R"({"data":{"name":"Zoë"}})"},
+            {"201", 201, "created"},
+            {"empty", 200, QByteArray()},
+            {"large", 200, QByteArray(300000, 'x')},
+            {"line ends kept", 200, "a\r\nb\n"},
+        });
     }
 
     void success()
     {
-        QFETCH(int, status);
-        QFETCH(QByteArray, body);
+        const auto [status, body] = row<int, QByteArray>();
 
         FakeService service;
         service.expect("/a", Answer::json(body, status));
@@ -216,15 +208,15 @@ private Q_SLOTS:
 
     void networkErrorGoesToTheFailureHandler_data()
     {
-        QTest::addColumn<bool>("cut");
-
-        QTest::newRow("no answer, service gone") << false;
-        QTest::newRow("answer cut short") << true;
+        rows<bool>({
+            {"no answer, service gone", false},
+            {"answer cut short", true},
+        });
     }
 
     void networkErrorGoesToTheFailureHandler()
     {
-        QFETCH(bool, cut);
+        const auto [cut] = row<bool>();
 
         FakeService service;
         service.expect("/a", cut ? Answer::cut(R"({"data":{}})") : Answer::gone());
@@ -240,15 +232,15 @@ private Q_SLOTS:
 
     void missingHandlersAreSkipped_data()
     {
-        QTest::addColumn<int>("status");
-
-        QTest::newRow("success") << 200;
-        QTest::newRow("failure") << 500;
+        rows<int>({
+            {"success", 200},
+            {"failure", 500},
+        });
     }
 
     void missingHandlersAreSkipped()
     {
-        QFETCH(int, status);
+        const auto [status] = row<int>();
 
         FakeService service;
         service.expect("/a", Answer::json("{}", status));
@@ -337,8 +329,8 @@ private Q_SLOTS:
 
     void firstErrorKeyCounts_data()
     {
-        QTest::addColumn<QVariant>("reply");
-        QTest::addColumn<QString>("error"); // null: none
+        columns<QVariant, QString>();
+        // null: none
 
         const auto row = [](const char* name, const QVariant& keys, const QString& error) {
             QTest::newRow(name) << QVariant(QVariantMap{{"errorMsgKeys", keys}}) << error;
@@ -365,8 +357,7 @@ private Q_SLOTS:
 
     void firstErrorKeyCounts()
     {
-        QFETCH(QVariant, reply);
-        QFETCH(QString, error);
+        const auto [reply, error] = row<QVariant, QString>();
 
         PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
         QString found = QStringLiteral("earlier");

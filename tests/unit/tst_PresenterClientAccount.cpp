@@ -2,6 +2,7 @@
 
 #include "support/FakeService.h"
 #include "support/Logins.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/PresenterClient>
 
@@ -29,10 +30,8 @@ class tst_PresenterClientAccount : public QObject
 private Q_SLOTS:
     void sendsItsRequest_data()
     {
-        QTest::addColumn<Call>("call");
-        QTest::addColumn<QStringList>("values");
-        QTest::addColumn<QByteArray>("path");
-        QTest::addColumn<QByteArray>("body"); // <n> stands for the nth value
+        columns<Call, QStringList, QByteArray, QByteArray>();
+        // <n> stands for the nth value
 
         const auto rows = [](const char* name, const Call& call, const char* path, const char* body) {
             QTest::addRow("%s", name)
@@ -105,10 +104,7 @@ private Q_SLOTS:
 
     void sendsItsRequest()
     {
-        QFETCH(Call, call);
-        QFETCH(QStringList, values);
-        QFETCH(QByteArray, path);
-        QFETCH(QByteArray, body);
+        auto [call, values, path, body] = row<Call, QStringList, QByteArray, QByteArray>();
 
         FakeService service;
         service.expect(path, Answer::json("{}"));
@@ -125,19 +121,17 @@ private Q_SLOTS:
 
     void callbackUrlEndsWithSlashForFacebookOnly_data()
     {
-        QTest::addColumn<QString>("provider");
-        QTest::addColumn<bool>("slash");
-
-        QTest::newRow("facebook") << "facebook" << true;
-        QTest::newRow("capital") << "Facebook" << false;
-        QTest::newRow("longer") << "facebook2" << false;
-        QTest::newRow("another") << "google" << false;
+        rows<QString, bool>({
+            {"facebook", "facebook", true},
+            {"capital", "Facebook", false},
+            {"longer", "facebook2", false},
+            {"another", "google", false},
+        });
     }
 
     void callbackUrlEndsWithSlashForFacebookOnly()
     {
-        QFETCH(QString, provider);
-        QFETCH(bool, slash);
+        const auto [provider, slash] = row<QString, bool>();
 
         const QByteArray path = "/tavisto/login/oauth/" + provider.toUtf8() + "/callback";
         FakeService service;
@@ -155,24 +149,21 @@ private Q_SLOTS:
 
     void completesTheRegistrationText_data()
     {
-        QTest::addColumn<QString>("registration");
-        QTest::addColumn<QByteArray>("body");
-
-        QTest::newRow("last member is a text")
-            << R"({"name":"x","mail":"y"})"
-            << QByteArray(R"({"name":"x","mail":"y","sourceSystem":"Lumora"})");
-        QTest::newRow("blank before the brace")
-            << "{\"name\":\"x\"\n}" << QByteArray("{\"name\":\"x\",\"sourceSystem\":\"Lumora\"\n}");
-        QTest::newRow("last member is a number")
-            << R"({"name":"x","age":5})" << QByteArray(R"({"name":"x","age","sourceSystem":"Lumora":5})");
-        QTest::newRow("not ASCII") << QString::fromUtf8(R"({"name":"Zoë %1"})")
-                                   << QByteArray(R"({"name":"Zoë %1","sourceSystem":"Lumora"})");
+        rows<QString, QByteArray>({
+            {"last member is a text", R"({"name":"x","mail":"y"})",
+             R"({"name":"x","mail":"y","sourceSystem":"Lumora"})"},
+            {"blank before the brace", "{\"name\":\"x\"\n}",
+             "{\"name\":\"x\",\"sourceSystem\":\"Lumora\"\n}"},
+            {"last member is a number", R"({"name":"x","age":5})",
+             R"({"name":"x","age","sourceSystem":"Lumora":5})"},
+            {"not ASCII", QString::fromUtf8(R"({"name":"Zoë %1"})"),
+             R"({"name":"Zoë %1","sourceSystem":"Lumora"})"},
+        });
     }
 
     void completesTheRegistrationText()
     {
-        QFETCH(QString, registration);
-        QFETCH(QByteArray, body);
+        auto [registration, body] = row<QString, QByteArray>();
 
         FakeService service;
         service.expect(REGISTER, Answer::json("{}"));
@@ -185,8 +176,7 @@ private Q_SLOTS:
 
     void infoMessagesDecideTheLogin_data()
     {
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<bool>("loggedIn");
+        columns<QByteArray, bool>();
 
         const auto row = [](const char* body, bool loggedIn) {
             QTest::newRow(body) << QByteArray(body) << loggedIn;
@@ -214,8 +204,7 @@ private Q_SLOTS:
 
     void infoMessagesDecideTheLogin()
     {
-        QFETCH(QByteArray, body);
-        QFETCH(bool, loggedIn);
+        const auto [body, loggedIn] = row<QByteArray, bool>();
 
         FakeService service;
         service.expect(SUBMIT, Answer::json(body));
@@ -232,10 +221,7 @@ private Q_SLOTS:
 
     void refusedLoginKeepsTheErrorKey_data()
     {
-        QTest::addColumn<Login>("login");
-        QTest::addColumn<QByteArray>("path");
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<QString>("error");
+        columns<Login, QByteArray, QByteArray, QString>();
 
         const QByteArray first(R"({"errorMsgKeys":["login.error.password","b.error"]})");
         const QString key = QStringLiteral("login.error.password");
@@ -255,10 +241,7 @@ private Q_SLOTS:
 
     void refusedLoginKeepsTheErrorKey()
     {
-        QFETCH(Login, login);
-        QFETCH(QByteArray, path);
-        QFETCH(QByteArray, body);
-        QFETCH(QString, error);
+        const auto [login, path, body, error] = row<Login, QByteArray, QByteArray, QString>();
 
         FakeService service;
         service.expect(path, Answer::json(body, 401));
@@ -272,15 +255,15 @@ private Q_SLOTS:
 
     void unansweredLoginFailsWithoutAKey_data()
     {
-        QTest::addColumn<bool>("cut");
-
-        QTest::newRow("service gone") << false;
-        QTest::newRow("answer cut short") << true;
+        rows<bool>({
+            {"service gone", false},
+            {"answer cut short", true},
+        });
     }
 
     void unansweredLoginFailsWithoutAKey()
     {
-        QFETCH(bool, cut);
+        const auto [cut] = row<bool>();
 
         FakeService service;
         service.expect(SUBMIT, cut ? Answer::cut(REFUSED) : Answer::gone());
@@ -292,20 +275,18 @@ private Q_SLOTS:
 
     void loginStartsAnew_data()
     {
-        QTest::addColumn<Login>("login");
-        QTest::addColumn<QByteArray>("path");
-
-        QTest::newRow("password") << Login(loginByPassword) << QByteArray(SUBMIT);
-        QTest::newRow("device") << Login(loginByDevice) << QByteArray(SUBMIT);
-        QTest::newRow("OAuth") << Login(loginWithOAuth) << QByteArray(CALLBACK);
-        QTest::newRow("registration") << Login(registerWithOAuth) << QByteArray(REGISTER);
+        rows<Login, QByteArray>({
+            {"password", Login(loginByPassword), QByteArray(SUBMIT)},
+            {"device", Login(loginByDevice), QByteArray(SUBMIT)},
+            {"OAuth", Login(loginWithOAuth), QByteArray(CALLBACK)},
+            {"registration", Login(registerWithOAuth), QByteArray(REGISTER)},
+        });
     }
 
     // Neither the error nor the login of an earlier call outlives the start of the next.
     void loginStartsAnew()
     {
-        QFETCH(Login, login);
-        QFETCH(QByteArray, path);
+        const auto [login, path] = row<Login, QByteArray>();
 
         FakeService service;
         PresenterClient client(nullptr, service.url());
@@ -323,9 +304,7 @@ private Q_SLOTS:
 
     void oauthLoginCanAskForRegistration_data()
     {
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<bool>("loggedIn");
-        QTest::addColumn<QString>("registration");
+        columns<QByteArray, bool, QString>();
 
         const auto row = [](const char* name, const char* body, bool loggedIn, const char* registration) {
             QTest::newRow(name) << QByteArray(body) << loggedIn << QString::fromUtf8(registration);
@@ -351,9 +330,7 @@ private Q_SLOTS:
 
     void oauthLoginCanAskForRegistration()
     {
-        QFETCH(QByteArray, body);
-        QFETCH(bool, loggedIn);
-        QFETCH(QString, registration);
+        const auto [body, loggedIn, registration] = row<QByteArray, bool, QString>();
 
         FakeService service;
         service.expect(CALLBACK, Answer::json(body));

@@ -2,6 +2,7 @@
 
 #include "support/Lesson.h"
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -44,18 +45,18 @@ private Q_SLOTS:
 
     void valuesAreSentAsTheyAre_data()
     {
-        QTest::addColumn<QString>("value");
-
-        QTest::newRow("quotes") << "a\"b";
-        QTest::newRow("placeholders") << "%1%2%0";
-        QTest::newRow("not ASCII") << QString::fromUtf8("Zoë 🎓");
-        QTest::newRow("backslash") << "a\\";
+        rows<QString>({
+            {"quotes", "a\"b"},
+            {"placeholders", "%1%2%0"},
+            {"not ASCII", QString::fromUtf8("Zoë 🎓")},
+            {"backslash", "a\\"},
+        });
     }
 
     // Nothing is escaped: a user id with a quote in it makes the body no JSON at all.
     void valuesAreSentAsTheyAre()
     {
-        QFETCH(QString, value);
+        const auto [value] = row<QString>();
 
         const auto envelope = [&](const char* key) {
             const QJsonObject data{{QLatin1String(key), value}};
@@ -155,9 +156,7 @@ private Q_SLOTS:
 
     void tenantNamesTheTransports_data()
     {
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<QStringList>("protocols");
+        columns<int, QByteArray, QStringList>();
 
         const QStringList earlier{"websocket", "earlier"};
         QTest::newRow("one") << 200 << QByteArray(Lesson::WEBSOCKET) << QStringList{"websocket"};
@@ -173,9 +172,7 @@ private Q_SLOTS:
 
     void tenantNamesTheTransports()
     {
-        QFETCH(int, status);
-        QFETCH(QByteArray, body);
-        QFETCH(QStringList, protocols);
+        const auto [status, body, protocols] = row<int, QByteArray, QStringList>();
 
         Lesson lesson;
         lesson.client->getTenantFeatureDetailsResponse(
@@ -277,21 +274,18 @@ private Q_SLOTS:
 
     void startWithoutTokenGoesOn_data()
     {
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QByteArray>("body");
-
-        QTest::newRow("first key without error")
-            << 500 << QByteArray(R"({"errorMsgKeys":["session.refused","b.error"]})");
-        QTest::newRow("no key") << 500 << QByteArray("{}");
-        QTest::newRow("no JSON") << 500 << QByteArray("error");
-        QTest::newRow("answered without JSON") << 200 << QByteArray("started");
-        QTest::newRow("key, but no http error") << 200 << QByteArray(REFUSED);
+        rows<int, QByteArray>({
+            {"first key without error", 500, R"({"errorMsgKeys":["session.refused","b.error"]})"},
+            {"no key", 500, "{}"},
+            {"no JSON", 500, "error"},
+            {"answered without JSON", 200, "started"},
+            {"key, but no http error", 200, QByteArray(REFUSED)},
+        });
     }
 
     void startWithoutTokenGoesOn()
     {
-        QFETCH(int, status);
-        QFETCH(QByteArray, body);
+        const auto [status, body] = row<int, QByteArray>();
 
         Lesson lesson;
         lesson.expectStart(Answer::json(Lesson::WEBSOCKET), Answer::json(body, status));
@@ -315,20 +309,16 @@ private Q_SLOTS:
 
     void failedJoinKeepsTheUserToken_data()
     {
-        QTest::addColumn<QString>("before");
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QByteArray>("body");
-
-        QTest::newRow("http error") << "U0" << 500 << QByteArray(Lesson::JOINED);
-        QTest::newRow("no JSON") << "U0" << 200 << QByteArray("joined");
-        QTest::newRow("none before") << QString() << 500 << QByteArray(REFUSED);
+        rows<QString, int, QByteArray>({
+            {"http error", "U0", 500, QByteArray(Lesson::JOINED)},
+            {"no JSON", "U0", 200, "joined"},
+            {"none before", QString(), 500, QByteArray(REFUSED)},
+        });
     }
 
     void failedJoinKeepsTheUserToken()
     {
-        QFETCH(QString, before);
-        QFETCH(int, status);
-        QFETCH(QByteArray, body);
+        const auto [before, status, body] = row<QString, int, QByteArray>();
 
         Lesson lesson;
         if (!before.isNull())

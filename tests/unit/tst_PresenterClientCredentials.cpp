@@ -3,6 +3,7 @@
 #include "support/FakeService.h"
 #include "support/LogRecorder.h"
 #include "support/Logins.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/PresenterClient>
 
@@ -96,21 +97,19 @@ private Q_SLOTS:
 
     void userName_data()
     {
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<QString>("name");
-
-        QTest::newRow("known") << QByteArray(R"({"data":{"userLoginId":"zoë"}})") << QString::fromUtf8("zoë");
-        QTest::newRow("empty") << QByteArray(R"({"data":{"userLoginId":""}})") << "";
-        QTest::newRow("absent") << QByteArray(R"({"data":{}})") << QString();
-        QTest::newRow("no data") << QByteArray("{}") << QString();
-        QTest::newRow("data is no object") << QByteArray(R"({"data":"userLoginId"})") << QString();
-        QTest::newRow("no JSON") << QByteArray("userLoginId") << QString();
+        rows<QByteArray, QString>({
+            {"known", R"({"data":{"userLoginId":"zoë"}})", QString::fromUtf8("zoë")},
+            {"empty", R"({"data":{"userLoginId":""}})", ""},
+            {"absent", R"({"data":{}})", QString()},
+            {"no data", "{}", QString()},
+            {"data is no object", R"({"data":"userLoginId"})", QString()},
+            {"no JSON", "userLoginId", QString()},
+        });
     }
 
     void userName()
     {
-        QFETCH(QByteArray, body);
-        QFETCH(QString, name);
+        const auto [body, name] = row<QByteArray, QString>();
 
         FakeService service;
         service.expect(SUBMIT, Answer::json(name.isEmpty() ? SUCCESS : "{}"));
@@ -138,25 +137,19 @@ private Q_SLOTS:
 
     void logout_data()
     {
-        QTest::addColumn<bool>("wasLoggedIn");
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<int>("status");
-        QTest::addColumn<bool>("loggedOut");
-
-        QTest::newRow("answered") << true << QByteArray("{}") << 200 << true;
-        QTest::newRow("error envelope") << true << QByteArray(REFUSED) << 200 << true;
-        QTest::newRow("no JSON") << true << QByteArray("bye") << 200 << false;
-        QTest::newRow("empty") << true << QByteArray() << 200 << false;
-        QTest::newRow("http error") << true << QByteArray("{}") << 500 << false;
-        QTest::newRow("http error, but nobody was logged in") << false << QByteArray("{}") << 500 << true;
+        rows<bool, QByteArray, int, bool>({
+            {"answered", true, "{}", 200, true},
+            {"error envelope", true, QByteArray(REFUSED), 200, true},
+            {"no JSON", true, "bye", 200, false},
+            {"empty", true, QByteArray(), 200, false},
+            {"http error", true, "{}", 500, false},
+            {"http error, but nobody was logged in", false, "{}", 500, true},
+        });
     }
 
     void logout()
     {
-        QFETCH(bool, wasLoggedIn);
-        QFETCH(QByteArray, body);
-        QFETCH(int, status);
-        QFETCH(bool, loggedOut);
+        const auto [wasLoggedIn, body, status, loggedOut] = row<bool, QByteArray, int, bool>();
 
         FakeService service;
         service.expect(LOGOUT, Answer::json(body, status));
@@ -210,9 +203,8 @@ private Q_SLOTS:
 
     void reLoginChoosesTheCredentials_data()
     {
-        QTest::addColumn<Preparation>("prepare");
-        QTest::addColumn<QByteArray>("path"); // empty: no request
-        QTest::addColumn<QByteArray>("body");
+        columns<Preparation, QByteArray, QByteArray>();
+        // empty: no request
 
         const auto password = [](PresenterClient& c, FakeService& s) {
             s.expect(SUBMIT, Answer::json("{}"));
@@ -275,9 +267,7 @@ private Q_SLOTS:
 
     void reLoginChoosesTheCredentials()
     {
-        QFETCH(Preparation, prepare);
-        QFETCH(QByteArray, path);
-        QFETCH(QByteArray, body);
+        auto [prepare, path, body] = row<Preparation, QByteArray, QByteArray>();
 
         FakeService service;
         PresenterClient client(nullptr, service.url());

@@ -2,6 +2,7 @@
 
 #include "support/FakeService.h"
 #include "support/Logins.h"
+#include "support/Rows.h"
 #include "support/TimerClock.h"
 
 #include <CalyxClient/PresenterClient>
@@ -43,24 +44,18 @@ class tst_PresenterClientKeepAlive : public QObject
 private Q_SLOTS:
     void keepAliveRefreshesOnlyTheReachability_data()
     {
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<int>("status");
-        QTest::addColumn<bool>("before");
-        QTest::addColumn<bool>("after");
-
-        QTest::newRow("JSON") << QByteArray("{}") << 200 << false << true;
-        QTest::newRow("error envelope") << QByteArray(REFUSED) << 200 << false << true;
-        QTest::newRow("html") << QByteArray("<html>") << 200 << true << false;
-        QTest::newRow("http error, reachable before") << QByteArray("{}") << 500 << true << true;
-        QTest::newRow("http error, unreachable before") << QByteArray("{}") << 500 << false << false;
+        rows<QByteArray, int, bool, bool>({
+            {"JSON", "{}", 200, false, true},
+            {"error envelope", QByteArray(REFUSED), 200, false, true},
+            {"html", "<html>", 200, true, false},
+            {"http error, reachable before", "{}", 500, true, true},
+            {"http error, unreachable before", "{}", 500, false, false},
+        });
     }
 
     void keepAliveRefreshesOnlyTheReachability()
     {
-        QFETCH(QByteArray, body);
-        QFETCH(int, status);
-        QFETCH(bool, before);
-        QFETCH(bool, after);
+        const auto [body, status, before, after] = row<QByteArray, int, bool, bool>();
 
         FakeService service;
         service.expect(KEEP_ALIVE, Answer::json(body, status));
@@ -76,19 +71,17 @@ private Q_SLOTS:
 
     void keepsAliveEveryMinuteAfterALogin_data()
     {
-        QTest::addColumn<Login>("login");
-        QTest::addColumn<QByteArray>("path");
-
-        QTest::newRow("password") << Login(loginByPassword) << QByteArray(SUBMIT);
-        QTest::newRow("device") << Login(loginByDevice) << QByteArray(SUBMIT);
-        QTest::newRow("OAuth") << Login(loginWithOAuth) << QByteArray(CALLBACK);
-        QTest::newRow("registration") << Login(registerWithOAuth) << QByteArray(REGISTER);
+        rows<Login, QByteArray>({
+            {"password", Login(loginByPassword), QByteArray(SUBMIT)},
+            {"device", Login(loginByDevice), QByteArray(SUBMIT)},
+            {"OAuth", Login(loginWithOAuth), QByteArray(CALLBACK)},
+            {"registration", Login(registerWithOAuth), QByteArray(REGISTER)},
+        });
     }
 
     void keepsAliveEveryMinuteAfterALogin()
     {
-        QFETCH(Login, login);
-        QFETCH(QByteArray, path);
+        const auto [login, path] = row<Login, QByteArray>();
 
         FakeService service;
         service.expect(path, Answer::json(SUCCESS));
@@ -105,33 +98,33 @@ private Q_SLOTS:
 
     void keepsNothingAliveWithoutALogin_data()
     {
-        QTest::addColumn<Preparation>("prepare");
-
-        QTest::newRow("new client") << Preparation([](PresenterClient&, FakeService&) {});
-        QTest::newRow("refused") << Preparation([](PresenterClient& c, FakeService& s) {
-            s.expect(SUBMIT, Answer::json(REFUSED, 401));
-            loginByPassword(c);
-        });
-        QTest::newRow("access token") << Preparation([](PresenterClient& c, FakeService& s) {
-            s.expect(SUBMIT, Answer::json(R"({"data":{"deviceAccessToken":"T"}})"));
-            c.doGetAccessToken("u", "p", "d", "n");
-            QVERIFY(c.isLoggedIn());
-        });
-        QTest::newRow("OAuth access token") << Preparation([](PresenterClient& c, FakeService& s) {
-            s.expect(CALLBACK, Answer::json(R"({"data":{"deviceAccessToken":"T"}})"));
-            getOAuthToken(c);
-            QVERIFY(c.isLoggedIn());
-        });
-        QTest::newRow("user name") << Preparation([](PresenterClient& c, FakeService& s) {
-            s.expect(USER, Answer::json(R"({"data":{"userLoginId":"u"}})"));
-            c.doGetUserName();
-            QVERIFY(c.isLoggedIn());
+        rows<Preparation>({
+            {"new client", Preparation([](PresenterClient&, FakeService&) {})},
+            {"refused", Preparation([](PresenterClient& c, FakeService& s) {
+                 s.expect(SUBMIT, Answer::json(REFUSED, 401));
+                 loginByPassword(c);
+             })},
+            {"access token", Preparation([](PresenterClient& c, FakeService& s) {
+                 s.expect(SUBMIT, Answer::json(R"({"data":{"deviceAccessToken":"T"}})"));
+                 c.doGetAccessToken("u", "p", "d", "n");
+                 QVERIFY(c.isLoggedIn());
+             })},
+            {"OAuth access token", Preparation([](PresenterClient& c, FakeService& s) {
+                 s.expect(CALLBACK, Answer::json(R"({"data":{"deviceAccessToken":"T"}})"));
+                 getOAuthToken(c);
+                 QVERIFY(c.isLoggedIn());
+             })},
+            {"user name", Preparation([](PresenterClient& c, FakeService& s) {
+                 s.expect(USER, Answer::json(R"({"data":{"userLoginId":"u"}})"));
+                 c.doGetUserName();
+                 QVERIFY(c.isLoggedIn());
+             })},
         });
     }
 
     void keepsNothingAliveWithoutALogin()
     {
-        QFETCH(Preparation, prepare);
+        const auto [prepare] = row<Preparation>();
 
         FakeService service;
         PresenterClient client(nullptr, service.url());
@@ -161,15 +154,15 @@ private Q_SLOTS:
 
     void logoutEndsTheKeepAlive_data()
     {
-        QTest::addColumn<int>("status");
-
-        QTest::newRow("logged out") << 200;
-        QTest::newRow("logout failed") << 500;
+        rows<int>({
+            {"logged out", 200},
+            {"logout failed", 500},
+        });
     }
 
     void logoutEndsTheKeepAlive()
     {
-        QFETCH(int, status);
+        const auto [status] = row<int>();
 
         FakeService service;
         service.expect(SUBMIT, Answer::json(SUCCESS));

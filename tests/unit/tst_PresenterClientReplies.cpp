@@ -4,6 +4,7 @@
 #include "support/FakeService.h"
 #include "support/Gzip.h"
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/PresenterClient>
 
@@ -76,9 +77,7 @@ private Q_SLOTS:
 
     void redirectChangesTheBaseAddress_data()
     {
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QByteArray>("location");
-        QTest::addColumn<QString>("server");
+        columns<int, QByteArray, QString>();
 
         for (const int status : {301, 302, 303, 307, 308}) {
             QTest::newRow(qPrintable(QStringLiteral("status %1").arg(status)))
@@ -105,9 +104,7 @@ private Q_SLOTS:
 
     void redirectChangesTheBaseAddress()
     {
-        QFETCH(int, status);
-        QFETCH(QByteArray, location);
-        QFETCH(QString, server);
+        const auto [status, location, server] = row<int, QByteArray, QString>();
 
         FakeService service;
         service.expect("/tavisto", Answer::redirect(location, status));
@@ -157,16 +154,16 @@ private Q_SLOTS:
 
     void otherRedirectsAreAnswersLikeAnyOther_data()
     {
-        QTest::addColumn<QByteArray>("location");
-
-        QTest::newRow("another scheme") << QByteArray("ftp://moved.example/");
-        QTest::newRow("wss") << QByteArray("wss://moved.example/");
-        QTest::newRow("no scheme") << QByteArray("/elsewhere");
+        rows<QByteArray>({
+            {"another scheme", "ftp://moved.example/"},
+            {"wss", "wss://moved.example/"},
+            {"no scheme", "/elsewhere"},
+        });
     }
 
     void otherRedirectsAreAnswersLikeAnyOther()
     {
-        QFETCH(QByteArray, location);
+        const auto [location] = row<QByteArray>();
 
         FakeService service;
         service.expect("/tavisto", Answer::redirect(location));
@@ -216,8 +213,7 @@ private Q_SLOTS:
 
     void badGzipGivesAnEmptyBody_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<bool>("warned");
+        columns<QByteArray, bool>();
 
         QByteArray corrupt = Gzip::gzip(QByteArray(5000, 'x'));
         corrupt[corrupt.size() - 8] = char(corrupt.at(corrupt.size() - 8) ^ 1);
@@ -230,8 +226,7 @@ private Q_SLOTS:
 
     void badGzipGivesAnEmptyBody()
     {
-        QFETCH(QByteArray, bytes);
-        QFETCH(bool, warned);
+        const auto [bytes, warned] = row<QByteArray, bool>();
 
         const Exchange exchange(Answer::json(bytes).with("Content-Encoding", "gzip"));
 
@@ -242,15 +237,15 @@ private Q_SLOTS:
 
     void bodyEndsAtItsFirstNul_data()
     {
-        QTest::addColumn<bool>("gzip");
-
-        QTest::newRow("plain") << false;
-        QTest::newRow("gzip") << true;
+        rows<bool>({
+            {"plain", false},
+            {"gzip", true},
+        });
     }
 
     void bodyEndsAtItsFirstNul()
     {
-        QFETCH(bool, gzip);
+        const auto [gzip] = row<bool>();
 
         const QByteArray body("{\"a\":1}\0garbage\0", 16);
         Answer answer = Answer::json(gzip ? Gzip::gzip(body) : body);

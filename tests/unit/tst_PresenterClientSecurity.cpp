@@ -2,6 +2,7 @@
 
 #include "support/FakeService.h"
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 #include "support/TestCertificates.h"
 
 #include <CalyxClient/PresenterClient>
@@ -124,18 +125,16 @@ private Q_SLOTS:
 
     void unknownRootIsReported_data()
     {
-        QTest::addColumn<QString>("certificate");
-        QTest::addColumn<bool>("withRoot");
-
-        QTest::newRow("root shown") << "loopback" << true;
-        QTest::newRow("root not shown") << "loopback" << false;
-        QTest::newRow("wrong host as well") << "elsewhere" << true;
+        rows<QString, bool>({
+            {"root shown", "loopback", true},
+            {"root not shown", "loopback", false},
+            {"wrong host as well", "elsewhere", true},
+        });
     }
 
     void unknownRootIsReported()
     {
-        QFETCH(QString, certificate);
-        QFETCH(bool, withRoot);
+        const auto [certificate, withRoot] = row<QString, bool>();
 
         QSslConfiguration tls = TestCertificates::server(certificate);
         if (!withRoot)
@@ -224,8 +223,7 @@ private Q_SLOTS:
 
     void emptyPeerChainMatchesOnlyANamelessRoot_data()
     {
-        QTest::addColumn<QStringList>("roots");
-        QTest::addColumn<QString>("error");
+        columns<QStringList, QString>();
 
         const QString missing = QStringLiteral("SSLRootCertificateMissing");
         QTest::newRow("no root") << QStringList() << missing;
@@ -237,8 +235,7 @@ private Q_SLOTS:
 
     void emptyPeerChainMatchesOnlyANamelessRoot()
     {
-        QFETCH(QStringList, roots);
-        QFETCH(QString, error);
+        const auto [roots, error] = row<QStringList, QString>();
 
         QList<QSslCertificate> certificates;
         for (const QString& root : roots)
@@ -307,26 +304,18 @@ private Q_SLOTS:
 
     void emptyArgumentsKeepEarlierCredentials_data()
     {
-        QTest::addColumn<QString>("user");
-        QTest::addColumn<QString>("password");
-        QTest::addColumn<QByteArray>("credentials");
-
-        QTest::newRow("both empty") << ""
-                                    << "" << QByteArray("user:secret");
-        QTest::newRow("both null") << QString() << QString() << QByteArray("user:secret");
-        QTest::newRow("new user") << "other"
-                                  << "" << QByteArray("other:secret");
-        QTest::newRow("new password") << ""
-                                      << "word" << QByteArray("user:word");
-        QTest::newRow("both new") << "other"
-                                  << "word" << QByteArray("other:word");
+        rows<QString, QString, QByteArray>({
+            {"both empty", "", "", "user:secret"},
+            {"both null", QString(), QString(), "user:secret"},
+            {"new user", "other", "", "other:secret"},
+            {"new password", "", "word", "user:word"},
+            {"both new", "other", "word", "other:word"},
+        });
     }
 
     void emptyArgumentsKeepEarlierCredentials()
     {
-        QFETCH(QString, user);
-        QFETCH(QString, password);
-        QFETCH(QByteArray, credentials);
+        const auto [user, password, credentials] = row<QString, QString, QByteArray>();
 
         FakeService service;
         service.expect("/tavisto", Answer::json("{}"));
@@ -361,35 +350,17 @@ private Q_SLOTS:
 
     void authenticatorGetsOnlyWhatIsSet_data()
     {
-        QTest::addColumn<QString>("user");
-        QTest::addColumn<QString>("password");
-        QTest::addColumn<QString>("userGiven");
-        QTest::addColumn<QString>("passwordGiven");
-
-        QTest::newRow("neither") << ""
-                                 << ""
-                                 << "before"
-                                 << "before";
-        QTest::newRow("user") << "u"
-                              << ""
-                              << "u"
-                              << "before";
-        QTest::newRow("password") << ""
-                                  << "p"
-                                  << "before"
-                                  << "p";
-        QTest::newRow("both") << "u"
-                              << "p"
-                              << "u"
-                              << "p";
+        rows<QString, QString, QString, QString>({
+            {"neither", "", "", "before", "before"},
+            {"user", "u", "", "u", "before"},
+            {"password", "", "p", "before", "p"},
+            {"both", "u", "p", "u", "p"},
+        });
     }
 
     void authenticatorGetsOnlyWhatIsSet()
     {
-        QFETCH(QString, user);
-        QFETCH(QString, password);
-        QFETCH(QString, userGiven);
-        QFETCH(QString, passwordGiven);
+        const auto [user, password, userGiven, passwordGiven] = row<QString, QString, QString, QString>();
 
         FakeService service;
         service.expect("/tavisto", Answer::json("{}"));
@@ -429,16 +400,16 @@ private Q_SLOTS:
 
     void exportedProxyChangesNothing_data()
     {
-        QTest::addColumn<bool>("hasProxy");
-
-        QTest::newRow("system proxy") << true;
-        QTest::newRow("no proxy") << false;
+        rows<bool>({
+            {"system proxy", true},
+            {"no proxy", false},
+        });
     }
 
     // What the real-time channel exports has no scheme, which Qt misreads.
     void exportedProxyChangesNothing()
     {
-        QFETCH(bool, hasProxy);
+        const auto [hasProxy] = row<bool>();
 
         const Environment environment("http_proxy");
         FakeService service;

@@ -1,6 +1,7 @@
 // Whether the service is there, and whether it is the service.
 
 #include "support/FakeService.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/PresenterClient>
 
@@ -27,26 +28,21 @@ private Q_SLOTS:
 
     void checkServer_data()
     {
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<bool>("reachable");
-
-        QTest::newRow("empty object") << 200 << QByteArray("{}") << true;
-        QTest::newRow("array") << 200 << QByteArray("[]") << true;
-        QTest::newRow("error envelope")
-            << 200 << QByteArray(R"({"success":false,"errorMsgKeys":["a.error"]})") << true;
-        QTest::newRow("html") << 200 << QByteArray("<html></html>") << false;
-        QTest::newRow("empty body") << 200 << QByteArray() << false;
-        QTest::newRow("half an object") << 200 << QByteArray("{\"a\":") << false;
-        QTest::newRow("http error") << 500 << QByteArray("{}") << false;
-        QTest::newRow("not found") << 404 << QByteArray("{}") << false;
+        rows<int, QByteArray, bool>({
+            {"empty object", 200, "{}", true},
+            {"array", 200, "[]", true},
+            {"error envelope", 200, R"({"success":false,"errorMsgKeys":["a.error"]})", true},
+            {"html", 200, "<html></html>", false},
+            {"empty body", 200, QByteArray(), false},
+            {"half an object", 200, "{\"a\":", false},
+            {"http error", 500, "{}", false},
+            {"not found", 404, "{}", false},
+        });
     }
 
     void checkServer()
     {
-        QFETCH(int, status);
-        QFETCH(QByteArray, body);
-        QFETCH(bool, reachable);
+        const auto [status, body, reachable] = row<int, QByteArray, bool>();
 
         FakeService service;
         service.expect("/tavisto", Answer::json("{}"));
@@ -86,21 +82,19 @@ private Q_SLOTS:
 
     void serverCheckLooksOnlyAtTheSyntax_data()
     {
-        QTest::addColumn<QString>("body");
-        QTest::addColumn<bool>("reachable");
-
-        QTest::newRow("object") << "{\"success\":false}" << true;
-        QTest::newRow("array") << " [ ] " << true;
-        QTest::newRow("null text") << QString() << false;
-        QTest::newRow("blank") << " " << false;
-        QTest::newRow("garbage behind") << "{} x" << false;
-        QTest::newRow("bare number") << "1" << false;
+        rows<QString, bool>({
+            {"object", "{\"success\":false}", true},
+            {"array", " [ ] ", true},
+            {"null text", QString(), false},
+            {"blank", " ", false},
+            {"garbage behind", "{} x", false},
+            {"bare number", "1", false},
+        });
     }
 
     void serverCheckLooksOnlyAtTheSyntax()
     {
-        QFETCH(QString, body);
-        QFETCH(bool, reachable);
+        const auto [body, reachable] = row<QString, bool>();
 
         PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
         client.serverCheckResponse(QStringLiteral("{}"));

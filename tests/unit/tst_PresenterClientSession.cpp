@@ -2,6 +2,7 @@
 
 #include "support/FakeService.h"
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 #include "support/Sessions.h"
 
 #include <CalyxClient/Learner>
@@ -57,26 +58,22 @@ private Q_SLOTS:
 
     void code_data()
     {
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<bool>("created");
-        QTest::addColumn<QString>("code");
-
-        QTest::newRow("text") << QByteArray(R"({"data":{"sessionCode":"012345"}})") << true << "012345";
-        QTest::newRow("number") << QByteArray(R"({"data":{"sessionCode":123456}})") << true << "123456";
-        QTest::newRow("empty") << QByteArray(R"({"data":{"sessionCode":""}})") << true << "";
-        QTest::newRow("absent") << QByteArray(R"({"data":{}})") << false << QString();
-        QTest::newRow("no data") << QByteArray(R"({"success":true})") << false << QString();
-        QTest::newRow("data is a text") << QByteArray(R"({"data":"sessionCode"})") << false << QString();
-        QTest::newRow("no JSON") << QByteArray("<html>") << false << QString();
-        QTest::newRow("error key, but no HTTP error")
-            << QByteArray(R"({"errorMsgKeys":["a.error"],"data":{"sessionCode":"1"}})") << true << "1";
+        rows<QByteArray, bool, QString>({
+            {"text", R"({"data":{"sessionCode":"012345"}})", true, "012345"},
+            {"number", R"({"data":{"sessionCode":123456}})", true, "123456"},
+            {"empty", R"({"data":{"sessionCode":""}})", true, ""},
+            {"absent", R"({"data":{}})", false, QString()},
+            {"no data", R"({"success":true})", false, QString()},
+            {"data is a text", R"({"data":"sessionCode"})", false, QString()},
+            {"no JSON", "<html>", false, QString()},
+            {"error key, but no HTTP error", R"({"errorMsgKeys":["a.error"],"data":{"sessionCode":"1"}})",
+             true, "1"},
+        });
     }
 
     void code()
     {
-        QFETCH(QByteArray, body);
-        QFETCH(bool, created);
-        QFETCH(QString, code);
+        const auto [body, created, code] = row<QByteArray, bool, QString>();
 
         FakeService service;
         service.expect(USER, Answer::json(LOGGED_IN));
@@ -90,21 +87,17 @@ private Q_SLOTS:
 
     void refusedCreationKeepsTheErrorKey_data()
     {
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<QString>("error");
-
-        QTest::newRow("first key") << QByteArray(R"({"errorMsgKeys":["session.error","b.error"]})")
-                                   << "session.error";
-        QTest::newRow("first key without error")
-            << QByteArray(R"({"errorMsgKeys":["session.refused","b.error"]})") << QString();
-        QTest::newRow("a code all the same") << QByteArray(CREATED) << QString();
-        QTest::newRow("no JSON") << QByteArray("error") << QString();
+        rows<QByteArray, QString>({
+            {"first key", R"({"errorMsgKeys":["session.error","b.error"]})", "session.error"},
+            {"first key without error", R"({"errorMsgKeys":["session.refused","b.error"]})", QString()},
+            {"a code all the same", QByteArray(CREATED), QString()},
+            {"no JSON", "error", QString()},
+        });
     }
 
     void refusedCreationKeepsTheErrorKey()
     {
-        QFETCH(QByteArray, body);
-        QFETCH(QString, error);
+        const auto [body, error] = row<QByteArray, QString>();
 
         FakeService service;
         service.expect(USER, Answer::json(LOGGED_IN));
@@ -119,15 +112,15 @@ private Q_SLOTS:
 
     void unansweredCreationFails_data()
     {
-        QTest::addColumn<bool>("cut");
-
-        QTest::newRow("service gone") << false;
-        QTest::newRow("answer cut short") << true;
+        rows<bool>({
+            {"service gone", false},
+            {"answer cut short", true},
+        });
     }
 
     void unansweredCreationFails()
     {
-        QFETCH(bool, cut);
+        const auto [cut] = row<bool>();
 
         FakeService service;
         service.expect(USER, Answer::json(LOGGED_IN));
@@ -253,8 +246,7 @@ private Q_SLOTS:
 
     void learners_data()
     {
-        QTest::addColumn<QByteArray>("users");
-        QTest::addColumn<QStringList>("learners");
+        columns<QByteArray, QStringList>();
 
         const auto row = [](const char* name, const char* users, const QStringList& learners) {
             QTest::newRow(name) << QByteArray(users) << learners;
@@ -277,8 +269,7 @@ private Q_SLOTS:
 
     void learners()
     {
-        QFETCH(QByteArray, users);
-        QFETCH(QStringList, learners);
+        const auto [users, learners] = row<QByteArray, QStringList>();
 
         FakeService service;
         service.expect(USERS, Answer::json("{\"data\":{\"users\":" + users + "}}"));
@@ -294,20 +285,20 @@ private Q_SLOTS:
 
     void badListLeavesTheLearners_data()
     {
-        QTest::addColumn<QByteArray>("body");
-
-        QTest::newRow("text") << QByteArray(R"({"data":{"users":"none"}})");
-        QTest::newRow("object") << QByteArray(R"({"data":{"users":{"mode":"learner"}}})");
-        QTest::newRow("null") << QByteArray(R"({"data":{"users":null}})");
-        QTest::newRow("absent") << QByteArray(R"({"data":{}})");
-        QTest::newRow("no data") << QByteArray("{}");
-        QTest::newRow("no JSON") << QByteArray(R"({"data":{"users":[)");
-        QTest::newRow("empty") << QByteArray();
+        rows<QByteArray>({
+            {"text", R"({"data":{"users":"none"}})"},
+            {"object", R"({"data":{"users":{"mode":"learner"}}})"},
+            {"null", R"({"data":{"users":null}})"},
+            {"absent", R"({"data":{}})"},
+            {"no data", "{}"},
+            {"no JSON", R"({"data":{"users":[)"},
+            {"empty", QByteArray()},
+        });
     }
 
     void badListLeavesTheLearners()
     {
-        QFETCH(QByteArray, body);
+        const auto [body] = row<QByteArray>();
 
         FakeService service;
         service.expect(USERS, Answer::json(body));
@@ -322,15 +313,15 @@ private Q_SLOTS:
 
     void failedRequestLeavesTheLearners_data()
     {
-        QTest::addColumn<bool>("cut");
-
-        QTest::newRow("http error") << false;
-        QTest::newRow("answer cut short") << true;
+        rows<bool>({
+            {"http error", false},
+            {"answer cut short", true},
+        });
     }
 
     void failedRequestLeavesTheLearners()
     {
-        QFETCH(bool, cut);
+        const auto [cut] = row<bool>();
 
         const QByteArray body(R"({"errorMsgKeys":["a.error"],"data":{"users":[]}})");
         FakeService service;

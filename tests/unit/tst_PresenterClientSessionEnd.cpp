@@ -3,6 +3,7 @@
 #include "support/FakeService.h"
 #include "support/Lesson.h"
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 #include "support/Sessions.h"
 #include "support/TimerClock.h"
 
@@ -64,16 +65,16 @@ private Q_SLOTS:
 
     void stopNeedsNoGoodAnswer_data()
     {
-        QTest::addColumn<int>("kind");
-
-        QTest::newRow("http error") << 0;
-        QTest::newRow("no JSON") << 1;
-        QTest::newRow("service gone") << 2;
+        rows<int>({
+            {"http error", 0},
+            {"no JSON", 1},
+            {"service gone", 2},
+        });
     }
 
     void stopNeedsNoGoodAnswer()
     {
-        QFETCH(int, kind);
+        const auto [kind] = row<int>();
 
         const Answer answers[] = {Answer::json(R"({"errorMsgKeys":["a.error"]})", 500), Answer::json("bye"),
                                   Answer::gone()};

@@ -1,6 +1,7 @@
 // Storing a resource on the service.
 
 #include "support/FakeService.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/PresenterClient>
 
@@ -50,8 +51,7 @@ class tst_PresenterClientUpload : public QObject
 private Q_SLOTS:
     void sendsTheBody_data()
     {
-        QTest::addColumn<QString>("fileName");
-        QTest::addColumn<QByteArray>("data");
+        columns<QString, QByteArray>();
 
         QByteArray allBytes;
         for (int byte = 0; byte < 256; ++byte)
@@ -69,8 +69,7 @@ private Q_SLOTS:
 
     void sendsTheBody()
     {
-        QFETCH(QString, fileName);
-        QFETCH(QByteArray, data);
+        const auto [fileName, data] = row<QString, QByteArray>();
 
         FakeService service;
         service.expect(UPLOAD, Answer::json(STORED));
@@ -92,10 +91,7 @@ private Q_SLOTS:
 
     void multipartValue_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<bool>("last");
-        QTest::addColumn<QString>("text");
+        columns<QString, QString, bool, QString>();
 
         const QString type = QStringLiteral("\r\nContent-Type: text/plain; charset=utf-8\r\n\r\n");
         const QString head = QStringLiteral("Content-Disposition: form-data; name=");
@@ -115,10 +111,7 @@ private Q_SLOTS:
 
     void multipartValue()
     {
-        QFETCH(QString, name);
-        QFETCH(QString, value);
-        QFETCH(bool, last);
-        QFETCH(QString, text);
+        const auto [name, value, last, text] = row<QString, QString, bool, QString>();
 
         PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
         QCOMPARE(client.addMultipartValue(name, value, last), text);
@@ -126,9 +119,7 @@ private Q_SLOTS:
 
     void givesIdAndDownloadPath_data()
     {
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<QString>("id");
-        QTest::addColumn<QString>("resourcePath");
+        columns<QByteArray, QString, QString>();
 
         const auto row = [](const char* name, const char* body, const char* id, const char* path) {
             QTest::newRow(name) << QByteArray(body) << QString::fromUtf8(id) << QString::fromUtf8(path);
@@ -146,9 +137,7 @@ private Q_SLOTS:
 
     void givesIdAndDownloadPath()
     {
-        QFETCH(QByteArray, body);
-        QFETCH(QString, id);
-        QFETCH(QString, resourcePath);
+        const auto [body, id, resourcePath] = row<QByteArray, QString, QString>();
 
         FakeService service;
         service.expect(UPLOAD, Answer::json(body));
@@ -176,19 +165,19 @@ private Q_SLOTS:
 
     void failureTouchesNothing_data()
     {
-        QTest::addColumn<int>("kind");
-
-        QTest::newRow("http error with an id") << 0;
-        QTest::newRow("http error with an error key") << 1;
-        QTest::newRow("no JSON") << 2;
-        QTest::newRow("empty answer") << 3;
-        QTest::newRow("answer cut short") << 4;
-        QTest::newRow("service gone") << 5;
+        rows<int>({
+            {"http error with an id", 0},
+            {"http error with an error key", 1},
+            {"no JSON", 2},
+            {"empty answer", 3},
+            {"answer cut short", 4},
+            {"service gone", 5},
+        });
     }
 
     void failureTouchesNothing()
     {
-        QFETCH(int, kind);
+        const auto [kind] = row<int>();
 
         const Answer answers[] = {
             Answer::json(STORED, 500),     Answer::json(R"({"errorMsgKeys":["upload.error"]})", 500),

@@ -4,6 +4,7 @@
 #include "support/ClientProbe.h"
 #include "support/FakeService.h"
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 #include "support/TimerClock.h"
 
 #include <CalyxClient/PresenterClient>
@@ -81,7 +82,7 @@ private Q_SLOTS:
 
     void timeOutEndsTheOperation_data()
     {
-        QTest::addColumn<Operation>("operation");
+        columns<Operation>();
 
         for (const auto& operation : operations())
             QTest::newRow(operation.first) << operation.second;
@@ -92,7 +93,7 @@ private Q_SLOTS:
 
     void timeOutEndsTheOperation()
     {
-        QFETCH(Operation, operation);
+        const auto [operation] = row<Operation>();
 
         FakeService service;
         for (const QByteArray& path : operation.paths.mid(0, operation.paths.size() - 1))

@@ -8,6 +8,7 @@
 #include "model/QuestionText.h"
 #include "model/QuestionWordSeed.h"
 #include "model/QuestionYesNo.h"
+#include "support/Rows.h"
 #include "support/SessionTest.h"
 
 #include <QTest>
@@ -38,21 +39,16 @@ class TestPresenterCollabCards : public SessionTest
 private Q_SLOTS:
     void sendsAQuestionToAnAddress_data()
     {
-        QTest::addColumn<QString>("address");
-        QTest::addColumn<QString>("resolved");
-
-        QTest::newRow("a device") << ".user.d1"
-                                  << "abc.user.d1";
-        QTest::newRow("without the point") << "elsewhere"
-                                           << "elsewhere";
-        QTest::newRow("empty") << ""
-                               << "";
+        rows<QString, QString>({
+            {"a device", ".user.d1", "abc.user.d1"},
+            {"without the point", "elsewhere", "elsewhere"},
+            {"empty", "", ""},
+        });
     }
 
     void sendsAQuestionToAnAddress()
     {
-        QFETCH(QString, address);
-        QFETCH(QString, resolved);
+        const auto [address, resolved] = row<QString, QString>();
         QVERIFY(m_session->open());
         Calyx::QuestionMultiChoice question;
         question.addActivityOption(QStringLiteral("A"), QStringLiteral("x [ 1 ]"), 1);
@@ -83,9 +79,7 @@ private Q_SLOTS:
 
     void setsTheActivityTypeOfEachClass_data()
     {
-        QTest::addColumn<QObject*>("question");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("id");
+        columns<QObject*, QString, QString>();
 
         auto* trueFalse = new Calyx::QuestionYesNo(this);
         trueFalse->setTrueFalse(true);
@@ -106,9 +100,7 @@ private Q_SLOTS:
 
     void setsTheActivityTypeOfEachClass()
     {
-        QFETCH(QObject*, question);
-        QFETCH(QString, name);
-        QFETCH(QString, id);
+        const auto [question, name, id] = row<QObject*, QString, QString>();
         QVERIFY(m_session->open());
 
         auto* sent = qobject_cast<Calyx::QuestionBase*>(question);
@@ -150,11 +142,7 @@ private Q_SLOTS:
 
     void cardImageReference_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("reference");
-        QTest::addColumn<bool>("asCssUrl");
-        QTest::addColumn<QString>("expected");
-        QTest::addColumn<int>("logged");
+        columns<QByteArray, QString, bool, QString, int>();
 
         const QByteArray none;
         const QString null;
@@ -180,11 +168,8 @@ private Q_SLOTS:
 
     void cardImageReference()
     {
-        QFETCH(QByteArray, bytes);
-        QFETCH(QString, reference);
-        QFETCH(bool, asCssUrl);
-        QFETCH(QString, expected);
-        QFETCH(int, logged);
+        const auto [bytes, reference, asCssUrl, expected, logged] =
+            row<QByteArray, QString, bool, QString, int>();
         collab()->setCardImage(bytes);
         collab()->setCardImageRef(reference);
 
@@ -218,23 +203,17 @@ private Q_SLOTS:
 
     void showsAnImageCard_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("reference");
-        QTest::addColumn<QString>("url");
-
-        QTest::newRow("reference") << QByteArray() << "http://h/p.png"
-                                   << "http://h/p.png";
-        QTest::newRow("bytes") << QByteArray("png") << QString() << "data:image/png;base64,cG5n";
-        QTest::newRow("none") << QByteArray() << QString() << "";
-        QTest::newRow("placeholders") << QByteArray() << "%0%1%2"
-                                      << "%0%1%2";
+        rows<QByteArray, QString, QString>({
+            {"reference", QByteArray(), "http://h/p.png", "http://h/p.png"},
+            {"bytes", "png", QString(), "data:image/png;base64,cG5n"},
+            {"none", QByteArray(), QString(), ""},
+            {"placeholders", QByteArray(), "%0%1%2", "%0%1%2"},
+        });
     }
 
     void showsAnImageCard()
     {
-        QFETCH(QByteArray, bytes);
-        QFETCH(QString, reference);
-        QFETCH(QString, url);
+        const auto [bytes, reference, url] = row<QByteArray, QString, QString>();
         QVERIFY(m_session->open());
 
         for (bool checkHeavy : {false, true}) {
@@ -248,21 +227,17 @@ private Q_SLOTS:
 
     void largeImagesAreAnnounced_data()
     {
-        QTest::addColumn<int>("length");
-        QTest::addColumn<bool>("checkHeavy");
-        QTest::addColumn<bool>("announced");
-
-        QTest::newRow("524288") << 524288 << true << false;
-        QTest::newRow("524289") << 524289 << true << true;
-        QTest::newRow("a million") << 1000000 << true << true;
-        QTest::newRow("524289, unchecked") << 524289 << false << false;
+        rows<int, bool, bool>({
+            {"524288", 524288, true, false},
+            {"524289", 524289, true, true},
+            {"a million", 1000000, true, true},
+            {"524289, unchecked", 524289, false, false},
+        });
     }
 
     void largeImagesAreAnnounced()
     {
-        QFETCH(int, length);
-        QFETCH(bool, checkHeavy);
-        QFETCH(bool, announced);
+        const auto [length, checkHeavy, announced] = row<int, bool, bool>();
         QVERIFY(m_session->open());
         const QString reference(length, QLatin1Char('r'));
 
@@ -277,8 +252,7 @@ private Q_SLOTS:
 
     void imageBytesCountWithTheirUri_data()
     {
-        QTest::addColumn<int>("size");
-        QTest::addColumn<bool>("announced");
+        columns<int, bool>();
 
         // 22 characters in front of four for each three bytes.
         QTest::newRow("524286 characters") << 393198 << false;
@@ -287,8 +261,7 @@ private Q_SLOTS:
 
     void imageBytesCountWithTheirUri()
     {
-        QFETCH(int, size);
-        QFETCH(bool, announced);
+        const auto [size, announced] = row<int, bool>();
         QVERIFY(m_session->open());
 
         collab()->setCardImage(QByteArray(size, 'x'));
@@ -359,23 +332,18 @@ private Q_SLOTS:
 
     void currentCard_data()
     {
-        QTest::addColumn<int>("current");
-        QTest::addColumn<int>("total");
-        QTest::addColumn<QString>("data");
-
-        QTest::newRow("none") << 3 << 0 << R"({"currentCard":"3", "cards": [], "totalCards":"0"})";
-        QTest::newRow("one") << 1 << 1 << R"({"currentCard":"1", "cards": [{"name":"1"}], "totalCards":"1"})";
-        QTest::newRow("three")
-            << 2 << 3
-            << R"({"currentCard":"2", "cards": [{"name":"1"},{"name":"2"},{"name":"3"}], "totalCards":"3"})";
-        QTest::newRow("negative") << -1 << -2 << R"({"currentCard":"-1", "cards": [], "totalCards":"-2"})";
+        rows<int, int, QString>({
+            {"none", 3, 0, R"({"currentCard":"3", "cards": [], "totalCards":"0"})"},
+            {"one", 1, 1, R"({"currentCard":"1", "cards": [{"name":"1"}], "totalCards":"1"})"},
+            {"three", 2, 3,
+             R"({"currentCard":"2", "cards": [{"name":"1"},{"name":"2"},{"name":"3"}], "totalCards":"3"})"},
+            {"negative", -1, -2, R"({"currentCard":"-1", "cards": [], "totalCards":"-2"})"},
+        });
     }
 
     void currentCard()
     {
-        QFETCH(int, current);
-        QFETCH(int, total);
-        QFETCH(QString, data);
+        const auto [current, total, data] = row<int, int, QString>();
         QVERIFY(m_session->open());
 
         collab()->sendCurrentCardToRemote(current, total);

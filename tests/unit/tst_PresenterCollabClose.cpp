@@ -1,5 +1,6 @@
 #include "collab/CollaborationMessageHandler.h"
 #include "support/ProcessResources.h"
+#include "support/Rows.h"
 #include "support/SessionTest.h"
 #include "support/WaitFor.h"
 #include "transport/SockJSConnector.h"
@@ -196,10 +197,7 @@ private Q_SLOTS:
 
     void hostActsInASlot_data()
     {
-        QTest::addColumn<QString>("sender");
-        QTest::addColumn<QByteArray>("signal");
-        QTest::addColumn<QString>("trigger");
-        QTest::addColumn<QString>("action");
+        columns<QString, QByteArray, QString, QString>();
 
         for (const char* action : {"delete", "close", "open"}) {
             const auto add = [action](const char* sender, const char* signal, const char* trigger) {
@@ -225,10 +223,7 @@ private Q_SLOTS:
 
     void hostActsInASlot()
     {
-        QFETCH(QString, sender);
-        QFETCH(QByteArray, signal);
-        QFETCH(QString, trigger);
-        QFETCH(QString, action);
+        const auto [sender, signal, trigger, action] = row<QString, QByteArray, QString, QString>();
         if (trigger != QLatin1String("open"))
             QVERIFY(m_session->open());
         QSignalSpy ends(collab(), &PresenterCollab::connectionClosed);

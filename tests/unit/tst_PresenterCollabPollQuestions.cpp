@@ -2,6 +2,7 @@
 #include "model/QuestionBaseWithOptions.h"
 #include "model/QuestionMultiChoice.h"
 #include "model/QuestionNumeric.h"
+#include "support/Rows.h"
 #include "support/SessionTest.h"
 
 #include <QJsonDocument>
@@ -33,33 +34,21 @@ class TestPresenterCollabPollQuestions : public SessionTest
 private Q_SLOTS:
     void createsTheClassOfEachType_data()
     {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<QString>("className");
-        QTest::addColumn<QString>("name");
-
-        QTest::newRow("0") << 0 << "Calyx::QuestionYesNo"
-                           << "true-false";
-        QTest::newRow("1") << 1 << "Calyx::QuestionYesNo"
-                           << "yes-no-other";
-        QTest::newRow("2") << 2 << "Calyx::QuestionMultiChoice"
-                           << "multiple";
-        QTest::newRow("3") << 3 << "Calyx::QuestionScale"
-                           << "scale";
-        QTest::newRow("4") << 4 << "Calyx::QuestionSort"
-                           << "sort";
-        QTest::newRow("5") << 5 << "Calyx::QuestionText"
-                           << "text";
-        QTest::newRow("7") << 7 << "Calyx::QuestionNumeric"
-                           << "number";
-        QTest::newRow("9") << 9 << "Calyx::QuestionMathFormula"
-                           << "math formula";
+        rows<int, QString, QString>({
+            {"0", 0, "Calyx::QuestionYesNo", "true-false"},
+            {"1", 1, "Calyx::QuestionYesNo", "yes-no-other"},
+            {"2", 2, "Calyx::QuestionMultiChoice", "multiple"},
+            {"3", 3, "Calyx::QuestionScale", "scale"},
+            {"4", 4, "Calyx::QuestionSort", "sort"},
+            {"5", 5, "Calyx::QuestionText", "text"},
+            {"7", 7, "Calyx::QuestionNumeric", "number"},
+            {"9", 9, "Calyx::QuestionMathFormula", "math formula"},
+        });
     }
 
     void createsTheClassOfEachType()
     {
-        QFETCH(int, type);
-        QFETCH(QString, className);
-        QFETCH(QString, name);
+        const auto [type, className, name] = row<int, QString, QString>();
 
         const auto* question =
             collab()->createPollQuestion(POLL_TYPE(type), Calyx::OrdinalType::ALPHA_UPPER, 3, 1);
@@ -77,14 +66,14 @@ private Q_SLOTS:
 
     void createsNoQuestionForOtherTypes_data()
     {
-        QTest::addColumn<int>("type");
+        columns<int>();
         for (int type : {6, 8, 10, 11, 15})
             QTest::addRow("%d", type) << type;
     }
 
     void createsNoQuestionForOtherTypes()
     {
-        QFETCH(int, type);
+        const auto [type] = row<int>();
         QVERIFY(!collab()->createPollQuestion(POLL_TYPE(type), Calyx::OrdinalType::ALPHA_UPPER, 3, 0));
         QVERIFY(collab()->findChildren<Calyx::QuestionBase*>().isEmpty());
     }
@@ -113,41 +102,25 @@ private Q_SLOTS:
 
     void labelsTheOptions_data()
     {
-        QTest::addColumn<int>("ordinal");
-        QTest::addColumn<QString>("ids");
-        QTest::addColumn<QString>("texts");
-
-        QTest::newRow("true-false") << 0 << "A B ? ? ?"
-                                    << "TRUE FALSE DONTKNOW DONTKNOW DONTKNOW";
-        QTest::newRow("yes-no") << 1 << "A B ? ? ?"
-                                << "YES NO DONTKNOW DONTKNOW DONTKNOW";
-        QTest::newRow("yes-no-maybe") << 2 << "A B ? ? ?"
-                                      << "YES NO DONTKNOW DONTKNOW DONTKNOW";
-        QTest::newRow("yes-no-unsure") << 3 << "A B ? ? ?"
-                                       << "YES NO DONTKNOW DONTKNOW DONTKNOW";
-        QTest::newRow("yes-no-other") << 4 << "A B ? ? ?"
-                                      << "YES NO DONTKNOW DONTKNOW DONTKNOW";
-        QTest::newRow("alpha-upper") << 5 << "A B C D E F G H I J K L M N O P Q R S T U V W X Y Z"
-                                     << "";
-        QTest::newRow("alpha-lower") << 6 << "a b c d e f g h i j k l m n o p q r s t u v w x y z"
-                                     << "";
-        QTest::newRow("number") << 7 << "0 1 2 3 4 5 6 7 8 9 10 11"
-                                << "";
-        QTest::newRow("agreement") << 8 << "0 1 2 3 4"
-                                   << "";
-        QTest::newRow("confidence") << 9 << "0 1 2 3 4"
-                                    << "";
-        QTest::newRow("generic") << 10 << "0 1 2 3 4"
-                                 << "";
-        QTest::newRow("one only") << 0 << "A"
-                                  << "TRUE";
+        rows<int, QString, QString>({
+            {"true-false", 0, "A B ? ? ?", "TRUE FALSE DONTKNOW DONTKNOW DONTKNOW"},
+            {"yes-no", 1, "A B ? ? ?", "YES NO DONTKNOW DONTKNOW DONTKNOW"},
+            {"yes-no-maybe", 2, "A B ? ? ?", "YES NO DONTKNOW DONTKNOW DONTKNOW"},
+            {"yes-no-unsure", 3, "A B ? ? ?", "YES NO DONTKNOW DONTKNOW DONTKNOW"},
+            {"yes-no-other", 4, "A B ? ? ?", "YES NO DONTKNOW DONTKNOW DONTKNOW"},
+            {"alpha-upper", 5, "A B C D E F G H I J K L M N O P Q R S T U V W X Y Z", ""},
+            {"alpha-lower", 6, "a b c d e f g h i j k l m n o p q r s t u v w x y z", ""},
+            {"number", 7, "0 1 2 3 4 5 6 7 8 9 10 11", ""},
+            {"agreement", 8, "0 1 2 3 4", ""},
+            {"confidence", 9, "0 1 2 3 4", ""},
+            {"generic", 10, "0 1 2 3 4", ""},
+            {"one only", 0, "A", "TRUE"},
+        });
     }
 
     void labelsTheOptions()
     {
-        QFETCH(int, ordinal);
-        QFETCH(QString, ids);
-        QFETCH(QString, texts);
+        const auto [ordinal, ids, texts] = row<int, QString, QString>();
         const auto expectedIds = ids.split(QLatin1Char(' '));
         auto expectedTexts = texts.split(QLatin1Char(' '), Qt::SkipEmptyParts);
         while (expectedTexts.size() < expectedIds.size())
@@ -167,15 +140,16 @@ private Q_SLOTS:
 
     void anOptionCountBelowOneGivesNoOptions_data()
     {
-        QTest::addColumn<int>("count");
-        QTest::newRow("0") << 0;
-        QTest::newRow("-1") << -1;
-        QTest::newRow("the least") << std::numeric_limits<int>::min();
+        rows<int>({
+            {"0", 0},
+            {"-1", -1},
+            {"the least", std::numeric_limits<int>::min()},
+        });
     }
 
     void anOptionCountBelowOneGivesNoOptions()
     {
-        QFETCH(int, count);
+        const auto [count] = row<int>();
         QVERIFY(m_session->open());
 
         const auto question =
@@ -188,8 +162,7 @@ private Q_SLOTS:
 
     void infersTheSchemeAndListsNoIndices_data()
     {
-        QTest::addColumn<int>("ordinal");
-        QTest::addColumn<QString>("inferred");
+        columns<int, QString>();
 
         for (int ordinal = 0; ordinal <= 10; ++ordinal) {
             const char* inferred = ordinal <= 5 ? "alpha-upper" : ordinal == 6 ? "alpha-lower" : "number";
@@ -199,8 +172,7 @@ private Q_SLOTS:
 
     void infersTheSchemeAndListsNoIndices()
     {
-        QFETCH(int, ordinal);
-        QFETCH(QString, inferred);
+        const auto [ordinal, inferred] = row<int, QString>();
         QVERIFY(m_session->open());
 
         for (int type = 0; type <= 4; ++type) {
@@ -213,45 +185,21 @@ private Q_SLOTS:
 
     void publishesAQuestionStart_data()
     {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("activity");
-        QTest::addColumn<QString>("ownKey");
-        QTest::addColumn<int>("ownValue");
-
-        QTest::newRow("true-false") << 0 << "true-false"
-                                    << "3c476afbcfce45eda0b44df4737c3d27"
-                                    << "" << 0;
-        QTest::newRow("yes-no-other") << 1 << "yes-no-other"
-                                      << "3c476afbcfce45eda0b44df4737c3d27"
-                                      << "" << 0;
-        QTest::newRow("multiple") << 2 << "multiple"
-                                  << "8755bfc923cb492094df5c842a30da5f"
-                                  << "numberOfCorrectOptions" << 2;
-        QTest::newRow("scale") << 3 << "scale"
-                               << "c80eb89f2c7240fb83d53069bf4c1f2c"
-                               << "" << 0;
-        QTest::newRow("sort") << 4 << "sort"
-                              << "be8a3a7f5d624a798ec54900385a9eb8"
-                              << "" << 0;
-        QTest::newRow("text") << 5 << "text"
-                              << "6efc81c52cfe4502976de55df9af2f89"
-                              << "maxChars" << 0;
-        QTest::newRow("number") << 7 << "number"
-                                << "24e7bda40c4140f896648511a5782466"
-                                << "noOfDecimals" << 3;
-        QTest::newRow("math formula") << 9 << "math formula"
-                                      << "9f31dd1a55374c49a3127b8f94a1f1a6"
-                                      << "" << 0;
+        rows<int, QString, QString, QString, int>({
+            {"true-false", 0, "true-false", "3c476afbcfce45eda0b44df4737c3d27", "", 0},
+            {"yes-no-other", 1, "yes-no-other", "3c476afbcfce45eda0b44df4737c3d27", "", 0},
+            {"multiple", 2, "multiple", "8755bfc923cb492094df5c842a30da5f", "numberOfCorrectOptions", 2},
+            {"scale", 3, "scale", "c80eb89f2c7240fb83d53069bf4c1f2c", "", 0},
+            {"sort", 4, "sort", "be8a3a7f5d624a798ec54900385a9eb8", "", 0},
+            {"text", 5, "text", "6efc81c52cfe4502976de55df9af2f89", "maxChars", 0},
+            {"number", 7, "number", "24e7bda40c4140f896648511a5782466", "noOfDecimals", 3},
+            {"math formula", 9, "math formula", "9f31dd1a55374c49a3127b8f94a1f1a6", "", 0},
+        });
     }
 
     void publishesAQuestionStart()
     {
-        QFETCH(int, type);
-        QFETCH(QString, name);
-        QFETCH(QString, activity);
-        QFETCH(QString, ownKey);
-        QFETCH(int, ownValue);
+        const auto [type, name, activity, ownKey, ownValue] = row<int, QString, QString, QString, int>();
         QVERIFY(m_session->open());
 
         collab()->startPoll(POLL_TYPE(type), Calyx::OrdinalType::ALPHA_UPPER, 3, 2);
@@ -329,23 +277,18 @@ private Q_SLOTS:
 
     void aQuestionCarriesTheCardImage_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("reference");
-        QTest::addColumn<QVariant>("background");
-
-        QTest::newRow("none") << QByteArray() << QString() << QVariant();
-        QTest::newRow("reference") << QByteArray() << "http://h/p.png" << QVariant("url('http://h/p.png')");
-        QTest::newRow("empty reference") << QByteArray() << "" << QVariant("url('')");
-        QTest::newRow("bytes") << QByteArray("png") << QString() << QVariant("data:image/png;base64,cG5n");
-        QTest::newRow("both") << QByteArray("png") << "http://h/p.png"
-                              << QVariant("data:image/png;base64,cG5n");
+        rows<QByteArray, QString, QVariant>({
+            {"none", QByteArray(), QString(), QVariant()},
+            {"reference", QByteArray(), "http://h/p.png", QVariant("url('http://h/p.png')")},
+            {"empty reference", QByteArray(), "", QVariant("url('')")},
+            {"bytes", "png", QString(), QVariant("data:image/png;base64,cG5n")},
+            {"both", "png", "http://h/p.png", QVariant("data:image/png;base64,cG5n")},
+        });
     }
 
     void aQuestionCarriesTheCardImage()
     {
-        QFETCH(QByteArray, bytes);
-        QFETCH(QString, reference);
-        QFETCH(QVariant, background);
+        const auto [bytes, reference, background] = row<QByteArray, QString, QVariant>();
         QVERIFY(m_session->open());
         collab()->setCardImage(bytes);
         collab()->setCardImageRef(reference);

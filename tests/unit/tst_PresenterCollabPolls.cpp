@@ -1,4 +1,5 @@
 #include "model/QuestionYesNo.h"
+#include "support/Rows.h"
 #include "support/SessionTest.h"
 
 #include <QTest>
@@ -41,12 +42,7 @@ class TestPresenterCollabPolls : public SessionTest
 private Q_SLOTS:
     void publishesAPollDocument_data()
     {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<int>("ordinal");
-        QTest::addColumn<int>("count");
-        QTest::addColumn<QString>("typeName");
-        QTest::addColumn<QString>("ordinalName");
-        QTest::addColumn<QString>("options");
+        columns<int, int, int, QString, QString, QString>();
 
         const char* ordinals[] = {"true-false",   "yes-no",      "yes-no-maybe", "yes-no-unsure",
                                   "yes-no-other", "alpha-upper", "alpha-lower",  "number",
@@ -82,12 +78,8 @@ private Q_SLOTS:
 
     void publishesAPollDocument()
     {
-        QFETCH(int, type);
-        QFETCH(int, ordinal);
-        QFETCH(int, count);
-        QFETCH(QString, typeName);
-        QFETCH(QString, ordinalName);
-        QFETCH(QString, options);
+        const auto [type, ordinal, count, typeName, ordinalName, options] =
+            row<int, int, int, QString, QString, QString>();
         QVERIFY(m_session->open());
 
         collab()->startPoll(POLL_TYPE(type), ORDINAL_TYPE(ordinal), count, 9);
@@ -102,25 +94,17 @@ private Q_SLOTS:
 
     void thePollDocumentCarriesTheCardImage_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("reference");
-        QTest::addColumn<QString>("image");
-
-        QTest::newRow("reference") << QByteArray() << "http://h/p.png"
-                                   << "url('http://h/p.png')";
-        QTest::newRow("empty reference") << QByteArray() << ""
-                                         << "url('')";
-        QTest::newRow("bytes are not wrapped") << QByteArray("png") << "unused"
-                                               << "data:image/png;base64,cG5n";
-        QTest::newRow("placeholders") << QByteArray() << "%1%5%6%7"
-                                      << "url('%1%5%6%7')";
+        rows<QByteArray, QString, QString>({
+            {"reference", QByteArray(), "http://h/p.png", "url('http://h/p.png')"},
+            {"empty reference", QByteArray(), "", "url('')"},
+            {"bytes are not wrapped", "png", "unused", "data:image/png;base64,cG5n"},
+            {"placeholders", QByteArray(), "%1%5%6%7", "url('%1%5%6%7')"},
+        });
     }
 
     void thePollDocumentCarriesTheCardImage()
     {
-        QFETCH(QByteArray, bytes);
-        QFETCH(QString, reference);
-        QFETCH(QString, image);
+        const auto [bytes, reference, image] = row<QByteArray, QString, QString>();
         QVERIFY(m_session->open());
         collab()->setCardImage(bytes);
         collab()->setCardImageRef(reference);
@@ -148,14 +132,15 @@ private Q_SLOTS:
 
     void eachPollHasAnIdOfItsOwn_data()
     {
-        QTest::addColumn<int>("type");
-        QTest::newRow("question") << 2;
-        QTest::newRow("document") << 6;
+        rows<int>({
+            {"question", 2},
+            {"document", 6},
+        });
     }
 
     void eachPollHasAnIdOfItsOwn()
     {
-        QFETCH(int, type);
+        const auto [type] = row<int>();
         QVERIFY(m_session->open());
         QStringList ids;
 

@@ -1,5 +1,6 @@
 #include "collab/CalyxCollabMessage.h"
 #include "collab/PresenterCollab.h"
+#include "support/Rows.h"
 #include "support/SessionTest.h"
 
 #include <QSignalSpy>
@@ -30,9 +31,7 @@ class TestPresenterCollabPublish : public SessionTest
 private Q_SLOTS:
     void compressedPublish_data()
     {
-        QTest::addColumn<QString>("address");
-        QTest::addColumn<QString>("resolved");
-        QTest::addColumn<QString>("data");
+        columns<QString, QString, QString>();
 
         const QString large(300000, QLatin1Char('x'));
         QTest::newRow("below the session") << ".learner"
@@ -68,9 +67,7 @@ private Q_SLOTS:
 
     void compressedPublish()
     {
-        QFETCH(QString, address);
-        QFETCH(QString, resolved);
-        QFETCH(QString, data);
+        const auto [address, resolved, data] = row<QString, QString, QString>();
         QVERIFY(m_session->open());
         m_session->forgetLog();
 
@@ -151,10 +148,7 @@ private Q_SLOTS:
 
     void objectPublish_data()
     {
-        QTest::addColumn<QString>("address");
-        QTest::addColumn<QString>("resolved");
-        QTest::addColumn<QVariantMap>("map");
-        QTest::addColumn<QString>("data");
+        columns<QString, QString, QVariantMap, QString>();
 
         const auto json = QStringLiteral("{\n    \"a\": 1,\n    \"b\": \"x\"\n}\n");
         QTest::newRow("below the session") << ".learner"
@@ -169,10 +163,7 @@ private Q_SLOTS:
 
     void objectPublish()
     {
-        QFETCH(QString, address);
-        QFETCH(QString, resolved);
-        QFETCH(QVariantMap, map);
-        QFETCH(QString, data);
+        const auto [address, resolved, map, data] = row<QString, QString, QVariantMap, QString>();
         QVERIFY(m_session->open());
         CalyxCollabMessage message;
         message.setfrom(QStringLiteral("somebody else"));

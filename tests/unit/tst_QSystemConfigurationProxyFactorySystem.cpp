@@ -1,6 +1,8 @@
 // What is made of the system's answer. No environment can make Qt give several entries, or one without a
 // port, so this program stands in for the system itself: its own systemProxyForQuery() is found before Qt's.
 
+#include "support/Rows.h"
+
 #include <CalyxClient/QSystemConfigurationProxyFactory>
 
 #include <QNetworkProxy>
@@ -58,8 +60,7 @@ private Q_SLOTS:
 
     void onlyTheFirstEntryCounts_data()
     {
-        QTest::addColumn<QList<QNetworkProxy>>("answer");
-        QTest::addColumn<QString>("text");
+        columns<QList<QNetworkProxy>, QString>();
 
         const QNetworkProxy none(QNetworkProxy::NoProxy);
         const QNetworkProxy http = entry(QNetworkProxy::HttpProxy, "h.test", 3128);
@@ -79,8 +80,7 @@ private Q_SLOTS:
 
     void onlyTheFirstEntryCounts()
     {
-        QFETCH(QList<QNetworkProxy>, answer);
-        QFETCH(QString, text);
+        const auto [answer, text] = row<QList<QNetworkProxy>, QString>();
         theSystemsAnswer = answer;
         QCOMPARE(QSystemConfigurationProxyFactory::getProxyString(), text);
         const QNetworkProxy proxy = QSystemConfigurationProxyFactory::getPrimaryProxy();

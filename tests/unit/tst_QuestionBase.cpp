@@ -1,4 +1,5 @@
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/Card>
 #include <CalyxClient/JsonSerializer>
@@ -276,16 +277,17 @@ private Q_SLOTS:
 
     void priorAnswerIsWrittenToTheFeedback_data()
     {
-        QTest::addColumn<QString>("answer");
-        QTest::newRow("word") << QStringLiteral("forty-two");
-        QTest::newRow("several letters") << QStringLiteral("CA");
-        QTest::newRow("empty") << QStringLiteral("");
-        QTest::newRow("outside ASCII") << QString::fromUtf8(u8"ä😀");
+        rows<QString>({
+            {"word", "forty-two"},
+            {"several letters", "CA"},
+            {"empty", ""},
+            {"outside ASCII", QString::fromUtf8(u8"ä😀")},
+        });
     }
 
     void priorAnswerIsWrittenToTheFeedback()
     {
-        QFETCH(QString, answer);
+        const auto [answer] = row<QString>();
         QuestionBase question;
         question.setPriorAnswer(answer);
         QCOMPARE(feedBackOf(question, "answer"), QVariant(answer));

@@ -1,4 +1,5 @@
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/ActivityOption>
 #include <CalyxClient/JsonSerializer>
@@ -195,18 +196,17 @@ private Q_SLOTS:
 
     void setMetadataListsTheIndices_data()
     {
-        QTest::addColumn<int>("count");
-        QTest::addColumn<QVariantList>("indices");
-        QTest::newRow("4") << 4 << QVariantList{0, 1, 2, 3};
-        QTest::newRow("1") << 1 << QVariantList{0};
-        QTest::newRow("0") << 0 << QVariantList();
-        QTest::newRow("-3") << -3 << QVariantList();
+        rows<int, QVariantList>({
+            {"4", 4, QVariantList{0, 1, 2, 3}},
+            {"1", 1, QVariantList{0}},
+            {"0", 0, QVariantList()},
+            {"-3", -3, QVariantList()},
+        });
     }
 
     void setMetadataListsTheIndices()
     {
-        QFETCH(int, count);
-        QFETCH(QVariantList, indices);
+        const auto [count, indices] = row<int, QVariantList>();
         QuestionBaseWithOptions question;
         question.setMetadata(QStringLiteral("any name"), count);
         QCOMPARE(schemeOf(question), QStringLiteral("any name"));
@@ -217,8 +217,7 @@ private Q_SLOTS:
 
     void setMetadataByValueNamesTheScheme_data()
     {
-        QTest::addColumn<int>("value");
-        QTest::addColumn<QString>("name");
+        columns<int, QString>();
         const auto names = OrdinalType::ORDINAL_TYPE_STR();
         QCOMPARE(names.size(), 11);
         for (auto name = names.begin(); name != names.end(); ++name)
@@ -227,8 +226,7 @@ private Q_SLOTS:
 
     void setMetadataByValueNamesTheScheme()
     {
-        QFETCH(int, value);
-        QFETCH(QString, name);
+        const auto [value, name] = row<int, QString>();
         QuestionBaseWithOptions question;
         question.setMetadata(static_cast<OrdinalType::ORDINAL_TYPE>(value), 2);
         QCOMPARE(schemeOf(question), name);
@@ -238,14 +236,14 @@ private Q_SLOTS:
     void setMetadataWithUnknownValueGivesAnEmptyName_data()
     {
         // All that the enumeration's type can hold.
-        QTest::addColumn<int>("value");
+        columns<int>();
         for (const int value : {11, 12, 15})
             QTest::addRow("%d", value) << value;
     }
 
     void setMetadataWithUnknownValueGivesAnEmptyName()
     {
-        QFETCH(int, value);
+        const auto [value] = row<int>();
         QuestionBaseWithOptions question;
         question.setMetadata(QStringLiteral("before"), 0);
         question.setMetadata(static_cast<OrdinalType::ORDINAL_TYPE>(value), 3);
@@ -264,19 +262,18 @@ private Q_SLOTS:
 
     void setOrdinalsCountsTheOptions_data()
     {
-        QTest::addColumn<QStringList>("ids");
-        QTest::addColumn<QVariantList>("indices");
-        QTest::newRow("four") << QStringList{QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C"),
-                                             QStringLiteral("D")}
-                              << QVariantList{0, 1, 2, 3};
-        QTest::newRow("one") << QStringList{QStringLiteral("x")} << QVariantList{0};
-        QTest::newRow("none") << QStringList() << QVariantList();
+        rows<QStringList, QVariantList>({
+            {"four",
+             QStringList{QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C"), QStringLiteral("D")},
+             QVariantList{0, 1, 2, 3}},
+            {"one", QStringList{QStringLiteral("x")}, QVariantList{0}},
+            {"none", QStringList(), QVariantList()},
+        });
     }
 
     void setOrdinalsCountsTheOptions()
     {
-        QFETCH(QStringList, ids);
-        QFETCH(QVariantList, indices);
+        const auto [ids, indices] = row<QStringList, QVariantList>();
         QuestionBaseWithOptions question;
         addOptions(&question, ids);
         question.setOrdinals(OrdinalType::ALPHA_UPPER);
@@ -308,8 +305,7 @@ private Q_SLOTS:
 
     void inferOrdinalTypeReadsTheFirstId_data()
     {
-        QTest::addColumn<QStringList>("ids");
-        QTest::addColumn<QString>("scheme");
+        columns<QStringList, QString>();
         QTest::newRow("A") << QStringList{QStringLiteral("A"), QStringLiteral("x")}
                            << QStringLiteral("alpha-upper");
         QTest::newRow("a") << QStringList{QStringLiteral("a")} << QStringLiteral("alpha-lower");
@@ -323,8 +319,7 @@ private Q_SLOTS:
 
     void inferOrdinalTypeReadsTheFirstId()
     {
-        QFETCH(QStringList, ids);
-        QFETCH(QString, scheme);
+        const auto [ids, scheme] = row<QStringList, QString>();
         QuestionBaseWithOptions question;
         addOptions(&question, ids);
         question.setMetadata(QStringLiteral("before"), 2);
@@ -356,15 +351,16 @@ private Q_SLOTS:
 
     void priorAnswerIsOneOption_data()
     {
-        QTest::addColumn<QString>("answer");
-        QTest::newRow("one letter") << QStringLiteral("B");
-        QTest::newRow("two letters") << QStringLiteral("AB");
-        QTest::newRow("empty") << QStringLiteral("");
+        rows<QString>({
+            {"one letter", "B"},
+            {"two letters", "AB"},
+            {"empty", ""},
+        });
     }
 
     void priorAnswerIsOneOption()
     {
-        QFETCH(QString, answer);
+        const auto [answer] = row<QString>();
         QuestionBaseWithOptions question;
         QuestionBase& base = question;
         base.setPriorAnswer(answer);

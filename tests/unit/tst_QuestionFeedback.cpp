@@ -1,4 +1,5 @@
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/JsonSerializer>
 #include <CalyxClient/QuestionFeedback>
@@ -59,17 +60,18 @@ private Q_SLOTS:
 
     void anyKindOfAnswerIsKept_data()
     {
-        QTest::addColumn<QVariant>("answer");
-        QTest::newRow("text") << QVariant(QStringLiteral("text"));
-        QTest::newRow("number") << QVariant(2.5);
-        QTest::newRow("list") << QVariant(QVariantList{1, QStringLiteral("two")});
-        QTest::newRow("map") << QVariant(QVariantMap{{QStringLiteral("key"), true}});
-        QTest::newRow("nothing") << QVariant();
+        rows<QVariant>({
+            {"text", QVariant(QStringLiteral("text"))},
+            {"number", QVariant(2.5)},
+            {"list", QVariant(QVariantList{1, QStringLiteral("two")})},
+            {"map", QVariant(QVariantMap{{QStringLiteral("key"), true}})},
+            {"nothing", QVariant()},
+        });
     }
 
     void anyKindOfAnswerIsKept()
     {
-        QFETCH(QVariant, answer);
+        const auto [answer] = row<QVariant>();
         QuestionFeedback feedback;
         feedback.setanswer(QStringLiteral("before"));
         feedback.setanswer(answer);

@@ -1,3 +1,5 @@
+#include "support/Rows.h"
+
 #include <CalyxClient/RANDSTRING>
 
 #include <QObject>
@@ -42,28 +44,29 @@ class tst_RANDSTRING : public QObject
 private Q_SLOTS:
     void isOfTheGivenLength_data()
     {
-        QTest::addColumn<int>("length");
+        columns<int>();
         for (const int length : {1, 2, 8, 16, 62, 1000, 100000})
             QTest::addRow("%d", length) << length;
     }
 
     void isOfTheGivenLength()
     {
-        QFETCH(int, length);
+        const auto [length] = row<int>();
         QCOMPARE(RANDSTRING::Generate(length).size(), length);
     }
 
     void lengthOfZeroOrLessIsEmpty_data()
     {
-        QTest::addColumn<int>("length");
-        QTest::newRow("0") << 0;
-        QTest::newRow("-1") << -1;
-        QTest::newRow("smallest") << std::numeric_limits<int>::min();
+        rows<int>({
+            {"0", 0},
+            {"-1", -1},
+            {"smallest", std::numeric_limits<int>::min()},
+        });
     }
 
     void lengthOfZeroOrLessIsEmpty()
     {
-        QFETCH(int, length);
+        const auto [length] = row<int>();
         QCOMPARE(RANDSTRING::Generate(length), QString());
     }
 
@@ -108,14 +111,14 @@ private Q_SLOTS:
 
     void seedsTheGeneratorOfTheProcess_data()
     {
-        QTest::addColumn<int>("length");
+        columns<int>();
         for (const int length : {5, 0, -1})
             QTest::addRow("%d", length) << length;
     }
 
     void seedsTheGeneratorOfTheProcess()
     {
-        QFETCH(int, length);
+        const auto [length] = row<int>();
         QTRY_VERIFY([length] {
             const std::time_t second = std::time(nullptr);
             seedRandom(1);

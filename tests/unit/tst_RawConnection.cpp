@@ -1,5 +1,6 @@
 #include "transport/RawConnection.h"
 
+#include "support/Rows.h"
 #include "support/ScriptedHttpServer.h"
 #include "support/TestCertificates.h"
 #include "support/WaitFor.h"
@@ -136,8 +137,7 @@ private Q_SLOTS:
 
     void refusesCertificatesOfOthers_data()
     {
-        QTest::addColumn<QByteArray>("certificate");
-        QTest::addColumn<bool>("waiting");
+        columns<QByteArray, bool>();
         for (const char* certificate : {"elsewhere", "expired", "unknown"}) {
             QTest::addRow("%s, without events", certificate) << QByteArray(certificate) << false;
             QTest::addRow("%s, within the event loop", certificate) << QByteArray(certificate) << true;
@@ -146,8 +146,7 @@ private Q_SLOTS:
 
     void refusesCertificatesOfOthers()
     {
-        QFETCH(QByteArray, certificate);
-        QFETCH(bool, waiting);
+        const auto [certificate, waiting] = row<QByteArray, bool>();
         const Server server(tlsOf(certificate.constData()));
         Line line(server.port(), true);
         QVERIFY(!line.connectLine(waiting));
@@ -282,14 +281,15 @@ private Q_SLOTS:
 
     void closedByTheFarEndIsNotClosed_data()
     {
-        QTest::addColumn<bool>("reset");
-        QTest::newRow("farewell") << false;
-        QTest::newRow("reset") << true;
+        rows<bool>({
+            {"farewell", false},
+            {"reset", true},
+        });
     }
 
     void closedByTheFarEndIsNotClosed()
     {
-        QFETCH(bool, reset);
+        const auto [reset] = row<bool>();
         Server server;
         Line line(server.port(), false);
         QVERIFY(line.connectLine(false));

@@ -1,6 +1,7 @@
 #include "base/SafeCookieJar.h"
 
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 
 #include <QNetworkCookie>
 #include <QTest>
@@ -32,8 +33,7 @@ class tst_SafeCookieJar : public QObject
 private Q_SLOTS:
     void controlCharactersAreRefused_data()
     {
-        QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<QByteArray>("value");
+        columns<QByteArray, QByteArray>();
         const QList<QByteArray> breaking{"\r", "\n", "\r\n", QByteArray(1, '\0')};
         for (const QByteArray& text : breaking) {
             const QByteArray hex = text.toHex();
@@ -44,8 +44,7 @@ private Q_SLOTS:
 
     void controlCharactersAreRefused()
     {
-        QFETCH(QByteArray, name);
-        QFETCH(QByteArray, value);
+        const auto [name, value] = row<QByteArray, QByteArray>();
         SafeCookieJar jar("[Tag]", nullptr);
         const LogRecorder log;
         QVERIFY(!jar.setCookiesFromUrl({QNetworkCookie(name, value)}, QUrl("http://127.0.0.1/")));
@@ -55,37 +54,35 @@ private Q_SLOTS:
 
     void harmlessOnesAreKept_data()
     {
-        QTest::addColumn<QByteArray>("header");
-        QTest::addColumn<QByteArray>("expected");
-        QTest::newRow("plain") << QByteArray("a=1") << QByteArray("a=1;");
-        QTest::newRow("a tab") << QByteArray("a=1\t2") << QByteArray("a=1\t2;");
-        QTest::newRow("a blank") << QByteArray("a=1 2") << QByteArray("a=1 2;");
-        QTest::newRow("beyond ASCII") << QByteArray("a=\xc3\xa4") << QByteArray("a=\xc3\xa4;");
-        QTest::newRow("beside a bad one") << QByteArray("a=1\nb=2\r3\nc=4") << QByteArray("a=1;c=4;");
-        QTest::newRow("its own address as domain")
-            << QByteArray("a=1; Domain=127.0.0.1") << QByteArray("a=1;");
-        QTest::newRow("its own address, a point before it")
-            << QByteArray("a=1; Domain=.127.0.0.1") << QByteArray("a=1;");
+        rows<QByteArray, QByteArray>({
+            {"plain", "a=1", "a=1;"},
+            {"a tab", "a=1\t2", "a=1\t2;"},
+            {"a blank", "a=1 2", "a=1 2;"},
+            {"beyond ASCII", "a=\xc3\xa4", "a=\xc3\xa4;"},
+            {"beside a bad one", "a=1\nb=2\r3\nc=4", "a=1;c=4;"},
+            {"its own address as domain", "a=1; Domain=127.0.0.1", "a=1;"},
+            {"its own address, a point before it", "a=1; Domain=.127.0.0.1", "a=1;"},
+        });
     }
 
     void harmlessOnesAreKept()
     {
-        QFETCH(QByteArray, header);
+        const auto [header, expected] = row<QByteArray, QByteArray>();
         SafeCookieJar jar("[Tag]", nullptr);
         set(&jar, header, "http://127.0.0.1/");
-        QTEST(sent(jar, "http://127.0.0.1/"), "expected");
+        QCOMPARE(sent(jar, "http://127.0.0.1/"), expected);
     }
 
     void endOfAnAddressIsNoDomain_data()
     {
-        QTest::addColumn<QByteArray>("domain");
+        columns<QByteArray>();
         for (const char* domain : {".0.0.1", "0.0.1", ".1", "1", "127.0.0.2", ".127.0.0.1", "local"})
             QTest::newRow(domain) << QByteArray(domain);
     }
 
     void endOfAnAddressIsNoDomain()
     {
-        QFETCH(QByteArray, domain);
+        const auto [domain] = row<QByteArray>();
         SafeCookieJar jar("[Tag]", nullptr);
         set(&jar, "a=1; Domain=" + domain, "http://127.0.0.1/");
         for (const char* other : {"http://10.0.0.1/", "http://127.0.0.2/", "http://x.127.0.0.1/"})
@@ -94,14 +91,14 @@ private Q_SLOTS:
 
     void hostOfOneNameKeepsItsOwn_data()
     {
-        QTest::addColumn<QByteArray>("domain");
+        columns<QByteArray>();
         for (const char* domain : {"localhost", ".localhost", "LOCALHOST"})
             QTest::newRow(domain) << QByteArray(domain);
     }
 
     void hostOfOneNameKeepsItsOwn()
     {
-        QFETCH(QByteArray, domain);
+        const auto [domain] = row<QByteArray>();
         SafeCookieJar jar("[Tag]", nullptr);
         set(&jar, "a=1; Domain=" + domain, "http://localhost/");
         QCOMPARE(sent(jar, "http://localhost/"), QByteArray("a=1;"));
@@ -111,19 +108,20 @@ private Q_SLOTS:
 
     void anotherHostGetsNone_data()
     {
-        QTest::addColumn<QByteArray>("header");
-        QTest::newRow("no domain") << QByteArray("a=1");
-        QTest::newRow("its own") << QByteArray("a=1; Domain=school.example");
-        QTest::newRow("another's") << QByteArray("a=1; Domain=other.example");
-        QTest::newRow("everybody's") << QByteArray("a=1; Domain=example");
-        QTest::newRow("everybody's, with a point") << QByteArray("a=1; Domain=.example");
-        QTest::newRow("a point alone") << QByteArray("a=1; Domain=.");
-        QTest::newRow("empty") << QByteArray("a=1; Domain=");
+        rows<QByteArray>({
+            {"no domain", "a=1"},
+            {"its own", "a=1; Domain=school.example"},
+            {"another's", "a=1; Domain=other.example"},
+            {"everybody's", "a=1; Domain=example"},
+            {"everybody's, with a point", "a=1; Domain=.example"},
+            {"a point alone", "a=1; Domain=."},
+            {"empty", "a=1; Domain="},
+        });
     }
 
     void anotherHostGetsNone()
     {
-        QFETCH(QByteArray, header);
+        const auto [header] = row<QByteArray>();
         SafeCookieJar jar("[Tag]", nullptr);
         set(&jar, header, "http://school.example/");
         for (const char* other : {"http://other.example/", "http://example/", "http://notschool.example/",

@@ -1,3 +1,5 @@
+#include "support/Rows.h"
+
 #include "client/ServiceEnvelope.h"
 
 #include <QTest>
@@ -10,8 +12,7 @@ class tst_ServiceEnvelope : public QObject
 private Q_SLOTS:
     void bodyIsReadAsAMap_data()
     {
-        QTest::addColumn<QString>("body");
-        QTest::addColumn<QVariantMap>("expected");
+        columns<QString, QVariantMap>();
         const QVariantMap data{{QStringLiteral("userLoginId"), QStringLiteral("teacher")}};
         QTest::newRow("data") << QStringLiteral(R"({"data":{"userLoginId":"teacher"}})")
                               << QVariantMap{{QStringLiteral("data"), data}};
@@ -31,8 +32,7 @@ private Q_SLOTS:
 
     void bodyIsReadAsAMap()
     {
-        QFETCH(QString, body);
-        QFETCH(QVariantMap, expected);
+        const auto [body, expected] = row<QString, QVariantMap>();
         bool ok = false;
         QCOMPARE(ServiceEnvelope::parse(body, &ok), expected);
         QVERIFY(ok);
@@ -42,25 +42,25 @@ private Q_SLOTS:
 
     void bodyThatIsNoObjectIsEmpty_data()
     {
-        QTest::addColumn<QString>("body");
-        QTest::addColumn<bool>("isJson");
-        QTest::newRow("list") << QStringLiteral(R"([{"data":{}}])") << true;
-        QTest::newRow("empty list") << QStringLiteral("[]") << true;
-        QTest::newRow("null text") << QString() << false;
-        QTest::newRow("empty text") << QStringLiteral("") << false;
-        QTest::newRow("a page") << QStringLiteral("<html><body>502</body></html>") << false;
-        QTest::newRow("cut") << QStringLiteral(R"({"data":{"a":1})") << false;
-        QTest::newRow("text behind it") << QStringLiteral(R"({"data":{"a":1}} )"
-                                                          "x")
-                                        << false;
-        QTest::newRow("bare text") << QStringLiteral(R"("ok")") << false;
-        QTest::newRow("bare number") << QStringLiteral("7") << false;
+        rows<QString, bool>({
+            {"list", R"([{"data":{}}])", true},
+            {"empty list", "[]", true},
+            {"null text", QString(), false},
+            {"empty text", "", false},
+            {"a page", "<html><body>502</body></html>", false},
+            {"cut", R"({"data":{"a":1})", false},
+            {"text behind it",
+             QStringLiteral(R"({"data":{"a":1}} )"
+                            "x"),
+             false},
+            {"bare text", R"("ok")", false},
+            {"bare number", "7", false},
+        });
     }
 
     void bodyThatIsNoObjectIsEmpty()
     {
-        QFETCH(QString, body);
-        QFETCH(bool, isJson);
+        const auto [body, isJson] = row<QString, bool>();
         bool ok = !isJson;
         QCOMPARE(ServiceEnvelope::parse(body, &ok), QVariantMap());
         QCOMPARE(ok, isJson);

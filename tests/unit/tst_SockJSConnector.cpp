@@ -1,4 +1,5 @@
 #include "support/ConnectorTest.h"
+#include "support/Rows.h"
 
 #include <QMetaMethod>
 #include <QTest>
@@ -47,9 +48,7 @@ private Q_SLOTS:
 
     void protocolsAreFoundByTheirNames_data()
     {
-        QTest::addColumn<QStringList>("names");
-        QTest::addColumn<Protocols>("expected");
-        QTest::addColumn<bool>("defaults");
+        columns<QStringList, Protocols, bool>();
 
         const Protocols all{Protocol(1), Protocol(2), Protocol(4)};
         QTest::newRow("an unknown one between two")
@@ -68,9 +67,7 @@ private Q_SLOTS:
 
     void protocolsAreFoundByTheirNames()
     {
-        QFETCH(QStringList, names);
-        QFETCH(Protocols, expected);
-        QFETCH(bool, defaults);
+        const auto [names, expected, defaults] = row<QStringList, Protocols, bool>();
 
         QCOMPARE(SockJSConnector::GetProtocolsFromStrings(names), expected);
         QCOMPARE(m_log->debug(noProtocols).size(), defaults ? 1 : 0);
@@ -104,41 +101,28 @@ private Q_SLOTS:
 
     void sendingWrapsTheMessageInAnIndentedArray_data()
     {
-        QTest::addColumn<QString>("message");
-        QTest::addColumn<QString>("frame");
-
-        QTest::newRow("plain") << "hello"
-                               << "[\n    \"hello\"\n]\n";
-        QTest::newRow("empty") << ""
-                               << "[\n    \"\"\n]\n";
-        QTest::newRow("double quote") << "say \"hi\""
-                                      << "[\n    \"say \\\"hi\\\"\"\n]\n";
-        QTest::newRow("backslash") << "a\\b"
-                                   << "[\n    \"a\\\\b\"\n]\n";
-        QTest::newRow("slash") << "a/b"
-                               << "[\n    \"a/b\"\n]\n";
-        QTest::newRow("control characters") << "a\nb\tc\rd\be\ff\x01g"
-                                            << "[\n    \"a\\nb\\tc\\rd\\be\\ff\\u0001g\"\n]\n";
-        QTest::newRow("outside ASCII") << utf8("h\xc3\xa9 \xe4\xb8\xad \xf0\x9f\x98\x80")
-                                       << utf8("[\n    \"h\xc3\xa9 \xe4\xb8\xad \xf0\x9f\x98\x80\"\n]\n");
-        QTest::newRow("NUL is escaped, not the end")
-            << QString(QStringLiteral("a") + QChar(0) + QStringLiteral("b")) << "[\n    \"a\\u0000b\"\n]\n";
-        QTest::newRow("a blank inside brackets goes") << "x [ y ] z"
-                                                      << "[\n    \"x [y] z\"\n]\n";
-        QTest::newRow("one of two blanks goes") << "[  x  ]"
-                                                << "[\n    \"[ x ]\"\n]\n";
-        QTest::newRow("brackets side by side") << "[ [ ] ]"
-                                               << "[\n    \"[[]]\"\n]\n";
-        QTest::newRow("braces keep theirs") << "{ \"a\": 1 }"
-                                            << "[\n    \"{ \\\"a\\\": 1 }\"\n]\n";
-        QTest::newRow("placeholders") << "%0 %1"
-                                      << "[\n    \"%0 %1\"\n]\n";
+        rows<QString, QString>({
+            {"plain", "hello", "[\n    \"hello\"\n]\n"},
+            {"empty", "", "[\n    \"\"\n]\n"},
+            {"double quote", "say \"hi\"", "[\n    \"say \\\"hi\\\"\"\n]\n"},
+            {"backslash", "a\\b", "[\n    \"a\\\\b\"\n]\n"},
+            {"slash", "a/b", "[\n    \"a/b\"\n]\n"},
+            {"control characters", "a\nb\tc\rd\be\ff\x01g", "[\n    \"a\\nb\\tc\\rd\\be\\ff\\u0001g\"\n]\n"},
+            {"outside ASCII", utf8("h\xc3\xa9 \xe4\xb8\xad \xf0\x9f\x98\x80"),
+             utf8("[\n    \"h\xc3\xa9 \xe4\xb8\xad \xf0\x9f\x98\x80\"\n]\n")},
+            {"NUL is escaped, not the end", QString(QStringLiteral("a") + QChar(0) + QStringLiteral("b")),
+             "[\n    \"a\\u0000b\"\n]\n"},
+            {"a blank inside brackets goes", "x [ y ] z", "[\n    \"x [y] z\"\n]\n"},
+            {"one of two blanks goes", "[  x  ]", "[\n    \"[ x ]\"\n]\n"},
+            {"brackets side by side", "[ [ ] ]", "[\n    \"[[]]\"\n]\n"},
+            {"braces keep theirs", "{ \"a\": 1 }", "[\n    \"{ \\\"a\\\": 1 }\"\n]\n"},
+            {"placeholders", "%0 %1", "[\n    \"%0 %1\"\n]\n"},
+        });
     }
 
     void sendingWrapsTheMessageInAnIndentedArray()
     {
-        QFETCH(QString, message);
-        QFETCH(QString, frame);
+        const auto [message, frame] = row<QString, QString>();
         QVERIFY(openSession());
 
         m_connector->sendMessage(message, false);

@@ -1,5 +1,6 @@
 #include "support/ConnectorTest.h"
 #include "support/ProcessResources.h"
+#include "support/Rows.h"
 #include "support/WaitFor.h"
 
 #include <QTest>
@@ -152,8 +153,7 @@ private Q_SLOTS:
 
     void hostActsInASlot_data()
     {
-        QTest::addColumn<QString>("signal");
-        QTest::addColumn<QString>("action");
+        columns<QString, QString>();
 
         for (const char* signal : {"connected", "message", "closed by us", "closed by the server"}) {
             for (const char* action : {"close", "delete", "open"})
@@ -163,8 +163,7 @@ private Q_SLOTS:
 
     void hostActsInASlot()
     {
-        QFETCH(QString, signal);
-        QFETCH(QString, action);
+        const auto [signal, action] = row<QString, QString>();
         int calls = 0;
         const auto once = [&] {
             if (calls++ == 0)

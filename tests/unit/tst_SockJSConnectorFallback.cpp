@@ -1,5 +1,6 @@
 #include "support/ConnectorTest.h"
 #include "support/ProcessResources.h"
+#include "support/Rows.h"
 #include "support/WaitFor.h"
 
 #include <QTest>
@@ -45,13 +46,13 @@ private Q_SLOTS:
 
     void aRefusedUpgradeGoesToTheNextTransport_data()
     {
-        QTest::addColumn<Server::Upgrade>("refusal");
+        columns<Server::Upgrade>();
         addEveryRefusal();
     }
 
     void aRefusedUpgradeGoesToTheNextTransport()
     {
-        QFETCH(Server::Upgrade, refusal);
+        const auto [refusal] = row<Server::Upgrade>();
         m_server->setFirstFrames({}); // the poll stays without an answer
         m_server->setUpgrade(refusal);
 
@@ -78,13 +79,13 @@ private Q_SLOTS:
 
     void allTransportsFailingIsSilent_data()
     {
-        QTest::addColumn<Server::Upgrade>("refusal");
+        columns<Server::Upgrade>();
         addEveryRefusal();
     }
 
     void allTransportsFailingIsSilent()
     {
-        QFETCH(Server::Upgrade, refusal);
+        const auto [refusal] = row<Server::Upgrade>();
         m_server->setUpgrade(refusal);
 
         QVERIFY(m_probe->open(m_server->url(), webSocket));
@@ -125,9 +126,7 @@ private Q_SLOTS:
 
     void unknownEntriesAreLoggedAndSkipped_data()
     {
-        QTest::addColumn<Protocols>("protocols");
-        QTest::addColumn<int>("unknown");
-        QTest::addColumn<bool>("opens");
+        columns<Protocols, int, bool>();
 
         const auto ws = SockJSConnector::WEBSOCKET;
         QTest::newRow("none") << Protocols{ws} << 0 << true;
@@ -139,9 +138,7 @@ private Q_SLOTS:
 
     void unknownEntriesAreLoggedAndSkipped()
     {
-        QFETCH(Protocols, protocols);
-        QFETCH(int, unknown);
-        QFETCH(bool, opens);
+        const auto [protocols, unknown, opens] = row<Protocols, int, bool>();
 
         QVERIFY(m_probe->open(m_server->url(), protocols));
 
@@ -153,21 +150,15 @@ private Q_SLOTS:
 
     void xhrEntriesAskForTheirPath_data()
     {
-        QTest::addColumn<int>("protocol");
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("log");
-
-        QTest::newRow("polling") << 4 << "/xhr"
-                                 << "[SockJSConnector] CONNECTED via xhr_polling";
-        QTest::newRow("streaming") << 2 << "/xhr_streaming"
-                                   << "[SockJSConnector] CONNECTED via xhr_streaming";
+        rows<int, QString, QString>({
+            {"polling", 4, "/xhr", "[SockJSConnector] CONNECTED via xhr_polling"},
+            {"streaming", 2, "/xhr_streaming", "[SockJSConnector] CONNECTED via xhr_streaming"},
+        });
     }
 
     void xhrEntriesAskForTheirPath()
     {
-        QFETCH(int, protocol);
-        QFETCH(QString, path);
-        QFETCH(QString, log);
+        const auto [protocol, path, log] = row<int, QString, QString>();
 
         QVERIFY(m_probe->open(m_server->url(QStringLiteral("/base/")), {Protocol(protocol)}));
 
@@ -181,13 +172,13 @@ private Q_SLOTS:
 
     void aDropBeforeTheOpenFrameFallsBackToPolling_data()
     {
-        QTest::addColumn<Server::Upgrade>("drop");
+        columns<Server::Upgrade>();
         addEveryDrop();
     }
 
     void aDropBeforeTheOpenFrameFallsBackToPolling()
     {
-        QFETCH(Server::Upgrade, drop);
+        const auto [drop] = row<Server::Upgrade>();
         m_server->setFirstFrames({}); // the poll stays without an answer
         m_server->setUpgrade(drop);
 
@@ -229,8 +220,7 @@ private Q_SLOTS:
 
     void hostActsWhenTheFallbackIsUp_data()
     {
-        QTest::addColumn<QString>("signal");
-        QTest::addColumn<QString>("action");
+        columns<QString, QString>();
 
         for (const char* signal : {"connected", "message"}) {
             for (const char* action : {"close", "delete", "open"})
@@ -240,8 +230,7 @@ private Q_SLOTS:
 
     void hostActsWhenTheFallbackIsUp()
     {
-        QFETCH(QString, signal);
-        QFETCH(QString, action);
+        const auto [signal, action] = row<QString, QString>();
         m_server->setUpgrades({Server::CloseAfterUpgrade, Server::Open});
         m_server->setFirstFrames({"o", "a[\"one\",\"two\"]"});
         QObject host;

@@ -1,4 +1,5 @@
 #include "support/ConnectorTest.h"
+#include "support/Rows.h"
 #include "support/WallClock.h"
 
 #include <QTest>
@@ -38,22 +39,20 @@ private Q_SLOTS:
 
     void inactivityBound_data()
     {
-        QTest::addColumn<int>("seconds");
-        QTest::addColumn<bool>("closes");
-
-        QTest::newRow("at once") << 0 << false;
-        QTest::newRow("half an hour") << 1800 << false;
-        QTest::newRow("3599") << 3599 << false;
-        QTest::newRow("3600") << 3600 << false;
-        QTest::newRow("3601") << 3601 << true;
-        QTest::newRow("a day") << 86400 << true;
-        QTest::newRow("the clock was put back") << -86400 << false;
+        rows<int, bool>({
+            {"at once", 0, false},
+            {"half an hour", 1800, false},
+            {"3599", 3599, false},
+            {"3600", 3600, false},
+            {"3601", 3601, true},
+            {"a day", 86400, true},
+            {"the clock was put back", -86400, false},
+        });
     }
 
     void inactivityBound()
     {
-        QFETCH(int, seconds);
-        QFETCH(bool, closes);
+        const auto [seconds, closes] = row<int, bool>();
         WallClock::freeze();
         QVERIFY(openSession());
 

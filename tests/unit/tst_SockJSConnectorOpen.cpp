@@ -1,4 +1,5 @@
 #include "support/ConnectorTest.h"
+#include "support/Rows.h"
 #include "support/WallClock.h"
 #include "transport/RANDSTRING.h"
 
@@ -13,8 +14,8 @@ class TestSockJSConnectorOpen : public ConnectorTest
 private Q_SLOTS:
     void urlIsBuiltFromItsParts_data()
     {
-        QTest::addColumn<QString>("url");
-        QTest::addColumn<QString>("expected"); // %1: the session id
+        columns<QString, QString>();
+        // %1: the session id
 
         // A host of the loopback network where hardly anybody listens.
         const auto add = [](const char* url, const char* expected) { QTest::newRow(url) << url << expected; };
@@ -32,8 +33,7 @@ private Q_SLOTS:
 
     void urlIsBuiltFromItsParts()
     {
-        QFETCH(QString, url);
-        QFETCH(QString, expected);
+        const auto [url, expected] = row<QString, QString>();
         m_connector->setOpenLimit(5000); // in case that somebody does listen there
 
         QVERIFY(m_probe->open(QUrl(url), webSocket));
@@ -49,29 +49,20 @@ private Q_SLOTS:
 
     void requestPath_data()
     {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("base");
-
-        QTest::newRow("none") << ""
-                              << "";
-        QTest::newRow("root") << "/"
-                              << "";
-        QTest::newRow("no slash at its end") << "/base"
-                                             << "/base";
-        QTest::newRow("slash at its end") << "/base/"
-                                          << "/base";
-        QTest::newRow("two slashes at its end") << "/base//"
-                                                << "/base/";
-        QTest::newRow("several segments") << "/a/b/c/"
-                                          << "/a/b/c";
-        QTest::newRow("a blank") << "/my base/"
-                                 << "/my%20base";
+        rows<QString, QString>({
+            {"none", "", ""},
+            {"root", "/", ""},
+            {"no slash at its end", "/base", "/base"},
+            {"slash at its end", "/base/", "/base"},
+            {"two slashes at its end", "/base//", "/base/"},
+            {"several segments", "/a/b/c/", "/a/b/c"},
+            {"a blank", "/my base/", "/my%20base"},
+        });
     }
 
     void requestPath()
     {
-        QFETCH(QString, path);
-        QFETCH(QString, base);
+        const auto [path, base] = row<QString, QString>();
 
         for (const char* scheme : {"http", "ws"}) {
             QVERIFY(m_probe->openSession(m_server->url(path, QLatin1String(scheme)), webSocket));
@@ -208,14 +199,14 @@ private Q_SLOTS:
 
     void hostActsWhenConnectedWithinOpen_data()
     {
-        QTest::addColumn<QString>("action");
+        columns<QString>();
         for (const char* action : {"close", "delete", "open"})
             QTest::newRow(action) << action;
     }
 
     void hostActsWhenConnectedWithinOpen()
     {
-        QFETCH(QString, action);
+        const auto [action] = row<QString>();
         m_server->setUpgrades({Server::OpenInSamePacket, Server::Open});
         int calls = 0;
         connect(m_connector, &SockJSConnector::connected, this, [&] {

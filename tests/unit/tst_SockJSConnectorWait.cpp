@@ -1,4 +1,5 @@
 #include "support/ConnectorTest.h"
+#include "support/Rows.h"
 
 #include <QElapsedTimer>
 #include <QTcpServer>
@@ -39,14 +40,15 @@ private Q_SLOTS:
 
     void hostEndsTheWait_data()
     {
-        QTest::addColumn<QString>("action");
-        QTest::newRow("close") << "close";
-        QTest::newRow("delete") << "delete";
+        rows<QString>({
+            {"close", "close"},
+            {"delete", "delete"},
+        });
     }
 
     void hostEndsTheWait()
     {
-        QFETCH(QString, action);
+        const auto [action] = row<QString>();
         m_server->setUpgrade(Server::Silent);
         duringTheWait([&] {
             if (action == QLatin1String("close"))

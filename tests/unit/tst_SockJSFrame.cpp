@@ -1,3 +1,5 @@
+#include "support/Rows.h"
+
 #include "transport/SockJSFrame.h"
 
 #include <QJsonArray>
@@ -50,7 +52,7 @@ private Q_SLOTS:
 
     void frameIsThatOfQtsWriter_data()
     {
-        QTest::addColumn<QString>("message");
+        columns<QString>();
         const QStringList messages = {
             QString(),
             QStringLiteral("text"),
@@ -69,7 +71,7 @@ private Q_SLOTS:
 
     void frameIsThatOfQtsWriter()
     {
-        QFETCH(QString, message);
+        const auto [message] = row<QString>();
         QCOMPARE(SockJSFrame::encode(message),
                  QString::fromUtf8(QJsonDocument(QJsonArray{message}).toJson()));
     }

@@ -2,6 +2,7 @@
 
 #include "support/LogRecorder.h"
 #include "support/ProcessResources.h"
+#include "support/Rows.h"
 #include "support/TransportTest.h"
 
 #include <QElapsedTimer>
@@ -62,14 +63,15 @@ private Q_SLOTS:
 
     void closeFrameEndsTheSession_data()
     {
-        QTest::addColumn<bool>("streaming");
-        QTest::newRow("polling") << false;
-        QTest::newRow("streaming") << true;
+        rows<bool>({
+            {"polling", false},
+            {"streaming", true},
+        });
     }
 
     void closeFrameEndsTheSession()
     {
-        QFETCH(bool, streaming);
+        const auto [streaming] = row<bool>();
         Server server;
         server.answer("/xhr", plain("o\n"));
         server.answer("/xhr", plain("c[3000,\"Go away!\"]\n"));
@@ -133,9 +135,7 @@ private Q_SLOTS:
 
     void mayBeDeletedAnywhere_data()
     {
-        QTest::addColumn<bool>("streaming");
-        QTest::addColumn<QByteArray>("frames");
-        QTest::addColumn<bool>("atEnd");
+        columns<bool, QByteArray, bool>();
         for (const bool streaming : {false, true}) {
             const char* kind = streaming ? "streaming" : "polling";
             QTest::addRow("%s: open", kind) << streaming << QByteArray("o\n") << false;
@@ -147,9 +147,7 @@ private Q_SLOTS:
 
     void mayBeDeletedAnywhere()
     {
-        QFETCH(bool, streaming);
-        QFETCH(QByteArray, frames);
-        QFETCH(bool, atEnd);
+        const auto [streaming, frames, atEnd] = row<bool, QByteArray, bool>();
         Server server;
         server.answerAlways("/xhr", plain(frames));
         server.answerAlways("/xhr_streaming", chunkedHead() + chunk(frames) + chunk(frames) + endChunk());
@@ -167,9 +165,7 @@ private Q_SLOTS:
 
     void mayBeClosedAnywhere()
     {
-        QFETCH(bool, streaming);
-        QFETCH(QByteArray, frames);
-        QFETCH(bool, atEnd);
+        const auto [streaming, frames, atEnd] = row<bool, QByteArray, bool>();
         Server server;
         server.answerAlways("/xhr", plain(frames));
         server.answerAlways("/xhr_streaming", chunkedHead() + chunk(frames) + chunk(frames) + endChunk());
@@ -185,15 +181,16 @@ private Q_SLOTS:
 
     void destructorIsPrompt_data()
     {
-        QTest::addColumn<QByteArray>("answer");
-        QTest::newRow("a poll is pending") << QByteArray();
-        QTest::newRow("an answer is half received") << chunkedHead() + "5\r\nab";
-        QTest::newRow("the next poll is held back") << plain("");
+        rows<QByteArray>({
+            {"a poll is pending", QByteArray()},
+            {"an answer is half received", chunkedHead() + "5\r\nab"},
+            {"the next poll is held back", plain("")},
+        });
     }
 
     void destructorIsPrompt()
     {
-        QFETCH(QByteArray, answer);
+        const auto [answer] = row<QByteArray>();
         qint64 best = patience;
         for (int i = 0; i < 5 && best > 100; ++i) {
             Server server;

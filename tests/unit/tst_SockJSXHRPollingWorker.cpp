@@ -1,4 +1,5 @@
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 #include "support/WorkerTest.h"
 
 #include <QElapsedTimer>
@@ -79,10 +80,7 @@ private Q_SLOTS:
 
     void headerParserStatedResults_data()
     {
-        QTest::addColumn<QByteArray>("data");
-        QTest::addColumn<int>("status");
-        QTest::addColumn<int>("consumed");
-        QTest::addColumn<QStringMap>("headers");
+        columns<QByteArray, int, int, QStringMap>();
 
         const QByteArray whole = "HTTP/1.1 404 Not Found\r\nA: b\r\nset-cookie:c=d\r\n\r\n";
         const QStringMap map{{"A", " b"}, {"set-cookie", "c=d"}};
@@ -103,13 +101,13 @@ private Q_SLOTS:
 
     void headerParserStatedResults()
     {
-        QFETCH(QByteArray, data);
+        const auto [data, expectedStatus, consumed, expectedHeaders] = row<QByteArray, int, int, QStringMap>();
         SockJSXHRPollingWorker worker(nullptr, nullptr, QStringLiteral("h"), 80, false, true);
         int status = 7;
         QStringMap headers;
-        QTEST(worker.parseHttpHeaderResponse(data, &status, &headers), "consumed");
-        QTEST(status, "status");
-        QTEST(headers, "headers");
+        QCOMPARE(worker.parseHttpHeaderResponse(data, &status, &headers), consumed);
+        QCOMPARE(status, expectedStatus);
+        QCOMPARE(headers, expectedHeaders);
     }
 
     void headerParserKeepsWhatIsThere()
@@ -123,41 +121,33 @@ private Q_SLOTS:
 
     void messageParserStatedResults_data()
     {
-        QTest::addColumn<QByteArray>("data");
-        QTest::addColumn<bool>("isChunked");
-        QTest::addColumn<int>("contentLength");
-        QTest::addColumn<int>("consumed");
-        QTest::addColumn<QString>("out");
-
-        QTest::newRow("nothing") << QByteArray() << false << 5 << 0 << QString();
-        QTest::newRow("no length") << QByteArray("abc") << false << 0 << 3 << "abc";
-        QTest::newRow("length 1 sets no bound") << QByteArray("abc") << false << 1 << 3 << "abc";
-        QTest::newRow("length 2") << QByteArray("abc") << false << 2 << 2 << "ab";
-        QTest::newRow("less than the length") << QByteArray("abc") << false << 5 << 3 << "abc";
-        QTest::newRow("text outside ASCII")
-            << QByteArray("\xe2\x82\xac") << false << 3 << 3 << QStringLiteral("€");
-        QTest::newRow("chunk") << QByteArray("2\r\nab\r\n0\r\n\r\n") << true << 0 << 7 << "ab";
-        QTest::newRow("chunk in hexadecimal")
-            << QByteArray("B\r\n0123456789a\r\n") << true << 0 << 16 << "0123456789a";
-        QTest::newRow("chunk without its line break") << QByteArray("2\r\nab") << true << 0 << 7 << "ab";
-        QTest::newRow("chunk after an empty line") << QByteArray("\r\n2\r\nab\r\n") << true << 0 << 9 << "ab";
-        QTest::newRow("half a chunk") << QByteArray("5\r\nab") << true << 0 << 0 << QString();
-        QTest::newRow("end chunk") << QByteArray("0\r\n\r\n") << true << 0 << -1 << QString();
-        QTest::newRow("chunk of one") << QByteArray("1\r\na\r\n") << true << 0 << -1 << QString();
-        QTest::newRow("no number") << QByteArray("what\r\nab\r\n") << true << 0 << -1 << QString();
-        QTest::newRow("number beyond an int")
-            << QByteArray("ffffffffffffffff\r\nab\r\n") << true << 0 << -1 << QString();
+        rows<QByteArray, bool, int, int, QString>({
+            {"nothing", QByteArray(), false, 5, 0, QString()},
+            {"no length", "abc", false, 0, 3, "abc"},
+            {"length 1 sets no bound", "abc", false, 1, 3, "abc"},
+            {"length 2", "abc", false, 2, 2, "ab"},
+            {"less than the length", "abc", false, 5, 3, "abc"},
+            {"text outside ASCII", "\xe2\x82\xac", false, 3, 3, "€"},
+            {"chunk", "2\r\nab\r\n0\r\n\r\n", true, 0, 7, "ab"},
+            {"chunk in hexadecimal", "B\r\n0123456789a\r\n", true, 0, 16, "0123456789a"},
+            {"chunk without its line break", "2\r\nab", true, 0, 7, "ab"},
+            {"chunk after an empty line", "\r\n2\r\nab\r\n", true, 0, 9, "ab"},
+            {"half a chunk", "5\r\nab", true, 0, 0, QString()},
+            {"end chunk", "0\r\n\r\n", true, 0, -1, QString()},
+            {"chunk of one", "1\r\na\r\n", true, 0, -1, QString()},
+            {"no number", "what\r\nab\r\n", true, 0, -1, QString()},
+            {"number beyond an int", "ffffffffffffffff\r\nab\r\n", true, 0, -1, QString()},
+        });
     }
 
     void messageParserStatedResults()
     {
-        QFETCH(QByteArray, data);
-        QFETCH(bool, isChunked);
-        QFETCH(int, contentLength);
+        const auto [data, isChunked, contentLength, consumed, out] =
+            row<QByteArray, bool, int, int, QString>();
         SockJSXHRPollingWorker worker(nullptr, nullptr, QStringLiteral("h"), 80, false, true);
         QString text;
-        QTEST(worker.parseMessageResponse(data, isChunked, &text, contentLength), "consumed");
-        QTEST(text, "out");
+        QCOMPARE(worker.parseMessageResponse(data, isChunked, &text, contentLength), consumed);
+        QCOMPARE(text, out);
     }
 
     void messageParserAppends()

@@ -1,5 +1,6 @@
 #include "support/LogRecorder.h"
 #include "support/ProcessResources.h"
+#include "support/Rows.h"
 #include "support/TestCertificates.h"
 #include "support/WorkerTest.h"
 
@@ -242,15 +243,16 @@ private Q_SLOTS:
 
     void stopsWithinFiftyMilliseconds_data()
     {
-        QTest::addColumn<QByteArray>("answer");
-        QTest::newRow("a poll is pending") << QByteArray();
-        QTest::newRow("an answer is half received") << chunkedHead() + "5\r\nab";
-        QTest::newRow("the next request is held back") << plain("");
+        rows<QByteArray>({
+            {"a poll is pending", QByteArray()},
+            {"an answer is half received", chunkedHead() + "5\r\nab"},
+            {"the next request is held back", plain("")},
+        });
     }
 
     void stopsWithinFiftyMilliseconds()
     {
-        QFETCH(QByteArray, answer);
+        const auto [answer] = row<QByteArray>();
         qint64 best = patience;
         for (int i = 0; i < 5 && best > 50; ++i) {
             Server server;

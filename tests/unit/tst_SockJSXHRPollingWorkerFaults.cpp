@@ -1,4 +1,5 @@
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 #include "support/WorkerTest.h"
 
 #include <QElapsedTimer>
@@ -24,21 +25,18 @@ class tst_SockJSXHRPollingWorkerFaults : public WorkerTest
 private Q_SLOTS:
     void stallIsDiscarded_data()
     {
-        QTest::addColumn<QByteArray>("begin");
-        QTest::addColumn<QByteArray>("pending");
-        QTest::newRow("in the header")
-            << QByteArray("HTTP/1.1 200 OK\r\nConte") << QByteArray("HTTP/1.1 200 OK\r\nConte");
-        QTest::newRow("in a chunk's size") << chunkedHead() + "1" << QByteArray("1");
-        QTest::newRow("in a chunk") << chunkedHead() + "5\r\nab" << QByteArray("ab");
-        QTest::newRow("in the end chunk") << chunkedHead() + chunk("ab") + "0" << QByteArray("0");
-        QTest::newRow("in a body with a length")
-            << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nab") << QByteArray("ab");
+        rows<QByteArray, QByteArray>({
+            {"in the header", "HTTP/1.1 200 OK\r\nConte", "HTTP/1.1 200 OK\r\nConte"},
+            {"in a chunk's size", chunkedHead() + "1", "1"},
+            {"in a chunk", chunkedHead() + "5\r\nab", "ab"},
+            {"in the end chunk", chunkedHead() + chunk("ab") + "0", "0"},
+            {"in a body with a length", "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nab", "ab"},
+        });
     }
 
     void stallIsDiscarded()
     {
-        QFETCH(QByteArray, begin);
-        QFETCH(QByteArray, pending);
+        const auto [begin, pending] = row<QByteArray, QByteArray>();
         Server server;
         server.answer("/xhr", begin);
         server.answer("/xhr", plain("o\n"));
@@ -60,8 +58,7 @@ private Q_SLOTS:
 
     void shortPauseIsWaitedOut_data()
     {
-        QTest::addColumn<QByteArray>("begin");
-        QTest::addColumn<QByteArray>("rest");
+        columns<QByteArray, QByteArray>();
         const QByteArray answer = chunkedHead() + chunk("abcde") + endChunk();
         for (const char* place : {"in the header", "in a chunk's size", "after a chunk's size", "in a chunk",
                                   "after a chunk", "in the end chunk"}) {
@@ -78,8 +75,7 @@ private Q_SLOTS:
 
     void shortPauseIsWaitedOut()
     {
-        QFETCH(QByteArray, begin);
-        QFETCH(QByteArray, rest);
+        const auto [begin, rest] = row<QByteArray, QByteArray>();
         Server server;
         server.answer("/xhr", Server::Script{Server::send(begin), Server::pause(1500), Server::send(rest)});
         WorkerRun run(server.port());
@@ -226,24 +222,22 @@ private Q_SLOTS:
 
     void badAnswerKeepsTheFullWait_data()
     {
-        QTest::addColumn<QByteArray>("answer");
-        QTest::addColumn<bool>("waits");
-        QTest::newRow("open") << plain("o\n") << false;
-        QTest::newRow("heartbeat") << plain("h\n") << false;
-        QTest::newRow("messages") << plain("a[\"x\"]\n") << false;
-        QTest::newRow("page") << plain("<html>\n") << true;
-        QTest::newRow("close frame") << plain("c[3000,\"Go away!\"]\n") << true;
-        QTest::newRow("nothing") << plain("") << true;
-        QTest::newRow("not found") << QByteArray("HTTP/1.1 404 Not Found\r\nContent-Length: 4\r\n\r\nwhat")
-                                   << true;
-        QTest::newRow("page, then closed") << plain("<html>\n", "Connection: close\r\n") << true;
-        QTest::newRow("messages, then closed") << plain("a[]\n", "Connection: close\r\n") << false;
+        rows<QByteArray, bool>({
+            {"open", plain("o\n"), false},
+            {"heartbeat", plain("h\n"), false},
+            {"messages", plain("a[\"x\"]\n"), false},
+            {"page", plain("<html>\n"), true},
+            {"close frame", plain("c[3000,\"Go away!\"]\n"), true},
+            {"nothing", plain(""), true},
+            {"not found", "HTTP/1.1 404 Not Found\r\nContent-Length: 4\r\n\r\nwhat", true},
+            {"page, then closed", plain("<html>\n", "Connection: close\r\n"), true},
+            {"messages, then closed", plain("a[]\n", "Connection: close\r\n"), false},
+        });
     }
 
     void badAnswerKeepsTheFullWait()
     {
-        QFETCH(QByteArray, answer);
-        QFETCH(bool, waits);
+        const auto [answer, waits] = row<QByteArray, bool>();
         Server server;
         server.answer("/xhr", answer);
         server.answer("/xhr", plain("o\n"));
@@ -296,16 +290,16 @@ private Q_SLOTS:
 
     void overrunIsABrokenConnection_data()
     {
-        QTest::addColumn<QByteArray>("answer");
-        QTest::newRow("chunk of 2^64-1") << chunkedHead() + "ffffffffffffffff\r\nab";
-        QTest::newRow("length of 2^63")
-            << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 9223372036854775808\r\n\r\nab");
-        QTest::newRow("header without end") << "HTTP/1.1 200 OK\r\n" + QByteArray(4 * 1024 * 1024, 'x');
+        rows<QByteArray>({
+            {"chunk of 2^64-1", chunkedHead() + "ffffffffffffffff\r\nab"},
+            {"length of 2^63", "HTTP/1.1 200 OK\r\nContent-Length: 9223372036854775808\r\n\r\nab"},
+            {"header without end", "HTTP/1.1 200 OK\r\n" + QByteArray(4 * 1024 * 1024, 'x')},
+        });
     }
 
     void overrunIsABrokenConnection()
     {
-        QFETCH(QByteArray, answer);
+        const auto [answer] = row<QByteArray>();
         Server server;
         server.answer("/xhr", answer);
         server.answer("/xhr", plain("o\n"));
