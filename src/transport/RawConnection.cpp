@@ -1,7 +1,8 @@
 #include "transport/RawConnection.h"
 
+#include "transport/InnerLoop.h"
+
 #include <QDeadlineTimer>
-#include <QEventLoop>
 #include <QSslSocket>
 #include <QTimer>
 
@@ -98,13 +99,13 @@ void RawConnection::write(const QByteArray& bytes)
 
 bool RawConnection::wait(int msecs)
 {
-    QEventLoop loop;
-    QTimer::singleShot(msecs, Qt::PreciseTimer, &loop, &QEventLoop::quit);
+    InnerLoop loop;
+    QObject context;
+    QTimer::singleShot(msecs, Qt::PreciseTimer, &context, [&loop] { loop.quit(); });
     m_wait = &loop;
-    // A loop that is not even started belongs to a thread that is to quit.
-    const bool ran = loop.exec() == 0;
+    const bool hasEnded = loop.run();
     m_wait = nullptr;
-    return ran;
+    return hasEnded;
 }
 
 void RawConnection::wake()

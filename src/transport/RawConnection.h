@@ -6,7 +6,7 @@
 
 #include <atomic>
 
-class QEventLoop;
+class InnerLoop;
 class QSslSocket;
 class QTcpSocket;
 
@@ -54,5 +54,5 @@ private:
     QString m_host;
     quint16 m_port;
     bool m_dropped = false; // the socket is closed because this class closed it, or because it failed
-    QEventLoop* m_wait = nullptr;
+    InnerLoop* m_wait = nullptr;
 };
