@@ -17,9 +17,6 @@ using Server = ScriptedHttpServer;
 namespace {
 
 constexpr int preludeStep = 64;
-constexpr int atOnce = 50;
-// The pieces shall be read one by one: the worker is given this long to take the first.
-constexpr int pieceGap = 1; // milliseconds
 
 const QString goodPoll = QStringLiteral("/p/first/xhr");
 
@@ -41,12 +38,6 @@ QList<int> splitsOf(const Answer& answer)
     return splits;
 }
 
-// After one that gives no frame to go on with, the worker keeps its full wait.
-bool isGood(const Answer& answer)
-{
-    return !answer.isPage() && !answer.name.endsWith(QLatin1String("-closed"));
-}
-
 // The last report that there is about the answer to the request \p number.
 bool isOver(const WorkerRun& run, const Answer& answer, int number, int messages)
 {
@@ -57,68 +48,13 @@ bool isOver(const WorkerRun& run, const Answer& answer, int number, int messages
 
 } // namespace
 
-/// The worker on a real socket, to which recorded answers come in pieces, or end in the middle.
+/// The worker on a real socket, to which recorded answers come byte by byte, or end in the middle.
 class TestRecordedSplits : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void initTestCase() { QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy); }
-
-    void splitAtEveryByte_data() { Recordings::addRows(isGood); }
-
-    void splitAtEveryByte()
-    {
-        const Answer& answer = Recordings::ofRow();
-        const QList<int> splits = splitsOf(answer);
-        Server server;
-        WorkerRun run(server.port());
-        LogRecorder log;
-        QVERIFY(run.start());
-        const int frames = answer.ends().size();
-        for (int round = 0; round < splits.size(); ++round) {
-            const int at = splits.at(round);
-            server.answer("", Server::Script{Server::send(answer.bytes.left(at)), Server::pause(pieceGap),
-                                             Server::send(answer.bytes.mid(at))});
-            run.messages.clear();
-            QVERIFY(run.queue(pathOf(answer)));
-            QVERIFY2(waitFor([&] { return isOver(run, answer, round, frames); }),
-                     qPrintable(QStringLiteral("split at %1").arg(at)));
-            QVERIFY2(Recordings::contents(run.messages) == answer.contents,
-                     qPrintable(QStringLiteral("split at %1").arg(at)));
-        }
-        QCOMPARE(run.headers.size(), splits.size());
-        QVERIFY(!run.reports.join(QLatin1Char(' ')).contains(QLatin1String("lost")));
-        QCOMPARE(log.debug(QStringLiteral("[SockJSXHRPollingWorker] Incoming data timeout")), QStringList());
-    }
-
-    void badAnswerSplitAtEveryByte_data()
-    {
-        Recordings::addRows([](const Answer& answer) { return !isGood(answer); });
-    }
-
-    // A worker for each split, and many at a time: each would wait for a second before its next request.
-    void badAnswerSplitAtEveryByte()
-    {
-        const Answer& answer = Recordings::ofRow();
-        Server server;
-        for (int begin = 1; begin < answer.bytes.size(); begin += atOnce) {
-            std::vector<std::unique_ptr<WorkerRun>> runs;
-            for (int at = begin; at < std::min(begin + atOnce, answer.bytes.size()); ++at) {
-                server.answer("", Server::Script{Server::send(answer.bytes.left(at)), Server::pause(pieceGap),
-                                                 Server::send(answer.bytes.mid(at))});
-                runs.push_back(std::make_unique<WorkerRun>(server.port()));
-                QVERIFY(runs.back()->start());
-                QVERIFY(runs.back()->queue());
-            }
-            for (const auto& run : runs) {
-                QVERIFY(waitFor([&] { return !run->messages.isEmpty(); }));
-                QCOMPARE(Recordings::contents(run->messages), answer.contents);
-                QCOMPARE(run->reports.mid(0, 2), QStringList({"header 0", "message 0"}));
-            }
-        }
-        QVERIFY(server.isUsedUp());
-    }
 
     void byteByByte_data() { Recordings::addRows(); }
 

@@ -39,33 +39,6 @@ private Q_SLOTS:
     void init() { m_log = std::make_unique<LogRecorder>(); }
     void cleanup() { m_log.reset(); }
 
-    void defaults()
-    {
-        const CalyxCollabMessage message;
-        QCOMPARE(CalyxCollabMessage::PROTOCOL_VERSION, QStringLiteral("3.0.0"));
-        QCOMPARE(message.from(), QString());
-        QCOMPARE(message.type(), QString());
-        QCOMPARE(message.version(), QStringLiteral("3.0.0"));
-        QCOMPARE(message.sourceSystem(), QStringLiteral("Lumora"));
-        QVERIFY(!message.data().isValid());
-        QVERIFY(!message.dataobject());
-    }
-
-    void gettersAreNamedAsTheProperties()
-    {
-        CalyxCollabMessage message;
-        message.setfrom(QStringLiteral("me"));
-        message.settype(QStringLiteral("dialogShow"));
-        message.setversion(QStringLiteral("9"));
-        message.setsourceSystem(QStringLiteral("other"));
-        message.setdata(5);
-        QCOMPARE(message.from(), QStringLiteral("me"));
-        QCOMPARE(message.type(), QStringLiteral("dialogShow"));
-        QCOMPARE(message.version(), QStringLiteral("9"));
-        QCOMPARE(message.sourceSystem(), QStringLiteral("other"));
-        QCOMPARE(message.data(), QVariant(5));
-    }
-
     void dataobjectIsASlotAndNoProperty()
     {
         CalyxCollabMessage message;

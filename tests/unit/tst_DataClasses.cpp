@@ -2,6 +2,7 @@
 // for each, and its property names as the keys of its JSON.
 
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/ActivityOption>
 #include <CalyxClient/AssessmentOptions>
@@ -405,6 +406,50 @@ private Q_SLOTS:
 
         const std::unique_ptr<QObject> alone(make(nullptr));
         QVERIFY(!alone->parent());
+    }
+
+    void backgroundImageIsSetUnchanged_data()
+    {
+        rows<QString>({
+            {"CSS", "url('http://127.0.0.1/a b?c=%20')"},
+            {"bare", "http://127.0.0.1/image"},
+            {"data URI", "data:image/png;base64,iVBORw0KGgo="},
+        });
+    }
+
+    void backgroundImageIsSetUnchanged()
+    {
+        const auto [url] = row<QString>();
+        Calyx::Card card;
+        card.setBackgroundImage(QStringLiteral("before"));
+        card.setBackgroundImage(url);
+        QCOMPARE(card.styles().value(QStringLiteral("backgroundImage")), QVariant(url));
+        QCOMPARE(card.styles().size(), 3);
+    }
+
+    void backgroundImageLeavesTheOtherStyles()
+    {
+        Calyx::Card card;
+        card.setstyles(
+            {{QStringLiteral("backgroundColor"), QStringLiteral("red")}, {QStringLiteral("own"), 1}});
+        card.setBackgroundImage(QStringLiteral("x"));
+        QCOMPARE(card.styles(), QVariantMap({{QStringLiteral("backgroundColor"), QStringLiteral("red")},
+                                             {QStringLiteral("backgroundImage"), QStringLiteral("x")},
+                                             {QStringLiteral("own"), 1}}));
+    }
+
+    void emptyBackgroundImageKeepsItsKey()
+    {
+        Calyx::Card card;
+        card.setBackgroundImage(QStringLiteral("x"));
+        card.setBackgroundImage(QStringLiteral(""));
+        QVERIFY(card.styles().contains(QStringLiteral("backgroundImage")));
+        const LogRecorder log;
+        QVERIFY(Calyx::JsonSerializer::serializeToJson(&card).contains(
+            QLatin1String("        \"backgroundImage\": \"\",\n")));
+        card.setBackgroundImage(QString());
+        QVERIFY(Calyx::JsonSerializer::serializeToJson(&card).contains(
+            QLatin1String("        \"backgroundImage\": \"\",\n")));
     }
 
 private:

@@ -16,22 +16,10 @@ private Q_SLOTS:
     void texts_data()
     {
         rows<QString, QString>({
-            {"PUBLISH_MESSAGE_3", PUBLISH_MESSAGE_3, R"({"type":"publish","address":"%0","body":%1})"},
             {"CALYX_LATEX_START", CALYX_LATEX_START, R"(<span class="mathquill-embedded-latex">)"},
             {"CALYX_LATEX_END", CALYX_LATEX_END, "</span>"},
             {"PING_MESSAGE", PING_MESSAGE, R"({"type":"ping"})"},
-            {"REGISTER_MESSAGE", REGISTER_MESSAGE, R"({"type":"register","address":"%0"})"},
-            {"PUBLISH_MESSAGE64", PUBLISH_MESSAGE64,
-             R"({"type":"publish","address":"%0","body":{"from":"%1","type":"%2","data":["%3"]}})"},
-            {"START_POLL_DATA64", START_POLL_DATA64,
-             R"({"type":"%0","expressionQuestionId":1,"metadata":{"ordinalType":"%1","options":[%6]},"id":"%5","sessionToken":"%2","sessionCode":"%3","lessonId":null,"startTime":%4,"lastUpdatedOn":%4,"card":{"segment":"fake-id","tracks":[{"placeholder":true}],"visible":true,"ordinal":1395358139515,"styles":{"backgroundColor":"","backgroundImage":"%7","backgroundSize":"100%"},"components":[]},"unrespondedUsers":[]})"},
-            {"SHOW_CARD_DATA", SHOW_CARD_DATA,
-             R"({"segment":{"id":"%0"},"isTeacherCard":true,"autoSend":true,"notes":null,"tracks":[],"visible":true,"ordinal":1,"styles":{"backgroundColor":"","backgroundImage":""},"components":[{"ordinal":1397148149039,"styles":{"anchor":false,"width":770,"left":15,"height":570,"top":15},"blob":{"url":"%1"},"type":"image"}],"trackSortSeq":0,"_tId":"DF8A71DA-3EF2-44E3-9B2F-F651C7A8B0F9","hasStudentCards":false})"},
             {"PLAIN_DATA", PLAIN_DATA, "\"%0\""},
-            {"LESSON_DATA", LESSON_DATA, R"({"lessonId":"%0", "name":"%1"})"},
-            {"CURRENTCARD_DATA", CURRENTCARD_DATA,
-             R"({"currentCard":"%0", "cards": [%1], "totalCards":"%2"})"},
-            {"CURRENTCARD_SUBDATA", CURRENTCARD_SUBDATA, R"({"name":"%0"})"},
         });
     }
 

@@ -335,18 +335,6 @@ private Q_SLOTS:
         QVERIFY(client.lastError().isNull());
         service.expect(STOP, Answer::json("{}"));
     }
-
-    void learnerIsAValue()
-    {
-        const Calyx::Learner empty;
-        QVERIFY(empty.deviceId.isNull() && empty.userName.isNull() && empty.deviceType.isNull());
-        Calyx::Learner one(QStringLiteral("d"), QStringLiteral("n"), QStringLiteral("t"));
-        const Calyx::Learner copy = one;
-        one.userName = QStringLiteral("changed");
-
-        QCOMPARE(texts({copy}), QStringList{"d n t"});
-        QVERIFY(QMetaType::type("Calyx::Learner") != QMetaType::UnknownType);
-    }
 };
 
 QTEST_GUILESS_MAIN(tst_PresenterClientSession)

@@ -50,37 +50,6 @@ class tst_QuestionBase : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void gettersAreNamedAsTheProperties()
-    {
-        QuestionBase question;
-        QObject card;
-        const QVariantMap activity{{QStringLiteral("id"), QStringLiteral("x")}};
-        question.setID(QStringLiteral("the id"));
-        question.setquestionSetMode(QStringLiteral("Assessment"));
-        question.setquestionNumber(4);
-        question.setType(QStringLiteral("kind"));
-        question.setactivityType(activity);
-        question.setinstructions(QStringLiteral("read"));
-        question.setpassage(QStringLiteral("once"));
-        question.setcard(&card);
-        question.sethint(QStringLiteral("think"));
-        question.setmath(true);
-        question.sethasNext(true);
-        question.setnavigable(true);
-
-        QCOMPARE(question.id(), QStringLiteral("the id"));
-        QCOMPARE(question.questionSetMode(), QStringLiteral("Assessment"));
-        QCOMPARE(question.questionNumber(), 4);
-        QCOMPARE(question.type(), QStringLiteral("kind"));
-        QCOMPARE(question.activityType(), activity);
-        QCOMPARE(question.instructions(), QStringLiteral("read"));
-        QCOMPARE(question.passage(), QStringLiteral("once"));
-        QCOMPARE(question.card(), &card);
-        QCOMPARE(question.hint(), QStringLiteral("think"));
-        QVERIFY(question.math() && question.hasNext() && question.navigable());
-        QVERIFY(qobject_cast<QuestionFeedback*>(question.feedBack()));
-    }
-
     void idIsEightLettersAndDigits()
     {
         const QuestionBase question;
@@ -273,27 +242,6 @@ private Q_SLOTS:
         const int type = QMetaType::type("Calyx::QuestionFeedback*");
         QVERIFY(type != QMetaType::UnknownType);
         QVERIFY(QMetaType(type).flags() & QMetaType::PointerToQObject);
-    }
-
-    void priorAnswerIsWrittenToTheFeedback_data()
-    {
-        rows<QString>({
-            {"word", "forty-two"},
-            {"several letters", "CA"},
-            {"empty", ""},
-            {"outside ASCII", QString::fromUtf8(u8"ä😀")},
-        });
-    }
-
-    void priorAnswerIsWrittenToTheFeedback()
-    {
-        const auto [answer] = row<QString>();
-        QuestionBase question;
-        question.setPriorAnswer(answer);
-        QCOMPARE(feedBackOf(question, "answer"), QVariant(answer));
-        QCOMPARE(feedBackOf(question, "numberOfRetriesRemaining"), QVariant(99));
-        QCOMPARE(feedBackOf(question, "optionAnswers").toList(), QVariantList());
-        QCOMPARE(feedBackOf(question, "numberOfRetries"), QVariant(0));
     }
 
     void configurePriorAnswerLeavesTheAnswer()

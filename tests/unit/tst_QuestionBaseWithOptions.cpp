@@ -349,36 +349,6 @@ private Q_SLOTS:
         QCOMPARE(indicesOf(question), QVariantList());
     }
 
-    void priorAnswerIsOneOption_data()
-    {
-        rows<QString>({
-            {"one letter", "B"},
-            {"two letters", "AB"},
-            {"empty", ""},
-        });
-    }
-
-    void priorAnswerIsOneOption()
-    {
-        const auto [answer] = row<QString>();
-        QuestionBaseWithOptions question;
-        QuestionBase& base = question;
-        base.setPriorAnswer(answer);
-        QCOMPARE(question.feedBack()->property("optionAnswers").toList(),
-                 QVariantList({QVariantMap{{QStringLiteral("activityOptionId"), answer}}}));
-        QCOMPARE(question.feedBack()->property("numberOfRetriesRemaining"), QVariant(99));
-        QVERIFY(!question.feedBack()->property("answer").isValid());
-    }
-
-    void secondPriorAnswerReplacesTheFirst()
-    {
-        QuestionBaseWithOptions question;
-        question.setPriorAnswer(QStringLiteral("A"));
-        question.setPriorAnswer(QStringLiteral("B"));
-        QCOMPARE(question.feedBack()->property("optionAnswers").toList(),
-                 QVariantList({QVariantMap{{QStringLiteral("activityOptionId"), QStringLiteral("B")}}}));
-    }
-
     void priorAnswerWithoutFeedbackIsDropped()
     {
         QuestionBaseWithOptions question;
