@@ -8,6 +8,7 @@
 #include <CalyxClient/PresenterClient>
 #include <CalyxClient/PresenterCollab>
 #include <CalyxClient/SockJSConnector>
+#include <CalyxClient/SockJSXHRPolling>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -15,6 +16,7 @@
 #include <QLoggingCategory>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QProcess>
 #include <QTcpServer>
 #include <QTimer>
 #include <QWebSocket>
@@ -129,6 +131,42 @@ void restBare(benchmark::State& state)
     }
 }
 
+// Posts of some size, one after the other on a connection that is kept. The server holds the clock.
+constexpr int posts = 500;
+const QByteArray post(200, 'x');
+
+void postOurs(benchmark::State& state)
+{
+    Service service;
+    SockJSXHRPolling transport(nullptr);
+    if (!transport.start(QStringLiteral("127.0.0.1"), service.port(), false, QStringLiteral("/s"), false))
+        qFatal("no connection");
+    for (auto _ : state) {
+        service.restartClock();
+        for (int i = 0; i < posts; ++i)
+            transport.sendTextMessage(QString::fromLatin1(post));
+        waitUntil([&] { return service.count() == posts; });
+        state.SetIterationTime(double(service.duration()) * 1e-9);
+    }
+}
+
+void postCurl(benchmark::State& state)
+{
+    Service service;
+    for (auto _ : state) {
+        service.restartClock();
+        const QString urls = QStringLiteral("%1/[1-%2]").arg(service.url()).arg(posts);
+        QProcess curl;
+        curl.start(QStringLiteral("curl"),
+                   {QStringLiteral("--silent"), QStringLiteral("--noproxy"), QStringLiteral("*"),
+                    QStringLiteral("--output"), QStringLiteral("/dev/null"), QStringLiteral("--data"),
+                    QString::fromLatin1(post), urls});
+        if (!curl.waitForFinished() || service.count() != posts)
+            qFatal("curl has not posted");
+        state.SetIterationTime(double(service.duration()) * 1e-9);
+    }
+}
+
 // CPU time of the client's thread for a batch of answers.
 void generatorOurs(benchmark::State& state)
 {
@@ -196,6 +234,8 @@ void registerAll()
     benchmark::RegisterBenchmark("silent-server/1/ours", waitInSilence)->UseManualTime()->Iterations(1);
     benchmark::RegisterBenchmark("rest/1/ours", restOurs)->UseRealTime();
     benchmark::RegisterBenchmark("rest/1/peer", restBare)->UseRealTime();
+    benchmark::RegisterBenchmark("post/500/ours", postOurs)->UseManualTime();
+    benchmark::RegisterBenchmark("post/500/peer", postCurl)->UseManualTime();
     benchmark::RegisterBenchmark("generator/10000/ours", generatorOurs)->UseManualTime();
     benchmark::RegisterBenchmark("generator/10000/peer", generatorInMemory)->UseManualTime();
     benchmark::RegisterBenchmark("generator/10000/bare", generatorBare)->UseManualTime();

@@ -3,26 +3,6 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
-namespace {
-
-// Requests come one at a time; all of them are short.
-void answer(QTcpSocket* socket, QByteArray* request)
-{
-    *request += socket->readAll();
-    const int end = request->indexOf("\r\n\r\n");
-    if (end < 0)
-        return;
-    const QByteArray name = "content-length: ";
-    const int length = request->toLower().indexOf(name);
-    const int size = length < 0 ? 0 : request->mid(length + name.size(), 20).split('\r').first().toInt();
-    if (request->size() < end + 4 + size)
-        return;
-    request->clear();
-    socket->write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: 2\r\n\r\n{}");
-}
-
-} // namespace
-
 Service::Service()
 {
     start();
@@ -42,13 +22,46 @@ QString Service::url() const
     return QStringLiteral("http://127.0.0.1:%1").arg(m_port);
 }
 
+void Service::restartClock()
+{
+    m_count = 0;
+}
+
+void Service::countAnswer()
+{
+    if (m_count == 0)
+        m_clock.start();
+    m_duration = m_clock.nsecsElapsed();
+    ++m_count;
+}
+
+// Requests of a connection come one at a time; all of them are short.
+void Service::receive(QTcpSocket* socket, QByteArray* request)
+{
+    *request += socket->readAll();
+    const int end = request->indexOf("\r\n\r\n");
+    if (end < 0)
+        return;
+    const QByteArray name = "content-length: ";
+    const int length = request->toLower().indexOf(name);
+    const int size = length < 0 ? 0 : request->mid(length + name.size(), 20).split('\r').first().toInt();
+    if (request->size() < end + 4 + size)
+        return;
+    const bool asksForFrames = request->contains("/xhr HTTP");
+    request->clear();
+    if (asksForFrames)
+        return;
+    countAnswer();
+    socket->write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: 2\r\n\r\n{}");
+}
+
 void Service::run()
 {
     QTcpServer server;
-    QObject::connect(&server, &QTcpServer::newConnection, &server, [&server] {
+    QObject::connect(&server, &QTcpServer::newConnection, &server, [this, &server] {
         QTcpSocket* socket = server.nextPendingConnection();
         QObject::connect(socket, &QTcpSocket::readyRead, socket,
-                         [socket, request = QByteArray()]() mutable { answer(socket, &request); });
+                         [this, socket, request = QByteArray()]() mutable { receive(socket, &request); });
         QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
     });
     server.listen(QHostAddress::LocalHost);

@@ -1,11 +1,17 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QMutex>
 #include <QString>
 #include <QThread>
 #include <QWaitCondition>
 
-/// An HTTP server on loopback, on a thread of its own, that answers every request with an empty JSON object.
+#include <atomic>
+
+class QTcpSocket;
+
+/// An HTTP server on loopback, on a thread of its own, that answers every request with an empty JSON object,
+/// but for those that ask for frames, which wait.
 class Service : public QThread
 {
 public:
@@ -13,12 +19,24 @@ public:
     ~Service() override;
 
     QString url() const;
+    int port() const { return m_port; }
+    /// How many requests have been answered since restartClock().
+    int count() const { return m_count; }
+    /// From the first of these to the last, in nanoseconds.
+    qint64 duration() const { return m_duration; }
+    void restartClock();
 
 protected:
     void run() override;
 
 private:
+    void receive(QTcpSocket* socket, QByteArray* request);
+    void countAnswer();
+
     QMutex m_mutex;
     QWaitCondition m_changed;
     quint16 m_port = 0;
+    std::atomic<int> m_count{0};
+    std::atomic<qint64> m_duration{0};
+    QElapsedTimer m_clock;
 };
