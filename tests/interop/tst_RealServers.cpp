@@ -57,12 +57,13 @@ private Q_SLOTS:
         VERIFY_STARTED(Servers::start(&bus));
         Host host(bus.url());
         QVERIFY(host.open(transport));
-        for (int i = 0; i < 5; ++i)
+        constexpr int last = 100;
+        for (int i = 0; i < last; ++i)
             host.publish(QStringLiteral("last"));
         QVERIFY(host.close());
         // Three registrations, what was published before, and the farewell.
-        QVERIFY(bus.waitFor(QStringLiteral("frame "), 9));
-        const QString farewell = bus.lines(QStringLiteral("frame ")).at(8);
+        QVERIFY(bus.waitFor(QStringLiteral("frame "), 3 + last + 1));
+        const QString farewell = bus.lines(QStringLiteral("frame ")).at(3 + last);
         QVERIFY2(farewell.contains(QStringLiteral("\"type\":\"disconnect\"")), qPrintable(farewell));
         QVERIFY(bus.waitFor(QStringLiteral("close ") + host.connector()->sessionId()));
     }
