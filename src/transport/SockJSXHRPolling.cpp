@@ -27,7 +27,7 @@ namespace {
 
 constexpr int postLimit = 30000; // milliseconds
 constexpr int retireLimit = 10000;
-constexpr int farewellLimit = 2000;
+constexpr int closeLimit = 2000;
 constexpr qint64 postResponseSize = qint64{64} * 1024;
 
 bool isPolling(const XHRRequest* request)
@@ -54,17 +54,17 @@ public:
     bool startThread(SockJSXHRPollingWorker* candidate, QTcpSocket* socket);
     void joinThread();
     void onWorkerFinished();
-    void tellEnd();
+    void emitClosed();
     void pollAgain(const XHRRequest* request);
     void releaseRequest(XHRRequest* request);
     QString headerBlock(const QString& payload) const;
     QList<QNetworkCookie> cookies() const { return cookieJar->cookiesForUrl(QUrl(fullUrl)); }
     void postNextFrame();
-    void sayFarewell();
+    void closeAfterPosts();
     void endRetirement();
     void endWithThread();
     void awaitPosts();
-    bool isThreadOver() const;
+    bool hasThreadEnded() const;
 
     SockJSXHRPolling* q;
     QNetworkAccessManager* manager;
@@ -76,22 +76,22 @@ public:
     bool up = false;
     bool keepAlive = true;
     bool streaming = false;
-    QPointer<SockJSXHRPollingWorker> worker; // null before its thread may delete it
+    QPointer<SockJSXHRPollingWorker> worker; // set to null before the thread deletes it
     QPointer<TransportThread> thread;
-    QList<QPointer<QObject>> onThread; // what it deletes at its end; not to be looked at before
+    QList<QPointer<QObject>> onThread; // the thread deletes them at its end; nobody reads them before
     XHRRequest* currentRequest = nullptr;
 
     QList<XHRRequest*> requests; // those that the worker has taken and that are not yet released
     bool sessionOpen = false;    // the first open frame has come
-    bool sessionOver = false;    // the frame that ends the session has come
+    bool sessionEnded = false;   // the frame that ends the session has come
     QList<QByteArray> frames;    // still to be posted
     bool posting = false;
     int connectLimit = SockJSXHRPollingWorker::ConnectLimit;
     int stallLimit = SockJSXHRPollingWorker::StallLimit;
     bool asynchronous = false;
     bool retired = false;
-    QTimer farewell;   // until the receiver goes, without an answered post
-    QTimer retireEnds; // until the transport goes, without an answered post
+    QTimer closing;    // closes the receiver when no post is answered
+    QTimer retirement; // deletes the transport when no post is answered
 };
 
 SockJSXHRPolling::Private::Private(SockJSXHRPolling* transport)
@@ -101,10 +101,10 @@ SockJSXHRPolling::Private::Private(SockJSXHRPolling* transport)
 {
     manager->setCookieJar(cookieJar);
     cookieJar->setParent(transport); // the manager has made itself the parent
-    farewell.setSingleShot(true);
-    connect(&farewell, &QTimer::timeout, q, &SockJSXHRPolling::close);
-    retireEnds.setSingleShot(true);
-    connect(&retireEnds, &QTimer::timeout, q, &QObject::deleteLater);
+    closing.setSingleShot(true);
+    connect(&closing, &QTimer::timeout, q, &SockJSXHRPolling::close);
+    retirement.setSingleShot(true);
+    connect(&retirement, &QTimer::timeout, q, &QObject::deleteLater);
 }
 
 SockJSXHRPolling::SockJSXHRPolling(QObject* parent)
@@ -121,8 +121,8 @@ SockJSXHRPolling::~SockJSXHRPolling()
 {
     d->joinThread();
     qDeleteAll(d->requests);
-    // A slot of `destroyed` may run an event loop: nothing of the thread's or of the manager's reaches what
-    // is left of this object then.
+    // A slot of `destroyed` may run an event loop, and nothing may call this half-destroyed object from
+    // there: neither the manager nor a queued signal of the worker's.
     if (d->manager)
         d->manager->disconnect(this);
     delete d->manager;
@@ -163,7 +163,7 @@ bool SockJSXHRPolling::start(QString host, int port, bool secure, QString path, 
     d->keepAlive = true;
     d->streaming = streaming;
     d->sessionOpen = false;
-    d->sessionOver = false;
+    d->sessionEnded = false;
     d->currentRequest = nullptr;
     d->setAddress(host, port, secure, path);
 
@@ -237,7 +237,7 @@ bool SockJSXHRPolling::Private::startThread(SockJSXHRPollingWorker* candidate, Q
     // Before quit(): from then on the thread deletes the worker, and nothing may reach it.
     connect(worker, &Worker::finished, q, [this] { onWorkerFinished(); });
     connect(worker, &Worker::finished, thread, &QThread::quit);
-    connect(worker, &Worker::finished, q, [this] { tellEnd(); });
+    connect(worker, &Worker::finished, q, [this] { emitClosed(); });
     connect(thread, &QThread::started, worker, &Worker::process);
     connect(thread, &QThread::finished, worker, &QObject::deleteLater);
     connect(thread, &QObject::destroyed, q, [this] { endRetirement(); });
@@ -258,12 +258,12 @@ void SockJSXHRPolling::Private::joinThread()
     thread = nullptr;
     ending->disconnect(q);
     delete ending;
-    // It deletes nothing when the application object is gone.
+    // Without an application object the thread has deleted nothing.
     for (const QPointer<QObject>& object : qAsConst(onThread))
         delete object;
 }
 
-void SockJSXHRPolling::Private::tellEnd()
+void SockJSXHRPolling::Private::emitClosed()
 {
     up = false;
     Q_EMIT q->connectionClosed();
@@ -365,11 +365,11 @@ void SockJSXHRPolling::Private::releaseRequest(XHRRequest* request)
 void SockJSXHRPolling::onReceivedMessageResponse(XHRRequest* request, QString message)
 {
     qCDebug(diagnostics).noquote().nospace() << "[SockJSXHRPolling] RECEIVED: " << message;
-    // The last poll may have been answered before the thread has heard of the end.
-    if (d->sessionOver)
+    // The server may have answered the last poll before the worker has seen close().
+    if (d->sessionEnded)
         return;
     const bool opens = message == QLatin1String("o");
-    d->sessionOver = message.startsWith(QLatin1Char('c')) || (opens && d->sessionOpen);
+    d->sessionEnded = message.startsWith(QLatin1Char('c')) || (opens && d->sessionOpen);
     d->sessionOpen = d->sessionOpen || opens;
     // Whoever hears the message may delete this object, and may let other events in.
     const QPointer<SockJSXHRPolling> self(this);
@@ -379,7 +379,7 @@ void SockJSXHRPolling::onReceivedMessageResponse(XHRRequest* request, QString me
         return;
     if (polling)
         doPoll();
-    if (d->sessionOver)
+    if (d->sessionEnded)
         close();
 }
 
@@ -419,7 +419,7 @@ void SockJSXHRPolling::onNAMRequestFinished(QNetworkReply* reply)
     if (d->posting)
         d->postNextFrame();
     if (d->retired)
-        d->sayFarewell();
+        d->closeAfterPosts();
 }
 
 void SockJSXHRPolling::close()
@@ -435,24 +435,24 @@ void SockJSXHRPolling::retire()
     d->retired = true;
     blockSignals(true);
     setParent(nullptr);
-    if (!application || d->isThreadOver()) { // nobody will run an event loop any more
+    if (!application || d->hasThreadEnded()) { // nobody will run an event loop any more
         d->endWithThread();
         return;
     }
     if (thread() == application->thread())
         TransportThread::deleteWithApplication(this);
-    d->sayFarewell();
+    d->closeAfterPosts();
 }
 
 // A server ends the session when its receiver goes, and refuses what is posted to it afterwards. So the
 // receiver stays while posts are answered.
-void SockJSXHRPolling::Private::sayFarewell()
+void SockJSXHRPolling::Private::closeAfterPosts()
 {
     if (!posting)
         q->close();
     else if (!closed)
-        farewell.start(farewellLimit);
-    retireEnds.start(retireLimit);
+        closing.start(closeLimit);
+    retirement.start(retireLimit);
     endRetirement();
 }
 
@@ -462,12 +462,12 @@ void SockJSXHRPolling::Private::endRetirement()
         q->deleteLater();
 }
 
-bool SockJSXHRPolling::Private::isThreadOver() const
+bool SockJSXHRPolling::Private::hasThreadEnded() const
 {
     return !q->thread() || q->thread()->isFinished();
 }
 
-// The thread that the transport lives on is ending or has ended, and with it all that would be left behind.
+// The thread that the transport lives on is ending or has ended: nobody else would free what it holds.
 void SockJSXHRPolling::Private::endWithThread()
 {
     const QPointer<SockJSXHRPolling> self(q);
@@ -487,15 +487,15 @@ void SockJSXHRPolling::Private::endWithThread()
     delete std::exchange(manager, nullptr);
 }
 
-// As an event loop would, which does not run any more on a thread that ends.
+// The thread's own event loop has returned by then, so that events are processed here.
 void SockJSXHRPolling::Private::awaitPosts()
 {
     const QPointer<SockJSXHRPolling> self(q);
-    const QDeadlineTimer limit(farewellLimit);
+    const QDeadlineTimer limit(closeLimit);
     if (!posting || !QAbstractEventDispatcher::instance())
         return;
     QTimer wake;
-    wake.start(farewellLimit);
+    wake.start(closeLimit);
     while (self && posting && !limit.hasExpired())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }

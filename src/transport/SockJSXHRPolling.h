@@ -58,8 +58,7 @@ public:
     void sendTextMessage(QString frame) override;
 
     /// Ends the receiving side, as the server's end of the session does, and a server that cannot be reached
-    /// any more: connectionClosed() follows from the event loop. Frames sent before still go
-    /// out.
+    /// any more: connectionClosed() follows from the event loop. Frames sent before still go out.
     void close();
 
     /// Hands the transport over to itself: it emits nothing any more, has no parent, closes, and deletes

@@ -83,7 +83,7 @@ public:
     bool restoreConnection();
     void loseInFlight();
     void lose(XHRRequest* request);
-    void letGo(const XHRRequest* request);
+    void forget(const XHRRequest* request);
 
     SockJSXHRPollingWorker* q;
     RawConnection* connection; // a child of the worker's, which moves to its thread with it
@@ -353,7 +353,7 @@ void SockJSXHRPollingWorker::Private::endResponse()
     const Response ended = std::exchange(response, Response());
     if (ended.request) {
         answered = true;
-        letGo(ended.request);
+        forget(ended.request);
         // A server that fails is asked once a second.
         if (!ended.isGood)
             hold.setRemainingTime(idleWait);
@@ -443,11 +443,11 @@ void SockJSXHRPollingWorker::Private::loseInFlight()
 
 void SockJSXHRPollingWorker::Private::lose(XHRRequest* request)
 {
-    letGo(request);
+    forget(request);
     Q_EMIT q->requestLost(request);
 }
 
-void SockJSXHRPollingWorker::Private::letGo(const XHRRequest* request)
+void SockJSXHRPollingWorker::Private::forget(const XHRRequest* request)
 {
     if (isReceiveRequest(request))
         --receiving;
