@@ -1,6 +1,7 @@
 #include "client/ReplyWaits.h"
 
-#include <QEventLoop>
+#include "transport/InnerLoop.h"
+
 #include <QObject>
 #include <QPointer>
 
@@ -11,10 +12,11 @@ void ReplyWaits::run(QObject* owner, const QNetworkReply* reply, Kind kind)
     if (kind == Yielding && hasEnded())
         return;
     const QPointer<QObject> guard(owner);
-    QEventLoop loop;
-    QObject::connect(owner, &QObject::destroyed, &loop, &QEventLoop::quit);
+    InnerLoop loop(QEventLoop::ExcludeUserInputEvents);
+    QObject context;
+    QObject::connect(owner, &QObject::destroyed, &context, [&loop] { loop.quit(); });
     m_waits.append({reply, kind, &loop});
-    loop.exec(QEventLoop::ExcludeUserInputEvents);
+    loop.run();
     if (guard)
         m_waits.removeLast(); // those inside have returned
 }
@@ -32,6 +34,5 @@ void ReplyWaits::end(const QNetworkReply* reply)
 // Whether one of the waits has ended that cannot return before those inside it do.
 bool ReplyWaits::hasEnded() const
 {
-    return std::any_of(m_waits.begin(), m_waits.end(),
-                       [](const Wait& wait) { return !wait.loop->isRunning(); });
+    return std::any_of(m_waits.begin(), m_waits.end(), [](const Wait& wait) { return wait.loop->hasQuit(); });
 }

@@ -2,7 +2,7 @@
 
 #include <QVector>
 
-class QEventLoop;
+class InnerLoop;
 class QNetworkReply;
 class QObject;
 
@@ -27,7 +27,7 @@ private:
     {
         const QNetworkReply* reply;
         Kind kind;
-        QEventLoop* loop;
+        InnerLoop* loop;
     };
 
     bool hasEnded() const;

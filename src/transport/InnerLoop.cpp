@@ -22,13 +22,13 @@ bool InnerLoop::run()
     QMetaObject::invokeMethod(
         &context, [&hasRun] { hasRun = true; }, Qt::QueuedConnection);
     if (!m_hasQuit)
-        m_loop.exec();
+        m_loop.exec(m_flags);
     if (m_hasQuit || hasRun || !isApplicationOutsideExec())
         return m_hasQuit;
     // QCoreApplication::quit() was called while nothing ran that it could end. It is without effect then, but
     // Qt has each loop return at once until the application runs.
     while (!m_hasQuit)
-        m_loop.processEvents(QEventLoop::WaitForMoreEvents);
+        m_loop.processEvents(m_flags | QEventLoop::WaitForMoreEvents);
     return true;
 }
 

@@ -52,6 +52,19 @@ private Q_SLOTS:
         QTRY_COMPARE(service.abandoned(), 1);
     }
 
+    void quitBeforeTheApplicationRunsDoesNotEndTheWait()
+    {
+        FakeService service;
+        service.expect("/a", Answer::json("1"));
+        ClientProbe client(service.url());
+        QCoreApplication::quit();
+        client.request(QStringLiteral("/a"));
+
+        QCOMPARE(client.successes, QStringList{"1"});
+        QTimer::singleShot(0, qApp, &QCoreApplication::quit); // it lasts until the application has run
+        QCoreApplication::exec();
+    }
+
     void answerAfter9SecondsIsInTime()
     {
         FakeService service;

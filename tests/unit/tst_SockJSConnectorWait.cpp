@@ -70,6 +70,17 @@ private Q_SLOTS:
         }
     }
 
+    void quitBeforeTheApplicationRunsDoesNotEndIt()
+    {
+        QCoreApplication::quit();
+
+        QVERIFY(openSession());
+
+        QTimer::singleShot(0, qApp, &QCoreApplication::quit); // it lasts until the application has run
+        QCoreApplication::exec();
+        QVERIFY(syncInbound());
+    }
+
     void anOpenDuringTheWaitStands()
     {
         m_server->setUpgrades({Server::Silent, Server::Open});
