@@ -11,6 +11,7 @@
 #include "transport/QSystemConfigurationProxyFactory.h"
 
 #include <QAuthenticator>
+#include <QEvent>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
@@ -60,6 +61,14 @@ QString baseAddress(const QUrl& target)
     return address;
 }
 
+// Drops the deferred deletion of an object that is being destroyed.
+class KeepsFromDeletion : public QObject
+{
+public:
+    using QObject::QObject;
+    bool eventFilter(QObject*, QEvent* event) override { return event->type() == QEvent::DeferredDelete; }
+};
+
 QString readBody(QNetworkReply* reply)
 {
     QByteArray bytes = reply->isOpen() ? reply->readAll() : QByteArray(); // closed when it was aborted
@@ -90,8 +99,11 @@ PresenterClient::PresenterClient(QObject* parent, QString server)
     connect(&d->pingTimer, SIGNAL(timeout()), this, SLOT(onPingTimer()));
 }
 
+// What a slot does while the session is being stopped, or while children go, does not delete us once more.
 PresenterClient::~PresenterClient()
 {
+    setParent(nullptr);
+    installEventFilter(new KeepsFromDeletion(this));
     d->pingTimer.stop();
     if (!d->sessionCode.isNull() || !d->sessionToken.isNull())
         doStopSession();
@@ -212,8 +224,9 @@ void PresenterClient::slotRequestFinished(QNetworkReply* reply)
     }
     d->callbacks.remove(reply);
     d->waits.end(reply);
-    reply->deleteLater();
     Q_EMIT requestProcessed();
+    // Not before: outside of all event loops, one that a slot runs would carry it out.
+    reply->deleteLater();
 }
 
 // A redirect within the scheme, or to https, moves the base address. The request itself is not repeated.

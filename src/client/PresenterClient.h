@@ -25,8 +25,8 @@ class QNetworkReply;
 /// have passed, in a nested event loop that leaves user input alone. Everything else of the host's goes on
 /// meanwhile: timers, sockets, queued calls, painting. An operation that is started there ends first, and
 /// the one outside returns after it; a keep-alive is the exception, and is never waited for. Once the
-/// application has been told to quit, no loop runs, and operations fail at once until its exec() has
-/// returned. What an operation returns, the accessors keep.
+/// application that runs has been told to quit, no loop does, and operations fail at once until its exec()
+/// has returned. What an operation returns, the accessors keep.
 ///
 /// Lives on the thread that created it. May be deleted at any time, also while an operation waits: the
 /// operation then returns false or an empty text. Values are put into the request as they are, without JSON
@@ -57,7 +57,9 @@ public:
     /// is dropped. Sends nothing. Cookies of the service are kept in memory and sent back.
     PresenterClient(QObject* parent, QString server);
     /// Ends the keep-alive, then stops a session that has been started and not stopped: one request, for
-    /// whose reply it waits as every operation does.
+    /// whose reply it waits as every operation does. Meanwhile slots run that may call deleteLater(), and
+    /// delete the channel or the client's parent, but not the client itself: a host that deletes it from
+    /// more than one place takes its pointer to null first.
     ~PresenterClient() override;
 
     /// Whether the last operation that could tell found the user logged in.

@@ -11,6 +11,8 @@
 #include "model/QuestionBase.h"
 #include "transport/SockJSConnector.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QTimer>
 #include <QUrl>
 #include <QUuid>
@@ -115,11 +117,12 @@ PresenterCollab::PresenterCollab(QObject* parent, QString serverUrl, QString ses
     connect(&d->pingTimer, SIGNAL(timeout()), this, SLOT(onPingTimer()));
 }
 
-// A slot of `destroyed` may run an event loop, and may delete the client: nothing reaches what is left of this
-// object then, and nobody deletes it once more.
+// A slot of `destroyed` may run an event loop, and may delete the client: nothing reaches what is left of
+// this object then, and nobody deletes it once more.
 PresenterCollab::~PresenterCollab()
 {
     setParent(nullptr);
+    QCoreApplication::removePostedEvents(this, QEvent::DeferredDelete);
     d->connector->disconnect(this);
     d->handler->disconnect(this);
 }

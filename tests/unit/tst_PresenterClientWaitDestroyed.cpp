@@ -19,6 +19,9 @@
 using namespace ClientOperations;
 using Answer = FakeService::Answer;
 
+using Hosts = std::function<void(PresenterClient*)>;
+Q_DECLARE_METATYPE(Hosts)
+
 namespace {
 
 // The limit of a wait is 10 seconds, and Qt's timers may be off by a twentieth.
@@ -111,6 +114,48 @@ private Q_SLOTS:
 
         QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
         QVERIFY(!client);
+    }
+
+    void destructionIsNotRepeated_data()
+    {
+        QTest::addColumn<Hosts>("before");
+        QTest::addColumn<Hosts>("meanwhile");
+        const Hosts nothing = [](PresenterClient*) {};
+        const Hosts later = [](PresenterClient* client) { client->deleteLater(); };
+        QTest::newRow("deleteLater() before") << later << nothing;
+        QTest::newRow("deleteLater() meanwhile") << nothing << later;
+        QTest::newRow("the parent meanwhile")
+            << nothing
+            << Hosts([](PresenterClient* client) { delete client->property("owner").value<QObject*>(); });
+    }
+
+    // While the destructor waits for the end of the session, the host's slots run.
+    void destructionIsNotRepeated()
+    {
+        QFETCH(Hosts, before);
+        QFETCH(Hosts, meanwhile);
+
+        FakeService service;
+        const QPointer<QObject> owner = new QObject;
+        auto* client = new PresenterClient(owner, service.url());
+        client->setProperty("owner", QVariant::fromValue(owner.data()));
+        client->sessionStartSuccessResponse(QString::fromLatin1(ALL_IS_WELL));
+        int ends = 0;
+        connect(client, &QObject::destroyed, &service, [&] { ++ends; });
+        service.expect("/tavisto/session/stop", Answer::json("{}").held().then([&] {
+            QTimer::singleShot(0, &service, [&] {
+                meanwhile(client);
+                QTimer::singleShot(0, &service, [&] { service.release(); });
+            });
+        }));
+        QTimer::singleShot(0, &service, [&] {
+            before(client);
+            delete client;
+        });
+
+        QTRY_VERIFY(service.isUsedUp() && ends > 0);
+        delete owner;
+        QCOMPARE(ends, 1);
     }
 
     void clientDestroyedByASlotOfRequestProcessed_data() { destructionRows(); }
