@@ -215,9 +215,12 @@ void PresenterCollab::onClosed(bool bClosedForInactivity)
     Q_EMIT connectionClosed(bClosedForInactivity);
 }
 
+// Not all ends are told: the host may have opened the connector anew. Once it is up the pings begin again.
 void PresenterCollab::onPingTimer()
 {
     sendPing();
+    if (!d->connector->isConnected())
+        d->pingTimer.stop();
 }
 
 void PresenterCollab::sendPing()

@@ -397,6 +397,7 @@ void FakeSockJSServer::onWebSocket()
                 [this](const QString& frame) { m_unread.append(frame); });
         connect(socket, &QWebSocket::disconnected, this, [this, socket] {
             ++m_ended;
+            m_closeCode = socket->closeCode();
             socket->deleteLater();
         });
         m_webSocket = socket;

@@ -106,6 +106,8 @@ public:
     int openConnections() const;
     /// WebSockets that have ended.
     int endedSessions() const { return m_ended; }
+    /// What the last of them was closed with.
+    int closeCode() const { return m_closeCode; }
 
 Q_SIGNALS:
     /// A request has come and has not been answered yet.
@@ -142,4 +144,5 @@ private:
     QSet<QString> m_pastSessions;
     bool m_holdsPosts = false;
     int m_ended = 0;
+    int m_closeCode = 0;
 };

@@ -131,6 +131,42 @@ private Q_SLOTS:
         QVERIFY(pingTimer()->isActive());
     }
 
+    void openOfTheConnectorAfterACloseRegisters()
+    {
+        QVERIFY(m_session->open());
+        collab()->close();
+        QCOMPARE(m_session->nextPublish().type, QStringLiteral("disconnect"));
+
+        collab()->connector()->open(server().url(), {SockJSConnector::WEBSOCKET});
+
+        QVERIFY(m_session->readRegisters());
+        QVERIFY(m_session->syncInbound());
+        QVERIFY(pingTimer()->isActive());
+    }
+
+    void aSecondOpenThatFailsEndsThePings_data()
+    {
+        QTest::addColumn<bool>("ofTheConnector");
+        QTest::newRow("of the channel") << false;
+        QTest::newRow("of its connector") << true;
+    }
+
+    void aSecondOpenThatFailsEndsThePings()
+    {
+        QFETCH(bool, ofTheConnector);
+        QVERIFY(m_session->open());
+        server().setUpgrade(Server::Refuse403);
+
+        if (ofTheConnector) {
+            collab()->connector()->open(server().url(), {SockJSConnector::WEBSOCKET});
+            QVERIFY(QMetaObject::invokeMethod(collab(), "onPingTimer"));
+        } else {
+            collab()->open({QStringLiteral("websocket")});
+        }
+
+        QVERIFY(!pingTimer()->isActive());
+    }
+
     void openRightAfterCloseKeepsTheNewChannel()
     {
         QVERIFY(m_session->open());

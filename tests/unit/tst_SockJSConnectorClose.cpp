@@ -25,6 +25,7 @@ private Q_SLOTS:
         QTRY_COMPARE(m_probe->events(), QStringList({"connected", "closed false"}));
         QCOMPARE(m_log->debug(QStringLiteral("[SockJSConnector] Websocket CLOSED")).size(), 1);
         QTRY_COMPARE(m_server->openConnections(), 0);
+        QTRY_COMPARE(m_server->closeCode(), 1001); // going away
 
         // A whole session later there is still no second one.
         QVERIFY(openSession());
@@ -226,6 +227,36 @@ private Q_SLOTS:
         QVERIFY(m_probe->open(m_server->url(), webSocket));
 
         QTRY_COMPARE(m_probe->messages(), QStringList({"one", "four"}));
+    }
+
+    void restOfAFrameIsNotToldAfterOpenAndClose()
+    {
+        connect(m_connector, &SockJSConnector::sockJSMessage, this, [&] {
+            m_server->setFirstFrames({"o"});
+            m_probe->open(m_server->url(), webSocket);
+            m_connector->close();
+        });
+        m_server->setFirstFrames({"o", "a[\"one\",\"two\"]"});
+
+        QVERIFY(m_probe->open(m_server->url(), webSocket));
+
+        QTRY_VERIFY(!m_probe->messages().isEmpty());
+        QVERIFY(anotherConnectorOpens());
+        QCOMPARE(m_probe->messages(), QStringList{"one"});
+    }
+
+    // The end of the first session is told inside the second open(): there is nothing to close then.
+    void closeWhenTheEndIsToldLetsTheNextOpenStand()
+    {
+        QVERIFY(openSession());
+        connect(m_connector, &SockJSConnector::closed, m_connector, &SockJSConnector::close);
+
+        m_connector->close();
+        QVERIFY(openSession());
+
+        QVERIFY(syncInbound());
+        QVERIFY(m_connector->isConnected());
+        QCOMPARE(m_probe->count(QStringLiteral("closed false")), 1);
     }
 
     void restOfAFrameComesBeforeTheEnd()
