@@ -11,6 +11,7 @@
 #include "transport/QSystemConfigurationProxyFactory.h"
 
 #include <QAuthenticator>
+#include <QCoreApplication>
 #include <QEvent>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -107,6 +108,8 @@ PresenterClient::~PresenterClient()
     d->pingTimer.stop();
     if (!d->sessionCode.isNull() || !d->sessionToken.isNull())
         doStopSession();
+    // The filter goes before a channel that a slot has opened meanwhile.
+    QCoreApplication::removePostedEvents(this, QEvent::DeferredDelete);
     // As our child it would die with us, maybe inside its own signal.
     d->manager->setParent(nullptr);
 }
