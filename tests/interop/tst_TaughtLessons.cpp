@@ -122,7 +122,7 @@ private:
         const QString totals = QString::fromUtf8(devices.readAllStandardOutput());
 
         const QString everyone = QStringLiteral("%1 of %1 ").arg(learners);
-        QCOMPARE(told.mid(told.indexOf(QStringLiteral("What came of it"))).count(everyone), 11);
+        QCOMPARE(told.mid(told.indexOf(QStringLiteral("Most frequent"))).count(everyone), 11);
         QCOMPARE(numberIn(totals, QStringLiteral("answers=(\\d+)")), QString::number(11 * learners));
         QCOMPARE(numberIn(told, QStringLiteral("Total: .* (\\d+) answers")), QString::number(11 * learners));
         QCOMPARE(numberIn(totals, QStringLiteral("decode-failures=(\\d+)")), QStringLiteral("0"));
