@@ -66,8 +66,12 @@ QString baseAddress(const QUrl& target)
 class KeepsFromDeletion : public QObject
 {
 public:
-    using QObject::QObject;
+    // For as long as the object has children.
+    static void watch(QObject* object) { object->installEventFilter(new KeepsFromDeletion(object)); }
     bool eventFilter(QObject*, QEvent* event) override { return event->type() == QEvent::DeferredDelete; }
+
+private:
+    using QObject::QObject;
 };
 
 QString readBody(QNetworkReply* reply)
@@ -104,7 +108,7 @@ PresenterClient::PresenterClient(QObject* parent, QString server)
 PresenterClient::~PresenterClient()
 {
     setParent(nullptr);
-    installEventFilter(new KeepsFromDeletion(this));
+    KeepsFromDeletion::watch(this);
     d->pingTimer.stop();
     if (!d->sessionCode.isNull() || !d->sessionToken.isNull())
         doStopSession();

@@ -424,7 +424,7 @@ void LessonWorker::sendPulse()
 {
     if (!m_isOpen || !m_collab || m_echoLimit.isActive())
         return;
-    const bool hasSlept = m_lastPulse.isValid() && m_lastPulse.hasExpired(3 * pulsePace);
+    const bool hasSlept = m_lastPulse.isValid() && m_lastPulse.hasExpired(qint64{3} * pulsePace);
     m_lastPulse.start();
     m_echoLimit.start(hasSlept ? hastyEchoLimit : echoLimit);
     const QString frame =

@@ -101,7 +101,8 @@ private Q_SLOTS:
 
     void headerParserStatedResults()
     {
-        const auto [data, expectedStatus, consumed, expectedHeaders] = row<QByteArray, int, int, QStringMap>();
+        const auto [data, expectedStatus, consumed, expectedHeaders] =
+            row<QByteArray, int, int, QStringMap>();
         SockJSXHRPollingWorker worker(nullptr, nullptr, QStringLiteral("h"), 80, false, true);
         int status = 7;
         QStringMap headers;

@@ -5,6 +5,8 @@
 #include <QProcess>
 #include <QUrl>
 
+#include <algorithm>
+
 namespace {
 
 bool isLoopback(const QString& host)
@@ -15,8 +17,8 @@ bool isLoopback(const QString& host)
 bool isAnywhere(const QString& host)
 {
     const QHostAddress address(host);
-    return address == QHostAddress::AnyIPv4 || address == QHostAddress::AnyIPv6 ||
-           address == QHostAddress::Any;
+    const auto isOneOf = {QHostAddress::AnyIPv4, QHostAddress::AnyIPv6, QHostAddress::Any};
+    return std::any_of(isOneOf.begin(), isOneOf.end(), [&](auto any) { return address == any; });
 }
 
 // The address that other machines of the network know this one by; empty when there is none.
