@@ -1,0 +1,72 @@
+#include "lesson/LessonPrivate.h"
+
+#include "collab/PresenterCollab.h"
+
+#include <QCryptographicHash>
+
+namespace Calyx {
+
+namespace {
+
+constexpr int largestInline = 64 * 1024;
+constexpr int largestPicture = 16 * 1024 * 1024;
+
+} // namespace
+
+// Small ones travel in the message; others are stored at the service, from which devices load them. Where
+// that fails, they travel all the same.
+void LessonPrivate::withPicture(const QByteArray& png,
+                                const std::function<void(const QByteArray& png, const QString& url)>& then)
+{
+    const QByteArray hash = QCryptographicHash::hash(png, QCryptographicHash::Sha1);
+    if (png.size() <= largestInline) {
+        then(png, QString());
+        return;
+    }
+    if (uploaded.contains(hash)) {
+        then(QByteArray(), uploaded.value(hash));
+        return;
+    }
+    const int ticketOfUpload = ++lastTicket;
+    uploads.insert(ticketOfUpload, {png, then});
+    worker->tell([png, ticketOfUpload](LessonWorker* at) { at->upload(ticketOfUpload, png); });
+    tellBusy();
+}
+
+void LessonPrivate::onUploaded(int ticketOfUpload, const QString& url)
+{
+    if (!uploads.contains(ticketOfUpload)) // cancelled
+        return;
+    const QPointer<Lesson> self(q);
+    const Upload upload = uploads.take(ticketOfUpload);
+    if (!url.isEmpty())
+        uploaded.insert(QCryptographicHash::hash(upload.png, QCryptographicHash::Sha1), url);
+    upload.then(url.isEmpty() ? upload.png : QByteArray(), url);
+    if (self)
+        tellBusy();
+}
+
+void LessonPrivate::show(const QByteArray& png, const QString& url, int number)
+{
+    if (!isWanted()) {
+        refuse(QT_TRANSLATE_NOOP("Calyx::Lesson", "No lesson is open."));
+        return;
+    }
+    if (png.size() > largestPicture) {
+        fail(LessonError::make(LessonError::TooLarge));
+        return;
+    }
+    withPicture(
+        png, [this, url, number, serial = ++cardSerial](const QByteArray& bytes, const QString& uploadedUrl) {
+            if (serial != cardSerial) // something else has been shown since
+                return;
+            cardPng = bytes;
+            cardUrl = uploadedUrl.isEmpty() ? url : uploadedUrl;
+            send([bytes, cardUrl = cardUrl](PresenterCollab* collab) {
+                LessonMessages::sendCard(collab, QString(), bytes, cardUrl);
+            });
+            Q_EMIT q->cardShown(number);
+        });
+}
+
+} // namespace Calyx

@@ -1,0 +1,307 @@
+#include "lesson/LessonPrivate.h"
+
+#include "lesson/LessonText.h"
+
+#include <QRandomGenerator>
+
+#include <utility>
+
+namespace Calyx {
+
+namespace {
+
+// Seconds between attempts, the last one again and again; up to a fifth earlier or later, so that a service
+// that comes back is not met by everybody at the same moment.
+int pauseBefore(int attempt)
+{
+    static const int pauses[] = {0, 1, 2, 4, 8, 15};
+    constexpr int last = sizeof(pauses) / sizeof(*pauses) - 1;
+    constexpr double second = 1000;
+    constexpr double spread = 0.2;
+    const double factor = 1 - spread + 2 * spread * QRandomGenerator::global()->generateDouble();
+    return int(pauses[qMin(attempt, last)] * second * factor);
+}
+
+} // namespace
+
+// Login.
+
+void LessonPrivate::beginLogIn(const Login& login)
+{
+    if (server.host().isEmpty()) {
+        refuse(QT_TRANSLATE_NOOP("Calyx::Lesson", "The address of the service is missing."));
+        return;
+    }
+    for (const QString& text : {login.user, login.secret, login.deviceId}) {
+        if (LessonText::hasControls(text)) {
+            refuse(
+                QT_TRANSLATE_NOOP("Calyx::Lesson", "User names and passwords hold no control characters."));
+            return;
+        }
+    }
+    const QPointer<Lesson> self(q);
+    if (hasSession() || state == Lesson::Starting)
+        finishSession();
+    if (!self)
+        return;
+    if (!thread->isRunning())
+        thread->start();
+    wantsLive = isLoggingOut = false;
+    user = login.user;
+    ticket = ++lastTicket;
+    worker->tell([login, ticket = ticket](LessonWorker* at) {
+        at->cancel();
+        at->logIn(ticket, login);
+    });
+    setState(Lesson::LoggingIn);
+}
+
+void LessonPrivate::onLoggedIn(int ticketOfLogin, const LessonError& error, const QString& registration)
+{
+    if (ticketOfLogin != ticket)
+        return;
+    const QPointer<Lesson> self(q);
+    if (error.kind == LessonError::NoError) {
+        if (setState(Lesson::LoggedIn) && state == Lesson::LoggedIn && wantsLive)
+            beginStart();
+        return;
+    }
+    user.clear();
+    finishSession();
+    if (!self || !setState(Lesson::LoggedOut))
+        return;
+    if (!registration.isEmpty())
+        Q_EMIT q->registrationNeeded(registration);
+    if (self)
+        fail(error);
+}
+
+// Session.
+
+void LessonPrivate::beginStart()
+{
+    wantsLive = false;
+    attempts = 0;
+    startedAt = QDateTime::currentDateTime();
+    ticket = ++lastTicket;
+    worker->tell(
+        [ticket = ticket, transports = transports](LessonWorker* at) { at->open(ticket, transports); });
+    setState(Lesson::Starting);
+}
+
+void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
+{
+    if (ticketOfOpening != ticket || (state != Lesson::Starting && state != Lesson::Reconnecting))
+        return;
+    const QPointer<Lesson> self(q);
+    joinCode = opening.joinCode;
+    joinAddress = opening.joinAddress;
+    QStringList newcomers;
+    QSet<QString> listed = opening.heard;
+    for (const Learner& learner : opening.learners) {
+        listed.insert(learner.deviceId);
+        if (!roster->join(learner))
+            continue;
+        newcomers.append(learner.deviceId);
+        Q_EMIT roster->joined(learner.deviceId);
+        if (!self)
+            return;
+    }
+    const QStringList present = opening.isReturn && opening.hasLearners ? roster->present() : QStringList();
+    for (const QString& deviceId : present) {
+        if (!listed.contains(deviceId))
+            onLeave(deviceId);
+        if (!self)
+            return;
+    }
+    attempts = 0;
+    state = opening.isReturn ? Lesson::Reconnecting : Lesson::Starting;
+    if (!setState(Lesson::Live) || state != Lesson::Live)
+        return;
+    if (opening.isReturn)
+        bringBack(newcomers);
+    else if (!wanted().isNothing())
+        send([wanted = wanted()](PresenterCollab* collab) {
+            LessonMessages::bring(collab, QString(), wanted);
+        });
+    tellRemote();
+}
+
+void LessonPrivate::onNotOpened(int ticketOfOpening, const LessonError& error)
+{
+    if (ticketOfOpening != ticket)
+        return;
+    const bool isOver =
+        error.kind == LessonError::SessionGone || error.kind == LessonError::LoggedOutByService;
+    if (state == Lesson::Reconnecting && !isOver) {
+        tryAgain();
+        return;
+    }
+    const QPointer<Lesson> self(q);
+    finishSession();
+    if (!self)
+        return;
+    const bool isLoggedOut = error.kind == LessonError::LoggedOutByService;
+    if (isLoggedOut)
+        user.clear();
+    if (setState(isLoggedOut ? Lesson::LoggedOut : Lesson::LoggedIn))
+        fail(error);
+}
+
+void LessonPrivate::onLost()
+{
+    if (state != Lesson::Live)
+        return;
+    attempts = 0;
+    shown = wanted();
+    if (setState(Lesson::Reconnecting) && state == Lesson::Reconnecting && reconnects)
+        tryAgain();
+}
+
+void LessonPrivate::tryAgain()
+{
+    if (!reconnects)
+        return;
+    const int pause = pauseBefore(attempts++);
+    nextAttempt = QDateTime::currentDateTime().addMSecs(pause);
+    retry.start(pause);
+    Q_EMIT q->nextAttemptChanged();
+}
+
+void LessonPrivate::attempt()
+{
+    retry.stop();
+    nextAttempt = QDateTime();
+    ticket = ++lastTicket;
+    worker->tell([ticket = ticket](LessonWorker* at) { at->reopen(ticket); });
+    Q_EMIT q->nextAttemptChanged();
+}
+
+void LessonPrivate::beginEnd(bool andLogOut)
+{
+    const QPointer<Lesson> self(q);
+    wantsLive = false;
+    isLoggingOut = andLogOut;
+    ticket = ++lastTicket;
+    worker->tell([ticket = ticket, andLogOut](LessonWorker* at) {
+        at->cancel();
+        if (andLogOut)
+            at->logOut(ticket);
+        else
+            at->endSession(ticket);
+    });
+    finishSession();
+    if (self)
+        setState(Lesson::Ending);
+}
+
+void LessonPrivate::onEnded(int ticketOfEnd, const LessonError& error)
+{
+    if (ticketOfEnd != ticket || state != Lesson::Ending)
+        return;
+    if (isLoggingOut)
+        user.clear();
+    if (!setState(isLoggingOut ? Lesson::LoggedOut : Lesson::LoggedIn))
+        return;
+    if (error.kind != LessonError::NoError && !fail(error))
+        return;
+    if (state == Lesson::LoggedIn && wantsLive)
+        beginStart();
+}
+
+// What cancel() does to whatever is under way.
+void LessonPrivate::giveUp()
+{
+    const bool hadLogin = state != Lesson::LoggingIn && !(state == Lesson::Ending && isLoggingOut);
+    const bool endsSession = state == Lesson::Starting || state == Lesson::Reconnecting;
+    ticket = ++lastTicket;
+    worker->tell([ticket = ticket, endsSession](LessonWorker* at) {
+        at->cancel();
+        if (endsSession)
+            at->endSession(ticket);
+    });
+    uploads.clear();
+    wantsLive = false;
+    if (state == Lesson::Live) {
+        tellBusy();
+    } else {
+        const QPointer<Lesson> self(q);
+        finishSession();
+        if (!self)
+            return;
+        if (!hadLogin)
+            user.clear();
+        if (!setState(hadLogin ? Lesson::LoggedIn : Lesson::LoggedOut))
+            return;
+    }
+    fail(LessonError::make(LessonError::Cancelled));
+}
+
+void LessonPrivate::finishSession()
+{
+    const QPointer<Lesson> self(q);
+    joinCode.clear();
+    joinAddress.clear();
+    uploads.clear();
+    cardPng.clear();
+    cardUrl.clear();
+    ++cardSerial;
+    if (poll)
+        poll->stop();
+    if (self && assessment)
+        assessment->stop();
+    if (!self)
+        return;
+    const QStringList present = roster->present();
+    for (const QString& deviceId : present) {
+        if (self)
+            onLeave(deviceId);
+    }
+    if (self && std::exchange(isLocked, false))
+        Q_EMIT q->lockedChanged();
+    if (self)
+        roster->flush();
+    if (self)
+        onRemoteGone();
+}
+
+void LessonPrivate::clearSession()
+{
+    const QPointer<Lesson> self(q);
+    const QList<QObject*> gone = [this] {
+        QList<QObject*> all;
+        for (Poll* one : qAsConst(polls))
+            all.append(one);
+        for (Assessment* one : qAsConst(assessments))
+            all.append(one);
+        return all;
+    }();
+    polls.clear();
+    pollsById.clear();
+    assessments.clear();
+    answeredPolls.clear();
+    poll = nullptr;
+    assessment = nullptr;
+    uploaded.clear();
+    for (QObject* object : gone)
+        object->deleteLater(); // views may be in the middle of them
+    roster->setPoll(nullptr);
+    roster->clear();
+    if (self)
+        roster->flush();
+    if (!self || gone.isEmpty())
+        return;
+    Q_EMIT q->pollChanged();
+    if (self)
+        Q_EMIT q->assessmentChanged();
+}
+
+void LessonPrivate::onProgress(int ticketOfOperation, double next)
+{
+    if (ticketOfOperation != ticket || state == Lesson::Live || progress == next)
+        return;
+    progress = next;
+    Q_EMIT q->busyChanged();
+}
+
+} // namespace Calyx

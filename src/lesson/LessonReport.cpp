@@ -1,0 +1,88 @@
+// What a teacher has of a lesson afterwards.
+#include "lesson/LessonPrivate.h"
+#include "lesson/LessonText.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QSaveFile>
+
+namespace Calyx {
+
+namespace {
+
+QStringList csvRow(const QString& where, const QString& question, const PollAnswer& answer)
+{
+    const QString mark = answer.mark <= PollAnswer::Unmarked ? QString()
+                         : answer.mark == PollAnswer::Right  ? Lesson::tr("yes")
+                                                             : Lesson::tr("no");
+    return {where,
+            question,
+            answer.name,
+            answer.deviceId,
+            answer.text,
+            mark,
+            QString::number(answer.msecs),
+            answer.receivedAt.toString(Qt::ISODate),
+            answer.isLate ? Lesson::tr("yes") : QString()};
+}
+
+} // namespace
+
+QJsonObject Lesson::report() const
+{
+    QJsonArray polls;
+    for (const Poll* poll : qAsConst(d->polls))
+        polls.append(poll->toJson());
+    QJsonArray assessments;
+    for (const Assessment* assessment : qAsConst(d->assessments))
+        assessments.append(assessment->toJson());
+    return {{QStringLiteral("lesson"), d->lessonName},
+            {QStringLiteral("teacher"), d->user},
+            {QStringLiteral("startedAt"), d->startedAt.toString(Qt::ISODateWithMs)},
+            {QStringLiteral("savedAt"), QDateTime::currentDateTime().toString(Qt::ISODateWithMs)},
+            {QStringLiteral("learners"), d->roster->toJson()},
+            {QStringLiteral("polls"), polls},
+            {QStringLiteral("assessments"), assessments}};
+}
+
+QString Lesson::toCsv() const
+{
+    QString csv = LessonText::csvLine({tr("Part"), tr("Question"), tr("Learner"), tr("Device"), tr("Answer"),
+                                       tr("Right"), tr("Milliseconds"), tr("Received"), tr("Late")});
+    for (const Poll* poll : qAsConst(d->polls)) {
+        const QVector<PollAnswer> answers = poll->answers();
+        for (const PollAnswer& answer : answers)
+            csv += LessonText::csvLine(csvRow(tr("Poll %1").arg(poll->number()), poll->title(), answer));
+    }
+    for (const Assessment* assessment : qAsConst(d->assessments)) {
+        const QStringList devices = assessment->participants();
+        for (const QString& deviceId : devices) {
+            for (int number = 1; number <= assessment->questionCount(); ++number) {
+                const PollAnswer answer = assessment->answer(deviceId, number);
+                const Question& question = assessment->plan().questions.at(number - 1);
+                const QString text = question.text.isEmpty() ? question.kindName() : question.text;
+                if (answer.mark != PollAnswer::NoAnswer)
+                    csv += LessonText::csvLine(
+                        csvRow(assessment->title(), QStringLiteral("%1 %2").arg(number).arg(text), answer));
+            }
+        }
+    }
+    return csv;
+}
+
+bool Lesson::save(const QString& fileName)
+{
+    const bool isCsv = QFileInfo(fileName).suffix().compare(QLatin1String("csv"), Qt::CaseInsensitive) == 0;
+    const QByteArray bytes =
+        isCsv ? QByteArray("\xef\xbb\xbf") + toCsv().toUtf8() // or spreadsheets take it for Latin 1
+              : QJsonDocument(report()).toJson();
+    QSaveFile file(fileName);
+    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
+        return true;
+    d->fail(LessonError::make(LessonError::BadInput, file.errorString(),
+                              tr("%1 cannot be written: %2").arg(fileName, file.errorString())));
+    return false;
+}
+
+} // namespace Calyx
