@@ -119,7 +119,7 @@ check('joins that nobody comes from take no learner’s place', async (t) => {
 
 for (const [what, size, count] of [['large', 15 * MIB, 6], ['fitting', 3 * MIB, 30]]) {
   check(`a flood of ${what} frames costs the learner its connection, not a presenter that does not read`, async (t) => {
-    const { url, presenter, device, token, toPresenter } = await lessonOf(t, { awayMs: 60000 });
+    const { url, presenter, device, token, toPresenter } = await lessonOf(t, { awayMs: 20000 });
     const raw = (path, body) => fetch(`${url}/eventbus/119/slow${size}${path}`, { method: 'POST', body });
     await (await raw('/xhr')).text();
     await raw('/xhr_send', JSON.stringify([JSON.stringify({ type: 'register', address: toPresenter })]));

@@ -1,10 +1,8 @@
-// The pictures of the pages in docs/images. They are made anew by each run, and kept where nothing shows to have changed.
+// Takes the pictures of the pages and of the terminal in docs/images anew: npm run pictures.
 
 import assert from 'node:assert/strict';
 import { after } from 'node:test';
-import { mkdtempSync, readFileSync, rmSync } from 'node:fs';
-import { tmpdir } from 'node:os';
-import { join, sep } from 'node:path';
+import { readFileSync } from 'node:fs';
 import { fileURLToPath } from 'node:url';
 import { startClassroom } from '../test/support/classroom.js';
 import { Crowd, waitForSession } from '../lib/crowd.js';
@@ -112,17 +110,4 @@ check('the end of a lesson on a terminal', async (t) => {
   // Another code each time, and other seconds.
   await showTerminal(page, written.replaceAll(/\b0:\d\d\b/g, '0:01').replaceAll(/(?<=Session )\d{3} \d{3}/g, '482 913'));
   await takePicture(page, 'lesson-terminal');
-});
-
-check('a picture is written when something shows to have changed, and only then', async (t) => {
-  const folder = mkdtempSync(join(tmpdir(), 'pictures-')) + sep;
-  t.after(() => rmSync(folder, { recursive: true }));
-  const { presenter, page } = await lesson(t, PHONE);
-  assert.equal(await takePicture(page, 'page', folder), true);
-  assert.equal(await takePicture(page, 'page', folder), false);
-  presenter.ask(CHOICE);
-  await heading(page, CHOICE.instructions);
-  assert.equal(await takePicture(page, 'page', folder), true);
-  await page.getByRole('checkbox', { name: 'C Water' }).check();
-  assert.equal(await takePicture(page, 'page', folder), true);
 });
