@@ -1,10 +1,15 @@
 #!/usr/bin/env node
+import { basename } from 'node:path';
 import { Classroom } from './lib/classroom.js';
+import { COMMANDS, Commands } from './lib/commands.js';
 import {
   UsageError, commaList, parseOptions, runProgram, untilSignalled, wholeNumber,
 } from './lib/command-line.js';
 
-const USAGE = `usage: node server.js [options]
+// By the name under which it is installed.
+const NAME = basename(process.argv[1]) === 'server.js' ? 'node server.js' : basename(process.argv[1]);
+
+const USAGE = `usage: ${NAME} [options]
 
 Runs the local classroom: the classroom service and its event bus, in memory.
 Prints "listening http://HOST:PORT" when it is ready; SIGINT or SIGTERM ends it.
@@ -20,8 +25,11 @@ Where others than this machine reach it, the built-in accounts are closed. Witho
                              (websocket,xhr-streaming,xhr-polling)
   --disable-websocket        let the event bus refuse WebSockets
   --quiet                    no line on stderr for each request
+  --commands                 take commands on stdin, and end when that ends
+  --answer-after MS          learners who joined by command answer by themselves, after that time
   --help                     this text
-`;
+
+${COMMANDS}`;
 
 const OPTIONS = {
   host: { type: 'string', default: '127.0.0.1' },
@@ -32,6 +40,8 @@ const OPTIONS = {
   'sockjs-transports': { type: 'string' },
   'disable-websocket': { type: 'boolean', default: false },
   quiet: { type: 'boolean', default: false },
+  commands: { type: 'boolean', default: false },
+  'answer-after': { type: 'string' },
 };
 
 function account(text) {
@@ -43,10 +53,13 @@ function account(text) {
 function read(args) {
   const values = parseOptions(args, OPTIONS);
   const transports = values['sockjs-transports'];
+  const answerAfter = values['answer-after'];
   return {
     help: values.help,
     host: values.host,
     port: wholeNumber('port', values.port, 0, 65535),
+    commands: values.commands,
+    learners: { answerAfter: answerAfter && wholeNumber('answer-after', answerAfter, 0, 3600000) },
     classroom: {
       users: values.user.map(account),
       names: values.name,
@@ -58,13 +71,15 @@ function read(args) {
   };
 }
 
-async function run({ host, port, classroom: options }) {
+async function run({ host, port, commands, learners, classroom: options }) {
   const signalled = untilSignalled();
   const classroom = new Classroom(options);
-  process.stdout.write(`listening ${await classroom.listen(host, port)}\n`);
+  const url = await classroom.listen(host, port);
+  process.stdout.write(`listening ${url}\n`);
   const { madeAccount: made } = classroom;
   if (made) process.stdout.write(`password of ${made.userId}: ${made.password}\n`);
-  await signalled;
+  const given = new Commands(classroom, { ...learners, url, note: (line) => classroom.log(line) });
+  await Promise.race([signalled, ...(commands ? [given.obeyAll(process.stdin, process.stdout)] : [])]);
   await classroom.close();
   // Timers of closed bus connections would keep the process for seconds more.
   process.exit(0);

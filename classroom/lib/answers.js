@@ -84,3 +84,22 @@ export function answerPoll(poll, index, key = poll.id) {
   const count = 1 + (seed % Math.min(2, options.length));
   return { pick: rotated(options, seed, count).sort((a, b) => a - b).map((i) => String(options[i])) };
 }
+
+function picked(text, ids) {
+  const picks = ids.includes(text) ? [text] : text.split(',').map((id) => id.trim());
+  const stranger = picks.find((id) => !ids.includes(id));
+  if (stranger !== undefined) throw new Error(`not one of the options ${ids.join(' ')}: ${stranger}`);
+  return picks;
+}
+
+/** What answerQuestion() gives, for an answer that somebody else has chosen: words, or the ids of options with commas between. */
+export function chosenFor({ activityOptions: options = [] }, text) {
+  if (options.length === 0) return { answer: text };
+  return { optionAnswers: picked(text, options.map(({ id }) => id)).map((activityOptionId) => ({ activityOptionId })) };
+}
+
+/** The same for answerPoll(). */
+export function chosenForPoll({ metadata }, text) {
+  const options = metadata?.options ?? [];
+  return options.length === 0 ? { input: text } : { pick: picked(text, options.map(String)) };
+}

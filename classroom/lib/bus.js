@@ -237,11 +237,11 @@ export class Bus {
   #ended(connection) {
     this.#connections.delete(connection);
     for (const address of [...connection.addresses]) {
+      this.#addresses.remove(address, connection);
       const session = this.#sessions.owning(address);
       if (!session) continue;
       session.connections.delete(connection);
       this.#sessions.removePresenter(session, connection);
-      this.#addresses.remove(address, connection);
     }
     this.#presence.ended(connection);
   }

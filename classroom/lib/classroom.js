@@ -5,6 +5,7 @@ import { accountRoutes } from './account-routes.js';
 import { Accounts, NO_ACCOUNTS, demoAccounts } from './accounts.js';
 import { Bus } from './bus.js';
 import { failure } from './envelope.js';
+import { Faults } from './faults.js';
 import { ownNames, refusalOf } from './gate.js';
 import { isLoopback, sendJson } from './http.js';
 import { MAX_QUEUED_BYTES } from './limits.js';
@@ -47,7 +48,6 @@ function reachable(host, address) {
 /** The whole classroom service in one process: REST, event bus and what is in memory. */
 export class Classroom {
   #server = http.createServer({ keepAliveTimeout: KEEP_ALIVE_MS });
-  #sockets = new Set();
   #router;
   #bus;
   #names;
@@ -57,6 +57,7 @@ export class Classroom {
   constructor(options = {}) {
     this.options = { ...DEFAULTS, ...options };
     this.#names = ownNames(this.options.names);
+    this.faults = new Faults(this.#server);
     this.accounts = new Accounts(demoAccounts(), this.options.users);
     this.logins = new Logins();
     this.sessions = new Sessions(this.logins);
@@ -65,7 +66,6 @@ export class Classroom {
     this.#bus = new Bus(this.sessions, this.options);
     this.#server.on('request', (request, response) => this.#request(request, response));
     this.#server.on('upgrade', (request, socket, head) => this.#upgrade(request, socket, head));
-    this.#server.on('connection', (socket) => this.#track(socket));
   }
 
   log(line) {
@@ -95,20 +95,16 @@ export class Classroom {
 
   /** Ends every connection, after what has been written to it is out. */
   close() {
+    const { sockets } = this.faults;
     return new Promise((resolve) => {
-      const grace = setTimeout(() => this.#sockets.forEach((socket) => socket.destroy()), CLOSE_GRACE_MS);
+      const grace = setTimeout(() => this.faults.cut(), CLOSE_GRACE_MS);
       this.#server.close(() => {
         clearTimeout(grace);
         resolve();
       });
       this.#bus.close();
-      for (const socket of this.#sockets) socket.destroySoon();
+      for (const socket of sockets) socket.destroySoon();
     });
-  }
-
-  #track(socket) {
-    this.#sockets.add(socket);
-    socket.on('close', () => this.#sockets.delete(socket));
   }
 
   #request(request, response) {
@@ -117,6 +113,7 @@ export class Classroom {
     response.on('close', () => {
       this.log(`${request.method} ${path} ${response.statusCode} ${Date.now() - begun}ms`);
     });
+    if (this.faults.refuses(request, response)) return;
     const refused = refusalOf(request, this.#names);
     if (refused) {
       request.resume();
@@ -131,6 +128,7 @@ export class Classroom {
     this.log(`${request.method} ${request.url.split('?')[0]} upgrade`);
     // Nobody else listens on a socket that is turned away: its error would end the process.
     socket.on('error', () => {});
+    if (this.faults.refusesUpgrade(socket)) return;
     if (refusalOf(request, this.#names)) socket.end('HTTP/1.1 403 Forbidden\r\nConnection: close\r\nContent-Length: 0\r\n\r\n');
     else this.#bus.upgrade(request, socket, head);
   }

@@ -1,5 +1,5 @@
 import EventBus from 'vertx3-eventbus-client';
-import { answerInWords, answerPoll, answerQuestion, responseTime, seedOf } from './answers.js';
+import { answerInWords, answerPoll, answerQuestion, chosenFor, chosenForPoll, responseTime, seedOf } from './answers.js';
 import { decodeData, encodeData } from './codec.js';
 import { CLOSE_SESSION_ENDED } from './connection.js';
 import { OPEN_MS } from './limits.js';
@@ -14,15 +14,18 @@ const RETRY_MS = 500;
 const forms = {
   question: {
     type: 'questionResponse',
-    answer: (question, index, key) => ({
+    answer: (question, index, key, text) => ({
       questionId: question.id,
       questionSetMode: question.questionSetMode,
-      ...answerQuestion(question, index, key),
+      ...(text === undefined ? answerQuestion(question, index, key) : chosenFor(question, text)),
     }),
   },
   poll: {
     type: 'pollResponse',
-    answer: (poll, index, key) => ({ pollId: poll.id, blob: answerPoll(poll, index, key) }),
+    answer: (poll, index, key, text) => ({
+      pollId: poll.id,
+      blob: text === undefined ? answerPoll(poll, index, key) : chosenForPoll(poll, text),
+    }),
   },
 };
 
@@ -38,6 +41,9 @@ export class Learner {
   lost = false;
   // What is meant as answers, for each assessment: {title, token, answers}, the answers a Map by question number.
   meant = [];
+  // The question that has come last: its id, and when, as a number that grows from one question to the next.
+  askedId;
+  askedAt = 0;
   #index;
   #settings;
   #bus;
@@ -56,7 +62,7 @@ export class Learner {
 
   /**
    * settings: reconnect (whether a lost connection is made again), url, transports (undefined: all), answerAfter in ms, note(text) for what goes wrong, and answerBy: "order" for
-   * answers that are the same in each lesson, whatever the questions' ids.
+   * answers that are the same in each lesson, whatever the questions' ids. With waits, it answers by answer() alone; asked() is called at each question.
    */
   constructor(index, settings) {
     this.#index = index;
@@ -88,6 +94,16 @@ export class Learner {
     this.#joined = true;
     if (this.#answered) this.#publish(...this.#answered);
     if (this.#assessment && !this.#open) this.#getQuestion();
+  }
+
+  /** Whether a question is before it that it may answer. */
+  get isAsked() {
+    return this.#open !== null && !this.#paused;
+  }
+
+  /** Answers that: with the text, or as it likes. */
+  answer(text) {
+    this.#answer(text);
   }
 
   leave() {
@@ -199,7 +215,10 @@ export class Learner {
       this.meant.at(-1).answers.set(document.questionNumber, answerInWords(document, this.#index, this.#keyOf(document)));
     }
     this.#open = { form, document };
-    const { answerAfter = 0 } = this.#settings;
+    [this.askedId, this.askedAt] = [document.id, performance.now()];
+    this.#settings.asked?.();
+    const { answerAfter = 0, waits } = this.#settings;
+    if (waits) return;
     if (answerAfter > 0) this.#timer = setTimeout(() => this.#answerDue(), answerAfter);
     else this.#answerDue();
   }
@@ -215,6 +234,7 @@ export class Learner {
 
   #resume() {
     this.#paused = false;
+    this.#settings.asked?.();
     if (this.#due) this.#answer();
   }
 
@@ -223,12 +243,13 @@ export class Learner {
     if (!this.#paused) this.#answer();
   }
 
-  #answer() {
+  #answer(text) {
     const { form, document } = this.#open;
+    const answer = form.answer(document, this.#index, this.#keyOf(document), text);
     this.#drop();
     const time = responseTime(seedOf(this.#index, this.#keyOf(document)), this.#settings.answerAfter);
     const value = {
-      ...form.answer(document, this.#index, this.#keyOf(document)),
+      ...answer,
       responseTime: time,
       studentAssessmentToken: this.#assessment?.token,
     };

@@ -50,4 +50,9 @@ export class Logins {
     this.#open.delete(loginId(request));
     return setCookie('', '; Max-Age=0');
   }
+
+  /** Ends all of them. */
+  clear() {
+    this.#open.clear();
+  }
 }

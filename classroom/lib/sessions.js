@@ -162,6 +162,12 @@ export class Sessions extends EventEmitter {
     this.emit('stopped', session);
   }
 
+  /** Knows none of them any more, without a word to anybody. */
+  clear() {
+    this.#byCode.clear();
+    this.#byToken.clear();
+  }
+
   byCode(code) {
     const session = this.#byCode.get(code);
     if (!session) throw new Refusal(404, 'session.error.unknownCode');
