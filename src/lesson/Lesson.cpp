@@ -83,6 +83,14 @@ bool Lesson::isBusy() const
     return d->state == LoggingIn || d->state == Starting || d->state == Ending || !d->uploads.isEmpty();
 }
 
+QUrl Lesson::joinLink() const
+{
+    QUrl link(d->joinAddress);
+    if (!d->joinCode.isEmpty())
+        link.setQuery(QStringLiteral("code=") + d->joinCode);
+    return link;
+}
+
 double Lesson::progress() const
 {
     return d->progress;
@@ -204,16 +212,10 @@ void Lesson::resume()
     d->setPaused(false);
 }
 
-void Lesson::stop()
+void Lesson::stop(int seconds)
 {
-    if (!d->poll || !d->poll->isRunning())
-        return;
-    const QPointer<Lesson> self(this);
-    if (d->isPollReady)
-        d->send([id = d->poll->id()](PresenterCollab* collab) { LessonMessages::sendPollStop(collab, id); });
-    d->poll->stop();
-    if (self)
-        Q_EMIT pollChanged();
+    if (d->poll && d->poll->isRunning())
+        d->stopPoll(seconds);
 }
 
 Poll* Lesson::poll() const
@@ -244,31 +246,11 @@ void Lesson::clearPolls()
     Q_EMIT pollChanged();
 }
 
-// "Right. B: 12, A: 3"
 void Lesson::showResults(Poll* poll)
 {
-    constexpr int mostRows = 5;
     poll = poll ? poll : d->poll.data();
-    if (!poll)
-        return;
-    QStringList counts;
-    const QVector<PollResults::Row> rows = poll->results()->rows(mostRows);
-    for (const PollResults::Row& row : rows)
-        counts.append(QStringLiteral("%1: %2").arg(row.title(), QString::number(row.count)));
-    const QString right = tr("Right is: %1.").arg(poll->question().right.join(tr(" or ")));
-    const QStringList devices = d->roster->present();
-    for (const QString& deviceId : devices) {
-        QStringList lines;
-        const PollAnswer::Mark mark = poll->answerOf(deviceId).mark;
-        if (mark == PollAnswer::Right)
-            lines.append(tr("Your answer is right."));
-        else if (mark == PollAnswer::Wrong)
-            lines.append(tr("Your answer is not right."));
-        if (poll->question().isMarked() && mark != PollAnswer::Right)
-            lines.append(right);
-        lines.append(counts.join(QStringLiteral(", ")));
-        showText(lines.join(QLatin1Char('\n')), deviceId, true);
-    }
+    if (poll)
+        d->showResults(*poll);
 }
 
 // Assessment.
@@ -411,6 +393,23 @@ void Lesson::remove(const QString& deviceId)
     d->send([deviceId](PresenterCollab* collab) {
         collab->removeLearner(deviceId);
     }); // which is heard as leaving
+}
+
+QString Lesson::commandName(RemoteCommand command)
+{
+    static const char* const names[] = {QT_TR_NOOP("Is the presenter there?"),
+                                        QT_TR_NOOP("Which lesson is it?"),
+                                        QT_TR_NOOP("Which cards are there?"),
+                                        QT_TR_NOOP("Pause"),
+                                        QT_TR_NOOP("Resume"),
+                                        QT_TR_NOOP("Lock all"),
+                                        QT_TR_NOOP("Unlock all"),
+                                        QT_TR_NOOP("Next card"),
+                                        QT_TR_NOOP("Previous card"),
+                                        QT_TR_NOOP("Show the card"),
+                                        QT_TR_NOOP("Add a picture"),
+                                        QT_TR_NOOP("End the lesson")};
+    return command >= AskPresence && command <= EndLesson ? tr(names[command]) : QString();
 }
 
 bool Lesson::isRemotePresent() const

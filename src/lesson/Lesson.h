@@ -46,6 +46,7 @@ class CALYXCLIENT_EXPORT Lesson : public QObject
     Q_PROPERTY(QString user READ user NOTIFY stateChanged)
     Q_PROPERTY(QString joinCode READ joinCode NOTIFY stateChanged)
     Q_PROPERTY(QUrl joinAddress READ joinAddress NOTIFY stateChanged)
+    Q_PROPERTY(QUrl joinLink READ joinLink NOTIFY stateChanged)
     Q_PROPERTY(bool busy READ isBusy NOTIFY busyChanged)
     Q_PROPERTY(double progress READ progress NOTIFY busyChanged)
     Q_PROPERTY(QDateTime nextAttempt READ nextAttempt NOTIFY nextAttemptChanged)
@@ -104,6 +105,9 @@ public:
     /// The address at which the service offers learners to join, for them to open in a browser; empty
     /// without a session. The code is the host's to add, in the way that its service wants.
     QUrl joinAddress() const;
+    /// The same with the code as its query ("?code=123456"), as a link or a QR code has it: at a service that
+    /// knows that, learners need not type the code.
+    QUrl joinLink() const;
     /// Whether something is going on that takes long, and that cancel() ends: logging in, opening or ending a
     /// session, sending a picture.
     bool isBusy() const;
@@ -161,9 +165,10 @@ public:
     Q_INVOKABLE void pause();
     /// Lets it go on.
     Q_INVOKABLE void resume();
-    /// Stops the running poll. Answers that come later count for it and are marked late. Nothing where none
-    /// runs.
-    Q_INVOKABLE void stop();
+    /// Stops the running poll: now, or in this many \p seconds, which the devices count down (a day at the
+    /// most; Poll::stopsAt() tells; a later call sets another time). Answers that come later count for it and
+    /// are marked late. Nothing where none runs.
+    Q_INVOKABLE void stop(int seconds = 0);
     /// The poll put last, running or not; null before the first.
     Poll* poll() const;
     /// All polls of the session, in their order.
@@ -171,7 +176,8 @@ public:
     /// Deletes the polls that are over.
     Q_INVOKABLE void clearPolls();
     /// Tells each learner who is here how \p poll came out, as a text that can be dismissed: whether his
-    /// answer is right, what is, and how often the most frequent answers were given. Null: poll().
+    /// answer is right, what is, and how often the most frequent answers were given, which devices that know
+    /// how show as bars. Null: poll(). Sent once, to those who are here now.
     Q_INVOKABLE void showResults(Calyx::Poll* poll = nullptr);
 
     // Assessment.
@@ -217,6 +223,8 @@ public:
     Roster* roster() const;
     /// Sends a learner's device away. It can join again.
     Q_INVOKABLE void remove(const QString& deviceId);
+    /// What \p command is called, for people: "Next card", translated.
+    static QString commandName(RemoteCommand command);
     /// Whether a remote control has been heard and has not gone.
     bool isRemotePresent() const;
     /// Whether the lesson obeys \p command by itself; true for all at first. A host that takes one over
@@ -254,7 +262,7 @@ Q_SIGNALS:
     void nextAttemptChanged();
     /// server() has changed.
     void serverChanged();
-    /// There is another poll(), or it was paused, resumed or stopped.
+    /// There is another poll(), or it was paused, resumed or stopped, or is about to stop.
     void pollChanged();
     /// Answers have come, once for all that came together, to \p poll.
     void answersChanged(Calyx::Poll* poll);

@@ -118,24 +118,36 @@ void LessonMessages::bring(PresenterCollab* collab, const QString& address, cons
         if (wanted.isAssessmentPaused)
             sendPause(collab, address, wanted.assessmentToken, true);
     }
-    if (!wanted.pollId.isEmpty()) {
-        sendPoll(collab, address, wanted.question, wanted.pollId);
-        if (wanted.isPollPaused)
-            sendPause(collab, address, wanted.pollId, true);
-    }
+    if (!wanted.pollId.isEmpty())
+        sendPoll(collab, address, wanted);
     if (!wanted.cardPng.isEmpty() || !wanted.cardUrl.isEmpty())
         sendCard(collab, address, wanted.cardPng, wanted.cardUrl);
     if (wanted.isLocked)
         sendLock(collab, address, true);
 }
 
-void LessonMessages::sendPoll(PresenterCollab* collab, const QString& address, const Question& question,
-                              const QString& id)
+void LessonMessages::sendPoll(PresenterCollab* collab, const QString& address, const Wanted& wanted)
 {
-    if (isDocument(question))
-        sendDocument(collab, whole(collab, address), question, id);
+    const QString to = whole(collab, address);
+    if (isDocument(wanted.question))
+        sendDocument(collab, to, wanted.question, wanted.pollId);
     else
-        collab->sendQuestion(whole(collab, address), makeQuestion(collab, question, id).get());
+        collab->sendQuestion(to, makeQuestion(collab, wanted.question, wanted.pollId).get());
+    if (wanted.isPollPaused)
+        sendPause(collab, to, wanted.pollId, true);
+    if (wanted.pollStopsAt.isValid())
+        sendCountdown(collab, to, wanted.pollId, wanted.pollStopsAt);
+}
+
+// The devices' clocks differ: they are told how long it is.
+void LessonMessages::sendCountdown(PresenterCollab* collab, const QString& address, const QString& id,
+                                   const QDateTime& until)
+{
+    constexpr int second = 1000;
+    const qint64 left = qMax<qint64>(0, QDateTime::currentDateTime().msecsTo(until));
+    publish(
+        collab, address, QStringLiteral("countdown"),
+        {{QStringLiteral("id"), id}, {QStringLiteral("seconds"), int(left / second + (left % second > 0))}});
 }
 
 void LessonMessages::sendPause(PresenterCollab* collab, const QString& address, const QString& id,
@@ -169,8 +181,13 @@ void LessonMessages::sendLock(PresenterCollab* collab, const QString& address, b
 void LessonMessages::sendText(PresenterCollab* collab, const QString& address, const QString& text,
                               bool isDismissible)
 {
-    publish(collab, address, QStringLiteral("dialogShow"),
-            {{QStringLiteral("text"), text}, {QStringLiteral("isDismissible"), isDismissible}});
+    sendDialog(collab, address,
+               {{QStringLiteral("text"), text}, {QStringLiteral("isDismissible"), isDismissible}});
+}
+
+void LessonMessages::sendDialog(PresenterCollab* collab, const QString& address, const QVariantMap& data)
+{
+    publish(collab, address, QStringLiteral("dialogShow"), data);
 }
 
 void LessonMessages::sendReview(PresenterCollab* collab, const QString& address, const QString& text)

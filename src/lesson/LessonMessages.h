@@ -3,7 +3,9 @@
 #include "lesson/Assessment.h"
 #include "lesson/Question.h"
 
+#include <QDateTime>
 #include <QString>
+#include <QVariantMap>
 
 class PresenterCollab;
 
@@ -16,6 +18,7 @@ struct Wanted
     Question question;
     QString pollId;
     bool isPollPaused = false;
+    QDateTime pollStopsAt; // invalid: nobody knows
     // A card; none where both are empty.
     QByteArray cardPng;
     QString cardUrl;
@@ -41,14 +44,20 @@ namespace LessonMessages {
 QString addressOf(const QString& deviceId);
 /// Brings \p address to what is wanted.
 void bring(PresenterCollab* collab, const QString& address, const Wanted& wanted);
-/// As a question or, without words, as the poll document of its kind.
-void sendPoll(PresenterCollab* collab, const QString& address, const Question& question, const QString& id);
+/// The poll with its pause and its countdown: as a question or, without words, as the poll document of its
+/// kind.
+void sendPoll(PresenterCollab* collab, const QString& address, const Wanted& wanted);
+/// How long the poll runs on. Devices that do not know the message are told by the stop alone.
+void sendCountdown(PresenterCollab* collab, const QString& address, const QString& id,
+                   const QDateTime& until);
 void sendPause(PresenterCollab* collab, const QString& address, const QString& id, bool isPaused);
 void sendPollStop(PresenterCollab* collab, const QString& id);
 void sendCard(PresenterCollab* collab, const QString& address, const QByteArray& png, const QString& url);
 /// There is no message that takes a text away: another takes its place.
 void sendLock(PresenterCollab* collab, const QString& address, bool isLocked);
 void sendText(PresenterCollab* collab, const QString& address, const QString& text, bool isDismissible);
+/// A text with whatever devices know besides: the data of a "dialogShow".
+void sendDialog(PresenterCollab* collab, const QString& address, const QVariantMap& data);
 void sendReview(PresenterCollab* collab, const QString& address, const QString& text);
 void sendAssessment(PresenterCollab* collab, const QString& address, const AssessmentPlan& plan,
                     const QString& token, int firstQuestion = 1);

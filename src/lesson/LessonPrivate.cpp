@@ -25,6 +25,9 @@ LessonPrivate::LessonPrivate(Lesson* lesson)
     QObject::connect(&inbox, &Inbox::turned, q, [this] { afterTurn(); });
     retry.setSingleShot(true);
     QObject::connect(&retry, &QTimer::timeout, q, [this] { attempt(); });
+    stopTimer.setSingleShot(true);
+    stopTimer.setTimerType(Qt::PreciseTimer); // never early
+    QObject::connect(&stopTimer, &QTimer::timeout, q, [this] { q->stop(); });
     QObject::connect(deck, &Deck::changed, q, [this] { tellRemote(); });
 }
 

@@ -49,12 +49,15 @@ struct LessonPrivate : public LessonListener
     void withPicture(const QByteArray& png,
                      const std::function<void(const QByteArray& png, const QString& url)>& then);
     Poll* addPoll(const Question& question);
+    void stopPoll(int seconds);
+    void showResults(const Poll& poll);
     void setPaused(bool paused);
     void show(const QByteArray& png, const QString& url, int number);
     void tellRemote();
     bool obey(Lesson::RemoteCommand command, const QVariant& data);
     bool addRemoteCard(const QVariant& data);
     void welcome(const Learner& learner);
+    void see(const QString& deviceId);
     void afterTurn();
 
     // From the worker.
@@ -116,6 +119,7 @@ struct LessonPrivate : public LessonListener
     QSet<Poll*> answeredPolls; // in this turn
     Question sentQuestion;     // the running poll's, as devices get it
     bool isPollReady = false;  // its picture is uploaded
+    QTimer stopTimer;          // of a poll that counts down
     Wanted shown;              // what the class had in front of it when the channel was lost
     QByteArray cardPng;
     QString cardUrl;

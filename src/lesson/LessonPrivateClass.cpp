@@ -17,6 +17,7 @@ Wanted LessonPrivate::wanted() const
         wanted.question = sentQuestion;
         wanted.pollId = poll->id();
         wanted.isPollPaused = poll->isPaused();
+        wanted.pollStopsAt = poll->stopsAt();
     }
     wanted.cardPng = cardPng;
     wanted.cardUrl = cardUrl;
@@ -86,6 +87,8 @@ void LessonPrivate::bringBack(const QStringList& newcomers)
         LessonMessages::bring(collab, QString(), news);
         if (isSamePoll && now.isPollPaused != before.isPollPaused)
             LessonMessages::sendPause(collab, QString(), now.pollId, now.isPollPaused);
+        if (isSamePoll && now.pollStopsAt != before.pollStopsAt)
+            LessonMessages::sendCountdown(collab, QString(), now.pollId, now.pollStopsAt);
         if (isSameAssessment && now.isAssessmentPaused != before.isAssessmentPaused)
             LessonMessages::sendPause(collab, QString(), now.assessmentToken, now.isAssessmentPaused);
         if (before.isLocked && !now.isLocked)
@@ -98,11 +101,8 @@ void LessonPrivate::bringBack(const QStringList& newcomers)
     for (const QString& deviceId : newcomers)
         missing.removeOne(deviceId);
     send([now, devices = missing](PresenterCollab* collab) {
-        for (const QString& deviceId : devices) {
-            LessonMessages::sendPoll(collab, LessonMessages::addressOf(deviceId), now.question, now.pollId);
-            if (now.isPollPaused)
-                LessonMessages::sendPause(collab, LessonMessages::addressOf(deviceId), now.pollId, true);
-        }
+        for (const QString& deviceId : devices)
+            LessonMessages::sendPoll(collab, LessonMessages::addressOf(deviceId), now);
     });
 }
 
@@ -125,6 +125,13 @@ void LessonPrivate::welcome(const Learner& learner)
     bring({learner.deviceId});
 }
 
+// Whoever answers is here, whether his joining was heard or not: the roster and the counts agree.
+void LessonPrivate::see(const QString& deviceId)
+{
+    if (hasSession() && roster->see(deviceId))
+        Q_EMIT roster->joined(deviceId);
+}
+
 void LessonPrivate::onLeave(const QString& deviceId)
 {
     if (roster->leave(deviceId))
@@ -136,8 +143,10 @@ void LessonPrivate::onAnswer(const QString& deviceId, const QString& id, int tim
     const QPointer<Lesson> self(q);
     if (deviceId.isEmpty())
         return;
-    if (Poll* const answered = pollsById.value(id)) {
-        if (answered->add(deviceId, answer, time))
+    const QPointer<Poll> answered(pollsById.value(id));
+    if (answered) {
+        see(deviceId);
+        if (self && answered && answered->add(deviceId, answer, time))
             answeredPolls.insert(answered);
         return;
     }

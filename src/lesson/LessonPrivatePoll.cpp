@@ -6,9 +6,41 @@
 
 namespace Calyx {
 
+namespace {
+
+// "Your answer is right." "B: 12, A: 3", and the same for devices that draw it.
+QVariantMap outcomeOf(const Poll& poll, PollAnswer::Mark mark)
+{
+    constexpr int mostRows = 8;
+    const bool isRight = mark == PollAnswer::Right;
+    QStringList lines;
+    if (isRight || mark == PollAnswer::Wrong)
+        lines.append(isRight ? Lesson::tr("Your answer is right.") : Lesson::tr("Your answer is not right."));
+    if (poll.question().isMarked() && !isRight)
+        lines.append(Lesson::tr("Right is: %1.").arg(poll.question().right.join(Lesson::tr(" or "))));
+    const QString verdict = lines.join(QLatin1Char('\n'));
+    QStringList counts;
+    QVariantList bars;
+    const QVector<PollResults::Row> rows = poll.results()->rows(mostRows);
+    for (const PollResults::Row& row : rows) {
+        counts.append(QStringLiteral("%1: %2").arg(row.title(), QString::number(row.count)));
+        bars.append(QVariantMap{{QStringLiteral("title"), row.title()},
+                                {QStringLiteral("count"), row.count},
+                                {QStringLiteral("isCorrect"), row.isCorrect}});
+    }
+    lines.append(counts.join(QStringLiteral(", ")));
+    return {{QStringLiteral("text"), lines.join(QLatin1Char('\n'))},
+            {QStringLiteral("isDismissible"), true},
+            {QStringLiteral("results"),
+             QVariantMap{{QStringLiteral("text"), verdict}, {QStringLiteral("bars"), bars}}}};
+}
+
+} // namespace
+
 Poll* LessonPrivate::addPoll(const Question& question)
 {
     const QPointer<Lesson> self(q);
+    stopTimer.stop();
     if (poll)
         poll->stop();
     if (!self)
@@ -32,10 +64,8 @@ Poll* LessonPrivate::addPoll(const Question& question)
                     if (!url.isEmpty())
                         sentQuestion.pictureUrl = url;
                     isPollReady = true;
-                    send([id, sent = sentQuestion, isPaused = poll->isPaused()](PresenterCollab* collab) {
-                        LessonMessages::sendPoll(collab, QString(), sent, id);
-                        if (isPaused)
-                            LessonMessages::sendPause(collab, QString(), id, true);
+                    send([wanted = wanted()](PresenterCollab* collab) {
+                        LessonMessages::sendPoll(collab, QString(), wanted);
                     });
                 });
     if (wasLocked)
@@ -43,6 +73,43 @@ Poll* LessonPrivate::addPoll(const Question& question)
     if (self)
         Q_EMIT q->pollChanged();
     return self ? added : nullptr;
+}
+
+void LessonPrivate::stopPoll(int seconds)
+{
+    constexpr int second = 1000;
+    constexpr int longest = 24 * 60 * 60;
+    const int left = qBound(0, seconds, longest) * second;
+    const QDateTime until = QDateTime::currentDateTime().addMSecs(left);
+    if (isPollReady)
+        send([id = poll->id(), until, left](PresenterCollab* collab) {
+            left > 0 ? LessonMessages::sendCountdown(collab, QString(), id, until)
+                     : LessonMessages::sendPollStop(collab, id);
+        });
+    left > 0 ? stopTimer.start(left) : stopTimer.stop();
+    const QPointer<Lesson> self(q);
+    left > 0 ? poll->setStopsAt(until) : poll->stop();
+    if (self)
+        Q_EMIT q->pollChanged();
+}
+
+// Three texts at the most, however large the class is.
+void LessonPrivate::showResults(const Poll& of)
+{
+    QMap<PollAnswer::Mark, QStringList> devices;
+    if (of.question().isMarked()) {
+        const QStringList present = roster->present();
+        for (const QString& deviceId : present)
+            devices[of.answerOf(deviceId).mark].append(LessonMessages::addressOf(deviceId));
+    } else {
+        devices[PollAnswer::Unmarked].append(QString());
+    }
+    for (auto some = devices.cbegin(); some != devices.cend(); ++some) {
+        send([addresses = *some, outcome = outcomeOf(of, some.key())](PresenterCollab* collab) {
+            for (const QString& address : addresses)
+                LessonMessages::sendDialog(collab, address, outcome);
+        });
+    }
 }
 
 void LessonPrivate::setPaused(bool paused)

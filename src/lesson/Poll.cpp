@@ -38,6 +38,7 @@ struct Poll::Private
     QPointer<const Roster> roster;
     QString id = QUuid::createUuid().toString(QUuid::WithoutBraces);
     QDateTime startedAt = QDateTime::currentDateTime();
+    QDateTime stopsAt;
     QElapsedTimer clock;
     qint64 lasted = 0; // ms, once it is over
     QVector<PollAnswer> answers;
@@ -105,6 +106,12 @@ void Poll::setPaused(bool paused)
     Q_EMIT stateChanged();
 }
 
+void Poll::setStopsAt(const QDateTime& stopsAt)
+{
+    d->stopsAt = stopsAt;
+    Q_EMIT stateChanged();
+}
+
 void Poll::stop()
 {
     if (!d->isRunning)
@@ -112,6 +119,7 @@ void Poll::stop()
     d->missingAtStop = missing();
     d->lasted = d->clock.elapsed();
     d->isRunning = d->isPaused = false;
+    d->stopsAt = QDateTime();
     Q_EMIT stateChanged();
 }
 
@@ -166,6 +174,11 @@ bool Poll::isPaused() const
 QDateTime Poll::startedAt() const
 {
     return d->startedAt;
+}
+
+QDateTime Poll::stopsAt() const
+{
+    return d->stopsAt;
 }
 
 qint64 Poll::elapsed() const

@@ -30,6 +30,7 @@ class CALYXCLIENT_EXPORT Poll : public QObject
     Q_PROPERTY(bool running READ isRunning NOTIFY stateChanged)
     Q_PROPERTY(bool paused READ isPaused NOTIFY stateChanged)
     Q_PROPERTY(QDateTime startedAt READ startedAt CONSTANT)
+    Q_PROPERTY(QDateTime stopsAt READ stopsAt NOTIFY stateChanged)
     Q_PROPERTY(Calyx::PollResults* results READ results CONSTANT)
     Q_PROPERTY(int answered READ answered NOTIFY answersChanged)
     Q_PROPERTY(int expected READ expected NOTIFY answersChanged)
@@ -51,6 +52,9 @@ public:
     bool isPaused() const;
     /// When it was asked for.
     QDateTime startedAt() const;
+    /// When it stops by itself, after Lesson::stop() with seconds; invalid before that, and once it is
+    /// stopped.
+    QDateTime stopsAt() const;
     /// Milliseconds that it has run, pauses included, or has run until it was stopped.
     qint64 elapsed() const;
     /// The counts, a model for views. Owned by the poll.
@@ -75,7 +79,7 @@ public:
     QJsonObject toJson() const;
 
 Q_SIGNALS:
-    /// Paused, resumed or stopped.
+    /// Paused, resumed or stopped, or stopsAt() has changed.
     void stateChanged();
     /// Answers have come, once for all that came together; results() tells its own changes before.
     void answersChanged();
@@ -87,6 +91,7 @@ private:
     bool isDocument() const;
     bool add(const QString& deviceId, const QString& text, int time);
     void setPaused(bool paused);
+    void setStopsAt(const QDateTime& stopsAt);
     void stop();
     void flush();
 

@@ -90,6 +90,15 @@ bool Roster::join(const Learner& learner)
     return self && isNew;
 }
 
+// False when it is here already.
+bool Roster::see(const QString& deviceId)
+{
+    const Member* const member = d->find(deviceId);
+    if (!member)
+        return join(Learner(deviceId, QString(), QString()));
+    return !member->isPresent && join(Learner(deviceId, member->name, member->deviceType));
+}
+
 bool Roster::leave(const QString& deviceId)
 {
     if (!isPresent(deviceId))

@@ -13,8 +13,8 @@ namespace Calyx {
 
 class Poll;
 
-/// Who takes part: every device that has joined the lesson, in the order of coming, those that have left
-/// included. Rows are stable. Names are not unique, devices are.
+/// Who takes part: every device that has joined the lesson or has answered a poll, in the order of coming,
+/// those that have left included. Rows are stable. Names are not unique, devices are.
 ///
 /// Owned by its Lesson, and on its thread. Names come from outside: control characters are replaced by
 /// blanks, 60 characters are kept; escape them where you show HTML.
@@ -76,6 +76,7 @@ private:
     friend struct LessonPrivate;
     explicit Roster(QObject* parent);
     bool join(const Learner& learner);
+    bool see(const QString& deviceId);
     bool leave(const QString& deviceId);
     void clear();
     void setPoll(const Poll* poll);

@@ -1,109 +1,25 @@
 // What a lesson says and does when the service is not as it should be.
 
-#include "support/FakeService.h"
-#include "support/FakeSockJSServer.h"
-#include "support/Logins.h"
-#include "support/WaitFor.h"
-
-#include <CalyxClient/Lesson>
+#include "support/LessonClass.h"
 
 #include <QElapsedTimer>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QMetaEnum>
 #include <QTcpServer>
 #include <QTest>
 
 #include <functional>
-#include <memory>
 
 using namespace Calyx;
-using Answer = FakeService::Answer;
+using namespace LessonClass;
 using Logins::SUBMIT;
 
 namespace {
 
-constexpr char PROBE[] = "/tavisto";
-constexpr char FINE[] = R"({"success":true,"data":{}})";
-
 using Script = std::function<void(FakeService&)>;
-using Work = std::function<void(Lesson&)>;
-
-void logIn(Lesson& lesson)
-{
-    lesson.logIn(QStringLiteral("teacher"), QStringLiteral("chalk"));
-}
-
-/// A service with a bus, and a lesson there that is live with the learners D1 and D2.
-struct Class
-{
-    FakeService service;
-    FakeSockJSServer bus;
-    std::unique_ptr<Lesson> lesson = std::make_unique<Lesson>(QUrl(service.url()));
-
-    void expectUsers()
-    {
-        service.expect("/tavisto/session/getusers", Answer::json(R"({"success":true,"data":{"users":[
-            {"userToken":"D1","userName":"Ann","mode":"learner"},{"userToken":"D2","userName":"Bea","mode":"learner"}]}})"));
-    }
-
-    /// Has the lesson log in and open its channel at \p url.
-    void begin(const QUrl& url)
-    {
-        const QByteArray address = "{\"data\":{\"url\":\"" + url.toEncoded() + "\"}}";
-        service.expect(PROBE, Answer::json(FINE));
-        service.expect(SUBMIT, Answer::json(Logins::SUCCESS));
-        service.expect(Logins::USER, Answer::json(R"({"data":{"userLoginId":"teacher"}})"));
-        service.expect("/tavisto/session/create", Answer::json(R"({"data":{"sessionCode":"123456"}})"));
-        service.expect("/tavisto/session/getcollabserverurl", Answer::json(address));
-        service.expect("/tavisto/config/findTenantFeatureDetails",
-                       Answer::json(R"({"data":{"sockJSProtocols":["websocket"]}})"));
-        service.expect("/tavisto/session/start", Answer::json(R"({"data":{"sessionToken":"T"}})"));
-        service.expect("/tavisto/classroom/session/join", Answer::json(R"({"data":{"userToken":"U"}})"));
-        logIn(*lesson);
-        lesson->start();
-    }
-
-    bool start()
-    {
-        begin(bus.url());
-        expectUsers();
-        return waitFor([&] { return lesson->state() == Lesson::Live; });
-    }
-
-    bool loseAndReturn(const Work& meanwhile)
-    {
-        bus.dropConnections();
-        if (!waitFor([&] { return lesson->state() == Lesson::Reconnecting; }))
-            return false;
-        meanwhile(*lesson);
-        expectUsers(); // is the session still there?
-        expectUsers();
-        lesson->retryNow();
-        return waitFor([&] { return lesson->state() == Lesson::Live; });
-    }
-
-    /// What is published as "type address", up to the next message to the remote control.
-    QStringList published()
-    {
-        QStringList all;
-        for (QString text = bus.nextMessage(); !text.isNull(); text = bus.nextMessage()) {
-            const QJsonObject frame = QJsonDocument::fromJson(text.toUtf8()).object();
-            const QString type = frame.value("body").toObject().value("type").toString();
-            if (type == QLatin1String("currentCard"))
-                break;
-            if (frame.value("type") == QLatin1String("publish") && type != QLatin1String("pulse") &&
-                !frame.value("address").toString().endsWith(QLatin1String(".controller")))
-                all.append(type + QLatin1Char(' ') + frame.value("address").toString());
-        }
-        return all;
-    }
-};
 
 } // namespace
 
 Q_DECLARE_METATYPE(Script)
-Q_DECLARE_METATYPE(Work)
 
 class tst_LessonStates : public QObject
 {
@@ -247,10 +163,7 @@ private Q_SLOTS:
         QCOMPARE(class_.published(), QStringList{"questionStart T"});
         QVERIFY(class_.loseAndReturn(meanwhile));
         QTEST(class_.published(), "published");
-        class_.service.expect("/tavisto/session/stop", Answer::json(FINE));
-        class_.service.expect(Logins::LOGOUT, Answer::json(FINE));
-        class_.lesson->logOut();
-        QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::LoggedOut; }));
+        QVERIFY(class_.end());
     }
 
     void waitsAreCancelled_data()
