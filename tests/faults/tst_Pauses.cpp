@@ -1,6 +1,6 @@
 #include "faults/support/Bounds.h"
 #include "faults/support/FaultSession.h"
-#include "faults/support/Recordings.h"
+#include "support/Recordings.h"
 #include "faults/support/Resources.h"
 #include "support/LogRecorder.h"
 #include "support/WaitFor.h"

@@ -1,15 +1,10 @@
-#include "faults/support/Recordings.h"
+#include "support/Recordings.h"
 
 #include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QTest>
-
-#include <algorithm>
 
 namespace {
-
-constexpr int preludeSize = 2048;
 
 int bodyOf(const QByteArray& bytes)
 {
@@ -19,17 +14,10 @@ int bodyOf(const QByteArray& bytes)
 // What the server was made to send when it was recorded.
 QStringList contentsOf(const QString& name, const QByteArray& bytes)
 {
-    const QString what = name.section(QLatin1Char('-'), -1);
-    if (what == QLatin1String("open"))
-        return {QStringLiteral("o")};
-    if (what == QLatin1String("heartbeat"))
-        return {QStringLiteral("h")};
-    if (what == QLatin1String("closed"))
-        return {QStringLiteral("c[3000,\"over\"]")};
-    if (what == QLatin1String("messages"))
+    if (name.endsWith(QLatin1String("-messages")))
         return Recordings::texts();
-    if (what == QLatin1String("stream")) {
-        QStringList contents{QString(preludeSize, QLatin1Char('h')), QStringLiteral("o")};
+    if (name.endsWith(QLatin1String("-stream"))) {
+        QStringList contents{QString(2048, QLatin1Char('h')), QStringLiteral("o")};
         for (int i = 0; i < Recordings::streamedTexts; ++i)
             contents.append(Recordings::streamedText(i));
         return contents;
@@ -42,37 +30,25 @@ QStringList contentsOf(const QString& name, const QByteArray& bytes)
 
 QVector<Recordings::Answer> readAll()
 {
-    const QDir folder(QStringLiteral(FAULTS_SOURCE_DIR "/recorded"));
+    const QDir folder(QStringLiteral(TEST_SUPPORT_DIR "/recorded"));
     QVector<Recordings::Answer> answers;
     const QStringList names = folder.entryList({QStringLiteral("*.http")}, QDir::Files, QDir::Name);
-    for (const QString& name : names) {
-        QFile file(folder.filePath(name));
+    for (const QString& fileName : names) {
+        QFile file(folder.filePath(fileName));
         if (!file.open(QIODevice::ReadOnly))
             qFatal("Cannot read %s.", qPrintable(file.fileName()));
-        Recordings::Answer answer;
-        answer.name = name.section(QLatin1Char('.'), 0, 0);
-        answer.bytes = file.readAll();
-        answer.contents = contentsOf(answer.name, answer.bytes);
-        answers.append(answer);
+        const QString name = fileName.section(QLatin1Char('.'), 0, 0);
+        const QByteArray bytes = file.readAll();
+        answers.append({name, bytes, contentsOf(name, bytes)});
     }
     return answers;
 }
 
 } // namespace
 
-bool Recordings::Answer::isChunked() const
-{
-    return bytes.left(bodyOf(bytes)).toLower().contains("transfer-encoding: chunked");
-}
-
-bool Recordings::Answer::closes() const
-{
-    return bytes.left(bodyOf(bytes)).toLower().contains("connection: close");
-}
-
 QList<int> Recordings::Answer::ends() const
 {
-    if (!isChunked())
+    if (!bytes.left(bodyOf(bytes)).toLower().contains("transfer-encoding: chunked"))
         return {bytes.size()};
     if (!isStream())
         return {bytes.size() - 2}; // with the line "0"; the empty line behind it is no part of the body
@@ -99,28 +75,6 @@ const Recordings::Answer& Recordings::named(const QString& name)
     qFatal("Nothing of the name %s is recorded.", qPrintable(name));
 }
 
-const Recordings::Answer& Recordings::longest()
-{
-    return *std::max_element(all().begin(), all().end(), [](const Answer& left, const Answer& right) {
-        return left.bytes.size() < right.bytes.size();
-    });
-}
-
-void Recordings::addRows(bool (*wanted)(const Answer&))
-{
-    QTest::addColumn<QString>("name");
-    for (const Answer& answer : all()) {
-        if (!wanted || wanted(answer))
-            QTest::newRow(qPrintable(answer.name)) << answer.name;
-    }
-}
-
-const Recordings::Answer& Recordings::ofRow()
-{
-    QFETCH(QString, name);
-    return named(name);
-}
-
 QStringList Recordings::contents(const QStringList& frames)
 {
     QStringList contents;
@@ -145,9 +99,4 @@ QString Recordings::streamedText(int number)
 {
     return QStringLiteral("%1 Grüße über %2 mal 😀 HTTP/1.1 ").arg(number).arg(number * 1000) +
            QString(70, QLatin1Char('.'));
-}
-
-QByteArray Recordings::jsonList(const QStringList& texts)
-{
-    return QJsonDocument(QJsonArray::fromStringList(texts)).toJson(QJsonDocument::Compact);
 }

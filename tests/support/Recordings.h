@@ -13,16 +13,11 @@ struct Answer
 {
     QString name; ///< "sockjs-go-stream": who has given it, and to what
     QByteArray bytes;
-    /// What the server was made to send, as contents() gives it.
+    /// What the server was made to send, as contents() gives it: known without a parser.
     QStringList contents;
 
     /// Whether "/xhr_streaming" was asked.
     bool isStream() const { return name.endsWith(QLatin1String("-stream")); }
-    /// Whether it is an error page and not an answer of the SockJS server.
-    bool isPage() const { return contents.value(0).startsWith(QLatin1Char('<')); }
-    bool isChunked() const;
-    /// Whether the connection ends with it.
-    bool closes() const;
     /// For each piece of the contents the number of bytes after which it must have been delivered, and before
     /// which it cannot. Found without a parser: a line break that belongs to a frame has no CR.
     QList<int> ends() const;
@@ -31,11 +26,6 @@ struct Answer
 /// All of them, in the order of their names.
 const QVector<Answer>& all();
 const Answer& named(const QString& name);
-const Answer& longest();
-/// A row for each of them that \p wanted takes, with a column "name".
-void addRows(bool (*wanted)(const Answer&) = nullptr);
-/// Of the row.
-const Answer& ofRow();
 
 /// \p frames with those of messages taken apart: ["o", "first text", "second text"].
 QStringList contents(const QStringList& frames);
@@ -45,7 +35,5 @@ QStringList texts();
 /// What the servers were made to send in a stream, one by one.
 constexpr int streamedTexts = 6;
 QString streamedText(int number);
-/// As "/xhr_send" takes them.
-QByteArray jsonList(const QStringList& texts);
 
 } // namespace Recordings
