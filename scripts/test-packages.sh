@@ -7,6 +7,9 @@ packages+=(xz-utils openssl haproxy nginx-light tinyproxy golang-go golang-githu
 packages+=(chromium fonts-open-sans fonts-urw-base35 fonts-dejavu-core)
 # What the desk and the terminal's picture write learners' names and answers with; the desk's is made with fonts-open-sans.
 packages+=(fonts-droid-fallback)
+# What hosts in QML import.
+packages+=(qml-module-qttest qml-module-qtqml qml-module-qtqml-models2)
+packages+=(qml-module-qtquick-controls2 qml-module-qtquick-layouts qml-module-qtquick-window2)
 # A host's makefile.
 packages+=(make)
 # The API reference, and its Qt help collection.

@@ -15,6 +15,8 @@ export const COMMANDS = `Commands, each on a line; each is answered by one line,
   answer [by N] [TEXT]       those who have a question before them answer it, or the first N of
                              them: with TEXT (options by their ids, several as "A,C"), else as they
                              like. Those whose question is still on its way are waited for
+  idle                       waits until no question is before anybody: what some have not answered
+                             is still theirs until the stop has come
   leave [N]                  the last N learners leave, or all
   refuse [KEY]               every request is refused, with KEY as the reason, and so is the bus
   stall                      nothing is read and nothing is sent: connections stay open, and silent
@@ -41,6 +43,7 @@ export class Commands {
   #table = new Map(Object.entries({
     join: { most: 2, run: (count, code) => this.#join(count, code) },
     answer: { most: Infinity, run: (...words) => this.#answer(words) },
+    idle: { most: 0, run: () => this.#pupils.idle(PATIENCE_MS) },
     leave: { most: 1, run: (count) => `${this.#pupils.leave(count && learnersIn(count))} learners` },
     refuse: { most: 1, run: (key) => this.#refuse(key) },
     stall: { most: 0, run: () => this.#classroom.faults.stall() },

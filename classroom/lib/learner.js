@@ -62,7 +62,7 @@ export class Learner {
 
   /**
    * settings: reconnect (whether a lost connection is made again), url, transports (undefined: all), answerAfter in ms, note(text) for what goes wrong, and answerBy: "order" for
-   * answers that are the same in each lesson, whatever the questions' ids. With waits, it answers by answer() alone; asked() is called at each question.
+   * answers that are the same in each lesson, whatever the questions' ids. With waits, it answers by answer() alone; changed() is called whenever a question comes or goes.
    */
   constructor(index, settings) {
     this.#index = index;
@@ -96,9 +96,19 @@ export class Learner {
     if (this.#assessment && !this.#open) this.#getQuestion();
   }
 
-  /** Whether a question is before it that it may answer. */
+  /** Whether a question is before it, answered not yet. */
+  get hasQuestion() {
+    return this.#open !== null;
+  }
+
+  /** Whether it may answer that. */
   get isAsked() {
-    return this.#open !== null && !this.#paused;
+    return this.hasQuestion && !this.#paused;
+  }
+
+  /** Whether it is through with an assessment. */
+  get hasFinished() {
+    return this.#assessment !== null && this.#assessment.current > this.#assessment.count;
   }
 
   /** Answers that: with the text, or as it likes. */
@@ -216,7 +226,7 @@ export class Learner {
     }
     this.#open = { form, document };
     [this.askedId, this.askedAt] = [document.id, performance.now()];
-    this.#settings.asked?.();
+    this.#settings.changed?.();
     const { answerAfter = 0, waits } = this.#settings;
     if (waits) return;
     if (answerAfter > 0) this.#timer = setTimeout(() => this.#answerDue(), answerAfter);
@@ -230,11 +240,12 @@ export class Learner {
     this.#open = null;
     this.#due = false;
     this.#paused = false;
+    this.#settings.changed?.();
   }
 
   #resume() {
     this.#paused = false;
-    this.#settings.asked?.();
+    this.#settings.changed?.();
     if (this.#due) this.#answer();
   }
 

@@ -1,5 +1,4 @@
 import { Learner } from './learner.js';
-import { JOINS_AT_ONCE } from './limits.js';
 
 /** Simulated learners of one classroom who join, answer and leave when they are told to. */
 export class Pupils {
@@ -12,21 +11,13 @@ export class Pupils {
   constructor(settings) {
     const { answerAfter } = settings;
     this.#settings = {
-      ...settings, reconnect: true, waits: answerAfter === undefined, asked: () => this.#wakeAll(),
+      ...settings, reconnect: true, waits: answerAfter === undefined, changed: () => this.#wakeAll(),
     };
   }
 
-  /** Rejects with the first reason for which one of them could not join; the others have joined. */
+  /** One after the other, so that hosts hear of them in that order. Rejects at the first who cannot join. */
   async join(count, code, signal) {
-    const queue = Array.from({ length: count }, () => new Learner(this.#count++, this.#settings));
-    const failures = [];
-    const joinSome = async () => {
-      for (let learner = queue.shift(); learner; learner = queue.shift()) {
-        await this.#joinOne(learner, code, signal).catch((error) => failures.push(error));
-      }
-    };
-    await Promise.all(Array.from({ length: JOINS_AT_ONCE }, joinSome));
-    if (failures.length > 0) throw failures[0];
+    for (let joined = 0; joined < count; joined += 1) await this.#joinOne(new Learner(this.#count++, this.#settings), code, signal);
   }
 
   /** Everybody, or the first `count`, who has not answered yet does; waits for those who have not been asked. */
@@ -35,6 +26,11 @@ export class Pupils {
     const answering = this.#open(count);
     for (const learner of answering) learner.answer(text);
     return answering.length;
+  }
+
+  /** Resolves when nobody has a question before him. */
+  async idle(msecs) {
+    await this.#until(() => !this.#learners.some(({ hasQuestion }) => hasQuestion), msecs, 'learners still have a question before them');
   }
 
   /** The last `count` of them leave, or all. */
@@ -58,10 +54,9 @@ export class Pupils {
   /** Those who are to answer; null while somebody has not got the question that others have got last. */
   #open(count) {
     const newest = this.#learners.reduce((a, b) => (b.askedAt > a.askedAt ? b : a), { askedAt: 0 });
+    const isBehind = ({ isAsked, hasFinished, askedId }) => !isAsked && !hasFinished && askedId !== newest.askedId;
     const open = this.#learners.filter((learner) => learner.isAsked);
-    if (count !== undefined) return open.length >= count ? open.slice(0, count) : null;
-    const isBehind = (learner) => !learner.isAsked && learner.askedId !== newest.askedId;
-    return open.length > 0 && !this.#learners.some(isBehind) ? open : null;
+    return open.length >= (count ?? 1) && !this.#learners.some(isBehind) ? open.slice(0, count) : null;
   }
 
   #wakeAll() {

@@ -31,7 +31,7 @@ check('learners join, answer what they are told, and leave, by command', async (
   assert.equal(await joined, 'ok 3 learners');
   assert.equal(await tell(`join 1 ${presenter.code}`), 'ok 1 learners');
   const names = (await presenter.all('join', 4)).map(({ value }) => value.userName);
-  assert.equal(new Set(names).size, 4);
+  assert.deepEqual(names.map((name) => name.split(' ')[1]), ['1', '2', '3', '4'], 'in their order');
 
   presenter.ask({ id: 'one', type: 'multiple', activityOptions: options('A', 'B', 'C') });
   assert.equal(await tell('answer by 1 A,C'), 'ok 1 learners');
@@ -48,6 +48,12 @@ check('learners join, answer what they are told, and leave, by command', async (
   presenter.ask({ id: 'four', type: 'scale', activityOptions: options('0', '1') });
   assert.equal(await tell('answer'), 'ok 4 learners');
   assert.equal((await answersOf(presenter, 'questionResponse', 4)).length, 4);
+
+  presenter.ask({ id: 'five', type: 'text' });
+  assert.equal(await tell('answer by 3'), 'ok 3 learners');
+  const idle = tell('idle');
+  presenter.publish('pollStop', 'five');
+  assert.equal(await idle, 'ok');
 
   assert.equal(await tell('leave 1'), 'ok 1 learners');
   assert.equal(await tell('leave'), 'ok 3 learners');

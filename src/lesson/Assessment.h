@@ -101,31 +101,31 @@ public:
     /// When it was started.
     QDateTime startedAt() const;
     /// Milliseconds that it has run, or has run until it was stopped.
-    qint64 elapsed() const;
+    Q_INVOKABLE qint64 elapsed() const;
 
     /// The devices that take part, in the order of coming.
     QStringList participants() const;
     /// Whether the device takes part.
-    bool takesPart(const QString& deviceId) const;
+    Q_INVOKABLE bool takesPart(const QString& deviceId) const;
     /// The device's answer to the question with this number, from 1; one whose mark is PollAnswer::NoAnswer
     /// when there is none.
-    PollAnswer answer(const QString& deviceId, int number) const;
+    Q_INVOKABLE Calyx::PollAnswer answer(const QString& deviceId, int number) const;
     /// How many questions the device has answered.
-    int answered(const QString& deviceId) const;
+    Q_INVOKABLE int answered(const QString& deviceId) const;
     /// How many of them are right.
-    int rightAnswers(const QString& deviceId) const;
+    Q_INVOKABLE int rightAnswers(const QString& deviceId) const;
     /// Whether the device has answered every question.
-    bool isFinished(const QString& deviceId) const;
+    Q_INVOKABLE bool isFinished(const QString& deviceId) const;
     /// How many have answered the question with this number.
-    int answeredBy(int number) const;
+    Q_INVOKABLE int answeredBy(int number) const;
     /// How many of them are right.
-    int rightBy(int number) const;
+    Q_INVOKABLE int rightBy(int number) const;
     /// How many have answered every question.
     int finished() const;
     /// Those, and the others who are still here.
     int expected() const;
     /// The devices present that have not answered every question.
-    QStringList unfinished() const;
+    Q_INVOKABLE QStringList unfinished() const;
     /// A line for each learner: name, marks, then answer and mark of each question.
     Q_INVOKABLE QString toCsv() const;
     /// The questions, every answer, the marks.

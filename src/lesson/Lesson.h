@@ -116,25 +116,25 @@ public:
     /// When a lesson that is Reconnecting tries again; invalid while it tries, and in every other state.
     QDateTime nextAttempt() const;
     /// What the remote control is told as the lesson's id and name; "lesson" and "Lesson" at first.
-    void setName(const QString& id, const QString& name);
+    Q_INVOKABLE void setName(const QString& id, const QString& name);
     /// The transports to use ("websocket", "xhr-streaming", "xhr-polling") from the next start(), instead of
     /// those that the service prescribes; an empty list sets none.
-    void setTransports(const QStringList& transports);
+    Q_INVOKABLE void setTransports(const QStringList& transports);
     /// Whether a channel that is lost is opened again by itself; true at first. Without it a lost lesson
     /// stays Reconnecting until retryNow().
-    void setReconnects(bool reconnects);
+    Q_INVOKABLE void setReconnects(bool reconnects);
 
     // Login and session.
 
     /// Logs in. A login before is ended. A text that holds control characters is refused (BadInput).
     Q_INVOKABLE void logIn(const QString& user, const QString& password);
     /// Logs in by a token that this device got before (PresenterClient::doGetAccessToken(), by onClient()).
-    void logInWithToken(const QString& user, const QString& deviceId, const QString& token);
+    Q_INVOKABLE void logInWithToken(const QString& user, const QString& deviceId, const QString& token);
     /// Logs in with the \p code that the OAuth \p provider has given. When the service wants a new user to
     /// register first, registrationNeeded() follows, and the login fails (Refused); call again with the data
     /// completed.
-    void logInWithOAuth(const QString& provider, const QString& code,
-                        const QString& registration = QString());
+    Q_INVOKABLE void logInWithOAuth(const QString& provider, const QString& code,
+                                    const QString& registration = QString());
     /// Ends the session, if there is one, and logs out. failed() when the service cannot be told; it is over
     /// here all the same.
     Q_INVOKABLE void logOut();
@@ -229,7 +229,7 @@ public:
     bool isRemotePresent() const;
     /// Whether the lesson obeys \p command by itself; true for all at first. A host that takes one over
     /// carries it out when remoteCommand() tells it.
-    void setObeys(RemoteCommand command, bool obeys);
+    Q_INVOKABLE void setObeys(Calyx::Lesson::RemoteCommand command, bool obeys);
 
     // Afterwards.
 

@@ -56,7 +56,7 @@ public:
     /// stopped.
     QDateTime stopsAt() const;
     /// Milliseconds that it has run, pauses included, or has run until it was stopped.
-    qint64 elapsed() const;
+    Q_INVOKABLE qint64 elapsed() const;
     /// The counts, a model for views. Owned by the poll.
     PollResults* results() const;
     /// How many devices have answered.
@@ -71,7 +71,7 @@ public:
     /// One for each device that has answered, in the order of their first answers.
     QVector<PollAnswer> answers() const;
     /// The devices present that have not answered, in the roster's order; empty once it is stopped.
-    QStringList missing() const;
+    Q_INVOKABLE QStringList missing() const;
     /// A line for each answer, under a line of titles: RFC 4180, texts that a spreadsheet would take for a
     /// formula quoted by an apostrophe.
     Q_INVOKABLE QString toCsv() const;

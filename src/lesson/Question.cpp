@@ -85,9 +85,14 @@ int mostOptionsOf(const Question& question)
     return isLettered ? letters : mostOptions;
 }
 
+// By its name on the wire, or as the enumerator, which is a number to QML.
 template<typename Type>
 Type readName(const QMap<Type, QString>& table, const QVariant& name, Type otherwise)
 {
+    bool isNumber = false;
+    const auto type = static_cast<Type>(name.toInt(&isNumber));
+    if (isNumber && table.contains(type))
+        return type;
     return name.isValid() ? table.key(name.toString().toLower(), otherwise) : otherwise;
 }
 

@@ -56,8 +56,8 @@ public:
     /// decimals.
     static Question of(PollType::POLL_TYPE type, OrdinalType::ORDINAL_TYPE ordinal, int optionCount);
     /// From the keys "kind" and "labels" (as PollType::POLL_TYPE_STR() and OrdinalType::ORDINAL_TYPE_STR()
-    /// name them), "optionCount", "decimals", "choices", "text", "options", "right" and "pictureUrl". What
-    /// is missing is as usual() has it; an unknown kind is TEXT.
+    /// name them, or the enumerators), "optionCount", "decimals", "choices", "text", "options", "right" and
+    /// "pictureUrl". What is missing is as usual() has it; an unknown kind is TEXT.
     static Question fromMap(const QVariantMap& map);
     /// The same map. The picture's bytes are not in it.
     QVariantMap toMap() const;

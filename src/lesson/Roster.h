@@ -49,10 +49,10 @@ public:
     /// The learner's name; the device id when it has none.
     Q_INVOKABLE QString name(const QString& deviceId) const;
     /// The devices that are here, in the order of coming.
-    QStringList present() const;
+    Q_INVOKABLE QStringList present() const;
     /// The devices present that \p text names: by device id, else by the whole name, else by the beginning
     /// of either; case does not count in names.
-    QStringList find(const QString& text) const;
+    Q_INVOKABLE QStringList find(const QString& text) const;
     /// Everybody with the times of coming and going.
     QJsonArray toJson() const;
 

@@ -126,6 +126,7 @@ private Q_SLOTS:
         QCOMPARE(read.toMap(), question.toMap());
         QCOMPARE(read.optionIds(), (QStringList{"A", "B"}));
         QCOMPARE(Question::fromMap({}).type, PollType::TEXT);
+        QCOMPARE(Question::fromMap({{QStringLiteral("kind"), 2.0}}).type, PollType::MULTIPLE); // as QML gives it
     }
 };
 
