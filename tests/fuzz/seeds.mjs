@@ -44,6 +44,14 @@ const REPLIES = [
   'https://h:8443/x', 'http://[::1]:80/', '<html>', '', '[]', '\0{}',
 ];
 
+// Each line of these stands there as often as its first letter says: see fuzz_Work.cpp.
+const WORK = [
+  'f\n0a["{}"]\n<a["{}","{}"]\n8a["{\\"body\\":{\\"type\\":\\"chat\\"}}"]', 'f\n0a[\n<"{}",\n0"{}"]', 'd\n0[\n<1,\n01]', 'd\n0"\n<93,0,\n00"',
+  'd\n9{"a":\n0{}\n9}', 'd\n0[\n<"XQAA",\n0""]', 'p\n0{"\n@\\u0061\n0":{},"b":{}}', 'p\n0{"":{},\n<"a":0,\n0"b":1}', 'p\n9{"a":[],"a":\n00\n9,"a":[]}',
+  'p\n0{"blob":{"pick":[\n<1,\n01]}}', 'p\n0{"blob":{"input":"\n<\\"\n0"}}', 'q\n0{"answer":"a","optionAnswers":[\n;{"activityOptionId":"B"},\n0{}]}',
+  'j\n0{"userName":"\n=é\n0","deviceType":"x"}', 'u\n9[\n01\n9]', 'c\n;x\n;{"a":1}', 'c\n0{"a":"\n=x\n0"}',
+];
+
 export const handMade = {
   Json: [...HOSTILE, ...REPEATED],
   Message: [
@@ -60,5 +68,6 @@ export const handMade = {
   Reply: REPLIES.flatMap((body) => [...Array(17).keys()].flatMap((operation) =>
     [16, 17, 8, 4].map((bits) => Buffer.concat([Buffer.from([operation, bits]), Buffer.from(body)])))),
   Serializer: [...HOSTILE, '{"a":[1,1.5,1e300,-0,true,null,"\\ud83d\\ude00"],"b":{"c":{"d":{}}}}', '{"a":1,"a":2}', '{"":""}'],
+  Work: WORK,
   Gzip: ['', '\x1f\x8b\x08', '\x78\x9c\x03\x00\x00\x00\x00\x01'].map((text) => Buffer.from(text, 'latin1')),
 };

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int many = 1000;
+constexpr int many = 10000; // what grows with the square of it, is beyond all bounds then
 
 struct Input
 {
@@ -61,7 +61,7 @@ QStringList namesOfOneHash()
     QStringList members{QStringLiteral("\"\":{}")};
     for (int number = 0; number < many; ++number) {
         QString name;
-        for (int bit = 0; bit < 10; ++bit)
+        for (int bit = 0; bit < 14; ++bit)
             name += (number >> bit) & 1 ? QStringLiteral("Aa") : QStringLiteral("BB");
         members.append(QStringLiteral("\"%1\":0").arg(name));
     }
@@ -110,7 +110,7 @@ std::vector<Input> inputs()
     return {
         payload("harmless", answer),
         payload("long-name",
-                object({QStringLiteral("\"%1\":{}").arg(QStringLiteral("\\u0061").repeated(many)),
+                object({QStringLiteral("\"%1\":{}").arg(QStringLiteral("\\u0061").repeated(10 * many)),
                         QStringLiteral("\"b\":{}")})),
         payload("many-members", object(namesOfOneHash())),
         payload("many-escapes", text(QString(many, QLatin1Char('"')))),
