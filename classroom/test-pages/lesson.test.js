@@ -45,6 +45,34 @@ check('a stopped question is closed, with the answer that was given or without',
   await page.getByText('You have not answered it.').waitFor();
 });
 
+check('a question that is about to close counts down; what was begun stays to be read', async (t) => {
+  const { presenter, page } = await lesson(t);
+  presenter.ask({ id: 'q', type: 'word-seed', instructions: 'Which word?' });
+  await field(page, 'Your word or short phrase').fill('half a w');
+  presenter.publishObject('countdown', { id: 'q', seconds: 30 });
+  await page.getByRole('timer').filter({ hasText: /^Closes in (30|29) s$/ }).waitFor();
+  await status(page, 'This question closes in 30 seconds.');
+  await assertAccessible(page);
+  await page.getByRole('timer').filter({ hasText: /^Closes in 2[0-8] s$/ }).waitFor();
+  presenter.publish('pollStop', 'q');
+  await heading(page, 'This question is closed');
+  await page.getByText('Begun, and not sent').waitFor();
+  await page.getByText('half a w').waitFor();
+});
+
+check('results are bars that say what is right', async (t) => {
+  const { presenter, page } = await lesson(t);
+  const bars = [{ title: 'A Oxygen', count: 3, isCorrect: false }, { title: 'B Carbon dioxide', count: 12, isCorrect: true }];
+  presenter.publishObject('dialogShow', { text: 'B: 12', isDismissible: true, results: { text: 'Your answer is right.', bars } });
+  await heading(page, 'How it came out');
+  await page.getByText('Your answer is right.').waitFor();
+  assert.deepEqual(await page.getByRole('listitem').allInnerTexts(), ['A Oxygen\n3', 'B Carbon dioxide\nright\n12']);
+  assert.equal(await focused(page), 'How it came out');
+  await assertAccessible(page);
+  await page.reload();
+  await heading(page, 'How it came out');
+});
+
 check('a dialog that may be dismissed is closed with its button or with Escape', async (t) => {
   const { presenter, page } = await lesson(t);
   for (const close of [() => page.getByRole('button', { name: 'OK' }).click(), () => press(page, 'Escape')]) {

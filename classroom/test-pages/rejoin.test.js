@@ -34,6 +34,18 @@ check('after a reload a learner is who it was, with what it had begun', async (t
   await sent(page);
 });
 
+check('what was begun is offered again when the lesson itself was too large to be kept', async (t) => {
+  const { presenter, page, token } = await lesson(t);
+  const ask = () => presenter.ask({ id: 'q', type: 'word-seed', passage: 'x'.repeat(6e6) }, `.user.${token}`);
+  ask();
+  await field(page, WORD).fill('begun');
+  await page.reload();
+  await presenter.next('join');
+  ask();
+  await field(page, WORD).waitFor();
+  assert.equal(await field(page, WORD).inputValue(), 'begun');
+});
+
 check('a question that is put again while nobody can hear it is there after a reload', async (t) => {
   const { presenter, page, token } = await lesson(t);
   await page.reload();

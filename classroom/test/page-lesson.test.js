@@ -272,3 +272,61 @@ check('an answer goes out again after a lost connection, also over a reload, whi
   assert.equal(made.sent.length, 4);
   assert.deepEqual([later.activity.answer, later.activity.closed], [{ picked: [1] }, true]);
 });
+
+check('a countdown is that of the open question, over a reload too, and ends with it', () => {
+  const made = lesson();
+  made.receive('countdown', { seconds: 5 });
+  assert.equal(made.lesson.closesIn, null);
+  made.receive('questionStart', choice('q'));
+  assert.equal(made.lesson.closesIn, null);
+  for (const [seconds, left] of [['x', 0], [-1, 0], [1e9, 86400], [10, 10]]) {
+    made.receive('countdown', { id: 'q', seconds });
+    assert.equal(made.lesson.closesIn, left);
+  }
+  made.now += 2500;
+  const later = made.open();
+  later.restore(JSON.parse(JSON.stringify(made.lesson)));
+  assert.deepEqual([made.lesson.closesIn, later.closesIn], [8, 8]);
+  made.now += 60000;
+  assert.deepEqual([later.closesIn, later.mayAnswer], [0, true]);
+  later.handlers.pollStop('q');
+  assert.equal(later.closesIn, null);
+  later.handlers.questionStart(choice('q2'));
+  assert.equal(later.closesIn, null);
+});
+
+check('results are shown in the place of what was there, and the way back is to an open question', () => {
+  const made = lesson();
+  const bars = [{ title: 'A', count: 3, isCorrect: true }, { title: 'B', count: -1 }, 7];
+  const drawn = { text: 'Right.', bars: [{ title: 'A', count: 3, isCorrect: true }, { title: 'B', count: 0, isCorrect: false }] };
+  made.receive('questionStart', choice('q'));
+  made.receive('dialogShow', { text: 'A: 3', isDismissible: true, results: { text: 'Right.', bars } });
+  assert.deepEqual([made.lesson.shows, made.lesson.results, made.lesson.notice], ['results', drawn, null]);
+  const later = made.open();
+  later.restore(JSON.parse(JSON.stringify(made.lesson)));
+  assert.deepEqual([later.shows, later.results], ['results', drawn]);
+  later.backToQuestion();
+  assert.deepEqual([later.shows, later.results], ['question', null]);
+  for (const results of [null, 'x', {}, { bars: [] }, { bars: [7] }]) {
+    made.receive('dialogShow', { text: 'A: 3', isDismissible: true, results });
+    assert.deepEqual(made.lesson.notice, { text: 'A: 3', dismissible: true });
+  }
+});
+
+check('what was begun is offered again with its question, until it has been sent', async () => {
+  const made = lesson();
+  const drafts = new Map();
+  const open = () => new Lesson({ publish: async () => true, changed: () => {}, drafts });
+  made.lesson = open();
+  made.receive('questionStart', choice('q'));
+  made.lesson.keepDraft({ picked: [1] });
+  made.lesson = open(); // nothing else was kept
+  made.receive('questionStart', choice('another'));
+  assert.equal(made.lesson.activity.draft, null);
+  made.receive('questionStart', choice('q'));
+  assert.deepEqual(made.lesson.activity.draft, { picked: [1] });
+  await made.lesson.answer({ picked: [1] });
+  made.lesson = open();
+  made.receive('questionStart', choice('q'));
+  assert.equal(made.lesson.activity.draft, null);
+});

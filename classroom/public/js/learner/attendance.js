@@ -1,6 +1,7 @@
 import { Device } from '../device/device.js';
 import { recall, remember } from '../device/storage.js';
 import { Lesson } from '../model/lesson.js';
+import { Drafts } from './drafts.js';
 import { LessonPage } from './lesson-page.js';
 
 const LESSON_KEY = 'classroom.lesson';
@@ -19,7 +20,9 @@ export class Attendance {
   #isIn = false;
   #arrive;
   #arrived = new Promise((resolve) => { this.#arrive = resolve; });
+  #drafts = new Drafts();
   #lesson = new Lesson({
+    drafts: this.#drafts,
     publish: (type, value) => this.#device.publish(type, value),
     changed: () => this.#changed(),
   });
@@ -45,6 +48,7 @@ export class Attendance {
   /** Joins, or comes back to a place; resolves once the join has gone out. Rejects when the service refuses. */
   async join(wanted) {
     this.place = await this.#device.join(wanted);
+    this.#drafts.open(this.place.userToken);
     const saved = recall('sessionStorage', LESSON_KEY);
     if (saved?.userToken === this.place.userToken) this.#lesson.restore(saved.lesson);
     await this.#arrived;
@@ -59,6 +63,7 @@ export class Attendance {
     removeEventListener('pagehide', this.#keep);
     document.removeEventListener('visibilitychange', this.#keep);
     remember('sessionStorage', LESSON_KEY, null);
+    this.#drafts.forget();
     this.#page.close();
   }
 

@@ -44,6 +44,7 @@ export class LessonPage {
   tick() {
     this.#lesson.tick();
     this.#bar.tick();
+    this.#screen?.tick?.();
   }
 
   close() {

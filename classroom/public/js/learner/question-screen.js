@@ -2,6 +2,7 @@ import { controlFor } from '../answers/control.js';
 import { nameOfType, promptFor } from '../model/prompts.js';
 import { cardPictures } from '../model/picture.js';
 import { textOf } from '../model/text.js';
+import { announce } from '../ui/announcer.js';
 import { button, el, freshId, setText, title } from '../ui/dom.js';
 import { richText } from '../ui/formula.js';
 import { picture } from '../ui/picture.js';
@@ -34,6 +35,8 @@ export class QuestionScreen {
   #fieldset;
   #problem = el('p', { id: freshId('problem'), class: 'problem', role: 'alert', hidden: true });
   #send = el('button', { type: 'submit', class: 'primary' }, 'Send answer');
+  #closing = el('p', { class: 'closing', role: 'timer', hidden: true });
+  #closesAt;
   #goOn;
   #outcome;
   #focused = null;
@@ -50,7 +53,7 @@ export class QuestionScreen {
     this.#outcome = new Outcome(lesson, () => this.#changeAnswer());
     this.#wasAnswered = this.#activity.answer !== null;
     const form = this.#form();
-    this.element = el('article', { class: 'sheet question' }, ...parts, form);
+    this.element = el('article', { class: 'sheet question' }, ...parts, this.#closing, form);
     this.update();
   }
 
@@ -99,6 +102,16 @@ export class QuestionScreen {
     this.#updateGoOn(isAnswered);
     if (isAnswered && !this.#wasAnswered) this.#outcome.focus();
     this.#wasAnswered = isAnswered;
+    this.tick();
+  }
+
+  /** Shows how long the question is open still, once a second; said aloud once. */
+  tick() {
+    const { closesIn } = this.#lesson;
+    setText(this.#closing, closesIn === null ? '' : closesIn > 0 ? `Closes in ${closesIn} s` : 'Closing …');
+    if (closesIn === null || this.#closesAt === this.#activity.closesAt) return;
+    this.#closesAt = this.#activity.closesAt;
+    announce(`This question closes in ${closesIn} seconds.`);
   }
 
   #updateGoOn(isAnswered) {

@@ -22,8 +22,10 @@ function coming(lesson) {
 
 function stopped(lesson) {
   const { activity } = lesson;
-  const said = activity.answer ? [el('p', { class: 'said-label' }, 'Your answer'), el('p', { class: 'said' }, inWords(activity, activity.answer))]
-    : [el('p', {}, 'You have not answered it.')];
+  const { answer, draft } = activity;
+  const labelled = (label, one) => [el('p', { class: 'said-label' }, label), el('p', { class: 'said' }, inWords(activity, one))];
+  const said = answer ? labelled('Your answer', answer) : [el('p', {}, 'You have not answered it.')];
+  if (draft && inWords(activity, draft).trim() !== '') said.push(...labelled('Begun, and not sent', draft));
   const goOn = button('Next question', () => lesson.goOn(), { class: 'primary', hidden: !lesson.mayGoOn });
   return still(title('This question is closed'), ...said, el('div', { class: 'actions' }, goOn));
 }
@@ -37,6 +39,26 @@ function card(lesson) {
   update();
   return {
     element: el('article', { class: 'sheet card' }, title('Card'), ...shown, el('div', { class: 'actions' }, back)),
+    update,
+  };
+}
+
+function results(lesson) {
+  const { text, bars } = lesson.results;
+  const most = Math.max(1, ...bars.map(({ count }) => count));
+  const rows = bars.map(({ title: name, count, isCorrect }) => el('li', { class: isCorrect ? 'result right' : 'result' },
+    el('span', { class: 'result-title' }, name), isCorrect && el('span', { class: 'result-right' }, 'right'),
+    el('span', { class: 'result-count' }, String(count)), el('progress', { value: count, max: most, 'aria-hidden': 'true' })));
+  const back = button('Back to the question', () => lesson.backToQuestion(), { class: 'secondary' });
+  const goOn = button('Next question', () => lesson.goOn(), { class: 'primary' });
+  const update = () => {
+    back.hidden = !lesson.activity || lesson.activity.closed;
+    goOn.hidden = !back.hidden || !lesson.mayGoOn;
+  };
+  update();
+  return {
+    element: el('article', { class: 'sheet' }, title('How it came out'), ...text.split('\n').map((line) => el('p', {}, line)),
+      el('ul', { class: 'results' }, ...rows), el('div', { class: 'actions' }, back, goOn)),
     update,
   };
 }
@@ -71,6 +93,7 @@ const SCREENS = {
   stopped: { build: stopped, of: ({ activity }) => activity, name: 'Closed' },
   card: { build: card, of: (lesson) => lesson.card, name: 'Card' },
   review: { build: review, of: (lesson) => lesson.review, name: 'Review' },
+  results: { build: results, of: (lesson) => lesson.results, name: 'Results' },
   finished: { build: finished, of: ({ assessment }) => assessment, name: 'Finished' },
   over: { build: over, of: ({ assessment }) => assessment, name: 'Finished' },
 };

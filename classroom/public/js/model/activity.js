@@ -11,8 +11,8 @@ export class Activity {
   closed = false;
 
   // sent: the last answer as it went out, {type, value}. wasAnsweredBefore is known of one that was kept; of one that comes its document tells.
-  constructor({ kind, document, number = 0, draft = null, answer = null, sent = null, closed = false, watch, wasAnsweredBefore }, now) {
-    Object.assign(this, { kind, document, number, draft, answer, sent, closed, watch: new Stopwatch(now, watch), wasAnsweredBefore });
+  constructor({ kind, document, number = 0, draft = null, answer = null, sent = null, closed = false, closesAt, watch, wasAnsweredBefore }, now) {
+    Object.assign(this, { kind, document, number, draft, answer, sent, closed, closesAt, watch: new Stopwatch(now, watch), wasAnsweredBefore });
     if (wasAnsweredBefore !== undefined) return;
     const prior = priorAnswer(this);
     this.answer = prior ?? answer;
@@ -28,7 +28,7 @@ export class Activity {
   }
 
   toJSON() {
-    const { kind, document, number, draft, answer, sent, closed, watch, wasAnsweredBefore } = this;
-    return { kind, document, number, draft, answer, sent, closed, watch: watch.toJSON(), wasAnsweredBefore };
+    const { kind, document, number, draft, answer, sent, closed, closesAt, watch, wasAnsweredBefore } = this;
+    return { kind, document, number, draft, answer, sent, closed, closesAt, watch: watch.toJSON(), wasAnsweredBefore };
   }
 }

@@ -1,7 +1,10 @@
 import { Activity } from './activity.js';
 import { responseTo } from './answer.js';
 import { Assessment } from './assessment.js';
-import { isObject, textOf } from './text.js';
+import { resultsFrom } from './results.js';
+import { isObject, textOf, wholeNumber } from './text.js';
+
+const MOST_SECONDS = 24 * 3600;
 
 // What is there to be seen with each thing that a lesson shows.
 const SUBJECTS = {
@@ -10,6 +13,7 @@ const SUBJECTS = {
   stopped: 'activity',
   card: 'card',
   review: 'review',
+  results: 'results',
   finished: 'assessment',
   over: 'assessment',
 };
@@ -18,8 +22,8 @@ const SUBJECTS = {
  * What a learner has on the page, and what becomes of it with each message from the presenter and each thing that
  * the learner does. Knows nothing of the page.
  *
- * `shows` is one of: waiting, coming (a question has been asked for), question, stopped, card, review, finished (the
- * end of an assessment has been reached), over (it has been stopped).
+ * `shows` is one of: waiting, coming (a question has been asked for), question, stopped, card, review, results (of a
+ * poll), finished (the end of an assessment has been reached), over (it has been stopped).
  */
 export class Lesson {
   shows = 'waiting';
@@ -27,6 +31,7 @@ export class Lesson {
   assessment = null;
   card = null;
   review = null;
+  results = null;
   // A text over everything else: {text, dismissible}.
   notice = null;
   paused = false;
@@ -35,12 +40,17 @@ export class Lesson {
   #publish;
   #changed;
   #now;
+  #drafts;
 
-  /** publish(type, value) resolves with whether it has gone out; changed() is called after each change. */
-  constructor({ publish, changed, now = Date.now }) {
+  /**
+   * publish(type, value) resolves with whether it has gone out; changed() is called after each change. drafts (get(id),
+   * set(id, draft)) keep what is typed and not sent.
+   */
+  constructor({ publish, changed, now = Date.now, drafts = new Map() }) {
     this.#publish = publish;
     this.#changed = changed;
     this.#now = now;
+    this.#drafts = drafts;
   }
 
   /** What to do with the presenter's messages, by type. */
@@ -49,6 +59,7 @@ export class Lesson {
     poll: (document) => this.#ask('poll', document),
     // The id is not looked at: a question is stopped by the id of its poll, which learners never see.
     pollStop: () => this.#stop(),
+    countdown: (left) => this.#countDown(left),
     pause: () => this.#pause(),
     resume: () => this.#resume(),
     heavy: () => this.#update({ expectsPicture: true }),
@@ -83,10 +94,18 @@ export class Lesson {
     return (activity?.answer ?? null) !== null || activity?.closed || assessment.maySkip || this.mayNavigate;
   }
 
+  /** The seconds until the question is closed; null when nobody knows. */
+  get closesIn() {
+    const { closesAt, closed } = this.activity ?? {};
+    return closesAt && !closed ? Math.max(0, Math.ceil((closesAt - this.#now()) / 1000)) : null;
+  }
+
   // --- what the learner does ---
 
   keepDraft(draft) {
-    if (this.activity) this.activity.draft = draft;
+    if (!this.activity) return;
+    this.activity.draft = draft;
+    if (this.activity.id) this.#drafts.set(this.activity.id, draft);
   }
 
   async answer(answer) {
@@ -99,6 +118,7 @@ export class Lesson {
     const sent = await this.#publish(type, value).catch(() => false);
     Object.assign(activity, { sending: false, failed: !sent });
     if (sent) Object.assign(activity, { answer, sent: { type, value }, draft: null, changing: false, wasAnsweredBefore: false });
+    if (sent && activity.id) this.#drafts.set(activity.id, null);
     this.#changed();
   }
 
@@ -141,9 +161,9 @@ export class Lesson {
     this.#update({ notice: null });
   }
 
-  /** From a card back to the question that is still open. */
+  /** From a card or from results back to the question that is still open. */
   backToQuestion() {
-    this.#update({ shows: 'question', card: null });
+    this.#update({ shows: 'question', card: null, results: null });
   }
 
   /** To be called now and then while there is a time limit. */
@@ -171,13 +191,13 @@ export class Lesson {
     if (isOurs) this.assessment.show(this.activity);
     else if (!this.activity.wasAnsweredBefore) this.sendAgain();
     this.#unpause();
-    this.#update({ shows: 'question', card: null, review: null, notice: null, expectsPicture: false });
+    this.#update({ shows: 'question', card: null, review: null, results: null, notice: null, expectsPicture: false });
   }
 
   #asLeft(activity) {
     const { document, number } = activity;
     const known = [this.activity, this.assessment?.at(number)].find((one) => activity.isSameAs(one));
-    if (!known) return activity;
+    if (!known) return Object.assign(activity, { draft: this.#drafts.get(activity.id) ?? null });
     return new Activity({ ...known.toJSON(), document, number, closed: false, wasAnsweredBefore: undefined }, this.#now);
   }
 
@@ -185,6 +205,13 @@ export class Lesson {
     this.#unpause();
     if (this.activity) this.activity.closed = true;
     this.#update({ shows: this.shows === 'question' ? 'stopped' : this.shows, notice: null });
+  }
+
+  // Of the question that is on: devices are not told the id of each poll.
+  #countDown(left) {
+    if (!this.activity || this.activity.closed) return;
+    this.activity.closesAt = this.#now() + 1000 * wholeNumber(left?.seconds, 0, MOST_SECONDS);
+    this.#changed();
   }
 
   #watches() {
@@ -210,8 +237,10 @@ export class Lesson {
     if (isObject(card)) this.#update({ shows: 'card', card, notice: null, expectsPicture: false });
   }
 
-  #showDialog({ text, isDismissible }) {
-    this.#update({ notice: { text: textOf(text), dismissible: isDismissible === true } });
+  #showDialog({ text, isDismissible, results }) {
+    const drawn = resultsFrom(results);
+    if (drawn) this.#update({ shows: 'results', results: drawn, card: null, review: null, notice: null });
+    else this.#update({ notice: { text: textOf(text), dismissible: isDismissible === true } });
   }
 
   #showReview({ text }) {
@@ -236,14 +265,14 @@ export class Lesson {
   // --- over a reload ---
 
   toJSON() {
-    const { shows, activity, assessment, card, review, notice, paused } = this;
-    return { shows, activity, assessment, card, review, notice, paused };
+    const { shows, activity, assessment, card, review, results, notice, paused } = this;
+    return { shows, activity, assessment, card, review, results, notice, paused };
   }
 
   restore(saved) {
     if (!isObject(saved)) return;
     const { card, review, notice, paused } = saved;
-    Object.assign(this, { card, review, notice, paused });
+    Object.assign(this, { card, review, results: resultsFrom(saved.results), notice, paused });
     this.assessment = Assessment.from(saved.assessment, this.#now);
     this.activity = isObject(saved.activity?.document) ? new Activity(saved.activity, this.#now) : null;
     if (this.assessment && this.activity?.number > 0) this.assessment.keep(this.activity);
