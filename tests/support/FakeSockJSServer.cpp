@@ -1,32 +1,15 @@
 #include "support/FakeSockJSServer.h"
 
-#include "support/ScriptedHttpServer.h"
 #include "support/WaitFor.h"
 
 #include <QCryptographicHash>
-#include <QHostAddress>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QTcpSocket>
 #include <QWebSocket>
 
-#include <sys/socket.h>
+#include <algorithm>
 
 namespace {
-
-void reset(QTcpSocket* socket)
-{
-    const linger atOnce = {1, 0};
-    setsockopt(int(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce, sizeof(atOnce));
-    socket->abort();
-}
-
-QByteArray answer(const char* status, const QByteArray& body)
-{
-    return QByteArray("HTTP/1.1 ") + status +
-           "\r\nContent-Type: text/plain\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" +
-           body;
-}
 
 QByteArray upgradeAnswer(const QByteArray& key)
 {
@@ -45,57 +28,19 @@ QByteArray rawFrame(const QString& text)
     return QByteArray("\x81", 1) + char(payload.size()) + payload;
 }
 
-bool parseHead(const QByteArray& head, FakeSockJSServer::Request* request)
-{
-    auto lines = head.split('\n');
-    const auto first = lines.takeFirst().trimmed().split(' ');
-    if (first.size() != 3)
-        return false;
-    request->method = first.at(0);
-    request->path = QString::fromUtf8(first.at(1));
-    for (const auto& line : qAsConst(lines)) {
-        const auto colon = line.indexOf(':');
-        if (colon > 0)
-            request->headers.insert(line.left(colon).toLower(), line.mid(colon + 1).trimmed());
-    }
-    return true;
-}
-
 } // namespace
 
-QString FakeSockJSServer::Request::sessionId() const
+FakeSockJSServer::FakeSockJSServer() : m_webSockets(QStringLiteral("fake"), QWebSocketServer::NonSecureMode)
 {
-    return path.section(QLatin1Char('/'), -2, -2);
-}
-
-QString FakeSockJSServer::Request::base() const
-{
-    return path.section(QLatin1Char('/'), 0, -3);
-}
-
-FakeSockJSServer::FakeSockJSServer(QObject* parent)
-    : QObject(parent), m_webSockets(QStringLiteral("fake"), QWebSocketServer::NonSecureMode)
-{
-    connect(&m_listener, &QTcpServer::newConnection, this, &FakeSockJSServer::onNewConnection);
     connect(&m_webSockets, &QWebSocketServer::newConnection, this, &FakeSockJSServer::onWebSocket);
-    if (!m_listener.listen(QHostAddress::LocalHost))
-        qFatal("The fake server cannot listen on loopback.");
 }
 
 FakeSockJSServer::~FakeSockJSServer()
 {
     // The ends of these sockets are no news to a server that is going.
-    const auto sockets = findChildren<QAbstractSocket*>() + m_listener.findChildren<QAbstractSocket*>();
-    for (auto* socket : sockets)
-        socket->disconnect(this);
     const auto webSockets = findChildren<QWebSocket*>();
     for (auto* socket : webSockets)
         socket->disconnect(this);
-}
-
-quint16 FakeSockJSServer::port() const
-{
-    return m_listener.serverPort();
 }
 
 QUrl FakeSockJSServer::url(const QString& path, const QString& scheme) const
@@ -108,44 +53,29 @@ QUrl FakeSockJSServer::url(const QString& path, const QString& scheme) const
     return url;
 }
 
-void FakeSockJSServer::setUpgrades(const QList<Upgrade>& upgrades)
-{
-    m_upgrades = upgrades;
-}
-
-void FakeSockJSServer::setFirstFrames(const QStringList& frames)
-{
-    m_firstFrames = frames;
-}
-
 void FakeSockJSServer::answerUpgrade()
 {
-    m_waiting.removeAll(nullptr);
-    if (!m_waiting.isEmpty()) {
+    while (!m_waiting.isEmpty()) {
+        const auto waiting = m_waiting.takeFirst();
         m_current = Open;
-        upgrade(m_waiting.takeFirst());
+        if (waiting.first)
+            return upgrade(waiting.first, waiting.second);
     }
-}
-
-void FakeSockJSServer::stopListening()
-{
-    m_listener.close();
 }
 
 QStringList FakeSockJSServer::paths() const
 {
     QStringList paths;
     for (const auto& request : m_requests)
-        paths.append(request.path);
+        paths.append(QString::fromUtf8(request.path));
     return paths;
 }
 
 int FakeSockJSServer::count(const QString& suffix) const
 {
-    int found = 0;
-    for (const auto& request : m_requests)
-        found += request.path.endsWith(suffix) ? 1 : 0;
-    return found;
+    const auto all = paths();
+    return int(
+        std::count_if(all.begin(), all.end(), [&](const auto& path) { return path.endsWith(suffix); }));
 }
 
 QString FakeSockJSServer::nextFrame()
@@ -210,89 +140,47 @@ void FakeSockJSServer::injectHalf()
     else if (m_stream)
         m_stream->write("ff\r\na[\"ha");
     else if (m_poll)
-        m_poll->write(answer("200 OK", "a[\"half\"]\n").chopped(5));
+        m_poll->write(HttpText::plain("a[\"half\"]\n").chopped(5));
 }
 
 void FakeSockJSServer::dropConnections()
 {
-    const auto sockets = m_listener.findChildren<QTcpSocket*>();
+    const auto sockets = findChildren<QTcpSocket*>();
     for (auto* socket : sockets)
         socket->abort();
 }
 
 int FakeSockJSServer::openConnections() const
 {
-    int open = 0;
-    const auto sockets = m_listener.findChildren<QTcpSocket*>();
-    for (const auto* socket : sockets)
-        open += socket->state() == QAbstractSocket::UnconnectedState ? 0 : 1;
-    return open;
+    const auto sockets = findChildren<QTcpSocket*>();
+    return int(std::count_if(sockets.begin(), sockets.end(), [](const auto* socket) {
+        return socket->state() != QAbstractSocket::UnconnectedState;
+    }));
 }
 
-void FakeSockJSServer::onNewConnection()
+void FakeSockJSServer::onRequest(HttpConnection* connection, const HttpServer::Request& received)
 {
-    while (auto* socket = m_listener.nextPendingConnection()) {
-        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1); // or small frames wait for one another
-        connect(socket, &QTcpSocket::readyRead, this, [this, socket] { onReadyRead(socket); });
-        connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-        onReadyRead(socket);
-    }
-}
-
-void FakeSockJSServer::onReadyRead(QTcpSocket* socket)
-{
-    QPointer<QTcpSocket> guard(socket);
     Request request;
-    while (guard && socket != m_raw && readRequest(socket, &request)) {
-        m_requests.append(request);
-        emit requested(request.path);
-        if (guard)
-            handle(socket, request);
-        if (request.headers.contains("upgrade"))
-            return;
-        request = Request();
-    }
-}
-
-// An upgrade stays in the socket, for the WebSocket server to read.
-bool FakeSockJSServer::readRequest(QTcpSocket* socket, Request* request)
-{
-    while (socket->peek(2) == "\r\n")
-        socket->read(2);
-    const auto data = socket->peek(socket->bytesAvailable());
-    const auto end = data.indexOf("\r\n\r\n");
-    if (end < 0 || !parseHead(data.left(end), request))
-        return false;
-    if (request->headers.contains("upgrade")) {
-        socket->disconnect(this);
-        return true;
-    }
-    const auto length = request->headers.value("content-length").toInt();
-    if (data.size() < end + 4 + length)
-        return false;
-    request->body = data.mid(end + 4, length);
-    socket->read(end + 4 + length);
-    return true;
-}
-
-void FakeSockJSServer::handle(QTcpSocket* socket, const Request& request)
-{
-    if (request.headers.contains("upgrade"))
-        handleUpgrade(socket, request);
-    else
-        handlePost(socket, request);
+    static_cast<HttpServer::Request&>(request) = received;
+    m_requests.append(request);
+    const QPointer<HttpConnection> guard(connection);
+    emit requested(QString::fromUtf8(request.path));
+    if (guard && request.headers.contains("upgrade"))
+        handleUpgrade(connection, request);
+    else if (guard)
+        handlePost(connection->socket(), request);
 }
 
 void FakeSockJSServer::handlePost(QTcpSocket* socket, const Request& request)
 {
-    if (request.path.endsWith(QLatin1String("/xhr_send"))) {
+    if (request.path.endsWith("/xhr_send")) {
         m_unread.append(QString::fromUtf8(request.body));
         if (!m_holdsPosts)
             socket->write("HTTP/1.1 204 No Content\r\n\r\n");
         return;
     }
-    const bool streaming = request.path.endsWith(QLatin1String("/xhr_streaming"));
-    if (!streaming && !request.path.endsWith(QLatin1String("/xhr")))
+    const bool streaming = request.path.endsWith("/xhr_streaming");
+    if (!streaming && !request.path.endsWith("/xhr"))
         return;
     if (m_polledSession != request.sessionId()) {
         // One that is being ended, while another has begun: there is nothing for it any more.
@@ -305,25 +193,24 @@ void FakeSockJSServer::handlePost(QTcpSocket* socket, const Request& request)
     m_webSocket = nullptr;
     m_raw = nullptr;
     m_poll = streaming ? nullptr : socket;
-    m_stream = nullptr;
+    m_stream = streaming ? socket : nullptr;
     if (streaming)
-        beginStream(socket);
+        beginStream();
     else
         answerPoll();
 }
 
-void FakeSockJSServer::beginStream(QTcpSocket* socket)
+void FakeSockJSServer::beginStream()
 {
-    m_stream = socket;
-    socket->write(HttpText::chunkedHead() + HttpText::chunk(HttpText::prelude()));
+    m_stream->write(HttpText::chunkedHead() + HttpText::chunk(HttpText::prelude()));
     while (!m_pollFrames.isEmpty())
-        socket->write(HttpText::chunk(m_pollFrames.takeFirst().toUtf8() + '\n'));
+        m_stream->write(HttpText::chunk(m_pollFrames.takeFirst().toUtf8() + '\n'));
 }
 
 void FakeSockJSServer::answerPoll()
 {
     if (m_poll && !m_pollFrames.isEmpty()) {
-        m_poll->write(answer("200 OK", m_pollFrames.takeFirst().toUtf8() + '\n'));
+        m_poll->write(HttpText::plain(m_pollFrames.takeFirst().toUtf8() + '\n'));
         m_poll = nullptr;
     }
 }
@@ -333,60 +220,61 @@ FakeSockJSServer::Upgrade FakeSockJSServer::takeUpgrade()
     return m_upgrades.size() > 1 ? m_upgrades.takeFirst() : m_upgrades.first();
 }
 
-void FakeSockJSServer::handleUpgrade(QTcpSocket* socket, const Request& request)
+void FakeSockJSServer::handleUpgrade(HttpConnection* connection, const Request& request)
 {
+    using HttpText::plain;
     m_current = takeUpgrade();
+    QTcpSocket* socket = connection->socket();
     switch (m_current) {
     case Open:
     case Mute:
     case CloseAfterUpgrade:
-        return upgrade(socket);
+        return upgrade(connection, request);
     case OpenInSamePacket:
-        return upgradeByHand(socket, request, m_firstFrames);
+        return upgradeByHand(connection, request, m_firstFrames);
+    case Deaf:
+        upgradeByHand(connection, request, {});
+        return socket->setReadBufferSize(1);
     case EndAfterUpgrade:
-        upgradeByHand(socket, request, {});
+        upgradeByHand(connection, request, {});
         return socket->disconnectFromHost();
     case ResetAfterUpgrade:
-        upgradeByHand(socket, request, {});
+        upgradeByHand(connection, request, {});
         socket->flush();
-        return reset(socket);
+        return connection->reset();
     case Refuse403:
-        socket->write(answer("403 Forbidden", "no"));
-        return;
+        return connection->append({HttpScript::send(plain("no", {}, "403 Forbidden"))});
     case Refuse404:
-        socket->write(answer("404 Not Found", "none"));
-        return;
+        return connection->append({HttpScript::send(plain("none", {}, "404 Not Found"))});
     case Answer200:
-        socket->write(answer("200 OK", "Welcome to SockJS!\n"));
-        return;
+        return connection->append({HttpScript::send(plain("Welcome to SockJS!\n"))});
     case AnswerGarbage:
-        socket->write("\x16\x03\x01 not HTTP\r\n\r\n");
-        return;
+        return connection->append({HttpScript::send("\x16\x03\x01 not HTTP\r\n\r\n")});
     case EndInstead:
         return socket->disconnectFromHost();
     case ResetInstead:
-        return reset(socket);
+        return connection->reset();
     case Silent:
-        m_waiting.append(socket);
+        m_waiting.append({connection, request});
         return;
     }
 }
 
-void FakeSockJSServer::upgrade(QTcpSocket* socket)
+void FakeSockJSServer::upgrade(HttpConnection* connection, const Request& request)
 {
-    socket->disconnect(socket); // from here on it belongs to its WebSocket
-    m_webSockets.handleConnection(socket);
+    m_webSockets.handleConnection(handOver(connection, request));
 }
 
-void FakeSockJSServer::upgradeByHand(QTcpSocket* socket, const Request& request, const QStringList& frames)
+void FakeSockJSServer::upgradeByHand(HttpConnection* connection, const Request& request,
+                                     const QStringList& frames)
 {
-    socket->readAll();
     m_webSocket = nullptr;
-    m_raw = socket;
-    auto bytes = upgradeAnswer(request.headers.value("sec-websocket-key"));
+    m_raw = connection->socket();
+    disconnect(m_raw, &QTcpSocket::readyRead, connection, nullptr); // nobody reads frames
+    auto bytes = upgradeAnswer(request.header("sec-websocket-key"));
     for (const auto& frame : frames)
         bytes += rawFrame(frame);
-    socket->write(bytes);
+    m_raw->write(bytes);
 }
 
 void FakeSockJSServer::onWebSocket()

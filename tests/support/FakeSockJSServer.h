@@ -1,26 +1,21 @@
 #pragma once
 
-#include <QByteArray>
-#include <QList>
-#include <QMap>
-#include <QObject>
+#include "support/HttpServer.h"
+
 #include <QPointer>
 #include <QSet>
 #include <QString>
 #include <QStringList>
-#include <QTcpServer>
 #include <QUrl>
 #include <QWebSocketServer>
 
-class QTcpSocket;
 class QWebSocket;
 
 /// The server's end of SockJS on loopback and a free port, for tests that script what a server does.
 ///
-/// WebSockets are those of a real QWebSocketServer; polling and streaming get just enough HTTP. It lives on
-/// the test's thread, whose event loop has to run for anything to happen. Every request and every frame is
-/// recorded.
-class FakeSockJSServer : public QObject
+/// WebSockets are those of a real QWebSocketServer; polling and streaming get just enough HTTP. Every request
+/// and every frame is recorded.
+class FakeSockJSServer : public HttpServer
 {
     Q_OBJECT
 
@@ -30,6 +25,7 @@ public:
         Open,              ///< upgraded, then the first frames
         OpenInSamePacket,  ///< upgraded, with the first frames in the same packet
         Mute,              ///< upgraded, and not a frame
+        Deaf,              ///< upgraded, and not a byte is read from then on
         CloseAfterUpgrade, ///< upgraded, then closed as WebSockets are
         EndAfterUpgrade,   ///< upgraded, then the connection ends
         ResetAfterUpgrade, ///< upgraded, then the connection is reset
@@ -43,34 +39,35 @@ public:
     };
     Q_ENUM(Upgrade)
 
-    struct Request
+    struct Request : HttpServer::Request
     {
-        QByteArray method;
-        QString path;                         // as it was sent
-        QMap<QByteArray, QByteArray> headers; // names in lower case
-        QByteArray body;
-
         /// The SockJS session id in the path.
-        QString sessionId() const;
+        QString sessionId() const { return part(-2, -2); }
         /// The path up to the session id.
-        QString base() const;
+        QString base() const { return part(0, -3); }
+
+    private:
+        QString part(int first, int last) const
+        {
+            return QString::fromUtf8(path).section(QLatin1Char('/'), first, last);
+        }
     };
 
-    explicit FakeSockJSServer(QObject* parent = nullptr);
+    FakeSockJSServer();
     ~FakeSockJSServer() override;
 
-    quint16 port() const;
+    quint16 port() const { return serverPort(); }
     QUrl url(const QString& path = QString(), const QString& scheme = QStringLiteral("http")) const;
 
     /// One for each upgrade, in order; the last one stands for all that follow.
-    void setUpgrades(const QList<Upgrade>& upgrades);
+    void setUpgrades(const QList<Upgrade>& upgrades) { m_upgrades = upgrades; }
     void setUpgrade(Upgrade upgrade) { setUpgrades({upgrade}); }
     /// What a new session gets at once; "o" unless set.
-    void setFirstFrames(const QStringList& frames);
+    void setFirstFrames(const QStringList& frames) { m_firstFrames = frames; }
     /// Upgrades the connection that has been left without an answer longest.
     void answerUpgrade();
     /// No new connections from now on.
-    void stopListening();
+    void stopListening() { close(); }
 
     QList<Request> requests() const { return m_requests; }
     QStringList paths() const;
@@ -113,21 +110,19 @@ Q_SIGNALS:
     /// A request has come and has not been answered yet.
     void requested(QString path);
 
+protected:
+    void onRequest(HttpConnection* connection, const HttpServer::Request& request) override;
+
 private:
-    void onNewConnection();
-    void onReadyRead(QTcpSocket* socket);
-    bool readRequest(QTcpSocket* socket, Request* request);
-    void handle(QTcpSocket* socket, const Request& request);
     void handlePost(QTcpSocket* socket, const Request& request);
-    void handleUpgrade(QTcpSocket* socket, const Request& request);
+    void handleUpgrade(HttpConnection* connection, const Request& request);
     Upgrade takeUpgrade();
-    void upgrade(QTcpSocket* socket);
-    void upgradeByHand(QTcpSocket* socket, const Request& request, const QStringList& frames);
+    void upgrade(HttpConnection* connection, const Request& request);
+    void upgradeByHand(HttpConnection* connection, const Request& request, const QStringList& frames);
     void onWebSocket();
-    void beginStream(QTcpSocket* socket);
+    void beginStream();
     void answerPoll();
 
-    QTcpServer m_listener;
     QWebSocketServer m_webSockets;
     QList<Upgrade> m_upgrades{Open};
     Upgrade m_current = Open;
@@ -135,10 +130,10 @@ private:
     QList<Request> m_requests;
     QStringList m_unread;
     QPointer<QWebSocket> m_webSocket;
-    QPointer<QTcpSocket> m_raw;            // a WebSocket that was upgraded by hand
-    QPointer<QTcpSocket> m_poll;           // a poll without an answer
-    QPointer<QTcpSocket> m_stream;         // a streamed answer
-    QList<QPointer<QTcpSocket>> m_waiting; // upgrades without an answer
+    QPointer<QTcpSocket> m_raw;                                // a WebSocket that was upgraded by hand
+    QPointer<QTcpSocket> m_poll;                               // a poll without an answer
+    QPointer<QTcpSocket> m_stream;                             // a streamed answer
+    QList<QPair<QPointer<HttpConnection>, Request>> m_waiting; // upgrades without an answer
     QStringList m_pollFrames;
     QString m_polledSession;
     QSet<QString> m_pastSessions;

@@ -1,8 +1,8 @@
 #include "transport/HttpResponseParser.h"
 
+#include "support/HttpServer.h"
 #include "support/Recordings.h"
 #include "support/Rows.h"
-#include "support/ScriptedHttpServer.h"
 
 #include <QStringList>
 #include <QtTest>

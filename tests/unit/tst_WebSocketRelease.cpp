@@ -4,11 +4,8 @@
 #include "support/TimerClock.h"
 #include "support/WaitFor.h"
 
-#include <QCryptographicHash>
 #include <QPointer>
 #include <QSignalSpy>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
 #include <QWebSocket>
 
@@ -36,41 +33,6 @@ QUrl busUrl(quint16 port)
 {
     return QUrl(QStringLiteral("ws://127.0.0.1:%1/bus/119/abcdefgh/websocket").arg(port));
 }
-
-// Upgrades a connection, and reads nothing from then on.
-class DeafServer : public QTcpServer
-{
-public:
-    DeafServer()
-    {
-        listen(QHostAddress::LocalHost);
-        connect(this, &QTcpServer::newConnection, this, [this] {
-            m_peer = nextPendingConnection();
-            connect(m_peer, &QTcpSocket::readyRead, this, [this] { upgrade(); });
-        });
-    }
-
-private:
-    void upgrade()
-    {
-        m_request += m_peer->readAll();
-        if (!m_request.endsWith("\r\n\r\n"))
-            return;
-        m_peer->disconnect(this);
-        m_peer->setReadBufferSize(1);
-        const QByteArray name("Sec-WebSocket-Key: ");
-        const int at = m_request.indexOf(name) + name.size();
-        const QByteArray key = m_request.mid(at, m_request.indexOf('\r', at) - at);
-        const QByteArray accept =
-            QCryptographicHash::hash(key + "258EAFA5-E914-47DA-95CA-C5AB0DC85B11", QCryptographicHash::Sha1);
-        m_peer->write("HTTP/1.1 101 Switching Protocols\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
-                      "Sec-WebSocket-Accept: " +
-                      accept.toBase64() + "\r\n\r\n");
-    }
-
-    QTcpSocket* m_peer = nullptr;
-    QByteArray m_request;
-};
 
 enum Stage { New, BeforeTheUpgrade, Open, Ended };
 
@@ -178,8 +140,8 @@ private Q_SLOTS:
 
     void peerThatDoesNotReadIsLeft()
     {
-        const DeafServer deaf;
-        m_socket->open(busUrl(deaf.serverPort()));
+        m_server->setUpgrade(FakeSockJSServer::Deaf);
+        m_socket->open(busUrl(m_server->port()));
         QVERIFY(waitFor([&] { return m_socket->state() == QAbstractSocket::ConnectedState; }));
         m_socket->sendTextMessage(QString(16 * 1024 * 1024, QLatin1Char('x'))); // more than fits in between
         releaseWebSocket(m_socket);
