@@ -1,5 +1,3 @@
-#include "support/Rows.h"
-
 #include "compression/LzmaBlock.h"
 
 #include <LzmaEnc.h>
@@ -9,6 +7,8 @@
 #include <QtEndian>
 
 #include <malloc.h>
+
+#include <thread>
 
 namespace {
 
@@ -27,11 +27,6 @@ QByteArray encoded(const QByteArray& bytes)
 {
     LzmaBlock::Buffer block;
     return LzmaBlock::encode(bytesOf(bytes), size_t(bytes.size()), &block) ? copyOf(block) : QByteArray();
-}
-
-QString encoded64(const QByteArray& bytes)
-{
-    return QString::fromLatin1(encoded(bytes).toBase64());
 }
 
 QByteArray decoded(const QByteArray& block)
@@ -76,34 +71,13 @@ QByteArray mixedBytes(QRandomGenerator& random, int size)
 
 } // namespace
 
-/// Blocks as bytes. What stands in a block, and blocks that lie, are in tst_Lzma, tst_LzmaHostile and
-/// tst_LzmaMemory.
+/// What the coders keep from one block to the next of a thread: nobody can tell. Blocks themselves are in
+/// tst_Lzma.
 class tst_LzmaBlock : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void bytesComeBackAsTheyWere_data()
-    {
-        rows<QByteArray>({
-            {"none", ""},
-            {"one", "a"},
-            {"with NULs", QByteArray("\0a\0", 3)},
-            {"not UTF-8", "\xff\xfe\x80"},
-            {"more than the first piece of memory", QByteArray("0123456789abcdef").repeated(2000)},
-        });
-    }
-
-    void bytesComeBackAsTheyWere()
-    {
-        const auto [bytes] = row<QByteArray>();
-        const QByteArray block = encoded(bytes);
-        QVERIFY(!block.isEmpty());
-        LzmaBlock::Buffer text;
-        QVERIFY(LzmaBlock::decode(bytesOf(block), size_t(block.size()), &text));
-        QCOMPARE(copyOf(text), bytes);
-    }
-
     void thereIsRoomForOneMoreByte()
     {
         constexpr int full = 24; // the allocator has no byte to spare behind so many
@@ -112,54 +86,6 @@ private Q_SLOTS:
         QVERIFY(LzmaBlock::decode(bytesOf(block), size_t(block.size()), &text));
         QCOMPARE(text.size, size_t(full));
         QVERIFY(malloc_usable_size(text.bytes.get()) > text.size);
-    }
-
-    void base64IsThatOfTheBlock_data() { bytesComeBackAsTheyWere_data(); }
-
-    void base64IsThatOfTheBlock()
-    {
-        const auto [bytes] = row<QByteArray>();
-        QString base64;
-        QVERIFY(LzmaBlock::encode64(bytes, &base64));
-        QCOMPARE(base64, encoded64(bytes));
-    }
-
-    void textEndsAtItsFirstNul_data()
-    {
-        rows<QByteArray, QByteArray>({
-            {"none", "abc", "abc"},
-            {"in the middle", QByteArray("abc\0def", 7), "abc"},
-            {"at the end", QByteArray("abc\0", 4), "abc"},
-            {"at the beginning", QByteArray("\0abc", 4), ""},
-            {"before what is not ASCII", QByteArray("abc\0\xff", 5), "abc"},
-            {"nothing else", "", ""},
-        });
-    }
-
-    void textEndsAtItsFirstNul()
-    {
-        const auto [bytes, text] = row<QByteArray, QByteArray>();
-        QByteArray utf8("before");
-        QVERIFY(LzmaBlock::decode64(encoded64(bytes), &utf8));
-        QCOMPARE(utf8, text);
-    }
-
-    void textIsUtf8_data()
-    {
-        columns<QByteArray, QByteArray>();
-        const QByteArray replaced("\xef\xbf\xbd");
-        QTest::newRow("two to four bytes") << QByteArray(u8"äb漢😀") << QByteArray(u8"äb漢😀");
-        QTest::newRow("Latin-1") << QByteArray("a\xe4z") << 'a' + replaced + 'z';
-        QTest::newRow("cut") << QByteArray("a\xe6\xbc") << 'a' + replaced + replaced;
-        QTest::newRow("mark of the byte order") << QByteArray("\xef\xbb\xbfz") << QByteArray("z");
-    }
-
-    void textIsUtf8()
-    {
-        const auto [bytes, text] = row<QByteArray, QByteArray>();
-        QByteArray utf8;
-        QVERIFY(LzmaBlock::decode64(encoded64(bytes), &utf8));
-        QCOMPARE(utf8, text);
     }
 
     // The decoder's tables are kept from block to block, and set back where a block has changed them.
@@ -179,36 +105,17 @@ private Q_SLOTS:
         }
     }
 
-    void failureLeavesTheResultAsItWas_data()
+    // So are the encoder's.
+    void blocksDoNotDependOnThoseBefore()
     {
-        columns<QByteArray>();
-        const QByteArray sound = encoded("a text that is long enough to be cut");
-        QTest::newRow("empty") << QByteArray("");
-        QTest::newRow("no block") << QByteArray("a text that is not compressed at all");
-        QTest::newRow("header alone") << sound.left(13);
-        QTest::newRow("cut in the middle") << sound.left(sound.size() / 2);
-    }
-
-    void failureLeavesTheResultAsItWas()
-    {
-        const auto [block] = row<QByteArray>();
-        LzmaBlock::Buffer text;
-        QVERIFY(!LzmaBlock::decode(bytesOf(block), size_t(block.size()), &text));
-        QVERIFY(!text.bytes);
-        QCOMPARE(text.size, size_t(0));
-
-        QByteArray utf8("before");
-        QVERIFY(!LzmaBlock::decode64(QString::fromLatin1(block.toBase64()), &utf8));
-        QCOMPARE(utf8, QByteArray("before"));
-    }
-
-    void foreignCharactersOfBase64AreSkipped()
-    {
-        QString base64 = encoded64("text");
-        base64.insert(5, QStringLiteral("\r\n")).prepend(QLatin1Char(' ')).remove(QLatin1Char('='));
-        QByteArray utf8;
-        QVERIFY(LzmaBlock::decode64(base64, &utf8));
-        QCOMPARE(utf8, QByteArray("text"));
+        QRandomGenerator random(7);
+        for (int i = 0; i < 200; ++i) {
+            const QByteArray bytes = mixedBytes(random, random.bounded(random.bounded(2) ? 200 : 60000));
+            QByteArray afresh; // by a thread that has compressed nothing before
+            std::thread([&] { afresh = encoded(bytes); }).join();
+            QVERIFY(!afresh.isEmpty());
+            QCOMPARE(encoded(bytes), afresh);
+        }
     }
 };
 

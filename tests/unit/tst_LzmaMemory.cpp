@@ -62,7 +62,7 @@ QByteArray unmarked()
 // In KiB. Address space, unlike resident memory, also shows what was reserved and never touched.
 qint64 memory(const char* which)
 {
-    QFile status(QStringLiteral("/proc/self/status"));
+    QFile status("/proc/self/status");
     if (!status.open(QIODevice::ReadOnly))
         return -1;
     for (const QByteArray& line : status.readAll().split('\n')) {
@@ -101,16 +101,16 @@ private Q_SLOTS:
 
     void claimsTakeNoMemory_data()
     {
-        columns<QByteArray, bool>();
-
         QByteArray dictionary = marked();
         qToLittleEndian(0xFFFFFFFFU, dictionary.data() + 1);
-        QTest::newRow("200 MiB of output") << withSize(marked(), 200U << 20U) << true;
-        QTest::newRow("2 GiB of output") << withSize(marked(), 0x7FFFFFFFU) << true;
-        QTest::newRow("2 GiB of output, no marker") << withSize(unmarked(), 0x7FFFFFFFU) << false;
-        QTest::newRow("4 GiB of output") << withSize(marked(), 0xFFFFFFFFU) << false;
-        QTest::newRow("4 GiB of dictionary") << dictionary << true;
-        QTest::newRow("4 GiB of dictionary, 2 GiB of output") << withSize(dictionary, 0x7FFFFFFFU) << true;
+        rows<QByteArray, bool>({
+            {"200 MiB of output", withSize(marked(), 200U << 20U), true},
+            {"2 GiB of output", withSize(marked(), 0x7FFFFFFFU), true},
+            {"2 GiB of output, no marker", withSize(unmarked(), 0x7FFFFFFFU), false},
+            {"4 GiB of output", withSize(marked(), 0xFFFFFFFFU), false},
+            {"4 GiB of dictionary", dictionary, true},
+            {"4 GiB of dictionary, 2 GiB of output", withSize(dictionary, 0x7FFFFFFFU), true},
+        });
     }
 
     void claimsTakeNoMemory()
@@ -118,7 +118,7 @@ private Q_SLOTS:
         const auto [block, passes] = row<QByteArray, bool>();
         const QString base64 = QString::fromLatin1(block.toBase64());
         const qint64 before = memory("VmSize:");
-        QString out = QStringLiteral("before");
+        QString out = "before";
         QCOMPARE(Lzma::decompress64(base64, &out), passes);
         const qint64 growth = memory("VmPeak:") - before;
         QVERIFY2(growth < 64 * KIB_PER_MIB, qPrintable(QString::number(growth)));
@@ -162,7 +162,7 @@ private Q_SLOTS:
         Buffer buffer(nullptr, &std::free);
         QVERIFY(!decodes(block, &buffer));
         QVERIFY(!buffer);
-        QString out = QStringLiteral("before");
+        QString out = "before";
         QVERIFY(!Lzma::decompress64(QString::fromLatin1(block.toBase64()), &out));
         QCOMPARE(out, QStringLiteral("before"));
     }
