@@ -20,6 +20,8 @@ protected:
     LogRecorder& log() const { return m_session->log(); }
     /// Number of compressed publishes that were dropped.
     int dropped() const;
+    /// The next publish, when it is a compressed one of this type to this address, word for word.
+    Publish nextPublish(const char* address, const char* type);
     /// Starts a poll and returns the question that reaches the event bus; empty when something else does.
     QVariantMap startedQuestion(Calyx::PollType::POLL_TYPE type, Calyx::OrdinalType::ORDINAL_TYPE ordinal,
                                 int count, int extra = 0);

@@ -12,34 +12,8 @@
 
 #include <functional>
 #include <memory>
-#include <utility>
 
-namespace {
-
-// A host that does something the first time that it hears a signal.
-class Once : public QObject
-{
-    Q_OBJECT
-
-public:
-    explicit Once(const std::function<void()>& action) : m_action(action) {}
-    bool hasRun() const { return m_hasRun; }
-
-public Q_SLOTS:
-    void run()
-    {
-        if (!std::exchange(m_hasRun, true))
-            m_action();
-    }
-
-private:
-    std::function<void()> m_action;
-    bool m_hasRun = false;
-};
-
-} // namespace
-
-/// The end of a session, from either side, and hosts that bring it about from inside a slot.
+/// The end of a session, from either side.
 class TestPresenterCollabClose : public SessionTest
 {
     Q_OBJECT
@@ -86,11 +60,11 @@ private Q_SLOTS:
     {
         server().setUpgrade(Server::Mute);
         QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
-        collab()->open({QStringLiteral("websocket")});
+        collab()->open({"websocket"});
         collab()->close();
         QCOMPARE(dropped(), 1);
 
-        server().inject(QStringLiteral("o"));
+        server().inject("o");
 
         QTRY_COMPARE(server().endedSessions(), 1);
         QVERIFY2(server().unreadFrames().isEmpty(),
@@ -110,7 +84,7 @@ private Q_SLOTS:
             QTimer::singleShot(0, &server(), &Server::answerUpgrade);
         });
 
-        collab()->open({QStringLiteral("websocket")});
+        collab()->open({"websocket"});
 
         // Whether the wait ends or the channel still comes up: it is closed, and nothing was registered.
         QTRY_COMPARE(server().openConnections(), 0);
@@ -122,7 +96,7 @@ private Q_SLOTS:
     void openAfterACloseThatCameEarlyRegisters()
     {
         server().setUpgrades({Server::Mute, Server::Open});
-        collab()->open({QStringLiteral("websocket")});
+        collab()->open({"websocket"});
         collab()->close();
 
         QVERIFY(m_session->open()); // reads the registers
@@ -146,14 +120,15 @@ private Q_SLOTS:
 
     void aSecondOpenThatFailsEndsThePings_data()
     {
-        QTest::addColumn<bool>("ofTheConnector");
-        QTest::newRow("of the channel") << false;
-        QTest::newRow("of its connector") << true;
+        rows<bool>({
+            {"of the channel", false},
+            {"of its connector", true},
+        });
     }
 
     void aSecondOpenThatFailsEndsThePings()
     {
-        QFETCH(bool, ofTheConnector);
+        const auto [ofTheConnector] = row<bool>();
         QVERIFY(m_session->open());
         server().setUpgrade(Server::Refuse403);
 
@@ -161,7 +136,7 @@ private Q_SLOTS:
             collab()->connector()->open(server().url(), {SockJSConnector::WEBSOCKET});
             QVERIFY(QMetaObject::invokeMethod(collab(), "onPingTimer"));
         } else {
-            collab()->open({QStringLiteral("websocket")});
+            collab()->open({"websocket"});
         }
 
         QVERIFY(!pingTimer()->isActive());
@@ -173,7 +148,7 @@ private Q_SLOTS:
         QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
 
         collab()->close();
-        collab()->open({QStringLiteral("websocket")});
+        collab()->open({"websocket"});
 
         QCOMPARE(m_session->nextPublish().type, QStringLiteral("disconnect"));
         QVERIFY(m_session->readRegisters());
@@ -209,7 +184,7 @@ private Q_SLOTS:
         QVERIFY(m_session->open());
         const QString large(2000000, QLatin1Char('x'));
 
-        collab()->publishMessage(QStringLiteral("last"), large);
+        collab()->publishMessage("last", large);
         m_session->deleteCollab();
 
         const auto publish = m_session->nextPublish();
@@ -231,66 +206,13 @@ private Q_SLOTS:
         QVERIFY(!pingTimer()->isActive());
     }
 
-    void hostActsInASlot_data()
+    void deletionWhenALearnerIsRemoved()
     {
-        columns<QString, QByteArray, QString, QString>();
-
-        for (const char* action : {"delete", "close", "open"}) {
-            const auto add = [action](const char* sender, const char* signal, const char* trigger) {
-                QTest::addRow("%s in %s by %s", action, signal + 1, trigger)
-                    << sender << QByteArray(signal) << trigger << action;
-            };
-            add("session", SIGNAL(learnerPollResponse(QString, QString, int, QString)), "messages");
-            add("session", SIGNAL(learnerJoin(Learner)), "messages");
-            add("session", SIGNAL(learnerUnregister(QString)), "messages");
-            add("session", SIGNAL(learnerUnregister(QString)), "removeLearner");
-            add("session", SIGNAL(controllerRegister(bool)), "messages");
-            add("session", SIGNAL(remoteControl(RemoteControlMessage)), "messages");
-            add("session", SIGNAL(unhandledMessage(QVariantMap, QVariant)), "messages");
-            add("session", SIGNAL(connectionClosed(bool)), "close");
-            add("session", SIGNAL(connectionClosed(bool)), "the server");
-            add("connector", SIGNAL(connected()), "open");
-            add("connector", SIGNAL(sockJSMessage(QString)), "messages");
-            add("connector", SIGNAL(closed(bool)), "close");
-            add("connector", SIGNAL(closed(bool)), "the server");
-            add("handler", SIGNAL(learnerGetQuestion(QString, int)), "messages");
-        }
-    }
-
-    void hostActsInASlot()
-    {
-        const auto [sender, signal, trigger, action] = row<QString, QByteArray, QString, QString>();
-        if (trigger != QLatin1String("open"))
-            QVERIFY(m_session->open());
-        QSignalSpy ends(collab(), &PresenterCollab::connectionClosed);
-        Once host([&] { act(action); });
-        QObject* object = collab();
-        if (sender == QLatin1String("connector"))
-            object = collab()->connector();
-        else if (sender == QLatin1String("handler"))
-            object = collab()->messageHandler();
-        QVERIFY(connect(object, signal.constData(), &host, SLOT(run())));
-
-        bringAbout(trigger);
-        QTRY_VERIFY(host.hasRun());
-
-        if (action == QLatin1String("delete")) {
-            QVERIFY(!collab());
-            QTRY_COMPARE(server().openConnections(), 0);
-        } else if (action == QLatin1String("close")) {
-            QTRY_COMPARE(server().openConnections(), 0);
-            QTRY_COMPARE(ends.size(), 1);
-            QVERIFY(!collab()->isConnected());
-            QVERIFY(!pingTimer()->isActive());
-        } else {
-            QTRY_COMPARE(server().count(QStringLiteral("/websocket")), 2);
-            QTRY_VERIFY(collab()->isConnected());
-            QTRY_COMPARE(server().openConnections(), 1);
-            QVERIFY(m_session->syncInbound());
-            QVERIFY(collab()->isConnected());
-            QVERIFY(pingTimer()->isActive());
-            QVERIFY(ends.size() <= 1);
-        }
+        QVERIFY(m_session->open());
+        connect(collab(), &PresenterCollab::learnerUnregister, this, [this] { m_session->deleteCollab(); });
+        collab()->removeLearner("d1");
+        QVERIFY(!collab());
+        QTRY_COMPARE(server().openConnections(), 0);
     }
 
     void deletionDuringTheWait()
@@ -332,44 +254,6 @@ private Q_SLOTS:
 
 private:
     QTimer* pingTimer() const { return collab()->findChild<QTimer*>(QString(), Qt::FindDirectChildrenOnly); }
-
-    // A message for each inbound signal.
-    void receiveEverything()
-    {
-        const QVariantMap learner{{"token", "d1"}, {"type", "user"}};
-        const QVariantMap controller{{"token", "d2"}, {"type", "controller"}};
-        m_session->receive("pollResponse", "d1", {});
-        m_session->receive("join", "d1", {});
-        m_session->receive({{"action", "unregister"}, {"client", learner}});
-        m_session->receive({{"action", "unregister"}, {"client", controller}});
-        m_session->receive("pause", "d1", {});
-        m_session->receive("questionGet", "d1", {});
-        m_session->receive("somethingNew", "d1", {});
-    }
-
-    void bringAbout(const QString& trigger)
-    {
-        if (trigger == QLatin1String("open"))
-            collab()->open({QStringLiteral("websocket")});
-        else if (trigger == QLatin1String("close"))
-            collab()->close();
-        else if (trigger == QLatin1String("the server"))
-            server().closeSession();
-        else if (trigger == QLatin1String("removeLearner"))
-            collab()->removeLearner(QStringLiteral("d1"));
-        else
-            receiveEverything();
-    }
-
-    void act(const QString& action)
-    {
-        if (action == QLatin1String("delete"))
-            m_session->deleteCollab();
-        else if (action == QLatin1String("close"))
-            collab()->close();
-        else
-            collab()->open({QStringLiteral("websocket")});
-    }
 };
 
 QTEST_GUILESS_MAIN(TestPresenterCollabClose)

@@ -1,7 +1,9 @@
+#include "collab/CalyxCollabMessage.h"
 #include "model/QuestionYesNo.h"
 #include "support/Rows.h"
 #include "support/SessionTest.h"
 
+#include <QJsonDocument>
 #include <QTest>
 #include <QUuid>
 
@@ -21,7 +23,7 @@ const char* const documentText =
     R"("backgroundSize":"100%"},"components":[]},"unrespondedUsers":[]})";
 
 QString document(const QString& type, const QString& ordinal, const QString& options, const QString& id,
-                 const QString& token = QStringLiteral("abc"), const QString& image = QString())
+                 const QString& token = "abc", const QString& image = QString())
 {
     return QString::fromLatin1(documentText)
         .replace(QLatin1String("<type>"), type)
@@ -34,46 +36,175 @@ QString document(const QString& type, const QString& ordinal, const QString& opt
 
 } // namespace
 
-/// Polls that go out as documents, the ids that answers come back under, and the steering of a running poll.
+/// Polls that go out as questions or documents, the ids that answers come back under, and the steering of a
+/// running poll.
 class TestPresenterCollabPolls : public SessionTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void createsAQuestionForEachType()
+    {
+        for (int type = 0; type <= 15; ++type) {
+            auto* question = collab()->createPollQuestion(POLL_TYPE(type), ORDINAL_TYPE(5), 3, 1);
+            QCOMPARE(question != nullptr, type < 10 && type != 6 && type != 8);
+            QVERIFY(!question || question->parent() == collab());
+        }
+    }
+
+    void publishesAQuestionStart_data()
+    {
+        rows<int, QString, QString, QString, int>({
+            {"true-false", 0, "true-false", "3c476afbcfce45eda0b44df4737c3d27", "", 0},
+            {"yes-no-other", 1, "yes-no-other", "3c476afbcfce45eda0b44df4737c3d27", "", 0},
+            {"multiple", 2, "multiple", "8755bfc923cb492094df5c842a30da5f", "numberOfCorrectOptions", 2},
+            {"scale", 3, "scale", "c80eb89f2c7240fb83d53069bf4c1f2c", "", 0},
+            {"sort", 4, "sort", "be8a3a7f5d624a798ec54900385a9eb8", "", 0},
+            {"text", 5, "text", "6efc81c52cfe4502976de55df9af2f89", "maxChars", 0},
+            {"number", 7, "number", "24e7bda40c4140f896648511a5782466", "noOfDecimals", 3},
+            {"math formula", 9, "math formula", "9f31dd1a55374c49a3127b8f94a1f1a6", "", 0},
+        });
+    }
+
+    void publishesAQuestionStart()
+    {
+        const auto [type, name, activity, ownKey, ownValue] = row<int, QString, QString, QString, int>();
+        QVERIFY(m_session->open());
+
+        collab()->startPoll(POLL_TYPE(type), Calyx::OrdinalType::ALPHA_UPPER, 3, 2);
+
+        const auto publish = m_session->nextPublish();
+        QCOMPARE(publish.address, QStringLiteral("abc"));
+        QCOMPARE(publish.type, QStringLiteral("questionStart"));
+        QCOMPARE(publish.from, QStringLiteral("teacher-7"));
+        QCOMPARE(publish.body.value("version").toString(), QStringLiteral("3.0.0"));
+        QCOMPARE(publish.body.value("sourceSystem").toString(), QStringLiteral("Lumora"));
+        const auto question = publish.map();
+        QCOMPARE(question.value("type").toString(), name);
+        QCOMPARE(question.value("activityType"), QVariant(QVariantMap{{"id", activity}, {"name", name}}));
+        QCOMPARE(question.value("questionSetMode").toString(), QStringLiteral("Poll"));
+        QCOMPARE(question.value("card"), QVariant(QVariantMap{}));
+        if (!ownKey.isEmpty())
+            QCOMPARE(question.value(ownKey), QVariant(ownValue));
+        QCOMPARE(question.contains("activityOptions"), type <= 4);
+        QCOMPARE(log().debug("TRANSMIT: ").size(), 1);
+        QVERIFY(m_session->nothingWasSent());
+    }
+
+    void theWholeJsonOfAMultipleChoice()
+    {
+        QVERIFY(m_session->open());
+
+        const auto question =
+            startedQuestion(Calyx::PollType::MULTIPLE, Calyx::OrdinalType::ALPHA_UPPER, 4, 1);
+
+        QVariantList options;
+        for (int i = 0; i < 4; ++i) {
+            options.append(QVariantMap{{"displaySeqNumber", i + 1},
+                                       {"id", QString(QLatin1Char(char('A' + i)))},
+                                       {"math", false},
+                                       {"optionText", ""}});
+        }
+        const QVariant null = QVariant::fromValue(nullptr);
+        const QVariantList empty;
+        const QVariantMap feedBack{{"activityResponseStatus", null},
+                                   {"activityScoreStatus", null},
+                                   {"allowResubmit", true},
+                                   {"answer", null},
+                                   {"correctAnswer", null},
+                                   {"correctFeedback", null},
+                                   {"correctOptions", empty},
+                                   {"inCorrectFeedback", null},
+                                   {"jsonAnswer", null},
+                                   {"numberOfRetries", 0},
+                                   {"numberOfRetriesRemaining", 0},
+                                   {"optionAnswers", empty},
+                                   {"optionFeedbacks", empty},
+                                   {"remainingTime", null},
+                                   {"showCorrectAnswer", false},
+                                   {"showFeedback", false}};
+        const QVariantMap expected{
+            {"activityOptions", options},
+            {"activityType", QVariantMap{{"id", "8755bfc923cb492094df5c842a30da5f"}, {"name", "multiple"}}},
+            {"card", QVariantMap{}},
+            {"feedBack", feedBack},
+            {"hasNext", false},
+            {"hint", ""},
+            {"id", collab()->currentQuestionId()},
+            {"instructions", ""},
+            {"math", false},
+            {"metadata", QVariantMap{{"options", empty}, {"ordinalType", "alpha-upper"}}},
+            {"navigable", false},
+            {"numberOfCorrectOptions", 1},
+            {"passage", ""},
+            {"questionNumber", 0},
+            {"questionSetMode", "Poll"},
+            {"type", "multiple"}};
+        QCOMPARE(QJsonDocument::fromVariant(question).toJson(),
+                 QJsonDocument::fromVariant(expected).toJson());
+    }
+
+    void aQuestionCarriesTheCardImage_data()
+    {
+        rows<QByteArray, QString, QVariant>({
+            {"none", QByteArray(), QString(), QVariant()},
+            {"reference", QByteArray(), "http://h/p.png", QVariant("url('http://h/p.png')")},
+            {"empty reference", QByteArray(), "", QVariant("url('')")},
+            {"bytes", "png", QString(), QVariant("data:image/png;base64,cG5n")},
+            {"both", "png", "http://h/p.png", QVariant("data:image/png;base64,cG5n")},
+        });
+    }
+
+    void aQuestionCarriesTheCardImage()
+    {
+        const auto [bytes, reference, background] = row<QByteArray, QString, QVariant>();
+        QVERIFY(m_session->open());
+        collab()->setCardImage(bytes);
+        collab()->setCardImageRef(reference);
+
+        for (int type : {1, 5}) {
+            const auto question = startedQuestion(POLL_TYPE(type), Calyx::OrdinalType::YES_NO, 2);
+            const auto card = question.value("card").toMap();
+            if (background.isValid()) {
+                QCOMPARE(card.value("styles").toMap(), QVariantMap({{"backgroundColor", ""},
+                                                                    {"backgroundImage", background},
+                                                                    {"backgroundSize", "100%"}}));
+                QCOMPARE(card.value("id"), question.value("id"));
+                QCOMPARE(card.value("type").toString(), QStringLiteral("TEACHER"));
+            } else {
+                QVERIFY(question.contains("card"));
+                QVERIFY(card.isEmpty());
+            }
+        }
+    }
+
+    void theQuestionIsFreed()
+    {
+        QVERIFY(m_session->open());
+        collab()->setCardImageRef("p.png");
+        const auto children = collab()->findChildren<QObject*>().size();
+
+        startedQuestion(Calyx::PollType::MULTIPLE, Calyx::OrdinalType::ALPHA_UPPER, 4);
+        startedQuestion(Calyx::PollType::TEXT, Calyx::OrdinalType::ALPHA_UPPER, 4);
+
+        QTRY_VERIFY(collab()->findChildren<Calyx::QuestionBase*>().isEmpty());
+        QVERIFY(collab()->findChildren<Calyx::CalyxCollabMessage*>().isEmpty());
+        QCOMPARE(collab()->findChildren<QObject*>().size(), children);
+    }
+
     void publishesAPollDocument_data()
     {
-        columns<int, int, int, QString, QString, QString>();
-
-        const char* ordinals[] = {"true-false",   "yes-no",      "yes-no-maybe", "yes-no-unsure",
-                                  "yes-no-other", "alpha-upper", "alpha-lower",  "number",
-                                  "agreement",    "confidence",  "generic"};
-        for (int i = 0; i <= 10; ++i)
-            QTest::addRow("word-seed, %s", ordinals[i])
-                << 6 << i << 3 << "word-seed" << ordinals[i] << "0,1,2";
-        QTest::newRow("creative") << 8 << 7 << 1 << "creative"
-                                  << "number"
-                                  << "0";
-        QTest::newRow("no options") << 6 << 5 << 0 << "word-seed"
-                                    << "alpha-upper"
-                                    << "";
-        QTest::newRow("fewer than none") << 8 << 5 << -3 << "creative"
-                                         << "alpha-upper"
-                                         << "";
-        QTest::newRow("the least") << 6 << 5 << std::numeric_limits<int>::min() << "word-seed"
-                                   << "alpha-upper"
-                                   << "";
-        QTest::newRow("twelve") << 6 << 5 << 12 << "word-seed"
-                                << "alpha-upper"
-                                << "0,1,2,3,4,5,6,7,8,9,10,11";
-        QTest::newRow("unknown type") << 12 << 5 << 2 << ""
-                                      << "alpha-upper"
-                                      << "0,1";
-        QTest::newRow("unknown ordinal") << 6 << 14 << 2 << "word-seed"
-                                         << ""
-                                         << "0,1";
-        QTest::newRow("both unknown") << 15 << 15 << 0 << ""
-                                      << ""
-                                      << "";
+        constexpr int least = std::numeric_limits<int>::min();
+        rows<int, int, int, QString, QString, QString>({
+            {"creative", 8, 7, 1, "creative", "number", "0"},
+            {"no options", 6, 5, 0, "word-seed", "alpha-upper", ""},
+            {"fewer than none", 8, 5, -3, "creative", "alpha-upper", ""},
+            {"the least", 6, 5, least, "word-seed", "alpha-upper", ""},
+            {"twelve", 6, 5, 12, "word-seed", "alpha-upper", "0,1,2,3,4,5,6,7,8,9,10,11"},
+            {"unknown type", 12, 5, 2, "", "alpha-upper", "0,1"},
+            {"unknown ordinal", 6, 14, 2, "word-seed", "", "0,1"},
+            {"both unknown", 15, 15, 0, "", "", ""},
+        });
     }
 
     void publishesAPollDocument()
@@ -84,11 +215,8 @@ private Q_SLOTS:
 
         collab()->startPoll(POLL_TYPE(type), ORDINAL_TYPE(ordinal), count, 9);
 
-        const auto publish = m_session->nextPublish();
-        QCOMPARE(publish.text,
-                 LiveSession::compressedFrame(QStringLiteral("abc"), QStringLiteral("teacher-7"),
-                                              QStringLiteral("poll"), publish.base64));
-        QCOMPARE(publish.data, document(typeName, ordinalName, options, collab()->currentPollId()));
+        QCOMPARE(nextPublish("abc", "poll").data,
+                 document(typeName, ordinalName, options, collab()->currentPollId()));
         QVERIFY(m_session->nothingWasSent());
     }
 
@@ -105,29 +233,16 @@ private Q_SLOTS:
     void thePollDocumentCarriesTheCardImage()
     {
         const auto [bytes, reference, image] = row<QByteArray, QString, QString>();
+        m_session = std::make_unique<LiveSession>("t%4%7");
         QVERIFY(m_session->open());
         collab()->setCardImage(bytes);
         collab()->setCardImageRef(reference);
 
         collab()->startPoll(Calyx::PollType::WORD_SEED, Calyx::OrdinalType::GENERIC, 0, 0);
 
-        QCOMPARE(m_session->nextPublish().data,
-                 document(QStringLiteral("word-seed"), QStringLiteral("generic"), QString(),
-                          collab()->currentPollId(), QStringLiteral("abc"), image));
-    }
-
-    void placeholdersInValuesGoOutAsTheyAre()
-    {
-        m_session = std::make_unique<LiveSession>(QStringLiteral("t%4%7"));
-        QVERIFY(m_session->open());
-
-        collab()->startPoll(Calyx::PollType::CREATIVE, Calyx::OrdinalType::NUMBER, 2, 0);
-
-        const auto publish = m_session->nextPublish();
-        QCOMPARE(publish.address, QStringLiteral("t%4%7"));
-        QCOMPARE(publish.data,
-                 document(QStringLiteral("creative"), QStringLiteral("number"), QStringLiteral("0,1"),
-                          collab()->currentPollId(), QStringLiteral("t%4%7")));
+        const QString id = collab()->currentPollId();
+        QCOMPARE(nextPublish("t%4%7", "poll").data,
+                 document("word-seed", "generic", QString(), id, "t%4%7", image));
     }
 
     void eachPollHasAnIdOfItsOwn_data()
@@ -147,9 +262,8 @@ private Q_SLOTS:
         for (int i = 0; i < 5; ++i) {
             collab()->startPoll(POLL_TYPE(type), Calyx::OrdinalType::ALPHA_UPPER, 2, 1);
             const auto id = collab()->currentPollId();
-            QCOMPARE(id.size(), 36);
-            QVERIFY2(!id.contains(QLatin1Char('{')) && !id.contains(QLatin1Char('}')), qPrintable(id));
-            QVERIFY(!QUuid::fromString(id).isNull());
+            QCOMPARE(id, QUuid(id).toString(QUuid::WithoutBraces));
+            QVERIFY(!QUuid(id).isNull());
             QVERIFY(!ids.contains(id));
             ids.append(id);
             // The one before is not stopped.
@@ -173,84 +287,47 @@ private Q_SLOTS:
         QCOMPARE(m_session->nextPublish().type, QStringLiteral("poll"));
 
         Calyx::QuestionYesNo mine;
-        mine.setID(QStringLiteral("mine"));
+        mine.setID("mine");
         collab()->sendQuestion(&mine);
-        QCOMPARE(collab()->currentQuestionId(), QStringLiteral("mine"));
         collab()->pausePoll();
         collab()->resumePoll();
         collab()->sendHeavy();
         QCOMPARE(collab()->currentQuestionId(), QStringLiteral("mine"));
     }
 
-    void startPollKeepsTheCardImage()
-    {
-        collab()->setCardImageRef(QStringLiteral("p.png"));
-
-        collab()->startPoll(Calyx::PollType::WORD_SEED, Calyx::OrdinalType::GENERIC, 0, 0);
-        collab()->startPoll(Calyx::PollType::TEXT, Calyx::OrdinalType::GENERIC, 0, 0);
-
-        QCOMPARE(collab()->getCardImageRef(false), QStringLiteral("p.png"));
-    }
-
-    void stopPollPublishesTheIdAndForgets()
+    void pauseAndResumeKeepThePollAndStopForgetsIt()
     {
         QVERIFY(m_session->open());
-        startedQuestion(Calyx::PollType::TEXT, Calyx::OrdinalType::GENERIC, 0);
-        const auto id = collab()->currentPollId();
         collab()->setCardImage("png");
-        collab()->setCardImageRef(QStringLiteral("p.png"));
+        collab()->setCardImageRef("p.png");
+        startedQuestion(Calyx::PollType::TEXT, Calyx::OrdinalType::GENERIC, 0);
+        const QString id = collab()->currentPollId();
+        const QString quoted = '"' + id + '"';
+
+        collab()->pausePoll();
+        QCOMPARE(nextPublish("abc", "pause").data, quoted);
+        collab()->resumePoll();
+        QCOMPARE(nextPublish("abc", "resume").data, quoted);
+        QCOMPARE(collab()->currentPollId(), id);
+        collab()->setCardImage(QByteArray());
+        QCOMPARE(collab()->getCardImageRef(false), QStringLiteral("p.png"));
+        collab()->setCardImage("png");
 
         collab()->stopPoll();
-
-        const auto publish = m_session->nextPublish();
-        QCOMPARE(publish.text,
-                 LiveSession::compressedFrame(QStringLiteral("abc"), QStringLiteral("teacher-7"),
-                                              QStringLiteral("pollStop"), publish.base64));
-        QCOMPARE(publish.data, QLatin1Char('"') + id + QLatin1Char('"'));
+        QCOMPARE(nextPublish("abc", "pollStop").data, quoted);
         QVERIFY(collab()->currentPollId().isEmpty());
         m_session->forgetLog();
         QCOMPARE(collab()->getCardImageRef(true), QString());
-        QCOMPARE(log().debug(QStringLiteral("[PresenterCollab] No image reference has been set!")).size(), 1);
-    }
-
-    void stopPollWithoutAPollPublishesAnEmptyText()
-    {
-        QVERIFY(m_session->open());
+        QCOMPARE(log().debug("[PresenterCollab] No image reference has been set!").size(), 1);
 
         collab()->stopPoll();
-
-        const auto publish = m_session->nextPublish();
-        QCOMPARE(publish.type, QStringLiteral("pollStop"));
-        QCOMPARE(publish.data, QStringLiteral("\"\""));
+        QCOMPARE(nextPublish("abc", "pollStop").data, QStringLiteral("\"\""));
         QVERIFY(collab()->currentPollId().isEmpty());
-    }
-
-    void pauseAndResumePublishTheIdAndKeepIt()
-    {
-        QVERIFY(m_session->open());
-        collab()->setCardImageRef(QStringLiteral("p.png"));
-        startedQuestion(Calyx::PollType::TEXT, Calyx::OrdinalType::GENERIC, 0);
-        const auto id = collab()->currentPollId();
-
-        collab()->pausePoll();
-        auto publish = m_session->nextPublish();
-        QCOMPARE(publish.type, QStringLiteral("pause"));
-        QCOMPARE(publish.address, QStringLiteral("abc"));
-        QCOMPARE(publish.data, QLatin1Char('"') + id + QLatin1Char('"'));
-
-        collab()->resumePoll();
-        publish = m_session->nextPublish();
-        QCOMPARE(publish.type, QStringLiteral("resume"));
-        QCOMPARE(publish.address, QStringLiteral("abc"));
-        QCOMPARE(publish.data, QLatin1Char('"') + id + QLatin1Char('"'));
-
-        QCOMPARE(collab()->currentPollId(), id);
-        QCOMPARE(collab()->getCardImageRef(false), QStringLiteral("p.png"));
     }
 
     void pollsWhileDisconnectedAreDropped()
     {
-        collab()->setCardImageRef(QStringLiteral("p.png"));
+        collab()->setCardImageRef("p.png");
 
         collab()->startPoll(Calyx::PollType::WORD_SEED, Calyx::OrdinalType::GENERIC, 0, 0);
         QCOMPARE(dropped(), 1);
@@ -261,19 +338,12 @@ private Q_SLOTS:
         QCOMPARE(dropped(), 3);
         collab()->stopPoll();
         QCOMPARE(dropped(), 4);
-
         QVERIFY(collab()->currentPollId().isEmpty());
         QVERIFY(collab()->getCardImageRef(false).isEmpty());
-        QVERIFY(m_session->open());
-        QVERIFY(m_session->nothingWasSent());
-    }
 
-    void aQuestionWhileDisconnectedIsHandedOn()
-    {
         collab()->startPoll(Calyx::PollType::TEXT, Calyx::OrdinalType::GENERIC, 0, 0);
-
-        QCOMPARE(dropped(), 0);
-        QCOMPARE(log().debug(QStringLiteral("TRANSMIT: ")).size(), 1);
+        QCOMPARE(dropped(), 4); // a question is handed on
+        QCOMPARE(log().debug("TRANSMIT: ").size(), 1);
         QVERIFY(m_session->open());
         QVERIFY(m_session->nothingWasSent());
     }
