@@ -17,7 +17,7 @@ using namespace Calyx;
 
 namespace {
 
-const QString INVALID = QStringLiteral("[CalyxCollabMessage] data object in message is invalid!");
+const QString INVALID = "[CalyxCollabMessage] data object in message is invalid!";
 
 // The text inside of the one element of the data.
 QString decoded(const CalyxCollabMessage& message)
@@ -59,7 +59,7 @@ private Q_SLOTS:
             message.setdataobject(&object);
             QVERIFY(!object.parent());
         }
-        object.setObjectName(QStringLiteral("alive"));
+        object.setObjectName("alive");
         QCOMPARE(object.objectName(), QStringLiteral("alive"));
     }
 
@@ -80,15 +80,12 @@ private Q_SLOTS:
     void mapIsSerialisedAndCompressed_data()
     {
         rows<QVariant, QString>({
-            {"map",
-             QVariant(QVariantMap{{QStringLiteral("text"), QStringLiteral("Hi")},
-                                  {QStringLiteral("isDismissible"), true}}),
+            {"map", QVariant(QVariantMap{{"text", "Hi"}, {"isDismissible", true}}),
              "{\n    \"isDismissible\": true,\n    \"text\": \"Hi\"\n}\n"},
             {"empty map", QVariant(QVariantMap()), "{\n}\n"},
-            {"hash, which converts to a map", QVariant(QVariantHash{{QStringLiteral("a"), 1}}),
-             "{\n    \"a\": 1\n}\n"},
+            {"hash, which converts to a map", QVariant(QVariantHash{{"a", 1}}), "{\n    \"a\": 1\n}\n"},
             {"map of another type, which converts to a map",
-             QVariant::fromValue(QMap<QString, int>{{QStringLiteral("a"), 1}}), "{\n    \"a\": 1\n}\n"},
+             QVariant::fromValue(QMap<QString, int>{{"a", 1}}), "{\n    \"a\": 1\n}\n"},
         });
     }
 
@@ -106,7 +103,7 @@ private Q_SLOTS:
     {
         QObject plain;
         CalyxCollabMessage message;
-        message.setdata(QVariantMap{{QStringLiteral("text"), QStringLiteral("Hi")}});
+        message.setdata(QVariantMap{{"text", "Hi"}});
         message.setdataobject(&plain);
         message.compileData();
         QCOMPARE(decoded(message), QStringLiteral("{\n}\n"));
@@ -116,7 +113,7 @@ private Q_SLOTS:
     {
         rows<QVariant>({
             {"nothing", QVariant()},
-            {"text", QVariant(QStringLiteral("{\"a\":1}"))},
+            {"text", QVariant("{\"a\":1}")},
             {"number", QVariant(5)},
             {"list", QVariant(QVariantList{QVariantMap()})},
             {"bytes", QVariant(QByteArray("{}"))},
@@ -159,7 +156,7 @@ private Q_SLOTS:
         const QVariant first = message.data();
         message.compileData();
         QCOMPARE(message.data(), first);
-        question.sethint(QStringLiteral("changed"));
+        question.sethint("changed");
         message.compileData();
         QCOMPARE(decoded(message), JsonSerializer::serializeToJson(&question));
     }
@@ -167,7 +164,7 @@ private Q_SLOTS:
     void compilingTwiceWithoutAnObjectKeepsTheList()
     {
         CalyxCollabMessage message;
-        message.setdata(QVariantMap{{QStringLiteral("a"), 1}});
+        message.setdata(QVariantMap{{"a", 1}});
         message.compileData();
         const QVariant first = message.data();
         message.compileData();
@@ -178,12 +175,12 @@ private Q_SLOTS:
     void jsonOfACompiledMessage()
     {
         CalyxCollabMessage message;
-        message.setfrom(QStringLiteral("user-token"));
-        message.settype(QStringLiteral("questionStart"));
+        message.setfrom("user-token");
+        message.settype("questionStart");
         message.setdata(QVariantMap());
         message.compileData();
         QString base64;
-        QVERIFY(Lzma::compress64(QStringLiteral("{\n}\n"), &base64));
+        QVERIFY(Lzma::compress64("{\n}\n", &base64));
         QCOMPARE(JsonSerializer::serializeToJson(&message),
                  QStringLiteral("{\n"
                                 "    \"data\": [\n"
@@ -200,7 +197,7 @@ private Q_SLOTS:
     void nothingIsLoggedWhileTheCategoryIsOff()
     {
         CalyxCollabMessage message;
-        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+        QLoggingCategory::setFilterRules("default.debug=false");
         message.compileData();
         const QStringList whileOff = m_log->debug();
         QLoggingCategory::setFilterRules(QString());

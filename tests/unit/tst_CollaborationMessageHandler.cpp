@@ -53,13 +53,11 @@ private Q_SLOTS:
             if (meta->method(i).methodType() == QMetaMethod::Signal)
                 names.append(QString::fromLatin1(meta->method(i).methodSignature()));
         }
-        QCOMPARE(names, QStringList({QStringLiteral("learnerPollResponse(QString,QString,int,QString)"),
-                                     QStringLiteral("learnerJoin(Learner)"),
-                                     QStringLiteral("learnerUnregister(QString)"),
-                                     QStringLiteral("controllerRegister(bool)"),
-                                     QStringLiteral("remoteControl(RemoteControlMessage)"),
-                                     QStringLiteral("unhandledMessage(QVariantMap,QVariant)"),
-                                     QStringLiteral("learnerGetQuestion(QString,int)")}));
+        QCOMPARE(names,
+                 QStringList({"learnerPollResponse(QString,QString,int,QString)", "learnerJoin(Learner)",
+                              "learnerUnregister(QString)", "controllerRegister(bool)",
+                              "remoteControl(RemoteControlMessage)", "unhandledMessage(QVariantMap,QVariant)",
+                              "learnerGetQuestion(QString,int)"}));
     }
 
     void framesBecomeSignals_data()
@@ -141,42 +139,40 @@ private Q_SLOTS:
 
         const auto row = [](const char* name, const QString& frame) { QTest::newRow(name) << frame; };
         row("nothing", QString());
-        row("no JSON", QStringLiteral("hello"));
-        row("cut off", QStringLiteral(R"({"body":{"type":"pause"})"));
-        row("something behind", QStringLiteral(R"({"body":{"type":"pause"}} x)"));
-        row("bare text", QStringLiteral("\"pause\""));
-        row("bare number", QStringLiteral("5"));
-        row("list", QStringLiteral(R"([{"body":{"type":"pause"}}])"));
-        row("no body", QStringLiteral(R"({"type":"pause","address":"t"})"));
-        row("body is a text", QStringLiteral(R"({"body":"pause"})"));
-        row("body is a list", QStringLiteral(R"({"body":[{"type":"pause"}]})"));
-        row("body is null", QStringLiteral(R"({"body":null})"));
-        row("body is empty", QStringLiteral(R"({"body":{}})"));
-        row("another spelling of body", QStringLiteral(R"({"Body":{"type":"pause"}})"));
-        row("another spelling of type", QStringLiteral(R"({"body":{"Type":"pause"}})"));
-        row("type is null", QStringLiteral(R"({"body":{"type":null}})"));
-        row("type is an object", QStringLiteral(R"({"body":{"type":{"type":"pause"}}})"));
-        row("type is a list", QStringLiteral(R"({"body":{"type":["pause"]}})"));
-        row("only data", QStringLiteral(R"({"body":{"data":"x","from":"d1"}})"));
+        row("no JSON", "hello");
+        row("cut off", R"({"body":{"type":"pause"})");
+        row("something behind", R"({"body":{"type":"pause"}} x)");
+        row("bare text", "\"pause\"");
+        row("bare number", "5");
+        row("list", R"([{"body":{"type":"pause"}}])");
+        row("no body", R"({"type":"pause","address":"t"})");
+        row("body is a text", R"({"body":"pause"})");
+        row("body is a list", R"({"body":[{"type":"pause"}]})");
+        row("body is null", R"({"body":null})");
+        row("body is empty", R"({"body":{}})");
+        row("another spelling of body", R"({"Body":{"type":"pause"}})");
+        row("another spelling of type", R"({"body":{"Type":"pause"}})");
+        row("type is null", R"({"body":{"type":null}})");
+        row("type is an object", R"({"body":{"type":{"type":"pause"}}})");
+        row("type is a list", R"({"body":{"type":["pause"]}})");
+        row("only data", R"({"body":{"data":"x","from":"d1"}})");
         row("register of a controller",
-            QStringLiteral(R"({"body":{"action":"register","client":{"token":"c1","type":"controller"}}})"));
+            R"({"body":{"action":"register","client":{"token":"c1","type":"controller"}}})");
         row("register of a learner",
-            QStringLiteral(R"({"body":{"action":"register","client":{"token":"d1","type":"user"}}})"));
-        row("unknown action", QStringLiteral(R"({"body":{"action":"leave","type":"pause"}})"));
+            R"({"body":{"action":"register","client":{"token":"d1","type":"user"}}})");
+        row("unknown action", R"({"body":{"action":"leave","type":"pause"}})");
         row("action in capitals",
-            QStringLiteral(R"({"body":{"action":"Unregister","client":{"token":"d1","type":"user"}}})"));
-        row("empty action", QStringLiteral(R"({"body":{"action":"","type":"pause"}})"));
-        row("action that is a number", QStringLiteral(R"({"body":{"action":1,"type":"pause"}})"));
-        row("action that is a truth value", QStringLiteral(R"({"body":{"action":false,"type":"pause"}})"));
-        row("unregister without client", QStringLiteral(R"({"body":{"action":"unregister"}})"));
-        row("unregister of a client that is a text",
-            QStringLiteral(R"({"body":{"action":"unregister","client":"user"}})"));
+            R"({"body":{"action":"Unregister","client":{"token":"d1","type":"user"}}})");
+        row("empty action", R"({"body":{"action":"","type":"pause"}})");
+        row("action that is a number", R"({"body":{"action":1,"type":"pause"}})");
+        row("action that is a truth value", R"({"body":{"action":false,"type":"pause"}})");
+        row("unregister without client", R"({"body":{"action":"unregister"}})");
+        row("unregister of a client that is a text", R"({"body":{"action":"unregister","client":"user"}})");
         row("unregister of another kind",
-            QStringLiteral(R"({"body":{"action":"unregister","client":{"token":"p1","type":"presenter"}}})"));
+            R"({"body":{"action":"unregister","client":{"token":"p1","type":"presenter"}}})");
         row("unregister of a kind in capitals",
-            QStringLiteral(R"({"body":{"action":"unregister","client":{"token":"d1","type":"User"}}})"));
-        row("unregister of no kind",
-            QStringLiteral(R"({"body":{"action":"unregister","client":{"token":"d1"}}})"));
+            R"({"body":{"action":"unregister","client":{"token":"d1","type":"User"}}})");
+        row("unregister of no kind", R"({"body":{"action":"unregister","client":{"token":"d1"}}})");
         row("nested too deep", QString(5000, QLatin1Char('[')) + QString(5000, QLatin1Char(']')));
         row("zero behind the frame",
             QStringLiteral(R"({"body":{"type":"pause"}})") + QChar(0) + QLatin1Char('x'));
@@ -188,8 +184,8 @@ private Q_SLOTS:
         emit m_host->frame(frame);
         QCOMPARE(m_host->heard, QStringList());
         // And the next one is heard.
-        emit m_host->frame(QStringLiteral(R"({"body":{"type":"pause","from":"c1"}})"));
-        QCOMPARE(m_host->heard, QStringList({QStringLiteral("remote c1 pause invalid")}));
+        emit m_host->frame(R"({"body":{"type":"pause","from":"c1"}})");
+        QCOMPARE(m_host->heard, QStringList({"remote c1 pause invalid"}));
     }
 
     void remoteCommands_data()
@@ -232,21 +228,17 @@ private Q_SLOTS:
     void unhandledMessageCarriesBodyAndData()
     {
         QSignalSpy spy(m_handler, SIGNAL(unhandledMessage(QVariantMap, QVariant)));
-        emit m_host->frame(
-            QStringLiteral(R"({"outer":1,"body":{"type":"chat","from":"d1","data":5,"more":{"x":[1]}}})"));
+        emit m_host->frame(R"({"outer":1,"body":{"type":"chat","from":"d1","data":5,"more":{"x":[1]}}})");
         QCOMPARE(spy.size(), 1);
         const QVariantMap body = spy.first().first().toMap();
-        QCOMPARE(body.keys(), QStringList({QStringLiteral("data"), QStringLiteral("from"),
-                                           QStringLiteral("more"), QStringLiteral("type")}));
-        QCOMPARE(body.value(QStringLiteral("from")), QVariant(QStringLiteral("d1")));
+        QCOMPARE(body.keys(), QStringList({"data", "from", "more", "type"}));
+        QCOMPARE(body.value("from"), QVariant("d1"));
         const QVariant data = spy.first().at(1).value<QVariant>();
         QCOMPARE(data.userType(), int(QMetaType::QString));
         QCOMPARE(data.toString(), QStringLiteral("5"));
-        QCOMPARE(m_log
-                     ->debug(QStringLiteral(
-                         "[MessageHandler.Decompressed] FAILED to decompress, forwarding raw string!"))
-                     .size(),
-                 1);
+        QCOMPARE(
+            m_log->debug("[MessageHandler.Decompressed] FAILED to decompress, forwarding raw string!").size(),
+            1);
     }
 
     void signalSpiesHoldTheValues()
@@ -254,8 +246,8 @@ private Q_SLOTS:
         QSignalSpy joins(m_handler, SIGNAL(learnerJoin(Learner)));
         QSignalSpy commands(m_handler, SIGNAL(remoteControl(RemoteControlMessage)));
         QVERIFY(joins.isValid() && commands.isValid());
-        emit m_host->frame(QStringLiteral(R"({"body":{"type":"join","from":"d1"}})"));
-        emit m_host->frame(QStringLiteral(R"({"body":{"type":"lockAll","from":"c1"}})"));
+        emit m_host->frame(R"({"body":{"type":"join","from":"d1"}})");
+        emit m_host->frame(R"({"body":{"type":"lockAll","from":"c1"}})");
         QCOMPARE(joins.size(), 1);
         QCOMPARE(joins.first().first().value<Calyx::Learner>().deviceId, QStringLiteral("d1"));
         QCOMPARE(commands.size(), 1);
@@ -270,13 +262,13 @@ private Q_SLOTS:
         QVERIFY(QMetaObject::invokeMethod(
             m_handler, "onHandleMessage", Qt::DirectConnection,
             Q_ARG(QString, QStringLiteral(R"({"body":{"type":"pause","from":"c1"}})"))));
-        QCOMPARE(m_host->heard, QStringList({QStringLiteral("remote c1 pause invalid")}));
+        QCOMPARE(m_host->heard, QStringList({"remote c1 pause invalid"}));
     }
 
     void registerActionWhenCalledDirectly_data()
     {
         rows<QString, QStringList>({
-            {"controller", "controller", QStringList{QStringLiteral("controller comes")}},
+            {"controller", "controller", QStringList{"controller comes"}},
             {"user", "user", QStringList()},
             {"in capitals", "Controller", QStringList()},
             {"none", QString(), QStringList()},
@@ -286,11 +278,10 @@ private Q_SLOTS:
     void registerActionWhenCalledDirectly()
     {
         const auto [kind, heard] = row<QString, QStringList>();
-        const QVariantMap client{{QStringLiteral("token"), QStringLiteral("t-17")},
-                                 {QStringLiteral("type"), kind}};
-        m_handler->actionRegister({{QStringLiteral("client"), client}});
+        const QVariantMap client{{"token", "t-17"}, {"type", kind}};
+        m_handler->actionRegister({{"client", client}});
         QCOMPARE(m_host->heard, heard);
-        const QStringList logged = m_log->debug(QStringLiteral("REGISTER CONTROLLER"));
+        const QStringList logged = m_log->debug("REGISTER CONTROLLER");
         QCOMPARE(m_log->debug(), logged);
         QCOMPARE(logged.size(), heard.size());
         QVERIFY(logged.isEmpty() || logged.first().contains(QLatin1String("t-17")));

@@ -15,11 +15,10 @@
 
 namespace {
 
-const QString RAW_FAILED =
-    QStringLiteral("[MessageHandler.Decompressed] FAILED to decompress, forwarding raw string!");
-const QString LIST_FAILED = QStringLiteral("[MessageHandler.Decompressed] FAILED to decompress List!");
-const QString FROM_STRING = QStringLiteral("[MessageHandler.Decompressed from String] ");
-const QString FROM_LIST = QStringLiteral("[MessageHandler.Decompressed from List] ");
+const QString RAW_FAILED = "[MessageHandler.Decompressed] FAILED to decompress, forwarding raw string!";
+const QString LIST_FAILED = "[MessageHandler.Decompressed] FAILED to decompress List!";
+const QString FROM_STRING = "[MessageHandler.Decompressed from String] ";
+const QString FROM_LIST = "[MessageHandler.Decompressed from List] ";
 
 QString base64(const QString& text)
 {
@@ -104,7 +103,7 @@ private Q_SLOTS:
         rows<QString, QVariant>({
             {"object", R"({"b":[1,null],"a":"x"})", json(R"({"b":[1,null],"a":"x"})")},
             {"empty object", "{}", QVariant(QVariantMap())},
-            {"object outside ASCII", QString::fromUtf8(u8R"({"ä":"日本 😀"})"), json(u8R"({"ä":"日本 😀"})")},
+            {"object outside ASCII", u8R"({"ä":"日本 😀"})", json(u8R"({"ä":"日本 😀"})")},
             {"object with blanks around", " {\n}\n ", QVariant(QVariantMap())},
             {"array", "[1,2]", INVALID},
             {"array of objects", "[{}]", INVALID},
@@ -133,21 +132,21 @@ private Q_SLOTS:
 
     void singleTextThatIsNotCompressedIsForwarded_data()
     {
-        columns<QVariant, QString>();
-        const QString good = base64(QStringLiteral(R"({"a":1})"));
-        QTest::newRow("word") << QVariant(QStringLiteral("hello")) << QStringLiteral("hello");
-        QTest::newRow("empty") << QVariant(QStringLiteral("")) << QStringLiteral("");
-        QTest::newRow("sentence") << QVariant(
-                                         QStringLiteral("Nothing but words, and more of them than fourteen."))
-                                  << QStringLiteral("Nothing but words, and more of them than fourteen.");
-        QTest::newRow("JSON") << QVariant(QStringLiteral(R"({"a":1})")) << QStringLiteral(R"({"a":1})");
-        QTest::newRow("outside ASCII") << QVariant(QString::fromUtf8(u8"ä😀")) << QString::fromUtf8(u8"ä😀");
-        QTest::newRow("block cut off") << QVariant(good.left(good.size() - 8)) << good.left(good.size() - 8);
-        QTest::newRow("few numbers") << QVariant(QStringLiteral("[93,0,0]")) << QStringLiteral("[93,0,0]");
-        QTest::newRow("number") << json("[5]").toList().first() << QStringLiteral("5");
-        QTest::newRow("fraction") << json("[1.5]").toList().first() << QStringLiteral("1.5");
-        QTest::newRow("true") << json("[true]").toList().first() << QStringLiteral("true");
-        QTest::newRow("false") << json("[false]").toList().first() << QStringLiteral("false");
+        const QString good = base64(R"({"a":1})");
+        rows<QVariant, QString>({
+            {"word", QVariant("hello"), "hello"},
+            {"empty", QVariant(""), ""},
+            {"sentence", QVariant("Nothing but words, and more of them than fourteen."),
+             "Nothing but words, and more of them than fourteen."},
+            {"JSON", QVariant(R"({"a":1})"), R"({"a":1})"},
+            {"outside ASCII", QVariant(QString::fromUtf8(u8"ä😀")), u8"ä😀"},
+            {"block cut off", QVariant(good.left(good.size() - 8)), good.left(good.size() - 8)},
+            {"few numbers", QVariant("[93,0,0]"), "[93,0,0]"},
+            {"number", json("[5]").toList().first(), "5"},
+            {"fraction", json("[1.5]").toList().first(), "1.5"},
+            {"true", json("[true]").toList().first(), "true"},
+            {"false", json("[false]").toList().first(), "false"},
+        });
     }
 
     void singleTextThatIsNotCompressedIsForwarded()
@@ -163,47 +162,41 @@ private Q_SLOTS:
 
     void listOfTexts_data()
     {
-        columns<QVariantList, QVariant>();
-
         const QVariant object = json(R"({"a":[1,2],"b":"c"})");
-        const QString first = base64(QStringLiteral(R"({"a":[1,)"));
-        const QString second = base64(QStringLiteral(R"(2],"b)"));
-        const QString third = base64(QStringLiteral(R"(":"c"})"));
-        const QString whole = base64(QStringLiteral(R"({"a":[1,2],"b":"c"})"));
-        QTest::newRow("one object") << QVariantList{whole} << object;
-        QTest::newRow("one array") << QVariantList{base64(QStringLiteral("[1,{}]"))} << json("[1,{}]");
-        QTest::newRow("empty array") << QVariantList{base64(QStringLiteral("[]"))}
-                                     << QVariant(QVariantList());
-        QTest::newRow("chunks") << QVariantList{first, second, third} << object;
-        QTest::newRow("empty text among the chunks")
-            << QVariantList{first, QStringLiteral(""), second, third} << object;
-        QTest::newRow("bad text among the chunks")
-            << QVariantList{first, QStringLiteral("bad"), second, third} << object;
-        QTest::newRow("number among the chunks") << QVariantList{first, 5, second, third} << object;
-        QTest::newRow("null, list and object among the chunks")
-            << QVariantList{first, QVariant::fromValue(nullptr), second, QVariantList{third}, QVariantMap(),
-                            third}
-            << object;
-        QTest::newRow("empty text first") << QVariantList{QStringLiteral(""), whole} << object;
-        QTest::newRow("bad text first") << QVariantList{QStringLiteral("bad"), whole} << object;
-        QTest::newRow("bad text last") << QVariantList{whole, QStringLiteral("bad")} << object;
-        QTest::newRow("chunk of nothing") << QVariantList{first, base64(QString()), second, third} << object;
+        const QString first = base64(R"({"a":[1,)");
+        const QString second = base64(R"(2],"b)");
+        const QString third = base64(R"(":"c"})");
+        const QString whole = base64(R"({"a":[1,2],"b":"c"})");
 
         const auto bytes = [](const char* text) { return QVariant(QByteArray(text)); };
-        QTest::newRow("no JSON") << QVariantList{base64(QStringLiteral("hello "))} << bytes("hello ");
-        QTest::newRow("chunks of no JSON")
-            << QVariantList{base64(QStringLiteral("hel")), base64(QStringLiteral("lo"))} << bytes("hello");
-        QTest::newRow("chunks in another order") << QVariantList{second, first} << bytes("2],\"b{\"a\":[1,");
-        QTest::newRow("bare number") << QVariantList{base64(QStringLiteral("5"))} << bytes("5");
-        QTest::newRow("bare text") << QVariantList{base64(QStringLiteral("\"p1\""))} << bytes("\"p1\"");
-        QTest::newRow("Latin text") << QVariantList{base64(QString::fromUtf8(u8"Größe"))}
-                                    << bytes("Gr\xf6\xdf"
-                                             "e");
-        QTest::newRow("text beyond Latin")
-            << QVariantList{base64(QString::fromUtf8(u8"日本"))} << bytes("??");
-        QTest::newRow("two objects") << QVariantList{whole, whole}
-                                     << bytes(R"({"a":[1,2],"b":"c"}{"a":[1,2],"b":"c"})");
-        QTest::newRow("nothing") << QVariantList{base64(QString())} << bytes("");
+        rows<QVariantList, QVariant>({
+            {"one object", QVariantList{whole}, object},
+            {"one array", QVariantList{base64("[1,{}]")}, json("[1,{}]")},
+            {"empty array", QVariantList{base64("[]")}, QVariant(QVariantList())},
+            {"chunks", QVariantList{first, second, third}, object},
+            {"empty text among the chunks", QVariantList{first, "", second, third}, object},
+            {"bad text among the chunks", QVariantList{first, "bad", second, third}, object},
+            {"number among the chunks", QVariantList{first, 5, second, third}, object},
+            {"null, list and object among the chunks",
+             QVariantList{first, QVariant::fromValue(nullptr), second, QVariantList{third}, QVariantMap(),
+                          third},
+             object},
+            {"empty text first", QVariantList{"", whole}, object},
+            {"bad text first", QVariantList{"bad", whole}, object},
+            {"bad text last", QVariantList{whole, "bad"}, object},
+            {"chunk of nothing", QVariantList{first, base64(QString()), second, third}, object},
+            {"no JSON", QVariantList{base64("hello ")}, bytes("hello ")},
+            {"chunks of no JSON", QVariantList{base64("hel"), base64("lo")}, bytes("hello")},
+            {"chunks in another order", QVariantList{second, first}, bytes("2],\"b{\"a\":[1,")},
+            {"bare number", QVariantList{base64("5")}, bytes("5")},
+            {"bare text", QVariantList{base64("\"p1\"")}, bytes("\"p1\"")},
+            {"Latin text", QVariantList{base64(QString::fromUtf8(u8"Größe"))},
+             bytes("Gr\xf6\xdf"
+                   "e")},
+            {"text beyond Latin", QVariantList{base64(QString::fromUtf8(u8"日本"))}, bytes("??")},
+            {"two objects", QVariantList{whole, whole}, bytes(R"({"a":[1,2],"b":"c"}{"a":[1,2],"b":"c"})")},
+            {"nothing", QVariantList{base64(QString())}, bytes("")},
+        });
     }
 
     void listOfTexts()
@@ -221,14 +214,15 @@ private Q_SLOTS:
 
     void listOfTextsThatAreNotCompressedIsInvalid_data()
     {
-        columns<QVariantList>();
-        QTest::newRow("one") << QVariantList{QStringLiteral("hello")};
-        QTest::newRow("several") << QVariantList{QStringLiteral("hello"), QStringLiteral("there"), 5};
-        QTest::newRow("empty texts") << QVariantList{QStringLiteral(""), QStringLiteral("")};
-        QTest::newRow("list of numbers as a text") << QVariantList{byteList(QStringLiteral("{}"))};
-        const QString whole = base64(QStringLiteral(R"({"a":1})"));
-        QTest::newRow("one block cut in two, which must not be joined")
-            << QVariantList{whole.left(whole.size() / 2), whole.mid(whole.size() / 2)};
+        const QString whole = base64(R"({"a":1})");
+        rows<QVariantList>({
+            {"one", QVariantList{"hello"}},
+            {"several", QVariantList{"hello", "there", 5}},
+            {"empty texts", QVariantList{"", ""}},
+            {"list of numbers as a text", QVariantList{byteList("{}")}},
+            {"one block cut in two, which must not be joined",
+             QVariantList{whole.left(whole.size() / 2), whole.mid(whole.size() / 2)}},
+        });
     }
 
     void listOfTextsThatAreNotCompressedIsInvalid()
@@ -240,23 +234,23 @@ private Q_SLOTS:
 
     void listOfNumbers_data()
     {
-        columns<QVariantList, QVariant>();
-
-        const QString object = QString::fromUtf8(u8R"({"a":[1,2],"b":"ä😀"})");
+        const QString object = u8R"({"a":[1,2],"b":"ä😀"})";
         const QVariant expected = QJsonDocument::fromJson(object.toUtf8()).toVariant();
-        QTest::newRow("object") << numbers(object) << expected;
-        QTest::newRow("object, signed bytes") << signedNumbers(object) << expected;
-        QTest::newRow("object, numbers above 255") << largerNumbers(object) << expected;
-        QTest::newRow("array") << numbers(QStringLiteral("[1,2]")) << json("[1,2]");
-        QTest::newRow("no JSON") << numbers(QStringLiteral("hello")) << QVariant(QByteArray("hello"));
-        QTest::newRow("Latin text") << numbers(QString::fromUtf8(u8"ä")) << QVariant(QByteArray("\xe4"));
-        QTest::newRow("bare number") << numbers(QStringLiteral("42")) << QVariant(QByteArray("42"));
-        QTest::newRow("nothing") << numbers(QString()) << QVariant(QByteArray(""));
         // Only the first element tells a list of numbers from one of texts.
         QVariantList mixed = numbers(object);
         for (int i = 1; i < mixed.size(); ++i)
             mixed[i] = mixed.at(i).toString();
-        QTest::newRow("texts of numbers behind the first") << mixed << expected;
+        rows<QVariantList, QVariant>({
+            {"object", numbers(object), expected},
+            {"object, signed bytes", signedNumbers(object), expected},
+            {"object, numbers above 255", largerNumbers(object), expected},
+            {"array", numbers("[1,2]"), json("[1,2]")},
+            {"no JSON", numbers("hello"), QVariant(QByteArray("hello"))},
+            {"Latin text", numbers(QString::fromUtf8(u8"ä")), QVariant(QByteArray("\xe4"))},
+            {"bare number", numbers("42"), QVariant(QByteArray("42"))},
+            {"nothing", numbers(QString()), QVariant(QByteArray(""))},
+            {"texts of numbers behind the first", mixed, expected},
+        });
     }
 
     void listOfNumbers()
@@ -274,12 +268,12 @@ private Q_SLOTS:
         rows<QVariantList>({
             {"few numbers", json("[93,0,0]").toList()},
             {"many numbers", json("[1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18,19,20]").toList()},
-            {"block cut off", numbers(QStringLiteral("{}")).mid(0, 18)},
+            {"block cut off", numbers("{}").mid(0, 18)},
             {"null", json("[null]").toList()},
             {"true", json("[true]").toList()},
             {"object", json("[{\"a\":1}]").toList()},
-            {"list", QVariantList{QVariant(numbers(QStringLiteral("{}")))}},
-            {"block behind a null", QVariantList{QVariant::fromValue(nullptr), base64(QStringLiteral("{}"))}},
+            {"list", QVariantList{QVariant(numbers("{}"))}},
+            {"block behind a null", QVariantList{QVariant::fromValue(nullptr), base64("{}")}},
         });
     }
 
@@ -299,7 +293,7 @@ private Q_SLOTS:
 
     void arrayIsInvalidAsTextAndAListInAList()
     {
-        const QString array = base64(QStringLiteral(R"([{"a":1}])"));
+        const QString array = base64(R"([{"a":1}])");
         QVERIFY(!decoded(array).isValid());
         QCOMPARE(decoded(QVariantList{array}), json(R"([{"a":1}])"));
     }
@@ -308,7 +302,7 @@ private Q_SLOTS:
 
     void hostileBlocksAreNoData()
     {
-        QByteArray block = QByteArray::fromBase64(base64(QStringLiteral(R"({"a":1})")).toLatin1());
+        QByteArray block = QByteArray::fromBase64(base64(R"({"a":1})").toLatin1());
         // A negative size.
         for (int i = 5; i < 13; ++i)
             block[i] = '\xff';
@@ -326,7 +320,7 @@ private Q_SLOTS:
         QVariantList heard;
         connect(m_handler.get(), &CollaborationMessageHandler::unhandledMessage, this,
                 [&heard](const QVariantMap&, const QVariant& data) { heard.append(data); });
-        const QString object = QStringLiteral(R"({"a":1})");
+        const QString object = R"({"a":1})";
         for (const QString& data :
              {QStringLiteral("\"%1\"").arg(base64(object)), QStringLiteral("[\"%1\"]").arg(base64(object)),
               byteList(object), QStringLiteral("\"%1\"").arg(byteList(object))}) {
@@ -340,10 +334,10 @@ private Q_SLOTS:
 
     void nothingIsLoggedWhileTheCategoryIsOff()
     {
-        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
-        decoded(base64(QStringLiteral("{}")));
-        decoded(QVariantList{base64(QStringLiteral("{}"))});
-        decoded(QStringLiteral("raw"));
+        QLoggingCategory::setFilterRules("default.debug=false");
+        decoded(base64("{}"));
+        decoded(QVariantList{base64("{}")});
+        decoded("raw");
         decoded(QVariantList{1});
         const QStringList whileOff = m_log->debug();
         QLoggingCategory::setFilterRules(QString());
@@ -353,8 +347,7 @@ private Q_SLOTS:
 private:
     QVariant decoded(const QVariant& data)
     {
-        return m_handler->getDataValue(
-            {{QStringLiteral("data"), data}, {QStringLiteral("type"), QStringLiteral("x")}});
+        return m_handler->getDataValue({{"data", data}, {"type", "x"}});
     }
 
     std::unique_ptr<LogRecorder> m_log;
@@ -363,8 +356,7 @@ private:
 
 void tst_CollaborationMessageHandlerData::chunksMayBeCutAnywhere()
 {
-    const QString text =
-        QString::fromUtf8(u8R"({"name":"Zoë","answers":["A","C"],"note":"a \"quoted\" word\n"})");
+    const QString text = u8R"({"name":"Zoë","answers":["A","C"],"note":"a \"quoted\" word\n"})";
     const QVariant expected = QJsonDocument::fromJson(text.toUtf8()).toVariant();
     for (int cut = 0; cut <= text.size(); ++cut) {
         const QVariant data = decoded(QVariantList{base64(text.left(cut)), base64(text.mid(cut))});

@@ -13,35 +13,28 @@ class tst_CollaborationMessageHandlerLog : public MessageHandlerTest
 private Q_SLOTS:
     void logOfAFrame_data()
     {
-        columns<QString, QList<QStringList>>();
         // For each line, how it begins and what it names.
 
-        const QStringList any{QStringLiteral("[MessageHandler]"), QStringLiteral("\n")};
+        const QStringList any{"[MessageHandler]", "\n"};
         const auto lines = [&any](const QList<QStringList>& more) { return QList<QStringList>{any} + more; };
-        const QString action = QStringLiteral("[MessageHandler.ACTION]");
-        const QString type = QStringLiteral("[MessageHandler.TYPE]");
-        QTest::newRow("no JSON") << QStringLiteral("hello-there")
-                                 << QList<QStringList>{
-                                        {QStringLiteral("[MessageHandler]"), QStringLiteral("hello-there")}};
-        QTest::newRow("nothing in the body") << QStringLiteral("{\"body\":{}}") << lines({});
-        QTest::newRow("unknown action")
-            << QStringLiteral("{\"body\":{\"action\":\"wave\",\"type\":\"join\"}}")
-            << lines({{action, QStringLiteral("wave")}});
-        QTest::newRow("learner leaves")
-            << QStringLiteral(
-                   "{\"body\":{\"action\":\"unregister\",\"client\":{\"token\":\"d-9\",\"type\":\"user\"}}}")
-            << lines({{action, QStringLiteral("unregister")},
-                      {QStringLiteral("UNREGISTER"), QStringLiteral("d-9")}});
-        QTest::newRow("controller leaves")
-            << QStringLiteral("{\"body\":{\"action\":\"unregister\",\"client\":{\"token\":\"c-9\",\"type\":"
-                              "\"controller\"}}}")
-            << lines({{action, QStringLiteral("unregister")},
-                      {QStringLiteral("UNREGISTER CONTROLLER"), QStringLiteral("c-9")}});
-        QTest::newRow("join") << QStringLiteral("{\"body\":{\"type\":\"join\",\"from\":\"d-9\"}}")
-                              << lines({{type, QStringLiteral("join")},
-                                        {QStringLiteral("JOIN"), QStringLiteral("d-9")}});
-        QTest::newRow("unknown type")
-            << QStringLiteral("{\"body\":{\"type\":\"chat\"}}") << lines({{type, QStringLiteral("chat")}});
+        const QString action = "[MessageHandler.ACTION]";
+        const QString type = "[MessageHandler.TYPE]";
+        rows<QString, QList<QStringList>>({
+            {"no JSON", "hello-there", QList<QStringList>{{"[MessageHandler]", "hello-there"}}},
+            {"nothing in the body", "{\"body\":{}}", lines({})},
+            {"unknown action", "{\"body\":{\"action\":\"wave\",\"type\":\"join\"}}",
+             lines({{action, "wave"}})},
+            {"learner leaves",
+             "{\"body\":{\"action\":\"unregister\",\"client\":{\"token\":\"d-9\",\"type\":\"user\"}}}",
+             lines({{action, "unregister"}, {"UNREGISTER", "d-9"}})},
+            {"controller leaves",
+             "{\"body\":{\"action\":\"unregister\",\"client\":{\"token\":\"c-9\",\"type\":"
+             "\"controller\"}}}",
+             lines({{action, "unregister"}, {"UNREGISTER CONTROLLER", "c-9"}})},
+            {"join", "{\"body\":{\"type\":\"join\",\"from\":\"d-9\"}}",
+             lines({{type, "join"}, {"JOIN", "d-9"}})},
+            {"unknown type", "{\"body\":{\"type\":\"chat\"}}", lines({{type, "chat"}})},
+        });
     }
 
     void logOfAFrame()
@@ -59,13 +52,13 @@ private Q_SLOTS:
 
     void nothingIsLoggedWhileTheCategoryIsOff()
     {
-        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
-        emit m_host->frame(QStringLiteral(R"({"body":{"type":"chat","data":5}})"));
-        emit m_host->frame(QStringLiteral(R"({"body":{"type":"join","data":[1]}})"));
-        emit m_host->frame(QStringLiteral(R"({"body":{"type":"pollResponse"}})"));
-        emit m_host->frame(QStringLiteral(R"({"body":{"type":"questionResponse"}})"));
-        emit m_host->frame(QStringLiteral(R"({"body":{"type":"questionGet"}})"));
-        emit m_host->frame(QStringLiteral(R"({"body":{"action":"unregister","client":{"type":"user"}}})"));
+        QLoggingCategory::setFilterRules("default.debug=false");
+        emit m_host->frame(R"({"body":{"type":"chat","data":5}})");
+        emit m_host->frame(R"({"body":{"type":"join","data":[1]}})");
+        emit m_host->frame(R"({"body":{"type":"pollResponse"}})");
+        emit m_host->frame(R"({"body":{"type":"questionResponse"}})");
+        emit m_host->frame(R"({"body":{"type":"questionGet"}})");
+        emit m_host->frame(R"({"body":{"action":"unregister","client":{"type":"user"}}})");
         const QStringList whileOff = m_log->debug();
         QLoggingCategory::setFilterRules(QString());
         QCOMPARE(whileOff, QStringList());

@@ -24,7 +24,7 @@ public:
     ElsewhereService()
     {
         close();
-        if (!listen(QHostAddress(QStringLiteral("127.0.0.2"))))
+        if (!listen(QHostAddress("127.0.0.2")))
             qFatal("Cannot listen on 127.0.0.2.");
     }
     QByteArray address() const { return "http://127.0.0.2:" + QByteArray::number(serverPort()); }
@@ -88,7 +88,7 @@ private Q_SLOTS:
     {
         const TestCertificates::TrustedRoot trusted;
         FakeService clear;
-        FakeService secure(TestCertificates::server(QStringLiteral("loopback")));
+        FakeService secure(TestCertificates::server("loopback"));
         clear.expect("/tavisto", Answer::redirect(secure.url().toUtf8()).with("Set-Cookie", "a=1; Path=/"));
         secure.expect("/tavisto", Answer::json("{}"));
         PresenterClient client(nullptr, clear.url());
@@ -148,7 +148,7 @@ private Q_SLOTS:
         ElsewhereService there;
         here.expect("/tavisto/login/submit", Answer::redirect(there.address() + "/tavisto", status));
         PresenterClient client(nullptr, here.url());
-        QVERIFY(!client.doLogin(QStringLiteral("teacher"), QStringLiteral("chalk")));
+        QVERIFY(!client.doLogin("teacher", "chalk"));
         QCOMPARE(client.server(), moves ? QString::fromUtf8(there.address()) : here.url());
 
         FakeService& next = moves ? there : here;
@@ -161,14 +161,14 @@ private Q_SLOTS:
     {
         const TestCertificates::TrustedRoot trusted;
         const Server clear;
-        FakeService secure(TestCertificates::server(QStringLiteral("loopback")));
+        FakeService secure(TestCertificates::server("loopback"));
         const auto target = "http://127.0.0.1:" + QByteArray::number(clear.port()) + '/';
         const QByteArray refusal = R"({"errorMsgKeys":["error.moved"]})";
         PresenterClient client(nullptr, secure.url());
         for (const int status : {301, 302, 303, 307, 308}) {
             secure.expect("/tavisto/login/submit",
                           Answer::json(refusal, status).with("Location", target).with("Set-Cookie", "a=1"));
-            QVERIFY(!client.doLogin(QStringLiteral("teacher"), QStringLiteral("chalk")));
+            QVERIFY(!client.doLogin("teacher", "chalk"));
             QCOMPARE(client.server(), secure.url());
         }
         QCOMPARE(clear.connections(), 0);
@@ -224,7 +224,7 @@ private Q_SLOTS:
         Session session;
         QVERIFY(session.start(server));
         for (int i = 0; i < 3; ++i)
-            session.transport->sendTextMessage(QStringLiteral("[\"secret\"]"));
+            session.transport->sendTextMessage("[\"secret\"]");
         QTRY_COMPARE(server.count("/xhr_send"), 3);
         QCOMPARE(elsewhere.connections(), 0);
     }
@@ -252,7 +252,7 @@ private Q_SLOTS:
         Session session;
         QVERIFY(session.start(server));
         QTRY_COMPARE(server.count("/xhr"), 2);
-        session.transport->sendTextMessage(QStringLiteral("[]"));
+        session.transport->sendTextMessage("[]");
         QTRY_COMPARE(server.count("/xhr_send"), 1);
         QCOMPARE(server.requests("/xhr").last().headers.contains("cookie"), isSent);
         QCOMPARE(server.requests("/xhr_send").last().headers.contains("cookie"), isSent);

@@ -51,16 +51,16 @@ constexpr int LIST = QMetaType::QVariantList;
 constexpr int MAP = QMetaType::QVariantMap;
 constexpr int OBJECT = QMetaType::QObjectStar;
 
-const QVariant EMPTY = QVariant(QStringLiteral(""));
+const QVariant EMPTY = QVariant("");
 const QVariant NOTHING;
 // Of an object-valued property, the initial value is the class of the object.
-const QVariant PLAIN = QVariant(QStringLiteral("QObject"));
+const QVariant PLAIN = QVariant("QObject");
 
 Properties question(const QString& type, const Properties& own = {})
 {
-    const QVariant feedBack = QStringLiteral("Calyx::QuestionFeedback");
+    const QVariant feedBack = "Calyx::QuestionFeedback";
     const Properties base{{"id", STRING, NOTHING, "setID"},
-                          {"questionSetMode", STRING, QStringLiteral("Poll"), "setquestionSetMode"},
+                          {"questionSetMode", STRING, "Poll", "setquestionSetMode"},
                           {"questionNumber", INT, 0, "setquestionNumber"},
                           {"type", STRING, type, "setType"},
                           {"activityType", MAP, QVariantMap(), "setactivityType"},
@@ -78,7 +78,7 @@ Properties question(const QString& type, const Properties& own = {})
 Properties questionWithOptions(const QString& type, const Properties& own = {})
 {
     const QVariant options = QVariant::fromValue(QList<QObject*>());
-    const Properties more{{"metadata", OBJECT, QStringLiteral("Calyx::QuestionMetadata"), "setmetadata"},
+    const Properties more{{"metadata", OBJECT, "Calyx::QuestionMetadata", "setmetadata"},
                           {"activityOptions", ANY, options, nullptr}};
     return question(type, more + own);
 }
@@ -119,9 +119,8 @@ Properties feedback()
 
 Properties card()
 {
-    const QVariantMap styles{{QStringLiteral("backgroundColor"), EMPTY},
-                             {QStringLiteral("backgroundImage"), EMPTY},
-                             {QStringLiteral("backgroundSize"), QStringLiteral("100%")}};
+    const QVariantMap styles{
+        {"backgroundColor", EMPTY}, {"backgroundImage", EMPTY}, {"backgroundSize", "100%"}};
     return {{"active", BOOL, true, "setactive"},
             {"autoSend", BOOL, true, "setautoSend"},
             {"components", LIST, QVariantList(), "setcomponents"},
@@ -136,7 +135,7 @@ Properties card()
             {"segment", MAP, QVariantMap(), "setsegment"},
             {"styles", MAP, styles, "setstyles"},
             {"tracks", LIST, QVariantList(), "settracks"},
-            {"type", STRING, QStringLiteral("TEACHER"), "settype"},
+            {"type", STRING, "TEACHER", "settype"},
             {"visible", BOOL, true, "setvisible"}};
 }
 
@@ -156,7 +155,7 @@ Properties assessment()
             {"title", STRING, EMPTY, "settitle"},
             {"description", STRING, EMPTY, "setdescription"},
             {"scored", BOOL, false, "setscored"},
-            {"assessmentSectionConfigurations", MAP, QVariantMap{{QStringLiteral("leveled"), false}},
+            {"assessmentSectionConfigurations", MAP, QVariantMap{{"leveled", false}},
              "setassessmentSectionConfigurations"}};
 }
 
@@ -164,8 +163,8 @@ Properties message()
 {
     return {{"from", STRING, EMPTY, "setfrom"},
             {"type", STRING, EMPTY, "settype"},
-            {"version", STRING, QStringLiteral("3.0.0"), "setversion"},
-            {"sourceSystem", STRING, QStringLiteral("Lumora"), "setsourceSystem"},
+            {"version", STRING, "3.0.0", "setversion"},
+            {"sourceSystem", STRING, "Lumora", "setsourceSystem"},
             {"data", ANY, NOTHING, "setdata"}};
 }
 
@@ -192,9 +191,9 @@ QVariant sample(const Property& property)
     case BOOL:
         return !property.initial.toBool();
     case LIST:
-        return QVariantList{1, QStringLiteral("two")};
+        return QVariantList{1, "two"};
     case MAP:
-        return QVariantMap{{QStringLiteral("key"), QVariantList{true}}};
+        return QVariantMap{{"key", QVariantList{true}}};
     default:
         return 2.5;
     }
@@ -243,7 +242,7 @@ private Q_SLOTS:
         QFETCH(Properties, properties);
         const std::unique_ptr<QObject> object(make(nullptr));
         const QMetaObject* meta = object->metaObject();
-        QStringList expected{QStringLiteral("objectName")};
+        QStringList expected{"objectName"};
         for (const Property& property : properties)
             expected.append(QString::fromLatin1(property.name));
         QStringList names;
@@ -373,7 +372,7 @@ private Q_SLOTS:
         QFETCH(Make, make);
         QFETCH(Properties, properties);
         const std::unique_ptr<QObject> object(make(nullptr));
-        object->setObjectName(QStringLiteral("named"));
+        object->setObjectName("named");
         QStringList expected;
         for (const Property& property : properties)
             expected.append(QString::fromLatin1(property.name));
@@ -385,7 +384,7 @@ private Q_SLOTS:
         QVERIFY(json.startsWith(QStringLiteral("{\n    \"") + expected.first()));
         QVERIFY(json.endsWith(QLatin1String("\n}\n")));
         // Nothing in a new object is too deep to be written.
-        QCOMPARE(log.debug(QStringLiteral("[JsonSerializer] ERROR")), QStringList());
+        QCOMPARE(log.debug("[JsonSerializer] ERROR"), QStringList());
     }
 
     void objectsBelongToTheirParent_data() { classes(); }
@@ -421,29 +420,27 @@ private Q_SLOTS:
     {
         const auto [url] = row<QString>();
         Calyx::Card card;
-        card.setBackgroundImage(QStringLiteral("before"));
+        card.setBackgroundImage("before");
         card.setBackgroundImage(url);
-        QCOMPARE(card.styles().value(QStringLiteral("backgroundImage")), QVariant(url));
+        QCOMPARE(card.styles().value("backgroundImage"), QVariant(url));
         QCOMPARE(card.styles().size(), 3);
     }
 
     void backgroundImageLeavesTheOtherStyles()
     {
         Calyx::Card card;
-        card.setstyles(
-            {{QStringLiteral("backgroundColor"), QStringLiteral("red")}, {QStringLiteral("own"), 1}});
-        card.setBackgroundImage(QStringLiteral("x"));
-        QCOMPARE(card.styles(), QVariantMap({{QStringLiteral("backgroundColor"), QStringLiteral("red")},
-                                             {QStringLiteral("backgroundImage"), QStringLiteral("x")},
-                                             {QStringLiteral("own"), 1}}));
+        card.setstyles({{"backgroundColor", "red"}, {"own", 1}});
+        card.setBackgroundImage("x");
+        QCOMPARE(card.styles(),
+                 QVariantMap({{"backgroundColor", "red"}, {"backgroundImage", "x"}, {"own", 1}}));
     }
 
     void emptyBackgroundImageKeepsItsKey()
     {
         Calyx::Card card;
-        card.setBackgroundImage(QStringLiteral("x"));
-        card.setBackgroundImage(QStringLiteral(""));
-        QVERIFY(card.styles().contains(QStringLiteral("backgroundImage")));
+        card.setBackgroundImage("x");
+        card.setBackgroundImage("");
+        QVERIFY(card.styles().contains("backgroundImage"));
         const LogRecorder log;
         QVERIFY(Calyx::JsonSerializer::serializeToJson(&card).contains(
             QLatin1String("        \"backgroundImage\": \"\",\n")));
@@ -460,18 +457,16 @@ private:
 
         addClass<Calyx::QuestionBase>(question(QString()));
         addClass<Calyx::QuestionBaseWithOptions>(questionWithOptions(QString()));
-        addClass<Calyx::QuestionYesNo>(questionWithOptions(QStringLiteral("yes-no-other")));
+        addClass<Calyx::QuestionYesNo>(questionWithOptions("yes-no-other"));
         addClass<Calyx::QuestionMultiChoice>(questionWithOptions(
-            QStringLiteral("multiple"), {{"numberOfCorrectOptions", INT, 1, "setnumberOfCorrectOptions"}}));
-        addClass<Calyx::QuestionScale>(questionWithOptions(QStringLiteral("scale")));
-        addClass<Calyx::QuestionSort>(questionWithOptions(QStringLiteral("sort")));
-        addClass<Calyx::QuestionCreative>(questionWithOptions(QStringLiteral("creative")));
-        addClass<Calyx::QuestionText>(
-            question(QStringLiteral("text"), {{"maxChars", INT, 0, "setmaxChars"}}));
-        addClass<Calyx::QuestionNumeric>(
-            question(QStringLiteral("number"), {{"noOfDecimals", INT, 0, "setnoOfDecimals"}}));
-        addClass<Calyx::QuestionWordSeed>(question(QStringLiteral("word-seed")));
-        addClass<Calyx::QuestionMathFormula>(question(QStringLiteral("math formula")));
+            "multiple", {{"numberOfCorrectOptions", INT, 1, "setnumberOfCorrectOptions"}}));
+        addClass<Calyx::QuestionScale>(questionWithOptions("scale"));
+        addClass<Calyx::QuestionSort>(questionWithOptions("sort"));
+        addClass<Calyx::QuestionCreative>(questionWithOptions("creative"));
+        addClass<Calyx::QuestionText>(question("text", {{"maxChars", INT, 0, "setmaxChars"}}));
+        addClass<Calyx::QuestionNumeric>(question("number", {{"noOfDecimals", INT, 0, "setnoOfDecimals"}}));
+        addClass<Calyx::QuestionWordSeed>(question("word-seed"));
+        addClass<Calyx::QuestionMathFormula>(question("math formula"));
         addClass<Calyx::ActivityOption>(option());
         addClass<Calyx::QuestionMetadata>(metadata());
         addClass<Calyx::QuestionFeedback>(feedback());

@@ -61,10 +61,10 @@ private Q_SLOTS:
 
     void fewerThanFiveBytesWarn_data()
     {
-        columns<QByteArray>();
-
         const QByteArray packed = Gzip::gzip("abc");
-        QTest::newRow("null") << QByteArray();
+        rows<QByteArray>({
+            {"null", QByteArray()},
+        });
         for (int size = 0; size < 5; ++size)
             QTest::addRow("%d", size) << packed.left(size);
     }
@@ -81,19 +81,18 @@ private Q_SLOTS:
 
     void truncatedDataGivesWhatCameOutUntilThen_data()
     {
-        columns<QByteArray, QByteArray, int>();
-
         const QByteArray noise = Gzip::noise(10000);
         const QByteArray packed = Gzip::gzip(noise);
-        QTest::newRow("half") << packed.left(packed.size() / 2) << noise << 4900;
-        QTest::newRow("all but one byte") << packed.left(packed.size() - 1) << noise << 10000;
-        QTest::newRow("without the trailer") << packed.left(packed.size() - 8) << noise << 10000;
         const QByteArray zlib = Gzip::zlib(noise);
-        QTest::newRow("zlib, half") << zlib.left(zlib.size() / 2) << noise << 4900;
         const QByteArray page = Gzip::noise(1024);
         const QByteArray packedPage = Gzip::gzip(page);
-        QTest::newRow("a whole page without trailer")
-            << packedPage.left(packedPage.size() - 8) << page << 1024;
+        rows<QByteArray, QByteArray, int>({
+            {"half", packed.left(packed.size() / 2), noise, 4900},
+            {"all but one byte", packed.left(packed.size() - 1), noise, 10000},
+            {"without the trailer", packed.left(packed.size() - 8), noise, 10000},
+            {"zlib, half", zlib.left(zlib.size() / 2), noise, 4900},
+            {"a whole page without trailer", packedPage.left(packedPage.size() - 8), page, 1024},
+        });
     }
 
     void truncatedDataGivesWhatCameOutUntilThen()
@@ -116,11 +115,14 @@ private Q_SLOTS:
 
     void corruptDataGivesNothing_data()
     {
-        columns<QByteArray>();
-
-        QTest::newRow("text") << QByteArray(R"({"success":true})");
-        QTest::newRow("zeros") << QByteArray(64, '\0');
-        QTest::newRow("gzip header, then garbage") << Gzip::gzip("abc").left(10) + QByteArray(64, '\xff');
+        QByteArray middle = Gzip::gzip(Gzip::noise(300000));
+        middle[middle.size() / 2] = char(middle.at(middle.size() / 2) ^ 1);
+        rows<QByteArray>({
+            {"text", R"({"success":true})"},
+            {"zeros", QByteArray(64, '\0')},
+            {"gzip header, then garbage", Gzip::gzip("abc").left(10) + QByteArray(64, '\xff')},
+            {"one bit in the middle", middle},
+        });
         for (const int size : sizes) {
             QByteArray checksum = Gzip::gzip(Gzip::noise(size));
             checksum[checksum.size() - 8] = char(checksum.at(checksum.size() - 8) ^ 1);
@@ -129,9 +131,6 @@ private Q_SLOTS:
             length[length.size() - 1] = char(length.at(length.size() - 1) ^ 1);
             QTest::addRow("length of %d", size) << length;
         }
-        QByteArray middle = Gzip::gzip(Gzip::noise(300000));
-        middle[middle.size() / 2] = char(middle.at(middle.size() / 2) ^ 1);
-        QTest::newRow("one bit in the middle") << middle;
     }
 
     void corruptDataGivesNothing()

@@ -83,7 +83,7 @@ private Q_SLOTS:
         QCOMPARE(probe.events(), QStringList());
         if (protocol != SockJSConnector::WEBSOCKET && text != injected(" ")) {
             QCOMPARE(server.connections(), 0);
-            QCOMPARE(log.debug(QStringLiteral("[SockJSXHRPolling] Can't start")).size(), 1);
+            QCOMPARE(log.debug("[SockJSXHRPolling] Can't start").size(), 1);
         }
     }
 
@@ -120,7 +120,7 @@ private Q_SLOTS:
             const LogRecorder log;
             QVERIFY(!session.transport->start(QStringLiteral("127.0.0.1") + text, server.port(), false,
                                               Session::path(), streaming));
-            QCOMPARE(log.debug(QStringLiteral("[SockJSXHRPolling] Can't start")).size(), 1);
+            QCOMPARE(log.debug("[SockJSXHRPolling] Can't start").size(), 1);
         }
         QCOMPARE(server.connections(), 0);
     }
@@ -137,7 +137,7 @@ private Q_SLOTS:
         QTRY_COMPARE(server.count("/xhr"), 2);
         const LogRecorder log;
         session.transport->doRequestXHR(QStringLiteral("/a") + text, QString());
-        QCOMPARE(log.debug(QStringLiteral("[SockJSXHRPolling] Can't make request")).size(), 1);
+        QCOMPARE(log.debug("[SockJSXHRPolling] Can't make request").size(), 1);
         session.transport->close();
         QTRY_COMPARE(session.ends, 1);
         QCOMPARE(server.count(), 2);
@@ -172,8 +172,8 @@ private Q_SLOTS:
         Session session;
         QVERIFY(session.start(server));
         QTRY_COMPARE(server.count("/xhr"), 2);
-        session.transport->sendTextMessage(QStringLiteral("[]"));
-        session.transport->sendTextMessage(QStringLiteral("[]"));
+        session.transport->sendTextMessage("[]");
+        session.transport->sendTextMessage("[]");
         QTRY_COMPARE(server.count("/xhr_send"), 2);
         QCOMPARE(session.transport->getCookieCount(), 0);
         QVERIFY(areClean(server));

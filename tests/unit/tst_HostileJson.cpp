@@ -38,7 +38,7 @@ public:
             ++signalsHeard;
             lastJoin = learner.deviceId;
         });
-        onTextMessageReceived(QStringLiteral("o"));
+        onTextMessageReceived("o");
     }
 
     void frame(const QByteArray& bytes)
@@ -167,10 +167,9 @@ void giveToAllHandlers(PresenterClient* client, const QString& body)
 // Whether valid replies are still understood.
 bool understands(PresenterClient* client)
 {
-    client->getLearnersResponse(
-        QStringLiteral(R"({"data":{"users":[{"mode":"learner","userToken":"next"}]}})"));
-    client->userNameResponse(QStringLiteral(R"({"data":{"userLoginId":"teacher"}})"));
-    client->loginFailureResponse(nullptr, QStringLiteral(R"({"errorMsgKeys":["error.next"]})"));
+    client->getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"next"}]}})");
+    client->userNameResponse(R"({"data":{"userLoginId":"teacher"}})");
+    client->loginFailureResponse(nullptr, R"({"errorMsgKeys":["error.next"]})");
     return client->learners().size() == 1 && client->learners().first().deviceId == QLatin1String("next") &&
            client->isLoggedIn() && client->lastError() == QLatin1String("error.next");
 }
@@ -178,8 +177,8 @@ bool understands(PresenterClient* client)
 // Nothing is open at the end that the client would have to stop at a service.
 void forgetSession(PresenterClient* client)
 {
-    client->sessionStartSuccessResponse(QStringLiteral("{}"));
-    client->sessionSuccessResponse(QStringLiteral("{}"));
+    client->sessionStartSuccessResponse("{}");
+    client->sessionSuccessResponse("{}");
 }
 
 } // namespace
@@ -189,7 +188,7 @@ class tst_HostileJson : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false")); }
+    void initTestCase() { QLoggingCategory::setFilterRules("default.debug=false"); }
 
     void frames_data() { addCases(); }
 
@@ -234,7 +233,7 @@ private Q_SLOTS:
     void replies()
     {
         QFETCH(QByteArray, text);
-        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1"));
+        PresenterClient client(nullptr, "http://127.0.0.1");
         for (const QByteArray& level : replyLevels) {
             const QByteArray body = at(level, text);
             giveToAllHandlers(&client, QString::fromUtf8(body.constData(), body.size()));
@@ -252,11 +251,11 @@ private Q_SLOTS:
         ClientProbe client(service.url());
         for (const int status : {200, 500}) {
             service.expect("/tavisto/login/submit", Answer::json(text, status));
-            QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+            QVERIFY(!client.doLogin("u", "p"));
             QVERIFY(client.lastError().isNull());
         }
         service.expect("/tavisto/login/submit", Answer::json(R"({"infoMsgKeys":["success"]})"));
-        QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(client.doLogin("u", "p"));
     }
 };
 

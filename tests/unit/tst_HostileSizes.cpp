@@ -27,7 +27,7 @@ QByteArray blockOf(const QString& text)
 // A JSON object of so many characters.
 QString objectOf(int size)
 {
-    const QString empty = QStringLiteral(R"({"a":""})");
+    const QString empty = R"({"a":""})";
     return QString(empty).insert(empty.size() - 2, QString(size - empty.size(), QLatin1Char('x')));
 }
 
@@ -41,7 +41,7 @@ QVariantList numbers(const QByteArray& bytes)
 
 QVariant decoded(const QVariant& data)
 {
-    return CollaborationMessageHandler().getDataValue({{QStringLiteral("data"), data}});
+    return CollaborationMessageHandler().getDataValue({{"data", data}});
 }
 
 } // namespace
@@ -53,7 +53,7 @@ class tst_HostileSizes : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false")); // megabytes of it
+        QLoggingCategory::setFilterRules("default.debug=false"); // megabytes of it
     }
 
     void inflatedReplyIsBounded()
@@ -69,14 +69,14 @@ private Q_SLOTS:
         FakeService service;
         ClientProbe client(service.url());
         service.expect("/large", Answer::json('"' + QByteArray(LARGEST_REPLY + MiB, 'x') + '"'));
-        client.request(QStringLiteral("/large"));
+        client.request("/large");
         QCOMPARE(client.successes, QStringList());
         QCOMPARE(client.failures, QStringList(QString()));
         QCOMPARE(client.errors, {QNetworkReply::OperationCanceledError});
 
         service.expect("/next", Answer::json("{}"));
-        client.request(QStringLiteral("/next"));
-        QCOMPARE(client.successes, QStringList(QStringLiteral("{}")));
+        client.request("/next");
+        QCOMPARE(client.successes, QStringList("{}"));
     }
 
     void payloadIsBounded()
@@ -100,7 +100,7 @@ private Q_SLOTS:
         const QVariant first = chunk(object.left(MiB));
         const QVariant second = chunk(object.mid(MiB));
         QCOMPARE(decoded(QVariantList{first, second}).userType(), int(QMetaType::QVariantMap));
-        QVERIFY(!decoded(QVariantList{first, second, chunk(QStringLiteral(" "))}).isValid());
+        QVERIFY(!decoded(QVariantList{first, second, chunk(" ")}).isValid());
         QVERIFY(!decoded(QVariantList{second, second, second, second, second}).isValid());
     }
 };

@@ -16,12 +16,12 @@ QByteArray compact(const QString& text)
 QString namesOfOneHash()
 {
     constexpr int bits = 17;
-    QString text = QStringLiteral("{\"\":[]");
+    QString text = "{\"\":[]";
     for (int number = 0; number < 1 << bits; ++number) {
-        text += QStringLiteral(",\"");
+        text += ",\"";
         for (int bit = 0; bit < bits; ++bit)
             text += (number >> bit) & 1 ? QStringLiteral("Aa") : QStringLiteral("BB");
-        text += QStringLiteral("\":0");
+        text += "\":0";
     }
     return text + QLatin1Char('}');
 }
@@ -82,7 +82,7 @@ private Q_SLOTS:
     {
         constexpr int deepest = 1024;
         const auto nested = [](int depth) {
-            const QString inner = QStringLiteral(R"({"a":[1],"a":2})");
+            const QString inner = R"({"a":[1],"a":2})";
             return QStringLiteral("[").repeated(depth - 2) + inner + QStringLiteral("]").repeated(depth - 2);
         };
         QVERIFY(JsonReader::read(nested(deepest)).isArray());
@@ -109,10 +109,10 @@ private Q_SLOTS:
     void manyMembersAreReadInOneGo()
     {
         constexpr int count = 100000;
-        QString text = QStringLiteral("{");
+        QString text = "{";
         for (int i = 0; i < count; ++i)
             text += QStringLiteral("\"%1\":[%1],\"%1\":[],").arg(i);
-        text += QStringLiteral("\"\":0}");
+        text += "\"\":0}";
         QCOMPARE(JsonReader::read(text).toVariant().toMap().size(), count + 1);
     }
 };

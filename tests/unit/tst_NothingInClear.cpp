@@ -69,7 +69,7 @@ private Q_SLOTS:
         ConnectorProbe probe(&connector);
         const QUrl url(QStringLiteral("%1://127.0.0.1:%2/p").arg(scheme).arg(server.port()));
         QVERIFY(probe.open(url, entries));
-        connector.sendMessage(QStringLiteral("secret"), false);
+        connector.sendMessage("secret", false);
         QCOMPARE(probe.events(), QStringList());
         QTRY_VERIFY(gotHandshakesOnly(server));
         QCOMPARE(server.connections(), protocols.size());
@@ -81,11 +81,11 @@ private Q_SLOTS:
         for (int i = 0; i < 3; ++i)
             server.onConnect({Server::hear(), Server::send(inviting)});
         PresenterClient client(nullptr, QStringLiteral("https://127.0.0.1:%1").arg(server.port()));
-        QVERIFY(!client.checkServer(QStringLiteral("user"), QStringLiteral("word")));
-        QVERIFY(!client.doLogin(QStringLiteral("teacher"), QStringLiteral("chalk")));
+        QVERIFY(!client.checkServer("user", "word"));
+        QVERIFY(!client.doLogin("teacher", "chalk"));
         QString id;
         QString path;
-        QVERIFY(!client.doUploadResource(QStringLiteral("a.png"), "bytes", &id, &path));
+        QVERIFY(!client.doUploadResource("a.png", "bytes", &id, &path));
         QTRY_VERIFY(gotHandshakesOnly(server));
     }
 };

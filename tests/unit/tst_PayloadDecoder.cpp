@@ -22,8 +22,8 @@ QJsonArray numbers(const QString& text)
     return Lzma::compress(text, &out) ? QJsonDocument::fromJson(out.toLatin1()).array() : QJsonArray();
 }
 
-const QString OBJECT = QStringLiteral(R"({"a":[1,2],"b":"c"})");
-const QString LIST = QStringLiteral(R"([{"a":1}])");
+const QString OBJECT = R"({"a":[1,2],"b":"c"})";
+const QString LIST = R"([{"a":1}])";
 
 enum Holds { Nothing, AMap, AList, SomethingElse };
 
@@ -45,31 +45,31 @@ private Q_SLOTS:
         const auto row = [](const char* name, const QJsonValue& data, Holds holds) {
             QTest::newRow(name) << data << holds;
         };
-        const QString half = QStringLiteral(R"({"a":[1,)");
-        const QString otherHalf = QStringLiteral(R"(2],"b":"c"})");
+        const QString half = R"({"a":[1,)";
+        const QString otherHalf = R"(2],"b":"c"})";
         row("map in a text", base64(OBJECT), AMap);
-        row("empty map in a text", base64(QStringLiteral("{}")), AMap);
+        row("empty map in a text", base64("{}"), AMap);
         row("list in a text", base64(LIST), Nothing);
-        row("text that is not compressed", QStringLiteral("hello"), SomethingElse);
+        row("text that is not compressed", "hello", SomethingElse);
         row("number", 5, SomethingElse);
         row("fraction", 1.5, SomethingElse);
         row("true", true, SomethingElse);
         row("map in a list", QJsonArray{base64(OBJECT)}, AMap);
         row("list in a list", QJsonArray{base64(LIST)}, AList);
-        row("empty list in a list", QJsonArray{base64(QStringLiteral("[]"))}, AList);
+        row("empty list in a list", QJsonArray{base64("[]")}, AList);
         row("chunks", QJsonArray{base64(half), base64(otherHalf)}, AMap);
         row("a number among the chunks", QJsonArray{base64(half), 5, base64(otherHalf)}, AMap);
         row("a list and a null among the chunks",
             QJsonArray{base64(half), QJsonArray{base64(half)}, QJsonValue::Null, base64(otherHalf)}, AMap);
-        row("no JSON in a list", QJsonArray{base64(QStringLiteral("hello"))}, SomethingElse);
-        row("texts that are not compressed", QJsonArray{QStringLiteral("hello")}, Nothing);
+        row("no JSON in a list", QJsonArray{base64("hello")}, SomethingElse);
+        row("texts that are not compressed", QJsonArray{"hello"}, Nothing);
         row("map in bytes", numbers(OBJECT), AMap);
         row("list in bytes", numbers(LIST), AList);
-        row("no JSON in bytes", numbers(QStringLiteral("hello")), SomethingElse);
+        row("no JSON in bytes", numbers("hello"), SomethingElse);
         row("bytes that are no block", QJsonArray{1, 2, 3}, Nothing);
         row("a null before a text", QJsonArray{QJsonValue::Null, base64(OBJECT)}, Nothing);
         row("empty list", QJsonArray(), Nothing);
-        row("object", QJsonObject{{QStringLiteral("a"), 1}}, Nothing);
+        row("object", QJsonObject{{"a", 1}}, Nothing);
         row("null", QJsonValue::Null, Nothing);
     }
 
@@ -93,8 +93,8 @@ private Q_SLOTS:
     void listsOfOtherTypesAreLists()
     {
         const LogRecorder quiet;
-        const QStringList chunks{base64(QStringLiteral(R"({"a":)")), base64(QStringLiteral("1}"))};
-        const QVariant map = QVariantMap{{QStringLiteral("a"), 1}};
+        const QStringList chunks{base64(R"({"a":)"), base64("1}")};
+        const QVariant map = QVariantMap{{"a", 1}};
         QCOMPARE(PayloadDecoder::decode(chunks), map);
         QCOMPARE(PayloadDecoder::decode(QVariant::fromValue(chunks.toVector())), map);
         QCOMPARE(PayloadDecoder::decode(QVariant::fromValue(QList<QVariantMap>{{}})), QVariant());
@@ -110,7 +110,7 @@ private Q_SLOTS:
     void dataThatIsNotThere()
     {
         const LogRecorder log;
-        QVERIFY(!PayloadDecoder::read(QJsonObject().value(QStringLiteral("data"))).value().isValid());
+        QVERIFY(!PayloadDecoder::read(QJsonObject().value("data")).value().isValid());
         QVERIFY(!PayloadDecoder::decode(QVariant()).isValid());
         QCOMPARE(log.debug(), QStringList());
     }
@@ -122,12 +122,12 @@ private Q_SLOTS:
         // Of two bytes each: more bytes than there may be characters.
         const QString text = QStringLiteral("{\"a\":\"") + QString(half, QChar(0xe4)) + QStringLiteral("\"}");
         const QJsonValue block = base64(text);
-        QCOMPARE(PayloadDecoder::read(block).object().value(QStringLiteral("a")).toString().size(), half);
+        QCOMPARE(PayloadDecoder::read(block).object().value("a").toString().size(), half);
         QVERIFY(!PayloadDecoder::read(QJsonValue(QJsonArray{block, block, block})).value().isValid());
         // What is counted is only what has come: it would take minutes to count all of it for each chunk.
         QJsonArray chunks{block};
         for (int i = 0; i < 20000; ++i)
-            chunks.append(base64(QStringLiteral(" ")));
+            chunks.append(base64(" "));
         QCOMPARE(PayloadDecoder::read(chunks).object().size(), 1);
     }
 };

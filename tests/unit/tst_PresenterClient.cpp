@@ -57,7 +57,7 @@ private Q_SLOTS:
 
     void startsLoggedOutWithNullTexts()
     {
-        const PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+        const PresenterClient client(nullptr, "http://127.0.0.1:1");
 
         QVERIFY(!client.isLoggedIn());
         QVERIFY(!client.isServerReachable());
@@ -79,7 +79,7 @@ private Q_SLOTS:
     void ownsItsNetworkManagerAndCookieJar()
     {
         QObject parent;
-        auto* client = new PresenterClient(&parent, QStringLiteral("http://127.0.0.1:1"));
+        auto* client = new PresenterClient(&parent, "http://127.0.0.1:1");
 
         QCOMPARE(client->parent(), &parent);
         const auto managers = client->findChildren<QNetworkAccessManager*>();
@@ -93,7 +93,7 @@ private Q_SLOTS:
         FakeService service;
         service.expect("/tavisto/any?a=b", Answer::json("{}"));
         ClientProbe client(service.url());
-        client.doRequest(true, QUrl(service.url() + "/tavisto/any?a=b"), QStringLiteral(R"({"k":"v"})"),
+        client.doRequest(true, QUrl(service.url() + "/tavisto/any?a=b"), R"({"k":"v"})",
                          ClientProbe::successHandler());
 
         const FakeService::Request request = service.last();
@@ -148,8 +148,8 @@ private Q_SLOTS:
         service.expect("/a", Answer::json("{}").with("Set-Cookie", "JSESSIONID=s1; Path=/; HttpOnly"));
         service.expect("/b", Answer::json("{}"));
         ClientProbe client(service.url());
-        client.request(QStringLiteral("/a"));
-        client.request(QStringLiteral("/b"));
+        client.request("/a");
+        client.request("/b");
 
         QVERIFY(service.requests().at(0).header("cookie").isNull());
         QCOMPARE(service.requests().at(1).header("cookie"), QByteArray("JSESSIONID=s1"));
@@ -160,8 +160,8 @@ private Q_SLOTS:
         FakeService service;
         service.expect("/a", Answer::json("{}").with("Set-Cookie", "JSESSIONID=s1; Path=/"));
         service.expect("/b", Answer::json("{}"));
-        ClientProbe(service.url()).request(QStringLiteral("/a"));
-        ClientProbe(service.url()).request(QStringLiteral("/b"));
+        ClientProbe(service.url()).request("/a");
+        ClientProbe(service.url()).request("/b");
 
         QVERIFY(service.last().header("cookie").isNull());
     }
@@ -185,7 +185,7 @@ private Q_SLOTS:
         service.expect("/a", Answer::json(body, status));
         ClientProbe client(service.url());
         const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-        client.request(QStringLiteral("/a"));
+        client.request("/a");
 
         QCOMPARE(client.successes, QStringList{QString::fromUtf8(body)});
         QVERIFY(client.failures.isEmpty());
@@ -198,7 +198,7 @@ private Q_SLOTS:
         service.expect("/a", Answer::json(R"({"errorMsgKeys":["x"]})", 500));
         ClientProbe client(service.url());
         const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-        client.request(QStringLiteral("/a"));
+        client.request("/a");
 
         QVERIFY(client.successes.isEmpty());
         QCOMPARE(client.failures, QStringList{R"({"errorMsgKeys":["x"]})"});
@@ -222,7 +222,7 @@ private Q_SLOTS:
         service.expect("/a", cut ? Answer::cut(R"({"data":{}})") : Answer::gone());
         ClientProbe client(service.url());
         const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-        client.request(QStringLiteral("/a"));
+        client.request("/a");
 
         QVERIFY(client.successes.isEmpty());
         QCOMPARE(client.failures.size(), 1);
@@ -256,7 +256,7 @@ private Q_SLOTS:
         FakeService service;
         service.expect("/a", Answer::json("1"));
         ClientProbe client(service.url());
-        client.request(QStringLiteral("/a"), false);
+        client.request("/a", false);
 
         QVERIFY(service.requests().isEmpty());
         QVERIFY(client.successes.isEmpty());
@@ -271,7 +271,7 @@ private Q_SLOTS:
         int handledBefore = -1;
         connect(&client, &PresenterClient::requestProcessed, this,
                 [&] { handledBefore = client.successes.size(); });
-        client.request(QStringLiteral("/a"));
+        client.request("/a");
 
         QCOMPARE(handledBefore, 1);
     }
@@ -285,7 +285,7 @@ private Q_SLOTS:
         QNetworkReply* reply = nullptr;
         connect(client.findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
                 [&](QNetworkReply* finished) { reply = finished; });
-        client.request(QStringLiteral("/a"));
+        client.request("/a");
         QVERIFY(reply);
         QVERIFY(QMetaObject::invokeMethod(&client, "slotRequestFinished", Q_ARG(QNetworkReply*, reply)));
 
@@ -302,9 +302,9 @@ private Q_SLOTS:
         QList<QPointer<QNetworkReply>> replies;
         connect(client.findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
                 [&](QNetworkReply* reply) { replies.append(reply); });
-        client.request(QStringLiteral("/ok"));
-        client.request(QStringLiteral("/bad"));
-        client.request(QStringLiteral("/moved"));
+        client.request("/ok");
+        client.request("/bad");
+        client.request("/moved");
 
         QCOMPARE(replies.size(), 3);
         for (const auto& reply : qAsConst(replies))
@@ -359,8 +359,8 @@ private Q_SLOTS:
     {
         const auto [reply, error] = row<QVariant, QString>();
 
-        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
-        QString found = QStringLiteral("earlier");
+        PresenterClient client(nullptr, "http://127.0.0.1:1");
+        QString found = "earlier";
 
         QCOMPARE(client.isErrorInErrorMsgKeys(reply, found), !error.isNull());
         QCOMPARE(found, error);
@@ -370,10 +370,10 @@ private Q_SLOTS:
 
     void decompressesLzma()
     {
-        const QString text = QString::fromUtf8("Zoë \"%1\"\n");
+        const QString text = "Zoë \"%1\"\n";
         QString packed;
         QVERIFY(Lzma::compress64(text, &packed));
-        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+        PresenterClient client(nullptr, "http://127.0.0.1:1");
         QString unpacked;
 
         QVERIFY(client.LzmaDecompress64(packed, &unpacked));
@@ -382,10 +382,10 @@ private Q_SLOTS:
 
     void badLzmaLeavesTheTextAsItWas()
     {
-        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
-        QString text = QStringLiteral("before");
+        PresenterClient client(nullptr, "http://127.0.0.1:1");
+        QString text = "before";
 
-        QVERIFY(!client.LzmaDecompress64(QStringLiteral("AAAAAAAAAAAAAAAAAA=="), &text)); // 13 bytes
+        QVERIFY(!client.LzmaDecompress64("AAAAAAAAAAAAAAAAAA==", &text)); // 13 bytes
         QVERIFY(!client.LzmaDecompress64(QString(), &text));
         QCOMPARE(text, QStringLiteral("before"));
     }

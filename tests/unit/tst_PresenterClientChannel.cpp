@@ -187,7 +187,7 @@ private Q_SLOTS:
         QVERIFY(!collab->isConnected());
         lesson.service.expect(Lesson::STOP, Answer::json("{}"));
         connect(collab->connector(), &SockJSConnector::connected, this, [&] { lesson.client.reset(); });
-        lesson.bus.inject(QStringLiteral("o"));
+        lesson.bus.inject("o");
 
         QTRY_VERIFY(!collab);
         QTRY_COMPARE(lesson.bus.openConnections(), 0);
@@ -205,7 +205,7 @@ void tst_PresenterClientChannel::requestsKeepTheirProxyAfterAnOpen()
     const QByteArray service("http://classroom.invalid");
     {
         PresenterClient client(nullptr, QString::fromLatin1(service));
-        client.sessionSuccessResponse(QStringLiteral(R"({"data":{"sessionCode":"1"}})"));
+        client.sessionSuccessResponse(R"({"data":{"sessionCode":"1"}})");
         proxy.expect(service + Lesson::ADDRESS, Answer::json(R"({"data":{"url":"http://bus.invalid/"}})"));
         proxy.expect(service + Lesson::FEATURES, Answer::json(Lesson::WEBSOCKET));
         proxy.expect(service + Lesson::START, Answer::json(Lesson::STARTED));

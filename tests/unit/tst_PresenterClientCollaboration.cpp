@@ -48,7 +48,7 @@ private Q_SLOTS:
         rows<QString>({
             {"quotes", "a\"b"},
             {"placeholders", "%1%2%0"},
-            {"not ASCII", QString::fromUtf8("Zoë 🎓")},
+            {"not ASCII", "Zoë 🎓"},
             {"backslash", "a\\"},
         });
     }
@@ -60,7 +60,7 @@ private Q_SLOTS:
 
         const auto envelope = [&](const char* key) {
             const QJsonObject data{{QLatin1String(key), value}};
-            const QJsonObject object{{QStringLiteral("data"), data}};
+            const QJsonObject object{{"data", data}};
             return QString::fromUtf8(QJsonDocument(object).toJson());
         };
         Lesson lesson;
@@ -156,18 +156,17 @@ private Q_SLOTS:
 
     void tenantNamesTheTransports_data()
     {
-        columns<int, QByteArray, QStringList>();
-
         const QStringList earlier{"websocket", "earlier"};
-        QTest::newRow("one") << 200 << QByteArray(Lesson::WEBSOCKET) << QStringList{"websocket"};
-        QTest::newRow("in order") << 200
-                                  << QByteArray(R"({"data":{"sockJSProtocols":["b","websocket","a"]}})")
-                                  << QStringList{"b", "websocket", "a"};
-        QTest::newRow("none") << 200 << QByteArray(R"({"data":{"sockJSProtocols":[]}})") << QStringList();
-        QTest::newRow("absent") << 200 << QByteArray(R"({"data":{}})") << QStringList();
-        QTest::newRow("no data") << 200 << QByteArray("{}") << QStringList();
-        QTest::newRow("no JSON") << 200 << QByteArray("websocket") << earlier;
-        QTest::newRow("http error") << 500 << QByteArray(Lesson::WEBSOCKET) << earlier;
+        rows<int, QByteArray, QStringList>({
+            {"one", 200, QByteArray(Lesson::WEBSOCKET), QStringList{"websocket"}},
+            {"in order", 200, R"({"data":{"sockJSProtocols":["b","websocket","a"]}})",
+             QStringList{"b", "websocket", "a"}},
+            {"none", 200, R"({"data":{"sockJSProtocols":[]}})", QStringList()},
+            {"absent", 200, R"({"data":{}})", QStringList()},
+            {"no data", 200, "{}", QStringList()},
+            {"no JSON", 200, "websocket", earlier},
+            {"http error", 500, QByteArray(Lesson::WEBSOCKET), earlier},
+        });
     }
 
     void tenantNamesTheTransports()
@@ -176,15 +175,15 @@ private Q_SLOTS:
 
         Lesson lesson;
         lesson.client->getTenantFeatureDetailsResponse(
-            QStringLiteral(R"({"data":{"sockJSProtocols":["websocket","earlier"]}})"));
+            R"({"data":{"sockJSProtocols":["websocket","earlier"]}})");
         lesson.expectStart(Answer::json(body, status));
         const LogRecorder log;
 
         QVERIFY(lesson.start());
         QCOMPARE(lesson.client->sockJSProtocols(), protocols);
-        const QStringList lines = log.debug(QStringLiteral("Connecting to collaboration server:"));
+        const QStringList lines = log.debug("Connecting to collaboration server:");
         QCOMPARE(lines.size(), 1);
-        QVERIFY2(lines.first().contains(protocols.join(QStringLiteral(", "))), qPrintable(lines.first()));
+        QVERIFY2(lines.first().contains(protocols.join(", ")), qPrintable(lines.first()));
         QTRY_VERIFY(lesson.collab->isConnected()); // all of these lists come down to a WebSocket
     }
 
@@ -197,8 +196,8 @@ private Q_SLOTS:
         QVERIFY(lesson.start());
         QCOMPARE(lesson.client->sockJSProtocols(), QStringList{"websocket"});
         QTRY_VERIFY(lesson.collab->isConnected());
-        QCOMPARE(lesson.bus.count(QStringLiteral("/websocket")), 1);
-        QCOMPARE(lesson.bus.count(QStringLiteral("/xhr")), 0);
+        QCOMPARE(lesson.bus.count("/websocket"), 1);
+        QCOMPARE(lesson.bus.count("/xhr"), 0);
     }
 
     void emptyOverrideIsNone()
@@ -238,7 +237,7 @@ private Q_SLOTS:
 
         QVERIFY(lesson.start());
         QTRY_VERIFY(lesson.collab->isConnected());
-        QCOMPARE(lesson.bus.count(QStringLiteral("/websocket")), 2);
+        QCOMPARE(lesson.bus.count("/websocket"), 2);
     }
 
     void refusedStartEndsTheChain()
@@ -260,8 +259,7 @@ private Q_SLOTS:
     void earlierErrorEndsTheChain()
     {
         Lesson lesson;
-        lesson.client->sessionFailureResponse(nullptr,
-                                              QStringLiteral(R"({"errorMsgKeys":["earlier.error"]})"));
+        lesson.client->sessionFailureResponse(nullptr, R"({"errorMsgKeys":["earlier.error"]})");
         lesson.service.expect(Lesson::ADDRESS, Answer::json(lesson.address()));
         lesson.service.expect(Lesson::FEATURES, Answer::json(Lesson::WEBSOCKET));
         lesson.service.expect(Lesson::START, Answer::json(Lesson::STARTED));
@@ -300,7 +298,7 @@ private Q_SLOTS:
     void failedStartKeepsTheEarlierToken()
     {
         Lesson lesson;
-        lesson.client->sessionStartSuccessResponse(QStringLiteral(R"({"data":{"sessionToken":"old"}})"));
+        lesson.client->sessionStartSuccessResponse(R"({"data":{"sessionToken":"old"}})");
         lesson.expectStart(Answer::json(Lesson::WEBSOCKET), Answer::cut(Lesson::STARTED));
 
         QVERIFY(lesson.start());
@@ -322,7 +320,7 @@ private Q_SLOTS:
 
         Lesson lesson;
         if (!before.isNull())
-            lesson.client->sessionJoinResponse(QStringLiteral(R"({"data":{"userToken":"U0"}})"));
+            lesson.client->sessionJoinResponse(R"({"data":{"userToken":"U0"}})");
         lesson.expectStart(Answer::json(Lesson::WEBSOCKET), Answer::json(Lesson::STARTED),
                            Answer::json(body, status));
 
@@ -337,8 +335,8 @@ private Q_SLOTS:
     {
         Lesson lesson;
         PresenterClient& client = *lesson.client;
-        const QString broken = QStringLiteral("{\"data\":");
-        client.getCollabUrlResponse(QStringLiteral(R"({"data":{"url":"a"}})"));
+        const QString broken = "{\"data\":";
+        client.getCollabUrlResponse(R"({"data":{"url":"a"}})");
         client.getTenantFeatureDetailsResponse(QString::fromLatin1(Lesson::WEBSOCKET));
         client.sessionStartSuccessResponse(QString::fromLatin1(Lesson::STARTED));
         client.sessionStartFailureResponse(nullptr, QString::fromLatin1(REFUSED));
@@ -360,12 +358,12 @@ private Q_SLOTS:
     {
         Lesson lesson;
         PresenterClient& client = *lesson.client;
-        client.getCollabUrlResponse(QStringLiteral(R"({"data":{"url":"a"}})"));
+        client.getCollabUrlResponse(R"({"data":{"url":"a"}})");
         client.getTenantFeatureDetailsResponse(QString::fromLatin1(Lesson::WEBSOCKET));
         client.sessionStartSuccessResponse(QString::fromLatin1(Lesson::STARTED));
         client.sessionStartFailureResponse(nullptr, QString::fromLatin1(REFUSED));
         client.sessionJoinResponse(QString::fromLatin1(Lesson::JOINED));
-        const QString nothing = QStringLiteral("{}");
+        const QString nothing = "{}";
         client.getCollabUrlResponse(nothing);
         client.getTenantFeatureDetailsResponse(nothing);
         client.sessionStartSuccessResponse(nothing);

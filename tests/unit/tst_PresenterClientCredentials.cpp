@@ -39,8 +39,8 @@ private Q_SLOTS:
             FakeService service;
             service.expect(oauth ? CALLBACK : SUBMIT, Answer::json(body));
             PresenterClient client(nullptr, service.url());
-            QString given = QStringLiteral("given");
-            const QString u = QStringLiteral("u");
+            QString given = "given";
+            const QString u = "u";
 
             QCOMPARE(oauth ? getOAuthToken(client, &given) : client.doGetAccessToken(u, u, u, u), token);
             QCOMPARE(client.isLoggedIn(), !token.isEmpty());
@@ -58,7 +58,7 @@ private Q_SLOTS:
         service.expect(SUBMIT, Answer::json(R"({"data":{"deviceAccessToken":"T2"}})", 500));
         service.expect(CALLBACK, Answer::gone());
         PresenterClient client(nullptr, service.url());
-        const QString u = QStringLiteral("u");
+        const QString u = "u";
         QCOMPARE(client.doGetAccessToken(u, u, u, u), QStringLiteral("T1"));
 
         QCOMPARE(client.doGetAccessToken(u, u, u, u), QStringLiteral("T1"));
@@ -73,9 +73,9 @@ private Q_SLOTS:
         service.expect(CALLBACK, Answer::json(REFUSED, 401));
         PresenterClient client(nullptr, service.url());
         client.loginSuccessResponse(QString::fromLatin1(SUCCESS));
-        client.loginFailureResponse(nullptr, QStringLiteral(R"({"errorMsgKeys":["earlier.error"]})"));
+        client.loginFailureResponse(nullptr, R"({"errorMsgKeys":["earlier.error"]})");
 
-        client.doGetAccessToken(QStringLiteral("u"), QStringLiteral("p"), QString(), QString());
+        client.doGetAccessToken("u", "p", QString(), QString());
         QVERIFY(client.isLoggedIn());
         getOAuthToken(client);
         QVERIFY(client.isLoggedIn());
@@ -98,7 +98,7 @@ private Q_SLOTS:
     void userName_data()
     {
         rows<QByteArray, QString>({
-            {"known", R"({"data":{"userLoginId":"zoë"}})", QString::fromUtf8("zoë")},
+            {"known", R"({"data":{"userLoginId":"zoë"}})", "zoë"},
             {"empty", R"({"data":{"userLoginId":""}})", ""},
             {"absent", R"({"data":{}})", QString()},
             {"no data", "{}", QString()},
@@ -167,7 +167,7 @@ private Q_SLOTS:
         service.expect("/tavisto/session/stop", Answer::json("{}"));
         service.expect(LOGOUT, Answer::json("{}"));
         PresenterClient client(nullptr, service.url());
-        client.sessionStartSuccessResponse(QStringLiteral(R"({"data":{"sessionToken":"T"}})"));
+        client.sessionStartSuccessResponse(R"({"data":{"sessionToken":"T"}})");
 
         QVERIFY(client.doLogout());
         QVERIFY(client.sessionToken().isNull());
@@ -178,11 +178,11 @@ private Q_SLOTS:
         FakeService service;
         service.expect(LOGOUT, Answer::json("{}"));
         PresenterClient client(nullptr, service.url());
-        client.sessionSuccessResponse(QStringLiteral(R"({"data":{"sessionCode":"1"}})"));
+        client.sessionSuccessResponse(R"({"data":{"sessionCode":"1"}})");
         const LogRecorder log;
 
         QVERIFY(client.doLogout());
-        QCOMPARE(log.debug(QStringLiteral("[PresenterClient] No session to stop!")).size(), 1);
+        QCOMPARE(log.debug("[PresenterClient] No session to stop!").size(), 1);
     }
 
     void logoutKeepsTheCredentials()

@@ -22,7 +22,7 @@ struct Exchange
     explicit Exchange(const Answer& answer) : client(service.url())
     {
         service.expect("/a", answer);
-        client.request(QStringLiteral("/a"));
+        client.request("/a");
     }
 
     FakeService service;
@@ -41,7 +41,7 @@ private Q_SLOTS:
     {
         const Exchange exchange(Answer::json("[1,2]"));
 
-        const QStringList lines = exchange.log.debug(QStringLiteral("[REST Response] "));
+        const QStringList lines = exchange.log.debug("[REST Response] ");
         QCOMPARE(lines.size(), 1);
         QVERIFY(lines.first().contains("[1,2]"));
         for (const LogRecorder::Message& message : exchange.log.messages())
@@ -57,10 +57,10 @@ private Q_SLOTS:
         connect(client.findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
                 [&](QNetworkReply* reply) { errorString = reply->errorString(); });
         const LogRecorder log;
-        client.request(QStringLiteral("/a"));
+        client.request("/a");
 
         QVERIFY(!errorString.isEmpty());
-        QCOMPARE(log.debug(QStringLiteral("[REST Response] ")).size(), 1);
+        QCOMPARE(log.debug("[REST Response] ").size(), 1);
         QString line = log.debug().last();
         line.replace("\\n", "\n"); // Qt's quoting of texts in debug output is as good
         QVERIFY2(line.contains("ERROR: " + errorString + "\nRESPONSE: [1,2]"), qPrintable(line));
@@ -71,7 +71,7 @@ private Q_SLOTS:
         const Exchange exchange(Answer::json("[1,2]"));
 
         QVERIFY(!exchange.log.debug().isEmpty());
-        QVERIFY(exchange.log.debug().filter(QStringLiteral("ERROR")).isEmpty());
+        QVERIFY(exchange.log.debug().filter("ERROR").isEmpty());
         QVERIFY(exchange.log.warnings().isEmpty());
     }
 
@@ -121,7 +121,7 @@ private Q_SLOTS:
 
         QVERIFY(exchange.client.successes.isEmpty());
         QVERIFY(exchange.client.failures.isEmpty());
-        QVERIFY(exchange.log.debug(QStringLiteral("[REST Response]")).isEmpty());
+        QVERIFY(exchange.log.debug("[REST Response]").isEmpty());
     }
 
     void redirectEndsTheOperation()
@@ -131,7 +131,7 @@ private Q_SLOTS:
         PresenterClient client(nullptr, service.url());
         const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
 
-        QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(!client.doLogin("u", "p"));
         QCOMPARE(processed.size(), 1);
         QVERIFY(client.lastError().isNull());
         QVERIFY(client.isServerReachable());
@@ -171,7 +171,7 @@ private Q_SLOTS:
         ClientProbe client(service.url());
 
         QVERIFY(!client.checkServer(QString(), QString())); // an empty body is no JSON
-        client.request(QStringLiteral("/a"));
+        client.request("/a");
         QCOMPARE(client.successes.size() + client.failures.size(), 1);
         QCOMPARE(client.server(), service.url());
     }
@@ -183,12 +183,11 @@ private Q_SLOTS:
         const Exchange exchange(Answer::json(packed).with("Content-Encoding", "gzip"));
 
         QCOMPARE(exchange.client.successes, QStringList{QString::fromUtf8(text)});
-        const QStringList lines =
-            exchange.log.debug(QStringLiteral("[REST Responze.gzip] Compressed size: "));
+        const QStringList lines = exchange.log.debug("[REST Responze.gzip] Compressed size: ");
         QCOMPARE(lines.size(), 1);
         QVERIFY2(lines.first().trimmed().endsWith(' ' + QString::number(packed.size())),
                  qPrintable(lines.first()));
-        QCOMPARE(exchange.log.debug(QStringLiteral("[REST Response] ")).size(), 1);
+        QCOMPARE(exchange.log.debug("[REST Response] ").size(), 1);
     }
 
     void gzipOfAFailureIsInflated()
@@ -208,20 +207,20 @@ private Q_SLOTS:
 
         QVERIFY(!client.checkServer(QString(), QString()));
         QVERIFY(client.checkServer(QString(), QString()));
-        QVERIFY(log.debug(QStringLiteral("[REST Responze.gzip]")).isEmpty());
+        QVERIFY(log.debug("[REST Responze.gzip]").isEmpty());
     }
 
     void badGzipGivesAnEmptyBody_data()
     {
-        columns<QByteArray, bool>();
-
         QByteArray corrupt = Gzip::gzip(QByteArray(5000, 'x'));
         corrupt[corrupt.size() - 8] = char(corrupt.at(corrupt.size() - 8) ^ 1);
-        QTest::newRow("no byte") << QByteArray() << true;
-        QTest::newRow("4 bytes") << QByteArray("\x1f\x8b\x08\x00", 4) << true;
-        QTest::newRow("5 bytes") << QByteArray("\x1f\x8b\x08\x00\x00", 5) << false;
-        QTest::newRow("plain text") << QByteArray(R"({"data":{}})") << false;
-        QTest::newRow("wrong checksum") << corrupt << false;
+        rows<QByteArray, bool>({
+            {"no byte", QByteArray(), true},
+            {"4 bytes", QByteArray("\x1f\x8b\x08\x00", 4), true},
+            {"5 bytes", QByteArray("\x1f\x8b\x08\x00\x00", 5), false},
+            {"plain text", R"({"data":{}})", false},
+            {"wrong checksum", corrupt, false},
+        });
     }
 
     void badGzipGivesAnEmptyBody()
@@ -255,7 +254,7 @@ private Q_SLOTS:
         service.expect("/a", answer);
         service.expect("/tavisto", answer);
         ClientProbe client(service.url());
-        client.request(QStringLiteral("/a"));
+        client.request("/a");
 
         QCOMPARE(client.successes, QStringList{"{\"a\":1}"});
         QVERIFY(client.checkServer(QString(), QString()));

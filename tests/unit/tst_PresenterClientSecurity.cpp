@@ -104,23 +104,21 @@ private Q_SLOTS:
     void initTestCase()
     {
         QVERIFY(QSslSocket::supportsSsl());
-        QVERIFY(!TestCertificates::certificate(QStringLiteral("root")).isNull());
-        QVERIFY(TestCertificates::certificate(QStringLiteral("nameless"))
-                    .issuerInfo(QSslCertificate::CommonName)
-                    .isEmpty());
+        QVERIFY(!TestCertificates::certificate("root").isNull());
+        QVERIFY(TestCertificates::certificate("nameless").issuerInfo(QSslCertificate::CommonName).isEmpty());
     }
 
     void trustedServiceIsReached()
     {
         const TestCertificates::TrustedRoot trusted;
-        FakeService service(TestCertificates::server(QStringLiteral("loopback")));
+        FakeService service(TestCertificates::server("loopback"));
         service.expect("/tavisto", Answer::json("{}"));
         PresenterClient client(nullptr, service.url());
         const LogRecorder log;
 
         QVERIFY(client.checkServer(QString(), QString()));
         QVERIFY(client.lastError().isNull());
-        QVERIFY(log.debug(QStringLiteral("+++ SSL Config +++")).isEmpty());
+        QVERIFY(log.debug("+++ SSL Config +++").isEmpty());
     }
 
     void unknownRootIsReported_data()
@@ -167,8 +165,8 @@ private Q_SLOTS:
         if (isConfigured)
             trusted = std::make_unique<TestCertificates::TrustedRoot>();
         else
-            systemAuthorities = {TestCertificates::certificate(QStringLiteral("nameless")),
-                                 TestCertificates::certificate(QStringLiteral("root"))};
+            systemAuthorities = {TestCertificates::certificate("nameless"),
+                                 TestCertificates::certificate("root")};
         FakeService service(TestCertificates::server(certificate));
         PresenterClient client(nullptr, service.url());
         const LogRecorder log;
@@ -177,27 +175,27 @@ private Q_SLOTS:
         systemAuthorities.clear();
         QVERIFY(!reached);
         QVERIFY(client.lastError().isNull());
-        QVERIFY(!log.debug(QStringLiteral("ssl error ")).isEmpty());
+        QVERIFY(!log.debug("ssl error ").isEmpty());
         QVERIFY(service.requests().isEmpty());
     }
 
     void tlsErrorsReachTheFailureHandler()
     {
-        FakeService service(TestCertificates::server(QStringLiteral("loopback")));
+        FakeService service(TestCertificates::server("loopback"));
         PresenterClient client(nullptr, service.url());
         const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
         const LogRecorder log;
 
-        QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(!client.doLogin("u", "p"));
         QCOMPARE(client.lastError(), QStringLiteral("SSLRootCertificateMissing"));
         QCOMPARE(processed.size(), 1);
-        QCOMPARE(log.debug(QStringLiteral("[REST Response] ")).size(), 1);
-        QVERIFY(!log.debug().filter(QStringLiteral("ERROR: ")).isEmpty());
+        QCOMPARE(log.debug("[REST Response] ").size(), 1);
+        QVERIFY(!log.debug().filter("ERROR: ").isEmpty());
     }
 
     void tlsErrorsAreLogged()
     {
-        FakeService service(TestCertificates::server(QStringLiteral("loopback")));
+        FakeService service(TestCertificates::server("loopback"));
         PresenterClient client(nullptr, service.url());
         const LogRecorder log;
         client.checkServer(QString(), QString());
@@ -210,10 +208,10 @@ private Q_SLOTS:
             }
             return -1;
         };
-        const int config = first(QStringLiteral("+++ SSL Config +++"));
-        const int error = first(QStringLiteral("ssl error "));
-        const int peers = first(QStringLiteral("peer certificate list"));
-        const int authorities = first(QStringLiteral("certificate list"));
+        const int config = first("+++ SSL Config +++");
+        const int error = first("ssl error ");
+        const int peers = first("peer certificate list");
+        const int authorities = first("certificate list");
         QVERIFY(config >= 0 && config < error && error < peers && peers < authorities);
         const QStringList peerLines = lines.mid(peers + 1, authorities - peers - 1);
         QCOMPARE(peerLines.size(), 2);
@@ -223,14 +221,14 @@ private Q_SLOTS:
 
     void emptyPeerChainMatchesOnlyANamelessRoot_data()
     {
-        columns<QStringList, QString>();
-
-        const QString missing = QStringLiteral("SSLRootCertificateMissing");
-        QTest::newRow("no root") << QStringList() << missing;
-        QTest::newRow("named") << QStringList{"root"} << missing;
-        QTest::newRow("nameless") << QStringList{"nameless"} << QString();
-        QTest::newRow("nameless, named") << QStringList{"nameless", "root"} << QString();
-        QTest::newRow("named, nameless") << QStringList{"root", "nameless"} << QString();
+        const QString missing = "SSLRootCertificateMissing";
+        rows<QStringList, QString>({
+            {"no root", QStringList(), missing},
+            {"named", QStringList{"root"}, missing},
+            {"nameless", QStringList{"nameless"}, QString()},
+            {"nameless, named", QStringList{"nameless", "root"}, QString()},
+            {"named, nameless", QStringList{"root", "nameless"}, QString()},
+        });
     }
 
     void emptyPeerChainMatchesOnlyANamelessRoot()
@@ -241,7 +239,7 @@ private Q_SLOTS:
         for (const QString& root : roots)
             certificates.append(TestCertificates::certificate(root));
         ReplyWithoutPeer reply(certificates);
-        PresenterClient client(nullptr, QStringLiteral("https://127.0.0.1:1"));
+        PresenterClient client(nullptr, "https://127.0.0.1:1");
         const LogRecorder log;
         const QList<QSslError> errors{QSslError(QSslError::NoPeerCertificate),
                                       QSslError(QSslError::NoSslSupport)};
@@ -250,15 +248,15 @@ private Q_SLOTS:
 
         QCOMPARE(client.lastError(), error);
         QCOMPARE(client.lastError().isNull(), error.isNull());
-        QCOMPARE(log.debug(QStringLiteral("ssl error ")).size(), 2);
-        QVERIFY(log.debug(QStringLiteral("ssl error ")).first().contains(errors.first().errorString()));
-        QCOMPARE(log.debug(QStringLiteral("CommonName:")).size(), roots.size());
+        QCOMPARE(log.debug("ssl error ").size(), 2);
+        QVERIFY(log.debug("ssl error ").first().contains(errors.first().errorString()));
+        QCOMPARE(log.debug("CommonName:").size(), roots.size());
     }
 
     void redirectFromHttpsToHttpIsNotFollowed()
     {
         const TestCertificates::TrustedRoot trusted;
-        FakeService service(TestCertificates::server(QStringLiteral("loopback")));
+        FakeService service(TestCertificates::server("loopback"));
         service.expect("/tavisto", Answer::redirect("http://moved.example/"));
         PresenterClient client(nullptr, service.url());
 
@@ -269,7 +267,7 @@ private Q_SLOTS:
     void redirectFromHttpsToHttpsIsFollowed()
     {
         const TestCertificates::TrustedRoot trusted;
-        FakeService service(TestCertificates::server(QStringLiteral("loopback")));
+        FakeService service(TestCertificates::server("loopback"));
         service.expect("/tavisto", Answer::redirect("https://moved.example:443/"));
         PresenterClient client(nullptr, service.url());
 
@@ -284,7 +282,7 @@ private Q_SLOTS:
         service.expect("/tavisto", Answer::json("{}"));
         PresenterClient client(nullptr, service.url());
 
-        QVERIFY(client.checkServer(QStringLiteral("user"), QStringLiteral("secret")));
+        QVERIFY(client.checkServer("user", "secret"));
         QVERIFY(service.requests().at(0).header("authorization").isNull());
         QCOMPARE(service.requests().at(1).header("authorization"), basic("user:secret"));
     }
@@ -296,7 +294,7 @@ private Q_SLOTS:
         service.expect("/tavisto/login/user", challenge());
         service.expect("/tavisto/login/user", Answer::json(R"({"data":{"userLoginId":"u"}})"));
         PresenterClient client(nullptr, service.url());
-        QVERIFY(client.checkServer(QStringLiteral("user"), QStringLiteral("secret")));
+        QVERIFY(client.checkServer("user", "secret"));
 
         QCOMPARE(client.doGetUserName(), QStringLiteral("u"));
         QCOMPARE(service.last().header("authorization"), basic("user:secret"));
@@ -322,7 +320,7 @@ private Q_SLOTS:
         service.expect("/tavisto", challenge());
         service.expect("/tavisto", Answer::json("{}"));
         PresenterClient client(nullptr, service.url());
-        QVERIFY(client.checkServer(QStringLiteral("user"), QStringLiteral("secret")));
+        QVERIFY(client.checkServer("user", "secret"));
 
         QVERIFY(client.checkServer(user, password));
         QCOMPARE(service.last().header("authorization"), basic(credentials));
@@ -344,7 +342,7 @@ private Q_SLOTS:
         service.expect("/tavisto", challenge());
         PresenterClient client(nullptr, service.url());
 
-        QVERIFY(!client.checkServer(QStringLiteral("user"), QStringLiteral("wrong")));
+        QVERIFY(!client.checkServer("user", "wrong"));
         QCOMPARE(service.last().header("authorization"), basic("user:wrong"));
     }
 
@@ -367,8 +365,8 @@ private Q_SLOTS:
         PresenterClient client(nullptr, service.url());
         QVERIFY(client.checkServer(user, password));
         QAuthenticator authenticator;
-        authenticator.setUser(QStringLiteral("before"));
-        authenticator.setPassword(QStringLiteral("before"));
+        authenticator.setUser("before");
+        authenticator.setPassword("before");
         QVERIFY(QMetaObject::invokeMethod(&client, "authenticationRequired", Q_ARG(QNetworkReply*, nullptr),
                                           Q_ARG(QAuthenticator*, &authenticator)));
 
@@ -381,7 +379,7 @@ private Q_SLOTS:
         const Environment environment("http_proxy");
         FakeService proxy;
         qputenv("http_proxy", proxy.url().toUtf8());
-        PresenterClient client(nullptr, QStringLiteral("http://classroom.invalid"));
+        PresenterClient client(nullptr, "http://classroom.invalid");
 
         QVERIFY(isReachedThrough(proxy, client));
     }
@@ -390,8 +388,8 @@ private Q_SLOTS:
     {
         FakeService proxy;
         QNetworkProxy::setApplicationProxy(
-            QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.serverPort()));
-        PresenterClient client(nullptr, QStringLiteral("http://classroom.invalid"));
+            QNetworkProxy(QNetworkProxy::HttpProxy, "127.0.0.1", proxy.serverPort()));
+        PresenterClient client(nullptr, "http://classroom.invalid");
         const bool reached = isReachedThrough(proxy, client);
         QNetworkProxyFactory::setUseSystemConfiguration(true);
 

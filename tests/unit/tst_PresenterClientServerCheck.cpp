@@ -71,7 +71,7 @@ private Q_SLOTS:
         service.expect("/tavisto", Answer::json("{}"));
         service.expect("/tavisto", Answer::json(R"({"errorMsgKeys":["b.error"]})", 500));
         PresenterClient client(nullptr, service.url());
-        client.loginFailureResponse(nullptr, QStringLiteral(R"({"errorMsgKeys":["a.error"]})"));
+        client.loginFailureResponse(nullptr, R"({"errorMsgKeys":["a.error"]})");
         QCOMPARE(client.lastError(), QStringLiteral("a.error"));
 
         QVERIFY(client.checkServer(QString(), QString()));
@@ -96,8 +96,8 @@ private Q_SLOTS:
     {
         const auto [body, reachable] = row<QString, bool>();
 
-        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
-        client.serverCheckResponse(QStringLiteral("{}"));
+        PresenterClient client(nullptr, "http://127.0.0.1:1");
+        client.serverCheckResponse("{}");
         QVERIFY(client.isServerReachable());
         client.serverCheckResponse(body);
 

@@ -45,7 +45,7 @@ private Q_SLOTS:
         service.expect(CREATE, Answer::json(CREATED));
         PresenterClient client(nullptr, service.url());
 
-        QVERIFY(client.doStartSession(QStringLiteral("not used")));
+        QVERIFY(client.doStartSession("not used"));
         QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
         QVERIFY(client.sessionToken().isNull());
         QVERIFY(client.isLoggedIn());
@@ -155,7 +155,7 @@ private Q_SLOTS:
         service.expect(USER, Answer::json(LOGGED_IN));
         service.expect(CREATE, Answer::json(CREATED));
         PresenterClient client(nullptr, service.url());
-        client.sessionFailureResponse(nullptr, QStringLiteral(R"({"errorMsgKeys":["earlier.error"]})"));
+        client.sessionFailureResponse(nullptr, R"({"errorMsgKeys":["earlier.error"]})");
         QCOMPARE(client.lastError(), QStringLiteral("earlier.error"));
 
         QVERIFY(client.doStartSession(QString()));
@@ -171,7 +171,7 @@ private Q_SLOTS:
         service.expect(SUBMIT, Answer::json(R"({"infoMsgs":["success"]})"));
         service.expect(CREATE, Answer::json(CREATED));
         PresenterClient client(nullptr, service.url());
-        QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(!client.doLogin("u", "p"));
 
         QVERIFY(client.doStartSession(QString()));
         QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
@@ -184,7 +184,7 @@ private Q_SLOTS:
         service.expect(USER, Answer::json("{}", 401));
         service.expect(SUBMIT, Answer::json(R"({"errorMsgKeys":["login.error"]})", 401));
         PresenterClient client(nullptr, service.url());
-        QVERIFY(!client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(!client.doLogin("u", "p"));
         createSession(client);
 
         QVERIFY(!client.doStartSession(QString()));
@@ -199,22 +199,22 @@ private Q_SLOTS:
         service.expect(SUBMIT, Answer::json(R"({"infoMsgs":["success"]})"));
         service.expect(USER, Answer::json(R"({"data":{}})"));
         PresenterClient client(nullptr, service.url());
-        QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(client.doLogin("u", "p"));
 
         QVERIFY(!client.doStartSession(QString()));
     }
 
     void handlersLeaveThingsAloneWithoutJson()
     {
-        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+        PresenterClient client(nullptr, "http://127.0.0.1:1");
         createSession(client);
-        client.sessionFailureResponse(nullptr, QStringLiteral(R"({"errorMsgKeys":["a.error"]})"));
-        client.sessionSuccessResponse(QStringLiteral("{\"data\":"));
-        client.sessionFailureResponse(nullptr, QStringLiteral("error"));
+        client.sessionFailureResponse(nullptr, R"({"errorMsgKeys":["a.error"]})");
+        client.sessionSuccessResponse("{\"data\":");
+        client.sessionFailureResponse(nullptr, "error");
 
         QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
         QCOMPARE(client.lastError(), QStringLiteral("a.error"));
-        client.sessionFailureResponse(nullptr, QStringLiteral("{}"));
+        client.sessionFailureResponse(nullptr, "{}");
         QVERIFY(client.lastError().isNull());
     }
 
@@ -223,7 +223,7 @@ private Q_SLOTS:
         FakeService service;
         service.expect(USERS, Answer::json(R"({"data":{"users":[]}})"));
         PresenterClient client(nullptr, service.url());
-        openSession(client, QString::fromUtf8("é\\\"%1"));
+        openSession(client, "é\\\"%1");
         QCOMPARE(client.sessionToken(), QString::fromUtf8("é\"%1"));
 
         QVERIFY(client.doGetLearners());
@@ -253,7 +253,7 @@ private Q_SLOTS:
         };
         row("none", "[]", {});
         row("one", R"([{"userToken":"d1","userName":"Zoë","deviceType":"tablet","mode":"learner"}])",
-            {QString::fromUtf8("d1 Zoë tablet")});
+            {"d1 Zoë tablet"});
         row("in order, twice the same",
             R"([{"userToken":"d2","mode":"learner"},{"userToken":"d1","mode":"learner"},)"
             R"({"userToken":"d2","mode":"learner"}])",

@@ -28,7 +28,7 @@ private Q_SLOTS:
         FakeService service;
         service.expect(STOP, Answer::json("{}"));
         PresenterClient client(nullptr, service.url());
-        openSession(client, QStringLiteral("%1"));
+        openSession(client, "%1");
 
         QVERIFY(client.doStopSession());
         QCOMPARE(service.last().method, QByteArray("POST"));
@@ -108,7 +108,7 @@ private Q_SLOTS:
 
     void stopLogsAfterTheRequest()
     {
-        const QString line = QStringLiteral("[PresenterClient] Stopping session, closing websocket...");
+        const QString line = "[PresenterClient] Stopping session, closing websocket...";
         FakeService service;
         PresenterClient client(nullptr, service.url());
         openSession(client);
@@ -169,7 +169,7 @@ private Q_SLOTS:
         FakeService service;
         service.expect("/tavisto/login/submit", Answer::json(R"({"infoMsgs":["success"]})"));
         auto client = std::make_unique<PresenterClient>(nullptr, service.url());
-        QVERIFY(client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(client->doLogin("u", "p"));
         openSession(*client);
         TimerClock::advance(55000);
         service.expect(STOP, Answer::json("{}").held().then([&] {

@@ -33,12 +33,12 @@ const char BEHIND_THE_FILE[] = "\r\n"
 
 struct Upload
 {
-    QString id = QStringLiteral("untouched");
-    QString path = QStringLiteral("untouched");
+    QString id = "untouched";
+    QString path = "untouched";
     bool done;
 
     explicit Upload(PresenterClient& client)
-        : done(client.doUploadResource(QStringLiteral("f.png"), QByteArray("ABC"), &id, &path))
+        : done(client.doUploadResource("f.png", QByteArray("ABC"), &id, &path))
     {}
 };
 
@@ -51,20 +51,20 @@ class tst_PresenterClientUpload : public QObject
 private Q_SLOTS:
     void sendsTheBody_data()
     {
-        columns<QString, QByteArray>();
-
         QByteArray allBytes;
         for (int byte = 0; byte < 256; ++byte)
             allBytes.append(char(byte));
-        QTest::newRow("three bytes") << "f.png" << QByteArray("ABC");
-        QTest::newRow("no bytes") << "f.png" << QByteArray();
-        QTest::newRow("every byte") << "f.png" << allBytes;
-        QTest::newRow("the boundary inside") << "f.png" << QByteArray("\r\n------boundary--\r\n");
-        QTest::newRow("large") << "f.png" << QByteArray(2000000, '\xff');
-        QTest::newRow("quote in the name") << "a\"b\".png" << QByteArray("ABC");
-        QTest::newRow("name is not ASCII") << QString::fromUtf8("Zoë 🎓.png") << QByteArray("ABC");
-        QTest::newRow("placeholder in the name") << "%1%2" << QByteArray("%1");
-        QTest::newRow("no name") << QString() << QByteArray("ABC");
+        rows<QString, QByteArray>({
+            {"three bytes", "f.png", "ABC"},
+            {"no bytes", "f.png", QByteArray()},
+            {"every byte", "f.png", allBytes},
+            {"the boundary inside", "f.png", "\r\n------boundary--\r\n"},
+            {"large", "f.png", QByteArray(2000000, '\xff')},
+            {"quote in the name", "a\"b\".png", "ABC"},
+            {"name is not ASCII", "Zoë 🎓.png", "ABC"},
+            {"placeholder in the name", "%1%2", "%1"},
+            {"no name", QString(), "ABC"},
+        });
     }
 
     void sendsTheBody()
@@ -91,29 +91,22 @@ private Q_SLOTS:
 
     void multipartValue_data()
     {
-        columns<QString, QString, bool, QString>();
-
-        const QString type = QStringLiteral("\r\nContent-Type: text/plain; charset=utf-8\r\n\r\n");
-        const QString head = QStringLiteral("Content-Disposition: form-data; name=");
-        QTest::newRow("not the last") << "a"
-                                      << "b" << false << head + "a" + type + "b\r\n------boundary\r\n\r\n";
-        QTest::newRow("the last") << "a"
-                                  << "b" << true << head + "a" + type + "b\r\n------boundary--\r\n\r\n";
-        QTest::newRow("empty") << ""
-                               << "" << false << head + type + "\r\n------boundary\r\n\r\n";
-        QTest::newRow("placeholders")
-            << "%1"
-            << "%2%1" << true << head + "%1" + type + "%2%1\r\n------boundary--\r\n\r\n";
-        QTest::newRow("quotes") << "\"a\""
-                                << "\"b\"" << false
-                                << head + "\"a\"" + type + "\"b\"\r\n------boundary\r\n\r\n";
+        const QString type = "\r\nContent-Type: text/plain; charset=utf-8\r\n\r\n";
+        const QString head = "Content-Disposition: form-data; name=";
+        rows<QString, QString, bool, QString>({
+            {"not the last", "a", "b", false, head + "a" + type + "b\r\n------boundary\r\n\r\n"},
+            {"the last", "a", "b", true, head + "a" + type + "b\r\n------boundary--\r\n\r\n"},
+            {"empty", "", "", false, head + type + "\r\n------boundary\r\n\r\n"},
+            {"placeholders", "%1", "%2%1", true, head + "%1" + type + "%2%1\r\n------boundary--\r\n\r\n"},
+            {"quotes", "\"a\"", "\"b\"", false, head + "\"a\"" + type + "\"b\"\r\n------boundary\r\n\r\n"},
+        });
     }
 
     void multipartValue()
     {
         const auto [name, value, last, text] = row<QString, QString, bool, QString>();
 
-        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+        PresenterClient client(nullptr, "http://127.0.0.1:1");
         QCOMPARE(client.addMultipartValue(name, value, last), text);
     }
 
@@ -159,7 +152,7 @@ private Q_SLOTS:
         service.expect(UPLOAD, Answer::json(STORED));
         PresenterClient client(nullptr, service.url());
 
-        QVERIFY(client.doUploadResource(QStringLiteral("f.png"), QByteArray("ABC"), nullptr, nullptr));
+        QVERIFY(client.doUploadResource("f.png", QByteArray("ABC"), nullptr, nullptr));
         QCOMPARE(client.resourceId(), QStringLiteral("r1"));
     }
 
@@ -215,9 +208,9 @@ private Q_SLOTS:
 
     void handlerLeavesThingsAloneWithoutJson()
     {
-        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:1"));
+        PresenterClient client(nullptr, "http://127.0.0.1:1");
         client.uploadResourceResponse(QString::fromLatin1(STORED));
-        client.uploadResourceResponse(QStringLiteral("{\"data\":"));
+        client.uploadResourceResponse("{\"data\":");
 
         QCOMPARE(client.resourceId(), QStringLiteral("r1"));
         QCOMPARE(client.resourcePath(), QStringLiteral("/files/r1"));

@@ -40,7 +40,7 @@ private Q_SLOTS:
         const LogRecorder log;
         QElapsedTimer elapsed;
         elapsed.start();
-        client.request(QStringLiteral("/a"));
+        client.request("/a");
 
         QVERIFY2(elapsed.elapsed() >= 9500 && elapsed.elapsed() < 12000,
                  qPrintable(QString::number(elapsed.elapsed())));
@@ -48,7 +48,7 @@ private Q_SLOTS:
         QCOMPARE(client.failures, QStringList{QString()});
         QCOMPARE(client.errors, QList<QNetworkReply::NetworkError>{QNetworkReply::OperationCanceledError});
         QCOMPARE(processed.size(), 1);
-        QCOMPARE(log.debug(QStringLiteral("[REST Response] ")).size(), 1);
+        QCOMPARE(log.debug("[REST Response] ").size(), 1);
         QTRY_COMPARE(service.abandoned(), 1);
     }
 
@@ -58,7 +58,7 @@ private Q_SLOTS:
         service.expect("/a", Answer::json("1"));
         ClientProbe client(service.url());
         QCoreApplication::quit();
-        client.request(QStringLiteral("/a"));
+        client.request("/a");
 
         QCOMPARE(client.successes, QStringList{"1"});
         QTimer::singleShot(0, qApp, &QCoreApplication::quit); // it lasts until the application has run
@@ -74,7 +74,7 @@ private Q_SLOTS:
             QTimer::singleShot(0, &service, [&] { service.release(); });
         }));
         ClientProbe client(service.url());
-        client.request(QStringLiteral("/a"));
+        client.request("/a");
 
         QCOMPARE(client.successes, QStringList{"1"});
         QCOMPARE(service.abandoned(), 0);
@@ -86,7 +86,7 @@ private Q_SLOTS:
         service.expect("/a",
                        Answer::stalled(R"({"data":{}})").then([] { TimerClock::advance(PAST_THE_LIMIT); }));
         ClientProbe client(service.url());
-        client.request(QStringLiteral("/a"));
+        client.request("/a");
 
         QVERIFY(client.successes.isEmpty());
         QCOMPARE(client.errors, QList<QNetworkReply::NetworkError>{QNetworkReply::OperationCanceledError});
@@ -95,13 +95,14 @@ private Q_SLOTS:
 
     void timeOutEndsTheOperation_data()
     {
-        columns<Operation>();
+        Operation noAddress = chainedOperations().at(1).second;
+        noAddress.paths = noAddress.paths.mid(0, 1);
+        rows<Operation>({
+            {"startWebsocket, first request", noAddress},
+        });
 
         for (const auto& operation : operations())
             QTest::newRow(operation.first) << operation.second;
-        Operation noAddress = chainedOperations().at(1).second;
-        noAddress.paths = noAddress.paths.mid(0, 1);
-        QTest::newRow("startWebsocket, first request") << noAddress;
     }
 
     void timeOutEndsTheOperation()
@@ -145,7 +146,7 @@ private Q_SLOTS:
         client.processed = [] { TimerClock::advance(PAST_THE_LIMIT); };
         {
             const QSignalBlocker blocker(&client);
-            client.request(QStringLiteral("/own"));
+            client.request("/own");
         }
 
         QCOMPARE(client.successes, QStringList{"own"});
@@ -157,7 +158,7 @@ private Q_SLOTS:
         FakeService service;
         service.expect("/a", Answer::json("1").held());
         ClientProbe client(service.url());
-        client.request(QStringLiteral("/a"), false);
+        client.request("/a", false);
         QTRY_COMPARE(service.requests().size(), 1);
         TimerClock::advance(2 * PAST_THE_LIMIT);
         service.release();
@@ -171,13 +172,13 @@ private Q_SLOTS:
         service.expect("/early", Answer::json("early").held());
         service.expect("/own", Answer::json("own").held().then([&] { service.release(); }));
         ClientProbe client(service.url());
-        client.request(QStringLiteral("/early"), false);
+        client.request("/early", false);
         QTRY_COMPARE(service.requests().size(), 1);
         connect(&client, &PresenterClient::requestProcessed, this, [&] {
             if (client.successes.size() == 1)
                 QTimer::singleShot(0, &service, [&] { service.release(); });
         });
-        client.request(QStringLiteral("/own"));
+        client.request("/own");
 
         QCOMPARE(client.successes, (QStringList{"early", "own"}));
     }
@@ -188,9 +189,9 @@ private Q_SLOTS:
         service.expect("/slow", Answer::json("slow").held());
         service.expect("/own", Answer::json("own"));
         ClientProbe client(service.url());
-        client.request(QStringLiteral("/slow"), false);
+        client.request("/slow", false);
         QTRY_COMPARE(service.requests().size(), 1);
-        client.request(QStringLiteral("/own"));
+        client.request("/own");
         QCOMPARE(client.successes, QStringList{"own"});
         service.release();
 
@@ -203,9 +204,9 @@ private Q_SLOTS:
         service.expect("/slow", Answer::json("slow").held());
         service.expect("/own", Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
         ClientProbe client(service.url());
-        client.request(QStringLiteral("/slow"), false);
+        client.request("/slow", false);
         QTRY_COMPARE(service.requests().size(), 1);
-        client.request(QStringLiteral("/own"));
+        client.request("/own");
         QCOMPARE(client.errors, QList<QNetworkReply::NetworkError>{QNetworkReply::OperationCanceledError});
         service.release();
 
@@ -231,7 +232,7 @@ private Q_SLOTS:
                         service.release();
                 });
         });
-        outerReturned = client.doLogin(QStringLiteral("u"), QStringLiteral("p"));
+        outerReturned = client.doLogin("u", "p");
 
         QVERIFY(outerReturned);
         QVERIFY(innerReachable);
@@ -251,7 +252,7 @@ private Q_SLOTS:
         }));
         service.expect("/tavisto/login/keepSessionAlive", Answer::json("{}"));
 
-        QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(client.doLogin("u", "p"));
         QVERIFY(keptAlive);
         QCOMPARE(service.abandoned(), 0);
     }
@@ -270,7 +271,7 @@ private Q_SLOTS:
                 QTimer::singleShot(0, &service, [&] { service.release(); });
         });
 
-        QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(client.doLogin("u", "p"));
         QTRY_VERIFY(client.isServerReachable());
         QCOMPARE(service.abandoned(), 0);
     }
@@ -302,7 +303,7 @@ private Q_SLOTS:
         }));
 
         const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-        QCOMPARE(client.doLogin(QStringLiteral("u"), QStringLiteral("p")), isAnswered);
+        QCOMPARE(client.doLogin("u", "p"), isAnswered);
         QCOMPARE(processed.size(), 1);
         TimerClock::advance(PAST_THE_LIMIT);
         QTRY_VERIFY(service.abandoned() > 0);
@@ -320,7 +321,7 @@ private Q_SLOTS:
                 client.sendKeepAlive();
         });
 
-        QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(client.doLogin("u", "p"));
         QVERIFY(!client.isServerReachable());
         QTRY_VERIFY(service.isHolding());
         service.release();
@@ -333,7 +334,7 @@ private Q_SLOTS:
         FakeService service;
         service.expect("/a", Answer::json("1"));
         ClientProbe client(service.url());
-        client.request(QStringLiteral("/a"));
+        client.request("/a");
 
         QTRY_VERIFY(client.findChildren<QTimer*>().isEmpty());
     }
@@ -350,7 +351,7 @@ private Q_SLOTS:
                 service.release();
         });
         timer.start(1);
-        client.request(QStringLiteral("/a"));
+        client.request("/a");
 
         QCOMPARE(client.successes, QStringList{"1"});
         QCOMPARE(ticks, 3);
@@ -369,7 +370,7 @@ private Q_SLOTS:
             reachable = client.checkServer(QString(), QString());
         });
 
-        QVERIFY(client.doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(client.doLogin("u", "p"));
         QVERIFY(reachable);
     }
 };

@@ -75,7 +75,7 @@ void verifyDestroyedOnceProcessed(const Answer& answer)
     const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
     QObject::connect(client, &PresenterClient::requestProcessed, &service, [&] { delete client; });
 
-    QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
+    QVERIFY(!client->doLogin("u", "p"));
     QVERIFY(!client);
 }
 
@@ -112,7 +112,7 @@ private Q_SLOTS:
         const QPointer<PresenterClient> client = new PresenterClient(parent, service.url());
         service.expect("/tavisto/login/submit", unansweredWhile(service, [&] { delete parent; }));
 
-        QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(!client->doLogin("u", "p"));
         QVERIFY(!client);
     }
 
@@ -199,7 +199,7 @@ private Q_SLOTS:
                        unansweredWhile(service, [&] { QMetaObject::invokeMethod(client, "onPingTimer"); }));
         service.expect("/tavisto/login/keepSessionAlive", unansweredWhile(service, [&] { delete client; }));
 
-        QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(!client->doLogin("u", "p"));
         QVERIFY(!client);
     }
 
@@ -208,7 +208,7 @@ private Q_SLOTS:
         FakeService service;
         service.expect("/tavisto/login/submit", Answer::json("{}"));
         const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-        client->doGetAccessToken(QStringLiteral("u"), QStringLiteral("p"), QString(), QString());
+        client->doGetAccessToken("u", "p", QString(), QString());
         service.expect("/tavisto/login/user", Answer::json("{}", 500));
         service.expect("/tavisto/login/submit", unansweredWhile(service, [&] { delete client; }));
 
@@ -233,7 +233,7 @@ private Q_SLOTS:
             outlivesTheSlot = !client && manager;
         });
 
-        QVERIFY(!client->doLogin(QStringLiteral("u"), QStringLiteral("p")));
+        QVERIFY(!client->doLogin("u", "p"));
         QVERIFY(outlivesTheSlot);
         QTRY_VERIFY(!manager);
     }
@@ -243,7 +243,7 @@ private Q_SLOTS:
         FakeService service;
         service.expect("/a", Answer::never());
         auto client = std::make_unique<ClientProbe>(service.url());
-        client->request(QStringLiteral("/a"), false);
+        client->request("/a", false);
         QTRY_COMPARE(service.requests().size(), 1);
         client.reset();
 

@@ -112,15 +112,15 @@ private Q_SLOTS:
     void longIdsAreTakenFirst()
     {
         const Question question = Question::of(PollType::SCALE, OrdinalType::NUMBER, 12);
-        QCOMPARE(question.picksOf(QStringLiteral("112")), (QStringList{"11", "2"}));
-        QCOMPARE(question.picksOf(QStringLiteral("1,12")), (QStringList{"1", "1", "2"}));
-        QCOMPARE(question.picksOf(QStringLiteral("1x")), QStringList());
+        QCOMPARE(question.picksOf("112"), (QStringList{"11", "2"}));
+        QCOMPARE(question.picksOf("1,12"), (QStringList{"1", "1", "2"}));
+        QCOMPARE(question.picksOf("1x"), QStringList());
     }
 
     void isAMap()
     {
         Question question = withTexts(PollType::MULTIPLE, {"Oxygen", "Carbon dioxide"});
-        question.text = QStringLiteral("Which gas?");
+        question.text = "Which gas?";
         question.right = QStringList{"B"};
         const Question read = Question::fromMap(question.toMap());
         QCOMPARE(read.toMap(), question.toMap());

@@ -10,7 +10,7 @@
 
 namespace {
 
-const QString ALPHABET = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789");
+const QString ALPHABET = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
 
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED

@@ -29,7 +29,7 @@ private Q_SLOTS:
 
     void oneBadCharacterIsEnough()
     {
-        const QString text = QStringLiteral("/bus/119/abcdefgh");
+        const QString text = "/bus/119/abcdefgh";
         QVERIFY(RequestText::isSafeInFirstLine(text));
         QVERIFY(RequestText::isSafeInLine(text.toLatin1()));
         for (int at = 0; at <= text.size(); ++at) {

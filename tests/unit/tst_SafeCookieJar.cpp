@@ -49,7 +49,7 @@ private Q_SLOTS:
         const LogRecorder log;
         QVERIFY(!jar.setCookiesFromUrl({QNetworkCookie(name, value)}, QUrl("http://127.0.0.1/")));
         QCOMPARE(sent(jar, "http://127.0.0.1/"), QByteArray());
-        QCOMPARE(log.debug(QStringLiteral("[Tag] Refused a cookie")).size(), 1);
+        QCOMPARE(log.debug("[Tag] Refused a cookie").size(), 1);
     }
 
     void harmlessOnesAreKept_data()

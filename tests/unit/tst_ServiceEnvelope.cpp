@@ -12,22 +12,18 @@ class tst_ServiceEnvelope : public QObject
 private Q_SLOTS:
     void bodyIsReadAsAMap_data()
     {
-        columns<QString, QVariantMap>();
-        const QVariantMap data{{QStringLiteral("userLoginId"), QStringLiteral("teacher")}};
-        QTest::newRow("data") << QStringLiteral(R"({"data":{"userLoginId":"teacher"}})")
-                              << QVariantMap{{QStringLiteral("data"), data}};
-        QTest::newRow("numbers and null") << QStringLiteral(R"({"n":1.5,"b":true,"z":null})")
-                                          << QVariantMap{{QStringLiteral("n"), 1.5},
-                                                         {QStringLiteral("b"), true},
-                                                         {QStringLiteral("z"), QVariant::fromValue(nullptr)}};
-        QTest::newRow("beyond ASCII") << QString::fromUtf8(u8R"({"ä":"😀"})")
-                                      << QVariantMap{{QString::fromUtf8(u8"ä"), QString::fromUtf8(u8"😀")}};
-        QTest::newRow("the last of several")
-            << QStringLiteral(R"({"data":{"a":1},"data":{"b":2}})")
-            << QVariantMap{{QStringLiteral("data"), QVariantMap{{QStringLiteral("b"), 2.0}}}};
-        QTest::newRow("blanks") << QStringLiteral(" \r\n{ \"a\" : 1 }\n")
-                                << QVariantMap{{QStringLiteral("a"), 1.0}};
-        QTest::newRow("nothing inside") << QStringLiteral("{}") << QVariantMap();
+        const QVariantMap data{{"userLoginId", "teacher"}};
+        rows<QString, QVariantMap>({
+            {"data", R"({"data":{"userLoginId":"teacher"}})", QVariantMap{{"data", data}}},
+            {"numbers and null", R"({"n":1.5,"b":true,"z":null})",
+             QVariantMap{{"n", 1.5}, {"b", true}, {"z", QVariant::fromValue(nullptr)}}},
+            {"beyond ASCII", "{\"ä\":\"😀\"}",
+             QVariantMap{{QString::fromUtf8(u8"ä"), QString::fromUtf8(u8"😀")}}},
+            {"the last of several", R"({"data":{"a":1},"data":{"b":2}})",
+             QVariantMap{{"data", QVariantMap{{"b", 2.0}}}}},
+            {"blanks", " \r\n{ \"a\" : 1 }\n", QVariantMap{{"a", 1.0}}},
+            {"nothing inside", "{}", QVariantMap()},
+        });
     }
 
     void bodyIsReadAsAMap()
@@ -49,10 +45,7 @@ private Q_SLOTS:
             {"empty text", "", false},
             {"a page", "<html><body>502</body></html>", false},
             {"cut", R"({"data":{"a":1})", false},
-            {"text behind it",
-             QStringLiteral(R"({"data":{"a":1}} )"
-                            "x"),
-             false},
+            {"text behind it", "{\"data\":{\"a\":1}} x", false},
             {"bare text", R"("ok")", false},
             {"bare number", "7", false},
         });
@@ -68,30 +61,27 @@ private Q_SLOTS:
         QCOMPARE(ServiceEnvelope::object(body), QJsonObject());
     }
 
-    void dataIsTheMapUnderData_data();
+    void dataIsTheMapUnderData_data()
+    {
+        const QVariantMap nothing;
+        rows<QString, QVariantMap>({
+            {"a map", R"({"data":{"url":"u"},"url":"v"})", QVariantMap{{"url", "u"}}},
+            {"absent", R"({"url":"v"})", nothing},
+            {"null", R"({"data":null})", nothing},
+            {"a text", "{\"data\":\"{\\\"url\\\":\\\"u\\\"}\"}", nothing},
+            {"a list", R"({"data":[{"url":"u"}]})", nothing},
+            {"in another spelling", R"({"Data":{"url":"u"}})", nothing},
+            {"one level down", R"({"body":{"data":{"url":"u"}}})", nothing},
+            {"no envelope", QString(), nothing},
+        });
+    }
 
     void dataIsTheMapUnderData()
     {
-        QFETCH(QString, body);
-        QTEST(ServiceEnvelope::data(ServiceEnvelope::parse(body)), "expected");
+        const auto [body, expected] = row<QString, QVariantMap>();
+        QCOMPARE(ServiceEnvelope::data(ServiceEnvelope::parse(body)), expected);
     }
 };
-
-void tst_ServiceEnvelope::dataIsTheMapUnderData_data()
-{
-    QTest::addColumn<QString>("body");
-    QTest::addColumn<QVariantMap>("expected");
-    QTest::newRow("a map") << QStringLiteral(R"({"data":{"url":"u"},"url":"v"})")
-                           << QVariantMap{{QStringLiteral("url"), QStringLiteral("u")}};
-    const QVariantMap nothing;
-    QTest::newRow("absent") << QStringLiteral(R"({"url":"v"})") << nothing;
-    QTest::newRow("null") << QStringLiteral(R"({"data":null})") << nothing;
-    QTest::newRow("a text") << QStringLiteral(R"({"data":"{\"url\":\"u\"}"})") << nothing;
-    QTest::newRow("a list") << QStringLiteral(R"({"data":[{"url":"u"}]})") << nothing;
-    QTest::newRow("in another spelling") << QStringLiteral(R"({"Data":{"url":"u"}})") << nothing;
-    QTest::newRow("one level down") << QStringLiteral(R"({"body":{"data":{"url":"u"}}})") << nothing;
-    QTest::newRow("no envelope") << QString() << nothing;
-}
 
 QTEST_APPLESS_MAIN(tst_ServiceEnvelope)
 #include "tst_ServiceEnvelope.moc"
