@@ -18,7 +18,7 @@ using namespace Calyx;
 Q_DECLARE_METATYPE(Calyx::PollType::POLL_TYPE)
 Q_DECLARE_METATYPE(Calyx::OrdinalType::ORDINAL_TYPE)
 
-/// The question that each poll becomes. The bytes that go out are in tst_PresenterCollabPollQuestions.
+/// The question that each poll becomes. The bytes that go out are in tst_PresenterCollabPolls.
 class tst_PollQuestionFactory : public QObject
 {
     Q_OBJECT
