@@ -1,5 +1,7 @@
 #include "transport/OpenConnections.h"
 
+#include <QNetworkAccessManager>
+
 #ifdef Q_OS_UNIX
 
 #include <cstdlib>
@@ -11,6 +13,13 @@
 
 namespace {
 
+// The number of a socket; 0 of anything else.
+quint64 numberOf(int descriptor)
+{
+    struct stat status = {};
+    return fstat(descriptor, &status) == 0 && S_ISSOCK(status.st_mode) ? status.st_ino : 0;
+}
+
 // Calls \p action with the descriptor and the number of each socket of this process.
 template<typename Action>
 void forEachSocket(const Action& action)
@@ -20,9 +29,8 @@ void forEachSocket(const Action& action)
         return;
     while (const dirent* entry = readdir(folder)) {
         const int descriptor = std::atoi(entry->d_name);
-        struct stat status = {};
-        if (fstat(descriptor, &status) == 0 && S_ISSOCK(status.st_mode))
-            action(descriptor, status.st_ino);
+        if (const quint64 number = numberOf(descriptor))
+            action(descriptor, number);
     }
     closedir(folder);
 }
@@ -43,24 +51,61 @@ int farPort(int descriptor)
 
 } // namespace
 
-OpenConnections::OpenConnections()
+bool OpenConnections::isKept() const
 {
-    forEachSocket([this](int, quint64 number) { m_sockets.insert(number); });
+    for (auto kept = m_kept.cbegin(); kept != m_kept.cend(); ++kept) {
+        if (numberOf(kept.key()) != kept.value())
+            return false;
+    }
+    return !m_kept.isEmpty();
 }
 
-void OpenConnections::sendAtOnce(const OpenConnections& before, const QSet<int>& ports)
+void OpenConnections::sendAtOnce(const QSet<int>& ports)
 {
+    m_kept.clear();
     forEachSocket([&](int descriptor, quint64 number) {
         const int atOnce = 1;
-        if (!before.m_sockets.contains(number) && ports.contains(farPort(descriptor)))
-            setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &atOnce, sizeof(atOnce));
+        if (m_before.contains(number) || !ports.contains(farPort(descriptor)))
+            return;
+        setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &atOnce, sizeof(atOnce));
+        m_kept.insert(descriptor, number);
     });
+}
+
+void OpenConnections::listSockets()
+{
+    m_before.clear();
+    forEachSocket([this](int, quint64 number) { m_before.insert(number); });
 }
 
 #else
 
-OpenConnections::OpenConnections() = default;
+bool OpenConnections::isKept() const
+{
+    return false;
+}
 
-void OpenConnections::sendAtOnce(const OpenConnections&, const QSet<int>&) {}
+void OpenConnections::sendAtOnce(const QSet<int>&) {}
+
+void OpenConnections::listSockets() {}
 
 #endif
+
+OpenConnections* OpenConnections::of(QNetworkAccessManager* manager)
+{
+    auto* connections = manager->findChild<OpenConnections*>(QString(), Qt::FindDirectChildrenOnly);
+    return connections ? connections : new OpenConnections(manager);
+}
+
+void OpenConnections::beginRequest()
+{
+    m_overlap = m_running++ > 0;
+    if (!m_overlap && !isKept())
+        listSockets();
+}
+
+bool OpenConnections::endRequest()
+{
+    --m_running;
+    return m_overlap || !isKept();
+}

@@ -30,21 +30,24 @@ QSet<int> farPorts(const QNetworkAccessManager* manager, const QUrl& url)
 
 QNetworkRequest PostRequest::make(const QUrl& url, const QString& contentType)
 {
-    QNetworkRequest request(FileDescriptors::sufficeForThread() ? url : QUrl());
+    QNetworkRequest request(url);
     request.setRawHeader("accept-encoding", "identity");
     request.setHeader(QNetworkRequest::ContentTypeHeader, contentType);
     return request;
 }
 
-QNetworkReply* PostRequest::send(QNetworkAccessManager* manager, const QNetworkRequest& request,
+QNetworkReply* PostRequest::send(QNetworkAccessManager* manager, QNetworkRequest request,
                                  const QByteArray& body)
 {
-    const OpenConnections before;
+    OpenConnections* connections = OpenConnections::of(manager);
+    if (!connections->isKept() && !FileDescriptors::sufficeForThread())
+        request.setUrl(QUrl());
+    connections->beginRequest();
     QNetworkReply* reply = manager->post(request, body);
-    if (!body.isEmpty())
-        QObject::connect(reply, &QNetworkReply::finished, manager, [manager, url = request.url(), before] {
-            OpenConnections::sendAtOnce(before, farPorts(manager, url));
-        });
+    QObject::connect(reply, &QNetworkReply::finished, connections, [=, url = request.url()] {
+        if (connections->endRequest())
+            connections->sendAtOnce(farPorts(manager, url));
+    });
     return reply;
 }
 

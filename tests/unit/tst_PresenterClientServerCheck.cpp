@@ -1,6 +1,7 @@
 // Whether the service is there, and whether it is the service.
 
 #include "support/FakeService.h"
+#include "support/ProcessResources.h"
 #include "support/Rows.h"
 
 #include <CalyxClient/PresenterClient>
@@ -24,6 +25,17 @@ private Q_SLOTS:
         QCOMPARE(service.last().method, QByteArray("POST"));
         QCOMPARE(service.last().body, QByteArray());
         QCOMPARE(service.last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
+    }
+
+    // Else the bodies of the requests that follow on this connection wait for 40 ms each.
+    void connectionOfTheCheckSendsAtOnce()
+    {
+        FakeService service;
+        service.expect("/tavisto", Answer::json("{}"));
+        PresenterClient client(nullptr, service.url());
+
+        QVERIFY(client.checkServer(QString(), QString()));
+        QCOMPARE(ProcessResources::connectionsThatSendAtOnce(service.serverPort()), 1);
     }
 
     void checkServer_data()
