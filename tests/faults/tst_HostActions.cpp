@@ -33,8 +33,7 @@ private Q_SLOTS:
         for (const char* transport : {"websocket", "fallback", "xhr-streaming", "xhr-polling"}) {
             for (int i = 0; i < moments().size(); ++i) {
                 // While an XHR transport is opened no event is processed, and nobody can act.
-                if (moments().at(i).reach == &TestHostActions::whileOpening &&
-                    qstrcmp(transport, "websocket") != 0)
+                if (moments().at(i).isWithinOpen && qstrcmp(transport, "websocket") != 0)
                     continue;
                 for (const char* action : {"close", "open", "delete"})
                     QTest::addRow("%s, %s %s", transport, action, moments().at(i).name)
@@ -47,7 +46,10 @@ private Q_SLOTS:
     {
         const auto [transport, moment, action] = row<QString, int, QString>();
         m_falls = transport == QLatin1String("fallback");
-        m_protocols = m_falls ? webSocket : SockJSConnector::GetProtocolsFromStrings({transport});
+        m_isWebSocket = transport == QLatin1String("websocket");
+        m_protocols = m_falls         ? webSocket
+                      : m_isWebSocket ? webSocketThenPolling // of which the second is not tried
+                                      : SockJSConnector::GetProtocolsFromStrings({transport});
         if (m_falls)
             m_server->setUpgrade(Server::CloseAfterUpgrade);
         m_action = action;
@@ -59,6 +61,7 @@ private Q_SLOTS:
         verify(moments().at(moment).closed);
         if (QTest::currentTestFailed())
             return;
+        QVERIFY(!m_isWebSocket || m_server->count(QStringLiteral("/xhr")) == 0);
         QCOMPARE(m_log->warnings(), QStringList());
         tearDown();
         QVERIFY(m_before->areBack());
@@ -78,6 +81,7 @@ private:
         const char* name;
         void (TestHostActions::*reach)();
         Closed closed;
+        bool isWithinOpen = false;
     };
 
     static const QVector<Moment>& moments()
@@ -85,7 +89,8 @@ private:
         using T = TestHostActions;
         static const QVector<Moment> all = {
             {"before opening", &T::beforeOpening, Never},
-            {"while opening", &T::whileOpening, Never},
+            {"while opening", &T::whileOpening, Never, true},
+            {"in connected within open", &T::inConnectedWithinOpen, Follows, true},
             {"before the open frame", &T::beforeTheOpenFrame, Follows},
             {"in connected", &T::inConnected, Follows},
             {"when open", &T::whenOpen, Follows},
@@ -131,6 +136,12 @@ private:
         QVERIFY(open(QStringLiteral("/first")));
     }
 
+    void inConnectedWithinOpen()
+    {
+        m_server->setUpgrades({Server::OpenInSamePacket, Server::Open});
+        inConnected();
+    }
+
     void whenOpen()
     {
         QVERIFY(openFirst());
@@ -146,7 +157,7 @@ private:
 
     void withHalfAFrame()
     {
-        if (m_protocols == webSocket)
+        if (m_isWebSocket || m_falls)
             m_server->setUpgrades({Server::OpenInSamePacket, Server::Open});
         QVERIFY(openFirst());
         m_server->injectHalf();
@@ -280,35 +291,34 @@ private:
         QVERIFY(open(QStringLiteral("/second")));
     }
 
-    void verifySecondSession();
+    // It works in both directions, and the end of the first one does not touch it.
+    void verifySecondSession()
+    {
+        QTRY_VERIFY(isOpen());
+        QVERIFY(syncInbound());
+        const auto text = QStringLiteral("to the second session");
+        m_connector->sendMessage(text, true);
+        QString message;
+        do {
+            message = m_server->nextMessage();
+        } while (!message.isNull() && message != text);
+        QCOMPARE(message, text);
+        QVERIFY(m_server->paths().last().startsWith(QLatin1String("/second/")));
+        QVERIFY(syncInbound());
+        QVERIFY(isOpen());
+        const QStringList events = m_probe->events();
+        QVERIFY2(events.lastIndexOf(QStringLiteral("closed false")) <
+                     events.lastIndexOf(QStringLiteral("connected")),
+                 qPrintable(events.join(QLatin1Char('|'))));
+    }
 
     std::unique_ptr<Resources> m_before;
     Protocols m_protocols;
     bool m_falls = false;
+    bool m_isWebSocket = false;
     QString m_action;
     bool m_acted = false;
 };
-
-// It works in both directions, and the end of the first one does not touch it.
-void TestHostActions::verifySecondSession()
-{
-    QTRY_VERIFY(isOpen());
-    QVERIFY(syncInbound());
-    const auto text = QStringLiteral("to the second session");
-    m_connector->sendMessage(text, true);
-    QString message;
-    do {
-        message = m_server->nextMessage();
-    } while (!message.isNull() && message != text);
-    QCOMPARE(message, text);
-    QVERIFY(m_server->paths().last().startsWith(QLatin1String("/second/")));
-    QVERIFY(syncInbound());
-    QVERIFY(isOpen());
-    const QStringList events = m_probe->events();
-    QVERIFY2(events.lastIndexOf(QStringLiteral("closed false")) <
-                 events.lastIndexOf(QStringLiteral("connected")),
-             qPrintable(events.join(QLatin1Char('|'))));
-}
 
 QTEST_GUILESS_MAIN(TestHostActions)
 #include "tst_HostActions.moc"

@@ -1,7 +1,5 @@
 #include "support/ConnectorTest.h"
-#include "support/ProcessResources.h"
 #include "support/Rows.h"
-#include "support/WaitFor.h"
 
 #include <QTest>
 
@@ -42,8 +40,6 @@ class TestSockJSConnectorFallback : public ConnectorTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { m_threads = ProcessResources::threads(); }
-
     void aRefusedUpgradeGoesToTheNextTransport_data()
     {
         columns<Server::Upgrade>();
@@ -218,53 +214,6 @@ private Q_SLOTS:
         QTRY_COMPARE(m_probe->count(QStringLiteral("closed false")), 1);
     }
 
-    void hostActsWhenTheFallbackIsUp_data()
-    {
-        columns<QString, QString>();
-
-        for (const char* signal : {"connected", "message"}) {
-            for (const char* action : {"close", "delete", "open"})
-                QTest::addRow("%s in %s", action, signal) << signal << action;
-        }
-    }
-
-    void hostActsWhenTheFallbackIsUp()
-    {
-        const auto [signal, action] = row<QString, QString>();
-        m_server->setUpgrades({Server::CloseAfterUpgrade, Server::Open});
-        m_server->setFirstFrames({"o", "a[\"one\",\"two\"]"});
-        QObject host;
-        int calls = 0;
-        const auto once = [&] {
-            if (calls++ > 0)
-                return;
-            if (action == QLatin1String("close"))
-                m_connector->close();
-            else if (action == QLatin1String("delete"))
-                delete m_connector;
-            else
-                m_probe->open(m_server->url(QStringLiteral("/second")), webSocket);
-        };
-        if (signal == QLatin1String("connected"))
-            connect(m_connector, &SockJSConnector::connected, &host, once);
-        else
-            connect(m_connector, &SockJSConnector::sockJSMessage, &host, once);
-
-        QVERIFY(m_probe->open(m_server->url(QStringLiteral("/first")), webSocket));
-        QTRY_VERIFY(calls > 0);
-
-        if (action == QLatin1String("open")) {
-            QTRY_COMPARE(m_probe->count(QStringLiteral("connected")), 2);
-            QTRY_COMPARE(m_server->openConnections(), 1);
-            QVERIFY(syncInbound());
-            QVERIFY(m_connector->isConnected());
-        } else {
-            QTRY_COMPARE(m_server->openConnections(), 0);
-            QCOMPARE(m_connector.isNull(), action == QLatin1String("delete"));
-            QTRY_COMPARE(m_probe->count(QStringLiteral("closed false")), m_connector ? 1 : 0);
-        }
-    }
-
     void aFailedFallbackIsReportedAsClosed()
     {
         m_server->setUpgrade(Server::CloseAfterUpgrade);
@@ -298,6 +247,7 @@ private Q_SLOTS:
         m_server->setUpgrade(Server::Mute);
         QVERIFY(m_probe->open(m_server->url(), webSocketThenPolling));
 
+        m_server->inject(QStringLiteral("o"));
         m_connector->close();
 
         QVERIFY(m_probe->events().isEmpty());
@@ -308,79 +258,6 @@ private Q_SLOTS:
         QCOMPARE(m_server->count(QStringLiteral("/xhr")), 0);
         QVERIFY(m_log->debug(fellBack).isEmpty());
     }
-
-    void closeBeforeTheOpenFrameSilencesIt()
-    {
-        m_server->setUpgrade(Server::Mute);
-        QVERIFY(m_probe->open(m_server->url(), webSocket));
-
-        m_server->inject(QStringLiteral("o"));
-        m_connector->close();
-
-        QTRY_COMPARE(m_server->openConnections(), 0);
-        QTRY_COMPARE(m_probe->events(), QStringList({"closed false"}));
-        QVERIFY(!m_connector->isConnected());
-    }
-
-    void nothingIsLeftBehind()
-    {
-        const auto attempt = [this](Server::Upgrade upgrade) {
-            tearDown();
-            setUp();
-            m_server->setUpgrade(upgrade);
-            m_connector->setOpenLimit(50);
-            const bool returned = m_probe->open(m_server->url(), webSocket);
-            const bool ended = waitFor([this] { return m_server->openConnections() == 0; });
-            return returned && ended;
-        };
-        QVERIFY(attempt(Server::Refuse403));
-        tearDown();
-        const int descriptors = ProcessResources::descriptors();
-        const int threads = ProcessResources::threads();
-
-        for (int i = 0; i < 3; ++i) {
-            for (auto upgrade : {Server::Mute, Server::Refuse403, Server::Answer200, Server::AnswerGarbage,
-                                 Server::EndInstead, Server::ResetInstead, Server::Silent})
-                QVERIFY(attempt(upgrade));
-        }
-
-        tearDown();
-        QTRY_COMPARE(ProcessResources::descriptors(), descriptors);
-        QTRY_COMPARE(ProcessResources::threads(), threads);
-    }
-
-    void pollingLeavesNothingBehind()
-    {
-        const auto session = [this](bool close) {
-            tearDown();
-            setUp();
-            m_server->setUpgrade(Server::CloseAfterUpgrade);
-            const bool open = openSession() && syncInbound() && syncOutbound();
-            if (close)
-                m_connector->close();
-            else
-                delete m_connector;
-            const bool ended = waitFor([this] { return m_server->openConnections() == 0; });
-            return open && ended;
-        };
-        QVERIFY(session(true));
-        tearDown();
-        // The thread of the first one may take a moment to end.
-        QTRY_COMPARE(ProcessResources::threads(), m_threads);
-        const int descriptors = ProcessResources::descriptors();
-
-        for (int i = 0; i < 5; ++i) {
-            QVERIFY(session(true));
-            QVERIFY(session(false));
-        }
-
-        tearDown();
-        QTRY_COMPARE(ProcessResources::threads(), m_threads);
-        QTRY_COMPARE(ProcessResources::descriptors(), descriptors);
-    }
-
-private:
-    int m_threads = 0; // before the first test
 };
 
 QTEST_GUILESS_MAIN(TestSockJSConnectorFallback)

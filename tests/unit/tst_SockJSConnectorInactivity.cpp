@@ -5,23 +5,22 @@
 #include <QTest>
 #include <QTimer>
 
+#include <algorithm>
+
 /// The close after an hour in which nothing but pings was sent.
 class TestSockJSConnectorInactivity : public ConnectorTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void init()
+    {
+        setUp();
+        WallClock::freeze();
+    }
+
     void inactivityTimerRunsEveryHalfHour()
     {
-        const auto halfHourTimers = [this] {
-            QList<QTimer*> timers;
-            const auto all = m_connector->findChildren<QTimer*>();
-            for (auto* timer : all) {
-                if (timer->interval() == 1800000)
-                    timers.append(timer);
-            }
-            return timers;
-        };
         QVERIFY(halfHourTimers().isEmpty()); // it comes with the first open()
 
         QVERIFY(openSession());
@@ -35,6 +34,14 @@ private Q_SLOTS:
         QTRY_VERIFY(m_probe->hasClosed());
         QVERIFY(openSession());
         QCOMPARE(halfHourTimers(), timers);
+
+        // The next open() does not restart it.
+        idle(3601);
+        QVERIFY(!timers.first()->isActive());
+        QTRY_COMPARE(m_probe->count(QStringLiteral("closed true")), 1);
+        QVERIFY(openSession());
+        QCOMPARE(halfHourTimers(), timers);
+        QVERIFY(!timers.first()->isActive());
     }
 
     void inactivityBound_data()
@@ -53,11 +60,9 @@ private Q_SLOTS:
     void inactivityBound()
     {
         const auto [seconds, closes] = row<int, bool>();
-        WallClock::freeze();
         QVERIFY(openSession());
 
-        WallClock::advance(seconds);
-        QVERIFY(QMetaObject::invokeMethod(m_connector, "onTimeout"));
+        idle(seconds);
 
         QCOMPARE(m_connector->isConnected(), !closes);
         if (closes) {
@@ -72,12 +77,10 @@ private Q_SLOTS:
 
     void inactivityDoesNotCloseBeforeTheSessionIsOpen()
     {
-        WallClock::freeze();
         m_server->setUpgrade(Server::Mute);
         QVERIFY(m_probe->open(m_server->url(), webSocket));
 
-        WallClock::advance(10000);
-        QVERIFY(QMetaObject::invokeMethod(m_connector, "onTimeout"));
+        idle(10000);
 
         m_server->inject(QStringLiteral("o"));
         QTRY_VERIFY(m_connector->isConnected());
@@ -87,83 +90,52 @@ private Q_SLOTS:
 
     void pingsAreNoActivity()
     {
-        WallClock::freeze();
         QVERIFY(openSession());
 
         WallClock::advance(3000);
         m_connector->sendMessage(QStringLiteral("ping"), true);
         m_server->injectMessages({"inbound is none either"});
         QVERIFY(syncInbound());
-        WallClock::advance(601);
-        QVERIFY(QMetaObject::invokeMethod(m_connector, "onTimeout"));
+        idle(601);
 
         QTRY_COMPARE(m_probe->count(QStringLiteral("closed true")), 1);
     }
 
     void sendsAreActivity()
     {
-        WallClock::freeze();
         QVERIFY(openSession());
 
         WallClock::advance(3000);
         m_connector->sendMessage(QStringLiteral("text"), false);
-        WallClock::advance(3600);
-        QVERIFY(QMetaObject::invokeMethod(m_connector, "onTimeout"));
+        idle(3600);
         QVERIFY(m_connector->isConnected());
 
         m_connector->sendMessage(QVariantMap{{"a", "map"}});
-        WallClock::advance(3600);
-        QVERIFY(QMetaObject::invokeMethod(m_connector, "onTimeout"));
+        idle(3600);
         QVERIFY(m_connector->isConnected());
 
-        WallClock::advance(1);
-        QVERIFY(QMetaObject::invokeMethod(m_connector, "onTimeout"));
+        idle(1);
         QVERIFY(!m_connector->isConnected());
     }
 
     void openIsActivity()
     {
-        WallClock::freeze();
         QVERIFY(openSession());
         m_connector->close();
         QTRY_VERIFY(m_probe->hasClosed());
 
         WallClock::advance(3601);
         QVERIFY(openSession());
-        QVERIFY(QMetaObject::invokeMethod(m_connector, "onTimeout"));
+        idle(0);
 
         QVERIFY(m_connector->isConnected());
         QVERIFY(syncInbound());
     }
 
-    void inactivityTimerIsNotRestartedByTheNextOpen()
-    {
-        WallClock::freeze();
-        QVERIFY(openSession());
-        const auto active = [this] {
-            int count = 0;
-            const auto timers = m_connector->findChildren<QTimer*>();
-            for (const auto* timer : timers)
-                count += timer->interval() == 1800000 && timer->isActive() ? 1 : 0;
-            return count;
-        };
-        QCOMPARE(active(), 1);
-
-        WallClock::advance(3601);
-        QVERIFY(QMetaObject::invokeMethod(m_connector, "onTimeout"));
-        QCOMPARE(active(), 0);
-        QTRY_COMPARE(m_probe->count(QStringLiteral("closed true")), 1);
-        QVERIFY(openSession());
-
-        QCOMPARE(active(), 0);
-    }
-
     void closedTellsInactivityOnlyForThatConnection()
     {
-        WallClock::freeze();
         QVERIFY(openSession());
-        WallClock::advance(3601);
-        QVERIFY(QMetaObject::invokeMethod(m_connector, "onTimeout"));
+        idle(3601);
         QTRY_COMPARE(m_probe->count(QStringLiteral("closed true")), 1);
 
         QVERIFY(openSession());
@@ -175,10 +147,8 @@ private Q_SLOTS:
 
     void closeAfterAnInactivityCloseDoesNotReportTwice()
     {
-        WallClock::freeze();
         QVERIFY(openSession());
-        WallClock::advance(3601);
-        QVERIFY(QMetaObject::invokeMethod(m_connector, "onTimeout"));
+        idle(3601);
         m_connector->close();
         QTRY_COMPARE(m_probe->count(QStringLiteral("closed true")), 1);
         m_connector->close();
@@ -191,17 +161,31 @@ private Q_SLOTS:
 
     void inactivityClosesPollingToo()
     {
-        WallClock::freeze();
         QVERIFY(m_probe->openSession(m_server->url(), {SockJSConnector::XHR_POLLING}));
 
-        WallClock::advance(3600);
-        QVERIFY(QMetaObject::invokeMethod(m_connector, "onTimeout"));
+        idle(3600);
         QVERIFY(m_connector->isConnected());
-        WallClock::advance(1);
-        QVERIFY(QMetaObject::invokeMethod(m_connector, "onTimeout"));
+        idle(1);
 
         QTRY_COMPARE(m_probe->events(), QStringList({"connected", "closed true"}));
         QTRY_COMPARE(m_server->openConnections(), 0);
+    }
+
+private:
+    QList<QTimer*> halfHourTimers() const
+    {
+        QList<QTimer*> timers;
+        const auto all = m_connector->findChildren<QTimer*>();
+        std::copy_if(all.begin(), all.end(), std::back_inserter(timers),
+                     [](const auto* timer) { return timer->interval() == 1800000; });
+        return timers;
+    }
+
+    // Lets the time pass, and the connector look at the clock.
+    void idle(int seconds)
+    {
+        WallClock::advance(seconds);
+        QVERIFY(QMetaObject::invokeMethod(m_connector, "onTimeout"));
     }
 };
 

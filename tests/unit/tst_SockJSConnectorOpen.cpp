@@ -1,17 +1,25 @@
 #include "support/ConnectorTest.h"
 #include "support/Rows.h"
+#include "support/ScriptedHttpServer.h"
 #include "support/WallClock.h"
 #include "transport/RANDSTRING.h"
 
 #include <QRegularExpression>
 #include <QTest>
 
-/// What a connection opens: its URL, its request, its session id, its open frame.
+/// What a connection opens: its URL, its request, its session id, its proxy, its open frame.
 class TestSockJSConnectorOpen : public ConnectorTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase()
+    {
+        for (const char* name : {"http_proxy", "https_proxy", "all_proxy", "no_proxy", "HTTP_PROXY",
+                                 "HTTPS_PROXY", "ALL_PROXY", "NO_PROXY"})
+            qunsetenv(name);
+    }
+
     void urlIsBuiltFromItsParts_data()
     {
         columns<QString, QString>();
@@ -185,6 +193,41 @@ private Q_SLOTS:
         QCOMPARE(m_server->requests().last().base(), QStringLiteral("/second/eventbus/119"));
     }
 
+    void withoutAProxyTheEnvironmentStaysAsItIs()
+    {
+        for (const char* value : {static_cast<const char*>(nullptr), ""}) {
+            qunsetenv("http_proxy");
+            if (value)
+                qputenv("http_proxy", value);
+            QVERIFY(openSession());
+            QCOMPARE(qEnvironmentVariableIsSet("http_proxy"), value != nullptr);
+            QVERIFY(qgetenv("http_proxy").isEmpty());
+        }
+        qunsetenv("http_proxy");
+    }
+
+    // What gets through a proxy is in tests/interop; this one refuses.
+    void everyOpenGoesThroughTheProxyThatIsExported()
+    {
+        ScriptedHttpServer proxy;
+        proxy.answerAlways("", HttpText::plain("", "", "403 Forbidden"));
+        const auto address = QByteArray("127.0.0.1:") + QByteArray::number(proxy.port());
+        qputenv("http_proxy", "http://" + address);
+        for (int i = 0; i < 3; ++i) {
+            const int before = proxy.count();
+            QVERIFY(m_probe->open(m_server->url(), webSocket));
+            QCOMPARE(qgetenv("http_proxy"), address);
+            QVERIFY(proxy.count() > before);
+            const auto request = proxy.requests().last();
+            QCOMPARE(request.method + ' ' + request.path,
+                     QByteArray("CONNECT 127.0.0.1:") + QByteArray::number(m_server->port()));
+        }
+        qunsetenv("http_proxy");
+        QVERIFY(m_probe->events().isEmpty());
+        QVERIFY(openSession());
+        QCOMPARE(m_server->requests().size(), 1);
+    }
+
     void openFrameInTheUpgradesPacketIsHeard()
     {
         m_server->setUpgrade(Server::OpenInSamePacket);
@@ -195,47 +238,6 @@ private Q_SLOTS:
         QTRY_COMPARE(m_probe->events(),
                      QStringList({"connected", "message one", "message two", "message three"}));
         QVERIFY(m_connector->isConnected());
-    }
-
-    void hostActsWhenConnectedWithinOpen_data()
-    {
-        columns<QString>();
-        for (const char* action : {"close", "delete", "open"})
-            QTest::newRow(action) << action;
-    }
-
-    void hostActsWhenConnectedWithinOpen()
-    {
-        const auto [action] = row<QString>();
-        m_server->setUpgrades({Server::OpenInSamePacket, Server::Open});
-        int calls = 0;
-        connect(m_connector, &SockJSConnector::connected, this, [&] {
-            if (calls++ > 0)
-                return;
-            if (action == QLatin1String("close"))
-                m_connector->close();
-            else if (action == QLatin1String("delete"))
-                delete m_connector;
-            else
-                m_probe->open(m_server->url(QStringLiteral("/second")), webSocket);
-        });
-
-        QVERIFY(m_probe->open(m_server->url(QStringLiteral("/first")), webSocketThenPolling));
-        QTRY_VERIFY(calls > 0);
-
-        if (action == QLatin1String("open")) {
-            QTRY_COMPARE(m_probe->count(QStringLiteral("connected")), 2);
-            QVERIFY(syncInbound());
-            QVERIFY(m_connector->isConnected());
-            QTRY_COMPARE(m_server->openConnections(), 1);
-        } else {
-            QTRY_COMPARE(m_server->openConnections(), 0);
-            QCOMPARE(m_connector.isNull(), action == QLatin1String("delete"));
-            QTRY_COMPARE(m_probe->count(QStringLiteral("closed false")), m_connector ? 1 : 0);
-            QVERIFY(anotherConnectorOpens());
-            QCOMPARE(m_probe->events().size(), m_connector ? 2 : 1);
-        }
-        QCOMPARE(m_server->count(QStringLiteral("/xhr")), 0);
     }
 };
 

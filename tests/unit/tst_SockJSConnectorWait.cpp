@@ -38,38 +38,6 @@ private Q_SLOTS:
         QCOMPARE(m_server->count(QStringLiteral("/xhr")), 0);
     }
 
-    void hostEndsTheWait_data()
-    {
-        rows<QString>({
-            {"close", "close"},
-            {"delete", "delete"},
-        });
-    }
-
-    void hostEndsTheWait()
-    {
-        const auto [action] = row<QString>();
-        m_server->setUpgrade(Server::Silent);
-        duringTheWait([&] {
-            if (action == QLatin1String("close"))
-                m_connector->close();
-            else
-                delete m_connector;
-        });
-
-        QVERIFY(m_probe->open(m_server->url(), webSocketThenPolling));
-
-        QTRY_COMPARE(m_server->openConnections(), 0);
-        QVERIFY(anotherConnectorOpens());
-        QVERIFY(m_probe->events().isEmpty());
-        QCOMPARE(m_server->requests().size(), 2); // the one that waited and the other connector's
-        QCOMPARE(m_connector.isNull(), action == QLatin1String("delete"));
-        if (m_connector) {
-            QVERIFY(openSession());
-            QVERIFY(syncInbound());
-        }
-    }
-
     void quitBeforeTheApplicationRunsDoesNotEndIt()
     {
         QCoreApplication::quit();
@@ -79,30 +47,6 @@ private Q_SLOTS:
         QTimer::singleShot(0, qApp, &QCoreApplication::quit); // it lasts until the application has run
         QCoreApplication::exec();
         QVERIFY(syncInbound());
-    }
-
-    void anOpenDuringTheWaitStands()
-    {
-        m_server->setUpgrades({Server::Silent, Server::Open});
-        QString idOfTheWait;
-        bool nested = false;
-        duringTheWait([&] {
-            idOfTheWait = m_connector->sessionId();
-            nested = m_probe->open(m_server->url(QStringLiteral("/second")), webSocket);
-        });
-
-        QVERIFY(m_probe->open(m_server->url(QStringLiteral("/first")), webSocketThenPolling));
-
-        QVERIFY(nested);
-        QTRY_VERIFY(m_connector->isConnected());
-        QVERIFY(syncInbound());
-        QTRY_COMPARE(m_server->openConnections(), 1);
-        QVERIFY(syncInbound());
-        QVERIFY(m_connector->sessionId() != idOfTheWait);
-        QCOMPARE(m_server->requests().size(), 2);
-        QCOMPARE(m_server->requests().last().sessionId(), m_connector->sessionId());
-        QCOMPARE(m_probe->count(QStringLiteral("connected")), 1);
-        QVERIFY(!m_probe->hasClosed());
     }
 
     void theWaitLetsTimersRun()
