@@ -1,5 +1,7 @@
 #pragma once
 
+#include <CalyxClient/Lesson>
+
 #include <QtWidgets>
 
 // Qt tells screen readers the text of a button, or the label of a field, as its name. Lists, tables and combo
@@ -14,9 +16,9 @@ inline void allow(QWidget* control, QStringList whyNot)
     control->setAccessibleDescription(control->toolTip());
 }
 
-/// Says what \p control does, for as long as it can be used.
+/// A control that says what it does, for as long as it can be used.
 template<typename Control>
-Control* described(Control* control, const QString& tip, const QString& name = QString())
+Control* made(const QString& tip, const QString& name = QString(), Control* control = new Control)
 {
     control->setWhatsThis(tip);
     control->setAccessibleName(name);
@@ -24,11 +26,14 @@ Control* described(Control* control, const QString& tip, const QString& name = Q
     return control;
 }
 
-inline QPushButton* button(const QString& text, const QString& tip)
+template<typename Press>
+QPushButton* button(const QString& text, const QString& tip, Press press)
 {
-    auto* button = new QPushButton(text);
+    auto* button = made<QPushButton>(tip);
+    button->setText(text);
     button->setAutoDefault(true); // Enter presses it where it has the focus
-    return described(button, tip);
+    QObject::connect(button, &QPushButton::clicked, button, press);
+    return button;
 }
 
 /// A label for what comes from outside: never taken for HTML.

@@ -2,8 +2,6 @@
 
 #include "Controls.h"
 
-#include <CalyxClient/Lesson>
-
 // [bars]
 /// Draws the count of an answer as a bar; what is right has a tick.
 class Bars : public QStyledItemDelegate
@@ -35,31 +33,11 @@ class Polls : public QTabWidget
 public:
     explicit Polls(Lesson* lesson) : m_lesson(lesson)
     {
-        described(this, tr("One question, or several at each learner\u2019s own pace"), tr("What is asked"));
+        made(tr("One question, or several at each learner\u2019s own pace"), tr("What is asked"), this);
         addTab(makePoll(), tr("Poll"));
         addTab(makeAssessment(), tr("Assessment"));
         connect(m_kind, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &Polls::chooseKind);
         connect(m_options, &QLineEdit::textChanged, this, &Polls::refresh);
-        connect(m_ask, &QPushButton::clicked, this, [this] {
-            if (m_lesson->ask(question()))
-                m_pause->setFocus(); // the button that was pressed is disabled now
-        });
-        connect(m_pause, &QPushButton::clicked, lesson,
-                [lesson] { lesson->poll()->isPaused() ? lesson->resume() : lesson->pause(); });
-        connect(m_stop, &QPushButton::clicked, lesson, &Lesson::stop);
-        connect(m_show, &QPushButton::clicked, lesson, [lesson] { lesson->showResults(); });
-        // [assessment]
-        connect(m_add, &QPushButton::clicked, this, [this] {
-            m_plan.questions.append(question());
-            refresh();
-        });
-        connect(m_clear, &QPushButton::clicked, this, [this] {
-            m_plan.questions.clear();
-            refresh();
-        });
-        connect(m_begin, &QPushButton::clicked, lesson, [this] { m_lesson->startAssessment(m_plan); });
-        connect(m_finish, &QPushButton::clicked, lesson, &Lesson::stopAssessment);
-        // [assessment]
         for (const auto change : {&Lesson::stateChanged, &Lesson::pollChanged, &Lesson::assessmentChanged})
             connect(lesson, change, this, &Polls::refresh);
         connect(lesson, &Lesson::answersChanged, this, &Polls::tellAnswers);
@@ -85,7 +63,7 @@ private:
         form->addRow(tr("Num&ber of options"), m_count);
         form->addRow(tr("Opt&ions"), m_options);
         form->addRow(tr("Ri&ght answer"), m_right);
-        form->addRow(across({m_ask, m_pause, m_stop, m_show}));
+        form->addRow(across({m_ask, m_pause, m_stop, m_soon, m_show}));
         form->addRow(m_answers);
         form->addRow(quiet(m_chart));
         return page;
@@ -94,8 +72,19 @@ private:
     {
         m_plan.title = tr("Assessment");
         m_plan.mayGoBack = m_plan.showsSummary = true;
+        // [assessment]
+        auto* add =
+            button(tr("Add &question"), tr("Take over the question of the page \u201cPoll\u201d"), [this] {
+                m_plan.questions.append(question());
+                refresh();
+            });
+        m_begin = button(tr("Start assess&ment"), tr("Have the learners work through the questions"),
+                         [this] { m_lesson->startAssessment(m_plan); });
+        m_finish =
+            button(tr("Stop assessment"), tr("Take no more answers"), [this] { m_lesson->stopAssessment(); });
+        // [assessment]
         return arrange(new QWidget, QBoxLayout::TopToBottom,
-                       {m_planned, across({m_add, m_clear, m_begin, m_finish}), quiet(m_sheet)});
+                       {m_planned, across({add, m_clear, m_begin, m_finish}), quiet(m_sheet)});
     }
     // Tab goes on to the next control, not through the cells.
     static QTableView* quiet(QTableView* table)
@@ -159,8 +148,8 @@ private:
                         m_options->text().isEmpty() ? QString() : tr("There are as many as texts.")});
         allow(m_options, {m_count->maximum() == 0 ? tr("This kind of poll has no options.") : QString()});
         allow(m_ask, {closed, isOn});
-        allow(m_pause, {isOff});
-        allow(m_stop, {isOff});
+        for (QPushButton* steering : {m_pause, m_stop, m_soon})
+            allow(steering, {isOff});
         allow(m_show, {closed, poll ? QString() : tr("Nothing has been asked yet.")});
         allow(m_clear, {isEmpty});
         allow(m_begin,
@@ -176,7 +165,9 @@ private:
             return m_answers->setText(tr("Start a poll: the answers appear here as they come in."));
         const QString state = !poll->isRunning() ? tr(" (over)")
                               : poll->isPaused() ? tr(" (paused)")
-                                                 : QString();
+                              : poll->stopsAt().isValid()
+                                  ? tr(" (until %1)").arg(poll->stopsAt().toString(tr("hh:mm:ss")))
+                                  : QString();
         m_answers->setText(tr("%1%2: %3 of %4 answered")
                                .arg(poll->title(), state)
                                .arg(poll->answered())
@@ -186,27 +177,31 @@ private:
 
     Lesson* m_lesson;
     Calyx::AssessmentPlan m_plan;
-    QComboBox* m_kind = described(new QComboBox, tr("What the learners are asked for"), tr("Kind of poll"));
-    QLineEdit* m_text =
-        described(new QLineEdit, tr("What the learners read; empty: you ask in your own words"));
-    QSpinBox* m_count = described(new QSpinBox, tr("How many options the learners choose from"));
-    QLineEdit* m_options =
-        described(new QLineEdit, tr("What the options say, with a semicolon between them"));
-    QLineEdit* m_right =
-        described(new QLineEdit, tr("The right answer, options by their letters or numbers"));
-    QPushButton* m_ask = button(tr("Start &poll"), tr("Ask the learners"));
-    QPushButton* m_pause = button(tr("Pa&use"), tr("Let nobody answer for the time being, or go on"));
-    QPushButton* m_stop = button(tr("S&top poll"), tr("Take no more answers"));
-    QPushButton* m_show = button(tr("Sho&w results"), tr("Show the learners how the poll came out"));
+    QComboBox* m_kind = made<QComboBox>(tr("What the learners are asked for"), tr("Kind of poll"));
+    QLineEdit* m_text = made<QLineEdit>(tr("What the learners read; empty: you ask in your own words"));
+    QSpinBox* m_count = made<QSpinBox>(tr("How many options the learners choose from"));
+    QLineEdit* m_options = made<QLineEdit>(tr("What the options say, with a semicolon between them"));
+    QLineEdit* m_right = made<QLineEdit>(tr("The right answer, options by their letters or numbers"));
+    QPushButton* m_ask = button(tr("Start &poll"), tr("Ask the learners"), [this] {
+        if (m_lesson->ask(question()))
+            m_pause->setFocus(); // the button that was pressed is disabled now
+    });
+    QPushButton* m_pause = button(tr("Pa&use"), tr("Let nobody answer for the time being, or go on"), [this] {
+        m_lesson->poll()->isPaused() ? m_lesson->resume() : m_lesson->pause();
+    });
+    QPushButton* m_stop = button(tr("S&top poll"), tr("Take no more answers"), [this] { m_lesson->stop(); });
+    QPushButton* m_soon =
+        button(tr("Stop in 10 s"), tr("Give the learners ten seconds more"), [this] { m_lesson->stop(10); });
+    QPushButton* m_show = button(tr("Sho&w results"), tr("Show the learners how the poll came out"),
+                                 [this] { m_lesson->showResults(); });
     QLabel* m_answers = plainLabel();
-    QTableView* m_chart = described(new QTableView, tr("How many gave which answer"), tr("Answers"));
-    QPushButton* m_add =
-        button(tr("Add &question"), tr("Take over the question of the page \u201cPoll\u201d"));
-    QPushButton* m_clear = button(tr("Clear"), tr("Take all questions out"));
-    QPushButton* m_begin =
-        button(tr("Start assess&ment"), tr("Have the learners work through the questions"));
-    QPushButton* m_finish = button(tr("Stop assessment"), tr("Take no more answers"));
+    QTableView* m_chart = made<QTableView>(tr("How many gave which answer"), tr("Answers"));
     QLabel* m_planned = plainLabel();
-    QTableView* m_sheet =
-        described(new QTableView, tr("What each learner answered"), tr("Answers by learner"));
+    QPushButton* m_clear = button(tr("Clear"), tr("Take all questions out"), [this] {
+        m_plan.questions.clear();
+        refresh();
+    });
+    QPushButton* m_begin = nullptr;
+    QPushButton* m_finish = nullptr;
+    QTableView* m_sheet = made<QTableView>(tr("What each learner answered"), tr("Answers by learner"));
 };

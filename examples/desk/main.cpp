@@ -1,6 +1,6 @@
 #include "DeskWindow.h"
 
-#include <QLoggingCategory>
+#include <QtWidgets>
 
 // desk [ADDRESS]: the classroom service's.
 int main(int argc, char** argv)
@@ -8,7 +8,7 @@ int main(int argc, char** argv)
     // The library writes down every message that comes and goes.
     QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
     QApplication application(argc, argv);
-    DeskWindow window(QUrl(QApplication::arguments().value(1)));
-    window.show();
+    const auto window = makeDesk(QUrl(QApplication::arguments().value(1)));
+    window->show();
     return QApplication::exec();
 }

@@ -127,7 +127,9 @@ QVariant Deck::data(const QModelIndex& index, int role) const
     case NameRole:
         return card.name;
     case PictureRole:
-        return card.png;
+        return card.url.startsWith(QLatin1String("data:"))
+                   ? QByteArray::fromBase64(card.url.section(QLatin1Char(','), 1).toLatin1())
+                   : card.png;
     case UrlRole:
         return card.url;
     case IsCurrentRole:

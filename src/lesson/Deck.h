@@ -24,7 +24,7 @@ public:
     /// The roles, with their names in QML.
     enum Role {
         NameRole = Qt::UserRole + 1, ///< "name"
-        PictureRole,                 ///< "picture": its bytes
+        PictureRole,                 ///< "picture": its bytes, those of a data URI included
         UrlRole,                     ///< "url"
         IsCurrentRole                ///< "isCurrent"
     };

@@ -9,6 +9,8 @@
 #include <QPointer>
 #include <QUuid>
 
+#include <algorithm>
+
 namespace Calyx {
 
 namespace {
@@ -194,6 +196,12 @@ PollResults* Poll::results() const
 int Poll::answered() const
 {
     return d->answers.size();
+}
+
+int Poll::rightAnswers() const
+{
+    return int(std::count_if(d->answers.cbegin(), d->answers.cend(),
+                             [](const PollAnswer& answer) { return answer.mark == PollAnswer::Right; }));
 }
 
 int Poll::expected() const

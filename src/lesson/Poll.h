@@ -64,6 +64,8 @@ public:
     /// How many have answered or, being here, still could; once it is stopped, those at that moment and late
     /// ones.
     int expected() const;
+    /// How many of them are right.
+    int rightAnswers() const;
     /// Whether the device has answered.
     Q_INVOKABLE bool hasAnswered(const QString& deviceId) const;
     /// The device's answer; one whose mark is PollAnswer::NoAnswer when there is none.

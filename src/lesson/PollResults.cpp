@@ -135,6 +135,13 @@ int PollResults::highest() const
     return highest;
 }
 
+PollResults::Row PollResults::mostFrequent() const
+{
+    const auto most = std::max_element(d->rows.cbegin(), d->rows.cend(),
+                                       [](const Row& a, const Row& b) { return a.count < b.count; });
+    return most == d->rows.cend() || most->count == 0 ? Row() : *most;
+}
+
 QVector<PollResults::Row> PollResults::rows() const
 {
     return d->rows;

@@ -62,6 +62,8 @@ public:
     int answered() const;
     /// The highest count, 1 at least: the length of a chart's axis.
     int highest() const;
+    /// The row with the highest count, the first of several; an empty one when nobody has answered.
+    Row mostFrequent() const;
     /// All rows.
     QVector<Row> rows() const;
     /// At most \p most of them, for a chart: an option is never left out, and the last row stands for all

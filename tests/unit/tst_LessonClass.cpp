@@ -3,6 +3,8 @@
 #include "support/LessonClass.h"
 #include "support/Rows.h"
 
+#include <CalyxClient/RosterFilter>
+
 #include <QElapsedTimer>
 #include <QMetaMethod>
 #include <QTemporaryDir>
@@ -189,11 +191,14 @@ private Q_SLOTS:
         QVERIFY(class_.start());
         class_.published();
         Poll* const poll = class_.lesson->ask(marked());
+        QVERIFY(poll->results()->mostFrequent().title().isEmpty());
         class_.answer("D1", poll->id(), "B");
         class_.answer("D2", poll->id(), "A");
         QVERIFY(waitFor([&] { return poll->answered() == 2; }));
         class_.lesson->showResults();
         class_.lesson->setName({}, {});
+        QCOMPARE(poll->rightAnswers(), 1);
+        QCOMPARE(poll->results()->mostFrequent().label, QStringLiteral("A")); // the first of two
         const QList<QJsonObject> data = class_.publishedWithData().data.mid(1);
         QCOMPARE(data.size(), 2); // first those who are wrong
         QCOMPARE(data.at(0).value("text").toString(),
@@ -220,6 +225,31 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return !poll->isRunning(); }));
         QVERIFY(!poll->stopsAt().isValid() && poll->elapsed() >= 1000);
         QVERIFY(class_.end());
+    }
+
+    void listsTheClassByName()
+    {
+        Class class_;
+        QVERIFY(class_.start());
+        RosterFilter list(class_.lesson->roster());
+        const auto names = [&] {
+            QStringList all;
+            for (int row = 0; row < list.rowCount(); ++row)
+                all.append(list.index(row, 0).data().toString());
+            return all.join(' ');
+        };
+        class_.hear("D0", "join", {{"userName", "aaron"}});
+        QVERIFY(waitFor([&] { return list.rowCount() == 3; }));
+        QCOMPARE(names(), QStringLiteral("aaron Ann Bea"));
+        list.setOnlyMissing(true);
+        class_.lesson->ask(marked());
+        QCOMPARE(names(), QStringLiteral("aaron Ann Bea"));
+        class_.answer("D1", class_.lesson->poll()->id(), "A");
+        QVERIFY(waitFor([&] { return names() == QStringLiteral("aaron Bea"); }));
+        list.setOnlyMissing(false);
+        QCOMPARE(list.index(1, 0).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
+        QVERIFY(class_.end());
+        QCOMPARE(names(), QString());
     }
 
     void counts_data()

@@ -10,7 +10,7 @@ constexpr int limit = 30000; // ms
 
 } // namespace
 
-DeskRobot::DeskRobot(const QString& server) : m_window(std::make_unique<DeskWindow>(QUrl(server))) {}
+DeskRobot::DeskRobot(const QString& server) : m_window(makeDesk(QUrl(server))) {}
 
 bool DeskRobot::show()
 {

@@ -12,7 +12,7 @@ class DeskRobot
 public:
     explicit DeskRobot(const QString& server = QString());
 
-    DeskWindow& window() { return *m_window; }
+    QMainWindow& window() { return *m_window; }
     /// Shows the window and waits until it has the keyboard.
     bool show();
     /// Closes the window as the window manager does, and ends what belongs to it.
@@ -52,5 +52,5 @@ private:
     /// Whether it is the label of a control, and so has that one's name.
     static bool isForAnother(const QWidget* widget);
 
-    std::unique_ptr<DeskWindow> m_window;
+    std::unique_ptr<QMainWindow> m_window;
 };
