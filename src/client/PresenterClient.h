@@ -204,6 +204,8 @@ public:
     void setStallLimit(int msecs);
     /// SockJSConnector::setAsynchronousConnect() for the channels to come.
     void setAsynchronousConnect(bool asynchronous);
+    /// SockJSConnector::setEndsWithLostRequest() for the channels to come.
+    void setEndsWithLostRequest(bool ends);
     /// SockJSConnector::setOpenLimit() for the channels to come: \p msecs milliseconds, 0 for no limit.
     void setOpenLimit(int msecs);
     ///@{

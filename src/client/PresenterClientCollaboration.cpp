@@ -53,6 +53,11 @@ void PresenterClient::setAsynchronousConnect(bool asynchronous)
     d->asynchronousConnect = asynchronous;
 }
 
+void PresenterClient::setEndsWithLostRequest(bool ends)
+{
+    d->endsWithLostRequest = ends;
+}
+
 void PresenterClient::setOpenLimit(int msecs)
 {
     d->openLimit = msecs;
@@ -117,6 +122,7 @@ bool PresenterClient::Private::openCollab(PresenterCollab** opened)
         new PresenterCollab(q, collabServerUrl, sessionCode, sessionToken, userToken);
     created->connector()->setStallLimit(stallLimit);
     created->connector()->setAsynchronousConnect(asynchronousConnect);
+    created->connector()->setEndsWithLostRequest(endsWithLostRequest);
     collab = created;
     SockJSConnector* connector = created->connector();
     connector->setOpenLimit(openLimit);

@@ -74,6 +74,7 @@ public:
     QString authPassword;
     int stallLimit = 2000; // milliseconds
     bool asynchronousConnect = false;
+    bool endsWithLostRequest = false;
     int openLimit = 0;
     int silenceLimit = 0;
     int pingInterval = 0;

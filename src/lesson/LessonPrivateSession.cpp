@@ -10,11 +10,12 @@ namespace Calyx {
 
 namespace {
 
-// Seconds between attempts, the last one again and again; up to a fifth earlier or later, so that a service
-// that comes back is not met by everybody at the same moment.
+// Seconds between attempts, which are made 0, 1, 2, 4, 8 and 15 s after the loss, and every 15 s from then
+// on; up to a fifth earlier or later, so that a service that comes back is not met by everybody at the same
+// moment.
 int pauseBefore(int attempt)
 {
-    static const int pauses[] = {0, 1, 2, 4, 8, 15};
+    static const int pauses[] = {0, 1, 1, 2, 4, 7, 15};
     constexpr int last = sizeof(pauses) / sizeof(*pauses) - 1;
     constexpr double second = 1000;
     constexpr double spread = 0.2;

@@ -5,7 +5,7 @@
 #include "lesson/LessonText.h"
 #include "lesson/ServiceClient.h"
 #include "transport/SockJSConnector.h"
-#include "transport/WebSocketTransport.h"
+#include "transport/SockJSTransport.h"
 
 #include <QEventLoop>
 #include <QThread>
@@ -22,8 +22,8 @@ constexpr int replyLimit = 10000; // ms, the client's
 constexpr int stallLimit = 20000;
 constexpr int abortPace = 10;       // ms
 constexpr int silenceLimit = 40000; // longer than a server's heartbeats are apart
-constexpr int pulsePace = 10000;
-constexpr int echoLimit = 5000;
+constexpr int pulsePace = 9500;
+constexpr int echoLimit = 5000; // together less than 15 s, in which a far end that is gone is noticed
 constexpr int hastyEchoLimit = 2000;
 
 // What a presenter publishes to its own address comes back to it.
@@ -247,6 +247,7 @@ LessonError LessonWorker::doOpen()
     m_client->setSilenceLimit(silenceLimit);
     m_client->setStallLimit(stallLimit);
     m_client->setAsynchronousConnect(true);
+    m_client->setEndsWithLostRequest(true);
     m_client->setRandomSessionIds(true);
     m_client->setSockJSOverrideProtocols(m_transports);
     PresenterCollab* collab = nullptr;
@@ -360,7 +361,8 @@ void LessonWorker::reportOpened(int ticket, bool isReturn)
             opening.learners.append(user.device);
     }
     opening.heard = m_heard;
-    m_wasWebSocket = m_collab && m_collab->connector()->findChild<WebSocketTransport*>();
+    if (m_collab)
+        m_lastTransport = SockJSConnector::PROTOCOL_TYPE_STR().value(m_collab->connector()->protocol());
     m_pulse.start(pulsePace);
     sendPulse();
     report([=](LessonListener* listener) { listener->onOpened(ticket, opening); });
@@ -404,7 +406,7 @@ LessonError LessonWorker::doReopen()
     return waitForChannel() ? LessonError() : error(LessonError::NoChannel);
 }
 
-// The one that worked comes first: a WebSocket that a filter swallows would take its time again.
+// The one that worked comes first: one that a filter swallows would take its time again.
 QStringList LessonWorker::transportsForReturn() const
 {
     QStringList transports = m_client->sockJSProtocols();
@@ -412,10 +414,9 @@ QStringList LessonWorker::transportsForReturn() const
         for (const SockJSConnector::PROTOCOL_TYPE type : SockJSConnector::GetDefaultProtocols())
             transports.append(SockJSConnector::PROTOCOL_TYPE_STR().value(type));
     }
-    const QString webSocket = SockJSConnector::PROTOCOL_TYPE_STR().value(SockJSConnector::WEBSOCKET);
-    if (m_wasWebSocket || !transports.removeOne(webSocket))
-        return transports;
-    return transports << webSocket;
+    if (transports.removeOne(m_lastTransport))
+        transports.prepend(m_lastTransport);
+    return transports;
 }
 
 // A far end that is frozen, or has vanished, closes nothing. That it answers is known once it has; after a

@@ -161,7 +161,7 @@ private:
     bool m_isCancelled = false;
     bool m_isOpen = false;
     bool m_isLeaving = false;
-    bool m_wasWebSocket = true; // the channel when it was open last
+    QString m_lastTransport; // of the channel when it was open last
 };
 
 } // namespace Calyx

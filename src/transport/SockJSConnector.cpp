@@ -90,7 +90,7 @@ public:
     bool tryNextProtocol();
     bool openWebSocket();
     bool openXHRPolling(bool streaming);
-    void use(SockJSTransport* started);
+    void use(SockJSTransport* started, SockJSConnector::PROTOCOL_TYPE type);
     void startOpenLimit();
     void onOpenLimit();
     void startSilenceLimit();
@@ -110,6 +110,7 @@ public:
 
     SockJSConnector* const q;
     QPointer<SockJSTransport> transport;
+    SockJSConnector::PROTOCOL_TYPE protocol = {};
     std::unique_ptr<Attempt> attempt;
     int openCount = 0;
 
@@ -127,6 +128,7 @@ public:
     QTimer* inactivityTimer = nullptr;
     int stallLimit = SockJSXHRPollingWorker::StallLimit;
     bool asynchronousConnect = false;
+    bool endsWithLostRequest = false;
     int openLimit = 0;
     QTimer openLimitTimer;
     int silenceLimit = 0;
@@ -289,7 +291,7 @@ bool SockJSConnectorPrivate::openWebSocket()
     const QPointer<WebSocketTransport> socket(new WebSocketTransport(q));
     socket->setPings(pingInterval, pongLimit);
     connect(socket, &WebSocketTransport::ponged, this, &SockJSConnectorPrivate::hear);
-    use(socket);
+    use(socket, SockJSConnector::WEBSOCKET);
     if (socket->start(url, proxy)) {
         startSilenceLimit();
         qCDebug(diagnostics) << "[SockJSConnector] CONNECTED via Websocket";
@@ -311,7 +313,8 @@ bool SockJSConnectorPrivate::openXHRPolling(bool streaming)
         xhr->setConnectLimit(qMin(openLimit, SockJSXHRPollingWorker::ConnectLimit));
     xhr->setStallLimit(stallLimit);
     xhr->setAsynchronousConnect(asynchronousConnect);
-    use(xhr);
+    xhr->setEndsWithLostRequest(endsWithLostRequest);
+    use(xhr, streaming ? SockJSConnector::XHR_STREAMING : SockJSConnector::XHR_POLLING);
     if (xhr->start(host, port, secure, basePath(), streaming)) {
         startSilenceLimit();
         qCDebug(diagnostics).noquote() << "[SockJSConnector] CONNECTED via xhr_" +
@@ -323,9 +326,10 @@ bool SockJSConnectorPrivate::openXHRPolling(bool streaming)
     return false;
 }
 
-void SockJSConnectorPrivate::use(SockJSTransport* started)
+void SockJSConnectorPrivate::use(SockJSTransport* started, SockJSConnector::PROTOCOL_TYPE type)
 {
     transport = started;
+    protocol = type;
     connect(started, &SockJSTransport::textMessageReceived, this, &SockJSConnectorPrivate::receive);
     connect(started, &SockJSTransport::connectionClosed, this, &SockJSConnectorPrivate::end);
     startOpenLimit();
@@ -373,6 +377,11 @@ QString SockJSConnector::sessionId() const
     return d->sessionId;
 }
 
+SockJSConnector::PROTOCOL_TYPE SockJSConnector::protocol() const
+{
+    return d->protocol;
+}
+
 int SockJSConnector::openCount() const
 {
     return d->openCount;
@@ -396,6 +405,16 @@ void SockJSConnector::setAsynchronousConnect(bool asynchronous)
 bool SockJSConnector::asynchronousConnect() const
 {
     return d->asynchronousConnect;
+}
+
+void SockJSConnector::setEndsWithLostRequest(bool ends)
+{
+    d->endsWithLostRequest = ends;
+}
+
+bool SockJSConnector::endsWithLostRequest() const
+{
+    return d->endsWithLostRequest;
 }
 
 void SockJSConnector::setOpenLimit(int msecs)

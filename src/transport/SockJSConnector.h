@@ -71,6 +71,9 @@ public:
     /// The id of the session last opened, 8 characters; null before the first open(). A transport that is
     /// tried after one that was given up at the open limit opens a session of its own.
     QString sessionId() const;
+    /// The transport that open() has started last, or that was fallen back to; 0, none of them, before the
+    /// first.
+    PROTOCOL_TYPE protocol() const;
     /// How many times open() has begun a connection: tells one from another.
     int openCount() const;
 
@@ -86,6 +89,14 @@ public:
     void setAsynchronousConnect(bool asynchronous);
     /// What setAsynchronousConnect() has set.
     bool asynchronousConnect() const;
+
+    /// Has an XHR transport end, as by the server, where a message is lost: one that was sent, whose post has
+    /// failed or was not answered for 30 seconds, after which nothing else goes out; or one that may have
+    /// come, when the connection was lost while the server could answer. Off by default: nothing tells of the
+    /// loss then. Counts from the next open().
+    void setEndsWithLostRequest(bool ends);
+    /// What setEndsWithLostRequest() has set.
+    bool endsWithLostRequest() const;
 
     /// Milliseconds that a transport may take from its start to its open frame. One that takes longer is
     /// given up without closed(), and the next of the list is tried. 0, the default, sets no limit. Counts

@@ -12,6 +12,7 @@
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <QNetworkAccessManager>
 #include <QNetworkCookie>
 #include <QNetworkReply>
@@ -57,6 +58,7 @@ public:
     void emitClosed();
     void pollAgain(const XHRRequest* request);
     void releaseRequest(XHRRequest* request);
+    void loseRequest(XHRRequest* request);
     QString headerBlock(const QString& payload) const;
     QList<QNetworkCookie> cookies() const { return cookieJar->cookiesForUrl(QUrl(fullUrl)); }
     void postNextFrame();
@@ -89,6 +91,8 @@ public:
     int connectLimit = SockJSXHRPollingWorker::ConnectLimit;
     int stallLimit = SockJSXHRPollingWorker::StallLimit;
     bool asynchronous = false;
+    bool endsWithLostRequest = false;
+    QElapsedTimer asked; // for frames
     bool retired = false;
     QTimer closing;    // closes the receiver when no post is answered
     QTimer retirement; // deletes the transport when no post is answered
@@ -147,6 +151,11 @@ void SockJSXHRPolling::setStallLimit(int msecs)
 void SockJSXHRPolling::setAsynchronousConnect(bool asynchronous)
 {
     d->asynchronous = asynchronous;
+}
+
+void SockJSXHRPolling::setEndsWithLostRequest(bool ends)
+{
+    d->endsWithLostRequest = ends;
 }
 
 bool SockJSXHRPolling::start(QString host, int port, bool secure, QString path, bool streaming)
@@ -230,7 +239,7 @@ bool SockJSXHRPolling::Private::startThread(SockJSXHRPollingWorker* candidate, Q
     connect(worker, &Worker::receivedHeadersResponse, q, &SockJSXHRPolling::onReceivedHeadersResponse);
     connect(worker, &Worker::receivedMessageResponse, q, &SockJSXHRPolling::onReceivedMessageResponse);
     connect(worker, &Worker::receivedEmptyResponse, q, [this](XHRRequest* request) { pollAgain(request); });
-    connect(worker, &Worker::requestLost, q, [this](XHRRequest* request) { releaseRequest(request); });
+    connect(worker, &Worker::requestLost, q, [this](XHRRequest* request) { loseRequest(request); });
     connect(worker, &Worker::reconnected, q, &SockJSXHRPolling::onReconnected);
     connect(thread, &QThread::finished, thread, &QObject::deleteLater);
     connect(thread, &QThread::finished, socket, &QObject::deleteLater);
@@ -283,6 +292,7 @@ void SockJSXHRPolling::doPoll()
     // A second request beside a pending one makes a server end the session.
     if (!d->closed && d->worker && d->worker->isReceiving())
         return;
+    d->asked.start();
     doRequestXHR(d->path + (d->streaming ? QLatin1String("/xhr_streaming") : QLatin1String("/xhr")),
                  QString());
 }
@@ -362,6 +372,17 @@ void SockJSXHRPolling::Private::releaseRequest(XHRRequest* request)
     request->deleteLater();
 }
 
+// The server may have told something in the answer, and tells it once. That does not count for one that
+// closes its connections without announcing it: the next request meets that at once.
+void SockJSXHRPolling::Private::loseRequest(XHRRequest* request)
+{
+    constexpr int atOnce = 1000; // ms
+    const bool mayBeLoss = request == currentRequest || asked.hasExpired(atOnce);
+    releaseRequest(request);
+    if (endsWithLostRequest && mayBeLoss)
+        q->close();
+}
+
 void SockJSXHRPolling::onReceivedMessageResponse(XHRRequest* request, QString message)
 {
     qCDebug(diagnostics).noquote().nospace() << "[SockJSXHRPolling] RECEIVED: " << message;
@@ -411,10 +432,15 @@ void SockJSXHRPolling::Private::postNextFrame()
 
 void SockJSXHRPolling::onNAMRequestFinished(QNetworkReply* reply)
 {
-    if (reply->error() != QNetworkReply::NoError)
+    const bool isLost = reply->error() != QNetworkReply::NoError;
+    if (isLost)
         qCDebug(diagnostics).noquote().nospace()
             << "[SockJSXHRPolling] xhr_send error: " << PostRequest::errorText(reply);
     reply->deleteLater();
+    if (isLost && d->endsWithLostRequest) {
+        d->frames.clear();
+        close();
+    }
     d->posting = !d->frames.isEmpty();
     if (d->posting)
         d->postNextFrame();

@@ -47,6 +47,11 @@ public:
     /// while the host's name is looked up; it then returns false.
     void setAsynchronousConnect(bool asynchronous);
 
+    /// Whether what is lost ends the transport as the server's end of the session does: a post that fails, or
+    /// is not answered, after which nothing goes out, and an answer on whose connection something had come,
+    /// or could have for a second. Off unless told otherwise.
+    void setEndsWithLostRequest(bool ends);
+
     /// Asks for the next frames. Does nothing while such a request is waiting or in flight.
     void doPoll();
 

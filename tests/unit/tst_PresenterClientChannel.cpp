@@ -65,6 +65,7 @@ private Q_SLOTS:
         lesson.client->setOpenLimit(4321);
         lesson.client->setStallLimit(5432);
         lesson.client->setAsynchronousConnect(true);
+        lesson.client->setEndsWithLostRequest(true);
         lesson.client->setSilenceLimit(54321);
         lesson.client->setPingInterval(65432);
         lesson.client->setPongLimit(76543);
@@ -79,6 +80,7 @@ private Q_SLOTS:
         QVERIFY(connector->randomSessionIds());
         QCOMPARE(connector->stallLimit(), 5432);
         QVERIFY(connector->asynchronousConnect());
+        QVERIFY(connector->endsWithLostRequest());
     }
 
     void stoppedSessionCanBeFollowedByAnother()

@@ -1,6 +1,7 @@
 #include <CalyxClient/SockJSXHRPolling>
 
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 #include "support/ProcessResources.h"
 #include "support/TestCertificates.h"
 #include "support/TransportTest.h"
@@ -286,12 +287,17 @@ private Q_SLOTS:
             QCOMPARE(requests.at(i).body, QByteArray::number(i));
     }
 
+    void failedSendIsLoggedAndLost_data() { rows<bool>({{"lost", false}, {"ends the transport", true}}); }
+
     void failedSendIsLoggedAndLost()
     {
+        const auto [ends] = row<bool>();
         Server server;
         server.answer("/xhr_send", "HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n");
-        server.answer("/xhr_send", plain(""));
+        if (!ends)
+            server.answer("/xhr_send", plain(""));
         Session session;
+        session.transport->setEndsWithLostRequest(ends);
         QVERIFY(session.start(server));
         LogRecorder log;
         session.transport->sendTextMessage(QStringLiteral("[1]"));
@@ -300,10 +306,10 @@ private Q_SLOTS:
         QTRY_COMPARE(log.debug(sendErrorLine).size(), 1);
         QVERIFY(log.debug(sendErrorLine).first().contains(QLatin1String("Not Found")));
         const QList<Server::Request> requests = server.requests("/xhr_send");
-        QCOMPARE(requests.size(), 2);
+        QCOMPARE(requests.size(), ends ? 1 : 2);
         QCOMPARE(requests.first().body, QByteArray("[1]"));
-        QCOMPARE(requests.last().body, QByteArray("[2]"));
-        QCOMPARE(session.ends, 0);
+        QCOMPARE(requests.last().body, QByteArray(ends ? "[1]" : "[2]"));
+        QTRY_COMPARE(session.ends, ends ? 1 : 0);
     }
 
     void sendsAcceptedBeforeCloseGoOut()
