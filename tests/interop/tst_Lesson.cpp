@@ -1,3 +1,4 @@
+#include "interop/support/Learners.h"
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
 #include "support/WaitFor.h"
@@ -7,7 +8,6 @@
 #include <CalyxClient/SockJSConnector>
 
 #include <QElapsedTimer>
-#include <QProcess>
 #include <QSignalSpy>
 
 #include <memory>
@@ -15,29 +15,6 @@
 using namespace Calyx;
 
 namespace {
-
-/// Simulated learners who join the session with this code and answer everything until it ends.
-class Learners
-{
-public:
-    Learners(const Peer& classroom, const QString& code, int count, const QStringList& options = {})
-    {
-        m_process.start(QStringLiteral("node"),
-                        QStringList{QStringLiteral(INTEROP_SOURCE_DIR "/../../classroom/learners.js"),
-                                    QStringLiteral("--url"), classroom.url().toString(),
-                                    QStringLiteral("--session"), code, QStringLiteral("--count"),
-                                    QString::number(count), QStringLiteral("--quiet")} +
-                            options);
-    }
-    ~Learners()
-    {
-        m_process.kill();
-        m_process.waitForFinished();
-    }
-
-private:
-    QProcess m_process;
-};
 
 const QStringList transports = {QStringLiteral("websocket"), QStringLiteral("xhr-streaming"),
                                 QStringLiteral("xhr-polling")};
@@ -96,7 +73,7 @@ private Q_SLOTS:
                  (QList<Lesson::State>{Lesson::LoggingIn, Lesson::LoggedIn, Lesson::Starting, Lesson::Live}));
 
         // Who comes late gets what the class has in front of it.
-        const Learners learners(*m_classroom, m_lesson->joinCode(), 5);
+        const Learners learners(m_classroom->url(), m_lesson->joinCode(), 5);
         QVERIFY(waitFor([&] { return early->answered() == 5; }));
         QCOMPARE(m_lesson->roster()->presentCount(), 5);
 
@@ -135,7 +112,7 @@ private Q_SLOTS:
         m_lesson->setTransports({transport});
         goLive();
         QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
-        const Learners learners(*m_classroom, m_lesson->joinCode(), 5);
+        const Learners learners(m_classroom->url(), m_lesson->joinCode(), 5);
         QVERIFY(waitFor([&] { return m_lesson->roster()->presentCount() == 5; }));
         for (int round = 0; round < 3; ++round) {
             m_lesson->onChannel([](PresenterCollab* collab) { collab->connector()->close(); });
@@ -153,7 +130,7 @@ private Q_SLOTS:
     {
         goLive();
         QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
-        const Learners learners(*m_classroom, m_lesson->joinCode(), 1);
+        const Learners learners(m_classroom->url(), m_lesson->joinCode(), 1);
         Poll* const poll = m_lesson->ask(marked());
         QVERIFY(waitFor([&] { return poll->answered() == 1; }));
         m_classroom->stop();

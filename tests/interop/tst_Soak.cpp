@@ -10,8 +10,6 @@
 #include <QEventLoop>
 #include <QTimer>
 
-#include <malloc.h>
-
 namespace {
 
 constexpr int answersEach = 100;
@@ -25,13 +23,6 @@ int rounds()
     return asked > 0 ? asked : usualRounds;
 }
 
-// What is allocated; the sanitizers, which have an allocator of their own, make this 0.
-qint64 allocated()
-{
-    const struct mallinfo2 info = mallinfo2();
-    return static_cast<qint64>(info.uordblks + info.hblkhd);
-}
-
 QString answerBlock()
 {
     QString block;
@@ -41,12 +32,7 @@ QString answerBlock()
     return block;
 }
 
-struct Use
-{
-    qint64 bytes = allocated();
-    int threads = ProcessResources::threads();
-    int descriptors = ProcessResources::descriptors();
-};
+using ProcessResources::Use;
 
 } // namespace
 

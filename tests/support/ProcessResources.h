@@ -4,9 +4,13 @@
 #include <QFile>
 #include <QTest>
 
+#include <malloc.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
+
+// Of the sanitizers, whose allocator the C library does not know.
+extern "C" __attribute__((weak)) std::size_t __sanitizer_get_current_allocated_bytes();
 
 /// What the process holds of the system's resources right now.
 namespace ProcessResources {
@@ -30,6 +34,23 @@ inline int threads()
     }
     return count;
 }
+
+/// Bytes that are allocated.
+inline qint64 allocated()
+{
+    if (&__sanitizer_get_current_allocated_bytes)
+        return static_cast<qint64>(__sanitizer_get_current_allocated_bytes());
+    const struct mallinfo2 info = mallinfo2();
+    return static_cast<qint64>(info.uordblks + info.hblkhd);
+}
+
+/// What is held at the moment.
+struct Use
+{
+    qint64 bytes = allocated();
+    int threads = ProcessResources::threads();
+    int descriptors = ProcessResources::descriptors();
+};
 
 /// The connections to \p port whose bytes go out as soon as they are written.
 inline int connectionsThatSendAtOnce(quint16 port)

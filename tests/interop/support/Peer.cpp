@@ -1,10 +1,11 @@
 #include "interop/support/Peer.h"
 
+#include "interop/support/Child.h"
+
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QNetworkProxy>
-#include <QProcess>
 #include <QStandardPaths>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -13,7 +14,6 @@
 
 #include <csignal>
 #include <cstdio>
-#include <sys/prctl.h>
 
 namespace {
 
@@ -22,13 +22,6 @@ constexpr int endLimit = 5000;
 constexpr int lineLimit = 30000;
 constexpr int attempts = 5;
 constexpr int shownOnFailure = 6000; // bytes
-
-// A child that the kernel ends should the test program be gone without having done so.
-class Child : public QProcess
-{
-protected:
-    void setupChildProcess() override { ::prctl(PR_SET_PDEATHSIG, SIGKILL); }
-};
 
 quint16 freePort()
 {

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "interop/support/Child.h"
+
+#include <QUrl>
+
+/// Simulated learners who join the session with this code at \p classroom and answer everything until it
+/// ends.
+class Learners
+{
+public:
+    Learners(const QUrl& classroom, const QString& code, int count, const QStringList& options = {})
+    {
+        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_process.start(QStringLiteral("node"),
+                        QStringList{QStringLiteral(INTEROP_SOURCE_DIR "/../../classroom/learners.js"),
+                                    QStringLiteral("--url"), classroom.toString(),
+                                    QStringLiteral("--session"), code, QStringLiteral("--count"),
+                                    QString::number(count), QStringLiteral("--quiet")} +
+                            options);
+    }
+    ~Learners()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+
+private:
+    Child m_process;
+};

@@ -1,0 +1,302 @@
+#include "interop/support/Host.h"
+#include "interop/support/Learners.h"
+#include "interop/support/Main.h"
+#include "interop/support/Peers.h"
+#include "support/ProcessResources.h"
+#include "support/Relay.h"
+#include "support/Rows.h"
+#include "support/WaitFor.h"
+
+#include <CalyxClient/Lesson>
+
+#include <QElapsedTimer>
+#include <QRandomGenerator>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+using namespace Calyx;
+
+namespace {
+
+constexpr int second = 1000;              // ms
+constexpr int patience = 300 * second;    // of a bad network, of a machine that is busy
+constexpr qint64 allowedGrowth = 1 << 20; // bytes
+
+/// How much is done, where the environment does not say.
+int amount(const char* name, int usual)
+{
+    return qEnvironmentVariableIsSet(name) ? qEnvironmentVariableIntValue(name) : usual;
+}
+
+/// A lesson on one transport, and its learners; between either and the classroom stands a relay.
+struct Class
+{
+    Class(const Peer& classroom, const QString& transport)
+        : name(transport), hostLine(classroom.port()), learnerLine(classroom.port()), lesson(hostLine.url())
+    {
+        lesson.setTransports({transport});
+        lesson.logIn(QStringLiteral("teacher"), QStringLiteral("chalk"));
+        lesson.start();
+    }
+
+    // The relays run on this thread: not while the lesson's destructor waits.
+    ~Class()
+    {
+        lesson.logOut();
+        if (!waitFor([&] { return lesson.state() == Lesson::LoggedOut; }))
+            qWarning("The lesson does not end.");
+    }
+
+    bool isLive() const { return lesson.state() == Lesson::Live; }
+    bool isLost() const { return lesson.state() == Lesson::Reconnecting; }
+
+    bool join(int count)
+    {
+        if (!waitFor([&] { return isLive(); }))
+            return false;
+        learners = std::make_unique<Learners>(learnerLine.url(), lesson.joinCode(), count,
+                                              QStringList{QStringLiteral("--reconnect")});
+        return waitFor([&] { return lesson.roster()->presentCount() == count; }, patience);
+    }
+
+    /// Every learner's answer is there, once.
+    QString fault(const Poll* poll) const
+    {
+        QStringList devices;
+        for (const PollAnswer& answer : poll->answers())
+            devices.append(answer.deviceId);
+        devices.removeDuplicates();
+        int counted = 0;
+        for (const PollResults::Row& row : poll->results()->rows())
+            counted += row.count;
+        const int all = lesson.roster()->rowCount();
+        if (devices.size() == all && poll->answered() == all && counted == all)
+            return QString();
+        return QStringLiteral("poll %1: %2 devices, %3 answers, %4 counted, of %5")
+            .arg(poll->number())
+            .arg(devices.size())
+            .arg(poll->answered())
+            .arg(counted)
+            .arg(all);
+    }
+
+    QString name;
+    Relay hostLine;
+    Relay learnerLine;
+    Lesson lesson;
+    std::unique_ptr<Learners> learners;
+};
+
+qint64 median(std::vector<qint64> times)
+{
+    std::sort(times.begin(), times.end());
+    return times.at(times.size() / 2);
+}
+
+void report(const QString& what, const std::vector<qint64>& times)
+{
+    qInfo("%s: %d times, median %lld ms, worst %lld ms", qPrintable(what), int(times.size()),
+          static_cast<long long>(median(times)),
+          static_cast<long long>(*std::max_element(times.begin(), times.end())));
+}
+
+} // namespace
+
+/// Lessons whose connections are lost. The environment says how much is done: CALYX_CUTS, CALYX_OUTAGES,
+/// CALYX_POLLS, CALYX_LEARNERS, CALYX_MISHAPS (in each poll), CALYX_SEED.
+class TestComingBack : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { VERIFY_STARTED(m_classroom.start()); }
+
+    // All transports at the same time, since the far end is given some seconds.
+    void noticesAFrozenLine()
+    {
+        constexpr int limit = 15 * second;
+        std::vector<std::unique_ptr<Class>> classes;
+        for (const QString& transport : Transport::all) {
+            classes.push_back(std::make_unique<Class>(m_classroom, transport));
+            QVERIFY(classes.back()->join(2));
+        }
+        const auto polls = askAll(classes);
+        QVERIFY(waitFor([&] {
+            return std::all_of(polls.begin(), polls.end(), [](Poll* poll) { return poll->answered() == 2; });
+        }));
+        QElapsedTimer clock;
+        clock.start();
+        std::vector<qint64> times;
+        for (const auto& one : classes) {
+            one->hostLine.have(Relay::Freeze);
+            connect(&one->lesson, &Lesson::stateChanged, this, [&, at = one.get()] {
+                if (at->isLost()) {
+                    qInfo("%s: noticed after %lld ms", qPrintable(at->name),
+                          static_cast<long long>(clock.elapsed()));
+                    times.push_back(clock.elapsed());
+                }
+            });
+        }
+        QVERIFY(waitFor([&] { return times.size() == classes.size(); }, patience));
+        QVERIFY(*std::max_element(times.begin(), times.end()) <= limit);
+        for (const auto& one : classes)
+            one->hostLine.recover();
+        for (const auto& one : classes)
+            QVERIFY(waitFor([&] { return one->isLive(); }));
+    }
+
+    void isBackSoon_data()
+    {
+        columns<QString, int, int>();
+        for (const QString& transport : Transport::all) {
+            QTest::addRow("%s, short", qPrintable(transport)) << transport << 0 << 5 * second;
+            if (qEnvironmentVariableIsSet("CALYX_OUTAGES"))
+                QTest::addRow("%s, long", qPrintable(transport)) << transport << 5 * second << 40 * second;
+        }
+    }
+
+    // The network is away for a while.
+    void isBackSoon()
+    {
+        const auto [transport, shortest, longest] = row<QString, int, int>();
+        constexpr int limit = 18 * second;
+        const bool isCounted =
+            qEnvironmentVariableIsSet("CALYX_OUTAGES"); // else the machine is busy with others
+        const int outages = amount("CALYX_OUTAGES", 2);
+        QRandomGenerator script(seed());
+        Class lesson(m_classroom, transport);
+        QVERIFY(lesson.join(2));
+        std::vector<qint64> noticed;
+        std::vector<qint64> back;
+        for (int round = 0; round < outages; ++round) {
+            QElapsedTimer clock;
+            clock.start();
+            lesson.hostLine.have(Relay::Refuse);
+            QVERIFY(waitFor([&] { return lesson.isLost(); }));
+            noticed.push_back(clock.elapsed());
+            const int away = !isCounted ? 300 : script.bounded(shortest, longest);
+            QTimer::singleShot(away, &lesson.hostLine, [&] {
+                lesson.hostLine.recover();
+                clock.start();
+            });
+            QVERIFY(waitFor([&] { return lesson.isLive(); }, 2 * longest + patience));
+            back.push_back(clock.elapsed());
+        }
+        report(QStringLiteral("noticed"), noticed);
+        report(QStringLiteral("back"), back);
+        QVERIFY(*std::max_element(back.begin(), back.end()) <= limit);
+        QVERIFY(!isCounted || shortest > 0 || median(back) <= second);
+    }
+
+    void everyAnswerCounts_data() { addTransports(); }
+
+    // The lines of the host and of the learners have one mishap after the other, while they are asked.
+    void everyAnswerCounts()
+    {
+        const auto [transport] = row<QString>();
+        const int polls = amount("CALYX_POLLS", 3);
+        const int count = amount("CALYX_LEARNERS", 10);
+        const int mishaps = amount("CALYX_MISHAPS", 4);
+        QRandomGenerator script(seed());
+        Class lesson(m_classroom, transport);
+        QVERIFY(lesson.join(count));
+        for (int number = 1; number <= polls; ++number) {
+            Poll* const poll = lesson.lesson.ask(Question::usual(PollType::MULTIPLE));
+            for (int i = 0; i < mishaps; ++i) {
+                Relay& line = script.bounded(2) == 0 ? lesson.hostLine : lesson.learnerLine;
+                line.haveNext(&script);
+                QVERIFY(waitFor([&] { return line.isIdle(); }));
+            }
+            const bool isComplete =
+                waitFor([&] { return poll->answered() == count && lesson.isLive(); }, patience);
+            QVERIFY2(isComplete, qPrintable(lesson.fault(poll)));
+        }
+        for (const Poll* poll : lesson.lesson.polls())
+            QCOMPARE(lesson.fault(poll), QString());
+        QCOMPARE(lesson.lesson.roster()->rowCount(), count);
+        qInfo("%d answers, each once", polls * count);
+    }
+
+    void answersMayPause_data() { addTransports(); }
+
+    // For longer than the transports allow where nobody asks them to.
+    void answersMayPause()
+    {
+        const auto [transport] = row<QString>();
+        constexpr int pause = 3 * second;
+        Class lesson(m_classroom, transport);
+        QVERIFY(lesson.join(5));
+        int losses = 0;
+        connect(&lesson.lesson, &Lesson::stateChanged, this, [&] { losses += lesson.isLost() ? 1 : 0; });
+        lesson.hostLine.have(Relay::Stall);
+        Poll* const poll = lesson.lesson.ask(Question::usual(PollType::MULTIPLE));
+        QVERIFY(waitFor([&] { return lesson.hostLine.isFrozen(); }));
+        QTimer::singleShot(pause, &lesson.hostLine, [&] { lesson.hostLine.recover(); });
+        QVERIFY(waitFor([&] { return poll->answered() == 5; }));
+        QCOMPARE(losses, 0);
+    }
+
+    void nothingGrows_data() { addTransports(); }
+
+    // Cut after cut.
+    void nothingGrows()
+    {
+        const auto [transport] = row<QString>();
+        const int cuts = amount("CALYX_CUTS", 20);
+        Class lesson(m_classroom, transport);
+        QVERIFY(lesson.join(2));
+        ProcessResources::Use atFirst;
+        for (int round = 1; round <= cuts; ++round) {
+            lesson.hostLine.have(round % 2 == 0 ? Relay::Finish : Relay::Reset);
+            lesson.lesson.clearPolls();
+            const Poll* const poll = lesson.lesson.ask(Question::usual(PollType::MULTIPLE));
+            QVERIFY(waitFor([&] { return lesson.isLive() && poll->answered() == 2; }));
+            QCOMPARE(lesson.fault(poll), QString());
+            lesson.lesson.stop();
+            if (round == cuts / 2)
+                atFirst = ProcessResources::Use();
+        }
+        const auto isBack = [&] {
+            const ProcessResources::Use now;
+            return now.threads <= atFirst.threads && now.descriptors <= atFirst.descriptors + 1 &&
+                   now.bytes - atFirst.bytes < allowedGrowth;
+        };
+        const bool isFlat = QTest::qWaitFor(isBack, 10 * second);
+        const ProcessResources::Use atLast;
+        qInfo("%d cuts: in the second half %lld bytes, %d threads, %d descriptors more", cuts,
+              static_cast<long long>(atLast.bytes - atFirst.bytes), atLast.threads - atFirst.threads,
+              atLast.descriptors - atFirst.descriptors);
+        QVERIFY(isFlat);
+    }
+
+private:
+    static quint32 seed()
+    {
+        const auto seed = quint32(amount("CALYX_SEED", 1));
+        qInfo("CALYX_SEED=%u", seed);
+        return seed;
+    }
+
+    static void addTransports()
+    {
+        columns<QString>();
+        for (const QString& transport : Transport::all)
+            QTest::newRow(qPrintable(transport)) << transport;
+    }
+
+    static std::vector<Poll*> askAll(const std::vector<std::unique_ptr<Class>>& classes)
+    {
+        std::vector<Poll*> polls;
+        for (const auto& one : classes)
+            polls.push_back(one->lesson.ask(Question::usual(PollType::MULTIPLE)));
+        return polls;
+    }
+
+    Peer m_classroom{Peers::classroom()};
+};
+
+INTEROP_MAIN(TestComingBack)
+
+#include "tst_ComingBack.moc"
