@@ -89,7 +89,9 @@ private:
         using T = TestHostActions;
         static const QVector<Moment> all = {
             {"before opening", &T::beforeOpening, Never},
-            {"while opening", &T::whileOpening, Never, true},
+            {"while opening", &T::whileOpening<Server::Silent>, Never, true},
+            {"while being refused", &T::whileOpening<Server::Refuse403>, Never, true},
+            {"while being reset", &T::whileOpening<Server::ResetInstead>, Never, true},
             {"in connected within open", &T::inConnectedWithinOpen, Follows, true},
             {"before the open frame", &T::beforeTheOpenFrame, Follows},
             {"in connected", &T::inConnected, Follows},
@@ -110,9 +112,10 @@ private:
 
     void beforeOpening() { act(); }
 
+    template<Server::Upgrade upgrade>
     void whileOpening()
     {
-        m_server->setUpgrades({Server::Silent, Server::Open});
+        m_server->setUpgrades({upgrade, Server::Open});
         // Queued: from the event loop in which open() waits, not from inside the server.
         const auto guard = connect(m_server.get(), &Server::requested, this, &TestHostActions::actOnce,
                                    Qt::QueuedConnection);

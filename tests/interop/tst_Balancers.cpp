@@ -17,13 +17,6 @@ const QMap<QString, QString> variants = {
     {QStringLiteral("short time-outs"), QStringLiteral("timeout http-request 300ms")},
 };
 
-void addTransports(const QStringList& transports)
-{
-    QTest::addColumn<QString>("transport");
-    for (const QString& transport : transports)
-        QTest::newRow(qPrintable(transport)) << transport;
-}
-
 // The servers that have answered requests of \p session, with the number of answers.
 QMap<QString, int> serversOf(const Peer& balancer, const QString& session)
 {
@@ -120,7 +113,7 @@ private Q_SLOTS:
         QVERIFY(host.close());
     }
 
-    void timesOutWhileTheHostIsBusy_data() { addTransports(xhrTransports); }
+    void timesOutWhileTheHostIsBusy_data() { Transport::addRows(xhrTransports); }
 
     // Nobody sends the next request in time, and the balancer says so with a 408 that answers none.
     void timesOutWhileTheHostIsBusy()
@@ -149,7 +142,7 @@ private Q_SLOTS:
         QVERIFY(host.close());
     }
 
-    void closesIdleConnections_data() { addTransports(xhrTransports); }
+    void closesIdleConnections_data() { Transport::addRows(xhrTransports); }
 
     // Between two posts the balancer ends the connection that the first has left behind.
     void closesIdleConnections()

@@ -48,7 +48,7 @@ private Q_SLOTS:
         QCOMPARE(bus.count(QStringLiteral("upgrade ")), 0);
     }
 
-    void carriesTenThousandTexts_data() { addTransports(); }
+    void carriesTenThousandTexts_data() { Transport::addRows(); }
 
     void carriesTenThousandTexts()
     {
@@ -68,7 +68,7 @@ private Q_SLOTS:
         QCOMPARE(bus.count(QStringLiteral("open ")), 2);
     }
 
-    void carriesALesson_data() { addTransports(); }
+    void carriesALesson_data() { Transport::addRows(); }
 
     void carriesALesson()
     {
@@ -112,7 +112,7 @@ private Q_SLOTS:
         }
     }
 
-    void proxyGoesAndComesBack_data() { addTransports(); }
+    void proxyGoesAndComesBack_data() { Transport::addRows(); }
 
     void proxyGoesAndComesBack()
     {
@@ -136,7 +136,7 @@ private Q_SLOTS:
         QVERIFY(host.close());
     }
 
-    void passwordIsDemanded_data() { addTransports(); }
+    void passwordIsDemanded_data() { Transport::addRows(); }
 
     void passwordIsDemanded()
     {
@@ -184,7 +184,7 @@ private Q_SLOTS:
                  qPrintable(errors.first()));
     }
 
-    void passwordIsKnown_data() { addTransports(); }
+    void passwordIsKnown_data() { Transport::addRows(); }
 
     void passwordIsKnown()
     {
@@ -201,13 +201,6 @@ private Q_SLOTS:
     }
 
 private:
-    void addTransports()
-    {
-        QTest::addColumn<QString>("transport");
-        for (const QString& transport : Transport::all)
-            QTest::newRow(qPrintable(transport)) << transport;
-    }
-
     void startDoor(const Peer& server)
     {
         m_door->setProgram(Peers::haproxy(

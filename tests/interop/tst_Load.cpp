@@ -1,5 +1,3 @@
-#include "support/Rows.h"
-
 #include "interop/support/ClassroomSession.h"
 #include "interop/support/Host.h"
 #include "interop/support/Main.h"
@@ -65,16 +63,11 @@ class TestLoad : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyAnswerComesOnce_data()
-    {
-        columns<QString>();
-        for (const QString& transport : Transport::all)
-            QTest::newRow(qPrintable(transport)) << transport;
-    }
+    void everyAnswerComesOnce_data() { Transport::addRows(); }
 
     void everyAnswerComesOnce()
     {
-        const auto [transport] = row<QString>();
+        QFETCH(QString, transport);
         const int count = learners();
         Peer classroom(Peers::classroom({QStringLiteral("--quiet")}));
         VERIFY_STARTED(classroom.start());

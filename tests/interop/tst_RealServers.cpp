@@ -1,7 +1,6 @@
 #include "interop/support/Host.h"
 #include "interop/support/Main.h"
 #include "interop/support/Servers.h"
-#include "support/ProcessResources.h"
 
 /// One conformance suite, run over every transport against every server.
 class TestRealServers : public QObject
@@ -146,31 +145,6 @@ private Q_SLOTS:
         QCOMPARE(host.connected(), 1);
         QCOMPARE(host.closed(), 0);
         QVERIFY(host.close());
-    }
-
-    void givesThreadsAndDescriptorsBack_data() { Servers::addRows(Transport::all); }
-
-    void givesThreadsAndDescriptorsBack()
-    {
-        QFETCH(QString, transport);
-        Peer bus;
-        VERIFY_STARTED(Servers::start(&bus, {QStringLiteral("--count"), QStringLiteral("100")}));
-        ProcessResources::Snapshot early;
-        for (int round = 0; round < 8; ++round) {
-            {
-                Host host(bus.url());
-                QVERIFY(host.open(transport));
-                QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
-                // Every other one is deleted while it is open.
-                if (round % 2 == 0)
-                    QVERIFY(host.close());
-            }
-            QVERIFY(bus.waitFor(QStringLiteral("close "), round + 1));
-            // What Qt itself makes once and keeps is there after the first rounds.
-            if (round == 1)
-                early = ProcessResources::Snapshot();
-        }
-        QCOMPARE(early.waitForSurplusToGo(), QString());
     }
 };
 

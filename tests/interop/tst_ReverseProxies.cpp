@@ -1,5 +1,3 @@
-#include "support/Rows.h"
-
 #include "interop/support/Host.h"
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
@@ -86,16 +84,11 @@ private Q_SLOTS:
         }
     }
 
-    void setUpForStreaming_data()
-    {
-        columns<QString>();
-        for (const QString& transport : Transport::all)
-            QTest::newRow(qPrintable(transport)) << transport;
-    }
+    void setUpForStreaming_data() { Transport::addRows(); }
 
     void setUpForStreaming()
     {
-        const auto [transport] = row<QString>();
+        QFETCH(QString, transport);
         ProxiedBus server;
         VERIFY_STARTED(server.start(forStreaming));
         Host host(server.nginx.url());

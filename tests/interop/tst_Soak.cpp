@@ -2,8 +2,6 @@
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
 #include "support/ProcessResources.h"
-#include "support/Rows.h"
-
 #include <CalyxClient/CollaborationMessageHandler>
 #include <CalyxClient/Lzma>
 
@@ -43,16 +41,11 @@ class TestSoak : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void nothingGrows_data()
-    {
-        columns<QString>();
-        for (const QString& transport : Transport::all)
-            QTest::newRow(qPrintable(transport)) << transport;
-    }
+    void nothingGrows_data() { Transport::addRows(); }
 
     void nothingGrows()
     {
-        const auto [transport] = row<QString>();
+        QFETCH(QString, transport);
         Peer bus(Peers::nodeBus({QStringLiteral("--answer"), answerBlock()}));
         VERIFY_STARTED(bus.start());
         PresenterCollab collab(nullptr, bus.url().toString(), QStringLiteral("code"),

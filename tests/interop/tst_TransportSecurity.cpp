@@ -26,17 +26,12 @@ class TestTransportSecurity : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void trustedAuthorityCarriesTexts_data()
-    {
-        columns<QString>();
-        for (const QString& transport : Transport::all)
-            QTest::newRow(qPrintable(transport)) << transport;
-    }
+    void trustedAuthorityCarriesTexts_data() { Transport::addRows(); }
 
     void trustedAuthorityCarriesTexts()
     {
         constexpr int texts = 1000;
-        const auto [transport] = row<QString>();
+        QFETCH(QString, transport);
         const TestCertificates::TrustedRoot trusted;
         Peer bus(Peers::nodeBus({QStringLiteral("--count"), QString::number(texts)}));
         VERIFY_STARTED(bus.start());

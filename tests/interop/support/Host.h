@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
+#include <QTest>
 #include <QUrl>
 
 /// A host with one live channel, which counts what the channel tells.
@@ -68,5 +69,13 @@ const QString webSocket = QStringLiteral("websocket");
 const QString streaming = QStringLiteral("xhr-streaming");
 const QString polling = QStringLiteral("xhr-polling");
 const QStringList all = {webSocket, streaming, polling};
+
+/// The column "transport", and a row for each.
+inline void addRows(const QStringList& transports = all)
+{
+    QTest::addColumn<QString>("transport");
+    for (const QString& transport : transports)
+        QTest::newRow(qPrintable(transport)) << transport;
+}
 
 } // namespace Transport
