@@ -69,7 +69,7 @@ public:
     /// The same for any kind.
     static QString kindName(PollType::POLL_TYPE type);
     /// What answers name the options by, each once, in their order; empty for kinds whose answers are free.
-    QStringList optionIds() const;
+    Q_INVOKABLE QStringList optionIds() const;
     /// What is shown for each of optionIds(): the id, or "Yes", "True" (translated) where the scheme has
     /// words.
     QStringList optionLabels() const;

@@ -9,5 +9,7 @@ types=$(folder_of "$prefix" plugins.qmltypes)/plugins.qmltypes
 for type in Lesson Poll Assessment Roster PollResults Deck LessonError PollType OrdinalType; do
     grep -q "exports: \[\"Calyx/$type 1.0\"\]" "$types" || fail "$type is not described"
 done
+cmake -S "$here/../../examples/slate" -B "$work/slate" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >"$work/log" 2>&1 \
+    && cmake --build "$work/slate" >"$work/log" 2>&1 || { cat "$work/log"; fail "the slate does not build"; }
 rm "$(dirname "$types")/qmldir"
 cannot_configure "Component missing: qml" "$here/qml" -DCMAKE_PREFIX_PATH="$prefix"

@@ -1,0 +1,23 @@
+import QtQuick 2.15
+import QtQuick.Controls 2.15
+import Calyx 1.0
+
+// How to join: the address and the code, and both in a QR code.
+Row {
+    id: join
+    required property Lesson lesson
+    property real unit: 16
+    spacing: unit
+    Image {
+        readonly property string target: join.lesson.joinAddress + "?code=" + join.lesson.joinCode
+        width: 8 * join.unit; height: width
+        source: join.lesson.joinCode === "" ? "" : "image://qr/" + encodeURIComponent(target)
+        smooth: false
+        Accessible.name: qsTr("QR code of %1").arg(target)
+    }
+    Column {
+        anchors.verticalCenter: parent.verticalCenter
+        Label { text: join.lesson.joinAddress; font.pixelSize: join.unit }
+        Label { text: join.lesson.joinCode; font { pixelSize: 3 * join.unit; bold: true } }
+    }
+}
