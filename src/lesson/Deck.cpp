@@ -108,8 +108,10 @@ void Deck::clear()
     beginResetModel();
     d->cards.clear();
     d->current = 0;
+    const QPointer<Deck> self(this);
     endResetModel();
-    Q_EMIT changed();
+    if (self)
+        Q_EMIT changed();
 }
 
 int Deck::rowCount(const QModelIndex& parent) const

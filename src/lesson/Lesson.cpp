@@ -113,11 +113,6 @@ void Lesson::setTransports(const QStringList& transports)
     d->transports = transports;
 }
 
-void Lesson::setOpenLimit(int msecs)
-{
-    d->openLimit = msecs;
-}
-
 void Lesson::setReconnects(bool reconnects)
 {
     d->reconnects = reconnects;
@@ -248,7 +243,7 @@ void Lesson::clearPolls()
         }
         poll->deleteLater();
     }
-    Q_EMIT pollChanged();
+    d->tell([this] { d->roster->tellAnswers(); }, [this] { Q_EMIT pollChanged(); });
 }
 
 void Lesson::showResults(Poll* poll)
@@ -267,11 +262,12 @@ Assessment* Lesson::startAssessment(const AssessmentPlan& plan, const QStringLis
         d->fail(LessonError::make(LessonError::BadInput, QString(), fault.isEmpty() ? tr(noLesson) : fault));
         return nullptr;
     }
-    const QPointer<Lesson> self(this);
-    stopAssessment();
-    if (!self)
-        return nullptr;
-    auto* const added = new Assessment(plan, devices.isEmpty(), d->roster, this);
+    const QPointer<Assessment> before = d->assessment;
+    const QPointer<Assessment> added = new Assessment(plan, devices.isEmpty(), d->roster, this);
+    if (before && before->isRunning())
+        d->send([token = before->token()](PresenterCollab* collab) {
+            LessonMessages::sendAssessmentStop(collab, token);
+        });
     d->assessments.append(added);
     d->assessment = added;
     const QStringList all = devices.isEmpty() ? d->roster->present() : devices;
@@ -286,10 +282,9 @@ Assessment* Lesson::startAssessment(const AssessmentPlan& plan, const QStringLis
         start(QString());
     for (const QString& deviceId : devices)
         start(LessonMessages::addressOf(deviceId));
-    added->flush();
-    if (self)
-        Q_EMIT assessmentChanged();
-    return self ? added : nullptr;
+    d->tell([&] { before ? before->stop() : void(); }, [&] { added ? added->flush() : void(); },
+            [this] { Q_EMIT assessmentChanged(); });
+    return added;
 }
 
 Assessment* Lesson::startAssessment(const QVariantMap& plan)
@@ -301,11 +296,11 @@ void Lesson::admit(const QString& deviceId)
 {
     if (!d->assessment || !d->assessment->isRunning() || deviceId.isEmpty())
         return;
-    d->assessment->enter(deviceId);
     d->send([=, plan = d->assessment->plan(), token = d->assessment->token()](PresenterCollab* collab) {
         LessonMessages::sendAssessment(collab, LessonMessages::addressOf(deviceId), plan, token);
     });
-    d->assessment->flush();
+    d->tell([&] { d->assessment->enter(deviceId); },
+            [&] { d->assessment ? d->assessment->flush() : void(); });
 }
 
 void Lesson::stopAssessment()
@@ -354,14 +349,6 @@ void Lesson::showPicture(const QByteArray& png)
         d->refuse(QT_TRANSLATE_NOOP("Calyx::Lesson", "There is no picture."));
     else
         d->show(png, QString(), 0);
-}
-
-void Lesson::showPictureAt(const QString& url)
-{
-    if (url.isEmpty())
-        d->refuse(QT_TRANSLATE_NOOP("Calyx::Lesson", "There is no picture."));
-    else
-        d->show(QByteArray(), LessonText::asReference(url), 0);
 }
 
 bool Lesson::isLocked() const

@@ -26,6 +26,15 @@ struct LessonPrivate : public LessonListener
     bool setState(Lesson::State next);
     void tellBusy();
     bool fail(const LessonError& error);
+    /// Calls each of \p emits, which end in slots of the host's, while the lesson is there; whether it still
+    /// is.
+    template<typename... Emit>
+    bool tell(const Emit&... emits)
+    {
+        const QPointer<Lesson> self(q);
+        ((self ? emits() : void()), ...);
+        return self;
+    }
     bool refuse(const char* text);
     void beginLogIn(const Login& login);
     void beginStart();
@@ -37,7 +46,7 @@ struct LessonPrivate : public LessonListener
     void finishSession();
     /// Forgets what the session before has left.
     void clearSession();
-    bool isWanted() const { return wantsLive || state == Lesson::Starting || hasSession(); }
+    bool isWanted() const { return !isFinishing && (wantsLive || state == Lesson::Starting || hasSession()); }
     bool hasSession() const { return state == Lesson::Live || state == Lesson::Reconnecting; }
 
     // The class.
@@ -46,9 +55,11 @@ struct LessonPrivate : public LessonListener
     void bring(const QStringList& devices);
     void bringBack(const QStringList& newcomers);
     void send(const std::function<void(PresenterCollab*)>& work);
+    /// Calls \p then at once or later. The caller tells that the lesson is busy.
     void withPicture(const QByteArray& png,
                      const std::function<void(const QByteArray& png, const QString& url)>& then);
     Poll* addPoll(const Question& question);
+    void sendPoll(const Question& question, const QByteArray& png, const QString& url);
     void stopPoll(int seconds);
     void showResults(const Poll& poll);
     void setPaused(bool paused);
@@ -95,11 +106,11 @@ struct LessonPrivate : public LessonListener
     QString lessonId = QStringLiteral("lesson");
     QString lessonName = QStringLiteral("Lesson");
     QStringList transports;
-    int openLimit = 10000; // ms
     QDateTime startedAt;
     bool reconnects = true;
     bool wantsLive = false; // a session, as soon as the login is there
     bool isLoggingOut = false;
+    bool isFinishing = false; // slots that hear of it can ask for nothing more
     bool wasBusy = false;
     double progress = -1;
     int lastTicket = 0;
@@ -108,7 +119,7 @@ struct LessonPrivate : public LessonListener
     QTimer retry;
     QDateTime nextAttempt;
     QHash<int, Upload> uploads;          // by ticket
-    QHash<QByteArray, QString> uploaded; // addresses by hash
+    QHash<QByteArray, QString> uploaded; // addresses by picture
 
     Roster* roster;
     Deck* deck;

@@ -122,7 +122,8 @@ void LessonPrivate::welcome(const Learner& learner)
         return;
     if (assessment && assessment->isRunning() && assessment->isForAll())
         assessment->enter(learner.deviceId);
-    bring({learner.deviceId});
+    if (self)
+        bring({learner.deviceId});
 }
 
 // Whoever answers is here, whether his joining was heard or not: the roster and the counts agree.
@@ -152,23 +153,22 @@ void LessonPrivate::onAnswer(const QString& deviceId, const QString& id, int tim
     }
     for (Assessment* one : qAsConst(assessments)) {
         const int number = one->numberOf(id);
-        if (number > 0 && one->add(deviceId, number, answer, time))
+        if (number > 0) {
+            one->add(deviceId, number, answer, time);
             return;
+        }
     }
-    onMessage(QStringLiteral("questionResponse"), deviceId,
-              QVariantMap{{QStringLiteral("questionId"), id}, {QStringLiteral("answer"), answer}});
 }
 
 void LessonPrivate::onQuestionWanted(const QString& deviceId, int number)
 {
-    const bool isRunning = assessment && assessment->isRunning();
-    if (isRunning && assessment->isForAll())
-        assessment->enter(deviceId);
-    if (!isRunning || !assessment->takesPart(deviceId) || number < 0 ||
-        number > assessment->questionCount()) {
-        onMessage(QStringLiteral("questionGet"), deviceId, number);
+    if (!assessment || !assessment->isRunning())
         return;
-    }
+    const QPointer<Lesson> self(q);
+    if (assessment->isForAll())
+        assessment->enter(deviceId);
+    if (!self || !assessment->takesPart(deviceId) || number < 0 || number > assessment->questionCount())
+        return;
     number = qMax(number, 1); // a device that names none wants the first
     const PollAnswer before = assessment->answer(deviceId, number);
     const QString text = before.mark == PollAnswer::NoAnswer ? QString() : before.text;

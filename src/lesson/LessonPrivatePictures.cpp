@@ -2,8 +2,6 @@
 
 #include "collab/PresenterCollab.h"
 
-#include <QCryptographicHash>
-
 namespace Calyx {
 
 namespace {
@@ -18,19 +16,17 @@ constexpr int largestPicture = 16 * 1024 * 1024;
 void LessonPrivate::withPicture(const QByteArray& png,
                                 const std::function<void(const QByteArray& png, const QString& url)>& then)
 {
-    const QByteArray hash = QCryptographicHash::hash(png, QCryptographicHash::Sha1);
     if (png.size() <= largestInline) {
         then(png, QString());
         return;
     }
-    if (uploaded.contains(hash)) {
-        then(QByteArray(), uploaded.value(hash));
+    if (uploaded.contains(png)) {
+        then(QByteArray(), uploaded.value(png));
         return;
     }
     const int ticketOfUpload = ++lastTicket;
     uploads.insert(ticketOfUpload, {png, then});
     worker->tell([png, ticketOfUpload](LessonWorker* at) { at->upload(ticketOfUpload, png); });
-    tellBusy();
 }
 
 void LessonPrivate::onUploaded(int ticketOfUpload, const QString& url)
@@ -40,7 +36,7 @@ void LessonPrivate::onUploaded(int ticketOfUpload, const QString& url)
     const QPointer<Lesson> self(q);
     const Upload upload = uploads.take(ticketOfUpload);
     if (!url.isEmpty())
-        uploaded.insert(QCryptographicHash::hash(upload.png, QCryptographicHash::Sha1), url);
+        uploaded.insert(upload.png, url);
     upload.then(url.isEmpty() ? upload.png : QByteArray(), url);
     if (self)
         tellBusy();
@@ -56,6 +52,7 @@ void LessonPrivate::show(const QByteArray& png, const QString& url, int number)
         fail(LessonError::make(LessonError::TooLarge));
         return;
     }
+    const QPointer<Lesson> self(q);
     withPicture(
         png, [this, url, number, serial = ++cardSerial](const QByteArray& bytes, const QString& uploadedUrl) {
             if (serial != cardSerial) // something else has been shown since
@@ -67,6 +64,8 @@ void LessonPrivate::show(const QByteArray& png, const QString& url, int number)
             });
             Q_EMIT q->cardShown(number);
         });
+    if (self)
+        tellBusy();
 }
 
 } // namespace Calyx

@@ -37,42 +37,40 @@ QVariantMap outcomeOf(const Poll& poll, PollAnswer::Mark mark)
 
 } // namespace
 
+// A slot that hears of it can ask for the next: all is done before the first is called.
 Poll* LessonPrivate::addPoll(const Question& question)
 {
-    const QPointer<Lesson> self(q);
-    stopTimer.stop();
-    if (poll)
-        poll->stop();
-    if (!self)
-        return nullptr;
-    auto* const added = new Poll(polls.size() + 1, question, roster, q);
+    const QPointer<Poll> before = poll;
+    const QPointer<Poll> added = new Poll(polls.size() + 1, question, roster, q);
     polls.append(added);
     pollsById.insert(added->id(), added);
     poll = added;
     roster->setPoll(added);
+    stopTimer.stop();
     cardPng.clear(); // the question takes the place of the card and of the text
     cardUrl.clear();
     isPollReady = false;
     ++cardSerial;
     const bool wasLocked = std::exchange(isLocked, false);
-    withPicture(question.picture,
-                [this, question, id = added->id()](const QByteArray& png, const QString& url) {
-                    if (!poll || poll->id() != id || !poll->isRunning())
-                        return;
-                    sentQuestion = question;
-                    sentQuestion.picture = png;
-                    if (!url.isEmpty())
-                        sentQuestion.pictureUrl = url;
-                    isPollReady = true;
-                    send([wanted = wanted()](PresenterCollab* collab) {
-                        LessonMessages::sendPoll(collab, QString(), wanted);
-                    });
-                });
-    if (wasLocked)
-        Q_EMIT q->lockedChanged();
-    if (self)
-        Q_EMIT q->pollChanged();
-    return self ? added : nullptr;
+    withPicture(question.picture, [this, question, added](const QByteArray& png, const QString& url) {
+        if (added && added == poll && added->isRunning())
+            sendPoll(question, png, url);
+    });
+    tell([&] { before ? before->stop() : void(); }, [this] { roster->tellAnswers(); }, [this] { tellBusy(); },
+         [&] { wasLocked ? q->lockedChanged() : void(); }, [this] { Q_EMIT q->pollChanged(); });
+    return added;
+}
+
+void LessonPrivate::sendPoll(const Question& question, const QByteArray& png, const QString& url)
+{
+    sentQuestion = question;
+    sentQuestion.picture = png;
+    if (!url.isEmpty())
+        sentQuestion.pictureUrl = url;
+    isPollReady = true;
+    send([wanted = wanted()](PresenterCollab* collab) {
+        LessonMessages::sendPoll(collab, QString(), wanted);
+    });
 }
 
 void LessonPrivate::stopPoll(int seconds)

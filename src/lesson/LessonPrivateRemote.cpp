@@ -54,11 +54,6 @@ void LessonPrivate::onRemote(const QString& type, const QVariant& data)
         Q_EMIT q->remoteCommand(*command, obeyed, data);
 }
 
-QString Lesson::nameOf(RemoteCommand command)
-{
-    return remoteCommands().key(command);
-}
-
 // Its answer to what changes nothing is where the lesson stands.
 bool LessonPrivate::obey(Lesson::RemoteCommand command, const QVariant& data)
 {
@@ -103,13 +98,15 @@ bool LessonPrivate::obey(Lesson::RemoteCommand command, const QVariant& data)
 bool LessonPrivate::addRemoteCard(const QVariant& data)
 {
     const QVariantMap map = data.toMap();
+    const QPointer<Lesson> self(q);
     const QString name = map.value(QStringLiteral("name")).toString();
     if (!deck->add(name.trimmed().isEmpty() ? Lesson::tr("Picture") : name,
                    map.value(QStringLiteral("url"), data).toString())) {
         tellRemote();
         return false;
     }
-    deck->setCurrent(deck->rowCount());
+    if (self)
+        deck->setCurrent(deck->rowCount());
     return true;
 }
 

@@ -85,10 +85,8 @@ void LessonPrivate::beginStart()
     attempts = 0;
     startedAt = QDateTime::currentDateTime();
     ticket = ++lastTicket;
-    worker->tell([ticket = ticket, transports = transports, limit = openLimit](LessonWorker* at) {
-        at->setTransports(transports, limit);
-        at->open(ticket);
-    });
+    worker->tell(
+        [ticket = ticket, transports = transports](LessonWorker* at) { at->open(ticket, transports); });
     setState(Lesson::Starting);
 }
 
@@ -103,10 +101,10 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
     QSet<QString> listed = opening.heard;
     for (const Learner& learner : opening.learners) {
         listed.insert(learner.deviceId);
-        if (!roster->join(learner))
-            continue;
-        newcomers.append(learner.deviceId);
-        Q_EMIT roster->joined(learner.deviceId);
+        if (roster->join(learner)) {
+            newcomers.append(learner.deviceId);
+            Q_EMIT roster->joined(learner.deviceId);
+        }
         if (!self)
             return;
     }
@@ -176,10 +174,7 @@ void LessonPrivate::attempt()
     retry.stop();
     nextAttempt = QDateTime();
     ticket = ++lastTicket;
-    worker->tell([ticket = ticket, transports = transports, limit = openLimit](LessonWorker* at) {
-        at->setTransports(transports, limit);
-        at->reopen(ticket);
-    });
+    worker->tell([ticket = ticket](LessonWorker* at) { at->reopen(ticket); });
     Q_EMIT q->nextAttemptChanged();
 }
 
@@ -228,10 +223,10 @@ void LessonPrivate::giveUp()
     });
     uploads.clear();
     wantsLive = false;
+    const QPointer<Lesson> self(q);
     if (state == Lesson::Live) {
         tellBusy();
     } else {
-        const QPointer<Lesson> self(q);
         finishSession();
         if (!self)
             return;
@@ -240,7 +235,8 @@ void LessonPrivate::giveUp()
         if (!setState(hadLogin ? Lesson::LoggedIn : Lesson::LoggedOut))
             return;
     }
-    fail(LessonError::make(LessonError::Cancelled));
+    if (self)
+        fail(LessonError::make(LessonError::Cancelled));
 }
 
 void LessonPrivate::finishSession()
@@ -252,54 +248,39 @@ void LessonPrivate::finishSession()
     cardPng.clear();
     cardUrl.clear();
     ++cardSerial;
-    if (poll)
-        poll->stop();
-    if (self && assessment)
-        assessment->stop();
-    if (!self)
-        return;
+    isFinishing = true;
     const QStringList present = roster->present();
+    tell([this] { poll ? poll->stop() : void(); }, [this] { assessment ? assessment->stop() : void(); });
     for (const QString& deviceId : present) {
         if (self)
             onLeave(deviceId);
     }
-    if (self && std::exchange(isLocked, false))
-        Q_EMIT q->lockedChanged();
-    if (self)
-        roster->flush();
-    if (self)
-        onRemoteGone();
+    if (!self)
+        return;
+    const bool wasLocked = std::exchange(isLocked, false);
+    if (tell([this, wasLocked] { wasLocked ? q->lockedChanged() : void(); }, [this] { roster->flush(); },
+             [this] { onRemoteGone(); }))
+        isFinishing = false;
 }
 
 void LessonPrivate::clearSession()
 {
-    const QPointer<Lesson> self(q);
-    const QList<QObject*> gone = [this] {
-        QList<QObject*> all;
-        for (Poll* one : qAsConst(polls))
-            all.append(one);
-        for (Assessment* one : qAsConst(assessments))
-            all.append(one);
-        return all;
-    }();
-    polls.clear();
+    QList<QObject*> gone;
+    for (Poll* one : std::exchange(polls, {}))
+        gone.append(one);
+    for (Assessment* one : std::exchange(assessments, {}))
+        gone.append(one);
     pollsById.clear();
-    assessments.clear();
     answeredPolls.clear();
     poll = nullptr;
     assessment = nullptr;
     uploaded.clear();
-    for (QObject* object : gone)
-        object->deleteLater(); // views may be in the middle of them
     roster->setPoll(nullptr);
-    roster->clear();
-    if (self)
-        roster->flush();
-    if (!self || gone.isEmpty())
-        return;
-    Q_EMIT q->pollChanged();
-    if (self)
-        Q_EMIT q->assessmentChanged();
+    for (QObject* object : qAsConst(gone))
+        object->deleteLater(); // views may be in the middle of them
+    tell([this] { roster->clear(); }, [this] { roster->flush(); },
+         [&] { gone.isEmpty() ? void() : q->pollChanged(); },
+         [&] { gone.isEmpty() ? void() : q->assessmentChanged(); });
 }
 
 void LessonPrivate::onProgress(int ticketOfOperation, double next)

@@ -119,14 +119,13 @@ void Roster::clear()
     d->members.clear();
     d->rows.clear();
     d->present = d->mostPresent = 0;
-    endResetModel();
     d->isChanged = true;
+    endResetModel();
 }
 
 void Roster::setPoll(const Poll* poll)
 {
     d->poll = poll;
-    tellAnswers();
 }
 
 void Roster::tellAnswers()

@@ -79,6 +79,7 @@ private:
     bool see(const QString& deviceId);
     bool leave(const QString& deviceId);
     void clear();
+    /// tellAnswers() is still to be called.
     void setPoll(const Poll* poll);
     void tellAnswers();
     void flush();

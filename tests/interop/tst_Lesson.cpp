@@ -8,9 +8,12 @@
 #include <CalyxClient/SockJSConnector>
 
 #include <QElapsedTimer>
+#include <QMetaMethod>
 #include <QSignalSpy>
 
+#include <functional>
 #include <memory>
+#include <vector>
 
 using namespace Calyx;
 
@@ -185,7 +188,106 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return isGone; }));
     }
 
+    void diesInEverySlot_data()
+    {
+        QTest::addColumn<QByteArray>("owner");
+        QTest::addColumn<QByteArray>("signal");
+        const auto add = [](const QMetaObject& of, int first) {
+            for (int i = first; i < of.methodCount(); ++i) {
+                const QByteArray signature = of.method(i).methodSignature();
+                const bool isPlayed =
+                    !signature.startsWith("re") && !signature.startsWith("message"); // see the unit test
+                if (of.method(i).methodType() == QMetaMethod::Signal && isPlayed)
+                    QTest::addRow("%s::%s", of.className(), signature.constData())
+                        << QByteArray(of.className()) << signature;
+            }
+        };
+        for (const QMetaObject* of :
+             {&Lesson::staticMetaObject, &Roster::staticMetaObject, &Deck::staticMetaObject,
+              &Poll::staticMetaObject, &PollResults::staticMetaObject, &Assessment::staticMetaObject})
+            add(*of, of->methodOffset());
+        for (const char* of : {"Calyx::Roster", "Calyx::PollResults", "Calyx::Assessment"})
+            QTest::addRow("%s::dataChanged", of)
+                << QByteArray(of) << QByteArray("dataChanged(QModelIndex,QModelIndex,QVector<int>)");
+        for (const char* of : {"Calyx::Roster", "Calyx::Deck"})
+            QTest::addRow("%s::modelReset", of) << QByteArray(of) << QByteArray("modelReset()");
+        for (const char* of : {"Calyx::Roster", "Calyx::Deck", "Calyx::Assessment"})
+            QTest::addRow("%s::rowsInserted", of)
+                << QByteArray(of) << QByteArray("rowsInserted(QModelIndex,int,int)");
+    }
+
+    // A whole lesson, step by step, until a slot deletes it.
+    void diesInEverySlot()
+    {
+        m_lesson = std::make_unique<Lesson>();
+        listen(m_lesson.get());
+        listen(m_lesson->roster());
+        listen(m_lesson->deck());
+        std::unique_ptr<Learners> learners;
+        struct Step
+        {
+            std::function<void()> take;
+            std::function<bool()> isTaken;
+        };
+        const std::vector<Step> steps = {
+            {[&] { m_lesson->setServer(m_classroom->url()); }, {}},
+            {[&] { goLive(); }, [&] { return m_lesson->state() == Lesson::Live; }},
+            {[&] { learners = std::make_unique<Learners>(m_classroom->url(), m_lesson->joinCode(), 2); },
+             [&] { return m_lesson->roster()->presentCount() == 2; }},
+            {[&] {
+                 Poll* const poll = m_lesson->ask(marked());
+                 listen(poll);
+                 listen(poll ? poll->results() : nullptr);
+             },
+             [&] { return m_lesson->poll()->answered() == 2; }},
+            {[&] { m_lesson->pause(); }, {}},
+            {[&] { m_lesson->stop(); }, {}},
+            {[&] { m_lesson->setLocked(true); }, {}},
+            {[&] { m_lesson->deck()->add("card", QByteArray("png")); }, {}},
+            {[&] { m_lesson->showCard(); }, {}},
+            {[&] {
+                 AssessmentPlan plan;
+                 plan.questions = {marked()};
+                 listen(m_lesson->startAssessment(plan));
+             },
+             [&] { return m_lesson->assessment()->finished() == 2; }},
+            {[&] {
+                 learners = std::make_unique<Learners>(m_classroom->url(), m_lesson->joinCode(),
+                                                       1); // rows in the sheet
+             },
+             [&] { return m_lesson->assessment()->rowCount() == 3; }},
+            {[&] { m_lesson->pause(); }, {}},
+            {[&] { m_lesson->save("/nowhere/at all"); }, {}},
+            {[&] { m_lesson->onChannel([](PresenterCollab* collab) { collab->connector()->close(); }); },
+             [&] { return m_lesson->nextAttempt().isValid(); }},
+            {[&] { m_lesson->deck()->clear(); }, {}},
+            {[&] { m_lesson->end(); }, [&] { return m_lesson->state() == Lesson::LoggedIn; }},
+            {[&] { m_lesson->start(); }, {}},
+        };
+        for (const Step& step : steps) {
+            if (m_lesson)
+                step.take();
+            QVERIFY(waitFor([&] { return !m_lesson || !step.isTaken || step.isTaken(); }));
+        }
+        QVERIFY(!m_lesson);
+    }
+
+public Q_SLOTS:
+    void die() { m_lesson.reset(); }
+
 private:
+    // Connects the row's signal, if it is one of \p sender's.
+    void listen(const QObject* sender)
+    {
+        QFETCH(QByteArray, owner);
+        QFETCH(QByteArray, signal);
+        if (!sender || owner != sender->metaObject()->className())
+            return;
+        const QMetaMethod method =
+            sender->metaObject()->method(sender->metaObject()->indexOfSignal(signal.constData()));
+        QVERIFY(connect(sender, method, this, metaObject()->method(metaObject()->indexOfSlot("die()"))));
+    }
+
     void goLive()
     {
         m_lesson->logIn(QStringLiteral("teacher"), QStringLiteral("chalk"));

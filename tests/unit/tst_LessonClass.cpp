@@ -7,7 +7,6 @@
 
 #include <QElapsedTimer>
 #include <QMetaMethod>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Calyx;
@@ -388,6 +387,62 @@ private Q_SLOTS:
         QVERIFY(class_.end());
     }
 
+    void diesInEverySlot_data()
+    {
+        rows<QByteArray, QByteArray>({
+            // The other signals are played in a whole lesson, at the local classroom.
+            {"remote control comes", "remotePresentChanged()", "R"},
+            {"it commands", "remoteCommand(Calyx::Lesson::RemoteCommand,bool,QVariant)", "R"},
+            {"a message that nobody knows", "messageReceived(QString,QString,QVariant)", "D1"},
+        });
+    }
+
+    void diesInEverySlot()
+    {
+        const auto [signal, from] = row<QByteArray, QByteArray>();
+        Class class_;
+        m_class = &class_;
+        QVERIFY(class_.start());
+        const QMetaObject& of = Lesson::staticMetaObject;
+        QVERIFY(connect(class_.lesson.get(), of.method(of.indexOfSignal(signal.constData())), this,
+                        metaObject()->method(metaObject()->indexOfSlot("die()"))));
+        if (from == "R")
+            class_.service.expect("/tavisto/session/getusers",
+                                  Answer::json(R"({"success":true,"data":{"users":[
+                                      {"userToken":"R","userName":"Remote","mode":"controller"}]}})"));
+        class_.hear(from, from == "R" ? "nextCard" : "hello", {});
+        QVERIFY(waitFor([&] { return !class_.lesson; }));
+        class_.service.expectNoMore();
+    }
+
+    // Each poll that ends asks for the next, in the middle of the host's own ask().
+    void asksInSlots()
+    {
+        Class class_;
+        QVERIFY(class_.start());
+        class_.published();
+        Lesson& lesson = *class_.lesson;
+        const auto asksNext = [&] {
+            if (lesson.polls().size() < 4)
+                lesson.ask(marked());
+        };
+        connect(lesson.ask(marked()), &Poll::stateChanged, this, asksNext);
+        Poll* const second = lesson.ask(marked());
+        QCOMPARE(lesson.polls().size(), 3);
+        QVERIFY(!second->isRunning());
+        QCOMPARE(lesson.poll(), lesson.polls().last());
+        QVERIFY(lesson.poll()->isRunning());
+        connect(lesson.poll(), &Poll::stateChanged, this, asksNext);
+        lesson.end(); // there, nothing more can be asked
+        QCOMPARE(lesson.polls().size(), 3);
+        QVERIFY(!lesson.poll()->isRunning());
+        class_.service.expect("/tavisto/session/stop", Answer::json(FINE));
+        QVERIFY(waitFor([&] { return lesson.state() == Lesson::LoggedIn; }));
+        class_.service.expect(Logins::LOGOUT, Answer::json(FINE));
+        lesson.logOut();
+        QVERIFY(waitFor([&] { return lesson.state() == Lesson::LoggedOut; }));
+    }
+
     void uploadsAreCancelled()
     {
         Class class_;
@@ -409,6 +464,12 @@ private Q_SLOTS:
         QVERIFY(class_.end());
         QVERIFY(!isShown);
     }
+
+public Q_SLOTS:
+    void die() { m_class->lesson.reset(); }
+
+private:
+    Class* m_class = nullptr;
 };
 
 QTEST_GUILESS_MAIN(tst_LessonClass)

@@ -3,24 +3,19 @@
 #include <QObject>
 #include <QTimer>
 
-class Notebook;
+class Lesson;
 class Runner;
 class Screen;
 class Waiter;
 
-namespace Calyx {
-class Lesson;
-} // namespace Calyx
-
-/// Keeps the screen's live block: the chart of the poll that runs, that the connection is lost, and what is
-/// being done while there is no prompt.
+/// Keeps the screen's live block: the chart of the poll that runs, and what is being done while there is no
+/// prompt.
 class LiveView : public QObject
 {
     Q_OBJECT
 
 public:
-    LiveView(Calyx::Lesson& lesson, const Notebook& notes, Screen& screen, const Runner& runner,
-             const Waiter& waiter);
+    LiveView(Lesson& lesson, Screen& screen, const Runner& runner, const Waiter& waiter);
 
     /// Whether to tell what is being done.
     void showWork(bool shows);
@@ -28,11 +23,9 @@ public:
 private:
     void draw();
     QStringList chart() const;
-    QString loss() const;
     QString work() const;
 
-    Calyx::Lesson& m_lesson;
-    const Notebook& m_notes;
+    Lesson& m_lesson;
     Screen& m_screen;
     const Runner& m_runner;
     const Waiter& m_waiter;

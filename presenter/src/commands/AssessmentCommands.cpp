@@ -2,8 +2,7 @@
 #include "commands/CommandContext.h"
 #include "commands/CommandTable.h"
 #include "commands/Ending.h"
-#include "lesson/Notebook.h"
-#include "lesson/PollKinds.h"
+#include "lesson/Lesson.h"
 #include "terminal/Screen.h"
 #include "text/Text.h"
 
@@ -17,7 +16,7 @@ Outcome takeAddressee(CommandContext& context, Arguments& arguments, QString& de
     QString name;
     if (!ArgumentReader::takeSetting(arguments, QStringLiteral("to"), name))
         return Outcome::done();
-    return ArgumentReader::findLearner(*context.lesson.roster(), name, deviceId);
+    return ArgumentReader::findLearner(context.lesson.roster(), name, deviceId);
 }
 
 Outcome misunderstood(const Arguments& rest)
@@ -26,13 +25,47 @@ Outcome misunderstood(const Arguments& rest)
         QStringLiteral("\"%1\" is not understood. See \"help assessment\".").arg(rest.first()));
 }
 
-Outcome readQuestion(Arguments arguments, Question& question)
+// "choices=A|B|C": as many options.
+Outcome takeChoices(Arguments& arguments, AssessmentItem& item)
 {
-    if (const Outcome read = ArgumentReader::takeQuestion(arguments, question); !read.isDone())
+    QString text;
+    if (!ArgumentReader::takeSetting(arguments, QStringLiteral("choices"), text))
+        return Outcome::done();
+    if (PollKinds::options(PollKinds::usual(item.plan.type)).isEmpty())
+        return Outcome::failed(
+            QStringLiteral("A question of type %1 has no choices.").arg(PollKinds::typeName(item.plan.type)));
+    item.choices = text.split(QLatin1Char('|'));
+    item.plan.options = item.choices.size();
+    item.plan.extra = qMin(item.plan.extra, item.plan.options);
+    return Outcome::of(PollKinds::fault(item.plan));
+}
+
+// "answer=ANSWER". A multiple choice tells the learners how many options they are to choose.
+Outcome takeAnswer(Arguments& arguments, AssessmentItem& item)
+{
+    QString text;
+    if (!ArgumentReader::takeSetting(arguments, QStringLiteral("answer"), text))
+        return Outcome::done();
+    item.key = AnswerKey(item.plan, text);
+    if (!item.key.fault().isEmpty())
+        return Outcome::failed(item.key.fault());
+    if (item.plan.type == PollType::MULTIPLE)
+        item.plan.extra = item.key.optionCount();
+    return Outcome::done();
+}
+
+Outcome readItem(Arguments arguments, AssessmentItem& item)
+{
+    ArgumentReader::takeSetting(arguments, QStringLiteral("text"), item.text);
+    if (const Outcome read = ArgumentReader::takePoll(arguments, item.plan); !read.isDone())
         return read;
     // As polls these two can have options; as questions they have none.
-    if (question.type == PollType::WORD_SEED || question.type == PollType::CREATIVE)
-        question.optionCount = 0;
+    if (item.plan.type == PollType::WORD_SEED || item.plan.type == PollType::CREATIVE)
+        item.plan.options = 0;
+    if (const Outcome read = takeChoices(arguments, item); !read.isDone())
+        return read;
+    if (const Outcome read = takeAnswer(arguments, item); !read.isDone())
+        return read;
     return arguments.isEmpty() ? Outcome::done() : misunderstood(arguments);
 }
 
@@ -47,7 +80,7 @@ Outcome readPlan(Arguments arguments, AssessmentPlan& plan)
         const char* name;
         bool& flag;
     } flags[] = {{"skip", plan.maySkip},
-                 {"navigate", plan.mayGoBack},
+                 {"navigate", plan.mayNavigate},
                  {"resubmit", plan.mayResubmit},
                  {"summary", plan.showsSummary}};
     for (const auto& [name, flag] : flags) {
@@ -60,15 +93,16 @@ Outcome readPlan(Arguments arguments, AssessmentPlan& plan)
 
 Outcome admit(CommandContext& context, const Arguments& arguments, const QString& deviceId)
 {
-    if (context.lesson.assessment()->isForAll() || deviceId.isEmpty())
+    AssessmentDesk& desk = context.lesson.desk();
+    if (desk.isForAll() || deviceId.isEmpty())
         return Outcome::failed(
             QStringLiteral("An assessment is under way. Use \"assessment stop\" before the next."));
     if (!arguments.isEmpty())
         return Outcome::failed(QStringLiteral(
             "An assessment is under way: its settings stay. Use \"assessment start to=LEARNER\" alone."));
-    context.lesson.admit(deviceId);
+    desk.admit(deviceId);
     context.screen.note(
-        QStringLiteral("%1 begins the assessment, too.").arg(context.lesson.roster()->name(deviceId)));
+        QStringLiteral("%1 begins the assessment, too.").arg(context.lesson.roster().name(deviceId)));
     return Outcome::done();
 }
 
@@ -82,20 +116,16 @@ Outcome showText(CommandContext& context, Arguments arguments, bool isReview)
             ArgumentReader::takeFlag(arguments, QStringLiteral("dismissible"), isDismissible);
         !read.isDone())
         return read;
-    const QString text = arguments.join(QLatin1Char(' '));
-    if (isReview)
-        context.lesson.showReview(text, deviceId);
-    else
-        context.lesson.showText(text, deviceId, isDismissible);
+    context.lesson.showText(deviceId, arguments.join(QLatin1Char(' ')), isDismissible, isReview);
     context.screen.note(
         QStringLiteral("The text is shown to %1.")
-            .arg(deviceId.isEmpty() ? QStringLiteral("the class") : context.lesson.roster()->name(deviceId)));
+            .arg(deviceId.isEmpty() ? QStringLiteral("the class") : context.lesson.roster().name(deviceId)));
     return Outcome::done();
 }
 
 Outcome setPaused(CommandContext& context, bool paused)
 {
-    paused ? context.lesson.pause() : context.lesson.resume();
+    context.lesson.desk().setPaused(paused);
     context.screen.note(QLatin1String(paused ? "The assessment is paused; \"assessment resume\" goes on."
                                              : "The assessment goes on."));
     return Outcome::done();
@@ -103,8 +133,8 @@ Outcome setPaused(CommandContext& context, bool paused)
 
 Outcome checkQuestion(const QString&, const Arguments& arguments)
 {
-    Question question;
-    return readQuestion(arguments, question);
+    AssessmentItem item;
+    return readItem(arguments, item);
 }
 
 Outcome checkStart(const QString&, const Arguments& given)
@@ -118,44 +148,39 @@ Outcome checkStart(const QString&, const Arguments& given)
 
 Outcome assessmentQuestion(CommandContext& context, const Arguments& arguments)
 {
-    if (context.facts() & Fact::Assessment)
+    if (context.lesson.desk().isRunning())
         return Outcome::failed(
             QStringLiteral("An assessment is under way: its questions stay. Use \"assessment stop\" first."));
-    Question question;
-    if (const Outcome read = readQuestion(arguments, question); !read.isDone())
+    AssessmentItem item;
+    if (const Outcome read = readItem(arguments, item); !read.isDone())
         return read;
-    context.notes.write(question);
+    context.lesson.desk().write(item);
     context.screen.note(
         QStringLiteral("Question %1 is written: %2.")
-            .arg(QString::number(context.notes.written().size()), PollKinds::description(question)));
+            .arg(QString::number(context.lesson.desk().written().size()), PollKinds::description(item.plan)));
     return Outcome::done();
 }
 
 Outcome assessmentStart(CommandContext& context, const Arguments& given)
 {
     Arguments arguments = given;
+    AssessmentDesk& desk = context.lesson.desk();
     QString deviceId;
     if (const Outcome found = takeAddressee(context, arguments, deviceId); !found.isDone())
         return found;
-    if (context.facts() & Fact::Assessment)
+    if (desk.isRunning())
         return admit(context, arguments, deviceId);
     AssessmentPlan plan;
     if (const Outcome read = readPlan(arguments, plan); !read.isDone())
         return read;
-    plan.questions = context.notes.written();
+    plan.items = desk.written();
 
     Ending::stopPoll(context);
-    const QStringList devices = deviceId.isEmpty() ? QStringList() : QStringList(deviceId);
-    const Outcome started =
-        context.carryOut({QStringLiteral("The assessment"), QString(),
-                          [&] { context.lesson.startAssessment(plan, devices); }, [] { return true; }});
-    if (!started.isDone())
-        return started;
-    context.notes.useWritten();
+    desk.start(context.lesson.collab(), plan, deviceId);
     if (!context.screen.isLive())
         context.screen.note(QStringLiteral("The assessment has started: %1.")
-                                .arg(Text::count(plan.questions.size(), "question")));
-    return started;
+                                .arg(Text::count(plan.items.size(), "question")));
+    return Outcome::done();
 }
 
 Outcome assessmentResults(CommandContext& context, const Arguments&)
@@ -219,10 +244,10 @@ const Command rows[] = {
      F::AnyAssessment, F::Nothing, F::Nothing, 0, 0, {}, "", assessmentResults},
     {"assessment dialog", "[to=LEARNER] [dismissible=no] TEXT", "Show a text on the learners' devices.",
      "Also without an assessment.",
-     F::Channel | F::Now, F::Nothing, F::Nothing, 1, anyNumber, {}, "to= dismissible=", assessmentDialog},
+     F::Channel, F::Nothing, F::Nothing, 1, anyNumber, {}, "to= dismissible=", assessmentDialog},
     {"assessment review", "[to=LEARNER] TEXT", "Let the learners review their questions.",
      "",
-     F::Channel | F::Now, F::Nothing, F::Nothing, 1, anyNumber, {}, "to=", assessmentReview},
+     F::Channel, F::Nothing, F::Nothing, 1, anyNumber, {}, "to=", assessmentReview},
     {"assessment pause", "", "Let the learners pause.",
      "",
      F::Channel | F::Assessment, F::Nothing, F::Nothing, 0, 0, {}, "", assessmentPause},

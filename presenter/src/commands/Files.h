@@ -1,6 +1,7 @@
 #pragma once
 
 #include "commands/Command.h"
+#include "lesson/Picture.h"
 
 #include <QByteArray>
 #include <QString>
@@ -11,7 +12,7 @@ namespace Files {
 /// Reads a file whose name is relative to \p folder.
 Outcome read(const QString& folder, const QString& name, QByteArray& content);
 /// Reads a PNG file.
-Outcome readPicture(const QString& folder, const QString& name, QByteArray& png);
+Outcome readPicture(const QString& folder, const QString& name, Picture& picture);
 
 /// A file that the service keeps.
 struct Upload
