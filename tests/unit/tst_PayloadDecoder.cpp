@@ -1,13 +1,23 @@
 #include "collab/PayloadDecoder.h"
 
+#include "base/JsonVariant.h"
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/Lzma>
 
 #include <QJsonArray>
+#include <QLoggingCategory>
 #include <QTest>
 
+#include <memory>
+
 namespace {
+
+const QString RAW_FAILED = "[MessageHandler.Decompressed] FAILED to decompress, forwarding raw string!";
+const QString LIST_FAILED = "[MessageHandler.Decompressed] FAILED to decompress List!";
+const QString FROM_STRING = "[MessageHandler.Decompressed from String] ";
+const QString FROM_LIST = "[MessageHandler.Decompressed from List] ";
 
 QString base64(const QString& text)
 {
@@ -15,110 +25,269 @@ QString base64(const QString& text)
     return Lzma::compress64(text, &out) ? out : QString();
 }
 
-// What stands in the list of bytes that a text is compressed to.
-QJsonArray numbers(const QString& text)
+QString byteList(const QString& text)
 {
     QString out;
-    return Lzma::compress(text, &out) ? QJsonDocument::fromJson(out.toLatin1()).array() : QJsonArray();
+    return Lzma::compress(text, &out) ? out : QString();
 }
 
-const QString OBJECT = R"({"a":[1,2],"b":"c"})";
-const QString LIST = R"([{"a":1}])";
+QVariantList numbers(const QString& text)
+{
+    return QJsonDocument::fromJson(byteList(text).toLatin1()).toVariant().toList();
+}
 
-enum Holds { Nothing, AMap, AList, SomethingElse };
+QVariantList signedNumbers(const QString& text)
+{
+    QVariantList list = numbers(text);
+    for (QVariant& number : list)
+        number = number.toInt() > 127 ? number.toInt() - 256 : number.toInt();
+    return list;
+}
+
+QVariantList largerNumbers(const QString& text)
+{
+    QVariantList list = numbers(text);
+    for (int i = 0; i < list.size(); ++i)
+        list[i] = list.at(i).toInt() + 256 * (i % 4);
+    return list;
+}
+
+QVariant json(const char* text)
+{
+    return QJsonDocument::fromJson(text).toVariant();
+}
+
+const QVariant INVALID;
+
+QVariant decoded(const QVariant& data)
+{
+    const PayloadDecoder::Payload payload = PayloadDecoder::read(JsonVariant::toJson(data));
+    const QVariant value = payload.value();
+    const bool isJson = value.type() == QVariant::Map || value.type() == QVariant::List;
+    const QVariantMap map = value.type() == QVariant::Map ? value.toMap() : QVariantMap();
+    const bool isSound = payload.document.isNull() != isJson &&
+                         payload.other.isValid() == (value.isValid() && !isJson) &&
+                         payload.object().toVariantMap() == map;
+    return isSound ? value : QVariant("a payload that contradicts itself");
+}
 
 } // namespace
 
-Q_DECLARE_METATYPE(Holds)
-
-/// What a payload holds, and that data which was parsed is read as data in variants is. What becomes of each
-/// kind of data is in tst_CollaborationMessageHandlerData, how much there may be of it in tst_HostileSizes.
+/// What becomes of the data of a message body. How much there may be of it: tst_HostileSizes.
 class tst_PayloadDecoder : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void payloads_data()
-    {
-        QTest::addColumn<QJsonValue>("data");
-        QTest::addColumn<Holds>("holds");
-        const auto row = [](const char* name, const QJsonValue& data, Holds holds) {
-            QTest::newRow(name) << data << holds;
-        };
-        const QString half = R"({"a":[1,)";
-        const QString otherHalf = R"(2],"b":"c"})";
-        row("map in a text", base64(OBJECT), AMap);
-        row("empty map in a text", base64("{}"), AMap);
-        row("list in a text", base64(LIST), Nothing);
-        row("text that is not compressed", "hello", SomethingElse);
-        row("number", 5, SomethingElse);
-        row("fraction", 1.5, SomethingElse);
-        row("true", true, SomethingElse);
-        row("map in a list", QJsonArray{base64(OBJECT)}, AMap);
-        row("list in a list", QJsonArray{base64(LIST)}, AList);
-        row("empty list in a list", QJsonArray{base64("[]")}, AList);
-        row("chunks", QJsonArray{base64(half), base64(otherHalf)}, AMap);
-        row("a number among the chunks", QJsonArray{base64(half), 5, base64(otherHalf)}, AMap);
-        row("a list and a null among the chunks",
-            QJsonArray{base64(half), QJsonArray{base64(half)}, QJsonValue::Null, base64(otherHalf)}, AMap);
-        row("no JSON in a list", QJsonArray{base64("hello")}, SomethingElse);
-        row("texts that are not compressed", QJsonArray{"hello"}, Nothing);
-        row("map in bytes", numbers(OBJECT), AMap);
-        row("list in bytes", numbers(LIST), AList);
-        row("no JSON in bytes", numbers("hello"), SomethingElse);
-        row("bytes that are no block", QJsonArray{1, 2, 3}, Nothing);
-        row("a null before a text", QJsonArray{QJsonValue::Null, base64(OBJECT)}, Nothing);
-        row("empty list", QJsonArray(), Nothing);
-        row("object", QJsonObject{{"a", 1}}, Nothing);
-        row("null", QJsonValue::Null, Nothing);
-    }
+    void init() { m_log = std::make_unique<LogRecorder>(); }
+    void cleanup() { m_log.reset(); }
 
-    void payloads()
+    void noData()
     {
-        QFETCH(QJsonValue, data);
-        QFETCH(Holds, holds);
-        const LogRecorder quiet;
-        const PayloadDecoder::Payload payload = PayloadDecoder::read(data);
-        const QVariant value = payload.value();
-        const bool isJson = holds == AMap || holds == AList;
-        QCOMPARE(value.isValid(), holds != Nothing);
-        QCOMPARE(value.userType() == QMetaType::QVariantMap, holds == AMap);
-        QCOMPARE(value.userType() == QMetaType::QVariantList, holds == AList);
-        QCOMPARE(payload.document.isNull(), !isJson);
-        QCOMPARE(payload.other.isValid(), holds == SomethingElse);
-        QCOMPARE(payload.object().toVariantMap(), holds == AMap ? value.toMap() : QVariantMap());
-        QCOMPARE(PayloadDecoder::decode(data.toVariant()), value);
-    }
-
-    void listsOfOtherTypesAreLists()
-    {
-        const LogRecorder quiet;
-        const QStringList chunks{base64(R"({"a":)"), base64("1}")};
-        const QVariant map = QVariantMap{{"a", 1}};
-        QCOMPARE(PayloadDecoder::decode(chunks), map);
-        QCOMPARE(PayloadDecoder::decode(QVariant::fromValue(chunks.toVector())), map);
-        QCOMPARE(PayloadDecoder::decode(QVariant::fromValue(QList<QVariantMap>{{}})), QVariant());
-    }
-
-    void newPayloadHoldsNothing()
-    {
-        const PayloadDecoder::Payload payload;
-        QVERIFY(!payload.value().isValid());
-        QVERIFY(payload.object().isEmpty());
-    }
-
-    void dataThatIsNotThere()
-    {
-        const LogRecorder log;
         QVERIFY(!PayloadDecoder::read(QJsonObject().value("data")).value().isValid());
-        QVERIFY(!PayloadDecoder::decode(QVariant()).isValid());
-        QCOMPARE(log.debug(), QStringList());
+        for (const QVariant& data : {QVariant(), QVariant::fromValue(nullptr), QVariant(QVariantMap()),
+                                     QVariant(QVariantMap{{"a", 1}}), QVariant(QVariantList())})
+            QVERIFY(!decoded(data).isValid());
+        QCOMPARE(m_log->debug(), QStringList());
+    }
+
+    void singleText_data()
+    {
+        rows<QString, QVariant>({
+            {"object", R"({"b":[1,null],"a":"x"})", json(R"({"b":[1,null],"a":"x"})")},
+            {"object outside ASCII", u8R"({"ä":"日本 😀"})", json(u8R"({"ä":"日本 😀"})")},
+            {"object with blanks around", " {\n}\n ", QVariant(QVariantMap())},
+            {"array", "[{}]", INVALID},
+            {"bare number", "5", INVALID},
+            {"bare null", "null", INVALID},
+            {"no JSON", "hello", INVALID},
+            {"cut off JSON", "{\"a\":", INVALID},
+            {"nothing", "", INVALID},
+        });
+    }
+
+    void singleText()
+    {
+        const auto [content, expected] = row<QString, QVariant>();
+        QCOMPARE(decoded(base64(content)), expected);
+        QCOMPARE(decoded(byteList(content)), expected);
+        QCOMPARE(m_log->debug().size(), 2);
+        QCOMPARE(m_log->debug(FROM_STRING).size(), 2);
+        if (content == "hello")
+            QVERIFY(m_log->debug().first().mid(FROM_STRING.size()).contains(content));
+    }
+
+    void singleTextThatIsNotCompressedIsForwarded_data()
+    {
+        const QString good = base64(R"({"a":1})");
+        QByteArray block = QByteArray::fromBase64(good.toLatin1());
+        block.replace(5, 8, QByteArray(8, '\xff')); // a negative size
+        const QString hostile = block.toBase64();
+        rows<QVariant, QString>({
+            {"word", QVariant("hello"), "hello"},
+            {"empty", QVariant(""), ""},
+            {"JSON", QVariant(R"({"a":1})"), R"({"a":1})"},
+            {"outside ASCII", QVariant(u8"ä😀"), u8"ä😀"},
+            {"block cut off", QVariant(good.left(good.size() - 8)), good.left(good.size() - 8)},
+            {"hostile block", QVariant(hostile), hostile},
+            {"few numbers", QVariant("[93,0,0]"), "[93,0,0]"},
+            {"number", QVariant(5.0), "5"},
+            {"fraction", QVariant(1.5), "1.5"},
+            {"true", QVariant(true), "true"},
+            {"false", QVariant(false), "false"},
+        });
+    }
+
+    void singleTextThatIsNotCompressedIsForwarded()
+    {
+        const auto [data, text] = row<QVariant, QString>();
+        const QVariant result = decoded(data);
+        QCOMPARE(result.userType(), int(QMetaType::QString));
+        QCOMPARE(result.toString(), text);
+        QCOMPARE(m_log->debug().size(), 1);
+        QVERIFY2(m_log->debug().first().startsWith(RAW_FAILED), qPrintable(m_log->debug().first()));
+        QVERIFY(!decoded(QVariantList{data}).isValid());
+    }
+
+    void listOfTexts_data()
+    {
+        const QVariant object = json(R"({"a":[1,2],"b":"c"})");
+        const QString first = base64(R"({"a":[1,)");
+        const QString second = base64(R"(2],"b)");
+        const QString third = base64(R"(":"c"})");
+        const QString whole = base64(R"({"a":[1,2],"b":"c"})");
+
+        const auto bytes = [](const char* text) { return QVariant(QByteArray(text)); };
+        rows<QVariantList, QVariant>({
+            {"one object", QVariantList{whole}, object},
+            {"one array", QVariantList{base64("[1,{}]")}, json("[1,{}]")},
+            {"empty array", QVariantList{base64("[]")}, QVariant(QVariantList())},
+            {"chunks", QVariantList{first, second, third}, object},
+            {"empty text among the chunks", QVariantList{first, "", second, third}, object},
+            {"bad text among the chunks", QVariantList{first, "bad", second, third}, object},
+            {"number among the chunks", QVariantList{first, 5, second, third}, object},
+            {"null, list and object among the chunks",
+             QVariantList{first, QVariant::fromValue(nullptr), second, QVariantList{third}, QVariantMap(),
+                          third},
+             object},
+            {"empty text first", QVariantList{"", whole}, object},
+            {"bad text first", QVariantList{"bad", whole}, object},
+            {"bad text last", QVariantList{whole, "bad"}, object},
+            {"chunk of nothing", QVariantList{first, base64(QString()), second, third}, object},
+            {"no JSON", QVariantList{base64("hello ")}, bytes("hello ")},
+            {"chunks of no JSON", QVariantList{base64("hel"), base64("lo")}, bytes("hello")},
+            {"chunks in another order", QVariantList{second, first}, bytes("2],\"b{\"a\":[1,")},
+            {"bare number", QVariantList{base64("5")}, bytes("5")},
+            {"bare text", QVariantList{base64("\"p1\"")}, bytes("\"p1\"")},
+            {"Latin text", QVariantList{base64(QString::fromUtf8(u8"Größe"))},
+             bytes("Gr\xf6\xdf"
+                   "e")},
+            {"text beyond Latin", QVariantList{base64(QString::fromUtf8(u8"日本"))}, bytes("??")},
+            {"two objects", QVariantList{whole, whole}, bytes(R"({"a":[1,2],"b":"c"}{"a":[1,2],"b":"c"})")},
+            {"nothing", QVariantList{base64(QString())}, bytes("")},
+        });
+    }
+
+    void listOfTexts()
+    {
+        const auto [list, expected] = row<QVariantList, QVariant>();
+        const QVariant data = decoded(list);
+        QCOMPARE(data.userType(), expected.userType());
+        QCOMPARE(data, expected);
+        // Those that failed are skipped without a word.
+        QCOMPARE(m_log->debug().size(), 1);
+        QCOMPARE(m_log->debug(FROM_LIST).size(), 1);
+        if (expected == QByteArray("hello"))
+            QVERIFY(m_log->debug().first().mid(FROM_LIST.size()).contains(QLatin1String("hello")));
+    }
+
+    void listOfTextsThatAreNotCompressedIsInvalid_data()
+    {
+        const QString whole = base64(R"({"a":1})");
+        rows<QVariantList>({
+            {"one", QVariantList{"hello"}},
+            {"several", QVariantList{"hello", "there", 5}},
+            {"empty texts", QVariantList{"", ""}},
+            {"list of numbers as a text", QVariantList{byteList("{}")}},
+            {"one block cut in two, which must not be joined",
+             QVariantList{whole.left(whole.size() / 2), whole.mid(whole.size() / 2)}},
+        });
+    }
+
+    void listOfTextsThatAreNotCompressedIsInvalid()
+    {
+        const auto [list] = row<QVariantList>();
+        QVERIFY(!decoded(list).isValid());
+        QCOMPARE(m_log->debug(), QStringList());
+    }
+
+    void listOfNumbers_data()
+    {
+        const QString object = u8R"({"a":[1,2],"b":"ä😀"})";
+        const QVariant expected = QJsonDocument::fromJson(object.toUtf8()).toVariant();
+        // Only the first element tells a list of numbers from one of texts.
+        QVariantList mixed = numbers(object);
+        for (int i = 1; i < mixed.size(); ++i)
+            mixed[i] = mixed.at(i).toString();
+        rows<QVariantList, QVariant>({
+            {"object", numbers(object), expected},
+            {"object, signed bytes", signedNumbers(object), expected},
+            {"object, numbers above 255", largerNumbers(object), expected},
+            {"array", numbers("[1,2]"), json("[1,2]")},
+            {"no JSON", numbers("hello"), QVariant(QByteArray("hello"))},
+            {"Latin text", numbers(QString::fromUtf8(u8"ä")), QVariant(QByteArray("\xe4"))},
+            {"bare number", numbers("42"), QVariant(QByteArray("42"))},
+            {"nothing", numbers(QString()), QVariant(QByteArray(""))},
+            {"texts of numbers behind the first", mixed, expected},
+        });
+    }
+
+    void listOfNumbers()
+    {
+        const auto [list, expected] = row<QVariantList, QVariant>();
+        const QVariant data = decoded(list);
+        QCOMPARE(data.userType(), expected.userType());
+        QCOMPARE(data, expected);
+        QCOMPARE(m_log->debug().size(), 1);
+        QCOMPARE(m_log->debug(FROM_LIST).size(), 1);
+    }
+
+    void listThatHoldsNoBlockIsInvalid_data()
+    {
+        rows<QVariantList>({
+            {"few numbers", json("[93,0,0]").toList()},
+            {"many numbers", json("[1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18,19,20]").toList()},
+            {"block cut off", numbers("{}").mid(0, 18)},
+            {"null", json("[null]").toList()},
+            {"true", json("[true]").toList()},
+            {"object", json("[{\"a\":1}]").toList()},
+            {"list", QVariantList{QVariant(numbers("{}"))}},
+            {"block behind a null", QVariantList{QVariant::fromValue(nullptr), base64("{}")}},
+        });
+    }
+
+    void listThatHoldsNoBlockIsInvalid()
+    {
+        const auto [list] = row<QVariantList>();
+        QVERIFY(!decoded(list).isValid());
+        QCOMPARE(m_log->debug().size(), 1);
+        QCOMPARE(m_log->debug(LIST_FAILED).size(), 1);
+    }
+
+    void chunksMayBeCutAnywhere()
+    {
+        const QString text = u8"{\"name\":\"Zoë\",\"note\":\"a \\\"quoted\\\" word\\n\"}";
+        const QVariant expected = QJsonDocument::fromJson(text.toUtf8()).toVariant();
+        QVERIFY(expected.isValid());
+        for (int cut = 0; cut <= text.size(); ++cut) {
+            const QVariant data = decoded(QVariantList{base64(text.left(cut)), base64(text.mid(cut))});
+            QVERIFY2(data == expected, qPrintable(QString::number(cut)));
+        }
     }
 
     void limitCountsCharactersAndNotBytes()
     {
         constexpr int half = 16 * 1024 * 1024;
-        const LogRecorder quiet;
         // Of two bytes each: more bytes than there may be characters.
         const QString text = QStringLiteral("{\"a\":\"") + QString(half, QChar(0xe4)) + QStringLiteral("\"}");
         const QJsonValue block = base64(text);
@@ -130,6 +299,29 @@ private Q_SLOTS:
             chunks.append(base64(" "));
         QCOMPARE(PayloadDecoder::read(chunks).object().size(), 1);
     }
+
+    void listsOfOtherTypesAreLists()
+    {
+        const QStringList chunks{base64(R"({"a":)"), base64("1}")};
+        const QVariant map = QVariantMap{{"a", 1}};
+        QCOMPARE(PayloadDecoder::decode(chunks), map);
+        QCOMPARE(PayloadDecoder::decode(QVariant::fromValue(chunks.toVector())), map);
+        QCOMPARE(PayloadDecoder::decode(QVariant::fromValue(QList<QVariantMap>{{}})), QVariant());
+    }
+
+    void nothingIsLoggedWhileTheCategoryIsOff()
+    {
+        QLoggingCategory::setFilterRules("default.debug=false");
+        for (const QVariant& data : {QVariant(base64("{}")), QVariant(QVariantList{base64("{}")}),
+                                     QVariant("raw"), QVariant(QVariantList{1})})
+            decoded(data);
+        const QStringList whileOff = m_log->debug();
+        QLoggingCategory::setFilterRules(QString());
+        QCOMPARE(whileOff, QStringList());
+    }
+
+private:
+    std::unique_ptr<LogRecorder> m_log;
 };
 
 QTEST_APPLESS_MAIN(tst_PayloadDecoder)
