@@ -1,7 +1,6 @@
 // The request engine: what goes out, and which handler gets the answer.
 
-#include "support/ClientProbe.h"
-#include "support/FakeService.h"
+#include "support/ClientTest.h"
 #include "support/Rows.h"
 
 #include <CalyxClient/Lzma>
@@ -13,9 +12,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
-using Answer = FakeService::Answer;
-
-class tst_PresenterClient : public QObject
+class tst_PresenterClient : public ClientTest
 {
     Q_OBJECT
 
@@ -90,69 +87,60 @@ private Q_SLOTS:
 
     void postsJson()
     {
-        FakeService service;
-        service.expect("/tavisto/any?a=b", Answer::json("{}"));
-        ClientProbe client(service.url());
-        client.doRequest(true, QUrl(service.url() + "/tavisto/any?a=b"), R"({"k":"v"})",
-                         ClientProbe::successHandler());
+        service().expect("/tavisto/any?a=b", Answer::json("{}"));
+        client().doRequest(true, QUrl(service().url() + "/tavisto/any?a=b"), R"({"k":"v"})",
+                           ClientProbe::successHandler());
 
-        const FakeService::Request request = service.last();
+        const FakeService::Request request = service().last();
         QCOMPARE(request.method, QByteArray("POST"));
         QCOMPARE(request.header("accept-encoding"), QByteArray("identity"));
         QCOMPARE(request.header("content-type"), QByteArray("application/json; charset=UTF-8"));
         QCOMPARE(request.body, QByteArray(R"({"k":"v"})"));
         QVERIFY(request.header("authorization").isNull());
         QVERIFY(request.header("cookie").isNull());
-        QCOMPARE(client.successes, QStringList{"{}"});
+        QCOMPARE(client().successes, QStringList{"{}"});
     }
 
     void postsMultipart()
     {
-        FakeService service;
-        service.expect("/up", Answer::json("{}"));
-        ClientProbe client(service.url());
-        client.doRequest(true, QUrl(service.url() + "/up"), QStringLiteral("parts"), nullptr, nullptr, true);
+        service().expect("/up", Answer::json("{}"));
+        client().doRequest(true, QUrl(service().url() + "/up"), QStringLiteral("parts"), nullptr, nullptr,
+                           true);
 
-        QCOMPARE(service.last().method, QByteArray("POST"));
-        QCOMPARE(service.last().header("accept-encoding"), QByteArray("identity"));
-        QCOMPARE(service.last().header("content-type"),
+        QCOMPARE(service().last().method, QByteArray("POST"));
+        QCOMPARE(service().last().header("accept-encoding"), QByteArray("identity"));
+        QCOMPARE(service().last().header("content-type"),
                  QByteArray("multipart/form-data; charset=UTF-8; boundary=----boundary"));
-        QCOMPARE(service.last().body, QByteArray("parts"));
+        QCOMPARE(service().last().body, QByteArray("parts"));
     }
 
     void encodesTextAsUtf8()
     {
-        FakeService service;
-        service.expect("/a", Answer::json("{}"));
-        ClientProbe client(service.url());
-        client.doRequest(true, QUrl(service.url() + "/a"), QString::fromUtf8("Zoë \xf0\x9f\x8e\x93 %1 \""),
-                         nullptr, nullptr, false);
+        service().expect("/a", Answer::json("{}"));
+        client().doRequest(true, QUrl(service().url() + "/a"),
+                           QString::fromUtf8("Zoë \xf0\x9f\x8e\x93 %1 \""), nullptr, nullptr, false);
 
-        QCOMPARE(service.last().body, QByteArray("Zoë \xf0\x9f\x8e\x93 %1 \""));
+        QCOMPARE(service().last().body, QByteArray("Zoë \xf0\x9f\x8e\x93 %1 \""));
     }
 
     void sendsBytesAsTheyAre()
     {
         const QByteArray bytes("\xff\x00\x80\r\n\x01", 6);
-        FakeService service;
-        service.expect("/a", Answer::json("{}"));
-        ClientProbe client(service.url());
-        client.doRequest(true, QUrl(service.url() + "/a"), bytes, nullptr, nullptr, true);
+        service().expect("/a", Answer::json("{}"));
+        client().doRequest(true, QUrl(service().url() + "/a"), bytes, nullptr, nullptr, true);
 
-        QCOMPARE(service.last().body, bytes);
+        QCOMPARE(service().last().body, bytes);
     }
 
     void sendsCookiesBack()
     {
-        FakeService service;
-        service.expect("/a", Answer::json("{}").with("Set-Cookie", "JSESSIONID=s1; Path=/; HttpOnly"));
-        service.expect("/b", Answer::json("{}"));
-        ClientProbe client(service.url());
-        client.request("/a");
-        client.request("/b");
+        service().expect("/a", Answer::json("{}").with("Set-Cookie", "JSESSIONID=s1; Path=/; HttpOnly"));
+        service().expect("/b", Answer::json("{}"));
+        client().request("/a");
+        client().request("/b");
 
-        QVERIFY(service.requests().at(0).header("cookie").isNull());
-        QCOMPARE(service.requests().at(1).header("cookie"), QByteArray("JSESSIONID=s1"));
+        QVERIFY(service().requests().at(0).header("cookie").isNull());
+        QCOMPARE(service().requests().at(1).header("cookie"), QByteArray("JSESSIONID=s1"));
     }
 
     void keepsCookiesPerClient()
@@ -180,29 +168,24 @@ private Q_SLOTS:
     void success()
     {
         const auto [status, body] = row<int, QByteArray>();
+        service().expect("/a", Answer::json(body, status));
+        const QSignalSpy processed(&client(), SIGNAL(requestProcessed()));
+        client().request("/a");
 
-        FakeService service;
-        service.expect("/a", Answer::json(body, status));
-        ClientProbe client(service.url());
-        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-        client.request("/a");
-
-        QCOMPARE(client.successes, QStringList{QString::fromUtf8(body)});
-        QVERIFY(client.failures.isEmpty());
+        QCOMPARE(client().successes, QStringList{QString::fromUtf8(body)});
+        QVERIFY(client().failures.isEmpty());
         QCOMPARE(processed.size(), 1);
     }
 
     void httpErrorGoesToTheFailureHandlerWithItsBody()
     {
-        FakeService service;
-        service.expect("/a", Answer::json(R"({"errorMsgKeys":["x"]})", 500));
-        ClientProbe client(service.url());
-        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-        client.request("/a");
+        service().expect("/a", Answer::json(R"({"errorMsgKeys":["x"]})", 500));
+        const QSignalSpy processed(&client(), SIGNAL(requestProcessed()));
+        client().request("/a");
 
-        QVERIFY(client.successes.isEmpty());
-        QCOMPARE(client.failures, QStringList{R"({"errorMsgKeys":["x"]})"});
-        QCOMPARE(client.errors, QList<QNetworkReply::NetworkError>{QNetworkReply::InternalServerError});
+        QVERIFY(client().successes.isEmpty());
+        QCOMPARE(client().failures, QStringList{R"({"errorMsgKeys":["x"]})"});
+        QCOMPARE(client().errors, QList<QNetworkReply::NetworkError>{QNetworkReply::InternalServerError});
         QCOMPARE(processed.size(), 1);
     }
 
@@ -217,16 +200,13 @@ private Q_SLOTS:
     void networkErrorGoesToTheFailureHandler()
     {
         const auto [cut] = row<bool>();
+        service().expect("/a", cut ? Answer::cut(R"({"data":{}})") : Answer::gone());
+        const QSignalSpy processed(&client(), SIGNAL(requestProcessed()));
+        client().request("/a");
 
-        FakeService service;
-        service.expect("/a", cut ? Answer::cut(R"({"data":{}})") : Answer::gone());
-        ClientProbe client(service.url());
-        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-        client.request("/a");
-
-        QVERIFY(client.successes.isEmpty());
-        QCOMPARE(client.failures.size(), 1);
-        QVERIFY(client.errors.first() != QNetworkReply::NoError);
+        QVERIFY(client().successes.isEmpty());
+        QCOMPARE(client().failures.size(), 1);
+        QVERIFY(client().errors.first() != QNetworkReply::NoError);
         QCOMPARE(processed.size(), 1);
     }
 
@@ -241,37 +221,30 @@ private Q_SLOTS:
     void missingHandlersAreSkipped()
     {
         const auto [status] = row<int>();
-
-        FakeService service;
-        service.expect("/a", Answer::json("{}", status));
-        PresenterClient client(nullptr, service.url());
-        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-        client.doRequest(true, QUrl(service.url() + "/a"), QString(), nullptr);
+        service().expect("/a", Answer::json("{}", status));
+        const QSignalSpy processed(&client(), SIGNAL(requestProcessed()));
+        client().doRequest(true, QUrl(service().url() + "/a"), QString(), nullptr);
 
         QCOMPARE(processed.size(), 1);
     }
 
     void returnsAtOnceWhenNotToldToWait()
     {
-        FakeService service;
-        service.expect("/a", Answer::json("1"));
-        ClientProbe client(service.url());
-        client.request("/a", false);
+        service().expect("/a", Answer::json("1"));
+        client().request("/a", false);
 
-        QVERIFY(service.requests().isEmpty());
-        QVERIFY(client.successes.isEmpty());
-        QTRY_COMPARE(client.successes, QStringList{"1"});
+        QVERIFY(service().requests().isEmpty());
+        QVERIFY(client().successes.isEmpty());
+        QTRY_COMPARE(client().successes, QStringList{"1"});
     }
 
     void handlerRunsBeforeRequestProcessed()
     {
-        FakeService service;
-        service.expect("/a", Answer::json("1"));
-        ClientProbe client(service.url());
+        service().expect("/a", Answer::json("1"));
         int handledBefore = -1;
-        connect(&client, &PresenterClient::requestProcessed, this,
-                [&] { handledBefore = client.successes.size(); });
-        client.request("/a");
+        connect(&client(), &PresenterClient::requestProcessed, this,
+                [&] { handledBefore = client().successes.size(); });
+        client().request("/a");
 
         QCOMPARE(handledBefore, 1);
     }
@@ -279,32 +252,28 @@ private Q_SLOTS:
     // A reply that is reported a second time finds no handler any more.
     void callbackIsGoneWhenRequestProcessedIsEmitted()
     {
-        FakeService service;
-        service.expect("/a", Answer::json("1"));
-        ClientProbe client(service.url());
+        service().expect("/a", Answer::json("1"));
         QNetworkReply* reply = nullptr;
-        connect(client.findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
+        connect(client().findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
                 [&](QNetworkReply* finished) { reply = finished; });
-        client.request("/a");
+        client().request("/a");
         QVERIFY(reply);
-        QVERIFY(QMetaObject::invokeMethod(&client, "slotRequestFinished", Q_ARG(QNetworkReply*, reply)));
+        QVERIFY(QMetaObject::invokeMethod(&client(), "slotRequestFinished", Q_ARG(QNetworkReply*, reply)));
 
-        QCOMPARE(client.successes, QStringList{"1"});
+        QCOMPARE(client().successes, QStringList{"1"});
     }
 
     void repliesAreReleased()
     {
-        FakeService service;
-        service.expect("/ok", Answer::json("1"));
-        service.expect("/bad", Answer::json("1", 500));
-        service.expect("/moved", Answer::redirect("http://elsewhere.example/"));
-        ClientProbe client(service.url());
+        service().expect("/ok", Answer::json("1"));
+        service().expect("/bad", Answer::json("1", 500));
+        service().expect("/moved", Answer::redirect("http://elsewhere.example/"));
         QList<QPointer<QNetworkReply>> replies;
-        connect(client.findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
+        connect(client().findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
                 [&](QNetworkReply* reply) { replies.append(reply); });
-        client.request("/ok");
-        client.request("/bad");
-        client.request("/moved");
+        client().request("/ok");
+        client().request("/bad");
+        client().request("/moved");
 
         QCOMPARE(replies.size(), 3);
         for (const auto& reply : qAsConst(replies))
@@ -313,17 +282,15 @@ private Q_SLOTS:
 
     void replyOfNoRequestIsReleasedAndAnnounced()
     {
-        FakeService service;
-        service.expect("/a", Answer::json("1"));
-        ClientProbe client(service.url());
-        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+        service().expect("/a", Answer::json("1"));
+        const QSignalSpy processed(&client(), SIGNAL(requestProcessed()));
         QNetworkAccessManager manager;
-        const QPointer<QNetworkReply> reply = manager.get(QNetworkRequest(QUrl(service.url() + "/a")));
+        const QPointer<QNetworkReply> reply = manager.get(QNetworkRequest(QUrl(service().url() + "/a")));
         QTRY_VERIFY(reply->isFinished());
-        QVERIFY(QMetaObject::invokeMethod(&client, "slotRequestFinished", Q_ARG(QNetworkReply*, reply)));
+        QVERIFY(QMetaObject::invokeMethod(&client(), "slotRequestFinished", Q_ARG(QNetworkReply*, reply)));
 
         QCOMPARE(processed.size(), 1);
-        QVERIFY(client.successes.isEmpty());
+        QVERIFY(client().successes.isEmpty());
         QTRY_VERIFY(reply.isNull());
     }
 
@@ -358,14 +325,12 @@ private Q_SLOTS:
     void firstErrorKeyCounts()
     {
         const auto [reply, error] = row<QVariant, QString>();
-
-        PresenterClient client(nullptr, "http://127.0.0.1:1");
         QString found = "earlier";
 
-        QCOMPARE(client.isErrorInErrorMsgKeys(reply, found), !error.isNull());
+        QCOMPARE(client().isErrorInErrorMsgKeys(reply, found), !error.isNull());
         QCOMPARE(found, error);
         QCOMPARE(found.isNull(), error.isNull());
-        QVERIFY(client.lastError().isNull());
+        QVERIFY(client().lastError().isNull());
     }
 
     void decompressesLzma()
@@ -373,20 +338,18 @@ private Q_SLOTS:
         const QString text = "Zoë \"%1\"\n";
         QString packed;
         QVERIFY(Lzma::compress64(text, &packed));
-        PresenterClient client(nullptr, "http://127.0.0.1:1");
         QString unpacked;
 
-        QVERIFY(client.LzmaDecompress64(packed, &unpacked));
+        QVERIFY(client().LzmaDecompress64(packed, &unpacked));
         QCOMPARE(unpacked, text);
     }
 
     void badLzmaLeavesTheTextAsItWas()
     {
-        PresenterClient client(nullptr, "http://127.0.0.1:1");
         QString text = "before";
 
-        QVERIFY(!client.LzmaDecompress64("AAAAAAAAAAAAAAAAAA==", &text)); // 13 bytes
-        QVERIFY(!client.LzmaDecompress64(QString(), &text));
+        QVERIFY(!client().LzmaDecompress64("AAAAAAAAAAAAAAAAAA==", &text)); // 13 bytes
+        QVERIFY(!client().LzmaDecompress64(QString(), &text));
         QCOMPARE(text, QStringLiteral("before"));
     }
 };

@@ -1,6 +1,6 @@
 // What the account operations send, and what decides a login.
 
-#include "support/FakeService.h"
+#include "support/ClientTest.h"
 #include "support/Logins.h"
 #include "support/Rows.h"
 
@@ -11,7 +11,6 @@
 #include <functional>
 
 using namespace Logins;
-using Answer = FakeService::Answer;
 
 namespace {
 
@@ -23,7 +22,7 @@ using Login = std::function<bool(PresenterClient&)>;
 Q_DECLARE_METATYPE(Call)
 Q_DECLARE_METATYPE(Login)
 
-class tst_PresenterClientAccount : public QObject
+class tst_PresenterClientAccount : public ClientTest
 {
     Q_OBJECT
 
@@ -104,18 +103,15 @@ private Q_SLOTS:
     void sendsItsRequest()
     {
         auto [call, values, path, body] = row<Call, QStringList, QByteArray, QByteArray>();
+        service().expect(path, Answer::json("{}"));
+        call(client(), values);
 
-        FakeService service;
-        service.expect(path, Answer::json("{}"));
-        PresenterClient client(nullptr, service.url());
-        call(client, values);
-
-        body.replace("<server>", service.url().toUtf8());
+        body.replace("<server>", service().url().toUtf8());
         for (int i = 0; i < values.size(); ++i)
             body.replace('<' + QByteArray::number(i) + '>', values.at(i).toUtf8());
-        QCOMPARE(service.last().method, QByteArray("POST"));
-        QCOMPARE(service.last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
-        QCOMPARE(service.last().body, body);
+        QCOMPARE(service().last().method, QByteArray("POST"));
+        QCOMPARE(service().last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
+        QCOMPARE(service().last().body, body);
     }
 
     void callbackUrlEndsWithSlashForFacebookOnly_data()
@@ -131,18 +127,15 @@ private Q_SLOTS:
     void callbackUrlEndsWithSlashForFacebookOnly()
     {
         const auto [provider, slash] = row<QString, bool>();
-
         const QByteArray path = "/tavisto/login/oauth/" + provider.toUtf8() + "/callback";
-        FakeService service;
-        service.expect(path, Answer::json("{}"));
-        service.expect(path, Answer::json("{}"));
-        PresenterClient client(nullptr, service.url());
+        service().expect(path, Answer::json("{}"));
+        service().expect(path, Answer::json("{}"));
         QString registration;
-        client.doLoginWithOAuth(provider, "c", registration);
-        client.doGetOAuthAccessToken(provider, "c", QString(), QString(), registration);
+        client().doLoginWithOAuth(provider, "c", registration);
+        client().doGetOAuthAccessToken(provider, "c", QString(), QString(), registration);
 
-        const QByteArray url = service.url().toUtf8() + (slash ? "/" : "");
-        for (const FakeService::Request& request : service.requests())
+        const QByteArray url = service().url().toUtf8() + (slash ? "/" : "");
+        for (const FakeService::Request& request : service().requests())
             QVERIFY2(request.body.contains("\"callbackUrl\":\"" + url + "\","), request.body.constData());
     }
 
@@ -162,13 +155,10 @@ private Q_SLOTS:
     void completesTheRegistrationText()
     {
         auto [registration, body] = row<QString, QByteArray>();
+        service().expect(REGISTER, Answer::json("{}"));
+        client().doLoginWithOAuth("google", "c", registration);
 
-        FakeService service;
-        service.expect(REGISTER, Answer::json("{}"));
-        PresenterClient client(nullptr, service.url());
-        client.doLoginWithOAuth("google", "c", registration);
-
-        QCOMPARE(service.last().body, body);
+        QCOMPARE(service().last().body, body);
         QVERIFY(registration.isNull());
     }
 
@@ -203,18 +193,15 @@ private Q_SLOTS:
     void infoMessagesDecideTheLogin()
     {
         const auto [body, loggedIn] = row<QByteArray, bool>();
+        service().expect(SUBMIT, Answer::json(body));
+        service().expect(SUBMIT, Answer::json(body));
 
-        FakeService service;
-        service.expect(SUBMIT, Answer::json(body));
-        service.expect(SUBMIT, Answer::json(body));
-        PresenterClient client(nullptr, service.url());
-
-        QCOMPARE(loginByPassword(client), loggedIn);
-        QCOMPARE(client.isLoggedIn(), loggedIn);
-        QCOMPARE(loginByDevice(client), loggedIn);
-        QVERIFY(client.lastError().isNull());
-        QVERIFY(client.registration().isNull());
-        QCOMPARE(client.userId(), QStringLiteral("u"));
+        QCOMPARE(loginByPassword(client()), loggedIn);
+        QCOMPARE(client().isLoggedIn(), loggedIn);
+        QCOMPARE(loginByDevice(client()), loggedIn);
+        QVERIFY(client().lastError().isNull());
+        QVERIFY(client().registration().isNull());
+        QCOMPARE(client().userId(), QStringLiteral("u"));
     }
 
     void refusedLoginKeepsTheErrorKey_data()
@@ -240,15 +227,12 @@ private Q_SLOTS:
     void refusedLoginKeepsTheErrorKey()
     {
         const auto [login, path, body, error] = row<Login, QByteArray, QByteArray, QString>();
+        service().expect(path, Answer::json(body, 401));
 
-        FakeService service;
-        service.expect(path, Answer::json(body, 401));
-        PresenterClient client(nullptr, service.url());
-
-        QVERIFY(!login(client));
-        QVERIFY(!client.isLoggedIn());
-        QCOMPARE(client.lastError(), error);
-        QCOMPARE(client.lastError().isNull(), error.isNull());
+        QVERIFY(!login(client()));
+        QVERIFY(!client().isLoggedIn());
+        QCOMPARE(client().lastError(), error);
+        QCOMPARE(client().lastError().isNull(), error.isNull());
     }
 
     void unansweredLoginFailsWithoutAKey_data()
@@ -262,13 +246,10 @@ private Q_SLOTS:
     void unansweredLoginFailsWithoutAKey()
     {
         const auto [cut] = row<bool>();
+        service().expect(SUBMIT, cut ? Answer::cut(REFUSED) : Answer::gone());
 
-        FakeService service;
-        service.expect(SUBMIT, cut ? Answer::cut(REFUSED) : Answer::gone());
-        PresenterClient client(nullptr, service.url());
-
-        QVERIFY(!loginByPassword(client));
-        QVERIFY(client.lastError().isNull());
+        QVERIFY(!loginByPassword(client()));
+        QVERIFY(client().lastError().isNull());
     }
 
     void loginStartsAnew_data()
@@ -285,19 +266,16 @@ private Q_SLOTS:
     void loginStartsAnew()
     {
         const auto [login, path] = row<Login, QByteArray>();
-
-        FakeService service;
-        PresenterClient client(nullptr, service.url());
-        client.loginSuccessResponse(QString::fromLatin1(SUCCESS));
-        client.loginFailureResponse(nullptr, QString::fromLatin1(REFUSED));
-        QVERIFY(client.isLoggedIn());
-        QVERIFY(!client.lastError().isNull());
+        client().loginSuccessResponse(QString::fromLatin1(SUCCESS));
+        client().loginFailureResponse(nullptr, QString::fromLatin1(REFUSED));
+        QVERIFY(client().isLoggedIn());
+        QVERIFY(!client().lastError().isNull());
         bool loggedInMeanwhile = true;
-        service.expect(path, Answer::json("{}").then([&] { loggedInMeanwhile = client.isLoggedIn(); }));
+        service().expect(path, Answer::json("{}").then([&] { loggedInMeanwhile = client().isLoggedIn(); }));
 
-        QVERIFY(!login(client));
+        QVERIFY(!login(client()));
         QVERIFY(!loggedInMeanwhile);
-        QVERIFY(client.lastError().isNull());
+        QVERIFY(client().lastError().isNull());
     }
 
     void oauthLoginCanAskForRegistration_data()
@@ -329,56 +307,47 @@ private Q_SLOTS:
     void oauthLoginCanAskForRegistration()
     {
         const auto [body, loggedIn, registration] = row<QByteArray, bool, QString>();
-
-        FakeService service;
-        service.expect(CALLBACK, Answer::json(body));
-        PresenterClient client(nullptr, service.url());
+        service().expect(CALLBACK, Answer::json(body));
         QString given;
 
-        QCOMPARE(client.doLoginWithOAuth("google", "c", given), loggedIn);
-        QCOMPARE(client.isLoggedIn(), loggedIn);
+        QCOMPARE(client().doLoginWithOAuth("google", "c", given), loggedIn);
+        QCOMPARE(client().isLoggedIn(), loggedIn);
         QCOMPARE(given, registration);
-        QCOMPARE(client.registration(), registration);
-        QCOMPARE(client.registration().isNull(), registration.isNull());
+        QCOMPARE(client().registration(), registration);
+        QCOMPARE(client().registration().isNull(), registration.isNull());
     }
 
     void passwordLoginAsksForNoRegistration()
     {
-        FakeService service;
-        service.expect(SUBMIT, Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{}})"));
-        PresenterClient client(nullptr, service.url());
+        service().expect(SUBMIT, Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{}})"));
 
-        QVERIFY(loginByPassword(client));
-        QVERIFY(client.registration().isNull());
+        QVERIFY(loginByPassword(client()));
+        QVERIFY(client().registration().isNull());
     }
 
     // What counts is whether the client knows a provider and a code, not which login it was.
     void passwordLoginAfterOAuthAsksForRegistration()
     {
-        FakeService service;
-        service.expect(CALLBACK, Answer::json("{}"));
-        service.expect(SUBMIT, Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{"a":1}})"));
-        PresenterClient client(nullptr, service.url());
-        QVERIFY(!loginWithOAuth(client));
+        service().expect(CALLBACK, Answer::json("{}"));
+        service().expect(SUBMIT, Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{"a":1}})"));
+        QVERIFY(!loginWithOAuth(client()));
 
-        QVERIFY(!loginByPassword(client));
-        QCOMPARE(client.registration(), QStringLiteral(R"({"a":1})"));
+        QVERIFY(!loginByPassword(client()));
+        QCOMPARE(client().registration(), QStringLiteral(R"({"a":1})"));
     }
 
     void registrationIsCompletedInASecondStep()
     {
-        FakeService service;
-        service.expect(CALLBACK,
-                       Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{"mail":"m"}})"));
-        service.expect(REGISTER, Answer::json(SUCCESS));
-        PresenterClient client(nullptr, service.url());
+        service().expect(CALLBACK,
+                         Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{"mail":"m"}})"));
+        service().expect(REGISTER, Answer::json(SUCCESS));
         QString registration;
 
-        QVERIFY(!client.doLoginWithOAuth("google", "c", registration));
+        QVERIFY(!client().doLoginWithOAuth("google", "c", registration));
         QCOMPARE(registration, QStringLiteral(R"({"mail":"m"})"));
-        QVERIFY(client.doLoginWithOAuth("google", "c", registration));
+        QVERIFY(client().doLoginWithOAuth("google", "c", registration));
         QVERIFY(registration.isNull());
-        QVERIFY(client.registration().isNull());
+        QVERIFY(client().registration().isNull());
     }
 };
 

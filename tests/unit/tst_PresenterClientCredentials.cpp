@@ -1,6 +1,6 @@
 // Tokens, the user name, logging out, and logging in again.
 
-#include "support/FakeService.h"
+#include "support/ClientTest.h"
 #include "support/LogRecorder.h"
 #include "support/Logins.h"
 #include "support/Rows.h"
@@ -12,7 +12,6 @@
 #include <functional>
 
 using namespace Logins;
-using Answer = FakeService::Answer;
 
 namespace {
 
@@ -22,7 +21,7 @@ using Preparation = std::function<void(PresenterClient&, FakeService&)>;
 
 Q_DECLARE_METATYPE(Preparation)
 
-class tst_PresenterClientCredentials : public QObject
+class tst_PresenterClientCredentials : public ClientTest
 {
     Q_OBJECT
 
@@ -53,45 +52,39 @@ private Q_SLOTS:
 
     void accessTokenStaysAsItWasWhenTheRequestFails()
     {
-        FakeService service;
-        service.expect(SUBMIT, Answer::json(R"({"data":{"deviceAccessToken":"T1"}})"));
-        service.expect(SUBMIT, Answer::json(R"({"data":{"deviceAccessToken":"T2"}})", 500));
-        service.expect(CALLBACK, Answer::gone());
-        PresenterClient client(nullptr, service.url());
+        service().expect(SUBMIT, Answer::json(R"({"data":{"deviceAccessToken":"T1"}})"));
+        service().expect(SUBMIT, Answer::json(R"({"data":{"deviceAccessToken":"T2"}})", 500));
+        service().expect(CALLBACK, Answer::gone());
         const QString u = "u";
-        QCOMPARE(client.doGetAccessToken(u, u, u, u), QStringLiteral("T1"));
+        QCOMPARE(client().doGetAccessToken(u, u, u, u), QStringLiteral("T1"));
 
-        QCOMPARE(client.doGetAccessToken(u, u, u, u), QStringLiteral("T1"));
-        QCOMPARE(getOAuthToken(client), QStringLiteral("T1"));
-        QVERIFY(client.isLoggedIn());
+        QCOMPARE(client().doGetAccessToken(u, u, u, u), QStringLiteral("T1"));
+        QCOMPARE(getOAuthToken(client()), QStringLiteral("T1"));
+        QVERIFY(client().isLoggedIn());
     }
 
     void accessTokenResetsNothingFirst()
     {
-        FakeService service;
-        service.expect(SUBMIT, Answer::json(REFUSED, 401));
-        service.expect(CALLBACK, Answer::json(REFUSED, 401));
-        PresenterClient client(nullptr, service.url());
-        client.loginSuccessResponse(QString::fromLatin1(SUCCESS));
-        client.loginFailureResponse(nullptr, R"({"errorMsgKeys":["earlier.error"]})");
+        service().expect(SUBMIT, Answer::json(REFUSED, 401));
+        service().expect(CALLBACK, Answer::json(REFUSED, 401));
+        client().loginSuccessResponse(QString::fromLatin1(SUCCESS));
+        client().loginFailureResponse(nullptr, R"({"errorMsgKeys":["earlier.error"]})");
 
-        client.doGetAccessToken("u", "p", QString(), QString());
-        QVERIFY(client.isLoggedIn());
-        getOAuthToken(client);
-        QVERIFY(client.isLoggedIn());
-        QCOMPARE(client.lastError(), QStringLiteral("earlier.error"));
+        client().doGetAccessToken("u", "p", QString(), QString());
+        QVERIFY(client().isLoggedIn());
+        getOAuthToken(client());
+        QVERIFY(client().isLoggedIn());
+        QCOMPARE(client().lastError(), QStringLiteral("earlier.error"));
     }
 
     void oauthAccessTokenGivesTheEarlierRegistrationBack()
     {
-        FakeService service;
-        service.expect(CALLBACK, Answer::json(R"({"data":{"mail":"m"}})"));
-        service.expect(CALLBACK, Answer::json("{}", 500));
-        PresenterClient client(nullptr, service.url());
-        getOAuthToken(client);
+        service().expect(CALLBACK, Answer::json(R"({"data":{"mail":"m"}})"));
+        service().expect(CALLBACK, Answer::json("{}", 500));
+        getOAuthToken(client());
         QString registration;
 
-        QCOMPARE(getOAuthToken(client, &registration), QString());
+        QCOMPARE(getOAuthToken(client(), &registration), QString());
         QCOMPARE(registration, QStringLiteral(R"({"mail":"m"})"));
     }
 
@@ -110,29 +103,24 @@ private Q_SLOTS:
     void userName()
     {
         const auto [body, name] = row<QByteArray, QString>();
+        service().expect(SUBMIT, Answer::json(name.isEmpty() ? SUCCESS : "{}"));
+        service().expect(USER, Answer::json(body));
+        loginByPassword(client());
 
-        FakeService service;
-        service.expect(SUBMIT, Answer::json(name.isEmpty() ? SUCCESS : "{}"));
-        service.expect(USER, Answer::json(body));
-        PresenterClient client(nullptr, service.url());
-        loginByPassword(client);
-
-        QCOMPARE(client.doGetUserName(), name);
-        QCOMPARE(client.userId(), name);
-        QCOMPARE(client.userId().isNull(), name.isNull());
-        QCOMPARE(client.isLoggedIn(), !name.isEmpty());
+        QCOMPARE(client().doGetUserName(), name);
+        QCOMPARE(client().userId(), name);
+        QCOMPARE(client().userId().isNull(), name.isNull());
+        QCOMPARE(client().isLoggedIn(), !name.isEmpty());
     }
 
     void userNameStaysAsItWasWhenTheRequestFails()
     {
-        FakeService service;
-        service.expect(SUBMIT, Answer::json(SUCCESS));
-        service.expect(USER, Answer::json(R"({"data":{}})", 500));
-        PresenterClient client(nullptr, service.url());
-        QVERIFY(loginByPassword(client));
+        service().expect(SUBMIT, Answer::json(SUCCESS));
+        service().expect(USER, Answer::json(R"({"data":{}})", 500));
+        QVERIFY(loginByPassword(client()));
 
-        QCOMPARE(client.doGetUserName(), QStringLiteral("u"));
-        QVERIFY(client.isLoggedIn());
+        QCOMPARE(client().doGetUserName(), QStringLiteral("u"));
+        QVERIFY(client().isLoggedIn());
     }
 
     void logout_data()
@@ -150,55 +138,46 @@ private Q_SLOTS:
     void logout()
     {
         const auto [wasLoggedIn, body, status, loggedOut] = row<bool, QByteArray, int, bool>();
-
-        FakeService service;
-        service.expect(LOGOUT, Answer::json(body, status));
-        PresenterClient client(nullptr, service.url());
+        service().expect(LOGOUT, Answer::json(body, status));
         if (wasLoggedIn)
-            client.loginSuccessResponse(QString::fromLatin1(SUCCESS));
+            client().loginSuccessResponse(QString::fromLatin1(SUCCESS));
 
-        QCOMPARE(client.doLogout(), loggedOut);
-        QCOMPARE(client.isLoggedIn(), !loggedOut);
+        QCOMPARE(client().doLogout(), loggedOut);
+        QCOMPARE(client().isLoggedIn(), !loggedOut);
     }
 
     void logoutStopsTheSessionFirst()
     {
-        FakeService service;
-        service.expect("/tavisto/session/stop", Answer::json("{}"));
-        service.expect(LOGOUT, Answer::json("{}"));
-        PresenterClient client(nullptr, service.url());
-        client.sessionStartSuccessResponse(R"({"data":{"sessionToken":"T"}})");
+        service().expect("/tavisto/session/stop", Answer::json("{}"));
+        service().expect(LOGOUT, Answer::json("{}"));
+        client().sessionStartSuccessResponse(R"({"data":{"sessionToken":"T"}})");
 
-        QVERIFY(client.doLogout());
-        QVERIFY(client.sessionToken().isNull());
+        QVERIFY(client().doLogout());
+        QVERIFY(client().sessionToken().isNull());
     }
 
     void logoutWithACodeAloneStopsNothing()
     {
-        FakeService service;
-        service.expect(LOGOUT, Answer::json("{}"));
-        PresenterClient client(nullptr, service.url());
-        client.sessionSuccessResponse(R"({"data":{"sessionCode":"1"}})");
+        service().expect(LOGOUT, Answer::json("{}"));
+        client().sessionSuccessResponse(R"({"data":{"sessionCode":"1"}})");
         const LogRecorder log;
 
-        QVERIFY(client.doLogout());
+        QVERIFY(client().doLogout());
         QCOMPARE(log.debug("[PresenterClient] No session to stop!").size(), 1);
     }
 
     void logoutKeepsTheCredentials()
     {
-        FakeService service;
-        service.expect(SUBMIT, Answer::json(SUCCESS));
-        service.expect(LOGOUT, Answer::json("{}"));
-        service.expect(SUBMIT, Answer::json(SUCCESS));
-        PresenterClient client(nullptr, service.url());
-        QVERIFY(loginByPassword(client));
-        QVERIFY(client.doLogout());
-        QCOMPARE(client.userId(), QStringLiteral("u"));
-        client.reLogin();
+        service().expect(SUBMIT, Answer::json(SUCCESS));
+        service().expect(LOGOUT, Answer::json("{}"));
+        service().expect(SUBMIT, Answer::json(SUCCESS));
+        QVERIFY(loginByPassword(client()));
+        QVERIFY(client().doLogout());
+        QCOMPARE(client().userId(), QStringLiteral("u"));
+        client().reLogin();
 
-        QVERIFY(client.isLoggedIn());
-        QCOMPARE(service.requests().last().body, service.requests().first().body);
+        QVERIFY(client().isLoggedIn());
+        QCOMPARE(service().requests().last().body, service().requests().first().body);
     }
 
     void reLoginChoosesTheCredentials_data()
@@ -268,20 +247,17 @@ private Q_SLOTS:
     void reLoginChoosesTheCredentials()
     {
         auto [prepare, path, body] = row<Preparation, QByteArray, QByteArray>();
-
-        FakeService service;
-        PresenterClient client(nullptr, service.url());
-        prepare(client, service);
-        const int before = service.requests().size();
-        const bool wasLoggedIn = client.isLoggedIn();
+        prepare(client(), service());
+        const int before = service().requests().size();
+        const bool wasLoggedIn = client().isLoggedIn();
         if (!path.isEmpty())
-            service.expect(path, Answer::json(SUCCESS));
-        client.reLogin();
+            service().expect(path, Answer::json(SUCCESS));
+        client().reLogin();
 
-        QCOMPARE(service.requests().size() - before, path.isEmpty() ? 0 : 1);
-        QCOMPARE(client.isLoggedIn(), wasLoggedIn || !path.isEmpty());
+        QCOMPARE(service().requests().size() - before, path.isEmpty() ? 0 : 1);
+        QCOMPARE(client().isLoggedIn(), wasLoggedIn || !path.isEmpty());
         if (!path.isEmpty())
-            QCOMPARE(service.last().body, body.replace("<server>", service.url().toUtf8()));
+            QCOMPARE(service().last().body, body.replace("<server>", service().url().toUtf8()));
     }
 };
 

@@ -1,6 +1,6 @@
 // The keep-alive of a login.
 
-#include "support/FakeService.h"
+#include "support/ClientTest.h"
 #include "support/Logins.h"
 #include "support/Rows.h"
 #include "support/TimerClock.h"
@@ -13,7 +13,6 @@
 #include <functional>
 
 using namespace Logins;
-using Answer = FakeService::Answer;
 
 namespace {
 
@@ -37,7 +36,7 @@ static void advance(int msecs)
     QCoreApplication::processEvents();
 }
 
-class tst_PresenterClientKeepAlive : public QObject
+class tst_PresenterClientKeepAlive : public ClientTest
 {
     Q_OBJECT
 
@@ -56,17 +55,14 @@ private Q_SLOTS:
     void keepAliveRefreshesOnlyTheReachability()
     {
         const auto [body, status, before, after] = row<QByteArray, int, bool, bool>();
+        service().expect(KEEP_ALIVE, Answer::json(body, status));
+        client().loginSuccessResponse(QString::fromLatin1(SUCCESS));
+        client().serverCheckResponse(before ? QStringLiteral("{}") : QString());
+        client().sendKeepAlive();
 
-        FakeService service;
-        service.expect(KEEP_ALIVE, Answer::json(body, status));
-        PresenterClient client(nullptr, service.url());
-        client.loginSuccessResponse(QString::fromLatin1(SUCCESS));
-        client.serverCheckResponse(before ? QStringLiteral("{}") : QString());
-        client.sendKeepAlive();
-
-        QCOMPARE(client.isServerReachable(), after);
-        QVERIFY(client.isLoggedIn());
-        QVERIFY(client.lastError().isNull());
+        QCOMPARE(client().isServerReachable(), after);
+        QVERIFY(client().isLoggedIn());
+        QVERIFY(client().lastError().isNull());
     }
 
     void keepsAliveEveryMinuteAfterALogin_data()
@@ -82,17 +78,14 @@ private Q_SLOTS:
     void keepsAliveEveryMinuteAfterALogin()
     {
         const auto [login, path] = row<Login, QByteArray>();
-
-        FakeService service;
-        service.expect(path, Answer::json(SUCCESS));
-        PresenterClient client(nullptr, service.url());
-        QVERIFY(login(client));
+        service().expect(path, Answer::json(SUCCESS));
+        QVERIFY(login(client()));
         advance(NOT_YET);
-        QCOMPARE(service.requests().size(), 1);
+        QCOMPARE(service().requests().size(), 1);
         for (int i = 0; i < 3; ++i) {
-            service.expect(KEEP_ALIVE, Answer::json("{}"));
+            service().expect(KEEP_ALIVE, Answer::json("{}"));
             advance(i == 0 ? REST_OF_THE_PERIOD : PERIOD);
-            QVERIFY(service.isUsedUp());
+            QVERIFY(service().isUsedUp());
         }
     }
 
@@ -125,31 +118,26 @@ private Q_SLOTS:
     void keepsNothingAliveWithoutALogin()
     {
         const auto [prepare] = row<Preparation>();
-
-        FakeService service;
-        PresenterClient client(nullptr, service.url());
-        prepare(client, service);
-        const int before = service.requests().size();
+        prepare(client(), service());
+        const int before = service().requests().size();
         advance(2 * PERIOD);
 
-        QCOMPARE(service.requests().size(), before);
+        QCOMPARE(service().requests().size(), before);
     }
 
     void loginRestartsThePeriod()
     {
-        FakeService service;
-        service.expect(SUBMIT, Answer::json(SUCCESS));
-        service.expect(SUBMIT, Answer::json(SUCCESS));
-        PresenterClient client(nullptr, service.url());
-        QVERIFY(loginByPassword(client));
+        service().expect(SUBMIT, Answer::json(SUCCESS));
+        service().expect(SUBMIT, Answer::json(SUCCESS));
+        QVERIFY(loginByPassword(client()));
         advance(40000);
-        QVERIFY(loginByPassword(client));
+        QVERIFY(loginByPassword(client()));
         advance(40000);
-        QCOMPARE(service.requests().size(), 2);
-        service.expect(KEEP_ALIVE, Answer::json("{}"));
+        QCOMPARE(service().requests().size(), 2);
+        service().expect(KEEP_ALIVE, Answer::json("{}"));
         advance(PERIOD - 40000);
 
-        QVERIFY(service.isUsedUp());
+        QVERIFY(service().isUsedUp());
     }
 
     void logoutEndsTheKeepAlive_data()
@@ -163,38 +151,33 @@ private Q_SLOTS:
     void logoutEndsTheKeepAlive()
     {
         const auto [status] = row<int>();
-
-        FakeService service;
-        service.expect(SUBMIT, Answer::json(SUCCESS));
-        service.expect(LOGOUT, Answer::json("{}", status));
-        PresenterClient client(nullptr, service.url());
-        QVERIFY(loginByPassword(client));
-        client.doLogout();
+        service().expect(SUBMIT, Answer::json(SUCCESS));
+        service().expect(LOGOUT, Answer::json("{}", status));
+        QVERIFY(loginByPassword(client()));
+        client().doLogout();
         advance(2 * PERIOD);
 
-        QCOMPARE(service.requests().size(), 2);
+        QCOMPARE(service().requests().size(), 2);
     }
 
     void keepAliveFallsDueDuringAnotherWait()
     {
-        FakeService service;
-        service.expect(SUBMIT, Answer::json(SUCCESS));
-        PresenterClient client(nullptr, service.url());
-        QVERIFY(loginByPassword(client));
+        service().expect(SUBMIT, Answer::json(SUCCESS));
+        QVERIFY(loginByPassword(client()));
         advance(PERIOD - 8500);
-        QCOMPARE(service.requests().size(), 1);
-        service.expect(USER, Answer::json(R"({"data":{"userLoginId":"u"}})").held().then([] {
+        QCOMPARE(service().requests().size(), 1);
+        service().expect(USER, Answer::json(R"({"data":{"userLoginId":"u"}})").held().then([] {
             TimerClock::advance(8500); // due, while the wait still has time
         }));
-        service.expect(KEEP_ALIVE, Answer::json("{}"));
-        connect(&client, &PresenterClient::requestProcessed, &service, [&] {
-            if (service.isHolding())
-                QTimer::singleShot(0, &service, [&] { service.release(); });
+        service().expect(KEEP_ALIVE, Answer::json("{}"));
+        connect(&client(), &PresenterClient::requestProcessed, &service(), [&] {
+            if (service().isHolding())
+                QTimer::singleShot(0, &service(), [&] { service().release(); });
         });
 
-        QCOMPARE(client.doGetUserName(), QStringLiteral("u"));
-        QVERIFY(client.isServerReachable());
-        QCOMPARE(service.abandoned(), 0);
+        QCOMPARE(client().doGetUserName(), QStringLiteral("u"));
+        QVERIFY(client().isServerReachable());
+        QCOMPARE(service().abandoned(), 0);
     }
 };
 

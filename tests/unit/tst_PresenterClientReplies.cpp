@@ -1,7 +1,6 @@
 // What becomes of an answer: redirects, encodings, the end of the text, log lines.
 
-#include "support/ClientProbe.h"
-#include "support/FakeService.h"
+#include "support/ClientTest.h"
 #include "support/Gzip.h"
 #include "support/LogRecorder.h"
 #include "support/Rows.h"
@@ -32,7 +31,7 @@ struct Exchange
 
 } // namespace
 
-class tst_PresenterClientReplies : public QObject
+class tst_PresenterClientReplies : public ClientTest
 {
     Q_OBJECT
 
@@ -50,14 +49,12 @@ private Q_SLOTS:
 
     void logsErrorAndBody()
     {
-        FakeService service;
-        service.expect("/a", Answer::json("[1,2]", 500));
-        ClientProbe client(service.url());
+        service().expect("/a", Answer::json("[1,2]", 500));
         QString errorString;
-        connect(client.findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
+        connect(client().findChild<QNetworkAccessManager*>(), &QNetworkAccessManager::finished, this,
                 [&](QNetworkReply* reply) { errorString = reply->errorString(); });
         const LogRecorder log;
-        client.request("/a");
+        client().request("/a");
 
         QVERIFY(!errorString.isEmpty());
         QCOMPARE(log.debug("[REST Response] ").size(), 1);
@@ -105,14 +102,11 @@ private Q_SLOTS:
     void redirectChangesTheBaseAddress()
     {
         const auto [status, location, server] = row<int, QByteArray, QString>();
+        service().expect("/tavisto", Answer::redirect(location, status));
 
-        FakeService service;
-        service.expect("/tavisto", Answer::redirect(location, status));
-        PresenterClient client(nullptr, service.url());
-
-        QVERIFY(client.checkServer(QString(), QString()));
-        QVERIFY(client.isServerReachable());
-        QCOMPARE(client.server(), server);
+        QVERIFY(client().checkServer(QString(), QString()));
+        QVERIFY(client().isServerReachable());
+        QCOMPARE(client().server(), server);
     }
 
     void redirectCallsNoHandler()
@@ -126,16 +120,14 @@ private Q_SLOTS:
 
     void redirectEndsTheOperation()
     {
-        FakeService service;
-        service.expect("/tavisto/login/submit", Answer::redirect("https://moved.example/"));
-        PresenterClient client(nullptr, service.url());
-        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+        service().expect("/tavisto/login/submit", Answer::redirect("https://moved.example/"));
+        const QSignalSpy processed(&client(), SIGNAL(requestProcessed()));
 
-        QVERIFY(!client.doLogin("u", "p"));
+        QVERIFY(!client().doLogin("u", "p"));
         QCOMPARE(processed.size(), 1);
-        QVERIFY(client.lastError().isNull());
-        QVERIFY(client.isServerReachable());
-        QCOMPARE(client.server(), QStringLiteral("https://moved.example"));
+        QVERIFY(client().lastError().isNull());
+        QVERIFY(client().isServerReachable());
+        QCOMPARE(client().server(), QStringLiteral("https://moved.example"));
     }
 
     void redirectIsFollowedByTheNextRequest()
@@ -164,16 +156,13 @@ private Q_SLOTS:
     void otherRedirectsAreAnswersLikeAnyOther()
     {
         const auto [location] = row<QByteArray>();
+        service().expect("/tavisto", Answer::redirect(location));
+        service().expect("/a", Answer::redirect(location));
 
-        FakeService service;
-        service.expect("/tavisto", Answer::redirect(location));
-        service.expect("/a", Answer::redirect(location));
-        ClientProbe client(service.url());
-
-        QVERIFY(!client.checkServer(QString(), QString())); // an empty body is no JSON
-        client.request("/a");
-        QCOMPARE(client.successes.size() + client.failures.size(), 1);
-        QCOMPARE(client.server(), service.url());
+        QVERIFY(!client().checkServer(QString(), QString())); // an empty body is no JSON
+        client().request("/a");
+        QCOMPARE(client().successes.size() + client().failures.size(), 1);
+        QCOMPARE(client().server(), service().url());
     }
 
     void gzipIsInflated()
@@ -199,14 +188,12 @@ private Q_SLOTS:
 
     void gzipNameIsCaseSensitive()
     {
-        FakeService service;
-        service.expect("/tavisto", Answer::json(Gzip::gzip("{}")).with("Content-Encoding", "GZIP"));
-        service.expect("/tavisto", Answer::json("{}").with("Content-Encoding", "GZIP"));
-        PresenterClient client(nullptr, service.url());
+        service().expect("/tavisto", Answer::json(Gzip::gzip("{}")).with("Content-Encoding", "GZIP"));
+        service().expect("/tavisto", Answer::json("{}").with("Content-Encoding", "GZIP"));
         const LogRecorder log;
 
-        QVERIFY(!client.checkServer(QString(), QString()));
-        QVERIFY(client.checkServer(QString(), QString()));
+        QVERIFY(!client().checkServer(QString(), QString()));
+        QVERIFY(client().checkServer(QString(), QString()));
         QVERIFY(log.debug("[REST Responze.gzip]").isEmpty());
     }
 
@@ -245,19 +232,16 @@ private Q_SLOTS:
     void bodyEndsAtItsFirstNul()
     {
         const auto [gzip] = row<bool>();
-
         const QByteArray body("{\"a\":1}\0garbage\0", 16);
         Answer answer = Answer::json(gzip ? Gzip::gzip(body) : body);
         if (gzip)
             answer.with("Content-Encoding", "gzip");
-        FakeService service;
-        service.expect("/a", answer);
-        service.expect("/tavisto", answer);
-        ClientProbe client(service.url());
-        client.request("/a");
+        service().expect("/a", answer);
+        service().expect("/tavisto", answer);
+        client().request("/a");
 
-        QCOMPARE(client.successes, QStringList{"{\"a\":1}"});
-        QVERIFY(client.checkServer(QString(), QString()));
+        QCOMPARE(client().successes, QStringList{"{\"a\":1}"});
+        QVERIFY(client().checkServer(QString(), QString()));
     }
 };
 

@@ -1,6 +1,6 @@
 // TLS, HTTP authentication and proxies, as the client's requests meet them.
 
-#include "support/FakeService.h"
+#include "support/ClientTest.h"
 #include "support/LogRecorder.h"
 #include "support/Rows.h"
 #include "support/TestCertificates.h"
@@ -96,7 +96,7 @@ static bool isReachedThrough(FakeService& proxy, PresenterClient& client)
     return client.checkServer(QString(), QString()) && proxy.last().path == BEHIND_PROXY;
 }
 
-class tst_PresenterClientSecurity : public QObject
+class tst_PresenterClientSecurity : public ClientTest
 {
     Q_OBJECT
 
@@ -277,27 +277,23 @@ private Q_SLOTS:
 
     void challengeIsAnswered()
     {
-        FakeService service;
-        service.expect("/tavisto", challenge());
-        service.expect("/tavisto", Answer::json("{}"));
-        PresenterClient client(nullptr, service.url());
+        service().expect("/tavisto", challenge());
+        service().expect("/tavisto", Answer::json("{}"));
 
-        QVERIFY(client.checkServer("user", "secret"));
-        QVERIFY(service.requests().at(0).header("authorization").isNull());
-        QCOMPARE(service.requests().at(1).header("authorization"), basic("user:secret"));
+        QVERIFY(client().checkServer("user", "secret"));
+        QVERIFY(service().requests().at(0).header("authorization").isNull());
+        QCOMPARE(service().requests().at(1).header("authorization"), basic("user:secret"));
     }
 
     void challengeIsAnsweredWithEarlierCredentials()
     {
-        FakeService service;
-        service.expect("/tavisto", Answer::json("{}"));
-        service.expect("/tavisto/login/user", challenge());
-        service.expect("/tavisto/login/user", Answer::json(R"({"data":{"userLoginId":"u"}})"));
-        PresenterClient client(nullptr, service.url());
-        QVERIFY(client.checkServer("user", "secret"));
+        service().expect("/tavisto", Answer::json("{}"));
+        service().expect("/tavisto/login/user", challenge());
+        service().expect("/tavisto/login/user", Answer::json(R"({"data":{"userLoginId":"u"}})"));
+        QVERIFY(client().checkServer("user", "secret"));
 
-        QCOMPARE(client.doGetUserName(), QStringLiteral("u"));
-        QCOMPARE(service.last().header("authorization"), basic("user:secret"));
+        QCOMPARE(client().doGetUserName(), QStringLiteral("u"));
+        QCOMPARE(service().last().header("authorization"), basic("user:secret"));
     }
 
     void emptyArgumentsKeepEarlierCredentials_data()
@@ -314,36 +310,29 @@ private Q_SLOTS:
     void emptyArgumentsKeepEarlierCredentials()
     {
         const auto [user, password, credentials] = row<QString, QString, QByteArray>();
+        service().expect("/tavisto", Answer::json("{}"));
+        service().expect("/tavisto", challenge());
+        service().expect("/tavisto", Answer::json("{}"));
+        QVERIFY(client().checkServer("user", "secret"));
 
-        FakeService service;
-        service.expect("/tavisto", Answer::json("{}"));
-        service.expect("/tavisto", challenge());
-        service.expect("/tavisto", Answer::json("{}"));
-        PresenterClient client(nullptr, service.url());
-        QVERIFY(client.checkServer("user", "secret"));
-
-        QVERIFY(client.checkServer(user, password));
-        QCOMPARE(service.last().header("authorization"), basic(credentials));
+        QVERIFY(client().checkServer(user, password));
+        QCOMPARE(service().last().header("authorization"), basic(credentials));
     }
 
     void challengeWithoutCredentialsFails()
     {
-        FakeService service;
-        service.expect("/tavisto", challenge());
-        PresenterClient client(nullptr, service.url());
+        service().expect("/tavisto", challenge());
 
-        QVERIFY(!client.checkServer(QString(), QString()));
+        QVERIFY(!client().checkServer(QString(), QString()));
     }
 
     void refusedCredentialsFail()
     {
-        FakeService service;
-        service.expect("/tavisto", challenge());
-        service.expect("/tavisto", challenge());
-        PresenterClient client(nullptr, service.url());
+        service().expect("/tavisto", challenge());
+        service().expect("/tavisto", challenge());
 
-        QVERIFY(!client.checkServer("user", "wrong"));
-        QCOMPARE(service.last().header("authorization"), basic("user:wrong"));
+        QVERIFY(!client().checkServer("user", "wrong"));
+        QCOMPARE(service().last().header("authorization"), basic("user:wrong"));
     }
 
     void authenticatorGetsOnlyWhatIsSet_data()
@@ -359,15 +348,12 @@ private Q_SLOTS:
     void authenticatorGetsOnlyWhatIsSet()
     {
         const auto [user, password, userGiven, passwordGiven] = row<QString, QString, QString, QString>();
-
-        FakeService service;
-        service.expect("/tavisto", Answer::json("{}"));
-        PresenterClient client(nullptr, service.url());
-        QVERIFY(client.checkServer(user, password));
+        service().expect("/tavisto", Answer::json("{}"));
+        QVERIFY(client().checkServer(user, password));
         QAuthenticator authenticator;
         authenticator.setUser("before");
         authenticator.setPassword("before");
-        QVERIFY(QMetaObject::invokeMethod(&client, "authenticationRequired", Q_ARG(QNetworkReply*, nullptr),
+        QVERIFY(QMetaObject::invokeMethod(&client(), "authenticationRequired", Q_ARG(QNetworkReply*, nullptr),
                                           Q_ARG(QAuthenticator*, &authenticator)));
 
         QCOMPARE(authenticator.user(), userGiven);

@@ -1,6 +1,6 @@
 // Whether the service is there, and whether it is the service.
 
-#include "support/FakeService.h"
+#include "support/ClientTest.h"
 #include "support/ProcessResources.h"
 #include "support/Rows.h"
 
@@ -8,34 +8,28 @@
 
 #include <QTest>
 
-using Answer = FakeService::Answer;
-
-class tst_PresenterClientServerCheck : public QObject
+class tst_PresenterClientServerCheck : public ClientTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void checkServerPostsAnEmptyBody()
     {
-        FakeService service;
-        service.expect("/tavisto", Answer::json("{}"));
-        PresenterClient client(nullptr, service.url());
+        service().expect("/tavisto", Answer::json("{}"));
 
-        QVERIFY(client.checkServer(QString(), QString()));
-        QCOMPARE(service.last().method, QByteArray("POST"));
-        QCOMPARE(service.last().body, QByteArray());
-        QCOMPARE(service.last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
+        QVERIFY(client().checkServer(QString(), QString()));
+        QCOMPARE(service().last().method, QByteArray("POST"));
+        QCOMPARE(service().last().body, QByteArray());
+        QCOMPARE(service().last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
     }
 
     // Else the bodies of the requests that follow on this connection wait for 40 ms each.
     void connectionOfTheCheckSendsAtOnce()
     {
-        FakeService service;
-        service.expect("/tavisto", Answer::json("{}"));
-        PresenterClient client(nullptr, service.url());
+        service().expect("/tavisto", Answer::json("{}"));
 
-        QVERIFY(client.checkServer(QString(), QString()));
-        QCOMPARE(ProcessResources::connectionsThatSendAtOnce(service.serverPort()), 1);
+        QVERIFY(client().checkServer(QString(), QString()));
+        QCOMPARE(ProcessResources::connectionsThatSendAtOnce(service().serverPort()), 1);
     }
 
     void checkServer_data()
@@ -55,41 +49,34 @@ private Q_SLOTS:
     void checkServer()
     {
         const auto [status, body, reachable] = row<int, QByteArray, bool>();
+        service().expect("/tavisto", Answer::json("{}"));
+        service().expect("/tavisto", Answer::json(body, status));
 
-        FakeService service;
-        service.expect("/tavisto", Answer::json("{}"));
-        service.expect("/tavisto", Answer::json(body, status));
-        PresenterClient client(nullptr, service.url());
-
-        QVERIFY(client.checkServer(QString(), QString()));
-        QCOMPARE(client.checkServer(QString(), QString()), reachable);
-        QCOMPARE(client.isServerReachable(), reachable);
+        QVERIFY(client().checkServer(QString(), QString()));
+        QCOMPARE(client().checkServer(QString(), QString()), reachable);
+        QCOMPARE(client().isServerReachable(), reachable);
     }
 
     void checkServerWithoutAnyService()
     {
-        FakeService service;
-        service.expect("/tavisto", Answer::gone());
-        PresenterClient client(nullptr, service.url());
+        service().expect("/tavisto", Answer::gone());
 
-        QVERIFY(!client.checkServer(QString(), QString()));
-        QVERIFY(!client.checkServer(QString(), QString())); // nobody listens any more
-        QVERIFY(client.lastError().isNull());
+        QVERIFY(!client().checkServer(QString(), QString()));
+        QVERIFY(!client().checkServer(QString(), QString())); // nobody listens any more
+        QVERIFY(client().lastError().isNull());
     }
 
     void checkServerClearsTheLastError()
     {
-        FakeService service;
-        service.expect("/tavisto", Answer::json("{}"));
-        service.expect("/tavisto", Answer::json(R"({"errorMsgKeys":["b.error"]})", 500));
-        PresenterClient client(nullptr, service.url());
-        client.loginFailureResponse(nullptr, R"({"errorMsgKeys":["a.error"]})");
-        QCOMPARE(client.lastError(), QStringLiteral("a.error"));
+        service().expect("/tavisto", Answer::json("{}"));
+        service().expect("/tavisto", Answer::json(R"({"errorMsgKeys":["b.error"]})", 500));
+        client().loginFailureResponse(nullptr, R"({"errorMsgKeys":["a.error"]})");
+        QCOMPARE(client().lastError(), QStringLiteral("a.error"));
 
-        QVERIFY(client.checkServer(QString(), QString()));
-        QVERIFY(client.lastError().isNull());
-        QVERIFY(!client.checkServer(QString(), QString()));
-        QVERIFY(client.lastError().isNull()); // it has no failure handler
+        QVERIFY(client().checkServer(QString(), QString()));
+        QVERIFY(client().lastError().isNull());
+        QVERIFY(!client().checkServer(QString(), QString()));
+        QVERIFY(client().lastError().isNull()); // it has no failure handler
     }
 
     void serverCheckLooksOnlyAtTheSyntax_data()
@@ -107,13 +94,11 @@ private Q_SLOTS:
     void serverCheckLooksOnlyAtTheSyntax()
     {
         const auto [body, reachable] = row<QString, bool>();
+        client().serverCheckResponse("{}");
+        QVERIFY(client().isServerReachable());
+        client().serverCheckResponse(body);
 
-        PresenterClient client(nullptr, "http://127.0.0.1:1");
-        client.serverCheckResponse("{}");
-        QVERIFY(client.isServerReachable());
-        client.serverCheckResponse(body);
-
-        QCOMPARE(client.isServerReachable(), reachable);
+        QCOMPARE(client().isServerReachable(), reachable);
     }
 };
 

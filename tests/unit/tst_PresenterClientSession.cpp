@@ -1,6 +1,6 @@
 // Creating a classroom session, and who is in it.
 
-#include "support/FakeService.h"
+#include "support/ClientTest.h"
 #include "support/LogRecorder.h"
 #include "support/Rows.h"
 #include "support/Sessions.h"
@@ -10,7 +10,6 @@
 
 #include <QTest>
 
-using Answer = FakeService::Answer;
 using namespace Sessions;
 
 namespace {
@@ -33,23 +32,21 @@ QStringList texts(const QList<Calyx::Learner>& learners)
 
 } // namespace
 
-class tst_PresenterClientSession : public QObject
+class tst_PresenterClientSession : public ClientTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void asksWhoIsLoggedInAndCreates()
     {
-        FakeService service;
-        service.expect(USER, Answer::json(LOGGED_IN));
-        service.expect(CREATE, Answer::json(CREATED));
-        PresenterClient client(nullptr, service.url());
+        service().expect(USER, Answer::json(LOGGED_IN));
+        service().expect(CREATE, Answer::json(CREATED));
 
-        QVERIFY(client.doStartSession("not used"));
-        QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
-        QVERIFY(client.sessionToken().isNull());
-        QVERIFY(client.isLoggedIn());
-        for (const FakeService::Request& request : service.requests()) {
+        QVERIFY(client().doStartSession("not used"));
+        QCOMPARE(client().sessionCode(), QStringLiteral("123456"));
+        QVERIFY(client().sessionToken().isNull());
+        QVERIFY(client().isLoggedIn());
+        for (const FakeService::Request& request : service().requests()) {
             QCOMPARE(request.method, QByteArray("POST"));
             QCOMPARE(request.header("content-type"), QByteArray("application/json; charset=UTF-8"));
             QCOMPARE(request.body, QByteArray("{}"));
@@ -74,15 +71,12 @@ private Q_SLOTS:
     void code()
     {
         const auto [body, created, code] = row<QByteArray, bool, QString>();
+        service().expect(USER, Answer::json(LOGGED_IN));
+        service().expect(CREATE, Answer::json(body));
 
-        FakeService service;
-        service.expect(USER, Answer::json(LOGGED_IN));
-        service.expect(CREATE, Answer::json(body));
-        PresenterClient client(nullptr, service.url());
-
-        QCOMPARE(client.doStartSession(QString()), created);
-        QCOMPARE(client.sessionCode(), code);
-        QCOMPARE(client.sessionCode().isNull(), code.isNull());
+        QCOMPARE(client().doStartSession(QString()), created);
+        QCOMPARE(client().sessionCode(), code);
+        QCOMPARE(client().sessionCode().isNull(), code.isNull());
     }
 
     void refusedCreationKeepsTheErrorKey_data()
@@ -98,16 +92,13 @@ private Q_SLOTS:
     void refusedCreationKeepsTheErrorKey()
     {
         const auto [body, error] = row<QByteArray, QString>();
+        service().expect(USER, Answer::json(LOGGED_IN));
+        service().expect(CREATE, Answer::json(body, 500));
 
-        FakeService service;
-        service.expect(USER, Answer::json(LOGGED_IN));
-        service.expect(CREATE, Answer::json(body, 500));
-        PresenterClient client(nullptr, service.url());
-
-        QVERIFY(!client.doStartSession(QString()));
-        QCOMPARE(client.lastError(), error);
-        QCOMPARE(client.lastError().isNull(), error.isNull());
-        QVERIFY(client.sessionCode().isNull());
+        QVERIFY(!client().doStartSession(QString()));
+        QCOMPARE(client().lastError(), error);
+        QCOMPARE(client().lastError().isNull(), error.isNull());
+        QVERIFY(client().sessionCode().isNull());
     }
 
     void unansweredCreationFails_data()
@@ -121,126 +112,108 @@ private Q_SLOTS:
     void unansweredCreationFails()
     {
         const auto [cut] = row<bool>();
+        service().expect(USER, Answer::json(LOGGED_IN));
+        service().expect(CREATE, cut ? Answer::cut(CREATED) : Answer::gone());
 
-        FakeService service;
-        service.expect(USER, Answer::json(LOGGED_IN));
-        service.expect(CREATE, cut ? Answer::cut(CREATED) : Answer::gone());
-        PresenterClient client(nullptr, service.url());
-
-        QVERIFY(!client.doStartSession(QString()));
-        QVERIFY(client.sessionCode().isNull());
-        QVERIFY(client.lastError().isNull());
+        QVERIFY(!client().doStartSession(QString()));
+        QVERIFY(client().sessionCode().isNull());
+        QVERIFY(client().lastError().isNull());
     }
 
     void creationForgetsTheEarlierSessionFirst()
     {
-        FakeService service;
-        PresenterClient client(nullptr, service.url());
-        openSession(client);
+        openSession(client());
         bool forgottenMeanwhile = false;
-        service.expect(USER, Answer::json(LOGGED_IN));
-        service.expect(CREATE, Answer::json("{}", 500).then([&] {
-            forgottenMeanwhile = client.sessionCode().isNull() && client.sessionToken().isNull();
+        service().expect(USER, Answer::json(LOGGED_IN));
+        service().expect(CREATE, Answer::json("{}", 500).then([&] {
+            forgottenMeanwhile = client().sessionCode().isNull() && client().sessionToken().isNull();
         }));
 
-        QVERIFY(!client.doStartSession(QString()));
+        QVERIFY(!client().doStartSession(QString()));
         QVERIFY(forgottenMeanwhile);
-        QVERIFY(client.sessionCode().isNull());
-        QVERIFY(client.sessionToken().isNull());
+        QVERIFY(client().sessionCode().isNull());
+        QVERIFY(client().sessionToken().isNull());
     }
 
     void creationClearsTheLastError()
     {
-        FakeService service;
-        service.expect(USER, Answer::json(LOGGED_IN));
-        service.expect(CREATE, Answer::json(CREATED));
-        PresenterClient client(nullptr, service.url());
-        client.sessionFailureResponse(nullptr, R"({"errorMsgKeys":["earlier.error"]})");
-        QCOMPARE(client.lastError(), QStringLiteral("earlier.error"));
+        service().expect(USER, Answer::json(LOGGED_IN));
+        service().expect(CREATE, Answer::json(CREATED));
+        client().sessionFailureResponse(nullptr, R"({"errorMsgKeys":["earlier.error"]})");
+        QCOMPARE(client().lastError(), QStringLiteral("earlier.error"));
 
-        QVERIFY(client.doStartSession(QString()));
-        QVERIFY(client.lastError().isNull());
+        QVERIFY(client().doStartSession(QString()));
+        QVERIFY(client().lastError().isNull());
     }
 
     // A service that does not know us any more answers the question for the user with an error.
     void logsInAgainWhenNeeded()
     {
-        FakeService service;
-        service.expect(SUBMIT, Answer::json("{}"));
-        service.expect(USER, Answer::json("{}", 401));
-        service.expect(SUBMIT, Answer::json(R"({"infoMsgs":["success"]})"));
-        service.expect(CREATE, Answer::json(CREATED));
-        PresenterClient client(nullptr, service.url());
-        QVERIFY(!client.doLogin("u", "p"));
+        service().expect(SUBMIT, Answer::json("{}"));
+        service().expect(USER, Answer::json("{}", 401));
+        service().expect(SUBMIT, Answer::json(R"({"infoMsgs":["success"]})"));
+        service().expect(CREATE, Answer::json(CREATED));
+        QVERIFY(!client().doLogin("u", "p"));
 
-        QVERIFY(client.doStartSession(QString()));
-        QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
+        QVERIFY(client().doStartSession(QString()));
+        QCOMPARE(client().sessionCode(), QStringLiteral("123456"));
     }
 
     void failedReLoginCreatesNothing()
     {
-        FakeService service;
-        service.expect(SUBMIT, Answer::json("{}"));
-        service.expect(USER, Answer::json("{}", 401));
-        service.expect(SUBMIT, Answer::json(R"({"errorMsgKeys":["login.error"]})", 401));
-        PresenterClient client(nullptr, service.url());
-        QVERIFY(!client.doLogin("u", "p"));
-        createSession(client);
+        service().expect(SUBMIT, Answer::json("{}"));
+        service().expect(USER, Answer::json("{}", 401));
+        service().expect(SUBMIT, Answer::json(R"({"errorMsgKeys":["login.error"]})", 401));
+        QVERIFY(!client().doLogin("u", "p"));
+        createSession(client());
 
-        QVERIFY(!client.doStartSession(QString()));
-        QCOMPARE(client.lastError(), QStringLiteral("login.error"));
-        QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
+        QVERIFY(!client().doStartSession(QString()));
+        QCOMPARE(client().lastError(), QStringLiteral("login.error"));
+        QCOMPARE(client().sessionCode(), QStringLiteral("123456"));
     }
 
     // Without a user id there is nobody to log in again.
     void unknownUserCreatesNothing()
     {
-        FakeService service;
-        service.expect(SUBMIT, Answer::json(R"({"infoMsgs":["success"]})"));
-        service.expect(USER, Answer::json(R"({"data":{}})"));
-        PresenterClient client(nullptr, service.url());
-        QVERIFY(client.doLogin("u", "p"));
+        service().expect(SUBMIT, Answer::json(R"({"infoMsgs":["success"]})"));
+        service().expect(USER, Answer::json(R"({"data":{}})"));
+        QVERIFY(client().doLogin("u", "p"));
 
-        QVERIFY(!client.doStartSession(QString()));
+        QVERIFY(!client().doStartSession(QString()));
     }
 
     void handlersLeaveThingsAloneWithoutJson()
     {
-        PresenterClient client(nullptr, "http://127.0.0.1:1");
-        createSession(client);
-        client.sessionFailureResponse(nullptr, R"({"errorMsgKeys":["a.error"]})");
-        client.sessionSuccessResponse("{\"data\":");
-        client.sessionFailureResponse(nullptr, "error");
+        createSession(client());
+        client().sessionFailureResponse(nullptr, R"({"errorMsgKeys":["a.error"]})");
+        client().sessionSuccessResponse("{\"data\":");
+        client().sessionFailureResponse(nullptr, "error");
 
-        QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
-        QCOMPARE(client.lastError(), QStringLiteral("a.error"));
-        client.sessionFailureResponse(nullptr, "{}");
-        QVERIFY(client.lastError().isNull());
+        QCOMPARE(client().sessionCode(), QStringLiteral("123456"));
+        QCOMPARE(client().lastError(), QStringLiteral("a.error"));
+        client().sessionFailureResponse(nullptr, "{}");
+        QVERIFY(client().lastError().isNull());
     }
 
     void asksForTheLearnersOfTheSession()
     {
-        FakeService service;
-        service.expect(USERS, Answer::json(R"({"data":{"users":[]}})"));
-        PresenterClient client(nullptr, service.url());
-        openSession(client, "é\\\"%1");
-        QCOMPARE(client.sessionToken(), QString::fromUtf8("é\"%1"));
+        service().expect(USERS, Answer::json(R"({"data":{"users":[]}})"));
+        openSession(client(), "é\\\"%1");
+        QCOMPARE(client().sessionToken(), QString::fromUtf8("é\"%1"));
 
-        QVERIFY(client.doGetLearners());
-        QCOMPARE(service.last().method, QByteArray("POST"));
-        QCOMPARE(service.last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
-        QCOMPARE(service.last().body, QByteArray("{\"sessionToken\":\"é\"%1\"}"));
-        service.expect(STOP, Answer::json("{}"));
+        QVERIFY(client().doGetLearners());
+        QCOMPARE(service().last().method, QByteArray("POST"));
+        QCOMPARE(service().last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
+        QCOMPARE(service().last().body, QByteArray("{\"sessionToken\":\"é\"%1\"}"));
+        service().expect(STOP, Answer::json("{}"));
     }
 
     void noLearnersWithoutASession()
     {
-        FakeService service;
-        PresenterClient client(nullptr, service.url());
-        createSession(client);
+        createSession(client());
         const LogRecorder log;
 
-        QVERIFY(!client.doGetLearners());
+        QVERIFY(!client().doGetLearners());
         QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to get users for!"});
     }
 
@@ -270,17 +243,14 @@ private Q_SLOTS:
     void learners()
     {
         const auto [users, learners] = row<QByteArray, QStringList>();
+        service().expect(USERS, Answer::json("{\"data\":{\"users\":" + users + "}}"));
+        openSession(client());
+        client().getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
+        QCOMPARE(client().learners().size(), 1);
 
-        FakeService service;
-        service.expect(USERS, Answer::json("{\"data\":{\"users\":" + users + "}}"));
-        PresenterClient client(nullptr, service.url());
-        openSession(client);
-        client.getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
-        QCOMPARE(client.learners().size(), 1);
-
-        QVERIFY(client.doGetLearners());
-        QCOMPARE(texts(client.learners()), learners);
-        service.expect(STOP, Answer::json("{}"));
+        QVERIFY(client().doGetLearners());
+        QCOMPARE(texts(client().learners()), learners);
+        service().expect(STOP, Answer::json("{}"));
     }
 
     void badListLeavesTheLearners_data()
@@ -299,16 +269,13 @@ private Q_SLOTS:
     void badListLeavesTheLearners()
     {
         const auto [body] = row<QByteArray>();
+        service().expect(USERS, Answer::json(body));
+        openSession(client());
+        client().getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
 
-        FakeService service;
-        service.expect(USERS, Answer::json(body));
-        PresenterClient client(nullptr, service.url());
-        openSession(client);
-        client.getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
-
-        QVERIFY(client.doGetLearners());
-        QCOMPARE(texts(client.learners()), QStringList{"old  "});
-        service.expect(STOP, Answer::json("{}"));
+        QVERIFY(client().doGetLearners());
+        QCOMPARE(texts(client().learners()), QStringList{"old  "});
+        service().expect(STOP, Answer::json("{}"));
     }
 
     void failedRequestLeavesTheLearners_data()
@@ -322,18 +289,15 @@ private Q_SLOTS:
     void failedRequestLeavesTheLearners()
     {
         const auto [cut] = row<bool>();
-
         const QByteArray body(R"({"errorMsgKeys":["a.error"],"data":{"users":[]}})");
-        FakeService service;
-        service.expect(USERS, cut ? Answer::cut(body) : Answer::json(body, 500));
-        PresenterClient client(nullptr, service.url());
-        openSession(client);
-        client.getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
+        service().expect(USERS, cut ? Answer::cut(body) : Answer::json(body, 500));
+        openSession(client());
+        client().getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
 
-        QVERIFY(client.doGetLearners());
-        QCOMPARE(texts(client.learners()), QStringList{"old  "});
-        QVERIFY(client.lastError().isNull());
-        service.expect(STOP, Answer::json("{}"));
+        QVERIFY(client().doGetLearners());
+        QCOMPARE(texts(client().learners()), QStringList{"old  "});
+        QVERIFY(client().lastError().isNull());
+        service().expect(STOP, Answer::json("{}"));
     }
 };
 

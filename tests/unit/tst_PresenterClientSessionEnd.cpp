@@ -1,6 +1,6 @@
 // Stopping a classroom session, and clients that go with one.
 
-#include "support/FakeService.h"
+#include "support/ClientTest.h"
 #include "support/Lesson.h"
 #include "support/LogRecorder.h"
 #include "support/Rows.h"
@@ -15,52 +15,45 @@
 
 #include <memory>
 
-using Answer = FakeService::Answer;
 using namespace Sessions;
 
-class tst_PresenterClientSessionEnd : public QObject
+class tst_PresenterClientSessionEnd : public ClientTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void stopsTheSession()
     {
-        FakeService service;
-        service.expect(STOP, Answer::json("{}"));
-        PresenterClient client(nullptr, service.url());
-        openSession(client, "%1");
+        service().expect(STOP, Answer::json("{}"));
+        openSession(client(), "%1");
 
-        QVERIFY(client.doStopSession());
-        QCOMPARE(service.last().method, QByteArray("POST"));
-        QCOMPARE(service.last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
-        QCOMPARE(service.last().body, QByteArray(R"({"sessionToken":"%1"})"));
+        QVERIFY(client().doStopSession());
+        QCOMPARE(service().last().method, QByteArray("POST"));
+        QCOMPARE(service().last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
+        QCOMPARE(service().last().body, QByteArray(R"({"sessionToken":"%1"})"));
     }
 
     void stopSetsOnlyTokenAndCodeToNull();
 
     void secondStopFindsNoSession()
     {
-        FakeService service;
-        service.expect(STOP, Answer::json("{}"));
-        PresenterClient client(nullptr, service.url());
-        openSession(client);
-        QVERIFY(client.doStopSession());
+        service().expect(STOP, Answer::json("{}"));
+        openSession(client());
+        QVERIFY(client().doStopSession());
         const LogRecorder log;
 
-        QVERIFY(!client.doStopSession());
+        QVERIFY(!client().doStopSession());
         QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to stop!"});
     }
 
     void sessionThatWasNeverStartedIsNotStopped()
     {
-        FakeService service;
-        PresenterClient client(nullptr, service.url());
-        createSession(client);
+        createSession(client());
         const LogRecorder log;
 
-        QVERIFY(!client.doStopSession());
+        QVERIFY(!client().doStopSession());
         QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to stop!"});
-        QCOMPARE(client.sessionCode(), QStringLiteral("123456"));
+        QCOMPARE(client().sessionCode(), QStringLiteral("123456"));
     }
 
     void stopNeedsNoGoodAnswer_data()
@@ -75,18 +68,15 @@ private Q_SLOTS:
     void stopNeedsNoGoodAnswer()
     {
         const auto [kind] = row<int>();
-
         const Answer answers[] = {Answer::json(R"({"errorMsgKeys":["a.error"]})", 500), Answer::json("bye"),
                                   Answer::gone()};
-        FakeService service;
-        service.expect(STOP, answers[kind]);
-        PresenterClient client(nullptr, service.url());
-        openSession(client);
+        service().expect(STOP, answers[kind]);
+        openSession(client());
 
-        QVERIFY(client.doStopSession());
-        QVERIFY(client.sessionToken().isNull());
-        QVERIFY(client.sessionCode().isNull());
-        QVERIFY(client.lastError().isNull());
+        QVERIFY(client().doStopSession());
+        QVERIFY(client().sessionToken().isNull());
+        QVERIFY(client().sessionCode().isNull());
+        QVERIFY(client().lastError().isNull());
     }
 
     void stopClosesTheChannelFirst()
@@ -109,13 +99,11 @@ private Q_SLOTS:
     void stopLogsAfterTheRequest()
     {
         const QString line = "[PresenterClient] Stopping session, closing websocket...";
-        FakeService service;
-        PresenterClient client(nullptr, service.url());
-        openSession(client);
+        openSession(client());
         const LogRecorder log;
         int before = -1;
-        service.expect(STOP, Answer::json("{}").then([&] { before = log.debug(line).size(); }));
-        client.doStopSession();
+        service().expect(STOP, Answer::json("{}").then([&] { before = log.debug(line).size(); }));
+        client().doStopSession();
 
         QCOMPARE(before, 0);
         QCOMPARE(log.debug().last(), line);
@@ -123,62 +111,52 @@ private Q_SLOTS:
 
     void destructorStopsTheSession()
     {
-        FakeService service;
-        service.expect(STOP, Answer::json("{}"));
-        auto client = std::make_unique<PresenterClient>(nullptr, service.url());
-        openSession(*client);
-        client.reset();
+        service().expect(STOP, Answer::json("{}"));
+        openSession(client());
+        deleteClient();
 
-        QCOMPARE(service.last().body, QByteArray(R"({"sessionToken":"T"})"));
+        QCOMPARE(service().last().body, QByteArray(R"({"sessionToken":"T"})"));
     }
 
     void destructorOfACreatedSessionOnlyLogs()
     {
-        FakeService service;
-        auto client = std::make_unique<PresenterClient>(nullptr, service.url());
-        createSession(*client);
+        createSession(client());
         const LogRecorder log;
-        client.reset();
+        deleteClient();
 
         QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to stop!"});
     }
 
     void destructorWithoutSessionDoesNothing()
     {
-        FakeService service;
-        auto client = std::make_unique<PresenterClient>(nullptr, service.url());
         const LogRecorder log;
-        client.reset();
+        deleteClient();
 
         QVERIFY(log.messages().isEmpty());
     }
 
     void destructorWaitsNoLongerThanTheLimit()
     {
-        FakeService service;
-        service.expect(STOP, Answer::never().then([] { TimerClock::advance(10600); }));
-        auto client = std::make_unique<PresenterClient>(nullptr, service.url());
-        openSession(*client);
-        client.reset();
+        service().expect(STOP, Answer::never().then([] { TimerClock::advance(10600); }));
+        openSession(client());
+        deleteClient();
 
-        QTRY_COMPARE(service.abandoned(), 1);
+        QTRY_COMPARE(service().abandoned(), 1);
     }
 
     void destructorKeepsNothingAlive()
     {
-        FakeService service;
-        service.expect("/tavisto/login/submit", Answer::json(R"({"infoMsgs":["success"]})"));
-        auto client = std::make_unique<PresenterClient>(nullptr, service.url());
-        QVERIFY(client->doLogin("u", "p"));
-        openSession(*client);
+        service().expect("/tavisto/login/submit", Answer::json(R"({"infoMsgs":["success"]})"));
+        QVERIFY(client().doLogin("u", "p"));
+        openSession(client());
         TimerClock::advance(55000);
-        service.expect(STOP, Answer::json("{}").held().then([&] {
+        service().expect(STOP, Answer::json("{}").held().then([&] {
             TimerClock::advance(9000); // the next keep-alive is due, the limit of the wait is not
-            QTimer::singleShot(0, &service, [&] { service.release(); });
+            QTimer::singleShot(0, &service(), [&] { service().release(); });
         }));
-        client.reset();
+        deleteClient();
 
-        QVERIFY(service.isUsedUp());
+        QVERIFY(service().isUsedUp());
     }
 
     void destructorClosesTheChannel()

@@ -1,13 +1,11 @@
 // Storing a resource on the service.
 
-#include "support/FakeService.h"
+#include "support/ClientTest.h"
 #include "support/Rows.h"
 
 #include <CalyxClient/PresenterClient>
 
 #include <QTest>
-
-using Answer = FakeService::Answer;
 
 namespace {
 
@@ -44,7 +42,7 @@ struct Upload
 
 } // namespace
 
-class tst_PresenterClientUpload : public QObject
+class tst_PresenterClientUpload : public ClientTest
 {
     Q_OBJECT
 
@@ -70,15 +68,12 @@ private Q_SLOTS:
     void sendsTheBody()
     {
         const auto [fileName, data] = row<QString, QByteArray>();
-
-        FakeService service;
-        service.expect(UPLOAD, Answer::json(STORED));
-        PresenterClient client(nullptr, service.url());
+        service().expect(UPLOAD, Answer::json(STORED));
         QString id;
         QString path;
 
-        QVERIFY(client.doUploadResource(fileName, data, &id, &path));
-        const FakeService::Request request = service.last();
+        QVERIFY(client().doUploadResource(fileName, data, &id, &path));
+        const FakeService::Request request = service().last();
         QCOMPARE(request.method, QByteArray("POST"));
         QCOMPARE(request.header("accept-encoding"), QByteArray("identity"));
         QCOMPARE(request.header("content-type"),
@@ -105,9 +100,7 @@ private Q_SLOTS:
     void multipartValue()
     {
         const auto [name, value, last, text] = row<QString, QString, bool, QString>();
-
-        PresenterClient client(nullptr, "http://127.0.0.1:1");
-        QCOMPARE(client.addMultipartValue(name, value, last), text);
+        QCOMPARE(client().addMultipartValue(name, value, last), text);
     }
 
     void givesIdAndDownloadPath_data()
@@ -131,29 +124,24 @@ private Q_SLOTS:
     void givesIdAndDownloadPath()
     {
         const auto [body, id, resourcePath] = row<QByteArray, QString, QString>();
-
-        FakeService service;
-        service.expect(UPLOAD, Answer::json(body));
-        PresenterClient client(nullptr, service.url());
-        const Upload upload(client);
+        service().expect(UPLOAD, Answer::json(body));
+        const Upload upload(client());
 
         QVERIFY(upload.done);
         QCOMPARE(upload.id, id);
         QCOMPARE(upload.path, "/tavisto/resource/downloadResourceFile?resourceId=" + id);
-        QCOMPARE(client.resourceId(), id);
-        QVERIFY(!client.resourceId().isNull());
-        QCOMPARE(client.resourcePath(), resourcePath);
-        QVERIFY(client.lastError().isNull());
+        QCOMPARE(client().resourceId(), id);
+        QVERIFY(!client().resourceId().isNull());
+        QCOMPARE(client().resourcePath(), resourcePath);
+        QVERIFY(client().lastError().isNull());
     }
 
     void whatIsNotWantedIsNotWritten()
     {
-        FakeService service;
-        service.expect(UPLOAD, Answer::json(STORED));
-        PresenterClient client(nullptr, service.url());
+        service().expect(UPLOAD, Answer::json(STORED));
 
-        QVERIFY(client.doUploadResource("f.png", QByteArray("ABC"), nullptr, nullptr));
-        QCOMPARE(client.resourceId(), QStringLiteral("r1"));
+        QVERIFY(client().doUploadResource("f.png", QByteArray("ABC"), nullptr, nullptr));
+        QCOMPARE(client().resourceId(), QStringLiteral("r1"));
     }
 
     void failureTouchesNothing_data()
@@ -171,49 +159,43 @@ private Q_SLOTS:
     void failureTouchesNothing()
     {
         const auto [kind] = row<int>();
-
         const Answer answers[] = {
             Answer::json(STORED, 500),     Answer::json(R"({"errorMsgKeys":["upload.error"]})", 500),
             Answer::json("<html></html>"), Answer::json(""),
             Answer::cut(STORED),           Answer::gone()};
-        FakeService service;
-        service.expect(UPLOAD, answers[kind]);
-        PresenterClient client(nullptr, service.url());
-        const Upload upload(client);
+        service().expect(UPLOAD, answers[kind]);
+        const Upload upload(client());
 
         QVERIFY(!upload.done);
         QCOMPARE(upload.id, QStringLiteral("untouched"));
         QCOMPARE(upload.path, QStringLiteral("untouched"));
-        QVERIFY(client.resourceId().isNull());
-        QVERIFY(client.resourcePath().isNull());
-        QVERIFY(client.lastError().isNull());
+        QVERIFY(client().resourceId().isNull());
+        QVERIFY(client().resourcePath().isNull());
+        QVERIFY(client().lastError().isNull());
     }
 
     void uploadForgetsTheEarlierResourceFirst()
     {
-        FakeService service;
-        PresenterClient client(nullptr, service.url());
         bool forgottenMeanwhile = false;
-        service.expect(UPLOAD, Answer::json(STORED));
-        service.expect(UPLOAD, Answer::json("", 500).then([&] {
-            forgottenMeanwhile = client.resourceId().isNull() && client.resourcePath().isNull();
+        service().expect(UPLOAD, Answer::json(STORED));
+        service().expect(UPLOAD, Answer::json("", 500).then([&] {
+            forgottenMeanwhile = client().resourceId().isNull() && client().resourcePath().isNull();
         }));
-        QVERIFY(Upload(client).done);
-        QVERIFY(!Upload(client).done);
+        QVERIFY(Upload(client()).done);
+        QVERIFY(!Upload(client()).done);
 
         QVERIFY(forgottenMeanwhile);
-        QVERIFY(client.resourceId().isNull());
-        QVERIFY(client.resourcePath().isNull());
+        QVERIFY(client().resourceId().isNull());
+        QVERIFY(client().resourcePath().isNull());
     }
 
     void handlerLeavesThingsAloneWithoutJson()
     {
-        PresenterClient client(nullptr, "http://127.0.0.1:1");
-        client.uploadResourceResponse(QString::fromLatin1(STORED));
-        client.uploadResourceResponse("{\"data\":");
+        client().uploadResourceResponse(QString::fromLatin1(STORED));
+        client().uploadResourceResponse("{\"data\":");
 
-        QCOMPARE(client.resourceId(), QStringLiteral("r1"));
-        QCOMPARE(client.resourcePath(), QStringLiteral("/files/r1"));
+        QCOMPARE(client().resourceId(), QStringLiteral("r1"));
+        QCOMPARE(client().resourcePath(), QStringLiteral("/files/r1"));
     }
 };
 

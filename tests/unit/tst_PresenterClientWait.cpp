@@ -1,8 +1,7 @@
 // How operations wait: for how long, for what, and what may happen meanwhile.
 
 #include "support/ClientOperations.h"
-#include "support/ClientProbe.h"
-#include "support/FakeService.h"
+#include "support/ClientTest.h"
 #include "support/LogRecorder.h"
 #include "support/Rows.h"
 #include "support/TimerClock.h"
@@ -16,7 +15,6 @@
 #include <QTimer>
 
 using namespace ClientOperations;
-using Answer = FakeService::Answer;
 
 namespace {
 
@@ -26,71 +24,63 @@ const int PAST_THE_LIMIT = 10600;
 
 } // namespace
 
-class tst_PresenterClientWait : public QObject
+class tst_PresenterClientWait : public ClientTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void noAnswerIn10SecondsIsAborted()
     {
-        FakeService service;
-        service.expect("/a", Answer::never());
-        ClientProbe client(service.url());
-        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
+        service().expect("/a", Answer::never());
+        const QSignalSpy processed(&client(), SIGNAL(requestProcessed()));
         const LogRecorder log;
         QElapsedTimer elapsed;
         elapsed.start();
-        client.request("/a");
+        client().request("/a");
 
         QVERIFY2(elapsed.elapsed() >= 9500 && elapsed.elapsed() < 12000,
                  qPrintable(QString::number(elapsed.elapsed())));
-        QVERIFY(client.successes.isEmpty());
-        QCOMPARE(client.failures, QStringList{QString()});
-        QCOMPARE(client.errors, QList<QNetworkReply::NetworkError>{QNetworkReply::OperationCanceledError});
+        QVERIFY(client().successes.isEmpty());
+        QCOMPARE(client().failures, QStringList{QString()});
+        QCOMPARE(client().errors, QList<QNetworkReply::NetworkError>{QNetworkReply::OperationCanceledError});
         QCOMPARE(processed.size(), 1);
         QCOMPARE(log.debug("[REST Response] ").size(), 1);
-        QTRY_COMPARE(service.abandoned(), 1);
+        QTRY_COMPARE(service().abandoned(), 1);
     }
 
     void quitBeforeTheApplicationRunsDoesNotEndTheWait()
     {
-        FakeService service;
-        service.expect("/a", Answer::json("1"));
-        ClientProbe client(service.url());
+        service().expect("/a", Answer::json("1"));
         QCoreApplication::quit();
-        client.request("/a");
+        client().request("/a");
 
-        QCOMPARE(client.successes, QStringList{"1"});
+        QCOMPARE(client().successes, QStringList{"1"});
         QTimer::singleShot(0, qApp, &QCoreApplication::quit); // it lasts until the application has run
         QCoreApplication::exec();
     }
 
     void answerAfter9SecondsIsInTime()
     {
-        FakeService service;
-        service.expect("/a", Answer::json("1").held().then([&] {
+        service().expect("/a", Answer::json("1").held().then([&] {
             TimerClock::advance(BEFORE_THE_LIMIT);
             // A round of the event loop, in which a limit that had passed would show.
-            QTimer::singleShot(0, &service, [&] { service.release(); });
+            QTimer::singleShot(0, &service(), [&] { service().release(); });
         }));
-        ClientProbe client(service.url());
-        client.request("/a");
+        client().request("/a");
 
-        QCOMPARE(client.successes, QStringList{"1"});
-        QCOMPARE(service.abandoned(), 0);
+        QCOMPARE(client().successes, QStringList{"1"});
+        QCOMPARE(service().abandoned(), 0);
     }
 
     void stalledBodyIsAbortedToo()
     {
-        FakeService service;
-        service.expect("/a",
-                       Answer::stalled(R"({"data":{}})").then([] { TimerClock::advance(PAST_THE_LIMIT); }));
-        ClientProbe client(service.url());
-        client.request("/a");
+        service().expect("/a",
+                         Answer::stalled(R"({"data":{}})").then([] { TimerClock::advance(PAST_THE_LIMIT); }));
+        client().request("/a");
 
-        QVERIFY(client.successes.isEmpty());
-        QCOMPARE(client.errors, QList<QNetworkReply::NetworkError>{QNetworkReply::OperationCanceledError});
-        QTRY_COMPARE(service.abandoned(), 1);
+        QVERIFY(client().successes.isEmpty());
+        QCOMPARE(client().errors, QList<QNetworkReply::NetworkError>{QNetworkReply::OperationCanceledError});
+        QTRY_COMPARE(service().abandoned(), 1);
     }
 
     void timeOutEndsTheOperation_data()
@@ -108,131 +98,114 @@ private Q_SLOTS:
     void timeOutEndsTheOperation()
     {
         const auto [operation] = row<Operation>();
-
-        FakeService service;
         for (const QByteArray& path : operation.paths.mid(0, operation.paths.size() - 1))
-            service.expect(path, Answer::json(ALL_IS_WELL));
-        service.expect(operation.paths.last(),
-                       Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
-        auto client = std::make_unique<PresenterClient>(nullptr, service.url());
-        operation.prepare(client.get());
-        const QSignalSpy processed(client.get(), SIGNAL(requestProcessed()));
+            service().expect(path, Answer::json(ALL_IS_WELL));
+        service().expect(operation.paths.last(),
+                         Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
+        operation.prepare(&client());
+        const QSignalSpy processed(&client(), SIGNAL(requestProcessed()));
 
-        QCOMPARE(operation.call(client.get()), operation.timedOut);
+        QCOMPARE(operation.call(&client()), operation.timedOut);
         QCOMPARE(processed.size(), operation.paths.size());
-        QVERIFY(client->lastError().isNull());
-        QTRY_COMPARE(service.abandoned(), 1);
-        if (!client->sessionToken().isNull())
-            service.expect("/tavisto/session/stop", Answer::json("{}"));
+        QVERIFY(client().lastError().isNull());
+        QTRY_COMPARE(service().abandoned(), 1);
+        if (!client().sessionToken().isNull())
+            service().expect("/tavisto/session/stop", Answer::json("{}"));
     }
 
     void nextOperationAfterATimeOutSucceeds()
     {
-        FakeService service;
-        service.expect("/tavisto", Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
-        service.expect("/tavisto", Answer::json("{}"));
-        PresenterClient client(nullptr, service.url());
+        service().expect("/tavisto", Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
+        service().expect("/tavisto", Answer::json("{}"));
 
-        QVERIFY(!client.checkServer(QString(), QString()));
-        QVERIFY(client.checkServer(QString(), QString()));
+        QVERIFY(!client().checkServer(QString(), QString()));
+        QVERIFY(client().checkServer(QString(), QString()));
     }
 
     // The wait is not told that the reply has been processed, and the reply is gone when the time is over.
     void hostThatBlocksSignalsGetsItsAnswerAtTheLimit()
     {
-        FakeService service;
-        service.expect("/own", Answer::json("own"));
-        ClientProbe client(service.url());
-        client.processed = [] { TimerClock::advance(PAST_THE_LIMIT); };
+        service().expect("/own", Answer::json("own"));
+        client().processed = [] { TimerClock::advance(PAST_THE_LIMIT); };
         {
-            const QSignalBlocker blocker(&client);
-            client.request("/own");
+            const QSignalBlocker blocker(&client());
+            client().request("/own");
         }
 
-        QCOMPARE(client.successes, QStringList{"own"});
-        QVERIFY(client.failures.isEmpty());
+        QCOMPARE(client().successes, QStringList{"own"});
+        QVERIFY(client().failures.isEmpty());
     }
 
     void requestWithoutWaitHasNoTimeLimit()
     {
-        FakeService service;
-        service.expect("/a", Answer::json("1").held());
-        ClientProbe client(service.url());
-        client.request("/a", false);
-        QTRY_COMPARE(service.requests().size(), 1);
+        service().expect("/a", Answer::json("1").held());
+        client().request("/a", false);
+        QTRY_COMPARE(service().requests().size(), 1);
         TimerClock::advance(2 * PAST_THE_LIMIT);
-        service.release();
+        service().release();
 
-        QTRY_COMPARE(client.successes, QStringList{"1"});
+        QTRY_COMPARE(client().successes, QStringList{"1"});
     }
 
     void anotherReplyDoesNotEndTheWait()
     {
-        FakeService service;
-        service.expect("/early", Answer::json("early").held());
-        service.expect("/own", Answer::json("own").held().then([&] { service.release(); }));
-        ClientProbe client(service.url());
-        client.request("/early", false);
-        QTRY_COMPARE(service.requests().size(), 1);
-        connect(&client, &PresenterClient::requestProcessed, this, [&] {
-            if (client.successes.size() == 1)
-                QTimer::singleShot(0, &service, [&] { service.release(); });
+        service().expect("/early", Answer::json("early").held());
+        service().expect("/own", Answer::json("own").held().then([&] { service().release(); }));
+        client().request("/early", false);
+        QTRY_COMPARE(service().requests().size(), 1);
+        connect(&client(), &PresenterClient::requestProcessed, this, [&] {
+            if (client().successes.size() == 1)
+                QTimer::singleShot(0, &service(), [&] { service().release(); });
         });
-        client.request("/own");
+        client().request("/own");
 
-        QCOMPARE(client.successes, (QStringList{"early", "own"}));
+        QCOMPARE(client().successes, (QStringList{"early", "own"}));
     }
 
     void earlierRequestOutlivesTheWait()
     {
-        FakeService service;
-        service.expect("/slow", Answer::json("slow").held());
-        service.expect("/own", Answer::json("own"));
-        ClientProbe client(service.url());
-        client.request("/slow", false);
-        QTRY_COMPARE(service.requests().size(), 1);
-        client.request("/own");
-        QCOMPARE(client.successes, QStringList{"own"});
-        service.release();
+        service().expect("/slow", Answer::json("slow").held());
+        service().expect("/own", Answer::json("own"));
+        client().request("/slow", false);
+        QTRY_COMPARE(service().requests().size(), 1);
+        client().request("/own");
+        QCOMPARE(client().successes, QStringList{"own"});
+        service().release();
 
-        QTRY_COMPARE(client.successes, (QStringList{"own", "slow"}));
+        QTRY_COMPARE(client().successes, (QStringList{"own", "slow"}));
     }
 
     void earlierRequestOutlivesTheTimeOut()
     {
-        FakeService service;
-        service.expect("/slow", Answer::json("slow").held());
-        service.expect("/own", Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
-        ClientProbe client(service.url());
-        client.request("/slow", false);
-        QTRY_COMPARE(service.requests().size(), 1);
-        client.request("/own");
-        QCOMPARE(client.errors, QList<QNetworkReply::NetworkError>{QNetworkReply::OperationCanceledError});
-        service.release();
+        service().expect("/slow", Answer::json("slow").held());
+        service().expect("/own", Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
+        client().request("/slow", false);
+        QTRY_COMPARE(service().requests().size(), 1);
+        client().request("/own");
+        QCOMPARE(client().errors, QList<QNetworkReply::NetworkError>{QNetworkReply::OperationCanceledError});
+        service().release();
 
-        QTRY_COMPARE(client.successes, QStringList{"slow"});
+        QTRY_COMPARE(client().successes, QStringList{"slow"});
     }
 
     void operationsNest()
     {
-        FakeService service;
-        PresenterClient client(nullptr, service.url());
         bool innerReachable = false;
         bool outerReturned = false;
-        service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL).held().then([&] {
-            QTimer::singleShot(0, &client,
-                               [&] { innerReachable = client.checkServer(QString(), QString()); });
+        service().expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL).held().then([&] {
+            QTimer::singleShot(0, &client(),
+                               [&] { innerReachable = client().checkServer(QString(), QString()); });
         }));
         // The outer operation has its answer first, and has to wait for the inner one.
-        service.expect("/tavisto", Answer::json("{}").held().then([&] { service.release(); }));
-        connect(&client, &PresenterClient::requestProcessed, this, [&] {
-            if (client.isLoggedIn() && !innerReachable && service.requests().size() == 2)
-                QTimer::singleShot(0, &service, [&] {
-                    if (service.isHolding())
-                        service.release();
+        service().expect("/tavisto", Answer::json("{}").held().then([&] { service().release(); }));
+        connect(&client(), &PresenterClient::requestProcessed, this, [&] {
+            if (client().isLoggedIn() && !innerReachable && service().requests().size() == 2)
+                QTimer::singleShot(0, &service(), [&] {
+                    if (service().isHolding())
+                        service().release();
                 });
         });
-        outerReturned = client.doLogin("u", "p");
+        outerReturned = client().doLogin("u", "p");
 
         QVERIFY(outerReturned);
         QVERIFY(innerReachable);
@@ -240,40 +213,36 @@ private Q_SLOTS:
 
     void keepAliveInsideAWaitNeitherEndsNorAbortsIt()
     {
-        FakeService service;
-        PresenterClient client(nullptr, service.url());
         bool keptAlive = false;
-        service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL).held().then([&] {
-            QTimer::singleShot(0, &client, [&] {
-                QMetaObject::invokeMethod(&client, "onPingTimer");
-                keptAlive = client.isServerReachable();
-                QTimer::singleShot(0, &service, [&] { service.release(); });
+        service().expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL).held().then([&] {
+            QTimer::singleShot(0, &client(), [&] {
+                QMetaObject::invokeMethod(&client(), "onPingTimer");
+                keptAlive = client().isServerReachable();
+                QTimer::singleShot(0, &service(), [&] { service().release(); });
             });
         }));
-        service.expect("/tavisto/login/keepSessionAlive", Answer::json("{}"));
+        service().expect("/tavisto/login/keepSessionAlive", Answer::json("{}"));
 
-        QVERIFY(client.doLogin("u", "p"));
+        QVERIFY(client().doLogin("u", "p"));
         QVERIFY(keptAlive);
-        QCOMPARE(service.abandoned(), 0);
+        QCOMPARE(service().abandoned(), 0);
     }
 
     void keepAliveOutlivesTheReplyOfTheOuterOperation()
     {
-        FakeService service;
-        PresenterClient client(nullptr, service.url());
-        service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL).held().then([&] {
-            QTimer::singleShot(0, &client, [&] { QMetaObject::invokeMethod(&client, "onPingTimer"); });
+        service().expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL).held().then([&] {
+            QTimer::singleShot(0, &client(), [&] { QMetaObject::invokeMethod(&client(), "onPingTimer"); });
         }));
-        service.expect("/tavisto/login/keepSessionAlive",
-                       Answer::json("{}").held().then([&] { service.release(); }));
-        connect(&client, &PresenterClient::requestProcessed, &service, [&] {
-            if (client.isLoggedIn() && service.isHolding())
-                QTimer::singleShot(0, &service, [&] { service.release(); });
+        service().expect("/tavisto/login/keepSessionAlive",
+                         Answer::json("{}").held().then([&] { service().release(); }));
+        connect(&client(), &PresenterClient::requestProcessed, &service(), [&] {
+            if (client().isLoggedIn() && service().isHolding())
+                QTimer::singleShot(0, &service(), [&] { service().release(); });
         });
 
-        QVERIFY(client.doLogin("u", "p"));
-        QTRY_VERIFY(client.isServerReachable());
-        QCOMPARE(service.abandoned(), 0);
+        QVERIFY(client().doLogin("u", "p"));
+        QTRY_VERIFY(client().isServerReachable());
+        QCOMPARE(service().abandoned(), 0);
     }
 
     void keepAliveDoesNotProlongTheOuterOperation_data()
@@ -289,88 +258,78 @@ private Q_SLOTS:
     {
         QFETCH(bool, isAnswered);
 
-        FakeService service;
-        PresenterClient client(nullptr, service.url());
-        service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL).held().then([&] {
+        service().expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL).held().then([&] {
             TimerClock::advance(PAST_THE_LIMIT / 2);
-            QTimer::singleShot(0, &client, [&] { QMetaObject::invokeMethod(&client, "onPingTimer"); });
+            QTimer::singleShot(0, &client(), [&] { QMetaObject::invokeMethod(&client(), "onPingTimer"); });
         }));
-        service.expect("/tavisto/login/keepSessionAlive", Answer::never().then([&] {
+        service().expect("/tavisto/login/keepSessionAlive", Answer::never().then([&] {
             if (isAnswered)
-                service.release();
+                service().release();
             else
                 TimerClock::advance(PAST_THE_LIMIT / 2);
         }));
 
-        const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
-        QCOMPARE(client.doLogin("u", "p"), isAnswered);
+        const QSignalSpy processed(&client(), SIGNAL(requestProcessed()));
+        QCOMPARE(client().doLogin("u", "p"), isAnswered);
         QCOMPARE(processed.size(), 1);
         TimerClock::advance(PAST_THE_LIMIT);
-        QTRY_VERIFY(service.abandoned() > 0);
+        QTRY_VERIFY(service().abandoned() > 0);
     }
 
     // The outer operation has its reply, but cannot return before the slot does.
     void keepAliveInASlotOfTheOuterOperationsReplyIsNotWaitedFor()
     {
-        FakeService service;
-        PresenterClient client(nullptr, service.url());
-        service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL));
-        service.expect("/tavisto/login/keepSessionAlive", Answer::json("{}").held());
-        connect(&client, &PresenterClient::requestProcessed, &service, [&] {
-            if (!client.isServerReachable())
-                client.sendKeepAlive();
+        service().expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL));
+        service().expect("/tavisto/login/keepSessionAlive", Answer::json("{}").held());
+        connect(&client(), &PresenterClient::requestProcessed, &service(), [&] {
+            if (!client().isServerReachable())
+                client().sendKeepAlive();
         });
 
-        QVERIFY(client.doLogin("u", "p"));
-        QVERIFY(!client.isServerReachable());
-        QTRY_VERIFY(service.isHolding());
-        service.release();
-        QTRY_VERIFY(client.isServerReachable());
+        QVERIFY(client().doLogin("u", "p"));
+        QVERIFY(!client().isServerReachable());
+        QTRY_VERIFY(service().isHolding());
+        service().release();
+        QTRY_VERIFY(client().isServerReachable());
     }
 
     // Thousands of short operations within the limit would otherwise have thousands of timers run.
     void aWaitThatHasEndedLeavesNoTimer()
     {
-        FakeService service;
-        service.expect("/a", Answer::json("1"));
-        ClientProbe client(service.url());
-        client.request("/a");
+        service().expect("/a", Answer::json("1"));
+        client().request("/a");
 
-        QTRY_VERIFY(client.findChildren<QTimer*>().isEmpty());
+        QTRY_VERIFY(client().findChildren<QTimer*>().isEmpty());
     }
 
     void timersOfTheHostRunDuringAWait()
     {
-        FakeService service;
-        service.expect("/a", Answer::json("1").held());
-        ClientProbe client(service.url());
+        service().expect("/a", Answer::json("1").held());
         int ticks = 0;
         QTimer timer;
         connect(&timer, &QTimer::timeout, this, [&] {
-            if (service.isHolding() && ++ticks == 3)
-                service.release();
+            if (service().isHolding() && ++ticks == 3)
+                service().release();
         });
         timer.start(1);
-        client.request("/a");
+        client().request("/a");
 
-        QCOMPARE(client.successes, QStringList{"1"});
+        QCOMPARE(client().successes, QStringList{"1"});
         QCOMPARE(ticks, 3);
     }
 
     void operationInsideRequestProcessed()
     {
-        FakeService service;
-        service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL));
-        service.expect("/tavisto", Answer::json("{}"));
-        PresenterClient client(nullptr, service.url());
+        service().expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL));
+        service().expect("/tavisto", Answer::json("{}"));
         bool reachable = false;
         QMetaObject::Connection connection;
-        connection = connect(&client, &PresenterClient::requestProcessed, this, [&] {
+        connection = connect(&client(), &PresenterClient::requestProcessed, this, [&] {
             disconnect(connection);
-            reachable = client.checkServer(QString(), QString());
+            reachable = client().checkServer(QString(), QString());
         });
 
-        QVERIFY(client.doLogin("u", "p"));
+        QVERIFY(client().doLogin("u", "p"));
         QVERIFY(reachable);
     }
 };
