@@ -25,6 +25,8 @@ public:
     class Answer
     {
     public:
+        /// As never().
+        Answer() = default;
         static Answer json(const QByteArray& text, int status = 200);
         static Answer redirect(const QByteArray& location, int status = 302);
         /// The request stays without an answer, the connection open.
@@ -50,7 +52,7 @@ public:
         explicit Answer(Kind kind, const QByteArray& body = QByteArray(), int status = 200);
         QByteArray bytes() const;
 
-        Kind m_kind;
+        Kind m_kind = Never;
         bool m_held = false;
         QByteArray m_status;
         QByteArray m_headers;

@@ -235,23 +235,6 @@ private Q_SLOTS:
         QCOMPARE(client().lastError().isNull(), error.isNull());
     }
 
-    void unansweredLoginFailsWithoutAKey_data()
-    {
-        rows<bool>({
-            {"service gone", false},
-            {"answer cut short", true},
-        });
-    }
-
-    void unansweredLoginFailsWithoutAKey()
-    {
-        const auto [cut] = row<bool>();
-        service().expect(SUBMIT, cut ? Answer::cut(REFUSED) : Answer::gone());
-
-        QVERIFY(!loginByPassword(client()));
-        QVERIFY(client().lastError().isNull());
-    }
-
     void loginStartsAnew_data()
     {
         rows<Login, QByteArray>({

@@ -253,17 +253,6 @@ private Q_SLOTS:
         QCOMPARE(log.debug("CommonName:").size(), roots.size());
     }
 
-    void redirectFromHttpsToHttpIsNotFollowed()
-    {
-        const TestCertificates::TrustedRoot trusted;
-        FakeService service(TestCertificates::server("loopback"));
-        service.expect("/tavisto", Answer::redirect("http://moved.example/"));
-        PresenterClient client(nullptr, service.url());
-
-        QVERIFY(!client.checkServer(QString(), QString()));
-        QCOMPARE(client.server(), service.url());
-    }
-
     void redirectFromHttpsToHttpsIsFollowed()
     {
         const TestCertificates::TrustedRoot trusted;
@@ -273,16 +262,6 @@ private Q_SLOTS:
 
         QVERIFY(client.checkServer(QString(), QString()));
         QCOMPARE(client.server(), QStringLiteral("https://moved.example:443"));
-    }
-
-    void challengeIsAnswered()
-    {
-        service().expect("/tavisto", challenge());
-        service().expect("/tavisto", Answer::json("{}"));
-
-        QVERIFY(client().checkServer("user", "secret"));
-        QVERIFY(service().requests().at(0).header("authorization").isNull());
-        QCOMPARE(service().requests().at(1).header("authorization"), basic("user:secret"));
     }
 
     void challengeIsAnsweredWithEarlierCredentials()
@@ -319,18 +298,14 @@ private Q_SLOTS:
         QCOMPARE(service().last().header("authorization"), basic(credentials));
     }
 
-    void challengeWithoutCredentialsFails()
-    {
-        service().expect("/tavisto", challenge());
-
-        QVERIFY(!client().checkServer(QString(), QString()));
-    }
-
     void refusedCredentialsFail()
     {
         service().expect("/tavisto", challenge());
-        service().expect("/tavisto", challenge());
+        QVERIFY(!client().checkServer(QString(), QString()));
+        QVERIFY(service().last().header("authorization").isNull());
 
+        service().expect("/tavisto", challenge());
+        service().expect("/tavisto", challenge());
         QVERIFY(!client().checkServer("user", "wrong"));
         QCOMPARE(service().last().header("authorization"), basic("user:wrong"));
     }
@@ -358,16 +333,6 @@ private Q_SLOTS:
 
         QCOMPARE(authenticator.user(), userGiven);
         QCOMPARE(authenticator.password(), passwordGiven);
-    }
-
-    void requestsUseTheSystemProxy()
-    {
-        const Environment environment("http_proxy");
-        FakeService proxy;
-        qputenv("http_proxy", proxy.url().toUtf8());
-        PresenterClient client(nullptr, "http://classroom.invalid");
-
-        QVERIFY(isReachedThrough(proxy, client));
     }
 
     void requestsUseTheProxyOfTheApplication()

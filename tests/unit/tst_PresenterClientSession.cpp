@@ -101,49 +101,22 @@ private Q_SLOTS:
         QVERIFY(client().sessionCode().isNull());
     }
 
-    void unansweredCreationFails_data()
-    {
-        rows<bool>({
-            {"service gone", false},
-            {"answer cut short", true},
-        });
-    }
-
-    void unansweredCreationFails()
-    {
-        const auto [cut] = row<bool>();
-        service().expect(USER, Answer::json(LOGGED_IN));
-        service().expect(CREATE, cut ? Answer::cut(CREATED) : Answer::gone());
-
-        QVERIFY(!client().doStartSession(QString()));
-        QVERIFY(client().sessionCode().isNull());
-        QVERIFY(client().lastError().isNull());
-    }
-
-    void creationForgetsTheEarlierSessionFirst()
+    void creationForgetsWhatWasBeforeFirst()
     {
         openSession(client());
+        client().sessionFailureResponse(nullptr, R"({"errorMsgKeys":["earlier.error"]})");
+        QCOMPARE(client().lastError(), QStringLiteral("earlier.error"));
         bool forgottenMeanwhile = false;
         service().expect(USER, Answer::json(LOGGED_IN));
         service().expect(CREATE, Answer::json("{}", 500).then([&] {
-            forgottenMeanwhile = client().sessionCode().isNull() && client().sessionToken().isNull();
+            forgottenMeanwhile = client().sessionCode().isNull() && client().sessionToken().isNull() &&
+                                 client().lastError().isNull();
         }));
 
         QVERIFY(!client().doStartSession(QString()));
         QVERIFY(forgottenMeanwhile);
         QVERIFY(client().sessionCode().isNull());
         QVERIFY(client().sessionToken().isNull());
-    }
-
-    void creationClearsTheLastError()
-    {
-        service().expect(USER, Answer::json(LOGGED_IN));
-        service().expect(CREATE, Answer::json(CREATED));
-        client().sessionFailureResponse(nullptr, R"({"errorMsgKeys":["earlier.error"]})");
-        QCOMPARE(client().lastError(), QStringLiteral("earlier.error"));
-
-        QVERIFY(client().doStartSession(QString()));
-        QVERIFY(client().lastError().isNull());
     }
 
     // A service that does not know us any more answers the question for the user with an error.
@@ -255,42 +228,24 @@ private Q_SLOTS:
 
     void badListLeavesTheLearners_data()
     {
-        rows<QByteArray>({
-            {"text", R"({"data":{"users":"none"}})"},
-            {"object", R"({"data":{"users":{"mode":"learner"}}})"},
-            {"null", R"({"data":{"users":null}})"},
-            {"absent", R"({"data":{}})"},
-            {"no data", "{}"},
-            {"no JSON", R"({"data":{"users":[)"},
-            {"empty", QByteArray()},
+        const QByteArray error(R"({"errorMsgKeys":["a.error"],"data":{"users":[]}})");
+        rows<Answer>({
+            {"text", Answer::json(R"({"data":{"users":"none"}})")},
+            {"object", Answer::json(R"({"data":{"users":{"mode":"learner"}}})")},
+            {"null", Answer::json(R"({"data":{"users":null}})")},
+            {"absent", Answer::json(R"({"data":{}})")},
+            {"no data", Answer::json("{}")},
+            {"no JSON", Answer::json(R"({"data":{"users":[)")},
+            {"empty", Answer::json("")},
+            {"http error", Answer::json(error, 500)},
+            {"answer cut short", Answer::cut(error)},
         });
     }
 
     void badListLeavesTheLearners()
     {
-        const auto [body] = row<QByteArray>();
-        service().expect(USERS, Answer::json(body));
-        openSession(client());
-        client().getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
-
-        QVERIFY(client().doGetLearners());
-        QCOMPARE(texts(client().learners()), QStringList{"old  "});
-        service().expect(STOP, Answer::json("{}"));
-    }
-
-    void failedRequestLeavesTheLearners_data()
-    {
-        rows<bool>({
-            {"http error", false},
-            {"answer cut short", true},
-        });
-    }
-
-    void failedRequestLeavesTheLearners()
-    {
-        const auto [cut] = row<bool>();
-        const QByteArray body(R"({"errorMsgKeys":["a.error"],"data":{"users":[]}})");
-        service().expect(USERS, cut ? Answer::cut(body) : Answer::json(body, 500));
+        const auto [answer] = row<Answer>();
+        service().expect(USERS, answer);
         openSession(client());
         client().getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
 

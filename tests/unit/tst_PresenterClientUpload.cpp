@@ -146,24 +146,20 @@ private Q_SLOTS:
 
     void failureTouchesNothing_data()
     {
-        rows<int>({
-            {"http error with an id", 0},
-            {"http error with an error key", 1},
-            {"no JSON", 2},
-            {"empty answer", 3},
-            {"answer cut short", 4},
-            {"service gone", 5},
+        rows<Answer>({
+            {"http error with an id", Answer::json(STORED, 500)},
+            {"http error with an error key", Answer::json(R"({"errorMsgKeys":["upload.error"]})", 500)},
+            {"no JSON", Answer::json("<html></html>")},
+            {"empty answer", Answer::json("")},
+            {"answer cut short", Answer::cut(STORED)},
+            {"service gone", Answer::gone()},
         });
     }
 
     void failureTouchesNothing()
     {
-        const auto [kind] = row<int>();
-        const Answer answers[] = {
-            Answer::json(STORED, 500),     Answer::json(R"({"errorMsgKeys":["upload.error"]})", 500),
-            Answer::json("<html></html>"), Answer::json(""),
-            Answer::cut(STORED),           Answer::gone()};
-        service().expect(UPLOAD, answers[kind]);
+        const auto [answer] = row<Answer>();
+        service().expect(UPLOAD, answer);
         const Upload upload(client());
 
         QVERIFY(!upload.done);
