@@ -238,40 +238,34 @@ private Q_SLOTS:
 
     void propertiesInOrder()
     {
-        QFETCH(Make, make);
-        QFETCH(Properties, properties);
+        const auto [make, properties] = row<Make, Properties>();
         const std::unique_ptr<QObject> object(make(nullptr));
         const QMetaObject* meta = object->metaObject();
-        QStringList expected{"objectName"};
-        for (const Property& property : properties)
-            expected.append(QString::fromLatin1(property.name));
-        QStringList names;
-        for (int i = 0; i < meta->propertyCount(); ++i)
-            names.append(QString::fromLatin1(meta->property(i).name()));
-        QCOMPARE(names, expected);
-
+        QCOMPARE(meta->propertyCount(), properties.size() + 1);
         for (int i = 0; i < properties.size(); ++i) {
             const QMetaProperty property = meta->property(i + 1);
-            QVERIFY2(property.isReadable(), property.name());
+            QCOMPARE(QString(property.name()), QString(properties.at(i).name));
+            QVERIFY2(property.isReadable() && !property.hasNotifySignal(), property.name());
             QCOMPARE(property.isWritable(), properties.at(i).setter != nullptr);
             if (properties.at(i).setter)
                 QCOMPARE(property.userType(), properties.at(i).type);
         }
+        for (int i = QObject::staticMetaObject.methodCount(); i < meta->methodCount(); ++i)
+            QVERIFY2(meta->method(i).methodType() != QMetaMethod::Signal, meta->method(i).name().constData());
     }
 
     void defaults_data() { classes(); }
 
     void defaults()
     {
-        QFETCH(Make, make);
-        QFETCH(Properties, properties);
+        const auto [make, properties] = row<Make, Properties>();
         const std::unique_ptr<QObject> object(make(nullptr));
         for (const Property& property : properties) {
             const QVariant value = object->property(property.name);
             if (property.type == OBJECT) {
                 auto* child = value.value<QObject*>();
                 QVERIFY2(child, property.name);
-                QCOMPARE(QString::fromLatin1(child->metaObject()->className()), property.initial.toString());
+                QCOMPARE(QString(child->metaObject()->className()), property.initial.toString());
                 QCOMPARE(child->parent(), object.get());
             } else if (property.type == STRING && !property.initial.isValid()) {
                 QVERIFY2(value.toString().size() == 8, property.name);
@@ -289,8 +283,7 @@ private Q_SLOTS:
 
     void settersAreSlotsNamedAfterTheProperty()
     {
-        QFETCH(Make, make);
-        QFETCH(Properties, properties);
+        const auto [make, properties] = row<Make, Properties>();
         const std::unique_ptr<QObject> object(make(nullptr));
         for (const Property& property : properties) {
             if (!property.setter) {
@@ -311,78 +304,44 @@ private Q_SLOTS:
 
     void settersStoreTheValueUnchanged()
     {
-        QFETCH(Make, make);
-        QFETCH(Properties, properties);
-        const std::unique_ptr<QObject> object(make(nullptr));
+        const auto [make, properties] = row<Make, Properties>();
+        const std::unique_ptr<QObject> bySlot(make(nullptr));
+        const std::unique_ptr<QObject> byProperty(make(nullptr));
         QObject other;
         for (const Property& property : properties) {
             // What kind a question is of is not for its setter to say.
-            if (!property.setter || isQuestionType(*object, property))
+            if (isQuestionType(*bySlot, property))
                 continue;
             const QVariant value = property.type == OBJECT ? QVariant::fromValue(&other) : sample(property);
-            QVERIFY2(setBySlot(object.get(), property, value), property.name);
-            QVERIFY2(object->property(property.name) == value, property.name);
+            QCOMPARE(byProperty->setProperty(property.name, value), property.setter != nullptr);
+            QVERIFY2(!property.setter || setBySlot(bySlot.get(), property, value), property.name);
         }
         // None has changed what another has set.
         for (const Property& property : properties) {
-            if (property.setter && property.type != OBJECT && !isQuestionType(*object, property))
-                QVERIFY2(object->property(property.name) == sample(property), property.name);
+            if (!property.setter || isQuestionType(*bySlot, property))
+                continue;
+            const QVariant value = property.type == OBJECT ? QVariant::fromValue(&other) : sample(property);
+            QVERIFY2(bySlot->property(property.name) == value, property.name);
+            QVERIFY2(byProperty->property(property.name) == value, property.name);
         }
         QVERIFY(!other.parent());
-    }
-
-    void settersEmitNothing_data() { classes(); }
-
-    void settersEmitNothing()
-    {
-        QFETCH(Make, make);
-        const std::unique_ptr<QObject> object(make(nullptr));
-        const QMetaObject* meta = object->metaObject();
-        for (int i = QObject::staticMetaObject.methodCount(); i < meta->methodCount(); ++i)
-            QVERIFY2(meta->method(i).methodType() != QMetaMethod::Signal,
-                     meta->method(i).methodSignature().constData());
-        for (int i = 1; i < meta->propertyCount(); ++i)
-            QVERIFY2(!meta->property(i).hasNotifySignal(), meta->property(i).name());
-    }
-
-    void setPropertyGoesThroughTheSetter_data() { classes(); }
-
-    void setPropertyGoesThroughTheSetter()
-    {
-        QFETCH(Make, make);
-        QFETCH(Properties, properties);
-        const std::unique_ptr<QObject> object(make(nullptr));
-        for (const Property& property : properties) {
-            if (property.type == OBJECT || isQuestionType(*object, property))
-                continue;
-            const QVariant before = object->property(property.name);
-            const QVariant value = sample(property);
-            QCOMPARE(object->setProperty(property.name, value), property.setter != nullptr);
-            if (property.setter)
-                QVERIFY2(object->property(property.name) == value, property.name);
-            else
-                QCOMPARE(object->property(property.name).userType(), before.userType());
-        }
     }
 
     void jsonKeysAreThePropertyNames_data() { classes(); }
 
     void jsonKeysAreThePropertyNames()
     {
-        QFETCH(Make, make);
-        QFETCH(Properties, properties);
+        const auto [make, properties] = row<Make, Properties>();
         const std::unique_ptr<QObject> object(make(nullptr));
         object->setObjectName("named");
         QStringList expected;
         for (const Property& property : properties)
-            expected.append(QString::fromLatin1(property.name));
+            expected.append(property.name);
         expected.sort();
 
         const LogRecorder log;
         const QString json = Calyx::JsonSerializer::serializeToJson(object.get());
         QCOMPARE(QJsonDocument::fromJson(json.toUtf8()).toVariant().toMap().keys(), expected);
-        QVERIFY(json.startsWith(QStringLiteral("{\n    \"") + expected.first()));
-        QVERIFY(json.endsWith(QLatin1String("\n}\n")));
         // Nothing in a new object is too deep to be written.
         QCOMPARE(log.debug("[JsonSerializer] ERROR"), QStringList());
     }
@@ -391,7 +350,7 @@ private Q_SLOTS:
 
     void objectsBelongToTheirParent()
     {
-        QFETCH(Make, make);
+        const auto [make, properties] = row<Make, Properties>();
         auto parent = std::make_unique<QObject>();
         const QPointer<QObject> object = make(parent.get());
         QCOMPARE(object->parent(), parent.get());
@@ -407,53 +366,28 @@ private Q_SLOTS:
         QVERIFY(!alone->parent());
     }
 
-    void backgroundImageIsSetUnchanged_data()
-    {
-        rows<QString>({
-            {"CSS", "url('http://127.0.0.1/a b?c=%20')"},
-            {"bare", "http://127.0.0.1/image"},
-            {"data URI", "data:image/png;base64,iVBORw0KGgo="},
-        });
-    }
-
-    void backgroundImageIsSetUnchanged()
-    {
-        const auto [url] = row<QString>();
-        Calyx::Card card;
-        card.setBackgroundImage("before");
-        card.setBackgroundImage(url);
-        QCOMPARE(card.styles().value("backgroundImage"), QVariant(url));
-        QCOMPARE(card.styles().size(), 3);
-    }
-
-    void backgroundImageLeavesTheOtherStyles()
+    void backgroundImageIsAStyleAndLeavesTheOthers()
     {
         Calyx::Card card;
+        for (const QString url :
+             {"url('http://127.0.0.1/a b?c=%20')", "data:image/png;base64,iVBORw0KGgo=", ""}) {
+            card.setBackgroundImage(url);
+            QCOMPARE(card.styles().value("backgroundImage"), QVariant(url));
+            QCOMPARE(card.styles().size(), 3);
+        }
+        card.setBackgroundImage(QString());
+        QVERIFY(
+            Calyx::JsonSerializer::serializeToJson(&card).contains("        \"backgroundImage\": \"\",\n"));
         card.setstyles({{"backgroundColor", "red"}, {"own", 1}});
         card.setBackgroundImage("x");
         QCOMPARE(card.styles(),
                  QVariantMap({{"backgroundColor", "red"}, {"backgroundImage", "x"}, {"own", 1}}));
     }
 
-    void emptyBackgroundImageKeepsItsKey()
-    {
-        Calyx::Card card;
-        card.setBackgroundImage("x");
-        card.setBackgroundImage("");
-        QVERIFY(card.styles().contains("backgroundImage"));
-        const LogRecorder log;
-        QVERIFY(Calyx::JsonSerializer::serializeToJson(&card).contains(
-            QLatin1String("        \"backgroundImage\": \"\",\n")));
-        card.setBackgroundImage(QString());
-        QVERIFY(Calyx::JsonSerializer::serializeToJson(&card).contains(
-            QLatin1String("        \"backgroundImage\": \"\",\n")));
-    }
-
 private:
     void classes()
     {
-        QTest::addColumn<Make>("make");
-        QTest::addColumn<Properties>("properties");
+        columns<Make, Properties>();
 
         addClass<Calyx::QuestionBase>(question(QString()));
         addClass<Calyx::QuestionBaseWithOptions>(questionWithOptions(QString()));

@@ -26,18 +26,16 @@ class tst_PollQuestionFactory : public QObject
 private Q_SLOTS:
     void classOfEachPollType_data()
     {
-        columns<PollType::POLL_TYPE, QString>();
-        const auto row = [](PollType::POLL_TYPE type, const char* expected) {
-            QTest::newRow(expected) << type << QString::fromLatin1(expected);
-        };
-        QTest::newRow("true or false") << PollType::TRUE_FALSE << QStringLiteral("Calyx::QuestionYesNo");
-        row(PollType::YES_NO_OTHER, "Calyx::QuestionYesNo");
-        row(PollType::MULTIPLE, "Calyx::QuestionMultiChoice");
-        row(PollType::SCALE, "Calyx::QuestionScale");
-        row(PollType::SORT, "Calyx::QuestionSort");
-        row(PollType::TEXT, "Calyx::QuestionText");
-        row(PollType::NUMBER, "Calyx::QuestionNumeric");
-        row(PollType::MATH_FORMULA, "Calyx::QuestionMathFormula");
+        rows<PollType::POLL_TYPE, QString>({
+            {"true or false", PollType::TRUE_FALSE, "Calyx::QuestionYesNo"},
+            {"yes or no", PollType::YES_NO_OTHER, "Calyx::QuestionYesNo"},
+            {"choice", PollType::MULTIPLE, "Calyx::QuestionMultiChoice"},
+            {"scale", PollType::SCALE, "Calyx::QuestionScale"},
+            {"sort", PollType::SORT, "Calyx::QuestionSort"},
+            {"text", PollType::TEXT, "Calyx::QuestionText"},
+            {"number", PollType::NUMBER, "Calyx::QuestionNumeric"},
+            {"formula", PollType::MATH_FORMULA, "Calyx::QuestionMathFormula"},
+        });
     }
 
     void classOfEachPollType()
@@ -51,19 +49,11 @@ private Q_SLOTS:
         QCOMPARE(question->getType(), PollType::POLL_TYPE_STR().value(type));
     }
 
-    void pollDocumentsHaveNoQuestion_data()
-    {
-        rows<PollType::POLL_TYPE>({
-            {"word seed", PollType::WORD_SEED},
-            {"creative", PollType::CREATIVE},
-        });
-    }
-
     void pollDocumentsHaveNoQuestion()
     {
-        const auto [type] = row<PollType::POLL_TYPE>();
         QObject parent;
-        QVERIFY(!PollQuestionFactory::create(&parent, type, OrdinalType::ALPHA_UPPER, 2, 1));
+        for (const auto type : {PollType::WORD_SEED, PollType::CREATIVE})
+            QVERIFY(!PollQuestionFactory::create(&parent, type, OrdinalType::ALPHA_UPPER, 2, 1));
         QVERIFY(parent.children().isEmpty());
     }
 
@@ -94,23 +84,16 @@ private Q_SLOTS:
         QVERIFY(options.first()->property("id") != options.last()->property("id"));
     }
 
-    void schemeIsInferredFromTheOptions_data()
-    {
-        rows<OrdinalType::ORDINAL_TYPE, QString>({
-            {"capitals", OrdinalType::ALPHA_UPPER, "alpha-upper"},
-            {"small letters", OrdinalType::ALPHA_LOWER, "alpha-lower"},
-            {"numbers", OrdinalType::NUMBER, "number"},
-        });
-    }
-
     void schemeIsInferredFromTheOptions()
     {
-        const auto [ordinal, expected] = row<OrdinalType::ORDINAL_TYPE, QString>();
         QObject parent;
-        const auto* question = PollQuestionFactory::create(&parent, PollType::MULTIPLE, ordinal, 3, 1);
-        const auto* metadata = question->property("metadata").value<QObject*>();
-        QVERIFY(metadata);
-        QCOMPARE(metadata->property("ordinalType").toString(), expected);
+        for (const auto ordinal : {OrdinalType::ALPHA_UPPER, OrdinalType::ALPHA_LOWER, OrdinalType::NUMBER}) {
+            const auto* question = PollQuestionFactory::create(&parent, PollType::MULTIPLE, ordinal, 3, 1);
+            const auto* metadata = question->property("metadata").value<QObject*>();
+            QVERIFY(metadata);
+            QCOMPARE(metadata->property("ordinalType").toString(),
+                     OrdinalType::ORDINAL_TYPE_STR().value(ordinal));
+        }
     }
 
     void flagOfATrueFalsePoll()
@@ -145,23 +128,15 @@ private Q_SLOTS:
         QVERIFY(!question->property("activityOptions").isValid());
     }
 
-    void noOptionsWhereNoneAreWanted_data()
-    {
-        rows<int>({
-            {"none", 0},
-            {"less than none", -1},
-            {"the least number", std::numeric_limits<int>::min()},
-        });
-    }
-
     void noOptionsWhereNoneAreWanted()
     {
-        const auto [count] = row<int>();
         QObject parent;
-        const auto* question =
-            PollQuestionFactory::create(&parent, PollType::SORT, OrdinalType::ALPHA_UPPER, count, 1);
-        QVERIFY(question);
-        QVERIFY(question->property("activityOptions").value<QList<QObject*>>().isEmpty());
+        for (const int count : {0, -1, std::numeric_limits<int>::min()}) {
+            const auto* question =
+                PollQuestionFactory::create(&parent, PollType::SORT, OrdinalType::ALPHA_UPPER, count, 1);
+            QVERIFY(question);
+            QVERIFY(question->property("activityOptions").value<QList<QObject*>>().isEmpty());
+        }
     }
 };
 

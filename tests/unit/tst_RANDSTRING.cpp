@@ -1,5 +1,3 @@
-#include "support/Rows.h"
-
 #include <CalyxClient/RANDSTRING>
 
 #include <QObject>
@@ -42,32 +40,12 @@ class tst_RANDSTRING : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void isOfTheGivenLength_data()
-    {
-        columns<int>();
-        for (const int length : {1, 2, 8, 16, 62, 1000, 100000})
-            QTest::addRow("%d", length) << length;
-    }
-
     void isOfTheGivenLength()
     {
-        const auto [length] = row<int>();
-        QCOMPARE(RANDSTRING::Generate(length).size(), length);
-    }
-
-    void lengthOfZeroOrLessIsEmpty_data()
-    {
-        rows<int>({
-            {"0", 0},
-            {"-1", -1},
-            {"smallest", std::numeric_limits<int>::min()},
-        });
-    }
-
-    void lengthOfZeroOrLessIsEmpty()
-    {
-        const auto [length] = row<int>();
-        QCOMPARE(RANDSTRING::Generate(length), QString());
+        for (const int length : {1, 2, 8, 16, 62, 1000, 100000})
+            QCOMPARE(RANDSTRING::Generate(length).size(), length);
+        for (const int length : {0, -1, std::numeric_limits<int>::min()})
+            QCOMPARE(RANDSTRING::Generate(length), QString());
     }
 
     void drawsFromLettersAndDigits()
@@ -109,24 +87,18 @@ private Q_SLOTS:
         QTRY_VERIFY(RANDSTRING::Generate(8) != first);
     }
 
-    void seedsTheGeneratorOfTheProcess_data()
-    {
-        columns<int>();
-        for (const int length : {5, 0, -1})
-            QTest::addRow("%d", length) << length;
-    }
-
     void seedsTheGeneratorOfTheProcess()
     {
-        const auto [length] = row<int>();
-        QTRY_VERIFY([length] {
-            const std::time_t second = std::time(nullptr);
-            seedRandom(1);
-            RANDSTRING::Generate(length);
-            const int following = nextRandom();
-            expectedIn(second, length);
-            return second == std::time(nullptr) && following == nextRandom();
-        }());
+        for (const int length : {5, 0, -1}) {
+            QTRY_VERIFY([length] {
+                const std::time_t second = std::time(nullptr);
+                seedRandom(1);
+                RANDSTRING::Generate(length);
+                const int following = nextRandom();
+                expectedIn(second, length);
+                return second == std::time(nullptr) && following == nextRandom();
+            }());
+        }
     }
 };
 
