@@ -5,6 +5,7 @@ import { startRemoteControl } from './remote-control.mjs';
 import { Tap } from './tap.mjs';
 
 const LESSON = `
+lesson Photosynthesis id=leaves
 login
 session start
 wait learners 1 within 60
