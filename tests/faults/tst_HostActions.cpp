@@ -1,5 +1,5 @@
-#include "faults/support/Resources.h"
 #include "support/ConnectorTest.h"
+#include "support/ProcessResources.h"
 #include "support/Rows.h"
 #include "support/WaitFor.h"
 
@@ -16,7 +16,7 @@ private Q_SLOTS:
     void initTestCase()
     {
         QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
-        m_before = std::make_unique<Resources>([this] {
+        m_before = std::make_unique<ProcessResources::Snapshot>([this] {
             setUp();
             QVERIFY(anotherSessionOpens());
             m_protocols = {SockJSConnector::XHR_POLLING};
@@ -64,7 +64,7 @@ private Q_SLOTS:
         QVERIFY(!m_isWebSocket || m_server->count(QStringLiteral("/xhr")) == 0);
         QCOMPARE(m_log->warnings(), QStringList());
         tearDown();
-        QVERIFY(m_before->areBack());
+        QCOMPARE(m_before->waitForSurplusToGo(), QString());
     }
 
 private:
@@ -315,7 +315,7 @@ private:
                  qPrintable(events.join(QLatin1Char('|'))));
     }
 
-    std::unique_ptr<Resources> m_before;
+    std::unique_ptr<ProcessResources::Snapshot> m_before;
     Protocols m_protocols;
     bool m_falls = false;
     bool m_isWebSocket = false;

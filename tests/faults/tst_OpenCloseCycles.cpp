@@ -1,4 +1,3 @@
-#include "faults/support/Resources.h"
 #include "support/ConnectorTest.h"
 #include "support/ProcessResources.h"
 #include "support/Rows.h"
@@ -27,7 +26,7 @@ private Q_SLOTS:
     void initTestCase()
     {
         QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
-        m_before = std::make_unique<Resources>([this] {
+        m_before = std::make_unique<ProcessResources::Snapshot>([this] {
             for (const Protocol protocol : SockJSConnector::GetDefaultProtocols()) {
                 setUp();
                 m_protocols = {protocol};
@@ -63,7 +62,7 @@ private Q_SLOTS:
                      qPrintable(QString::number(ProcessResources::descriptors())));
         }
         tearDown();
-        QVERIFY(m_before->areBack());
+        QCOMPARE(m_before->waitForSurplusToGo(), QString());
     }
 
 private:
@@ -90,7 +89,7 @@ private:
         return waitFor([&] { return m_probe->count(QStringLiteral("closed false")) == closed + 1; });
     }
 
-    std::unique_ptr<Resources> m_before;
+    std::unique_ptr<ProcessResources::Snapshot> m_before;
     Protocols m_protocols;
 };
 

@@ -1,8 +1,8 @@
 #include "faults/support/Bounds.h"
 #include "faults/support/FaultSession.h"
-#include "support/Recordings.h"
-#include "faults/support/Resources.h"
 #include "support/LogRecorder.h"
+#include "support/ProcessResources.h"
+#include "support/Recordings.h"
 #include "support/WaitFor.h"
 
 #include <QNetworkProxy>
@@ -101,7 +101,7 @@ private Q_SLOTS:
     void initTestCase()
     {
         QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
-        m_before = std::make_unique<Resources>([] {
+        m_before = std::make_unique<ProcessResources::Snapshot>([] {
             FaultSession session({QStringLiteral("none"), {Server::send(FaultSession::good(false, "h"))}},
                                  false);
             QVERIFY(session.open());
@@ -114,7 +114,7 @@ private Q_SLOTS:
     void cleanup()
     {
         m_sessions.clear();
-        QVERIFY(m_before->areBack());
+        QCOMPARE(m_before->waitForSurplusToGo(), QString());
         QCOMPARE(m_log->warnings(), QStringList());
         m_log.reset();
     }
@@ -200,7 +200,7 @@ private:
         }
     }
 
-    std::unique_ptr<Resources> m_before;
+    std::unique_ptr<ProcessResources::Snapshot> m_before;
     std::unique_ptr<LogRecorder> m_log;
     Sessions m_sessions;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/WaitFor.h"
 #include "transport/SockJSConnector.h"
 
 #include <QObject>
@@ -13,19 +14,56 @@ class ConnectorProbe : public QObject
     Q_OBJECT
 
 public:
-    explicit ConnectorProbe(SockJSConnector* connector);
+    explicit ConnectorProbe(SockJSConnector* connector) : m_connector(connector)
+    {
+        connect(connector, &SockJSConnector::connected, this, [this] { m_events.append("connected"); });
+        connect(connector, &SockJSConnector::sockJSMessage, this,
+                [this](const QString& message) { m_events.append("message " + message); });
+        connect(connector, &SockJSConnector::closed, this, [this](bool forInactivity) {
+            m_events.append(forInactivity ? "closed true" : "closed false");
+        });
+        connect(connector, &SockJSConnector::error, this, [this] { m_events.append("error"); });
+    }
 
     /// Opens with \p protocols. False, with a warning, when open() has not come back after some seconds or
     /// has answered true. The connector may be deleted meanwhile.
-    bool open(const QUrl& url, const QList<SockJSConnector::PROTOCOL_TYPE>& protocols);
+    bool open(const QUrl& url, const QList<SockJSConnector::PROTOCOL_TYPE>& protocols)
+    {
+        bool late = false;
+        QTimer guard;
+        guard.setSingleShot(true);
+        connect(&guard, &QTimer::timeout, this, [this, &late] {
+            late = true;
+            if (m_connector)
+                m_connector->close();
+        });
+        guard.start(30000);
+        const bool answer = m_connector->open(url, protocols);
+        if (late || answer)
+            qWarning("open() %s.", late ? "did not come back" : "answered true");
+        return !late && !answer;
+    }
+
     /// open(), then waits until the session is open.
-    bool openSession(const QUrl& url, const QList<SockJSConnector::PROTOCOL_TYPE>& protocols);
+    bool openSession(const QUrl& url, const QList<SockJSConnector::PROTOCOL_TYPE>& protocols)
+    {
+        return open(url, protocols) && waitFor([this] { return m_connector && m_connector->isConnected(); });
+    }
 
     QStringList events() const { return m_events; }
     int count(const QString& event) const { return m_events.count(event); }
-    bool hasClosed() const { return count(QStringLiteral("closed false")) > 0; }
+    bool hasClosed() const { return count("closed false") > 0; }
     /// The texts of the messages.
-    QStringList messages() const;
+    QStringList messages() const
+    {
+        const QString prefix = "message ";
+        QStringList texts;
+        for (const auto& event : m_events) {
+            if (event.startsWith(prefix))
+                texts.append(event.mid(prefix.size()));
+        }
+        return texts;
+    }
 
 private:
     QPointer<SockJSConnector> m_connector;

@@ -3,6 +3,8 @@
 #include "support/ConnectorProbe.h"
 #include "support/FakeSockJSServer.h"
 #include "support/LogRecorder.h"
+#include "support/WaitFor.h"
+#include "support/WallClock.h"
 #include "transport/SockJSConnector.h"
 
 #include <QObject>
@@ -20,18 +22,56 @@ protected:
     using Protocol = SockJSConnector::PROTOCOL_TYPE;
     using Protocols = QList<Protocol>;
 
-    void setUp();
-    void tearDown();
-    void forgetLog();
+    void setUp()
+    {
+        m_server = std::make_unique<Server>();
+        m_log = std::make_unique<LogRecorder>();
+        m_connector = new SockJSConnector;
+        m_probe = std::make_unique<ConnectorProbe>(m_connector);
+    }
+    void tearDown()
+    {
+        delete m_connector;
+        m_probe.reset();
+        m_log.reset();
+        m_server.reset();
+        WallClock::release();
+    }
+    void forgetLog()
+    {
+        m_log.reset(); // the old one has to go before the new one takes its place
+        m_log = std::make_unique<LogRecorder>();
+    }
 
     /// Opens the session at the server's \p path over a WebSocket.
-    bool openSession(const QString& path = QString());
+    bool openSession(const QString& path = QString())
+    {
+        return m_probe->openSession(m_server->url(path), webSocket);
+    }
     /// A message from the server: what came before it has been handled when it arrives.
-    bool syncInbound();
+    bool syncInbound()
+    {
+        const auto text = QStringLiteral("sync %1").arg(++m_syncs);
+        m_server->injectMessages({text});
+        return waitFor([&] { return m_probe->messages().contains(text); });
+    }
     /// A message to the server: what the server got before it is what was sent before it.
-    bool syncOutbound();
+    bool syncOutbound()
+    {
+        const auto text = QStringLiteral("sync %1").arg(++m_syncs);
+        m_connector->sendMessage(text, true);
+        return m_server->nextMessage() == text;
+    }
     /// A whole session of another connector: what was on its way before has happened by its end.
-    bool anotherConnectorOpens();
+    bool anotherConnectorOpens()
+    {
+        m_server->setUpgrade(Server::Open);
+        SockJSConnector other;
+        if (!ConnectorProbe(&other).openSession(m_server->url("/other"), webSocket))
+            return false;
+        other.sendMessage("other", true);
+        return m_server->nextMessage() == QLatin1String("other");
+    }
 
     const Protocols webSocket{SockJSConnector::WEBSOCKET};
     const Protocols webSocketThenPolling{SockJSConnector::WEBSOCKET, SockJSConnector::XHR_POLLING};

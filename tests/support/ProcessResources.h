@@ -4,6 +4,8 @@
 #include <QFile>
 #include <QTest>
 
+#include <functional>
+
 #include <malloc.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -73,11 +75,21 @@ inline int connectionsThatSendAtOnce(quint16 port)
 class Snapshot
 {
 public:
+    Snapshot() = default;
+    /// Counts descriptors when \p firstUse is over and its threads have ended: what a process keeps for good
+    /// has been started by then.
+    explicit Snapshot(const std::function<void()>& firstUse)
+    {
+        firstUse();
+        if (!QTest::qWaitFor([this] { return threads() <= m_threads; }, limit))
+            qWarning("%d threads instead of %d", threads(), m_threads);
+        m_descriptors = descriptors();
+    }
+
     /// Waits until the process holds no more than that, since threads and sockets go when their events have
     /// run. Returns what is too many, for the test's message; null when nothing is.
     QString waitForSurplusToGo() const
     {
-        constexpr int limit = 30000; // milliseconds
         if (QTest::qWaitFor([this] { return threads() <= m_threads && descriptors() <= m_descriptors; },
                             limit))
             return QString();
@@ -89,6 +101,7 @@ public:
     }
 
 private:
+    static constexpr int limit = 60000; // milliseconds
     int m_threads = threads();
     int m_descriptors = descriptors();
 };

@@ -19,15 +19,38 @@ public:
         bool endsSession = false;
     };
 
-    FaultSession(const Fault& fault, bool streaming);
+    FaultSession(const Fault& fault, bool streaming)
+        : m_fault(fault), m_streaming(streaming), m_probe(&m_connector)
+    {
+        const QByteArray path = streaming ? "/xhr_streaming" : "/xhr";
+        const QByteArray after = "a[\"after\"]";
+        m_server.answer(path, good(streaming, "o"));
+        m_server.answer(path, fault.script);
+        m_server.answer(path, streaming ? stream(after) : good(false, after));
+    }
 
-    bool open();
+    bool open()
+    {
+        const auto transport = m_streaming ? SockJSConnector::XHR_STREAMING : SockJSConnector::XHR_POLLING;
+        const QString url = QStringLiteral("http://127.0.0.1:%1").arg(m_server.port());
+        return m_probe.openSession(QUrl(url), {transport});
+    }
     /// Whether everything has come that has to come.
-    bool isThrough() const;
+    bool isThrough() const { return m_probe.events().size() >= expected().size(); }
     /// What has come, against what had to; empty when they are the same.
-    QString verdict() const;
+    QString verdict() const
+    {
+        if (m_probe.events() == expected() && m_connector.isConnected() != m_fault.endsSession)
+            return QString();
+        return QStringLiteral("%1: %2 instead of %3")
+            .arg(name(), m_probe.events().join(QLatin1Char('|')), expected().join(QLatin1Char('|')));
+    }
     /// Milliseconds between the first and the last request.
-    qint64 duration() const;
+    qint64 duration() const
+    {
+        const auto requests = m_server.requests();
+        return requests.last().msecs - requests.first().msecs;
+    }
 
     QString name() const { return m_fault.name; }
     SockJSConnector* connector() { return &m_connector; }
@@ -35,10 +58,28 @@ public:
     const ConnectorProbe& probe() const { return m_probe; }
 
     /// A good answer with this frame.
-    static QByteArray good(bool streaming, const QByteArray& frame);
+    static QByteArray good(bool streaming, const QByteArray& frame)
+    {
+        return streaming ? stream(frame) + HttpText::endChunk() : HttpText::chunked(frame + '\n');
+    }
 
 private:
-    QStringList expected() const;
+    static QByteArray stream(const QByteArray& frame)
+    {
+        return HttpText::chunkedHead() + HttpText::chunk(HttpText::prelude()) + HttpText::chunk(frame + '\n');
+    }
+
+    QStringList expected() const
+    {
+        QStringList events{"connected"};
+        for (const QString& message : m_fault.messages)
+            events.append("message " + message);
+        if (m_fault.endsSession)
+            events.append("closed false");
+        else if (m_fault.asksAgain)
+            events.append("message after");
+        return events;
+    }
 
     Fault m_fault;
     bool m_streaming;
