@@ -120,6 +120,7 @@ PresenterClient::~PresenterClient()
 
 PresenterClient::Private::Private(PresenterClient* client, const QString& address)
     : q(client)
+    , pingTimer(client) // moves to another thread with it
     , version(Calyx::CalyxCollabMessage::PROTOCOL_VERSION)
     , server(address)
     , manager(new QNetworkAccessManager(client), [](QObject* object) { object->deleteLater(); })

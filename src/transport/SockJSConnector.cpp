@@ -72,7 +72,8 @@ struct Attempt : QObject
 
 } // namespace
 
-// A QObject, so that what is queued for the connector and its timers go before it is half destroyed.
+// A QObject, so that what is queued for the connector and its timers go before it is half destroyed. It and
+// its timers have parents, so that they move to another thread with the connector.
 class SockJSConnectorPrivate : public QObject
 {
 public:
@@ -130,15 +131,15 @@ public:
     bool asynchronousConnect = false;
     bool endsWithLostRequest = false;
     int openLimit = 0;
-    QTimer openLimitTimer;
+    QTimer openLimitTimer{this};
     int silenceLimit = 0;
-    QTimer silence; // since something has come in
+    QTimer silence{this}; // since something has come in
     int pingInterval = 0;
     int pongLimit = 10000;
     bool randomIds = false;
 };
 
-SockJSConnectorPrivate::SockJSConnectorPrivate(SockJSConnector* connector) : q(connector)
+SockJSConnectorPrivate::SockJSConnectorPrivate(SockJSConnector* connector) : QObject(connector), q(connector)
 {
     openLimitTimer.setSingleShot(true);
     connect(&openLimitTimer, &QTimer::timeout, this, &SockJSConnectorPrivate::onOpenLimit);

@@ -59,6 +59,6 @@ private:
     bool m_up = false;
     bool m_endHeld = false; // until start() has returned
     bool m_answersPings = false;
-    QTimer m_pings;
-    QTimer m_silence; // since a ping
+    QTimer m_pings{this};
+    QTimer m_silence{this}; // since a ping
 };

@@ -1,12 +1,14 @@
 // A host whose process ends while its connector is in some state: exitingHost URL TRANSPORT STATE EXIT
 //
 // It says "exiting" when it is there, and then ends with status 0 and without another word.
+// The ways "on a thread..." have the connector on a thread that the host ends before the application.
 
 #include <CalyxClient/SockJSConnector>
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
 #include <QNetworkProxy>
+#include <QThread>
 #include <QTimer>
 #include <QUrl>
 
@@ -98,11 +100,36 @@ private:
     bool m_left = false;
 };
 
+int runOnThread(const QStringList& arguments)
+{
+    const bool deletesAtOnce = arguments.at(4) == QLatin1String("on a thread, deleted at once");
+    QThread thread;
+    QObject::connect(&thread, &QThread::finished, qApp, &QCoreApplication::quit);
+    auto connector = std::make_unique<SockJSConnector>();
+    Host host(connector.get(), arguments, [&] {
+        connector->close();
+        if (deletesAtOnce)
+            connector.reset();
+        else
+            connector.release()->deleteLater();
+        thread.quit();
+    });
+    connector->moveToThread(&thread);
+    host.moveToThread(&thread);
+    QObject::connect(&thread, &QThread::started, &host, &Host::run);
+    thread.start();
+    const int status = QCoreApplication::exec();
+    thread.wait();
+    return status;
+}
+
 int run(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
     const QStringList arguments = application.arguments();
     const QString way = arguments.at(4);
+    if (way.startsWith(QLatin1String("on a thread")))
+        return runOnThread(arguments);
     std::unique_ptr<SockJSConnector> owned;
     SockJSConnector* connector = nullptr;
     if (way == QLatin1String("child of the application")) {

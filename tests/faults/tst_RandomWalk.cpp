@@ -7,6 +7,7 @@
 #include <CalyxClient/Lzma>
 #include <CalyxClient/PresenterCollab>
 #include <CalyxClient/SockJSConnector>
+#include <CalyxClient/SockJSTransport>
 
 #include <QEventLoop>
 #include <QMetaMethod>
@@ -158,8 +159,8 @@ private:
     {
         // Not to what belongs to these: of a reply's end and its manager's, one inside the other, Qt dies.
         const auto children =
-            m_collab->connector()->findChildren<QObject*>(QString(), Qt::FindDirectChildrenOnly);
-        for (QObject* child : children)
+            m_collab->connector()->findChildren<SockJSTransport*>(QString(), Qt::FindDirectChildrenOnly);
+        for (SockJSTransport* child : children)
             connect(child, &QObject::destroyed, this, &TestRandomWalk::act, Qt::UniqueConnection);
     }
 

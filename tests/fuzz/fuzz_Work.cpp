@@ -99,7 +99,7 @@ Frames chunks(const QList<Line>& lines)
     QStringList list;
     for (const Line& line : lines) {
         const QString chunk = QLatin1Char('"') + block(line.text) + QLatin1Char('"');
-        for (int i = 0; i < line.times && list.size() < most / 50; ++i)
+        for (int i = 0; i < line.times && list.size() < most / 500; ++i)
             list.append(chunk);
     }
     return message("pollResponse", QLatin1Char('[') + list.join(QLatin1Char(',')) + QLatin1Char(']'));

@@ -1,13 +1,16 @@
 // The keep-alive of a login.
 
 #include "support/ClientTest.h"
+#include "support/LogRecorder.h"
 #include "support/Logins.h"
 #include "support/Rows.h"
 #include "support/TimerClock.h"
+#include "support/WaitFor.h"
 
 #include <CalyxClient/PresenterClient>
 
 #include <QTest>
+#include <QThread>
 #include <QTimer>
 
 #include <functional>
@@ -87,6 +90,27 @@ private Q_SLOTS:
             advance(i == 0 ? REST_OF_THE_PERIOD : PERIOD);
             QVERIFY(service().isUsedUp());
         }
+    }
+
+    void keepsAliveOnTheThreadThatItWasMovedTo()
+    {
+        const LogRecorder log;
+        service().expect(SUBMIT, Answer::json(SUCCESS));
+        bool ended = false;
+        QThread thread;
+        connect(&thread, &QThread::finished, this, [&] { ended = true; });
+        client().moveToThread(&thread);
+        connect(&thread, &QThread::started, &client(), [&] {
+            loginByPassword(client());
+            deleteClient();
+            thread.quit();
+        });
+        thread.start();
+
+        QVERIFY(waitFor([&] { return ended; }));
+        QVERIFY(thread.wait());
+        QVERIFY(service().isUsedUp());
+        QCOMPARE(log.warnings(), QStringList());
     }
 
     void keepsNothingAliveWithoutALogin_data()

@@ -1,11 +1,13 @@
 #include "support/ConnectorTest.h"
 #include "support/Rows.h"
 #include "support/ScriptedHttpServer.h"
+#include "support/WaitFor.h"
 #include "support/WallClock.h"
 #include "transport/RANDSTRING.h"
 
 #include <QRegularExpression>
 #include <QTest>
+#include <QThread>
 
 /// What a connection opens: its URL, its request, its session id, its proxy, its open frame.
 class TestSockJSConnectorOpen : public ConnectorTest
@@ -53,6 +55,31 @@ private Q_SLOTS:
                                         QLatin1String("(\\W|$)"));
         QVERIFY2(wanted.match(lines.first()).hasMatch(), qPrintable(lines.first()));
         QVERIFY(lines.first().contains(m_connector->sessionId()));
+    }
+
+    // Hosts make their objects first, and move them to their thread then.
+    void runsOnTheThreadThatItWasMovedTo()
+    {
+        QThread* toldOn = nullptr;
+        bool ended = false;
+        QThread thread;
+        auto* connector = new SockJSConnector;
+        connect(connector, &SockJSConnector::connected, [&] {
+            toldOn = QThread::currentThread();
+            thread.quit();
+        });
+        connect(&thread, &QThread::started, connector, [=] { connector->open(m_server->url(), webSocket); });
+        connect(&thread, &QThread::finished, connector, &QObject::deleteLater);
+        connect(&thread, &QThread::finished, this, [&] { ended = true; });
+        connector->setSilenceLimit(20000);
+        connector->setOpenLimit(20000);
+        connector->moveToThread(&thread);
+        thread.start();
+
+        QVERIFY(waitFor([&] { return ended; }));
+        QVERIFY(thread.wait());
+        QCOMPARE(toldOn, &thread);
+        QCOMPARE(m_log->warnings(), QStringList());
     }
 
     void requestPath_data()
