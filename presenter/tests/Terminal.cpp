@@ -2,8 +2,10 @@
 
 #include "Presenter.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QSocketNotifier>
-#include <QTextCodec>
 
 #include <csignal>
 #include <fcntl.h>
@@ -13,8 +15,6 @@
 #include <unistd.h>
 
 namespace {
-
-const QChar escape = QLatin1Char('\033');
 
 winsize sizeOf(int columns, int rows)
 {
@@ -27,7 +27,6 @@ winsize sizeOf(int columns, int rows)
 } // namespace
 
 Terminal::Terminal(const QStringList& arguments, int columns, int rows)
-    : m_columns(columns), m_rows(rows), m_lines(rows)
 {
     const winsize size = sizeOf(columns, rows);
     if (openpty(&m_master, &m_slave, nullptr, nullptr, &size) != 0)
@@ -38,21 +37,25 @@ Terminal::Terminal(const QStringList& arguments, int columns, int rows)
     fcntl(m_slave, F_SETFD, FD_CLOEXEC);
     auto* notifier = new QSocketNotifier(m_master, QSocketNotifier::Read, this);
     connect(notifier, &QSocketNotifier::activated, this, &Terminal::read);
+    connect(&m_screen, &QProcess::readyRead, this, &Terminal::readScreen);
+    m_screen.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    m_screen.start("node", {CALYX_SCREEN, QString::number(columns), QString::number(rows)});
     QProcessEnvironment environment = Presenter::environment();
     environment.insert("TERM", "vt100");
     environment.insert("NO_COLOR", "1");
     environment.insert("HOME", "/nonexistent"); // nobody's settings of the line editor
     setProcessEnvironment(environment);
     start(QStringLiteral(CALYX_PRESENTER), arguments);
-    if (!waitForStarted())
-        qFatal("calyx-presenter does not start");
+    if (!waitForStarted() || !m_screen.waitForStarted())
+        qFatal("calyx-presenter or node does not start");
 }
 
 Terminal::~Terminal()
 {
-    if (!hasEnded()) {
-        kill();
-        waitForFinished();
+    m_screen.disconnect(this);
+    for (QProcess* process : {static_cast<QProcess*>(this), &m_screen}) {
+        process->kill();
+        process->waitForFinished();
     }
     ::close(m_master);
     ::close(m_slave);
@@ -75,9 +78,9 @@ void Terminal::type(const QString& text)
 
 void Terminal::resize(int columns, int rows)
 {
-    m_columns = columns;
     const winsize size = sizeOf(columns, rows);
     ioctl(m_master, TIOCSWINSZ, &size);
+    show(QStringLiteral("resize %1 %2").arg(columns).arg(rows).toLatin1());
 }
 
 bool Terminal::isCooked() const
@@ -92,102 +95,24 @@ void Terminal::read()
     char bytes[4096];
     for (ssize_t count = ::read(m_master, bytes, sizeof bytes); count > 0;
          count = ::read(m_master, bytes, sizeof bytes))
-        m_bytes.append(bytes, static_cast<int>(count));
-    QTextCodec::ConverterState state;
-    const QString characters =
-        QTextCodec::codecForName("UTF-8")->toUnicode(m_bytes.constData(), m_bytes.size(), &state);
-    m_bytes = m_bytes.right(state.remainingChars);
-    take(characters);
+        show(QByteArray(bytes, static_cast<int>(count)).toBase64());
 }
 
-void Terminal::take(const QString& characters)
+void Terminal::show(const QByteArray& line)
 {
-    for (const QChar character : characters) {
-        if (m_sequence.isEmpty() && character != escape) {
-            put(character);
-            continue;
-        }
-        m_sequence += character;
-        const bool isCsi = m_sequence.size() > 1 && m_sequence.at(1) == QLatin1Char('[');
-        if (m_sequence.size() == 1 || (isCsi && (m_sequence.size() == 2 || character < QLatin1Char('@'))))
-            continue;
-        if (isCsi)
-            control(character, m_sequence.mid(2, m_sequence.size() - 3).section('$', 0, 0).toInt());
-        m_sequence.clear();
-    }
+    ++m_unshown;
+    m_screen.write(line + '\n');
 }
 
-void Terminal::put(QChar character)
+void Terminal::readScreen()
 {
-    if (character == QLatin1Char('\n')) {
-        newLine();
-    } else if (character == QLatin1Char('\r')) {
-        m_column = 0;
-    } else if (character == QLatin1Char('\b')) {
-        m_column = qMax(m_column - 1, 0);
-    } else if (character >= QLatin1Char(' ')) {
-        if (m_column >= m_columns) { // the last column is left only when there is something to put
-            m_column = 0;
-            newLine();
-        }
-        QString& line = m_lines[m_row];
-        line = line.leftJustified(m_column + 1);
-        line[m_column++] = character;
-    }
-}
-
-void Terminal::newLine()
-{
-    if (++m_row < m_rows)
+    QJsonObject shown;
+    for (; m_screen.canReadLine(); --m_unshown)
+        shown = QJsonDocument::fromJson(m_screen.readLine()).object();
+    if (shown.isEmpty())
         return;
-    m_row = m_rows - 1;
-    m_lines.removeFirst();
-    m_lines.append(QString());
-}
-
-void Terminal::clearLine(int from)
-{
-    m_lines[m_row].truncate(from);
-}
-
-void Terminal::control(QChar final, int count)
-{
-    const int steps = qMax(count, 1);
-    switch (final.toLatin1()) {
-    case 'A':
-        m_row = qMax(m_row - steps, 0);
-        break;
-    case 'B':
-        m_row = qMin(m_row + steps, m_rows - 1);
-        break;
-    case 'C':
-        m_column = qMin(m_column + steps, m_columns - 1);
-        break;
-    case 'D':
-        m_column = qMax(m_column - steps, 0);
-        break;
-    case 'K':
-        clearLine(m_column);
-        break;
-    case 'J':
-        clearLine(m_column);
-        for (int row = m_row + 1; row < m_rows; ++row)
-            m_lines[row].clear();
-        break;
-    default: // the look of what follows
-        break;
-    }
-}
-
-QStringList Terminal::screen() const
-{
-    QStringList lines;
-    for (QString line : m_lines) {
-        while (line.endsWith(QLatin1Char(' ')))
-            line.chop(1);
-        lines.append(line);
-    }
-    while (!lines.isEmpty() && lines.last().isEmpty())
-        lines.removeLast();
-    return lines;
+    m_column = shown.value("column").toInt();
+    m_lines = shown.value("lines").toVariant().toStringList();
+    while (!m_lines.isEmpty() && m_lines.last().isEmpty())
+        m_lines.removeLast();
 }

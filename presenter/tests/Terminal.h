@@ -5,9 +5,8 @@
 #include <QProcess>
 #include <QString>
 #include <QStringList>
-#include <QVector>
 
-/// A terminal with calyx-presenter in it. It shows on its screen what a VT100 would.
+/// A terminal with calyx-presenter in it. xterm.js tells what it shows, in a process of its own.
 class Terminal : public QProcess
 {
     Q_OBJECT
@@ -20,12 +19,13 @@ public:
     void resize(int columns, int rows);
 
     /// The lines of the screen, without blanks at their ends, those below the last text left out.
-    QStringList screen() const;
+    QStringList screen() const { return m_lines; }
     QString text() const { return screen().join(QLatin1Char('\n')); }
     /// The last line that is not empty.
     QString lastLine() const { return screen().value(screen().size() - 1); }
     int cursorColumn() const { return m_column; }
-    bool hasEnded() const { return state() == QProcess::NotRunning; }
+    /// Whether the program has ended, and all that it has written is shown.
+    bool hasEnded() const { return state() == QProcess::NotRunning && m_unshown == 0; }
     /// Whether input is edited and echoed by the terminal itself, as a shell leaves it.
     bool isCooked() const;
 
@@ -34,19 +34,13 @@ protected:
 
 private:
     void read();
-    void take(const QString& characters);
-    void put(QChar character);
-    void newLine();
-    void control(QChar final, int count);
-    void clearLine(int from);
+    void show(const QByteArray& line);
+    void readScreen();
 
     int m_master = -1;
     int m_slave = -1;
-    int m_columns;
-    int m_rows;
-    QVector<QString> m_lines;
-    int m_row = 0;
+    QProcess m_screen;
+    int m_unshown = 0; // lines that the screen has not answered
+    QStringList m_lines;
     int m_column = 0;
-    QByteArray m_bytes; // an unfinished character
-    QString m_sequence; // an unfinished control sequence
 };
