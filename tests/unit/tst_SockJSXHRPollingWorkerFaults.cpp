@@ -23,201 +23,128 @@ class tst_SockJSXHRPollingWorkerFaults : public WorkerTest
     Q_OBJECT
 
 private Q_SLOTS:
+    // More of them are in tests/faults.
     void stallIsDiscarded_data()
     {
         rows<QByteArray, QByteArray>({
-            {"in the header", "HTTP/1.1 200 OK\r\nConte", "HTTP/1.1 200 OK\r\nConte"},
             {"in a chunk's size", chunkedHead() + "1", "1"},
-            {"in a chunk", chunkedHead() + "5\r\nab", "ab"},
             {"in the end chunk", chunkedHead() + chunk("ab") + "0", "0"},
-            {"in a body with a length", "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nab", "ab"},
         });
     }
 
     void stallIsDiscarded()
     {
         const auto [begin, pending] = row<QByteArray, QByteArray>();
-        Server server;
-        server.answer("/xhr", begin);
-        server.answer("/xhr", plain("o\n"));
-        WorkerRun run(server.port());
-        run.queueAgain = true;
+        m_server->answer("/xhr", begin);
+        m_server->answer("/xhr", plain("o\n"));
+        m_run->queueAgain = true;
         LogRecorder log;
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
+        QVERIFY(start(1));
         QElapsedTimer clock;
         clock.start();
-        QTRY_COMPARE_WITH_TIMEOUT(run.messages, QStringList("o"), patience);
+        QTRY_COMPARE_WITH_TIMEOUT(m_run->messages, QStringList("o"), patience);
         QVERIFY(clock.elapsed() > 2000);
         QVERIFY2(clock.elapsed() < 5000, "the server's session would be gone");
         QCOMPARE(log.debug(stallLine), QStringList(stallLine));
         QCOMPARE(log.debug(bufferLine), QStringList(bufferLine + pending));
-        QVERIFY(run.reports.contains(QStringLiteral("lost 0")));
-        QCOMPARE(run.reconnects, 1);
-    }
-
-    void shortPauseIsWaitedOut_data()
-    {
-        columns<QByteArray, QByteArray>();
-        const QByteArray answer = chunkedHead() + chunk("abcde") + endChunk();
-        for (const char* place : {"in the header", "in a chunk's size", "after a chunk's size", "in a chunk",
-                                  "after a chunk", "in the end chunk"}) {
-            static const QMap<QByteArray, int> splits{{"in the header", 20},
-                                                      {"in a chunk's size", chunkedHead().size() + 1},
-                                                      {"after a chunk's size", chunkedHead().size() + 3},
-                                                      {"in a chunk", chunkedHead().size() + 5},
-                                                      {"after a chunk", chunkedHead().size() + 8},
-                                                      {"in the end chunk", chunkedHead().size() + 11}};
-            const int split = splits.value(place);
-            QTest::newRow(place) << answer.left(split) << answer.mid(split);
-        }
-    }
-
-    void shortPauseIsWaitedOut()
-    {
-        const auto [begin, rest] = row<QByteArray, QByteArray>();
-        Server server;
-        server.answer("/xhr", Server::Script{Server::send(begin), Server::pause(1500), Server::send(rest)});
-        WorkerRun run(server.port());
-        LogRecorder log;
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.messages, QStringList("abcde"));
-        QCOMPARE(run.reports, QStringList({"header 0", "message 0"}));
-        QCOMPARE(log.debug(stallLine), QStringList());
-    }
-
-    void longPauseBetweenPiecesIsNoStall()
-    {
-        Server server;
-        server.answer("/xhr",
-                      Server::Script{Server::send(chunkedHead()), Server::pause(2300), Server::send("5\r\n"),
-                                     Server::pause(2300), Server::send("abcde\r\n0\r\n\r\n")});
-        WorkerRun run(server.port());
-        LogRecorder log;
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE_WITH_TIMEOUT(run.messages, QStringList("abcde"), patience);
-        QCOMPARE(run.reports, QStringList({"header 0", "message 0"}));
-        QCOMPARE(log.debug(stallLine), QStringList());
+        QVERIFY(m_run->reports.contains(QStringLiteral("lost 0")));
+        QCOMPARE(m_run->reconnects, 1);
     }
 
     void hostMayAllowLongerPauses()
     {
-        Server server;
-        server.answer("/xhr", Server::Script{Server::send(chunkedHead() + "5\r\nab"), Server::pause(3500),
-                                             Server::send("cd\n\r\n" + endChunk())});
+        m_server->answer("/xhr", Server::Script{Server::send(chunkedHead() + "5\r\nab"), Server::pause(3500),
+                                                Server::send("cd\n\r\n" + endChunk())});
         LogRecorder log;
-        WorkerRun run(server.port());
-        run.worker->setStallLimit(20000);
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE_WITH_TIMEOUT(run.messages, QStringList("abcd"), patience);
+        m_run->worker->setStallLimit(20000);
+        QVERIFY(start(1));
+        QTRY_COMPARE_WITH_TIMEOUT(m_run->messages, QStringList("abcd"), patience);
         QCOMPARE(log.debug(stallLine), QStringList());
     }
 
     void freshAnswerAfterAStallIsTaken()
     {
-        Server server;
-        server.answer("/xhr", "HTTP/1.1 200 OK\r\nConte");
-        WorkerRun run(server.port());
+        m_server->answer("/xhr", "HTTP/1.1 200 OK\r\nConte");
         LogRecorder log;
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
+        QVERIFY(start(1));
         QTRY_COMPARE_WITH_TIMEOUT(log.debug(stallLine).size(), 1, patience);
-        server.sendNow(plain("o\n"));
-        QTRY_COMPARE(run.messages, QStringList("o"));
-        QCOMPARE(run.reports, QStringList({"header 0", "message 0"}));
+        m_server->sendNow(plain("o\n"));
+        QTRY_COMPARE(m_run->messages, QStringList("o"));
+        QCOMPARE(m_run->reports, QStringList({"header 0", "message 0"}));
     }
 
     // What is left of the answer that was cut can hold an "HTTP/" in a text, with the line break of its chunk
     // behind it.
     void textAfterAStallIsNoAnswer()
     {
-        Server server;
-        server.answer("/xhr_streaming", chunkedHead() + "64\r\na[");
-        server.answer("/xhr", plain("o\n"));
-        WorkerRun run(server.port());
-        run.queueAgain = true;
+        m_server->answer("/xhr_streaming", chunkedHead() + "64\r\na[");
+        m_server->answer("/xhr", plain("o\n"));
+        m_run->queueAgain = true;
         LogRecorder log;
-        QVERIFY(run.start());
-        QVERIFY(run.queue(QStringLiteral("/p/xhr_streaming")));
+        QVERIFY(start(1, QStringLiteral("/p/xhr_streaming")));
         QTRY_COMPARE_WITH_TIMEOUT(log.debug(stallLine).size(), 1, patience);
-        server.sendNow("\"HTTP/1.1\"]\n\r\n" + chunk("a[\"x\"]\n") + endChunk());
-        QTRY_COMPARE_WITH_TIMEOUT(run.messages, QStringList("o"), patience);
-        QCOMPARE(run.reports, QStringList({"header 0", "lost 0", "reconnected", "header 1", "message 1"}));
+        m_server->sendNow("\"HTTP/1.1\"]\n\r\n" + chunk("a[\"x\"]\n") + endChunk());
+        QTRY_COMPARE_WITH_TIMEOUT(m_run->messages, QStringList("o"), patience);
+        QCOMPARE(m_run->reports, QStringList({"header 0", "lost 0", "reconnected", "header 1", "message 1"}));
     }
 
     void garbageIsDiscardedAfterAStall()
     {
-        Server server;
-        server.onConnect({Server::send("garbage")});
-        server.answer("/xhr", plain("o\n"));
-        WorkerRun run(server.port());
+        m_server->onConnect({Server::send("garbage")});
+        m_server->answer("/xhr", plain("o\n"));
         LogRecorder log;
-        QVERIFY(run.start());
+        QVERIFY(start());
         QTRY_COMPARE_WITH_TIMEOUT(log.debug(bufferLine), QStringList(bufferLine + "garbage"), patience);
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.messages, QStringList("o"));
-        QCOMPARE(run.reconnects, 0);
+        QVERIFY(m_run->queue());
+        QTRY_COMPARE(m_run->messages, QStringList("o"));
+        QCOMPARE(m_run->reconnects, 0);
     }
 
     void answerToNoRequestIsDropped()
     {
-        Server server;
-        server.onConnect({Server::send(chunked("nobody asked\n"))});
-        server.answer("/xhr", plain("o\n"));
-        WorkerRun run(server.port());
+        m_server->onConnect({Server::send(chunked("nobody asked\n"))});
+        m_server->answer("/xhr", plain("o\n"));
         LogRecorder log;
-        QVERIFY(run.start());
+        QVERIFY(start());
         // Only now it is the answer to no request.
         QTRY_COMPARE(log.debug(), QStringList("[SockJSXHRPollingWorker] chunk complete size 13"));
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.reports, QStringList({"header 0", "message 0"}));
-        QCOMPARE(run.messages, QStringList("o"));
+        QVERIFY(m_run->queue());
+        QTRY_COMPARE(m_run->reports, QStringList({"header 0", "message 0"}));
+        QCOMPARE(m_run->messages, QStringList("o"));
     }
 
     void timeoutAnswerOfABalancerIsDropped()
     {
-        Server server;
-        server.onConnect(
+        m_server->onConnect(
             {Server::send(
                  "HTTP/1.1 408 Request Time-out\r\ncontent-length: 4\r\nconnection: close\r\n\r\n<h1>"),
              Server::close()});
-        server.answer("/xhr", plain("o\n"));
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QTRY_COMPARE(run.reconnects, 1);
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.messages, QStringList("o"));
-        QCOMPARE(run.reports, QStringList({"reconnected", "header 0", "message 0"}));
+        m_server->answer("/xhr", plain("o\n"));
+        QVERIFY(start());
+        QTRY_COMPARE(m_run->reconnects, 1);
+        QVERIFY(m_run->queue());
+        QTRY_COMPARE(m_run->messages, QStringList("o"));
+        QCOMPARE(m_run->reports, QStringList({"reconnected", "header 0", "message 0"}));
     }
 
     void secondAnswerToOneRequestIsDropped()
     {
-        Server server;
-        server.answer("/xhr", plain("h\n") + plain("h\n") + chunked("h\n"));
-        server.answer("/xhr", plain("a[]\n"));
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.messages, QStringList("h"));
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.messages, QStringList({"h", "a[]"}));
-        QCOMPARE(run.reports, QStringList({"header 0", "message 0", "header 1", "message 1"}));
+        m_server->answer("/xhr", plain("h\n") + plain("h\n") + chunked("h\n"));
+        m_server->answer("/xhr", plain("a[]\n"));
+        QVERIFY(start(1));
+        QTRY_COMPARE(m_run->messages, QStringList("h"));
+        QVERIFY(m_run->queue());
+        QTRY_COMPARE(m_run->messages, QStringList({"h", "a[]"}));
+        QCOMPARE(m_run->reports, QStringList({"header 0", "message 0", "header 1", "message 1"}));
     }
 
     void emptyAnswerIsReported()
     {
-        Server server;
-        server.answer("/xhr", plain(""));
-        server.answer("/xhr", chunkedHead() + endChunk());
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(run.reports, QStringList({"header 0", "empty 0", "header 1", "empty 1"}));
-        QCOMPARE(run.messages, QStringList());
+        m_server->answer("/xhr", plain(""));
+        m_server->answer("/xhr", chunkedHead() + endChunk());
+        QVERIFY(start(2));
+        QTRY_COMPARE(m_run->reports, QStringList({"header 0", "empty 0", "header 1", "empty 1"}));
+        QCOMPARE(m_run->messages, QStringList());
     }
 
     void badAnswerKeepsTheFullWait_data()
@@ -238,53 +165,45 @@ private Q_SLOTS:
     void badAnswerKeepsTheFullWait()
     {
         const auto [answer, waits] = row<QByteArray, bool>();
-        Server server;
-        server.answer("/xhr", answer);
-        server.answer("/xhr", plain("o\n"));
-        WorkerRun run(server.port());
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QVERIFY(run.queue());
-        QTRY_COMPARE(server.count(), 2);
-        const QList<Server::Request> requests = server.requests();
+        m_server->answer("/xhr", answer);
+        m_server->answer("/xhr", plain("o\n"));
+        QVERIFY(start(2));
+        QTRY_COMPARE(m_server->count(), 2);
+        const QList<Server::Request> requests = m_server->requests();
         const qint64 gap = requests.last().msecs - requests.first().msecs;
         QVERIFY2(waits ? gap >= 980 && gap < 2000 : gap < 900, qPrintable(QString::number(gap)));
     }
 
     void serverThatNeverAnswersIsAskedOnceASecond()
     {
-        Server server;
         for (int i = 0; i < 3; ++i)
-            server.answer("/xhr", Server::Script{i == 1 ? Server::reset() : Server::close()});
-        server.answer("/xhr", plain("o\n"));
-        WorkerRun run(server.port());
-        run.queueAgain = true;
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE_WITH_TIMEOUT(run.messages, QStringList("o"), patience);
-        const QList<Server::Request> requests = server.requests();
+            m_server->answer("/xhr", Server::Script{i == 1 ? Server::reset() : Server::close()});
+        m_server->answer("/xhr", plain("o\n"));
+        m_run->queueAgain = true;
+        QVERIFY(start(1));
+        QTRY_COMPARE_WITH_TIMEOUT(m_run->messages, QStringList("o"), patience);
+        const QList<Server::Request> requests = m_server->requests();
         for (int i = 1; i < requests.size(); ++i) {
             const qint64 gap = requests.at(i).msecs - requests.at(i - 1).msecs;
             QVERIFY2(gap >= 980 && gap < 2000, qPrintable(QString::number(gap)));
         }
-        QCOMPARE(run.reconnects, 3);
+        QCOMPARE(m_run->reconnects, 3);
     }
 
     // It has answered: there is nothing to spare the server, and messages would come late.
     void streamThatIsCutAfterAFrameIsAskedAnewAtOnce()
     {
-        Server server;
-        server.answer("/xhr_streaming",
-                      Server::Script{Server::send(chunkedHead() + chunk("o\n") + chunk("a[\"x\"]\n")),
-                                     Server::close()});
-        server.answer("/xhr_streaming", chunkedHead() + chunk("a[\"y\"]\n"));
-        WorkerRun run(server.port());
+        m_server->answer("/xhr_streaming",
+                         Server::Script{Server::send(chunkedHead() + chunk("o\n") + chunk("a[\"x\"]\n")),
+                                        Server::close()});
+        m_server->answer("/xhr_streaming", chunkedHead() + chunk("a[\"y\"]\n"));
         const QString path = QStringLiteral("/p/xhr_streaming");
-        connect(run.worker, &SockJSXHRPollingWorker::reconnected, &run, [&] { run.queue(path); });
-        QVERIFY(run.start());
-        QVERIFY(run.queue(path));
-        QTRY_COMPARE_WITH_TIMEOUT(run.messages, QStringList({"o", "a[\"x\"]", "a[\"y\"]"}), patience);
-        const qint64 gap = server.requests().at(1).msecs - server.requests().at(0).msecs;
+        connect(m_run->worker, &SockJSXHRPollingWorker::reconnected, m_run.get(),
+                [&] { m_run->queue(path); });
+        QVERIFY(start());
+        QVERIFY(m_run->queue(path));
+        QTRY_COMPARE_WITH_TIMEOUT(m_run->messages, QStringList({"o", "a[\"x\"]", "a[\"y\"]"}), patience);
+        const qint64 gap = m_server->requests().at(1).msecs - m_server->requests().at(0).msecs;
         QVERIFY2(gap < 900, qPrintable(QString::number(gap)));
     }
 
@@ -300,17 +219,14 @@ private Q_SLOTS:
     void overrunIsABrokenConnection()
     {
         const auto [answer] = row<QByteArray>();
-        Server server;
-        server.answer("/xhr", answer);
-        server.answer("/xhr", plain("o\n"));
-        WorkerRun run(server.port());
-        run.queueAgain = true;
-        QVERIFY(run.start());
-        QVERIFY(run.queue());
-        QTRY_COMPARE_WITH_TIMEOUT(run.messages, QStringList("o"), patience);
-        QCOMPARE(server.requests().last().connection, 1);
-        QVERIFY(server.requests().last().msecs - server.requests().first().msecs >= 980);
-        QVERIFY(run.reports.contains(QStringLiteral("lost 0")));
+        m_server->answer("/xhr", answer);
+        m_server->answer("/xhr", plain("o\n"));
+        m_run->queueAgain = true;
+        QVERIFY(start(1));
+        QTRY_COMPARE_WITH_TIMEOUT(m_run->messages, QStringList("o"), patience);
+        QCOMPARE(m_server->requests().last().connection, 1);
+        QVERIFY(m_server->requests().last().msecs - m_server->requests().first().msecs >= 980);
+        QVERIFY(m_run->reports.contains(QStringLiteral("lost 0")));
     }
 };
 
