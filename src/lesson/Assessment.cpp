@@ -121,8 +121,8 @@ void Assessment::enter(const QString& deviceId)
     endInsertRows();
 }
 
-// False for an answer that does not count: too late, from nobody who takes part, a second one where only the
-// first counts, or the same again.
+// False for an answer that does not count: too late, from nobody who takes part, or a second one where only
+// the first counts. The same again changes nothing.
 bool Assessment::add(const QString& deviceId, int number, const QString& text, int time)
 {
     constexpr int second = 1000;
@@ -130,8 +130,9 @@ bool Assessment::add(const QString& deviceId, int number, const QString& text, i
     const bool isReplacement = before.mark != PollAnswer::NoAnswer;
     PollAnswer after;
     after.text = LessonText::clean(text, longestAnswer);
-    if (!d->isRunning || !takesPart(deviceId) ||
-        (isReplacement && (!d->plan.mayResubmit || before.text == after.text)))
+    if (isReplacement && before.text == after.text)
+        return true;
+    if (!d->isRunning || !takesPart(deviceId) || (isReplacement && !d->plan.mayResubmit))
         return false;
     const Question& question = d->plan.questions.at(number - 1);
     const int row = d->rows.value(deviceId);

@@ -113,6 +113,11 @@ void Lesson::setTransports(const QStringList& transports)
     d->transports = transports;
 }
 
+void Lesson::setOpenLimit(int msecs)
+{
+    d->openLimit = msecs;
+}
+
 void Lesson::setReconnects(bool reconnects)
 {
     d->reconnects = reconnects;
@@ -349,6 +354,14 @@ void Lesson::showPicture(const QByteArray& png)
         d->refuse(QT_TRANSLATE_NOOP("Calyx::Lesson", "There is no picture."));
     else
         d->show(png, QString(), 0);
+}
+
+void Lesson::showPictureAt(const QString& url)
+{
+    if (url.isEmpty())
+        d->refuse(QT_TRANSLATE_NOOP("Calyx::Lesson", "There is no picture."));
+    else
+        d->show(QByteArray(), LessonText::asReference(url), 0);
 }
 
 bool Lesson::isLocked() const

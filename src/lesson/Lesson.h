@@ -117,9 +117,12 @@ public:
     QDateTime nextAttempt() const;
     /// What the remote control is told as the lesson's id and name; "lesson" and "Lesson" at first.
     Q_INVOKABLE void setName(const QString& id, const QString& name);
-    /// The transports to use ("websocket", "xhr-streaming", "xhr-polling") from the next start(), instead of
-    /// those that the service prescribes; an empty list sets none.
+    /// The transports to use ("websocket", "xhr-streaming", "xhr-polling") from the next start() or
+    /// reconnection, instead of those that the service prescribes; an empty list sets none.
     Q_INVOKABLE void setTransports(const QStringList& transports);
+    /// How many milliseconds a transport may take to open before the next one is tried, from the next
+    /// start(); 10,000 at first, 0 for no limit.
+    Q_INVOKABLE void setOpenLimit(int msecs);
     /// Whether a channel that is lost is opened again by itself; true at first. Without it a lost lesson
     /// stays Reconnecting until retryNow().
     Q_INVOKABLE void setReconnects(bool reconnects);
@@ -206,6 +209,9 @@ public:
     Q_INVOKABLE void showCard(int number = 0);
     /// Shows a picture that is not of the deck.
     void showPicture(const QByteArray& png);
+    /// The same for one that devices load from \p url: an address on the web, one that begins at the
+    /// service's, or a data URI.
+    Q_INVOKABLE void showPictureAt(const QString& url);
     /// Whether the class is to look up.
     bool isLocked() const;
     /// Covers the devices with a text that cannot be dismissed, or takes it away. A poll that starts takes it
@@ -230,6 +236,8 @@ public:
     /// Whether the lesson obeys \p command by itself; true for all at first. A host that takes one over
     /// carries it out when remoteCommand() tells it.
     Q_INVOKABLE void setObeys(Calyx::Lesson::RemoteCommand command, bool obeys);
+    /// The command's name on the wire, for example "nextCard".
+    static QString nameOf(RemoteCommand command);
 
     // Afterwards.
 
@@ -248,7 +256,8 @@ public:
     /// nor what belongs to the host's thread.
     void onChannel(std::function<void(PresenterCollab*)> work);
     /// The same with the service's client, in turn with the lesson's own requests: its operations may block.
-    /// With a client that is not logged in where nobody is.
+    /// With a client that is not logged in where nobody is. A session that \p work creates and does not start
+    /// is the one that the next start() opens.
     void onClient(std::function<void(PresenterClient*)> work);
 
 Q_SIGNALS:
@@ -280,7 +289,10 @@ Q_SIGNALS:
     void remoteCommand(Calyx::Lesson::RemoteCommand command, bool obeyed, const QVariant& data);
     /// The service wants \p data (JSON) completed before an OAuth login.
     void registrationNeeded(const QString& data);
-    /// A message that the library does not know has come: its type, its sender, its decoded data.
+    /// A message has come that the lesson does nothing about: its type, its sender, its decoded data. One
+    /// that the library does not know; a command for a remote control's by a device that is none; an answer
+    /// ("questionResponse") that does not count, or the wish for a question ("questionGet") that is not
+    /// given.
     void messageReceived(const QString& type, const QString& from, const QVariant& data);
 
 private:

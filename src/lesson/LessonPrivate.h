@@ -106,6 +106,7 @@ struct LessonPrivate : public LessonListener
     QString lessonId = QStringLiteral("lesson");
     QString lessonName = QStringLiteral("Lesson");
     QStringList transports;
+    int openLimit = 10000; // ms
     QDateTime startedAt;
     bool reconnects = true;
     bool wantsLive = false; // a session, as soon as the login is there

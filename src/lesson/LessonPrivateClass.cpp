@@ -153,22 +153,26 @@ void LessonPrivate::onAnswer(const QString& deviceId, const QString& id, int tim
     }
     for (Assessment* one : qAsConst(assessments)) {
         const int number = one->numberOf(id);
-        if (number > 0) {
-            one->add(deviceId, number, answer, time);
+        if (number > 0 && one->add(deviceId, number, answer, time))
             return;
-        }
     }
+    onMessage(QStringLiteral("questionResponse"), deviceId,
+              QVariantMap{{QStringLiteral("questionId"), id}, {QStringLiteral("answer"), answer}});
 }
 
 void LessonPrivate::onQuestionWanted(const QString& deviceId, int number)
 {
-    if (!assessment || !assessment->isRunning())
-        return;
+    const bool isRunning = assessment && assessment->isRunning();
     const QPointer<Lesson> self(q);
-    if (assessment->isForAll())
+    if (isRunning && assessment->isForAll())
         assessment->enter(deviceId);
-    if (!self || !assessment->takesPart(deviceId) || number < 0 || number > assessment->questionCount())
+    if (!self)
         return;
+    if (!isRunning || !assessment->takesPart(deviceId) || number < 0 ||
+        number > assessment->questionCount()) {
+        onMessage(QStringLiteral("questionGet"), deviceId, number);
+        return;
+    }
     number = qMax(number, 1); // a device that names none wants the first
     const PollAnswer before = assessment->answer(deviceId, number);
     const QString text = before.mark == PollAnswer::NoAnswer ? QString() : before.text;

@@ -54,6 +54,11 @@ void LessonPrivate::onRemote(const QString& type, const QVariant& data)
         Q_EMIT q->remoteCommand(*command, obeyed, data);
 }
 
+QString Lesson::nameOf(RemoteCommand command)
+{
+    return remoteCommands().key(command);
+}
+
 // Its answer to what changes nothing is where the lesson stands.
 bool LessonPrivate::obey(Lesson::RemoteCommand command, const QVariant& data)
 {

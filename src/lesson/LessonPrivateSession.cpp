@@ -85,8 +85,10 @@ void LessonPrivate::beginStart()
     attempts = 0;
     startedAt = QDateTime::currentDateTime();
     ticket = ++lastTicket;
-    worker->tell(
-        [ticket = ticket, transports = transports](LessonWorker* at) { at->open(ticket, transports); });
+    worker->tell([ticket = ticket, transports = transports, limit = openLimit](LessonWorker* at) {
+        at->setTransports(transports, limit);
+        at->open(ticket);
+    });
     setState(Lesson::Starting);
 }
 
@@ -174,7 +176,10 @@ void LessonPrivate::attempt()
     retry.stop();
     nextAttempt = QDateTime();
     ticket = ++lastTicket;
-    worker->tell([ticket = ticket](LessonWorker* at) { at->reopen(ticket); });
+    worker->tell([ticket = ticket, transports = transports, limit = openLimit](LessonWorker* at) {
+        at->setTransports(transports, limit);
+        at->reopen(ticket);
+    });
     Q_EMIT q->nextAttemptChanged();
 }
 

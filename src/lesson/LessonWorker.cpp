@@ -16,9 +16,9 @@ namespace Calyx {
 
 namespace {
 
-constexpr int openLimit = 10000; // ms, for each transport
-constexpr int channelLimit = 3 * openLimit + 1000;
-constexpr int replyLimit = 10000; // ms, the client's
+constexpr int mostTransports = 3;
+constexpr int greetingLimit = 31000; // ms, where a transport has no limit
+constexpr int replyLimit = 10000;    // ms, the client's
 constexpr int stallLimit = 20000;
 constexpr int abortPace = 10;       // ms
 constexpr int silenceLimit = 40000; // longer than a server's heartbeats are apart
@@ -221,12 +221,17 @@ void LessonWorker::logOut(int ticket)
 
 // Session and channel.
 
-void LessonWorker::open(int ticket, const QStringList& transports)
+void LessonWorker::setTransports(const QStringList& transports, int openLimit)
 {
-    enqueue(true, [this, ticket, transports] {
+    m_transports = transports;
+    m_openLimit = openLimit;
+}
+
+void LessonWorker::open(int ticket)
+{
+    enqueue(true, [this, ticket] {
         m_ticket = ticket;
         m_expectedSteps = 7;
-        m_transports = transports;
         const LessonError result = doOpen();
         if (result.kind == LessonError::NoError) {
             reportOpened(ticket, false);
@@ -243,7 +248,7 @@ LessonError LessonWorker::doOpen()
 {
     if (!m_client)
         return error(LessonError::LoggedOutByService);
-    m_client->setOpenLimit(openLimit);
+    m_client->setOpenLimit(m_openLimit);
     m_client->setSilenceLimit(silenceLimit);
     m_client->setStallLimit(stallLimit);
     m_client->setAsynchronousConnect(true);
@@ -261,7 +266,9 @@ LessonError LessonWorker::doOpen()
 
 LessonError LessonWorker::startSession(PresenterCollab** collab)
 {
-    if (!m_client->doStartSession(QString())) {
+    const bool isCreated = !m_createdCode.isEmpty() && m_createdCode == m_client->sessionCode();
+    m_createdCode.clear(); // it is opened once, or not at all
+    if (!isCreated && !m_client->doStartSession(QString())) {
         if (m_client->isLoggedIn() || m_isCancelled)
             return reasonOfFailure();
         const LessonError reason = renewLogin(); // the client forgets who it is when it hears that nobody is
@@ -334,7 +341,7 @@ bool LessonWorker::waitForChannel()
         connect(this, &LessonWorker::interrupted, &loop, &QEventLoop::quit);
         QTimer limit;
         connect(&limit, &QTimer::timeout, &loop, &QEventLoop::quit);
-        limit.start(channelLimit);
+        limit.start(m_openLimit > 0 ? mostTransports * m_openLimit + 1000 : greetingLimit);
         loop.exec();
     }
     return m_collab && m_collab->isConnected() && !m_isCancelled;
@@ -409,7 +416,7 @@ LessonError LessonWorker::doReopen()
 // The one that worked comes first: one that a filter swallows would take its time again.
 QStringList LessonWorker::transportsForReturn() const
 {
-    QStringList transports = m_client->sockJSProtocols();
+    QStringList transports = m_transports.isEmpty() ? m_client->sockJSProtocols() : m_transports;
     if (transports.isEmpty()) {
         for (const SockJSConnector::PROTOCOL_TYPE type : SockJSConnector::GetDefaultProtocols())
             transports.append(SockJSConnector::PROTOCOL_TYPE_STR().value(type));
@@ -493,7 +500,10 @@ void LessonWorker::withClient(const QString& server, const std::function<void(Pr
         m_ticket = 0;
         if (!m_client)
             m_client = std::make_unique<ServiceClient>(server);
+        const QString before = m_client->sessionCode();
         work(m_client.get());
+        if (m_client->sessionCode() != before && m_client->sessionToken().isNull())
+            m_createdCode = m_client->sessionCode();
     });
 }
 
@@ -516,19 +526,21 @@ void LessonWorker::onRemoteControl(const QString& from, const QString& type, con
 {
     if (!m_collab || from == m_collab->userToken()) // our own "pause", for example
         return;
-    const auto tellIt = [=] { report([=](LessonListener* listener) { listener->onRemote(type, data); }); };
+    const auto tellRemote = [=] {
+        report([=](LessonListener* listener) { listener->onRemote(type, data); });
+    };
     if (m_remotes.contains(from)) {
-        tellIt();
+        tellRemote();
         return;
     }
+    const auto tellOther = [=] {
+        m_others.insert(from);
+        report([=](LessonListener* listener) { listener->onMessage(type, from, data); });
+    };
     if (m_others.contains(from))
-        return;
-    enqueue(true, [=] {
-        if (isRemote(from))
-            tellIt();
-        else
-            m_others.insert(from);
-    });
+        tellOther();
+    else
+        enqueue(true, [=] { isRemote(from) ? tellRemote() : tellOther(); });
 }
 
 bool LessonWorker::isRemote(const QString& from)

@@ -84,7 +84,10 @@ public:
     void tell(const std::function<void(LessonWorker*)>& work);
 
     void logIn(int ticket, const Login& login);
-    void open(int ticket, const QStringList& transports);
+    /// What the channel is opened with from now on: \p transports, unless that is empty, each for \p
+    /// openLimit milliseconds; 0 is no limit.
+    void setTransports(const QStringList& transports, int openLimit);
+    void open(int ticket);
     /// Opens the channel of the session again, whatever has become of it and of the login.
     void reopen(int ticket);
     void endSession(int ticket);
@@ -141,6 +144,8 @@ private:
     QPointer<PresenterCollab> m_collab; // the client's
     Login m_login;
     QStringList m_transports;
+    int m_openLimit = 0;
+    QString m_createdCode; // of a session that the host has created and nobody has started
     QString m_sessionToken;
     std::deque<Operation> m_queue;
     std::deque<std::function<void(PresenterCollab*)>> m_waiting; // for the channel

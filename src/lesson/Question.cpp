@@ -128,6 +128,20 @@ bool takeApart(const QString& answer, const QStringList& ids, QStringList& found
     return true;
 }
 
+// Each option is named once, of an order all of them.
+bool canBeAnswer(const Question& question, const QString& answer)
+{
+    double number = 0;
+    const Kind& kind = kindOf(question.type);
+    if (question.type == P::NUMBER)
+        return readNumber(answer, number);
+    if (kind.fewest == 0)
+        return !answer.trimmed().isEmpty();
+    QStringList picks = question.picksOf(answer);
+    const bool isWhole = kind.meaning != Meaning::Order || picks.size() == question.optionIds().size();
+    return picks.removeDuplicates() == 0 && !picks.isEmpty() && isWhole;
+}
+
 } // namespace
 
 Question Question::usual(P::POLL_TYPE type)
@@ -244,9 +258,7 @@ QString Question::fault() const
     if (text.size() > longestText)
         return tr("The text of the question is too long.");
     for (const QString& answer : right) {
-        double number = 0;
-        if (answer.trimmed().isEmpty() || (kind.fewest > 0 && picksOf(answer).isEmpty()) ||
-            (type == P::NUMBER && !readNumber(answer, number)))
+        if (!canBeAnswer(*this, answer))
             return tr("\u201c%1\u201d cannot be the right answer to this question.").arg(answer);
     }
     return QString();

@@ -105,6 +105,7 @@ private Q_SLOTS:
         row("lock", [](Lesson& lesson) { lesson.setLocked(true); });
         row("card", [](Lesson& lesson) { lesson.showCard(); });
         row("picture", [](Lesson& lesson) { lesson.showPicture("png"); });
+        row("address", [](Lesson& lesson) { lesson.showPictureAt(QStringLiteral("/leaf.png")); });
         row("controls", [](Lesson& lesson) { lesson.logIn(QStringLiteral("a\nb"), QString()); });
         row("save", [](Lesson& lesson) { QVERIFY(!lesson.save(QStringLiteral("/nowhere/at all"))); });
     }

@@ -63,6 +63,9 @@ private Q_SLOTS:
         row("right", Question::usual(PollType::MULTIPLE), {"AC", "B"}, false);
         row("right by text", withTexts(PollType::MULTIPLE, {"Oxygen", "Carbon"}), {"Carbon"}, false);
         row("right is no option", Question::usual(PollType::MULTIPLE), {"E"}, true);
+        row("right twice", Question::usual(PollType::MULTIPLE), {"AA"}, true);
+        row("a whole order", Question::usual(PollType::SORT), {"BACD"}, false);
+        row("half an order", Question::usual(PollType::SORT), {"BA"}, true);
         row("right is no number", Question::usual(PollType::NUMBER), {"many"}, true);
         row("right is nothing", Question::usual(PollType::TEXT), {" "}, true);
     }
@@ -126,7 +129,8 @@ private Q_SLOTS:
         QCOMPARE(read.toMap(), question.toMap());
         QCOMPARE(read.optionIds(), (QStringList{"A", "B"}));
         QCOMPARE(Question::fromMap({}).type, PollType::TEXT);
-        QCOMPARE(Question::fromMap({{QStringLiteral("kind"), 2.0}}).type, PollType::MULTIPLE); // as QML gives it
+        QCOMPARE(Question::fromMap({{QStringLiteral("kind"), 2.0}}).type,
+                 PollType::MULTIPLE); // as QML gives it
     }
 };
 
