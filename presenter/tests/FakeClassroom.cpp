@@ -82,7 +82,8 @@ void FakeClassroom::readRequests(QTcpSocket* socket)
         if (buffer.size() < headEnd + 4 + length)
             return;
         const QString path = QString::fromUtf8(buffer.split(' ').value(1).mid(root.size()));
-        m_requests.append(path);
+        if (!path.isEmpty()) // else only whether we are there
+            m_requests.append(path);
         m_bodies.insert(path, QString::fromUtf8(buffer.mid(headEnd + 4, length)));
         buffer.remove(0, headEnd + 4 + length);
         answerRequest(socket, path);
@@ -116,6 +117,7 @@ void FakeClassroom::release()
 
 QByteArray FakeClassroom::reply(const QString& path) const
 {
+    const QVariantList remoteControl = {QVariantMap{{"userToken", "remote-device"}, {"mode", "controller"}}};
     const QHash<QString, QVariantMap> data = {
         {"/login/user", {{"userLoginId", "teacher"}}},
         {"/session/create", {{"sessionCode", "123456"}}},
@@ -124,7 +126,7 @@ QByteArray FakeClassroom::reply(const QString& path) const
         {"/config/findTenantFeatureDetails", {{"sockJSProtocols", QStringList{"websocket"}}}},
         {"/session/start", {{"sessionToken", sessionToken}}},
         {"/classroom/session/join", {{"userToken", presenterToken}}},
-        {"/session/getusers", {{"users", m_users}}},
+        {"/session/getusers", {{"users", m_users + remoteControl}}},
         {"/resource/uploadResourceFile", {{"id", "resource-1"}, {"path", "x"}}}};
     return m_replies.value(path, success(data.value(path)));
 }
@@ -153,7 +155,10 @@ void FakeClassroom::readPublish(const QVariantMap& frame)
 {
     const QVariantMap body = frame.value("body").toMap();
     const QString address = frame.value("address").toString();
-    m_messages.append({address, body.value("type").toString(), decoded(body.value("data"))});
+    const bool isForRemote = address.endsWith(".controller");
+    if (!address.contains(".presenter.")) // it asks itself whether the bus is there
+        (isForRemote ? m_toRemote : m_messages)
+            .append({address, body.value("type").toString(), decoded(body.value("data"))});
     if (address == sessionToken) // the presenter listens there itself
         inject(body);
 }

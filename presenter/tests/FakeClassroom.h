@@ -49,7 +49,10 @@ public:
     void setReply(const QString& path, const QByteArray& envelope) { m_replies.insert(path, envelope); }
 
     bool isPresenterHere() const;
+    /// What has gone to the class, or to one of it.
     QList<Message> messages() const { return m_messages; }
+    /// What has gone to the remote control.
+    QList<Message> toRemote() const { return m_toRemote; }
     /// The id of the question or poll that the presenter has sent last.
     QString lastQuestion() const;
 
@@ -87,4 +90,5 @@ private:
     QList<QPair<QPointer<QTcpSocket>, QString>> m_waiting;
     QVariantList m_users;
     QList<Message> m_messages;
+    QList<Message> m_toRemote;
 };

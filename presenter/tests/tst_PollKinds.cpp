@@ -4,19 +4,6 @@
 
 using namespace Calyx;
 
-namespace {
-
-QStringList labels(const PollPlan& plan)
-{
-    QStringList labels;
-    const QVector<Bar> bars = PollKinds::tally(plan).bars();
-    for (const Bar& bar : bars)
-        labels.append(bar.label);
-    return labels;
-}
-
-} // namespace
-
 class tst_PollKinds : public QObject
 {
     Q_OBJECT
@@ -60,8 +47,6 @@ private Q_SLOTS:
             PollType::POLL_TYPE read;
             QVERIFY(PollKinds::readType(PollKinds::typeName(type), read));
             QCOMPARE(read, type);
-            QCOMPARE(PollKinds::usual(type).type, type);
-            QCOMPARE(PollKinds::fault(PollKinds::usual(type)), QString());
         }
         const QList<OrdinalType::ORDINAL_TYPE> ordinals = OrdinalType::ORDINAL_TYPE_STR().keys();
         for (const OrdinalType::ORDINAL_TYPE ordinal : ordinals) {
@@ -71,92 +56,17 @@ private Q_SLOTS:
         }
     }
 
-    void numbersAreChecked_data()
-    {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<int>("ordinal");
-        QTest::addColumn<int>("options");
-        QTest::addColumn<int>("extra");
-        QTest::addColumn<bool>("good");
-        QTest::newRow("letters") << int(PollType::MULTIPLE) << int(OrdinalType::ALPHA_UPPER) << 26 << 1
-                                 << true;
-        QTest::newRow("too many letters")
-            << int(PollType::MULTIPLE) << int(OrdinalType::ALPHA_LOWER) << 27 << 1 << false;
-        QTest::newRow("negative") << int(PollType::SCALE) << int(OrdinalType::NUMBER) << -1 << 0 << false;
-        QTest::newRow("enormous") << int(PollType::SCALE) << int(OrdinalType::NUMBER) << 2000000000 << 0
-                                  << false;
-        QTest::newRow("options of a text")
-            << int(PollType::TEXT) << int(OrdinalType::GENERIC) << 2 << 0 << false;
-        QTest::newRow("decimals") << int(PollType::NUMBER) << int(OrdinalType::NUMBER) << 10 << 0 << true;
-        QTest::newRow("too many decimals")
-            << int(PollType::NUMBER) << int(OrdinalType::NUMBER) << 11 << 0 << false;
-        QTest::newRow("more correct than options")
-            << int(PollType::MULTIPLE) << int(OrdinalType::ALPHA_UPPER) << 3 << 4 << false;
-        QTest::newRow("extra of a scale")
-            << int(PollType::SCALE) << int(OrdinalType::NUMBER) << 5 << 1 << false;
-    }
-
-    void numbersAreChecked()
-    {
-        QFETCH(int, type);
-        QFETCH(int, ordinal);
-        QFETCH(int, options);
-        QFETCH(int, extra);
-        const PollPlan plan = {static_cast<PollType::POLL_TYPE>(type),
-                               static_cast<OrdinalType::ORDINAL_TYPE>(ordinal), options, extra, false};
-        QTEST(PollKinds::fault(plan).isEmpty(), "good");
-    }
-
-    void barsAreThoseOfTheOptions()
-    {
-        QCOMPARE(labels(PollKinds::usual(PollType::TRUE_FALSE)), QStringList({"A True", "B False"}));
-        QCOMPARE(labels(PollKinds::usual(PollType::SCALE)), QStringList({"0", "1", "2", "3", "4"}));
-        QCOMPARE(labels(PollKinds::usual(PollType::SORT)), QStringList{});
-        QCOMPARE(labels(PollKinds::usual(PollType::TEXT)), QStringList{});
-    }
-
-    void everyLabelIsThereOnceAndIsAWord()
-    {
-        PollPlan plan = PollKinds::usual(PollType::MULTIPLE);
-        plan.ordinal = OrdinalType::YES_NO_MAYBE;
-        plan.options = PollKinds::usualOptions(plan);
-        QCOMPARE(labels(plan), QStringList({"A Yes", "B No", "? Maybe"}));
-        Tally tally = PollKinds::tally(plan);
-        tally.add("d", "DONTKNOW");
-        QCOMPARE(tally.bars().at(2).count, 1);
-    }
-
-    // Such a poll goes out as a document, whose answers name options by number.
-    void picksByNumberAreShownByLabel()
-    {
-        PollPlan plan = PollKinds::usual(PollType::WORD_SEED);
-        plan.ordinal = OrdinalType::ALPHA_UPPER;
-        plan.options = 3;
-        Tally tally = PollKinds::tally(plan);
-        tally.add("d", "0,2");
-        QCOMPARE(tally.bars().at(0).label, QStringLiteral("A"));
-        QCOMPARE(tally.bars().at(0).count, 1);
-        QCOMPARE(tally.bars().at(1).count, 0);
-        QCOMPARE(tally.bars().at(2).count, 1);
-    }
-
-    void aSortIsCountedAsAWhole()
-    {
-        Tally tally = PollKinds::tally(PollKinds::usual(PollType::SORT));
-        tally.add("d", "BCDA");
-        QCOMPARE(tally.bars().size(), 1);
-        QCOMPARE(tally.bars().first().label, QStringLiteral("BCDA"));
-    }
-
     void descriptionsReadWell()
     {
-        QCOMPARE(PollKinds::description(PollKinds::usual(PollType::TRUE_FALSE)),
+        QCOMPARE(PollKinds::description(Question::usual(PollType::TRUE_FALSE)),
                  QStringLiteral("true-false, 2 options"));
-        PollPlan plan = {PollType::MULTIPLE, OrdinalType::ALPHA_UPPER, 4, 2, true};
-        QCOMPARE(PollKinds::description(plan),
+        Question question = Question::of(PollType::MULTIPLE, OrdinalType::ALPHA_UPPER, 4);
+        question.choices = 2;
+        question.pictureUrl = QStringLiteral("x");
+        QCOMPARE(PollKinds::description(question),
                  QStringLiteral("multiple, alpha-upper, 4 options, 2 correct, with a picture"));
-        plan = {PollType::NUMBER, OrdinalType::NUMBER, 1, 0, false};
-        QCOMPARE(PollKinds::description(plan), QStringLiteral("number, 1 decimal"));
+        QCOMPARE(PollKinds::description(Question::of(PollType::NUMBER, OrdinalType::NUMBER, 1)),
+                 QStringLiteral("number, 1 decimal"));
     }
 };
 

@@ -35,7 +35,7 @@ private Q_SLOTS:
         QTest::newRow("label") << "poll multiple alhpa-upper"
                                << "Did you mean alpha-upper?";
         QTest::newRow("number of options") << "poll multiple alpha-upper 27"
-                                           << "from 1 to 26, not 27";
+                                           << "from 2 to 26 options, not 27";
         QTest::newRow("picture of a poll") << "poll text picture no-such.png"
                                            << "no-such.png cannot be read";
         QTest::newRow("picture") << "card no-such.png"
@@ -45,7 +45,7 @@ private Q_SLOTS:
         QTest::newRow("upload") << "upload no-such.pdf"
                                 << "no-such.pdf cannot be read";
         QTest::newRow("impossible answer") << "assessment question multiple alpha-upper 3 answer=D"
-                                           << "names no option";
+                                           << "cannot be the right answer";
         QTest::newRow("number") << "assessment start time=soon"
                                 << "takes a whole number";
         QTest::newRow("limit") << "wait learners 3 within"

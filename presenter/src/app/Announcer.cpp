@@ -1,22 +1,89 @@
 #include "app/Announcer.h"
 
-#include "lesson/Lesson.h"
+#include "lesson/Notebook.h"
 #include "terminal/Screen.h"
 #include "text/Text.h"
 
+#include <QJsonDocument>
+#include <QMetaEnum>
+
 #include <utility>
 
-Announcer::Announcer(Lesson& lesson, Screen& screen) : m_lesson(lesson), m_screen(screen)
+using namespace Calyx;
+
+namespace {
+
+// A payload on one line.
+QString shown(const QVariant& data)
+{
+    constexpr int longest = 200;
+    QString text = data.toString();
+    if (data.type() == QVariant::Map || data.type() == QVariant::List)
+        text = QString::fromUtf8(QJsonDocument::fromVariant(data).toJson(QJsonDocument::Compact));
+    return Text::clean(text.left(2 * longest)).left(longest); // a picture is long
+}
+
+const char* whyNot(Lesson::RemoteCommand command)
+{
+    switch (command) {
+    case Lesson::NextCard:
+        return "there is no further card";
+    case Lesson::PreviousCard:
+        return "there is no earlier card";
+    case Lesson::ShowCard:
+        return "there is no card";
+    case Lesson::AddCard:
+        return "this is no picture";
+    default:
+        return "neither a poll nor an assessment is under way";
+    }
+}
+
+bool isCommand(const QString& type)
+{
+    const auto commands = QMetaEnum::fromType<Lesson::RemoteCommand>();
+    for (int i = 0; i < commands.keyCount(); ++i) {
+        if (Lesson::nameOf(Lesson::RemoteCommand(commands.value(i))) == type)
+            return true;
+    }
+    return false;
+}
+
+bool changesCard(Lesson::RemoteCommand command)
+{
+    return command == Lesson::NextCard || command == Lesson::PreviousCard || command == Lesson::AddCard;
+}
+
+} // namespace
+
+Announcer::Announcer(Lesson& lesson, const Notebook& notes, Screen& screen)
+    : m_lesson(lesson), m_notes(notes), m_screen(screen)
 {
     constexpr int together = 200; // ms
     m_soon.setSingleShot(true);
     m_soon.setInterval(together);
     connect(&m_soon, &QTimer::timeout, this, &Announcer::flush);
-    connect(&lesson, &Lesson::manyHappened, this, &Announcer::collect);
-    connect(&lesson, &Lesson::happened, this, [this](const QString& text, Ink ink) {
-        flush();
-        m_screen.note(text, ink);
+    connect(lesson.roster(), &Roster::joined, this, [this](const QString& id) { collect(Joined, id); });
+    connect(lesson.roster(), &Roster::left, this, [this](const QString& id) { collect(Left, id); });
+    connect(&lesson, &Lesson::stateChanged, this, &Announcer::tellState);
+    connect(&lesson, &Lesson::nextAttemptChanged, this, &Announcer::tellAttempt);
+    connect(&lesson, &Lesson::answersChanged, this, &Announcer::tellAnswers);
+    connect(&lesson, &Lesson::assessmentChanged, this, &Announcer::tellAssessment);
+    connect(&lesson, &Lesson::messageReceived, this, &Announcer::tellMessage);
+    connect(&lesson, &Lesson::remoteCommand, this, &Announcer::tellCommand);
+    // After the command that has shown it.
+    const auto tellCard = [this](int number) {
+        if (number > 0)
+            tell(QStringLiteral("Card shown: %1").arg(m_lesson.deck()->name(number)));
+    };
+    connect(&lesson, &Lesson::cardShown, this, tellCard, Qt::QueuedConnection);
+    connect(&lesson, &Lesson::remotePresentChanged, this, [this] {
+        if (m_lesson.isRemotePresent())
+            tell(QStringLiteral("  The remote control has joined"));
+        else if (!m_lesson.joinCode().isEmpty())
+            tell(QStringLiteral("  The remote control has left"));
     });
+    lesson.setObeys(Lesson::EndLesson, false); // what else waits is not done, then
 }
 
 Announcer::~Announcer()
@@ -24,14 +91,22 @@ Announcer::~Announcer()
     flush();
 }
 
-void Announcer::collect(int kind, const QString& name)
+void Announcer::tell(const QString& text, Ink ink)
+{
+    flush();
+    m_screen.note(text, ink);
+}
+
+void Announcer::collect(Happening happening, const QString& deviceId)
 {
     constexpr int longest = 1000; // ms
-    if (kind != m_kind)
+    if (happening == Left && m_lesson.joinCode().isEmpty())
+        return; // with the session
+    if (happening != m_happening)
         flush();
-    m_kind = kind;
-    m_names.append(name);
-    m_here = m_lesson.roster().presentCount();
+    m_happening = happening;
+    m_names.append(m_lesson.roster()->name(deviceId));
+    m_here = m_lesson.roster()->presentCount();
     if (!m_soon.isActive())
         m_first.start();
     if (!m_soon.isActive() || m_first.elapsed() < longest)
@@ -48,18 +123,104 @@ void Announcer::flush()
         return;
     const QString who = Text::list(names, mostNames);
     const QLatin1String have(names.size() == 1 ? "has" : "have");
-    switch (m_kind) {
-    case Lesson::Joined:
-        m_screen.note(QStringLiteral("  + %1 %2 joined, %3 here").arg(who, have, QString::number(m_here)),
-                      Ink::Faint);
-        break;
-    case Lesson::Left:
-        m_screen.note(QStringLiteral("  - %1 %2 left, %3 here").arg(who, have, QString::number(m_here)),
-                      Ink::Faint);
-        break;
-    default:
-        m_screen.note(QStringLiteral("  Too late: %1 of %2")
-                          .arg(QLatin1String(names.size() == 1 ? "the answer" : "the answers"), who),
-                      Ink::Faint);
+    const QString here = QString::number(m_here);
+    QString text = QStringLiteral("  Late: %1 of %2")
+                       .arg(QLatin1String(names.size() == 1 ? "the answer" : "the answers"), who);
+    if (m_happening == Joined)
+        text = QStringLiteral("  + %1 %2 joined, %3 here").arg(who, have, here);
+    else if (m_happening == Left)
+        text = QStringLiteral("  - %1 %2 left, %3 here").arg(who, have, here);
+    m_screen.note(text, Ink::Faint);
+}
+
+void Announcer::tellState()
+{
+    const bool isLost = m_lesson.state() == Lesson::Reconnecting && !m_notes.isDisconnected;
+    if (isLost && !std::exchange(m_isLost, true) && !m_screen.isLive())
+        tell(QStringLiteral("The connection is lost. Trying again."), Ink::Bad);
+    else if (m_lesson.state() == Lesson::Live && m_isLost)
+        tell(QStringLiteral("The connection is back."), Ink::Good);
+    m_isLost = isLost;
+}
+
+// Where nothing stands in place, a line of its own.
+void Announcer::tellAttempt()
+{
+    constexpr int second = 1000;
+    const qint64 left = QDateTime::currentDateTime().msecsTo(m_lesson.nextAttempt());
+    if (m_lesson.nextAttempt().isValid() && left > 0 && !m_screen.isLive())
+        tell(QStringLiteral("  Trying again in %1 s.").arg((left + second - 1) / second), Ink::Faint);
+}
+
+void Announcer::tellAnswers(const Poll* poll)
+{
+    if (poll->isRunning())
+        return;
+    const QVector<PollAnswer> answers = poll->answers();
+    for (const PollAnswer& answer : answers) {
+        const QString once = poll->id() + answer.deviceId;
+        if (!answer.isLate || m_told.contains(once))
+            continue;
+        m_told.insert(once);
+        collect(AnsweredLate, answer.deviceId);
     }
+}
+
+void Announcer::tellAssessment()
+{
+    if (m_lesson.assessment())
+        connect(m_lesson.assessment(), &Assessment::changed, this, &Announcer::tellFinished,
+                Qt::UniqueConnection);
+}
+
+void Announcer::tellFinished()
+{
+    const Assessment& assessment = *m_lesson.assessment();
+    const QStringList devices = assessment.participants();
+    for (const QString& deviceId : devices) {
+        const QString once = assessment.token() + deviceId;
+        if (!assessment.isFinished(deviceId) || m_told.contains(once))
+            continue;
+        m_told.insert(once);
+        tell(QStringLiteral("  %1 has answered all questions, %2 of %3 have")
+                 .arg(m_lesson.roster()->name(deviceId))
+                 .arg(assessment.finished())
+                 .arg(assessment.expected()),
+             Ink::Faint);
+    }
+}
+
+void Announcer::tellCommand(Lesson::RemoteCommand command, bool isObeyed, const QVariant& data)
+{
+    const Deck& deck = *m_lesson.deck();
+    const QString what = QStringLiteral("%1 %2").arg(Lesson::nameOf(command), shown(data)).trimmed();
+    tell(QStringLiteral("  Remote control: %1").arg(what), Ink::Strong);
+    if (command == Lesson::EndLesson)
+        Q_EMIT stopRequested();
+    else if (!isObeyed)
+        tell(QStringLiteral("  Not done: %1.").arg(QLatin1String(whyNot(command))));
+    else if (changesCard(command))
+        tell(QStringLiteral("  Card %1 of %2: %3")
+                 .arg(QString::number(deck.current()), QString::number(deck.rowCount()),
+                      deck.name(deck.current())));
+}
+
+void Announcer::tellMessage(const QString& type, const QString& from, const QVariant& data)
+{
+    const QString name = m_lesson.roster()->name(from);
+    if (type == QLatin1String("questionResponse"))
+        tell(QStringLiteral("  An answer of %1 does not count").arg(name), Ink::Faint);
+    else if (type == QLatin1String("questionGet"))
+        tell(QStringLiteral("  %1 asks for question %2, and gets none").arg(name, shown(data)), Ink::Faint);
+    else if (isCommand(type))
+        tellRefusal(type, name);
+    else
+        tell(QStringLiteral("  A message of the unknown type \"%1\" from %2: %3")
+                 .arg(shown(type), shown(from), shown(data)));
+}
+
+void Announcer::tellRefusal(const QString& command, const QString& learner)
+{
+    tell(QStringLiteral("  Remote control: %1").arg(command), Ink::Strong);
+    tell(QStringLiteral("  Not done: it came from %1.").arg(learner), Ink::Bad);
 }

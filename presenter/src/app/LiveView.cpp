@@ -2,10 +2,13 @@
 
 #include "app/Runner.h"
 #include "commands/Waiter.h"
-#include "lesson/Lesson.h"
+#include "lesson/Charts.h"
+#include "lesson/Notebook.h"
 #include "terminal/Screen.h"
 #include "text/Chart.h"
 #include "text/Text.h"
+
+#include <CalyxClient/Lesson>
 
 namespace {
 
@@ -13,8 +16,9 @@ constexpr int second = 1000; // ms
 
 } // namespace
 
-LiveView::LiveView(Lesson& lesson, Screen& screen, const Runner& runner, const Waiter& waiter)
-    : m_lesson(lesson), m_screen(screen), m_runner(runner), m_waiter(waiter)
+LiveView::LiveView(Calyx::Lesson& lesson, const Notebook& notes, Screen& screen, const Runner& runner,
+                   const Waiter& waiter)
+    : m_lesson(lesson), m_notes(notes), m_screen(screen), m_runner(runner), m_waiter(waiter)
 {
     constexpr int together = 80; // ms
     m_soon.setSingleShot(true);
@@ -22,7 +26,7 @@ LiveView::LiveView(Lesson& lesson, Screen& screen, const Runner& runner, const W
     m_clock.setInterval(second);
     connect(&m_soon, &QTimer::timeout, this, &LiveView::draw);
     connect(&m_clock, &QTimer::timeout, this, &LiveView::draw);
-    connect(&lesson, &Lesson::changed, this, [this] {
+    connect(&notes, &Notebook::changed, this, [this] {
         if (!m_soon.isActive())
             m_soon.start();
     });
@@ -37,6 +41,8 @@ void LiveView::showWork(bool shows)
 void LiveView::draw()
 {
     QStringList lines = m_screen.isLive() ? chart() : QStringList();
+    if (m_screen.isLive() && m_lesson.state() == Calyx::Lesson::Reconnecting && !m_notes.isDisconnected)
+        lines.append(loss());
     if (m_showsWork && m_screen.isLive())
         lines.append(work());
     if (lines.isEmpty())
@@ -50,12 +56,26 @@ QStringList LiveView::chart() const
 {
     constexpr int rowsLeftFree = 4; // for the prompt and what has just happened
     constexpr int leastLines = 3;
-    const PollBoard& board = m_lesson.board();
-    const AssessmentDesk& desk = m_lesson.desk();
-    if (!board.isRunning() && !desk.isRunning())
+    const Calyx::Poll* const poll = m_lesson.poll();
+    const Calyx::Assessment* const assessment = m_lesson.assessment();
+    const bool isPoll = poll && poll->isRunning();
+    if (!isPoll && !(assessment && assessment->isRunning()))
         return {};
-    const ChartData data = board.isRunning() ? board.last()->chart(m_lesson.roster()) : desk.progress();
+    const ChartData data = isPoll ? Charts::of(*poll) : Charts::of(*assessment);
     return Chart::lines(data, m_screen.style(), qMax(leastLines, m_screen.style().rows - rowsLeftFree));
+}
+
+// While a command is at work no line is read.
+QString LiveView::loss() const
+{
+    const qint64 left = QDateTime::currentDateTime().msecsTo(m_lesson.nextAttempt());
+    const QString when = m_lesson.nextAttempt().isValid() && left > 0
+                             ? QStringLiteral(" in %1 s").arg((left + second - 1) / second)
+                             : QStringLiteral(" now");
+    const Style& style = m_screen.style();
+    const QString text = QStringLiteral("The connection is lost. Trying again%1%2.")
+                             .arg(when, QLatin1String(m_showsWork || left <= 0 ? "" : " (r: now)"));
+    return style.paint(Ink::Bad, Text::elide(text, style.columns - 1, style.unicode));
 }
 
 // "Waiting: 3 of 5 learners are here, 0:12. Ctrl-C gives up."

@@ -3,19 +3,24 @@
 #include <QObject>
 #include <QTimer>
 
-class Lesson;
+class Notebook;
 class Runner;
 class Screen;
 class Waiter;
 
-/// Keeps the screen's live block: the chart of the poll that runs, and what is being done while there is no
-/// prompt.
+namespace Calyx {
+class Lesson;
+} // namespace Calyx
+
+/// Keeps the screen's live block: the chart of the poll that runs, that the connection is lost, and what is
+/// being done while there is no prompt.
 class LiveView : public QObject
 {
     Q_OBJECT
 
 public:
-    LiveView(Lesson& lesson, Screen& screen, const Runner& runner, const Waiter& waiter);
+    LiveView(Calyx::Lesson& lesson, const Notebook& notes, Screen& screen, const Runner& runner,
+             const Waiter& waiter);
 
     /// Whether to tell what is being done.
     void showWork(bool shows);
@@ -23,9 +28,11 @@ public:
 private:
     void draw();
     QStringList chart() const;
+    QString loss() const;
     QString work() const;
 
-    Lesson& m_lesson;
+    Calyx::Lesson& m_lesson;
+    const Notebook& m_notes;
     Screen& m_screen;
     const Runner& m_runner;
     const Waiter& m_waiter;

@@ -4,11 +4,12 @@
 #include "commands/CommandTable.h"
 #include "commands/Ending.h"
 #include "commands/Waiter.h"
-#include "lesson/Lesson.h"
 #include "terminal/Screen.h"
 #include "terminal/UnixSignals.h"
 #include "text/LineSyntax.h"
 #include "text/Text.h"
+
+#include <CalyxClient/Lesson>
 
 #include <csignal>
 #include <utility>
@@ -43,7 +44,6 @@ void Runner::interrupt(int signal)
     runSoon();
 }
 
-// The operation under way goes on to its end, which is near; a wait ends now.
 void Runner::giveUp()
 {
     UnixSignals::forgetRequests();
@@ -73,7 +73,7 @@ bool Runner::asksFirst()
     m_hasAsked = true;
     UnixSignals::forgetRequests();
     m_context.screen.note(QStringLiteral("A session with %1 is open. Ctrl-C again, or \"quit\", ends it.")
-                              .arg(Text::count(m_context.lesson.roster().presentCount(), "learner")),
+                              .arg(Text::count(m_context.lesson.roster()->presentCount(), "learner")),
                           Ink::Strong);
     return true;
 }
@@ -132,6 +132,10 @@ Outcome Runner::runCommand(const CommandLine& line)
     if (const Outcome checked = CommandTable::check(match, m_context.folder); !checked.isDone())
         return checked;
     setCurrent(QLatin1String(match.command->name));
+    if (match.command->needs & Fact::Now) {
+        if (const Outcome open = m_context.waitForChannel(); !open.isDone())
+            return open;
+    }
     return match.command->run(m_context, match.arguments);
 }
 
@@ -160,6 +164,7 @@ void Runner::fail(const CommandLine& line, const Outcome& outcome)
 void Runner::end()
 {
     m_isEnding = true;
+    m_context.waiter.open();
     setCurrent(QStringLiteral("quit"));
     if (m_signal != 0)
         m_context.screen.note(QStringLiteral("Interrupted: the lesson is ended."));

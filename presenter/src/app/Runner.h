@@ -9,8 +9,8 @@
 
 struct CommandContext;
 
-/// Runs the lines of a lesson one after the other. Operations of the library and waits run the event loop;
-/// what is typed meanwhile waits in a queue.
+/// Runs the lines of a lesson one after the other. While one waits, the event loop runs; what is typed
+/// meanwhile waits in a queue.
 class Runner : public QObject
 {
     Q_OBJECT

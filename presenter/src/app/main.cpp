@@ -3,17 +3,20 @@
 #include "app/Options.h"
 #include "app/Runner.h"
 #include "app/ScriptFile.h"
+#include "commands/ArgumentReader.h"
 #include "commands/CommandContext.h"
 #include "commands/CommandTable.h"
 #include "commands/Completer.h"
 #include "commands/Waiter.h"
-#include "lesson/Lesson.h"
+#include "lesson/Notebook.h"
 #include "terminal/PlainLines.h"
 #include "terminal/Screen.h"
 #include "terminal/UnixSignals.h"
 #ifdef CALYX_PRESENTER_LINE_EDITING
 #include "terminal/EditedLines.h"
 #endif
+
+#include <CalyxClient/Lesson>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -27,6 +30,8 @@
 #include <langinfo.h>
 #include <limits>
 #include <unistd.h>
+
+using Calyx::Lesson;
 
 namespace {
 
@@ -81,12 +86,8 @@ bool isTyped()
 std::unique_ptr<LineSource> makeEditor(CommandContext& context, LiveView& view)
 {
     const auto complete = [&context](const QString& line) {
-        QStringList names;
-        const QList<Roster::Member> members = context.lesson.roster().members();
-        for (const Roster::Member& member : members) {
-            if (member.isPresent)
-                names.append(member.name);
-        }
+        const Calyx::Roster& roster = *context.lesson.roster();
+        const QStringList names = ArgumentReader::names(roster, roster.present());
         return Completer::complete(line, names, context.folder);
     };
     auto editor = std::make_unique<EditedLines>(QStringLiteral("calyx> "), context.screen, complete,
@@ -154,29 +155,33 @@ void handle(int signal, Runner& runner, Screen& screen, LineSource* source)
 int run(QCoreApplication& application, const Options& options, const ScriptFile::Script& script)
 {
     Screen screen(options.quiet);
+    UnixSignals unixSignals; // until the lesson has said goodbye
     Waiter waiter;
-    Lesson lesson(options.server);
-    lesson.client().setOpenLimit(options.openLimit);
-    lesson.client().setSockJSOverrideProtocols(options.transports);
-    CommandContext context{lesson, screen, waiter, options.user, options.password, QDir::currentPath()};
-    context.openLimit = options.openLimit;
-    QObject::connect(&lesson, &Lesson::changed, &waiter, &Waiter::poke);
+    Lesson lesson(QUrl(options.server));
+    lesson.setOpenLimit(options.openLimit);
+    lesson.setTransports(options.transports);
+    Notebook notes(lesson);
+    CommandContext context{
+        lesson, notes, screen, waiter, options.user, options.password, QDir::currentPath()};
+    QObject::connect(&lesson, &Lesson::failed, &waiter,
+                     [&](const Calyx::LessonError& error) { context.take(error); });
+    QObject::connect(&lesson, &Lesson::failed, &waiter, &Waiter::poke);
+    QObject::connect(&notes, &Notebook::changed, &waiter, &Waiter::poke);
 
     const bool hasScript = !options.script.isEmpty();
     Runner runner(context, hasScript || !isTyped() ? Runner::EndLesson : Runner::GoOn);
-    QObject::connect(&lesson.remoteControl(), &RemoteControl::stopRequested, &runner, &Runner::stopSession);
-    const Announcer announcer(lesson, screen);
-    LiveView view(lesson, screen, runner, waiter);
+    const Announcer announcer(lesson, notes, screen);
+    QObject::connect(&announcer, &Announcer::stopRequested, &runner, &Runner::stopSession);
+    LiveView view(lesson, notes, screen, runner, waiter);
     QObject::connect(&runner, &Runner::finished, &view, [&view] { view.showWork(false); });
     const std::unique_ptr<LineSource> source = hasScript ? nullptr : makeInput(context, view);
-    UnixSignals unixSignals;
     QObject::connect(&unixSignals, &UnixSignals::received, &runner,
                      [&](int signal) { handle(signal, runner, screen, source.get()); });
     QObject::connect(&runner, &Runner::finished, &application, &QCoreApplication::exit, Qt::QueuedConnection);
 
     if (hasScript) {
         context.folder = QFileInfo(options.script).absolutePath();
-        lesson.lessonName = QFileInfo(options.script).completeBaseName();
+        notes.setName(notes.lessonId(), QFileInfo(options.script).completeBaseName());
         for (const CommandLine& line : script.lines)
             runner.add(line);
         runner.finishInput();

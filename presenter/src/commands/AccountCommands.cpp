@@ -1,10 +1,16 @@
 #include "commands/CommandContext.h"
 #include "commands/CommandTable.h"
 #include "commands/Ending.h"
-#include "lesson/Lesson.h"
+#include "lesson/Notebook.h"
 #include "terminal/Screen.h"
 #include "text/JsonText.h"
 #include "text/Text.h"
+
+#include <CalyxClient/PresenterClient>
+
+#include <memory>
+
+using Calyx::Lesson;
 
 namespace {
 
@@ -30,10 +36,8 @@ bool findPassword(CommandContext& context, const Arguments& arguments, int index
 }
 
 // The service wants to know more about a new user first.
-Outcome askToRegister(CommandContext& context, const QString& provider, const QString& code,
-                      const QString& data)
+Outcome askToRegister(const QString& provider, const QString& data)
 {
-    context.lesson.registration = {provider, code, data};
     QStringList fields;
     const QJsonObject known = JsonText::leadingObject(data);
     for (auto field = known.begin(); field != known.end(); ++field)
@@ -46,10 +50,20 @@ Outcome askToRegister(CommandContext& context, const QString& provider, const QS
 
 Outcome check(CommandContext& context, const Arguments& arguments)
 {
-    if (!context.lesson.client().checkServer(arguments.value(0), arguments.value(1)))
-        return context.refused(QStringLiteral("The check"), QString());
-    context.screen.print(QStringLiteral("The service at %1 answers.").arg(context.lesson.client().server()));
-    return Outcome::done();
+    const Outcome checked =
+        context.askService(QStringLiteral("The check"), QString(), [arguments](PresenterClient* client) {
+            return client->checkServer(arguments.value(0), arguments.value(1));
+        });
+    if (checked.isDone())
+        context.screen.print(
+            QStringLiteral("The service at %1 answers.").arg(context.lesson.server().toString()));
+    return checked;
+}
+
+Outcome logIn(CommandContext& context, const QString& what, const QString& hint,
+              const std::function<void()>& begin)
+{
+    return context.carryOut({what, hint, begin, [&] { return context.lesson.state() == Lesson::LoggedIn; }});
 }
 
 Outcome login(CommandContext& context, const Arguments& arguments)
@@ -60,66 +74,114 @@ Outcome login(CommandContext& context, const Arguments& arguments)
         return Outcome::failed(QStringLiteral("Nobody to log in. Use --user, or \"login USER PASSWORD\"."));
     if (!findPassword(context, arguments, 1, user, password))
         return Outcome::failed(QStringLiteral("The login was given up."));
-    if (!context.lesson.client().doLogin(JsonText::escaped(user), JsonText::escaped(password)))
-        return context.refused(QStringLiteral("Login"), checkCredentials);
-    return loggedIn(context, user);
+    context.notes.logInAgain = [&lesson = context.lesson, user, password] { lesson.logIn(user, password); };
+    const Outcome outcome =
+        logIn(context, QStringLiteral("Login"), checkCredentials, context.notes.logInAgain);
+    return outcome.isDone() ? loggedIn(context, user) : outcome;
+}
+
+Outcome logInWithToken(CommandContext& context, const QString& user, const QString& device,
+                       const QString& token)
+{
+    context.notes.logInAgain = [=, &lesson = context.lesson] { lesson.logInWithToken(user, device, token); };
+    return logIn(context, QStringLiteral("Login with the device token"),
+                 QStringLiteral("Get a new one with \"token\"."), context.notes.logInAgain);
 }
 
 Outcome loginToken(CommandContext& context, const Arguments& arguments)
 {
-    if (!context.lesson.client().doLogin(JsonText::escaped(arguments.at(0)),
-                                         JsonText::escaped(arguments.at(1)),
-                                         JsonText::escaped(arguments.at(2))))
-        return context.refused(QStringLiteral("Login with the device token"),
-                               QStringLiteral("Get a new one with \"token\"."));
-    return loggedIn(context, arguments.at(0));
+    const Outcome outcome = logInWithToken(context, arguments.at(0), arguments.at(1), arguments.at(2));
+    return outcome.isDone() ? loggedIn(context, arguments.at(0)) : outcome;
+}
+
+// The service's name for whoever is logged in.
+Outcome askWho(CommandContext& context, QString& user)
+{
+    const auto name = std::make_shared<QString>();
+    const Outcome outcome = context.askService(QStringLiteral("The question who is logged in"), QString(),
+                                               [name](PresenterClient* client) {
+                                                   // A service that does not answer leaves the name as it
+                                                   // was.
+                                                   if (!client->checkServer(QString(), QString()))
+                                                       return false;
+                                                   *name = client->doGetUserName();
+                                                   return true;
+                                               });
+    user = Text::clean(*name);
+    return outcome;
+}
+
+Outcome logInWithOAuth(CommandContext& context, const QString& what, const QString& hint,
+                       const QString& registration)
+{
+    const Notebook::Registration pending = context.notes.registration;
+    context.notes.registration.data.clear();
+    const Outcome outcome = logIn(context, what, hint, [&] {
+        context.lesson.logInWithOAuth(pending.provider, pending.code, registration);
+    });
+    if (!context.notes.registration.data.isEmpty())
+        return askToRegister(pending.provider, context.notes.registration.data);
+    if (!outcome.isDone()) {
+        context.notes.registration = pending; // for another try
+        return outcome;
+    }
+    QString user;
+    const Outcome asked = askWho(context, user);
+    return asked.isDone() ? loggedIn(context, user) : asked;
 }
 
 Outcome loginOAuth(CommandContext& context, const Arguments& arguments)
 {
-    PresenterClient& client = context.lesson.client();
-    QString registration;
-    const bool done =
-        client.doLoginWithOAuth(arguments.at(0), JsonText::escaped(arguments.at(1)), registration);
-    if (!done && !registration.isEmpty())
-        return askToRegister(context, arguments.at(0), arguments.at(1), registration);
-    if (!done)
-        return context.refused(QStringLiteral("Login with %1").arg(arguments.at(0)), checkCode);
-    return loggedIn(context, client.doGetUserName());
+    context.notes.registration = {arguments.at(0), arguments.at(1), QString()};
+    return logInWithOAuth(context, QStringLiteral("Login with %1").arg(arguments.at(0)), checkCode,
+                          QString());
 }
 
 Outcome registerUser(CommandContext& context, const Arguments& arguments)
 {
-    const Lesson::Registration pending = context.lesson.registration;
-    if (pending.data.isEmpty())
+    const QString data = context.notes.registration.data;
+    if (data.isEmpty())
         return Outcome::failed(QStringLiteral("No registration is asked for. Use \"login oauth\" first."));
-    QJsonObject fields = JsonText::leadingObject(pending.data);
+    QJsonObject fields = JsonText::leadingObject(data);
     for (const QString& argument : arguments) {
         const int sign = argument.indexOf(QLatin1Char('='));
         if (sign < 1)
             return Outcome::failed(QStringLiteral("\"%1\" is not of the form NAME=VALUE.").arg(argument));
         fields.insert(argument.left(sign), argument.mid(sign + 1));
     }
-    QString registration = JsonText::endingInString(fields);
+    const QString registration = JsonText::endingInString(fields);
     if (registration.isEmpty())
         return Outcome::failed(
             QStringLiteral("The registration holds no text. Give at least one NAME=VALUE."));
-    PresenterClient& client = context.lesson.client();
-    if (!client.doLoginWithOAuth(pending.provider, JsonText::escaped(pending.code), registration))
-        return context.refused(QStringLiteral("Registration"),
-                               QStringLiteral("Change a value, or begin again with \"login oauth\"."));
-    context.lesson.registration = {};
-    return loggedIn(context, client.doGetUserName());
+    return logInWithOAuth(context, QStringLiteral("Registration"),
+                          QStringLiteral("Change a value, or begin again with \"login oauth\"."),
+                          registration);
 }
 
-// A failed request leaves the token before in place: only another one is a new one.
-Outcome tokenGiven(CommandContext& context, const QString& token, const QString& hint)
+// Asks for a device token, and logs in with it where nobody is. A failed request leaves the token before in
+// place: only another one is a new one.
+Outcome getToken(CommandContext& context, const QString& hint, const QString& user, const QString& device,
+                 const std::function<QString(PresenterClient*)>& ask)
 {
-    if (token.isEmpty() || token == context.lesson.deviceToken)
-        return context.refused(QStringLiteral("The request for a device token"), hint);
-    context.lesson.deviceToken = token;
-    context.screen.print(QStringLiteral("Device token: %1").arg(Text::clean(token)));
-    return Outcome::done();
+    const auto token = std::make_shared<QString>();
+    const Outcome outcome =
+        context.askService(QStringLiteral("The request for a device token"), hint,
+                           [token, ask, before = context.notes.deviceToken](PresenterClient* client) {
+                               *token = ask(client);
+                               return !token->isEmpty() && *token != before;
+                           });
+    if (!outcome.isDone())
+        return outcome;
+    context.notes.deviceToken = *token;
+    context.screen.print(QStringLiteral("Device token: %1").arg(Text::clean(*token)));
+    QString name = user;
+    if (context.facts() & Fact::Login)
+        return outcome;
+    if (name.isEmpty()) {
+        if (const Outcome asked = askWho(context, name); !asked.isDone())
+            return asked;
+    }
+    return logInWithToken(context, name, device, *token);
 }
 
 Outcome token(CommandContext& context, const Arguments& arguments)
@@ -128,64 +190,73 @@ Outcome token(CommandContext& context, const Arguments& arguments)
     QString password;
     if (!findPassword(context, arguments, 3, user, password))
         return Outcome::failed(QStringLiteral("The request was given up."));
-    const QString given = context.lesson.client().doGetAccessToken(
-        JsonText::escaped(user), JsonText::escaped(password), JsonText::escaped(arguments.at(0)),
-        JsonText::escaped(arguments.at(1)));
-    return tokenGiven(context, given, checkCredentials);
+    return getToken(context, checkCredentials, user, arguments.at(0), [=](PresenterClient* client) {
+        return client->doGetAccessToken(JsonText::escaped(user), JsonText::escaped(password),
+                                        JsonText::escaped(arguments.at(0)),
+                                        JsonText::escaped(arguments.at(1)));
+    });
 }
 
 Outcome tokenOAuth(CommandContext& context, const Arguments& arguments)
 {
-    QString registration;
-    const QString given = context.lesson.client().doGetOAuthAccessToken(
-        arguments.at(0), JsonText::escaped(arguments.at(1)), JsonText::escaped(arguments.at(2)),
-        JsonText::escaped(arguments.at(3)), registration);
-    if (given.isEmpty() && !JsonText::leadingObject(registration).isEmpty())
-        return askToRegister(context, arguments.at(0), arguments.at(1), registration);
-    return tokenGiven(context, given, checkCode);
+    const auto registration = std::make_shared<QString>();
+    const Outcome outcome =
+        getToken(context, checkCode, QString(), arguments.at(2), [=](PresenterClient* client) {
+            return client->doGetOAuthAccessToken(arguments.at(0), JsonText::escaped(arguments.at(1)),
+                                                 JsonText::escaped(arguments.at(2)),
+                                                 JsonText::escaped(arguments.at(3)), *registration);
+        });
+    if (outcome.isDone() || JsonText::leadingObject(*registration).isEmpty())
+        return outcome;
+    context.notes.registration = {arguments.at(0), arguments.at(1), *registration};
+    return askToRegister(arguments.at(0), *registration);
 }
 
 Outcome whoAmI(CommandContext& context, const Arguments&)
 {
-    PresenterClient& client = context.lesson.client();
-    // A service that does not answer leaves the name as it was.
-    if (!client.checkServer(QString(), QString()))
-        return context.refused(QStringLiteral("The question who is logged in"), QString());
-    const QString user = client.doGetUserName();
-    context.screen.print(user.isEmpty() ? QStringLiteral("Nobody is logged in.")
-                                        : QStringLiteral("%1 is logged in.").arg(Text::clean(user)));
-    return Outcome::done();
+    QString user;
+    const Outcome asked = askWho(context, user);
+    if (asked.isDone())
+        context.screen.print(user.isEmpty() ? QStringLiteral("Nobody is logged in.")
+                                            : QStringLiteral("%1 is logged in.").arg(user));
+    return asked;
 }
 
+// With a session open the client does it, which keeps the session.
 Outcome reLogin(CommandContext& context, const Arguments&)
 {
-    PresenterClient& client = context.lesson.client();
-    if (client.userId().isEmpty())
+    if (!context.notes.logInAgain)
         return Outcome::failed(QStringLiteral("There is no earlier login to repeat. Use \"login\"."));
-    client.reLogin();
-    if (!client.isLoggedIn())
-        return context.refused(QStringLiteral("Login"), QStringLiteral("Use \"login\" instead."));
-    return loggedIn(context, client.userId());
+    const QString hint = QStringLiteral("Use \"login\" instead.");
+    const auto again = [](PresenterClient* client) {
+        client->reLogin();
+        return client->isLoggedIn();
+    };
+    const bool isOpen = context.facts() & Fact::Opened;
+    const Outcome outcome = isOpen ? context.askService(QStringLiteral("Login"), hint, again)
+                                   : logIn(context, QStringLiteral("Login"), hint, context.notes.logInAgain);
+    return outcome.isDone() ? loggedIn(context, context.lesson.user()) : outcome;
 }
 
 Outcome keepAlive(CommandContext& context, const Arguments&)
 {
-    context.lesson.client().sendKeepAlive();
-    context.screen.note(QStringLiteral("The service was asked to keep the login alive."));
-    return Outcome::done();
+    const Outcome sent =
+        context.askService(QStringLiteral("The keep-alive"), QString(), [](PresenterClient* client) {
+            client->sendKeepAlive();
+            return true;
+        });
+    if (sent.isDone())
+        context.screen.note(QStringLiteral("The service was asked to keep the login alive."));
+    return sent;
 }
 
 Outcome logout(CommandContext& context, const Arguments&)
 {
     Ending::stopActivities(context);
-    context.lesson.expectClose();
-    const bool done = context.lesson.client().doLogout();
-    if (context.lesson.client().sessionToken().isEmpty())
-        context.lesson.forgetSession();
-    if (!done)
-        return context.refused(QStringLiteral("Logging out"), QStringLiteral("Try it again."));
-    context.screen.note(QStringLiteral("Logged out."));
-    return Outcome::done();
+    const Outcome outcome = Ending::logOut(context);
+    if (outcome.isDone())
+        context.screen.note(QStringLiteral("Logged out."));
+    return outcome;
 }
 
 namespace F = Fact;

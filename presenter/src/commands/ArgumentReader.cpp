@@ -1,11 +1,13 @@
 #include "commands/ArgumentReader.h"
 
-#include "lesson/Roster.h"
+#include "lesson/PollKinds.h"
 #include "text/Suggestions.h"
 #include "text/Text.h"
 
 #include <cmath>
 #include <limits>
+
+using namespace Calyx;
 
 namespace {
 
@@ -27,34 +29,83 @@ Outcome unknown(const char* what, const QString& name, const QStringList& known)
                                     known.join(QStringLiteral(", "))));
 }
 
-} // namespace
-
-Outcome ArgumentReader::takePoll(Arguments& arguments, PollPlan& plan)
+// A scheme of words has as many as it has words.
+int usualOptions(const Question& question)
 {
-    if (arguments.isEmpty() || !PollKinds::readType(arguments.first(), plan.type))
-        return unknown("poll type", arguments.value(0), PollKinds::typeNames());
-    plan = PollKinds::usual(plan.type);
-    arguments.removeFirst();
+    const bool hasTwo =
+        question.ordinal == OrdinalType::TRUE_FALSE || question.ordinal == OrdinalType::YES_NO;
+    if (question.optionCount == 0 || question.ordinal > OrdinalType::YES_NO_OTHER)
+        return question.optionCount;
+    return hasTwo ? 2 : 3;
+}
 
-    const auto isOption = [](const QString& word) {
-        static const QStringList pictures = {QStringLiteral("picture"), QStringLiteral("upload"),
-                                             QStringLiteral("ref")};
-        return pictures.contains(word) || word.contains(QLatin1Char('='));
-    };
+bool isSetting(const QString& word)
+{
+    static const QStringList pictures = {QStringLiteral("picture"), QStringLiteral("upload"),
+                                         QStringLiteral("ref")};
+    return pictures.contains(word) || word.contains(QLatin1Char('='));
+}
+
+// "TYPE [ORDINAL] [OPTIONS] [EXTRA]"
+Outcome takeKind(Arguments& arguments, Question& question)
+{
+    if (arguments.isEmpty() || !PollKinds::readType(arguments.first(), question.type))
+        return unknown("poll type", arguments.value(0), PollKinds::typeNames());
+    question = Question::usual(question.type);
+    arguments.removeFirst();
     bool isNumber = false;
     if (!arguments.isEmpty())
         arguments.first().toInt(&isNumber);
-    if (!arguments.isEmpty() && !isNumber && !isOption(arguments.first())) {
-        if (!PollKinds::readOrdinal(arguments.first(), plan.ordinal))
+    if (!arguments.isEmpty() && !isNumber && !isSetting(arguments.first())) {
+        if (!PollKinds::readOrdinal(arguments.first(), question.ordinal))
             return unknown("labelling", arguments.first(), PollKinds::ordinalNames());
         arguments.removeFirst();
-        plan.options = PollKinds::usualOptions(plan);
+        question.optionCount = usualOptions(question);
     }
-    if (takeNumber(arguments, plan.options))
-        plan.extra = qMin(plan.extra, plan.options);
-    takeNumber(arguments, plan.extra);
+    takeNumber(arguments, question.type == PollType::NUMBER ? question.decimals : question.optionCount);
+    if (question.type == PollType::MULTIPLE)
+        question.choices = qMin(question.choices, question.optionCount);
+    int extra = 0;
+    if (!takeNumber(arguments, extra))
+        return Outcome::of(question.fault());
+    if (question.type != PollType::MULTIPLE && extra != 0)
+        return Outcome::failed(QStringLiteral("Only a multiple choice has a number of correct options."));
+    question.choices = extra;
+    return Outcome::of(question.fault());
+}
 
-    return Outcome::of(PollKinds::fault(plan));
+// "choices=A|B|C": as many options.
+Outcome takeChoices(Arguments& arguments, Question& question)
+{
+    QString text;
+    if (!ArgumentReader::takeSetting(arguments, QStringLiteral("choices"), text))
+        return Outcome::done();
+    if (Question::usual(question.type).optionIds().isEmpty())
+        return Outcome::failed(
+            QStringLiteral("A question of type %1 has no choices.").arg(PollKinds::typeName(question.type)));
+    question.options = text.split(QLatin1Char('|'));
+    question.optionCount = question.options.size();
+    question.choices = qMin(question.choices, question.optionCount);
+    return Outcome::of(question.fault());
+}
+
+} // namespace
+
+Outcome ArgumentReader::takeQuestion(Arguments& arguments, Question& question)
+{
+    QString text;
+    takeSetting(arguments, QStringLiteral("text"), text);
+    if (const Outcome read = takeKind(arguments, question); !read.isDone())
+        return read;
+    question.text = text;
+    if (const Outcome read = takeChoices(arguments, question); !read.isDone())
+        return read;
+    if (takeSetting(arguments, QStringLiteral("answer"), text)) {
+        question.right = text.split(QLatin1Char('|'));
+        if (question.type == PollType::MULTIPLE) // it tells the learners how many options they are to choose
+            question.choices = question.picksOf(question.right.first()).size();
+    }
+    return Outcome::of(question.fault());
 }
 
 Outcome ArgumentReader::takeWithin(Arguments& arguments, qint64& msecs)
@@ -115,15 +166,21 @@ Outcome ArgumentReader::takeCount(Arguments& arguments, const QString& name, int
 Outcome ArgumentReader::findLearner(const Roster& roster, const QString& text, QString& deviceId)
 {
     const QStringList found = roster.find(text);
-    QStringList names;
-    for (const QString& id : found.isEmpty() ? roster.presentIds() : found)
-        names.append(roster.name(id));
+    const QStringList candidates = names(roster, found.isEmpty() ? roster.present() : found);
     if (found.isEmpty())
         return Outcome::failed(QStringLiteral("No learner here is called \"%1\".%2 See \"learners\".")
-                                   .arg(text, Suggestions::question(text, names)));
+                                   .arg(text, Suggestions::question(text, candidates)));
     if (found.size() > 1)
         return Outcome::failed(
-            QStringLiteral("\"%1\" can be %2. Say more of the name.").arg(text, Text::list(names, 5)));
+            QStringLiteral("\"%1\" can be %2. Say more of the name.").arg(text, Text::list(candidates, 5)));
     deviceId = found.first();
     return Outcome::done();
+}
+
+QStringList ArgumentReader::names(const Roster& roster, const QStringList& devices)
+{
+    QStringList names;
+    for (const QString& deviceId : devices)
+        names.append(roster.name(deviceId));
+    return names;
 }

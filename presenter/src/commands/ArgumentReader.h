@@ -1,11 +1,9 @@
 #pragma once
 
 #include "commands/Command.h"
-#include "lesson/PollKinds.h"
+#include <CalyxClient/Lesson>
 
 #include <QString>
-
-class Roster;
 
 /// Takes what it reads from a command's arguments.
 namespace ArgumentReader {
@@ -18,12 +16,14 @@ bool takeSetting(Arguments& arguments, const QString& name, QString& value);
 Outcome takeFlag(Arguments& arguments, const QString& name, bool& flag);
 /// "NAME=NUMBER", a whole number from 0.
 Outcome takeCount(Arguments& arguments, const QString& name, int& number);
-/// "TYPE [ORDINAL] [OPTIONS] [EXTRA]" at the start.
-Outcome takePoll(Arguments& arguments, PollPlan& plan);
+/// "TYPE [ORDINAL] [OPTIONS] [EXTRA]" at the start, with "text=TEXT", "choices=A|B" and "answer=ANSWER".
+Outcome takeQuestion(Arguments& arguments, Calyx::Question& question);
 
 /// A time in seconds, "1.5" for example, as milliseconds; false when it is none.
 bool readSeconds(const QString& text, qint64& msecs);
 /// The device of the one learner that \p text names.
-Outcome findLearner(const Roster& roster, const QString& text, QString& deviceId);
+Outcome findLearner(const Calyx::Roster& roster, const QString& text, QString& deviceId);
+/// The names of the learners with these \p devices.
+QStringList names(const Calyx::Roster& roster, const QStringList& devices);
 
 } // namespace ArgumentReader

@@ -2,7 +2,8 @@
 #include "commands/CommandContext.h"
 #include "commands/CommandTable.h"
 #include "commands/Ending.h"
-#include "lesson/Lesson.h"
+#include "lesson/Notebook.h"
+#include "lesson/PollKinds.h"
 #include "terminal/Screen.h"
 #include "text/Text.h"
 
@@ -16,7 +17,7 @@ Outcome takeAddressee(CommandContext& context, Arguments& arguments, QString& de
     QString name;
     if (!ArgumentReader::takeSetting(arguments, QStringLiteral("to"), name))
         return Outcome::done();
-    return ArgumentReader::findLearner(context.lesson.roster(), name, deviceId);
+    return ArgumentReader::findLearner(*context.lesson.roster(), name, deviceId);
 }
 
 Outcome misunderstood(const Arguments& rest)
@@ -25,47 +26,13 @@ Outcome misunderstood(const Arguments& rest)
         QStringLiteral("\"%1\" is not understood. See \"help assessment\".").arg(rest.first()));
 }
 
-// "choices=A|B|C": as many options.
-Outcome takeChoices(Arguments& arguments, AssessmentItem& item)
+Outcome readQuestion(Arguments arguments, Question& question)
 {
-    QString text;
-    if (!ArgumentReader::takeSetting(arguments, QStringLiteral("choices"), text))
-        return Outcome::done();
-    if (PollKinds::options(PollKinds::usual(item.plan.type)).isEmpty())
-        return Outcome::failed(
-            QStringLiteral("A question of type %1 has no choices.").arg(PollKinds::typeName(item.plan.type)));
-    item.choices = text.split(QLatin1Char('|'));
-    item.plan.options = item.choices.size();
-    item.plan.extra = qMin(item.plan.extra, item.plan.options);
-    return Outcome::of(PollKinds::fault(item.plan));
-}
-
-// "answer=ANSWER". A multiple choice tells the learners how many options they are to choose.
-Outcome takeAnswer(Arguments& arguments, AssessmentItem& item)
-{
-    QString text;
-    if (!ArgumentReader::takeSetting(arguments, QStringLiteral("answer"), text))
-        return Outcome::done();
-    item.key = AnswerKey(item.plan, text);
-    if (!item.key.fault().isEmpty())
-        return Outcome::failed(item.key.fault());
-    if (item.plan.type == PollType::MULTIPLE)
-        item.plan.extra = item.key.optionCount();
-    return Outcome::done();
-}
-
-Outcome readItem(Arguments arguments, AssessmentItem& item)
-{
-    ArgumentReader::takeSetting(arguments, QStringLiteral("text"), item.text);
-    if (const Outcome read = ArgumentReader::takePoll(arguments, item.plan); !read.isDone())
+    if (const Outcome read = ArgumentReader::takeQuestion(arguments, question); !read.isDone())
         return read;
     // As polls these two can have options; as questions they have none.
-    if (item.plan.type == PollType::WORD_SEED || item.plan.type == PollType::CREATIVE)
-        item.plan.options = 0;
-    if (const Outcome read = takeChoices(arguments, item); !read.isDone())
-        return read;
-    if (const Outcome read = takeAnswer(arguments, item); !read.isDone())
-        return read;
+    if (question.type == PollType::WORD_SEED || question.type == PollType::CREATIVE)
+        question.optionCount = 0;
     return arguments.isEmpty() ? Outcome::done() : misunderstood(arguments);
 }
 
@@ -80,7 +47,7 @@ Outcome readPlan(Arguments arguments, AssessmentPlan& plan)
         const char* name;
         bool& flag;
     } flags[] = {{"skip", plan.maySkip},
-                 {"navigate", plan.mayNavigate},
+                 {"navigate", plan.mayGoBack},
                  {"resubmit", plan.mayResubmit},
                  {"summary", plan.showsSummary}};
     for (const auto& [name, flag] : flags) {
@@ -93,16 +60,15 @@ Outcome readPlan(Arguments arguments, AssessmentPlan& plan)
 
 Outcome admit(CommandContext& context, const Arguments& arguments, const QString& deviceId)
 {
-    AssessmentDesk& desk = context.lesson.desk();
-    if (desk.isForAll() || deviceId.isEmpty())
+    if (context.lesson.assessment()->isForAll() || deviceId.isEmpty())
         return Outcome::failed(
             QStringLiteral("An assessment is under way. Use \"assessment stop\" before the next."));
     if (!arguments.isEmpty())
         return Outcome::failed(QStringLiteral(
             "An assessment is under way: its settings stay. Use \"assessment start to=LEARNER\" alone."));
-    desk.admit(deviceId);
+    context.lesson.admit(deviceId);
     context.screen.note(
-        QStringLiteral("%1 begins the assessment, too.").arg(context.lesson.roster().name(deviceId)));
+        QStringLiteral("%1 begins the assessment, too.").arg(context.lesson.roster()->name(deviceId)));
     return Outcome::done();
 }
 
@@ -116,16 +82,20 @@ Outcome showText(CommandContext& context, Arguments arguments, bool isReview)
             ArgumentReader::takeFlag(arguments, QStringLiteral("dismissible"), isDismissible);
         !read.isDone())
         return read;
-    context.lesson.showText(deviceId, arguments.join(QLatin1Char(' ')), isDismissible, isReview);
+    const QString text = arguments.join(QLatin1Char(' '));
+    if (isReview)
+        context.lesson.showReview(text, deviceId);
+    else
+        context.lesson.showText(text, deviceId, isDismissible);
     context.screen.note(
         QStringLiteral("The text is shown to %1.")
-            .arg(deviceId.isEmpty() ? QStringLiteral("the class") : context.lesson.roster().name(deviceId)));
+            .arg(deviceId.isEmpty() ? QStringLiteral("the class") : context.lesson.roster()->name(deviceId)));
     return Outcome::done();
 }
 
 Outcome setPaused(CommandContext& context, bool paused)
 {
-    context.lesson.desk().setPaused(paused);
+    paused ? context.lesson.pause() : context.lesson.resume();
     context.screen.note(QLatin1String(paused ? "The assessment is paused; \"assessment resume\" goes on."
                                              : "The assessment goes on."));
     return Outcome::done();
@@ -133,8 +103,8 @@ Outcome setPaused(CommandContext& context, bool paused)
 
 Outcome checkQuestion(const QString&, const Arguments& arguments)
 {
-    AssessmentItem item;
-    return readItem(arguments, item);
+    Question question;
+    return readQuestion(arguments, question);
 }
 
 Outcome checkStart(const QString&, const Arguments& given)
@@ -148,39 +118,44 @@ Outcome checkStart(const QString&, const Arguments& given)
 
 Outcome assessmentQuestion(CommandContext& context, const Arguments& arguments)
 {
-    if (context.lesson.desk().isRunning())
+    if (context.facts() & Fact::Assessment)
         return Outcome::failed(
             QStringLiteral("An assessment is under way: its questions stay. Use \"assessment stop\" first."));
-    AssessmentItem item;
-    if (const Outcome read = readItem(arguments, item); !read.isDone())
+    Question question;
+    if (const Outcome read = readQuestion(arguments, question); !read.isDone())
         return read;
-    context.lesson.desk().write(item);
+    context.notes.write(question);
     context.screen.note(
         QStringLiteral("Question %1 is written: %2.")
-            .arg(QString::number(context.lesson.desk().written().size()), PollKinds::description(item.plan)));
+            .arg(QString::number(context.notes.written().size()), PollKinds::description(question)));
     return Outcome::done();
 }
 
 Outcome assessmentStart(CommandContext& context, const Arguments& given)
 {
     Arguments arguments = given;
-    AssessmentDesk& desk = context.lesson.desk();
     QString deviceId;
     if (const Outcome found = takeAddressee(context, arguments, deviceId); !found.isDone())
         return found;
-    if (desk.isRunning())
+    if (context.facts() & Fact::Assessment)
         return admit(context, arguments, deviceId);
     AssessmentPlan plan;
     if (const Outcome read = readPlan(arguments, plan); !read.isDone())
         return read;
-    plan.items = desk.written();
+    plan.questions = context.notes.written();
 
     Ending::stopPoll(context);
-    desk.start(context.lesson.collab(), plan, deviceId);
+    const QStringList devices = deviceId.isEmpty() ? QStringList() : QStringList(deviceId);
+    const Outcome started =
+        context.carryOut({QStringLiteral("The assessment"), QString(),
+                          [&] { context.lesson.startAssessment(plan, devices); }, [] { return true; }});
+    if (!started.isDone())
+        return started;
+    context.notes.useWritten();
     if (!context.screen.isLive())
         context.screen.note(QStringLiteral("The assessment has started: %1.")
-                                .arg(Text::count(plan.items.size(), "question")));
-    return Outcome::done();
+                                .arg(Text::count(plan.questions.size(), "question")));
+    return started;
 }
 
 Outcome assessmentResults(CommandContext& context, const Arguments&)
@@ -244,10 +219,10 @@ const Command rows[] = {
      F::AnyAssessment, F::Nothing, F::Nothing, 0, 0, {}, "", assessmentResults},
     {"assessment dialog", "[to=LEARNER] [dismissible=no] TEXT", "Show a text on the learners' devices.",
      "Also without an assessment.",
-     F::Channel, F::Nothing, F::Nothing, 1, anyNumber, {}, "to= dismissible=", assessmentDialog},
+     F::Channel | F::Now, F::Nothing, F::Nothing, 1, anyNumber, {}, "to= dismissible=", assessmentDialog},
     {"assessment review", "[to=LEARNER] TEXT", "Let the learners review their questions.",
      "",
-     F::Channel, F::Nothing, F::Nothing, 1, anyNumber, {}, "to=", assessmentReview},
+     F::Channel | F::Now, F::Nothing, F::Nothing, 1, anyNumber, {}, "to=", assessmentReview},
     {"assessment pause", "", "Let the learners pause.",
      "",
      F::Channel | F::Assessment, F::Nothing, F::Nothing, 0, 0, {}, "", assessmentPause},

@@ -2,7 +2,7 @@
 #include "commands/CommandContext.h"
 #include "commands/CommandTable.h"
 #include "commands/Files.h"
-#include "lesson/Lesson.h"
+#include "lesson/Notebook.h"
 #include "terminal/Screen.h"
 #include "text/Table.h"
 #include "text/Text.h"
@@ -11,10 +11,24 @@
 
 namespace {
 
-Outcome show(CommandContext& context, const Picture& picture, const QString& what)
+Outcome told(CommandContext& context, const QString& name)
 {
-    context.lesson.showPicture(picture, what);
+    context.screen.note(QStringLiteral("Card shown: %1").arg(name));
     return Outcome::done();
+}
+
+// Waits until it is shown: a large picture is uploaded before.
+Outcome show(CommandContext& context, const std::function<void()>& begin)
+{
+    const int before = context.notes.cards();
+    return context.carryOut({QStringLiteral("The card"), QString(), begin,
+                             [&context, before] { return context.notes.cards() > before; }});
+}
+
+Outcome showPictureAt(CommandContext& context, const QString& address, const QString& name)
+{
+    const Outcome shown = show(context, [&] { context.lesson.showPictureAt(address); });
+    return shown.isDone() ? told(context, name) : shown;
 }
 
 // "name=TEXT"; without it, what the card is made from.
@@ -25,35 +39,41 @@ QString takeName(Arguments& arguments)
     return Text::clean(name);
 }
 
+template<typename Picture>
 Outcome add(CommandContext& context, const QString& name, const Picture& picture)
 {
-    context.lesson.addCard({name, picture});
-    context.lesson.remoteControl().tellCard();
-    context.screen.note(QStringLiteral("Card %1 is \"%2\".").arg(context.lesson.deck().count()).arg(name));
+    if (!context.lesson.deck()->add(name, picture))
+        return Outcome::failed(
+            QStringLiteral("That is no address of a picture, such as https://... or data:image/..."));
+    context.screen.note(
+        QStringLiteral("Card %1 is \"%2\".").arg(context.lesson.deck()->rowCount()).arg(name));
     return Outcome::done();
 }
 
 Outcome go(CommandContext& context, int number)
 {
-    if (!context.lesson.goToCard(number))
-        return Outcome::failed(
-            QStringLiteral("There is no card %1: the lesson has %2.")
-                .arg(QString::number(number), Text::count(context.lesson.deck().count(), "card")));
-    context.lesson.remoteControl().tellCard();
+    Calyx::Deck& deck = *context.lesson.deck();
+    if (!deck.setCurrent(number))
+        return Outcome::failed(QStringLiteral("There is no card %1: the lesson has %2.")
+                                   .arg(QString::number(number), Text::count(deck.rowCount(), "card")));
+    context.screen.note(
+        QStringLiteral("  Card %1 of %2: %3")
+            .arg(QString::number(number), QString::number(deck.rowCount()), deck.name(number)));
     return Outcome::done();
 }
 
 Outcome card(CommandContext& context, const Arguments& arguments)
 {
-    Picture picture;
+    QByteArray picture;
     if (const Outcome read = Files::readPicture(context.folder, arguments.first(), picture); !read.isDone())
         return read;
-    return show(context, picture, arguments.first());
+    const Outcome shown = show(context, [&] { context.lesson.showPicture(picture); });
+    return shown.isDone() ? told(context, arguments.first()) : shown;
 }
 
 Outcome cardReference(CommandContext& context, const Arguments& arguments)
 {
-    return show(context, Picture::ofReference(arguments.first()), arguments.first());
+    return showPictureAt(context, arguments.first(), arguments.first());
 }
 
 Outcome cardUpload(CommandContext& context, const Arguments& arguments)
@@ -61,7 +81,7 @@ Outcome cardUpload(CommandContext& context, const Arguments& arguments)
     Files::Upload upload;
     if (const Outcome stored = Files::upload(context, arguments.first(), upload); !stored.isDone())
         return stored;
-    return show(context, Picture::ofReference(upload.address), arguments.first());
+    return showPictureAt(context, upload.address, arguments.first());
 }
 
 Outcome upload(CommandContext& context, const Arguments& arguments)
@@ -76,16 +96,15 @@ Outcome upload(CommandContext& context, const Arguments& arguments)
 
 Outcome deck(CommandContext& context, const Arguments&)
 {
-    const Deck& deck = context.lesson.deck();
+    constexpr int longest = 60;
+    const Calyx::Deck& deck = *context.lesson.deck();
     QVector<QStringList> rows;
-    for (int number = 1; number <= deck.count(); ++number) {
-        const Picture picture = deck.card(number).picture;
-        const bool isInline = picture.reference().isEmpty();
-        constexpr int longest = 60;
+    for (int number = 1; number <= deck.rowCount(); ++number) {
+        const QString url = deck.url(number);
         rows.append({QLatin1String(number == deck.current() ? ">" : ""), QString::number(number),
-                     deck.card(number).name,
-                     isInline ? QStringLiteral("PNG, %1 bytes").arg(picture.png().size())
-                              : Text::elide(picture.reference(), longest, context.screen.style().unicode)});
+                     deck.name(number),
+                     url.isEmpty() ? QStringLiteral("PNG, %1 bytes").arg(deck.picture(number).size())
+                                   : Text::elide(url, longest, context.screen.style().unicode)});
     }
     if (rows.isEmpty())
         context.screen.print(QStringLiteral("The lesson has no cards. \"deck add\" adds one."));
@@ -100,7 +119,7 @@ Outcome deckAdd(CommandContext& context, const Arguments& given)
 {
     Arguments arguments = given;
     const QString name = takeName(arguments);
-    Picture picture;
+    QByteArray picture;
     if (const Outcome read = Files::readPicture(context.folder, arguments.value(0), picture); !read.isDone())
         return read;
     return add(context, name, picture);
@@ -113,24 +132,24 @@ Outcome deckUpload(CommandContext& context, const Arguments& given)
     Files::Upload upload;
     if (const Outcome stored = Files::upload(context, arguments.value(0), upload); !stored.isDone())
         return stored;
-    return add(context, name, Picture::ofReference(upload.address));
+    return add(context, name, upload.address);
 }
 
 Outcome deckReference(CommandContext& context, const Arguments& given)
 {
     Arguments arguments = given;
     const QString name = takeName(arguments);
-    return add(context, name, Picture::ofReference(arguments.value(0)));
+    return add(context, name, arguments.value(0));
 }
 
 Outcome deckNext(CommandContext& context, const Arguments&)
 {
-    return go(context, context.lesson.deck().current() + 1);
+    return go(context, context.lesson.deck()->current() + 1);
 }
 
 Outcome deckPrevious(CommandContext& context, const Arguments&)
 {
-    return go(context, context.lesson.deck().current() - 1);
+    return go(context, context.lesson.deck()->current() - 1);
 }
 
 Outcome deckGo(CommandContext& context, const Arguments& arguments)
@@ -140,8 +159,7 @@ Outcome deckGo(CommandContext& context, const Arguments& arguments)
 
 Outcome deckShow(CommandContext& context, const Arguments&)
 {
-    context.lesson.showCurrentCard();
-    return Outcome::done();
+    return show(context, [&] { context.lesson.showCard(); });
 }
 
 namespace F = Fact;
@@ -151,7 +169,7 @@ using P = Place;
 // clang-format off
 const Command rows[] = {
     {"card", "FILE", "Show a PNG picture on the learners' devices.",
-     "The picture travels in the message; a large one is announced before.",
+     "A small picture travels in the message; one of more than 64 KiB is uploaded before.",
      F::Channel, F::Nothing, F::Nothing, 1, 1, {P::PictureFile}, "", card},
     {"card ref", "REFERENCE", "Show a picture that devices load from an address.",
      "",

@@ -1,26 +1,29 @@
 #include "commands/ArgumentReader.h"
 #include "commands/CommandContext.h"
 #include "commands/CommandTable.h"
-#include "lesson/Lesson.h"
+#include "lesson/Notebook.h"
 #include "terminal/Screen.h"
 #include "text/JsonText.h"
 #include "text/Text.h"
+
+#include <CalyxClient/PresenterCollab>
 
 namespace {
 
 constexpr int mostCards = 1000;
 
-Outcome told(CommandContext& context)
+Outcome told(CommandContext& context, const std::function<void(PresenterCollab*)>& work,
+             const QString& text = QStringLiteral("The remote control has been told."))
 {
-    context.screen.note(QStringLiteral("The remote control has been told."));
+    context.lesson.onChannel(work);
+    context.screen.note(text);
     return Outcome::done();
 }
 
 Outcome remoteLesson(CommandContext& context, const Arguments& arguments)
 {
-    context.lesson.collab()->sendCurrentLessonToRemote(JsonText::escaped(arguments.at(0)),
-                                                       JsonText::escaped(arguments.at(1)));
-    return told(context);
+    return told(context, [id = JsonText::escaped(arguments.at(0)), name = JsonText::escaped(arguments.at(1))](
+                             PresenterCollab* collab) { collab->sendCurrentLessonToRemote(id, name); });
 }
 
 Outcome checkRemoteCard(const QString&, const Arguments& arguments)
@@ -36,40 +39,41 @@ Outcome checkRemoteCard(const QString&, const Arguments& arguments)
 
 Outcome remoteCard(CommandContext& context, const Arguments& arguments)
 {
-    context.lesson.collab()->sendCurrentCardToRemote(arguments.at(0).toInt(), arguments.at(1).toInt());
-    return told(context);
+    return told(context, [current = arguments.at(0).toInt(), total = arguments.at(1).toInt()](
+                             PresenterCollab* collab) { collab->sendCurrentCardToRemote(current, total); });
 }
 
 Outcome remoteActive(CommandContext& context, const Arguments&)
 {
-    context.lesson.collab()->sendPresenterIsActiveToRemote();
-    return told(context);
+    return told(context, [](PresenterCollab* collab) { collab->sendPresenterIsActiveToRemote(); });
 }
 
 Outcome publish(CommandContext& context, const Arguments& arguments)
 {
-    context.lesson.collab()->publishMessage(arguments.at(0), arguments.at(1), arguments.at(2));
-    context.screen.note(QStringLiteral("A message of type %1 is published to %2.")
-                            .arg(Text::clean(arguments.at(1)), Text::clean(arguments.at(0))));
-    return Outcome::done();
+    return told(
+        context,
+        [=](PresenterCollab* collab) {
+            collab->publishMessage(arguments.at(0), arguments.at(1), arguments.at(2));
+        },
+        QStringLiteral("A message of type %1 is published to %2.")
+            .arg(Text::clean(arguments.at(1)), Text::clean(arguments.at(0))));
 }
 
 Outcome ping(CommandContext& context, const Arguments&)
 {
-    context.lesson.collab()->sendPing();
-    context.screen.note(QStringLiteral("A ping was sent on the live channel."));
-    return Outcome::done();
+    return told(
+        context, [](PresenterCollab* collab) { collab->sendPing(); },
+        QStringLiteral("A ping was sent on the live channel."));
 }
 
 Outcome lesson(CommandContext& context, const Arguments& given)
 {
     Arguments arguments = given;
-    ArgumentReader::takeSetting(arguments, QStringLiteral("id"), context.lesson.lessonId);
-    if (!arguments.isEmpty())
-        context.lesson.lessonName = arguments.join(QLatin1Char(' '));
-    context.lesson.remoteControl().tellLesson();
-    context.screen.note(
-        QStringLiteral("The lesson is called \"%1\".").arg(Text::clean(context.lesson.lessonName)));
+    QString id = context.notes.lessonId();
+    ArgumentReader::takeSetting(arguments, QStringLiteral("id"), id);
+    const QString name = arguments.isEmpty() ? context.notes.lessonName() : arguments.join(QLatin1Char(' '));
+    context.notes.setName(id, name);
+    context.screen.note(QStringLiteral("The lesson is called \"%1\".").arg(Text::clean(name)));
     return Outcome::done();
 }
 
@@ -89,9 +93,9 @@ Outcome unlock(CommandContext& context, const Arguments&)
 
 Outcome heavy(CommandContext& context, const Arguments&)
 {
-    context.lesson.collab()->sendHeavy();
-    context.screen.note(QStringLiteral("The learners' devices expect something large."));
-    return Outcome::done();
+    return told(
+        context, [](PresenterCollab* collab) { collab->sendHeavy(); },
+        QStringLiteral("The learners' devices expect something large."));
 }
 
 namespace F = Fact;
@@ -102,20 +106,20 @@ using P = Place;
 const Command rows[] = {
     {"remote lesson", "ID NAME", "Tell the remote control of some lesson.",
      "By itself it is told of this one.",
-     F::Channel, F::Nothing, F::Nothing, 2, 2, {}, "", remoteLesson},
+     F::Channel | F::Now, F::Nothing, F::Nothing, 2, 2, {}, "", remoteLesson},
     {"remote card", "NUMBER TOTAL", "Tell the remote control which card is shown.",
      "",
-     F::Channel, F::Nothing, F::Nothing, 2, 2, {P::Number, P::Number}, "", remoteCard, checkRemoteCard},
+     F::Channel | F::Now, F::Nothing, F::Nothing, 2, 2, {P::Number, P::Number}, "", remoteCard, checkRemoteCard},
     {"remote active", "", "Tell the remote control that the presenter is here.",
      "",
-     F::Channel, F::Nothing, F::Nothing, 0, 0, {}, "", remoteActive},
+     F::Channel | F::Now, F::Nothing, F::Nothing, 0, 0, {}, "", remoteActive},
     {"publish", "ADDRESS TYPE JSON", "Publish a message of your own.",
      "An ADDRESS that begins with \".\" is below the session: .learner, .controller, "
      ".user.DEVICE. Example: publish .learner heavy '\"\"'",
-     F::Channel, F::Nothing, F::Nothing, 3, 3, {}, "", publish},
+     F::Channel | F::Now, F::Nothing, F::Nothing, 3, 3, {}, "", publish},
     {"ping", "", "Send a ping on the live channel.",
      "Every minute this happens by itself.",
-     F::Channel, F::Nothing, F::Nothing, 0, 0, {}, "", ping},
+     F::Channel | F::Now, F::Nothing, F::Nothing, 0, 0, {}, "", ping},
     {"lesson", "[NAME] [id=ID]", "Name the lesson, for the remote control.",
      "Without a name of its own it is called as its script.",
      F::Nothing, F::Nothing, F::Nothing, 1, anyNumber, {}, "id=", lesson},
@@ -127,7 +131,7 @@ const Command rows[] = {
      F::Channel, F::Nothing, F::Nothing, 0, 0, {}, "", unlock},
     {"heavy", "", "Tell the learners' devices that something large is coming.",
      "",
-     F::Channel, F::Nothing, F::Nothing, 0, 0, {}, "", heavy},
+     F::Channel | F::Now, F::Nothing, F::Nothing, 0, 0, {}, "", heavy},
 };
 // clang-format on
 

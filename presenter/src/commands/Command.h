@@ -52,6 +52,7 @@ enum : int {
     AnyAssessment = 128,
     Questions = 256, ///< written for an assessment
     Cards = 512,     ///< in the deck
+    Now = 1024,      ///< a channel that is open at this moment, or is waited for: what goes out is not kept
     TheSession = Session | Opened | Channel | Poll | Assessment,
     Everything = Login | TheSession
 };
@@ -66,6 +67,7 @@ enum class Place {
     Ordinal,
     File,
     PictureFile,
+    NewFile, ///< written, not read
     Learner,
     CommandName,
     Transport,

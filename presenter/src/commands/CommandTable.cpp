@@ -152,11 +152,10 @@ Outcome CommandTable::check(const Match& match, const QString& folder)
 {
     for (int i = 0; i < match.arguments.size(); ++i) {
         const Place kind = place(*match.command, i);
-        Picture picture;
         QByteArray content;
         Outcome read;
         if (kind == Place::PictureFile)
-            read = Files::readPicture(folder, match.arguments.at(i), picture);
+            read = Files::readPicture(folder, match.arguments.at(i), content);
         else if (kind == Place::File)
             read = Files::read(folder, match.arguments.at(i), content);
         if (!read.isDone())

@@ -72,6 +72,7 @@ QStringList atPlace(const Command& command, const QStringList& arguments, const 
         return PollKinds::ordinalNames();
     case Place::File:
     case Place::PictureFile:
+    case Place::NewFile:
         return files(piece, folder);
     case Place::Learner:
         return learners;

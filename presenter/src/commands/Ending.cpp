@@ -2,64 +2,157 @@
 
 #include "commands/CommandContext.h"
 #include "lesson/AssessmentReport.h"
-#include "lesson/Lesson.h"
+#include "lesson/Charts.h"
+#include "lesson/Notebook.h"
+#include "lesson/PollKinds.h"
 #include "terminal/Screen.h"
-#include "text/Chart.h"
+#include "text/Table.h"
+#include "text/Text.h"
+
+#include <algorithm>
+
+using namespace Calyx;
+
+namespace {
+
+// All bars that are as long as the longest.
+QString mostFrequent(const QVector<Bar>& bars)
+{
+    constexpr int mostNames = 3;
+    int top = 1;
+    QStringList labels;
+    for (const Bar& bar : bars) {
+        if (bar.count > top)
+            labels.clear();
+        top = qMax(top, bar.count);
+        if (bar.count == top)
+            labels.append(bar.label);
+    }
+    return labels.isEmpty() ? QString()
+                            : QStringLiteral("%1 (%2)").arg(Text::list(labels, mostNames)).arg(top);
+}
+
+int count(const Poll& poll, const std::function<bool(const PollAnswer&)>& which)
+{
+    const QVector<PollAnswer> answers = poll.answers();
+    return static_cast<int>(std::count_if(answers.begin(), answers.end(), which));
+}
+
+QStringList rowOf(const Poll& poll)
+{
+    const ChartData data = Charts::of(poll);
+    const int right = count(poll, [](const PollAnswer& answer) { return answer.mark == PollAnswer::Right; });
+    return {QString::number(poll.number()),
+            PollKinds::typeName(poll.question().type),
+            QStringLiteral("%1 of %2").arg(data.answered).arg(data.expected),
+            poll.question().isMarked() ? QString::number(right) : QString(),
+            Text::duration(data.seconds),
+            mostFrequent(data.bars)};
+}
+
+QString total(CommandContext& context)
+{
+    int answers = 0;
+    int late = 0;
+    const QList<Poll*> polls = context.lesson.polls();
+    for (const Poll* poll : polls) {
+        answers += poll->answered();
+        late += count(*poll, [](const PollAnswer& answer) { return answer.isLate; });
+    }
+    return QStringLiteral("Total: %1, %2, %3, %4, %5.")
+        .arg(Text::count(context.lesson.roster()->mostPresent(), "learner"),
+             Text::count(polls.size(), "poll"), Text::count(answers, "answer"),
+             Text::count(context.notes.cards(), "card"), Text::count(late, "late answer"));
+}
+
+} // namespace
 
 void Ending::stopPoll(CommandContext& context)
 {
-    Lesson& lesson = context.lesson;
-    if (!lesson.board().isRunning())
+    const Poll* const poll = context.lesson.poll();
+    if (!poll || !poll->isRunning())
         return;
-    lesson.stopPoll();
+    context.lesson.stop();
     context.screen.setLiveLines({});
-    const ChartData data = lesson.board().last()->chart(lesson.roster());
-    context.screen.print(Chart::all(data, context.screen.style()));
+    context.screen.print(Chart::all(Charts::of(*poll), context.screen.style()));
 }
 
 void Ending::printResults(CommandContext& context)
 {
-    const AssessmentDesk& desk = context.lesson.desk();
+    const Assessment& assessment = *context.lesson.assessment();
     const Style& style = context.screen.style();
-    context.screen.print(Chart::lines(desk.progress(), style, 1));
-    if (!desk.sheet()->participants().isEmpty())
-        context.screen.print(AssessmentReport::byLearner(*desk.sheet(), style) +
-                             AssessmentReport::byQuestion(*desk.sheet(), style));
-    context.screen.print(QStringLiteral("  ") + AssessmentReport::total(*desk.sheet()));
+    context.screen.print(Chart::lines(Charts::of(assessment), style, 1));
+    if (assessment.rowCount() > 0)
+        context.screen.print(AssessmentReport::byLearner(assessment, style) +
+                             AssessmentReport::byQuestion(assessment, style));
+    context.screen.print(QStringLiteral("  ") + AssessmentReport::total(assessment));
 }
 
 void Ending::stopAssessment(CommandContext& context)
 {
-    AssessmentDesk& desk = context.lesson.desk();
-    if (!desk.isRunning())
+    if (!context.lesson.assessment() || !context.lesson.assessment()->isRunning())
         return;
-    desk.stop();
+    context.lesson.stopAssessment();
     context.screen.setLiveLines({});
     printResults(context);
+}
+
+void Ending::printSummary(CommandContext& context)
+{
+    QVector<QStringList> rows;
+    const QList<Poll*> polls = context.lesson.polls();
+    for (const Poll* poll : polls)
+        rows.append(rowOf(*poll));
+    const bool isMarked =
+        std::any_of(rows.begin(), rows.end(), [](const QStringList& row) { return !row.at(3).isEmpty(); });
+    QStringList header = {QStringLiteral("#"),     QStringLiteral("Poll"), QStringLiteral("Answers"),
+                          QStringLiteral("Right"), QStringLiteral("Time"), QStringLiteral("Most frequent")};
+    for (QStringList& row : rows) {
+        if (!isMarked)
+            row.removeAt(3);
+    }
+    if (!isMarked)
+        header.removeAt(3);
+    if (!rows.isEmpty())
+        context.screen.print(Table::lines(header, rows, context.screen.style()));
+    const QList<Assessment*> assessments = context.lesson.assessments();
+    for (const Assessment* assessment : assessments)
+        context.screen.print(QStringLiteral("  %1: %2")
+                                 .arg(Charts::of(*assessment).title, AssessmentReport::total(*assessment)));
+    context.screen.print(total(context));
+    context.notes.isSummaryShown = true;
 }
 
 void Ending::stopActivities(CommandContext& context)
 {
     stopPoll(context);
     stopAssessment(context);
+    const Lesson& lesson = context.lesson;
+    const bool isSomething = !lesson.polls().isEmpty() || !lesson.assessments().isEmpty();
+    if (isSomething && !context.notes.isSummaryShown)
+        printSummary(context);
 }
 
 bool Ending::endLesson(CommandContext& context)
 {
-    PresenterClient& client = context.lesson.client();
+    Lesson& lesson = context.lesson;
     stopActivities(context);
-    context.lesson.expectClose();
-    if (!client.sessionToken().isEmpty()) {
-        client.doStopSession();
-        context.lesson.forgetSession();
-        context.screen.note(QStringLiteral("The session is stopped."));
-    }
-    if (!client.isLoggedIn())
+    if (lesson.state() == Lesson::LoggedOut)
         return true;
-    const bool isLoggedOut = client.doLogout();
-    if (isLoggedOut)
+    const bool hadSession = context.facts() & Fact::Opened;
+    const Outcome outcome = logOut(context);
+    if (hadSession)
+        context.screen.note(QStringLiteral("The session is stopped."));
+    if (outcome.isDone())
         context.screen.note(QStringLiteral("Logged out."));
     else
-        context.screen.error(QStringLiteral("Logging out failed: the service did not answer."));
-    return isLoggedOut;
+        context.screen.error(outcome.message);
+    return outcome.isDone();
+}
+
+Outcome Ending::logOut(CommandContext& context)
+{
+    Lesson& lesson = context.lesson;
+    return context.carryOut({QStringLiteral("Logging out"), QStringLiteral("Try it again."),
+                             [&] { lesson.logOut(); }, [&] { return lesson.state() == Lesson::LoggedOut; }});
 }

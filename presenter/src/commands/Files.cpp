@@ -1,12 +1,15 @@
 #include "commands/Files.h"
 
 #include "commands/CommandContext.h"
-#include "lesson/Lesson.h"
 #include "text/Text.h"
+
+#include <CalyxClient/PresenterClient>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+
+#include <memory>
 
 Outcome Files::read(const QString& folder, const QString& name, QByteArray& content)
 {
@@ -20,14 +23,12 @@ Outcome Files::read(const QString& folder, const QString& name, QByteArray& cont
     return Outcome::done();
 }
 
-Outcome Files::readPicture(const QString& folder, const QString& name, Picture& picture)
+Outcome Files::readPicture(const QString& folder, const QString& name, QByteArray& png)
 {
-    QByteArray content;
-    const Outcome read = Files::read(folder, name, content);
-    if (read.isDone() && !content.startsWith("\x89PNG\r\n\x1a\n"))
+    const Outcome read = Files::read(folder, name, png);
+    if (read.isDone() && !png.startsWith("\x89PNG\r\n\x1a\n"))
         return Outcome::failed(
             QStringLiteral("%1 is not a PNG file. Others can be uploaded: see \"help card\".").arg(name));
-    picture = Picture::ofPng(content);
     return read;
 }
 
@@ -39,16 +40,22 @@ Outcome Files::upload(CommandContext& context, const QString& name, Upload& uplo
     // The service takes the name as it stands, between double quotes.
     QString plainName = Text::clean(QFileInfo(name).fileName());
     plainName.replace(QLatin1Char('"'), QLatin1Char('_'));
-    QString path;
-    PresenterClient& client = context.lesson.client();
-    if (!client.doUploadResource(plainName, content, &upload.id, &path))
-        return context.refused(
-            QStringLiteral("The upload of %1").arg(name),
-            QStringLiteral("Check that you are logged in and that the file is not too large for "
-                           "the service."));
-    if (upload.id.isEmpty())
-        return Outcome::failed(
-            QStringLiteral("%1 was uploaded, but the service gave no id for it.").arg(name));
-    upload.address = client.server() + path;
-    return Outcome::done();
+    const auto stored = std::make_shared<Upload>();
+    const Outcome outcome = context.askService(
+        QStringLiteral("The upload of %1").arg(name),
+        QStringLiteral("Check that you are logged in and that the file is not too large for "
+                       "the service."),
+        [=](PresenterClient* client) {
+            QString path;
+            const bool isDone = client->doUploadResource(plainName, content, &stored->id, &path);
+            stored->address = client->server() + path;
+            return isDone;
+        });
+    if (!outcome.isDone())
+        return outcome;
+    upload = *stored;
+    return upload.id.isEmpty() ? Outcome::failed(QStringLiteral("%1 was uploaded, but the service gave no id "
+                                                                "for it.")
+                                                     .arg(name))
+                               : Outcome::done();
 }

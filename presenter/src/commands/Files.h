@@ -1,7 +1,6 @@
 #pragma once
 
 #include "commands/Command.h"
-#include "lesson/Picture.h"
 
 #include <QByteArray>
 #include <QString>
@@ -12,7 +11,7 @@ namespace Files {
 /// Reads a file whose name is relative to \p folder.
 Outcome read(const QString& folder, const QString& name, QByteArray& content);
 /// Reads a PNG file.
-Outcome readPicture(const QString& folder, const QString& name, Picture& picture);
+Outcome readPicture(const QString& folder, const QString& name, QByteArray& png);
 
 /// A file that the service keeps.
 struct Upload

@@ -2,12 +2,15 @@
 #include "commands/CommandContext.h"
 #include "commands/CommandTable.h"
 #include "commands/Waiter.h"
-#include "lesson/Lesson.h"
 #include "terminal/Screen.h"
 #include "text/Text.h"
 
+#include <CalyxClient/Lesson>
+
 #include <cmath>
 #include <functional>
+
+using Calyx::Lesson;
 
 namespace {
 
@@ -24,20 +27,15 @@ struct Goal
 
 Goal learnersGoal(const Lesson& lesson, const QString& amount)
 {
-    const int wanted = amount.toInt();
-    return {[&lesson] { return lesson.roster().presentCount(); }, [wanted] { return wanted; },
-            [&lesson, wanted] {
-                return QStringLiteral("%1 of %2 learners are here")
-                    .arg(lesson.roster().presentCount())
-                    .arg(wanted);
-            }};
+    const auto have = [roster = lesson.roster()] { return roster->presentCount(); };
+    const auto want = [wanted = amount.toInt()] { return wanted; };
+    return {have, want, [=] { return QStringLiteral("%1 of %2 learners are here").arg(have()).arg(want()); }};
 }
 
-QString withMissing(const QString& state, const QString& what, bool isOpen, const QStringList& missing)
+QString withMissing(const QString& state, const QString& what, const QStringList& missing)
 {
-    return isOpen && !missing.isEmpty()
-               ? QStringLiteral("%1; %2 %3").arg(state, what, Text::list(missing, mostNames))
-               : state;
+    return missing.isEmpty() ? state
+                             : QStringLiteral("%1; %2 %3").arg(state, what, Text::list(missing, mostNames));
 }
 
 // "all" are those who are here, and one at least.
@@ -49,25 +47,27 @@ int wantedOf(const QString& amount, int all)
 // Of the poll put last.
 Goal answersGoal(const Lesson& lesson, const QString& amount)
 {
-    const auto have = [&lesson] { return lesson.board().last()->tally().answered(); };
-    const auto want = [&lesson, amount] {
-        return wantedOf(amount, lesson.board().last()->expected(lesson.roster()));
-    };
+    const auto have = [&lesson] { return lesson.poll()->answered(); };
+    const auto want = [&lesson, amount] { return wantedOf(amount, lesson.poll()->expected()); };
     const auto state = [&lesson, have, want] {
-        const Poll& poll = *lesson.board().last();
         return withMissing(QStringLiteral("%1 of %2 answers have come").arg(have()).arg(want()),
-                           QStringLiteral("none yet from"), poll.isRunning(), poll.missing(lesson.roster()));
+                           QStringLiteral("none yet from"),
+                           ArgumentReader::names(*lesson.roster(), lesson.poll()->missing()));
     };
     return {have, want, state};
 }
 
 Goal assessmentGoal(const Lesson& lesson, const QString& amount)
 {
-    const auto have = [&lesson] { return lesson.desk().finished(); };
-    const auto want = [&lesson, amount] { return wantedOf(amount, lesson.desk().expected()); };
+    const auto have = [&lesson] { return lesson.assessment()->finished(); };
+    const auto want = [&lesson, amount] { return wantedOf(amount, lesson.assessment()->expected()); };
     const auto state = [&lesson, have, want] {
+        const Calyx::Assessment& assessment = *lesson.assessment();
         return withMissing(QStringLiteral("%1 of %2 learners have finished").arg(have()).arg(want()),
-                           QStringLiteral("not yet"), lesson.desk().isRunning(), lesson.desk().unfinished());
+                           QStringLiteral("not yet"),
+                           ArgumentReader::names(*lesson.roster(), assessment.isRunning()
+                                                                       ? assessment.unfinished()
+                                                                       : QStringList()));
     };
     return {have, want, state};
 }
@@ -90,15 +90,15 @@ Outcome wait(CommandContext& context, Arguments arguments, const Goal& goal)
     qint64 limit = std::llround(context.waitLimit * second);
     ArgumentReader::takeWithin(arguments, limit);
     const auto isReached = [&] { return goal.have() >= goal.want(); };
+    const auto isLost = [&] { return !(context.facts() & Fact::Channel); };
     const Waiter::Result result =
-        context.waiter.until([&] { return isReached() || !context.lesson.isLive(); }, limit, goal.state);
+        context.waiter.until([&] { return isReached() || isLost(); }, limit, goal.state);
     if (isReached())
         return told(context, goal.state() + QLatin1Char('.'));
     if (result == Waiter::Interrupted)
         return Outcome::failed(QStringLiteral("The wait was given up: %1.").arg(goal.state()));
-    if (!context.lesson.isLive())
-        return Outcome::failed(
-            QStringLiteral("The live channel was lost while waiting: %1.").arg(goal.state()));
+    if (isLost())
+        return Outcome::failed(QStringLiteral("The session was lost while waiting: %1.").arg(goal.state()));
     return Outcome::failed(QStringLiteral("After %1, %2.").arg(Text::seconds(limit), goal.state()));
 }
 

@@ -2,11 +2,11 @@
 #include "commands/CommandContext.h"
 #include "commands/CommandHelp.h"
 #include "commands/CommandTable.h"
-#include "lesson/Lesson.h"
 #include "terminal/Screen.h"
 #include "text/Suggestions.h"
 #include "text/Text.h"
 
+#include <CalyxClient/Lesson>
 #include <CalyxClient/SockJSConnector>
 
 namespace {
@@ -42,10 +42,9 @@ Outcome set(CommandContext& context, const Arguments& arguments)
     qint64 msecs = 0;
     ArgumentReader::readSeconds(values.first(), msecs);
     if (arguments.first() == QLatin1String("transports")) {
-        context.lesson.client().setSockJSOverrideProtocols(values);
+        context.lesson.setTransports(values);
     } else if (arguments.first() == QLatin1String("open-limit")) {
-        context.openLimit = static_cast<int>(msecs);
-        context.lesson.client().setOpenLimit(context.openLimit);
+        context.lesson.setOpenLimit(static_cast<int>(msecs));
     } else {
         context.waitLimit = static_cast<double>(msecs) / second;
     }

@@ -3,25 +3,26 @@
 #include "commands/CommandTable.h"
 #include "commands/Ending.h"
 #include "commands/Files.h"
-#include "commands/Waiter.h"
-#include "lesson/Lesson.h"
+#include "lesson/Charts.h"
+#include "lesson/PollKinds.h"
 #include "terminal/Screen.h"
-#include "text/Chart.h"
-#include "text/Table.h"
 #include "text/Text.h"
+
+#include <QDir>
+
+using Calyx::Question;
 
 namespace {
 
-// What follows a poll's plan: "picture FILE", "upload FILE" or "ref REFERENCE".
+// What follows a poll's question: "picture FILE", "upload FILE" or "ref REFERENCE".
 Outcome checkPicture(const QString& folder, const Arguments& arguments)
 {
     const QString kind = arguments.value(0);
-    Picture picture;
     QByteArray content;
     if (arguments.isEmpty() || (arguments.size() == 2 && kind == QLatin1String("ref")))
         return Outcome::done();
     if (arguments.size() == 2 && kind == QLatin1String("picture"))
-        return Files::readPicture(folder, arguments.last(), picture);
+        return Files::readPicture(folder, arguments.last(), content);
     if (arguments.size() == 2 && kind == QLatin1String("upload"))
         return Files::read(folder, arguments.last(), content);
     return Outcome::failed(QStringLiteral("\"%1\" is not understood here. See \"help poll\".").arg(kind));
@@ -30,72 +31,41 @@ Outcome checkPicture(const QString& folder, const Arguments& arguments)
 Outcome checkPoll(const QString& folder, const Arguments& given)
 {
     Arguments arguments = given;
-    PollPlan plan;
-    const Outcome read = ArgumentReader::takePoll(arguments, plan);
+    Question question;
+    const Outcome read = ArgumentReader::takeQuestion(arguments, question);
     return read.isDone() ? checkPicture(folder, arguments) : read;
 }
 
-Outcome readPicture(CommandContext& context, const Arguments& arguments, Picture& picture)
+Outcome readPicture(CommandContext& context, const Arguments& arguments, Question& question)
 {
     if (arguments.isEmpty())
         return Outcome::done();
     if (arguments.first() == QLatin1String("picture"))
-        return Files::readPicture(context.folder, arguments.last(), picture);
+        return Files::readPicture(context.folder, arguments.last(), question.picture);
     Files::Upload upload = {QString(), arguments.last()};
     if (arguments.first() == QLatin1String("upload")) {
         if (const Outcome stored = Files::upload(context, arguments.last(), upload); !stored.isDone())
             return stored;
     }
-    picture = Picture::ofReference(upload.address);
+    question.pictureUrl = upload.address;
     return Outcome::done();
-}
-
-// All bars that are as long as the longest.
-QString mostFrequent(const QVector<Bar>& bars)
-{
-    constexpr int mostNames = 3;
-    int top = 1;
-    QStringList labels;
-    for (const Bar& bar : bars) {
-        if (bar.count > top)
-            labels.clear();
-        top = qMax(top, bar.count);
-        if (bar.count == top)
-            labels.append(bar.label);
-    }
-    return labels.isEmpty() ? QString()
-                            : QStringLiteral("%1 (%2)").arg(Text::list(labels, mostNames)).arg(top);
-}
-
-// Polls within the same second would have the same id.
-Outcome waitForId(CommandContext& context)
-{
-    while (const int msecs = context.lesson.msecsToNewId()) {
-        if (!context.waiter.pause(msecs))
-            return Outcome::failed(QStringLiteral("The poll was not started: interrupted."));
-    }
-    return context.require(Fact::Channel);
 }
 
 Outcome poll(CommandContext& context, const Arguments& given)
 {
     Arguments arguments = given;
-    PollPlan plan;
-    ArgumentReader::takePoll(arguments, plan);
-    Picture picture;
-    plan.hasPicture = !arguments.isEmpty();
-    if (const Outcome read = readPicture(context, arguments, picture); !read.isDone())
+    Question question;
+    ArgumentReader::takeQuestion(arguments, question);
+    if (const Outcome read = readPicture(context, arguments, question); !read.isDone())
         return read;
     Ending::stopPoll(context);
-    if (const Outcome ready = waitForId(context); !ready.isDone())
-        return ready;
-    picture.setOn(context.lesson.collab());
-    context.lesson.startPoll(plan);
-    if (!context.screen.isLive())
+    const Outcome asked = context.carryOut(
+        {QStringLiteral("The poll"), QString(), [&] { context.lesson.ask(question); }, [] { return true; }});
+    if (asked.isDone() && !context.screen.isLive())
         context.screen.note(
             QStringLiteral("Poll %1 has started: %2.")
-                .arg(QString::number(context.lesson.board().last()->number()), PollKinds::description(plan)));
-    return Outcome::done();
+                .arg(QString::number(context.lesson.poll()->number()), PollKinds::description(question)));
+    return asked;
 }
 
 Outcome pollStop(CommandContext& context, const Arguments&)
@@ -107,7 +77,7 @@ Outcome pollStop(CommandContext& context, const Arguments&)
 
 Outcome setPaused(CommandContext& context, bool paused)
 {
-    context.lesson.setPaused(paused);
+    paused ? context.lesson.pause() : context.lesson.resume();
     context.screen.note(
         QLatin1String(paused ? "The poll is paused; \"poll resume\" goes on." : "The poll goes on."));
     return Outcome::done();
@@ -126,37 +96,37 @@ Outcome pollResume(CommandContext& context, const Arguments&)
 Outcome pollStatus(CommandContext& context, const Arguments&)
 {
     constexpr int mostNames = 10;
-    const Poll* const poll = context.lesson.board().last();
-    const Roster& roster = context.lesson.roster();
+    const Calyx::Poll* const poll = context.lesson.poll();
     if (!poll->isRunning() || !context.screen.isLive()) // else it stands there anyway
-        context.screen.print(Chart::all(poll->chart(roster), context.screen.style()));
-    const QStringList missing = poll->missing(roster);
-    if (poll->isRunning() && !missing.isEmpty())
+        context.screen.print(Chart::all(Charts::of(*poll), context.screen.style()));
+    const QStringList missing = ArgumentReader::names(*context.lesson.roster(), poll->missing());
+    if (!missing.isEmpty())
         context.screen.print(QStringLiteral("  No answer yet from %1.").arg(Text::list(missing, mostNames)));
+    return Outcome::done();
+}
+
+Outcome pollResults(CommandContext& context, const Arguments&)
+{
+    context.lesson.showResults();
+    context.screen.note(
+        QStringLiteral("The learners are shown how poll %1 came out.").arg(context.lesson.poll()->number()));
     return Outcome::done();
 }
 
 Outcome summary(CommandContext& context, const Arguments&)
 {
-    const Lesson& lesson = context.lesson;
-    QVector<QStringList> rows;
-    for (const Poll& poll : lesson.board().polls()) {
-        const ChartData data = poll.chart(lesson.roster());
-        rows.append({QString::number(poll.number()), PollKinds::typeName(poll.plan().type),
-                     QStringLiteral("%1 of %2").arg(data.answered).arg(data.expected),
-                     Text::duration(data.seconds), mostFrequent(data.bars)});
-    }
-    if (!rows.isEmpty())
-        context.screen.print(
-            Table::lines({QStringLiteral("#"), QStringLiteral("Poll"), QStringLiteral("Answers"),
-                          QStringLiteral("Time"), QStringLiteral("Most frequent")},
-                         rows, context.screen.style()));
-    context.screen.print(
-        QStringLiteral("Total: %1, %2, %3, %4, %5.")
-            .arg(Text::count(lesson.mostLearners(), "learner"), Text::count(rows.size(), "poll"),
-                 Text::count(lesson.board().answers(), "answer"), Text::count(lesson.cards(), "card"),
-                 Text::count(lesson.board().lateAnswers(), "late answer")));
+    Ending::printSummary(context);
     return Outcome::done();
+}
+
+Outcome save(CommandContext& context, const Arguments& arguments)
+{
+    const QString name = QDir(context.folder).filePath(arguments.first());
+    const Outcome saved = context.carryOut(
+        {QStringLiteral("Saving"), QString(), [&] { context.lesson.save(name); }, [] { return true; }});
+    if (saved.isDone())
+        context.screen.note(QStringLiteral("The results are saved in %1.").arg(arguments.first()));
+    return saved;
 }
 
 namespace F = Fact;
@@ -165,17 +135,18 @@ using P = Place;
 // A row tells all about a command; clang-format would put each member on a line of its own.
 // clang-format off
 const Command rows[] = {
-    {"poll", "TYPE [ORDINAL] [OPTIONS] [EXTRA] [picture FILE | upload FILE | ref REFERENCE]", "Put a poll to the learners.",
+    {"poll", "TYPE [ORDINAL] [OPTIONS] [EXTRA] [text=TEXT] [choices=A|B] [answer=ANSWER] [picture FILE | upload FILE | ref REFERENCE]", "Put a poll to the learners.",
      "TYPE: true-false, yes-no-other, multiple, scale, sort, text, word-seed, number, creative, "
      "math-formula. ORDINAL labels the options: true-false, yes-no, yes-no-maybe, yes-no-unsure, "
      "yes-no-other, alpha-upper, alpha-lower, number, agreement, confidence, generic. OPTIONS is "
      "their number; of a number poll, its decimals. EXTRA is the number of correct options of a "
-     "multiple choice. What is left out is what the type usually has. A picture is a PNG file "
+     "multiple choice. TEXT is the question, and the choices are what its options say: devices show "
+     "them. ANSWER is what is right, for the marks; \"help assessment question\" tells more. What is left out is what the type usually has. A picture is a PNG file "
      "that travels in the message, a file that is uploaded, or an address from which devices can "
      "load it. A poll that runs is stopped first.\n"
      "Examples: poll true-false    poll multiple alpha-upper 5 2    poll number 2\n"
      "poll scale agreement 5 picture images/leaf.png",
-     F::Channel, F::Poll | F::AnyPoll, F::Nothing, 1, anyNumber, {P::PollType, P::Ordinal}, "picture upload ref", poll, checkPoll},
+     F::Channel, F::Poll | F::AnyPoll, F::Nothing, 1, anyNumber, {P::PollType, P::Ordinal}, "text= choices= answer= picture upload ref", poll, checkPoll},
     {"poll stop", "", "Stop the poll and show its final tally.",
      "",
      F::Poll, F::Nothing, F::Poll, 0, 0, {}, "", pollStop},
@@ -188,9 +159,15 @@ const Command rows[] = {
     {"poll status", "", "Show the answers so far and whose are missing.",
      "",
      F::AnyPoll, F::Nothing, F::Nothing, 0, 0, {}, "", pollStatus},
-    {"summary", "", "Show a table of all polls so far.",
-     "",
+    {"poll results", "", "Show the learners how the poll came out.",
+     "Each gets the counts on his device and, where an answer is right, whether his is.",
+     F::AnyPoll | F::Channel | F::Now, F::Nothing, F::Nothing, 0, 0, {}, "", pollResults},
+    {"summary", "", "Show a table of all polls so far, and what assessments came to.",
+     "When the session ends, it is shown once more if something has changed.",
      F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", summary},
+    {"save", "FILE", "Save who was here, every question, every answer and the marks.",
+     "As JSON, or as a table where FILE ends in \".csv\".",
+     F::Nothing, F::Nothing, F::Nothing, 1, 1, {P::NewFile}, "", save},
 };
 // clang-format on
 

@@ -4,189 +4,214 @@
 #include "commands/Ending.h"
 #include "commands/JoinAddress.h"
 #include "commands/Waiter.h"
-#include "lesson/Lesson.h"
+#include "lesson/Notebook.h"
 #include "terminal/Screen.h"
 #include "text/Table.h"
 #include "text/Text.h"
 
+#include <CalyxClient/PresenterClient>
+#include <CalyxClient/PresenterCollab>
 #include <CalyxClient/SockJSConnector>
+
+#include <memory>
+
+using Calyx::Lesson;
 
 namespace {
 
-// Every transport may take its time, and then some for the messages.
-qint64 openingTime(CommandContext& context)
+const QString logInAgain = QStringLiteral("Use \"login\" again.");
+
+QString codeOf(const CommandContext& context)
 {
-    constexpr int unlimited = 30000;
-    constexpr int spare = 2000;
-    const PresenterClient& client = context.lesson.client();
-    const int transports = SockJSConnector::GetProtocolsFromStrings(client.sockJSProtocols()).size();
-    return context.openLimit > 0 ? static_cast<qint64>(context.openLimit) * transports + spare : unlimited;
+    const QString code = context.lesson.joinCode();
+    return Text::code(Text::clean(code.isEmpty() ? context.notes.createdCode : code));
 }
 
-Outcome waitForChannel(CommandContext& context, qint64 msecs)
+Outcome alreadyOpen(const CommandContext& context)
 {
-    const Waiter::Result result = context.waiter.until([&] { return context.lesson.isLive(); }, msecs,
-                                                       [] { return QStringLiteral("the live channel"); });
-    if (result == Waiter::Interrupted)
-        return Outcome::failed(QStringLiteral("The wait for the live channel was given up."));
-    if (result == Waiter::TimedOut)
-        return Outcome::failed(
-            QStringLiteral("The live channel to %1 did not open. Check that the network lets it through, or "
-                           "name other transports with --transports.")
-                .arg(context.lesson.client().collabServerUrl()));
-    return Outcome::done();
-}
-
-Outcome create(CommandContext& context)
-{
-    PresenterClient& client = context.lesson.client();
-    if (!client.sessionToken().isEmpty())
-        return Outcome::failed(QStringLiteral("Session %1 is open. Use \"session stop\" first.")
-                                   .arg(Text::code(Text::clean(client.sessionCode()))));
-    if (client.doStartSession(QString()))
-        return Outcome::done();
-    return context.refused(QStringLiteral("Creating a session"), QStringLiteral("Use \"login\" again."));
+    return Outcome::failed(
+        QStringLiteral("Session %1 is open. Use \"session stop\" first.").arg(codeOf(context)));
 }
 
 void tellHowToJoin(CommandContext& context)
 {
-    const PresenterClient& client = context.lesson.client();
     const Style& style = context.screen.style();
-    const QString code = Text::clean(client.sessionCode());
-    const QString hint = JoinAddress::hint(client.server());
+    const QString server = context.lesson.joinAddress().toString();
+    const QString hint = JoinAddress::hint(server);
     QStringList picture;
     if (context.screen.isLive() && style.unicode && hint.isEmpty())
-        picture = JoinAddress::qrCode(JoinAddress::withCode(client.server(), code), style);
+        picture =
+            JoinAddress::qrCode(JoinAddress::withCode(server, Text::clean(context.lesson.joinCode())), style);
     if (!picture.isEmpty())
         context.screen.print(picture);
     context.screen.print(QStringLiteral("Session %1 is live. Join at %2 with %1.")
-                             .arg(Text::code(code), JoinAddress::ofService(client.server())),
+                             .arg(codeOf(context), JoinAddress::ofService(server)),
                          Ink::Strong);
     if (!hint.isEmpty())
         context.screen.note(hint, Ink::Faint);
 }
 
-Outcome goLive(CommandContext& context, const qint64* limit)
+// Starts the session that was created, else a new one.
+Outcome goLive(CommandContext& context, const Arguments& given)
 {
-    PresenterClient& client = context.lesson.client();
-    PresenterCollab* collab = nullptr;
-    if (!client.startWebsocket(&collab))
-        return context.refused(QStringLiteral("Starting session %1").arg(client.sessionCode()),
-                               QStringLiteral("Use \"session create\" again."));
-    context.lesson.adopt(collab);
-    if (client.sessionToken().isEmpty())
-        return context.refused(QStringLiteral("Starting session %1").arg(client.sessionCode()),
-                               QStringLiteral("Use \"session create\" again."));
-    const Outcome opened = waitForChannel(context, limit ? *limit : openingTime(context));
-    if (!opened.isDone())
-        return opened;
-    tellHowToJoin(context);
-    context.lesson.findEarlyLearners();
-    return Outcome::done();
-}
-
-Outcome withLimit(Arguments arguments, qint64& limit, bool& isGiven)
-{
-    isGiven = !arguments.isEmpty();
-    return ArgumentReader::takeWithin(arguments, limit);
-}
-
-Outcome sessionStart(CommandContext& context, const Arguments& arguments)
-{
-    qint64 limit = 0;
-    bool isGiven = false;
-    if (const Outcome outcome = withLimit(arguments, limit, isGiven); !outcome.isDone())
-        return outcome;
-    if (const Outcome outcome = create(context); !outcome.isDone())
-        return outcome;
-    return goLive(context, isGiven ? &limit : nullptr);
+    Arguments arguments = given;
+    qint64 limit = CommandContext::unlimited;
+    if (const Outcome read = ArgumentReader::takeWithin(arguments, limit); !read.isDone())
+        return read;
+    if (context.facts() & Fact::Opened)
+        return alreadyOpen(context);
+    const Outcome started =
+        context.carryOut({QStringLiteral("Starting a session"), logInAgain, [&] { context.lesson.start(); },
+                          [&] { return context.lesson.state() == Lesson::Live; }},
+                         limit);
+    if (started.isDone())
+        tellHowToJoin(context);
+    return started;
 }
 
 Outcome sessionCreate(CommandContext& context, const Arguments&)
 {
-    const Outcome outcome = create(context);
-    if (outcome.isDone())
-        context.screen.print(QStringLiteral("Session %1 is created. \"session live\" starts it.")
-                                 .arg(Text::code(Text::clean(context.lesson.client().sessionCode()))));
+    if (context.facts() & Fact::Opened)
+        return alreadyOpen(context);
+    const auto code = std::make_shared<QString>();
+    const Outcome outcome =
+        context.askService(QStringLiteral("Creating a session"), logInAgain, [code](PresenterClient* client) {
+            const bool isDone = client->doStartSession(QString());
+            *code = client->sessionCode();
+            return isDone;
+        });
+    if (!outcome.isDone())
+        return outcome;
+    context.notes.createdCode = *code;
+    context.screen.print(
+        QStringLiteral("Session %1 is created. \"session live\" starts it.").arg(codeOf(context)));
     return outcome;
 }
 
-Outcome sessionLive(CommandContext& context, const Arguments& arguments)
+// Without a goodbye: the learners stay where they are.
+void dropChannel(CommandContext& context)
 {
-    qint64 limit = 0;
-    bool isGiven = false;
-    if (const Outcome outcome = withLimit(arguments, limit, isGiven); !outcome.isDone())
-        return outcome;
-    return goLive(context, isGiven ? &limit : nullptr);
+    context.notes.isDisconnected = true; // which is no news
+    context.carryOut(
+        {QString(), QString(),
+         [&] { context.lesson.onChannel([](PresenterCollab* collab) { collab->connector()->close(); }); },
+         [&] { return context.lesson.state() != Lesson::Live; }});
 }
 
 Outcome sessionReconnect(CommandContext& context, const Arguments& arguments)
 {
-    PresenterCollab* const collab = context.lesson.collab();
-    if (!collab || context.lesson.client().sessionToken().isEmpty())
-        return Outcome::failed(QStringLiteral("There is no session to connect to. Use \"session start\"."));
-    context.lesson.expectClose(); // of the channel that is still open, if any
-    collab->open(arguments.isEmpty() ? context.lesson.client().sockJSProtocols() : arguments);
-    const Outcome opened = waitForChannel(context, openingTime(context));
-    context.lesson.expectClose(false);
-    if (!opened.isDone())
-        return opened;
-    context.screen.note(QStringLiteral("The live channel is open again."));
-    context.lesson.refreshLearners();
-    return opened;
+    constexpr int second = 1000;
+    Lesson& lesson = context.lesson;
+    if (!arguments.isEmpty())
+        lesson.setTransports(arguments);
+    lesson.setReconnects(false); // that is done by retryNow()
+    if (lesson.state() == Lesson::Live)
+        dropChannel(context);
+    lesson.retryNow();
+    lesson.setReconnects(true);
+    context.notes.isDisconnected = false;
+    const Waiter::Result result = context.waiter.until([&] { return lesson.state() != Lesson::Reconnecting; },
+                                                       qRound64(context.waitLimit * second),
+                                                       [] { return QStringLiteral("the live channel"); });
+    if (lesson.state() == Lesson::Live)
+        context.screen.note(QStringLiteral("The live channel is open again."));
+    else if (result == Waiter::Met)
+        return context.require(Fact::Opened);
+    else
+        return context.refused(QStringLiteral("The connection"), QString(),
+                               Calyx::LessonError::make(result == Waiter::Interrupted
+                                                            ? Calyx::LessonError::Cancelled
+                                                            : Calyx::LessonError::NoChannel));
+    return Outcome::done();
 }
 
 Outcome sessionDisconnect(CommandContext& context, const Arguments&)
 {
-    context.lesson.expectClose();
-    context.lesson.collab()->close();
-    context.screen.note(
-        QStringLiteral("The live channel is closed: the learners' devices say that the session "
-                       "has ended. \"session reconnect\" opens it again; they join again."));
-    return Outcome::done();
+    Lesson& lesson = context.lesson;
+    lesson.setReconnects(false);
+    context.notes.isDisconnected = true;
+    const Outcome closed =
+        context.carryOut({QStringLiteral("Closing the live channel"), QString(),
+                          [&] { lesson.onChannel([](PresenterCollab* collab) { collab->close(); }); },
+                          [&] { return lesson.state() != Lesson::Live; }});
+    if (closed.isDone())
+        context.screen.note(
+            QStringLiteral("The live channel is closed: the learners' devices say that the session "
+                           "has ended. \"session reconnect\" opens it again; they join again."));
+    return closed;
 }
 
 Outcome sessionInfo(CommandContext& context, const Arguments&)
 {
-    PresenterClient& client = context.lesson.client();
+    struct Wire
+    {
+        QString user;
+        QString token;
+        QString collabServer;
+        QString transports;
+    };
+    const auto wire = std::make_shared<Wire>();
+    const Outcome asked =
+        context.askService(QStringLiteral("The question"), QString(), [wire](PresenterClient* client) {
+            *wire = {client->isLoggedIn() ? client->userId() : QString(), client->sessionToken(),
+                     client->collabServerUrl(), client->sockJSProtocols().join(QStringLiteral(", "))};
+            return true;
+        });
+    if (!asked.isDone())
+        return asked;
     const auto orNone = [](const QString& text) {
         return text.isEmpty() ? QStringLiteral("none") : Text::clean(text);
     };
+    const QString server = context.lesson.server().toString();
     const QVector<QStringList> rows = {
-        {QStringLiteral("Service"), client.server()},
-        {QStringLiteral("User"), client.isLoggedIn() ? Text::clean(client.userId()) : QStringLiteral("none")},
-        {QStringLiteral("Session code"), orNone(Text::code(client.sessionCode()))},
-        {QStringLiteral("Learners join at"), JoinAddress::ofService(client.server())},
-        {QStringLiteral("Session token"), orNone(client.sessionToken())},
-        {QStringLiteral("Collaboration server"), orNone(client.collabServerUrl())},
-        {QStringLiteral("Transports"), orNone(client.sockJSProtocols().join(QStringLiteral(", ")))},
-        {QStringLiteral("Live channel"), QLatin1String(context.lesson.isLive() ? "open" : "closed")},
-        {QStringLiteral("Learners"), QString::number(context.lesson.roster().presentCount())}};
+        {QStringLiteral("Service"), server},
+        {QStringLiteral("User"), orNone(wire->user)},
+        {QStringLiteral("Session code"), orNone(codeOf(context))},
+        {QStringLiteral("Learners join at"), JoinAddress::ofService(server)},
+        {QStringLiteral("Session token"), orNone(wire->token)},
+        {QStringLiteral("Collaboration server"), orNone(wire->collabServer)},
+        {QStringLiteral("Transports"), orNone(wire->transports)},
+        {QStringLiteral("Live channel"),
+         QLatin1String(context.lesson.state() == Lesson::Live ? "open" : "closed")},
+        {QStringLiteral("Learners"), QString::number(context.lesson.roster()->presentCount())}};
     context.screen.print(Table::lines({QString(), QString()}, rows, context.screen.style()).mid(1));
     return Outcome::done();
 }
 
 Outcome sessionStop(CommandContext& context, const Arguments&)
 {
-    PresenterClient& client = context.lesson.client();
-    const QString code = Text::code(Text::clean(client.sessionCode()));
-    Ending::stopActivities(context);
-    context.lesson.expectClose();
-    if (!client.doStopSession())
+    const QString code = codeOf(context);
+    if (!(context.facts() & Fact::Opened)) {
+        context.notes.createdCode.clear();
         return Outcome::failed(QStringLiteral("There is no session to stop."));
-    context.lesson.forgetSession();
-    context.screen.note(QStringLiteral("Session %1 is stopped.").arg(code));
+    }
+    Ending::stopActivities(context);
+    const Outcome stopped = context.carryOut(
+        {QStringLiteral("Stopping the session"), QString(), [&] { context.lesson.end(); },
+         [&] {
+             return context.lesson.state() == Lesson::LoggedIn || context.lesson.state() == Lesson::LoggedOut;
+         }});
+    if (stopped.isDone())
+        context.screen.note(QStringLiteral("Session %1 is stopped.").arg(code));
+    return stopped;
+}
+
+Outcome retry(CommandContext& context, const Arguments&)
+{
+    context.lesson.retryNow();
     return Outcome::done();
 }
 
 Outcome learners(CommandContext& context, const Arguments&)
 {
-    context.lesson.refreshLearners();
     QVector<QStringList> rows;
-    const QList<Roster::Member> members = context.lesson.roster().members();
-    for (const Roster::Member& member : members) {
-        if (member.isPresent)
-            rows.append({member.name, member.deviceType, Text::clean(member.deviceId)});
+    const QAbstractItemModel* const roster = context.lesson.roster();
+    for (int i = 0; i < roster->rowCount(); ++i) {
+        const auto data = [&](int role) { return roster->index(i, 0).data(role); };
+        if (data(Calyx::Roster::IsPresentRole).toBool())
+            rows.append({data(Calyx::Roster::NameRole).toString(),
+                         data(Calyx::Roster::DeviceTypeRole).toString(),
+                         Text::clean(data(Calyx::Roster::DeviceIdRole).toString())});
     }
     if (rows.isEmpty())
         context.screen.print(QStringLiteral("No learner is here."));
@@ -201,11 +226,11 @@ Outcome removeLearner(CommandContext& context, const Arguments& arguments)
 {
     QString deviceId;
     if (const Outcome found =
-            ArgumentReader::findLearner(context.lesson.roster(), arguments.first(), deviceId);
+            ArgumentReader::findLearner(*context.lesson.roster(), arguments.first(), deviceId);
         !found.isDone())
         return found;
-    context.lesson.collab()->removeLearner(deviceId);
-    context.screen.note(QStringLiteral("%1 is sent away.").arg(context.lesson.roster().name(deviceId)));
+    context.lesson.remove(deviceId);
+    context.screen.note(QStringLiteral("%1 is sent away.").arg(context.lesson.roster()->name(deviceId)));
     return Outcome::done();
 }
 
@@ -218,19 +243,19 @@ const Command rows[] = {
     {"session start", "[within SECONDS]", "Create a session and go live.",
      "Waits until the live channel is open: for as long as the transports may take together, or "
      "for SECONDS. Does \"session create\" and \"session live\" in one.",
-     F::Login, F::Session | F::Opened | F::Channel, F::Nothing, 0, 2, {P::Keyword, P::Seconds}, "within", sessionStart},
+     F::Login, F::Session | F::Opened | F::Channel, F::Nothing, 0, 2, {P::Keyword, P::Seconds}, "within", goLive},
     {"session create", "", "Create a session, without starting it.",
      "",
      F::Login, F::Session, F::Nothing, 0, 0, {}, "", sessionCreate},
     {"session live", "[within SECONDS]", "Start the created session and open its live channel.",
      "",
-     F::Session, F::Opened | F::Channel, F::Nothing, 0, 2, {P::Keyword, P::Seconds}, "within", sessionLive},
+     F::Session, F::Opened | F::Channel, F::Nothing, 0, 2, {P::Keyword, P::Seconds}, "within", goLive},
     {"session reconnect", "[TRANSPORT ...]", "Open the live channel again.",
      "With the transports as before, or with those named.",
      F::Opened, F::Channel, F::Nothing, 0, 3, {P::Transport, P::Transport, P::Transport}, "", sessionReconnect},
     {"session disconnect", "", "Close the live channel, for the learners the end of the session.",
      "",
-     F::Channel, F::Nothing, F::Channel, 0, 0, {}, "", sessionDisconnect},
+     F::Channel | F::Now, F::Nothing, F::Channel, 0, 0, {}, "", sessionDisconnect},
     {"session info", "", "Show the session's code, address, transports and state.",
      "",
      F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", sessionInfo},
@@ -242,7 +267,14 @@ const Command rows[] = {
      F::Opened, F::Nothing, F::Nothing, 0, 0, {}, "", learners},
     {"remove", "LEARNER", "Send a learner's device away.",
      "LEARNER is a name, the beginning of one, or a device id.",
-     F::Channel, F::Nothing, F::Nothing, 1, 1, {P::Learner}, "", removeLearner},
+     F::Channel | F::Now, F::Nothing, F::Nothing, 1, 1, {P::Learner}, "", removeLearner},
+    {"retry", "", "Try at once to find the way back to a lost session.",
+     "By itself that is tried in between, for as long as the session may live. What is done meanwhile reaches the "
+     "learners when the connection is back.",
+     F::Opened, F::Nothing, F::Nothing, 0, 0, {}, "", retry},
+    {"r", "", "The same as \"retry\".",
+     "",
+     F::Opened, F::Nothing, F::Nothing, 0, 0, {}, "", retry},
 };
 // clang-format on
 

@@ -13,8 +13,9 @@ Waiter::Result Waiter::until(const std::function<bool()>& condition, qint64 msec
     if (m_down || m_loop)
         return Interrupted;
     QEventLoop loop;
-    QTimer::singleShot(static_cast<int>(qMin<qint64>(msecs, std::numeric_limits<int>::max())),
-                       Qt::PreciseTimer, &loop, [&loop] { loop.exit(TimedOut); });
+    if (msecs >= 0)
+        QTimer::singleShot(static_cast<int>(qMin<qint64>(msecs, std::numeric_limits<int>::max())),
+                           Qt::PreciseTimer, &loop, [&loop] { loop.exit(TimedOut); });
     m_condition = condition;
     m_description = description;
     m_loop = &loop;

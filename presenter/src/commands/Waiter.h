@@ -17,8 +17,8 @@ public:
 
     using Description = std::function<QString()>;
 
-    /// Waits until \p condition, asked now and after each poke(), is true, for \p msecs at most. \p
-    /// description says what is waited for.
+    /// Waits until \p condition, asked now and after each poke(), is true, for \p msecs at most; less
+    /// than 0 is no limit. \p description says what is waited for.
     Result until(const std::function<bool()>& condition, qint64 msecs, const Description& description = {});
     /// Waits for \p msecs. False when it was interrupted.
     bool pause(int msecs, const Description& description = {});
@@ -32,6 +32,8 @@ public:
     void interrupt();
     /// Ends the wait under way and lets all later ones end at once.
     void shutDown();
+    /// Lets waits be again, for the end of the lesson.
+    void open() { m_down = false; }
 
 private:
     QEventLoop* m_loop = nullptr;

@@ -1,7 +1,6 @@
 #include "lesson/AssessmentReport.h"
 
-#include "lesson/AssessmentQuestion.h"
-#include "lesson/AssessmentSheet.h"
+#include "lesson/Charts.h"
 #include "text/Table.h"
 #include "text/Text.h"
 
@@ -12,42 +11,40 @@ namespace {
 
 constexpr int hundred = 100;
 
-QString sign(AssessmentSheet::Mark mark, bool unicode)
+using namespace Calyx;
+
+QString sign(int mark, bool unicode)
 {
     switch (mark) {
-    case AssessmentSheet::Right:
+    case PollAnswer::Right:
         return unicode ? QString(QChar(0x2713)) : QStringLiteral("+");
-    case AssessmentSheet::Wrong:
+    case PollAnswer::Wrong:
         return unicode ? QString(QChar(0x2717)) : QStringLiteral("x");
-    case AssessmentSheet::NoAnswer:
+    case PollAnswer::NoAnswer:
         return unicode ? QString(QChar(0x2013)) : QStringLiteral("-");
-    case AssessmentSheet::Unmarked:
-        break;
+    default:
+        return QString();
     }
-    return QString();
 }
 
-QString cell(const AssessmentSheet& sheet, const QString& deviceId, int number, bool unicode)
+QString cell(const QModelIndex& index, bool unicode, bool withAnswer)
 {
     constexpr int widest = 20;
-    const QString answer = Text::elide(sheet.answer(deviceId, number), widest, unicode);
-    return QStringLiteral("%1 %2").arg(sign(sheet.mark(deviceId, number), unicode), answer).trimmed();
+    const QString mark = sign(index.data(Assessment::MarkRole).toInt(), unicode);
+    const QString answer = Text::elide(index.data(Assessment::AnswerRole).toString(), widest, unicode);
+    return withAnswer ? QStringLiteral("%1 %2").arg(mark, answer).trimmed() : mark;
 }
 
-QString score(const AssessmentSheet& sheet, const QString& deviceId)
-{
-    const int most = sheet.markedQuestions();
-    return most == 0 ? QString() : QStringLiteral("%1 of %2").arg(sheet.rightAnswers(deviceId)).arg(most);
-}
-
-QVector<QStringList> rowsOf(const AssessmentSheet& sheet, const Style& style, bool withAnswers)
+QVector<QStringList> rowsOf(const QAbstractItemModel& assessment, const Style& style, bool withAnswers)
 {
     QVector<QStringList> rows;
-    for (const QString& deviceId : sheet.participants()) {
-        QStringList row = {sheet.name(deviceId), score(sheet, deviceId)};
-        for (int number = 1; number <= sheet.questions(); ++number)
-            row.append(withAnswers ? cell(sheet, deviceId, number, style.unicode)
-                                   : sign(sheet.mark(deviceId, number), style.unicode));
+    for (int i = 0; i < assessment.rowCount(); ++i) {
+        QStringList row;
+        for (int column = 0; column < assessment.columnCount(); ++column) {
+            const QModelIndex index = assessment.index(i, column);
+            row.append(column < Assessment::FirstQuestion ? index.data().toString()
+                                                          : cell(index, style.unicode, withAnswers));
+        }
         rows.append(row);
     }
     return rows;
@@ -65,45 +62,46 @@ bool fits(const QStringList& header, const QVector<QStringList>& rows, const Sty
 
 } // namespace
 
-QStringList AssessmentReport::byLearner(const AssessmentSheet& sheet, const Style& style)
+QStringList AssessmentReport::byLearner(const QAbstractItemModel& assessment, const Style& style)
 {
-    QStringList header = {QStringLiteral("Learner"),
-                          sheet.markedQuestions() > 0 ? QStringLiteral("Score") : QString()};
-    for (int number = 1; number <= sheet.questions(); ++number)
-        header.append(QString::number(number));
-    const QVector<QStringList> whole = rowsOf(sheet, style, true);
-    return Table::lines(header, fits(header, whole, style) ? whole : rowsOf(sheet, style, false), style);
+    const QVector<QStringList> whole = rowsOf(assessment, style, true);
+    const bool isMarked = !whole.isEmpty() && !whole.first().at(Assessment::Score).isEmpty();
+    QStringList header = {QStringLiteral("Learner"), isMarked ? QStringLiteral("Score") : QString()};
+    for (int column = Assessment::FirstQuestion; column < assessment.columnCount(); ++column)
+        header.append(QString::number(column - Assessment::FirstQuestion + 1));
+    return Table::lines(header, fits(header, whole, style) ? whole : rowsOf(assessment, style, false), style);
 }
 
-QStringList AssessmentReport::byQuestion(const AssessmentSheet& sheet, const Style& style)
+QStringList AssessmentReport::byQuestion(const Assessment& assessment, const Style& style)
 {
     QVector<QStringList> rows;
-    for (int number = 1; number <= sheet.questions(); ++number) {
-        const int answers = sheet.answers(number);
-        const int right = sheet.rightAnswers(number);
-        const bool isMarked = sheet.plan().items.at(number - 1).key.isGiven();
+    const QVector<Question> questions = assessment.plan().questions;
+    for (int number = 1; number <= questions.size(); ++number) {
+        const int answers = assessment.answeredBy(number);
+        const int right = assessment.rightBy(number);
+        const bool isMarked = questions.at(number - 1).isMarked();
         const int percent = answers > 0 ? (right * hundred + answers / 2) / answers : 0;
         rows.append({QString::number(answers), isMarked ? QString::number(right) : QString(),
                      isMarked ? QStringLiteral("%1 %").arg(percent) : QString(),
-                     AssessmentQuestion::title(sheet, number)});
+                     Charts::title(questions.at(number - 1), number)});
     }
     return Table::lines(
         {QStringLiteral("Answers"), QStringLiteral("Right"), QString(), QStringLiteral("Question")}, rows,
         style);
 }
 
-QString AssessmentReport::total(const AssessmentSheet& sheet)
+QString AssessmentReport::total(const Assessment& assessment)
 {
     int answers = 0;
     int right = 0;
-    for (int number = 1; number <= sheet.questions(); ++number) {
-        answers += sheet.answers(number);
-        right += sheet.rightAnswers(number);
+    for (int number = 1; number <= assessment.questionCount(); ++number) {
+        answers += assessment.answeredBy(number);
+        right += assessment.rightBy(number);
     }
-    const int learners = sheet.participants().size();
+    const int learners = assessment.rowCount();
     const QString text =
         QStringLiteral("%1, %2").arg(Text::count(learners, "learner"), Text::count(answers, "answer"));
-    const int most = learners * sheet.markedQuestions();
+    const int most = learners * assessment.markedCount();
     return most == 0 ? text + QLatin1Char('.')
                      : QStringLiteral("%1, %2 of %3 right.").arg(text).arg(right).arg(most);
 }

@@ -2,21 +2,21 @@
 
 #include "text/Style.h"
 
-#include <QStringList>
+#include <CalyxClient/Lesson>
 
-class AssessmentSheet;
+#include <QStringList>
 
 /// The results of an assessment as tables.
 namespace AssessmentReport {
 
-/// A row for each learner: his score, and each answer with its mark; the marks alone where the answers find
-/// no room.
-QStringList byLearner(const AssessmentSheet& sheet, const Style& style);
+/// A row for each learner of an assessment's model: his score, and each answer with its mark; the marks alone
+/// where the answers find no room.
+QStringList byLearner(const QAbstractItemModel& assessment, const Style& style);
 
 /// A row for each question: how many have answered, and how many of them are right.
-QStringList byQuestion(const AssessmentSheet& sheet, const Style& style);
+QStringList byQuestion(const Calyx::Assessment& assessment, const Style& style);
 
 /// "2 learners, 9 answers, 5 of 10 right."
-QString total(const AssessmentSheet& sheet);
+QString total(const Calyx::Assessment& assessment);
 
 } // namespace AssessmentReport

@@ -1,0 +1,64 @@
+#include "lesson/Charts.h"
+
+#include "lesson/PollKinds.h"
+#include "text/Text.h"
+
+using namespace Calyx;
+
+namespace {
+
+constexpr int second = 1000; // ms
+
+QVector<Bar> barsOf(const Poll& poll)
+{
+    const Question question = poll.question();
+    const int options = question.type == PollType::SORT ? 0 : question.optionIds().size();
+    QVector<Bar> bars;
+    const QVector<PollResults::Row> rows = poll.results()->rows();
+    for (const PollResults::Row& row : rows) {
+        const bool isOption = bars.size() < options;
+        const QString letter = isOption ? OrdinalType::optionId(question.ordinal, bars.size()) : QString();
+        const bool isWord = isOption && letter != row.label;
+        bars.append({isWord ? letter + QLatin1Char(' ') + row.title() : row.title(), row.count, isOption});
+    }
+    return bars;
+}
+
+} // namespace
+
+ChartData Charts::of(const Poll& poll)
+{
+    ChartData data;
+    const QString text = Text::clean(poll.question().text);
+    data.title = QStringLiteral("Poll %1: %2")
+                     .arg(QString::number(poll.number()),
+                          text.isEmpty() ? PollKinds::description(poll.question()) : text);
+    data.bars = barsOf(poll);
+    data.answered = poll.answered();
+    data.expected = poll.expected();
+    data.seconds = static_cast<int>(poll.elapsed() / second);
+    data.isPaused = poll.isPaused();
+    return data;
+}
+
+ChartData Charts::of(const Assessment& assessment)
+{
+    ChartData data;
+    data.title = assessment.title().isEmpty() ? QStringLiteral("Assessment") : assessment.title();
+    data.doing = QStringLiteral("finished");
+    data.answered = assessment.finished();
+    data.expected = assessment.expected();
+    data.whole = assessment.rowCount();
+    data.seconds = static_cast<int>(assessment.elapsed() / second);
+    data.isPaused = assessment.isPaused();
+    const QVector<Question> questions = assessment.plan().questions;
+    for (int number = 1; number <= questions.size(); ++number)
+        data.bars.append({title(questions.at(number - 1), number), assessment.answeredBy(number)});
+    return data;
+}
+
+QString Charts::title(const Question& question, int number)
+{
+    const QString kind = QStringLiteral("%1 %2").arg(number).arg(PollKinds::typeName(question.type));
+    return question.text.isEmpty() ? kind : QStringLiteral("%1: %2").arg(kind, question.text);
+}
