@@ -7,8 +7,6 @@
 
 #include <memory>
 
-Q_DECLARE_METATYPE(FakeService::Answer)
-
 /// Base of the client's tests: each function gets a new service, and a client of it that goes first.
 class ClientTest : public QObject
 {

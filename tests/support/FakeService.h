@@ -96,3 +96,5 @@ private:
     QStringList m_failures;
     int m_abandoned = 0;
 };
+
+Q_DECLARE_METATYPE(FakeService::Answer)

@@ -21,31 +21,10 @@ class tst_PresenterClientCollaboration : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void asksTheServiceInFourSteps()
-    {
-        Lesson lesson;
-
-        QVERIFY(lesson.startWell());
-        const QList<FakeService::Request> requests = lesson.service.requests();
-        QCOMPARE(lesson.service.paths(),
-                 (QList<QByteArray>{Lesson::ADDRESS, Lesson::FEATURES, Lesson::START, Lesson::JOIN}));
-        for (const FakeService::Request& request : requests) {
-            QCOMPARE(request.method, QByteArray("POST"));
-            QCOMPARE(request.header("content-type"), QByteArray("application/json; charset=UTF-8"));
-        }
-        QCOMPARE(requests.at(0).body, QByteArray("{}"));
-        QCOMPARE(requests.at(1).body, QByteArray("{}"));
-        QCOMPARE(requests.at(2).body, "{\"sessionCode\": \"123456\",\"serverUrl\":\"" +
-                                          lesson.bus.url().toEncoded() +
-                                          "\",\"sourceSystem\":\"Lumora\",\"version\":\"3.0.0\"}");
-        QCOMPARE(requests.at(3).body,
-                 QByteArray(R"({"userName":"SessionStarter","sessionCode":"123456","mode":"presenter",)"
-                            R"("deviceName":"teacher_SessionStarter","deviceType":"presenter"})"));
-    }
-
-    void valuesAreSentAsTheyAre_data()
+    void asksTheServiceInFourSteps_data()
     {
         rows<QString>({
+            {"plain", "teacher"},
             {"quotes", "a\"b"},
             {"placeholders", "%1%2%0"},
             {"not ASCII", "Zoë 🎓"},
@@ -54,13 +33,11 @@ private Q_SLOTS:
     }
 
     // Nothing is escaped: a user id with a quote in it makes the body no JSON at all.
-    void valuesAreSentAsTheyAre()
+    void asksTheServiceInFourSteps()
     {
         const auto [value] = row<QString>();
-
         const auto envelope = [&](const char* key) {
-            const QJsonObject data{{QLatin1String(key), value}};
-            const QJsonObject object{{"data", data}};
+            const QJsonObject object{{"data", QJsonObject{{key, value}}}};
             return QString::fromUtf8(QJsonDocument(object).toJson());
         };
         Lesson lesson;
@@ -68,14 +45,18 @@ private Q_SLOTS:
         lesson.client->userNameResponse(envelope("userLoginId"));
 
         QVERIFY(lesson.startWell());
+        QCOMPARE(lesson.service.paths(),
+                 (QList<QByteArray>{Lesson::ADDRESS, Lesson::FEATURES, Lesson::START, Lesson::JOIN}));
         const QByteArray bytes = value.toUtf8();
-        QCOMPARE(lesson.service.requests().at(2).body,
-                 "{\"sessionCode\": \"" + bytes + "\",\"serverUrl\":\"" + lesson.bus.url().toEncoded() +
-                     "\",\"sourceSystem\":\"Lumora\",\"version\":\"3.0.0\"}");
-        QCOMPARE(lesson.service.requests().at(3).body,
-                 "{\"userName\":\"SessionStarter\",\"sessionCode\":\"" + bytes +
-                     "\",\"mode\":\"presenter\",\"deviceName\":\"" + bytes +
-                     "_SessionStarter\",\"deviceType\":\"presenter\"}");
+        const QList<FakeService::Request> requests = lesson.service.requests();
+        QCOMPARE(requests.at(0).body, QByteArray("{}"));
+        QCOMPARE(requests.at(1).body, QByteArray("{}"));
+        QCOMPARE(requests.at(2).body, "{\"sessionCode\": \"" + bytes + "\",\"serverUrl\":\"" +
+                                          lesson.bus.url().toEncoded() +
+                                          "\",\"sourceSystem\":\"Lumora\",\"version\":\"3.0.0\"}");
+        QCOMPARE(requests.at(3).body, "{\"userName\":\"SessionStarter\",\"sessionCode\":\"" + bytes +
+                                          "\",\"mode\":\"presenter\",\"deviceName\":\"" + bytes +
+                                          "_SessionStarter\",\"deviceType\":\"presenter\"}");
     }
 
     void opensTheChannelOfTheSession()
@@ -121,15 +102,23 @@ private Q_SLOTS:
         QVERIFY(!lines.at(connecting - 1).startsWith("[REST Response]"));
     }
 
-    void noAddressEndsTheChain_data();
+    void noAddressEndsTheChain_data()
+    {
+        rows<Answer>({
+            {"empty", Answer::json(R"({"data":{"url":""}})")},
+            {"absent", Answer::json(R"({"data":{}})")},
+            {"no data", Answer::json("{}")},
+            {"no JSON", Answer::json("http://127.0.0.1:1/")},
+            {"http error", Answer::json(R"({"errorMsgKeys":["a.error"],"data":{"url":"x"}})", 500)},
+            {"service gone", Answer::gone()},
+        });
+    }
 
     void noAddressEndsTheChain()
     {
-        QFETCH(int, kind);
-        QFETCH(QByteArray, body);
-
+        const auto [answer] = row<Answer>();
         Lesson lesson;
-        lesson.service.expect(Lesson::ADDRESS, kind ? Answer::json(body, kind) : Answer::gone());
+        lesson.service.expect(Lesson::ADDRESS, answer);
         PresenterCollab other(nullptr, QString(), QString(), QString(), QString());
         lesson.collab = &other;
         const LogRecorder log;
@@ -228,18 +217,6 @@ private Q_SLOTS:
         QCOMPARE(lesson.client->sockJSProtocols(), second);
     }
 
-    void transportsAreTriedInTheirOrder()
-    {
-        Lesson lesson;
-        lesson.bus.setUpgrades({FakeSockJSServer::Refuse404, FakeSockJSServer::Open});
-        lesson.expectStart(
-            Answer::json(R"({"data":{"sockJSProtocols":["websocket","unknown","websocket"]}})"));
-
-        QVERIFY(lesson.start());
-        QTRY_VERIFY(lesson.collab->isConnected());
-        QCOMPARE(lesson.bus.count("/websocket"), 2);
-    }
-
     void refusedStartEndsTheChain()
     {
         Lesson lesson;
@@ -331,45 +308,29 @@ private Q_SLOTS:
         QVERIFY(lesson.client->lastError().isNull());
     }
 
-    void handlersLeaveThingsAloneWithoutJson()
+    void handlersLeaveThingsAloneWithoutJsonAndOverwriteWithNothing()
     {
         Lesson lesson;
         PresenterClient& client = *lesson.client;
-        const QString broken = "{\"data\":";
         client.getCollabUrlResponse(R"({"data":{"url":"a"}})");
-        client.getTenantFeatureDetailsResponse(QString::fromLatin1(Lesson::WEBSOCKET));
-        client.sessionStartSuccessResponse(QString::fromLatin1(Lesson::STARTED));
-        client.sessionStartFailureResponse(nullptr, QString::fromLatin1(REFUSED));
-        client.sessionJoinResponse(QString::fromLatin1(Lesson::JOINED));
-        client.getCollabUrlResponse(broken);
-        client.getTenantFeatureDetailsResponse(broken);
-        client.sessionStartSuccessResponse(broken);
-        client.sessionStartFailureResponse(nullptr, broken);
-        client.sessionJoinResponse(broken);
-
+        client.getTenantFeatureDetailsResponse(Lesson::WEBSOCKET);
+        client.sessionStartSuccessResponse(Lesson::STARTED);
+        client.sessionStartFailureResponse(nullptr, REFUSED);
+        client.sessionJoinResponse(Lesson::JOINED);
+        const auto giveToAll = [&client](const QString& body) {
+            client.getCollabUrlResponse(body);
+            client.getTenantFeatureDetailsResponse(body);
+            client.sessionStartSuccessResponse(body);
+            client.sessionStartFailureResponse(nullptr, body);
+            client.sessionJoinResponse(body);
+        };
+        giveToAll("{\"data\":");
         QCOMPARE(client.collabServerUrl(), QStringLiteral("a"));
         QCOMPARE(client.sockJSProtocols(), QStringList{"websocket"});
         QCOMPARE(client.sessionToken(), QStringLiteral("T"));
         QCOMPARE(client.lastError(), QStringLiteral("session.start.error"));
         QCOMPARE(client.userToken(), QStringLiteral("U"));
-    }
-
-    void absentKeysOverwriteWithNothing()
-    {
-        Lesson lesson;
-        PresenterClient& client = *lesson.client;
-        client.getCollabUrlResponse(R"({"data":{"url":"a"}})");
-        client.getTenantFeatureDetailsResponse(QString::fromLatin1(Lesson::WEBSOCKET));
-        client.sessionStartSuccessResponse(QString::fromLatin1(Lesson::STARTED));
-        client.sessionStartFailureResponse(nullptr, QString::fromLatin1(REFUSED));
-        client.sessionJoinResponse(QString::fromLatin1(Lesson::JOINED));
-        const QString nothing = "{}";
-        client.getCollabUrlResponse(nothing);
-        client.getTenantFeatureDetailsResponse(nothing);
-        client.sessionStartSuccessResponse(nothing);
-        client.sessionStartFailureResponse(nullptr, nothing);
-        client.sessionJoinResponse(nothing);
-
+        giveToAll("{}");
         QVERIFY(client.collabServerUrl().isEmpty());
         QVERIFY(client.sockJSProtocols().isEmpty());
         QVERIFY(client.sessionToken().isEmpty());
@@ -377,20 +338,6 @@ private Q_SLOTS:
         QVERIFY(client.userToken().isEmpty());
     }
 };
-
-void tst_PresenterClientCollaboration::noAddressEndsTheChain_data()
-{
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<QByteArray>("body");
-
-    QTest::newRow("empty") << 200 << QByteArray(R"({"data":{"url":""}})");
-    QTest::newRow("absent") << 200 << QByteArray(R"({"data":{}})");
-    QTest::newRow("no data") << 200 << QByteArray("{}");
-    QTest::newRow("no JSON") << 200 << QByteArray("http://127.0.0.1:1/");
-    QTest::newRow("http error") << 500
-                                << QByteArray(R"({"errorMsgKeys":["a.error"],"data":{"url":"http://x"}})");
-    QTest::newRow("service gone") << 0 << QByteArray();
-}
 
 QTEST_GUILESS_MAIN(tst_PresenterClientCollaboration)
 

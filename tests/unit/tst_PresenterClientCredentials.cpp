@@ -26,14 +26,24 @@ class tst_PresenterClientCredentials : public ClientTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void accessToken_data();
+    void accessToken_data()
+    {
+        rows<QByteArray, QString, QString>({
+            {"token", R"({"data":{"deviceAccessToken":"T1"}})", "T1", QString()},
+            {"number", R"({"data":{"deviceAccessToken":7}})", "7", QString()},
+            {"empty token", R"({"data":{"deviceAccessToken":""}})", "", R"({"deviceAccessToken":""})"},
+            {"data of a registration", R"({"success":false,"data":{"mail":"zoë"}})", "", R"({"mail":"zoë"})"},
+            {"no data", R"({"success":false})", "", "ess\":false"},
+            {"no JSON", "<html></html>", "", "</html"},
+            {"no members", "{}", "", ""},
+            {"no body", "", "", ""},
+            {"data at the very beginning, which is not taken", R"("data":{"a":1})", "", QString()},
+        });
+    }
 
     void accessToken()
     {
-        QFETCH(QByteArray, body);
-        QFETCH(QString, token);
-        QFETCH(QString, registration);
-
+        const auto [body, token, registration] = row<QByteArray, QString, QString>();
         for (const bool oauth : {false, true}) {
             FakeService service;
             service.expect(oauth ? CALLBACK : SUBMIT, Answer::json(body));
@@ -260,27 +270,6 @@ private Q_SLOTS:
             QCOMPARE(service().last().body, body.replace("<server>", service().url().toUtf8()));
     }
 };
-
-void tst_PresenterClientCredentials::accessToken_data()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<QString>("token");
-    QTest::addColumn<QString>("registration");
-
-    const auto row = [](const char* body, const char* token, const char* registration) {
-        QTest::newRow(body) << QByteArray(body) << QString::fromUtf8(token)
-                            << QString::fromUtf8(registration);
-    };
-    row(R"({"data":{"deviceAccessToken":"T1"}})", "T1", nullptr);
-    row(R"({"data":{"deviceAccessToken":7}})", "7", nullptr);
-    row(R"({"data":{"deviceAccessToken":""}})", "", R"({"deviceAccessToken":""})");
-    row(R"({"success":false,"data":{"mail":"zoë"}})", "", R"({"mail":"zoë"})");
-    row(R"({"success":false})", "", R"(ess":false)");
-    row("<html></html>", "", "</html");
-    row("{}", "", "");
-    row("", "", "");
-    row(R"("data":{"a":1})", "", nullptr); // at the very beginning it is not taken
-}
 
 QTEST_GUILESS_MAIN(tst_PresenterClientCredentials)
 

@@ -77,27 +77,6 @@ private Q_SLOTS:
         QCOMPARE(m_session->ends, 0);
     }
 
-    void startRefusesTextThatBreaksTheRequest_data()
-    {
-        rows<QString>({
-            {"CR", "a\rb"},
-            {"LF", "a\nb"},
-            {"NUL", QLatin1String("a\0b", 3)},
-            {"a line of its own", " HTTP/1.1\r\nX-Injected: 1\r\n"},
-        });
-    }
-
-    void startRefusesTextThatBreaksTheRequest()
-    {
-        const auto [text] = row<QString>();
-        LogRecorder log;
-        QVERIFY(!m_session->transport->start(QStringLiteral("127.0.0.1"), m_server->port(), false,
-                                             QLatin1Char('/') + text, false));
-        QVERIFY(!m_session->transport->start(text, m_server->port(), false, sessionPath, false));
-        QCOMPARE(log.debug("[SockJSXHRPolling]").size(), 2);
-        QCOMPARE(m_server->connections(), 0);
-    }
-
     void startRefusesASecondTime()
     {
         QVERIFY(start());
@@ -206,21 +185,6 @@ private Q_SLOTS:
         QCOMPARE(request.path, QByteArray("/%1/other"));
         QCOMPARE(request.headers.value("content-length"), QByteArray("6"));
         QCOMPARE(request.body, QByteArray("%2 pay"));
-    }
-
-    void requestPathThatBreaksTheRequestIsRefused()
-    {
-        m_server->answer("/xhr", plain("o\n"));
-        QVERIFY(start());
-        QTRY_COMPARE(m_server->count("/xhr"), 2);
-        LogRecorder log;
-        m_session->transport->doRequestXHR(QStringLiteral("/x HTTP/1.1\r\nInjected: 1"), QString());
-        m_session->transport->doRequestXHR(QStringLiteral("/a b"), QString());
-        QCOMPARE(log.debug("[SockJSXHRPolling]").size(), 2);
-        m_session->transport->close();
-        QTRY_COMPARE(m_session->ends, 1);
-        QVERIFY(!m_server->received(0).contains("Injected"));
-        QCOMPARE(m_server->count(), 2);
     }
 
     void requestAfterCloseIsRefused()

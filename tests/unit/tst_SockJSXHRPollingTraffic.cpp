@@ -99,19 +99,6 @@ private Q_SLOTS:
         QTRY_COMPARE(m_session->transport->getCookieString(), QStringLiteral("a=1; "));
     }
 
-    void cookieThatBreaksTheRequestIsRefused()
-    {
-        m_server->answer("/xhr", plain("o\n", "Set-Cookie: a=1\rX-Injected: 1\r\n"));
-        m_server->answer("/xhr_send", plain("", "Set-Cookie: b=1\rX-Injected: 1\r\n"));
-        QVERIFY(start());
-        send();
-        send();
-        QTRY_COMPARE(m_server->count("/xhr_send"), 2);
-        QTRY_COMPARE(m_server->count("/xhr"), 2);
-        QVERIFY(!m_session->transport->getCookieString().contains(QLatin1Char('\r')));
-        QVERIFY(!m_server->received(0).contains("\rX-Injected"));
-    }
-
     void everyPollAnswerIssuesOnePoll()
     {
         for (const char* frame : {"o\n", "h\n", "a[\"x\"]\n", "a[]\n"})
