@@ -1,8 +1,6 @@
 #include "collab/CollaborationMessageHandler.h"
-#include "support/ProcessResources.h"
 #include "support/Rows.h"
 #include "support/SessionTest.h"
-#include "support/WaitFor.h"
 #include "transport/SockJSConnector.h"
 
 #include <QRandomGenerator>
@@ -10,7 +8,6 @@
 #include <QTest>
 #include <QTimer>
 
-#include <functional>
 #include <memory>
 
 /// The end of a session, from either side.
@@ -226,30 +223,6 @@ private Q_SLOTS:
         QVERIFY(!collab());
         QTRY_COMPARE(server().openConnections(), 0);
         QCOMPARE(server().requests().size(), 1);
-    }
-
-    void nothingIsLeftBehind()
-    {
-        const auto session = [this](const std::function<void()>& end) {
-            m_session = std::make_unique<LiveSession>();
-            const bool opened = m_session->open() && m_session->syncInbound();
-            end();
-            const bool ended = waitFor([this] { return server().openConnections() == 0; });
-            m_session.reset();
-            return opened && ended;
-        };
-        QVERIFY(session([this] { collab()->close(); }));
-        const int descriptors = ProcessResources::descriptors();
-        const int threads = ProcessResources::threads();
-
-        for (int i = 0; i < 5; ++i) {
-            QVERIFY(session([this] { collab()->close(); }));
-            QVERIFY(session([this] { server().closeSession(); }));
-            QVERIFY(session([this] { m_session->deleteCollab(); }));
-        }
-
-        QTRY_COMPARE(ProcessResources::descriptors(), descriptors);
-        QTRY_COMPARE(ProcessResources::threads(), threads);
     }
 
 private:
