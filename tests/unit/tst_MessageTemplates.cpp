@@ -13,20 +13,12 @@ class tst_MessageTemplates : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void texts_data()
-    {
-        rows<QString, QString>({
-            {"CALYX_LATEX_START", CALYX_LATEX_START, R"(<span class="mathquill-embedded-latex">)"},
-            {"CALYX_LATEX_END", CALYX_LATEX_END, "</span>"},
-            {"PING_MESSAGE", PING_MESSAGE, R"({"type":"ping"})"},
-            {"PLAIN_DATA", PLAIN_DATA, "\"%0\""},
-        });
-    }
-
     void texts()
     {
-        const auto [text, expected] = row<QString, QString>();
-        QCOMPARE(text, expected);
+        QCOMPARE(QString(CALYX_LATEX_START), QStringLiteral("<span class=\"mathquill-embedded-latex\">"));
+        QCOMPARE(QString(CALYX_LATEX_END), QStringLiteral("</span>"));
+        QCOMPARE(QString(PING_MESSAGE), QStringLiteral("{\"type\":\"ping\"}"));
+        QCOMPARE(QString(PLAIN_DATA), QStringLiteral("\"%0\""));
     }
 
     void filledTexts_data()
@@ -57,19 +49,6 @@ private Q_SLOTS:
     {
         const auto [filled, expected] = row<QString, QString>();
         QCOMPARE(filled, expected);
-    }
-
-    void valuesThatLookLikePlaceholdersStay()
-    {
-        QCOMPARE(PUBLISH_MESSAGE64.arg("%1", "%3", "%0", "%2"),
-                 QStringLiteral(
-                     R"({"type":"publish","address":"%1","body":{"from":"%3","type":"%0","data":["%2"]}})"));
-    }
-
-    void valuesAreNotEscaped()
-    {
-        QCOMPARE(LESSON_DATA.arg("a\"b", "c\\d"),
-                 QStringLiteral("{\"lessonId\":\"a\"b\", \"name\":\"c\\d\"}"));
     }
 
     void filledTextsAreJson_data() { filledTexts_data(); }

@@ -73,60 +73,37 @@ private Q_SLOTS:
         QCOMPARE(sent(jar, "http://127.0.0.1/"), expected);
     }
 
-    void endOfAnAddressIsNoDomain_data()
-    {
-        columns<QByteArray>();
-        for (const char* domain : {".0.0.1", "0.0.1", ".1", "1", "127.0.0.2", ".127.0.0.1", "local"})
-            QTest::newRow(domain) << QByteArray(domain);
-    }
-
     void endOfAnAddressIsNoDomain()
     {
-        const auto [domain] = row<QByteArray>();
-        SafeCookieJar jar("[Tag]", nullptr);
-        set(&jar, "a=1; Domain=" + domain, "http://127.0.0.1/");
-        for (const char* other : {"http://10.0.0.1/", "http://127.0.0.2/", "http://x.127.0.0.1/"})
-            QCOMPARE(sent(jar, other), QByteArray());
-    }
-
-    void hostOfOneNameKeepsItsOwn_data()
-    {
-        columns<QByteArray>();
-        for (const char* domain : {"localhost", ".localhost", "LOCALHOST"})
-            QTest::newRow(domain) << QByteArray(domain);
+        for (const char* domain : {".0.0.1", "0.0.1", ".1", "1", "127.0.0.2", ".127.0.0.1", "local"}) {
+            SafeCookieJar jar("[Tag]", nullptr);
+            set(&jar, QByteArray("a=1; Domain=") + domain, "http://127.0.0.1/");
+            for (const char* other : {"http://10.0.0.1/", "http://127.0.0.2/", "http://x.127.0.0.1/"})
+                QVERIFY2(sent(jar, other).isEmpty(), domain);
+        }
     }
 
     void hostOfOneNameKeepsItsOwn()
     {
-        const auto [domain] = row<QByteArray>();
-        SafeCookieJar jar("[Tag]", nullptr);
-        set(&jar, "a=1; Domain=" + domain, "http://localhost/");
-        QCOMPARE(sent(jar, "http://localhost/"), QByteArray("a=1;"));
-        for (const char* other : {"http://host/", "http://otherlocalhost/"})
-            QCOMPARE(sent(jar, other), QByteArray());
-    }
-
-    void anotherHostGetsNone_data()
-    {
-        rows<QByteArray>({
-            {"no domain", "a=1"},
-            {"its own", "a=1; Domain=school.example"},
-            {"another's", "a=1; Domain=other.example"},
-            {"everybody's", "a=1; Domain=example"},
-            {"everybody's, with a point", "a=1; Domain=.example"},
-            {"a point alone", "a=1; Domain=."},
-            {"empty", "a=1; Domain="},
-        });
+        for (const char* domain : {"localhost", ".localhost", "LOCALHOST"}) {
+            SafeCookieJar jar("[Tag]", nullptr);
+            set(&jar, QByteArray("a=1; Domain=") + domain, "http://localhost/");
+            QCOMPARE(sent(jar, "http://localhost/"), QByteArray("a=1;"));
+            for (const char* other : {"http://host/", "http://otherlocalhost/"})
+                QVERIFY2(sent(jar, other).isEmpty(), domain);
+        }
     }
 
     void anotherHostGetsNone()
     {
-        const auto [header] = row<QByteArray>();
-        SafeCookieJar jar("[Tag]", nullptr);
-        set(&jar, header, "http://school.example/");
-        for (const char* other : {"http://other.example/", "http://example/", "http://notschool.example/",
-                                  "http://school.example.org/"})
-            QCOMPARE(sent(jar, other), QByteArray());
+        for (const char* attribute : {"", "; Domain=school.example", "; Domain=other.example",
+                                      "; Domain=example", "; Domain=.example", "; Domain=.", "; Domain="}) {
+            SafeCookieJar jar("[Tag]", nullptr);
+            set(&jar, QByteArray("a=1") + attribute, "http://school.example/");
+            for (const char* other : {"http://other.example/", "http://example/", "http://notschool.example/",
+                                      "http://school.example.org/"})
+                QVERIFY2(sent(jar, other).isEmpty(), attribute);
+        }
     }
 };
 

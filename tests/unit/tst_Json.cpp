@@ -1,0 +1,253 @@
+// JSON in and out: the reader, the writer, and the escapes that both use.
+
+#include "base/JsonEscape.h"
+#include "base/JsonReader.h"
+#include "base/JsonWriter.h"
+#include "support/Rows.h"
+
+#include <QDateTime>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QTest>
+#include <QUrl>
+#include <QUuid>
+
+#include <limits>
+#include <malloc.h>
+
+namespace {
+
+// To Qt's hash "Aa" and "BB" are the same, on a processor that does not help.
+QString namesOfOneHash()
+{
+    constexpr int bits = 17;
+    QString text = "{\"\":[]";
+    for (int number = 0; number < 1 << bits; ++number) {
+        text += ",\"";
+        for (int bit = 0; bit < bits; ++bit)
+            text += (number >> bit) & 1 ? QStringLiteral("Aa") : QStringLiteral("BB");
+        text += "\":0";
+    }
+    return text + QLatin1Char('}');
+}
+
+} // namespace
+
+class tst_Json : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyCharacterAsQtWritesIt()
+    {
+        for (int character = 0; character <= 0xffff; ++character) {
+            const ushort letter = jsonEscape(ushort(character));
+            const QJsonArray list{QString(QChar(character))};
+            const QByteArray json = QJsonDocument(list).toJson(QJsonDocument::Compact); // ["\n"]
+            const bool isShort = json.size() == 6 && json.at(2) == '\\';
+            QCOMPARE(letter, isShort ? ushort(json.at(3)) : ushort(0));
+        }
+    }
+
+    void everyEscapeIsReadByQt()
+    {
+        int count = 0;
+        for (int character = 0; character <= 0xffff; ++character) {
+            const ushort letter = jsonEscape(ushort(character));
+            if (letter == 0)
+                continue;
+            ++count;
+            const QString json = QStringLiteral("[\"\\%1\"]").arg(QChar(letter));
+            QCOMPARE(QJsonDocument::fromJson(json.toUtf8()).array().first().toString(),
+                     QString(QChar(character)));
+        }
+        QCOMPARE(count, 7);
+    }
+
+    void writesWhatQtWrites_data()
+    {
+        const QVariantMap ordered{{QString(QChar(0xff61)), 1},
+                                  {QString::fromUcs4(U"\U0001f600"), 2},
+                                  {"\u00e4", 3},
+                                  {"z", 4},
+                                  {"", 5},
+                                  {"a\"b\\", 6}};
+        rows<QVariant>({
+            {"invalid", QVariant()},
+            {"null pointer", QVariant::fromValue(nullptr)},
+            {"true", QVariant(true)},
+            {"false", QVariant(false)},
+            {"least int", QVariant(std::numeric_limits<int>::min())},
+            {"beyond int", QVariant(Q_INT64_C(1395358139515))},
+            {"beyond double", QVariant(std::numeric_limits<qulonglong>::max())},
+            {"short", QVariant::fromValue(short(-5))},
+            {"unsigned short", QVariant::fromValue(ushort(6))},
+            {"char", QVariant::fromValue(char(65))},
+            {"unsigned", QVariant(7u)},
+            {"float", QVariant(1.5f)},
+            {"fraction", QVariant(0.1)},
+            {"large fraction", QVariant(1e300)},
+            {"infinity", QVariant(std::numeric_limits<double>::infinity())},
+            {"null text", QVariant(QString())},
+            {"empty text", QVariant("")},
+            {"bytes", QVariant(QByteArray("bytes"))},
+            {"bytes with a zero", QVariant(QByteArray("a\0c", 3))},
+            {"character", QVariant(QChar('c'))},
+            {"date", QVariant(QDate(2026, 11, 21))},
+            {"address", QVariant(QUrl("http://host/a b"))},
+            {"uuid", QVariant(QUuid(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11))},
+            {"empty map", QVariant(QVariantMap())},
+            {"empty list", QVariant(QVariantList())},
+            {"list", QVariant(QVariantList{1, "two", QVariantList{QVariantMap()}})},
+            {"texts", QVariant(QStringList{"a", "b"})},
+            {"hash", QVariant(QVariantHash{{"key", 1}})},
+            {"object", QVariant(QJsonObject{{"key", QJsonArray{1, 2.5}}})},
+            {"order and spelling of keys", QVariant(ordered)},
+            {"pair", QVariant(QString::fromUcs4(U"\U0001f600"))},
+            {"half a pair", QVariant(QString(QChar(0xd83d)))},
+            {"long", QVariant(QString(100000, QLatin1Char('"')))},
+        });
+        for (ushort unit = 0; unit < 0x101; ++unit)
+            QTest::addRow("character %d", unit) << QVariant(QStringLiteral("<") + QChar(unit) + QChar('>'));
+    }
+
+    void writesWhatQtWrites()
+    {
+        const auto [value] = row<QVariant>();
+        const QVariantMap inner{{"value", value}, {"list", QVariantList{value}}};
+        const QVariantMap map{{"first", value}, {"inner", inner}};
+        QCOMPARE(JsonWriter::write(map), QJsonDocument::fromVariant(map).toJson());
+    }
+
+    void convertsMapsAndListsOfOtherTypes_data()
+    {
+        const QString key = "key";
+        const QVariant map = QVariantMap{{key, 1}};
+        const QVariant maps = QVariant::fromValue(QList<QVariantMap>{{{key, 1}}, {}});
+        rows<QVariant, QVariant>({
+            {"map of numbers", QVariant::fromValue(QMap<QString, int>{{key, 1}}), map},
+            {"hash of texts", QVariant::fromValue(QHash<QString, QString>{{key, key}}),
+             QVariant(QVariantMap{{key, key}})},
+            {"keys that are numbers", QVariant::fromValue(QMap<int, bool>{{7, true}}),
+             QVariant(QVariantMap{{"7", true}})},
+            {"list of maps", maps, QVariant(QVariantList{map, QVariantMap()})},
+            {"list of numbers", QVariant::fromValue(QVector<int>{3, 1}), QVariant(QVariantList{3, 1})},
+            {"of another type within one of Qt's", QVariant(QVariantHash{{key, maps}}),
+             QVariant(QVariantMap{{key, QVariantList{map, QVariantMap()}}})},
+            {"list of objects is null", QVariant::fromValue(QList<QObject*>{nullptr}), QVariant()},
+        });
+    }
+
+    void convertsMapsAndListsOfOtherTypes()
+    {
+        const auto [value, plain] = row<QVariant, QVariant>();
+        QCOMPARE(JsonWriter::write({{"value", value}}), JsonWriter::write({{"value", plain}}));
+    }
+
+    void lastOfSeveralMembersCounts_data()
+    {
+        const QString others = "{" + QString(R"("c":1,"b":2,"a":3,)").repeated(10);
+        rows<QString, QByteArray>({
+            {"none is repeated", R"({"a":{"x":1},"b":{"x":2}})", R"({"a":{"x":1},"b":{"x":2}})"},
+            {"two numbers", R"({"a":1,"a":2})", R"({"a":2})"},
+            {"object by object", R"({"a":{"x":1},"a":{"y":2}})", R"({"a":{"y":2}})"},
+            {"list by list", R"({"a":[1,2],"a":[3]})", R"({"a":[3]})"},
+            {"object by number", R"({"a":{"x":1},"a":2})", R"({"a":2})"},
+            {"number by object", R"({"a":2,"a":{"x":1}})", R"({"a":{"x":1}})"},
+            {"three times", R"({"a":{"x":1},"a":[2],"a":{"z":3}})", R"({"a":{"z":3}})"},
+            {"others between", R"({"a":{"x":1},"b":[2],"a":{"y":3}})", R"({"a":{"y":3},"b":[2]})"},
+            {"one level down", R"({"o":{"a":[1],"a":[2]}})", R"({"o":{"a":[2]}})"},
+            {"in a list", R"([{"a":[1],"a":[2]},{"a":[3]}])", R"([{"a":[2]},{"a":[3]}])"},
+            {"on two levels", R"({"a":{"a":[1],"a":[2]},"a":{"a":[3]}})", R"({"a":{"a":[3]}})"},
+            {"same name on two levels", R"({"a":{"a":{"a":[1]}}})", R"({"a":{"a":{"a":[1]}}})"},
+            {"name of escapes", R"({"a":[1],"\u0061":[2]})", R"({"a":[2]})"},
+            {"name of short escapes", "{\"\\n\\\"\":[1],\"\\u000a\\u0022\":[2]}", "{\"\\n\\\"\":[2]}"},
+            {"name of a surrogate pair", u8R"({"\ud83d\ude00":[1],"😀":[2]})", u8R"({"😀":[2]})"},
+            {"braces in a text", "{\"a\":[\"}]\"],\"a\":[\"\\\"}\"]}", "{\"a\":[\"\\\"}\"]}"},
+            {"names that look alike", R"({"a":[1],"a ":[2],"A":[3]})", R"({"A":[3],"a":[1],"a ":[2]})"},
+            {"values that look like names", R"({"a":[1],"b":"a"})", R"({"a":[1],"b":"a"})"},
+            {"the empty name", R"({"":[1],"":[2]})", R"({"":[2]})"},
+            {"blanks", " {\n\"a\" :\t[ 1 ] , \"a\"\r: [ 2 ]\n} ", R"({"a":[2]})"},
+            {"many numbers", others + R"("a":4})", R"({"a":4,"b":2,"c":1})"},
+            {"many numbers by a list", others + R"("b":[0]})", R"({"a":3,"b":[0],"c":1})"},
+            {"a list among many numbers", others + R"("k":0,"c":[5],"k":[6],"c":7})",
+             R"({"a":3,"b":2,"c":7,"k":[6]})"},
+        });
+    }
+
+    void lastOfSeveralMembersCounts()
+    {
+        const auto [text, expected] = row<QString, QByteArray>();
+        QJsonParseError error;
+        QCOMPARE(JsonReader::read(text, &error).toJson(QJsonDocument::Compact), expected);
+        QCOMPARE(error.error, QJsonParseError::NoError);
+    }
+
+    void replacedMembersTakeNoMemory_data() { lastOfSeveralMembersCounts_data(); }
+
+    void replacedMembersTakeNoMemory()
+    {
+        const auto [text, expected] = row<QString, QByteArray>();
+        constexpr int times = 2000;
+        constexpr int leastLeak = 80; // an object or a list with one value
+        const auto readOften = [&] {
+            for (int i = 0; i < times; ++i)
+                JsonReader::read(text);
+            return mallinfo2().uordblks;
+        };
+        const size_t before = readOften(); // with what the allocator keeps at hand
+        const size_t after = readOften();
+        QVERIFY2(after < before + times * leastLeak / 2, qPrintable(QString::number(after - before)));
+    }
+
+    void whatIsNoJsonIsNull_data()
+    {
+        columns<QString>();
+        for (const char* text :
+             {"", "{", "}", "]", "[}", "{\"a\"", "{\"a\":{\"x\":1},\"a\":", "{\"a\":{\"x\":1},\"a\":2}}",
+              "\"", "\"\\", "{\"a\":[1],\"\\u00", "{,\"a\":1}", "{\"a\":{}\"a\":2}", "null", "5"})
+            QTest::newRow(text) << QString::fromLatin1(text);
+    }
+
+    void whatIsNoJsonIsNull()
+    {
+        const auto [text] = row<QString>();
+        QJsonParseError error;
+        QVERIFY(JsonReader::read(text, &error).isNull());
+        QVERIFY(error.error != QJsonParseError::NoError);
+    }
+
+    void objectsDownToTheDeepestLevelAreRead()
+    {
+        constexpr int deepest = 1024;
+        const auto nested = [](int depth) {
+            const QString inner = R"({"a":[1],"a":2})";
+            return QStringLiteral("[").repeated(depth - 2) + inner + QStringLiteral("]").repeated(depth - 2);
+        };
+        QVERIFY(JsonReader::read(nested(deepest)).isArray());
+        QVERIFY(JsonReader::read(nested(deepest + 2)).isNull());
+        QVERIFY(JsonReader::read(QString(1000000, QLatin1Char('['))).isNull());
+        QVERIFY(JsonReader::read(QStringLiteral(R"({"a":)").repeated(1000000)).isNull());
+    }
+
+    void manyMembersAreReadInOneGo()
+    {
+        constexpr int count = 100000;
+        QString text = "{";
+        for (int i = 0; i < count; ++i)
+            text += QStringLiteral("\"%1\":[%1],\"%1\":[],").arg(i);
+        text += "\"\":0}";
+        QCOMPARE(JsonReader::read(text).toVariant().toMap().size(), count + 1);
+    }
+
+    // Each of these takes minutes where its time grows with the square of its size.
+    void longNamesAreReadInOneGo()
+    {
+        const QString escapes = QStringLiteral("\\u0061").repeated(1000000);
+        QVERIFY(!JsonReader::read(QStringLiteral(R"({"%1":[],"b":[]})").arg(escapes)).object().isEmpty());
+        QVERIFY(!JsonReader::read(namesOfOneHash()).object().isEmpty());
+    }
+};
+
+QTEST_APPLESS_MAIN(tst_Json)
+#include "tst_Json.moc"
