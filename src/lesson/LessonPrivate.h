@@ -80,11 +80,11 @@ struct LessonPrivate : public LessonListener
     void onUploaded(int ticket, const QString& url) override;
     void onProgress(int ticket, double progress) override;
     void onJoin(const Learner& learner) override;
-    void onLeave(const QString& deviceId) override;
+    void onLeave(const QString& deviceId, const QString& by) override;
     void onAnswer(const QString& deviceId, const QString& id, int time, const QString& answer) override;
     void onQuestionWanted(const QString& deviceId, int number) override;
     void onRemote(const QString& type, const QVariant& data) override;
-    void onRemoteGone() override;
+    void onRemoteGone(const QString& by) override;
     void onMessage(const QString& type, const QString& from, const QVariant& data) override;
 
     struct Upload

@@ -133,8 +133,11 @@ void LessonPrivate::see(const QString& deviceId)
         Q_EMIT roster->joined(deviceId);
 }
 
-void LessonPrivate::onLeave(const QString& deviceId)
+// A learner speaks for himself only.
+void LessonPrivate::onLeave(const QString& deviceId, const QString& by)
 {
+    if (by != deviceId && roster->contains(by))
+        return;
     if (roster->leave(deviceId))
         Q_EMIT roster->left(deviceId);
 }

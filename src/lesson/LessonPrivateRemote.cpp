@@ -115,8 +115,10 @@ bool LessonPrivate::addRemoteCard(const QVariant& data)
     return true;
 }
 
-void LessonPrivate::onRemoteGone()
+void LessonPrivate::onRemoteGone(const QString& by)
 {
+    if (roster->contains(by))
+        return;
     if (std::exchange(isRemotePresent, false))
         Q_EMIT q->remotePresentChanged();
 }

@@ -113,7 +113,7 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
     const QStringList present = opening.isReturn && opening.hasLearners ? roster->present() : QStringList();
     for (const QString& deviceId : present) {
         if (!listed.contains(deviceId))
-            onLeave(deviceId);
+            onLeave(deviceId, {});
         if (!self)
             return;
     }
@@ -258,13 +258,13 @@ void LessonPrivate::finishSession()
     tell([this] { poll ? poll->stop() : void(); }, [this] { assessment ? assessment->stop() : void(); });
     for (const QString& deviceId : present) {
         if (self)
-            onLeave(deviceId);
+            onLeave(deviceId, {});
     }
     if (!self)
         return;
     const bool wasLocked = std::exchange(isLocked, false);
     if (tell([this, wasLocked] { wasLocked ? q->lockedChanged() : void(); }, [this] { roster->flush(); },
-             [this] { onRemoteGone(); }))
+             [this] { onRemoteGone({}); }))
         isFinishing = false;
 }
 

@@ -1,5 +1,6 @@
 #include "lesson/LessonWorker.h"
 
+#include "base/JsonReader.h"
 #include "collab/CollaborationMessageHandler.h"
 #include "collab/PresenterCollab.h"
 #include "lesson/LessonText.h"
@@ -8,6 +9,7 @@
 #include "transport/SockJSTransport.h"
 
 #include <QEventLoop>
+#include <QJsonObject>
 #include <QThread>
 
 #include <utility>
@@ -28,6 +30,12 @@ constexpr int hastyEchoLimit = 2000;
 
 // What a presenter publishes to its own address comes back to it.
 const QString pulseType = QStringLiteral("pulse");
+
+QString senderOf(const QString& message)
+{
+    const QJsonObject body = JsonReader::read(message).object().value(QLatin1String("body")).toObject();
+    return body.value(QLatin1String("from")).toString();
+}
 
 } // namespace
 
@@ -298,7 +306,7 @@ void LessonWorker::adopt(PresenterCollab* collab)
     });
     connect(collab, &PresenterCollab::learnerUnregister, this, [this](const QString& deviceId) {
         m_heard.remove(deviceId);
-        report([deviceId](LessonListener* listener) { listener->onLeave(deviceId); });
+        onGone([deviceId](LessonListener* listener, const QString& by) { listener->onLeave(deviceId, by); });
     });
     connect(collab, &PresenterCollab::learnerPollResponse, this,
             [this](const QString& deviceId, const QString& id, int time, const QString& answer) {
@@ -310,7 +318,12 @@ void LessonWorker::adopt(PresenterCollab* collab)
             });
     connect(collab, &PresenterCollab::controllerRegister, this, [this](bool isHere) {
         if (!isHere)
-            report([](LessonListener* listener) { listener->onRemoteGone(); });
+            onGone([](LessonListener* listener, const QString& by) { listener->onRemoteGone(by); });
+    });
+    // Called after those that the message has called.
+    connect(collab->connector(), &SockJSConnector::sockJSMessage, this, [this](const QString& message) {
+        if (!m_gone.empty())
+            reportGone(senderOf(message));
     });
     connect(collab, &PresenterCollab::remoteControl, this, [this](const RemoteControlMessage& message) {
         onRemoteControl(message.from, message.type, message.data);
@@ -519,6 +532,20 @@ void LessonWorker::withChannel(const std::function<void(PresenterCollab*)>& work
         work(m_collab);
     else
         m_waiting.push_back(work);
+}
+
+// Every device can say that another is gone. Where no message has said it, the host has.
+void LessonWorker::onGone(const Gone& gone)
+{
+    m_gone.push_back(gone);
+    QMetaObject::invokeMethod(
+        this, [this] { reportGone(QString()); }, Qt::QueuedConnection);
+}
+
+void LessonWorker::reportGone(const QString& by)
+{
+    for (const Gone& gone : std::exchange(m_gone, {}))
+        report([=](LessonListener* listener) { gone(listener, by); });
 }
 
 // Every device of the session can send what a remote control sends. The service knows which of them is one.

@@ -15,6 +15,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <vector>
 
 class PresenterClient;
 class PresenterCollab;
@@ -60,11 +61,12 @@ public:
     virtual void onUploaded(int ticket, const QString& url) = 0;
     virtual void onProgress(int ticket, double progress) = 0;
     virtual void onJoin(const Learner& learner) = 0;
-    virtual void onLeave(const QString& deviceId) = 0;
+    /// \p by has sent the message that says so; empty where that does not say it.
+    virtual void onLeave(const QString& deviceId, const QString& by) = 0;
     virtual void onAnswer(const QString& deviceId, const QString& id, int time, const QString& answer) = 0;
     virtual void onQuestionWanted(const QString& deviceId, int number) = 0;
     virtual void onRemote(const QString& type, const QVariant& data) = 0;
-    virtual void onRemoteGone() = 0;
+    virtual void onRemoteGone(const QString& by) = 0;
     virtual void onMessage(const QString& type, const QString& from, const QVariant& data) = 0;
 };
 
@@ -135,6 +137,9 @@ private:
     void dropChannel();
     void stopSession();
     QString doUpload(const QByteArray& picture);
+    using Gone = std::function<void(LessonListener*, const QString& by)>;
+    void onGone(const Gone& gone);
+    void reportGone(const QString& by);
     void onRemoteControl(const QString& from, const QString& type, const QVariant& data);
     bool isRemote(const QString& from);
 
@@ -150,8 +155,9 @@ private:
     std::deque<Operation> m_queue;
     std::deque<std::function<void(PresenterCollab*)>> m_waiting; // for the channel
     QSet<QString> m_heard;
-    QSet<QString> m_remotes; // devices that the service knows as such
-    QSet<QString> m_others;  // devices that have commanded, and are none
+    std::vector<Gone> m_gone; // as the message says that is being read
+    QSet<QString> m_remotes;  // devices that the service knows as such
+    QSet<QString> m_others;   // devices that have commanded, and are none
     QTimer m_abort;
     QTimer m_pulse;     // when the far end is asked for a sign of life
     QTimer m_echoLimit; // until it has to be there

@@ -43,6 +43,12 @@ struct Class
             {"userToken":"D1","userName":"Ann","mode":"learner"},{"userToken":"D2","userName":"Bea","mode":"learner"}]}})"));
     }
 
+    void expectRemote()
+    {
+        service.expect("/tavisto/session/getusers", Answer::json(R"({"success":true,"data":{"users":[
+            {"userToken":"R","userName":"Remote","mode":"controller"}]}})"));
+    }
+
     /// Has the lesson log in and open its channel at \p url.
     void begin(const QUrl& url)
     {
@@ -72,11 +78,23 @@ struct Class
     {
         QString block;
         Lzma::compress64(QString::fromUtf8(QJsonDocument(data).toJson()), &block);
-        const QJsonObject body{{"from", from}, {"type", type}, {"data", QJsonArray{block}}};
+        hear(QJsonObject{{"from", from}, {"type", type}, {"data", QJsonArray{block}}});
+    }
+    void hear(const QJsonObject& body)
+    {
         const QJsonObject frame{{"type", "rec"}, {"address", "T.presenter"}, {"body", body}};
         bus.injectMessages({QString::fromUtf8(QJsonDocument(frame).toJson(QJsonDocument::Compact))});
     }
     void join(const QString& device) { hear(device, "join", {{"userName", "Cem"}}); }
+    /// What says that \p device is gone; \p from is left out where it is null.
+    void leave(const QString& device, const QString& type, const QString& from)
+    {
+        QJsonObject body{{"action", "unregister"},
+                         {"client", QJsonObject{{"type", type}, {"token", device}}}};
+        if (!from.isNull())
+            body.insert("from", from);
+        hear(body);
+    }
     void answer(const QString& device, const QString& id, const QString& answer)
     {
         hear(device, "questionResponse", {{"questionId", id}, {"answer", answer}, {"responseTime", 1000}});

@@ -359,8 +359,7 @@ private Q_SLOTS:
                     heard = one;
                     wasObeyed = obeyed;
                 });
-        class_.service.expect("/tavisto/session/getusers", Answer::json(R"({"success":true,"data":{"users":[
-                                  {"userToken":"R","userName":"Remote","mode":"controller"}]}})"));
+        class_.expectRemote();
         class_.hear("R", type, {{"name", "card"}, {"url", "https://school.example/card.png"}});
         QVERIFY(waitFor([&] { return heard >= 0; }));
         QCOMPARE(heard, command);
@@ -384,6 +383,26 @@ private Q_SLOTS:
         });
         QVERIFY(waitFor([&] { return isLookedInto; }));
         QVERIFY(!class_.lesson->isRemotePresent() && !class_.lesson->isLocked());
+        QVERIFY(class_.end());
+    }
+
+    // The bus, or the device itself, says who is gone, and no learner says it of another.
+    void nobodyIsReportedByALearner()
+    {
+        Class class_;
+        QVERIFY(class_.start());
+        const Roster* roster = class_.lesson->roster();
+        class_.expectRemote();
+        class_.hear("R", "lockAll", {});
+        QVERIFY(waitFor([&] { return class_.lesson->isRemotePresent(); }));
+        class_.leave("D1", "user", "D2");
+        class_.leave("R", "controller", "D2");
+        class_.leave("D2", "user", "D2");
+        QVERIFY(waitFor([&] { return !roster->isPresent("D2"); }));
+        QVERIFY(roster->isPresent("D1") && class_.lesson->isRemotePresent());
+        class_.leave("R", "controller", {});
+        class_.leave("D1", "user", {});
+        QVERIFY(waitFor([&] { return !roster->isPresent("D1") && !class_.lesson->isRemotePresent(); }));
         QVERIFY(class_.end());
     }
 
