@@ -22,6 +22,7 @@ class TestForwardProxies : public QObject
 private Q_SLOTS:
     void init()
     {
+        m_server = std::make_unique<Peer>();
         m_door = std::make_unique<Peer>();
         m_proxy = std::make_unique<Peer>();
     }
@@ -30,22 +31,21 @@ private Q_SLOTS:
     {
         m_proxy.reset();
         m_door.reset();
+        m_server.reset();
         qunsetenv("http_proxy");
         QNetworkProxyFactory::setUseSystemConfiguration(false);
     }
 
     void directConnectionsAreRefused()
     {
-        Peer bus(Peers::nodeBus());
-        VERIFY_STARTED(bus.start());
-        startDoor(bus);
+        startDoor(Peers::nodeBus());
         Host host(m_door->url());
         QVERIFY(host.tryOpen({Transport::webSocket}));
         QVERIFY(!host.collab()->isConnected());
         PresenterClient client(nullptr, doorForRequests().toString());
         QVERIFY(!client.checkServer(QString(), QString()));
-        QCOMPARE(bus.count(QStringLiteral("request ")), 0);
-        QCOMPARE(bus.count(QStringLiteral("upgrade ")), 0);
+        QCOMPARE(m_server->count(QStringLiteral("request ")), 0);
+        QCOMPARE(m_server->count(QStringLiteral("upgrade ")), 0);
     }
 
     void carriesTenThousandTexts_data() { Transport::addRows(); }
@@ -53,10 +53,7 @@ private Q_SLOTS:
     void carriesTenThousandTexts()
     {
         QFETCH(QString, transport);
-        Peer bus(Peers::nodeBus());
-        VERIFY_STARTED(bus.start());
-        startDoor(bus);
-        startProxy();
+        startDoor(Peers::nodeBus());
         useProxy();
         Host host(m_door->url());
         for (int round = 1; round <= 2; ++round) {
@@ -65,7 +62,7 @@ private Q_SLOTS:
             QCOMPARE(host.closed(), round - 1);
             QVERIFY(host.close());
         }
-        QCOMPARE(bus.count(QStringLiteral("open ")), 2);
+        QCOMPARE(m_server->count(QStringLiteral("open ")), 2);
     }
 
     void carriesALesson_data() { Transport::addRows(); }
@@ -73,10 +70,7 @@ private Q_SLOTS:
     void carriesALesson()
     {
         QFETCH(QString, transport);
-        Peer classroom(Peers::classroom());
-        VERIFY_STARTED(classroom.start());
-        startDoor(classroom);
-        startProxy();
+        startDoor(Peers::classroom());
         useProxy();
         QNetworkProxyFactory::setUseSystemConfiguration(true);
 
@@ -96,10 +90,7 @@ private Q_SLOTS:
 
     void keepsAnsweringTheRealProxy()
     {
-        Peer bus(Peers::nodeBus());
-        VERIFY_STARTED(bus.start());
-        startDoor(bus);
-        startProxy();
+        startDoor(Peers::nodeBus());
         useProxy();
         const QString address = QStringLiteral("127.0.0.1:%1").arg(m_proxy->port());
         Host host(m_door->url());
@@ -117,10 +108,7 @@ private Q_SLOTS:
     void proxyGoesAndComesBack()
     {
         QFETCH(QString, transport);
-        Peer bus(Peers::nodeBus({QStringLiteral("--count"), QStringLiteral("100")}));
-        VERIFY_STARTED(bus.start());
-        startDoor(bus);
-        startProxy();
+        startDoor(hundredTexts());
         useProxy();
         Host host(m_door->url());
         QVERIFY(host.open(transport));
@@ -142,21 +130,17 @@ private Q_SLOTS:
     {
         constexpr int longest = 5000; // ms
         QFETCH(QString, transport);
-        Peer bus(Peers::nodeBus());
-        VERIFY_STARTED(bus.start());
-        startDoor(bus);
-        startProxy(demandsPassword);
-        useProxy();
+        startDoor(Peers::nodeBus());
+        useProxy(demandsPassword);
         Host host(m_door->url());
         QElapsedTimer clock;
         clock.start();
         QVERIFY(host.tryOpen({transport}));
         QVERIFY(clock.elapsed() < longest);
         QVERIFY(!host.collab()->isConnected());
-        QCOMPARE(bus.count(QStringLiteral("request ")), 0);
+        QCOMPARE(m_server->count(QStringLiteral("request ")), 0);
         // Nothing of it comes up later: the proxy lets us pass from now on.
         m_proxy->end();
-        startProxy();
         useProxy();
         QVERIFY(host.open(transport));
         QCOMPARE(host.connected(), 1);
@@ -166,11 +150,8 @@ private Q_SLOTS:
 
     void passwordIsDemandedOfRequests()
     {
-        Peer classroom(Peers::classroom());
-        VERIFY_STARTED(classroom.start());
-        startDoor(classroom);
-        startProxy(demandsPassword);
-        useProxy();
+        startDoor(Peers::classroom());
+        useProxy(demandsPassword);
         QNetworkProxyFactory::setUseSystemConfiguration(true);
         LogRecorder log;
         QLoggingCategory::setFilterRules(QStringLiteral("default.debug=true"));
@@ -189,11 +170,8 @@ private Q_SLOTS:
     void passwordIsKnown()
     {
         QFETCH(QString, transport);
-        Peer bus(Peers::nodeBus({QStringLiteral("--count"), QStringLiteral("100")}));
-        VERIFY_STARTED(bus.start());
-        startDoor(bus);
-        startProxy(demandsPassword);
-        useProxy("pupil:secret@");
+        startDoor(hundredTexts());
+        useProxy(demandsPassword, "pupil:secret@");
         Host host(m_door->url());
         QVERIFY(host.open(transport));
         QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
@@ -201,24 +179,28 @@ private Q_SLOTS:
     }
 
 private:
-    void startDoor(const Peer& server)
+    static Peer::Program hundredTexts()
     {
+        return Peers::nodeBus({QStringLiteral("--count"), QStringLiteral("100")});
+    }
+
+    // Starts the server, and the door in front of it.
+    void startDoor(const Peer::Program& server)
+    {
+        m_server->setProgram(server);
+        VERIFY_STARTED(m_server->start());
         m_door->setProgram(Peers::haproxy(
-            {server.port()},
+            {m_server->port()},
             {{QStringLiteral("FRONTEND"), QStringLiteral("bind %1:@PORT@\n"
                                                          "tcp-request connection reject unless { src %1 }")
                                               .arg(Peers::forwarded)}}));
         VERIFY_STARTED(m_door->start());
     }
 
-    void startProxy(const QString& options = QString())
+    void useProxy(const QString& options = QString(), const QByteArray& credentials = QByteArray())
     {
         m_proxy->setProgram(Peers::tinyproxy(options));
         VERIFY_STARTED(m_proxy->start());
-    }
-
-    void useProxy(const QByteArray& credentials = QByteArray())
-    {
         qputenv("http_proxy",
                 "http://" + credentials + "127.0.0.1:" + QByteArray::number(m_proxy->port()) + "/");
     }
@@ -227,6 +209,7 @@ private:
     /// the same.
     QUrl doorForRequests() const { return QUrl(QStringLiteral("http://0.0.0.0:%1").arg(m_door->port())); }
 
+    std::unique_ptr<Peer> m_server;
     std::unique_ptr<Peer> m_door;
     std::unique_ptr<Peer> m_proxy;
 };

@@ -59,6 +59,7 @@ struct World
 };
 
 using Action = std::function<void(World&)>;
+using Act = std::function<void()>;
 
 const QMap<QString, Action> actions = {
     {QStringLiteral("close"),
@@ -80,10 +81,10 @@ const QMap<QString, Action> actions = {
 };
 
 /// Brings the world to where the action is to happen, and has it happen. False when that was not reached.
-using Occasion = std::function<bool(World&, const std::function<void()>& act)>;
+using Occasion = std::function<bool(World&, const Act& act)>;
 
 // From a timer while \p operation waits for its reply.
-bool actDuring(World& world, const std::function<void()>& act, const std::function<void()>& operation)
+bool actDuring(World& world, const Act& act, const Act& operation)
 {
     bool isRunning = true;
     bool acted = false;
@@ -97,7 +98,7 @@ bool actDuring(World& world, const std::function<void()>& act, const std::functi
 }
 
 // As soon as the client has a channel, which it opens in the same call.
-bool actDuringTheOpening(World& world, const std::function<void()>& act)
+bool actDuringTheOpening(World& world, const Act& act)
 {
     bool acted = false;
     QTimer watch;
@@ -116,8 +117,7 @@ bool actDuringTheOpening(World& world, const std::function<void()>& act)
 
 // In a slot of \p signal, which \p cause brings about.
 template<typename Sender, typename Signal>
-bool actIn(Sender* sender, Signal signal, const std::function<void()>& act,
-           const std::function<void()>& cause)
+bool actIn(Sender* sender, Signal signal, const Act& act, const Act& cause)
 {
     QObject context;
     bool acted = false;
@@ -140,43 +140,41 @@ QString typed(const QString& type, const QString& data)
 template<typename Signal>
 Occasion inSlotOf(Signal signal, const QString& body)
 {
-    return [signal, body](World& world, const std::function<void()>& act) {
+    return [signal, body](World& world, const Act& act) {
         return world.teach() && actIn(world.collab->messageHandler(), signal, act, [&] { world.send(body); });
     };
 }
 
 const QMap<QString, Occasion> withoutChannel = {
     {QStringLiteral("before the login"),
-     [](World&, const std::function<void()>& act) {
+     [](World&, const Act& act) {
          act();
          return true;
      }},
     {QStringLiteral("logged in"),
-     [](World& world, const std::function<void()>& act) {
+     [](World& world, const Act& act) {
          const bool ready = world.logIn();
          act();
          return ready;
      }},
     {QStringLiteral("session created"),
-     [](World& world, const std::function<void()>& act) {
+     [](World& world, const Act& act) {
          const bool ready = world.logIn() && world.create();
          act();
          return ready;
      }},
     {QStringLiteral("waiting for the login"),
-     [](World& world, const std::function<void()>& act) {
-         return actDuring(world, act, [&] { world.logIn(); });
-     }},
+     [](World& world, const Act& act) { return actDuring(world, act, [&] { world.logIn(); }); }},
     {QStringLiteral("waiting for the session"),
-     [](World& world, const std::function<void()>& act) {
+     [](World& world, const Act& act) {
          return world.logIn() && actDuring(world, act, [&] { world.create(); });
      }},
     {QStringLiteral("waiting for the start"),
-     [](World& world, const std::function<void()>& act) {
+     [](World& world, const Act& act) {
          return world.logIn() && world.create() && actDuring(world, act, [&] { world.start(); });
      }},
     {QStringLiteral("in requestProcessed"),
-     [](World& world, const std::function<void()>& act) {
+     [](World& world, const Act& act) {
          return actIn(world.client.data(), &PresenterClient::requestProcessed, act, [&] { world.logIn(); });
      }},
 };
@@ -185,13 +183,13 @@ using Handler = CollaborationMessageHandler;
 
 const QMap<QString, Occasion> withChannel = {
     {QStringLiteral("connected"),
-     [](World& world, const std::function<void()>& act) {
+     [](World& world, const Act& act) {
          const bool ready = world.teach();
          act();
          return ready;
      }},
     {QStringLiteral("closed"),
-     [](World& world, const std::function<void()>& act) {
+     [](World& world, const Act& act) {
          const bool ready = world.teach() && actIn(
                                                  world.collab.data(), &PresenterCollab::connectionClosed,
                                                  [] {}, [&] { world.collab->close(); });
@@ -199,22 +197,22 @@ const QMap<QString, Occasion> withChannel = {
          return ready;
      }},
     {QStringLiteral("in connectionClosed"),
-     [](World& world, const std::function<void()>& act) {
+     [](World& world, const Act& act) {
          return world.teach() && actIn(world.collab.data(), &PresenterCollab::connectionClosed, act,
                                        [&] { world.collab->close(); });
      }},
     {QStringLiteral("in connected"),
-     [](World& world, const std::function<void()>& act) {
+     [](World& world, const Act& act) {
          return world.teach() && actIn(world.collab->connector(), &SockJSConnector::connected, act,
                                        [&] { world.collab->open({world.transport}); });
      }},
     {QStringLiteral("in closed"),
-     [](World& world, const std::function<void()>& act) {
+     [](World& world, const Act& act) {
          return world.teach() && actIn(world.collab->connector(), &SockJSConnector::closed, act,
                                        [&] { world.collab->close(); });
      }},
     {QStringLiteral("in sockJSMessage"),
-     [](World& world, const std::function<void()>& act) {
+     [](World& world, const Act& act) {
          return world.teach() && actIn(world.collab->connector(), &SockJSConnector::sockJSMessage, act,
                                        [&] { world.send(QStringLiteral("{}")); });
      }},
@@ -238,7 +236,7 @@ const QMap<QString, Occasion> withChannel = {
 
 const QMap<QString, Occasion> whileOpening = {
     {QStringLiteral("while the channel opens"),
-     [](World& world, const std::function<void()>& act) {
+     [](World& world, const Act& act) {
          return world.logIn() && world.create() && actDuringTheOpening(world, act);
      }},
 };

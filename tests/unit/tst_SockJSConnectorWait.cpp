@@ -156,11 +156,8 @@ private Q_SLOTS:
         m_connector->setOpenLimit(200);
         QVERIFY(m_probe->openSession(m_server->url(), webSocketThenPolling));
 
-        // A wait that starts later and is given up has outlasted the limit of the first.
         m_server->setUpgrade(Server::Silent);
-        SockJSConnector other;
-        other.setOpenLimit(300);
-        other.open(m_server->url(), webSocket);
+        outlast(300);
 
         QVERIFY(syncInbound());
         QVERIFY(m_connector->isConnected());
@@ -175,9 +172,7 @@ private Q_SLOTS:
         QVERIFY(m_probe->open(m_server->url(), webSocketThenPolling));
         m_connector->close();
 
-        SockJSConnector other;
-        other.setOpenLimit(300);
-        other.open(m_server->url(), webSocket);
+        outlast(300);
 
         QCOMPARE(m_server->requests().size(), 2);
         QTRY_COMPARE(m_probe->events(), QStringList({"closed false"}));
@@ -189,9 +184,7 @@ private Q_SLOTS:
         QVERIFY(m_probe->open(m_server->url(), webSocketThenPolling));
         m_connector->setOpenLimit(100);
 
-        SockJSConnector other;
-        other.setOpenLimit(300);
-        other.open(m_server->url(), webSocket);
+        outlast(300);
         QCOMPARE(m_server->requests().size(), 2);
         QCOMPARE(m_server->endedSessions(), 0);
 
@@ -202,35 +195,27 @@ private Q_SLOTS:
 
     void aFarEndThatIsGoneIsNoticed_data()
     {
-        QTest::addColumn<Protocol>("transport");
-        QTest::addColumn<int>("silenceLimit");
-        QTest::addColumn<int>("pingInterval");
-        QTest::addColumn<bool>("heartbeats");
-        QTest::addColumn<bool>("pong");
-        QTest::addColumn<bool>("gone");
         constexpr auto ws = SockJSConnector::WEBSOCKET;
         constexpr auto streaming = SockJSConnector::XHR_STREAMING;
         constexpr auto polling = SockJSConnector::XHR_POLLING;
-        QTest::newRow("silence, websocket") << ws << 100 << 0 << false << false << true;
-        QTest::newRow("silence, streaming") << streaming << 100 << 0 << false << false << true;
-        QTest::newRow("silence, polling") << polling << 100 << 0 << false << false << true;
-        QTest::newRow("heartbeats, websocket") << ws << 200 << 0 << true << false << false;
-        QTest::newRow("heartbeats, streaming") << streaming << 200 << 0 << true << false << false;
-        QTest::newRow("heartbeats, polling") << polling << 200 << 0 << true << false << false;
-        QTest::newRow("answers pings no more") << ws << 0 << 20 << false << true << true;
-        QTest::newRow("has never answered pings") << ws << 0 << 20 << false << false << false;
-        QTest::newRow("answers no pings, but sends") << ws << 0 << 20 << true << true << false;
-        QTest::newRow("no limits") << ws << 0 << 0 << false << true << false;
+        rows<Protocol, int, int, bool, bool, bool>({
+            {"silence, websocket", ws, 100, 0, false, false, true},
+            {"silence, streaming", streaming, 100, 0, false, false, true},
+            {"silence, polling", polling, 100, 0, false, false, true},
+            {"heartbeats, websocket", ws, 200, 0, true, false, false},
+            {"heartbeats, streaming", streaming, 200, 0, true, false, false},
+            {"heartbeats, polling", polling, 200, 0, true, false, false},
+            {"answers pings no more", ws, 0, 20, false, true, true},
+            {"has never answered pings", ws, 0, 20, false, false, false},
+            {"answers no pings, but sends", ws, 0, 20, true, true, false},
+            {"no limits", ws, 0, 0, false, true, false},
+        });
     }
 
     void aFarEndThatIsGoneIsNoticed()
     {
-        QFETCH(Protocol, transport);
-        QFETCH(int, silenceLimit);
-        QFETCH(int, pingInterval);
-        QFETCH(bool, heartbeats);
-        QFETCH(bool, pong);
-        QFETCH(bool, gone);
+        const auto [transport, silenceLimit, pingInterval, heartbeats, pong, gone] =
+            row<Protocol, int, int, bool, bool, bool>();
         m_server->setUpgrades({Server::OpenInSamePacket, Server::Silent});
         m_connector->setSilenceLimit(silenceLimit);
         m_connector->setPingInterval(pingInterval);
@@ -243,11 +228,8 @@ private Q_SLOTS:
         if (pong)
             m_server->injectPong();
 
-        // A wait that is given up has outlasted the limits.
-        SockJSConnector other;
-        other.setOpenLimit(600);
         m_server->setUpgrade(Server::Silent);
-        other.open(m_server->url(), webSocket);
+        outlast(600);
 
         QCOMPARE(m_probe->count(QStringLiteral("closed false")), gone ? 1 : 0);
         QCOMPARE(m_connector->isConnected(), !gone);
@@ -259,14 +241,20 @@ private Q_SLOTS:
         m_connector->setPongLimit(200);
         QVERIFY(openSession());
         m_server->setUpgrade(Server::Silent);
-        SockJSConnector other;
-        other.setOpenLimit(600);
-        other.open(m_server->url(), webSocket);
+        outlast(600);
         QVERIFY(syncInbound());
         QVERIFY(!m_probe->hasClosed());
     }
 
 private:
+    // Another connector waits in vain, and gives up after this time: limits that have begun before are over.
+    void outlast(int msecs)
+    {
+        SockJSConnector other;
+        other.setOpenLimit(msecs);
+        other.open(m_server->url(), webSocket);
+    }
+
     // Runs once, when the server has the first upgrade and has not answered it.
     void duringTheWait(const std::function<void()>& action)
     {

@@ -1,6 +1,6 @@
 import { test } from 'node:test';
 
-const WATCHDOG_MS = 60000;
+const WATCHDOG_MS = 180000;
 
 /** A test that fails rather than hang. */
 export const check = (name, options, run) => (typeof options === 'function'
