@@ -7,10 +7,10 @@ function(calyxclient_forward target header)
     set(root "${PROJECT_BINARY_DIR}/include/CalyxClient")
     foreach(name IN LISTS ARGN)
         file(CONFIGURE OUTPUT "${root}/${name}" CONTENT "#include \"@header@.h\"\n" @ONLY)
-        install(FILES "${root}/${name}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/CalyxClient" COMPONENT Development)
+        install(FILES "${root}/${name}" DESTINATION "${CALYXCLIENT_INCLUDE_DIR}/CalyxClient" COMPONENT Development)
     endforeach()
     # With its whole path: by its name it may find itself.
     file(CONFIGURE OUTPUT "${root}/${header}.h" CONTENT "#include \"@PROJECT_SOURCE_DIR@/src/@header@.h\"\n" @ONLY)
     install(FILES "${PROJECT_SOURCE_DIR}/src/${header}.h"
-        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/CalyxClient/${folder}" COMPONENT Development)
+        DESTINATION "${CALYXCLIENT_INCLUDE_DIR}/CalyxClient/${folder}" COMPONENT Development)
 endfunction()

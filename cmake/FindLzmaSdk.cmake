@@ -21,5 +21,5 @@ if(LzmaSdk_FOUND AND NOT TARGET LzmaSdk)
         POSITION_INDEPENDENT_CODE ON
         C_VISIBILITY_PRESET hidden
         C_STANDARD 11
-        OUTPUT_NAME calyxclient-lzma)
+        OUTPUT_NAME ${CALYXCLIENT_LIBRARY}-lzma)
 endif()

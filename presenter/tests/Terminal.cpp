@@ -61,7 +61,7 @@ Terminal::~Terminal()
     ::close(m_slave);
 }
 
-void Terminal::setupChildProcess()
+void Terminal::prepareChild()
 {
     setsid();
     ioctl(m_slave, TIOCSCTTY, 0);

@@ -1,13 +1,14 @@
 #pragma once
 
+#include "support/ChildProcess.h"
+
 #include <QByteArray>
 #include <QObject>
-#include <QProcess>
 #include <QString>
 #include <QStringList>
 
 /// A terminal with calyx-presenter in it. xterm.js tells what it shows, in a process of its own.
-class Terminal : public QProcess
+class Terminal : public ChildProcess
 {
     Q_OBJECT
 
@@ -30,7 +31,7 @@ public:
     bool isCooked() const;
 
 protected:
-    void setupChildProcess() override;
+    void prepareChild() override;
 
 private:
     void read();

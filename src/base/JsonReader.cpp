@@ -16,7 +16,7 @@ constexpr size_t keptInOrder = 16; // so many members of an object does Qt sort 
 class RepeatedMembers
 {
 public:
-    explicit RepeatedMembers(QByteArray* json) : m_json(json->data()), m_size(json->size()) {}
+    explicit RepeatedMembers(QByteArray* json) : m_json(json->data()), m_size(int(json->size())) {}
 
     // Up to the end, or to where Qt will stop as well: the rest is never read.
     void remove()

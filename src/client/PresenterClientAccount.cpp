@@ -21,7 +21,7 @@ QString firstText(const QVariant& list)
 // The user's registration data with our field as its last member: behind the last text in it.
 QString withSourceSystem(QString registration)
 {
-    const int lastQuote = registration.lastIndexOf(QLatin1Char('"'));
+    const auto lastQuote = registration.lastIndexOf(QLatin1Char('"'));
     return registration.insert(lastQuote + 1, QStringLiteral(R"(,"sourceSystem":"Lumora")"));
 }
 
@@ -169,7 +169,7 @@ void PresenterClient::loginSuccessResponse(QString body)
 {
     const QVariantMap envelope = ServiceEnvelope::parse(body);
     const QVariant messages = envelope.value(QStringLiteral("infoMsgs"));
-    if (messages.canConvert<QVariantList>()) {
+    if (messages.userType() == QMetaType::QVariantList) {
         if (firstText(messages).contains(QLatin1String("success")))
             d->loggedIn = true;
         return;
@@ -194,7 +194,7 @@ void PresenterClient::loginSuccessResponse(QString body)
 void PresenterClient::Private::readRegistration(const QString& body)
 {
     const QString key = QStringLiteral("\"data\":");
-    const int index = body.indexOf(key);
+    const auto index = body.indexOf(key);
     if (index != 0)
         registration = body.mid(index + key.size(), body.size() - index - key.size() - 1);
 }

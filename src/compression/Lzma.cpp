@@ -85,10 +85,10 @@ try {
 bool Lzma::decompress(QString list, QString* out)
 try {
     list.remove(QLatin1Char('[')).remove(QLatin1Char(']'));
-    const QVector<QStringRef> parts = list.splitRef(QLatin1Char(','));
+    const QList<QStringView> parts = QStringView(list).split(QLatin1Char(','));
     QByteArray block;
     block.reserve(parts.size());
-    for (const QStringRef& part : parts)
+    for (const QStringView part : parts)
         block.append(static_cast<char>(part.toLongLong()));
     return decompress(bytesOf(block), size_t(block.size()), out);
 } catch (const std::bad_alloc&) {

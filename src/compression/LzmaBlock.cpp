@@ -283,7 +283,7 @@ try {
     if (!decode(reinterpret_cast<const unsigned char*>(block.constData()), size_t(block.size()), &text))
         return false;
     const auto* bytes = reinterpret_cast<const char*>(text.bytes.get());
-    const uint size = qstrnlen(bytes, uint(text.size));
+    const uint size = uint(qstrnlen(bytes, uint(text.size)));
     *utf8 =
         isAscii(bytes, size) ? QByteArray(bytes, int(size)) : QString::fromUtf8(bytes, int(size)).toUtf8();
     return true;

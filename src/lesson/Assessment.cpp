@@ -101,7 +101,7 @@ Assessment::~Assessment() = default;
 // 0 for a question that is none of ours.
 int Assessment::numberOf(const QString& questionId) const
 {
-    return d->ids.indexOf(questionId) + 1;
+    return int(d->ids.indexOf(questionId)) + 1;
 }
 
 QString Assessment::questionId(int number) const
@@ -113,7 +113,7 @@ void Assessment::enter(const QString& deviceId)
 {
     if (takesPart(deviceId))
         return;
-    const int row = d->sheets.size();
+    const int row = int(d->sheets.size());
     beginInsertRows({}, row, row);
     d->rows.insert(deviceId, row);
     d->sheets.append({deviceId, d->roster ? d->roster->name(deviceId) : deviceId, {}, 0});
@@ -197,7 +197,7 @@ QString Assessment::title() const
 
 int Assessment::questionCount() const
 {
-    return d->plan.questions.size();
+    return int(d->plan.questions.size());
 }
 
 int Assessment::markedCount() const
@@ -255,7 +255,7 @@ PollAnswer Assessment::answer(const QString& deviceId, int number) const
 int Assessment::answered(const QString& deviceId) const
 {
     const Sheet* const sheet = d->find(deviceId);
-    return sheet ? sheet->answers.size() : 0;
+    return sheet ? int(sheet->answers.size()) : 0;
 }
 
 int Assessment::rightAnswers(const QString& deviceId) const
@@ -292,7 +292,7 @@ int Assessment::finished() const
 
 int Assessment::expected() const
 {
-    return d->finished + unfinished().size();
+    return d->finished + int(unfinished().size());
 }
 
 QStringList Assessment::unfinished() const
@@ -360,7 +360,7 @@ QJsonObject Assessment::toJson() const
 
 int Assessment::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : d->sheets.size();
+    return parent.isValid() ? 0 : int(d->sheets.size());
 }
 
 int Assessment::columnCount(const QModelIndex& parent) const

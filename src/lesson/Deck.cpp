@@ -57,7 +57,7 @@ bool Deck::add(const QString& name, const QString& url)
 
 bool Deck::append(const QString& name, const QByteArray& png, const QString& url)
 {
-    const int row = d->cards.size();
+    const int row = int(d->cards.size());
     beginInsertRows({}, row, row);
     d->cards.append({LessonText::clean(name, longestName), png, url});
     if (d->current == 0)
@@ -82,7 +82,7 @@ bool Deck::setCurrent(int number)
         return true;
     d->current = number;
     const QPointer<Deck> self(this);
-    Q_EMIT dataChanged(index(0), index(d->cards.size() - 1), {IsCurrentRole});
+    Q_EMIT dataChanged(index(0), index(int(d->cards.size()) - 1), {IsCurrentRole});
     if (self)
         Q_EMIT changed();
     return true;
@@ -116,7 +116,7 @@ void Deck::clear()
 
 int Deck::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : d->cards.size();
+    return parent.isValid() ? 0 : int(d->cards.size());
 }
 
 QVariant Deck::data(const QModelIndex& index, int role) const

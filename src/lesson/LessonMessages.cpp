@@ -202,7 +202,7 @@ void LessonMessages::sendAssessment(PresenterCollab* collab, const QString& addr
     AssessmentOptions options;
     options.setassessmentToken(token);
     options.settitle(plan.title);
-    options.setquestionCount(plan.questions.size());
+    options.setquestionCount(int(plan.questions.size()));
     options.setstartingQuestionNumber(firstQuestion);
     options.setallowedTime(plan.seconds);
     options.setallowSkipQuestion(plan.maySkip);

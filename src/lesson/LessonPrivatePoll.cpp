@@ -41,7 +41,7 @@ QVariantMap outcomeOf(const Poll& poll, PollAnswer::Mark mark)
 Poll* LessonPrivate::addPoll(const Question& question)
 {
     const QPointer<Poll> before = poll;
-    const QPointer<Poll> added = new Poll(polls.size() + 1, question, roster, q);
+    const QPointer<Poll> added = new Poll(int(polls.size()) + 1, question, roster, q);
     polls.append(added);
     pollsById.insert(added->id(), added);
     poll = added;

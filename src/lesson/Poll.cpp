@@ -92,10 +92,10 @@ bool Poll::add(const QString& deviceId, const QString& text, int time)
     if (answer.isReplacement) {
         d->answers[*row] = answer;
     } else {
-        d->rows.insert(deviceId, d->answers.size());
+        d->rows.insert(deviceId, int(d->answers.size()));
         d->answers.append(answer);
     }
-    d->results->setAnswered(d->answers.size());
+    d->results->setAnswered(int(d->answers.size()));
     d->isDirty = true;
     return true;
 }
@@ -195,7 +195,7 @@ PollResults* Poll::results() const
 
 int Poll::answered() const
 {
-    return d->answers.size();
+    return int(d->answers.size());
 }
 
 int Poll::rightAnswers() const

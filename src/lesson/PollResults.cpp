@@ -105,8 +105,8 @@ void PollResults::flush()
     d->isDirty = false;
     const QPointer<PollResults> self(this); // a slot may delete the lesson
     QVector<Row> rows = d->currentRows();
-    const int before = d->rows.size();
-    const int after = rows.size();
+    const int before = int(d->rows.size());
+    const int after = int(rows.size());
     if (after > before)
         beginInsertRows({}, before, after - 1);
     else if (after < before)
@@ -149,7 +149,7 @@ QVector<PollResults::Row> PollResults::rows() const
 
 QVector<PollResults::Row> PollResults::rows(int most) const
 {
-    const int kept = qMax(most - 1, d->options.size());
+    const int kept = qMax(most - 1, int(d->options.size()));
     if (d->rows.size() <= qMax(most, d->options.size()))
         return d->rows;
     QVector<Row> rows = d->rows.mid(0, kept);
@@ -164,7 +164,7 @@ QVector<PollResults::Row> PollResults::rows(int most) const
 
 int PollResults::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : d->rows.size();
+    return parent.isValid() ? 0 : int(d->rows.size());
 }
 
 int PollResults::columnCount(const QModelIndex& parent) const

@@ -115,10 +115,10 @@ QString wordsForm(const QString& answer)
 // The longest id that fits, again and again: "112" is "11" and "2" where both are options.
 bool takeApart(const QString& answer, const QStringList& ids, QStringList& found)
 {
-    for (int at = 0; at < answer.size(); at += found.last().size()) {
+    for (int at = 0; at < answer.size(); at += int(found.last().size())) {
         QString best;
         for (const QString& id : ids) {
-            if (id.size() > best.size() && answer.midRef(at).startsWith(id))
+            if (id.size() > best.size() && QStringView(answer).mid(at).startsWith(id))
                 best = id;
         }
         if (best.isEmpty())
@@ -175,7 +175,7 @@ Question Question::fromMap(const QVariantMap& map)
     question.right = value("right").toStringList();
     question.pictureUrl = value("pictureUrl").toString();
     if (!question.options.isEmpty())
-        question.optionCount = question.options.size();
+        question.optionCount = int(question.options.size());
     return question;
 }
 
@@ -213,7 +213,7 @@ QStringList Question::optionIds() const
     const Meaning meaning = kindOf(type).meaning;
     if (meaning == Meaning::Free)
         return ids;
-    const int count = qMin(options.isEmpty() ? optionCount : options.size(), mostOptions);
+    const int count = qMin(options.isEmpty() ? optionCount : int(options.size()), mostOptions);
     for (int i = 0; i < count; ++i)
         ids.append(meaning == Meaning::Picks ? QString::number(i) : O::optionId(ordinal, i));
     ids.removeDuplicates(); // all options after the second of a yes/no scheme share one id
@@ -243,7 +243,7 @@ QString Question::fault() const
 {
     const Kind& kind = kindOf(type);
     const int most = mostOptionsOf(*this);
-    const int count = options.isEmpty() ? optionCount : options.size();
+    const int count = options.isEmpty() ? optionCount : int(options.size());
     if (count != 0 && most == 0)
         return tr("A question of this kind has no options.");
     if (count < kind.fewest || count > most)
@@ -274,7 +274,7 @@ QStringList Question::picksOf(const QString& answer) const
     QStringList picks;
     const QStringList parts = answer.split(QLatin1Char(','));
     for (const QString& part : parts) {
-        int index = ids.indexOf(part);
+        int index = int(ids.indexOf(part));
         for (int i = 0; index < 0 && i < ids.size(); ++i) {
             const QString spoken = O::optionText(ordinal, i);
             if (part == options.value(i) || (!spoken.isEmpty() && part == spoken))

@@ -67,7 +67,7 @@ bool Roster::join(const Learner& learner)
         return false;
     const QPointer<Roster> self(this); // a slot may delete the lesson
     if (!d->rows.contains(learner.deviceId)) {
-        const int row = d->members.size();
+        const int row = int(d->members.size());
         beginInsertRows({}, row, row);
         d->rows.insert(learner.deviceId, row);
         d->members.append({learner.deviceId, QString(), QString(), false, {}});
@@ -131,7 +131,7 @@ void Roster::setPoll(const Poll* poll)
 void Roster::tellAnswers()
 {
     if (!d->members.isEmpty())
-        Q_EMIT dataChanged(index(0), index(d->members.size() - 1), {HasAnsweredRole, AnswerRole});
+        Q_EMIT dataChanged(index(0), index(int(d->members.size()) - 1), {HasAnsweredRole, AnswerRole});
 }
 
 void Roster::flush()
@@ -212,7 +212,7 @@ QJsonArray Roster::toJson() const
 
 int Roster::rowCount(const QModelIndex& parent) const
 {
-    return parent.isValid() ? 0 : d->members.size();
+    return parent.isValid() ? 0 : int(d->members.size());
 }
 
 QVariant Roster::data(const QModelIndex& index, int role) const

@@ -48,7 +48,7 @@ void QuestionBaseWithOptions::setMetadata(Calyx::OrdinalType::ORDINAL_TYPE type,
 
 void QuestionBaseWithOptions::setOrdinals(Calyx::OrdinalType::ORDINAL_TYPE type)
 {
-    setMetadata(type, m_options.size());
+    setMetadata(type, int(m_options.size()));
 }
 
 void QuestionBaseWithOptions::inferOrdinalType()

@@ -27,7 +27,7 @@ QString decoded(const QByteArray& bytes)
 
 void insertHeader(QMap<QString, QString>* headers, const QByteArray& line)
 {
-    const int colon = line.indexOf(':');
+    const auto colon = line.indexOf(':');
     if (colon < 1)
         return;
     const QString name = usualSpelling(line.left(colon));
@@ -89,10 +89,10 @@ qulonglong readContentLength(const QString& value)
 
 QByteArray HttpResponseParser::takeLine(const QByteArray& data, int* position)
 {
-    const int newline = data.indexOf('\n', *position);
-    int end = newline < 0 ? data.size() : newline;
+    const int newline = int(data.indexOf('\n', *position));
+    int end = newline < 0 ? int(data.size()) : newline;
     const int begin = *position;
-    *position = newline < 0 ? data.size() : newline + 1;
+    *position = newline < 0 ? int(data.size()) : newline + 1;
     if (newline > begin && data.at(newline - 1) == '\r')
         --end;
     return data.mid(begin, end - begin);
@@ -151,7 +151,7 @@ HttpResponseParser::Event HttpResponseParser::step()
 HttpResponseParser::Event HttpResponseParser::readHead()
 {
     skipLineBreaks();
-    const int begin = m_buffer.indexOf(headBegin, m_read);
+    const int begin = int(m_buffer.indexOf(headBegin, m_read));
     int end = qMax(begin, m_read + m_scanned); // no line is read twice, however small the pieces are
     const bool isComplete = begin >= 0 && findEndOfHead(m_buffer, &end);
     if ((isComplete ? end - m_read : pendingSize()) > MaxHeadSize)
@@ -209,7 +209,7 @@ bool HttpResponseParser::frameBody(const Event& header, int status)
 
 HttpResponseParser::Event HttpResponseParser::readChunkSize()
 {
-    const int newline = m_buffer.indexOf('\n', m_read);
+    const int newline = int(m_buffer.indexOf('\n', m_read));
     const int needed = newline < 0 ? pendingSize() : newline - m_read;
     if (needed > MaxHeadSize)
         return fail();
@@ -230,7 +230,7 @@ HttpResponseParser::Event HttpResponseParser::readChunkSize()
     m_lineSkipped = false;
     const qulonglong size = readChunkNumber(line);
     if (size < (m_streaming ? 1U : 2U)) {
-        const int textSize = decoded(m_body).size();
+        const int textSize = int(decoded(m_body).size());
         event = endResponse();
         event.endChunkSize = textSize;
         return event;

@@ -86,7 +86,7 @@ private:
     void appendToBody(int count);
     void consume(int count);
     bool startsWithBreak() const { return m_buffer.mid(m_read, 2) == "\r\n"; }
-    int pendingSize() const { return m_buffer.size() - m_read; }
+    int pendingSize() const { return int(m_buffer.size()) - m_read; }
 
     State m_state = Head;
     Bound m_bound = UntilClose;

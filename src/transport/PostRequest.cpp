@@ -31,6 +31,9 @@ QSet<int> farPorts(const QNetworkAccessManager* manager, const QUrl& url)
 QNetworkRequest PostRequest::make(const QUrl& url, const QString& contentType)
 {
     QNetworkRequest request(url);
+    // What goes over the wire is the same with every Qt: their defaults differ.
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
     request.setRawHeader("accept-encoding", "identity");
     request.setHeader(QNetworkRequest::ContentTypeHeader, contentType);
     return request;

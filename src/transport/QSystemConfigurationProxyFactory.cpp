@@ -1,9 +1,10 @@
 #include "transport/QSystemConfigurationProxyFactory.h"
 
 #include <QMutex>
-#include <QMutexLocker>
 #include <QScopedValueRollback>
 #include <QUrl>
+
+#include <mutex>
 
 namespace {
 
@@ -35,7 +36,7 @@ QByteArray withScheme(const QByteArray& value)
 class ReadableEnvironment
 {
 public:
-    ReadableEnvironment() : m_lock(&currentExport().mutex), m_value(qgetenv(proxyVariable))
+    ReadableEnvironment() : m_lock(currentExport().mutex), m_value(qgetenv(proxyVariable))
     {
         const Export& state = currentExport();
         const bool isOurs = state.done && m_value == state.exported;
@@ -52,7 +53,7 @@ public:
     Q_DISABLE_COPY(ReadableEnvironment)
 
 private:
-    QMutexLocker m_lock;
+    std::unique_lock<QRecursiveMutex> m_lock;
     QByteArray m_value;
     bool m_active = false;
 };
@@ -84,7 +85,7 @@ void QSystemConfigurationProxyFactory::exportToEnvironment(const QString& proxy)
     if (proxy.startsWith(QLatin1Char(':')))
         return;
     Export& state = currentExport();
-    const QMutexLocker lock(&state.mutex);
+    const std::lock_guard<QRecursiveMutex> lock(state.mutex);
     const QByteArray current = qgetenv(proxyVariable);
     if (!state.done || current != state.exported)
         state.before = current;

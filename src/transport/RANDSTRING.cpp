@@ -1,6 +1,6 @@
 #include "transport/RANDSTRING.h"
 
-#include <QtGlobal>
+#include "base/QtVersion.h"
 
 #include <ctime>
 
@@ -11,12 +11,8 @@ QString RANDSTRING::Generate(int length)
 
     QString result = QStringLiteral("");
     result.reserve(length);
-    // The seeded generator is deprecated in Qt, but it is what makes calls within one second repeat.
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED
-    qsrand(static_cast<uint>(std::time(nullptr)));
+    SeededRandom random(static_cast<uint>(std::time(nullptr))); // calls within one second repeat
     for (int i = 0; i < length; ++i)
-        result += QLatin1Char(alphabet[qrand() % alphabetSize]);
-    QT_WARNING_POP
+        result += QLatin1Char(alphabet[random.next() % alphabetSize]);
     return result;
 }

@@ -40,7 +40,7 @@ QString freshSessionId(const QString& server, const QString& last)
     QString id;
     do {
         if (begin == text.size())
-            text = RANDSTRING::Generate(2 * text.size());
+            text = RANDSTRING::Generate(2 * int(text.size()));
         id = text.mid(begin, sessionIdLength);
         begin += sessionIdLength;
     } while (id == last);

@@ -337,7 +337,7 @@ QString SockJSXHRPolling::Private::headerBlock(const QString& payload) const
 
 int SockJSXHRPolling::getCookieCount()
 {
-    return d->cookies().size();
+    return int(d->cookies().size());
 }
 
 QString SockJSXHRPolling::getCookieString()

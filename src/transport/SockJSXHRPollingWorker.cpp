@@ -457,7 +457,7 @@ int SockJSXHRPollingWorker::parseHttpHeaderResponse(QByteArray data, int* status
                                                     QMap<QString, QString>* headers)
 {
     *status = -1;
-    int position = data.indexOf("HTTP/");
+    int position = int(data.indexOf("HTTP/"));
     if (position < 0)
         return 0;
     *status = 200;
@@ -466,7 +466,7 @@ int SockJSXHRPollingWorker::parseHttpHeaderResponse(QByteArray data, int* status
         const QByteArray line = HttpResponseParser::takeLine(data, &position);
         if (line.isEmpty())
             break;
-        const int colon = line.indexOf(':');
+        const auto colon = line.indexOf(':');
         if (colon > 0)
             headers->insert(QString::fromUtf8(line.left(colon)), QString::fromUtf8(line.mid(colon + 1)));
     }
@@ -477,7 +477,7 @@ int SockJSXHRPollingWorker::parseMessageResponse(QByteArray data, bool chunked, 
                                                  int contentLength)
 {
     if (!chunked) {
-        const int size = contentLength < 2 ? data.size() : std::min(contentLength, data.size());
+        const int size = contentLength < 2 ? int(data.size()) : std::min(contentLength, int(data.size()));
         out->append(QString::fromUtf8(data.constData(), size));
         return size;
     }
@@ -489,7 +489,7 @@ int SockJSXHRPollingWorker::parseMessageResponse(QByteArray data, bool chunked, 
     }
     const int size = line.toInt(nullptr, 16);
     if (size < 2) {
-        logEndChunk(out->length());
+        logEndChunk(int(out->length()));
         return -1;
     }
     if (size > data.size() - position)

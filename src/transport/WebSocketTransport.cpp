@@ -1,5 +1,6 @@
 #include "transport/WebSocketTransport.h"
 
+#include "base/QtVersion.h"
 #include "transport/InnerLoop.h"
 #include "transport/WebSocketRelease.h"
 
@@ -42,8 +43,7 @@ void WebSocketTransport::listen()
     connect(m_socket, &QWebSocket::connected, this, &WebSocketTransport::onUpgraded, queued);
     connect(m_socket, &QWebSocket::disconnected, this, &WebSocketTransport::onEnded, queued);
     // A refused upgrade is reported as an error only, never as `disconnected`.
-    connect(m_socket, QOverload<QAbstractSocket::SocketError>::of(&QWebSocket::error), this,
-            &WebSocketTransport::onFailed, queued);
+    connect(m_socket, errorSignal<QWebSocket>(0), this, &WebSocketTransport::onFailed, queued);
     connect(m_socket, &QWebSocket::textMessageReceived, this, &SockJSTransport::textMessageReceived, queued);
     if (m_pings.interval() <= 0)
         return;

@@ -56,7 +56,7 @@ private Q_SLOTS:
         connect(collab.messageHandler(), &CollaborationMessageHandler::learnerPollResponse, this,
                 [&](const QString& device, const QString&, int, const QString&) {
                     ++answers;
-                    inOrder += device.midRef(7).toInt() == answers ? 1 : 0;
+                    inOrder += QStringView(device).mid(7).toInt() == answers ? 1 : 0;
                     if (answers % answersEach == 0)
                         untilAnswered.quit();
                 });

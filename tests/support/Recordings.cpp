@@ -49,9 +49,9 @@ QVector<Recordings::Answer> readAll()
 QList<int> Recordings::Answer::ends() const
 {
     if (!bytes.left(bodyOf(bytes)).toLower().contains("transfer-encoding: chunked"))
-        return {bytes.size()};
+        return {int(bytes.size())};
     if (!isStream())
-        return {bytes.size() - 2}; // with the line "0"; the empty line behind it is no part of the body
+        return {int(bytes.size()) - 2}; // with the line "0"; the empty line behind it is no part of the body
     QList<int> ends;
     for (int i = bodyOf(bytes); i < bytes.size(); ++i) {
         if (bytes.at(i) == '\n' && bytes.at(i - 1) != '\r')

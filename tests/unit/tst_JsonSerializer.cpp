@@ -1,4 +1,5 @@
 #include "support/LogRecorder.h"
+#include "support/TypeNamed.h"
 
 #include <CalyxClient/JsonSerializer>
 
@@ -232,7 +233,7 @@ private Q_SLOTS:
         QCOMPARE(map.value("list").toList(), values.list);
         QCOMPARE(map.value("map").toMap(), values.map);
         QCOMPARE(map.value("words").toStringList(), values.words);
-        QCOMPARE(QMetaType::type("QList<QVariantMap>"), qMetaTypeId<QList<QVariantMap>>());
+        QCOMPARE(typeNamed("QList<QVariantMap>"), qMetaTypeId<QList<QVariantMap>>());
         const QString json = JsonSerializer::serializeToJson(&values);
         QVERIFY2(json.contains("    \"maps\": [\n    ],\n"), qPrintable(json));
         QVERIFY2(json.contains("    \"text\": \"\",\n"), qPrintable(json)); // a null one

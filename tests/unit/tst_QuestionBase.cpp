@@ -3,6 +3,7 @@
 
 #include "support/LogRecorder.h"
 #include "support/Rows.h"
+#include "support/TypeNamed.h"
 
 #include <CalyxClient/ActivityOption>
 #include <CalyxClient/JsonSerializer>
@@ -257,7 +258,7 @@ private Q_SLOTS:
     {
         const QuestionBaseWithOptions question;
         for (const char* name : {"Calyx::QuestionFeedback*", "Calyx::QuestionMetadata*"}) {
-            const int type = QMetaType::type(name);
+            const int type = typeNamed(name);
             QVERIFY2(type != QMetaType::UnknownType, name);
             QVERIFY2(QMetaType(type).flags() & QMetaType::PointerToQObject, name);
         }

@@ -3,6 +3,7 @@
 
 #include "support/LogRecorder.h"
 #include "support/Rows.h"
+#include "support/TypeNamed.h"
 
 #include <CalyxClient/CollaborationMessageHandler>
 #include <CalyxClient/Learner>
@@ -118,10 +119,10 @@ private Q_SLOTS:
     void areRegisteredUnderBothSpellings()
     {
         for (int times = 0; times < 3; ++times) {
-            QCOMPARE(QMetaType::type("Learner"), qMetaTypeId<Learner>());
-            QCOMPARE(QMetaType::type("Calyx::Learner"), qMetaTypeId<Learner>());
-            QCOMPARE(QMetaType::type("RemoteControlMessage"), qMetaTypeId<RemoteControlMessage>());
-            QCOMPARE(QMetaType::type("Calyx::RemoteControlMessage"), qMetaTypeId<RemoteControlMessage>());
+            QCOMPARE(typeNamed("Learner"), qMetaTypeId<Learner>());
+            QCOMPARE(typeNamed("Calyx::Learner"), qMetaTypeId<Learner>());
+            QCOMPARE(typeNamed("RemoteControlMessage"), qMetaTypeId<RemoteControlMessage>());
+            QCOMPARE(typeNamed("Calyx::RemoteControlMessage"), qMetaTypeId<RemoteControlMessage>());
             Calyx::registerLearner();
             Calyx::registerRemoteControlMessage();
         }

@@ -2,9 +2,6 @@
 
 #include <QTest>
 
-#include <csignal>
-#include <sys/prctl.h>
-
 namespace {
 
 constexpr int limit = 30000; // ms
@@ -21,11 +18,6 @@ NodeProgram::NodeProgram(const QString& script, const QStringList& arguments)
 NodeProgram::~NodeProgram()
 {
     end();
-}
-
-void NodeProgram::setupChildProcess()
-{
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
 }
 
 void NodeProgram::end()

@@ -1,12 +1,13 @@
 #pragma once
 
-#include <QProcess>
+#include "support/ChildProcess.h"
+
 #include <QString>
 #include <QStringList>
 
 /// A Node.js program of the classroom: the service, simulated learners or the remote control. It is ended
 /// when this object goes, or when the test program dies.
-class NodeProgram : public QProcess
+class NodeProgram : public ChildProcess
 {
 public:
     NodeProgram(const QString& script, const QStringList& arguments);
@@ -17,9 +18,6 @@ public:
     QString lineWith(const QString& begin, const QString& part = QString());
     void say(const QString& line);
     void end();
-
-protected:
-    void setupChildProcess() override;
 
 private:
     QString m_output;

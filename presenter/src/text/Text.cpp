@@ -39,13 +39,13 @@ QString fill(int columns)
 
 QString Text::clean(const QString& text)
 {
-    QVector<uint> kept;
+    QVector<char32_t> kept;
     const QVector<uint> characters = text.toUcs4();
     for (const uint character : characters) {
         if (isBreak(character))
-            kept.append(' ');
+            kept.append(U' ');
         else if (!isDropped(character))
-            kept.append(character);
+            kept.append(char32_t(character));
     }
     return QString::fromUcs4(kept.constData(), kept.size()).trimmed();
 }
@@ -65,14 +65,14 @@ QString Text::elide(const QString& text, int columns, bool unicode)
         return text;
     if (columns < 1)
         return QString();
-    QVector<uint> kept;
+    QVector<char32_t> kept;
     int used = 1; // the sign of the cut
     const QVector<uint> characters = text.toUcs4();
     for (const uint character : characters) {
         used += columnsOf(character);
         if (used > columns)
             break;
-        kept.append(character);
+        kept.append(char32_t(character));
     }
     return QString::fromUcs4(kept.constData(), kept.size()) + (unicode ? QChar(0x2026) : QLatin1Char('~'));
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "interop/support/Child.h"
+#include "support/ChildProcess.h"
 
 #include <QUrl>
 
@@ -26,5 +26,5 @@ public:
     }
 
 private:
-    Child m_process;
+    ChildProcess m_process;
 };

@@ -1,6 +1,6 @@
 #include "interop/support/Peer.h"
 
-#include "interop/support/Child.h"
+#include "support/ChildProcess.h"
 
 #include <QDeadlineTimer>
 #include <QFile>
@@ -93,7 +93,7 @@ bool Peer::launch()
     for (const QString& argument : qAsConst(m_program.arguments))
         arguments.append(fill(argument));
     m_begin = QFileInfo(m_folder.filePath(QStringLiteral("log"))).size();
-    m_process = std::make_unique<Child>();
+    m_process = std::make_unique<ChildProcess>();
     m_process->setProcessEnvironment(environmentWithoutProxy());
     m_process->setProcessChannelMode(QProcess::MergedChannels);
     m_process->setStandardOutputFile(m_folder.filePath(QStringLiteral("log")), QIODevice::Append);

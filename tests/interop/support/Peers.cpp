@@ -87,7 +87,7 @@ Peer::Program Peers::haproxy(const QList<quint16>& servers, const QMap<QString, 
         program.values.insert(QLatin1String(name), values.value(QLatin1String(name)));
     QStringList lines;
     for (const quint16 server : servers) {
-        const QString name = QString(QChar('a' + lines.size()));
+        const QString name = QString(QChar('a' + int(lines.size())));
         lines.append(QStringLiteral("    server %1 127.0.0.1:%2 cookie %1").arg(name).arg(server));
     }
     program.values.insert(QStringLiteral("SERVERS"), lines.join(QLatin1Char('\n')));
