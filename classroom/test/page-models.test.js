@@ -29,7 +29,7 @@ for (const [ordinalType, ids, expected] of [
   ['', ['x', 'y'], ['x', 'y']],
   ['yes-no', ['A', 'B', '?'], ['Yes', 'No', 'Don’t know']],
   ['yes-no-maybe', ['A', 'B', '?'], ['Yes', 'No', 'Maybe']],
-  ['yes-no-unsure', ['A', 'B', '?'], ['Yes', 'No', 'Not sure']],
+  ['yes-no-unsure', ['A', 'B', '?'], ['Yes', 'No', 'Unsure']],
   ['yes-no-other', ['A', 'B', '?', '?'], ['Yes', 'No', 'Other', 'Other']],
   ['true-false', ['A', 'B'], ['True', 'False']],
   ['agreement', ['0', '1', '2'], ['Disagree', 'Neither', 'Agree']],

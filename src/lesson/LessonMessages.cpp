@@ -48,6 +48,14 @@ bool isDocument(const Question& question)
     return isKind && question.text.isEmpty() && question.options.isEmpty();
 }
 
+// Devices know the words of the kind's own scheme. Under another one they would show those, or letters.
+QStringList optionWords(const Question& question)
+{
+    const bool isOwn = question.ordinal == Question::usual(question.type).ordinal;
+    const bool hasWords = !OrdinalType::optionText(question.ordinal, 0).isEmpty();
+    return question.options.isEmpty() && hasWords && !isOwn ? question.optionLabels() : question.options;
+}
+
 QuestionBase* construct(PresenterCollab* collab, const Question& question)
 {
     if (question.type == PollType::WORD_SEED)
@@ -55,7 +63,9 @@ QuestionBase* construct(PresenterCollab* collab, const Question& question)
     if (question.type == PollType::CREATIVE)
         return new QuestionCreative;
     const bool isNumber = question.type == PollType::NUMBER;
-    const int options = !question.options.isEmpty() ? 0 : isNumber ? question.decimals : question.optionCount;
+    const int options = !optionWords(question).isEmpty() ? 0
+                        : isNumber                       ? question.decimals
+                                                         : question.optionCount;
     return collab->createPollQuestion(question.type, question.ordinal, options, question.choices);
 }
 
@@ -65,9 +75,10 @@ std::unique_ptr<QuestionBase> makeQuestion(PresenterCollab* collab, const Questi
     question->setID(id);
     question->setinstructions(from.text);
     if (auto* withOptions = qobject_cast<QuestionBaseWithOptions*>(question.get())) {
-        const QStringList ids = from.options.isEmpty() ? QStringList() : from.optionIds();
-        for (int i = 0; i < ids.size(); ++i)
-            withOptions->addActivityOption(ids.at(i), from.options.at(i), i + 1);
+        const QStringList ids = from.optionIds();
+        const QStringList words = optionWords(from);
+        for (int i = 0; i < words.size(); ++i)
+            withOptions->addActivityOption(ids.at(i), words.at(i), i + 1);
         question->inferOrdinalType();
     }
     if (!from.picture.isEmpty() || !from.pictureUrl.isEmpty()) {

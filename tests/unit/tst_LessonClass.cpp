@@ -184,6 +184,27 @@ private Q_SLOTS:
         QVERIFY(class_.end());
     }
 
+    void asksInTheWordsOfAScheme()
+    {
+        using Row = std::pair<OrdinalType::ORDINAL_TYPE, QStringList>;
+        Class class_;
+        QVERIFY(class_.start());
+        class_.published();
+        for (const auto& [ordinal, sent] : {Row{OrdinalType::YES_NO_OTHER, {"YES", "NO", "DONTKNOW"}},
+                                            Row{OrdinalType::YES_NO_MAYBE, {"Yes", "No", "Maybe"}},
+                                            Row{OrdinalType::ALPHA_UPPER, {"", "", ""}}}) {
+            class_.lesson->ask(PollType::YES_NO_OTHER, ordinal, 3);
+            class_.lesson->setName({}, {});
+            QStringList texts;
+            const QJsonArray options =
+                class_.publishedWithData().data.value(0).value("activityOptions").toArray();
+            for (const QJsonValue& option : options)
+                texts.append(option.toObject().value("optionText").toString());
+            QCOMPARE(texts, sent);
+        }
+        QVERIFY(class_.end());
+    }
+
     void tellsHowAPollCameOut()
     {
         Class class_;

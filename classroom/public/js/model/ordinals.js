@@ -13,7 +13,7 @@ const WORDS = {
   'true-false': ['True', 'False', 'Don’t know'],
   'yes-no': ['Yes', 'No', 'Don’t know'],
   'yes-no-maybe': ['Yes', 'No', 'Maybe'],
-  'yes-no-unsure': ['Yes', 'No', 'Not sure'],
+  'yes-no-unsure': ['Yes', 'No', 'Unsure'],
   'yes-no-other': ['Yes', 'No', 'Other'],
 };
 
