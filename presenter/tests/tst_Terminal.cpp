@@ -173,6 +173,35 @@ private Q_SLOTS:
         QCOMPARE(classroom.requests().last(), QStringLiteral("/login/logout"));
     }
 
+    void theWayBackIsShownAndNotWaitedFor()
+    {
+        FakeClassroom classroom;
+        Terminal terminal(arguments(classroom));
+        TYPE_UNTIL_LIVE(goLive);
+        classroom.refuse("/session/getusers", "not.now");
+        classroom.closeBus();
+        TRY_SHOWN(
+            QRegularExpression("\nThe connection is lost. Trying again in \\d+ s \\(r: now\\).\ncalyx>$"));
+        terminal.type("poll text\r");
+        TRY_SHOWN("Poll 1: text  0 of 0 answered");
+        QVERIFY(terminal.text().contains("The connection is lost."));
+        classroom.refuse("/session/getusers", QString());
+        terminal.type("r\r");
+        TRY_SHOWN("The connection is back.");
+        TRY(!classroom.lastQuestion().isEmpty()); // what was done meanwhile
+        QVERIFY(!terminal.text().contains("The connection is lost."));
+    }
+
+    void aPollIsCountedDown()
+    {
+        FakeClassroom classroom;
+        Terminal terminal(arguments(classroom));
+        TYPE_UNTIL_LIVE(goLive);
+        terminal.type("poll text\rpoll stop within 2\r");
+        TRY_SHOWN(QRegularExpression("Poll 1: text  0 of 0 answered  0:0\\d  stops in \\d s\n"));
+        TRY_SHOWN(QRegularExpression("Poll 1: text  0 of 0 answered  0:0\\d\n  No answers yet.\ncalyx>$"));
+    }
+
     void whatIsTypedDuringAWaitIsDoneAfterIt()
     {
         FakeClassroom classroom;

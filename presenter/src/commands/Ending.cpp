@@ -32,20 +32,20 @@ QString mostFrequent(const QVector<Bar>& bars)
                             : QStringLiteral("%1 (%2)").arg(Text::list(labels, mostNames)).arg(top);
 }
 
-int count(const Poll& poll, const std::function<bool(const PollAnswer&)>& which)
+int lateAnswers(const Poll& poll)
 {
     const QVector<PollAnswer> answers = poll.answers();
-    return static_cast<int>(std::count_if(answers.begin(), answers.end(), which));
+    return static_cast<int>(std::count_if(answers.begin(), answers.end(),
+                                          [](const PollAnswer& answer) { return answer.isLate; }));
 }
 
 QStringList rowOf(const Poll& poll)
 {
     const ChartData data = Charts::of(poll);
-    const int right = count(poll, [](const PollAnswer& answer) { return answer.mark == PollAnswer::Right; });
     return {QString::number(poll.number()),
             PollKinds::typeName(poll.question().type),
             QStringLiteral("%1 of %2").arg(data.answered).arg(data.expected),
-            poll.question().isMarked() ? QString::number(right) : QString(),
+            poll.question().isMarked() ? QString::number(poll.rightAnswers()) : QString(),
             Text::duration(data.seconds),
             mostFrequent(data.bars)};
 }
@@ -57,7 +57,7 @@ QString total(CommandContext& context)
     const QList<Poll*> polls = context.lesson.polls();
     for (const Poll* poll : polls) {
         answers += poll->answered();
-        late += count(*poll, [](const PollAnswer& answer) { return answer.isLate; });
+        late += lateAnswers(*poll);
     }
     return QStringLiteral("Total: %1, %2, %3, %4, %5.")
         .arg(Text::count(context.lesson.roster()->mostPresent(), "learner"),
@@ -73,8 +73,13 @@ void Ending::stopPoll(CommandContext& context)
     if (!poll || !poll->isRunning())
         return;
     context.lesson.stop();
+    printPoll(context);
+}
+
+void Ending::printPoll(CommandContext& context)
+{
     context.screen.setLiveLines({});
-    context.screen.print(Chart::all(Charts::of(*poll), context.screen.style()));
+    context.screen.print(Chart::all(Charts::of(*context.lesson.poll()), context.screen.style()));
 }
 
 void Ending::printResults(CommandContext& context)

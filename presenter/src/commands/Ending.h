@@ -8,6 +8,8 @@ namespace Ending {
 
 /// Stops the poll that runs, if any, and prints its final tally.
 void stopPoll(CommandContext& context);
+/// Prints the final tally of the poll that was put last.
+void printPoll(CommandContext& context);
 /// Prints the results of the assessment that is under way or was last.
 void printResults(CommandContext& context);
 /// Stops the assessment that is under way, if any, and prints its results.

@@ -3,12 +3,14 @@
 #include "commands/CommandTable.h"
 #include "commands/Ending.h"
 #include "commands/Files.h"
+#include "commands/Waiter.h"
 #include "lesson/Charts.h"
 #include "lesson/PollKinds.h"
 #include "terminal/Screen.h"
 #include "text/Text.h"
 
 #include <QDir>
+#include <QPointer>
 
 using Calyx::Question;
 
@@ -68,9 +70,21 @@ Outcome poll(CommandContext& context, const Arguments& given)
     return asked;
 }
 
-Outcome pollStop(CommandContext& context, const Arguments&)
+// "within SECONDS": the devices count them down.
+Outcome pollStop(CommandContext& context, const Arguments& given)
 {
-    Ending::stopPoll(context);
+    constexpr int second = 1000;
+    Arguments arguments = given;
+    qint64 msecs = 0;
+    if (const Outcome read = ArgumentReader::takeWithin(arguments, msecs); !read.isDone())
+        return read;
+    const QPointer<const Calyx::Poll> poll = context.lesson.poll();
+    context.lesson.stop(static_cast<int>((msecs + second - 1) / second));
+    const auto isOver = [poll] { return !poll || !poll->isRunning(); };
+    if (context.waiter.until(isOver, CommandContext::unlimited,
+                             [] { return QStringLiteral("the end of the poll"); }) != Waiter::Met)
+        return Outcome::failed(QStringLiteral("The wait was given up: the poll stops all the same."));
+    Ending::printPoll(context);
     // Without a channel the learners have not heard of it.
     return context.require(Fact::Channel);
 }
@@ -147,9 +161,9 @@ const Command rows[] = {
      "Examples: poll true-false    poll multiple alpha-upper 5 2    poll number 2\n"
      "poll scale agreement 5 picture images/leaf.png",
      F::Channel, F::Poll | F::AnyPoll, F::Nothing, 1, anyNumber, {P::PollType, P::Ordinal}, "text= choices= answer= picture upload ref", poll, checkPoll},
-    {"poll stop", "", "Stop the poll and show its final tally.",
-     "",
-     F::Poll, F::Nothing, F::Poll, 0, 0, {}, "", pollStop},
+    {"poll stop", "[within SECONDS]", "Stop the poll and show its final tally.",
+     "With SECONDS, when they are over: the learners' devices count them down.",
+     F::Poll, F::Nothing, F::Poll, 0, 2, {P::Keyword, P::Seconds}, "within", pollStop},
     {"poll pause", "", "Let the learners pause.",
      "",
      F::Channel | F::Poll, F::Nothing, F::Nothing, 0, 0, {}, "", pollPause},

@@ -38,6 +38,9 @@ ChartData Charts::of(const Poll& poll)
     data.expected = poll.expected();
     data.seconds = static_cast<int>(poll.elapsed() / second);
     data.isPaused = poll.isPaused();
+    if (poll.stopsAt().isValid())
+        data.secondsLeft =
+            static_cast<int>((QDateTime::currentDateTime().msecsTo(poll.stopsAt()) + second - 1) / second);
     return data;
 }
 

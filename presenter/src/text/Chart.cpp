@@ -67,6 +67,8 @@ QString head(const ChartData& data, const Style& style)
                         .arg(data.doing, Text::duration(data.seconds));
     if (data.isPaused)
         state += QStringLiteral("  paused");
+    if (data.secondsLeft > 0)
+        state += QStringLiteral("  stops in %1 s").arg(data.secondsLeft);
     const Ink ink = data.answered >= data.expected && data.expected > 0 ? Ink::Good : Ink::Plain;
     const int room = style.columns - 1 - Text::width(state) - indent.size();
     if (room < leastTitle)

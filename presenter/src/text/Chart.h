@@ -27,6 +27,7 @@ struct ChartData
     int whole = -1;
     int seconds = 0;
     bool isPaused = false;
+    int secondsLeft = 0; ///< until it stops by itself; 0: it does not
 };
 
 /// A horizontal bar chart as text.
