@@ -46,6 +46,20 @@ AssessmentPlan AssessmentPlan::fromMap(const QVariantMap& map)
     return plan;
 }
 
+QVariantMap AssessmentPlan::toMap() const
+{
+    QVariantList maps;
+    for (const Question& question : questions)
+        maps.append(question.toMap());
+    return {{QStringLiteral("title"), title},
+            {QStringLiteral("questions"), maps},
+            {QStringLiteral("seconds"), seconds},
+            {QStringLiteral("maySkip"), maySkip},
+            {QStringLiteral("mayGoBack"), mayGoBack},
+            {QStringLiteral("mayResubmit"), mayResubmit},
+            {QStringLiteral("showsSummary"), showsSummary}};
+}
+
 QString AssessmentPlan::fault() const
 {
     if (questions.isEmpty())
@@ -69,8 +83,9 @@ struct Assessment::Private
     QString token = newId();
     QStringList ids; // of the questions
     QDateTime startedAt = QDateTime::currentDateTime();
-    QElapsedTimer clock;
-    qint64 lasted = 0; // ms, once it is over
+    QElapsedTimer clock; // since it was started, or taken up
+    qint64 before = 0;   // ms that it had run when it was taken up
+    qint64 lasted = 0;   // ms, once it is over
     QVector<Sheet> sheets;
     QHash<QString, int> rows; // by device
     int finished = 0;
@@ -123,7 +138,7 @@ void Assessment::enter(const QString& deviceId)
 
 // False for an answer that does not count: too late, from nobody who takes part, or a second one where only
 // the first counts. The same again changes nothing.
-bool Assessment::add(const QString& deviceId, int number, const QString& text, int time)
+bool Assessment::add(const QString& deviceId, int number, const QString& text, int time, const QDateTime& at)
 {
     constexpr int second = 1000;
     const PollAnswer before = answer(deviceId, number);
@@ -141,7 +156,7 @@ bool Assessment::add(const QString& deviceId, int number, const QString& text, i
     after.name = sheet.name;
     after.picks = question.picksOf(after.text);
     after.msecs = time * second;
-    after.receivedAt = QDateTime::currentDateTime();
+    after.receivedAt = at;
     after.isReplacement = isReplacement;
     after.mark = !question.isMarked()           ? PollAnswer::Unmarked
                  : question.isRight(after.text) ? PollAnswer::Right
@@ -163,13 +178,28 @@ void Assessment::setPaused(bool paused)
     Q_EMIT stateChanged();
 }
 
-void Assessment::stop()
+void Assessment::stop(const QDateTime& at)
 {
     if (!d->isRunning)
         return;
-    d->lasted = d->clock.elapsed();
+    d->lasted = at.isValid() ? d->startedAt.msecsTo(at) : elapsed();
     d->isRunning = d->isPaused = false;
     Q_EMIT stateChanged();
+}
+
+void Assessment::restore(const QString& token, const QStringList& questionIds, const QDateTime& startedAt)
+{
+    d->token = token;
+    d->ids = questionIds;
+    d->startedAt = startedAt;
+    d->before = startedAt.msecsTo(QDateTime::currentDateTime());
+}
+
+void Assessment::restoreState(bool isRunning, bool isPaused, qint64 lasted)
+{
+    d->isRunning = isRunning;
+    d->isPaused = isPaused;
+    d->lasted = lasted;
 }
 
 void Assessment::flush()
@@ -230,7 +260,7 @@ QDateTime Assessment::startedAt() const
 
 qint64 Assessment::elapsed() const
 {
-    return d->isRunning ? d->clock.elapsed() : d->lasted;
+    return d->isRunning ? d->before + d->clock.elapsed() : d->lasted;
 }
 
 QStringList Assessment::participants() const

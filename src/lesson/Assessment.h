@@ -39,6 +39,8 @@ public:
     /// From the keys "title", "questions" (maps as Question::fromMap() takes them), "seconds", "maySkip",
     /// "mayGoBack", "mayResubmit" and "showsSummary".
     static AssessmentPlan fromMap(const QVariantMap& map);
+    /// The same map.
+    QVariantMap toMap() const;
     /// What is wrong with it, a sentence for people, translated; empty when nothing is.
     QString fault() const;
 };
@@ -153,10 +155,14 @@ private:
     int numberOf(const QString& questionId) const;
     QString questionId(int number) const;
     void enter(const QString& deviceId);
-    bool add(const QString& deviceId, int number, const QString& text, int time);
+    bool add(const QString& deviceId, int number, const QString& text, int time,
+             const QDateTime& at = QDateTime::currentDateTime());
     void setPaused(bool paused);
-    void stop();
+    void stop(const QDateTime& at = QDateTime());
     void flush();
+    // As it was, from a journal.
+    void restore(const QString& token, const QStringList& questionIds, const QDateTime& startedAt);
+    void restoreState(bool isRunning, bool isPaused, qint64 lasted);
 
     struct Private;
     std::unique_ptr<Private> d;

@@ -157,7 +157,25 @@ void Lesson::start()
     const QPointer<Lesson> self(this);
     d->wantsLive = true;
     d->clearSession();
-    if (self && d->state == LoggedIn && d->wantsLive)
+    if (!self)
+        return;
+    d->beginJournal();
+    if (d->state == LoggedIn && d->wantsLive)
+        d->beginStart();
+}
+
+void Lesson::setJournal(const QString& fileName)
+{
+    d->journalName = fileName;
+}
+
+void Lesson::takeUp(const QString& fileName)
+{
+    if (d->state == LoggedOut || (d->state == Ending && d->isLoggingOut))
+        d->refuse(QT_TRANSLATE_NOOP("Calyx::Lesson", "Log in first."));
+    else if (d->isWanted())
+        d->refuse(QT_TRANSLATE_NOOP("Calyx::Lesson", "A lesson is open already."));
+    else if (d->takeUp(fileName) && d->state == LoggedIn && d->wantsLive)
         d->beginStart();
 }
 
@@ -235,19 +253,8 @@ QList<Poll*> Lesson::polls() const
 
 void Lesson::clearPolls()
 {
-    const QList<Poll*> all = d->polls;
-    for (Poll* poll : all) {
-        if (poll->isRunning())
-            continue;
-        d->polls.removeOne(poll);
-        d->pollsById.remove(poll->id());
-        d->answeredPolls.remove(poll);
-        if (d->poll == poll) {
-            d->poll = nullptr;
-            d->roster->setPoll(nullptr);
-        }
-        poll->deleteLater();
-    }
+    d->removeStoppedPolls();
+    d->record({{QStringLiteral("event"), QStringLiteral("cleared")}});
     d->tell([this] { d->roster->tellAnswers(); }, [this] { Q_EMIT pollChanged(); });
 }
 
@@ -275,6 +282,7 @@ Assessment* Lesson::startAssessment(const AssessmentPlan& plan, const QStringLis
         });
     d->assessments.append(added);
     d->assessment = added;
+    d->observe(added);
     const QStringList all = devices.isEmpty() ? d->roster->present() : devices;
     for (const QString& deviceId : all)
         added->enter(deviceId);

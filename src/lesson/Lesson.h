@@ -127,6 +127,16 @@ public:
     /// stays Reconnecting until retryNow().
     Q_INVOKABLE void setReconnects(bool reconnects);
 
+    /// Writes a journal of each session from the next start() into \p fileName, to which takeUp() goes back
+    /// after a crash: every event as a line of JSON when it has happened, names and answers included,
+    /// readable for its owner only. Each start() begins it anew, and keeps what it held under its name and
+    /// "~". Empty, as at first: no journal. One that cannot be written is told by failed() with BadInput, and
+    /// the lesson goes on without it.
+    void setJournal(const QString& fileName);
+    /// What the journal \p fileName says of the session that takeUp() would take up: "code", "lesson",
+    /// "teacher", "server" and "at", when it began; empty where it holds none. Reads the file.
+    Q_INVOKABLE static QVariantMap journalOf(const QString& fileName);
+
     // Login and session.
 
     /// Logs in. A login before is ended. A text that holds control characters is refused (BadInput).
@@ -144,6 +154,14 @@ public:
     /// Opens a session: Starting, then Live, or LoggedIn after failed(). While logging in or ending, it waits
     /// for that. Does nothing where a session is open already; refused (BadInput) when nobody logs in.
     Q_INVOKABLE void start();
+    /// Takes up the session of the journal \p fileName, whose host has ended without a word: in the place of
+    /// start(), by the same teacher. What was collected is there when this returns; then Starting, and Live
+    /// with those who are still in the session, the poll and the assessment running on, and the journal
+    /// written on. SessionGone where the service does not know it any more, and any other error leaves what
+    /// was collected, too: the state is LoggedIn, and the session, where there is one, goes on without a
+    /// host. Refused (BadInput) in a session, when nobody logs in, and where the file holds no session. Reads
+    /// the file, and so can take its time.
+    Q_INVOKABLE void takeUp(const QString& fileName);
     /// Ends the session for everybody: Ending, then LoggedIn. What was collected stays until the next
     /// start(). Refused (BadInput) without a session.
     Q_INVOKABLE void end();

@@ -29,6 +29,7 @@ LessonPrivate::LessonPrivate(Lesson* lesson)
     stopTimer.setTimerType(Qt::PreciseTimer); // never early
     QObject::connect(&stopTimer, &QTimer::timeout, q, [this] { q->stop(); });
     QObject::connect(deck, &Deck::changed, q, [this] { tellRemote(); });
+    observe();
 }
 
 // The thread comes to its end by itself: it can be in a call that cannot be interrupted.
@@ -87,6 +88,7 @@ bool LessonPrivate::refuse(const char* text)
 void LessonPrivate::afterTurn()
 {
     const QPointer<Lesson> self(q);
+    flushJournal();
     roster->flush();
     if (!self)
         return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "lesson/Inbox.h"
+#include "lesson/Journal.h"
 #include "lesson/Lesson.h"
 #include "lesson/LessonMessages.h"
 #include "lesson/LessonWorker.h"
@@ -38,6 +39,7 @@ struct LessonPrivate : public LessonListener
     bool refuse(const char* text);
     void beginLogIn(const Login& login);
     void beginStart();
+    void beginToLive(const Opening& opening);
     void beginEnd(bool andLogOut);
     void tryAgain();
     void attempt();
@@ -60,6 +62,7 @@ struct LessonPrivate : public LessonListener
                      const std::function<void(const QByteArray& png, const QString& url)>& then);
     Poll* addPoll(const Question& question);
     void sendPoll(const Question& question, const QByteArray& png, const QString& url);
+    void removeStoppedPolls();
     void stopPoll(int seconds);
     void showResults(const Poll& poll);
     void setPaused(bool paused);
@@ -70,6 +73,36 @@ struct LessonPrivate : public LessonListener
     void welcome(const Learner& learner);
     void see(const QString& deviceId);
     void afterTurn();
+
+    // The journal.
+    void beginJournal();
+    void flushJournal();
+    void failJournal(const QString& name);
+    void note(const QJsonObject& event);
+    void record(const QJsonObject& event);
+    void observe();
+    void observe(const Poll* added);
+    void observe(const Assessment* added);
+    void watch(const Poll* added);
+    void watch(const Assessment* added);
+    void noteSession(const QString& token);
+    void noteSent();
+    void noteAnswer(const QString& id, const PollAnswer& answer, int time);
+    void replay(const QVector<QJsonObject>& events);
+    void replaySession(const QJsonObject& event);
+    void replayJoined(const QJsonObject& event);
+    void replayLeft(const QJsonObject& event);
+    void replayPoll(const QJsonObject& event);
+    void replaySent(const QJsonObject& event);
+    void replayCleared(const QJsonObject& event);
+    void replayAssessment(const QJsonObject& event);
+    void replayEntered(const QJsonObject& event);
+    void replayState(const QJsonObject& event);
+    void replayAnswer(const QJsonObject& event);
+    void replayCard(const QJsonObject& event);
+    void replayLocked(const QJsonObject& event);
+    bool takeUp(const QString& fileName);
+    bool tellTakenUp();
 
     // From the worker.
     void onLoggedIn(int ticket, const LessonError& error, const QString& registration) override;
@@ -108,6 +141,10 @@ struct LessonPrivate : public LessonListener
     QStringList transports;
     int openLimit = 10000; // ms
     QDateTime startedAt;
+    QString journalName;   // from the next session on; empty for none
+    Journal journal;       // of this session
+    OpenSession takenUp;   // from a journal, until it is open again
+    QDateTime takenUpFrom; // its last event
     bool reconnects = true;
     bool wantsLive = false; // a session, as soon as the login is there
     bool isLoggingOut = false;

@@ -150,14 +150,20 @@ void LessonPrivate::onAnswer(const QString& deviceId, const QString& id, int tim
     const QPointer<Poll> answered(pollsById.value(id));
     if (answered) {
         see(deviceId);
-        if (self && answered && answered->add(deviceId, answer, time))
+        if (self && answered && answered->add(deviceId, answer, time)) {
+            noteAnswer(id, answered->answerOf(deviceId), time);
             answeredPolls.insert(answered);
+        }
         return;
     }
     for (Assessment* one : qAsConst(assessments)) {
         const int number = one->numberOf(id);
-        if (number > 0 && one->add(deviceId, number, answer, time))
+        const QPointer<Assessment> guard(one);
+        if (number > 0 && one->add(deviceId, number, answer, time)) {
+            if (guard)
+                noteAnswer(id, one->answer(deviceId, number), time);
             return;
+        }
     }
     onMessage(QStringLiteral("questionResponse"), deviceId,
               QVariantMap{{QStringLiteral("questionId"), id}, {QStringLiteral("answer"), answer}});

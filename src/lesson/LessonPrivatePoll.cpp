@@ -47,6 +47,7 @@ Poll* LessonPrivate::addPoll(const Question& question)
     poll = added;
     roster->setPoll(added);
     stopTimer.stop();
+    observe(added);
     cardPng.clear(); // the question takes the place of the card and of the text
     cardUrl.clear();
     isPollReady = false;
@@ -68,9 +69,27 @@ void LessonPrivate::sendPoll(const Question& question, const QByteArray& png, co
     if (!url.isEmpty())
         sentQuestion.pictureUrl = url;
     isPollReady = true;
+    noteSent();
     send([wanted = wanted()](PresenterCollab* collab) {
         LessonMessages::sendPoll(collab, QString(), wanted);
     });
+}
+
+void LessonPrivate::removeStoppedPolls()
+{
+    const QList<Poll*> all = polls;
+    for (Poll* one : all) {
+        if (one->isRunning())
+            continue;
+        polls.removeOne(one);
+        pollsById.remove(one->id());
+        answeredPolls.remove(one);
+        if (poll == one) {
+            poll = nullptr;
+            roster->setPoll(nullptr);
+        }
+        one->deleteLater();
+    }
 }
 
 void LessonPrivate::stopPoll(int seconds)

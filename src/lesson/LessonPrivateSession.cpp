@@ -83,11 +83,14 @@ void LessonPrivate::beginStart()
 {
     wantsLive = false;
     attempts = 0;
-    startedAt = QDateTime::currentDateTime();
     ticket = ++lastTicket;
-    worker->tell([ticket = ticket, transports = transports, limit = openLimit](LessonWorker* at) {
+    const bool isTakenUp = !takenUp.token.isEmpty();
+    if (!isTakenUp)
+        startedAt = QDateTime::currentDateTime();
+    worker->tell([=, ticket = ticket, session = takenUp, transports = transports,
+                  limit = openLimit](LessonWorker* at) {
         at->setTransports(transports, limit);
-        at->open(ticket);
+        isTakenUp ? at->takeUp(ticket, session) : at->open(ticket);
     });
     setState(Lesson::Starting);
 }
@@ -99,6 +102,7 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
     const QPointer<Lesson> self(q);
     joinCode = opening.joinCode;
     joinAddress = opening.joinAddress;
+    beginToLive(opening);
     QStringList newcomers;
     QSet<QString> listed = opening.heard;
     for (const Learner& learner : opening.learners) {
@@ -130,6 +134,19 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
     tellRemote();
 }
 
+// The journal is written from here on, or goes on where the session has been taken up.
+void LessonPrivate::beginToLive(const Opening& opening)
+{
+    if (std::exchange(takenUp, {}).token.isEmpty()) {
+        if (!opening.isReturn)
+            noteSession(opening.sessionToken);
+        return;
+    }
+    shown = wanted();
+    if (!journal.goOn(journalName))
+        failJournal(journalName);
+}
+
 void LessonPrivate::onNotOpened(int ticketOfOpening, const LessonError& error)
 {
     if (ticketOfOpening != ticket)
@@ -141,6 +158,7 @@ void LessonPrivate::onNotOpened(int ticketOfOpening, const LessonError& error)
         return;
     }
     const QPointer<Lesson> self(q);
+    journal.close(); // the session may be taken up
     finishSession();
     if (!self)
         return;
@@ -219,7 +237,8 @@ void LessonPrivate::onEnded(int ticketOfEnd, const LessonError& error)
 void LessonPrivate::giveUp()
 {
     const bool hadLogin = state != Lesson::LoggingIn && !(state == Lesson::Ending && isLoggingOut);
-    const bool endsSession = state == Lesson::Starting || state == Lesson::Reconnecting;
+    const bool isTakenUp = !takenUp.token.isEmpty(); // and goes on without us
+    const bool endsSession = (state == Lesson::Starting && !isTakenUp) || state == Lesson::Reconnecting;
     ticket = ++lastTicket;
     worker->tell([ticket = ticket, endsSession](LessonWorker* at) {
         at->cancel();
@@ -247,6 +266,8 @@ void LessonPrivate::giveUp()
 void LessonPrivate::finishSession()
 {
     const QPointer<Lesson> self(q);
+    const bool isTakenUp = !std::exchange(takenUp, {}).token.isEmpty(); // over for as long as its journal
+    const QDateTime at = isTakenUp ? takenUpFrom : QDateTime::currentDateTime();
     joinCode.clear();
     joinAddress.clear();
     uploads.clear();
@@ -255,13 +276,16 @@ void LessonPrivate::finishSession()
     ++cardSerial;
     isFinishing = true;
     const QStringList present = roster->present();
-    tell([this] { poll ? poll->stop() : void(); }, [this] { assessment ? assessment->stop() : void(); });
+    tell([this, at] { poll ? poll->stop(at) : void(); },
+         [this, at] { assessment ? assessment->stop(at) : void(); });
     for (const QString& deviceId : present) {
-        if (self)
-            onLeave(deviceId, {});
+        if (self && roster->leave(deviceId, at))
+            Q_EMIT roster->left(deviceId);
     }
     if (!self)
         return;
+    flushJournal();
+    journal.close();
     const bool wasLocked = std::exchange(isLocked, false);
     if (tell([this, wasLocked] { wasLocked ? q->lockedChanged() : void(); }, [this] { roster->flush(); },
              [this] { onRemoteGone({}); }))

@@ -256,13 +256,7 @@ LessonError LessonWorker::doOpen()
 {
     if (!m_client)
         return error(LessonError::LoggedOutByService);
-    m_client->setOpenLimit(m_openLimit);
-    m_client->setSilenceLimit(silenceLimit);
-    m_client->setStallLimit(stallLimit);
-    m_client->setAsynchronousConnect(true);
-    m_client->setEndsWithLostRequest(true);
-    m_client->setRandomSessionIds(true);
-    m_client->setSockJSOverrideProtocols(m_transports);
+    setLimits();
     PresenterCollab* collab = nullptr;
     const LessonError reason = startSession(&collab);
     if (collab)
@@ -270,6 +264,17 @@ LessonError LessonWorker::doOpen()
     if (reason.kind != LessonError::NoError || m_isCancelled)
         return error(reason.kind, reason.key);
     return waitForChannel() ? LessonError() : error(LessonError::NoChannel);
+}
+
+void LessonWorker::setLimits()
+{
+    m_client->setOpenLimit(m_openLimit);
+    m_client->setSilenceLimit(silenceLimit);
+    m_client->setStallLimit(stallLimit);
+    m_client->setAsynchronousConnect(true);
+    m_client->setEndsWithLostRequest(true);
+    m_client->setRandomSessionIds(true);
+    m_client->setSockJSOverrideProtocols(m_transports);
 }
 
 LessonError LessonWorker::startSession(PresenterCollab** collab)
@@ -365,6 +370,7 @@ void LessonWorker::reportOpened(int ticket, bool isReturn)
     Opening opening;
     opening.joinCode = m_client->sessionCode();
     opening.joinAddress = m_client->server();
+    opening.sessionToken = m_sessionToken;
     opening.isReturn = isReturn;
     m_isOpen = true;
     m_heard.clear();
@@ -404,11 +410,21 @@ void LessonWorker::reopen(int ticket)
     });
 }
 
-// The service is asked first: whether it is there, who we are to it, and whether it knows the session.
 LessonError LessonWorker::doReopen()
 {
     if (!m_client || !m_collab)
         return error(LessonError::SessionGone);
+    const LessonError reason = findSession();
+    if (reason.kind != LessonError::NoError)
+        return reason;
+    if (!m_isCancelled)
+        m_collab->open(transportsForReturn());
+    return waitForChannel() ? LessonError() : error(LessonError::NoChannel);
+}
+
+// The service is asked first: whether it is there, who we are to it, and whether it knows the session.
+LessonError LessonWorker::findSession()
+{
     QList<ServiceClient::User> users;
     ServiceClient::Reply reply = m_client->askUsers(m_sessionToken, &users);
     if (reply.key.startsWith(QLatin1String("login.error"))) {
@@ -419,10 +435,42 @@ LessonError LessonWorker::doReopen()
     }
     if (reply.key.startsWith(QLatin1String("session.error")))
         return error(LessonError::SessionGone, reply.key);
-    if (!reply.isFine())
-        return error(m_client->kindOf(reply), reply.key);
-    if (!m_isCancelled)
-        m_collab->open(transportsForReturn());
+    return reply.isFine() ? LessonError() : error(m_client->kindOf(reply), reply.key);
+}
+
+// Where it cannot be, the session goes on without us.
+void LessonWorker::takeUp(int ticket, const OpenSession& session)
+{
+    enqueue(true, [this, ticket, session] {
+        m_ticket = ticket;
+        m_expectedSteps = 6;
+        const LessonError result = doTakeUp(session);
+        if (result.kind == LessonError::NoError) {
+            reportOpened(ticket, true);
+            return;
+        }
+        dropChannel();
+        m_sessionToken.clear();
+        report([=](LessonListener* listener) { listener->onNotOpened(ticket, result); });
+    });
+}
+
+// A session that was started starts again for its teacher, with the same token.
+LessonError LessonWorker::doTakeUp(const OpenSession& session)
+{
+    if (!m_client)
+        return error(LessonError::LoggedOutByService);
+    setLimits();
+    m_sessionToken = session.token;
+    const LessonError reason = findSession();
+    if (reason.kind != LessonError::NoError)
+        return reason;
+    PresenterCollab* collab = nullptr;
+    if (!m_client->startAgain(session.code, &collab))
+        return reasonOfFailure();
+    adopt(collab);
+    if (m_client->sessionToken() != session.token)
+        return error(LessonError::SessionGone);
     return waitForChannel() ? LessonError() : error(LessonError::NoChannel);
 }
 

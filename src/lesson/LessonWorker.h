@@ -37,9 +37,17 @@ struct Login
     QString registration;
 };
 
+/// A session that is open at the service.
+struct OpenSession
+{
+    QString code;
+    QString token;
+};
+
 /// A channel that is open.
 struct Opening
 {
+    QString sessionToken;
     QString joinCode;
     QString joinAddress;
     QList<Learner> learners; ///< the service's list
@@ -90,6 +98,8 @@ public:
     /// openLimit milliseconds; 0 is no limit.
     void setTransports(const QStringList& transports, int openLimit);
     void open(int ticket);
+    /// Opens a channel of a session that is open at the service, or SessionGone.
+    void takeUp(int ticket, const OpenSession& session);
     /// Opens the channel of the session again, whatever has become of it and of the login.
     void reopen(int ticket);
     void endSession(int ticket);
@@ -128,6 +138,9 @@ private:
     LessonError startSession(PresenterCollab** collab);
     LessonError reasonOfFailure();
     LessonError doReopen();
+    LessonError doTakeUp(const OpenSession& session);
+    LessonError findSession();
+    void setLimits();
     LessonError renewLogin();
     void reportOpened(int ticket, bool isReturn);
     bool waitForChannel();

@@ -41,8 +41,9 @@ struct Poll::Private
     QString id = QUuid::createUuid().toString(QUuid::WithoutBraces);
     QDateTime startedAt = QDateTime::currentDateTime();
     QDateTime stopsAt;
-    QElapsedTimer clock;
-    qint64 lasted = 0; // ms, once it is over
+    QElapsedTimer clock; // since it was asked for, or taken up
+    qint64 before = 0;   // ms that it had run when it was taken up
+    qint64 lasted = 0;   // ms, once it is over
     QVector<PollAnswer> answers;
     QHash<QString, int> rows; // by device
     PollResults* results = nullptr;
@@ -65,7 +66,7 @@ Poll::Poll(int number, const Question& question, const Roster* roster, QObject* 
 Poll::~Poll() = default;
 
 // Takes the device's answer; false when it is the one that it has given already.
-bool Poll::add(const QString& deviceId, const QString& text, int time)
+bool Poll::add(const QString& deviceId, const QString& text, int time, const QDateTime& at)
 {
     constexpr int second = 1000;
     PollAnswer answer;
@@ -82,7 +83,7 @@ bool Poll::add(const QString& deviceId, const QString& text, int time)
     answer.name = d->roster ? d->roster->name(deviceId) : deviceId;
     answer.picks = d->question.picksOf(answer.text);
     answer.msecs = isDocument() ? time : time * second;
-    answer.receivedAt = QDateTime::currentDateTime();
+    answer.receivedAt = at;
     answer.isLate = !d->isRunning;
     if (d->question.isMarked())
         answer.mark = d->question.isRight(answer.text) ? PollAnswer::Right : PollAnswer::Wrong;
@@ -114,15 +115,33 @@ void Poll::setStopsAt(const QDateTime& stopsAt)
     Q_EMIT stateChanged();
 }
 
-void Poll::stop()
+// At a time in the past where it is known only later that it was over.
+void Poll::stop(const QDateTime& at)
 {
     if (!d->isRunning)
         return;
     d->missingAtStop = missing();
-    d->lasted = d->clock.elapsed();
+    d->lasted = at.isValid() ? d->startedAt.msecsTo(at) : elapsed();
     d->isRunning = d->isPaused = false;
     d->stopsAt = QDateTime();
     Q_EMIT stateChanged();
+}
+
+void Poll::restore(const QString& id, const QDateTime& startedAt)
+{
+    d->id = id;
+    d->startedAt = startedAt;
+    d->before = startedAt.msecsTo(QDateTime::currentDateTime());
+}
+
+void Poll::restoreState(bool isRunning, bool isPaused, qint64 lasted, const QDateTime& stopsAt)
+{
+    if (d->isRunning && !isRunning)
+        d->missingAtStop = missing();
+    d->isRunning = isRunning;
+    d->isPaused = isPaused;
+    d->lasted = lasted;
+    d->stopsAt = stopsAt;
 }
 
 void Poll::flush()
@@ -185,7 +204,7 @@ QDateTime Poll::stopsAt() const
 
 qint64 Poll::elapsed() const
 {
-    return d->isRunning ? d->clock.elapsed() : d->lasted;
+    return d->isRunning ? d->before + d->clock.elapsed() : d->lasted;
 }
 
 PollResults* Poll::results() const

@@ -91,11 +91,15 @@ private:
     friend struct LessonPrivate;
     Poll(int number, const Question& question, const Roster* roster, QObject* parent);
     bool isDocument() const;
-    bool add(const QString& deviceId, const QString& text, int time);
+    bool add(const QString& deviceId, const QString& text, int time,
+             const QDateTime& at = QDateTime::currentDateTime());
     void setPaused(bool paused);
     void setStopsAt(const QDateTime& stopsAt);
-    void stop();
+    void stop(const QDateTime& at = QDateTime());
     void flush();
+    // As it was, from a journal.
+    void restore(const QString& id, const QDateTime& startedAt);
+    void restoreState(bool isRunning, bool isPaused, qint64 lasted, const QDateTime& stopsAt);
 
     struct Private;
     std::unique_ptr<Private> d;

@@ -61,7 +61,7 @@ Roster::Roster(QObject* parent) : QAbstractListModel(parent), d(std::make_unique
 Roster::~Roster() = default;
 
 // False when the device is here already; its name can change all the same.
-bool Roster::join(const Learner& learner)
+bool Roster::join(const Learner& learner, const QDateTime& at)
 {
     if (learner.deviceId.isEmpty())
         return false;
@@ -82,7 +82,7 @@ bool Roster::join(const Learner& learner)
     member.deviceType = LessonText::clean(learner.deviceType, longestName);
     if (isNew) {
         member.isPresent = true;
-        member.stays.append({QDateTime::currentDateTime(), QDateTime()});
+        member.stays.append({at, QDateTime()});
         d->mostPresent = qMax(d->mostPresent, ++d->present);
         d->isChanged = true;
     }
@@ -99,18 +99,31 @@ bool Roster::see(const QString& deviceId)
     return !member->isPresent && join(Learner(deviceId, member->name, member->deviceType));
 }
 
-bool Roster::leave(const QString& deviceId)
+bool Roster::leave(const QString& deviceId, const QDateTime& at)
 {
     if (!isPresent(deviceId))
         return false;
     const int row = d->rows.value(deviceId);
     d->members[row].isPresent = false;
-    d->members[row].stays.last().to = QDateTime::currentDateTime();
+    d->members[row].stays.last().to = at;
     --d->present;
     d->isChanged = true;
     const QPointer<Roster> self(this);
     Q_EMIT dataChanged(index(row), index(row));
     return self;
+}
+
+QDateTime Roster::movedAt(const QString& deviceId) const
+{
+    const Member* const member = d->find(deviceId);
+    if (!member || member->stays.isEmpty())
+        return QDateTime();
+    return member->isPresent ? member->stays.last().from : member->stays.last().to;
+}
+
+int Roster::rowOf(const QString& deviceId) const
+{
+    return d->rows.value(deviceId, -1);
 }
 
 void Roster::clear()

@@ -4,6 +4,7 @@
 #include <CalyxClient/model/Learner.h>
 
 #include <QAbstractListModel>
+#include <QDateTime>
 #include <QJsonArray>
 #include <QStringList>
 
@@ -75,9 +76,12 @@ private:
     friend class Lesson;
     friend struct LessonPrivate;
     explicit Roster(QObject* parent);
-    bool join(const Learner& learner);
+    bool join(const Learner& learner, const QDateTime& at = QDateTime::currentDateTime());
     bool see(const QString& deviceId);
-    bool leave(const QString& deviceId);
+    bool leave(const QString& deviceId, const QDateTime& at = QDateTime::currentDateTime());
+    /// When it came or went last.
+    QDateTime movedAt(const QString& deviceId) const;
+    int rowOf(const QString& deviceId) const;
     void clear();
     /// tellAnswers() is still to be called.
     void setPoll(const Poll* poll);

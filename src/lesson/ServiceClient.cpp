@@ -73,6 +73,14 @@ ServiceClient::Reply ServiceClient::askUsers(const QString& sessionToken, QList<
     return reply;
 }
 
+bool ServiceClient::startAgain(const QString& code, PresenterCollab** collab)
+{
+    if (!lastError().isNull())
+        checkServer(QString(), QString()); // or that key refuses the start
+    sessionSuccessResponse(QStringLiteral(R"({"data":{"sessionCode":"%0"}})").arg(code));
+    return startWebsocket(collab);
+}
+
 void ServiceClient::abortRequests()
 {
     const auto* manager = findChild<QNetworkAccessManager*>();

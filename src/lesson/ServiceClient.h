@@ -39,6 +39,8 @@ public:
     LessonError::Kind probe();
     /// Everybody in the session.
     Reply askUsers(const QString& sessionToken, QList<User>* users);
+    /// startWebsocket() for the session with this code, which is open already.
+    bool startAgain(const QString& code, PresenterCollab** collab);
     /// Ends the request that is under way, and so the operation's wait for it.
     void abortRequests();
 

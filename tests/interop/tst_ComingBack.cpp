@@ -1,3 +1,4 @@
+#include "interop/support/Child.h"
 #include "interop/support/Host.h"
 #include "interop/support/Learners.h"
 #include "interop/support/Main.h"
@@ -10,7 +11,10 @@
 #include <CalyxClient/Lesson>
 
 #include <QElapsedTimer>
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QRandomGenerator>
+#include <QTemporaryDir>
 
 #include <algorithm>
 #include <memory>
@@ -88,6 +92,61 @@ struct Class
     Lesson lesson;
     std::unique_ptr<Learners> learners;
 };
+
+/// A host in a process of its own, and the lines that it has said.
+class HostProcess
+{
+public:
+    explicit HostProcess(const QStringList& arguments)
+    {
+        m_process.start(QStringLiteral(LESSON_HOST), arguments);
+    }
+    ~HostProcess() { end(SIGKILL); }
+
+    /// Waits for the \p count-th line that begins with \p prefix: the rest of it; null when none comes.
+    QByteArray waitFor(const QByteArray& prefix, int count = 1)
+    {
+        const auto isThere = [&] {
+            m_said += m_process.readAll();
+            return m_said.count('\n' + prefix) >= count;
+        };
+        if (!QTest::qWaitFor(isThere, 60 * second))
+            return QByteArray();
+        int at = 0;
+        for (int i = 0; i < count; ++i)
+            at = m_said.indexOf('\n' + prefix, at) + 1;
+        return m_said.mid(at, m_said.indexOf('\n', at) - at).mid(prefix.size());
+    }
+
+    void send(int signal)
+    {
+        if (m_process.state() == QProcess::Running)
+            ::kill(pid_t(m_process.processId()), signal);
+    }
+    void end(int signal)
+    {
+        send(signal);
+        m_process.waitForFinished();
+    }
+
+private:
+    Child m_process;
+    QByteArray m_said = "\n";
+};
+
+/// Without what is of the moment.
+QJsonObject timeless(QJsonObject report)
+{
+    report.remove(QStringLiteral("savedAt"));
+    for (const char* part : {"polls", "assessments"}) {
+        QJsonArray all = report.value(QLatin1String(part)).toArray();
+        QJsonObject last = all.last().toObject();
+        last.remove(QStringLiteral("msecs")); // it runs
+        all.replace(all.size() - 1, last);
+        report[QLatin1String(part)] = all;
+    }
+    return report;
+}
 
 qint64 median(std::vector<qint64> times)
 {
@@ -236,6 +295,48 @@ private Q_SLOTS:
         QTimer::singleShot(pause, &lesson.hostLine, [&] { lesson.hostLine.recover(); });
         QVERIFY(waitFor([&] { return poll->answered() == 5; }));
         QCOMPARE(losses, 0);
+    }
+
+    // Its host was killed while it wrote.
+    void isTakenUp()
+    {
+        const QTemporaryDir folder;
+        const QString journal = folder.filePath(QStringLiteral("journal"));
+        HostProcess host({m_classroom.url().toString(), journal});
+        const QByteArray code = host.waitFor("state 4 ");
+        QVERIFY(!code.isNull());
+        const Learners learners(m_classroom.url(), QString::fromUtf8(code), 3);
+        const QByteArray report = host.waitFor("report ");
+        QVERIFY(!report.isNull());
+        host.end(SIGKILL);
+        QFile file(journal);
+        QVERIFY(file.open(QIODevice::Append));
+        file.write("{\"event\":\"answer\",\"device\":\"a");
+        file.close();
+        QCOMPARE(Lesson::journalOf(journal).value(QStringLiteral("code")).toByteArray(), code);
+
+        Lesson lesson(m_classroom.url());
+        LessonError error;
+        connect(&lesson, &Lesson::failed, this, [&](const LessonError& one) { error = one; });
+        lesson.logIn(QStringLiteral("teacher"), QStringLiteral("chalk"));
+        lesson.takeUp(journal);
+        const QJsonObject before = QJsonDocument::fromJson(report).object();
+        QCOMPARE(timeless(lesson.report()), timeless(before));
+        QVERIFY(waitFor([&] { return lesson.state() == Lesson::Live; }));
+        QCOMPARE(timeless(lesson.report()), timeless(before));
+        QCOMPARE(lesson.joinCode().toUtf8(), code);
+        QVERIFY(lesson.poll()->isRunning());
+        const Poll* const poll = lesson.ask(Question::usual(PollType::TEXT));
+        QVERIFY(waitFor([&] { return poll->answered() == 3; }));
+        lesson.end();
+        QVERIFY(waitFor([&] { return lesson.state() == Lesson::LoggedIn; }));
+
+        const QJsonObject after = lesson.report();
+        lesson.takeUp(journal);
+        QVERIFY(waitFor([&] { return error.kind != LessonError::NoError; }));
+        QCOMPARE(error.kind, LessonError::SessionGone);
+        QCOMPARE(lesson.state(), Lesson::LoggedIn);
+        QCOMPARE(timeless(lesson.report()), timeless(after));
     }
 
     void nothingGrows_data() { addTransports(); }

@@ -99,6 +99,7 @@ private Q_SLOTS:
         QTest::addColumn<Work>("work");
         const auto row = [](const char* name, const Work& work) { QTest::newRow(name) << work; };
         row("start", [](Lesson& lesson) { lesson.start(); });
+        row("take up", [](Lesson& lesson) { lesson.takeUp(QString()); });
         row("end", [](Lesson& lesson) { lesson.end(); });
         row("ask", [](Lesson& lesson) { QVERIFY(!lesson.ask(Question::usual(PollType::TEXT))); });
         row("assess", [](Lesson& lesson) { QVERIFY(!lesson.startAssessment(AssessmentPlan())); });
