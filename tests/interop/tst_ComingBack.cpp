@@ -1,8 +1,8 @@
-#include "interop/support/Child.h"
 #include "interop/support/Host.h"
 #include "interop/support/Learners.h"
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
+#include "support/ChildProcess.h"
 #include "support/ProcessResources.h"
 #include "support/Relay.h"
 #include "support/Rows.h"
@@ -130,7 +130,7 @@ public:
     }
 
 private:
-    Child m_process;
+    ChildProcess m_process;
     QByteArray m_said = "\n";
 };
 
