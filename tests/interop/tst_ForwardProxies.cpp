@@ -88,21 +88,6 @@ private Q_SLOTS:
         QVERIFY(lesson.client().doStopSession());
     }
 
-    void keepsAnsweringTheRealProxy()
-    {
-        startDoor(Peers::nodeBus());
-        useProxy();
-        const QString address = QStringLiteral("127.0.0.1:%1").arg(m_proxy->port());
-        Host host(m_door->url());
-        for (int round = 0; round < 3; ++round) {
-            for (const QString& transport : Transport::all) {
-                QVERIFY(host.open(transport));
-                QCOMPARE(QSystemConfigurationProxyFactory::getProxyString(), address);
-                QVERIFY(host.close());
-            }
-        }
-    }
-
     void proxyGoesAndComesBack_data() { Transport::addRows(); }
 
     void proxyGoesAndComesBack()

@@ -96,31 +96,6 @@ private Q_SLOTS:
         QCOMPARE(bus.count(QStringLiteral("upgrade ")), 1);
         QVERIFY(plain.close());
     }
-
-    void requestsAreRefused_data()
-    {
-        rows<QString, QString>({
-            {"unknown", "unknown", "SSLRootCertificateMissing"},
-            {"elsewhere", "elsewhere", QString()},
-            {"expired", "expired", QString()},
-        });
-    }
-
-    void requestsAreRefused()
-    {
-        const auto [certificate, error] = row<QString, QString>();
-        const TestCertificates::TrustedRoot trusted;
-        Peer bus(Peers::nodeBus());
-        VERIFY_STARTED(bus.start());
-        Peer tls(behindTls(bus, certificate));
-        VERIFY_STARTED(tls.start());
-        PresenterClient client(nullptr, tls.url(https).toString());
-        QVERIFY(!client.checkServer(QString(), QString()));
-        QCOMPARE(client.lastError(), error);
-        QVERIFY(!client.doLogin(QStringLiteral("teacher"), QStringLiteral("chalk")));
-        QCOMPARE(client.lastError(), error);
-        QCOMPARE(bus.count(QStringLiteral("request ")), 0);
-    }
 };
 
 INTEROP_MAIN(TestTransportSecurity)

@@ -63,12 +63,23 @@ class tst_RawConnection : public QObject
 private Q_SLOTS:
     void initTestCase() { QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy); }
 
+    void init()
+    {
+        m_server = std::make_unique<Server>();
+        m_line = std::make_unique<Line>(m_server->port(), false);
+    }
+
+    void cleanup()
+    {
+        m_line.reset();
+        m_server.reset();
+    }
+
     void carriesBytesBothWays_data() { ways(); }
 
     void carriesBytesBothWays()
     {
-        QFETCH(bool, secure);
-        QFETCH(bool, waiting);
+        const auto [secure, waiting] = row<bool, bool>();
         Server server(secure ? tlsOf("loopback") : QSslConfiguration());
         Line line(server.port(), secure);
         QVERIFY(line.connection.isUnconnected());
@@ -88,19 +99,16 @@ private Q_SLOTS:
 
     void writesAtOnce()
     {
-        const Server server;
-        Line line(server.port(), false);
-        QVERIFY(line.connectLine(false));
-        line.connection.write("question");
-        QCOMPARE(line.socket->bytesToWrite(), qint64(0));
+        QVERIFY(m_line->connectLine(false));
+        m_line->connection.write("question");
+        QCOMPARE(m_line->socket->bytesToWrite(), qint64(0));
     }
 
     void refusedOneCanBeMadeAgain_data() { ways(); }
 
     void refusedOneCanBeMadeAgain()
     {
-        QFETCH(bool, secure);
-        QFETCH(bool, waiting);
+        const auto [secure, waiting] = row<bool, bool>();
         Server server(secure ? tlsOf("loopback") : QSslConfiguration());
         server.stopListening();
         Line line(server.port(), secure);
@@ -118,8 +126,7 @@ private Q_SLOTS:
 
     void droppedOneCanBeMadeAgain()
     {
-        QFETCH(bool, secure);
-        QFETCH(bool, waiting);
+        const auto [secure, waiting] = row<bool, bool>();
         Server server(secure ? tlsOf("loopback") : QSslConfiguration());
         Line line(server.port(), secure);
         QVERIFY(line.connectLine(waiting));
@@ -159,7 +166,7 @@ private Q_SLOTS:
 
     void handshakeHasItsTime()
     {
-        QFETCH(bool, waiting);
+        const auto [waiting] = row<bool>();
         const Server silent;
         Line line(silent.port(), true);
         QVERIFY(!line.connectLine(waiting, little));
@@ -171,7 +178,7 @@ private Q_SLOTS:
     // The far end of its CONNECT is in no network: only the proxy can know it.
     void goesThroughTheProxyOfItsSocket()
     {
-        QFETCH(bool, waiting);
+        const auto [waiting] = row<bool>();
         Server proxy;
         proxy.answer("bus.invalid:80", "HTTP/1.1 200 Connection established\r\n\r\n");
         Line line(80, false, QStringLiteral("bus.invalid"));
@@ -239,24 +246,20 @@ private Q_SLOTS:
 
     void waitEndsWithBytes()
     {
-        Server server;
-        server.answer("/a", "answer");
-        Line line(server.port(), false);
-        QVERIFY(line.connectLine(false));
-        line.connection.write("GET /a HTTP/1.1\r\n\r\n");
-        QVERIFY(line.connection.wait(tooLong));
-        QCOMPARE(line.connection.readAll(), QByteArray("answer"));
+        m_server->answer("/a", "answer");
+        QVERIFY(m_line->connectLine(false));
+        m_line->connection.write("GET /a HTTP/1.1\r\n\r\n");
+        QVERIFY(m_line->connection.wait(tooLong));
+        QCOMPARE(m_line->connection.readAll(), QByteArray("answer"));
     }
 
     void waitEndsWithTheConnection()
     {
-        Server server;
-        server.answer("/a", Server::Script{Server::close()});
-        Line line(server.port(), false);
-        QVERIFY(line.connectLine(false));
-        line.connection.write("GET /a HTTP/1.1\r\n\r\n");
-        while (line.connection.isConnected())
-            QVERIFY(line.connection.wait(tooLong));
+        m_server->answer("/a", Server::Script{Server::close()});
+        QVERIFY(m_line->connectLine(false));
+        m_line->connection.write("GET /a HTTP/1.1\r\n\r\n");
+        while (m_line->connection.isConnected())
+            QVERIFY(m_line->connection.wait(tooLong));
     }
 
     void waitEndsWhenWoken()
@@ -290,67 +293,56 @@ private Q_SLOTS:
     void closedByTheFarEndIsNotClosed()
     {
         const auto [reset] = row<bool>();
-        Server server;
-        Line line(server.port(), false);
-        QVERIFY(line.connectLine(false));
-        QTRY_COMPARE(server.connections(), 1);
-        server.dropConnections(reset);
-        QVERIFY(waitFor([&] { return line.connection.isUnconnected(); }));
-        QVERIFY(!line.connection.isClosed());
-        QVERIFY(line.connectLine(true));
+        QVERIFY(m_line->connectLine(false));
+        QTRY_COMPARE(m_server->connections(), 1);
+        m_server->dropConnections(reset);
+        QVERIFY(waitFor([&] { return m_line->connection.isUnconnected(); }));
+        QVERIFY(!m_line->connection.isClosed());
+        QVERIFY(m_line->connectLine(true));
     }
 
     void closedByAFailedWriteIsNotClosed()
     {
-        Server server;
-        Line line(server.port(), false);
-        QVERIFY(line.connectLine(false));
-        QTRY_COMPARE(server.connections(), 1);
-        server.dropConnections(true);
-        while (line.socket->isOpen()) // until the reset has come
-            line.connection.write("lost");
-        QVERIFY(!line.connection.isClosed());
+        QVERIFY(m_line->connectLine(false));
+        QTRY_COMPARE(m_server->connections(), 1);
+        m_server->dropConnections(true);
+        while (m_line->socket->isOpen()) // until the reset has come
+            m_line->connection.write("lost");
+        QVERIFY(!m_line->connection.isClosed());
     }
 
     void closedBySomebodyElseIsClosed()
     {
-        const Server server;
-        Line line(server.port(), false);
-        QVERIFY(line.connectLine(false));
-        line.socket->close();
-        QVERIFY(line.connection.isClosed());
+        QVERIFY(m_line->connectLine(false));
+        m_line->socket->close();
+        QVERIFY(m_line->connection.isClosed());
     }
 
     void closedBySomebodyElseWhenMadeAgainIsClosed()
     {
-        const Server server;
-        Line line(server.port(), false);
-        QVERIFY(line.connectLine(false));
-        line.connection.drop();
-        QVERIFY(line.connectLine(true));
-        line.socket->close();
-        QVERIFY(line.connection.isClosed());
+        QVERIFY(m_line->connectLine(false));
+        m_line->connection.drop();
+        QVERIFY(m_line->connectLine(true));
+        m_line->socket->close();
+        QVERIFY(m_line->connection.isClosed());
     }
 
 private:
-    static void waits()
-    {
-        QTest::addColumn<bool>("waiting");
-        QTest::newRow("without events") << false;
-        QTest::newRow("within the event loop") << true;
-    }
+    static void waits() { rows<bool>({{"without events", false}, {"within the event loop", true}}); }
 
     static void ways()
     {
-        QTest::addColumn<bool>("secure");
-        QTest::addColumn<bool>("waiting");
-        QTest::newRow("plain, without events") << false << false;
-        QTest::newRow("plain, within the event loop") << false << true;
-        QTest::newRow("TLS, without events") << true << false;
-        QTest::newRow("TLS, within the event loop") << true << true;
+        rows<bool, bool>({
+            {"plain, without events", false, false},
+            {"plain, within the event loop", false, true},
+            {"TLS, without events", true, false},
+            {"TLS, within the event loop", true, true},
+        });
     }
 
     const TestCertificates::TrustedRoot m_trusted;
+    std::unique_ptr<Server> m_server;
+    std::unique_ptr<Line> m_line; // plain, to that server
 };
 
 QTEST_GUILESS_MAIN(tst_RawConnection)

@@ -139,17 +139,16 @@ private Q_SLOTS:
     {
         m_server->answerAlways("/xhr", plain("h\n"));
         QObject parent;
-        const QPointer<Transport> transport(new Transport(&parent));
-        QSignalSpy texts(transport, &Transport::textMessageReceived);
-        QSignalSpy ends(transport, &Transport::connectionClosed);
-        QVERIFY(transport->start(QStringLiteral("127.0.0.1"), m_server->port(), false, sessionPath, false));
-        QTRY_VERIFY(!texts.isEmpty());
-        const int heard = texts.size();
+        const QPointer<Transport> transport = m_session->transport;
+        transport->setParent(&parent);
+        QVERIFY(start());
+        QTRY_VERIFY(!m_session->texts.isEmpty());
+        const int heard = m_session->texts.size();
         transport->retire();
         QVERIFY(!transport->parent());
         QTRY_VERIFY(!transport);
-        QCOMPARE(texts.size(), heard);
-        QCOMPARE(ends.size(), 0);
+        QCOMPARE(m_session->texts.size(), heard);
+        QCOMPARE(m_session->ends, 0);
         QTRY_COMPARE(m_server->openConnections(), 0);
     }
 
@@ -157,8 +156,8 @@ private Q_SLOTS:
     {
         m_server->answer("/xhr_send", Server::Script{Server::hold(), Server::send(plain(""))});
         m_server->answerAlways("/xhr_send", plain(""));
-        const QPointer<Transport> transport(new Transport(nullptr));
-        QVERIFY(transport->start(QStringLiteral("127.0.0.1"), m_server->port(), false, sessionPath, false));
+        const QPointer<Transport> transport = m_session->transport;
+        QVERIFY(start());
         for (int i = 0; i < 3; ++i)
             transport->sendTextMessage(QString::number(i));
         transport->retire();
@@ -174,8 +173,8 @@ private Q_SLOTS:
     {
         m_server->answerAlways("/xhr_send", Server::Script{Server::pause(1200), Server::send(plain(""))});
         m_server->answer("/xhr", Server::Script{Server::hold(), Server::send(plain("h\n"))});
-        const QPointer<Transport> transport(new Transport(nullptr));
-        QVERIFY(transport->start(QStringLiteral("127.0.0.1"), m_server->port(), false, sessionPath, false));
+        const QPointer<Transport> transport = m_session->transport;
+        QVERIFY(start());
         for (int i = 0; i < 4; ++i)
             transport->sendTextMessage(QString::number(i));
         QTRY_COMPARE(m_server->count("/xhr"), 1);
@@ -190,8 +189,8 @@ private Q_SLOTS:
 
     void retiredTransportGivesUpOnASilentServer()
     {
-        const QPointer<Transport> transport(new Transport(nullptr));
-        QVERIFY(transport->start(QStringLiteral("127.0.0.1"), m_server->port(), false, sessionPath, false));
+        const QPointer<Transport> transport = m_session->transport;
+        QVERIFY(start());
         transport->sendTextMessage(QStringLiteral("[]"));
         transport->sendTextMessage(QStringLiteral("[]"));
         QElapsedTimer clock;
