@@ -1,4 +1,4 @@
-#!/usr/bin/env node
+import { isIP } from 'node:net';
 import { basename } from 'node:path';
 import { Classroom } from './lib/classroom.js';
 import { COMMANDS, Commands } from './lib/commands.js';
@@ -18,6 +18,8 @@ Where others than this machine reach it, the built-in accounts are closed. Witho
 
   --host HOST                the address to bind to (127.0.0.1)
   --name NAME                one more name by which browsers may ask for it; may be given again
+  --proxy ADDRESS            a reverse proxy at that address stands in front, and says in X-Forwarded-For
+                             for whom it asks
   --port PORT                the port; 0, the default, takes a free one
   --user NAME:PASSWORD       one more account; may be given again
   --gzip                     send the service's replies gzip-encoded
@@ -35,6 +37,7 @@ const OPTIONS = {
   host: { type: 'string', default: '127.0.0.1' },
   port: { type: 'string', default: '0' },
   name: { type: 'string', multiple: true, default: [] },
+  proxy: { type: 'string' },
   user: { type: 'string', multiple: true, default: [] },
   gzip: { type: 'boolean', default: false },
   'sockjs-transports': { type: 'string' },
@@ -50,6 +53,11 @@ function account(text) {
   return { userId: match[1], password: match[2] };
 }
 
+function address(text) {
+  if (text !== undefined && !isIP(text)) throw new UsageError(`--proxy takes an address, not "${text}"`);
+  return text;
+}
+
 function read(args) {
   const values = parseOptions(args, OPTIONS);
   const transports = values['sockjs-transports'];
@@ -63,6 +71,7 @@ function read(args) {
     classroom: {
       users: values.user.map(account),
       names: values.name,
+      proxy: address(values.proxy),
       gzip: values.gzip,
       websocket: !values['disable-websocket'],
       ...(transports === undefined ? {} : { sockjsTransports: commaList(transports) }),

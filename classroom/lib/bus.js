@@ -46,6 +46,7 @@ function received(address, { body = null, headers, replyAddress }) {
 /** The event bus: SockJS connections that register, unregister, publish, send and ping. */
 export class Bus {
   #sessions;
+  #front;
   #sockjsHandler;
   #maxQueued;
   #connections = new Set();
@@ -63,8 +64,9 @@ export class Bus {
     send: (connection, frame) => this.#send(connection, frame),
   };
 
-  constructor(sessions, { websocket, awayMs, maxQueued }) {
+  constructor(sessions, front, { websocket, awayMs, maxQueued }) {
     this.#sessions = sessions;
+    this.#front = front;
     this.#maxQueued = maxQueued;
     sessions.on('stopped', (session) => this.#endSession(session));
     const server = sockjs.createServer({
@@ -123,6 +125,7 @@ export class Bus {
       return;
     }
     const meter = this.#meter(() => meter.connection, () => socket.destroy());
+    meter.presenter = request.presenter;
     this.#meters.set(socket, meter);
     // Before the SockJS server hears it: what ends a frame is counted, and then the frame is complete.
     socket.on('data', meter.add);
@@ -146,6 +149,7 @@ export class Bus {
     const path = pathOf(socket);
     this.#callers.connected(path, connection);
     const meter = Object.assign(this.#meters.get(wireOf(socket)) ?? {}, { connection });
+    connection.presenter ??= meter.presenter;
     socket.on('data', (text) => {
       meter.reset?.();
       this.#received(connection, text);
@@ -181,7 +185,7 @@ export class Bus {
 
   #allows(session, connection, frame) {
     if (frame.replyAddress !== undefined && !this.#mayBeReplyAddress(frame.replyAddress)) return false;
-    if (frame.type === 'register') return mayRegister(session, connection, frame);
+    if (frame.type === 'register') return mayRegister(session, connection, frame, this.#front);
     return frame.type === 'unregister' || maySend(session, connection, frame, this.#addresses.all(frame.address));
   }
 

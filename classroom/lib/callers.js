@@ -4,6 +4,7 @@
 
 import { randomUUID } from 'node:crypto';
 import { BoundedMap } from './bounded.js';
+import { addressOf } from './front.js';
 import { MAX_CONNECTIONS } from './limits.js';
 
 const COOKIE = 'eventBusSession';
@@ -38,7 +39,9 @@ export class Callers {
 
   connected(path, connection) {
     const caller = this.#callers.get(SESSION_PATH.exec(path)?.[2]);
-    if (caller) caller.connection = connection;
+    if (!caller) return;
+    caller.connection = connection;
+    connection.presenter = caller.presenter;
   }
 
   ended(path, connection) {
@@ -54,11 +57,12 @@ class Caller {
   #keepsCookie = false;
 
   constructor(request) {
-    this.#address = request.socket.remoteAddress;
+    this.#address = addressOf(request);
+    this.presenter = request.presenter;
   }
 
   isSame(request) {
-    if (request.socket.remoteAddress !== this.#address) return false;
+    if (addressOf(request) !== this.#address) return false;
     const cookie = cookieOf(request);
     if (cookie === this.cookie) this.#keepsCookie = true;
     return cookie === this.cookie || (cookie === undefined && !this.#keepsCookie);

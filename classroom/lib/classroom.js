@@ -6,6 +6,7 @@ import { Accounts, NO_ACCOUNTS, demoAccounts } from './accounts.js';
 import { Bus } from './bus.js';
 import { failure } from './envelope.js';
 import { Faults } from './faults.js';
+import { Front } from './front.js';
 import { ownNames, refusalOf } from './gate.js';
 import { isLoopback, sendJson } from './http.js';
 import { MAX_QUEUED_BYTES } from './limits.js';
@@ -27,6 +28,8 @@ const DEFAULTS = {
   awayMs: 5000,
   // How many bytes may wait for one that is slow.
   maxQueued: MAX_QUEUED_BYTES,
+  // The address of a reverse proxy that stands in front.
+  proxy: undefined,
   // Names by which it may be asked for, beside its addresses and the machine's own.
   names: [],
   log: () => {},
@@ -58,12 +61,13 @@ export class Classroom {
     this.options = { ...DEFAULTS, ...options };
     this.#names = ownNames(this.options.names);
     this.faults = new Faults(this.#server);
+    this.front = new Front(this.options.proxy);
     this.accounts = new Accounts(demoAccounts(), this.options.users);
     this.logins = new Logins();
     this.sessions = new Sessions(this.logins);
     this.uploads = new Uploads();
     this.#router = new Router(this, [...accountRoutes, ...sessionRoutes, ...resourceRoutes, ...toolRoutes]);
-    this.#bus = new Bus(this.sessions, this.options);
+    this.#bus = new Bus(this.sessions, this.front, this.options);
     this.#server.on('request', (request, response) => this.#request(request, response));
     this.#server.on('upgrade', (request, socket, head) => this.#upgrade(request, socket, head));
   }
@@ -78,7 +82,7 @@ export class Classroom {
       this.#server.once('error', reject);
       this.#server.listen(port, host, () => {
         const { address, port: taken } = this.#server.address();
-        if (!isLoopback(address)) this.#closeToStrangers();
+        if (!isLoopback(address) || this.front.isProxied) this.#closeToStrangers();
         const shown = reachable(host, address);
         this.#names.add(shown.toLowerCase());
         resolve(`http://${shown.includes(':') ? `[${shown}]` : shown}:${taken}`);
@@ -108,6 +112,7 @@ export class Classroom {
   }
 
   #request(request, response) {
+    this.front.receive(request);
     const [path, query = ''] = request.url.split('?', 2);
     const begun = Date.now();
     response.on('close', () => {
@@ -125,6 +130,7 @@ export class Classroom {
   }
 
   #upgrade(request, socket, head) {
+    this.front.receive(request);
     this.log(`${request.method} ${request.url.split('?')[0]} upgrade`);
     // Nobody else listens on a socket that is turned away: its error would end the process.
     socket.on('error', () => {});

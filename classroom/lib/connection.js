@@ -33,6 +33,8 @@ export class Connection {
   users = new Set();
   // The sessions at whose presenter's address it listens, set by the bus.
   presents = new Set();
+  // The user whose path to the bus it has come by, behind a proxy.
+  presenter = undefined;
   #socket;
   #backlog = new Backlog();
   #frames = new Allowance(ALLOWED_FRAMES);

@@ -1,4 +1,5 @@
 import { randomUUID } from 'node:crypto';
+import { addressOf } from './front.js';
 import { BoundedMap } from './bounded.js';
 import { LOGIN_IDLE_MS, MAX_LOGINS } from './limits.js';
 
@@ -29,7 +30,7 @@ export class Logins {
     if (!this.isOpen(id)) return undefined;
     const { userId } = this.#open.get(id);
     this.#open.set(id, { userId, lastUse: this.#now() });
-    return { id, userId, from: request.socket?.remoteAddress };
+    return { id, userId, from: addressOf(request) };
   }
 
   isOpen(id) {

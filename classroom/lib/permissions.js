@@ -8,7 +8,7 @@
 //   all others                         everyone listens
 //
 // Only the presenter talks to others than itself there. The bus knows no login: the presenter is who comes from the network
-// address from which the session was started. Behind a proxy that is everyone.
+// address from which the session was started, or behind a proxy by the path that the login was told.
 
 // What a remote control says: from a learner it is a forgery.
 const REMOTE_COMMANDS = new Set([
@@ -28,8 +28,8 @@ function isOwnMessage(connection, { from, type, action } = {}) {
   return user !== undefined && action === undefined && (user.mode === 'controller' || !REMOTE_COMMANDS.has(type));
 }
 
-export function mayRegister(session, connection, { address }) {
-  return !isPresenters(placeOf(session, address)) || connection.remoteAddress === session.startedFrom;
+export function mayRegister(session, connection, { address }, front) {
+  return !isPresenters(placeOf(session, address)) || front.isPresenters(session, connection);
 }
 
 /** listeners: the connections at the address. */

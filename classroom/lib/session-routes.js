@@ -51,7 +51,7 @@ export const sessionRoutes = [
   {
     path: '/tavisto/session/getcollabserverurl',
     login: true,
-    handle: ({ request }) => success({ url: ownAddress(request) }),
+    handle: ({ classroom, request, user }) => success({ url: ownAddress(request) + classroom.front.pathFor(user) }),
   },
   {
     path: '/tavisto/config/findTenantFeatureDetails',

@@ -1,6 +1,7 @@
 // For tools on this machine: which sessions there are, and a wait for the next one.
 
 import { Refusal } from './envelope.js';
+import { addressOf } from './front.js';
 import { isLoopback, sendJson } from './http.js';
 import { MAX_WAITERS, WAIT_MS } from './limits.js';
 
@@ -41,7 +42,7 @@ async function waitFor({ classroom: { sessions }, response, query }, event) {
 
 async function listSessions(context) {
   const { request, response, query, classroom } = context;
-  if (!isLoopback(request.socket.remoteAddress)) throw new Refusal(403, 'classroom.error.loopbackOnly');
+  if (!isLoopback(addressOf(request))) throw new Refusal(403, 'classroom.error.loopbackOnly');
   const wait = query.get('wait');
   sendJson(response, 200, wait === null ? classroom.sessions.list() : await waitFor(context, wait));
 }

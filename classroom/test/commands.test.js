@@ -86,6 +86,7 @@ check('what is told to fail fails, until it is mended', async (t) => {
   assert.equal((await asked()).status, 200);
 
   assert.equal(await tell('down'), 'ok');
+  await assert.rejects(asked()); // over a connection that is kept, which has been cut
   await assert.rejects(asked(), /ECONNREFUSED/);
   assert.equal(await tell('mend'), 'ok');
   assert.equal((await asked()).status, 200);

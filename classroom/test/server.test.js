@@ -62,6 +62,7 @@ for (const [script, args, message] of [
   ['server.js', ['--port', '-1'], /--port|port/],
   ['server.js', ['--port'], /port/],
   ['server.js', ['--user', 'nopassword'], /NAME:PASSWORD/],
+  ['server.js', ['--proxy', 'nginx'], /--proxy takes/],
   ['server.js', ['stray'], /stray/],
   ['learners.js', ['--nonsense'], /nonsense/],
   ['learners.js', [], /--url is missing/],
