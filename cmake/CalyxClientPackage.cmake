@@ -48,7 +48,7 @@ configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/CalyxClientConfig.cma
     INSTALL_DESTINATION "${CALYXCLIENT_CMAKE_DIR}"
     PATH_VARS CALYXCLIENT_PRESENTER_PATH CALYXCLIENT_CLASSROOM_PATH CALYXCLIENT_QML_PATH)
 set(CALYXCLIENT_PRESENTER_PATH "presenter/calyx-presenter${CMAKE_EXECUTABLE_SUFFIX}")
-set(CALYXCLIENT_CLASSROOM_PATH "${PROJECT_SOURCE_DIR}/classroom/server.js")
+set(CALYXCLIENT_CLASSROOM_PATH "classroom/calyx-classroom")
 set(CALYXCLIENT_QML_PATH "qml")
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/CalyxClientConfig.cmake.in"
     "${PROJECT_BINARY_DIR}/${CALYXCLIENT_PACKAGE}Config.cmake"
