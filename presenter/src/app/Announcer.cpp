@@ -18,7 +18,7 @@ QString shown(const QVariant& data)
 {
     constexpr int longest = 200;
     QString text = data.toString();
-    if (data.type() == QVariant::Map || data.type() == QVariant::List)
+    if (data.userType() == QMetaType::QVariantMap || data.userType() == QMetaType::QVariantList)
         text = QString::fromUtf8(QJsonDocument::fromVariant(data).toJson(QJsonDocument::Compact));
     return Text::clean(text.left(2 * longest)).left(longest); // a picture is long
 }
