@@ -274,8 +274,9 @@ public:
     /// nor what belongs to the host's thread.
     void onChannel(std::function<void(PresenterCollab*)> work);
     /// The same with the service's client, in turn with the lesson's own requests: its operations may block.
-    /// With a client that is not logged in where nobody is. A session that \p work creates and does not start
-    /// is the one that the next start() opens.
+    /// With a client that is not logged in where nobody is; what it has got to know there, a password that
+    /// stands before the service for example, holds for the next login. A session that \p work creates and
+    /// does not start is the one that the next start() opens.
     void onClient(std::function<void(PresenterClient*)> work);
 
 Q_SIGNALS:

@@ -159,9 +159,13 @@ void LessonWorker::logIn(int ticket, const Login& login)
     });
 }
 
-LessonError LessonWorker::doLogIn(QString* registration)
+// One that nobody has logged in with stays: it may know a password that stands before the service.
+void LessonWorker::makeClient(const QString& server)
 {
-    m_client = std::make_unique<ServiceClient>(m_login.server);
+    if (m_client && m_client->userId().isNull() && m_clientServer == server)
+        return;
+    m_clientServer = server;
+    m_client = std::make_unique<ServiceClient>(server);
     connect(m_client.get(), &PresenterClient::requestProcessed, this, [this] {
         ++m_steps;
         const double progress = m_expectedSteps > 0 ? qMin(1.0, double(m_steps) / m_expectedSteps) : -1;
@@ -169,6 +173,11 @@ LessonError LessonWorker::doLogIn(QString* registration)
             listener->onProgress(ticket, progress);
         });
     });
+}
+
+LessonError LessonWorker::doLogIn(QString* registration)
+{
+    makeClient(m_login.server);
     const LessonError::Kind kind = m_client->probe(); // also moves the address where the service wants that
     if (kind != LessonError::NoError)
         return error(kind);
@@ -559,8 +568,8 @@ void LessonWorker::withClient(const QString& server, const std::function<void(Pr
 {
     enqueue(false, [this, server, work] {
         m_ticket = 0;
-        if (!m_client)
-            m_client = std::make_unique<ServiceClient>(server);
+        if (!m_client || m_clientServer != server)
+            makeClient(server);
         const QString before = m_client->sessionCode();
         work(m_client.get());
         if (m_client->sessionCode() != before && m_client->sessionToken().isNull())

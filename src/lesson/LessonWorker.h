@@ -132,6 +132,7 @@ private:
     void report(const std::function<void(LessonListener*)>& what);
     LessonError error(LessonError::Kind kind, const QString& key = QString());
 
+    void makeClient(const QString& server);
     LessonError doLogIn(QString* registration);
     bool submitLogin(QString* registration);
     LessonError doOpen();
@@ -159,6 +160,7 @@ private:
     std::shared_ptr<Inbox::Slot> m_inbox;
     LessonListener* m_listener;
     std::unique_ptr<ServiceClient> m_client;
+    QString m_clientServer;             // the address that it was made with
     QPointer<PresenterCollab> m_collab; // the client's
     Login m_login;
     QStringList m_transports;

@@ -82,6 +82,29 @@ private Q_SLOTS:
         service.expectNoMore();
     }
 
+    // What stands before the service wants a password of its own.
+    void aLoginKeepsWhatTheAddressWants()
+    {
+        FakeService service;
+        const Answer challenge =
+            Answer::json("<html>", 401).with("WWW-Authenticate", "Basic realm=\"classroom\"");
+        service.expect(PROBE, challenge);
+        service.expect(PROBE, Answer::json(FINE));
+        Lesson lesson(QUrl(service.url()));
+        lesson.onClient([](PresenterClient* client) {
+            client->checkServer(QStringLiteral("door"), QStringLiteral("key"));
+        });
+        service.expect(PROBE, Answer::json(FINE));
+        service.expect(SUBMIT, Answer::json(Logins::SUCCESS));
+        logIn(lesson);
+        QVERIFY(waitFor([&] { return lesson.state() != Lesson::LoggingIn; }));
+        QCOMPARE(lesson.state(), Lesson::LoggedIn);
+        QCOMPARE(service.last().header("authorization"), "Basic " + QByteArray("door:key").toBase64());
+        service.expect(Logins::LOGOUT, Answer::json(FINE));
+        lesson.logOut();
+        QVERIFY(waitFor([&] { return lesson.state() == Lesson::LoggedOut; }));
+    }
+
     void textsAreEscaped()
     {
         FakeService service;
