@@ -2,12 +2,13 @@
 
 #include "support/HttpServer.h"
 
+#include <QEventLoop>
+
+#include <algorithm>
 #include <functional>
 #include <future>
 #include <mutex>
 #include <thread>
-
-class QEventLoop;
 
 /// A real HTTP server on loopback, on a free port and on a thread of its own, which does to each request what
 /// a script says, down to the single byte.
@@ -15,56 +16,202 @@ class QEventLoop;
 /// All operations are called from the test's thread.
 class ScriptedHttpServer : public HttpScript
 {
+    using Guard = std::lock_guard<std::mutex>;
+
 public:
     using Request = HttpServer::Request;
 
     /// Listens; with \p tls (certificate and key set) every connection begins with a handshake.
-    explicit ScriptedHttpServer(const QSslConfiguration& tls = QSslConfiguration());
-    ~ScriptedHttpServer();
+    explicit ScriptedHttpServer(const QSslConfiguration& tls = QSslConfiguration())
+    {
+        std::promise<quint16> listening;
+        m_thread = std::thread([&] {
+            QEventLoop loop;
+            Listener listener(this, tls);
+            m_loop = &loop;
+            m_listener = &listener;
+            listening.set_value(listener.serverPort());
+            loop.exec();
+        });
+        m_port = listening.get_future().get();
+    }
+    ~ScriptedHttpServer()
+    {
+        QMetaObject::invokeMethod(m_loop, "quit", Qt::QueuedConnection);
+        m_thread.join();
+    }
+    Q_DISABLE_COPY(ScriptedHttpServer)
 
     quint16 port() const { return m_port; }
 
     /// Runs \p script for the next request whose path ends with \p path; scripts for one path are used in
     /// turn.
-    void answer(const QByteArray& path, const Script& script);
+    void answer(const QByteArray& path, const Script& script)
+    {
+        const Guard lock(m_mutex);
+        m_answers.append({path, script});
+    }
     void answer(const QByteArray& path, const QByteArray& bytes) { answer(path, Script{send(bytes)}); }
     /// Runs \p script for those requests that answer() has left nothing for.
-    void answerAlways(const QByteArray& path, const Script& script);
+    void answerAlways(const QByteArray& path, const Script& script)
+    {
+        const Guard lock(m_mutex);
+        m_standing.append({path, script});
+    }
     void answerAlways(const QByteArray& path, const QByteArray& bytes)
     {
         answerAlways(path, Script{send(bytes)});
     }
     /// Runs \p script for the next connection when it is made.
-    void onConnect(const Script& script);
+    void onConnect(const Script& script)
+    {
+        const Guard lock(m_mutex);
+        m_greetings.append(script);
+    }
     /// Whether all scripts of answer() and onConnect() have been run or begun.
-    bool isUsedUp() const;
+    bool isUsedUp() const
+    {
+        const Guard lock(m_mutex);
+        return m_answers.isEmpty() && m_greetings.isEmpty();
+    }
 
     /// Lets the scripts go on that hold.
-    void release();
+    void release()
+    {
+        invoke([this] {
+            const QList<HttpConnection*> connections = m_listener->connections();
+            for (HttpConnection* connection : connections)
+                connection->release();
+        });
+    }
     /// Sends \p bytes on the newest connection, whatever its script says.
-    void sendNow(const QByteArray& bytes);
+    void sendNow(const QByteArray& bytes)
+    {
+        invoke([this, bytes] {
+            if (m_listener->connections().isEmpty())
+                return;
+            QTcpSocket* socket = m_listener->connections().last()->socket();
+            socket->write(bytes);
+            socket->flush();
+        });
+    }
     /// Ends all connections, with or without a reset.
-    void dropConnections(bool reset = false);
+    void dropConnections(bool reset = false)
+    {
+        invoke([this, reset] { m_listener->dropConnections(reset); });
+    }
     /// Refuses new connections, until listenAgain().
-    void stopListening();
-    bool listenAgain();
+    void stopListening()
+    {
+        invoke([this] { m_listener->close(); });
+    }
+    bool listenAgain()
+    {
+        bool listening = false;
+        invoke([this, &listening] { listening = m_listener->listen(QHostAddress::LocalHost, m_port); });
+        return listening;
+    }
 
     /// The requests so far whose path ends with \p path.
-    QList<Request> requests(const QByteArray& path = QByteArray()) const;
+    QList<Request> requests(const QByteArray& path = QByteArray()) const
+    {
+        const Guard lock(m_mutex);
+        QList<Request> found;
+        std::copy_if(m_requests.begin(), m_requests.end(), std::back_inserter(found),
+                     [&path](const Request& request) { return request.path.endsWith(path); });
+        return found;
+    }
     int count(const QByteArray& path = QByteArray()) const { return requests(path).size(); }
     /// All bytes that have come on one connection.
-    QByteArray received(int connection) const;
+    QByteArray received(int connection) const
+    {
+        const Guard lock(m_mutex);
+        return m_received.value(connection);
+    }
     /// Connections accepted so far.
-    int connections() const;
+    int connections() const
+    {
+        const Guard lock(m_mutex);
+        return m_connections;
+    }
     /// Those of them that are open.
-    int openConnections() const;
+    int openConnections() const
+    {
+        const Guard lock(m_mutex);
+        return m_open;
+    }
 
 private:
-    class Listener;
+    class Listener : public HttpServer
+    {
+    public:
+        Listener(ScriptedHttpServer* owner, const QSslConfiguration& tls) : HttpServer(tls), m_owner(owner) {}
 
-    void run(const QSslConfiguration& tls, std::promise<quint16>* listening);
-    void invoke(const std::function<void()>& action) const;
-    Script scriptFor(const QByteArray& path);
+    protected:
+        void onConnected(HttpConnection* connection) override
+        {
+            Script greeting;
+            {
+                const Guard lock(m_owner->m_mutex);
+                ++m_owner->m_connections;
+                ++m_owner->m_open;
+                if (!m_owner->m_greetings.isEmpty())
+                    greeting = m_owner->m_greetings.takeFirst();
+            }
+            connection->append(greeting);
+        }
+
+        void onBytes(HttpConnection* connection, const QByteArray& bytes) override
+        {
+            const Guard lock(m_owner->m_mutex);
+            m_owner->m_received[connection->number()] += bytes;
+        }
+
+        void onRequest(HttpConnection* connection, const Request& request) override
+        {
+            Script script;
+            {
+                const Guard lock(m_owner->m_mutex);
+                m_owner->m_requests.append(request);
+                script = m_owner->scriptFor(request.path);
+            }
+            connection->append(script);
+        }
+
+        void onEnded(HttpConnection*) override
+        {
+            const Guard lock(m_owner->m_mutex);
+            --m_owner->m_open;
+        }
+
+    private:
+        ScriptedHttpServer* m_owner;
+    };
+
+    // Has \p action done on the server's thread.
+    void invoke(const std::function<void()>& action) const
+    {
+        std::promise<void> done;
+        const auto act = [&] {
+            action();
+            done.set_value();
+        };
+        QMetaObject::invokeMethod(m_listener, act, Qt::QueuedConnection);
+        done.get_future().wait();
+    }
+
+    // With the mutex held.
+    Script scriptFor(const QByteArray& path)
+    {
+        const auto fits = [&path](const QPair<QByteArray, Script>& each) {
+            return path.endsWith(each.first);
+        };
+        const auto once = std::find_if(m_answers.begin(), m_answers.end(), fits);
+        if (once != m_answers.end())
+            return m_answers.takeAt(once - m_answers.begin()).second;
+        const auto standing = std::find_if(m_standing.cbegin(), m_standing.cend(), fits);
+        return standing == m_standing.cend() ? Script() : standing->second;
+    }
 
     // The standard library's thread, because the thread sanitizer does not see how Qt's are joined.
     std::thread m_thread;
