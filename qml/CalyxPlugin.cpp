@@ -1,6 +1,7 @@
 #include "Enums.h"
 
 #include <CalyxClient/Lesson>
+#include <CalyxClient/RosterFilter>
 
 #include <QQmlEngine>
 #include <QQmlExtensionPlugin>
@@ -16,6 +17,7 @@ public:
     void registerTypes(const char* uri) override
     {
         qmlRegisterType<Calyx::Lesson>(uri, 1, 0, "Lesson");
+        qmlRegisterType<Calyx::RosterFilter>(uri, 1, 0, "RosterFilter");
         ofALesson<Calyx::Assessment>(uri, "Assessment");
         ofALesson<Calyx::Deck>(uri, "Deck");
         ofALesson<Calyx::Poll>(uri, "Poll");

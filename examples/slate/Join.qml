@@ -9,11 +9,10 @@ Row {
     property real unit: 16
     spacing: unit
     Image {
-        readonly property string target: join.lesson.joinAddress + "?code=" + join.lesson.joinCode
         width: 8 * join.unit; height: width
-        source: join.lesson.joinCode === "" ? "" : "image://qr/" + encodeURIComponent(target)
+        source: join.lesson.joinCode === "" ? "" : "image://qr/" + encodeURIComponent(join.lesson.joinLink)
         smooth: false
-        Accessible.name: qsTr("QR code of %1").arg(target)
+        Accessible.name: qsTr("QR code of %1").arg(join.lesson.joinLink)
     }
     Column {
         anchors.verticalCenter: parent.verticalCenter

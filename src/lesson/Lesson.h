@@ -132,7 +132,7 @@ public:
     /// readable for its owner only. Each start() begins it anew, and keeps what it held under its name and
     /// "~". Empty, as at first: no journal. One that cannot be written is told by failed() with BadInput, and
     /// the lesson goes on without it.
-    void setJournal(const QString& fileName);
+    Q_INVOKABLE void setJournal(const QString& fileName);
     /// What the journal \p fileName says of the session that takeUp() would take up: "code", "lesson",
     /// "teacher", "server" and "at", when it began; empty where it holds none. Reads the file.
     Q_INVOKABLE static QVariantMap journalOf(const QString& fileName);
@@ -255,7 +255,7 @@ public:
     /// carries it out when remoteCommand() tells it.
     Q_INVOKABLE void setObeys(Calyx::Lesson::RemoteCommand command, bool obeys);
     /// The command's name on the wire, for example "nextCard".
-    static QString nameOf(RemoteCommand command);
+    Q_INVOKABLE static QString nameOf(Calyx::Lesson::RemoteCommand command);
 
     // Afterwards.
 

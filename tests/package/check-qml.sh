@@ -6,7 +6,8 @@
 install_moved "$1"
 cmake_host "$here/qml" -DCMAKE_PREFIX_PATH="$prefix"
 types=$(folder_of "$prefix" plugins.qmltypes)/plugins.qmltypes
-for type in Lesson Poll Assessment Roster PollResults Deck LessonError PollType OrdinalType; do
+for header in "$prefix"/include/CalyxClient/lesson/*.h PollType.h OrdinalType.h; do
+    type=$(basename "$header" .h)
     grep -q "exports: \[\"Calyx/$type 1.0\"\]" "$types" || fail "$type is not described"
 done
 cmake -S "$here/../../examples/slate" -B "$work/slate" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >"$work/log" 2>&1 \

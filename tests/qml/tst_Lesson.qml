@@ -27,6 +27,11 @@ TestCase {
         }
     }
     Instantiator {
+        id: missing
+        model: RosterFilter { roster: lesson.roster; onlyMissing: true }
+        QtObject { readonly property string name: model.name }
+    }
+    Instantiator {
         id: bars
         model: lesson.poll ? lesson.poll.results : null
         QtObject {
@@ -80,6 +85,7 @@ TestCase {
                  bars.objectAt(1).isCorrect], [2, "b", "elm", 2, 1, true])
         const answer = poll.answerOf(lesson.roster.find(learners.objectAt(0).name)[0])
         compare([answer.text, answer.mark], ["b", PollAnswer.Right])
+        compare([missing.count, missing.objectAt(0).name], [1, learners.objectAt(2).name])
         compare([learners.objectAt(0).hasAnswered, learners.objectAt(2).hasAnswered], [true, false])
         lesson.pause()
         verify(poll.paused)
