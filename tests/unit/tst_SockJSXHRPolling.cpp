@@ -204,6 +204,7 @@ private Q_SLOTS:
     void requestBeforeStartIsRefused()
     {
         LogRecorder log;
+        QVERIFY(!m_session->transport->isUp());
         m_session->transport->doPoll();
         QCOMPARE(log.debug(), QStringList(closedLine));
     }
