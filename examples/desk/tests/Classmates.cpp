@@ -52,11 +52,9 @@ void NodeProgram::say(const QString& line)
     write(line.toUtf8() + '\n');
 }
 
-// [classroom]
 LocalClassroom::LocalClassroom()
     : NodeProgram(QStringLiteral(DESK_CLASSROOM "/server.js"),
                   {QStringLiteral("--port"), QStringLiteral("0"), QStringLiteral("--quiet")})
 {
     m_url = lineWith(QStringLiteral("listening ")).section(QLatin1Char(' '), 1);
 }
-// [classroom]

@@ -17,7 +17,6 @@ public:
     QString url() const { return QStringLiteral("http://127.0.0.1:%1").arg(serverPort()); }
 };
 
-// [relay]
 /// Passes everything on to a classroom, until it is cut off.
 class Relay : public QTcpServer
 {
@@ -44,7 +43,6 @@ public:
             near->abort();
     }
 };
-// [relay]
 
 NodeProgram* learners(const QString& url, int count)
 {
@@ -447,7 +445,6 @@ private Q_SLOTS:
         QVERIFY(desk.awaits("Start lesson"));
     }
 
-    // [lost]
     void takesALostLessonUpAgain()
     {
         Relay relay(QUrl(m_classroom->url()));
@@ -463,7 +460,6 @@ private Q_SLOTS:
         QVERIFY(desk.reads(QStringLiteral("2 of 2 answered")));
         QVERIFY(!desk.text().contains(QStringLiteral("is lost")));
     }
-    // [lost]
 
     void worksByKeyboard()
     {
