@@ -153,7 +153,6 @@ check('a learner that comes and goes 25,000 times is cut off', async (t) => {
 
 check('off loopback there is no account that everybody knows', async (t) => {
   const server = await runServer(t, ['--quiet', '--host', '0.0.0.0']);
-  assert.doesNotMatch(server.url, /0\.0\.0\.0/);
   const [, password] = /^password of teacher: (\S{12})$/.exec(await server.line(1));
   const host = new Host(`http://127.0.0.1:${new URL(server.url).port}`);
   const logIn = (value) => host.post('/tavisto/login/submit', { userId: 'teacher', password: value, sourceSystem: 'Lumora' });

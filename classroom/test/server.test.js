@@ -34,6 +34,13 @@ check('requests are logged on stderr, a line each, without what is secret', asyn
   assert.match(server.stderr(), /^POST \/tavisto\/login\/submit 200 \d+ms\nGET \/tavisto\/resource\/downloadResourceFile 404 \d+ms\n$/);
 });
 
+for (const everywhere of ['0.0.0.0', '::']) {
+  check(`a server that listens at ${everywhere} says an address that others can open`, async (t) => {
+    const server = await runServer(t, ['--quiet', '--host', everywhere]);
+    assert.match(server.url, /^http:\/\/(?!0\.0\.0\.0)\d+(\.\d+){3}:\d+$/);
+  });
+}
+
 check('a quiet server says its address and nothing more', async (t) => {
   const server = await runServer(t, ['--quiet', '--host', 'localhost']);
   assert.match(server.url, /^http:\/\/localhost:\d+$/);

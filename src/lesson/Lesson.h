@@ -103,7 +103,8 @@ public:
     /// The code by which learners join; empty without a session.
     QString joinCode() const;
     /// The address at which the service offers learners to join, for them to open in a browser; empty
-    /// without a session. The code is the host's to add, in the way that its service wants.
+    /// without a session. The code is the host's to add, in the way that its service wants. Where server()
+    /// names all addresses of this machine ("0.0.0.0"), it is one of those.
     QUrl joinAddress() const;
     /// The same with the code as its query ("?code=123456"), as a link or a QR code has it: at a service that
     /// knows that, learners need not type the code.

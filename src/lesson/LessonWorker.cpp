@@ -9,7 +9,9 @@
 #include "transport/SockJSTransport.h"
 
 #include <QEventLoop>
+#include <QHostAddress>
 #include <QJsonObject>
+#include <QNetworkInterface>
 #include <QThread>
 
 #include <utility>
@@ -30,6 +32,22 @@ constexpr int hastyEchoLimit = 2000;
 
 // What a presenter publishes to its own address comes back to it.
 const QString pulseType = QStringLiteral("pulse");
+
+// The first address of this machine that others know it by, where the service is asked for at all of them.
+QString addressForOthers(const QString& server)
+{
+    QUrl url(server);
+    const QHostAddress asked(url.host());
+    if (asked != QHostAddress::AnyIPv4 && asked != QHostAddress::AnyIPv6)
+        return server;
+    url.setHost(QStringLiteral("127.0.0.1"));
+    const QList<QHostAddress> addresses = QNetworkInterface::allAddresses();
+    for (auto own = addresses.crbegin(); own != addresses.crend(); ++own) {
+        if (own->protocol() == QAbstractSocket::IPv4Protocol && !own->isLoopback() && !own->isLinkLocal())
+            url.setHost(own->toString());
+    }
+    return url.toString();
+}
 
 QString senderOf(const QString& message)
 {
@@ -378,7 +396,7 @@ void LessonWorker::reportOpened(int ticket, bool isReturn)
 {
     Opening opening;
     opening.joinCode = m_client->sessionCode();
-    opening.joinAddress = m_client->server();
+    opening.joinAddress = addressForOthers(m_client->server());
     opening.sessionToken = m_sessionToken;
     opening.isReturn = isReturn;
     m_isOpen = true;

@@ -6,6 +6,7 @@
 #include <CalyxClient/RosterFilter>
 
 #include <QElapsedTimer>
+#include <QHostAddress>
 #include <QMetaMethod>
 #include <QTest>
 
@@ -244,6 +245,19 @@ private Q_SLOTS:
         QVERIFY(poll->stopsAt() < poll->startedAt().addSecs(59));
         QVERIFY(waitFor([&] { return !poll->isRunning(); }));
         QVERIFY(!poll->stopsAt().isValid() && poll->elapsed() >= 1000);
+        QVERIFY(class_.end());
+    }
+
+    // At "all addresses" nobody but this machine finds it.
+    void learnersGetAnAddressOfTheirs()
+    {
+        Class class_;
+        class_.lesson->setServer(QUrl(QStringLiteral("http://0.0.0.0:%1").arg(class_.service.serverPort())));
+        QVERIFY(class_.start());
+        const QUrl address = class_.lesson->joinAddress();
+        QCOMPARE(address.port(), int(class_.service.serverPort()));
+        const QHostAddress host(address.host());
+        QVERIFY(!host.isNull() && host != QHostAddress(QHostAddress::AnyIPv4));
         QVERIFY(class_.end());
     }
 
