@@ -91,6 +91,15 @@ TestCase {
         tell("idle", "ok")
         shows("learners", "text", "12 here, 0 have not answered")
     }
+    function test_theKeyboardReachesWhatHasAName() {
+        findChild(slate, "kinds").currentIndex = 0
+        const reached = []
+        for (let item = findChild(slate, "question").nextItemInFocusChain(); !reached.includes(item); item = item.nextItemInFocusChain()) {
+            verify(item.Accessible.name || (item.placeholderText === undefined && item.text), item + " has no name")
+            reached.push(item)
+        }
+        for (const name of ["question", "options", "ask", "reveal", "picture", "kinds", "end"]) verify(reached.includes(findChild(slate, name)), name)
+    }
     function test_aDrawingIsShown() {
         const drawing = findChild(slate, "drawing")
         const leaf = (step) => [drawing.width * (0.5 + 0.35 * Math.cos(step / 8)), drawing.height * (0.5 + 0.3 * Math.sin(step / 4))]

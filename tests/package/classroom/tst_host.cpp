@@ -85,6 +85,13 @@ private Q_SLOTS:
         m_lesson->cancel();
         QTRY_COMPARE(m_lesson->state(), Lesson::LoggedIn);
     }
+    void aClassroomThatDoesNotStartSaysSo()
+    {
+        Calyx::LocalClassroom none({QStringLiteral("--nonsense")});
+        QVERIFY(!none.isRunning());
+        QVERIFY(none.url().isEmpty());
+        QVERIFY(none.tell("join 1").isNull());
+    }
 
 private:
     std::unique_ptr<Calyx::LocalClassroom> m_classroom;
