@@ -217,6 +217,7 @@ export class Learner {
     // The same again, to who has answered it: so that nobody's answer is missing.
     if (this.#settings.reconnect && document.id !== undefined && this.#answered?.[2] === document.id) {
       this.#publish(...this.#answered);
+      if (this.#isOfAssessment(document) && !this.#open) this.#getQuestion();
       return;
     }
     this.#drop();

@@ -282,6 +282,7 @@ Assessment* Lesson::startAssessment(const AssessmentPlan& plan, const QStringLis
         });
     d->assessments.append(added);
     d->assessment = added;
+    d->atQuestion.clear();
     d->observe(added);
     const QStringList all = devices.isEmpty() ? d->roster->present() : devices;
     for (const QString& deviceId : all)

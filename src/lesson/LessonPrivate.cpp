@@ -24,7 +24,9 @@ LessonPrivate::LessonPrivate(Lesson* lesson)
     thread->setObjectName(QStringLiteral("lesson"));
     QObject::connect(&inbox, &Inbox::turned, q, [this] { afterTurn(); });
     retry.setSingleShot(true);
-    QObject::connect(&retry, &QTimer::timeout, q, [this] { attempt(); });
+    QObject::connect(&retry, &QTimer::timeout, q, [this] { waitForAttempt(); });
+    confirmation.setSingleShot(true);
+    QObject::connect(&confirmation, &QTimer::timeout, q, [this] { confirm(); });
     stopTimer.setSingleShot(true);
     stopTimer.setTimerType(Qt::PreciseTimer); // never early
     QObject::connect(&stopTimer, &QTimer::timeout, q, [this] { q->stop(); });

@@ -6,7 +6,9 @@
 #include "lesson/LessonMessages.h"
 #include "lesson/LessonWorker.h"
 
+#include <QDeadlineTimer>
 #include <QHash>
+#include <QMap>
 #include <QPointer>
 #include <QSet>
 #include <QThread>
@@ -42,6 +44,7 @@ struct LessonPrivate : public LessonListener
     void beginToLive(const Opening& opening);
     void beginEnd(bool andLogOut);
     void tryAgain();
+    void waitForAttempt();
     void attempt();
     void giveUp();
     /// The session is over, here at least.
@@ -57,6 +60,8 @@ struct LessonPrivate : public LessonListener
     void bring(const QStringList& devices);
     void bringBack(const QStringList& newcomers);
     void send(const std::function<void(PresenterCollab*)>& work);
+    void confirm();
+    void bringAssessmentBack(const QStringList& newcomers);
     /// Calls \p then at once or later. The caller tells that the lesson is busy.
     void withPicture(const QByteArray& png,
                      const std::function<void(const QByteArray& png, const QString& url)>& then);
@@ -108,6 +113,7 @@ struct LessonPrivate : public LessonListener
     void onLoggedIn(int ticket, const LessonError& error, const QString& registration) override;
     void onOpened(int ticket, const Opening& opening) override;
     void onNotOpened(int ticket, const LessonError& error) override;
+    void onConfirmed(int serial) override;
     void onLost() override;
     void onEnded(int ticket, const LessonError& error) override;
     void onUploaded(int ticket, const QString& url) override;
@@ -156,6 +162,7 @@ struct LessonPrivate : public LessonListener
     int attempts = 0;
     QTimer retry;
     QDateTime nextAttempt;
+    QDeadlineTimer retryAt;
     QHash<int, Upload> uploads;          // by ticket
     QHash<QByteArray, QString> uploaded; // addresses by picture
 
@@ -170,7 +177,12 @@ struct LessonPrivate : public LessonListener
     Question sentQuestion;     // the running poll's, as devices get it
     bool isPollReady = false;  // its picture is uploaded
     QTimer stopTimer;          // of a poll that counts down
-    Wanted shown;              // what the class had in front of it when the channel was lost
+    Wanted shown;              // what the class has in front of it, as far as the bus has confirmed it
+    QMap<int, Wanted> sent;    // what it will have when confirm() is answered, by serial number
+    QTimer confirmation;
+    int lastSerial = 0;
+    bool isConfirmed = false;       // the bus has ever confirmed anything
+    QHash<QString, int> atQuestion; // of the assessment: what each device has asked for last
     QByteArray cardPng;
     QString cardUrl;
     int cardSerial = 0; // counts what takes a card's place

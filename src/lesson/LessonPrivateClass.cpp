@@ -6,8 +6,23 @@ namespace Calyx {
 
 void LessonPrivate::send(const std::function<void(PresenterCollab*)>& work)
 {
-    if (state == Lesson::Live)
-        worker->tell([work](LessonWorker* at) { at->send(work); });
+    if (state != Lesson::Live)
+        return;
+    worker->tell([work](LessonWorker* at) { at->send(work); });
+    if (!confirmation.isActive())
+        confirmation.start(0); // once for all that are sent together
+}
+
+// What is sent into a line that is dead already is lost without a word.
+void LessonPrivate::confirm()
+{
+    constexpr int most = 100;
+    if (state != Lesson::Live)
+        return;
+    sent.insert(++lastSerial, wanted());
+    if (sent.size() > most)
+        sent.erase(sent.begin());
+    worker->tell([serial = lastSerial](LessonWorker* at) { at->confirm(serial); });
 }
 
 Wanted LessonPrivate::wanted() const
@@ -68,6 +83,11 @@ void LessonPrivate::bringBack(const QStringList& newcomers)
 {
     const Wanted now = wanted();
     Wanted news = now;
+    if (!now.pollId.isEmpty() && now.pollId != shown.pollId && poll->answered() > 0) { // it was there
+        shown.pollId = now.pollId;
+        shown.isPollPaused = false;
+        shown.pollStopsAt = {};
+    }
     const bool isSamePoll = now.pollId == shown.pollId;
     const bool isSameAssessment = now.assessmentToken == shown.assessmentToken;
     if (isSamePoll)
@@ -95,6 +115,8 @@ void LessonPrivate::bringBack(const QStringList& newcomers)
             LessonMessages::sendLock(collab, QString(), false);
     });
     bring(newcomers);
+    if (isSameAssessment)
+        bringAssessmentBack(newcomers);
     if (!isSamePoll || now.pollId.isEmpty())
         return;
     QStringList missing = poll->missing();
@@ -104,6 +126,29 @@ void LessonPrivate::bringBack(const QStringList& newcomers)
         for (const QString& deviceId : devices)
             LessonMessages::sendPoll(collab, LessonMessages::addressOf(deviceId), now);
     });
+}
+
+// An answer, or the request for the next question, may have met nobody: a device that gets the question again
+// sends both again.
+void LessonPrivate::bringAssessmentBack(const QStringList& newcomers)
+{
+    if (!assessment || !assessment->isRunning())
+        return;
+    Wanted only;
+    only.assessment = assessment->plan();
+    only.assessmentToken = assessment->token();
+    only.isAssessmentPaused = assessment->isPaused();
+    const QStringList unfinished = assessment->unfinished();
+    for (const QString& deviceId : unfinished) {
+        if (newcomers.contains(deviceId))
+            continue;
+        if (atQuestion.contains(deviceId))
+            onQuestionWanted(deviceId, atQuestion.value(deviceId));
+        else
+            send([deviceId, one = wantedBy(deviceId, only)](PresenterCollab* collab) {
+                LessonMessages::bring(collab, LessonMessages::addressOf(deviceId), one);
+            });
+    }
 }
 
 void LessonPrivate::onJoin(const Learner& learner)
@@ -183,6 +228,7 @@ void LessonPrivate::onQuestionWanted(const QString& deviceId, int number)
         return;
     }
     number = qMax(number, 1); // a device that names none wants the first
+    atQuestion.insert(deviceId, number);
     const PollAnswer before = assessment->answer(deviceId, number);
     const QString text = before.mark == PollAnswer::NoAnswer ? QString() : before.text;
     send([=, plan = assessment->plan(), id = assessment->questionId(number)](PresenterCollab* collab) {

@@ -10,6 +10,8 @@ namespace Calyx {
 
 namespace {
 
+constexpr int longestLook = 1000; // ms
+
 // Seconds between attempts, which are made 0, 1, 2, 4, 8 and 15 s after the loss, and every 15 s from then
 // on; up to a fifth earlier or later, so that a service that comes back is not met by everybody at the same
 // moment.
@@ -169,12 +171,22 @@ void LessonPrivate::onNotOpened(int ticketOfOpening, const LessonError& error)
         fail(error);
 }
 
+void LessonPrivate::onConfirmed(int serial)
+{
+    isConfirmed = true;
+    shown = sent.value(serial, shown);
+    while (!sent.isEmpty() && sent.firstKey() <= serial)
+        sent.erase(sent.begin());
+}
+
 void LessonPrivate::onLost()
 {
     if (state != Lesson::Live)
         return;
     attempts = 0;
-    shown = wanted();
+    sent.clear();
+    if (!isConfirmed)
+        shown = wanted();
     if (setState(Lesson::Reconnecting) && state == Lesson::Reconnecting && reconnects)
         tryAgain();
 }
@@ -185,8 +197,19 @@ void LessonPrivate::tryAgain()
         return;
     const int pause = pauseBefore(attempts++);
     nextAttempt = QDateTime::currentDateTime().addMSecs(pause);
-    retry.start(pause);
+    retryAt.setRemainingTime(pause);
+    retry.start(qMin(pause, longestLook));
     Q_EMIT q->nextAttemptChanged();
+}
+
+// Timers stand still while a computer sleeps; the time of day does not, but can be set.
+void LessonPrivate::waitForAttempt()
+{
+    const int left = int(retryAt.remainingTime());
+    if (left <= 0 || QDateTime::currentDateTime() >= nextAttempt)
+        attempt();
+    else
+        retry.start(qMin(left, longestLook));
 }
 
 void LessonPrivate::attempt()
@@ -274,6 +297,8 @@ void LessonPrivate::finishSession()
     cardPng.clear();
     cardUrl.clear();
     ++cardSerial;
+    shown = {};
+    sent.clear();
     isFinishing = true;
     const QStringList present = roster->present();
     tell([this, at] { poll ? poll->stop(at) : void(); },

@@ -8,6 +8,7 @@
 #include "transport/SockJSConnector.h"
 #include "transport/SockJSTransport.h"
 
+#include <QDateTime>
 #include <QEventLoop>
 #include <QHostAddress>
 #include <QJsonObject>
@@ -26,8 +27,11 @@ constexpr int replyLimit = 10000;    // ms, the client's
 constexpr int stallLimit = 20000;
 constexpr int abortPace = 10;       // ms
 constexpr int silenceLimit = 40000; // longer than a server's heartbeats are apart
-constexpr int pulsePace = 9500;
-constexpr int echoLimit = 5000; // together less than 15 s, in which a far end that is gone is noticed
+constexpr int watchPace = 1000;
+constexpr int sleepLimit = 5000;
+constexpr int pulsePace = 8500;
+constexpr int echoLimit =
+    5000; // the three together less than 15 s, in which a far end that is gone is noticed
 constexpr int hastyEchoLimit = 2000;
 
 // What a presenter publishes to its own address comes back to it.
@@ -58,9 +62,9 @@ QString senderOf(const QString& message)
 } // namespace
 
 LessonWorker::LessonWorker(std::shared_ptr<Inbox::Slot> inbox, LessonListener* listener)
-    : m_inbox(std::move(inbox)), m_listener(listener), m_abort(this), m_pulse(this), m_echoLimit(this)
+    : m_inbox(std::move(inbox)), m_listener(listener), m_abort(this), m_watch(this), m_echoLimit(this)
 {
-    connect(&m_pulse, &QTimer::timeout, this, &LessonWorker::sendPulse);
+    connect(&m_watch, &QTimer::timeout, this, &LessonWorker::watch);
     m_echoLimit.setSingleShot(true);
     connect(&m_echoLimit, &QTimer::timeout, this, [this] {
         if (m_isOpen && m_collab && m_echoes)
@@ -327,7 +331,7 @@ void LessonWorker::adopt(PresenterCollab* collab)
 {
     m_collab = collab;
     connect(collab, &PresenterCollab::connectionClosed, this, [this] {
-        m_pulse.stop();
+        m_watch.stop();
         m_echoLimit.stop();
         if (std::exchange(m_isOpen, false))
             report([](LessonListener* listener) { listener->onLost(); });
@@ -368,6 +372,8 @@ void LessonWorker::adopt(PresenterCollab* collab)
                 if (isOurs && type == pulseType) {
                     m_echoes = true;
                     m_echoLimit.stop();
+                    const int serial = body.value(QStringLiteral("serial")).toInt();
+                    report([serial](LessonListener* listener) { listener->onConfirmed(serial); });
                 }
                 if (!isOurs)
                     report([=](LessonListener* listener) { listener->onMessage(type, from, data); });
@@ -416,8 +422,9 @@ void LessonWorker::reportOpened(int ticket, bool isReturn)
     opening.heard = m_heard;
     if (m_collab)
         m_lastTransport = SockJSConnector::PROTOCOL_TYPE_STR().value(m_collab->connector()->protocol());
-    m_pulse.start(pulsePace);
-    sendPulse();
+    m_lastLook = QDateTime::currentMSecsSinceEpoch();
+    m_watch.start(watchPace);
+    sendPulse(0, echoLimit);
     report([=](LessonListener* listener) { listener->onOpened(ticket, opening); });
     for (const auto& work : std::exchange(m_waiting, {})) {
         if (m_collab)
@@ -514,24 +521,39 @@ QStringList LessonWorker::transportsForReturn() const
     return transports;
 }
 
-// A far end that is frozen, or has vanished, closes nothing. That it answers is known once it has; after a
-// sleep it is asked in haste.
-void LessonWorker::sendPulse()
+// A computer that sleeps stops the timers, but not the time of day.
+void LessonWorker::watch()
 {
-    if (!m_isOpen || !m_collab || m_echoLimit.isActive())
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    const bool hasSlept = now - std::exchange(m_lastLook, now) > sleepLimit;
+    if (hasSlept)
+        sendPulse(0, hastyEchoLimit);
+    else if (!m_echoLimit.isActive() && m_lastPulse.hasExpired(pulsePace))
+        sendPulse(0, echoLimit);
+}
+
+void LessonWorker::confirm(int serial)
+{
+    sendPulse(serial, echoLimit);
+}
+
+// A far end that is frozen, or has vanished, closes nothing. That it answers is known once it has.
+void LessonWorker::sendPulse(int serial, int limit)
+{
+    if (!m_isOpen || !m_collab)
         return;
-    const bool hasSlept = m_lastPulse.isValid() && m_lastPulse.hasExpired(qint64{3} * pulsePace);
     m_lastPulse.start();
-    m_echoLimit.start(hasSlept ? hastyEchoLimit : echoLimit);
-    const QString frame =
-        QStringLiteral(R"({"type":"publish","address":"%1.presenter.%2","body":{"from":"%2","type":"%3"}})");
-    m_collab->connector()->sendMessage(frame.arg(m_sessionToken, m_collab->userToken(), pulseType), true);
+    m_echoLimit.start(m_echoLimit.isActive() ? qMin(limit, m_echoLimit.remainingTime()) : limit);
+    const QString frame = QStringLiteral(
+        R"({"type":"publish","address":"%1.presenter.%2","body":{"from":"%2","type":"%3","serial":%4}})");
+    m_collab->connector()->sendMessage(
+        frame.arg(m_sessionToken, m_collab->userToken(), pulseType, QString::number(serial)), true);
 }
 
 void LessonWorker::dropChannel()
 {
     m_isOpen = m_echoes = false;
-    m_pulse.stop();
+    m_watch.stop();
     m_echoLimit.stop();
     m_waiting.clear();
     if (!m_collab)

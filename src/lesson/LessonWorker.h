@@ -64,6 +64,8 @@ public:
     virtual void onLoggedIn(int ticket, const LessonError& error, const QString& registration) = 0;
     virtual void onOpened(int ticket, const Opening& opening) = 0;
     virtual void onNotOpened(int ticket, const LessonError& error) = 0;
+    /// The bus has got what was sent before LessonWorker::confirm() with this serial number.
+    virtual void onConfirmed(int serial) = 0;
     virtual void onLost() = 0;
     virtual void onEnded(int ticket, const LessonError& error) = 0;
     virtual void onUploaded(int ticket, const QString& url) = 0;
@@ -108,6 +110,8 @@ public:
     void withClient(const QString& server, const std::function<void(PresenterClient*)>& work);
     /// Does \p work with the channel, if it is open.
     void send(const std::function<void(PresenterCollab*)>& work);
+    /// Has onConfirmed() follow once the bus has got everything that was sent so far.
+    void confirm(int serial);
     /// Does \p work with the channel, when it is open at the latest.
     void withChannel(const std::function<void(PresenterCollab*)>& work);
     /// Ends what is under way and forgets what waits, but for ends.
@@ -147,7 +151,8 @@ private:
     bool waitForChannel();
     void adopt(PresenterCollab* collab);
     QStringList transportsForReturn() const;
-    void sendPulse();
+    void watch();
+    void sendPulse(int serial, int limit);
     void dropChannel();
     void stopSession();
     QString doUpload(const QByteArray& picture);
@@ -174,11 +179,12 @@ private:
     QSet<QString> m_remotes;  // devices that the service knows as such
     QSet<QString> m_others;   // devices that have commanded, and are none
     QTimer m_abort;
-    QTimer m_pulse;     // when the far end is asked for a sign of life
-    QTimer m_echoLimit; // until it has to be there
-    QElapsedTimer m_lastPulse;
-    bool m_echoes = false; // the far end has given one
-    QElapsedTimer m_clock; // since the operation has begun
+    QTimer m_watch;
+    QElapsedTimer m_lastPulse; // when the far end was asked for a sign of life
+    QTimer m_echoLimit;        // until it has to be there
+    qint64 m_lastLook = 0;     // at the time of day, in ms
+    bool m_echoes = false;     // the far end has given one
+    QElapsedTimer m_clock;     // since the operation has begun
     int m_ticket = 0;
     int m_steps = 0; // requests of the operation
     int m_expectedSteps = 0;

@@ -120,6 +120,17 @@ struct Class
         return waitFor([&] { return lesson->state() == Lesson::LoggedOut && service.isUsedUp(); });
     }
 
+    /// The body of the next message of this type that is published.
+    QJsonObject sent(const char* type)
+    {
+        for (QString text = bus.nextMessage(); !text.isNull(); text = bus.nextMessage()) {
+            const QJsonObject frame = QJsonDocument::fromJson(text.toUtf8()).object();
+            const QJsonObject body = frame.value("body").toObject();
+            if (body.value("type") == QLatin1String(type))
+                return body;
+        }
+        return QJsonObject();
+    }
     /// The messages that are published, up to the next to the remote control: \a types as "type address", \a
     /// data decoded.
     struct Published

@@ -191,6 +191,22 @@ private Q_SLOTS:
         QVERIFY(class_.end());
     }
 
+    // What was sent into a line that was dead already is sent again; what the bus has got is not.
+    void bringsWhatMayBeLost()
+    {
+        Class class_;
+        QVERIFY(class_.start());
+        class_.lesson->ask(Question::usual(PollType::MULTIPLE));
+        QVERIFY(!class_.sent("questionStart").isEmpty());
+        class_.hear(class_.sent("pulse")); // follows each message
+        class_.lesson->setLocked(true);
+        QVERIFY(!class_.sent("dialogShow").isEmpty());
+        QVERIFY(class_.loseAndReturn([](Lesson&) {}));
+        QCOMPARE(class_.published(),
+                 (QStringList{"dialogShow T", "questionStart T.user.D1", "questionStart T.user.D2"}));
+        class_.service.expectNoMore();
+    }
+
     void waitsAreCancelled_data()
     {
         QTest::addColumn<Script>("script");

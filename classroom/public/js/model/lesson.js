@@ -189,7 +189,7 @@ export class Lesson {
     const number = isOurs ? this.assessment.numberOf(document) : 0;
     this.activity = this.#asLeft(new Activity({ kind, document, number }, this.#now));
     if (isOurs) this.assessment.show(this.activity);
-    else if (!this.activity.wasAnsweredBefore) this.sendAgain();
+    if (!this.activity.wasAnsweredBefore) this.sendAgain();
     this.#unpause();
     this.#update({ shows: 'question', card: null, review: null, results: null, notice: null, expectsPicture: false });
   }
