@@ -30,7 +30,7 @@ function keep({ row, size, side, value }) {
 }
 
 async function runRound() {
-  for (const program of ['bench_memory', 'bench_sockets']) {
+  for (const program of ['bench_memory', 'bench_sockets', 'bench_lesson']) {
     const names = wanted.filter((row) => row.program === program).map(({ name }) => name);
     if (names.length) runGoogleBenchmark(build, program, names, options.seconds).forEach(keep);
   }

@@ -57,6 +57,14 @@ export const rows = [
     bare: 'a bare `QWebSocket` that does nothing with them',
   },
   {
+    name: 'lesson', program: 'bench_lesson', unit: 'answers', goal: { most: 1.5 },
+    what: 'the same answers through a `Calyx::Lesson` to the models, all threads', peer: 'to the typed signal, all threads',
+  },
+  {
+    name: 'lesson-turn', program: 'bench_lesson', unit: 'learners', goal: { milliseconds: 5, size: 1000 },
+    what: "the longest turn of the host's event loop while they all answer a `Calyx::Lesson` at once",
+  },
+  {
     name: 'open', program: 'bench_sockets', unit: 'session', measure: 'wall clock', goal: { most: 1.1 },
     what: '`open` to `connected`', peer: 'a bare `QWebSocket` opened and its first frame read',
   },

@@ -7,6 +7,8 @@
 #include <QTcpSocket>
 #include <QtEndian>
 
+#include <ctime>
+
 namespace {
 
 // One unmasked WebSocket text frame, as servers send them.
@@ -60,6 +62,15 @@ QUrl Generator::url() const
     return QUrl(QStringLiteral("ws://127.0.0.1:%1").arg(m_port));
 }
 
+void Generator::prepare(const QString& pollId, int devices)
+{
+    QByteArray answers;
+    for (int i = 0; i < devices; ++i)
+        answers += webSocketFrame(Answers::frame(Answers::message(i, pollId)).toUtf8());
+    const QMutexLocker lock(&m_mutex);
+    m_answers = answers;
+}
+
 void Generator::send()
 {
     {
@@ -86,6 +97,9 @@ void Generator::run()
         socket->write(m_answers);
         while (socket->bytesToWrite() > 0 && socket->waitForBytesWritten(-1)) {
         }
+        timespec time{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        m_cpuTime = double(time.tv_sec) + double(time.tv_nsec) * 1e-9;
     }
 }
 

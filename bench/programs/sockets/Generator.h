@@ -6,6 +6,8 @@
 #include <QUrl>
 #include <QWaitCondition>
 
+#include <atomic>
+
 class QTcpSocket;
 
 /// A WebSocket server for one client, on loopback and on a thread of its own, that sends prepared poll
@@ -22,6 +24,10 @@ public:
     QUrl url() const;
     /// Sends a batch.
     void send();
+    /// What a batch is from the next on: answers to the poll with this id from \p devices devices.
+    void prepare(const QString& pollId, int devices);
+    /// The CPU time that this thread had taken when its last batch was sent, in seconds.
+    double cpuTime() const { return m_cpuTime; }
 
 protected:
     void run() override;
@@ -36,4 +42,5 @@ private:
     int m_orders = 0;
     bool m_stopped = false;
     QByteArray m_answers;
+    std::atomic<double> m_cpuTime{0};
 };

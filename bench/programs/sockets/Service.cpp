@@ -3,7 +3,7 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
-Service::Service()
+Service::Service(const QHash<QByteArray, QByteArray>& answers) : m_answers(answers)
 {
     start();
     QMutexLocker lock(&m_mutex);
@@ -48,11 +48,13 @@ void Service::receive(QTcpSocket* socket, QByteArray* request)
     if (request->size() < end + 4 + size)
         return;
     const bool asksForFrames = request->contains("/xhr HTTP");
+    const QByteArray body = m_answers.value(request->split(' ').value(1), "{}");
     request->clear();
     if (asksForFrames)
         return;
     countAnswer();
-    socket->write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: 2\r\n\r\n{}");
+    socket->write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: " +
+                  QByteArray::number(body.size()) + "\r\n\r\n" + body);
 }
 
 void Service::run()

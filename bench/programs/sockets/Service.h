@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <QHash>
 #include <QMutex>
 #include <QString>
 #include <QThread>
@@ -10,12 +11,12 @@
 
 class QTcpSocket;
 
-/// An HTTP server on loopback, on a thread of its own, that answers every request with an empty JSON object,
-/// but for those that ask for frames, which wait.
+/// An HTTP server on loopback, on a thread of its own, that answers every request with the JSON that is meant
+/// for its path, else with an empty object, but for those that ask for frames, which wait.
 class Service : public QThread
 {
 public:
-    Service();
+    explicit Service(const QHash<QByteArray, QByteArray>& answers = {});
     ~Service() override;
 
     QString url() const;
@@ -33,6 +34,7 @@ private:
     void receive(QTcpSocket* socket, QByteArray* request);
     void countAnswer();
 
+    QHash<QByteArray, QByteArray> m_answers;
     QMutex m_mutex;
     QWaitCondition m_changed;
     quint16 m_port = 0;
