@@ -155,8 +155,9 @@ private:
     int numberOf(const QString& questionId) const;
     QString questionId(int number) const;
     void enter(const QString& deviceId);
+    // In UTC: the local time would be looked up for each answer.
     bool add(const QString& deviceId, int number, const QString& text, int time,
-             const QDateTime& at = QDateTime::currentDateTime());
+             const QDateTime& at = QDateTime::currentDateTimeUtc());
     void setPaused(bool paused);
     void stop(const QDateTime& at = QDateTime());
     void flush();

@@ -30,11 +30,12 @@ Inbox::~Inbox()
     m_slot->m_inbox = nullptr;
 }
 
-bool Inbox::takeTask(Task* task)
+// After a turn without tasks the next one has to be told.
+bool Inbox::takeTask(Task* task, bool isFirst)
 {
     const QMutexLocker locker(&m_slot->m_mutex);
-    m_slot->m_isTold = !m_slot->m_tasks.empty();
-    if (!m_slot->m_isTold)
+    m_slot->m_isTold = !m_slot->m_tasks.empty() || !isFirst;
+    if (m_slot->m_tasks.empty())
         return false;
     *task = std::move(m_slot->m_tasks.front());
     m_slot->m_tasks.pop_front();
@@ -44,6 +45,7 @@ bool Inbox::takeTask(Task* task)
 void Inbox::turn()
 {
     constexpr int longestTurn = 2;    // ms
+    constexpr int pace = 4;           // ms; a host that is woken for each of many spends most on waking
     const QPointer<Inbox> self(this); // a task may call slots of the host's
     // By a timer: what is posted now would belong to this turn of the loop. From now on: a slot may run a
     // loop of its own.
@@ -51,9 +53,9 @@ void Inbox::turn()
     QElapsedTimer clock;
     clock.start();
     Task task;
-    while (clock.elapsed() < longestTurn) {
-        if (!takeTask(&task)) {
-            m_next.stop();
+    for (bool isFirst = true; clock.elapsed() < longestTurn; isFirst = false) {
+        if (!takeTask(&task, isFirst)) {
+            isFirst ? m_next.stop() : m_next.start(pace);
             break;
         }
         task();

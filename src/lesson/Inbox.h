@@ -44,7 +44,7 @@ Q_SIGNALS:
 
 private:
     Q_INVOKABLE void turn();
-    bool takeTask(Task* task);
+    bool takeTask(Task* task, bool isFirst);
 
     std::shared_ptr<Slot> m_slot = std::make_shared<Slot>();
     QTimer m_next;

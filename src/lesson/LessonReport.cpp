@@ -23,7 +23,7 @@ QStringList csvRow(const QString& where, const QString& question, const PollAnsw
             answer.text,
             mark,
             QString::number(answer.msecs),
-            answer.receivedAt.toString(Qt::ISODate),
+            answer.receivedAt.toLocalTime().toString(Qt::ISODate),
             answer.isLate ? Lesson::tr("yes") : QString()};
 }
 

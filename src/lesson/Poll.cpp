@@ -19,13 +19,14 @@ constexpr int longestAnswer = 500; // characters; more would only be memory
 
 QJsonObject toJson(const PollAnswer& answer)
 {
-    QJsonObject object{{QStringLiteral("deviceId"), answer.deviceId},
-                       {QStringLiteral("name"), answer.name},
-                       {QStringLiteral("answer"), answer.text},
-                       {QStringLiteral("msecs"), answer.msecs},
-                       {QStringLiteral("receivedAt"), answer.receivedAt.toString(Qt::ISODateWithMs)},
-                       {QStringLiteral("late"), answer.isLate},
-                       {QStringLiteral("replacement"), answer.isReplacement}};
+    QJsonObject object{
+        {QStringLiteral("deviceId"), answer.deviceId},
+        {QStringLiteral("name"), answer.name},
+        {QStringLiteral("answer"), answer.text},
+        {QStringLiteral("msecs"), answer.msecs},
+        {QStringLiteral("receivedAt"), answer.receivedAt.toLocalTime().toString(Qt::ISODateWithMs)},
+        {QStringLiteral("late"), answer.isLate},
+        {QStringLiteral("replacement"), answer.isReplacement}};
     if (answer.mark > PollAnswer::Unmarked)
         object.insert(QStringLiteral("right"), answer.mark == PollAnswer::Right);
     return object;

@@ -91,8 +91,9 @@ private:
     friend struct LessonPrivate;
     Poll(int number, const Question& question, const Roster* roster, QObject* parent);
     bool isDocument() const;
+    // In UTC: the local time would be looked up for each answer.
     bool add(const QString& deviceId, const QString& text, int time,
-             const QDateTime& at = QDateTime::currentDateTime());
+             const QDateTime& at = QDateTime::currentDateTimeUtc());
     void setPaused(bool paused);
     void setStopsAt(const QDateTime& stopsAt);
     void stop(const QDateTime& at = QDateTime());

@@ -44,7 +44,7 @@ public:
     /// How long the learner took: milliseconds, in steps of a second except for word seeds and creative work
     /// that went out as a poll document.
     int msecs = 0;
-    /// When it came.
+    /// When it came, in UTC.
     QDateTime receivedAt;
     /// Whether it is right.
     Mark mark = NoAnswer;
