@@ -1,10 +1,12 @@
 #include "interop/support/ClassroomSession.h"
 #include "interop/support/Host.h"
+#include "interop/support/Learners.h"
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
 
 #include <CalyxClient/CollaborationMessageHandler>
 #include <CalyxClient/Learner>
+#include <CalyxClient/Lesson>
 
 #include <QElapsedTimer>
 #include <QProcess>
@@ -115,6 +117,40 @@ private Q_SLOTS:
         QCOMPARE(all, count);
         QCOMPARE(answers.size(), count);
         QVERIFY(turns.longest() < longestTurn);
+    }
+
+    void everyAnswerComesToTheModels_data() { Transport::addRows(); }
+
+    // The same in a lesson, whose turns are short whatever the channel's are.
+    void everyAnswerComesToTheModels()
+    {
+        constexpr qint64 longestTurnOfALesson = 5; // ms
+        QFETCH(QString, transport);
+        const int count = learners();
+        Peer classroom(Peers::classroom({QStringLiteral("--quiet")}));
+        VERIFY_STARTED(classroom.start());
+        Calyx::Lesson lesson(classroom.url());
+        lesson.setTransports({transport});
+        lesson.logIn(QStringLiteral("teacher"), QStringLiteral("chalk"));
+        lesson.start();
+        QTRY_COMPARE(lesson.state(), Calyx::Lesson::Live);
+        const Turns turns;
+        const Learners devices(classroom.url(), lesson.joinCode(), count);
+        QElapsedTimer clock;
+        clock.start();
+        QTRY_COMPARE_WITH_TIMEOUT(lesson.roster()->presentCount(), count, limit);
+        const qint64 joined = clock.restart();
+        const Calyx::Poll* const poll =
+            lesson.ask(Calyx::PollType::MULTIPLE, Calyx::OrdinalType::ALPHA_UPPER, 4);
+        QTRY_COMPARE_WITH_TIMEOUT(poll->answered(), count, limit);
+        qInfo("%d learners joined in %lld ms and answered in %lld ms; longest turn of the event loop %lld ms",
+              count, static_cast<long long>(joined), static_cast<long long>(clock.elapsed()),
+              static_cast<long long>(turns.longest()));
+        int all = 0;
+        for (const Calyx::PollResults::Row& row : poll->results()->rows())
+            all += row.count;
+        QCOMPARE(all, count);
+        QVERIFY(turns.longest() < longestTurnOfALesson);
     }
 };
 
