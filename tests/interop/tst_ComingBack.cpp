@@ -164,7 +164,8 @@ void report(const QString& what, const std::vector<qint64>& times)
 } // namespace
 
 /// Lessons whose connections are lost. The environment says how much is done: CALYX_CUTS, CALYX_OUTAGES,
-/// CALYX_POLLS, CALYX_LEARNERS, CALYX_MISHAPS (in each poll), CALYX_SEED.
+/// CALYX_POLLS, CALYX_LEARNERS, CALYX_MISHAPS (in each poll), CALYX_DELAY (ms each way, until the first
+/// mishap), CALYX_SEED.
 class TestComingBack : public QObject
 {
     Q_OBJECT
@@ -261,6 +262,8 @@ private Q_SLOTS:
         QRandomGenerator script(seed());
         Class lesson(m_classroom, transport);
         QVERIFY(lesson.join(count));
+        for (Relay* line : {&lesson.hostLine, &lesson.learnerLine})
+            line->setPace(amount("CALYX_DELAY", 0), 0);
         for (int number = 1; number <= polls; ++number) {
             Poll* const poll = lesson.lesson.ask(Question::usual(PollType::MULTIPLE));
             for (int i = 0; i < mishaps; ++i) {
@@ -295,6 +298,38 @@ private Q_SLOTS:
         QTimer::singleShot(pause, &lesson.hostLine, [&] { lesson.hostLine.recover(); });
         QVERIFY(waitFor([&] { return poll->answered() == 5; }));
         QCOMPARE(losses, 0);
+    }
+
+    // A process that does not run for a while, as on a computer that sleeps. A server gives a session over
+    // XHR up when nobody has polled for 5 s.
+    void goesOnAfterASleep()
+    {
+        constexpr int sleep = 7 * second;
+        constexpr int limit = 5 * second;
+        const QTemporaryDir folder;
+        std::vector<std::unique_ptr<HostProcess>> hosts;
+        for (const QString& transport : Transport::all)
+            hosts.push_back(std::make_unique<HostProcess>(
+                QStringList{m_classroom.url().toString(), folder.filePath(transport), transport}));
+        std::vector<QByteArray> codes;
+        for (const auto& host : hosts)
+            codes.push_back(host->waitFor("state 4 "));
+        std::vector<std::unique_ptr<Learners>> learners;
+        for (std::size_t i = 0; i < hosts.size(); ++i) {
+            hosts.at(i)->send(SIGSTOP);
+            learners.push_back(
+                std::make_unique<Learners>(m_classroom.url(), QString::fromUtf8(codes.at(i)), 3));
+        }
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(QTest::qWaitFor([&] { return clock.hasExpired(sleep); }, 2 * sleep));
+        for (const auto& host : hosts)
+            host->send(SIGCONT);
+        clock.start();
+        for (const auto& host : hosts) // who has got three answers from everybody
+            QVERIFY(!host->waitFor("report ").isNull());
+        qInfo("taught after %lld ms", static_cast<long long>(clock.elapsed()));
+        QVERIFY(clock.elapsed() < limit);
     }
 
     // Its host was killed while it wrote.
