@@ -43,7 +43,8 @@ Terminal::Terminal(const QStringList& arguments, int columns, int rows)
     QProcessEnvironment environment = Presenter::environment();
     environment.insert("TERM", "vt100");
     environment.insert("NO_COLOR", "1");
-    environment.insert("HOME", "/nonexistent"); // nobody's settings of the line editor
+    environment.insert("HOME", "/nonexistent");         // nobody's settings of the line editor
+    environment.insert("XDG_DATA_HOME", m_data.path()); // and nobody's lessons
     setProcessEnvironment(environment);
     start(QStringLiteral(CALYX_PRESENTER), arguments);
     if (!waitForStarted() || !m_screen.waitForStarted())

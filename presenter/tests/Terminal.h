@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QTemporaryDir>
 
 /// A terminal with calyx-presenter in it. xterm.js tells what it shows, in a process of its own.
 class Terminal : public ChildProcess
@@ -38,6 +39,7 @@ private:
     void show(const QByteArray& line);
     void readScreen();
 
+    QTemporaryDir m_data;
     int m_master = -1;
     int m_slave = -1;
     QProcess m_screen;

@@ -78,11 +78,11 @@ private Q_SLOTS:
         QTest::newRow("second word mistyped") << "session strat"
                                               << "Did you mean session start";
         QTest::newRow("second word missing") << "session"
-                                             << "session start, session create";
+                                             << "session start, session resume";
         QTest::newRow("too few") << "card"
                                  << "Usage: card FILE";
-        QTest::newRow("too many") << "poll stop now"
-                                  << "Usage: poll stop";
+        QTest::newRow("too many") << "poll pause now"
+                                  << "Usage: poll pause";
         QTest::newRow("no number") << "deck go long"
                                    << "\"long\" is not a whole number";
         QTest::newRow("no time") << "pause long"

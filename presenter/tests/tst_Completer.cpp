@@ -27,7 +27,7 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("candidates");
         QTest::newRow("command") << "logo" << 0 << QStringList{"logout"};
         QTest::newRow("case") << "LOGO" << 0 << QStringList{"logout"};
-        QTest::newRow("second word") << "session re" << 8 << QStringList{"reconnect"};
+        QTest::newRow("second word") << "session rec" << 8 << QStringList{"reconnect"};
         QTest::newRow("second words") << "wait " << 5 << QStringList({"answers", "assessment", "learners"});
         QTest::newRow("poll type") << "poll tr" << 5 << QStringList{"true-false"};
         QTest::newRow("poll type or command")

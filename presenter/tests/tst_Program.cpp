@@ -241,6 +241,34 @@ private Q_SLOTS:
         QVERIFY(!presenter.output().contains("The connection is lost."));
     }
 
+    void aKilledLessonIsTakenUp()
+    {
+        FakeClassroom classroom;
+        const QStringList journal = {"--journal", m_folder.filePath("lesson.journal")};
+        Presenter killed(arguments(classroom, journal));
+        killed.write(goLive + "poll true-false\nwait answers 1\nsay counted\n");
+        TRY(!classroom.lastQuestion().isEmpty());
+        classroom.join("d1", "Ann");
+        classroom.answer("d1", classroom.lastQuestion(), {"B"});
+        TRY(killed.output().contains("\ncounted\n"));
+        killed.signal(SIGKILL);
+        TRY(!killed.isRunning());
+
+        classroom.setUsers({QVariantMap{{"userToken", "d1"}, {"userName", "Ann"}, {"mode", "learner"}}});
+        Presenter presenter(arguments(classroom, journal));
+        presenter.write(
+            "login\nsession resume\nexpect learners 1\nexpect answers 1\npoll stop\nsession stop\n"
+            "session resume\n");
+        TRY_ENDED(presenter, 1);
+        const QString output = presenter.output();
+        QVERIFY2(output.contains("Session 123 456 was not ended: \"session resume\" takes it up."),
+                 qPrintable(output));
+        QVERIFY2(output.contains(QRegularExpression("  B False  █+  1  100 %\n")), qPrintable(output));
+        QVERIFY2(presenter.errors().contains("There is no session to take up."),
+                 qPrintable(presenter.errors()));
+        QCOMPARE(classroom.requests().count("/session/create"), 1);
+    }
+
     void resultsAreSaved()
     {
         FakeClassroom classroom;

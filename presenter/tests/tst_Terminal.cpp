@@ -72,7 +72,7 @@ private Q_SLOTS:
         terminal.type("\033[A");
         TRY_LINE("calyx> whoami");
         terminal.type("\025session \t");
-        TRY_SHOWN("create  disconnect  info  live  reconnect  start  stop");
+        TRY_SHOWN("create  disconnect  info  live  reconnect  resume  start  stop");
         QCOMPARE(terminal.lastLine(), QStringLiteral("calyx> session"));
         terminal.type("INF\t");
         TRY_LINE("calyx> session info");

@@ -135,7 +135,8 @@ public:
     /// the lesson goes on without it.
     Q_INVOKABLE void setJournal(const QString& fileName);
     /// What the journal \p fileName says of the session that takeUp() would take up: "code", "lesson",
-    /// "teacher", "server" and "at", when it began; empty where it holds none. Reads the file.
+    /// "teacher", "server" and "at", when it began; empty where it holds none, and for one that was ended.
+    /// Reads the file.
     Q_INVOKABLE static QVariantMap journalOf(const QString& fileName);
 
     // Login and session.

@@ -42,6 +42,8 @@ LessonPrivate::~LessonPrivate()
         delete thread;
         return;
     }
+    note({{"event", "ended"}}); // it is said goodbye to
+    journal.flush();
     worker->tell([](LessonWorker* at) { at->shutDown(goodbyeLimit); });
     QObject::connect(thread, &QThread::finished, thread, &QObject::deleteLater);
     if (thread->wait(endLimit))

@@ -32,13 +32,17 @@ QDateTime time(const QJsonObject& event, const char* key = "at")
     return value.isDouble() ? QDateTime::fromMSecsSinceEpoch(qint64(value.toDouble())) : QDateTime();
 }
 
+// One that the host has ended is nobody's to take up.
 QJsonObject sessionOf(const QVector<QJsonObject>& events)
 {
+    QJsonObject session;
     for (const QJsonObject& event : events) {
-        if (text(event, "event") == QLatin1String("session"))
-            return event;
+        if (text(event, "event") == QLatin1String("ended"))
+            return {};
+        if (session.isEmpty() && text(event, "event") == QLatin1String("session"))
+            session = event;
     }
-    return {};
+    return session;
 }
 
 template<typename Running>

@@ -237,6 +237,7 @@ void LessonPrivate::beginEnd(bool andLogOut)
         else
             at->endSession(ticket);
     });
+    note({{"event", "ended"}});
     finishSession();
     if (self)
         setState(Lesson::Ending);
@@ -268,6 +269,8 @@ void LessonPrivate::giveUp()
         if (endsSession)
             at->endSession(ticket);
     });
+    if (endsSession)
+        note({{"event", "ended"}});
     uploads.clear();
     wantsLive = false;
     const QPointer<Lesson> self(q);

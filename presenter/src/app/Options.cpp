@@ -26,6 +26,9 @@ Teaches a live classroom lesson: from a script, or by commands typed at a prompt
   --open-limit SECONDS
                       how long a transport may take to open before the next is tried (10; 0: no
                       limit)
+  --journal FILE      write the lesson down in FILE while it goes on, for "session resume" after a crash;
+                      names and answers stand in it. A typed lesson does so by itself, in a
+                      file of its own that goes when the lesson ends; "none": no file
   --quiet             print errors and results only: no progress, no narration
   --verbose           print the library's diagnostics on standard error; they hold tokens
   --version           print the version
@@ -73,6 +76,7 @@ QList<QCommandLineOption> optionTable()
             withValue("script"),
             withValue("transports"),
             withValue("open-limit"),
+            withValue("journal"),
             flag("quiet"),
             flag("verbose"),
             flag("version"),
@@ -160,6 +164,7 @@ Options Options::parse(const QStringList& arguments)
     options.password = isSet("password") ? value("password") : qEnvironmentVariable("CALYX_PASSWORD");
     options.script = value("script");
     options.transports = commaList(value("transports"));
+    options.journal = value("journal");
     options.quiet = isSet("quiet");
     options.verbose = isSet("verbose");
     bool isNumber = true;

@@ -17,6 +17,7 @@ struct Options
     QString password;
     QString script;
     QStringList transports;
+    QString journal;
     int openLimit = 10000; // ms
     bool quiet = false;
     bool verbose = false;

@@ -22,6 +22,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLoggingCategory>
+#include <QStandardPaths>
 
 #include <clocale>
 #include <csignal>
@@ -152,6 +153,20 @@ void handle(int signal, Runner& runner, Screen& screen, LineSource* source)
         runner.interrupt(signal);
 }
 
+// Where a lesson that is typed writes its journal: one that a script teaches begins anew.
+QString journalOf(const Options& options)
+{
+    if (options.journal == QLatin1String("none"))
+        return QString();
+    if (!options.journal.isEmpty() || !options.script.isEmpty() || !isTyped())
+        return options.journal;
+    const QUrl server(options.server);
+    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
+    if (!folder.mkpath(QStringLiteral(".")))
+        return QString();
+    return folder.filePath(QStringLiteral("%1-%2.journal").arg(server.host()).arg(server.port(0)));
+}
+
 int run(QCoreApplication& application, const Options& options, const ScriptFile::Script& script)
 {
     Screen screen(options.quiet);
@@ -161,6 +176,8 @@ int run(QCoreApplication& application, const Options& options, const ScriptFile:
     lesson.setOpenLimit(options.openLimit);
     lesson.setTransports(options.transports);
     Notebook notes(lesson);
+    notes.journal = journalOf(options);
+    lesson.setJournal(notes.journal);
     CommandContext context{
         lesson, notes, screen, waiter, options.user, options.password, QDir::currentPath()};
     QObject::connect(&lesson, &Lesson::failed, &waiter,
@@ -188,7 +205,11 @@ int run(QCoreApplication& application, const Options& options, const ScriptFile:
     } else {
         feed(runner, *source, context);
     }
-    return application.exec();
+    const int status = application.exec();
+    // What learners wrote does not stay behind unasked, unless the session may still be open.
+    if (options.journal.isEmpty() && !notes.journal.isEmpty() && Lesson::journalOf(notes.journal).isEmpty())
+        QFile::remove(notes.journal);
+    return status;
 }
 
 } // namespace

@@ -20,6 +20,11 @@ const QString checkCode = QStringLiteral("Get a new code from the provider and t
 Outcome loggedIn(CommandContext& context, const QString& user)
 {
     context.screen.note(QStringLiteral("Logged in as %1.").arg(Text::clean(user)), Ink::Good);
+    const QVariantMap left = Lesson::journalOf(context.notes.journal);
+    if (left.value(QStringLiteral("teacher")) == user)
+        context.screen.note(QStringLiteral("Session %1 was not ended: \"session resume\" takes it up.")
+                                .arg(Text::code(Text::clean(left.value(QStringLiteral("code")).toString()))),
+                            Ink::Strong);
     return Outcome::done();
 }
 

@@ -13,6 +13,8 @@
 #include <CalyxClient/PresenterCollab>
 #include <CalyxClient/SockJSConnector>
 
+#include <QDir>
+
 #include <memory>
 
 using Calyx::Lesson;
@@ -86,6 +88,23 @@ Outcome sessionCreate(CommandContext& context, const Arguments&)
     context.screen.print(
         QStringLiteral("Session %1 is created. \"session live\" starts it.").arg(codeOf(context)));
     return outcome;
+}
+
+Outcome sessionResume(CommandContext& context, const Arguments& arguments)
+{
+    const QString file =
+        arguments.isEmpty() ? context.notes.journal : QDir(context.folder).filePath(arguments.first());
+    if (context.facts() & Fact::Opened)
+        return alreadyOpen(context);
+    if (Lesson::journalOf(file).isEmpty())
+        return Outcome::failed(QStringLiteral("There is no session to take up. Use \"session start\"."));
+    const Outcome resumed = context.carryOut(
+        {QStringLiteral("Taking the session up"),
+         QStringLiteral("What was collected is still here: \"summary\" shows it, \"save FILE\" keeps it."),
+         [&] { context.lesson.takeUp(file); }, [&] { return context.lesson.state() == Lesson::Live; }});
+    if (resumed.isDone())
+        tellHowToJoin(context);
+    return resumed;
 }
 
 // Without a goodbye: the learners stay where they are.
@@ -244,6 +263,10 @@ const Command rows[] = {
      "Waits until the live channel is open: for as long as the transports may take together, or "
      "for SECONDS. Does \"session create\" and \"session live\" in one.",
      F::Login, F::Session | F::Opened | F::Channel, F::Nothing, 0, 2, {P::Keyword, P::Seconds}, "within", goLive},
+    {"session resume", "[FILE]", "Take up a session whose presenter was killed.",
+     "With the learners who are still in it, and with all that was asked and answered. FILE is the journal, "
+     "where it is not the one that this program writes by itself.",
+     F::Login, F::TheSession | F::AnyPoll | F::AnyAssessment, F::Nothing, 0, 1, {P::File}, "", sessionResume},
     {"session create", "", "Create a session, without starting it.",
      "",
      F::Login, F::Session, F::Nothing, 0, 0, {}, "", sessionCreate},

@@ -41,6 +41,8 @@ public:
     QString deviceToken;
     /// Logs in as the last time; empty before the first.
     std::function<void()> logInAgain;
+    /// Where the lesson writes its journal; empty: nowhere.
+    QString journal;
     /// Of a session that is created and not started.
     QString createdCode;
     /// The channel was closed by us, and is to stay closed.
