@@ -9,7 +9,7 @@ namespace Calyx {
 
 void Inbox::Slot::put(Task task)
 {
-    const QMutexLocker locker(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     if (!m_inbox)
         return;
     m_tasks.push_back(std::move(task));
@@ -26,14 +26,14 @@ Inbox::Inbox(QObject* parent) : QObject(parent)
 
 Inbox::~Inbox()
 {
-    const QMutexLocker locker(&m_slot->m_mutex);
+    const std::lock_guard<std::mutex> lock(m_slot->m_mutex);
     m_slot->m_inbox = nullptr;
 }
 
 // After a turn without tasks the next one has to be told.
 bool Inbox::takeTask(Task* task, bool isFirst)
 {
-    const QMutexLocker locker(&m_slot->m_mutex);
+    const std::lock_guard<std::mutex> lock(m_slot->m_mutex);
     m_slot->m_isTold = !m_slot->m_tasks.empty() || !isFirst;
     if (m_slot->m_tasks.empty())
         return false;

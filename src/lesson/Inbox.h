@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QMutex>
 #include <QObject>
 #include <QTimer>
 
 #include <deque>
 #include <functional>
 #include <memory>
+#include <mutex>
 
 namespace Calyx {
 
@@ -27,7 +27,7 @@ public:
 
     private:
         friend class Inbox;
-        QMutex m_mutex;
+        std::mutex m_mutex;
         Inbox* m_inbox = nullptr;
         std::deque<Task> m_tasks;
         bool m_isTold = false;

@@ -76,10 +76,24 @@ LessonWorker::LessonWorker(std::shared_ptr<Inbox::Slot> inbox, LessonListener* l
 
 LessonWorker::~LessonWorker() = default;
 
-void LessonWorker::tell(const std::function<void(LessonWorker*)>& work)
+void LessonWorker::tell(const Work& work)
 {
-    QMetaObject::invokeMethod(
-        this, [this, work] { work(this); }, Qt::QueuedConnection);
+    {
+        const std::lock_guard<std::mutex> lock(m_toldMutex);
+        m_told.push_back(work);
+    }
+    QMetaObject::invokeMethod(this, "doTold", Qt::QueuedConnection);
+}
+
+void LessonWorker::doTold()
+{
+    Work work;
+    {
+        const std::lock_guard<std::mutex> lock(m_toldMutex);
+        work = std::move(m_told.front());
+        m_told.pop_front();
+    }
+    work(this);
 }
 
 void LessonWorker::report(const std::function<void(LessonListener*)>& what)

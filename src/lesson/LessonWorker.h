@@ -15,6 +15,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 class PresenterClient;
@@ -89,11 +90,13 @@ class LessonWorker : public QObject
     Q_OBJECT
 
 public:
+    using Work = std::function<void(LessonWorker*)>;
+
     LessonWorker(std::shared_ptr<Inbox::Slot> inbox, LessonListener* listener);
     ~LessonWorker() override;
 
     /// Has the worker do \p work on its thread.
-    void tell(const std::function<void(LessonWorker*)>& work);
+    void tell(const Work& work);
 
     void logIn(int ticket, const Login& login);
     /// What the channel is opened with from now on: \p transports, unless that is empty, each for \p
@@ -130,6 +133,7 @@ private:
         bool isCancellable;
     };
 
+    Q_INVOKABLE void doTold();
     void enqueue(bool isCancellable, const std::function<void()>& run);
     void runNext();
     void abort();
@@ -162,6 +166,8 @@ private:
     void onRemoteControl(const QString& from, const QString& type, const QVariant& data);
     bool isRemote(const QString& from);
 
+    std::mutex m_toldMutex;
+    std::deque<Work> m_told; // by other threads
     std::shared_ptr<Inbox::Slot> m_inbox;
     LessonListener* m_listener;
     std::unique_ptr<ServiceClient> m_client;
