@@ -189,7 +189,7 @@ private Q_SLOTS:
         terminal.type("r\r");
         TRY_SHOWN("The connection is back.");
         TRY(!classroom.lastQuestion().isEmpty()); // what was done meanwhile
-        QVERIFY(!terminal.text().contains("The connection is lost."));
+        TRY(!terminal.text().contains("The connection is lost."));
     }
 
     void aPollIsCountedDown()
