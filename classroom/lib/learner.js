@@ -56,6 +56,7 @@ export class Learner {
   #assessment = null;
   #over = false;
   #joined = false;
+  #wasIn = false;
   #comeBack;
   // The last answer, [type, value], while its question is open: it goes out again after a lost connection.
   #answered = null;
@@ -92,6 +93,7 @@ export class Learner {
     this.#listen();
     this.#publish('join', { userName: this.userName, deviceType: this.deviceType });
     this.#joined = true;
+    this.#wasIn = true;
     if (this.#answered) this.#publish(...this.#answered);
     if (this.#assessment && !this.#open) this.#getQuestion();
   }
@@ -126,17 +128,23 @@ export class Learner {
   }
 
   #opened() {
+    const bus = this.#bus;
     return new Promise((resolve, reject) => {
-      const timer = setTimeout(() => reject(new Error('the bus did not open in time')), OPEN_MS);
-      this.#bus.onerror = (error) => this.#settings.note(`${this.userName}: ${JSON.stringify(error)}`);
-      this.#bus.onopen = () => {
+      const timer = setTimeout(() => {
+        reject(new Error('the bus did not open in time'));
+        bus.close();
+      }, OPEN_MS);
+      bus.onerror = (error) => this.#settings.note(`${this.userName}: ${JSON.stringify(error)}`);
+      bus.onopen = () => {
         clearTimeout(timer);
         resolve();
       };
-      this.#bus.onclose = (event) => {
+      bus.onclose = (event) => {
         clearTimeout(timer);
         reject(new Error(`the bus was closed: ${event.code} ${event.reason}`));
-        this.#closed(event.code);
+        // Who is on the way back tries again.
+        const isTrying = this.#wasIn && !this.#joined && event.code !== CLOSE_SESSION_ENDED;
+        if (bus === this.#bus && !isTrying) this.#closed(event.code);
       };
     });
   }
