@@ -45,15 +45,30 @@ public:
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
     QT_WARNING_PUSH
     QT_WARNING_DISABLE_DEPRECATED
-    explicit SeededRandom(uint seed) { qsrand(seed); }
-    int next() { return qrand(); }
+    explicit SeededRandom(uint seed)
+    {
+        qsrand(seed);
+    }
+    int next()
+    {
+        return qrand();
+    }
     QT_WARNING_POP
 #elif defined(Q_OS_WIN)
-    explicit SeededRandom(uint seed) { std::srand(seed); }
-    int next() { return std::rand(); }
+    explicit SeededRandom(uint seed)
+    {
+        std::srand(seed);
+    }
+    int next()
+    {
+        return std::rand();
+    }
 #else
     explicit SeededRandom(uint seed) : m_seed(seed) {}
-    int next() { return rand_r(&m_seed); }
+    int next()
+    {
+        return rand_r(&m_seed);
+    }
 
 private:
     uint m_seed;
@@ -61,13 +76,13 @@ private:
 };
 
 /// The signal of a WebSocket's error: errorOccurred() where there is one (from 6.5), and error() otherwise.
-template <typename Socket>
+template<typename Socket>
 constexpr auto errorSignal(int /*preferred*/) -> decltype(&Socket::errorOccurred)
 {
     return &Socket::errorOccurred;
 }
 
-template <typename Socket>
+template<typename Socket>
 constexpr auto errorSignal(long /*otherwise*/)
 {
     return QOverload<QAbstractSocket::SocketError>::of(&Socket::error);
