@@ -128,7 +128,11 @@ class TestFailingCalls : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { qunsetenv("http_proxy"); }
+    void initTestCase()
+    {
+        qunsetenv("http_proxy");
+        keepDebugMessagesFromQTest();
+    }
 
     void openFails_data()
     {

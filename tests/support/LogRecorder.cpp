@@ -49,3 +49,13 @@ QStringList LogRecorder::warnings() const
 {
     return select(messages(), QtWarningMsg, QString());
 }
+
+void keepDebugMessagesFromQTest()
+{
+    static QtMessageHandler shown = nullptr;
+    shown =
+        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& text) {
+            if (type != QtDebugMsg)
+                shown(type, context, text);
+        });
+}

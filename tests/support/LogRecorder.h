@@ -29,3 +29,7 @@ public:
 private:
     QtMessageHandler m_previous;
 };
+
+/// Keeps debug messages from QTest from now on: it names the row that runs beside each, and changes it while
+/// a thread of the row before may still speak.
+void keepDebugMessagesFromQTest();
