@@ -38,23 +38,13 @@ inline const QLoggingCategory& diagnosticsCategory()
 
 #endif
 
+QT_WARNING_PUSH
+QT_WARNING_DISABLE_DEPRECATED
 /// Qt 5's qrand() on this platform, which Qt 6 has no more: the same numbers for the same seed.
 class SeededRandom
 {
 public:
-#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED
-    explicit SeededRandom(uint seed)
-    {
-        qsrand(seed);
-    }
-    int next()
-    {
-        return qrand();
-    }
-    QT_WARNING_POP
-#elif defined(Q_OS_WIN)
+#if defined(Q_OS_WIN) && QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
     explicit SeededRandom(uint seed)
     {
         std::srand(seed);
@@ -63,7 +53,7 @@ public:
     {
         return std::rand();
     }
-#else
+#elif QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
     explicit SeededRandom(uint seed) : m_seed(seed) {}
     int next()
     {
@@ -72,8 +62,18 @@ public:
 
 private:
     uint m_seed;
+#else
+    explicit SeededRandom(uint seed)
+    {
+        qsrand(seed);
+    }
+    int next()
+    {
+        return qrand();
+    }
 #endif
 };
+QT_WARNING_POP
 
 /// The signal of a WebSocket's error: errorOccurred() where there is one (from 6.5), and error() otherwise.
 template<typename Socket>
