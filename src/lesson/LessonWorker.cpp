@@ -41,8 +41,8 @@ const QString pulseType = QStringLiteral("pulse");
 QString addressForOthers(const QString& server)
 {
     QUrl url(server);
-    const QHostAddress asked(url.host());
-    if (asked != QHostAddress::AnyIPv4 && asked != QHostAddress::AnyIPv6)
+    const QList<QHostAddress> all{QHostAddress(QHostAddress::AnyIPv4), QHostAddress(QHostAddress::AnyIPv6)};
+    if (!all.contains(QHostAddress(url.host())))
         return server;
     url.setHost(QStringLiteral("127.0.0.1"));
     const QList<QHostAddress> addresses = QNetworkInterface::allAddresses();
