@@ -116,9 +116,9 @@ void WebSocketTransport::retire()
 {
     setParent(nullptr);
     releaseSocket();
-    if (QCoreApplication::instance())
+    if (willRunEvents(this))
         deleteLater();
-    else // nobody will run an event loop any more
+    else
         delete this;
 }
 
