@@ -87,7 +87,7 @@ QUrl Lesson::joinLink() const
 {
     QUrl link(d->joinAddress);
     if (!d->joinCode.isEmpty())
-        link.setQuery(QStringLiteral("code=") + d->joinCode);
+        link.setQuery(QStringLiteral("code=") + QString::fromUtf8(QUrl::toPercentEncoding(d->joinCode)));
     return link;
 }
 

@@ -3,22 +3,12 @@
 #include <QHostAddress>
 #include <QNetworkInterface>
 #include <QProcess>
-#include <QUrl>
-
-#include <algorithm>
 
 namespace {
 
 bool isLoopback(const QString& host)
 {
     return host == QLatin1String("localhost") || QHostAddress(host).isLoopback();
-}
-
-bool isAnywhere(const QString& host)
-{
-    const QHostAddress address(host);
-    const auto isOneOf = {QHostAddress::AnyIPv4, QHostAddress::AnyIPv6, QHostAddress::Any};
-    return std::any_of(isOneOf.begin(), isOneOf.end(), [&](auto any) { return address == any; });
 }
 
 // The address that other machines of the network know this one by; empty when there is none.
@@ -35,24 +25,9 @@ QString ownAddress()
 
 } // namespace
 
-QString JoinAddress::ofService(const QString& server)
+QString JoinAddress::hint(const QUrl& address)
 {
-    QUrl url(server);
-    const QString own = ownAddress();
-    if (isAnywhere(url.host()))
-        url.setHost(own.isEmpty() ? QStringLiteral("127.0.0.1") : own);
-    return url.toString(QUrl::StripTrailingSlash);
-}
-
-QString JoinAddress::withCode(const QString& server, const QString& code)
-{
-    return QStringLiteral("%1/?code=%2")
-        .arg(ofService(server), QString::fromUtf8(QUrl::toPercentEncoding(code)));
-}
-
-QString JoinAddress::hint(const QString& server)
-{
-    if (!isLoopback(QUrl(ofService(server)).host()))
+    if (!isLoopback(address.host()))
         return QString();
     const QString own = ownAddress();
     if (own.isEmpty())

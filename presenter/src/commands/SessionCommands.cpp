@@ -38,16 +38,15 @@ Outcome alreadyOpen(const CommandContext& context)
 void tellHowToJoin(CommandContext& context)
 {
     const Style& style = context.screen.style();
-    const QString server = context.lesson.joinAddress().toString();
-    const QString hint = JoinAddress::hint(server);
+    const QUrl address = context.lesson.joinAddress();
+    const QString hint = JoinAddress::hint(address);
     QStringList picture;
     if (context.screen.isLive() && style.unicode && hint.isEmpty())
-        picture =
-            JoinAddress::qrCode(JoinAddress::withCode(server, Text::clean(context.lesson.joinCode())), style);
+        picture = JoinAddress::qrCode(context.lesson.joinLink().toString(QUrl::FullyEncoded), style);
     if (!picture.isEmpty())
         context.screen.print(picture);
     context.screen.print(QStringLiteral("Session %1 is live. Join at %2 with %1.")
-                             .arg(codeOf(context), JoinAddress::ofService(server)),
+                             .arg(codeOf(context), address.toString(QUrl::StripTrailingSlash)),
                          Ink::Strong);
     if (!hint.isEmpty())
         context.screen.note(hint, Ink::Faint);
@@ -186,7 +185,8 @@ Outcome sessionInfo(CommandContext& context, const Arguments&)
         {QStringLiteral("Service"), server},
         {QStringLiteral("User"), orNone(wire->user)},
         {QStringLiteral("Session code"), orNone(codeOf(context))},
-        {QStringLiteral("Learners join at"), JoinAddress::ofService(server)},
+        {QStringLiteral("Learners join at"),
+         orNone(context.lesson.joinAddress().toString(QUrl::StripTrailingSlash))},
         {QStringLiteral("Session token"), orNone(wire->token)},
         {QStringLiteral("Collaboration server"), orNone(wire->collabServer)},
         {QStringLiteral("Transports"), orNone(wire->transports)},
