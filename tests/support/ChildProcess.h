@@ -13,12 +13,21 @@ public:
     ChildProcess() = default;
 
 protected:
-    void setupChildProcess() override { prepareChild(); }
+    void setupChildProcess() override
+    {
+        prepareChild();
+    }
 #else
-    ChildProcess() { setChildProcessModifier([this] { prepareChild(); }); }
+    ChildProcess()
+    {
+        setChildProcessModifier([this] { prepareChild(); });
+    }
 
 protected:
 #endif
     /// Runs in the child, before the program takes its place.
-    virtual void prepareChild() { ::prctl(PR_SET_PDEATHSIG, SIGKILL); }
+    virtual void prepareChild()
+    {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    }
 };

@@ -576,7 +576,10 @@ private Q_SLOTS:
         }
     }
 
-    void bytesBehindTheEndMarkerAreNotRead() { QCOMPARE(decodeText(marked() + "more"), fourTimes(HELLO)); }
+    void bytesBehindTheEndMarkerAreNotRead()
+    {
+        QCOMPARE(decodeText(marked() + "more"), fourTimes(HELLO));
+    }
 
     void claimedDictionaryIsOnlyAClaim()
     {
