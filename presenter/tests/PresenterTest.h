@@ -29,7 +29,8 @@ inline QJsonObject data(const FakeClassroom::Message& message)
     QTRY_VERIFY2_WITH_TIMEOUT(presenter.output().contains(text),                                             \
                               qPrintable(presenter.output() + presenter.errors()), limit)
 #define TRY_ENDED(presenter, expected)                                                                       \
-    TRY(!(presenter).isRunning());                                                                           \
+    QTRY_VERIFY2_WITH_TIMEOUT(!(presenter).isRunning(),                                                      \
+                              qPrintable((presenter).output() + (presenter).errors()), limit);               \
     QVERIFY2((presenter).status() == (expected),                                                             \
              qPrintable(QStringLiteral("status %1\n").arg((presenter).status()) + (presenter).output() +     \
                         (presenter).errors()))

@@ -58,6 +58,7 @@ struct LessonPrivate : public LessonListener
     Wanted wanted() const;
     Wanted wantedBy(const QString& deviceId, const Wanted& all) const;
     void bring(const QStringList& devices);
+    void takeForShown(const Wanted& now);
     void bringBack(const QStringList& newcomers);
     void send(const std::function<void(PresenterCollab*)>& work);
     void confirm();
@@ -181,7 +182,6 @@ struct LessonPrivate : public LessonListener
     QMap<int, Wanted> sent;    // what it will have when confirm() is answered, by serial number
     QTimer confirmation;
     int lastSerial = 0;
-    bool isConfirmed = false;       // the bus has ever confirmed anything
     QHash<QString, int> atQuestion; // of the assessment: what each device has asked for last
     QByteArray cardPng;
     QString cardUrl;

@@ -77,17 +77,28 @@ void LessonPrivate::bring(const QStringList& devices)
     }
 }
 
+// What somebody has answered or gone on with was there, whether the bus has confirmed it or not.
+void LessonPrivate::takeForShown(const Wanted& now)
+{
+    if (!now.pollId.isEmpty() && now.pollId != shown.pollId && poll->answered() > 0) {
+        shown.pollId = now.pollId;
+        shown.isPollPaused = false;
+        shown.pollStopsAt = {};
+    }
+    if (!now.assessmentToken.isEmpty() && now.assessmentToken != shown.assessmentToken &&
+        !atQuestion.isEmpty()) {
+        shown.assessmentToken = now.assessmentToken;
+        shown.isAssessmentPaused = false;
+    }
+}
+
 // The learners have had the lesson in front of them all the while: they get what has changed, and who has not
 // answered gets the question again. Who has come meanwhile gets everything.
 void LessonPrivate::bringBack(const QStringList& newcomers)
 {
     const Wanted now = wanted();
     Wanted news = now;
-    if (!now.pollId.isEmpty() && now.pollId != shown.pollId && poll->answered() > 0) { // it was there
-        shown.pollId = now.pollId;
-        shown.isPollPaused = false;
-        shown.pollStopsAt = {};
-    }
+    takeForShown(now);
     const bool isSamePoll = now.pollId == shown.pollId;
     const bool isSameAssessment = now.assessmentToken == shown.assessmentToken;
     if (isSamePoll)

@@ -173,7 +173,6 @@ void LessonPrivate::onNotOpened(int ticketOfOpening, const LessonError& error)
 
 void LessonPrivate::onConfirmed(int serial)
 {
-    isConfirmed = true;
     shown = sent.value(serial, shown);
     while (!sent.isEmpty() && sent.firstKey() <= serial)
         sent.erase(sent.begin());
@@ -185,8 +184,6 @@ void LessonPrivate::onLost()
         return;
     attempts = 0;
     sent.clear();
-    if (!isConfirmed)
-        shown = wanted();
     if (setState(Lesson::Reconnecting) && state == Lesson::Reconnecting && reconnects)
         tryAgain();
 }
