@@ -150,6 +150,8 @@ Q_SIGNALS:
 
 private:
     friend class Lesson;
+    friend class LessonJournal;
+    friend struct LessonContent;
     friend struct LessonPrivate;
     Assessment(const AssessmentPlan& plan, bool isForAll, const Roster* roster, QObject* parent);
     int numberOf(const QString& questionId) const;

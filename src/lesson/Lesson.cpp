@@ -104,7 +104,7 @@ QDateTime Lesson::nextAttempt() const
 void Lesson::setName(const QString& id, const QString& name)
 {
     d->lessonId = id;
-    d->lessonName = name;
+    d->content.lessonName = name;
     d->tellRemote();
 }
 
@@ -159,14 +159,19 @@ void Lesson::start()
     d->clearSession();
     if (!self)
         return;
-    d->beginJournal();
+    d->journal.begin();
     if (d->state == LoggedIn && d->wantsLive)
         d->beginStart();
 }
 
 void Lesson::setJournal(const QString& fileName)
 {
-    d->journalName = fileName;
+    d->journal.setFileName(fileName);
+}
+
+QVariantMap Lesson::journalOf(const QString& fileName)
+{
+    return LessonJournal::describe(LessonJournal::read(fileName));
 }
 
 void Lesson::takeUp(const QString& fileName)
@@ -237,30 +242,30 @@ void Lesson::resume()
 
 void Lesson::stop(int seconds)
 {
-    if (d->poll && d->poll->isRunning())
+    if (d->content.isAsked())
         d->stopPoll(seconds);
 }
 
 Poll* Lesson::poll() const
 {
-    return d->poll;
+    return d->content.poll;
 }
 
 QList<Poll*> Lesson::polls() const
 {
-    return d->polls;
+    return d->content.polls;
 }
 
 void Lesson::clearPolls()
 {
-    d->removeStoppedPolls();
-    d->record({{QStringLiteral("event"), QStringLiteral("cleared")}});
-    d->tell([this] { d->roster->tellAnswers(); }, [this] { Q_EMIT pollChanged(); });
+    d->content.removeStoppedPolls();
+    d->journal.notePollsCleared();
+    d->tell([this] { d->content.roster->tellAnswers(); }, [this] { Q_EMIT pollChanged(); });
 }
 
 void Lesson::showResults(Poll* poll)
 {
-    poll = poll ? poll : d->poll.data();
+    poll = poll ? poll : d->content.poll.data();
     if (poll)
         d->showResults(*poll);
 }
@@ -274,17 +279,16 @@ Assessment* Lesson::startAssessment(const AssessmentPlan& plan, const QStringLis
         d->fail(LessonError::make(LessonError::BadInput, QString(), fault.isEmpty() ? tr(noLesson) : fault));
         return nullptr;
     }
-    const QPointer<Assessment> before = d->assessment;
-    const QPointer<Assessment> added = new Assessment(plan, devices.isEmpty(), d->roster, this);
+    const QPointer<Assessment> before = d->content.assessment;
+    const QPointer<Assessment> added = new Assessment(plan, devices.isEmpty(), d->content.roster, this);
     if (before && before->isRunning())
         d->send([token = before->token()](PresenterCollab* collab) {
             LessonMessages::sendAssessmentStop(collab, token);
         });
-    d->assessments.append(added);
-    d->assessment = added;
+    d->content.add(added);
     d->atQuestion.clear();
-    d->observe(added);
-    const QStringList all = devices.isEmpty() ? d->roster->present() : devices;
+    d->journal.noteAssessment(added);
+    const QStringList all = devices.isEmpty() ? d->content.roster->present() : devices;
     for (const QString& deviceId : all)
         added->enter(deviceId);
     const auto start = [=](const QString& address) {
@@ -308,36 +312,37 @@ Assessment* Lesson::startAssessment(const QVariantMap& plan)
 
 void Lesson::admit(const QString& deviceId)
 {
-    if (!d->assessment || !d->assessment->isRunning() || deviceId.isEmpty())
+    if (!d->content.isAssessed() || deviceId.isEmpty())
         return;
-    d->send([=, plan = d->assessment->plan(), token = d->assessment->token()](PresenterCollab* collab) {
+    d->send([=, plan = d->content.assessment->plan(),
+             token = d->content.assessment->token()](PresenterCollab* collab) {
         LessonMessages::sendAssessment(collab, LessonMessages::addressOf(deviceId), plan, token);
     });
-    d->tell([&] { d->assessment->enter(deviceId); },
-            [&] { d->assessment ? d->assessment->flush() : void(); });
+    d->tell([&] { d->content.assessment->enter(deviceId); },
+            [&] { d->content.assessment ? d->content.assessment->flush() : void(); });
 }
 
 void Lesson::stopAssessment()
 {
-    if (!d->assessment || !d->assessment->isRunning())
+    if (!d->content.isAssessed())
         return;
     const QPointer<Lesson> self(this);
-    d->send([token = d->assessment->token()](PresenterCollab* collab) {
+    d->send([token = d->content.assessment->token()](PresenterCollab* collab) {
         LessonMessages::sendAssessmentStop(collab, token);
     });
-    d->assessment->stop();
+    d->content.assessment->stop();
     if (self)
         Q_EMIT assessmentChanged();
 }
 
 Assessment* Lesson::assessment() const
 {
-    return d->assessment;
+    return d->content.assessment;
 }
 
 QList<Assessment*> Lesson::assessments() const
 {
-    return d->assessments;
+    return d->content.assessments;
 }
 
 // Cards and texts.
@@ -375,18 +380,18 @@ void Lesson::showPictureAt(const QString& url)
 
 bool Lesson::isLocked() const
 {
-    return d->isLocked;
+    return d->content.isLocked;
 }
 
 void Lesson::setLocked(bool locked)
 {
-    if (d->isLocked == locked)
+    if (d->content.isLocked == locked)
         return;
     if (!d->isWanted()) {
         d->refuse(noLesson);
         return;
     }
-    d->isLocked = locked;
+    d->content.isLocked = locked;
     d->send([locked](PresenterCollab* collab) { LessonMessages::sendLock(collab, QString(), locked); });
     Q_EMIT lockedChanged();
 }
@@ -407,7 +412,7 @@ void Lesson::showReview(const QString& text, const QString& deviceId)
 
 Roster* Lesson::roster() const
 {
-    return d->roster;
+    return d->content.roster;
 }
 
 void Lesson::remove(const QString& deviceId)

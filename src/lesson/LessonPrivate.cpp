@@ -13,10 +13,11 @@ constexpr int endLimit = 2000;     // ms
 
 LessonPrivate::LessonPrivate(Lesson* lesson)
     : q(lesson)
+    , content(lesson)
+    , journal(&content)
     , inbox(nullptr)
     , worker(new LessonWorker(inbox.slot(), this))
     , thread(new QThread)
-    , roster(new Roster(lesson))
     , deck(new Deck(lesson))
 {
     worker->moveToThread(thread);
@@ -31,7 +32,14 @@ LessonPrivate::LessonPrivate(Lesson* lesson)
     stopTimer.setTimerType(Qt::PreciseTimer); // never early
     QObject::connect(&stopTimer, &QTimer::timeout, q, [this] { q->stop(); });
     QObject::connect(deck, &Deck::changed, q, [this] { tellRemote(); });
-    observe();
+    QObject::connect(q, &Lesson::cardShown, &journal, &LessonJournal::noteCard);
+    QObject::connect(q, &Lesson::lockedChanged, &journal, &LessonJournal::noteLock);
+    const auto tellFailed = [this](const QString& name) {
+        fail(LessonError::make(LessonError::BadInput, name,
+                               Lesson::tr("The journal %1 cannot be written.").arg(name)));
+    };
+    // Once whoever has something written is through with what he does.
+    QObject::connect(&journal, &LessonJournal::failed, q, tellFailed, Qt::QueuedConnection);
 }
 
 // The thread comes to its end by itself: it can be in a call that cannot be interrupted.
@@ -42,8 +50,7 @@ LessonPrivate::~LessonPrivate()
         delete thread;
         return;
     }
-    note({{"event", "ended"}}); // it is said goodbye to
-    journal.flush();
+    journal.noteEnd(); // it is said goodbye to
     worker->tell([](LessonWorker* at) { at->shutDown(goodbyeLimit); });
     QObject::connect(thread, &QThread::finished, thread, &QObject::deleteLater);
     if (thread->wait(endLimit))
@@ -92,23 +99,25 @@ bool LessonPrivate::refuse(const char* text)
 void LessonPrivate::afterTurn()
 {
     const QPointer<Lesson> self(q);
-    flushJournal();
-    roster->flush();
+    journal.flush();
+    content.roster->flush();
     if (!self)
         return;
-    const QSet<Poll*> answered = std::exchange(answeredPolls, {});
-    for (Poll* one : answered) {
-        const QPointer<Poll> guard(one);
+    const QSet<QString> answered = std::exchange(answeredPolls, {});
+    for (const QString& id : answered) {
+        const QPointer<Poll> one(content.pollsById.value(id));
+        if (!one)
+            continue;
         one->flush();
-        if (self && guard == poll)
-            roster->tellAnswers();
-        if (self && guard)
-            Q_EMIT q->answersChanged(guard);
+        if (self && one == content.poll)
+            content.roster->tellAnswers();
+        if (self && one)
+            Q_EMIT q->answersChanged(one);
         if (!self)
             return;
     }
-    if (assessment)
-        assessment->flush();
+    if (content.assessment)
+        content.assessment->flush();
 }
 
 } // namespace Calyx

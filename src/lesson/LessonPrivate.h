@@ -1,9 +1,9 @@
 #pragma once
 
 #include "lesson/Inbox.h"
-#include "lesson/Journal.h"
 #include "lesson/Lesson.h"
-#include "lesson/LessonMessages.h"
+#include "lesson/LessonContent.h"
+#include "lesson/LessonJournal.h"
 #include "lesson/LessonWorker.h"
 
 #include <QDeadlineTimer>
@@ -16,7 +16,7 @@
 
 namespace Calyx {
 
-/// What is behind a Lesson, on its thread: the state, what is wanted, what was collected.
+/// What is behind a Lesson, on its thread: the state, and what the network is asked for.
 ///
 /// Whatever emits can be the end of the lesson: functions that do return whether it is still there, where
 /// more is to come.
@@ -42,6 +42,8 @@ struct LessonPrivate : public LessonListener
     void beginLogIn(const Login& login);
     void beginStart();
     void beginToLive(const Opening& opening);
+    bool takeUp(const QString& fileName);
+    bool tellTakenUp();
     void beginEnd(bool andLogOut);
     void tryAgain();
     void waitForAttempt();
@@ -55,8 +57,6 @@ struct LessonPrivate : public LessonListener
     bool hasSession() const { return state == Lesson::Live || state == Lesson::Reconnecting; }
 
     // The class.
-    Wanted wanted() const;
-    Wanted wantedBy(const QString& deviceId, const Wanted& all) const;
     void bring(const QStringList& devices);
     void takeForShown(const Wanted& now);
     void bringBack(const QStringList& newcomers);
@@ -68,7 +68,6 @@ struct LessonPrivate : public LessonListener
                      const std::function<void(const QByteArray& png, const QString& url)>& then);
     Poll* addPoll(const Question& question);
     void sendPoll(const Question& question, const QByteArray& png, const QString& url);
-    void removeStoppedPolls();
     void stopPoll(int seconds);
     void showResults(const Poll& poll);
     void setPaused(bool paused);
@@ -79,36 +78,6 @@ struct LessonPrivate : public LessonListener
     void welcome(const Learner& learner);
     void see(const QString& deviceId);
     void afterTurn();
-
-    // The journal.
-    void beginJournal();
-    void flushJournal();
-    void failJournal(const QString& name);
-    void note(const QJsonObject& event);
-    void record(const QJsonObject& event);
-    void observe();
-    void observe(const Poll* added);
-    void observe(const Assessment* added);
-    void watch(const Poll* added);
-    void watch(const Assessment* added);
-    void noteSession(const QString& token);
-    void noteSent();
-    void noteAnswer(const QString& id, const PollAnswer& answer, int time);
-    void replay(const QVector<QJsonObject>& events);
-    void replaySession(const QJsonObject& event);
-    void replayJoined(const QJsonObject& event);
-    void replayLeft(const QJsonObject& event);
-    void replayPoll(const QJsonObject& event);
-    void replaySent(const QJsonObject& event);
-    void replayCleared(const QJsonObject& event);
-    void replayAssessment(const QJsonObject& event);
-    void replayEntered(const QJsonObject& event);
-    void replayState(const QJsonObject& event);
-    void replayAnswer(const QJsonObject& event);
-    void replayCard(const QJsonObject& event);
-    void replayLocked(const QJsonObject& event);
-    bool takeUp(const QString& fileName);
-    bool tellTakenUp();
 
     // From the worker.
     void onLoggedIn(int ticket, const LessonError& error, const QString& registration) override;
@@ -134,6 +103,8 @@ struct LessonPrivate : public LessonListener
     };
 
     Lesson* q;
+    LessonContent content;
+    LessonJournal journal; // of this session
     Inbox inbox;
     LessonWorker* worker; // lives on the thread, and goes with it
     QThread* thread;
@@ -144,14 +115,9 @@ struct LessonPrivate : public LessonListener
     QString joinCode;
     QString joinAddress;
     QString lessonId = QStringLiteral("lesson");
-    QString lessonName = QStringLiteral("Lesson");
     QStringList transports;
-    int openLimit = 10000; // ms
-    QDateTime startedAt;
-    QString journalName;   // from the next session on; empty for none
-    Journal journal;       // of this session
-    OpenSession takenUp;   // from a journal, until it is open again
-    QDateTime takenUpFrom; // its last event
+    int openLimit = 10000;          // ms
+    LessonJournal::TakenUp takenUp; // until it is open again
     bool reconnects = true;
     bool wantsLive = false; // a session, as soon as the login is there
     bool isLoggingOut = false;
@@ -167,26 +133,15 @@ struct LessonPrivate : public LessonListener
     QHash<int, Upload> uploads;          // by ticket
     QHash<QByteArray, QString> uploaded; // addresses by picture
 
-    Roster* roster;
     Deck* deck;
-    QList<Poll*> polls;
-    QHash<QString, Poll*> pollsById;
-    QList<Assessment*> assessments;
-    QPointer<Poll> poll;
-    QPointer<Assessment> assessment;
-    QSet<Poll*> answeredPolls; // in this turn
-    Question sentQuestion;     // the running poll's, as devices get it
-    bool isPollReady = false;  // its picture is uploaded
-    QTimer stopTimer;          // of a poll that counts down
-    Wanted shown;              // what the class has in front of it, as far as the bus has confirmed it
-    QMap<int, Wanted> sent;    // what it will have when confirm() is answered, by serial number
+    QSet<QString> answeredPolls; // their ids, in this turn
+    QTimer stopTimer;            // of a poll that counts down
+    Wanted shown;                // what the class has in front of it, as far as the bus has confirmed it
+    QMap<int, Wanted> sent;      // what it will have when confirm() is answered, by serial number
     QTimer confirmation;
     int lastSerial = 0;
     QHash<QString, int> atQuestion; // of the assessment: what each device has asked for last
-    QByteArray cardPng;
-    QString cardUrl;
-    int cardSerial = 0; // counts what takes a card's place
-    bool isLocked = false;
+    int cardSerial = 0;             // counts what takes a card's place
     bool isRemotePresent = false;
     QSet<Lesson::RemoteCommand> takenOver;
 };

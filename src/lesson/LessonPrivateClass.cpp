@@ -19,56 +19,19 @@ void LessonPrivate::confirm()
     constexpr int most = 100;
     if (state != Lesson::Live)
         return;
-    sent.insert(++lastSerial, wanted());
+    sent.insert(++lastSerial, content.wanted());
     if (sent.size() > most)
         sent.erase(sent.begin());
     worker->tell([serial = lastSerial](LessonWorker* at) { at->confirm(serial); });
 }
 
-Wanted LessonPrivate::wanted() const
-{
-    Wanted wanted;
-    if (poll && poll->isRunning() && isPollReady) {
-        wanted.question = sentQuestion;
-        wanted.pollId = poll->id();
-        wanted.isPollPaused = poll->isPaused();
-        wanted.pollStopsAt = poll->stopsAt();
-    }
-    wanted.cardPng = cardPng;
-    wanted.cardUrl = cardUrl;
-    wanted.isLocked = isLocked;
-    if (assessment && assessment->isRunning()) {
-        wanted.assessment = assessment->plan();
-        wanted.assessmentToken = assessment->token();
-        wanted.isAssessmentPaused = assessment->isPaused();
-    }
-    return wanted;
-}
-
-// A device goes on with the first question that it has not answered; one that has answered the poll keeps
-// that.
-Wanted LessonPrivate::wantedBy(const QString& deviceId, const Wanted& all) const
-{
-    Wanted wanted = all;
-    if (!all.pollId.isEmpty() && poll->hasAnswered(deviceId))
-        wanted.pollId.clear();
-    if (all.assessmentToken.isEmpty())
-        return wanted;
-    if ((!assessment->isForAll() && !assessment->takesPart(deviceId)) || assessment->isFinished(deviceId))
-        wanted.assessmentToken.clear();
-    while (wanted.firstQuestion < assessment->questionCount() &&
-           assessment->answer(deviceId, wanted.firstQuestion).mark != PollAnswer::NoAnswer)
-        ++wanted.firstQuestion;
-    return wanted;
-}
-
 void LessonPrivate::bring(const QStringList& devices)
 {
-    const Wanted all = wanted();
+    const Wanted all = content.wanted();
     if (all.isNothing())
         return;
     for (const QString& deviceId : devices) {
-        const Wanted one = wantedBy(deviceId, all);
+        const Wanted one = content.wantedBy(deviceId, all);
         if (one.isNothing())
             continue;
         send([deviceId, one](PresenterCollab* collab) {
@@ -80,7 +43,7 @@ void LessonPrivate::bring(const QStringList& devices)
 // What somebody has answered or gone on with was there, whether the bus has confirmed it or not.
 void LessonPrivate::takeForShown(const Wanted& now)
 {
-    if (!now.pollId.isEmpty() && now.pollId != shown.pollId && poll->answered() > 0) {
+    if (!now.pollId.isEmpty() && now.pollId != shown.pollId && content.poll->answered() > 0) {
         shown.pollId = now.pollId;
         shown.isPollPaused = false;
         shown.pollStopsAt = {};
@@ -96,7 +59,7 @@ void LessonPrivate::takeForShown(const Wanted& now)
 // answered gets the question again. Who has come meanwhile gets everything.
 void LessonPrivate::bringBack(const QStringList& newcomers)
 {
-    const Wanted now = wanted();
+    const Wanted now = content.wanted();
     Wanted news = now;
     takeForShown(now);
     const bool isSamePoll = now.pollId == shown.pollId;
@@ -130,7 +93,7 @@ void LessonPrivate::bringBack(const QStringList& newcomers)
         bringAssessmentBack(newcomers);
     if (!isSamePoll || now.pollId.isEmpty())
         return;
-    QStringList missing = poll->missing();
+    QStringList missing = content.poll->missing();
     for (const QString& deviceId : newcomers)
         missing.removeOne(deviceId);
     send([now, devices = missing](PresenterCollab* collab) {
@@ -143,20 +106,20 @@ void LessonPrivate::bringBack(const QStringList& newcomers)
 // sends both again.
 void LessonPrivate::bringAssessmentBack(const QStringList& newcomers)
 {
-    if (!assessment || !assessment->isRunning())
+    if (!content.isAssessed())
         return;
     Wanted only;
-    only.assessment = assessment->plan();
-    only.assessmentToken = assessment->token();
-    only.isAssessmentPaused = assessment->isPaused();
-    const QStringList unfinished = assessment->unfinished();
+    only.assessment = content.assessment->plan();
+    only.assessmentToken = content.assessment->token();
+    only.isAssessmentPaused = content.assessment->isPaused();
+    const QStringList unfinished = content.assessment->unfinished();
     for (const QString& deviceId : unfinished) {
         if (newcomers.contains(deviceId))
             continue;
         if (atQuestion.contains(deviceId))
             onQuestionWanted(deviceId, atQuestion.value(deviceId));
         else
-            send([deviceId, one = wantedBy(deviceId, only)](PresenterCollab* collab) {
+            send([deviceId, one = content.wantedBy(deviceId, only)](PresenterCollab* collab) {
                 LessonMessages::bring(collab, LessonMessages::addressOf(deviceId), one);
             });
     }
@@ -172,12 +135,12 @@ void LessonPrivate::onJoin(const Learner& learner)
 void LessonPrivate::welcome(const Learner& learner)
 {
     const QPointer<Lesson> self(q);
-    if (roster->join(learner))
-        Q_EMIT roster->joined(learner.deviceId);
+    if (content.roster->join(learner))
+        Q_EMIT content.roster->joined(learner.deviceId);
     if (!self)
         return;
-    if (assessment && assessment->isRunning() && assessment->isForAll())
-        assessment->enter(learner.deviceId);
+    if (content.isAssessed() && content.assessment->isForAll())
+        content.assessment->enter(learner.deviceId);
     if (self)
         bring({learner.deviceId});
 }
@@ -185,17 +148,17 @@ void LessonPrivate::welcome(const Learner& learner)
 // Whoever answers is here, whether his joining was heard or not: the roster and the counts agree.
 void LessonPrivate::see(const QString& deviceId)
 {
-    if (hasSession() && roster->see(deviceId))
-        Q_EMIT roster->joined(deviceId);
+    if (hasSession() && content.roster->see(deviceId))
+        Q_EMIT content.roster->joined(deviceId);
 }
 
 // A learner speaks for himself only.
 void LessonPrivate::onLeave(const QString& deviceId, const QString& by)
 {
-    if (by != deviceId && roster->contains(by))
+    if (by != deviceId && content.roster->contains(by))
         return;
-    if (roster->leave(deviceId))
-        Q_EMIT roster->left(deviceId);
+    if (content.roster->leave(deviceId))
+        Q_EMIT content.roster->left(deviceId);
 }
 
 void LessonPrivate::onAnswer(const QString& deviceId, const QString& id, int time, const QString& answer)
@@ -203,21 +166,21 @@ void LessonPrivate::onAnswer(const QString& deviceId, const QString& id, int tim
     const QPointer<Lesson> self(q);
     if (deviceId.isEmpty())
         return;
-    const QPointer<Poll> answered(pollsById.value(id));
+    const QPointer<Poll> answered(content.pollsById.value(id));
     if (answered) {
         see(deviceId);
         if (self && answered && answered->add(deviceId, answer, time)) {
-            noteAnswer(id, answered->answerOf(deviceId), time);
-            answeredPolls.insert(answered);
+            journal.noteAnswer(id, answered->answerOf(deviceId), time);
+            answeredPolls.insert(id);
         }
         return;
     }
-    for (Assessment* one : qAsConst(assessments)) {
+    for (Assessment* one : qAsConst(content.assessments)) {
         const int number = one->numberOf(id);
         const QPointer<Assessment> guard(one);
         if (number > 0 && one->add(deviceId, number, answer, time)) {
             if (guard)
-                noteAnswer(id, one->answer(deviceId, number), time);
+                journal.noteAnswer(id, one->answer(deviceId, number), time);
             return;
         }
     }
@@ -227,22 +190,23 @@ void LessonPrivate::onAnswer(const QString& deviceId, const QString& id, int tim
 
 void LessonPrivate::onQuestionWanted(const QString& deviceId, int number)
 {
-    const bool isRunning = assessment && assessment->isRunning();
+    const bool isRunning = content.isAssessed();
     const QPointer<Lesson> self(q);
-    if (isRunning && assessment->isForAll())
-        assessment->enter(deviceId);
+    if (isRunning && content.assessment->isForAll())
+        content.assessment->enter(deviceId);
     if (!self)
         return;
-    if (!isRunning || !assessment->takesPart(deviceId) || number < 0 ||
-        number > assessment->questionCount()) {
+    if (!isRunning || !content.assessment->takesPart(deviceId) || number < 0 ||
+        number > content.assessment->questionCount()) {
         onMessage(QStringLiteral("questionGet"), deviceId, number);
         return;
     }
     number = qMax(number, 1); // a device that names none wants the first
     atQuestion.insert(deviceId, number);
-    const PollAnswer before = assessment->answer(deviceId, number);
+    const PollAnswer before = content.assessment->answer(deviceId, number);
     const QString text = before.mark == PollAnswer::NoAnswer ? QString() : before.text;
-    send([=, plan = assessment->plan(), id = assessment->questionId(number)](PresenterCollab* collab) {
+    send([=, plan = content.assessment->plan(),
+          id = content.assessment->questionId(number)](PresenterCollab* collab) {
         LessonMessages::sendAssessmentQuestion(collab, LessonMessages::addressOf(deviceId), plan, number, id,
                                                text);
     });

@@ -57,9 +57,9 @@ void LessonPrivate::show(const QByteArray& png, const QString& url, int number)
         png, [this, url, number, serial = ++cardSerial](const QByteArray& bytes, const QString& uploadedUrl) {
             if (serial != cardSerial) // something else has been shown since
                 return;
-            cardPng = bytes;
-            cardUrl = uploadedUrl.isEmpty() ? url : uploadedUrl;
-            send([bytes, cardUrl = cardUrl](PresenterCollab* collab) {
+            content.cardPng = bytes;
+            content.cardUrl = uploadedUrl.isEmpty() ? url : uploadedUrl;
+            send([bytes, cardUrl = content.cardUrl](PresenterCollab* collab) {
                 LessonMessages::sendCard(collab, QString(), bytes, cardUrl);
             });
             Q_EMIT q->cardShown(number);

@@ -40,56 +40,34 @@ QVariantMap outcomeOf(const Poll& poll, PollAnswer::Mark mark)
 // A slot that hears of it can ask for the next: all is done before the first is called.
 Poll* LessonPrivate::addPoll(const Question& question)
 {
-    const QPointer<Poll> before = poll;
-    const QPointer<Poll> added = new Poll(int(polls.size()) + 1, question, roster, q);
-    polls.append(added);
-    pollsById.insert(added->id(), added);
-    poll = added;
-    roster->setPoll(added);
+    const QPointer<Poll> before = content.poll;
+    const QPointer<Poll> added = new Poll(int(content.polls.size()) + 1, question, content.roster, q);
+    const bool wasLocked = content.isLocked;
+    content.add(added);
     stopTimer.stop();
-    observe(added);
-    cardPng.clear(); // the question takes the place of the card and of the text
-    cardUrl.clear();
-    isPollReady = false;
+    journal.notePoll(added);
     ++cardSerial;
-    const bool wasLocked = std::exchange(isLocked, false);
     withPicture(question.picture, [this, question, added](const QByteArray& png, const QString& url) {
-        if (added && added == poll && added->isRunning())
+        if (added && added == content.poll && added->isRunning())
             sendPoll(question, png, url);
     });
-    tell([&] { before ? before->stop() : void(); }, [this] { roster->tellAnswers(); }, [this] { tellBusy(); },
-         [&] { wasLocked ? q->lockedChanged() : void(); }, [this] { Q_EMIT q->pollChanged(); });
+    tell([&] { before ? before->stop() : void(); }, [this] { content.roster->tellAnswers(); },
+         [this] { tellBusy(); }, [&] { wasLocked ? q->lockedChanged() : void(); },
+         [this] { Q_EMIT q->pollChanged(); });
     return added;
 }
 
 void LessonPrivate::sendPoll(const Question& question, const QByteArray& png, const QString& url)
 {
-    sentQuestion = question;
-    sentQuestion.picture = png;
+    Question prepared = question;
+    prepared.picture = png;
     if (!url.isEmpty())
-        sentQuestion.pictureUrl = url;
-    isPollReady = true;
-    noteSent();
-    send([wanted = wanted()](PresenterCollab* collab) {
+        prepared.pictureUrl = url;
+    content.setSent(prepared);
+    journal.noteSent();
+    send([wanted = content.wanted()](PresenterCollab* collab) {
         LessonMessages::sendPoll(collab, QString(), wanted);
     });
-}
-
-void LessonPrivate::removeStoppedPolls()
-{
-    const QList<Poll*> all = polls;
-    for (Poll* one : all) {
-        if (one->isRunning())
-            continue;
-        polls.removeOne(one);
-        pollsById.remove(one->id());
-        answeredPolls.remove(one);
-        if (poll == one) {
-            poll = nullptr;
-            roster->setPoll(nullptr);
-        }
-        one->deleteLater();
-    }
 }
 
 void LessonPrivate::stopPoll(int seconds)
@@ -98,14 +76,14 @@ void LessonPrivate::stopPoll(int seconds)
     constexpr int longest = 24 * 60 * 60;
     const int left = qBound(0, seconds, longest) * second;
     const QDateTime until = QDateTime::currentDateTime().addMSecs(left);
-    if (isPollReady)
-        send([id = poll->id(), until, left](PresenterCollab* collab) {
+    if (content.isPollReady)
+        send([id = content.poll->id(), until, left](PresenterCollab* collab) {
             left > 0 ? LessonMessages::sendCountdown(collab, QString(), id, until)
                      : LessonMessages::sendPollStop(collab, id);
         });
     left > 0 ? stopTimer.start(left) : stopTimer.stop();
     const QPointer<Lesson> self(q);
-    left > 0 ? poll->setStopsAt(until) : poll->stop();
+    left > 0 ? content.poll->setStopsAt(until) : content.poll->stop();
     if (self)
         Q_EMIT q->pollChanged();
 }
@@ -115,7 +93,7 @@ void LessonPrivate::showResults(const Poll& of)
 {
     QMap<PollAnswer::Mark, QStringList> devices;
     if (of.question().isMarked()) {
-        const QStringList present = roster->present();
+        const QStringList present = content.roster->present();
         for (const QString& deviceId : present)
             devices[of.answerOf(deviceId).mark].append(LessonMessages::addressOf(deviceId));
     } else {
@@ -131,19 +109,19 @@ void LessonPrivate::showResults(const Poll& of)
 
 void LessonPrivate::setPaused(bool paused)
 {
-    const bool isPoll = poll && poll->isRunning();
-    if (!isPoll && (!assessment || !assessment->isRunning()))
+    const bool isPoll = content.isAsked();
+    if (!isPoll && (!content.isAssessed()))
         return;
-    const QString id = isPoll ? poll->id() : assessment->token();
-    if ((isPoll ? poll->isPaused() : assessment->isPaused()) == paused)
+    const QString id = isPoll ? content.poll->id() : content.assessment->token();
+    if ((isPoll ? content.poll->isPaused() : content.assessment->isPaused()) == paused)
         return;
-    if (!isPoll || isPollReady)
+    if (!isPoll || content.isPollReady)
         send([=](PresenterCollab* collab) { LessonMessages::sendPause(collab, QString(), id, paused); });
     const QPointer<Lesson> self(q);
     if (isPoll)
-        poll->setPaused(paused);
+        content.poll->setPaused(paused);
     else
-        assessment->setPaused(paused);
+        content.assessment->setPaused(paused);
     if (self && isPoll)
         Q_EMIT q->pollChanged();
     else if (self)

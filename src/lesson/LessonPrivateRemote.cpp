@@ -31,7 +31,7 @@ const QHash<QString, Lesson::RemoteCommand>& remoteCommands()
 
 void LessonPrivate::tellRemote()
 {
-    send([id = LessonText::escaped(lessonId), name = LessonText::escaped(lessonName),
+    send([id = LessonText::escaped(lessonId), name = LessonText::escaped(content.lessonName),
           current = deck->current(), cards = deck->rowCount()](PresenterCollab* collab) {
         collab->sendPresenterIsActiveToRemote();
         collab->sendCurrentLessonToRemote(id, name);
@@ -62,7 +62,7 @@ QString Lesson::nameOf(RemoteCommand command)
 // Its answer to what changes nothing is where the lesson stands.
 bool LessonPrivate::obey(Lesson::RemoteCommand command, const QVariant& data)
 {
-    const bool isSomething = (poll && poll->isRunning()) || (assessment && assessment->isRunning());
+    const bool isSomething = content.isAsked() || content.isAssessed();
     switch (command) {
     case Lesson::AskPresence:
     case Lesson::AskLesson:
@@ -117,7 +117,7 @@ bool LessonPrivate::addRemoteCard(const QVariant& data)
 
 void LessonPrivate::onRemoteGone(const QString& by)
 {
-    if (roster->contains(by))
+    if (content.roster->contains(by))
         return;
     if (std::exchange(isRemotePresent, false))
         Q_EMIT q->remotePresentChanged();

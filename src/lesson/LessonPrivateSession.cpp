@@ -86,15 +86,49 @@ void LessonPrivate::beginStart()
     wantsLive = false;
     attempts = 0;
     ticket = ++lastTicket;
-    const bool isTakenUp = !takenUp.token.isEmpty();
+    const bool isTakenUp = !takenUp.session.token.isEmpty();
     if (!isTakenUp)
-        startedAt = QDateTime::currentDateTime();
-    worker->tell([=, ticket = ticket, session = takenUp, transports = transports,
+        content.startedAt = QDateTime::currentDateTime();
+    worker->tell([=, ticket = ticket, session = takenUp.session, transports = transports,
                   limit = openLimit](LessonWorker* at) {
         at->setTransports(transports, limit);
         isTakenUp ? at->takeUp(ticket, session) : at->open(ticket);
     });
     setState(Lesson::Starting);
+}
+
+bool LessonPrivate::takeUp(const QString& fileName)
+{
+    const LessonJournal::Events events = LessonJournal::read(fileName);
+    if (events.isEmpty()) {
+        fail(LessonError::make(LessonError::BadInput, fileName,
+                               Lesson::tr("%1 holds no lesson that can be taken up.").arg(fileName)));
+        return false;
+    }
+    const QPointer<Lesson> self(q);
+    wantsLive = true;
+    clearSession();
+    if (!self)
+        return false;
+    const LessonJournal::TakenUp found = journal.takeUp(fileName, events);
+    if (!self)
+        return false;
+    takenUp = found;
+    const Poll* poll = content.poll;
+    if (poll && poll->stopsAt().isValid())
+        stopTimer.start(int(qMax(qint64{0}, QDateTime::currentDateTime().msecsTo(poll->stopsAt()))));
+    return tellTakenUp();
+}
+
+// What is there again.
+bool LessonPrivate::tellTakenUp()
+{
+    const QPointer<Lesson> self(q);
+    for (int i = 0; self && i < content.polls.size(); ++i)
+        content.polls.at(i)->flush();
+    return self && tell([this] { content.roster->flush(); }, [this] { content.roster->tellAnswers(); },
+                        [this] { Q_EMIT q->pollChanged(); }, [this] { Q_EMIT q->assessmentChanged(); },
+                        [this] { Q_EMIT q->lockedChanged(); });
 }
 
 void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
@@ -109,14 +143,15 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
     QSet<QString> listed = opening.heard;
     for (const Learner& learner : opening.learners) {
         listed.insert(learner.deviceId);
-        if (roster->join(learner)) {
+        if (content.roster->join(learner)) {
             newcomers.append(learner.deviceId);
-            Q_EMIT roster->joined(learner.deviceId);
+            Q_EMIT content.roster->joined(learner.deviceId);
         }
         if (!self)
             return;
     }
-    const QStringList present = opening.isReturn && opening.hasLearners ? roster->present() : QStringList();
+    const QStringList present =
+        opening.isReturn && opening.hasLearners ? content.roster->present() : QStringList();
     for (const QString& deviceId : present) {
         if (!listed.contains(deviceId))
             onLeave(deviceId, {});
@@ -129,8 +164,8 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
         return;
     if (opening.isReturn)
         bringBack(newcomers);
-    else if (!wanted().isNothing())
-        send([wanted = wanted()](PresenterCollab* collab) {
+    else if (!content.wanted().isNothing())
+        send([wanted = content.wanted()](PresenterCollab* collab) {
             LessonMessages::bring(collab, QString(), wanted);
         });
     tellRemote();
@@ -139,14 +174,13 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
 // The journal is written from here on, or goes on where the session has been taken up.
 void LessonPrivate::beginToLive(const Opening& opening)
 {
-    if (std::exchange(takenUp, {}).token.isEmpty()) {
+    if (std::exchange(takenUp, {}).session.token.isEmpty()) {
         if (!opening.isReturn)
-            noteSession(opening.sessionToken);
+            journal.noteSession({joinCode, opening.sessionToken}, server.toString(), user);
         return;
     }
-    shown = wanted();
-    if (!journal.goOn(journalName))
-        failJournal(journalName);
+    shown = content.wanted();
+    journal.goOn();
 }
 
 void LessonPrivate::onNotOpened(int ticketOfOpening, const LessonError& error)
@@ -234,7 +268,7 @@ void LessonPrivate::beginEnd(bool andLogOut)
         else
             at->endSession(ticket);
     });
-    note({{"event", "ended"}});
+    journal.noteEnd();
     finishSession();
     if (self)
         setState(Lesson::Ending);
@@ -258,7 +292,7 @@ void LessonPrivate::onEnded(int ticketOfEnd, const LessonError& error)
 void LessonPrivate::giveUp()
 {
     const bool hadLogin = state != Lesson::LoggingIn && !(state == Lesson::Ending && isLoggingOut);
-    const bool isTakenUp = !takenUp.token.isEmpty(); // and goes on without us
+    const bool isTakenUp = !takenUp.session.token.isEmpty(); // and goes on without us
     const bool endsSession = (state == Lesson::Starting && !isTakenUp) || state == Lesson::Reconnecting;
     ticket = ++lastTicket;
     worker->tell([ticket = ticket, endsSession](LessonWorker* at) {
@@ -267,7 +301,7 @@ void LessonPrivate::giveUp()
             at->endSession(ticket);
     });
     if (endsSession)
-        note({{"event", "ended"}});
+        journal.noteEnd();
     uploads.clear();
     wantsLive = false;
     const QPointer<Lesson> self(q);
@@ -289,52 +323,43 @@ void LessonPrivate::giveUp()
 void LessonPrivate::finishSession()
 {
     const QPointer<Lesson> self(q);
-    const bool isTakenUp = !std::exchange(takenUp, {}).token.isEmpty(); // over for as long as its journal
-    const QDateTime at = isTakenUp ? takenUpFrom : QDateTime::currentDateTime();
+    // A session that was taken up has been over for as long as its journal.
+    const LessonJournal::TakenUp before = std::exchange(takenUp, {});
+    const QDateTime at = before.session.token.isEmpty() ? QDateTime::currentDateTime() : before.until;
     joinCode.clear();
     joinAddress.clear();
     uploads.clear();
-    cardPng.clear();
-    cardUrl.clear();
+    content.cardPng.clear();
+    content.cardUrl.clear();
     ++cardSerial;
     shown = {};
     sent.clear();
     isFinishing = true;
-    const QStringList present = roster->present();
-    tell([this, at] { poll ? poll->stop(at) : void(); },
-         [this, at] { assessment ? assessment->stop(at) : void(); });
+    const QStringList present = content.roster->present();
+    tell([this, at] { content.poll ? content.poll->stop(at) : void(); },
+         [this, at] { content.assessment ? content.assessment->stop(at) : void(); });
     for (const QString& deviceId : present) {
-        if (self && roster->leave(deviceId, at))
-            Q_EMIT roster->left(deviceId);
+        if (self && content.roster->leave(deviceId, at))
+            Q_EMIT content.roster->left(deviceId);
     }
     if (!self)
         return;
-    flushJournal();
+    journal.flush();
     journal.close();
-    const bool wasLocked = std::exchange(isLocked, false);
-    if (tell([this, wasLocked] { wasLocked ? q->lockedChanged() : void(); }, [this] { roster->flush(); },
-             [this] { onRemoteGone({}); }))
+    const bool wasLocked = std::exchange(content.isLocked, false);
+    if (tell([this, wasLocked] { wasLocked ? q->lockedChanged() : void(); },
+             [this] { content.roster->flush(); }, [this] { onRemoteGone({}); }))
         isFinishing = false;
 }
 
 void LessonPrivate::clearSession()
 {
-    QList<QObject*> gone;
-    for (Poll* one : std::exchange(polls, {}))
-        gone.append(one);
-    for (Assessment* one : std::exchange(assessments, {}))
-        gone.append(one);
-    pollsById.clear();
+    const bool wasSomething = content.clear();
     answeredPolls.clear();
-    poll = nullptr;
-    assessment = nullptr;
     uploaded.clear();
-    roster->setPoll(nullptr);
-    for (QObject* object : qAsConst(gone))
-        object->deleteLater(); // views may be in the middle of them
-    tell([this] { roster->clear(); }, [this] { roster->flush(); },
-         [&] { gone.isEmpty() ? void() : q->pollChanged(); },
-         [&] { gone.isEmpty() ? void() : q->assessmentChanged(); });
+    tell([this] { content.roster->clear(); }, [this] { content.roster->flush(); },
+         [=] { wasSomething ? q->pollChanged() : void(); },
+         [=] { wasSomething ? q->assessmentChanged() : void(); });
 }
 
 void LessonPrivate::onProgress(int ticketOfOperation, double next)

@@ -32,16 +32,16 @@ QStringList csvRow(const QString& where, const QString& question, const PollAnsw
 QJsonObject Lesson::report() const
 {
     QJsonArray polls;
-    for (const Poll* poll : qAsConst(d->polls))
+    for (const Poll* poll : qAsConst(d->content.polls))
         polls.append(poll->toJson());
     QJsonArray assessments;
-    for (const Assessment* assessment : qAsConst(d->assessments))
+    for (const Assessment* assessment : qAsConst(d->content.assessments))
         assessments.append(assessment->toJson());
-    return {{QStringLiteral("lesson"), d->lessonName},
+    return {{QStringLiteral("lesson"), d->content.lessonName},
             {QStringLiteral("teacher"), d->user},
-            {QStringLiteral("startedAt"), d->startedAt.toString(Qt::ISODateWithMs)},
+            {QStringLiteral("startedAt"), d->content.startedAt.toString(Qt::ISODateWithMs)},
             {QStringLiteral("savedAt"), QDateTime::currentDateTime().toString(Qt::ISODateWithMs)},
-            {QStringLiteral("learners"), d->roster->toJson()},
+            {QStringLiteral("learners"), d->content.roster->toJson()},
             {QStringLiteral("polls"), polls},
             {QStringLiteral("assessments"), assessments}};
 }
@@ -50,12 +50,12 @@ QString Lesson::toCsv() const
 {
     QString csv = LessonText::csvLine({tr("Part"), tr("Question"), tr("Learner"), tr("Device"), tr("Answer"),
                                        tr("Right"), tr("Milliseconds"), tr("Received"), tr("Late")});
-    for (const Poll* poll : qAsConst(d->polls)) {
+    for (const Poll* poll : qAsConst(d->content.polls)) {
         const QVector<PollAnswer> answers = poll->answers();
         for (const PollAnswer& answer : answers)
             csv += LessonText::csvLine(csvRow(tr("Poll %1").arg(poll->number()), poll->title(), answer));
     }
-    for (const Assessment* assessment : qAsConst(d->assessments)) {
+    for (const Assessment* assessment : qAsConst(d->content.assessments)) {
         const QStringList devices = assessment->participants();
         for (const QString& deviceId : devices) {
             for (int number = 1; number <= assessment->questionCount(); ++number) {

@@ -88,6 +88,8 @@ Q_SIGNALS:
 
 private:
     friend class Lesson;
+    friend class LessonJournal;
+    friend struct LessonContent;
     friend struct LessonPrivate;
     Poll(int number, const Question& question, const Roster* roster, QObject* parent);
     bool isDocument() const;

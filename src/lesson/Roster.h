@@ -74,6 +74,8 @@ Q_SIGNALS:
 
 private:
     friend class Lesson;
+    friend class LessonJournal;
+    friend struct LessonContent;
     friend struct LessonPrivate;
     explicit Roster(QObject* parent);
     bool join(const Learner& learner, const QDateTime& at = QDateTime::currentDateTime());
