@@ -18,13 +18,16 @@ protected:
     FakeService& service() { return *m_service; }
     ClientProbe& client() { return *m_client; }
     void deleteClient() { m_client.reset(); }
-
-private Q_SLOTS:
-    void init()
+    /// Another service, and a client of it.
+    void begin()
     {
+        cleanup();
         m_service = std::make_unique<FakeService>();
         m_client = std::make_unique<ClientProbe>(m_service->url());
     }
+
+private Q_SLOTS:
+    void init() { begin(); }
 
     void cleanup()
     {

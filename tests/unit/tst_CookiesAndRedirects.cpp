@@ -71,19 +71,6 @@ private Q_SLOTS:
         QCOMPARE(there.last().header("cookie"), QByteArray("there=1"));
     }
 
-    // A host has its cookies on all of its ports: that is how cookies are.
-    void portsOfAServiceShareCookies()
-    {
-        FakeService one;
-        FakeService other;
-        one.expect("/tavisto", Answer::redirect(other.url().toUtf8()).with("Set-Cookie", "a=1; Path=/"));
-        other.expect("/tavisto", Answer::json("{}"));
-        PresenterClient client(nullptr, one.url());
-        QVERIFY(check(&client));
-        QVERIFY(check(&client));
-        QCOMPARE(other.last().header("cookie"), QByteArray("a=1"));
-    }
-
     void cookiesGoAlongToHttps()
     {
         const TestCertificates::TrustedRoot trusted;
@@ -96,39 +83,6 @@ private Q_SLOTS:
         QVERIFY(check(&client));
         QCOMPARE(client.server(), secure.url());
         QCOMPARE(secure.last().header("cookie"), QByteArray("a=1"));
-    }
-
-    void secureCookieIsNotSentInClear()
-    {
-        FakeService service;
-        service.expect("/tavisto", Answer::json("{}").with("Set-Cookie", "a=1; Path=/; Secure"));
-        service.expect("/tavisto", Answer::json("{}"));
-        PresenterClient client(nullptr, service.url());
-        QVERIFY(check(&client));
-        QVERIFY(check(&client));
-        QVERIFY(service.last().header("cookie").isNull());
-    }
-
-    void cookieForAnotherServiceIsNotKept_data()
-    {
-        columns<QByteArray>();
-        for (const char* domain : {"127.0.0.2", ".0.0.1", "0.0.1", "localhost", ".example"})
-            QTest::newRow(domain) << QByteArray(domain);
-    }
-
-    void cookieForAnotherServiceIsNotKept()
-    {
-        const auto [domain] = row<QByteArray>();
-        FakeService here;
-        ElsewhereService there;
-        here.expect("/tavisto", Answer::json("{}").with("Set-Cookie", "a=1; Path=/; Domain=" + domain));
-        here.expect("/tavisto", Answer::redirect(there.address()));
-        there.expect("/tavisto", Answer::json("{}"));
-        PresenterClient client(nullptr, here.url());
-        for (int i = 0; i < 3; ++i)
-            QVERIFY(check(&client));
-        QVERIFY(here.last().header("cookie").isNull());
-        QVERIFY(there.last().header("cookie").isNull());
     }
 
     void redirectSendsNothingByItself_data()

@@ -1,8 +1,10 @@
-// What the account operations send, and what decides a login.
+// What the account operations send, what they keep, and which credentials log in again.
 
 #include "support/ClientTest.h"
+#include "support/LogRecorder.h"
 #include "support/Logins.h"
 #include "support/Rows.h"
+#include "support/Sessions.h"
 
 #include <CalyxClient/PresenterClient>
 
@@ -16,11 +18,13 @@ namespace {
 
 using Call = std::function<QVariant(PresenterClient&, const QStringList&)>;
 using Login = std::function<bool(PresenterClient&)>;
+using Preparation = std::function<void(PresenterClient&, FakeService&)>;
 
 } // namespace
 
 Q_DECLARE_METATYPE(Call)
 Q_DECLARE_METATYPE(Login)
+Q_DECLARE_METATYPE(Preparation)
 
 class tst_PresenterClientAccount : public ClientTest
 {
@@ -91,6 +95,24 @@ private Q_SLOTS:
             },
             KEEP_ALIVE, "");
         row(
+            "checkServer",
+            [](PresenterClient& c, const QStringList&) { return c.checkServer(QString(), QString()); },
+            "/tavisto", "");
+        row(
+            "doGetLearners",
+            [](PresenterClient& c, const QStringList&) {
+                Sessions::openSession(c, "é\\\"%1");
+                return c.doGetLearners();
+            },
+            "/tavisto/session/getusers", "{\"sessionToken\":\"é\"%1\"}");
+        row(
+            "doStopSession",
+            [](PresenterClient& c, const QStringList&) {
+                Sessions::openSession(c, "%1");
+                return c.doStopSession();
+            },
+            Sessions::STOP, R"({"sessionToken":"%1"})");
+        row(
             "provider with a blank",
             [](PresenterClient& c, const QStringList&) {
                 QString registration;
@@ -112,6 +134,8 @@ private Q_SLOTS:
         QCOMPARE(service().last().method, QByteArray("POST"));
         QCOMPARE(service().last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
         QCOMPARE(service().last().body, body);
+        if (!client().sessionToken().isNull())
+            service().expect(Sessions::STOP, Answer::json("{}"));
     }
 
     void callbackUrlEndsWithSlashForFacebookOnly_data()
@@ -162,79 +186,6 @@ private Q_SLOTS:
         QVERIFY(registration.isNull());
     }
 
-    void infoMessagesDecideTheLogin_data()
-    {
-        columns<QByteArray, bool>();
-
-        const auto row = [](const char* body, bool loggedIn) {
-            QTest::newRow(body) << QByteArray(body) << loggedIn;
-        };
-        row(R"({"infoMsgKeys":["login.success"]})", true);
-        row(R"({"infoMsgKeys":["unsuccessful"]})", true);
-        row(R"({"infoMsgKeys":["login.Success"]})", false);
-        row(R"({"infoMsgKeys":["login.refused","login.success"]})", false);
-        row(R"({"infoMsgKeys":[]})", false);
-        row(R"({"infoMsgKeys":"success"})", false);
-        row(R"({"infoMsgs":["a success"]})", true);
-        row(R"({"infoMsgs":["a success"],"infoMsgKeys":["login.refused"]})", true);
-        row(R"({"infoMsgs":["refused"],"infoMsgKeys":["login.success"]})", false);
-        row(R"({"infoMsgs":["refused","success"]})", false);
-        row(R"({"infoMsgs":[],"infoMsgKeys":["login.success"]})", false);
-        row(R"({"infoMsgs":"refused","infoMsgKeys":["login.success"]})", true);
-        row(R"({"infoMsgs":{"a":"b"},"infoMsgKeys":["login.success"]})", true);
-        row(R"({"infoMsgs":null,"infoMsgKeys":["login.success"]})", true);
-        row(R"({"success":true})", false);
-        row(R"({"infoMsgKeys":["login.success.registration"]})", true);
-        row("[\"success\"]", false);
-        row("success", false);
-        row("", false);
-    }
-
-    void infoMessagesDecideTheLogin()
-    {
-        const auto [body, loggedIn] = row<QByteArray, bool>();
-        service().expect(SUBMIT, Answer::json(body));
-        service().expect(SUBMIT, Answer::json(body));
-
-        QCOMPARE(loginByPassword(client()), loggedIn);
-        QCOMPARE(client().isLoggedIn(), loggedIn);
-        QCOMPARE(loginByDevice(client()), loggedIn);
-        QVERIFY(client().lastError().isNull());
-        QVERIFY(client().registration().isNull());
-        QCOMPARE(client().userId(), QStringLiteral("u"));
-    }
-
-    void refusedLoginKeepsTheErrorKey_data()
-    {
-        columns<Login, QByteArray, QByteArray, QString>();
-
-        const QByteArray first(R"({"errorMsgKeys":["login.error.password","b.error"]})");
-        const QString key = "login.error.password";
-        QTest::newRow("password") << Login(loginByPassword) << QByteArray(SUBMIT) << first << key;
-        QTest::newRow("device") << Login(loginByDevice) << QByteArray(SUBMIT) << first << key;
-        QTest::newRow("OAuth") << Login(loginWithOAuth) << QByteArray(CALLBACK) << first << key;
-        QTest::newRow("registration") << Login(registerWithOAuth) << QByteArray(REGISTER) << first << key;
-        const auto row = [](const char* name, const char* body) {
-            QTest::newRow(name) << Login(loginByPassword) << QByteArray(SUBMIT) << QByteArray(body)
-                                << QString();
-        };
-        row("first key without error", R"({"errorMsgKeys":["login.refused","b.error"]})");
-        row("no key", R"({"infoMsgKeys":["login.success"]})");
-        row("no JSON", "<html>error</html>");
-        row("no body", "");
-    }
-
-    void refusedLoginKeepsTheErrorKey()
-    {
-        const auto [login, path, body, error] = row<Login, QByteArray, QByteArray, QString>();
-        service().expect(path, Answer::json(body, 401));
-
-        QVERIFY(!login(client()));
-        QVERIFY(!client().isLoggedIn());
-        QCOMPARE(client().lastError(), error);
-        QCOMPARE(client().lastError().isNull(), error.isNull());
-    }
-
     void loginStartsAnew_data()
     {
         rows<Login, QByteArray>({
@@ -261,53 +212,6 @@ private Q_SLOTS:
         QVERIFY(client().lastError().isNull());
     }
 
-    void oauthLoginCanAskForRegistration_data()
-    {
-        columns<QByteArray, bool, QString>();
-
-        const auto row = [](const char* name, const char* body, bool loggedIn, const char* registration) {
-            QTest::newRow(name) << QByteArray(body) << loggedIn << QString::fromUtf8(registration);
-        };
-        row("asked", R"({"infoMsgKeys":["success.registration"],"data":{"email":"zoë@x"}})", false,
-            R"({"email":"zoë@x"})");
-        row("data in the middle", R"({"data":{"a":1},"infoMsgKeys":["success.registration"]})", false,
-            R"({"a":1},"infoMsgKeys":["success.registration"])");
-        row("line end behind", "{\"infoMsgKeys\":[\"success.registration\"],\"data\":{\"a\":1}}\n", false,
-            "{\"a\":1}}");
-        row("blank before the data", R"({"infoMsgKeys":["success.registration"],"data": {}})", false, " {}");
-        row("without data", R"({"infoMsgKeys":["success.registration"]})", false,
-            R"(MsgKeys":["success.registration"])");
-        row("blank before the colon", R"({"data" :{},"infoMsgKeys":["success.registration"]})", false,
-            R"(" :{},"infoMsgKeys":["success.registration"])");
-        row("no registration in the key", R"({"infoMsgKeys":["success"],"data":{"a":1}})", true, nullptr);
-        row("no success in the key", R"({"infoMsgKeys":["registration"],"data":{"a":1}})", false, nullptr);
-        row("in infoMsgs", R"({"infoMsgs":["success.registration"],"data":{"a":1}})", true, nullptr);
-        row("in the second key", R"({"infoMsgKeys":["success","registration"],"data":{"a":1}})", true,
-            nullptr);
-        row("no JSON", R"(success.registration "data":{"a":1}})", false, nullptr);
-    }
-
-    void oauthLoginCanAskForRegistration()
-    {
-        const auto [body, loggedIn, registration] = row<QByteArray, bool, QString>();
-        service().expect(CALLBACK, Answer::json(body));
-        QString given;
-
-        QCOMPARE(client().doLoginWithOAuth("google", "c", given), loggedIn);
-        QCOMPARE(client().isLoggedIn(), loggedIn);
-        QCOMPARE(given, registration);
-        QCOMPARE(client().registration(), registration);
-        QCOMPARE(client().registration().isNull(), registration.isNull());
-    }
-
-    void passwordLoginAsksForNoRegistration()
-    {
-        service().expect(SUBMIT, Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{}})"));
-
-        QVERIFY(loginByPassword(client()));
-        QVERIFY(client().registration().isNull());
-    }
-
     // What counts is whether the client knows a provider and a code, not which login it was.
     void passwordLoginAfterOAuthAsksForRegistration()
     {
@@ -331,6 +235,175 @@ private Q_SLOTS:
         QVERIFY(client().doLoginWithOAuth("google", "c", registration));
         QVERIFY(registration.isNull());
         QVERIFY(client().registration().isNull());
+    }
+
+    void logoutOfNobodyCannotFail()
+    {
+        service().expect(LOGOUT, Answer::json("{}", 500));
+
+        QVERIFY(client().doLogout());
+    }
+
+    void accessTokenStaysAsItWasWhenTheRequestFails()
+    {
+        service().expect(SUBMIT, Answer::json(R"({"data":{"deviceAccessToken":"T1"}})"));
+        service().expect(SUBMIT, Answer::json(R"({"data":{"deviceAccessToken":"T2"}})", 500));
+        service().expect(CALLBACK, Answer::gone());
+        const QString u = "u";
+        QCOMPARE(client().doGetAccessToken(u, u, u, u), QStringLiteral("T1"));
+
+        QCOMPARE(client().doGetAccessToken(u, u, u, u), QStringLiteral("T1"));
+        QCOMPARE(getOAuthToken(client()), QStringLiteral("T1"));
+        QVERIFY(client().isLoggedIn());
+    }
+
+    void accessTokenResetsNothingFirst()
+    {
+        service().expect(SUBMIT, Answer::json(REFUSED, 401));
+        service().expect(CALLBACK, Answer::json(REFUSED, 401));
+        client().loginSuccessResponse(QString::fromLatin1(SUCCESS));
+        client().loginFailureResponse(nullptr, R"({"errorMsgKeys":["earlier.error"]})");
+
+        client().doGetAccessToken("u", "p", QString(), QString());
+        QVERIFY(client().isLoggedIn());
+        getOAuthToken(client());
+        QVERIFY(client().isLoggedIn());
+        QCOMPARE(client().lastError(), QStringLiteral("earlier.error"));
+    }
+
+    void oauthAccessTokenGivesTheEarlierRegistrationBack()
+    {
+        service().expect(CALLBACK, Answer::json(R"({"data":{"mail":"m"}})"));
+        service().expect(CALLBACK, Answer::json("{}", 500));
+        getOAuthToken(client());
+        QString registration;
+
+        QCOMPARE(getOAuthToken(client(), &registration), QString());
+        QCOMPARE(registration, QStringLiteral(R"({"mail":"m"})"));
+    }
+
+    void userNameStaysAsItWasWhenTheRequestFails()
+    {
+        service().expect(SUBMIT, Answer::json(SUCCESS));
+        service().expect(USER, Answer::json(R"({"data":{}})", 500));
+        QVERIFY(loginByPassword(client()));
+
+        QCOMPARE(client().doGetUserName(), QStringLiteral("u"));
+        QVERIFY(client().isLoggedIn());
+    }
+
+    void logoutStopsTheSessionFirst()
+    {
+        service().expect("/tavisto/session/stop", Answer::json("{}"));
+        service().expect(LOGOUT, Answer::json("{}"));
+        client().sessionStartSuccessResponse(R"({"data":{"sessionToken":"T"}})");
+
+        QVERIFY(client().doLogout());
+        QVERIFY(client().sessionToken().isNull());
+    }
+
+    void logoutWithACodeAloneStopsNothing()
+    {
+        service().expect(LOGOUT, Answer::json("{}"));
+        client().sessionSuccessResponse(R"({"data":{"sessionCode":"1"}})");
+        const LogRecorder log;
+
+        QVERIFY(client().doLogout());
+        QCOMPARE(log.debug("[PresenterClient] No session to stop!").size(), 1);
+    }
+
+    void logoutKeepsTheCredentials()
+    {
+        service().expect(SUBMIT, Answer::json(SUCCESS));
+        service().expect(LOGOUT, Answer::json("{}"));
+        service().expect(SUBMIT, Answer::json(SUCCESS));
+        QVERIFY(loginByPassword(client()));
+        QVERIFY(client().doLogout());
+        QCOMPARE(client().userId(), QStringLiteral("u"));
+        client().reLogin();
+
+        QVERIFY(client().isLoggedIn());
+        QCOMPARE(service().requests().last().body, service().requests().first().body);
+    }
+
+    void reLoginChoosesTheCredentials_data()
+    {
+        columns<Preparation, QByteArray, QByteArray>();
+        // empty: no request
+
+        const auto password = [](PresenterClient& c, FakeService& s) {
+            s.expect(SUBMIT, Answer::json("{}"));
+            loginByPassword(c);
+        };
+        const auto device = [](PresenterClient& c, FakeService& s) {
+            s.expect(SUBMIT, Answer::json("{}"));
+            loginByDevice(c);
+        };
+        const auto halfDevice = [](const QString& id, const QString& token) {
+            return [=](PresenterClient& c, FakeService& s) {
+                s.expect(SUBMIT, Answer::json("{}"));
+                c.doLogin("u", id, token);
+            };
+        };
+        const auto token = [](PresenterClient& c, FakeService& s) {
+            s.expect(SUBMIT, Answer::json("{}"));
+            c.doGetAccessToken("u", "p", "other device", "n");
+        };
+        const auto oauth = [](PresenterClient& c, FakeService& s) {
+            s.expect(CALLBACK, Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{}})"));
+            loginWithOAuth(c);
+        };
+        const auto halfOAuth = [](PresenterClient& c, FakeService& s) {
+            s.expect(CALLBACK, Answer::json("{}"));
+            QString registration;
+            c.doLoginWithOAuth("google", "", registration);
+        };
+        const auto name = [](PresenterClient& c, FakeService&) {
+            c.userNameResponse(R"({"data":{"userLoginId":"u"}})");
+        };
+        const auto row = [](const char* title, const QList<Preparation>& steps, const char* path,
+                            const char* body) {
+            const Preparation prepare = [=](PresenterClient& c, FakeService& s) {
+                for (const Preparation& step : steps)
+                    step(c, s);
+            };
+            QTest::newRow(title) << prepare << QByteArray(path) << QByteArray(body);
+        };
+        const char byPassword[] = R"({"userId":"u","password":"p","sourceSystem":"Lumora"})";
+        const char byDevice[] =
+            R"({"userId":"u","deviceId":"d","deviceAccessToken":"t","sourceSystem":"Lumora"})";
+        const char byOAuth[] = R"({"code":"c","callbackUrl":"<server>","sourceSystem":"Lumora"})";
+        row("nothing known", {}, "", "");
+        row("user id alone", {name}, "", "");
+        row("password", {password}, SUBMIT, byPassword);
+        row("password of a token request", {token}, SUBMIT, byPassword);
+        row("device", {device}, SUBMIT, byDevice);
+        row("password, then device", {password, device}, SUBMIT, byPassword);
+        row("device, then password", {device, password}, SUBMIT, byPassword);
+        row("OAuth without a user id", {oauth}, "", "");
+        row("OAuth and the user id", {oauth, name}, CALLBACK, byOAuth);
+        row("OAuth without a code", {halfOAuth, name}, "", "");
+        row("device, then OAuth", {device, oauth}, SUBMIT, byDevice);
+        row("device without token, then OAuth", {halfDevice("d", ""), oauth}, CALLBACK, byOAuth);
+        row("device without id, then OAuth", {halfDevice("", "t"), oauth}, CALLBACK, byOAuth);
+        row("password, but the user id is gone",
+            {password, [](PresenterClient& c, FakeService&) { c.userNameResponse("{}"); }}, "", "");
+    }
+
+    void reLoginChoosesTheCredentials()
+    {
+        auto [prepare, path, body] = row<Preparation, QByteArray, QByteArray>();
+        prepare(client(), service());
+        const int before = service().requests().size();
+        const bool wasLoggedIn = client().isLoggedIn();
+        if (!path.isEmpty())
+            service().expect(path, Answer::json(SUCCESS));
+        client().reLogin();
+
+        QCOMPARE(service().requests().size() - before, path.isEmpty() ? 0 : 1);
+        QCOMPARE(client().isLoggedIn(), wasLoggedIn || !path.isEmpty());
+        if (!path.isEmpty())
+            QCOMPARE(service().last().body, body.replace("<server>", service().url().toUtf8()));
     }
 };
 

@@ -1,14 +1,20 @@
-// Creating a classroom session, and who is in it.
+// A classroom session from its creation to its end, who is in it, and what is stored for it.
 
 #include "support/ClientTest.h"
+#include "support/Lesson.h"
 #include "support/LogRecorder.h"
 #include "support/Rows.h"
 #include "support/Sessions.h"
+#include "support/TimerClock.h"
 
 #include <CalyxClient/Learner>
 #include <CalyxClient/PresenterClient>
 
+#include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
+
+#include <memory>
 
 using namespace Sessions;
 
@@ -17,18 +23,28 @@ namespace {
 const char USER[] = "/tavisto/login/user";
 const char SUBMIT[] = "/tavisto/login/submit";
 const char CREATE[] = "/tavisto/session/create";
-const char USERS[] = "/tavisto/session/getusers";
 
 const char LOGGED_IN[] = R"({"data":{"userLoginId":"u"}})";
 
-/// The learners as "deviceId userName deviceType".
-QStringList texts(const QList<Calyx::Learner>& learners)
-{
-    QStringList texts;
-    for (const Calyx::Learner& learner : learners)
-        texts.append(learner.deviceId + ' ' + learner.userName + ' ' + learner.deviceType);
-    return texts;
-}
+const char UPLOAD[] = "/tavisto/resource/uploadResourceFile";
+const char STORED[] = R"({"data":{"id":"r1","path":"/files/r1"}})";
+
+// What follows the file's bytes, byte for byte: the lines that look superfluous belong there.
+const char BEHIND_THE_FILE[] = "\r\n"
+                               "------boundary\r\n"
+                               "\r\n"
+                               "Content-Disposition: form-data; name=isTemporary\r\n"
+                               "Content-Type: text/plain; charset=utf-8\r\n"
+                               "\r\n"
+                               "true\r\n"
+                               "------boundary\r\n"
+                               "\r\n"
+                               "Content-Disposition: form-data; name=clientProvidedGUID\r\n"
+                               "Content-Type: text/plain; charset=utf-8\r\n"
+                               "\r\n"
+                               "false\r\n"
+                               "------boundary--\r\n"
+                               "\r\n";
 
 } // namespace
 
@@ -51,54 +67,6 @@ private Q_SLOTS:
             QCOMPARE(request.header("content-type"), QByteArray("application/json; charset=UTF-8"));
             QCOMPARE(request.body, QByteArray("{}"));
         }
-    }
-
-    void code_data()
-    {
-        rows<QByteArray, bool, QString>({
-            {"text", R"({"data":{"sessionCode":"012345"}})", true, "012345"},
-            {"number", R"({"data":{"sessionCode":123456}})", true, "123456"},
-            {"empty", R"({"data":{"sessionCode":""}})", true, ""},
-            {"absent", R"({"data":{}})", false, QString()},
-            {"no data", R"({"success":true})", false, QString()},
-            {"data is a text", R"({"data":"sessionCode"})", false, QString()},
-            {"no JSON", "<html>", false, QString()},
-            {"error key, but no HTTP error", R"({"errorMsgKeys":["a.error"],"data":{"sessionCode":"1"}})",
-             true, "1"},
-        });
-    }
-
-    void code()
-    {
-        const auto [body, created, code] = row<QByteArray, bool, QString>();
-        service().expect(USER, Answer::json(LOGGED_IN));
-        service().expect(CREATE, Answer::json(body));
-
-        QCOMPARE(client().doStartSession(QString()), created);
-        QCOMPARE(client().sessionCode(), code);
-        QCOMPARE(client().sessionCode().isNull(), code.isNull());
-    }
-
-    void refusedCreationKeepsTheErrorKey_data()
-    {
-        rows<QByteArray, QString>({
-            {"first key", R"({"errorMsgKeys":["session.error","b.error"]})", "session.error"},
-            {"first key without error", R"({"errorMsgKeys":["session.refused","b.error"]})", QString()},
-            {"a code all the same", QByteArray(CREATED), QString()},
-            {"no JSON", "error", QString()},
-        });
-    }
-
-    void refusedCreationKeepsTheErrorKey()
-    {
-        const auto [body, error] = row<QByteArray, QString>();
-        service().expect(USER, Answer::json(LOGGED_IN));
-        service().expect(CREATE, Answer::json(body, 500));
-
-        QVERIFY(!client().doStartSession(QString()));
-        QCOMPARE(client().lastError(), error);
-        QCOMPARE(client().lastError().isNull(), error.isNull());
-        QVERIFY(client().sessionCode().isNull());
     }
 
     void creationForgetsWhatWasBeforeFirst()
@@ -155,32 +123,6 @@ private Q_SLOTS:
         QVERIFY(!client().doStartSession(QString()));
     }
 
-    void handlersLeaveThingsAloneWithoutJson()
-    {
-        createSession(client());
-        client().sessionFailureResponse(nullptr, R"({"errorMsgKeys":["a.error"]})");
-        client().sessionSuccessResponse("{\"data\":");
-        client().sessionFailureResponse(nullptr, "error");
-
-        QCOMPARE(client().sessionCode(), QStringLiteral("123456"));
-        QCOMPARE(client().lastError(), QStringLiteral("a.error"));
-        client().sessionFailureResponse(nullptr, "{}");
-        QVERIFY(client().lastError().isNull());
-    }
-
-    void asksForTheLearnersOfTheSession()
-    {
-        service().expect(USERS, Answer::json(R"({"data":{"users":[]}})"));
-        openSession(client(), "é\\\"%1");
-        QCOMPARE(client().sessionToken(), QString::fromUtf8("é\"%1"));
-
-        QVERIFY(client().doGetLearners());
-        QCOMPARE(service().last().method, QByteArray("POST"));
-        QCOMPARE(service().last().header("content-type"), QByteArray("application/json; charset=UTF-8"));
-        QCOMPARE(service().last().body, QByteArray("{\"sessionToken\":\"é\"%1\"}"));
-        service().expect(STOP, Answer::json("{}"));
-    }
-
     void noLearnersWithoutASession()
     {
         createSession(client());
@@ -190,69 +132,209 @@ private Q_SLOTS:
         QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to get users for!"});
     }
 
-    void learners_data()
+    void stopSetsOnlyTokenAndCodeToNull()
     {
-        columns<QByteArray, QStringList>();
-
-        const auto row = [](const char* name, const char* users, const QStringList& learners) {
-            QTest::newRow(name) << QByteArray(users) << learners;
-        };
-        row("none", "[]", {});
-        row("one", R"([{"userToken":"d1","userName":"Zoë","deviceType":"tablet","mode":"learner"}])",
-            {"d1 Zoë tablet"});
-        row("in order, twice the same",
-            R"([{"userToken":"d2","mode":"learner"},{"userToken":"d1","mode":"learner"},)"
-            R"({"userToken":"d2","mode":"learner"}])",
-            {"d2  ", "d1  ", "d2  "});
-        row("learners only",
-            R"([{"userToken":"p","mode":"presenter"},{"userToken":"c","mode":"Learner"},{"userToken":"n"},)"
-            R"({"userToken":"b","mode":"learner "},{"userToken":"z","mode":null},{"userToken":"d","mode":"learner"}])",
-            {"d  "});
-        row("nothing but the mode", R"([{"mode":"learner"}])", {"  "});
-        row("no objects", R"(["learner",1,null,[],{"mode":"learner","userToken":"d"}])", {"d  "});
-        row("numbers", R"([{"mode":"learner","userToken":1,"userName":2,"deviceType":3}])", {"1 2 3"});
-    }
-
-    void learners()
-    {
-        const auto [users, learners] = row<QByteArray, QStringList>();
-        service().expect(USERS, Answer::json("{\"data\":{\"users\":" + users + "}}"));
-        openSession(client());
-        client().getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
-        QCOMPARE(client().learners().size(), 1);
-
-        QVERIFY(client().doGetLearners());
-        QCOMPARE(texts(client().learners()), learners);
         service().expect(STOP, Answer::json("{}"));
+        openSession(client());
+        client().getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"d"}]}})");
+        client().getCollabUrlResponse(R"({"data":{"url":"a"}})");
+        client().sessionJoinResponse(R"({"data":{"userToken":"U"}})");
+        client().doStopSession();
+
+        QVERIFY(client().sessionToken().isNull());
+        QVERIFY(client().sessionCode().isNull());
+        QCOMPARE(client().learners().size(), 1);
+        QCOMPARE(client().collabServerUrl(), QStringLiteral("a"));
+        QCOMPARE(client().userToken(), QStringLiteral("U"));
     }
 
-    void badListLeavesTheLearners_data()
+    void onlyAStartedSessionIsStopped()
     {
-        const QByteArray error(R"({"errorMsgKeys":["a.error"],"data":{"users":[]}})");
-        rows<Answer>({
-            {"text", Answer::json(R"({"data":{"users":"none"}})")},
-            {"object", Answer::json(R"({"data":{"users":{"mode":"learner"}}})")},
-            {"null", Answer::json(R"({"data":{"users":null}})")},
-            {"absent", Answer::json(R"({"data":{}})")},
-            {"no data", Answer::json("{}")},
-            {"no JSON", Answer::json(R"({"data":{"users":[)")},
-            {"empty", Answer::json("")},
-            {"http error", Answer::json(error, 500)},
-            {"answer cut short", Answer::cut(error)},
+        createSession(client());
+        const LogRecorder log;
+        QVERIFY(!client().doStopSession());
+        QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to stop!"});
+        QCOMPARE(client().sessionCode(), QStringLiteral("123456"));
+
+        service().expect(STOP, Answer::json("{}"));
+        openSession(client());
+        QVERIFY(client().doStopSession());
+        QVERIFY(!client().doStopSession());
+        QCOMPARE(log.debug("[PresenterClient] No session to stop!").size(), 2);
+    }
+
+    void stopClosesTheChannelFirst()
+    {
+        Lesson lesson;
+        QVERIFY(lesson.startWell());
+        QTRY_VERIFY(lesson.collab->isConnected());
+        const QSignalSpy closed(lesson.collab, SIGNAL(connectionClosed(bool)));
+        bool openMeanwhile = true;
+        lesson.service.expect(STOP,
+                              Answer::json("{}").then([&] { openMeanwhile = lesson.collab->isConnected(); }));
+
+        QVERIFY(lesson.client->doStopSession());
+        QVERIFY(!openMeanwhile);
+        QTRY_COMPARE(closed.size(), 1);
+        QCOMPARE(closed.first().first().toBool(), false);
+        QTRY_COMPARE(lesson.bus.endedSessions(), 1);
+    }
+
+    void stopLogsAfterTheRequest()
+    {
+        const QString line = "[PresenterClient] Stopping session, closing websocket...";
+        openSession(client());
+        const LogRecorder log;
+        int before = -1;
+        service().expect(STOP, Answer::json("{}").then([&] { before = log.debug(line).size(); }));
+        client().doStopSession();
+
+        QCOMPARE(before, 0);
+        QCOMPARE(log.debug().last(), line);
+    }
+
+    void destructorStopsTheSession()
+    {
+        service().expect(STOP, Answer::json("{}"));
+        openSession(client());
+        deleteClient();
+
+        QCOMPARE(service().last().body, QByteArray(R"({"sessionToken":"T"})"));
+    }
+
+    void destructorOfACreatedSessionOnlyLogs()
+    {
+        createSession(client());
+        const LogRecorder log;
+        deleteClient();
+
+        QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to stop!"});
+    }
+
+    void destructorWithoutSessionDoesNothing()
+    {
+        const LogRecorder log;
+        deleteClient();
+
+        QVERIFY(log.messages().isEmpty());
+    }
+
+    void destructorWaitsNoLongerThanTheLimit()
+    {
+        service().expect(STOP, Answer::never().then([] { TimerClock::advance(10600); }));
+        openSession(client());
+        deleteClient();
+
+        QTRY_COMPARE(service().abandoned(), 1);
+    }
+
+    void destructorKeepsNothingAlive()
+    {
+        service().expect("/tavisto/login/submit", Answer::json(R"({"infoMsgs":["success"]})"));
+        QVERIFY(client().doLogin("u", "p"));
+        openSession(client());
+        TimerClock::advance(55000);
+        service().expect(STOP, Answer::json("{}").held().then([&] {
+            TimerClock::advance(9000); // the next keep-alive is due, the limit of the wait is not
+            QTimer::singleShot(0, &service(), [&] { service().release(); });
+        }));
+        deleteClient();
+
+        QVERIFY(service().isUsedUp());
+    }
+
+    void destructorClosesTheChannel()
+    {
+        Lesson lesson;
+        QVERIFY(lesson.startWell());
+        const QPointer<PresenterCollab> collab = lesson.collab;
+        for (int i = 0; i < 3; ++i)
+            lesson.bus.nextMessage(); // the registrations
+        lesson.service.expect(STOP, Answer::json("{}"));
+        lesson.client.reset();
+
+        QVERIFY(!collab);
+        QVERIFY(lesson.bus.nextMessage().contains(R"("type":"disconnect")"));
+        QTRY_COMPARE(lesson.bus.endedSessions(), 1);
+    }
+
+    void sendsTheBody_data()
+    {
+        QByteArray allBytes;
+        for (int byte = 0; byte < 256; ++byte)
+            allBytes.append(char(byte));
+        rows<QString, QByteArray>({
+            {"three bytes", "f.png", "ABC"},
+            {"no bytes", "f.png", QByteArray()},
+            {"every byte", "f.png", allBytes},
+            {"the boundary inside", "f.png", "\r\n------boundary--\r\n"},
+            {"large", "f.png", QByteArray(2000000, '\xff')},
+            {"quote in the name", "a\"b\".png", "ABC"},
+            {"name is not ASCII", "Zoë 🎓.png", "ABC"},
+            {"placeholder in the name", "%1%2", "%1"},
+            {"no name", QString(), "ABC"},
         });
     }
 
-    void badListLeavesTheLearners()
+    void sendsTheBody()
     {
-        const auto [answer] = row<Answer>();
-        service().expect(USERS, answer);
-        openSession(client());
-        client().getLearnersResponse(R"({"data":{"users":[{"mode":"learner","userToken":"old"}]}})");
+        const auto [fileName, data] = row<QString, QByteArray>();
+        service().expect(UPLOAD, Answer::json(STORED));
+        QString id;
+        QString path;
 
-        QVERIFY(client().doGetLearners());
-        QCOMPARE(texts(client().learners()), QStringList{"old  "});
-        QVERIFY(client().lastError().isNull());
-        service().expect(STOP, Answer::json("{}"));
+        QVERIFY(client().doUploadResource(fileName, data, &id, &path));
+        const FakeService::Request request = service().last();
+        QCOMPARE(request.method, QByteArray("POST"));
+        QCOMPARE(request.header("accept-encoding"), QByteArray("identity"));
+        QCOMPARE(request.header("content-type"),
+                 QByteArray("multipart/form-data; charset=UTF-8; boundary=----boundary"));
+        const QByteArray before = "------boundary\r\n"
+                                  "Content-Disposition: form-data; name=files; filename=\"" +
+                                  fileName.toUtf8() + "\"\r\n\r\n";
+        QCOMPARE(request.body, before + data + BEHIND_THE_FILE);
+    }
+
+    void multipartValue_data()
+    {
+        const QString type = "\r\nContent-Type: text/plain; charset=utf-8\r\n\r\n";
+        const QString head = "Content-Disposition: form-data; name=";
+        rows<QString, QString, bool, QString>({
+            {"not the last", "a", "b", false, head + "a" + type + "b\r\n------boundary\r\n\r\n"},
+            {"the last", "a", "b", true, head + "a" + type + "b\r\n------boundary--\r\n\r\n"},
+            {"empty", "", "", false, head + type + "\r\n------boundary\r\n\r\n"},
+            {"placeholders", "%1", "%2%1", true, head + "%1" + type + "%2%1\r\n------boundary--\r\n\r\n"},
+            {"quotes", "\"a\"", "\"b\"", false, head + "\"a\"" + type + "\"b\"\r\n------boundary\r\n\r\n"},
+        });
+    }
+
+    void multipartValue()
+    {
+        const auto [name, value, last, text] = row<QString, QString, bool, QString>();
+        QCOMPARE(client().addMultipartValue(name, value, last), text);
+    }
+
+    void whatIsNotWantedIsNotWritten()
+    {
+        service().expect(UPLOAD, Answer::json(STORED));
+
+        QVERIFY(client().doUploadResource("f.png", QByteArray("ABC"), nullptr, nullptr));
+        QCOMPARE(client().resourceId(), QStringLiteral("r1"));
+    }
+
+    void uploadForgetsTheEarlierResourceFirst()
+    {
+        bool forgottenMeanwhile = false;
+        service().expect(UPLOAD, Answer::json(STORED));
+        service().expect(UPLOAD, Answer::json("", 500).then([&] {
+            forgottenMeanwhile = client().resourceId().isNull() && client().resourcePath().isNull();
+        }));
+        QVERIFY(client().doUploadResource("f.png", QByteArray("ABC"), nullptr, nullptr));
+        QVERIFY(!client().doUploadResource("f.png", QByteArray("ABC"), nullptr, nullptr));
+
+        QVERIFY(forgottenMeanwhile);
+        QVERIFY(client().resourceId().isNull());
+        QVERIFY(client().resourcePath().isNull());
     }
 };
 

@@ -3,6 +3,7 @@
 #include "support/ClientOperations.h"
 #include "support/ClientProbe.h"
 #include "support/FakeService.h"
+#include "support/Rows.h"
 #include "support/TimerClock.h"
 
 #include <CalyxClient/PresenterClient>
@@ -27,17 +28,6 @@ namespace {
 // The limit of a wait is 10 seconds, and Qt's timers may be off by a twentieth.
 const int PAST_THE_LIMIT = 10600;
 
-void destructionRows()
-{
-    QTest::addColumn<Operation>("operation");
-    QTest::addColumn<int>("request");
-
-    for (const auto& operation : operations() + chainedOperations()) {
-        for (int i = 0; i < operation.second.paths.size(); ++i)
-            QTest::addRow("%s, request %d", operation.first, i + 1) << operation.second << i;
-    }
-}
-
 // A client that has a started session says so to the service before it goes.
 void destroy(PresenterClient* client, FakeService& service)
 {
@@ -55,16 +45,6 @@ Answer unansweredWhile(FakeService& service, const std::function<void()>& action
 bool isNoResult(const QVariant& result)
 {
     return result.toString().isEmpty() || result == QVariant(false);
-}
-
-// The call during which \p client is destroyed comes back without a result, and nothing stays behind.
-void verifyEndsWithItsClient(const Operation& operation, const QPointer<PresenterClient>& client)
-{
-    const QPointer<QNetworkAccessManager> manager = client->findChild<QNetworkAccessManager*>();
-    const QVariant result = operation.call(client);
-    QVERIFY(!client);
-    QVERIFY2(isNoResult(result), qPrintable(result.toString()));
-    QTRY_VERIFY(!manager);
 }
 
 // The host deletes its client as soon as a log-in has ended with \p answer.
@@ -86,34 +66,45 @@ class tst_PresenterClientWaitDestroyed : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void clientDestroyedByATimer_data() { destructionRows(); }
-
-    void clientDestroyedByATimer()
+    void clientDestroyed_data()
     {
-        QFETCH(Operation, operation);
-        QFETCH(int, request);
+        columns<Operation, int, bool>();
+        for (const auto& operation : operations() + chainedOperations()) {
+            for (int i = 0; i < operation.second.paths.size(); ++i) {
+                QTest::addRow("%s, request %d, timer", operation.first, i + 1)
+                    << operation.second << i << true;
+                QTest::addRow("%s, request %d, slot", operation.first, i + 1)
+                    << operation.second << i << false;
+            }
+        }
+    }
 
+    // By a timer while the request waits for its answer, or by a slot of requestProcessed() when it has come.
+    void clientDestroyed()
+    {
+        const auto [operation, request, byTimer] = row<Operation, int, bool>();
         FakeService service;
         QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
         operation.prepare(client);
         for (int i = 0; i < request; ++i)
             service.expect(operation.paths.at(i), Answer::json(ALL_IS_WELL));
         service.expect(operation.paths.at(request),
-                       unansweredWhile(service, [&] { destroy(client, service); }));
+                       byTimer ? unansweredWhile(service, [&] { destroy(client, service); })
+                               : Answer::json(ALL_IS_WELL));
+        QMetaObject::Connection connection;
+        connection = connect(client, &PresenterClient::requestProcessed, &service, [&] {
+            if (byTimer || !service.isUsedUp())
+                return;
+            disconnect(connection); // the destructor makes requests as well
+            destroy(client, service);
+        });
 
-        verifyEndsWithItsClient(operation, client);
-        QTRY_COMPARE(service.abandoned(), 1);
-    }
-
-    void clientDestroyedWithItsParent()
-    {
-        FakeService service;
-        auto* parent = new QObject;
-        const QPointer<PresenterClient> client = new PresenterClient(parent, service.url());
-        service.expect("/tavisto/login/submit", unansweredWhile(service, [&] { delete parent; }));
-
-        QVERIFY(!client->doLogin("u", "p"));
+        const QPointer<QNetworkAccessManager> manager = client->findChild<QNetworkAccessManager*>();
+        const QVariant result = operation.call(client);
         QVERIFY(!client);
+        QVERIFY2(isNoResult(result), qPrintable(result.toString()));
+        QTRY_VERIFY(!manager);
+        QTRY_COMPARE(service.abandoned(), byTimer ? 1 : 0);
     }
 
     void destructionIsNotRepeated_data()
@@ -156,29 +147,6 @@ private Q_SLOTS:
         QTRY_VERIFY(service.isUsedUp() && ends > 0);
         delete owner;
         QCOMPARE(ends, 1);
-    }
-
-    void clientDestroyedByASlotOfRequestProcessed_data() { destructionRows(); }
-
-    void clientDestroyedByASlotOfRequestProcessed()
-    {
-        QFETCH(Operation, operation);
-        QFETCH(int, request);
-
-        FakeService service;
-        QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-        operation.prepare(client);
-        for (int i = 0; i <= request; ++i)
-            service.expect(operation.paths.at(i), Answer::json(ALL_IS_WELL));
-        QMetaObject::Connection connection;
-        connection = connect(client, &PresenterClient::requestProcessed, &service, [&] {
-            if (!service.isUsedUp())
-                return;
-            disconnect(connection); // the destructor makes requests as well
-            destroy(client, service);
-        });
-
-        verifyEndsWithItsClient(operation, client);
     }
 
     void clientDestroyedOnARedirect()
