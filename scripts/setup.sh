@@ -25,6 +25,8 @@ fail() {
 # What building and running needs, as Debian packages. The tests add theirs.
 packages=(cmake ninja-build g++ pkg-config qtbase5-dev libqt5websockets5-dev libqrencode-dev zlib1g-dev lzma-dev
     libedit-dev)
+# The translations.
+packages+=(qttools5-dev-tools)
 # The QML module, and what reads its description off it.
 packages+=(qtdeclarative5-dev qtdeclarative5-dev-tools qml-module-qtquick2)
 

@@ -200,7 +200,7 @@ private:
         if (m_lesson.joinCode().isEmpty() || count == 0)
             return true;
         QMessageBox box(QMessageBox::Question, what,
-                        tr("A lesson with %1 learners is open. It ends for everybody.").arg(count),
+                        tr("A lesson with %n learners is open. It ends for everybody.", nullptr, count),
                         QMessageBox::Cancel, this);
         const QAbstractButton* yes = box.addButton(what, QMessageBox::AcceptRole);
         box.exec();

@@ -10,6 +10,7 @@ QProcessEnvironment Presenter::environment()
                              "ALL_PROXY", "QT_LOGGING_RULES"})
         environment.remove(QLatin1String(name));
     environment.insert("LC_ALL", "C.UTF-8");
+    environment.remove("LANGUAGE");
     return environment;
 }
 

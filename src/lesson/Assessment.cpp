@@ -337,11 +337,11 @@ QStringList Assessment::unfinished() const
 
 QString Assessment::toCsv() const
 {
-    QStringList titles{tr("Learner"), tr("Device"), tr("Right")};
+    QStringList titles{QStringLiteral("Learner"), QStringLiteral("Device"), QStringLiteral("Right")};
     for (int number = 1; number <= questionCount(); ++number) {
         const QString text = d->plan.questions.at(number - 1).text;
         titles += {QStringLiteral("%1 %2").arg(QString::number(number), text).trimmed(),
-                   tr("%1 right").arg(number)};
+                   QStringLiteral("%1 right").arg(number)};
     }
     QString csv = LessonText::csvLine(titles);
     for (const Sheet& sheet : qAsConst(d->sheets)) {
@@ -350,8 +350,8 @@ QString Assessment::toCsv() const
         for (int number = 1; number <= questionCount(); ++number) {
             const PollAnswer answer = sheet.answers.value(number);
             line += {answer.text, answer.mark <= PollAnswer::Unmarked ? QString()
-                                  : answer.mark == PollAnswer::Right  ? tr("yes")
-                                                                      : tr("no")};
+                                  : answer.mark == PollAnswer::Right  ? QStringLiteral("yes")
+                                                                      : QStringLiteral("no")};
         }
         csv += LessonText::csvLine(line);
     }

@@ -4,6 +4,14 @@
 #include "lesson/LessonPrivate.h"
 #include "lesson/LessonText.h"
 
+#include <QTranslator>
+
+// A static library's resources come with whoever asks for them. The macro wants no namespace around it.
+static void initTranslations()
+{
+    Q_INIT_RESOURCE(calyxclient_translations);
+}
+
 namespace Calyx {
 
 namespace {
@@ -121,6 +129,14 @@ void Lesson::setOpenLimit(int msecs)
 void Lesson::setReconnects(bool reconnects)
 {
     d->reconnects = reconnects;
+}
+
+bool Lesson::loadTranslation(QTranslator* translator, const QLocale& locale)
+{
+    initTranslations();
+    return translator->load(locale, QStringLiteral("calyxclient"), QStringLiteral("_"),
+                            QStringLiteral(":/calyxclient")) &&
+           !translator->isEmpty(); // as the English one is
 }
 
 // Login and session.

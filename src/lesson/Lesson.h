@@ -10,6 +10,7 @@
 #include <QDateTime>
 #include <QJsonObject>
 #include <QList>
+#include <QLocale>
 #include <QObject>
 #include <QStringList>
 #include <QUrl>
@@ -20,6 +21,7 @@
 
 class PresenterClient;
 class PresenterCollab;
+class QTranslator;
 
 namespace Calyx {
 
@@ -138,6 +140,12 @@ public:
     /// "teacher", "server" and "at", when it began; empty where it holds none, and for one that was ended.
     /// Reads the file.
     Q_INVOKABLE static QVariantMap journalOf(const QString& fileName);
+
+    /// Loads this layer's texts (errors, the names of commands and of kinds of question, what learners are
+    /// told) in the first of \p locale's languages that there is, German and French, into \p translator. The
+    /// host installs that, if it wants; without it all is English. False, and nothing is loaded, where
+    /// English comes first, and where the library was built without other languages.
+    static bool loadTranslation(QTranslator* translator, const QLocale& locale = QLocale());
 
     // Login and session.
 
@@ -259,7 +267,8 @@ public:
     /// The command's name on the wire, for example "nextCard".
     Q_INVOKABLE static QString nameOf(Calyx::Lesson::RemoteCommand command);
 
-    // Afterwards.
+    // Afterwards. What names learners, questions and answers is as the class saw it; the titles of columns,
+    // marks and the names of JSON are the same in every language.
 
     /// The whole lesson: who was here and when, every question, every answer, the marks.
     Q_INVOKABLE QJsonObject report() const;

@@ -51,7 +51,10 @@ const Words wordsOfKinds[] = {
     {LessonError::BadInput, QT_TRANSLATE_NOOP("Calyx::LessonError", "This cannot be done."), ""},
     {LessonError::Cancelled, QT_TRANSLATE_NOOP("Calyx::LessonError", "Cancelled."), ""}};
 
-QString tr(const char* text)
+const char endFirst[] =
+    QT_TRANSLATE_NOOP("Calyx::LessonError", "End a lesson that is still open, then start this one again.");
+
+QString translated(const char* text)
 {
     return *text ? QCoreApplication::translate("Calyx::LessonError", text) : QString();
 }
@@ -63,11 +66,10 @@ LessonError LessonError::make(Kind kind, const QString& key, const QString& text
     LessonError error;
     error.kind = kind;
     error.key = key;
-    error.text = text.isEmpty() ? tr(wordsOfKinds[kind].text) : text;
-    error.advice = tr(wordsOfKinds[kind].advice);
+    error.text = text.isEmpty() ? translated(wordsOfKinds[kind].text) : text;
+    error.advice = translated(wordsOfKinds[kind].advice);
     if (kind == Refused && key.startsWith(QLatin1String("session.error.tooMany")))
-        error.advice = tr(QT_TRANSLATE_NOOP("Calyx::LessonError",
-                                            "End a lesson that is still open, then start this one again."));
+        error.advice = translated(endFirst);
     return error;
 }
 

@@ -3,6 +3,7 @@
 #include "collab/CalyxCollabMessage.h"
 #include "collab/MessageTemplates.h"
 #include "collab/PresenterCollab.h"
+#include "lesson/Lesson.h"
 #include "lesson/LessonText.h"
 #include "model/AssessmentOptions.h"
 #include "model/Card.h"
@@ -12,8 +13,6 @@
 #include "model/QuestionMultiChoice.h"
 #include "model/QuestionWordSeed.h"
 
-#include <QCoreApplication>
-
 #include <memory>
 
 namespace Calyx {
@@ -21,11 +20,6 @@ namespace Calyx {
 namespace {
 
 constexpr int heavyCard = 0x80001; // characters: as of this size devices are told before
-
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("Calyx::Lesson", text);
-}
 
 QString quoted(const QString& id)
 {
@@ -185,8 +179,8 @@ void LessonMessages::sendCard(PresenterCollab* collab, const QString& address, c
 
 void LessonMessages::sendLock(PresenterCollab* collab, const QString& address, bool isLocked)
 {
-    sendText(collab, address, isLocked ? tr("Please look at your teacher.") : tr("You can go on."),
-             !isLocked);
+    sendText(collab, address,
+             isLocked ? Lesson::tr("Please look at your teacher.") : Lesson::tr("You can go on."), !isLocked);
 }
 
 void LessonMessages::sendText(PresenterCollab* collab, const QString& address, const QString& text,

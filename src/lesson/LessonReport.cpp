@@ -11,11 +11,12 @@ namespace Calyx {
 
 namespace {
 
+// Programs read these tables, too: what is ours in them is the same in every language.
 QStringList csvRow(const QString& where, const QString& question, const PollAnswer& answer)
 {
     const QString mark = answer.mark <= PollAnswer::Unmarked ? QString()
-                         : answer.mark == PollAnswer::Right  ? Lesson::tr("yes")
-                                                             : Lesson::tr("no");
+                         : answer.mark == PollAnswer::Right  ? QStringLiteral("yes")
+                                                             : QStringLiteral("no");
     return {where,
             question,
             answer.name,
@@ -24,7 +25,7 @@ QStringList csvRow(const QString& where, const QString& question, const PollAnsw
             mark,
             QString::number(answer.msecs),
             answer.receivedAt.toLocalTime().toString(Qt::ISODate),
-            answer.isLate ? Lesson::tr("yes") : QString()};
+            answer.isLate ? QStringLiteral("yes") : QString()};
 }
 
 } // namespace
@@ -48,12 +49,15 @@ QJsonObject Lesson::report() const
 
 QString Lesson::toCsv() const
 {
-    QString csv = LessonText::csvLine({tr("Part"), tr("Question"), tr("Learner"), tr("Device"), tr("Answer"),
-                                       tr("Right"), tr("Milliseconds"), tr("Received"), tr("Late")});
+    QString csv = LessonText::csvLine(
+        {QStringLiteral("Part"), QStringLiteral("Question"), QStringLiteral("Learner"),
+         QStringLiteral("Device"), QStringLiteral("Answer"), QStringLiteral("Right"),
+         QStringLiteral("Milliseconds"), QStringLiteral("Received"), QStringLiteral("Late")});
     for (const Poll* poll : qAsConst(d->content.polls)) {
         const QVector<PollAnswer> answers = poll->answers();
         for (const PollAnswer& answer : answers)
-            csv += LessonText::csvLine(csvRow(tr("Poll %1").arg(poll->number()), poll->title(), answer));
+            csv += LessonText::csvLine(
+                csvRow(QStringLiteral("Poll %1").arg(poll->number()), poll->title(), answer));
     }
     for (const Assessment* assessment : qAsConst(d->content.assessments)) {
         const QStringList devices = assessment->participants();

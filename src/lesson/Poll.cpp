@@ -264,14 +264,17 @@ QStringList Poll::missing() const
 
 QString Poll::toCsv() const
 {
-    QString csv = LessonText::csvLine({tr("Question"), tr("Learner"), tr("Device"), tr("Answer"), tr("Right"),
-                                       tr("Milliseconds"), tr("Late")});
+    QString csv =
+        LessonText::csvLine({QStringLiteral("Question"), QStringLiteral("Learner"), QStringLiteral("Device"),
+                             QStringLiteral("Answer"), QStringLiteral("Right"),
+                             QStringLiteral("Milliseconds"), QStringLiteral("Late")});
     for (const PollAnswer& answer : qAsConst(d->answers)) {
         const QString right = answer.mark == PollAnswer::Unmarked ? QString()
-                              : answer.mark == PollAnswer::Right  ? tr("yes")
-                                                                  : tr("no");
+                              : answer.mark == PollAnswer::Right  ? QStringLiteral("yes")
+                                                                  : QStringLiteral("no");
         csv += LessonText::csvLine({title(), answer.name, answer.deviceId, answer.text, right,
-                                    QString::number(answer.msecs), answer.isLate ? tr("yes") : QString()});
+                                    QString::number(answer.msecs),
+                                    answer.isLate ? QStringLiteral("yes") : QString()});
     }
     return csv;
 }

@@ -17,10 +17,10 @@ constexpr int mostOptions = 100;
 constexpr int mostDecimals = 10;
 constexpr int longestText = 10000; // characters
 
-QString tr(const char* text)
+struct Words
 {
-    return QCoreApplication::translate("Calyx::Question", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(Calyx::Question)
+};
 
 // Picks are options that answers name by number, whatever they are labelled.
 enum class Meaning { Free, Options, Picks, Order };
@@ -61,15 +61,15 @@ QStringList wordsOf(O::ORDINAL_TYPE ordinal)
 {
     switch (ordinal) {
     case O::TRUE_FALSE:
-        return {tr("True"), tr("False"), tr("Don\u2019t know")};
+        return {Words::tr("True"), Words::tr("False"), Words::tr("Don\u2019t know")};
     case O::YES_NO:
-        return {tr("Yes"), tr("No"), tr("Don\u2019t know")};
+        return {Words::tr("Yes"), Words::tr("No"), Words::tr("Don\u2019t know")};
     case O::YES_NO_MAYBE:
-        return {tr("Yes"), tr("No"), tr("Maybe")};
+        return {Words::tr("Yes"), Words::tr("No"), Words::tr("Maybe")};
     case O::YES_NO_UNSURE:
-        return {tr("Yes"), tr("No"), tr("Unsure")};
+        return {Words::tr("Yes"), Words::tr("No"), Words::tr("Unsure")};
     case O::YES_NO_OTHER:
-        return {tr("Yes"), tr("No"), tr("Other")};
+        return {Words::tr("Yes"), Words::tr("No"), Words::tr("Other")};
     default:
         return {};
     }
@@ -204,7 +204,7 @@ QString Question::kindName() const
 
 QString Question::kindName(P::POLL_TYPE type)
 {
-    return tr(kindOf(type).name);
+    return Words::tr(kindOf(type).name);
 }
 
 QStringList Question::optionIds() const
@@ -245,21 +245,21 @@ QString Question::fault() const
     const int most = mostOptionsOf(*this);
     const int count = options.isEmpty() ? optionCount : int(options.size());
     if (count != 0 && most == 0)
-        return tr("A question of this kind has no options.");
+        return Words::tr("A question of this kind has no options.");
     if (count < kind.fewest || count > most)
-        return tr("A question of this kind has from %1 to %2 options, not %3.")
+        return Words::tr("A question of this kind has from %1 to %2 options, not %3.")
             .arg(kind.fewest)
             .arg(most)
             .arg(count);
     if (decimals < 0 || decimals > mostDecimals)
-        return tr("A number has from 0 to %1 decimals, not %2.").arg(mostDecimals).arg(decimals);
+        return Words::tr("A number has from 0 to %1 decimals, not %2.").arg(mostDecimals).arg(decimals);
     if (type == P::MULTIPLE && (choices < 0 || choices > count))
-        return tr("A learner chooses from 0 to %1 options, not %2.").arg(count).arg(choices);
+        return Words::tr("A learner chooses from 0 to %1 options, not %2.").arg(count).arg(choices);
     if (text.size() > longestText)
-        return tr("The text of the question is too long.");
+        return Words::tr("The text of the question is too long.");
     for (const QString& answer : right) {
         if (!canBeAnswer(*this, answer))
-            return tr("\u201c%1\u201d cannot be the right answer to this question.").arg(answer);
+            return Words::tr("\u201c%1\u201d cannot be the right answer to this question.").arg(answer);
     }
     return QString();
 }

@@ -11,7 +11,7 @@ const running = new Set();
 
 function start(command, args) {
   // Wide enough for any table, and without colours.
-  const env = { ...process.env, COLUMNS: '200', NO_COLOR: '1', LC_ALL: 'C.UTF-8' };
+  const env = { ...process.env, COLUMNS: '200', NO_COLOR: '1', LC_ALL: 'C.UTF-8', LANGUAGE: '' };
   const child = spawn(command, args, { stdio: ['ignore', 'pipe', 'inherit'], env });
   running.add(child);
   const output = { text: '' };
