@@ -21,6 +21,9 @@ namespace {
 constexpr char UPLOAD[] = "/tavisto/resource/uploadResourceFile";
 constexpr char STORED[] = R"({"data":{"resourceId":"r","resourcePath":"/files/r"}})";
 
+constexpr char UNREGISTERED[] =
+    R"({"success":true,"infoMsgKeys":["registration.success"],"data":{"mail":"a@school.example"}})";
+
 Question marked()
 {
     Question question = Question::usual(PollType::MULTIPLE);
@@ -443,28 +446,38 @@ private Q_SLOTS:
 
     void diesInEverySlot_data()
     {
-        rows<QByteArray, QByteArray>({
+        const Play commands = [](Class& at) {
+            at.expectRemote();
+            at.hear("R", "nextCard", {});
+        };
+        rows<QByteArray, Play>({
             // The other signals are played in a whole lesson, at the local classroom.
-            {"remote control comes", "remotePresentChanged()", "R"},
-            {"it commands", "remoteCommand(Calyx::Lesson::RemoteCommand,bool,QVariant)", "R"},
-            {"a message that nobody knows", "messageReceived(QString,QString,QVariant)", "D1"},
+            {"remote control comes", "remotePresentChanged()", commands},
+            {"it commands", "remoteCommand(Calyx::Lesson::RemoteCommand,bool,QVariant)", commands},
+            {"a message that nobody knows", "messageReceived(QString,QString,QVariant)",
+             [](Class& at) { at.hear("D1", "hello", {}); }},
+            {"somebody has to register", "registrationNeeded(QString)",
+             [](Class& at) {
+                 at.service.expect("/tavisto/session/stop", Answer::json(FINE));
+                 at.service.expect(Logins::LOGOUT, Answer::json(FINE));
+                 at.service.expect(PROBE, Answer::json(FINE));
+                 at.service.expect(Logins::CALLBACK, Answer::json(UNREGISTERED));
+                 at.service.expect(PROBE, Answer::json(FINE)); // no key says what was wrong
+                 at.lesson->logInWithOAuth("google", "code");
+             }},
         });
     }
 
     void diesInEverySlot()
     {
-        const auto [signal, from] = row<QByteArray, QByteArray>();
+        const auto [signal, play] = row<QByteArray, Play>();
         Class class_;
         m_class = &class_;
         QVERIFY(class_.start());
         const QMetaObject& of = Lesson::staticMetaObject;
         QVERIFY(connect(class_.lesson.get(), of.method(of.indexOfSignal(signal.constData())), this,
                         metaObject()->method(metaObject()->indexOfSlot("die()"))));
-        if (from == "R")
-            class_.service.expect("/tavisto/session/getusers",
-                                  Answer::json(R"({"success":true,"data":{"users":[
-                                      {"userToken":"R","userName":"Remote","mode":"controller"}]}})"));
-        class_.hear(from, from == "R" ? "nextCard" : "hello", {});
+        play(class_);
         QVERIFY(waitFor([&] { return !class_.lesson; }));
         class_.service.expectNoMore();
     }
