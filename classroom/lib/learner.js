@@ -10,6 +10,9 @@ const FIRST_NAMES = ['Ann', 'Zoë', 'Łukasz', 'Ада', '小明', 'José', 'Bea
 // As often as the presenter; the client's own default of 5 s is a thousand frames a second from 5,000 learners.
 const PING_MS = 60000;
 const RETRY_MS = 500;
+// Who comes back sends itself a message so often, and after each that it sends. When nothing comes for as long, the line is dead, whatever
+// sockjs-client thinks of it: under Node it does not hear of an answer over XHR that is cut short.
+const SILENCE_MS = 10000;
 
 const forms = {
   question: {
@@ -58,12 +61,15 @@ export class Learner {
   #joined = false;
   #wasIn = false;
   #comeBack;
+  #pulse;
+  #silence;
   // The last answer, [type, value], while its question is open: it goes out again after a lost connection.
   #answered = null;
 
   /**
-   * settings: reconnect (whether a lost connection is made again), url, transports (undefined: all), answerAfter in ms, note(text) for what goes wrong, and answerBy: "order" for
-   * answers that are the same in each lesson, whatever the questions' ids. With waits, it answers by answer() alone; changed() is called whenever a question comes or goes.
+   * settings: reconnect (whether a lost connection is made again), silence (after how many ms it is lost), url, transports (undefined: all),
+   * answerAfter in ms, note(text) for what goes wrong, and answerBy: "order" for answers that are the same in each lesson, whatever the
+   * questions' ids. With waits, it answers by answer() alone; changed() is called whenever a question comes or goes.
    */
   constructor(index, settings) {
     this.#index = index;
@@ -91,6 +97,7 @@ export class Learner {
     this.#bus = new EventBus(`${joined.serverUrl}/eventbus`, { transports, vertxbus_ping_interval: PING_MS });
     await this.#opened();
     this.#listen();
+    this.#watch();
     this.#publish('join', { userName: this.userName, deviceType: this.deviceType });
     this.#joined = true;
     this.#wasIn = true;
@@ -122,6 +129,7 @@ export class Learner {
     this.#over = true;
     this.#drop();
     this.#assessment = null;
+    this.#unwatch();
     const live = this.#bus && [EventBus.CONNECTING, EventBus.OPEN].includes(this.#bus.state);
     if (live) this.#bus.close();
     this.#leave();
@@ -150,6 +158,7 @@ export class Learner {
   }
 
   #closed(code) {
+    this.#unwatch();
     if (this.#over || !this.#joined || code === CLOSE_SESSION_ENDED) return this.leave();
     if (this.#settings.reconnect) return this.#retryLater();
     this.#settings.note(`${this.userName} has lost the service`);
@@ -178,9 +187,39 @@ export class Learner {
     }
   }
 
+  #watch() {
+    if (this.#settings.reconnect) this.#pulse = setInterval(() => this.#callBack(), this.#silenceLimit);
+  }
+
+  #unwatch() {
+    clearInterval(this.#pulse);
+    this.#heard();
+  }
+
+  get #silenceLimit() {
+    return this.#settings.silence ?? SILENCE_MS;
+  }
+
+  // What comes back has followed all that was sent before.
+  #callBack() {
+    const bus = this.#bus;
+    if (bus.state !== EventBus.OPEN) return;
+    bus.publish(this.#own, { type: 'here' });
+    this.#silence ??= setTimeout(() => bus.close(), this.#silenceLimit);
+  }
+
+  #heard() {
+    clearTimeout(this.#silence);
+    this.#silence = undefined;
+  }
+
+  get #own() {
+    return `${this.sessionToken}.user.${this.token}`;
+  }
+
   #listen() {
     const root = this.sessionToken;
-    for (const address of [root, `${root}.learner`, `${root}.user.${this.token}`]) {
+    for (const address of [root, `${root}.learner`, this.#own]) {
       this.#bus.registerHandler(address, (error, message) => this.#receive(error, message));
     }
   }
@@ -189,10 +228,12 @@ export class Learner {
     if (this.#bus.state !== EventBus.OPEN) return false;
     const address = `${this.sessionToken}.presenter`;
     this.#bus.publish(address, { from: this.token, type, data: encodeData(value) });
+    if (this.#settings.reconnect) this.#callBack();
     return true;
   }
 
   #receive(error, message) {
+    this.#heard();
     const type = message?.body?.type;
     const handle = error ? undefined : Learner.#handlers.get(type);
     if (!handle) return;

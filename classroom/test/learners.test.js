@@ -313,3 +313,23 @@ check('learners who have lost the service end with 1; with --reconnect they come
     await classroom.close();
   }
 });
+
+// Over XHR, a cut leaves the answer on which it listens without an end, and sockjs-client does not hear of that.
+check('a learner with --reconnect notices that nothing comes any more, although it sends nothing', { timeout: 30000 }, async (t) => {
+  const { url } = await startClassroom(t);
+  const presenter = await Presenter.open(t, url);
+  const wire = await openWire(t, url);
+  const learner = new Learner(0, {
+    url: wire.url, note: () => {}, reconnect: true, silence: 500, transports: ['xhr-streaming'],
+  });
+  t.after(() => learner.leave());
+  await learner.join(presenter.code);
+  const { from } = await presenter.next('join');
+  presenter.publish('dialogShow', {}, `.user.${from}`);
+  while (learner.dialogs === 0) await new Promise(setImmediate); // else the end of its own request tells
+  wire.cut();
+  wire.mend();
+  assert.equal((await presenter.next('join')).from, from);
+  presenter.ask({ id: 'one', type: 'text' });
+  assert.equal((await presenter.next('questionResponse')).from, from);
+});
