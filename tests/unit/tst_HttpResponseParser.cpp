@@ -1,8 +1,7 @@
-#include "transport/HttpResponseParser.h"
-
 #include "support/HttpServer.h"
 #include "support/Recordings.h"
 #include "support/Rows.h"
+#include "transport/HttpResponseParser.h"
 
 #include <QStringList>
 #include <QtTest>
@@ -281,15 +280,6 @@ private Q_SLOTS:
         QCOMPARE(event.contentLength, 0);
         QVERIFY(event.chunked);
         QVERIFY(!event.closes);
-    }
-
-    void frameComesOutOfAHalfReceivedChunk()
-    {
-        HttpResponseParser parser;
-        parser.setStreaming(true);
-        parser.add(chunkedHead() + "64\r\no\nh\na[");
-        QCOMPARE(drain(&parser).mid(1), QStringList({"frame o", "frame h"}));
-        QCOMPARE(parser.pending(), QByteArray("a["));
     }
 
     void endChunkTellsTheSizeOfTheText()

@@ -1,9 +1,8 @@
-#include "transport/RawConnection.h"
-
 #include "support/Rows.h"
 #include "support/ScriptedHttpServer.h"
 #include "support/TestCertificates.h"
 #include "support/WaitFor.h"
+#include "transport/RawConnection.h"
 
 #include <QNetworkProxy>
 #include <QSslSocket>
@@ -55,7 +54,7 @@ struct Line
 } // namespace
 
 /// One connection, plain and with TLS, made without events and within the event loop. What the worker does
-/// with it is in tst_SockJSXHRPollingWorkerConnection.
+/// with it is in tst_SockJSXHRPollingWorker.
 class tst_RawConnection : public QObject
 {
     Q_OBJECT
@@ -309,13 +308,6 @@ private Q_SLOTS:
         while (m_line->socket->isOpen()) // until the reset has come
             m_line->connection.write("lost");
         QVERIFY(!m_line->connection.isClosed());
-    }
-
-    void closedBySomebodyElseIsClosed()
-    {
-        QVERIFY(m_line->connectLine(false));
-        m_line->socket->close();
-        QVERIFY(m_line->connection.isClosed());
     }
 
     void closedBySomebodyElseWhenMadeAgainIsClosed()

@@ -1,10 +1,13 @@
 #include "support/LogRecorder.h"
+#include "support/ProcessResources.h"
 #include "support/Rows.h"
+#include "support/TestCertificates.h"
 #include "support/TypeNamed.h"
 #include "support/WorkerTest.h"
 
 #include <QElapsedTimer>
 #include <QMetaMethod>
+#include <QTcpServer>
 #include <QtTest>
 
 using HttpText::chunk;
@@ -16,9 +19,16 @@ using HttpText::plain;
 namespace {
 
 const QString stallLine = QStringLiteral("[SockJSXHRPollingWorker] Incoming data timeout, clearing buffer");
+const QString lostLine =
+    QStringLiteral("[SockJSXHRPollingWorker] Connection lost, attempting to re-establish...");
+const QString limitLine =
+    QStringLiteral("[SockJSXHRPollingWorker] Connection attempts exceeded retry limit!");
+const QString bufferLine = QStringLiteral("[SockJSXHRPollingWorker.BufferData] = ");
 
 } // namespace
 
+/// What the worker writes, delivers and tells; how it connects anew, waits and stops; what it makes of a
+/// server's faults, of which more are in tests/faults.
 class tst_SockJSXHRPollingWorker : public WorkerTest
 {
     Q_OBJECT
@@ -251,34 +261,6 @@ private Q_SLOTS:
         QCOMPARE(log.debug(stallLine), QStringList());
     }
 
-    void deliversA404LikeA200()
-    {
-        m_server->answer("/xhr", "HTTP/1.1 404 Not Found\r\nA: b\r\nContent-Length: 5\r\n\r\nwhat?");
-        QVERIFY(start(1));
-        QTRY_COMPARE(m_run->messages, QStringList("what?"));
-        QCOMPARE(m_run->headers, QList<QStringMap>({{{"A", " b"}, {"Content-Length", " 5"}}}));
-    }
-
-    void deliversUtf8CutAnywhere()
-    {
-        const QString text = QStringLiteral("a[\"äß€😀\"]");
-        const QByteArray body = text.toUtf8() + '\n';
-        m_server->answer("/xhr", Server::bytewise(plain(body)));
-        m_server->answer(
-            "/xhr", Server::bytewise(chunkedHead() + chunk(body.left(4)) + chunk(body.mid(4)) + endChunk()));
-        QVERIFY(start(2));
-        QTRY_COMPARE(m_run->messages, QStringList({text, text}));
-    }
-
-    void tellsTheHeadersInTheirUsualSpelling()
-    {
-        m_server->answer(
-            "/xhr", "HTTP/1.1 200 OK\r\nset-cookie: a=1\r\nset-cookie: b=2\r\ncontent-length: 2\r\n\r\no\n");
-        QVERIFY(start(1));
-        QTRY_COMPARE(m_run->headers,
-                     QList<QStringMap>({{{"Set-Cookie", " a=1\n b=2"}, {"Content-Length", " 2"}}}));
-    }
-
     void storesFramingInTheRequest()
     {
         m_server->answer("/xhr", chunked("o\n"));
@@ -317,18 +299,294 @@ private Q_SLOTS:
         QTRY_COMPARE(m_run->reports, QStringList({"header 0", "message 0", "reconnected"}));
     }
 
-    void streamDeliversFramesAtTheirNewline()
+    void reconnectsAfterEveryAnswerAtOnce()
+    {
+        constexpr int answers = 5;
+        for (int i = 0; i < answers; ++i)
+            m_server->answer("/xhr", Server::Script{Server::send(plain("h\n")), Server::close()});
+        m_run->queueAgain = true;
+        LogRecorder log;
+        QVERIFY(start(1));
+        QTRY_COMPARE(m_run->messages.size(), answers);
+        const QList<Server::Request> requests = m_server->requests();
+        QVERIFY(requests.at(answers - 1).msecs - requests.first().msecs < 1000);
+        QCOMPARE(requests.at(answers - 1).connection, answers - 1);
+        QVERIFY(log.debug(lostLine).size() >= answers - 1);
+    }
+
+    void reconnectStartsEmpty()
     {
         m_server->answer(
-            "/xhr_streaming",
-            Server::Script{Server::send(chunkedHead() + chunk(HttpText::prelude()) + "64\r\no\na[\"x"),
-                           Server::hold(), Server::send("\"]\nh")});
-        QVERIFY(start(1, QStringLiteral("/p/xhr_streaming")));
-        const QString prelude(2048, QLatin1Char('h'));
-        QTRY_COMPARE(m_run->messages, QStringList({prelude, "o"}));
+            "/xhr", Server::Script{Server::send(chunkedHead() + chunk("old") + "5\r\nab"), Server::close()});
+        m_server->answer("/xhr", chunked("new\n"));
+        m_run->queueAgain = true;
+        QVERIFY(start(1));
+        QTRY_COMPARE(m_run->messages, QStringList("new"));
+        QCOMPARE(m_run->reports, QStringList({"header 0", "lost 0", "reconnected", "header 1", "message 1"}));
+    }
+
+    void requestInFlightIsLostWithItsConnection()
+    {
+        m_server->answer("/xhr", Server::Script{Server::close()});
+        QVERIFY(start(1));
+        QTRY_COMPARE(m_run->reports, QStringList({"lost 0", "reconnected"}));
+        QVERIFY(!m_run->worker->isReceiving());
+        QCOMPARE(m_server->count(), 1);
+    }
+
+    void waitingRequestOutlivesTheConnection()
+    {
+        m_server->answer("/first", Server::Script{Server::hold(), Server::close()});
+        m_server->answer("/xhr", plain("o\n"));
+        QVERIFY(start(1, QStringLiteral("/first")));
+        QTRY_COMPARE(m_server->count(), 1);
+        QVERIFY(m_run->queue());
         m_server->release();
-        QTRY_COMPARE(m_run->messages, QStringList({prelude, "o", "a[\"x\"]"}));
-        QVERIFY(m_run->worker->isReceiving());
+        QTRY_COMPARE(m_run->messages, QStringList("o"));
+        QCOMPARE(m_run->reports, QStringList({"lost 0", "reconnected", "header 1", "message 1"}));
+    }
+
+    // The worker writes before it can read of the reset: then Qt closes the socket.
+    void reconnectsWhenAWriteFails()
+    {
+        m_server->answer("/xhr", plain("o\n"));
+        m_run->queueAgain = true;
+        QVERIFY(m_run->worker->connectToServer());
+        while (m_server->openConnections() == 0)
+            QThread::yieldCurrentThread();
+        m_server->dropConnections(true);
+        QVERIFY(m_run->queue());
+        m_run->startThread();
+        QTRY_COMPARE(m_run->messages, QStringList("o"));
+        QCOMPARE(m_run->reports, QStringList({"lost 0", "reconnected", "header 1", "message 1"}));
+    }
+
+    void successfulReconnectCountsAnew()
+    {
+        // A proxy says of each attempt whether it succeeds. What it lets through ends at once.
+        const QByteArray target = "127.0.0.1:1";
+        const Server::Script lets{Server::send("HTTP/1.1 200 OK\r\n\r\n"), Server::hold(), Server::close()};
+        const Server::Script refuses{Server::close()};
+        Server proxy;
+        proxy.answer(target, lets);
+        for (int i = 0; i < 5; ++i)
+            proxy.answer(target, refuses);
+        proxy.answer(target, lets);
+        proxy.answerAlways(target, refuses);
+
+        WorkerRun run(1);
+        run.socket->setProxy(
+            QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.port()));
+        LogRecorder log;
+        QVERIFY(run.start());
+        proxy.release();
+        QTRY_COMPARE(run.reports, QStringList("reconnected"));
+        QCOMPARE(log.debug(lostLine).size(), 5 + 1);
+        proxy.release();
+        QTRY_COMPARE(run.ends, 1);
+        QCOMPARE(log.debug(lostLine).size(), 5 + 1 + 11);
+        QCOMPARE(log.debug(limitLine).size(), 1);
+        QCOMPARE(run.reports, QStringList({"reconnected", "finished"}));
+    }
+
+    void reconnectsOverTls()
+    {
+        const TestCertificates::TrustedRoot trusted;
+        Server server(TestCertificates::server(QStringLiteral("loopback")));
+        server.answer("/xhr", Server::Script{Server::send(plain("h\n")), Server::close()});
+        server.answer("/xhr", plain("a[]\n"));
+        WorkerRun run(server.port(), true);
+        run.queueAgain = true;
+        QVERIFY(run.start());
+        QVERIFY(run.queue());
+        QTRY_COMPARE(run.messages, QStringList({"h", "a[]"}));
+    }
+
+    void streamEndDropsTheConnection()
+    {
+        m_server->answer("/xhr_streaming", chunkedHead() + chunk("o\n") + chunk("h") + endChunk());
+        m_server->answer("/xhr", plain("o\n"));
+        m_run->queueAgain = true;
+        QVERIFY(start(1, QStringLiteral("/p/xhr_streaming")));
+        QTRY_COMPARE(m_run->messages, QStringList({"o", "h", "o"}));
+        QCOMPARE(m_run->reports,
+                 QStringList({"header 0", "message 0", "message 0", "reconnected", "header 1", "message 1"}));
+        QCOMPARE(m_server->requests().last().connection, 1);
+        QVERIFY(m_server->requests().last().msecs - m_server->requests().first().msecs < 900);
+    }
+
+    void preludeAloneKeepsTheFullWait()
+    {
+        m_server->answer("/xhr_streaming", chunkedHead() + chunk(HttpText::prelude()) + endChunk());
+        m_run->queueAgain = true;
+        QVERIFY(start(1, QStringLiteral("/p/xhr_streaming")));
+        QTRY_COMPARE(m_server->count(), 2);
+        QVERIFY(m_server->requests().last().msecs - m_server->requests().first().msecs >= 980);
+    }
+
+    void stopsInTheMiddleOfAReconnect()
+    {
+        // A proxy that takes the connection and never answers keeps the worker connecting for the full 30
+        // seconds.
+        QTcpServer silentProxy;
+        QVERIFY(silentProxy.listen(QHostAddress::LocalHost));
+        QVERIFY(m_run->worker->connectToServer());
+        m_run->socket->setProxy(
+            QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), silentProxy.serverPort()));
+        m_run->startThread();
+        QTRY_COMPARE(m_server->openConnections(), 1);
+        m_server->dropConnections();
+        QTRY_VERIFY(silentProxy.hasPendingConnections());
+        QElapsedTimer clock;
+        clock.start();
+        m_run->worker->forceClose();
+        QTRY_COMPARE(m_run->ends, 1);
+        QVERIFY2(clock.elapsed() < 500, qPrintable(QString::number(clock.elapsed())));
+        QCOMPARE(m_run->reports, QStringList("finished"));
+    }
+
+    void stopsWhenTheThreadIsToldToQuit()
+    {
+        QVERIFY(start(1));
+        QTRY_COMPARE(m_server->count(), 1);
+        m_run->thread.quit();
+        QVERIFY(m_run->thread.wait(patience));
+        QTRY_COMPARE(m_run->ends, 1);
+    }
+
+    void endsWhenTheSocketIsClosed()
+    {
+        QVERIFY(m_run->worker->connectToServer());
+        m_run->socket->close();
+        int ends = 0;
+        connect(m_run->worker, &SockJSXHRPollingWorker::finished, m_run.get(), [&ends] { ++ends; });
+        m_run->worker->process();
+        QCOMPARE(ends, 1);
+    }
+
+    void stallIsDiscarded()
+    {
+        m_server->answer("/xhr", chunkedHead() + chunk("ab") + "0");
+        m_server->answer("/xhr", plain("o\n"));
+        m_run->queueAgain = true;
+        LogRecorder log;
+        QVERIFY(start(1));
+        QElapsedTimer clock;
+        clock.start();
+        QTRY_COMPARE_WITH_TIMEOUT(m_run->messages, QStringList("o"), patience);
+        QVERIFY(clock.elapsed() > 2000);
+        QVERIFY2(clock.elapsed() < 5000, "the server's session would be gone");
+        QCOMPARE(log.debug(stallLine), QStringList(stallLine));
+        QCOMPARE(log.debug(bufferLine), QStringList(bufferLine + '0'));
+        QVERIFY(m_run->reports.contains(QStringLiteral("lost 0")));
+        QCOMPARE(m_run->reconnects, 1);
+    }
+
+    void hostMayAllowLongerPauses()
+    {
+        m_server->answer("/xhr", Server::Script{Server::send(chunkedHead() + "5\r\nab"), Server::pause(3500),
+                                                Server::send("cd\n\r\n" + endChunk())});
+        LogRecorder log;
+        m_run->worker->setStallLimit(20000);
+        QVERIFY(start(1));
+        QTRY_COMPARE_WITH_TIMEOUT(m_run->messages, QStringList("abcd"), patience);
+        QCOMPARE(log.debug(stallLine), QStringList());
+    }
+
+    void freshAnswerAfterAStallIsTaken()
+    {
+        m_server->answer("/xhr", "HTTP/1.1 200 OK\r\nConte");
+        LogRecorder log;
+        QVERIFY(start(1));
+        QTRY_COMPARE_WITH_TIMEOUT(log.debug(stallLine).size(), 1, patience);
+        m_server->sendNow(plain("o\n"));
+        QTRY_COMPARE(m_run->messages, QStringList("o"));
+        QCOMPARE(m_run->reports, QStringList({"header 0", "message 0"}));
+    }
+
+    void answerToNoRequestIsDropped()
+    {
+        m_server->onConnect({Server::send(chunked("nobody asked\n"))});
+        m_server->answer("/xhr", plain("o\n"));
+        LogRecorder log;
+        QVERIFY(start());
+        // Only now it is the answer to no request.
+        QTRY_COMPARE(log.debug(), QStringList("[SockJSXHRPollingWorker] chunk complete size 13"));
+        QVERIFY(m_run->queue());
+        QTRY_COMPARE(m_run->reports, QStringList({"header 0", "message 0"}));
+        QCOMPARE(m_run->messages, QStringList("o"));
+    }
+
+    void emptyAnswerIsReported()
+    {
+        m_server->answer("/xhr", plain(""));
+        m_server->answer("/xhr", chunkedHead() + endChunk());
+        QVERIFY(start(2));
+        QTRY_COMPARE(m_run->reports, QStringList({"header 0", "empty 0", "header 1", "empty 1"}));
+        QCOMPARE(m_run->messages, QStringList());
+    }
+
+    void badAnswerKeepsTheFullWait_data()
+    {
+        rows<QByteArray, bool>({
+            {"open", plain("o\n"), false},
+            {"heartbeat", plain("h\n"), false},
+            {"messages", plain("a[\"x\"]\n"), false},
+            {"page", plain("<html>\n"), true},
+            {"close frame", plain("c[3000,\"Go away!\"]\n"), true},
+            {"nothing", plain(""), true},
+            {"not found", "HTTP/1.1 404 Not Found\r\nContent-Length: 4\r\n\r\nwhat", true},
+            {"chunk of 2^64-1", chunkedHead() + "ffffffffffffffff\r\nab", true},
+            {"page, then closed", plain("<html>\n", "Connection: close\r\n"), true},
+            {"messages, then closed", plain("a[]\n", "Connection: close\r\n"), false},
+        });
+    }
+
+    void badAnswerKeepsTheFullWait()
+    {
+        const auto [answer, waits] = row<QByteArray, bool>();
+        m_server->answer("/xhr", answer);
+        m_server->answer("/xhr", plain("o\n"));
+        QVERIFY(start(2));
+        QTRY_COMPARE(m_server->count(), 2);
+        const QList<Server::Request> requests = m_server->requests();
+        const bool isMadeAnew = answer.contains("Connection: close") || answer.contains("ffff");
+        QCOMPARE(requests.last().connection, isMadeAnew ? 1 : 0);
+        const qint64 gap = requests.last().msecs - requests.first().msecs;
+        QVERIFY2(waits ? gap >= 980 && gap < 2000 : gap < 900, qPrintable(QString::number(gap)));
+    }
+
+    void serverThatNeverAnswersIsAskedOnceASecond()
+    {
+        for (int i = 0; i < 3; ++i)
+            m_server->answer("/xhr", Server::Script{i == 1 ? Server::reset() : Server::close()});
+        m_server->answer("/xhr", plain("o\n"));
+        m_run->queueAgain = true;
+        QVERIFY(start(1));
+        QTRY_COMPARE_WITH_TIMEOUT(m_run->messages, QStringList("o"), patience);
+        const QList<Server::Request> requests = m_server->requests();
+        for (int i = 1; i < requests.size(); ++i) {
+            const qint64 gap = requests.at(i).msecs - requests.at(i - 1).msecs;
+            QVERIFY2(gap >= 980 && gap < 2000, qPrintable(QString::number(gap)));
+        }
+        QCOMPARE(m_run->reconnects, 3);
+    }
+
+    // It has answered: there is nothing to spare the server, and messages would come late.
+    void streamThatIsCutAfterAFrameIsAskedAnewAtOnce()
+    {
+        m_server->answer("/xhr_streaming",
+                         Server::Script{Server::send(chunkedHead() + chunk("o\n") + chunk("a[\"x\"]\n")),
+                                        Server::close()});
+        m_server->answer("/xhr_streaming", chunkedHead() + chunk("a[\"y\"]\n"));
+        const QString path = QStringLiteral("/p/xhr_streaming");
+        connect(m_run->worker, &SockJSXHRPollingWorker::reconnected, m_run.get(),
+                [&] { m_run->queue(path); });
+        QVERIFY(start());
+        QVERIFY(m_run->queue(path));
+        QTRY_COMPARE_WITH_TIMEOUT(m_run->messages, QStringList({"o", "a[\"x\"]", "a[\"y\"]"}), patience);
+        const qint64 gap = m_server->requests().at(1).msecs - m_server->requests().at(0).msecs;
+        QVERIFY2(gap < 900, qPrintable(QString::number(gap)));
     }
 };
 
