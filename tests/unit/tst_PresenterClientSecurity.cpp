@@ -6,7 +6,6 @@
 #include "support/TestCertificates.h"
 
 #include <CalyxClient/PresenterClient>
-#include <CalyxClient/QSystemConfigurationProxyFactory>
 
 #include <QAuthenticator>
 #include <QNetworkProxy>
@@ -45,28 +44,6 @@ protected:
 
 private:
     QSslConfiguration m_tls;
-};
-
-/// Gives the environment back as it was.
-class Environment
-{
-public:
-    explicit Environment(const char* name)
-        : m_name(name), m_wasSet(qEnvironmentVariableIsSet(name)), m_value(qgetenv(name))
-    {}
-    ~Environment()
-    {
-        if (m_wasSet)
-            qputenv(m_name, m_value);
-        else
-            qunsetenv(m_name);
-    }
-    Q_DISABLE_COPY(Environment)
-
-private:
-    const char* m_name;
-    bool m_wasSet;
-    QByteArray m_value;
 };
 
 } // namespace
@@ -345,41 +322,6 @@ private Q_SLOTS:
         QNetworkProxyFactory::setUseSystemConfiguration(true);
 
         QVERIFY(reached);
-    }
-
-    void exportedProxyChangesNothing_data()
-    {
-        rows<bool>({
-            {"system proxy", true},
-            {"no proxy", false},
-        });
-    }
-
-    // What the real-time channel exports has no scheme, which Qt misreads.
-    void exportedProxyChangesNothing()
-    {
-        const auto [hasProxy] = row<bool>();
-
-        const Environment environment("http_proxy");
-        FakeService service;
-        if (hasProxy)
-            qputenv("http_proxy", service.url().toUtf8());
-        else
-            qunsetenv("http_proxy");
-        PresenterClient client(nullptr,
-                               hasProxy ? QStringLiteral("http://classroom.invalid") : service.url());
-        const QByteArray path = hasProxy ? QByteArray(BEHIND_PROXY) : QByteArray("/tavisto");
-
-        service.expect(path, Answer::json("{}"));
-        QVERIFY(client.checkServer(QString(), QString()));
-        QSystemConfigurationProxyFactory::exportToEnvironment(
-            QStringLiteral("127.0.0.1:%1").arg(service.serverPort()));
-        QVERIFY(qEnvironmentVariable("http_proxy").startsWith("127.0.0.1"));
-        for (int i = 0; i < 2; ++i) {
-            service.expect(path, Answer::json("{}"));
-            QVERIFY(client.checkServer(QString(), QString()));
-            QCOMPARE(service.last().path, path);
-        }
     }
 };
 

@@ -232,16 +232,6 @@ private Q_SLOTS:
         QCOMPARE(m_probe->events(), QStringList({"message still closed", "connected"}));
     }
 
-    void connectedIsEmittedOnceForSeveralOpenFrames()
-    {
-        m_server->setFirstFrames({"o", "o", "o"});
-        QVERIFY(openSession());
-        QVERIFY(syncInbound());
-
-        QCOMPARE(m_probe->count(QStringLiteral("connected")), 1);
-        QVERIFY(!m_probe->hasClosed());
-    }
-
     void onConnectedOpensTheSessionByItself()
     {
         QVERIFY(QMetaObject::invokeMethod(m_connector, "onConnected"));
@@ -249,24 +239,6 @@ private Q_SLOTS:
         QCOMPARE(m_probe->events(), QStringList({"connected"}));
         QVERIFY(m_connector->isConnected());
         QCOMPARE(m_log->debug(QStringLiteral("[SockJSConnector] Websocket connected")).size(), 1);
-    }
-
-    void manyMessagesKeepTheirOrder()
-    {
-        QVERIFY(openSession());
-        QStringList sent;
-        for (int i = 0; i < 2000; ++i)
-            sent.append(QString::number(i) + QString(i % 700, QChar(0xe9)));
-
-        for (int i = 0; i < sent.size(); i += 4)
-            m_server->injectMessages(sent.mid(i, 4));
-        for (const auto& message : qAsConst(sent))
-            m_connector->sendMessage(message, false);
-
-        for (const auto& message : qAsConst(sent))
-            QCOMPARE(m_server->nextMessage(), message);
-        QVERIFY(syncInbound());
-        QCOMPARE(m_probe->messages().mid(0, sent.size()), sent);
     }
 };
 

@@ -199,21 +199,6 @@ private Q_SLOTS:
                  qPrintable(m_server->paths().last()));
     }
 
-    void aSessionComesUpOverTheFallback()
-    {
-        m_server->setUpgrade(Server::CloseAfterUpgrade);
-        QVERIFY(m_probe->open(m_server->url(), webSocket));
-
-        QTRY_VERIFY(m_connector->isConnected());
-        m_server->injectMessages({"over polling"});
-        QTRY_COMPARE(m_probe->events(), QStringList({"connected", "message over polling"}));
-        m_connector->sendMessage(QStringLiteral("answer"), false);
-        QCOMPARE(m_server->nextMessage(), QStringLiteral("answer"));
-
-        m_connector->close();
-        QTRY_COMPARE(m_probe->count(QStringLiteral("closed false")), 1);
-    }
-
     void aFailedFallbackIsReportedAsClosed()
     {
         m_server->setUpgrade(Server::CloseAfterUpgrade);
@@ -228,35 +213,6 @@ private Q_SLOTS:
         Server other;
         QVERIFY(m_probe->openSession(other.url(), webSocket));
         QCOMPARE(m_probe->events(), QStringList({"closed false", "connected"}));
-    }
-
-    void aDropAfterTheOpenFrameDoesNotFallBack()
-    {
-        QVERIFY(m_probe->openSession(m_server->url(), webSocketThenPolling));
-
-        m_server->closeSession();
-
-        QTRY_VERIFY(m_probe->hasClosed());
-        QVERIFY(anotherConnectorOpens());
-        QCOMPARE(m_server->count(QStringLiteral("/xhr")), 0);
-        QVERIFY(m_log->debug(fellBack).isEmpty());
-    }
-
-    void closeBeforeTheOpenFrameIsFollowedByClosedFalse()
-    {
-        m_server->setUpgrade(Server::Mute);
-        QVERIFY(m_probe->open(m_server->url(), webSocketThenPolling));
-
-        m_server->inject(QStringLiteral("o"));
-        m_connector->close();
-
-        QVERIFY(m_probe->events().isEmpty());
-        QTRY_COMPARE(m_probe->events(), QStringList({"closed false"}));
-        QTRY_COMPARE(m_server->openConnections(), 0);
-        QVERIFY(anotherConnectorOpens());
-        QCOMPARE(m_probe->events(), QStringList({"closed false"}));
-        QCOMPARE(m_server->count(QStringLiteral("/xhr")), 0);
-        QVERIFY(m_log->debug(fellBack).isEmpty());
     }
 };
 

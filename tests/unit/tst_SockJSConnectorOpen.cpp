@@ -186,40 +186,6 @@ private Q_SLOTS:
         QVERIFY(other.sessionId() != m_connector->sessionId());
     }
 
-    void openRightAfterCloseIsANewSession()
-    {
-        WallClock::freeze();
-        QVERIFY(openSession());
-        const auto first = m_connector->sessionId();
-
-        m_connector->close();
-        QVERIFY(openSession());
-        QTRY_COMPARE(m_server->openConnections(), 1);
-        QVERIFY(syncInbound());
-
-        QVERIFY(m_connector->sessionId() != first);
-        QVERIFY(m_connector->isConnected());
-        QCOMPARE(m_probe->events().mid(0, 3), QStringList({"connected", "closed false", "connected"}));
-        QCOMPARE(m_probe->count(QStringLiteral("closed false")), 1);
-    }
-
-    void aSecondOpenEndsTheFirstSession()
-    {
-        QVERIFY(m_probe->openSession(m_server->url(QStringLiteral("/first")), webSocket));
-        const auto first = m_connector->sessionId();
-
-        QVERIFY(m_probe->openSession(m_server->url(QStringLiteral("/second")), webSocket));
-        QTRY_COMPARE(m_probe->count(QStringLiteral("connected")), 2);
-        QTRY_COMPARE(m_server->openConnections(), 1);
-        QVERIFY(syncInbound());
-
-        QVERIFY(m_connector->sessionId() != first);
-        QVERIFY(m_connector->isConnected());
-        QVERIFY(m_probe->events().lastIndexOf(QStringLiteral("closed false")) <
-                m_probe->events().lastIndexOf(QStringLiteral("connected")));
-        QCOMPARE(m_server->requests().last().base(), QStringLiteral("/second/eventbus/119"));
-    }
-
     void withoutAProxyTheEnvironmentStaysAsItIs()
     {
         for (const char* value : {static_cast<const char*>(nullptr), ""}) {

@@ -49,22 +49,6 @@ private Q_SLOTS:
         QVERIFY(syncInbound());
     }
 
-    void theWaitLetsTimersRun()
-    {
-        m_server->setUpgrade(Server::Silent);
-        int ticks = 0;
-        QTimer timer;
-        connect(&timer, &QTimer::timeout, this, [&] {
-            if (++ticks == 3)
-                m_server->answerUpgrade();
-        });
-        duringTheWait([&] { timer.start(1); });
-
-        QVERIFY(openSession());
-
-        QVERIFY(ticks >= 3);
-    }
-
     // A wait that spins takes as much processor time as it lasts.
     void theWaitSleeps()
     {

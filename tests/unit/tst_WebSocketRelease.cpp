@@ -1,8 +1,8 @@
-#include "transport/WebSocketRelease.h"
-
 #include "support/FakeSockJSServer.h"
+#include "support/Rows.h"
 #include "support/TimerClock.h"
 #include "support/WaitFor.h"
+#include "transport/WebSocketRelease.h"
 
 #include <QPointer>
 #include <QSignalSpy>
@@ -58,28 +58,22 @@ private Q_SLOTS:
         m_server.reset();
     }
 
-    void goesAtEveryStage_data() { stages(); }
-
-    void goesAtEveryStage()
+    void goesUnheardAtEveryStage_data()
     {
-        QFETCH(Stage, stage);
-        QVERIFY(openUntil(stage));
-        releaseWebSocket(m_socket);
-        QVERIFY(m_socket);
-        QVERIFY(waitFor([&] { return !m_socket; }));
-        QVERIFY(waitFor([&] { return m_server->openConnections() == 0; }));
+        rows<Stage>(
+            {{"new", New}, {"before the upgrade", BeforeTheUpgrade}, {"open", Open}, {"ended", Ended}});
     }
 
-    void nobodyHearsOfItsEnd_data() { stages(); }
-
-    void nobodyHearsOfItsEnd()
+    void goesUnheardAtEveryStage()
     {
-        QFETCH(Stage, stage);
+        const auto [stage] = row<Stage>();
         QVERIFY(openUntil(stage));
         const Spies spies = spiesOn(m_socket);
         m_server->inject(QStringLiteral("a[\"late\"]"));
         releaseWebSocket(m_socket);
+        QVERIFY(m_socket);
         QVERIFY(waitFor([&] { return !m_socket; }));
+        QVERIFY(waitFor([&] { return m_server->openConnections() == 0; }));
         for (const auto& spy : spies)
             QCOMPARE(spy->size(), 0);
     }
@@ -154,15 +148,6 @@ private Q_SLOTS:
     }
 
 private:
-    static void stages()
-    {
-        QTest::addColumn<Stage>("stage");
-        QTest::newRow("new") << New;
-        QTest::newRow("before the upgrade") << BeforeTheUpgrade;
-        QTest::newRow("open") << Open;
-        QTest::newRow("ended") << Ended;
-    }
-
     bool openUntil(Stage stage)
     {
         const auto reaches = [this](QAbstractSocket::SocketState state) {
