@@ -214,7 +214,7 @@ private:
         QString block;
         Lzma::compress64(QStringLiteral("{}"), &block);
         QStringList texts;
-        for (const char* type : {"join", "pollResponse", "questionGet", "pause", "else"})
+        for (const char* type : {"join", "pollResponse", "questionResponse", "questionGet", "pause", "else"})
             texts.append(
                 QStringLiteral(R"({"body":{"from":"d","type":"%1","data":["%2"]}})").arg(type, block));
         m_bus->injectMessages(texts.mid(m_random.bounded(texts.size())));

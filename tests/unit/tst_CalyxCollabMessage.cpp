@@ -4,6 +4,7 @@
 #include <CalyxClient/CalyxCollabMessage>
 #include <CalyxClient/JsonSerializer>
 #include <CalyxClient/Lzma>
+#include <CalyxClient/MessageTemplates>
 #include <CalyxClient/QuestionText>
 
 #include <QJsonDocument>
@@ -36,6 +37,7 @@ class tst_CalyxCollabMessage : public QObject
 
 private Q_SLOTS:
     void init() { m_log = std::make_unique<LogRecorder>(); }
+
     void cleanup() { m_log.reset(); }
 
     void dataobjectIsASlotAndNoProperty()
@@ -144,26 +146,10 @@ private Q_SLOTS:
         QCOMPARE(decoded(message), JsonSerializer::serializeToJson(&question));
     }
 
-    void jsonOfACompiledMessage()
+    void textsOfFormulas()
     {
-        CalyxCollabMessage message;
-        message.setfrom("user-token");
-        message.settype("questionStart");
-        message.setdata(QVariantMap());
-        message.compileData();
-        QString base64;
-        QVERIFY(Lzma::compress64("{\n}\n", &base64));
-        QCOMPARE(JsonSerializer::serializeToJson(&message),
-                 QStringLiteral("{\n"
-                                "    \"data\": [\n"
-                                "        \"%1\"\n"
-                                "    ],\n"
-                                "    \"from\": \"user-token\",\n"
-                                "    \"sourceSystem\": \"Lumora\",\n"
-                                "    \"type\": \"questionStart\",\n"
-                                "    \"version\": \"3.0.0\"\n"
-                                "}\n")
-                     .arg(base64));
+        QCOMPARE(QString(CALYX_LATEX_START), QStringLiteral("<span class=\"mathquill-embedded-latex\">"));
+        QCOMPARE(QString(CALYX_LATEX_END), QStringLiteral("</span>"));
     }
 
 private:

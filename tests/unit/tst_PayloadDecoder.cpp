@@ -1,13 +1,11 @@
-#include "collab/PayloadDecoder.h"
-
 #include "base/JsonVariant.h"
+#include "collab/PayloadDecoder.h"
 #include "support/LogRecorder.h"
 #include "support/Rows.h"
 
 #include <CalyxClient/Lzma>
 
 #include <QJsonArray>
-#include <QLoggingCategory>
 #include <QTest>
 
 #include <memory>
@@ -81,6 +79,7 @@ class tst_PayloadDecoder : public QObject
 
 private Q_SLOTS:
     void init() { m_log = std::make_unique<LogRecorder>(); }
+
     void cleanup() { m_log.reset(); }
 
     void noData()
@@ -299,17 +298,6 @@ private Q_SLOTS:
         QCOMPARE(PayloadDecoder::decode(chunks), map);
         QCOMPARE(PayloadDecoder::decode(QVariant::fromValue(chunks.toVector())), map);
         QCOMPARE(PayloadDecoder::decode(QVariant::fromValue(QList<QVariantMap>{{}})), QVariant());
-    }
-
-    void nothingIsLoggedWhileTheCategoryIsOff()
-    {
-        QLoggingCategory::setFilterRules("default.debug=false");
-        for (const QVariant& data : {QVariant(base64("{}")), QVariant(QVariantList{base64("{}")}),
-                                     QVariant("raw"), QVariant(QVariantList{1})})
-            decoded(data);
-        const QStringList whileOff = m_log->debug();
-        QLoggingCategory::setFilterRules(QString());
-        QCOMPARE(whileOff, QStringList());
     }
 
 private:

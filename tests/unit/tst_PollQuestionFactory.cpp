@@ -1,5 +1,4 @@
 #include "model/PollQuestionFactory.h"
-
 #include "support/Rows.h"
 
 #include <CalyxClient/ActivityOption>
@@ -47,14 +46,6 @@ private Q_SLOTS:
         QCOMPARE(QString::fromLatin1(question->metaObject()->className()), expected);
         QCOMPARE(question->parent(), &parent);
         QCOMPARE(question->getType(), PollType::POLL_TYPE_STR().value(type));
-    }
-
-    void pollDocumentsHaveNoQuestion()
-    {
-        QObject parent;
-        for (const auto type : {PollType::WORD_SEED, PollType::CREATIVE})
-            QVERIFY(!PollQuestionFactory::create(&parent, type, OrdinalType::ALPHA_UPPER, 2, 1));
-        QVERIFY(parent.children().isEmpty());
     }
 
     void optionsAreLabelledAndNumbered_data()

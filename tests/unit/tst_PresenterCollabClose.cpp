@@ -3,7 +3,6 @@
 #include "support/SessionTest.h"
 #include "transport/SockJSConnector.h"
 
-#include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
@@ -157,39 +156,6 @@ private Q_SLOTS:
         QVERIFY(m_session->nothingWasSent());
     }
 
-    void closeSendsALargeCardFirst()
-    {
-        QVERIFY(m_session->open());
-        QByteArray image(8 * 1024 * 1024, Qt::Uninitialized);
-        QRandomGenerator random(1); // noise, which does not get smaller by compression
-        random.fillRange(reinterpret_cast<quint32*>(image.data()), image.size() / 4);
-
-        collab()->setCardImage(image);
-        collab()->showImageCard(false);
-        collab()->close();
-
-        auto publish = m_session->nextPublish();
-        QCOMPARE(publish.type, QStringLiteral("showCard"));
-        QVERIFY(publish.data.contains(QString::fromLatin1(image.toBase64())));
-        publish = m_session->nextPublish();
-        QCOMPARE(publish.type, QStringLiteral("disconnect"));
-        QTRY_COMPARE(server().endedSessions(), 1);
-    }
-
-    void deletionSendsWhatWasPublished()
-    {
-        QVERIFY(m_session->open());
-        const QString large(2000000, QLatin1Char('x'));
-
-        collab()->publishMessage("last", large);
-        m_session->deleteCollab();
-
-        const auto publish = m_session->nextPublish();
-        QCOMPARE(publish.type, QStringLiteral("last"));
-        QVERIFY(publish.data == large);
-        QTRY_COMPARE(server().openConnections(), 0);
-    }
-
     void theServersEndStopsThePingAndIsReported()
     {
         QVERIFY(m_session->open());
@@ -201,28 +167,6 @@ private Q_SLOTS:
         QCOMPARE(closed.first().first().toBool(), false);
         QVERIFY(!collab()->isConnected());
         QVERIFY(!pingTimer()->isActive());
-    }
-
-    void deletionWhenALearnerIsRemoved()
-    {
-        QVERIFY(m_session->open());
-        connect(collab(), &PresenterCollab::learnerUnregister, this, [this] { m_session->deleteCollab(); });
-        collab()->removeLearner("d1");
-        QVERIFY(!collab());
-        QTRY_COMPARE(server().openConnections(), 0);
-    }
-
-    void deletionDuringTheWait()
-    {
-        server().setUpgrade(Server::Silent);
-        connect(&server(), &Server::requested, &server(),
-                [this] { QTimer::singleShot(0, &server(), [this] { m_session->deleteCollab(); }); });
-
-        collab()->open();
-
-        QVERIFY(!collab());
-        QTRY_COMPARE(server().openConnections(), 0);
-        QCOMPARE(server().requests().size(), 1);
     }
 
 private:

@@ -42,15 +42,6 @@ class TestPresenterCollabPolls : public SessionTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void createsAQuestionForEachType()
-    {
-        for (int type = 0; type <= 15; ++type) {
-            auto* question = collab()->createPollQuestion(POLL_TYPE(type), ORDINAL_TYPE(5), 3, 1);
-            QCOMPARE(question != nullptr, type < 10 && type != 6 && type != 8);
-            QVERIFY(!question || question->parent() == collab());
-        }
-    }
-
     void publishesAQuestionStart_data()
     {
         rows<int, QString, QString, int>({

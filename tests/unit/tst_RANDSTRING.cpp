@@ -69,24 +69,6 @@ private Q_SLOTS:
         QVERIFY2(expected.contains(text), qPrintable(text));
     }
 
-    void sameSecondGivesTheSameCharacters()
-    {
-        // Tried again if a second ends in the middle.
-        QTRY_VERIFY([] {
-            const std::time_t second = std::time(nullptr);
-            const QString one = RANDSTRING::Generate(8);
-            const QString two = RANDSTRING::Generate(8);
-            const QString longer = RANDSTRING::Generate(16);
-            return second == std::time(nullptr) && one == two && longer.startsWith(one);
-        }());
-    }
-
-    void anotherSecondGivesOthers()
-    {
-        const QString first = RANDSTRING::Generate(8);
-        QTRY_VERIFY(RANDSTRING::Generate(8) != first);
-    }
-
     void seedsTheGeneratorOfTheProcess()
     {
         for (const int length : {5, 0, -1}) {
