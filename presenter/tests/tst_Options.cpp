@@ -67,6 +67,7 @@ private Q_SLOTS:
         QTest::newRow("limit") << server + QStringList{"--open-limit", "soon"} << "not \"soon\"";
         QTest::newRow("negative limit") << server + QStringList{"--open-limit", "-1"} << "not \"-1\"";
         QTest::newRow("no script") << server + QStringList{"--script", ""} << "--script takes a file";
+        QTest::newRow("nothing to check") << QStringList{"--check", ""} << "--check takes a file";
         QTest::newRow("quiet and verbose") << server + QStringList{"--quiet", "--verbose"} << "exclude";
     }
 

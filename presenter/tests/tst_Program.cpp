@@ -44,6 +44,18 @@ private Q_SLOTS:
         QVERIFY(classroom.requests().isEmpty());
     }
 
+    void aScriptIsCheckedWithoutAService()
+    {
+        const QString script = write("right.lesson", "login\nsession start\npoll text\n");
+        Presenter right({"--check", script});
+        TRY_ENDED(right, 0);
+        QCOMPARE(right.output() + right.errors(), QString());
+        const QByteArray prose = QByteArray("It was dark.\nNobody came.\n").repeated(9);
+        Presenter wrong({"--check", write("prose.txt", prose.constData())});
+        TRY_ENDED(wrong, 2);
+        QVERIFY2(wrong.errors().contains("is no lesson"), qPrintable(wrong.errors()));
+    }
+
     void aScriptThatIsNotThereIsUsage()
     {
         FakeClassroom classroom;

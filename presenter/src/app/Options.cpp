@@ -21,6 +21,7 @@ Teaches a live classroom lesson: from a script, or by commands typed at a prompt
                       CALYX_PASSWORD, as a command line can be seen by others
   --script FILE       run the lesson in FILE; without it, commands come from the keyboard, or
                       line by line from standard input where that is no terminal
+  --check FILE        say what is wrong with the lesson in FILE, and do nothing else
   --transports LIST   the transports to use instead of the tenant's, in this order, divided by
                       commas: websocket, xhr-streaming, xhr-polling
   --open-limit SECONDS
@@ -74,6 +75,7 @@ QList<QCommandLineOption> optionTable()
             withValue("user"),
             withValue("password"),
             withValue("script"),
+            withValue("check"),
             withValue("transports"),
             withValue("open-limit"),
             withValue("journal"),
@@ -123,7 +125,8 @@ QString faultIn(const QCommandLineParser& parser, const Options& options, bool i
     if (!parser.positionalArguments().isEmpty())
         return QStringLiteral("\"%1\" is not an option. A lesson is named with --script.")
             .arg(parser.positionalArguments().first());
-    if (const QString text = serverFault(options.server); !text.isEmpty())
+    if (const QString text = serverFault(options.server);
+        !text.isEmpty() && options.request != Options::CheckScript)
         return text;
     if (const QString text = transportFault(options.transports); !text.isEmpty())
         return text;
@@ -132,8 +135,10 @@ QString faultIn(const QCommandLineParser& parser, const Options& options, bool i
     if (!isOpenLimitNumber)
         return QStringLiteral("--open-limit takes a number of seconds, not \"%1\".")
             .arg(parser.value(QStringLiteral("open-limit")));
-    if (parser.isSet(QStringLiteral("script")) && options.script.isEmpty())
-        return QStringLiteral("--script takes a file.");
+    for (const char* name : {"script", "check"}) {
+        if (parser.isSet(QLatin1String(name)) && options.script.isEmpty())
+            return QStringLiteral("--%1 takes a file.").arg(QLatin1String(name));
+    }
     if (options.quiet && options.verbose)
         return QStringLiteral("--quiet and --verbose exclude each other.");
     return QString();
@@ -162,7 +167,8 @@ Options Options::parse(const QStringList& arguments)
     options.server = value("server");
     options.user = value("user");
     options.password = isSet("password") ? value("password") : qEnvironmentVariable("CALYX_PASSWORD");
-    options.script = value("script");
+    options.request = isSet("check") ? CheckScript : Run;
+    options.script = value(isSet("check") ? "check" : "script");
     options.transports = commaList(value("transports"));
     options.journal = value("journal");
     options.quiet = isSet("quiet");

@@ -6,7 +6,7 @@
 /// The command line.
 struct Options
 {
-    enum Request { Run, ShowHelp, ShowVersion, WrongUsage };
+    enum Request { Run, CheckScript, ShowHelp, ShowVersion, WrongUsage };
 
     Request request = Run;
     /// What is wrong with the command line.

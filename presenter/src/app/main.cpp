@@ -72,6 +72,7 @@ bool answer(const Options& options, int& status)
                             .arg(options.fault));
         status = ExitCode::Usage;
         return true;
+    case Options::CheckScript:
     case Options::Run:
         break;
     }
@@ -228,5 +229,7 @@ int main(int argc, char** argv)
         script = ScriptFile::read(options.script);
     for (const QString& fault : qAsConst(script.faults))
         printTo(stderr, fault + QLatin1Char('\n'));
-    return script.faults.isEmpty() ? run(application, options, script) : ExitCode::Usage;
+    if (!script.faults.isEmpty())
+        return ExitCode::Usage;
+    return options.request == Options::CheckScript ? ExitCode::Done : run(application, options, script);
 }
