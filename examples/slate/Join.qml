@@ -17,6 +17,6 @@ Row {
     Column {
         anchors.verticalCenter: parent.verticalCenter
         Label { text: join.lesson.joinAddress; font.pixelSize: join.unit }
-        Label { text: join.lesson.joinCode; font { pixelSize: 3 * join.unit; bold: true } }
+        Label { objectName: "code"; text: join.lesson.joinCode.replace(/^(...)(?=.)/, "$1 "); font { pixelSize: 3 * join.unit; bold: true } }
     }
 }

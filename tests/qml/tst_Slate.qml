@@ -48,6 +48,7 @@ TestCase {
         type("password", "chalk")
         keyClick(Qt.Key_Return)
         tryCompare(slate, "isOpen", true)
+        verify(/^\d{3} \d{3}$/.test(findChild(slate, "code").text))
         tell("join 12", "ok 12 learners")
         shows("learners", "text", "12 here, 0 have not answered")
     }

@@ -24,6 +24,9 @@ export function setText(element, text) {
   element.hidden = text === '';
 }
 
+/** A session's code as it is shown everywhere. */
+export const grouped = (code) => `${code.slice(0, 3)}\u00a0${code.slice(3)}`;
+
 let count = 0;
 
 /** An id for elements that refer to each other. */

@@ -1,5 +1,5 @@
 import { explain } from '../device/service.js';
-import { button, el, setText, title } from './dom.js';
+import { button, el, grouped, setText, title } from './dom.js';
 
 const digitsOf = (text) => text.replace(/\D/g, '');
 
@@ -37,7 +37,7 @@ export function joinForm({ heading, text, code = '', name = '', asksName = true,
   const fields = [codeField(code), ...(asksName ? [nameField(name)] : [])];
   const problem = el('p', { class: 'problem', role: 'alert', hidden: true });
   const submit = el('button', { type: 'submit', class: 'primary' }, 'Join');
-  const again = last && button(`Go on as ${last.userName} in ${last.code}`, () => attempt(last), { class: 'secondary' });
+  const again = last && button(`Go on as ${last.userName} in ${grouped(last.code)}`, () => attempt(last), { class: 'secondary' });
   const attempt = async (place) => {
     for (const one of [submit, again]) one?.setAttribute('aria-disabled', 'true');
     setText(problem, '');

@@ -1,4 +1,4 @@
-import { button, el } from './dom.js';
+import { button, el, grouped } from './dom.js';
 
 const place = document.getElementById('who');
 
@@ -8,8 +8,7 @@ export function showWho(who, leave) {
     place.replaceChildren();
     return;
   }
-  const code = `${who.code.slice(0, 3)}\u00a0${who.code.slice(3)}`;
   place.replaceChildren(
-    el('p', {}, el('span', { class: 'who-name' }, who.userName), el('span', { class: 'who-code' }, code)),
+    el('p', {}, el('span', { class: 'who-name' }, who.userName), el('span', { class: 'who-code' }, grouped(who.code))),
     button('Leave', leave, { class: 'quiet' }));
 }
