@@ -26,10 +26,12 @@ LiveView::LiveView(Calyx::Lesson& lesson, const Notebook& notes, Screen& screen,
     m_clock.setInterval(second);
     connect(&m_soon, &QTimer::timeout, this, &LiveView::draw);
     connect(&m_clock, &QTimer::timeout, this, &LiveView::draw);
-    connect(&notes, &Notebook::changed, this, [this] {
+    const auto drawSoon = [this] {
         if (!m_soon.isActive())
             m_soon.start();
-    });
+    };
+    connect(&notes, &Notebook::changed, this, drawSoon);
+    connect(&waiter, &Waiter::begun, this, drawSoon);
 }
 
 void LiveView::showWork(bool shows)

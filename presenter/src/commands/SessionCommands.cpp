@@ -217,7 +217,10 @@ Outcome sessionStop(CommandContext& context, const Arguments&)
 
 Outcome retry(CommandContext& context, const Arguments&)
 {
+    const bool isLost = context.lesson.state() == Lesson::Reconnecting;
     context.lesson.retryNow();
+    context.screen.note(QLatin1String(isLost ? "Trying again now."
+                                             : "The connection is not lost: the live channel is open."));
     return Outcome::done();
 }
 

@@ -19,6 +19,7 @@ Waiter::Result Waiter::until(const std::function<bool()>& condition, qint64 msec
     m_condition = condition;
     m_description = description;
     m_loop = &loop;
+    Q_EMIT begun();
     const auto result = static_cast<Result>(loop.exec());
     m_loop = nullptr;
     m_condition = nullptr;

@@ -35,6 +35,10 @@ public:
     /// Lets waits be again, for the end of the lesson.
     void open() { m_down = false; }
 
+Q_SIGNALS:
+    /// A wait begins: its description() can be shown.
+    void begun();
+
 private:
     QEventLoop* m_loop = nullptr;
     std::function<bool()> m_condition;
