@@ -10,6 +10,8 @@ packages+=(fonts-droid-fallback)
 # What hosts in QML import.
 packages+=(qml-module-qttest qml-module-qtqml qml-module-qtqml-models2)
 packages+=(qml-module-qtquick-controls2 qml-module-qtquick-layouts qml-module-qtquick-window2)
+# The address to join at, as a picture at the host's prompt.
+packages+=(qrencode)
 # A host's makefile.
 packages+=(make)
 # The API reference, and its Qt help collection.

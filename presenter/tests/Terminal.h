@@ -30,6 +30,8 @@ public:
     bool hasEnded() const { return state() == QProcess::NotRunning && m_unshown == 0; }
     /// Whether input is edited and echoed by the terminal itself, as a shell leaves it.
     bool isCooked() const;
+    /// Where the program keeps its files.
+    QString data() const { return m_data.path(); }
 
 protected:
     void prepareChild() override;

@@ -1,6 +1,7 @@
 #include "FakeClassroom.h"
 #include "Terminal.h"
 
+#include <QDir>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -190,6 +191,50 @@ private Q_SLOTS:
         TRY_SHOWN("The connection is back.");
         TRY(!classroom.lastQuestion().isEmpty()); // what was done meanwhile
         TRY(!terminal.text().contains("The connection is lost."));
+    }
+
+    void aSessionThatIsGoneLeavesNothingBehind()
+    {
+        FakeClassroom classroom;
+        Terminal terminal(arguments(classroom));
+        TYPE_UNTIL_LIVE(goLive);
+        terminal.type("r\r");
+        TRY_SHOWN("The connection is not lost: the live channel is open.");
+        const auto journals = [&] {
+            return QDir(terminal.data() + "/calyx-presenter").entryList({"*.journal"}).size();
+        };
+        QCOMPARE(journals(), 1);
+        classroom.refuse("/session/getusers", "session.error.unknown");
+        classroom.closeBus();
+        TRY_SHOWN("The service does not know the lesson any more.");
+        terminal.type("quit\r");
+        TRY_ENDED(0);
+        QCOMPARE(journals(), 0);
+    }
+
+    void learnersAreToldWhereToJoin_data()
+    {
+        QTest::addColumn<QString>("host");
+        QTest::newRow("loopback") << "127.0.0.1";
+        QTest::newRow("all addresses, which nobody can ask for") << "0.0.0.0";
+    }
+
+    void learnersAreToldWhereToJoin()
+    {
+        QFETCH(QString, host);
+        FakeClassroom classroom;
+        QStringList all = arguments(classroom);
+        all[1].replace("127.0.0.1", host);
+        Terminal terminal(all, 80, 40);
+        TYPE_UNTIL_LIVE(goLive);
+        TRY(terminal.lastLine() == "calyx>");
+        const QString shown = terminal.text();
+        QVERIFY2(shown.contains(QRegularExpression("Join at http://[\\d.]+:\\d+ with 123 456\\.")),
+                 qPrintable(shown));
+        QVERIFY(!shown.contains("http://0.0.0.0"));
+        const bool isReachable = !shown.contains("Join at http://127.");
+        QCOMPARE(shown.contains("Only this machine can reach that address"), !isReachable);
+        QCOMPARE(shown.contains(QString::fromUtf8("██ ▄▄▄▄▄ █")), isReachable); // a QR code's corner
     }
 
     void aPollIsCountedDown()

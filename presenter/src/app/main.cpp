@@ -208,7 +208,8 @@ int run(QCoreApplication& application, const Options& options, const ScriptFile:
     }
     const int status = application.exec();
     // What learners wrote does not stay behind unasked, unless the session may still be open.
-    if (options.journal.isEmpty() && !notes.journal.isEmpty() && Lesson::journalOf(notes.journal).isEmpty())
+    const bool mayBeOpen = !notes.isSessionGone && !Lesson::journalOf(notes.journal).isEmpty();
+    if (options.journal.isEmpty() && !notes.journal.isEmpty() && !mayBeOpen)
         QFile::remove(notes.journal);
     return status;
 }

@@ -18,7 +18,10 @@ Notebook::Notebook(Lesson& lesson)
     });
     for (const auto change : {&Lesson::pollChanged, &Lesson::nextAttemptChanged, &Lesson::busyChanged})
         connect(&lesson, change, this, &Notebook::changed);
-    connect(&lesson, &Lesson::failed, this, &Notebook::changed);
+    connect(&lesson, &Lesson::failed, this, [this](const Calyx::LessonError& error) {
+        isSessionGone |= error.kind == Calyx::LessonError::SessionGone;
+        Q_EMIT changed();
+    });
     connect(&lesson, &Lesson::answersChanged, this, &Notebook::changed);
     connect(lesson.roster(), &Calyx::Roster::changed, this, &Notebook::changed);
     const auto outdate = [this] { isSummaryShown = false; };
@@ -48,6 +51,7 @@ void Notebook::onState()
     if (m_lesson.state() == Lesson::Live) {
         createdCode.clear();
         isDisconnected = false;
+        isSessionGone = false;
     }
     Q_EMIT changed();
 }

@@ -47,6 +47,8 @@ public:
     QString createdCode;
     /// The channel was closed by us, and is to stay closed.
     bool isDisconnected = false;
+    /// The service does not know the session any more.
+    bool isSessionGone = false;
     /// The summary holds all that there is.
     bool isSummaryShown = false;
 
