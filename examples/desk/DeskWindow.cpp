@@ -60,8 +60,7 @@ public:
         for (const auto change : {&Lesson::stateChanged, &Lesson::pollChanged, &Lesson::assessmentChanged})
             connect(&m_lesson, change, this, &DeskWindow::refresh);
         connect(&m_lesson, &Lesson::busyChanged, this, &DeskWindow::refreshBusy);
-        connect(&m_lesson, &Lesson::nextAttemptChanged, this, &DeskWindow::tellAttempt);
-        connect(&m_clock, &QTimer::timeout, this, &DeskWindow::tellAttempt);
+        connect(&m_lesson, &Lesson::secondsToAttemptChanged, this, &DeskWindow::tellAttempt);
         connect(&m_lesson, &Lesson::remoteCommand, this, [this](Lesson::RemoteCommand command, bool obeyed) {
             const QString text =
                 obeyed ? tr("Its last command: %1") : tr("It wanted what could not be done: %1");
@@ -176,15 +175,12 @@ private:
     // [attempt]
     void tellAttempt()
     {
-        constexpr int second = 1000;
-        const QDateTime next = m_lesson.nextAttempt();
-        const qint64 left = qMax<qint64>(0, QDateTime::currentDateTime().msecsTo(next) + second - 1) / second;
+        const int seconds = m_lesson.secondsToAttempt();
         const QString when =
-            next.isValid() ? tr("Trying again in %1 s.").arg(left) : tr("Trying again\u2026");
+            seconds > 0 ? tr("Trying again in %1 s.").arg(seconds) : tr("Trying again\u2026");
         m_lostText->setText(
             tr("The connection is lost. %1 What you do meanwhile is done when it is back.").arg(when));
         m_lost->setVisible(m_lesson.state() == Lesson::Reconnecting);
-        m_lost->isHidden() ? m_clock.stop() : m_clock.start(second / 4);
     }
     // [attempt]
     void tell(const QString& text)
@@ -272,7 +268,6 @@ private:
         notice(m_noticeText, button(tr("&Dismiss"), tr("Close this message"), [this] { m_notice->hide(); }));
     QWidget* m_lost = notice(m_lostText, button(tr("Try &now"), tr("Try to open the channel at once"),
                                                 [this] { m_lesson.retryNow(); }));
-    QTimer m_clock; // while the lesson finds its way back
     QProgressBar* m_progress = made<QProgressBar>(tr("How far it is"), tr("Progress"));
     QPushButton* m_cancel =
         button(tr("&Cancel"), tr("Do not wait any longer"), [this] { m_lesson.cancel(); });

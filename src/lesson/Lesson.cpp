@@ -109,6 +109,13 @@ QDateTime Lesson::nextAttempt() const
     return d->nextAttempt;
 }
 
+int Lesson::secondsToAttempt() const
+{
+    constexpr qint64 second = 1000;
+    const qint64 left = d->nextAttempt.isValid() ? d->retryAt.remainingTime() : 0;
+    return int((left + second - 1) / second);
+}
+
 void Lesson::setName(const QString& id, const QString& name)
 {
     d->lessonId = id;

@@ -52,6 +52,7 @@ class CALYXCLIENT_EXPORT Lesson : public QObject
     Q_PROPERTY(bool busy READ isBusy NOTIFY busyChanged)
     Q_PROPERTY(double progress READ progress NOTIFY busyChanged)
     Q_PROPERTY(QDateTime nextAttempt READ nextAttempt NOTIFY nextAttemptChanged)
+    Q_PROPERTY(int secondsToAttempt READ secondsToAttempt NOTIFY secondsToAttemptChanged)
     Q_PROPERTY(Calyx::Roster* roster READ roster CONSTANT)
     Q_PROPERTY(Calyx::Deck* deck READ deck CONSTANT)
     Q_PROPERTY(Calyx::Poll* poll READ poll NOTIFY pollChanged)
@@ -118,6 +119,8 @@ public:
     double progress() const;
     /// When a lesson that is Reconnecting tries again; invalid while it tries, and in every other state.
     QDateTime nextAttempt() const;
+    /// How many seconds that is ahead, for people; 0 where it is now or nextAttempt() is invalid.
+    int secondsToAttempt() const;
     /// What the remote control is told as the lesson's id and name; "lesson" and "Lesson" at first.
     Q_INVOKABLE void setName(const QString& id, const QString& name);
     /// The transports to use ("websocket", "xhr-streaming", "xhr-polling") from the next start() or
@@ -299,6 +302,8 @@ Q_SIGNALS:
     void busyChanged();
     /// nextAttempt() has changed.
     void nextAttemptChanged();
+    /// secondsToAttempt() has changed: with nextAttempt(), and each second until then.
+    void secondsToAttemptChanged();
     /// server() has changed.
     void serverChanged();
     /// There is another poll(), or it was paused, resumed or stopped, or is about to stop.

@@ -26,6 +26,7 @@ LessonPrivate::LessonPrivate(Lesson* lesson)
     QObject::connect(&inbox, &Inbox::turned, q, [this] { afterTurn(); });
     retry.setSingleShot(true);
     QObject::connect(&retry, &QTimer::timeout, q, [this] { waitForAttempt(); });
+    QObject::connect(q, &Lesson::nextAttemptChanged, q, &Lesson::secondsToAttemptChanged);
     confirmation.setSingleShot(true);
     QObject::connect(&confirmation, &QTimer::timeout, q, [this] { confirm(); });
     stopTimer.setSingleShot(true);

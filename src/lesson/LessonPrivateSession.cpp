@@ -237,10 +237,12 @@ void LessonPrivate::tryAgain()
 void LessonPrivate::waitForAttempt()
 {
     const int left = int(retryAt.remainingTime());
-    if (left <= 0 || QDateTime::currentDateTime() >= nextAttempt)
+    if (left <= 0 || QDateTime::currentDateTime() >= nextAttempt) {
         attempt();
-    else
-        retry.start(qMin(left, longestLook));
+        return;
+    }
+    retry.start(qMin(left, longestLook));
+    Q_EMIT q->secondsToAttemptChanged();
 }
 
 void LessonPrivate::attempt()

@@ -150,6 +150,10 @@ private Q_SLOTS:
         Poll* const poll = m_lesson->ask(marked());
         m_classroom->kill();
         QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Reconnecting; }));
+        QList<int> seconds;
+        connect(m_lesson.get(), &Lesson::secondsToAttemptChanged, this,
+                [&] { seconds.append(m_lesson->secondsToAttempt()); });
+        QVERIFY(waitFor([&] { return seconds.mid(seconds.size() - 2) == QList<int>{2, 1}; }));
         VERIFY_STARTED(m_classroom->start());
         m_lesson->retryNow();
         QVERIFY(waitFor([&] { return m_error.kind == LessonError::SessionGone; }));

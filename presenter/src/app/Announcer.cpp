@@ -146,10 +146,9 @@ void Announcer::tellState()
 // Where nothing stands in place, a line of its own.
 void Announcer::tellAttempt()
 {
-    constexpr int second = 1000;
-    const qint64 left = QDateTime::currentDateTime().msecsTo(m_lesson.nextAttempt());
-    if (m_lesson.nextAttempt().isValid() && left > 0 && !m_screen.isLive())
-        tell(QStringLiteral("  Trying again in %1 s.").arg((left + second - 1) / second), Ink::Faint);
+    const int seconds = m_lesson.secondsToAttempt();
+    if (seconds > 0 && !m_screen.isLive())
+        tell(QStringLiteral("  Trying again in %1 s.").arg(seconds), Ink::Faint);
 }
 
 void Announcer::tellAnswers(const Poll* poll)

@@ -70,13 +70,11 @@ QStringList LiveView::chart() const
 // While a command is at work no line is read.
 QString LiveView::loss() const
 {
-    const qint64 left = QDateTime::currentDateTime().msecsTo(m_lesson.nextAttempt());
-    const QString when = m_lesson.nextAttempt().isValid() && left > 0
-                             ? QStringLiteral(" in %1 s").arg((left + second - 1) / second)
-                             : QStringLiteral(" now");
+    const int seconds = m_lesson.secondsToAttempt();
+    const QString when = seconds > 0 ? QStringLiteral(" in %1 s").arg(seconds) : QStringLiteral(" now");
     const Style& style = m_screen.style();
     const QString text = QStringLiteral("The connection is lost. Trying again%1%2.")
-                             .arg(when, QLatin1String(m_showsWork || left <= 0 ? "" : " (r: now)"));
+                             .arg(when, QLatin1String(m_showsWork || seconds == 0 ? "" : " (r: now)"));
     return style.paint(Ink::Bad, Text::elide(text, style.columns - 1, style.unicode));
 }
 
