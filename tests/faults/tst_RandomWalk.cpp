@@ -3,9 +3,12 @@
 #include "support/FakeSockJSServer.h"
 #include "support/ProcessResources.h"
 
+#include <CalyxClient/AssessmentOptions>
 #include <CalyxClient/CollaborationMessageHandler>
 #include <CalyxClient/Lzma>
+#include <CalyxClient/PresenterAssessment>
 #include <CalyxClient/PresenterCollab>
+#include <CalyxClient/QuestionBase>
 #include <CalyxClient/SockJSConnector>
 #include <CalyxClient/SockJSTransport>
 
@@ -179,10 +182,31 @@ private:
     void publish()
     {
         PresenterCollab* collab = m_collab;
+        const QString d = QStringLiteral("d");
         any({[=] { collab->startPoll(Calyx::PollType::MULTIPLE, Calyx::OrdinalType::ALPHA_UPPER, 4, 1); },
-             [=] { collab->stopPoll(); }, [=] { collab->removeLearner(QStringLiteral("d")); },
-             [=] { collab->setCardImage(QByteArray(1000, 'x')); }, [=] { collab->showImageCard(true); },
-             [=] { collab->sendPing(); }, [=] { collab->sendCurrentCardToRemote(1, 3); }});
+             [=] { collab->startPoll(Calyx::PollType::WORD_SEED, Calyx::OrdinalType::NUMBER, 0, 0); },
+             [=] {
+                 collab->sendQuestion(
+                     collab->createPollQuestion(Calyx::PollType::SCALE, Calyx::OrdinalType::NUMBER, 5, 0));
+             },
+             [=] { collab->pausePoll(); }, [=] { collab->resumePoll(); }, [=] { collab->stopPoll(); },
+             [=] { collab->removeLearner(d); }, [=] { collab->setCardImage(QByteArray(1000, 'x')); },
+             [=] { collab->setCardImageRef(d); }, [=] { collab->clearCardImage(); },
+             [=] { collab->showImageCard(true); }, [=] { collab->sendHeavy(); }, [=] { collab->sendPing(); },
+             [=] { collab->publishMessage(d, QStringLiteral("{}")); },
+             [=] { collab->publishMessage64(d, d, QStringLiteral("{}")); },
+             [=] { collab->sendCurrentLessonToRemote(d, d); },
+             [=] { collab->sendPresenterIsActiveToRemote(); }, [=] { collab->sendCurrentCardToRemote(1, 3); },
+             [=] { assess(collab); }});
+    }
+
+    static void assess(PresenterCollab* collab)
+    {
+        PresenterAssessment assessment(nullptr, collab);
+        Calyx::AssessmentOptions options;
+        assessment.start(QString(), &options);
+        assessment.sendMessage(QStringLiteral("text"), true, false);
+        assessment.stop();
     }
 
     void connection()
