@@ -186,8 +186,13 @@ private Q_SLOTS:
         terminal.type("poll text\r");
         TRY_SHOWN("Poll 1: text  0 of 0 answered");
         QVERIFY(terminal.text().contains("The connection is lost."));
+        terminal.type("session reconnect\r");
+        TRY(terminal.lastLine().startsWith("Waiting: the live channel"));
+        terminal.type("\003");
+        TRY_SHOWN("The way back is still looked for");
         classroom.refuse("/session/getusers", QString());
         terminal.type("r\r");
+        TRY_SHOWN("Trying again now.");
         TRY_SHOWN("The connection is back.");
         TRY(!classroom.lastQuestion().isEmpty()); // what was done meanwhile
         TRY(!terminal.text().contains("The connection is lost."));

@@ -135,11 +135,12 @@ Outcome sessionReconnect(CommandContext& context, const Arguments& arguments)
         context.screen.note(QStringLiteral("The live channel is open again."));
     else if (result == Waiter::Met)
         return context.require(Fact::Opened);
+    else if (result == Waiter::Interrupted)
+        return Outcome::failed(QStringLiteral(
+            "The wait was given up. The way back is still looked for; \"retry\" tries at once."));
     else
         return context.refused(QStringLiteral("The connection"), QString(),
-                               Calyx::LessonError::make(result == Waiter::Interrupted
-                                                            ? Calyx::LessonError::Cancelled
-                                                            : Calyx::LessonError::NoChannel));
+                               Calyx::LessonError::make(Calyx::LessonError::NoChannel));
     return Outcome::done();
 }
 
