@@ -16,7 +16,7 @@ Row {
     }
     Column {
         anchors.verticalCenter: parent.verticalCenter
-        Label { text: join.lesson.joinAddress; font.pixelSize: join.unit }
-        Label { objectName: "code"; text: join.lesson.joinCode.replace(/^(...)(?=.)/, "$1 "); font { pixelSize: 3 * join.unit; bold: true } }
+        Label { text: join.lesson.joinAddress; textFormat: Text.PlainText; font.pixelSize: join.unit }
+        Label { objectName: "code"; text: join.lesson.joinCode.replace(/^(...)(?=.)/, "$1 "); textFormat: Text.PlainText; font { pixelSize: 3 * join.unit; bold: true } }
     }
 }

@@ -41,7 +41,7 @@ ApplicationWindow {
     header: ToolBar {
         RowLayout {
             anchors { fill: parent; leftMargin: 16 }
-            Label { Layout.fillWidth: true; text: lesson.user || window.title; elide: Text.ElideRight }
+            Label { Layout.fillWidth: true; text: lesson.user || window.title; textFormat: Text.PlainText; elide: Text.ElideRight }
             BusyIndicator { visible: lesson.busy; Layout.preferredHeight: 40 }
             ToolButton { visible: lesson.busy; text: qsTr("Cancel"); onClicked: lesson.cancel() }
             ToolButton { visible: window.isOpen; text: qsTr("Projector"); onClicked: projector.show() }

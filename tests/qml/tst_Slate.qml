@@ -49,6 +49,7 @@ TestCase {
         keyClick(Qt.Key_Return)
         tryCompare(slate, "isOpen", true)
         verify(/^\d{3} \d{3}$/.test(findChild(slate, "code").text))
+        compare(findChild(slate, "code").textFormat, Text.PlainText)
         tell("join 12", "ok 12 learners")
         shows("learners", "text", "12 here, 0 have not answered")
     }
