@@ -206,9 +206,12 @@ private Q_SLOTS:
         terminal.type("r\r");
         TRY_SHOWN("The connection is not lost: the live channel is open.");
         const auto journals = [&] {
-            return QDir(terminal.data() + "/calyx-presenter").entryList({"*.journal"}).size();
+            return QDir(terminal.data() + "/calyx-presenter").entryList({"*.journal*"}).size();
         };
         QCOMPARE(journals(), 1);
+        terminal.type("session stop\rsession start\r");
+        TRY(terminal.text().count("is live") == 2);
+        QCOMPARE(journals(), 2);
         classroom.refuse("/session/getusers", "session.error.unknown");
         classroom.closeBus();
         TRY_SHOWN("The service does not know the lesson any more.");

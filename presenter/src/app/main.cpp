@@ -168,6 +168,17 @@ QString journalOf(const Options& options)
     return folder.filePath(QStringLiteral("%1-%2.journal").arg(server.host()).arg(server.port(0)));
 }
 
+// What learners wrote does not stay behind unasked, unless the session may still be open: neither that of the
+// last session, nor that of the one before.
+void removeJournals(const Notebook& notes)
+{
+    if (notes.isSessionGone || Lesson::journalOf(notes.journal).isEmpty())
+        QFile::remove(notes.journal);
+    const QString before = notes.journal + QLatin1Char('~');
+    if (Lesson::journalOf(before).isEmpty())
+        QFile::remove(before);
+}
+
 int run(QCoreApplication& application, const Options& options, const ScriptFile::Script& script)
 {
     Screen screen(options.quiet);
@@ -207,10 +218,8 @@ int run(QCoreApplication& application, const Options& options, const ScriptFile:
         feed(runner, *source, context);
     }
     const int status = application.exec();
-    // What learners wrote does not stay behind unasked, unless the session may still be open.
-    const bool mayBeOpen = !notes.isSessionGone && !Lesson::journalOf(notes.journal).isEmpty();
-    if (options.journal.isEmpty() && !notes.journal.isEmpty() && !mayBeOpen)
-        QFile::remove(notes.journal);
+    if (options.journal.isEmpty() && !notes.journal.isEmpty())
+        removeJournals(notes);
     return status;
 }
 
