@@ -44,7 +44,7 @@ endfunction()
 # Takes new texts of the sources into the catalogues, and those that are gone out of them. Translate with Qt's linguist.
 if(CALYXCLIENT_LUPDATE AND CALYXCLIENT_TOP_LEVEL)
     set(commands "")
-    foreach(part IN ITEMS calyxclient:src/lesson desk:examples/desk slate:examples/slate)
+    foreach(part IN ITEMS calyxclient:src/lesson desk:examples/desk slate:examples/slate calyx-presenter:presenter/src)
         string(REPLACE ":" ";" part "${part}")
         list(GET part 0 name)
         list(GET part 1 sources)

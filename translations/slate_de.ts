@@ -63,7 +63,7 @@
     </message>
     <message>
         <source>User</source>
-        <translation>Benutzername</translation>
+        <translation>Benutzer</translation>
     </message>
     <message>
         <source>Password</source>
@@ -146,7 +146,7 @@
     </message>
     <message>
         <source>%1 of %2 answered</source>
-        <translation>%1 von %2 haben geantwortet</translation>
+        <translation>%1 von %2 geantwortet</translation>
     </message>
 </context>
 </TS>

@@ -146,7 +146,7 @@
     </message>
     <message>
         <source>%1 of %2 answered</source>
-        <translation>%1 réponses sur %2</translation>
+        <translation>%1 sur %2 ont répondu</translation>
     </message>
 </context>
 </TS>

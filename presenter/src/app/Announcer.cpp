@@ -3,6 +3,7 @@
 #include "lesson/Notebook.h"
 #include "terminal/Screen.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <QJsonDocument>
 #include <QMetaEnum>
@@ -23,19 +24,19 @@ QString shown(const QVariant& data)
     return Text::clean(text.left(2 * longest)).left(longest); // a picture is long
 }
 
-const char* whyNot(Lesson::RemoteCommand command)
+QString whyNot(Lesson::RemoteCommand command)
 {
     switch (command) {
     case Lesson::NextCard:
-        return "there is no further card";
+        return Words::tr("there is no further card");
     case Lesson::PreviousCard:
-        return "there is no earlier card";
+        return Words::tr("there is no earlier card");
     case Lesson::ShowCard:
-        return "there is no card";
+        return Words::tr("there is no card");
     case Lesson::AddCard:
-        return "this is no picture";
+        return Words::tr("this is no picture");
     default:
-        return "neither a poll nor an assessment is under way";
+        return Words::tr("neither a poll nor an assessment is under way");
     }
 }
 
@@ -74,14 +75,14 @@ Announcer::Announcer(Lesson& lesson, const Notebook& notes, Screen& screen)
     // After the command that has shown it.
     const auto tellCard = [this](int number) {
         if (number > 0)
-            tell(QStringLiteral("Card shown: %1").arg(m_lesson.deck()->name(number)));
+            tell(Words::tr("Card shown: %1").arg(m_lesson.deck()->name(number)));
     };
     connect(&lesson, &Lesson::cardShown, this, tellCard, Qt::QueuedConnection);
     connect(&lesson, &Lesson::remotePresentChanged, this, [this] {
         if (m_lesson.isRemotePresent())
-            tell(QStringLiteral("  The remote control has joined"));
+            tell(Words::tr("  The remote control has joined"));
         else if (!m_lesson.joinCode().isEmpty())
-            tell(QStringLiteral("  The remote control has left"));
+            tell(Words::tr("  The remote control has left"));
     });
     lesson.setObeys(Lesson::EndLesson, false); // what else waits is not done, then
 }
@@ -122,24 +123,24 @@ void Announcer::flush()
     if (names.isEmpty())
         return;
     const QString who = Text::list(names, mostNames);
-    const QLatin1String have(names.size() == 1 ? "has" : "have");
-    const QString here = QString::number(m_here);
-    QString text = QStringLiteral("  Late: %1 of %2")
-                       .arg(QLatin1String(names.size() == 1 ? "the answer" : "the answers"), who);
-    if (m_happening == Joined)
-        text = QStringLiteral("  + %1 %2 joined, %3 here").arg(who, have, here);
-    else if (m_happening == Left)
-        text = QStringLiteral("  - %1 %2 left, %3 here").arg(who, have, here);
-    m_screen.note(text, Ink::Faint);
+    const bool isOne = names.size() == 1;
+    const QString text = m_happening == Joined ? isOne ? Words::tr("  + %1 has joined, %2 here")
+                                                       : Words::tr("  + %1 have joined, %2 here")
+                         : m_happening == Left ? isOne ? Words::tr("  - %1 has left, %2 here")
+                                                       : Words::tr("  - %1 have left, %2 here")
+                         : isOne ? Words::tr("  Late: the answer of %1")
+                                               : Words::tr("  Late: the answers of %1");
+    m_screen.note(m_happening == AnsweredLate ? text.arg(who) : text.arg(who, QString::number(m_here)),
+                  Ink::Faint);
 }
 
 void Announcer::tellState()
 {
     const bool isLost = m_lesson.state() == Lesson::Reconnecting && !m_notes.isDisconnected;
     if (isLost && !std::exchange(m_isLost, true) && !m_screen.isLive())
-        tell(QStringLiteral("The connection is lost. Trying again."), Ink::Bad);
+        tell(Words::tr("The connection is lost. Trying again."), Ink::Bad);
     else if (m_lesson.state() == Lesson::Live && m_isLost)
-        tell(QStringLiteral("The connection is back."), Ink::Good);
+        tell(Words::tr("The connection is back."), Ink::Good);
     m_isLost = isLost;
 }
 
@@ -148,7 +149,7 @@ void Announcer::tellAttempt()
 {
     const int seconds = m_lesson.secondsToAttempt();
     if (seconds > 0 && !m_screen.isLive())
-        tell(QStringLiteral("  Trying again in %1 s.").arg(seconds), Ink::Faint);
+        tell(Words::tr("  Trying again in %1 s.").arg(seconds), Ink::Faint);
 }
 
 void Announcer::tellAnswers(const Poll* poll)
@@ -181,7 +182,7 @@ void Announcer::tellFinished()
         if (!assessment.isFinished(deviceId) || m_told.contains(once))
             continue;
         m_told.insert(once);
-        tell(QStringLiteral("  %1 has answered all questions, %2 of %3 have")
+        tell(Words::tr("  %1 has answered all questions, %2 of %3 have")
                  .arg(m_lesson.roster()->name(deviceId))
                  .arg(assessment.finished())
                  .arg(assessment.expected()),
@@ -193,13 +194,13 @@ void Announcer::tellCommand(Lesson::RemoteCommand command, bool isObeyed, const 
 {
     const Deck& deck = *m_lesson.deck();
     const QString what = QStringLiteral("%1 %2").arg(Lesson::nameOf(command), shown(data)).trimmed();
-    tell(QStringLiteral("  Remote control: %1").arg(what), Ink::Strong);
+    tell(Words::tr("  Remote control: %1").arg(what), Ink::Strong);
     if (command == Lesson::EndLesson)
         Q_EMIT stopRequested();
     else if (!isObeyed)
-        tell(QStringLiteral("  Not done: %1.").arg(QLatin1String(whyNot(command))));
+        tell(Words::tr("  Not done: %1.").arg(whyNot(command)));
     else if (changesCard(command))
-        tell(QStringLiteral("  Card %1 of %2: %3")
+        tell(Words::tr("  Card %1 of %2: %3")
                  .arg(QString::number(deck.current()), QString::number(deck.rowCount()),
                       deck.name(deck.current())));
 }
@@ -208,18 +209,18 @@ void Announcer::tellMessage(const QString& type, const QString& from, const QVar
 {
     const QString name = m_lesson.roster()->name(from);
     if (type == QLatin1String("questionResponse"))
-        tell(QStringLiteral("  An answer of %1 does not count").arg(name), Ink::Faint);
+        tell(Words::tr("  An answer of %1 does not count").arg(name), Ink::Faint);
     else if (type == QLatin1String("questionGet"))
-        tell(QStringLiteral("  %1 asks for question %2, and gets none").arg(name, shown(data)), Ink::Faint);
+        tell(Words::tr("  %1 asks for question %2, and gets none").arg(name, shown(data)), Ink::Faint);
     else if (isCommand(type))
         tellRefusal(type, name);
     else
-        tell(QStringLiteral("  A message of the unknown type \"%1\" from %2: %3")
+        tell(Words::tr("  A message of the unknown type \"%1\" from %2: %3")
                  .arg(shown(type), shown(from), shown(data)));
 }
 
 void Announcer::tellRefusal(const QString& command, const QString& learner)
 {
-    tell(QStringLiteral("  Remote control: %1").arg(command), Ink::Strong);
-    tell(QStringLiteral("  Not done: it came from %1.").arg(learner), Ink::Bad);
+    tell(Words::tr("  Remote control: %1").arg(command), Ink::Strong);
+    tell(Words::tr("  Not done: it came from %1.").arg(learner), Ink::Bad);
 }

@@ -7,6 +7,7 @@
 #include "terminal/Screen.h"
 #include "text/Chart.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <CalyxClient/Lesson>
 
@@ -71,11 +72,12 @@ QStringList LiveView::chart() const
 QString LiveView::loss() const
 {
     const int seconds = m_lesson.secondsToAttempt();
-    const QString when = seconds > 0 ? QStringLiteral(" in %1 s").arg(seconds) : QStringLiteral(" now");
+    const QString when =
+        seconds == 0  ? Words::tr("The connection is lost. Trying again now.")
+        : m_showsWork ? Words::tr("The connection is lost. Trying again in %1 s.").arg(seconds)
+                      : Words::tr("The connection is lost. Trying again in %1 s (r: now).").arg(seconds);
     const Style& style = m_screen.style();
-    const QString text = QStringLiteral("The connection is lost. Trying again%1%2.")
-                             .arg(when, QLatin1String(m_showsWork || seconds == 0 ? "" : " (r: now)"));
-    return style.paint(Ink::Bad, Text::elide(text, style.columns - 1, style.unicode));
+    return style.paint(Ink::Bad, Text::elide(when, style.columns - 1, style.unicode));
 }
 
 // "Waiting: 3 of 5 learners are here, 0:12. Ctrl-C gives up."
@@ -83,10 +85,10 @@ QString LiveView::work() const
 {
     const Style& style = m_screen.style();
     const QString waited = m_waiter.description();
-    const QString what = waited.isEmpty() ? QStringLiteral("At work: %1").arg(m_runner.current())
-                                          : QStringLiteral("Waiting: %1").arg(waited);
-    const QString end = QStringLiteral("  %1  Ctrl-C gives up")
-                            .arg(Text::duration(static_cast<int>(m_runner.elapsed() / second)));
+    const QString what = waited.isEmpty() ? Words::tr("At work: %1").arg(m_runner.current())
+                                          : Words::tr("Waiting: %1").arg(waited);
+    const QString end =
+        Words::tr("  %1  Ctrl-C gives up").arg(Text::duration(static_cast<int>(m_runner.elapsed() / second)));
     const QString start = Text::elide(what, style.columns - 1 - Text::width(end), style.unicode);
     return style.paint(Ink::Strong, start + end);
 }

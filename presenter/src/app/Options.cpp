@@ -2,6 +2,7 @@
 
 #include "commands/ArgumentReader.h"
 #include "text/Suggestions.h"
+#include "text/Words.h"
 
 #include <CalyxClient/SockJSConnector>
 
@@ -10,12 +11,11 @@
 
 namespace {
 
-const char helpText[] =
-    R"(usage: calyx-presenter --server URL [options]
+const char* const helpTexts[] = {
+    QT_TRANSLATE_NOOP("Words", R"(usage: calyx-presenter --server URL [options]
 
-Teaches a live classroom lesson: from a script, or by commands typed at a prompt.
-
-  --server URL        the classroom service's address
+Teaches a live classroom lesson: from a script, or by commands typed at a prompt.)"),
+    QT_TRANSLATE_NOOP("Words", R"(  --server URL        the classroom service's address
   --user USER         who "login" logs in when it names nobody
   --password TEXT     the password for that; better given in the environment variable
                       CALYX_PASSWORD, as a command line can be seen by others
@@ -33,27 +33,27 @@ Teaches a live classroom lesson: from a script, or by commands typed at a prompt
   --quiet             print errors and results only: no progress, no narration
   --verbose           print the library's diagnostics on standard error; they hold tokens
   --version           print the version
-  --help              print this text; "help" at the prompt explains the commands
-
-In a lesson, one command stands on a line; "#" begins a comment line. A failed command ends a
+  --help              print this text; "help" at the prompt explains the commands)"),
+    QT_TRANSLATE_NOOP(
+        "Words",
+        R"(In a lesson, one command stands on a line; "#" begins a comment line. A failed command ends a
 script and anything piped in, not what is typed at a prompt. A session that is open at the end
 is stopped, and the user is logged out. Ctrl-C (SIGINT) and SIGTERM end the lesson in the same
 way; at the prompt, Ctrl-C first clears the line or gives up what is under way, and asks before it
-ends a session. A third such signal ends the program at once.
-
-Exit status:
+ends a session. A third such signal ends the program at once.)"),
+    QT_TRANSLATE_NOOP("Words", R"(Exit status:
   0    the whole lesson did what it says, or the remote control ended it
   1    something in it failed
   2    the command line or the script is wrong; nothing was done
   3    the service could not be reached
-  130  ended by SIGINT; 143 by SIGTERM, 129 by SIGHUP
+  130  ended by SIGINT; 143 by SIGTERM, 129 by SIGHUP)")};
 
-Examples:
+// Commands are the same in every language.
+const char exampleCalls[] = R"(
   calyx-presenter --server https://classroom.example --user ann
   CALYX_PASSWORD=chalk calyx-presenter --server http://127.0.0.1:8080 --user teacher \
-      --script first.lesson
-
-A lesson:
+      --script first.lesson)";
+const char exampleLesson[] = R"(
   heading Photosynthesis
   login
   session start
@@ -88,13 +88,12 @@ QList<QCommandLineOption> optionTable()
 QString serverFault(const QString& server)
 {
     if (server.isEmpty())
-        return QStringLiteral("--server is missing. Name the classroom service's address.");
+        return Words::tr("--server is missing. Name the classroom service's address.");
     const QUrl url(server, QUrl::StrictMode);
     const bool isHttp = url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
     if (url.isValid() && isHttp && !url.host().isEmpty())
         return QString();
-    return QStringLiteral("--server takes an address such as https://classroom.example, not \"%1\".")
-        .arg(server);
+    return Words::tr("--server takes an address such as https://classroom.example, not \"%1\".").arg(server);
 }
 
 QString transportFault(const QStringList& transports)
@@ -102,7 +101,7 @@ QString transportFault(const QStringList& transports)
     const QStringList known = SockJSConnector::PROTOCOL_TYPE_STR().values();
     for (const QString& transport : transports) {
         if (!known.contains(transport))
-            return QStringLiteral("--transports takes %1, not \"%2\".%3")
+            return Words::tr("--transports takes %1, not \"%2\".%3")
                 .arg(known.join(QStringLiteral(", ")), transport, Suggestions::question(transport, known));
     }
     return QString();
@@ -115,7 +114,7 @@ QString unknownOption(const QStringList& names)
     for (const QCommandLineOption& option : table)
         known += option.names();
     const QString question = Suggestions::question(names.first(), known);
-    return QStringLiteral("There is no option \"%1\".%2").arg(names.first(), question);
+    return Words::tr("There is no option \"%1\".%2").arg(names.first(), question);
 }
 
 QString faultIn(const QCommandLineParser& parser, const Options& options, bool isOpenLimitNumber)
@@ -123,7 +122,7 @@ QString faultIn(const QCommandLineParser& parser, const Options& options, bool i
     if (!parser.unknownOptionNames().isEmpty())
         return unknownOption(parser.unknownOptionNames());
     if (!parser.positionalArguments().isEmpty())
-        return QStringLiteral("\"%1\" is not an option. A lesson is named with --script.")
+        return Words::tr("\"%1\" is not an option. A lesson is named with --script.")
             .arg(parser.positionalArguments().first());
     if (const QString text = serverFault(options.server);
         !text.isEmpty() && options.request != Options::CheckScript)
@@ -131,16 +130,16 @@ QString faultIn(const QCommandLineParser& parser, const Options& options, bool i
     if (const QString text = transportFault(options.transports); !text.isEmpty())
         return text;
     if (parser.isSet(QStringLiteral("transports")) && options.transports.isEmpty())
-        return QStringLiteral("--transports takes at least one transport.");
+        return Words::tr("--transports takes at least one transport.");
     if (!isOpenLimitNumber)
-        return QStringLiteral("--open-limit takes a number of seconds, not \"%1\".")
+        return Words::tr("--open-limit takes a number of seconds, not \"%1\".")
             .arg(parser.value(QStringLiteral("open-limit")));
     for (const char* name : {"script", "check"}) {
         if (parser.isSet(QLatin1String(name)) && options.script.isEmpty())
-            return QStringLiteral("--%1 takes a file.").arg(QLatin1String(name));
+            return Words::tr("--%1 takes a file.").arg(QLatin1String(name));
     }
     if (options.quiet && options.verbose)
-        return QStringLiteral("--quiet and --verbose exclude each other.");
+        return Words::tr("--quiet and --verbose exclude each other.");
     return QString();
 }
 
@@ -195,5 +194,9 @@ Options Options::parse(const QStringList& arguments)
 
 QString Options::help()
 {
-    return QString::fromUtf8(helpText);
+    QString text;
+    for (const char* const part : helpTexts)
+        text += Words::tr(part) + QStringLiteral("\n\n");
+    return text + Words::tr("Examples:") + QLatin1String(exampleCalls) + QStringLiteral("\n\n") +
+           Words::tr("A lesson:") + QLatin1String(exampleLesson);
 }

@@ -8,6 +8,7 @@
 #include "terminal/UnixSignals.h"
 #include "text/LineSyntax.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <CalyxClient/Lesson>
 
@@ -47,7 +48,7 @@ void Runner::interrupt(int signal)
 void Runner::giveUp()
 {
     UnixSignals::forgetRequests();
-    m_context.screen.note(QStringLiteral("Interrupted."));
+    m_context.screen.note(Words::tr("Interrupted."));
     m_isGivenUp = true;
     QStringList lines;
     for (const CommandLine& line : std::exchange(m_queue, {}))
@@ -61,7 +62,7 @@ void Runner::drop(const QStringList& lines)
 {
     for (const QString& line : lines) {
         if (!LineSyntax::isBlank(line) && !CommandTable::holdsSecret(line))
-            m_context.screen.note(QStringLiteral("Not done: %1").arg(Text::clean(line)), Ink::Bad);
+            m_context.screen.note(Words::tr("Not done: %1").arg(Text::clean(line)), Ink::Bad);
     }
 }
 
@@ -72,7 +73,7 @@ bool Runner::asksFirst()
         return false;
     m_hasAsked = true;
     UnixSignals::forgetRequests();
-    m_context.screen.note(QStringLiteral("A session with %1 is open. Ctrl-C again, or \"quit\", ends it.")
+    m_context.screen.note(Words::tr("A session with %1 is open. Ctrl-C again, or \"quit\", ends it.")
                               .arg(Text::count(m_context.lesson.roster()->presentCount(), "learner")),
                           Ink::Strong);
     return true;
@@ -167,7 +168,7 @@ void Runner::end()
     m_context.waiter.open();
     setCurrent(QStringLiteral("quit"));
     if (m_signal != 0)
-        m_context.screen.note(QStringLiteral("Interrupted: the lesson is ended."));
+        m_context.screen.note(Words::tr("Interrupted: the lesson is ended."));
     if (!Ending::endLesson(m_context) && m_status == ExitCode::Done)
         m_status = ExitCode::Failed;
     Q_EMIT finished(m_signal != 0 ? ExitCode::Signal + m_signal : m_status);

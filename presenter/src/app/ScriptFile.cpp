@@ -3,6 +3,7 @@
 #include "commands/CommandContext.h"
 #include "commands/CommandTable.h"
 #include "text/LineSyntax.h"
+#include "text/Words.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -45,13 +46,13 @@ QString faultOfKind(const QString& text, const QVector<CommandLine>& lines, cons
 {
     constexpr int fewest = 3; // lines; of fewer, each is told
     if (text.contains(QChar::Null) || text.contains(QChar::ReplacementCharacter))
-        return QStringLiteral("%1 is no lesson: it is not text in UTF-8.").arg(fileName);
+        return Words::tr("%1 is no lesson: it is not text in UTF-8.").arg(fileName);
     int strange = 0;
     for (const CommandLine& line : lines)
         strange += beginsWithCommand(line.text) ? 0 : 1;
     if (strange < fewest || 2 * strange <= lines.size())
         return QString();
-    return QStringLiteral("%1 is no lesson: %2 of its %3 lines begin with no command.")
+    return Words::tr("%1 is no lesson: %2 of its %3 lines begin with no command.")
         .arg(fileName)
         .arg(strange)
         .arg(lines.size());
@@ -74,7 +75,7 @@ void shorten(QStringList& faults)
 {
     const int rest = faults.size() - mostFaults;
     if (rest > 0)
-        faults = faults.mid(0, mostFaults) << QStringLiteral("and %1 more.").arg(rest);
+        faults = faults.mid(0, mostFaults) << Words::tr("and %1 more.").arg(rest);
 }
 
 } // namespace
@@ -84,10 +85,10 @@ ScriptFile::Script ScriptFile::read(const QString& fileName)
     constexpr qint64 largest = qint64{16} * 1024 * 1024;
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
-        return {{}, {QStringLiteral("The script %1 cannot be read: %2.").arg(fileName, file.errorString())}};
+        return {{}, {Words::tr("The script %1 cannot be read: %2.").arg(fileName, file.errorString())}};
     const QByteArray bytes = file.read(largest + 1);
     if (bytes.size() > largest)
-        return {{}, {QStringLiteral("%1 is no lesson: it is larger than 16 MiB.").arg(fileName)}};
+        return {{}, {Words::tr("%1 is no lesson: it is larger than 16 MiB.").arg(fileName)}};
     return parse(QString::fromUtf8(bytes), fileName);
 }
 

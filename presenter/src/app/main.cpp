@@ -12,6 +12,7 @@
 #include "terminal/PlainLines.h"
 #include "terminal/Screen.h"
 #include "terminal/UnixSignals.h"
+#include "text/Words.h"
 #ifdef CALYX_PRESENTER_LINE_EDITING
 #include "terminal/EditedLines.h"
 #endif
@@ -21,8 +22,10 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QLocale>
 #include <QLoggingCategory>
 #include <QStandardPaths>
+#include <QTranslator>
 
 #include <clocale>
 #include <csignal>
@@ -43,6 +46,18 @@ void chooseLocale()
     const char* const chosen = std::setlocale(LC_CTYPE, nullptr);
     if (std::strcmp(chosen, "C") == 0 || std::strcmp(chosen, "POSIX") == 0)
         qputenv("LC_ALL", "C.UTF-8");
+}
+
+// In the locale "C" all is English, whatever LANGUAGE says: scripts rely on that.
+void translate(const QLocale& locale, QTranslator& texts, QTranslator& lessonTexts)
+{
+    if (locale.language() == QLocale::C)
+        return;
+    if (texts.load(locale, QStringLiteral("calyx-presenter"), QStringLiteral("_"),
+                   QStringLiteral(":/calyxclient")))
+        QCoreApplication::installTranslator(&texts);
+    if (Lesson::loadTranslation(&lessonTexts, locale))
+        QCoreApplication::installTranslator(&lessonTexts);
 }
 
 void filterDiagnostics(bool verbose)
@@ -68,8 +83,8 @@ bool answer(const Options& options, int& status)
         printTo(stdout, QStringLiteral("calyx-presenter %1\n").arg(QLatin1String(CALYX_PRESENTER_VERSION)));
         return true;
     case Options::WrongUsage:
-        printTo(stderr, QStringLiteral("calyx-presenter: %1\n\"calyx-presenter --help\" tells more.\n")
-                            .arg(options.fault));
+        printTo(stderr, QStringLiteral("calyx-presenter: %1\n%2\n")
+                            .arg(options.fault, Words::tr("\"calyx-presenter --help\" tells more.")));
         status = ExitCode::Usage;
         return true;
     case Options::CheckScript:
@@ -99,7 +114,7 @@ std::unique_ptr<LineSource> makeEditor(CommandContext& context, LiveView& view)
     LineSource* const source = editor.get();
     context.askPassword = [&context, source](const QString& question, QString& password) {
         if (!context.screen.isLive())
-            context.screen.print(QStringLiteral("Type %1.").arg(question));
+            context.screen.print(Words::tr("Type %1.").arg(question));
         source->startHidden();
         const bool isGiven =
             context.waiter.until([source] { return source->isHiddenDone(); }, std::numeric_limits<int>::max(),
@@ -139,8 +154,7 @@ void feed(Runner& runner, LineSource& source, CommandContext& context)
     QObject::connect(&runner, &Runner::givenUp, &source, [&] { runner.drop(source.takeTyped()); });
     QObject::connect(&runner, &Runner::finished, &source, &LineSource::stop);
     if (isTyped())
-        context.screen.note(
-            QStringLiteral("\"help\" lists the commands, Tab completes them, \"quit\" ends."));
+        context.screen.note(Words::tr("\"help\" lists the commands, Tab completes them, \"quit\" ends."));
     source.start();
 }
 
@@ -227,8 +241,11 @@ int run(QCoreApplication& application, const Options& options, const ScriptFile:
 
 int main(int argc, char** argv)
 {
+    const QLocale locale = QLocale::system(); // reads the environment before we change it
     chooseLocale();
     QCoreApplication application(argc, argv);
+    QTranslator texts, lessonTexts;
+    translate(locale, texts, lessonTexts);
     const Options options = Options::parse(QCoreApplication::arguments());
     int status = ExitCode::Done;
     if (answer(options, status))

@@ -5,6 +5,7 @@
 #include "terminal/Screen.h"
 #include "text/JsonText.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <CalyxClient/PresenterClient>
 
@@ -14,15 +15,15 @@ using Calyx::Lesson;
 
 namespace {
 
-const QString checkCredentials = QStringLiteral("Check --user and --password.");
-const QString checkCode = QStringLiteral("Get a new code from the provider and try again.");
+const char checkCredentials[] = QT_TRANSLATE_NOOP("Words", "Check --user and --password.");
+const char checkCode[] = QT_TRANSLATE_NOOP("Words", "Get a new code from the provider and try again.");
 
 Outcome loggedIn(CommandContext& context, const QString& user)
 {
-    context.screen.note(QStringLiteral("Logged in as %1.").arg(Text::clean(user)), Ink::Good);
+    context.screen.note(Words::tr("Logged in as %1.").arg(Text::clean(user)), Ink::Good);
     const QVariantMap left = Lesson::journalOf(context.notes.journal);
     if (left.value(QStringLiteral("teacher")) == user)
-        context.screen.note(QStringLiteral("Session %1 was not ended: \"session resume\" takes it up.")
+        context.screen.note(Words::tr("Session %1 was not ended: \"session resume\" takes it up.")
                                 .arg(Text::code(Text::clean(left.value(QStringLiteral("code")).toString()))),
                             Ink::Strong);
     return Outcome::done();
@@ -36,8 +37,8 @@ bool findPassword(CommandContext& context, const Arguments& arguments, int index
     password = arguments.value(index, isOurs ? context.password : QString());
     if (!password.isEmpty() || !context.askPassword)
         return true;
-    return context.askPassword(
-        QStringLiteral("the password of %1, which is not shown").arg(Text::clean(user)), password);
+    return context.askPassword(Words::tr("the password of %1, which is not shown").arg(Text::clean(user)),
+                               password);
 }
 
 // The service wants to know more about a new user first.
@@ -48,20 +49,19 @@ Outcome askToRegister(const QString& provider, const QString& data)
     for (auto field = known.begin(); field != known.end(); ++field)
         fields.append(QStringLiteral("%1=%2").arg(field.key(), field.value().toVariant().toString()));
     return Outcome::failed(
-        QStringLiteral("The service wants %1 to register first. It knows: %2. Use \"register NAME=VALUE "
-                       "...\" to complete that.")
+        Words::tr("The service wants %1 to register first. It knows: %2. Use \"register NAME=VALUE "
+                  "...\" to complete that.")
             .arg(provider, Text::clean(fields.join(QStringLiteral(", ")))));
 }
 
 Outcome check(CommandContext& context, const Arguments& arguments)
 {
     const Outcome checked =
-        context.askService(QStringLiteral("The check"), QString(), [arguments](PresenterClient* client) {
+        context.askService(Words::tr("The check"), QString(), [arguments](PresenterClient* client) {
             return client->checkServer(arguments.value(0), arguments.value(1));
         });
     if (checked.isDone())
-        context.screen.print(
-            QStringLiteral("The service at %1 answers.").arg(context.lesson.server().toString()));
+        context.screen.print(Words::tr("The service at %1 answers.").arg(context.lesson.server().toString()));
     return checked;
 }
 
@@ -76,12 +76,12 @@ Outcome login(CommandContext& context, const Arguments& arguments)
     const QString user = arguments.value(0, context.user);
     QString password;
     if (user.isEmpty())
-        return Outcome::failed(QStringLiteral("Nobody to log in. Use --user, or \"login USER PASSWORD\"."));
+        return Outcome::failed(Words::tr("Nobody to log in. Use --user, or \"login USER PASSWORD\"."));
     if (!findPassword(context, arguments, 1, user, password))
-        return Outcome::failed(QStringLiteral("The login was given up."));
+        return Outcome::failed(Words::tr("The login was given up."));
     context.notes.logInAgain = [&lesson = context.lesson, user, password] { lesson.logIn(user, password); };
     const Outcome outcome =
-        logIn(context, QStringLiteral("Login"), checkCredentials, context.notes.logInAgain);
+        logIn(context, Words::tr("Login"), Words::tr(checkCredentials), context.notes.logInAgain);
     return outcome.isDone() ? loggedIn(context, user) : outcome;
 }
 
@@ -89,8 +89,8 @@ Outcome logInWithToken(CommandContext& context, const QString& user, const QStri
                        const QString& token)
 {
     context.notes.logInAgain = [=, &lesson = context.lesson] { lesson.logInWithToken(user, device, token); };
-    return logIn(context, QStringLiteral("Login with the device token"),
-                 QStringLiteral("Get a new one with \"token\"."), context.notes.logInAgain);
+    return logIn(context, Words::tr("Login with the device token"),
+                 Words::tr("Get a new one with \"token\"."), context.notes.logInAgain);
 }
 
 Outcome loginToken(CommandContext& context, const Arguments& arguments)
@@ -103,7 +103,7 @@ Outcome loginToken(CommandContext& context, const Arguments& arguments)
 Outcome askWho(CommandContext& context, QString& user)
 {
     const auto name = std::make_shared<QString>();
-    const Outcome outcome = context.askService(QStringLiteral("The question who is logged in"), QString(),
+    const Outcome outcome = context.askService(Words::tr("The question who is logged in"), QString(),
                                                [name](PresenterClient* client) {
                                                    // A service that does not answer leaves the name as it
                                                    // was.
@@ -138,7 +138,7 @@ Outcome logInWithOAuth(CommandContext& context, const QString& what, const QStri
 Outcome loginOAuth(CommandContext& context, const Arguments& arguments)
 {
     context.notes.registration = {arguments.at(0), arguments.at(1), QString()};
-    return logInWithOAuth(context, QStringLiteral("Login with %1").arg(arguments.at(0)), checkCode,
+    return logInWithOAuth(context, Words::tr("Login with %1").arg(arguments.at(0)), Words::tr(checkCode),
                           QString());
 }
 
@@ -146,21 +146,19 @@ Outcome registerUser(CommandContext& context, const Arguments& arguments)
 {
     const QString data = context.notes.registration.data;
     if (data.isEmpty())
-        return Outcome::failed(QStringLiteral("No registration is asked for. Use \"login oauth\" first."));
+        return Outcome::failed(Words::tr("No registration is asked for. Use \"login oauth\" first."));
     QJsonObject fields = JsonText::leadingObject(data);
     for (const QString& argument : arguments) {
         const int sign = argument.indexOf(QLatin1Char('='));
         if (sign < 1)
-            return Outcome::failed(QStringLiteral("\"%1\" is not of the form NAME=VALUE.").arg(argument));
+            return Outcome::failed(Words::tr("\"%1\" is not of the form NAME=VALUE.").arg(argument));
         fields.insert(argument.left(sign), argument.mid(sign + 1));
     }
     const QString registration = JsonText::endingInString(fields);
     if (registration.isEmpty())
-        return Outcome::failed(
-            QStringLiteral("The registration holds no text. Give at least one NAME=VALUE."));
-    return logInWithOAuth(context, QStringLiteral("Registration"),
-                          QStringLiteral("Change a value, or begin again with \"login oauth\"."),
-                          registration);
+        return Outcome::failed(Words::tr("The registration holds no text. Give at least one NAME=VALUE."));
+    return logInWithOAuth(context, Words::tr("Registration"),
+                          Words::tr("Change a value, or begin again with \"login oauth\"."), registration);
 }
 
 // Asks for a device token, and logs in with it where nobody is. A failed request leaves the token before in
@@ -170,7 +168,7 @@ Outcome getToken(CommandContext& context, const QString& hint, const QString& us
 {
     const auto token = std::make_shared<QString>();
     const Outcome outcome =
-        context.askService(QStringLiteral("The request for a device token"), hint,
+        context.askService(Words::tr("The request for a device token"), hint,
                            [token, ask, before = context.notes.deviceToken](PresenterClient* client) {
                                *token = ask(client);
                                return !token->isEmpty() && *token != before;
@@ -178,7 +176,7 @@ Outcome getToken(CommandContext& context, const QString& hint, const QString& us
     if (!outcome.isDone())
         return outcome;
     context.notes.deviceToken = *token;
-    context.screen.print(QStringLiteral("Device token: %1").arg(Text::clean(*token)));
+    context.screen.print(Words::tr("Device token: %1").arg(Text::clean(*token)));
     QString name = user;
     if (context.facts() & Fact::Login)
         return outcome;
@@ -194,19 +192,20 @@ Outcome token(CommandContext& context, const Arguments& arguments)
     const QString user = arguments.value(2, context.user);
     QString password;
     if (!findPassword(context, arguments, 3, user, password))
-        return Outcome::failed(QStringLiteral("The request was given up."));
-    return getToken(context, checkCredentials, user, arguments.at(0), [=](PresenterClient* client) {
-        return client->doGetAccessToken(JsonText::escaped(user), JsonText::escaped(password),
-                                        JsonText::escaped(arguments.at(0)),
-                                        JsonText::escaped(arguments.at(1)));
-    });
+        return Outcome::failed(Words::tr("The request was given up."));
+    return getToken(context, Words::tr(checkCredentials), user, arguments.at(0),
+                    [=](PresenterClient* client) {
+                        return client->doGetAccessToken(JsonText::escaped(user), JsonText::escaped(password),
+                                                        JsonText::escaped(arguments.at(0)),
+                                                        JsonText::escaped(arguments.at(1)));
+                    });
 }
 
 Outcome tokenOAuth(CommandContext& context, const Arguments& arguments)
 {
     const auto registration = std::make_shared<QString>();
     const Outcome outcome =
-        getToken(context, checkCode, QString(), arguments.at(2), [=](PresenterClient* client) {
+        getToken(context, Words::tr(checkCode), QString(), arguments.at(2), [=](PresenterClient* client) {
             return client->doGetOAuthAccessToken(arguments.at(0), JsonText::escaped(arguments.at(1)),
                                                  JsonText::escaped(arguments.at(2)),
                                                  JsonText::escaped(arguments.at(3)), *registration);
@@ -222,8 +221,8 @@ Outcome whoAmI(CommandContext& context, const Arguments&)
     QString user;
     const Outcome asked = askWho(context, user);
     if (asked.isDone())
-        context.screen.print(user.isEmpty() ? QStringLiteral("Nobody is logged in.")
-                                            : QStringLiteral("%1 is logged in.").arg(user));
+        context.screen.print(user.isEmpty() ? Words::tr("Nobody is logged in.")
+                                            : Words::tr("%1 is logged in.").arg(user));
     return asked;
 }
 
@@ -231,27 +230,27 @@ Outcome whoAmI(CommandContext& context, const Arguments&)
 Outcome reLogin(CommandContext& context, const Arguments&)
 {
     if (!context.notes.logInAgain)
-        return Outcome::failed(QStringLiteral("There is no earlier login to repeat. Use \"login\"."));
-    const QString hint = QStringLiteral("Use \"login\" instead.");
+        return Outcome::failed(Words::tr("There is no earlier login to repeat. Use \"login\"."));
+    const QString hint = Words::tr("Use \"login\" instead.");
     const auto again = [](PresenterClient* client) {
         client->reLogin();
         return client->isLoggedIn();
     };
     const bool isOpen = context.facts() & Fact::Opened;
-    const Outcome outcome = isOpen ? context.askService(QStringLiteral("Login"), hint, again)
-                                   : logIn(context, QStringLiteral("Login"), hint, context.notes.logInAgain);
+    const Outcome outcome = isOpen ? context.askService(Words::tr("Login"), hint, again)
+                                   : logIn(context, Words::tr("Login"), hint, context.notes.logInAgain);
     return outcome.isDone() ? loggedIn(context, context.lesson.user()) : outcome;
 }
 
 Outcome keepAlive(CommandContext& context, const Arguments&)
 {
     const Outcome sent =
-        context.askService(QStringLiteral("The keep-alive"), QString(), [](PresenterClient* client) {
+        context.askService(Words::tr("The keep-alive"), QString(), [](PresenterClient* client) {
             client->sendKeepAlive();
             return true;
         });
     if (sent.isDone())
-        context.screen.note(QStringLiteral("The service was asked to keep the login alive."));
+        context.screen.note(Words::tr("The service was asked to keep the login alive."));
     return sent;
 }
 
@@ -260,7 +259,7 @@ Outcome logout(CommandContext& context, const Arguments&)
     Ending::stopActivities(context);
     const Outcome outcome = Ending::logOut(context);
     if (outcome.isDone())
-        context.screen.note(QStringLiteral("Logged out."));
+        context.screen.note(Words::tr("Logged out."));
     return outcome;
 }
 
@@ -270,37 +269,37 @@ using P = Place;
 // A row tells all about a command; clang-format would put each member on a line of its own.
 // clang-format off
 const Command rows[] = {
-    {"check", "[USER PASSWORD]", "Ask whether the service answers.",
-     "USER and PASSWORD are offered when the service asks for HTTP authentication.",
+    {"check", "[USER PASSWORD]", QT_TRANSLATE_NOOP("Words", "Ask whether the service answers."),
+     QT_TRANSLATE_NOOP("Words", "USER and PASSWORD are offered when the service asks for HTTP authentication."),
      F::Nothing, F::Nothing, F::Nothing, 0, 2, {P::Anything, P::Secret}, "", check},
-    {"login", "[USER [PASSWORD]]", "Log in.",
-     "Without USER and PASSWORD, those of the command line and of CALYX_PASSWORD are taken.",
+    {"login", "[USER [PASSWORD]]", QT_TRANSLATE_NOOP("Words", "Log in."),
+     QT_TRANSLATE_NOOP("Words", "Without USER and PASSWORD, those of the command line and of CALYX_PASSWORD are taken."),
      F::Nothing, F::Login, F::Nothing, 0, 2, {P::Anything, P::Secret}, "", login},
-    {"login token", "USER DEVICE TOKEN", "Log in with a device token instead of a password.",
+    {"login token", "USER DEVICE TOKEN", QT_TRANSLATE_NOOP("Words", "Log in with a device token instead of a password."),
      "",
      F::Nothing, F::Login, F::Nothing, 3, 3, {P::Anything, P::Anything, P::Secret}, "", loginToken},
-    {"login oauth", "PROVIDER CODE", "Log in with the code of an OAuth provider.",
-     "The service may want a new user to register first: \"register\" does that.",
+    {"login oauth", "PROVIDER CODE", QT_TRANSLATE_NOOP("Words", "Log in with the code of an OAuth provider."),
+     QT_TRANSLATE_NOOP("Words", "The service may want a new user to register first: \"register\" does that."),
      F::Nothing, F::Login, F::Nothing, 2, 2, {P::Anything, P::Secret}, "", loginOAuth},
-    {"register", "[NAME=VALUE ...]", "Complete the registration that an OAuth login has asked for.",
-     "Adds the values to what the service knows, or changes it, and logs in.",
+    {"register", "[NAME=VALUE ...]", QT_TRANSLATE_NOOP("Words", "Complete the registration that an OAuth login has asked for."),
+     QT_TRANSLATE_NOOP("Words", "Adds the values to what the service knows, or changes it, and logs in."),
      F::Nothing, F::Login, F::Nothing, 0, anyNumber, {}, "", registerUser},
-    {"token", "DEVICE NAME [USER [PASSWORD]]", "Get a token for later logins of this device.",
-     "DEVICE is the device's id, NAME what people call it. This logs in, too.",
+    {"token", "DEVICE NAME [USER [PASSWORD]]", QT_TRANSLATE_NOOP("Words", "Get a token for later logins of this device."),
+     QT_TRANSLATE_NOOP("Words", "DEVICE is the device's id, NAME what people call it. This logs in, too."),
      F::Nothing, F::Login, F::Nothing, 2, 4, {P::Anything, P::Anything, P::Anything, P::Secret}, "", token},
-    {"token oauth", "PROVIDER CODE DEVICE NAME", "Get a device token with a provider's code.",
+    {"token oauth", "PROVIDER CODE DEVICE NAME", QT_TRANSLATE_NOOP("Words", "Get a device token with a provider's code."),
      "",
      F::Nothing, F::Login, F::Nothing, 4, 4, {P::Anything, P::Secret}, "", tokenOAuth},
-    {"whoami", "", "Ask the service who is logged in.",
+    {"whoami", "", QT_TRANSLATE_NOOP("Words", "Ask the service who is logged in."),
      "",
      F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", whoAmI},
-    {"relogin", "", "Log in again as the last time.",
+    {"relogin", "", QT_TRANSLATE_NOOP("Words", "Log in again as the last time."),
      "",
      F::Nothing, F::Login, F::Nothing, 0, 0, {}, "", reLogin},
-    {"keepalive", "", "Keep the login alive.",
-     "Every minute this happens by itself.",
+    {"keepalive", "", QT_TRANSLATE_NOOP("Words", "Keep the login alive."),
+     QT_TRANSLATE_NOOP("Words", "Every minute this happens by itself."),
      F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", keepAlive},
-    {"logout", "", "Stop the session, if one is open, and log out.",
+    {"logout", "", QT_TRANSLATE_NOOP("Words", "Stop the session, if one is open, and log out."),
      "",
      F::Nothing, F::Nothing, F::Everything, 0, 0, {}, "", logout},
 };

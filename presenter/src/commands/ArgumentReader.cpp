@@ -3,6 +3,7 @@
 #include "lesson/PollKinds.h"
 #include "text/Suggestions.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <cmath>
 #include <limits>
@@ -22,11 +23,11 @@ bool takeNumber(Arguments& arguments, int& number)
     return true;
 }
 
-Outcome unknown(const char* what, const QString& name, const QStringList& known)
+// Its places: the name, what is meant instead, and what there is.
+Outcome unknown(const QString& sentence, const QString& name, const QStringList& known)
 {
-    return Outcome::failed(QStringLiteral("There is no %1 \"%2\".%3 The %1s are: %4.")
-                               .arg(QLatin1String(what), name, Suggestions::question(name, known),
-                                    known.join(QStringLiteral(", "))));
+    return Outcome::failed(
+        sentence.arg(name, Suggestions::question(name, known), known.join(QStringLiteral(", "))));
 }
 
 // A scheme of words has as many as it has words.
@@ -50,7 +51,8 @@ bool isSetting(const QString& word)
 Outcome takeKind(Arguments& arguments, Question& question)
 {
     if (arguments.isEmpty() || !PollKinds::readType(arguments.first(), question.type))
-        return unknown("poll type", arguments.value(0), PollKinds::typeNames());
+        return unknown(Words::tr("There is no poll type \"%1\".%2 The poll types are: %3."),
+                       arguments.value(0), PollKinds::typeNames());
     question = Question::usual(question.type);
     arguments.removeFirst();
     bool isNumber = false;
@@ -58,7 +60,8 @@ Outcome takeKind(Arguments& arguments, Question& question)
         arguments.first().toInt(&isNumber);
     if (!arguments.isEmpty() && !isNumber && !isSetting(arguments.first())) {
         if (!PollKinds::readOrdinal(arguments.first(), question.ordinal))
-            return unknown("labelling", arguments.first(), PollKinds::ordinalNames());
+            return unknown(Words::tr("There is no labelling \"%1\".%2 The labellings are: %3."),
+                           arguments.first(), PollKinds::ordinalNames());
         arguments.removeFirst();
         question.optionCount = usualOptions(question);
     }
@@ -69,7 +72,7 @@ Outcome takeKind(Arguments& arguments, Question& question)
     if (!takeNumber(arguments, extra))
         return Outcome::of(question.fault());
     if (question.type != PollType::MULTIPLE && extra != 0)
-        return Outcome::failed(QStringLiteral("Only a multiple choice has a number of correct options."));
+        return Outcome::failed(Words::tr("Only a multiple choice has a number of correct options."));
     question.choices = extra;
     return Outcome::of(question.fault());
 }
@@ -82,7 +85,7 @@ Outcome takeChoices(Arguments& arguments, Question& question)
         return Outcome::done();
     if (Question::usual(question.type).optionIds().isEmpty())
         return Outcome::failed(
-            QStringLiteral("A question of type %1 has no choices.").arg(PollKinds::typeName(question.type)));
+            Words::tr("A question of type %1 has no choices.").arg(PollKinds::typeName(question.type)));
     question.options = text.split(QLatin1Char('|'));
     question.optionCount = question.options.size();
     question.choices = qMin(question.choices, question.optionCount);
@@ -114,7 +117,7 @@ Outcome ArgumentReader::takeWithin(Arguments& arguments, qint64& msecs)
     if (at < 0)
         return Outcome::done();
     if (!readSeconds(arguments.value(at + 1), msecs) || at + 2 != arguments.size())
-        return Outcome::failed(QStringLiteral("\"within\" takes a number of seconds, as the last words."));
+        return Outcome::failed(Words::tr("\"within\" takes a number of seconds, as the last words."));
     arguments = arguments.mid(0, at);
     return Outcome::done();
 }
@@ -149,7 +152,7 @@ Outcome ArgumentReader::takeFlag(Arguments& arguments, const QString& name, bool
     flag = value == QLatin1String("yes");
     return flag || value == QLatin1String("no")
                ? Outcome::done()
-               : Outcome::failed(QStringLiteral("\"%1\" takes yes or no, not \"%2\".").arg(name, value));
+               : Outcome::failed(Words::tr("\"%1\" takes yes or no, not \"%2\".").arg(name, value));
 }
 
 Outcome ArgumentReader::takeCount(Arguments& arguments, const QString& name, int& number)
@@ -160,7 +163,7 @@ Outcome ArgumentReader::takeCount(Arguments& arguments, const QString& name, int
     number = value.toInt(&isNumber);
     return isNumber && number >= 0
                ? Outcome::done()
-               : Outcome::failed(QStringLiteral("\"%1\" takes a whole number, not \"%2\".").arg(name, value));
+               : Outcome::failed(Words::tr("\"%1\" takes a whole number, not \"%2\".").arg(name, value));
 }
 
 Outcome ArgumentReader::findLearner(const Roster& roster, const QString& text, QString& deviceId)
@@ -168,11 +171,11 @@ Outcome ArgumentReader::findLearner(const Roster& roster, const QString& text, Q
     const QStringList found = roster.find(text);
     const QStringList candidates = names(roster, found.isEmpty() ? roster.present() : found);
     if (found.isEmpty())
-        return Outcome::failed(QStringLiteral("No learner here is called \"%1\".%2 See \"learners\".")
+        return Outcome::failed(Words::tr("No learner here is called \"%1\".%2 See \"learners\".")
                                    .arg(text, Suggestions::question(text, candidates)));
     if (found.size() > 1)
         return Outcome::failed(
-            QStringLiteral("\"%1\" can be %2. Say more of the name.").arg(text, Text::list(candidates, 5)));
+            Words::tr("\"%1\" can be %2. Say more of the name.").arg(text, Text::list(candidates, 5)));
     deviceId = found.first();
     return Outcome::done();
 }

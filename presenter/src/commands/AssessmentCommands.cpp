@@ -6,6 +6,7 @@
 #include "lesson/PollKinds.h"
 #include "terminal/Screen.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 using namespace Calyx;
 
@@ -22,8 +23,7 @@ Outcome takeAddressee(CommandContext& context, Arguments& arguments, QString& de
 
 Outcome misunderstood(const Arguments& rest)
 {
-    return Outcome::failed(
-        QStringLiteral("\"%1\" is not understood. See \"help assessment\".").arg(rest.first()));
+    return Outcome::failed(Words::tr("\"%1\" is not understood. See \"help assessment\".").arg(rest.first()));
 }
 
 Outcome readQuestion(Arguments arguments, Question& question)
@@ -62,13 +62,13 @@ Outcome admit(CommandContext& context, const Arguments& arguments, const QString
 {
     if (context.lesson.assessment()->isForAll() || deviceId.isEmpty())
         return Outcome::failed(
-            QStringLiteral("An assessment is under way. Use \"assessment stop\" before the next."));
+            Words::tr("An assessment is under way. Use \"assessment stop\" before the next."));
     if (!arguments.isEmpty())
-        return Outcome::failed(QStringLiteral(
+        return Outcome::failed(Words::tr(
             "An assessment is under way: its settings stay. Use \"assessment start to=LEARNER\" alone."));
     context.lesson.admit(deviceId);
     context.screen.note(
-        QStringLiteral("%1 begins the assessment, too.").arg(context.lesson.roster()->name(deviceId)));
+        Words::tr("%1 begins the assessment, too.").arg(context.lesson.roster()->name(deviceId)));
     return Outcome::done();
 }
 
@@ -88,16 +88,17 @@ Outcome showText(CommandContext& context, Arguments arguments, bool isReview)
     else
         context.lesson.showText(text, deviceId, isDismissible);
     context.screen.note(
-        QStringLiteral("The text is shown to %1.")
-            .arg(deviceId.isEmpty() ? QStringLiteral("the class") : context.lesson.roster()->name(deviceId)));
+        deviceId.isEmpty()
+            ? Words::tr("The text is shown to the class.")
+            : Words::tr("The text is shown to %1.").arg(context.lesson.roster()->name(deviceId)));
     return Outcome::done();
 }
 
 Outcome setPaused(CommandContext& context, bool paused)
 {
     paused ? context.lesson.pause() : context.lesson.resume();
-    context.screen.note(QLatin1String(paused ? "The assessment is paused; \"assessment resume\" goes on."
-                                             : "The assessment goes on."));
+    context.screen.note(paused ? Words::tr("The assessment is paused; \"assessment resume\" goes on.")
+                               : Words::tr("The assessment goes on."));
     return Outcome::done();
 }
 
@@ -120,13 +121,13 @@ Outcome assessmentQuestion(CommandContext& context, const Arguments& arguments)
 {
     if (context.facts() & Fact::Assessment)
         return Outcome::failed(
-            QStringLiteral("An assessment is under way: its questions stay. Use \"assessment stop\" first."));
+            Words::tr("An assessment is under way: its questions stay. Use \"assessment stop\" first."));
     Question question;
     if (const Outcome read = readQuestion(arguments, question); !read.isDone())
         return read;
     context.notes.write(question);
     context.screen.note(
-        QStringLiteral("Question %1 is written: %2.")
+        Words::tr("Question %1 is written: %2.")
             .arg(QString::number(context.notes.written().size()), PollKinds::description(question)));
     return Outcome::done();
 }
@@ -147,14 +148,14 @@ Outcome assessmentStart(CommandContext& context, const Arguments& given)
     Ending::stopPoll(context);
     const QStringList devices = deviceId.isEmpty() ? QStringList() : QStringList(deviceId);
     const Outcome started =
-        context.carryOut({QStringLiteral("The assessment"), QString(),
+        context.carryOut({Words::tr("The assessment"), QString(),
                           [&] { context.lesson.startAssessment(plan, devices); }, [] { return true; }});
     if (!started.isDone())
         return started;
     context.notes.useWritten();
     if (!context.screen.isLive())
-        context.screen.note(QStringLiteral("The assessment has started: %1.")
-                                .arg(Text::count(plan.questions.size(), "question")));
+        context.screen.note(
+            Words::tr("The assessment has started: %1.").arg(Text::count(plan.questions.size(), "question")));
     return started;
 }
 
@@ -197,39 +198,39 @@ using P = Place;
 // A row tells all about a command; clang-format would put each member on a line of its own.
 // clang-format off
 const Command rows[] = {
-    {"assessment question", "TYPE [ORDINAL] [OPTIONS] [EXTRA] [text=TEXT] [choices=A|B] [answer=ANSWER]", "Write a question of the next assessment.",
-     "The types are those of \"poll\". Choices are what the options say; their number is that of "
+    {"assessment question", "TYPE [ORDINAL] [OPTIONS] [EXTRA] [text=TEXT] [choices=A|B] [answer=ANSWER]", QT_TRANSLATE_NOOP("Words", "Write a question of the next assessment."),
+     QT_TRANSLATE_NOOP("Words", "The types are those of \"poll\". Choices are what the options say; their number is that of "
      "the options. ANSWER is the right one, for the marks: options by their ids, a number, or "
      "words. Where several are right, \"|\" divides them. Nothing goes out before \"assessment "
      "start\".\n"
      "Examples: assessment question number text=\"How many legs has a spider?\" answer=8\n"
-     "assessment question multiple choices=oxygen|water|light answer=BC",
+     "assessment question multiple choices=oxygen|water|light answer=BC"),
      F::Nothing, F::Questions, F::Nothing, 1, anyNumber, {P::PollType, P::Ordinal}, "text= choices= answer=", assessmentQuestion, checkQuestion},
-    {"assessment start", "[to=LEARNER] [title=TEXT] [time=SECONDS] [SETTING=yes|no ...]", "Begin an assessment of the questions written.",
-     "For one learner or, without \"to\", for the class and whoever joins it. Each learner gets "
+    {"assessment start", "[to=LEARNER] [title=TEXT] [time=SECONDS] [SETTING=yes|no ...]", QT_TRANSLATE_NOOP("Words", "Begin an assessment of the questions written."),
+     QT_TRANSLATE_NOOP("Words", "For one learner or, without \"to\", for the class and whoever joins it. Each learner gets "
      "the questions as he asks for them, at his own pace. While one is under way for single "
      "learners, \"to\" adds another. Without \"time\" it takes as long as it takes. The questions "
      "stay for another start, until the first of a new set is written. The settings, and what "
      "they are unless told otherwise: skip=no, questions may be skipped; navigate=no, one may go "
      "back to questions; resubmit=yes, answers may be changed; summary=no, the device shows a "
-     "summary at the end.",
+     "summary at the end."),
      F::Channel | F::Questions, F::Assessment | F::AnyAssessment, F::Poll, 0, anyNumber, {}, "to= title= time= skip= navigate= resubmit= summary=", assessmentStart, checkStart},
-    {"assessment results", "", "Show the results so far, by learner and by question.",
-     "A mark stands before each answer that has a right one.",
+    {"assessment results", "", QT_TRANSLATE_NOOP("Words", "Show the results so far, by learner and by question."),
+     QT_TRANSLATE_NOOP("Words", "A mark stands before each answer that has a right one."),
      F::AnyAssessment, F::Nothing, F::Nothing, 0, 0, {}, "", assessmentResults},
-    {"assessment dialog", "[to=LEARNER] [dismissible=no] TEXT", "Show a text on the learners' devices.",
-     "Also without an assessment.",
+    {"assessment dialog", "[to=LEARNER] [dismissible=no] TEXT", QT_TRANSLATE_NOOP("Words", "Show a text on the learners' devices."),
+     QT_TRANSLATE_NOOP("Words", "Also without an assessment."),
      F::Channel | F::Now, F::Nothing, F::Nothing, 1, anyNumber, {}, "to= dismissible=", assessmentDialog},
-    {"assessment review", "[to=LEARNER] TEXT", "Let the learners review their questions.",
+    {"assessment review", "[to=LEARNER] TEXT", QT_TRANSLATE_NOOP("Words", "Let the learners review their questions."),
      "",
      F::Channel | F::Now, F::Nothing, F::Nothing, 1, anyNumber, {}, "to=", assessmentReview},
-    {"assessment pause", "", "Let the learners pause.",
+    {"assessment pause", "", QT_TRANSLATE_NOOP("Words", "Let the learners pause."),
      "",
      F::Channel | F::Assessment, F::Nothing, F::Nothing, 0, 0, {}, "", assessmentPause},
-    {"assessment resume", "", "Let the learners go on.",
+    {"assessment resume", "", QT_TRANSLATE_NOOP("Words", "Let the learners go on."),
      "",
      F::Channel | F::Assessment, F::Nothing, F::Nothing, 0, 0, {}, "", assessmentResume},
-    {"assessment stop", "", "End the assessment and show its results.",
+    {"assessment stop", "", QT_TRANSLATE_NOOP("Words", "End the assessment and show its results."),
      "",
      F::Assessment, F::Nothing, F::Assessment, 0, 0, {}, "", assessmentStop},
 };

@@ -6,6 +6,7 @@
 #include "terminal/Screen.h"
 #include "text/Table.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <QFileInfo>
 
@@ -13,7 +14,7 @@ namespace {
 
 Outcome told(CommandContext& context, const QString& name)
 {
-    context.screen.note(QStringLiteral("Card shown: %1").arg(name));
+    context.screen.note(Words::tr("Card shown: %1").arg(name));
     return Outcome::done();
 }
 
@@ -21,7 +22,7 @@ Outcome told(CommandContext& context, const QString& name)
 Outcome show(CommandContext& context, const std::function<void()>& begin)
 {
     const int before = context.notes.cards();
-    return context.carryOut({QStringLiteral("The card"), QString(), begin,
+    return context.carryOut({Words::tr("The card"), QString(), begin,
                              [&context, before] { return context.notes.cards() > before; }});
 }
 
@@ -44,9 +45,8 @@ Outcome add(CommandContext& context, const QString& name, const Picture& picture
 {
     if (!context.lesson.deck()->add(name, picture))
         return Outcome::failed(
-            QStringLiteral("That is no address of a picture, such as https://... or data:image/..."));
-    context.screen.note(
-        QStringLiteral("Card %1 is \"%2\".").arg(context.lesson.deck()->rowCount()).arg(name));
+            Words::tr("That is no address of a picture, such as https://... or data:image/..."));
+    context.screen.note(Words::tr("Card %1 is \"%2\".").arg(context.lesson.deck()->rowCount()).arg(name));
     return Outcome::done();
 }
 
@@ -54,10 +54,10 @@ Outcome go(CommandContext& context, int number)
 {
     Calyx::Deck& deck = *context.lesson.deck();
     if (!deck.setCurrent(number))
-        return Outcome::failed(QStringLiteral("There is no card %1: the lesson has %2.")
+        return Outcome::failed(Words::tr("There is no card %1: the lesson has %2.")
                                    .arg(QString::number(number), Text::count(deck.rowCount(), "card")));
     context.screen.note(
-        QStringLiteral("  Card %1 of %2: %3")
+        Words::tr("  Card %1 of %2: %3")
             .arg(QString::number(number), QString::number(deck.rowCount()), deck.name(number)));
     return Outcome::done();
 }
@@ -89,7 +89,7 @@ Outcome upload(CommandContext& context, const Arguments& arguments)
     Files::Upload upload;
     if (const Outcome stored = Files::upload(context, arguments.first(), upload); !stored.isDone())
         return stored;
-    context.screen.print(QStringLiteral("Resource %1, for learners at %2")
+    context.screen.print(Words::tr("Resource %1, for learners at %2")
                              .arg(Text::clean(upload.id), Text::clean(upload.address)));
     return Outcome::done();
 }
@@ -103,15 +103,15 @@ Outcome deck(CommandContext& context, const Arguments&)
         const QString url = deck.url(number);
         rows.append({QLatin1String(number == deck.current() ? ">" : ""), QString::number(number),
                      deck.name(number),
-                     url.isEmpty() ? QStringLiteral("PNG, %1 bytes").arg(deck.picture(number).size())
+                     url.isEmpty() ? Words::tr("PNG, %1 bytes").arg(deck.picture(number).size())
                                    : Text::elide(url, longest, context.screen.style().unicode)});
     }
     if (rows.isEmpty())
-        context.screen.print(QStringLiteral("The lesson has no cards. \"deck add\" adds one."));
+        context.screen.print(Words::tr("The lesson has no cards. \"deck add\" adds one."));
     else
         context.screen.print(
-            Table::lines({QString(), QStringLiteral("#"), QStringLiteral("Card"), QStringLiteral("Picture")},
-                         rows, context.screen.style()));
+            Table::lines({QString(), QStringLiteral("#"), Words::tr("Card"), Words::tr("Picture")}, rows,
+                         context.screen.style()));
     return Outcome::done();
 }
 
@@ -168,40 +168,40 @@ using P = Place;
 // A row tells all about a command; clang-format would put each member on a line of its own.
 // clang-format off
 const Command rows[] = {
-    {"card", "FILE", "Show a PNG picture on the learners' devices.",
-     "A small picture travels in the message; one of more than 64 KiB is uploaded before.",
+    {"card", "FILE", QT_TRANSLATE_NOOP("Words", "Show a PNG picture on the learners' devices."),
+     QT_TRANSLATE_NOOP("Words", "A small picture travels in the message; one of more than 64 KiB is uploaded before."),
      F::Channel, F::Nothing, F::Nothing, 1, 1, {P::PictureFile}, "", card},
-    {"card ref", "REFERENCE", "Show a picture that devices load from an address.",
+    {"card ref", "REFERENCE", QT_TRANSLATE_NOOP("Words", "Show a picture that devices load from an address."),
      "",
      F::Channel, F::Nothing, F::Nothing, 1, 1, {}, "", cardReference},
-    {"card upload", "FILE", "Upload a picture and show it by its address.",
+    {"card upload", "FILE", QT_TRANSLATE_NOOP("Words", "Upload a picture and show it by its address."),
      "",
      F::Channel, F::Nothing, F::Nothing, 1, 1, {P::File}, "", cardUpload},
-    {"upload", "FILE", "Store a file at the service and print its address.",
+    {"upload", "FILE", QT_TRANSLATE_NOOP("Words", "Store a file at the service and print its address."),
      "",
      F::Login, F::Nothing, F::Nothing, 1, 1, {P::File}, "", upload},
-    {"deck", "", "List the cards of the lesson.",
-     "They are what the remote control goes through, and pushes to the learners.",
+    {"deck", "", QT_TRANSLATE_NOOP("Words", "List the cards of the lesson."),
+     QT_TRANSLATE_NOOP("Words", "They are what the remote control goes through, and pushes to the learners."),
      F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", deck},
-    {"deck add", "FILE [name=TEXT]", "Add a PNG picture to the lesson's cards.",
+    {"deck add", "FILE [name=TEXT]", QT_TRANSLATE_NOOP("Words", "Add a PNG picture to the lesson's cards."),
      "",
      F::Nothing, F::Cards, F::Nothing, 1, 2, {P::PictureFile}, "name=", deckAdd},
-    {"deck upload", "FILE [name=TEXT]", "Upload a picture and add it by its address.",
+    {"deck upload", "FILE [name=TEXT]", QT_TRANSLATE_NOOP("Words", "Upload a picture and add it by its address."),
      "",
      F::Login, F::Cards, F::Nothing, 1, 2, {P::File}, "name=", deckUpload},
-    {"deck ref", "REFERENCE [name=TEXT]", "Add a picture that devices load from an address.",
+    {"deck ref", "REFERENCE [name=TEXT]", QT_TRANSLATE_NOOP("Words", "Add a picture that devices load from an address."),
      "",
      F::Nothing, F::Cards, F::Nothing, 1, 2, {}, "name=", deckReference},
-    {"deck next", "", "Go to the next card.",
+    {"deck next", "", QT_TRANSLATE_NOOP("Words", "Go to the next card."),
      "",
      F::Cards, F::Nothing, F::Nothing, 0, 0, {}, "", deckNext},
-    {"deck previous", "", "Go to the card before.",
+    {"deck previous", "", QT_TRANSLATE_NOOP("Words", "Go to the card before."),
      "",
      F::Cards, F::Nothing, F::Nothing, 0, 0, {}, "", deckPrevious},
-    {"deck go", "NUMBER", "Go to a card.",
+    {"deck go", "NUMBER", QT_TRANSLATE_NOOP("Words", "Go to a card."),
      "",
      F::Cards, F::Nothing, F::Nothing, 1, 1, {P::Number}, "", deckGo},
-    {"deck show", "", "Show the current card on the learners' devices.",
+    {"deck show", "", QT_TRANSLATE_NOOP("Words", "Show the current card on the learners' devices."),
      "",
      F::Channel | F::Cards, F::Nothing, F::Nothing, 0, 0, {}, "", deckShow},
 };

@@ -5,6 +5,7 @@
 #include "terminal/Screen.h"
 #include "text/JsonText.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <CalyxClient/PresenterCollab>
 
@@ -13,7 +14,7 @@ namespace {
 constexpr int mostCards = 1000;
 
 Outcome told(CommandContext& context, const std::function<void(PresenterCollab*)>& work,
-             const QString& text = QStringLiteral("The remote control has been told."))
+             const QString& text = Words::tr("The remote control has been told."))
 {
     context.lesson.onChannel(work);
     context.screen.note(text);
@@ -33,7 +34,7 @@ Outcome checkRemoteCard(const QString&, const Arguments& arguments)
     if (current >= 1 && current <= total && total <= mostCards)
         return Outcome::done();
     return Outcome::failed(
-        QStringLiteral("The card's number goes from 1 to the number of cards, which is at most %1.")
+        Words::tr("The card's number goes from 1 to the number of cards, which is at most %1.")
             .arg(mostCards));
 }
 
@@ -55,7 +56,7 @@ Outcome publish(CommandContext& context, const Arguments& arguments)
         [=](PresenterCollab* collab) {
             collab->publishMessage(arguments.at(0), arguments.at(1), arguments.at(2));
         },
-        QStringLiteral("A message of type %1 is published to %2.")
+        Words::tr("A message of type %1 is published to %2.")
             .arg(Text::clean(arguments.at(1)), Text::clean(arguments.at(0))));
 }
 
@@ -63,7 +64,7 @@ Outcome ping(CommandContext& context, const Arguments&)
 {
     return told(
         context, [](PresenterCollab* collab) { collab->sendPing(); },
-        QStringLiteral("A ping was sent on the live channel."));
+        Words::tr("A ping was sent on the live channel."));
 }
 
 Outcome lesson(CommandContext& context, const Arguments& given)
@@ -73,21 +74,21 @@ Outcome lesson(CommandContext& context, const Arguments& given)
     ArgumentReader::takeSetting(arguments, QStringLiteral("id"), id);
     const QString name = arguments.isEmpty() ? context.notes.lessonName() : arguments.join(QLatin1Char(' '));
     context.notes.setName(id, name);
-    context.screen.note(QStringLiteral("The lesson is called \"%1\".").arg(Text::clean(name)));
+    context.screen.note(Words::tr("The lesson is called \"%1\".").arg(Text::clean(name)));
     return Outcome::done();
 }
 
 Outcome lock(CommandContext& context, const Arguments&)
 {
     context.lesson.setLocked(true);
-    context.screen.note(QStringLiteral("The learners' devices are locked; \"unlock\" frees them."));
+    context.screen.note(Words::tr("The learners' devices are locked; \"unlock\" frees them."));
     return Outcome::done();
 }
 
 Outcome unlock(CommandContext& context, const Arguments&)
 {
     context.lesson.setLocked(false);
-    context.screen.note(QStringLiteral("The learners' devices are not locked."));
+    context.screen.note(Words::tr("The learners' devices are not locked."));
     return Outcome::done();
 }
 
@@ -95,7 +96,7 @@ Outcome heavy(CommandContext& context, const Arguments&)
 {
     return told(
         context, [](PresenterCollab* collab) { collab->sendHeavy(); },
-        QStringLiteral("The learners' devices expect something large."));
+        Words::tr("The learners' devices expect something large."));
 }
 
 namespace F = Fact;
@@ -104,32 +105,32 @@ using P = Place;
 // A row tells all about a command; clang-format would put each member on a line of its own.
 // clang-format off
 const Command rows[] = {
-    {"remote lesson", "ID NAME", "Tell the remote control of some lesson.",
-     "By itself it is told of this one.",
+    {"remote lesson", "ID NAME", QT_TRANSLATE_NOOP("Words", "Tell the remote control of some lesson."),
+     QT_TRANSLATE_NOOP("Words", "By itself it is told of this one."),
      F::Channel | F::Now, F::Nothing, F::Nothing, 2, 2, {}, "", remoteLesson},
-    {"remote card", "NUMBER TOTAL", "Tell the remote control which card is shown.",
+    {"remote card", "NUMBER TOTAL", QT_TRANSLATE_NOOP("Words", "Tell the remote control which card is shown."),
      "",
      F::Channel | F::Now, F::Nothing, F::Nothing, 2, 2, {P::Number, P::Number}, "", remoteCard, checkRemoteCard},
-    {"remote active", "", "Tell the remote control that the presenter is here.",
+    {"remote active", "", QT_TRANSLATE_NOOP("Words", "Tell the remote control that the presenter is here."),
      "",
      F::Channel | F::Now, F::Nothing, F::Nothing, 0, 0, {}, "", remoteActive},
-    {"publish", "ADDRESS TYPE JSON", "Publish a message of your own.",
-     "An ADDRESS that begins with \".\" is below the session: .learner, .controller, "
-     ".user.DEVICE. Example: publish .learner heavy '\"\"'",
+    {"publish", "ADDRESS TYPE JSON", QT_TRANSLATE_NOOP("Words", "Publish a message of your own."),
+     QT_TRANSLATE_NOOP("Words", "An ADDRESS that begins with \".\" is below the session: .learner, .controller, "
+     ".user.DEVICE. Example: publish .learner heavy '\"\"'"),
      F::Channel | F::Now, F::Nothing, F::Nothing, 3, 3, {}, "", publish},
-    {"ping", "", "Send a ping on the live channel.",
-     "Every minute this happens by itself.",
+    {"ping", "", QT_TRANSLATE_NOOP("Words", "Send a ping on the live channel."),
+     QT_TRANSLATE_NOOP("Words", "Every minute this happens by itself."),
      F::Channel | F::Now, F::Nothing, F::Nothing, 0, 0, {}, "", ping},
-    {"lesson", "[NAME] [id=ID]", "Name the lesson, for the remote control.",
-     "Without a name of its own it is called as its script.",
+    {"lesson", "[NAME] [id=ID]", QT_TRANSLATE_NOOP("Words", "Name the lesson, for the remote control."),
+     QT_TRANSLATE_NOOP("Words", "Without a name of its own it is called as its script."),
      F::Nothing, F::Nothing, F::Nothing, 1, anyNumber, {}, "id=", lesson},
-    {"lock", "", "Cover the learners' devices with a text.",
-     "Until \"unlock\", or until the next poll starts.",
+    {"lock", "", QT_TRANSLATE_NOOP("Words", "Cover the learners' devices with a text."),
+     QT_TRANSLATE_NOOP("Words", "Until \"unlock\", or until the next poll starts."),
      F::Channel, F::Nothing, F::Nothing, 0, 0, {}, "", lock},
-    {"unlock", "", "Let the learners go on.",
+    {"unlock", "", QT_TRANSLATE_NOOP("Words", "Let the learners go on."),
      "",
      F::Channel, F::Nothing, F::Nothing, 0, 0, {}, "", unlock},
-    {"heavy", "", "Tell the learners' devices that something large is coming.",
+    {"heavy", "", QT_TRANSLATE_NOOP("Words", "Tell the learners' devices that something large is coming."),
      "",
      F::Channel | F::Now, F::Nothing, F::Nothing, 0, 0, {}, "", heavy},
 };

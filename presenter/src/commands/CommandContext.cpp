@@ -4,6 +4,7 @@
 #include "lesson/Notebook.h"
 #include "terminal/Screen.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <CalyxClient/PresenterClient>
 
@@ -24,16 +25,19 @@ const struct
     int fact;
     const char* advice;
 } advices[] = {
-    {Fact::Login, "This needs a login. Use \"login\" first."},
-    {Fact::Session, "There is no session. Use \"session start\" first."},
-    {Fact::Opened, "There is no session. Use \"session start\" first."},
-    {Fact::Channel, "The live channel is closed. Use \"session reconnect\" to open it again."},
-    {Fact::Poll, "No poll is running. Use \"poll TYPE\" to start one."},
-    {Fact::AnyPoll, "No poll has been put. Use \"poll TYPE\"."},
-    {Fact::Assessment, "No assessment is under way. Use \"assessment start\"."},
-    {Fact::AnyAssessment, "There has been no assessment. Use \"assessment start\"."},
-    {Fact::Questions, "There are no questions. Use \"assessment question\" first."},
-    {Fact::Cards, "The lesson has no cards. Use \"deck add\"."},
+    {Fact::Login, QT_TRANSLATE_NOOP("Words", "This needs a login. Use \"login\" first.")},
+    {Fact::Session, QT_TRANSLATE_NOOP("Words", "There is no session. Use \"session start\" first.")},
+    {Fact::Opened, QT_TRANSLATE_NOOP("Words", "There is no session. Use \"session start\" first.")},
+    {Fact::Channel,
+     QT_TRANSLATE_NOOP("Words", "The live channel is closed. Use \"session reconnect\" to open it again.")},
+    {Fact::Poll, QT_TRANSLATE_NOOP("Words", "No poll is running. Use \"poll TYPE\" to start one.")},
+    {Fact::AnyPoll, QT_TRANSLATE_NOOP("Words", "No poll has been put. Use \"poll TYPE\".")},
+    {Fact::Assessment, QT_TRANSLATE_NOOP("Words", "No assessment is under way. Use \"assessment start\".")},
+    {Fact::AnyAssessment,
+     QT_TRANSLATE_NOOP("Words", "There has been no assessment. Use \"assessment start\".")},
+    {Fact::Questions,
+     QT_TRANSLATE_NOOP("Words", "There are no questions. Use \"assessment question\" first.")},
+    {Fact::Cards, QT_TRANSLATE_NOOP("Words", "The lesson has no cards. Use \"deck add\".")},
 };
 
 bool isUnreachable(LessonError::Kind kind)
@@ -88,10 +92,10 @@ Outcome CommandContext::require(int needs, int facts)
 {
     const bool isNeverLive = (needs & Fact::Channel) && !(facts & (Fact::Channel | Fact::Opened));
     if (isNeverLive)
-        return Outcome::failed(QStringLiteral("No session is live. Use \"session start\" first."));
+        return Outcome::failed(Words::tr("No session is live. Use \"session start\" first."));
     for (const auto& [fact, advice] : advices) {
         if ((needs & fact) && !(facts & fact))
-            return Outcome::failed(QLatin1String(advice));
+            return Outcome::failed(Words::tr(advice));
     }
     return Outcome::done();
 }
@@ -137,8 +141,8 @@ Outcome CommandContext::askService(const QString& what, const QString& hint,
 Outcome CommandContext::waitForChannel()
 {
     const auto isOver = [this] { return lesson.state() != Lesson::Reconnecting || notes.isDisconnected; };
-    if (waiter.until(isOver, unlimited, [] { return QStringLiteral("the live channel"); }) != Waiter::Met)
-        return Outcome::failed(QStringLiteral("The wait for the live channel was given up."));
+    if (waiter.until(isOver, unlimited, [] { return Words::tr("the live channel"); }) != Waiter::Met)
+        return Outcome::failed(Words::tr("The wait for the live channel was given up."));
     return require(Fact::Channel);
 }
 
@@ -148,31 +152,30 @@ Outcome CommandContext::refused(const QString& what, const QString& hint, const 
     const QString key = Text::clean(error.key);
     switch (error.kind) {
     case LessonError::Cancelled:
-        return Outcome::failed(QStringLiteral("%1 was given up.").arg(what));
+        return Outcome::failed(Words::tr("%1 was given up.").arg(what));
     case LessonError::BadInput:
         return Outcome::failed(error.text);
     case LessonError::NoChannel:
-        return Outcome::failed(
-            QStringLiteral("The live channel to %1 did not open. Check that the network lets "
-                           "it through, or name other transports with --transports.")
-                .arg(server));
+        return Outcome::failed(Words::tr("The live channel to %1 did not open. Check that the network lets "
+                                         "it through, or name other transports with --transports.")
+                                   .arg(server));
     case LessonError::Unreachable:
         return Outcome::unreachable(
-            QStringLiteral("%1 failed: no classroom service answers at %2. Check --server, and that the "
-                           "service is running.")
+            Words::tr("%1 failed: no classroom service answers at %2. Check --server, and that the "
+                      "service is running.")
                 .arg(what, server));
     case LessonError::UnknownAuthority:
         return Outcome::unreachable(
-            QStringLiteral("%1 failed (%2). The certificate of %3 is signed by an authority that this "
-                           "machine does not know: install the authority's certificate.")
+            Words::tr("%1 failed (%2). The certificate of %3 is signed by an authority that this "
+                      "machine does not know: install the authority's certificate.")
                 .arg(what, missingRoot, server));
     default:
         break;
     }
     if (isUnreachable(error.kind))
-        return Outcome::unreachable(QStringLiteral("%1 failed. %2 %3").arg(what, error.text, error.advice));
-    return Outcome::failed(key.isEmpty() ? QStringLiteral("%1 failed. %2 %3").arg(what, error.text, hint)
-                                         : QStringLiteral("%1 was refused (%2). %3").arg(what, key, hint));
+        return Outcome::unreachable(Words::tr("%1 failed. %2 %3").arg(what, error.text, error.advice));
+    return Outcome::failed(key.isEmpty() ? Words::tr("%1 failed. %2 %3").arg(what, error.text, hint)
+                                         : Words::tr("%1 was refused (%2). %3").arg(what, key, hint));
 }
 
 void CommandContext::take(const LessonError& error)

@@ -2,6 +2,7 @@
 
 #include "commands/CommandTable.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 namespace {
 
@@ -13,10 +14,10 @@ QStringList topicLines(const CommandTable::Topic& topic, int columns)
     int width = 0;
     for (const Command& command : topic.commands)
         width = qMax(width, QString(QLatin1String(command.name)).size());
-    QStringList lines = {QLatin1String(topic.title)};
+    QStringList lines = {Words::tr(topic.title)};
     for (const Command& command : topic.commands) {
         const QString name = Text::padRight(QLatin1String(command.name), width + indent);
-        lines += Text::wrap(name + QLatin1String(command.summary), columns, indent, width + 2 * indent);
+        lines += Text::wrap(name + Words::tr(command.summary), columns, indent, width + 2 * indent);
     }
     return lines;
 }
@@ -24,9 +25,9 @@ QStringList topicLines(const CommandTable::Topic& topic, int columns)
 QStringList commandLines(const Command& command, int columns)
 {
     QStringList lines = Text::wrap(CommandTable::usage(command), columns, 0, deepIndent);
-    lines += Text::wrap(QLatin1String(command.summary), columns, deepIndent, deepIndent);
-    const QStringList details =
-        QString::fromUtf8(command.details).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    lines += Text::wrap(Words::tr(command.summary), columns, deepIndent, deepIndent);
+    const QString text = *command.details ? Words::tr(command.details) : QString();
+    const QStringList details = text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     for (const QString& paragraph : details)
         lines += Text::wrap(paragraph, columns, deepIndent, deepIndent);
     return lines;
@@ -46,8 +47,8 @@ QStringList CommandHelp::overview(int columns)
         lines += Text::wrap(title + names.join(QStringLiteral(", ")), columns, 0, width);
     }
     lines.replaceInStrings(QString(QChar::Nbsp), QStringLiteral(" "));
-    return lines + Text::wrap(QStringLiteral("\"help TOPIC\" says what its commands do (\"help polls\"), "
-                                             "\"help COMMAND\" how (\"help poll stop\")."),
+    return lines + Text::wrap(Words::tr("\"help TOPIC\" says what its commands do (\"help polls\"), "
+                                        "\"help COMMAND\" how (\"help poll stop\")."),
                               columns, 0, 0);
 }
 

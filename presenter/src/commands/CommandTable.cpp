@@ -6,6 +6,7 @@
 #include "text/LineSyntax.h"
 #include "text/Suggestions.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <algorithm>
 #include <iterator>
@@ -26,7 +27,7 @@ QString unknown(const QStringList& words)
         for (const Command* member : family)
             members.append(QLatin1String(member->name));
         const QString typed = words.mid(0, 2).join(QLatin1Char(' '));
-        return QStringLiteral("There is no command \"%1\".%2 There are: %3.")
+        return Words::tr("There is no command \"%1\".%2 There are: %3.")
             .arg(Text::clean(typed), Suggestions::question(typed, members),
                  members.join(QStringLiteral(", ")));
     }
@@ -34,7 +35,7 @@ QString unknown(const QStringList& words)
     for (const Command& command : CommandTable::commands())
         known.append(QString(QLatin1String(command.name)).section(QLatin1Char(' '), 0, 0));
     known.removeDuplicates();
-    return QStringLiteral("There is no command \"%1\".%2 \"help\" lists all.")
+    return Words::tr("There is no command \"%1\".%2 \"help\" lists all.")
         .arg(Text::clean(first), Suggestions::question(first, known));
 }
 
@@ -50,16 +51,16 @@ QString fault(const Command& command, Place place, const QString& word)
     Calyx::PollType::POLL_TYPE type;
     qint64 msecs = 0;
     if (place == Place::Number && !isNumber(word))
-        return QStringLiteral("\"%1\" is not a whole number.").arg(word);
+        return Words::tr("\"%1\" is not a whole number.").arg(word);
     if (place == Place::Seconds && !ArgumentReader::readSeconds(word, msecs))
-        return QStringLiteral("\"%1\" is not a number of seconds.").arg(word);
+        return Words::tr("\"%1\" is not a number of seconds.").arg(word);
     if (place == Place::Amount && !isNumber(word) && word != QLatin1String("all"))
-        return QStringLiteral("\"%1\" is neither a whole number nor \"all\".").arg(word);
+        return Words::tr("\"%1\" is neither a whole number nor \"all\".").arg(word);
     const QStringList keywords = CommandTable::keywords(command);
     if (place == Place::Keyword && !keywords.contains(word))
-        return QStringLiteral("\"%1\" is not understood.%2").arg(word, Suggestions::question(word, keywords));
+        return Words::tr("\"%1\" is not understood.%2").arg(word, Suggestions::question(word, keywords));
     if (place == Place::PollType && !PollKinds::readType(word, type))
-        return QStringLiteral("There is no poll type \"%1\".%2 The types are: %3.")
+        return Words::tr("There is no poll type \"%1\".%2 The types are: %3.")
             .arg(word, Suggestions::question(word, PollKinds::typeNames()),
                  PollKinds::typeNames().join(QStringLiteral(", ")));
     return QString();
@@ -74,21 +75,22 @@ QString fault(const Command& command, const Arguments& arguments)
     }
     const bool isCountRight =
         arguments.size() >= command.least && (command.most < 0 || arguments.size() <= command.most);
-    return isCountRight ? QString() : QStringLiteral("Usage: %1").arg(CommandTable::usage(command));
+    return isCountRight ? QString() : Words::tr("Usage: %1").arg(CommandTable::usage(command));
 }
 
 } // namespace
 
 const QVector<CommandTable::Topic>& CommandTable::topics()
 {
-    static const QVector<Topic> all = {{"accounts", "Logging in and out", account()},
-                                       {"sessions", "Sessions and who is in them", session()},
-                                       {"polls", "Polls", polls()},
-                                       {"cards", "Pictures and the cards of the lesson", cards()},
-                                       {"devices", "Learners' devices and the remote control", devices()},
-                                       {"assessments", "Assessments", assessments()},
-                                       {"steps", "The steps of a lesson", flow()},
-                                       {"console", "This program", general()}};
+    static const QVector<Topic> all = {
+        {"accounts", QT_TRANSLATE_NOOP("Words", "Logging in and out"), account()},
+        {"sessions", QT_TRANSLATE_NOOP("Words", "Sessions and who is in them"), session()},
+        {"polls", QT_TRANSLATE_NOOP("Words", "Polls"), polls()},
+        {"cards", QT_TRANSLATE_NOOP("Words", "Pictures and the cards of the lesson"), cards()},
+        {"devices", QT_TRANSLATE_NOOP("Words", "Learners' devices and the remote control"), devices()},
+        {"assessments", QT_TRANSLATE_NOOP("Words", "Assessments"), assessments()},
+        {"steps", QT_TRANSLATE_NOOP("Words", "The steps of a lesson"), flow()},
+        {"console", QT_TRANSLATE_NOOP("Words", "This program"), general()}};
     return all;
 }
 

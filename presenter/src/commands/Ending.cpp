@@ -8,6 +8,7 @@
 #include "terminal/Screen.h"
 #include "text/Table.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <algorithm>
 
@@ -44,7 +45,7 @@ QStringList rowOf(const Poll& poll)
     const ChartData data = Charts::of(poll);
     return {QString::number(poll.number()),
             PollKinds::typeName(poll.question().type),
-            QStringLiteral("%1 of %2").arg(data.answered).arg(data.expected),
+            Words::tr("%1 of %2").arg(data.answered).arg(data.expected),
             poll.question().isMarked() ? QString::number(poll.rightAnswers()) : QString(),
             Text::duration(data.seconds),
             mostFrequent(data.bars)};
@@ -59,7 +60,7 @@ QString total(CommandContext& context)
         answers += poll->answered();
         late += lateAnswers(*poll);
     }
-    return QStringLiteral("Total: %1, %2, %3, %4, %5.")
+    return Words::tr("Total: %1, %2, %3, %4, %5.")
         .arg(Text::count(context.lesson.roster()->mostPresent(), "learner"),
              Text::count(polls.size(), "poll"), Text::count(answers, "answer"),
              Text::count(context.notes.cards(), "card"), Text::count(late, "late answer"));
@@ -110,8 +111,8 @@ void Ending::printSummary(CommandContext& context)
         rows.append(rowOf(*poll));
     const bool isMarked =
         std::any_of(rows.begin(), rows.end(), [](const QStringList& row) { return !row.at(3).isEmpty(); });
-    QStringList header = {QStringLiteral("#"),     QStringLiteral("Poll"), QStringLiteral("Answers"),
-                          QStringLiteral("Right"), QStringLiteral("Time"), QStringLiteral("Most frequent")};
+    QStringList header = {QStringLiteral("#"), Words::tr("Poll"), Words::tr("Answers"),
+                          Words::tr("Right"),  Words::tr("Time"), Words::tr("Most frequent")};
     for (QStringList& row : rows) {
         if (!isMarked)
             row.removeAt(3);
@@ -147,9 +148,9 @@ bool Ending::endLesson(CommandContext& context)
     const bool hadSession = context.facts() & Fact::Opened;
     const Outcome outcome = logOut(context);
     if (hadSession)
-        context.screen.note(QStringLiteral("The session is stopped."));
+        context.screen.note(Words::tr("The session is stopped."));
     if (outcome.isDone())
-        context.screen.note(QStringLiteral("Logged out."));
+        context.screen.note(Words::tr("Logged out."));
     else
         context.screen.error(outcome.message);
     return outcome.isDone();
@@ -158,6 +159,6 @@ bool Ending::endLesson(CommandContext& context)
 Outcome Ending::logOut(CommandContext& context)
 {
     Lesson& lesson = context.lesson;
-    return context.carryOut({QStringLiteral("Logging out"), QStringLiteral("Try it again."),
-                             [&] { lesson.logOut(); }, [&] { return lesson.state() == Lesson::LoggedOut; }});
+    return context.carryOut({Words::tr("Logging out"), Words::tr("Try it again."), [&] { lesson.logOut(); },
+                             [&] { return lesson.state() == Lesson::LoggedOut; }});
 }

@@ -2,6 +2,7 @@
 
 #include "commands/CommandContext.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <CalyxClient/PresenterClient>
 
@@ -16,9 +17,9 @@ Outcome Files::read(const QString& folder, const QString& name, QByteArray& cont
     constexpr qint64 largest = qint64{16} * 1024 * 1024;
     QFile file(QDir(folder).filePath(name));
     if (!file.open(QIODevice::ReadOnly))
-        return Outcome::failed(QStringLiteral("%1 cannot be read: %2.").arg(name, file.errorString()));
+        return Outcome::failed(Words::tr("%1 cannot be read: %2.").arg(name, file.errorString()));
     if (file.size() > largest)
-        return Outcome::failed(QStringLiteral("%1 is larger than 16 MiB.").arg(name));
+        return Outcome::failed(Words::tr("%1 is larger than 16 MiB.").arg(name));
     content = file.readAll();
     return Outcome::done();
 }
@@ -28,7 +29,7 @@ Outcome Files::readPicture(const QString& folder, const QString& name, QByteArra
     const Outcome read = Files::read(folder, name, png);
     if (read.isDone() && !png.startsWith("\x89PNG\r\n\x1a\n"))
         return Outcome::failed(
-            QStringLiteral("%1 is not a PNG file. Others can be uploaded: see \"help card\".").arg(name));
+            Words::tr("%1 is not a PNG file. Others can be uploaded: see \"help card\".").arg(name));
     return read;
 }
 
@@ -41,21 +42,22 @@ Outcome Files::upload(CommandContext& context, const QString& name, Upload& uplo
     QString plainName = Text::clean(QFileInfo(name).fileName());
     plainName.replace(QLatin1Char('"'), QLatin1Char('_'));
     const auto stored = std::make_shared<Upload>();
-    const Outcome outcome = context.askService(
-        QStringLiteral("The upload of %1").arg(name),
-        QStringLiteral("Check that you are logged in and that the file is not too large for "
-                       "the service."),
-        [=](PresenterClient* client) {
-            QString path;
-            const bool isDone = client->doUploadResource(plainName, content, &stored->id, &path);
-            stored->address = client->server() + path;
-            return isDone;
-        });
+    const Outcome outcome =
+        context.askService(Words::tr("The upload of %1").arg(name),
+                           Words::tr("Check that you are logged in and that the file is not too large for "
+                                     "the service."),
+                           [=](PresenterClient* client) {
+                               QString path;
+                               const bool isDone =
+                                   client->doUploadResource(plainName, content, &stored->id, &path);
+                               stored->address = client->server() + path;
+                               return isDone;
+                           });
     if (!outcome.isDone())
         return outcome;
     upload = *stored;
-    return upload.id.isEmpty() ? Outcome::failed(QStringLiteral("%1 was uploaded, but the service gave no id "
-                                                                "for it.")
+    return upload.id.isEmpty() ? Outcome::failed(Words::tr("%1 was uploaded, but the service gave no id "
+                                                           "for it.")
                                                      .arg(name))
                                : Outcome::done();
 }

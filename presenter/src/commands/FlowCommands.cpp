@@ -4,6 +4,7 @@
 #include "commands/Waiter.h"
 #include "terminal/Screen.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <CalyxClient/Lesson>
 
@@ -29,13 +30,13 @@ Goal learnersGoal(const Lesson& lesson, const QString& amount)
 {
     const auto have = [roster = lesson.roster()] { return roster->presentCount(); };
     const auto want = [wanted = amount.toInt()] { return wanted; };
-    return {have, want, [=] { return QStringLiteral("%1 of %2 learners are here").arg(have()).arg(want()); }};
+    return {have, want, [=] { return Words::tr("%1 of %2 learners are here").arg(have()).arg(want()); }};
 }
 
-QString withMissing(const QString& state, const QString& what, const QStringList& missing)
+// Their places: how far it is, and who is missing.
+QString withMissing(const QString& state, const QString& sentence, const QStringList& missing)
 {
-    return missing.isEmpty() ? state
-                             : QStringLiteral("%1; %2 %3").arg(state, what, Text::list(missing, mostNames));
+    return missing.isEmpty() ? state : sentence.arg(state, Text::list(missing, mostNames));
 }
 
 // "all" are those who are here, and one at least.
@@ -50,8 +51,8 @@ Goal answersGoal(const Lesson& lesson, const QString& amount)
     const auto have = [&lesson] { return lesson.poll()->answered(); };
     const auto want = [&lesson, amount] { return wantedOf(amount, lesson.poll()->expected()); };
     const auto state = [&lesson, have, want] {
-        return withMissing(QStringLiteral("%1 of %2 answers have come").arg(have()).arg(want()),
-                           QStringLiteral("none yet from"),
+        return withMissing(Words::tr("%1 of %2 answers have come").arg(have()).arg(want()),
+                           Words::tr("%1; none yet from %2"),
                            ArgumentReader::names(*lesson.roster(), lesson.poll()->missing()));
     };
     return {have, want, state};
@@ -63,11 +64,10 @@ Goal assessmentGoal(const Lesson& lesson, const QString& amount)
     const auto want = [&lesson, amount] { return wantedOf(amount, lesson.assessment()->expected()); };
     const auto state = [&lesson, have, want] {
         const Calyx::Assessment& assessment = *lesson.assessment();
-        return withMissing(QStringLiteral("%1 of %2 learners have finished").arg(have()).arg(want()),
-                           QStringLiteral("not yet"),
-                           ArgumentReader::names(*lesson.roster(), assessment.isRunning()
-                                                                       ? assessment.unfinished()
-                                                                       : QStringList()));
+        return withMissing(
+            Words::tr("%1 of %2 learners have finished").arg(have()).arg(want()), Words::tr("%1; not yet %2"),
+            ArgumentReader::names(*lesson.roster(),
+                                  assessment.isRunning() ? assessment.unfinished() : QStringList()));
     };
     return {have, want, state};
 }
@@ -96,17 +96,17 @@ Outcome wait(CommandContext& context, Arguments arguments, const Goal& goal)
     if (isReached())
         return told(context, goal.state() + QLatin1Char('.'));
     if (result == Waiter::Interrupted)
-        return Outcome::failed(QStringLiteral("The wait was given up: %1.").arg(goal.state()));
+        return Outcome::failed(Words::tr("The wait was given up: %1.").arg(goal.state()));
     if (isLost())
-        return Outcome::failed(QStringLiteral("The session was lost while waiting: %1.").arg(goal.state()));
-    return Outcome::failed(QStringLiteral("After %1, %2.").arg(Text::seconds(limit), goal.state()));
+        return Outcome::failed(Words::tr("The session was lost while waiting: %1.").arg(goal.state()));
+    return Outcome::failed(Words::tr("After %1, %2.").arg(Text::seconds(limit), goal.state()));
 }
 
 Outcome expect(CommandContext& context, const Goal& goal)
 {
     if (goal.have() != goal.want())
-        return Outcome::failed(QStringLiteral("Expected otherwise: %1.").arg(goal.state()));
-    return told(context, QStringLiteral("As expected: %1.").arg(goal.state()));
+        return Outcome::failed(Words::tr("Expected otherwise: %1.").arg(goal.state()));
+    return told(context, Words::tr("As expected: %1.").arg(goal.state()));
 }
 
 Outcome say(CommandContext& context, const Arguments& arguments)
@@ -131,9 +131,9 @@ Outcome pause(CommandContext& context, const Arguments& arguments)
     ArgumentReader::readSeconds(arguments.first(), msecs);
     const QString length = Text::seconds(msecs);
     return context.waiter.pause(static_cast<int>(msecs),
-                                [length] { return QStringLiteral("A pause of %1").arg(length); })
-               ? told(context, QStringLiteral("Paused for %1.").arg(length))
-               : Outcome::failed(QStringLiteral("The pause was cut short."));
+                                [length] { return Words::tr("A pause of %1").arg(length); })
+               ? told(context, Words::tr("Paused for %1.").arg(length))
+               : Outcome::failed(Words::tr("The pause was cut short."));
 }
 
 Outcome waitLearners(CommandContext& context, const Arguments& arguments)
@@ -172,31 +172,31 @@ using P = Place;
 // A row tells all about a command; clang-format would put each member on a line of its own.
 // clang-format off
 const Command rows[] = {
-    {"wait learners", "N [within SECONDS]", "Wait until N learners are here.",
-     "For a minute, unless told otherwise here or by \"set wait-limit\".",
+    {"wait learners", "N [within SECONDS]", QT_TRANSLATE_NOOP("Words", "Wait until N learners are here."),
+     QT_TRANSLATE_NOOP("Words", "For a minute, unless told otherwise here or by \"set wait-limit\"."),
      F::Channel, F::Nothing, F::Nothing, 1, 3, {P::Number, P::Keyword, P::Seconds}, "within", waitLearners, checkWait},
-    {"wait answers", "N|all [within SECONDS]", "Wait until N answers have come, or those of all learners.",
-     "For a minute, unless told otherwise here or by \"set wait-limit\".",
+    {"wait answers", "N|all [within SECONDS]", QT_TRANSLATE_NOOP("Words", "Wait until N answers have come, or those of all learners."),
+     QT_TRANSLATE_NOOP("Words", "For a minute, unless told otherwise here or by \"set wait-limit\"."),
      F::AnyPoll, F::Nothing, F::Nothing, 1, 3, {P::Amount, P::Keyword, P::Seconds}, "within", waitAnswers, checkWait},
-    {"wait assessment", "N|all [within SECONDS]", "Wait until N learners, or all, have finished the assessment.",
-     "For a minute, unless told otherwise here or by \"set wait-limit\".",
+    {"wait assessment", "N|all [within SECONDS]", QT_TRANSLATE_NOOP("Words", "Wait until N learners, or all, have finished the assessment."),
+     QT_TRANSLATE_NOOP("Words", "For a minute, unless told otherwise here or by \"set wait-limit\"."),
      F::AnyAssessment, F::Nothing, F::Nothing, 1, 3, {P::Amount, P::Keyword, P::Seconds}, "within", waitAssessment, checkWait},
-    {"expect learners", "N", "Fail unless N learners are here.",
+    {"expect learners", "N", QT_TRANSLATE_NOOP("Words", "Fail unless N learners are here."),
      "",
      F::Nothing, F::Nothing, F::Nothing, 1, 1, {P::Number}, "", expectLearners},
-    {"expect answers", "N|all", "Fail unless the last poll has N answers, or those of all learners.",
+    {"expect answers", "N|all", QT_TRANSLATE_NOOP("Words", "Fail unless the last poll has N answers, or those of all learners."),
      "",
      F::AnyPoll, F::Nothing, F::Nothing, 1, 1, {P::Amount}, "", expectAnswers},
-    {"expect assessment", "N|all", "Fail unless N learners, or all, have finished the assessment.",
+    {"expect assessment", "N|all", QT_TRANSLATE_NOOP("Words", "Fail unless N learners, or all, have finished the assessment."),
      "",
      F::AnyAssessment, F::Nothing, F::Nothing, 1, 1, {P::Amount}, "", expectAssessment},
-    {"say", "[TEXT]", "Print a line.",
+    {"say", "[TEXT]", QT_TRANSLATE_NOOP("Words", "Print a line."),
      "",
      F::Nothing, F::Nothing, F::Nothing, 0, asText, {}, "", say},
-    {"heading", "TEXT", "Print a heading.",
+    {"heading", "TEXT", QT_TRANSLATE_NOOP("Words", "Print a heading."),
      "",
      F::Nothing, F::Nothing, F::Nothing, 1, asText, {}, "", heading},
-    {"pause", "SECONDS", "Do nothing for a while.",
+    {"pause", "SECONDS", QT_TRANSLATE_NOOP("Words", "Do nothing for a while."),
      "",
      F::Nothing, F::Nothing, F::Nothing, 1, 1, {P::Seconds}, "", pause},
 };

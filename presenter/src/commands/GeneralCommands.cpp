@@ -5,6 +5,7 @@
 #include "terminal/Screen.h"
 #include "text/Suggestions.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <CalyxClient/Lesson>
 #include <CalyxClient/SockJSConnector>
@@ -17,7 +18,7 @@ Outcome checkTransports(const QStringList& names)
     for (const QString& name : names) {
         if (!known.contains(name))
             return Outcome::failed(
-                QStringLiteral("There is no transport \"%1\".%2 There are %3.")
+                Words::tr("There is no transport \"%1\".%2 There are %3.")
                     .arg(name, Suggestions::question(name, known), known.join(QStringLiteral(", "))));
     }
     return Outcome::done();
@@ -32,7 +33,7 @@ Outcome checkSet(const QString&, const Arguments& arguments)
     if (values.size() == 1 && ArgumentReader::readSeconds(values.first(), msecs))
         return Outcome::done();
     return Outcome::failed(
-        QStringLiteral("\"%1\" is not a number of seconds.").arg(values.join(QLatin1Char(' '))));
+        Words::tr("\"%1\" is not a number of seconds.").arg(values.join(QLatin1Char(' '))));
 }
 
 Outcome set(CommandContext& context, const Arguments& arguments)
@@ -49,7 +50,7 @@ Outcome set(CommandContext& context, const Arguments& arguments)
         context.waitLimit = static_cast<double>(msecs) / second;
     }
     context.screen.note(
-        QStringLiteral("\"%1\" is %2 now.").arg(arguments.first(), values.join(QStringLiteral(", "))));
+        Words::tr("\"%1\" is %2 now.").arg(arguments.first(), values.join(QStringLiteral(", "))));
     return Outcome::done();
 }
 
@@ -61,7 +62,7 @@ Outcome help(CommandContext& context, const Arguments& arguments)
         name.isEmpty() ? CommandHelp::overview(columns) : CommandHelp::about(name, columns);
     if (lines.isEmpty())
         return Outcome::failed(
-            QStringLiteral("There is neither a command nor a topic \"%1\". \"help\" lists them.").arg(name));
+            Words::tr("There is neither a command nor a topic \"%1\". \"help\" lists them.").arg(name));
     context.screen.print(lines);
     return Outcome::done();
 }
@@ -78,16 +79,16 @@ using P = Place;
 // A row tells all about a command; clang-format would put each member on a line of its own.
 // clang-format off
 const Command rows[] = {
-    {"set", "NAME VALUE ...", "Change a setting.",
-     "transports NAME ...: those to use for the next session instead of the tenant's.\n"
+    {"set", "NAME VALUE ...", QT_TRANSLATE_NOOP("Words", "Change a setting."),
+     QT_TRANSLATE_NOOP("Words", "transports NAME ...: those to use for the next session instead of the tenant's.\n"
      "open-limit SECONDS: how long a transport may take to open; 0 is no limit.\n"
-     "wait-limit SECONDS: how long a \"wait\" lasts when it does not say.",
+     "wait-limit SECONDS: how long a \"wait\" lasts when it does not say."),
      F::Nothing, F::Nothing, F::Nothing, 2, 4, {P::Keyword}, "transports open-limit wait-limit", set, checkSet},
-    {"help", "[TOPIC | COMMAND]", "List the commands, or explain a topic or one of them.",
+    {"help", "[TOPIC | COMMAND]", QT_TRANSLATE_NOOP("Words", "List the commands, or explain a topic or one of them."),
      "",
      F::Nothing, F::Nothing, F::Nothing, 0, 2, {P::CommandName, P::CommandName}, "", help},
-    {"quit", "", "End the lesson: stop the session, log out, leave.",
-     "Ctrl-D does so, too.",
+    {"quit", "", QT_TRANSLATE_NOOP("Words", "End the lesson: stop the session, log out, leave."),
+     QT_TRANSLATE_NOOP("Words", "Ctrl-D does so, too."),
      F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", quit},
 };
 // clang-format on

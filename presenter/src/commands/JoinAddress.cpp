@@ -1,5 +1,7 @@
 #include "commands/JoinAddress.h"
 
+#include "text/Words.h"
+
 #include <QHostAddress>
 #include <QNetworkInterface>
 #include <QProcess>
@@ -31,9 +33,9 @@ QString JoinAddress::hint(const QUrl& address)
         return QString();
     const QString own = ownAddress();
     if (own.isEmpty())
-        return QStringLiteral("Only this machine can reach that address, and it is in no network.");
-    return QStringLiteral("Only this machine can reach that address. For phones, start the service with "
-                          "--host %1.")
+        return Words::tr("Only this machine can reach that address, and it is in no network.");
+    return Words::tr("Only this machine can reach that address. For phones, start the service with "
+                     "--host %1.")
         .arg(own);
 }
 

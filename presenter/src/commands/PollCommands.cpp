@@ -8,6 +8,7 @@
 #include "lesson/PollKinds.h"
 #include "terminal/Screen.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <QDir>
 #include <QPointer>
@@ -27,7 +28,7 @@ Outcome checkPicture(const QString& folder, const Arguments& arguments)
         return Files::readPicture(folder, arguments.last(), content);
     if (arguments.size() == 2 && kind == QLatin1String("upload"))
         return Files::read(folder, arguments.last(), content);
-    return Outcome::failed(QStringLiteral("\"%1\" is not understood here. See \"help poll\".").arg(kind));
+    return Outcome::failed(Words::tr("\"%1\" is not understood here. See \"help poll\".").arg(kind));
 }
 
 Outcome checkPoll(const QString& folder, const Arguments& given)
@@ -62,10 +63,10 @@ Outcome poll(CommandContext& context, const Arguments& given)
         return read;
     Ending::stopPoll(context);
     const Outcome asked = context.carryOut(
-        {QStringLiteral("The poll"), QString(), [&] { context.lesson.ask(question); }, [] { return true; }});
+        {Words::tr("The poll"), QString(), [&] { context.lesson.ask(question); }, [] { return true; }});
     if (asked.isDone() && !context.screen.isLive())
         context.screen.note(
-            QStringLiteral("Poll %1 has started: %2.")
+            Words::tr("Poll %1 has started: %2.")
                 .arg(QString::number(context.lesson.poll()->number()), PollKinds::description(question)));
     return asked;
 }
@@ -82,8 +83,8 @@ Outcome pollStop(CommandContext& context, const Arguments& given)
     context.lesson.stop(static_cast<int>((msecs + second - 1) / second));
     const auto isOver = [poll] { return !poll || !poll->isRunning(); };
     if (context.waiter.until(isOver, CommandContext::unlimited,
-                             [] { return QStringLiteral("the end of the poll"); }) != Waiter::Met)
-        return Outcome::failed(QStringLiteral("The wait was given up: the poll stops all the same."));
+                             [] { return Words::tr("the end of the poll"); }) != Waiter::Met)
+        return Outcome::failed(Words::tr("The wait was given up: the poll stops all the same."));
     Ending::printPoll(context);
     // Without a channel the learners have not heard of it.
     return context.require(Fact::Channel);
@@ -92,8 +93,8 @@ Outcome pollStop(CommandContext& context, const Arguments& given)
 Outcome setPaused(CommandContext& context, bool paused)
 {
     paused ? context.lesson.pause() : context.lesson.resume();
-    context.screen.note(
-        QLatin1String(paused ? "The poll is paused; \"poll resume\" goes on." : "The poll goes on."));
+    context.screen.note(paused ? Words::tr("The poll is paused; \"poll resume\" goes on.")
+                               : Words::tr("The poll goes on."));
     return Outcome::done();
 }
 
@@ -115,7 +116,7 @@ Outcome pollStatus(CommandContext& context, const Arguments&)
         context.screen.print(Chart::all(Charts::of(*poll), context.screen.style()));
     const QStringList missing = ArgumentReader::names(*context.lesson.roster(), poll->missing());
     if (!missing.isEmpty())
-        context.screen.print(QStringLiteral("  No answer yet from %1.").arg(Text::list(missing, mostNames)));
+        context.screen.print(Words::tr("  No answer yet from %1.").arg(Text::list(missing, mostNames)));
     return Outcome::done();
 }
 
@@ -123,7 +124,7 @@ Outcome pollResults(CommandContext& context, const Arguments&)
 {
     context.lesson.showResults();
     context.screen.note(
-        QStringLiteral("The learners are shown how poll %1 came out.").arg(context.lesson.poll()->number()));
+        Words::tr("The learners are shown how poll %1 came out.").arg(context.lesson.poll()->number()));
     return Outcome::done();
 }
 
@@ -137,9 +138,9 @@ Outcome save(CommandContext& context, const Arguments& arguments)
 {
     const QString name = QDir(context.folder).filePath(arguments.first());
     const Outcome saved = context.carryOut(
-        {QStringLiteral("Saving"), QString(), [&] { context.lesson.save(name); }, [] { return true; }});
+        {Words::tr("Saving"), QString(), [&] { context.lesson.save(name); }, [] { return true; }});
     if (saved.isDone())
-        context.screen.note(QStringLiteral("The results are saved in %1.").arg(arguments.first()));
+        context.screen.note(Words::tr("The results are saved in %1.").arg(arguments.first()));
     return saved;
 }
 
@@ -149,8 +150,8 @@ using P = Place;
 // A row tells all about a command; clang-format would put each member on a line of its own.
 // clang-format off
 const Command rows[] = {
-    {"poll", "TYPE [ORDINAL] [OPTIONS] [EXTRA] [text=TEXT] [choices=A|B] [answer=ANSWER] [picture FILE | upload FILE | ref REFERENCE]", "Put a poll to the learners.",
-     "TYPE: true-false, yes-no-other, multiple, scale, sort, text, word-seed, number, creative, "
+    {"poll", "TYPE [ORDINAL] [OPTIONS] [EXTRA] [text=TEXT] [choices=A|B] [answer=ANSWER] [picture FILE | upload FILE | ref REFERENCE]", QT_TRANSLATE_NOOP("Words", "Put a poll to the learners."),
+     QT_TRANSLATE_NOOP("Words", "TYPE: true-false, yes-no-other, multiple, scale, sort, text, word-seed, number, creative, "
      "math-formula. ORDINAL labels the options: true-false, yes-no, yes-no-maybe, yes-no-unsure, "
      "yes-no-other, alpha-upper, alpha-lower, number, agreement, confidence, generic. OPTIONS is "
      "their number; of a number poll, its decimals. EXTRA is the number of correct options of a "
@@ -159,28 +160,28 @@ const Command rows[] = {
      "that travels in the message, a file that is uploaded, or an address from which devices can "
      "load it. A poll that runs is stopped first.\n"
      "Examples: poll true-false    poll multiple alpha-upper 5 2    poll number 2\n"
-     "poll scale agreement 5 picture images/leaf.png",
+     "poll scale agreement 5 picture images/leaf.png"),
      F::Channel, F::Poll | F::AnyPoll, F::Nothing, 1, anyNumber, {P::PollType, P::Ordinal}, "text= choices= answer= picture upload ref", poll, checkPoll},
-    {"poll stop", "[within SECONDS]", "Stop the poll and show its final tally.",
-     "With SECONDS, when they are over: the learners' devices count them down.",
+    {"poll stop", "[within SECONDS]", QT_TRANSLATE_NOOP("Words", "Stop the poll and show its final tally."),
+     QT_TRANSLATE_NOOP("Words", "With SECONDS, when they are over: the learners' devices count them down."),
      F::Poll, F::Nothing, F::Poll, 0, 2, {P::Keyword, P::Seconds}, "within", pollStop},
-    {"poll pause", "", "Let the learners pause.",
+    {"poll pause", "", QT_TRANSLATE_NOOP("Words", "Let the learners pause."),
      "",
      F::Channel | F::Poll, F::Nothing, F::Nothing, 0, 0, {}, "", pollPause},
-    {"poll resume", "", "Let the learners go on.",
+    {"poll resume", "", QT_TRANSLATE_NOOP("Words", "Let the learners go on."),
      "",
      F::Channel | F::Poll, F::Nothing, F::Nothing, 0, 0, {}, "", pollResume},
-    {"poll status", "", "Show the answers so far and whose are missing.",
+    {"poll status", "", QT_TRANSLATE_NOOP("Words", "Show the answers so far and whose are missing."),
      "",
      F::AnyPoll, F::Nothing, F::Nothing, 0, 0, {}, "", pollStatus},
-    {"poll results", "", "Show the learners how the poll came out.",
-     "Each gets the counts on his device and, where an answer is right, whether his is.",
+    {"poll results", "", QT_TRANSLATE_NOOP("Words", "Show the learners how the poll came out."),
+     QT_TRANSLATE_NOOP("Words", "Each gets the counts on his device and, where an answer is right, whether his is."),
      F::AnyPoll | F::Channel | F::Now, F::Nothing, F::Nothing, 0, 0, {}, "", pollResults},
-    {"summary", "", "Show a table of all polls so far, and what assessments came to.",
-     "When the session ends, it is shown once more if something has changed.",
+    {"summary", "", QT_TRANSLATE_NOOP("Words", "Show a table of all polls so far, and what assessments came to."),
+     QT_TRANSLATE_NOOP("Words", "When the session ends, it is shown once more if something has changed."),
      F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", summary},
-    {"save", "FILE", "Save who was here, every question, every answer and the marks.",
-     "As JSON, or as a table where FILE ends in \".csv\".",
+    {"save", "FILE", QT_TRANSLATE_NOOP("Words", "Save who was here, every question, every answer and the marks."),
+     QT_TRANSLATE_NOOP("Words", "As JSON, or as a table where FILE ends in \".csv\"."),
      F::Nothing, F::Nothing, F::Nothing, 1, 1, {P::NewFile}, "", save},
 };
 // clang-format on

@@ -8,6 +8,7 @@
 #include "terminal/Screen.h"
 #include "text/Table.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <CalyxClient/PresenterClient>
 #include <CalyxClient/PresenterCollab>
@@ -21,7 +22,7 @@ using Calyx::Lesson;
 
 namespace {
 
-const QString logInAgain = QStringLiteral("Use \"login\" again.");
+const char logInAgain[] = QT_TRANSLATE_NOOP("Words", "Use \"login\" again.");
 
 QString codeOf(const CommandContext& context)
 {
@@ -31,8 +32,7 @@ QString codeOf(const CommandContext& context)
 
 Outcome alreadyOpen(const CommandContext& context)
 {
-    return Outcome::failed(
-        QStringLiteral("Session %1 is open. Use \"session stop\" first.").arg(codeOf(context)));
+    return Outcome::failed(Words::tr("Session %1 is open. Use \"session stop\" first.").arg(codeOf(context)));
 }
 
 void tellHowToJoin(CommandContext& context)
@@ -45,7 +45,7 @@ void tellHowToJoin(CommandContext& context)
         picture = JoinAddress::qrCode(context.lesson.joinLink().toString(QUrl::FullyEncoded), style);
     if (!picture.isEmpty())
         context.screen.print(picture);
-    context.screen.print(QStringLiteral("Session %1 is live. Join at %2 with %1.")
+    context.screen.print(Words::tr("Session %1 is live. Join at %2 with %1.")
                              .arg(codeOf(context), address.toString(QUrl::StripTrailingSlash)),
                          Ink::Strong);
     if (!hint.isEmpty())
@@ -61,10 +61,10 @@ Outcome goLive(CommandContext& context, const Arguments& given)
         return read;
     if (context.facts() & Fact::Opened)
         return alreadyOpen(context);
-    const Outcome started =
-        context.carryOut({QStringLiteral("Starting a session"), logInAgain, [&] { context.lesson.start(); },
-                          [&] { return context.lesson.state() == Lesson::Live; }},
-                         limit);
+    const Outcome started = context.carryOut({Words::tr("Starting a session"), Words::tr(logInAgain),
+                                              [&] { context.lesson.start(); },
+                                              [&] { return context.lesson.state() == Lesson::Live; }},
+                                             limit);
     if (started.isDone())
         tellHowToJoin(context);
     return started;
@@ -75,17 +75,17 @@ Outcome sessionCreate(CommandContext& context, const Arguments&)
     if (context.facts() & Fact::Opened)
         return alreadyOpen(context);
     const auto code = std::make_shared<QString>();
-    const Outcome outcome =
-        context.askService(QStringLiteral("Creating a session"), logInAgain, [code](PresenterClient* client) {
-            const bool isDone = client->doStartSession(QString());
-            *code = client->sessionCode();
-            return isDone;
-        });
+    const Outcome outcome = context.askService(Words::tr("Creating a session"), Words::tr(logInAgain),
+                                               [code](PresenterClient* client) {
+                                                   const bool isDone = client->doStartSession(QString());
+                                                   *code = client->sessionCode();
+                                                   return isDone;
+                                               });
     if (!outcome.isDone())
         return outcome;
     context.notes.createdCode = *code;
     context.screen.print(
-        QStringLiteral("Session %1 is created. \"session live\" starts it.").arg(codeOf(context)));
+        Words::tr("Session %1 is created. \"session live\" starts it.").arg(codeOf(context)));
     return outcome;
 }
 
@@ -96,10 +96,10 @@ Outcome sessionResume(CommandContext& context, const Arguments& arguments)
     if (context.facts() & Fact::Opened)
         return alreadyOpen(context);
     if (Lesson::journalOf(file).isEmpty())
-        return Outcome::failed(QStringLiteral("There is no session to take up. Use \"session start\"."));
+        return Outcome::failed(Words::tr("There is no session to take up. Use \"session start\"."));
     const Outcome resumed = context.carryOut(
-        {QStringLiteral("Taking the session up"),
-         QStringLiteral("What was collected is still here: \"summary\" shows it, \"save FILE\" keeps it."),
+        {Words::tr("Taking the session up"),
+         Words::tr("What was collected is still here: \"summary\" shows it, \"save FILE\" keeps it."),
          [&] { context.lesson.takeUp(file); }, [&] { return context.lesson.state() == Lesson::Live; }});
     if (resumed.isDone())
         tellHowToJoin(context);
@@ -130,16 +130,16 @@ Outcome sessionReconnect(CommandContext& context, const Arguments& arguments)
     context.notes.isDisconnected = false;
     const Waiter::Result result = context.waiter.until([&] { return lesson.state() != Lesson::Reconnecting; },
                                                        qRound64(context.waitLimit * second),
-                                                       [] { return QStringLiteral("the live channel"); });
+                                                       [] { return Words::tr("the live channel"); });
     if (lesson.state() == Lesson::Live)
-        context.screen.note(QStringLiteral("The live channel is open again."));
+        context.screen.note(Words::tr("The live channel is open again."));
     else if (result == Waiter::Met)
         return context.require(Fact::Opened);
     else if (result == Waiter::Interrupted)
-        return Outcome::failed(QStringLiteral(
-            "The wait was given up. The way back is still looked for; \"retry\" tries at once."));
+        return Outcome::failed(
+            Words::tr("The wait was given up. The way back is still looked for; \"retry\" tries at once."));
     else
-        return context.refused(QStringLiteral("The connection"), QString(),
+        return context.refused(Words::tr("The connection"), QString(),
                                Calyx::LessonError::make(Calyx::LessonError::NoChannel));
     return Outcome::done();
 }
@@ -150,13 +150,13 @@ Outcome sessionDisconnect(CommandContext& context, const Arguments&)
     lesson.setReconnects(false);
     context.notes.isDisconnected = true;
     const Outcome closed =
-        context.carryOut({QStringLiteral("Closing the live channel"), QString(),
+        context.carryOut({Words::tr("Closing the live channel"), QString(),
                           [&] { lesson.onChannel([](PresenterCollab* collab) { collab->close(); }); },
                           [&] { return lesson.state() != Lesson::Live; }});
     if (closed.isDone())
         context.screen.note(
-            QStringLiteral("The live channel is closed: the learners' devices say that the session "
-                           "has ended. \"session reconnect\" opens it again; they join again."));
+            Words::tr("The live channel is closed: the learners' devices say that the session "
+                      "has ended. \"session reconnect\" opens it again; they join again."));
     return closed;
 }
 
@@ -171,7 +171,7 @@ Outcome sessionInfo(CommandContext& context, const Arguments&)
     };
     const auto wire = std::make_shared<Wire>();
     const Outcome asked =
-        context.askService(QStringLiteral("The question"), QString(), [wire](PresenterClient* client) {
+        context.askService(Words::tr("The question"), QString(), [wire](PresenterClient* client) {
             *wire = {client->isLoggedIn() ? client->userId() : QString(), client->sessionToken(),
                      client->collabServerUrl(), client->sockJSProtocols().join(QStringLiteral(", "))};
             return true;
@@ -179,21 +179,21 @@ Outcome sessionInfo(CommandContext& context, const Arguments&)
     if (!asked.isDone())
         return asked;
     const auto orNone = [](const QString& text) {
-        return text.isEmpty() ? QStringLiteral("none") : Text::clean(text);
+        return text.isEmpty() ? Words::tr("none") : Text::clean(text);
     };
     const QString server = context.lesson.server().toString();
     const QVector<QStringList> rows = {
-        {QStringLiteral("Service"), server},
-        {QStringLiteral("User"), orNone(wire->user)},
-        {QStringLiteral("Session code"), orNone(codeOf(context))},
-        {QStringLiteral("Learners join at"),
+        {Words::tr("Service"), server},
+        {Words::tr("User"), orNone(wire->user)},
+        {Words::tr("Session code"), orNone(codeOf(context))},
+        {Words::tr("Learners join at"),
          orNone(context.lesson.joinAddress().toString(QUrl::StripTrailingSlash))},
-        {QStringLiteral("Session token"), orNone(wire->token)},
-        {QStringLiteral("Collaboration server"), orNone(wire->collabServer)},
-        {QStringLiteral("Transports"), orNone(wire->transports)},
-        {QStringLiteral("Live channel"),
-         QLatin1String(context.lesson.state() == Lesson::Live ? "open" : "closed")},
-        {QStringLiteral("Learners"), QString::number(context.lesson.roster()->presentCount())}};
+        {Words::tr("Session token"), orNone(wire->token)},
+        {Words::tr("Collaboration server"), orNone(wire->collabServer)},
+        {Words::tr("Transports"), orNone(wire->transports)},
+        {Words::tr("Live channel"),
+         context.lesson.state() == Lesson::Live ? Words::tr("open") : Words::tr("closed")},
+        {Words::tr("Learners"), QString::number(context.lesson.roster()->presentCount())}};
     context.screen.print(Table::lines({QString(), QString()}, rows, context.screen.style()).mid(1));
     return Outcome::done();
 }
@@ -203,16 +203,16 @@ Outcome sessionStop(CommandContext& context, const Arguments&)
     const QString code = codeOf(context);
     if (!(context.facts() & Fact::Opened)) {
         context.notes.createdCode.clear();
-        return Outcome::failed(QStringLiteral("There is no session to stop."));
+        return Outcome::failed(Words::tr("There is no session to stop."));
     }
     Ending::stopActivities(context);
     const Outcome stopped = context.carryOut(
-        {QStringLiteral("Stopping the session"), QString(), [&] { context.lesson.end(); },
+        {Words::tr("Stopping the session"), QString(), [&] { context.lesson.end(); },
          [&] {
              return context.lesson.state() == Lesson::LoggedIn || context.lesson.state() == Lesson::LoggedOut;
          }});
     if (stopped.isDone())
-        context.screen.note(QStringLiteral("Session %1 is stopped.").arg(code));
+        context.screen.note(Words::tr("Session %1 is stopped.").arg(code));
     return stopped;
 }
 
@@ -220,8 +220,8 @@ Outcome retry(CommandContext& context, const Arguments&)
 {
     const bool isLost = context.lesson.state() == Lesson::Reconnecting;
     context.lesson.retryNow();
-    context.screen.note(QLatin1String(isLost ? "Trying again now."
-                                             : "The connection is not lost: the live channel is open."));
+    context.screen.note(isLost ? Words::tr("Trying again now.")
+                               : Words::tr("The connection is not lost: the live channel is open."));
     return Outcome::done();
 }
 
@@ -237,11 +237,10 @@ Outcome learners(CommandContext& context, const Arguments&)
                          Text::clean(data(Calyx::Roster::DeviceIdRole).toString())});
     }
     if (rows.isEmpty())
-        context.screen.print(QStringLiteral("No learner is here."));
+        context.screen.print(Words::tr("No learner is here."));
     else
-        context.screen.print(
-            Table::lines({QStringLiteral("Name"), QStringLiteral("Device"), QStringLiteral("Device id")},
-                         rows, context.screen.style()));
+        context.screen.print(Table::lines({Words::tr("Name"), Words::tr("Device"), Words::tr("Device id")},
+                                          rows, context.screen.style()));
     return Outcome::done();
 }
 
@@ -253,7 +252,7 @@ Outcome removeLearner(CommandContext& context, const Arguments& arguments)
         !found.isDone())
         return found;
     context.lesson.remove(deviceId);
-    context.screen.note(QStringLiteral("%1 is sent away.").arg(context.lesson.roster()->name(deviceId)));
+    context.screen.note(Words::tr("%1 is sent away.").arg(context.lesson.roster()->name(deviceId)));
     return Outcome::done();
 }
 
@@ -263,43 +262,43 @@ using P = Place;
 // A row tells all about a command; clang-format would put each member on a line of its own.
 // clang-format off
 const Command rows[] = {
-    {"session start", "[within SECONDS]", "Create a session and go live.",
-     "Waits until the live channel is open: for as long as the transports may take together, or "
-     "for SECONDS. Does \"session create\" and \"session live\" in one.",
+    {"session start", "[within SECONDS]", QT_TRANSLATE_NOOP("Words", "Create a session and go live."),
+     QT_TRANSLATE_NOOP("Words", "Waits until the live channel is open: for as long as the transports may take together, or "
+     "for SECONDS. Does \"session create\" and \"session live\" in one."),
      F::Login, F::Session | F::Opened | F::Channel, F::Nothing, 0, 2, {P::Keyword, P::Seconds}, "within", goLive},
-    {"session resume", "[FILE]", "Take up a session whose presenter was killed.",
-     "With the learners who are still in it, and with all that was asked and answered. FILE is the journal, "
-     "where it is not the one that this program writes by itself.",
+    {"session resume", "[FILE]", QT_TRANSLATE_NOOP("Words", "Take up a session whose presenter was killed."),
+     QT_TRANSLATE_NOOP("Words", "With the learners who are still in it, and with all that was asked and answered. FILE is the journal, "
+     "where it is not the one that this program writes by itself."),
      F::Login, F::TheSession | F::AnyPoll | F::AnyAssessment, F::Nothing, 0, 1, {P::File}, "", sessionResume},
-    {"session create", "", "Create a session, without starting it.",
+    {"session create", "", QT_TRANSLATE_NOOP("Words", "Create a session, without starting it."),
      "",
      F::Login, F::Session, F::Nothing, 0, 0, {}, "", sessionCreate},
-    {"session live", "[within SECONDS]", "Start the created session and open its live channel.",
+    {"session live", "[within SECONDS]", QT_TRANSLATE_NOOP("Words", "Start the created session and open its live channel."),
      "",
      F::Session, F::Opened | F::Channel, F::Nothing, 0, 2, {P::Keyword, P::Seconds}, "within", goLive},
-    {"session reconnect", "[TRANSPORT ...]", "Open the live channel again.",
-     "With the transports as before, or with those named.",
+    {"session reconnect", "[TRANSPORT ...]", QT_TRANSLATE_NOOP("Words", "Open the live channel again."),
+     QT_TRANSLATE_NOOP("Words", "With the transports as before, or with those named."),
      F::Opened, F::Channel, F::Nothing, 0, 3, {P::Transport, P::Transport, P::Transport}, "", sessionReconnect},
-    {"session disconnect", "", "Close the live channel, for the learners the end of the session.",
+    {"session disconnect", "", QT_TRANSLATE_NOOP("Words", "Close the live channel, for the learners the end of the session."),
      "",
      F::Channel | F::Now, F::Nothing, F::Channel, 0, 0, {}, "", sessionDisconnect},
-    {"session info", "", "Show the session's code, address, transports and state.",
+    {"session info", "", QT_TRANSLATE_NOOP("Words", "Show the session's code, address, transports and state."),
      "",
      F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", sessionInfo},
-    {"session stop", "", "Stop the session.",
-     "A poll that runs is stopped first.",
+    {"session stop", "", QT_TRANSLATE_NOOP("Words", "Stop the session."),
+     QT_TRANSLATE_NOOP("Words", "A poll that runs is stopped first."),
      F::Session, F::Nothing, F::TheSession, 0, 0, {}, "", sessionStop},
-    {"learners", "", "List the learners who are here.",
+    {"learners", "", QT_TRANSLATE_NOOP("Words", "List the learners who are here."),
      "",
      F::Opened, F::Nothing, F::Nothing, 0, 0, {}, "", learners},
-    {"remove", "LEARNER", "Send a learner's device away.",
-     "LEARNER is a name, the beginning of one, or a device id.",
+    {"remove", "LEARNER", QT_TRANSLATE_NOOP("Words", "Send a learner's device away."),
+     QT_TRANSLATE_NOOP("Words", "LEARNER is a name, the beginning of one, or a device id."),
      F::Channel | F::Now, F::Nothing, F::Nothing, 1, 1, {P::Learner}, "", removeLearner},
-    {"retry", "", "Try at once to find the way back to a lost session.",
-     "By itself that is tried in between, for as long as the session may live. What is done meanwhile reaches the "
-     "learners when the connection is back.",
+    {"retry", "", QT_TRANSLATE_NOOP("Words", "Try at once to find the way back to a lost session."),
+     QT_TRANSLATE_NOOP("Words", "By itself that is tried in between, for as long as the session may live. What is done meanwhile reaches the "
+     "learners when the connection is back."),
      F::Opened, F::Nothing, F::Nothing, 0, 0, {}, "", retry},
-    {"r", "", "The same as \"retry\".",
+    {"r", "", QT_TRANSLATE_NOOP("Words", "The same as \"retry\"."),
      "",
      F::Opened, F::Nothing, F::Nothing, 0, 0, {}, "", retry},
 };

@@ -3,6 +3,7 @@
 #include "lesson/Charts.h"
 #include "text/Table.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <algorithm>
 #include <limits>
@@ -66,7 +67,7 @@ QStringList AssessmentReport::byLearner(const QAbstractItemModel& assessment, co
 {
     const QVector<QStringList> whole = rowsOf(assessment, style, true);
     const bool isMarked = !whole.isEmpty() && !whole.first().at(Assessment::Score).isEmpty();
-    QStringList header = {QStringLiteral("Learner"), isMarked ? QStringLiteral("Score") : QString()};
+    QStringList header = {Words::tr("Learner"), isMarked ? Words::tr("Score") : QString()};
     for (int column = Assessment::FirstQuestion; column < assessment.columnCount(); ++column)
         header.append(QString::number(column - Assessment::FirstQuestion + 1));
     return Table::lines(header, fits(header, whole, style) ? whole : rowsOf(assessment, style, false), style);
@@ -85,9 +86,8 @@ QStringList AssessmentReport::byQuestion(const Assessment& assessment, const Sty
                      isMarked ? QStringLiteral("%1 %").arg(percent) : QString(),
                      Charts::title(questions.at(number - 1), number)});
     }
-    return Table::lines(
-        {QStringLiteral("Answers"), QStringLiteral("Right"), QString(), QStringLiteral("Question")}, rows,
-        style);
+    return Table::lines({Words::tr("Answers"), Words::tr("Right"), QString(), Words::tr("Question")}, rows,
+                        style);
 }
 
 QString AssessmentReport::total(const Assessment& assessment)
@@ -103,5 +103,5 @@ QString AssessmentReport::total(const Assessment& assessment)
         QStringLiteral("%1, %2").arg(Text::count(learners, "learner"), Text::count(answers, "answer"));
     const int most = learners * assessment.markedCount();
     return most == 0 ? text + QLatin1Char('.')
-                     : QStringLiteral("%1, %2 of %3 right.").arg(text).arg(right).arg(most);
+                     : Words::tr("%1, %2 of %3 right.").arg(text).arg(right).arg(most);
 }

@@ -2,6 +2,7 @@
 
 #include "lesson/PollKinds.h"
 #include "text/Text.h"
+#include "text/Words.h"
 
 using namespace Calyx;
 
@@ -30,7 +31,7 @@ ChartData Charts::of(const Poll& poll)
 {
     ChartData data;
     const QString text = Text::clean(poll.question().text);
-    data.title = QStringLiteral("Poll %1: %2")
+    data.title = Words::tr("Poll %1: %2")
                      .arg(QString::number(poll.number()),
                           text.isEmpty() ? PollKinds::description(poll.question()) : text);
     data.bars = barsOf(poll);
@@ -47,8 +48,8 @@ ChartData Charts::of(const Poll& poll)
 ChartData Charts::of(const Assessment& assessment)
 {
     ChartData data;
-    data.title = assessment.title().isEmpty() ? QStringLiteral("Assessment") : assessment.title();
-    data.doing = QStringLiteral("finished");
+    data.title = assessment.title().isEmpty() ? Words::tr("Assessment") : assessment.title();
+    data.state = Words::tr("%1 of %2 finished");
     data.answered = assessment.finished();
     data.expected = assessment.expected();
     data.whole = assessment.rowCount();

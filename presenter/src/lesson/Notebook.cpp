@@ -1,5 +1,7 @@
 #include "lesson/Notebook.h"
 
+#include "text/Words.h"
+
 #include <QUuid>
 
 using Calyx::Lesson;
@@ -7,7 +9,7 @@ using Calyx::Lesson;
 Notebook::Notebook(Lesson& lesson)
     : m_lesson(lesson), m_lessonId(QUuid::createUuid().toString(QUuid::WithoutBraces))
 {
-    setName(m_lessonId, QStringLiteral("Lesson"));
+    setName(m_lessonId, Words::tr("Lesson"));
     connect(&lesson, &Lesson::stateChanged, this, &Notebook::onState);
     connect(&lesson, &Lesson::assessmentChanged, this, &Notebook::onAssessment);
     connect(&lesson, &Lesson::registrationNeeded, this,

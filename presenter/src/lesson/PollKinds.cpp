@@ -1,6 +1,7 @@
 #include "lesson/PollKinds.h"
 
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <QMap>
 
@@ -84,8 +85,8 @@ QString PollKinds::description(const Question& question)
         parts += {ordinalName(question.ordinal), Text::count(options, "option")};
     parts.removeDuplicates(); // two kinds are called as their labelling is
     if (question.type == PollType::MULTIPLE && question.choices > 1)
-        parts.append(QStringLiteral("%1 correct").arg(question.choices));
+        parts.append(Words::tr("%n correct", nullptr, question.choices));
     if (!question.picture.isEmpty() || !question.pictureUrl.isEmpty())
-        parts.append(QStringLiteral("with a picture"));
+        parts.append(Words::tr("with a picture"));
     return parts.join(QStringLiteral(", "));
 }

@@ -1,6 +1,7 @@
 #include "text/Chart.h"
 
 #include "text/Text.h"
+#include "text/Words.h"
 
 #include <algorithm>
 #include <numeric>
@@ -61,14 +62,11 @@ QString barLine(const Bar& bar, int whole, const Measures& measures, const Style
 
 QString head(const ChartData& data, const Style& style)
 {
-    QString state = QStringLiteral("%1 of %2 %3  %4")
-                        .arg(data.answered)
-                        .arg(data.expected)
-                        .arg(data.doing, Text::duration(data.seconds));
+    QString state = data.state.arg(data.answered).arg(data.expected) + indent + Text::duration(data.seconds);
     if (data.isPaused)
-        state += QStringLiteral("  paused");
+        state += indent + Words::tr("paused");
     if (data.secondsLeft > 0)
-        state += QStringLiteral("  stops in %1 s").arg(data.secondsLeft);
+        state += indent + Words::tr("stops in %1 s").arg(data.secondsLeft);
     const Ink ink = data.answered >= data.expected && data.expected > 0 ? Ink::Good : Ink::Plain;
     const int room = style.columns - 1 - Text::width(state) - indent.size();
     if (room < leastTitle)
@@ -103,12 +101,12 @@ QString restLine(const QVector<Bar>& hidden, const Style& style)
     }
     QStringList parts = voted;
     if (options > 0)
-        parts.append(QStringLiteral("%1 more %2")
-                         .arg(options)
-                         .arg(QLatin1String(options == 1 ? "option" : "options")));
+        parts.append(options == 1 ? Words::tr("1 more option")
+                                  : Words::tr("%n more options", nullptr, options));
     if (answers > 0)
-        parts.append(QStringLiteral("%1 more").arg(Text::count(answers, "different answer")));
-    return Text::elide(indent + QStringLiteral("and ") + parts.join(QStringLiteral(", ")), style.columns - 1,
+        parts.append(answers == 1 ? Words::tr("1 different answer more")
+                                  : Words::tr("%n different answers more", nullptr, answers));
+    return Text::elide(indent + Words::tr("and %1").arg(parts.join(QStringLiteral(", "))), style.columns - 1,
                        style.unicode);
 }
 
@@ -118,7 +116,7 @@ QStringList Chart::lines(const ChartData& data, const Style& style, int mostLine
 {
     QStringList lines = {head(data, style)};
     if (data.bars.isEmpty() && mostLines > 1)
-        lines.append(indent + style.paint(Ink::Faint, QStringLiteral("No answers yet.")));
+        lines.append(indent + style.paint(Ink::Faint, Words::tr("No answers yet.")));
     const bool isWhole = data.bars.size() < mostLines;
     const QVector<int> shown = chosen(data.bars, isWhole ? mostLines : qMax(mostLines - 2, 0));
     QVector<Bar> bars;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "text/Style.h"
+#include "text/Words.h"
 
 #include <QString>
 #include <QStringList>
@@ -21,8 +22,8 @@ struct ChartData
     QVector<Bar> bars;
     int answered = 0;
     int expected = 0;
-    /// What those who count as answered have done.
-    QString doing = QStringLiteral("answered");
+    /// How many of how many.
+    QString state = Words::tr("%1 of %2 answered");
     /// What is 100 %; negative: the number of those who have answered.
     int whole = -1;
     int seconds = 0;

@@ -1,5 +1,7 @@
 #include "text/LineSyntax.h"
 
+#include "text/Words.h"
+
 #include <algorithm>
 
 namespace {
@@ -18,7 +20,7 @@ public:
         m_result.endsInWord = m_inWord;
         m_result.lastStart = m_inWord ? m_start : m_line.size();
         if (!m_quote.isNull())
-            m_result.error = QStringLiteral("The quotation that begins with %1 has no end.").arg(m_quote);
+            m_result.error = Words::tr("The quotation that begins with %1 has no end.").arg(m_quote);
         finishWord();
         return m_result;
     }

@@ -1,5 +1,7 @@
 #include "text/Suggestions.h"
 
+#include "text/Words.h"
+
 #include <QMultiMap>
 #include <QVector>
 
@@ -49,5 +51,5 @@ QString Suggestions::question(const QString& word, const QStringList& known)
     const QStringList close = closeTo(word, known);
     if (close.isEmpty())
         return QString();
-    return QStringLiteral(" Did you mean %1?").arg(close.join(QStringLiteral(" or ")));
+    return Words::tr(" Did you mean %1?").arg(close.join(Words::tr(" or ")));
 }

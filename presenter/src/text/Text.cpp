@@ -1,8 +1,12 @@
 #include "text/Text.h"
 
+#include "text/Words.h"
+
 #include <QVector>
 
+#include <algorithm>
 #include <cwchar>
+#include <iterator>
 
 namespace {
 
@@ -89,15 +93,32 @@ QString Text::padLeft(const QString& text, int columns)
 
 QString Text::count(int number, const char* thing)
 {
-    const QString text = QString::number(number) + QLatin1Char(' ') + QLatin1String(thing);
-    return number == 1 ? text : text + QLatin1Char('s');
+    // The plural of English; other languages have theirs in their catalogues.
+    static const struct
+    {
+        const char* one;
+        const char* many;
+    } counts[] = {
+        {QT_TRANSLATE_NOOP("Words", "1 answer"), QT_TRANSLATE_N_NOOP("Words", "%n answers")},
+        {QT_TRANSLATE_NOOP("Words", "1 card"), QT_TRANSLATE_N_NOOP("Words", "%n cards")},
+        {QT_TRANSLATE_NOOP("Words", "1 decimal"), QT_TRANSLATE_N_NOOP("Words", "%n decimals")},
+        {QT_TRANSLATE_NOOP("Words", "1 late answer"), QT_TRANSLATE_N_NOOP("Words", "%n late answers")},
+        {QT_TRANSLATE_NOOP("Words", "1 learner"), QT_TRANSLATE_N_NOOP("Words", "%n learners")},
+        {QT_TRANSLATE_NOOP("Words", "1 option"), QT_TRANSLATE_N_NOOP("Words", "%n options")},
+        {QT_TRANSLATE_NOOP("Words", "1 poll"), QT_TRANSLATE_N_NOOP("Words", "%n polls")},
+        {QT_TRANSLATE_NOOP("Words", "1 question"), QT_TRANSLATE_N_NOOP("Words", "%n questions")},
+    };
+    const auto isMeant = [thing](const auto& count) { return qstrcmp(count.one + 2, thing) == 0; };
+    const auto* const count = std::find_if(std::begin(counts), std::end(counts), isMeant);
+    Q_ASSERT(count != std::end(counts));
+    return number == 1 ? Words::tr(count->one) : Words::tr(count->many, nullptr, number);
 }
 
 QString Text::list(const QStringList& items, int most)
 {
     const QString shown = QStringList(items.mid(0, most)).join(QStringLiteral(", "));
     const int rest = items.size() - most;
-    return rest > 0 ? QStringLiteral("%1 and %2 more").arg(shown, QString::number(rest)) : shown;
+    return rest > 0 ? Words::tr("%1 and %2 more").arg(shown, QString::number(rest)) : shown;
 }
 
 QStringList Text::wrap(const QString& text, int columns, int first, int next)
@@ -132,7 +153,7 @@ QString Text::seconds(qint64 msecs)
 {
     constexpr double second = 1000;
     const QString number = QString::number(static_cast<double>(msecs) / second);
-    return number + QLatin1String(number == QLatin1String("1") ? " second" : " seconds");
+    return number == QLatin1String("1") ? Words::tr("1 second") : Words::tr("%1 seconds").arg(number);
 }
 
 QString Text::duration(int seconds)
