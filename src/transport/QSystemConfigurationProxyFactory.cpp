@@ -67,9 +67,11 @@ QNetworkProxy QSystemConfigurationProxyFactory::getPrimaryProxy()
                                           QNetworkProxyQuery::UrlRequest);
     const ReadableEnvironment environment;
     const QList<QNetworkProxy> proxies = QNetworkProxyFactory::systemProxyForQuery(query);
-    if (!proxies.isEmpty() && proxies.first().port() != 0)
-        return proxies.first();
-    return QNetworkProxy(QNetworkProxy::NoProxy);
+    // Asked for the web, a Qt that leaves the question to libproxy may name one that knows FTP alone.
+    if (proxies.isEmpty() || proxies.first().port() == 0 ||
+        proxies.first().type() == QNetworkProxy::FtpCachingProxy)
+        return QNetworkProxy(QNetworkProxy::NoProxy);
+    return proxies.first();
 }
 
 QString QSystemConfigurationProxyFactory::getProxyString()

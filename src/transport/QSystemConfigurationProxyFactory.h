@@ -16,7 +16,8 @@ class CALYXCLIENT_EXPORT QSystemConfigurationProxyFactory : public QNetworkProxy
 {
 public:
     /// The first proxy that the system names for a plain-HTTP request, or a QNetworkProxy::NoProxy value with
-    /// empty host, port 0 and no credentials when that entry has port 0 or there is none.
+    /// empty host, port 0 and no credentials when that entry has port 0 or is for FTP alone, or there is
+    /// none.
     static QNetworkProxy getPrimaryProxy();
 
     /// getPrimaryProxy() as host, ":" and port; without scheme and credentials. Empty when there is none.

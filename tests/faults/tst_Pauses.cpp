@@ -44,7 +44,7 @@ Sample sampleOf(const char* recording)
 {
     const Recordings::Answer& answer = Recordings::named(QLatin1String(recording));
     Sample sample{answer.name, answer.isStream(), answer.bytes, answer.contents,
-                  answer.bytes.lastIndexOf("\na[") + 1};
+                  int(answer.bytes.lastIndexOf("\na[")) + 1};
     if (answer.isStream()) {
         // Another open frame would end the session.
         sample.bytes.replace("\no\n", "\nh\n");
@@ -76,8 +76,8 @@ QVector<Place> placesIn(const Sample& sample)
                {QStringLiteral(", in a chunk's size"), sizeBegin + 1, true},
                {QStringLiteral(", after a chunk's size"), sample.lastText, false},
                {QStringLiteral(", after a chunk"), textEnd, false},
-               {QStringLiteral(", in the end chunk"), bytes.size() - 4, true},
-               {QStringLiteral(", after the end chunk"), bytes.size() - 2, false}};
+               {QStringLiteral(", in the end chunk"), int(bytes.size()) - 4, true},
+               {QStringLiteral(", after the end chunk"), int(bytes.size()) - 2, false}};
     return places;
 }
 

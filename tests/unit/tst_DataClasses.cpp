@@ -216,7 +216,7 @@ bool setBySlot(QObject* object, const Property& property, const QVariant& value)
     const QMetaMethod setter = setterOf(*object, property);
     const void* data = property.type == ANY ? &value : value.constData();
     return setter.invoke(object, Qt::DirectConnection,
-                         QGenericArgument(QMetaType::typeName(property.type), data));
+                         QGenericArgument(setter.parameterTypes().value(0).constData(), data));
 }
 
 bool isQuestionType(const QObject& object, const Property& property)

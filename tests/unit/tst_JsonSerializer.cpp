@@ -98,7 +98,8 @@ public:
     {
         const uint* data = m_meta.d.data;
         const uint properties = data[7];
-        m_data.assign(data, data + properties + 3 * data[6] + 1);
+        constexpr uint sizeOfOne = QT_VERSION_MAJOR < 6 ? 3 : 5;
+        m_data.assign(data, data + properties + sizeOfOne * data[6] + 1);
         constexpr uint readable = 1;
         m_data[properties + 2] &= ~readable;
         m_meta.d.data = m_data.data();

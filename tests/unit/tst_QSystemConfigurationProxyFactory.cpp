@@ -176,7 +176,7 @@ private Q_SLOTS:
         QTest::newRow("others") << QByteArray("localhost,127.0.0.1,inside.test") << "p.test:3128";
         QTest::newRow("empty") << QByteArray("") << "p.test:3128";
         // The ends of the names of public sites.
-        QTest::newRow("public hosts") << QByteArray("com,org,net,edu,int,info") << "";
+        QTest::newRow("public hosts") << QByteArray(".com,.org,.net,.edu,.int,.info") << "";
     }
 
     void noProxyNamesTheHostsWithout()
@@ -248,7 +248,7 @@ private Q_SLOTS:
     {
         qputenv("http_proxy", "http://p.test:3128");
         openOnce();
-        qputenv("no_proxy", "com,org,net,edu,int,info");
+        qputenv("no_proxy", ".com,.org,.net,.edu,.int,.info");
         QCOMPARE(primary(), NONE);
         qunsetenv("no_proxy");
         QCOMPARE(primary(), QStringLiteral("http :@p.test:3128"));
@@ -315,17 +315,20 @@ private Q_SLOTS:
     void factoryOfTheApplicationMayAskAgain()
     {
         const auto [isOurs] = row<bool>();
+        const QNetworkProxyQuery query(QUrl(QStringLiteral("http://school.test/")));
         setEnvironment("http_proxy", "http://p.test:3128");
+        const QStringList proxies = describe(QNetworkProxyFactory::systemProxyForQuery(query));
+        QCOMPARE(proxies.constFirst(), QStringLiteral("http :@p.test:3128"));
         if (isOurs)
             QNetworkProxyFactory::setApplicationProxyFactory(new QSystemConfigurationProxyFactory);
         else
             QNetworkProxyFactory::setApplicationProxyFactory(new AskingFactory);
         openOnce();
 
-        const QNetworkProxyQuery query(QUrl(QStringLiteral("http://school.test/")));
-        const QStringList proxy{QStringLiteral("http :@p.test:3128")};
-        QCOMPARE(describe(QSystemConfigurationProxyFactory().queryProxy(query)), proxy);
-        QCOMPARE(describe(QNetworkProxyFactory::proxyForQuery(query)), proxy);
+        // The system may also say what to do without that proxy.
+        const QStringList expected = isOurs ? proxies : proxies.mid(0, 1);
+        QCOMPARE(describe(QSystemConfigurationProxyFactory().queryProxy(query)), expected);
+        QCOMPARE(describe(QNetworkProxyFactory::proxyForQuery(query)), expected);
     }
 
     void requestAfterAnExport_data()

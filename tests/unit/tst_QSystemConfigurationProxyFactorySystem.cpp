@@ -74,6 +74,8 @@ private Q_SLOTS:
         QTest::newRow("with credentials") << QList<QNetworkProxy>{caching} << "c.test:3129";
         QTest::newRow("several") << QList<QNetworkProxy>{socks, http, caching, none} << "s.test:65535";
         QTest::newRow("no proxy before one") << QList<QNetworkProxy>{none, http} << "";
+        const QNetworkProxy ftp = entry(QNetworkProxy::FtpCachingProxy, "f.test", 21);
+        QTest::newRow("of FTP alone") << QList<QNetworkProxy>{ftp, http} << "";
         QTest::newRow("host with port 0") << QList<QNetworkProxy>{portless} << "";
         QTest::newRow("host with port 0 before one") << QList<QNetworkProxy>{portless, http} << "";
     }
