@@ -2,7 +2,6 @@
 # shellcheck shell=bash
 
 project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-build="$project/build/dev"
 
 # The classroom, the learners and the host meet on loopback: a proxy must not stand in between.
 unset http_proxy https_proxy all_proxy no_proxy HTTP_PROXY HTTPS_PROXY ALL_PROXY NO_PROXY
@@ -22,13 +21,32 @@ fail() {
     exit 1
 }
 
+# use_qt 5|6: what is built with that Qt, and where, and what it takes: Qt itself, what makes its translations, the
+# QML module, and what reads its description off it.
+use_qt() {
+    case $1 in
+    5)
+        preset=dev
+        qt_packages=(qtbase5-dev libqt5websockets5-dev qttools5-dev-tools
+            qtdeclarative5-dev qtdeclarative5-dev-tools qml-module-qtquick2)
+        ;;
+    6)
+        preset=qt6
+        qt_packages=(qt6-base-dev qt6-websockets-dev qt6-l10n-tools
+            qt6-declarative-dev qt6-declarative-dev-tools qml6-module-qtquick qml6-module-qtqml-models
+            qml6-module-qtqml-workerscript)
+        ;;
+    *)
+        echo "$(basename "$0"): --qt takes 5 or 6" >&2
+        exit 2
+        ;;
+    esac
+    qt=$1 build=$project/build/$preset
+}
+use_qt "${qt-5}"
+
 # What building and running needs, as Debian packages. The tests add theirs.
-packages=(cmake ninja-build g++ pkg-config qtbase5-dev libqt5websockets5-dev libqrencode-dev zlib1g-dev lzma-dev
-    libedit-dev)
-# The translations.
-packages+=(qttools5-dev-tools)
-# The QML module, and what reads its description off it.
-packages+=(qtdeclarative5-dev qtdeclarative5-dev-tools qml-module-qtquick2)
+packages=(cmake ninja-build g++ pkg-config "${qt_packages[@]}" libqrencode-dev zlib1g-dev lzma-dev libedit-dev)
 
 has_package() { [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
 
@@ -110,7 +128,7 @@ quietly() {
 build_project() {
     if [ ! -f "$build/build.ninja" ]; then
         step "Configuring"
-        (cd "$project" && quietly cmake --preset dev) || fail "cmake could not configure the project"
+        (cd "$project" && quietly cmake --preset "$preset") || fail "cmake could not configure the project"
     fi
     step "Building"
     local targets=()

@@ -8,8 +8,17 @@ packages+=(chromium fonts-open-sans fonts-urw-base35 fonts-dejavu-core)
 # What the desk and the terminal's picture write learners' names and answers with; the desk's is made with fonts-open-sans.
 packages+=(fonts-droid-fallback)
 # What hosts in QML import.
-packages+=(qml-module-qttest qml-module-qtqml qml-module-qtqml-models2)
-packages+=(qml-module-qtquick-controls2 qml-module-qtquick-layouts qml-module-qtquick-window2)
+case $qt in
+5)
+    packages+=(qml-module-qttest qml-module-qtqml qml-module-qtqml-models2)
+    packages+=(qml-module-qtquick-controls2 qml-module-qtquick-layouts qml-module-qtquick-window2)
+    ;;
+6)
+    packages+=(qml6-module-qttest qml6-module-qtqml)
+    packages+=(qml6-module-qtquick-controls qml6-module-qtquick-layouts qml6-module-qtquick-templates)
+    packages+=(qml6-module-qtquick-window)
+    ;;
+esac
 # The address to join at, as a picture at the host's prompt.
 packages+=(qrencode)
 # A host's makefile.

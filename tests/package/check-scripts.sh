@@ -18,6 +18,8 @@ refused "unknown option" ./run --server
 refused "takes a number" ./run --learners many
 refused "takes an address" ./run --host
 refused "no option of ctest's" ./test tst_Lzma
+refused "--qt takes 5 or 6" ./run --qt
+refused "--qt takes 5 or 6" ./test --qt 7
 
 # on_terminal <TERM>: what the steps of a set-up write there.
 on_terminal() {
