@@ -99,7 +99,7 @@ bool Lzma::decompress(QList<QVariant> bytes, QString* out)
 try {
     QByteArray block;
     block.reserve(bytes.size());
-    for (const QVariant& byte : bytes)
+    for (const QVariant& byte : qAsConst(bytes))
         block.append(static_cast<char>(byte.toLongLong()));
     return decompress(bytesOf(block), size_t(block.size()), out);
 } catch (const std::bad_alloc&) {
