@@ -118,11 +118,12 @@ ApplicationWindow {
                     Repeater {
                         model: lesson.roster
                         Label {
+                            id: learner
                             required property var model
                             readonly property bool isMissing: model.isPresent && window.isAsking && !model.hasAnswered
                             text: model.name; textFormat: Text.PlainText; padding: 6
                             font { bold: isMissing; strikeout: !model.isPresent }
-                            background: Rectangle { radius: 4; color: parent.palette.highlight; opacity: parent.isMissing ? 0.5 : 0.1 }
+                            background: Rectangle { radius: 4; color: learner.palette.highlight; opacity: learner.isMissing ? 0.5 : 0.1 }
                             Accessible.name: text + (isMissing ? qsTr(", has not answered") : model.isPresent ? "" : qsTr(", has left"))
                         }
                     }

@@ -44,6 +44,8 @@ TestCase {
     }
     Instantiator {
         id: cards
+        property var first
+        onObjectAdded: (index, card) => first = card
         model: lesson.deck
         QtObject { readonly property bool isCurrent: model.isCurrent }
     }
@@ -120,7 +122,7 @@ TestCase {
     }
     function test_cardsLockAndTexts() {
         verify(lesson.deck.add("a leaf", "data:image/png;base64,iVBORw0KGgo="))
-        compare([lesson.deck.count, cards.objectAt(0).isCurrent], [1, true])
+        compare([lesson.deck.count, cards.first.isCurrent], [1, true])
         lesson.showCard()
         lesson.locked = true
         verify(lesson.locked)
