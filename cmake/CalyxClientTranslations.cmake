@@ -8,7 +8,7 @@ find_program(CALYXCLIENT_LRELEASE lrelease HINTS "${bin}")
 find_program(CALYXCLIENT_LUPDATE lupdate HINTS "${bin}")
 mark_as_advanced(CALYXCLIENT_LRELEASE CALYXCLIENT_LUPDATE)
 if(NOT CALYXCLIENT_LRELEASE)
-    message(STATUS "lrelease not found: all texts are English (install qttools5-dev-tools for German and French)")
+    message(STATUS "lrelease not found: all texts are English (install qttools5-dev-tools, or qt6-l10n-tools, for German and French)")
 endif()
 
 # calyxclient_translations(<target> <name>): embeds them as the resource <name>_translations, in which QTranslator finds them as

@@ -5,4 +5,4 @@
 
 cmake_host "$here/cmake" -DCalyxClient_DIR="$1"
 ldd "$work/cmake build/outside-host" >"$work/log"
-grep -q "libcalyxclient.so.* => $1/" "$work/log" || fail "another library was found"
+grep -q "lib$LIBRARY.so.* => $1/" "$work/log" || fail "another library was found"

@@ -7,9 +7,9 @@ install_moved "$1"
 cmake_host "$here/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCOMPONENTS="calyxclient;calyx-presenter"
 grep -q "^calyx-presenter [0-9]" "$work/cmake build/presenter-version" || fail "calyx-presenter does not run"
 
-version=$(sed -n 's/^set(PACKAGE_VERSION "\(.*\)")/\1/p' "$(folder_of "$prefix" CalyxClientConfigVersion.cmake)"/*Version.cmake)
+version=$(sed -n 's/^set(PACKAGE_VERSION "\(.*\)")/\1/p' "$(folder_of "$prefix" "$PACKAGE"ConfigVersion.cmake)"/*Version.cmake)
 for range in "0...$version" "$version...99" "0.0.1...<99"; do
-    cmake -S "$here/cmake" -B "$work/range" --fresh -DCMAKE_PREFIX_PATH="$prefix" -DVERSION="$range" >"$work/log" 2>&1 \
+    cmake -S "$here/cmake" -B "$work/range" --fresh -DPACKAGE="$PACKAGE" -DCMAKE_PREFIX_PATH="$prefix" -DVERSION="$range" >"$work/log" 2>&1 \
         || { cat "$work/log"; fail "refused: $range"; }
 done
 for range in "0...<$version" "98...99"; do

@@ -8,20 +8,20 @@ DESTDIR=$stage cmake --install "$build" --prefix "$work/final" >/dev/null
 [ ! -e "$work/final" ] || fail "something was installed outside DESTDIR"
 prefix=$stage$work/final
 
-for file in include/CalyxClient/PresenterClient include/CalyxClient/client/PresenterClient.h \
-    include/CalyxClient/calyxclient_export.h include/CalyxClient/calyxclient_version.h; do
-    [ -f "$prefix/$file" ] || fail "$file is missing"
+headers=$(folder_of "$prefix" PresenterClient)
+for file in client/PresenterClient.h calyxclient_export.h calyxclient_version.h; do
+    [ -f "$headers/$file" ] || fail "$file is missing"
 done
-lib=$(folder_of "$prefix" libcalyxclient.so)
-soname=$(readelf -d "$lib/libcalyxclient.so" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p')
-[[ $soname =~ ^libcalyxclient\.so\.[0-9]+$ ]] || fail "the soname is not versioned: $soname"
-version=$(PKG_CONFIG_PATH=$lib/pkgconfig pkg-config --modversion calyxclient)
-[ "$(readlink "$lib/libcalyxclient.so")" = "$soname" ] || fail "libcalyxclient.so does not lead to $soname"
-[ "$(readlink "$lib/$soname")" = "libcalyxclient.so.$version" ] || fail "$soname does not lead to version $version"
+lib=$(folder_of "$prefix" lib$LIBRARY.so)
+soname=$(readelf -d "$lib/lib$LIBRARY.so" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p')
+[[ $soname =~ ^lib$LIBRARY\.so\.[0-9]+$ ]] || fail "the soname is not versioned: $soname"
+version=$(PKG_CONFIG_PATH=$lib/pkgconfig pkg-config --modversion "$LIBRARY")
+[ "$(readlink "$lib/lib$LIBRARY.so")" = "$soname" ] || fail "lib$LIBRARY.so does not lead to $soname"
+[ "$(readlink "$lib/$soname")" = "lib$LIBRARY.so.$version" ] || fail "$soname does not lead to version $version"
 
 # Debug information names the sources; nothing else may.
 ! grep -rIlF -e "$source" -e "$build" -e "$work" "$prefix" || fail "these files name folders of this machine"
-for binary in "$lib/libcalyxclient.so" "$prefix/bin/calyx-presenter"; do
+for binary in "$lib/lib$LIBRARY.so" "$prefix/bin/calyx-presenter"; do
     [ ! -e "$binary" ] || ! readelf -d "$binary" | grep -E 'R(UN)?PATH.*(\[|:)/' || fail "$binary has an absolute run path"
 done
 

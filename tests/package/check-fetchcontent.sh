@@ -4,4 +4,4 @@
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 tar -C "$1" --exclude='./.git' --exclude='./build*' --exclude=node_modules -czf "$work/calyxclient.tar.gz" .
-cmake_host "$here/fetchcontent" -DARCHIVE="$work/calyxclient.tar.gz"
+cmake_host "$here/fetchcontent" -DCALYXCLIENT_QT="$QT" -DARCHIVE="$work/calyxclient.tar.gz"

@@ -6,12 +6,12 @@
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 install_moved "$1"
-PKG_CONFIG_PATH=$(folder_of "$prefix" calyxclient.pc)
-LD_LIBRARY_PATH=$(folder_of "$prefix" 'libcalyxclient.so.?')
+PKG_CONFIG_PATH=$(folder_of "$prefix" "$LIBRARY.pc")
+LD_LIBRARY_PATH=$(folder_of "$prefix" "lib$LIBRARY.so.?")
 export PKG_CONFIG_PATH LD_LIBRARY_PATH
 make_host
 
-cd "$prefix/include"
+cd "$(dirname "$(folder_of "$prefix" PresenterClient)")"
 find CalyxClient -type f | sort | sed 's/.*/#include <&>/' >"$work/headers.cpp"
 [ "$(grep -c . "$work/headers.cpp")" -gt 50 ] || fail "the headers are not installed"
 find CalyxClient -type f -printf '%P\n' | while read -r header; do

@@ -5,11 +5,11 @@
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 install_moved "$1"
-LD_LIBRARY_PATH=$(folder_of "$prefix" 'libcalyxclient.so.?') \
-    qmake_host pri PRI="$(folder_of "$prefix" calyxclient.pri)/calyxclient.pri"
+LD_LIBRARY_PATH=$(folder_of "$prefix" "lib$LIBRARY.so.?") \
+    qmake_host pri PRI="$(folder_of "$prefix" "$LIBRARY.pri")/$LIBRARY.pri"
 
 mv "$prefix" "$work/moved-again"
-PKG_CONFIG_PATH=$(folder_of "$work/moved-again" calyxclient.pc)
-LD_LIBRARY_PATH=$(folder_of "$work/moved-again" 'libcalyxclient.so.?')
+PKG_CONFIG_PATH=$(folder_of "$work/moved-again" "$LIBRARY.pc")
+LD_LIBRARY_PATH=$(folder_of "$work/moved-again" "lib$LIBRARY.so.?")
 export PKG_CONFIG_PATH LD_LIBRARY_PATH
 qmake_host pkgconfig

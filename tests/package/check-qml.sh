@@ -6,7 +6,7 @@
 install_moved "$1"
 cmake_host "$here/qml" -DCMAKE_PREFIX_PATH="$prefix"
 types=$(folder_of "$prefix" plugins.qmltypes)/plugins.qmltypes
-for header in "$prefix"/include/CalyxClient/lesson/*.h PollType.h OrdinalType.h; do
+for header in "$(folder_of "$prefix" Lesson.h)"/*.h PollType.h OrdinalType.h; do
     type=$(basename "$header" .h)
     grep -q "exports: \[\"Calyx/$type 1.0\"\]" "$types" || fail "$type is not described"
 done

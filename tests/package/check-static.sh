@@ -5,7 +5,7 @@
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 build="$work/static build"
-cmake -S "$1" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=None -DBUILD_SHARED_LIBS=OFF -DCALYXCLIENT_BUILD_TESTS=OFF \
+cmake -S "$1" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=None -DCALYXCLIENT_QT="$QT" -DBUILD_SHARED_LIBS=OFF -DCALYXCLIENT_BUILD_TESTS=OFF \
     -DCALYXCLIENT_BUILD_PRESENTER=OFF >/dev/null
 cmake --build "$build" --parallel 2 >"$work/log" 2>&1 || { cat "$work/log"; fail "the static library does not build"; }
 cmake_host "$here/cmake" -DCalyxClient_DIR="$build"
@@ -14,5 +14,5 @@ install_moved "$build"
 [ -z "$(find "$prefix" -name '*.so*')" ] || fail "a shared library is installed too"
 rm -r "$build" "$work/cmake build"
 cmake_host "$here/cmake" -DCMAKE_PREFIX_PATH="$prefix"
-PKG_CONFIG_PATH=$(folder_of "$prefix" calyxclient.pc) make_host
-qmake_host pri PRI="$(folder_of "$prefix" calyxclient.pri)/calyxclient.pri"
+PKG_CONFIG_PATH=$(folder_of "$prefix" "$LIBRARY.pc") make_host
+qmake_host pri PRI="$(folder_of "$prefix" "$LIBRARY.pri")/$LIBRARY.pri"

@@ -3,4 +3,4 @@
 # shellcheck source-path=SCRIPTDIR source=common.sh
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-cmake_host "$here/subdirectory" -DSOURCE="$1"
+cmake_host "$here/subdirectory" -DCALYXCLIENT_QT="$QT" -DSOURCE="$1"

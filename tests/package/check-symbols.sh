@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# The library $1 of the source $2, built in $3, exports what packaging/debian/libcalyxclient0.symbols lists, neither less
+# The library $1 of the source $2, built in $3, exports what its list in packaging/debian holds, neither less
 # nor more, and nothing but the classes and functions of public headers. packaging/update-symbols rewrites the list.
 # shellcheck source-path=SCRIPTDIR source=common.sh
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 library=$1 source=$2 build=$3
-kept=$source/packaging/debian/libcalyxclient0.symbols
+kept=$(grep -lx "$(basename "$(realpath "$library")" | cut -d. -f1-3) .*" "$source"/packaging/debian/*.symbols) || fail "no list"
 
 nm -DC --defined-only --format=posix "$library" | sed -E 's/ [A-Za-z] [0-9a-f]+ *[0-9a-f]*$//' | sort -u >"$work/exported"
 [ -s "$work/exported" ] || fail "nm finds no symbol in $library"

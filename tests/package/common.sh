@@ -2,6 +2,10 @@
 # shellcheck shell=bash disable=SC2034
 set -euo pipefail
 
+# The Qt of the library that is checked, and what it is called then.
+: "${QT:=5}" "${PACKAGE:=CalyxClient}" "${LIBRARY:=calyxclient}"
+export LIBRARY
+
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -35,7 +39,7 @@ cmake_host() {
     local host=$1 build
     shift
     build="$work/$(basename "$host") build"
-    cmake -S "$host" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=None "$@" >"$work/log" 2>&1 || { cat "$work/log"; return 1; }
+    cmake -S "$host" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=None -DPACKAGE="$PACKAGE" "$@" >"$work/log" 2>&1 || { cat "$work/log"; return 1; }
     cmake --build "$build" --parallel 2 >"$work/log" 2>&1 || { cat "$work/log"; return 1; }
     "$build/outside-host"
 }
@@ -44,7 +48,7 @@ cmake_host() {
 cannot_configure() {
     local text=$1 host=$2
     shift 2
-    ! cmake -S "$host" -B "$work/refused" --fresh "$@" >"$work/log" 2>&1 || fail "cmake accepted: $*"
+    ! cmake -S "$host" -B "$work/refused" --fresh -DPACKAGE="$PACKAGE" "$@" >"$work/log" 2>&1 || fail "cmake accepted: $*"
     [[ $(tr -s '\n ' ' ' <"$work/log") == *"$text"* ]] || { cat "$work/log"; fail "cmake does not say: $text"; }
 }
 
@@ -55,12 +59,15 @@ make_host() {
     "$work/outside-host"
 }
 
+qmake=(qmake -qt=qt5)
+[ "$QT" = 5 ] || qmake=(qmake6)
+
 # qmake_host <name> <assignment>...: builds the host of qmake/ with the assignments before its lines, and runs it.
 qmake_host() {
     local folder="$work/qmake $1"
     shift
     mkdir -p "$folder"
     cp "$here/main.cpp" "$here/qmake/outside-host.pro" "$folder"
-    (cd "$folder" && qmake -qt=qt5 "$@" outside-host.pro >/dev/null && make -s)
+    (cd "$folder" && "${qmake[@]}" LIBRARY="$LIBRARY" "$@" outside-host.pro >/dev/null && make -s)
     "$folder/outside-host"
 }

@@ -32,7 +32,9 @@ inline int threads()
     for (const auto& id : ids) {
         QFile file(tasks.filePath(id) + QStringLiteral("/comm"));
         const auto name = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-        count += name.startsWith("Qt bearer") || name.startsWith("QDBusConnection") ? 0 : 1;
+        const bool isQts = name.startsWith("Qt bearer") || name.startsWith("QDBusConnection") ||
+                           name.startsWith("QLibProxy");
+        count += isQts ? 0 : 1;
     }
     return count;
 }

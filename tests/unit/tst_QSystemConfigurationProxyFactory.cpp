@@ -326,7 +326,7 @@ private Q_SLOTS:
         openOnce();
 
         // The system may also say what to do without that proxy.
-        const QStringList expected = isOurs ? proxies : proxies.mid(0, 1);
+        const QStringList expected = proxies.mid(0, isOurs ? -1 : 1);
         QCOMPARE(describe(QSystemConfigurationProxyFactory().queryProxy(query)), expected);
         QCOMPARE(describe(QNetworkProxyFactory::proxyForQuery(query)), expected);
     }

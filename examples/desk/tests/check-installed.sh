@@ -9,4 +9,4 @@ cmake -S "$2/examples/desk" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=None -DCMAKE
     && cmake --build "$build" --parallel 2 >>"$work/log" 2>&1 \
     || { cat "$work/log"; fail "the desk does not build"; }
 ! grep -rqsF "$2/src" "$build/build.ninja" || fail "the desk reads headers that are not installed"
-[[ $(ldd "$build/desk") == *"libcalyxclient.so.0 => $prefix/"* ]] || fail "the desk does not run with the installed library"
+[[ $(ldd "$build/desk") == *"lib$LIBRARY.so.0 => $prefix/"* ]] || fail "the desk does not run with the installed library"
