@@ -7,6 +7,7 @@
 #include <QtGlobal>
 
 #include <cstdlib>
+#include <random>
 
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
 
@@ -38,42 +39,32 @@ inline const QLoggingCategory& diagnosticsCategory()
 
 #endif
 
+/// Qt 5's qrand(), which Qt 6 has no more: the same numbers for the same seed.
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED
-/// Qt 5's qrand() on this platform, which Qt 6 has no more: the same numbers for the same seed.
 class SeededRandom
 {
 public:
-#if defined(Q_OS_WIN) && QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
-    explicit SeededRandom(uint seed)
-    {
-        std::srand(seed);
-    }
-    int next()
-    {
-        return std::rand();
-    }
-#elif QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
-    explicit SeededRandom(uint seed) : m_seed(seed) {}
-    int next()
-    {
-        return rand_r(&m_seed);
-    }
-
-private:
-    uint m_seed;
-#else
-    explicit SeededRandom(uint seed)
-    {
-        qsrand(seed);
-    }
-    int next()
-    {
-        return qrand();
-    }
-#endif
+    explicit SeededRandom(uint seed) { qsrand(seed); }
+    int next() { return qrand(); }
 };
 QT_WARNING_POP
+
+#else
+
+class SeededRandom
+{
+public:
+    explicit SeededRandom(uint seed) : m_engine(seed) {}
+    int next() { return int(m_engine() % (uint(RAND_MAX) + 1)); }
+
+private:
+    std::minstd_rand m_engine;
+};
+
+#endif
 
 /// The signal of a WebSocket's error: errorOccurred() where there is one (from 6.5), and error() otherwise.
 template<typename Socket>

@@ -3,21 +3,21 @@
 #include <QObject>
 #include <QTest>
 
-#include <cstdlib>
 #include <ctime>
 #include <limits>
+#include <random>
 
 namespace {
 
 const QString ALPHABET = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
 
-// What is to come out in the second that seeds it: Qt 5's qrand() is the platform's rand_r().
+// What is to come out in the second that seeds it: Qt 5's qrand() is this engine.
 QString expectedIn(std::time_t second, int length)
 {
-    auto seed = static_cast<uint>(second);
+    std::minstd_rand engine(static_cast<uint>(second));
     QString text;
     for (int i = 0; i < length; ++i)
-        text.append(ALPHABET.at(rand_r(&seed) % 62));
+        text.append(ALPHABET.at(int(engine() % 62)));
     return text;
 }
 
