@@ -125,17 +125,27 @@ void Lesson::setName(const QString& id, const QString& name)
 
 void Lesson::setTransports(const QStringList& transports)
 {
-    d->transports = transports;
+    d->channel.transports = transports;
 }
 
 void Lesson::setOpenLimit(int msecs)
 {
-    d->openLimit = msecs;
+    d->channel.openLimit = msecs;
+}
+
+void Lesson::setNoticesLoss(bool notices)
+{
+    d->channel.noticesLoss = notices;
 }
 
 void Lesson::setReconnects(bool reconnects)
 {
     d->reconnects = reconnects;
+}
+
+void Lesson::setBringsBack(bool brings)
+{
+    d->bringsBack = brings;
 }
 
 bool Lesson::loadTranslation(QTranslator* translator, const QLocale& locale)

@@ -129,9 +129,17 @@ public:
     /// How many milliseconds a transport may take to open before the next one is tried, from the next
     /// start(); 10,000 at first, 0 for no limit.
     Q_INVOKABLE void setOpenLimit(int msecs);
+    /// Whether a far end that is frozen or has vanished counts as lost, from the next start() or
+    /// reconnection; true at first: a message that the lesson sends to itself every few seconds has to come
+    /// back. Without it only a channel that is closed is lost.
+    Q_INVOKABLE void setNoticesLoss(bool notices);
     /// Whether a channel that is lost is opened again by itself; true at first. Without it a lost lesson
     /// stays Reconnecting until retryNow().
     Q_INVOKABLE void setReconnects(bool reconnects);
+    /// Whether the class is brought to what is wanted when a lost lesson is Live again; true at first.
+    /// Without it nothing is sent then, and what was done meanwhile reaches nobody: the host does what it
+    /// wants instead.
+    Q_INVOKABLE void setBringsBack(bool brings);
 
     /// Writes a journal of each session from the next start() into \p fileName, to which takeUp() goes back
     /// after a crash: every event as a line of JSON when it has happened, names and answers included,

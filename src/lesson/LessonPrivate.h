@@ -115,10 +115,10 @@ struct LessonPrivate : public LessonListener
     QString joinCode;
     QString joinAddress;
     QString lessonId = QStringLiteral("lesson");
-    QStringList transports;
-    int openLimit = 10000;          // ms
+    ChannelSettings channel;
     LessonJournal::TakenUp takenUp; // until it is open again
     bool reconnects = true;
+    bool bringsBack = true;
     bool wantsLive = false; // a session, as soon as the login is there
     bool isLoggingOut = false;
     bool isFinishing = false; // slots that hear of it can ask for nothing more

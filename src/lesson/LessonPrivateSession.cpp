@@ -89,9 +89,8 @@ void LessonPrivate::beginStart()
     const bool isTakenUp = !takenUp.session.token.isEmpty();
     if (!isTakenUp)
         content.startedAt = QDateTime::currentDateTime();
-    worker->tell([=, ticket = ticket, session = takenUp.session, transports = transports,
-                  limit = openLimit](LessonWorker* at) {
-        at->setTransports(transports, limit);
+    worker->tell([=, ticket = ticket, session = takenUp.session, settings = channel](LessonWorker* at) {
+        at->setChannel(settings);
         isTakenUp ? at->takeUp(ticket, session) : at->open(ticket);
     });
     setState(Lesson::Starting);
@@ -163,7 +162,7 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
     if (!setState(Lesson::Live) || state != Lesson::Live)
         return;
     if (opening.isReturn)
-        bringBack(newcomers);
+        bringsBack ? bringBack(newcomers) : void();
     else if (!content.wanted().isNothing())
         send([wanted = content.wanted()](PresenterCollab* collab) {
             LessonMessages::bring(collab, QString(), wanted);
@@ -250,8 +249,8 @@ void LessonPrivate::attempt()
     retry.stop();
     nextAttempt = QDateTime();
     ticket = ++lastTicket;
-    worker->tell([ticket = ticket, transports = transports, limit = openLimit](LessonWorker* at) {
-        at->setTransports(transports, limit);
+    worker->tell([ticket = ticket, settings = channel](LessonWorker* at) {
+        at->setChannel(settings);
         at->reopen(ticket);
     });
     Q_EMIT q->nextAttemptChanged();

@@ -274,12 +274,6 @@ void LessonWorker::logOut(int ticket)
 
 // Session and channel.
 
-void LessonWorker::setTransports(const QStringList& transports, int openLimit)
-{
-    m_transports = transports;
-    m_openLimit = openLimit;
-}
-
 void LessonWorker::open(int ticket)
 {
     enqueue(true, [this, ticket] {
@@ -313,13 +307,13 @@ LessonError LessonWorker::doOpen()
 
 void LessonWorker::setLimits()
 {
-    m_client->setOpenLimit(m_openLimit);
-    m_client->setSilenceLimit(silenceLimit);
+    m_client->setOpenLimit(m_settings.openLimit);
+    m_client->setSilenceLimit(m_settings.noticesLoss ? silenceLimit : 0);
     m_client->setStallLimit(stallLimit);
     m_client->setAsynchronousConnect(true);
     m_client->setEndsWithLostRequest(true);
     m_client->setRandomSessionIds(true);
-    m_client->setSockJSOverrideProtocols(m_transports);
+    m_client->setSockJSOverrideProtocols(m_settings.transports);
 }
 
 LessonError LessonWorker::startSession(PresenterCollab** collab)
@@ -406,7 +400,7 @@ bool LessonWorker::waitForChannel()
         connect(this, &LessonWorker::interrupted, &loop, &QEventLoop::quit);
         QTimer limit;
         connect(&limit, &QTimer::timeout, &loop, &QEventLoop::quit);
-        limit.start(m_openLimit > 0 ? mostTransports * m_openLimit + 1000 : greetingLimit);
+        limit.start(m_settings.openLimit > 0 ? mostTransports * m_settings.openLimit + 1000 : greetingLimit);
         loop.exec();
     }
     return m_collab && m_collab->isConnected() && !m_isCancelled;
@@ -437,8 +431,10 @@ void LessonWorker::reportOpened(int ticket, bool isReturn)
     if (m_collab)
         m_lastTransport = SockJSConnector::PROTOCOL_TYPE_STR().value(m_collab->connector()->protocol());
     m_lastLook = QDateTime::currentMSecsSinceEpoch();
-    m_watch.start(watchPace);
-    sendPulse(0, echoLimit);
+    if (m_settings.noticesLoss) {
+        m_watch.start(watchPace);
+        sendPulse(0, echoLimit);
+    }
     report([=](LessonListener* listener) { listener->onOpened(ticket, opening); });
     for (const auto& work : std::exchange(m_waiting, {})) {
         if (m_collab)
@@ -465,6 +461,7 @@ LessonError LessonWorker::doReopen()
     const LessonError reason = findSession();
     if (reason.kind != LessonError::NoError)
         return reason;
+    m_collab->connector()->setSilenceLimit(m_settings.noticesLoss ? silenceLimit : 0);
     if (!m_isCancelled)
         m_collab->open(transportsForReturn());
     return waitForChannel() ? LessonError() : error(LessonError::NoChannel);
@@ -525,7 +522,8 @@ LessonError LessonWorker::doTakeUp(const OpenSession& session)
 // The one that worked comes first: one that a filter swallows would take its time again.
 QStringList LessonWorker::transportsForReturn() const
 {
-    QStringList transports = m_transports.isEmpty() ? m_client->sockJSProtocols() : m_transports;
+    QStringList transports =
+        m_settings.transports.isEmpty() ? m_client->sockJSProtocols() : m_settings.transports;
     if (transports.isEmpty()) {
         for (const SockJSConnector::PROTOCOL_TYPE type : SockJSConnector::GetDefaultProtocols())
             transports.append(SockJSConnector::PROTOCOL_TYPE_STR().value(type));
@@ -557,7 +555,8 @@ void LessonWorker::sendPulse(int serial, int limit)
     if (!m_isOpen || !m_collab)
         return;
     m_lastPulse.start();
-    m_echoLimit.start(m_echoLimit.isActive() ? qMin(limit, m_echoLimit.remainingTime()) : limit);
+    if (m_settings.noticesLoss)
+        m_echoLimit.start(m_echoLimit.isActive() ? qMin(limit, m_echoLimit.remainingTime()) : limit);
     const QString frame = QStringLiteral(
         R"({"type":"publish","address":"%1.presenter.%2","body":{"from":"%2","type":"%3","serial":%4}})");
     m_collab->connector()->sendMessage(

@@ -57,6 +57,14 @@ struct Opening
     bool hasLearners = false;
 };
 
+/// How a channel is opened and watched.
+struct ChannelSettings
+{
+    QStringList transports; ///< empty for those that the service prescribes
+    int openLimit = 10000;  ///< milliseconds for each of them; 0 for no limit
+    bool noticesLoss = true;
+};
+
 /// What a LessonWorker tells, on the thread of its inbox. Each ticket is that of the operation it is about.
 class LessonListener
 {
@@ -99,9 +107,8 @@ public:
     void tell(const Work& work);
 
     void logIn(int ticket, const Login& login);
-    /// What the channel is opened with from now on: \p transports, unless that is empty, each for \p
-    /// openLimit milliseconds; 0 is no limit.
-    void setTransports(const QStringList& transports, int openLimit);
+    /// What the channel is opened with from now on.
+    void setChannel(const ChannelSettings& settings) { m_settings = settings; }
     void open(int ticket);
     /// Opens a channel of a session that is open at the service, or SessionGone.
     void takeUp(int ticket, const OpenSession& session);
@@ -174,8 +181,7 @@ private:
     QString m_clientServer;             // the address that it was made with
     QPointer<PresenterCollab> m_collab; // the client's
     Login m_login;
-    QStringList m_transports;
-    int m_openLimit = 0;
+    ChannelSettings m_settings;
     QString m_createdCode; // of a session that the host has created and nobody has started
     QString m_sessionToken;
     std::deque<Operation> m_queue;

@@ -175,6 +175,12 @@ private Q_SLOTS:
         row(
             "card", [](Lesson& lesson) { lesson.showPicture("png"); },
             QStringList{"showCard T.learner"} + again);
+        row("lock, but nothing is brought",
+            [](Lesson& lesson) {
+                lesson.setBringsBack(false);
+                lesson.setLocked(true);
+            },
+            {});
     }
 
     void bringsBackWhatHasChanged()
@@ -217,6 +223,20 @@ private Q_SLOTS:
         QVERIFY(class_.loseAndReturn([](Lesson&) {}));
         QCOMPARE(class_.published(), published);
         class_.service.expectNoMore();
+    }
+
+    void leavesLossesToTheHost()
+    {
+        Class class_;
+        class_.lesson->setNoticesLoss(false);
+        class_.lesson->setReconnects(false);
+        QVERIFY(class_.start());
+        QVERIFY(class_.sent("pulse").value("serial").toInt() > 0); // it follows a message: none is to probe
+        class_.bus.dropConnections();
+        QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::Reconnecting; }));
+        QVERIFY(!class_.lesson->nextAttempt().isValid());
+        QVERIFY(class_.loseAndReturn([](Lesson&) {}));
+        QVERIFY(class_.end());
     }
 
     void waitsAreCancelled_data()
