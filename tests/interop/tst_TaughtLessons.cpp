@@ -1,10 +1,14 @@
 #include "interop/support/Host.h"
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
+#include "support/Rows.h"
 
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QRegularExpression>
+
+#include <memory>
+#include <vector>
 
 namespace {
 
@@ -42,79 +46,24 @@ QString numberIn(const QString& text, const QString& pattern)
     return QRegularExpression(pattern).match(text).captured(1);
 }
 
-void addTransports(const QStringList& networks)
+/// One lesson: the host goes through the door, the learners straight to the classroom.
+struct Taught
 {
-    QTest::addColumn<QString>("transport");
-    QTest::addColumn<QString>("network");
-    for (const QString& network : networks) {
-        for (const QString& transport : Transport::all)
-            QTest::addRow("%s, %s", qPrintable(transport), qPrintable(network)) << transport << network;
-    }
-}
+    explicit Taught(const QString& name) : transport(name) {}
 
-} // namespace
-
-/// The demo lesson as the console host teaches it, over the networks that schools have.
-class TestTaughtLessons : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void throughABalancer_data()
+    void begin(const QUrl& server, const QString& way = QString())
     {
-        addTransports(
-            {QStringLiteral("lasting connections"), QStringLiteral("a connection for each answer")});
-    }
-
-    void throughABalancer()
-    {
-        QFETCH(QString, transport);
-        QFETCH(QString, network);
-        const QString options =
-            network.startsWith(QLatin1Char('a')) ? QStringLiteral("option httpclose") : QString();
-        Peer classroom(Peers::classroom());
-        VERIFY_STARTED(classroom.start());
-        Peer balancer(Peers::haproxy({classroom.port()}, {{QStringLiteral("DEFAULTS"), options}}));
-        VERIFY_STARTED(balancer.start());
-        teach(classroom, balancer.url());
-        QVERIFY(!balancer.lines(QStringLiteral("request "))
-                     .filter(transport == Transport::polling ? QStringLiteral("/xhr") : transport.mid(4))
-                     .isEmpty());
-    }
-
-    void throughAProxy_data() { addTransports({QStringLiteral("forward proxy")}); }
-
-    void throughAProxy()
-    {
-        Peer classroom(Peers::classroom());
-        VERIFY_STARTED(classroom.start());
-        // Only who comes from the proxy is let in.
-        Peer door(Peers::haproxy(
-            {classroom.port()},
-            {{QStringLiteral("FRONTEND"), QStringLiteral("bind %1:@PORT@\n"
-                                                         "tcp-request connection reject unless { src %1 }")
-                                              .arg(Peers::forwarded)}}));
-        VERIFY_STARTED(door.start());
-        Peer proxy(Peers::tinyproxy());
-        VERIFY_STARTED(proxy.start());
-        // To an address of loopback Qt uses no proxy; this one means the same.
-        teach(classroom, QUrl(QStringLiteral("http://0.0.0.0:%1").arg(door.port())), proxy.url().toString());
-    }
-
-private:
-    // The host goes through the door, the learners straight to the classroom.
-    void teach(const Peer& classroom, const QUrl& door, const QString& proxy = QString())
-    {
-        QFETCH(QString, transport);
-        QProcess devices;
         devices.start(QStringLiteral("node"), simulatedLearners(classroom.url()));
-        QProcess host;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("COLUMNS"), QStringLiteral("200"));
-        if (!proxy.isEmpty())
-            environment.insert(QStringLiteral("http_proxy"), proxy);
+        if (!way.isEmpty())
+            environment.insert(QStringLiteral("http_proxy"), way);
         host.setProcessEnvironment(environment);
-        host.start(QStringLiteral(CALYX_PRESENTER), demoLesson(door, transport));
+        host.start(QStringLiteral(CALYX_PRESENTER), demoLesson(server, transport));
+    }
+
+    void verify()
+    {
         QVERIFY(ends(&host));
         const QString told = QString::fromUtf8(host.readAllStandardOutput());
         QVERIFY2(host.exitCode() == 0, qPrintable(told + QString::fromUtf8(host.readAllStandardError())));
@@ -127,6 +76,77 @@ private:
         QCOMPARE(numberIn(told, QStringLiteral("Total: .* (\\d+) answers")), QString::number(11 * learners));
         QCOMPARE(numberIn(totals, QStringLiteral("decode-failures=(\\d+)")), QStringLiteral("0"));
     }
+
+    QString transport;
+    Peer classroom{Peers::classroom()};
+    Peer door;
+    Peer proxy{Peers::tinyproxy()};
+    QProcess devices;
+    QProcess host;
+};
+
+} // namespace
+
+/// The demo lesson as the console host teaches it, over the networks that schools have: on each transport,
+/// all at the same time.
+class TestTaughtLessons : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        for (const QString& transport : Transport::all) {
+            m_lessons.push_back(std::make_unique<Taught>(transport));
+            VERIFY_STARTED(m_lessons.back()->classroom.start());
+        }
+    }
+    void cleanup() { m_lessons.clear(); }
+
+    void throughABalancer_data()
+    {
+        rows<QString>({{"lasting connections", ""}, {"a connection for each answer", "option httpclose"}});
+    }
+
+    void throughABalancer()
+    {
+        const auto [options] = row<QString>();
+        for (const auto& lesson : m_lessons) {
+            lesson->door.setProgram(
+                Peers::haproxy({lesson->classroom.port()}, {{QStringLiteral("DEFAULTS"), options}}));
+            VERIFY_STARTED(lesson->door.start());
+            lesson->begin(lesson->door.url());
+        }
+        for (const auto& lesson : m_lessons) {
+            lesson->verify();
+            const QString path =
+                lesson->transport == Transport::polling ? QStringLiteral("/xhr") : lesson->transport.mid(4);
+            QVERIFY(!lesson->door.lines(QStringLiteral("request ")).filter(path).isEmpty());
+        }
+    }
+
+    void throughAProxy()
+    {
+        for (const auto& lesson : m_lessons) {
+            // Only who comes from the proxy is let in.
+            lesson->door.setProgram(
+                Peers::haproxy({lesson->classroom.port()},
+                               {{QStringLiteral("FRONTEND"),
+                                 QStringLiteral("bind %1:@PORT@\n"
+                                                "tcp-request connection reject unless { src %1 }")
+                                     .arg(Peers::forwarded)}}));
+            VERIFY_STARTED(lesson->door.start());
+            VERIFY_STARTED(lesson->proxy.start());
+            // To an address of loopback Qt uses no proxy; this one means the same.
+            lesson->begin(QUrl(QStringLiteral("http://0.0.0.0:%1").arg(lesson->door.port())),
+                          lesson->proxy.url().toString());
+        }
+        for (const auto& lesson : m_lessons)
+            lesson->verify();
+    }
+
+private:
+    std::vector<std::unique_ptr<Taught>> m_lessons;
 };
 
 INTEROP_MAIN(TestTaughtLessons)
