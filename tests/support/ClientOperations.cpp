@@ -11,8 +11,6 @@ const char ClientOperations::ALL_IS_WELL[] =
 
 namespace {
 
-void ready(PresenterClient*) {}
-
 void logIn(PresenterClient* client)
 {
     client->loginSuccessResponse(QString::fromLatin1(ALL_IS_WELL));
@@ -63,45 +61,38 @@ QList<QPair<const char*, Operation>> ClientOperations::operations()
     using Client = PresenterClient*;
     const QString u = QStringLiteral("u");
     return {
-        {"checkServer", {[=](Client c) { return c->checkServer(u, u); }, {"/tavisto"}, ready, false}},
-        {"doLogin", {[=](Client c) { return c->doLogin(u, u); }, {"/tavisto/login/submit"}, ready, false}},
-        {"doLogin by device",
-         {[=](Client c) { return c->doLogin(u, u, u); }, {"/tavisto/login/submit"}, ready, false}},
+        {"checkServer", {[=](Client c) { return c->checkServer(u, u); }, {"/tavisto"}}},
+        {"doLogin", {[=](Client c) { return c->doLogin(u, u); }, {"/tavisto/login/submit"}}},
+        {"doLogin by device", {[=](Client c) { return c->doLogin(u, u, u); }, {"/tavisto/login/submit"}}},
         {"doLoginWithOAuth",
-         {[](Client c) { return loginWithOAuth(c, QString()); },
-          {"/tavisto/login/oauth/google/callback"},
-          ready,
-          false}},
+         {[](Client c) { return loginWithOAuth(c, QString()); }, {"/tavisto/login/oauth/google/callback"}}},
         {"doLoginWithOAuth, registration",
          {[](Client c) { return loginWithOAuth(c, QStringLiteral(R"({"a":"b"})")); },
-          {"/tavisto/register/oauth/submit"},
-          ready,
-          false}},
+          {"/tavisto/register/oauth/submit"}}},
         {"doGetAccessToken",
-         {[=](Client c) { return c->doGetAccessToken(u, u, u, u); }, {"/tavisto/login/submit"}, ready, ""}},
-        {"doGetOAuthAccessToken", {getOAuthAccessToken, {"/tavisto/login/oauth/google/callback"}, ready, ""}},
-        {"doGetUserName", {[](Client c) { return c->doGetUserName(); }, {"/tavisto/login/user"}, ready, ""}},
+         {[=](Client c) { return c->doGetAccessToken(u, u, u, u); }, {"/tavisto/login/submit"}, ""}},
+        {"doGetOAuthAccessToken", {getOAuthAccessToken, {"/tavisto/login/oauth/google/callback"}, ""}},
+        {"doGetUserName", {[](Client c) { return c->doGetUserName(); }, {"/tavisto/login/user"}, ""}},
         {"sendKeepAlive",
          {[](Client c) { return c->sendKeepAlive(), QVariant(); },
           {"/tavisto/login/keepSessionAlive"},
-          ready,
           QVariant()}},
-        {"doLogout", {[](Client c) { return c->doLogout(); }, {"/tavisto/login/logout"}, logIn, false}},
+        {"doLogout", {[](Client c) { return c->doLogout(); }, {"/tavisto/login/logout"}, false, logIn}},
         {"doLogout in a session",
          {[](Client c) { return c->doLogout(); },
           {"/tavisto/session/stop", "/tavisto/login/logout"},
-          openSession,
-          false}},
+          false,
+          openSession}},
         {"doStartSession",
          {[](Client c) { return c->doStartSession(QString()); },
           {"/tavisto/login/user", "/tavisto/session/create"},
-          logIn,
-          false}},
+          false,
+          logIn}},
         {"doGetLearners",
-         {[](Client c) { return c->doGetLearners(); }, {"/tavisto/session/getusers"}, openSession, true}},
+         {[](Client c) { return c->doGetLearners(); }, {"/tavisto/session/getusers"}, true, openSession}},
         {"doStopSession",
-         {[](Client c) { return c->doStopSession(); }, {"/tavisto/session/stop"}, openSession, true}},
-        {"doUploadResource", {upload, {"/tavisto/resource/uploadResourceFile"}, ready, false}},
+         {[](Client c) { return c->doStopSession(); }, {"/tavisto/session/stop"}, true, openSession}},
+        {"doUploadResource", {upload, {"/tavisto/resource/uploadResourceFile"}}},
     };
 }
 
@@ -118,18 +109,17 @@ QList<QPair<const char*, Operation>> ClientOperations::chainedOperations()
               return QVariant();
           },
           {"/tavisto/login/submit", "/tavisto/login/submit"},
-          ready,
           QVariant()}},
         {"startWebsocket",
          {startWebsocket,
           {"/tavisto/session/getcollabserverurl", "/tavisto/config/findTenantFeatureDetails",
            "/tavisto/session/start", "/tavisto/classroom/session/join"},
-          createSession,
-          false}},
+          false,
+          createSession}},
         {"onPingTimer",
          {[](Client c) { return QMetaObject::invokeMethod(c, "onPingTimer"), QVariant(); },
           {"/tavisto/login/keepSessionAlive"},
-          logIn,
-          QVariant()}},
+          QVariant(),
+          logIn}},
     };
 }

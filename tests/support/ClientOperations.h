@@ -21,9 +21,9 @@ struct Operation
     /// Gives what the operation returned; nothing for one that returns nothing.
     std::function<QVariant(PresenterClient*)> call;
     QList<QByteArray> paths;
-    std::function<void(PresenterClient*)> prepare;
     /// What it returns when its last request is not answered in time.
-    QVariant timedOut;
+    QVariant timedOut = false;
+    std::function<void(PresenterClient*)> prepare = [](PresenterClient*) {};
 };
 
 /// With their names.

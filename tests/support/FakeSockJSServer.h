@@ -1,15 +1,20 @@
 #pragma once
 
 #include "support/HttpServer.h"
+#include "support/WaitFor.h"
 
+#include <QCryptographicHash>
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QPointer>
 #include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QUrl>
+#include <QWebSocket>
 #include <QWebSocketServer>
 
-class QWebSocket;
+#include <algorithm>
 
 /// The server's end of SockJS on loopback and a free port, for tests that script what a server does.
 ///
@@ -53,11 +58,28 @@ public:
         }
     };
 
-    FakeSockJSServer();
-    ~FakeSockJSServer() override;
+    FakeSockJSServer() : m_webSockets(QStringLiteral("fake"), QWebSocketServer::NonSecureMode)
+    {
+        connect(&m_webSockets, &QWebSocketServer::newConnection, this, &FakeSockJSServer::onWebSocket);
+    }
+    ~FakeSockJSServer() override
+    {
+        // The ends of these sockets are no news to a server that is going.
+        const auto webSockets = findChildren<QWebSocket*>();
+        for (auto* socket : webSockets)
+            socket->disconnect(this);
+    }
 
     quint16 port() const { return serverPort(); }
-    QUrl url(const QString& path = QString(), const QString& scheme = QStringLiteral("http")) const;
+    QUrl url(const QString& path = QString(), const QString& scheme = QStringLiteral("http")) const
+    {
+        QUrl url;
+        url.setScheme(scheme);
+        url.setHost(QStringLiteral("127.0.0.1"));
+        url.setPort(port());
+        url.setPath(path);
+        return url;
+    }
 
     /// One for each upgrade, in order; the last one stands for all that follow.
     void setUpgrades(const QList<Upgrade>& upgrades) { m_upgrades = upgrades; }
@@ -65,42 +87,121 @@ public:
     /// What a new session gets at once; "o" unless set.
     void setFirstFrames(const QStringList& frames) { m_firstFrames = frames; }
     /// Upgrades the connection that has been left without an answer longest.
-    void answerUpgrade();
+    void answerUpgrade()
+    {
+        while (!m_waiting.isEmpty()) {
+            const auto waiting = m_waiting.takeFirst();
+            m_current = Open;
+            if (waiting.first)
+                return upgrade(waiting.first, waiting.second);
+        }
+    }
     /// No new connections from now on.
     void stopListening() { close(); }
 
     QList<Request> requests() const { return m_requests; }
-    QStringList paths() const;
+    QStringList paths() const
+    {
+        QStringList paths;
+        for (const auto& request : m_requests)
+            paths.append(QString::fromUtf8(request.path));
+        return paths;
+    }
     /// Number of requests whose path ends with \p suffix.
-    int count(const QString& suffix) const;
+    int count(const QString& suffix) const
+    {
+        const auto all = paths();
+        return int(
+            std::count_if(all.begin(), all.end(), [&](const auto& path) { return path.endsWith(suffix); }));
+    }
 
     /// The next frame that a client sent; waits for it. Null when none comes.
-    QString nextFrame();
+    QString nextFrame()
+    {
+        if (!waitFor([this] { return !m_unread.isEmpty(); }))
+            return QString();
+        return m_unread.takeFirst();
+    }
     /// nextFrame(), taken out of its one-element array.
-    QString nextMessage();
+    QString nextMessage()
+    {
+        const auto messages = QJsonDocument::fromJson(nextFrame().toUtf8()).array();
+        return messages.size() == 1 ? messages.first().toString() : QString();
+    }
     /// Frames that nobody has asked for yet.
     QStringList unreadFrames() const { return m_unread; }
 
     /// Sends \p frame in the newest session.
-    void inject(const QString& frame);
+    void inject(const QString& frame)
+    {
+        if (m_webSocket) {
+            m_webSocket->sendTextMessage(frame);
+        } else if (m_raw) {
+            m_raw->write(rawFrame(frame));
+        } else if (m_stream) {
+            m_stream->write(HttpText::chunk(frame.toUtf8() + '\n'));
+        } else {
+            m_pollFrames.append(frame);
+            answerPoll();
+        }
+    }
     /// Sends \p messages as one "a" frame.
-    void injectMessages(const QStringList& messages);
+    void injectMessages(const QStringList& messages)
+    {
+        const QJsonDocument list(QJsonArray::fromStringList(messages));
+        inject(QLatin1Char('a') + QString::fromUtf8(list.toJson(QJsonDocument::Compact)));
+    }
     /// Sends \p bytes as a binary message.
-    void injectBinary(const QByteArray& bytes);
+    void injectBinary(const QByteArray& bytes)
+    {
+        if (m_webSocket)
+            m_webSocket->sendBinaryMessage(bytes);
+    }
     /// Sends a part of a frame in the newest session, whose WebSocket has come up OpenInSamePacket.
-    void injectHalf();
+    void injectHalf()
+    {
+        if (m_raw)
+            m_raw->write(rawFrame(QStringLiteral("a[\"half\"]")).left(5));
+        else if (m_stream)
+            m_stream->write("ff\r\na[\"ha");
+        else if (m_poll)
+            m_poll->write(HttpText::plain("a[\"half\"]\n").chopped(5));
+    }
     /// Answers a ping, in the newest session, which answers none by itself: its WebSocket has come up
     /// OpenInSamePacket.
-    void injectPong();
+    void injectPong()
+    {
+        if (m_raw)
+            m_raw->write(QByteArray("\x8a\0", 2));
+    }
     /// Closes the newest session: its WebSocket, or with a close frame.
-    void closeSession();
+    void closeSession()
+    {
+        if (m_webSocket)
+            m_webSocket->close();
+        else if (m_raw)
+            m_raw->disconnectFromHost();
+        else
+            inject(QStringLiteral("c[3000,\"Go away!\"]"));
+    }
     /// Ends all connections at once.
-    void dropConnections();
+    void dropConnections()
+    {
+        const auto sockets = findChildren<QTcpSocket*>();
+        for (auto* socket : sockets)
+            socket->abort();
+    }
     /// Leaves "/xhr_send" without an answer from now on.
     void holdPosts() { m_holdsPosts = true; }
 
     /// Sockets that clients have open.
-    int openConnections() const;
+    int openConnections() const
+    {
+        const auto sockets = findChildren<QTcpSocket*>();
+        return int(std::count_if(sockets.begin(), sockets.end(), [](const auto* socket) {
+            return socket->state() != QAbstractSocket::UnconnectedState;
+        }));
+    }
     /// WebSockets that have ended.
     int endedSessions() const { return m_ended; }
     /// What the last of them was closed with.
@@ -111,17 +212,152 @@ Q_SIGNALS:
     void requested(QString path);
 
 protected:
-    void onRequest(HttpConnection* connection, const HttpServer::Request& request) override;
+    void onRequest(HttpConnection* connection, const HttpServer::Request& received) override
+    {
+        Request request;
+        static_cast<HttpServer::Request&>(request) = received;
+        m_requests.append(request);
+        const QPointer<HttpConnection> guard(connection);
+        emit requested(QString::fromUtf8(request.path));
+        if (guard && request.headers.contains("upgrade"))
+            handleUpgrade(connection, request);
+        else if (guard)
+            handlePost(connection->socket(), request);
+    }
 
 private:
-    void handlePost(QTcpSocket* socket, const Request& request);
-    void handleUpgrade(HttpConnection* connection, const Request& request);
-    Upgrade takeUpgrade();
-    void upgrade(HttpConnection* connection, const Request& request);
-    void upgradeByHand(HttpConnection* connection, const Request& request, const QStringList& frames);
-    void onWebSocket();
-    void beginStream();
-    void answerPoll();
+    static QByteArray upgradeAnswer(const QByteArray& key)
+    {
+        const auto accept =
+            QCryptographicHash::hash(key + "258EAFA5-E914-47DA-95CA-C5AB0DC85B11", QCryptographicHash::Sha1);
+        return "HTTP/1.1 101 Switching Protocols\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
+               "Sec-WebSocket-Accept: " +
+               accept.toBase64() + "\r\n\r\n";
+    }
+
+    // One unmasked text frame; long enough for what tests send by hand.
+    static QByteArray rawFrame(const QString& text)
+    {
+        const auto payload = text.toUtf8();
+        Q_ASSERT(payload.size() < 126);
+        return QByteArray("\x81", 1) + char(payload.size()) + payload;
+    }
+
+    void handlePost(QTcpSocket* socket, const Request& request)
+    {
+        if (request.path.endsWith("/xhr_send")) {
+            m_unread.append(QString::fromUtf8(request.body));
+            if (!m_holdsPosts)
+                socket->write("HTTP/1.1 204 No Content\r\n\r\n");
+            return;
+        }
+        const bool streaming = request.path.endsWith("/xhr_streaming");
+        if (!streaming && !request.path.endsWith("/xhr"))
+            return;
+        if (m_polledSession != request.sessionId()) {
+            // One that is being ended, while another has begun: there is nothing for it any more.
+            if (m_pastSessions.contains(request.sessionId()))
+                return;
+            m_pastSessions.insert(m_polledSession);
+            m_polledSession = request.sessionId();
+            m_pollFrames = m_firstFrames;
+        }
+        m_webSocket = nullptr;
+        m_raw = nullptr;
+        m_poll = streaming ? nullptr : socket;
+        m_stream = streaming ? socket : nullptr;
+        if (streaming)
+            beginStream();
+        else
+            answerPoll();
+    }
+    void handleUpgrade(HttpConnection* connection, const Request& request)
+    {
+        using HttpText::plain;
+        m_current = takeUpgrade();
+        QTcpSocket* socket = connection->socket();
+        switch (m_current) {
+        case Open:
+        case Mute:
+        case CloseAfterUpgrade:
+            return upgrade(connection, request);
+        case OpenInSamePacket:
+            return upgradeByHand(connection, request, m_firstFrames);
+        case Deaf:
+            upgradeByHand(connection, request, {});
+            return socket->setReadBufferSize(1);
+        case EndAfterUpgrade:
+            upgradeByHand(connection, request, {});
+            return socket->disconnectFromHost();
+        case ResetAfterUpgrade:
+            upgradeByHand(connection, request, {});
+            socket->flush();
+            return connection->reset();
+        case Refuse403:
+            return connection->append({HttpScript::send(plain("no", {}, "403 Forbidden"))});
+        case Refuse404:
+            return connection->append({HttpScript::send(plain("none", {}, "404 Not Found"))});
+        case Answer200:
+            return connection->append({HttpScript::send(plain("Welcome to SockJS!\n"))});
+        case AnswerGarbage:
+            return connection->append({HttpScript::send("\x16\x03\x01 not HTTP\r\n\r\n")});
+        case EndInstead:
+            return socket->disconnectFromHost();
+        case ResetInstead:
+            return connection->reset();
+        case Silent:
+            m_waiting.append({connection, request});
+            return;
+        }
+    }
+    Upgrade takeUpgrade() { return m_upgrades.size() > 1 ? m_upgrades.takeFirst() : m_upgrades.first(); }
+    void upgrade(HttpConnection* connection, const Request& request)
+    {
+        m_webSockets.handleConnection(handOver(connection, request));
+    }
+    void upgradeByHand(HttpConnection* connection, const Request& request, const QStringList& frames)
+    {
+        m_webSocket = nullptr;
+        m_raw = connection->socket();
+        disconnect(m_raw, &QTcpSocket::readyRead, connection, nullptr); // nobody reads frames
+        auto bytes = upgradeAnswer(request.header("sec-websocket-key"));
+        for (const auto& frame : frames)
+            bytes += rawFrame(frame);
+        m_raw->write(bytes);
+    }
+    void onWebSocket()
+    {
+        while (auto* socket = m_webSockets.nextPendingConnection()) {
+            socket->setParent(this);
+            connect(socket, &QWebSocket::textMessageReceived, this,
+                    [this](const QString& frame) { m_unread.append(frame); });
+            connect(socket, &QWebSocket::disconnected, this, [this, socket] {
+                ++m_ended;
+                m_closeCode = socket->closeCode();
+                socket->deleteLater();
+            });
+            m_webSocket = socket;
+            if (m_current == CloseAfterUpgrade)
+                socket->close();
+            if (m_current != Open)
+                continue;
+            for (const auto& frame : qAsConst(m_firstFrames))
+                socket->sendTextMessage(frame);
+        }
+    }
+    void beginStream()
+    {
+        m_stream->write(HttpText::chunkedHead() + HttpText::chunk(HttpText::prelude()));
+        while (!m_pollFrames.isEmpty())
+            m_stream->write(HttpText::chunk(m_pollFrames.takeFirst().toUtf8() + '\n'));
+    }
+    void answerPoll()
+    {
+        if (m_poll && !m_pollFrames.isEmpty()) {
+            m_poll->write(HttpText::plain(m_pollFrames.takeFirst().toUtf8() + '\n'));
+            m_poll = nullptr;
+        }
+    }
 
     QWebSocketServer m_webSockets;
     QList<Upgrade> m_upgrades{Open};

@@ -4,11 +4,17 @@
 #include <QElapsedTimer>
 #include <QList>
 #include <QMap>
+#include <QPointer>
 #include <QSslConfiguration>
+#include <QSslSocket>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTimer>
 #include <QVector>
+
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
 
 /// What a server does with a connection, step by step.
 struct HttpScript
@@ -35,28 +41,98 @@ struct HttpScript
     /// Ends the connection with a TCP reset.
     static Step reset() { return {Step::Reset, QByteArray(), 0}; }
     /// Sends \p bytes in single bytes, each in a segment of its own.
-    static Script bytewise(const QByteArray& bytes);
+    static Script bytewise(const QByteArray& bytes)
+    {
+        Script script;
+        for (const char byte : bytes)
+            script << send(QByteArray(1, byte)) << pause(0);
+        return script;
+    }
 };
+
+template<typename Value>
+void setSocketOption(const QTcpSocket* socket, int level, int option, const Value& value)
+{
+    setsockopt(int(socket->socketDescriptor()), level, option, &value, sizeof(value));
+}
 
 /// One accepted connection, which runs its scripts one after the other.
 class HttpConnection : public QObject, public HttpScript
 {
 public:
-    HttpConnection(QObject* parent, QTcpSocket* socket, int number);
+    HttpConnection(QObject* parent, QTcpSocket* socket, int number)
+        : QObject(parent), m_socket(socket), m_number(number)
+    {
+        m_socket->setParent(this);
+        m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1); // or small pieces wait for one another
+        m_timer.setSingleShot(true);
+        connect(&m_timer, &QTimer::timeout, this, &HttpConnection::run);
+        connect(m_socket, &QTcpSocket::bytesWritten, this, &HttpConnection::run);
+    }
 
     QTcpSocket* socket() const { return m_socket; }
     int number() const { return m_number; }
-    void append(const Script& script);
+    void append(const Script& script)
+    {
+        m_steps += script;
+        run();
+    }
     /// Lets a script go on that holds.
-    void release();
-    void reset();
+    void release()
+    {
+        m_holding = false;
+        run();
+    }
+    void reset()
+    {
+        setSocketOption(m_socket, SOL_SOCKET, SO_LINGER, linger{1, 0}); // no farewell
+        m_socket->abort();
+    }
 
 private:
     friend class HttpServer;
 
-    void run();
-    bool isReadyFor(const Step& step) const;
-    void perform(const Step& step);
+    void run()
+    {
+        while (!m_steps.isEmpty() && isReadyFor(m_steps.first()))
+            perform(m_steps.takeFirst());
+    }
+    bool isReadyFor(const Step& step) const
+    {
+        // In the middle of a flood that the peer does not take.
+        const bool isFull = step.kind == Step::Flood && m_socket->bytesToWrite() > 0;
+        const bool isListening = step.kind == Step::Hear && !m_heard;
+        return m_socket->state() == QAbstractSocket::ConnectedState && !m_holding && !m_timer.isActive() &&
+               !isFull && !isListening;
+    }
+    void perform(const Step& step)
+    {
+        switch (step.kind) {
+        case Step::Flood:
+            if (step.times > 1)
+                m_steps.prepend(flood(step.bytes, step.times - 1));
+            m_socket->write(step.bytes);
+            break;
+        case Step::Send:
+            m_socket->write(step.bytes);
+            m_socket->flush();
+            break;
+        case Step::Pause:
+            m_timer.start(step.msecs);
+            break;
+        case Step::Hold:
+            m_holding = true;
+            break;
+        case Step::Hear:
+            break; // it has been heard
+        case Step::Close:
+            m_socket->disconnectFromHost();
+            break;
+        case Step::Reset:
+            reset();
+            break;
+        }
+    }
 
     QTcpSocket* m_socket;
     int m_number;
@@ -88,12 +164,26 @@ public:
     };
 
     /// Listens; with \p tls (certificate and key set) every connection begins with a handshake.
-    explicit HttpServer(const QSslConfiguration& tls = QSslConfiguration());
+    explicit HttpServer(const QSslConfiguration& tls = QSslConfiguration()) : m_tls(tls)
+    {
+        m_clock.start();
+        if (!listen(QHostAddress::LocalHost))
+            qFatal("Cannot listen on loopback: %s", qPrintable(errorString()));
+    }
 
     bool isSecure() const { return !m_tls.isNull(); }
     const QList<HttpConnection*>& connections() const { return m_connections; }
     /// Ends all connections, with or without a reset.
-    void dropConnections(bool reset = false);
+    void dropConnections(bool reset = false)
+    {
+        const QList<HttpConnection*> connections = m_connections;
+        for (HttpConnection* connection : connections) {
+            if (reset)
+                connection->reset();
+            else
+                connection->m_socket->abort();
+        }
+    }
 
 protected:
     virtual void onConnected(HttpConnection*) {}
@@ -102,14 +192,87 @@ protected:
     virtual void onEnded(HttpConnection*) {}
     /// Gives the socket, with \p request in it, to somebody who reads that himself. It stays a child of the
     /// server.
-    QTcpSocket* handOver(HttpConnection* connection, const Request& request);
+    QTcpSocket* handOver(HttpConnection* connection, const Request& request)
+    {
+        QTcpSocket* socket = connection->m_socket;
+        m_connections.removeOne(connection);
+        socket->disconnect(connection);
+        socket->setParent(this);
+        connection->deleteLater();
+        for (int i = request.head.size() - 1; i >= 0; --i)
+            socket->ungetChar(request.head.at(i));
+        return socket;
+    }
 
-    void incomingConnection(qintptr descriptor) override;
+    void incomingConnection(qintptr descriptor) override
+    {
+        auto* socket = m_tls.isNull() ? new QTcpSocket : new QSslSocket;
+        socket->setSocketDescriptor(descriptor);
+        auto* connection = new HttpConnection(this, socket, m_accepted++);
+        m_connections.append(connection);
+        onConnected(connection);
+        connect(socket, &QTcpSocket::readyRead, connection, [this, connection] { read(connection); });
+        connect(socket, &QTcpSocket::disconnected, connection, [this, connection] { forget(connection); });
+        if (auto* secure = qobject_cast<QSslSocket*>(socket)) {
+            secure->setSslConfiguration(m_tls);
+            secure->startServerEncryption();
+        }
+    }
 
 private:
-    void read(HttpConnection* connection);
-    bool takeRequest(HttpConnection* connection, Request* request) const;
-    void forget(HttpConnection* connection);
+    static void readHead(const QByteArray& head, Request* request)
+    {
+        request->head = head;
+        QList<QByteArray> lines = head.split('\n');
+        const QList<QByteArray> words = lines.takeFirst().split(' ');
+        request->method = words.value(0);
+        request->path = words.value(1);
+        for (const QByteArray& line : qAsConst(lines)) {
+            const int colon = line.indexOf(':');
+            if (colon > 0)
+                request->headers.insert(line.left(colon).toLower(), line.mid(colon + 1).trimmed());
+        }
+    }
+
+    void read(HttpConnection* connection)
+    {
+        const QByteArray bytes = connection->m_socket->readAll();
+        // Qt sends a body only when its head has been acknowledged, which the kernel delays by 40 ms.
+        setSocketOption(connection->m_socket, IPPROTO_TCP, TCP_QUICKACK, 1);
+        onBytes(connection, bytes);
+        connection->m_buffer += bytes;
+        connection->m_heard = true;
+        connection->run();
+        const QPointer<HttpConnection> guard(connection);
+        Request request;
+        while (guard && takeRequest(connection, &request))
+            onRequest(connection, request);
+    }
+    bool takeRequest(HttpConnection* connection, Request* request) const
+    {
+        QByteArray& buffer = connection->m_buffer;
+        while (buffer.startsWith('\r') || buffer.startsWith('\n'))
+            buffer.remove(0, 1);
+        const int end = buffer.indexOf("\r\n\r\n") + 4;
+        if (end < 4)
+            return false;
+        *request = Request();
+        readHead(buffer.left(end), request);
+        const int length = request->header("content-length").toInt();
+        if (buffer.size() < end + length)
+            return false;
+        request->body = buffer.mid(end, length);
+        buffer.remove(0, end + length);
+        request->connection = connection->m_number;
+        request->msecs = m_clock.elapsed();
+        return true;
+    }
+    void forget(HttpConnection* connection)
+    {
+        m_connections.removeOne(connection);
+        onEnded(connection);
+        connection->deleteLater();
+    }
 
     QSslConfiguration m_tls;
     QElapsedTimer m_clock;
@@ -121,15 +284,34 @@ private:
 namespace HttpText {
 
 /// An answer with Content-Length; \p more is header lines, each with its CR LF.
-QByteArray plain(const QByteArray& body, const QByteArray& more = QByteArray(),
-                 const QByteArray& status = "200 OK");
+inline QByteArray plain(const QByteArray& body, const QByteArray& more = QByteArray(),
+                        const QByteArray& status = "200 OK")
+{
+    return "HTTP/1.1 " + status + "\r\n" + more + "Content-Length: " + QByteArray::number(body.size()) +
+           "\r\n\r\n" + body;
+}
 /// The header of a chunked answer.
-QByteArray chunkedHead(const QByteArray& more = QByteArray());
-QByteArray chunk(const QByteArray& bytes);
-QByteArray endChunk();
+inline QByteArray chunkedHead(const QByteArray& more = QByteArray())
+{
+    return "HTTP/1.1 200 OK\r\n" + more + "Transfer-Encoding: chunked\r\n\r\n";
+}
+inline QByteArray chunk(const QByteArray& bytes)
+{
+    return QByteArray::number(bytes.size(), 16) + "\r\n" + bytes + "\r\n";
+}
+inline QByteArray endChunk()
+{
+    return QByteArrayLiteral("0\r\n\r\n");
+}
 /// A whole chunked answer of one chunk.
-QByteArray chunked(const QByteArray& body, const QByteArray& more = QByteArray());
+inline QByteArray chunked(const QByteArray& body, const QByteArray& more = QByteArray())
+{
+    return chunkedHead(more) + chunk(body) + endChunk();
+}
 /// What a SockJS server streams before the first frame, with its newline.
-QByteArray prelude();
+inline QByteArray prelude()
+{
+    return QByteArray(2048, 'h') + '\n';
+}
 
 } // namespace HttpText

@@ -5,11 +5,14 @@
 #include <QTest>
 
 #include <functional>
+#include <vector>
 
 #include <malloc.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 // Of the sanitizers, whose allocator the C library does not know.
 extern "C" __attribute__((weak)) std::size_t __sanitizer_get_current_allocated_bytes();
@@ -72,6 +75,36 @@ inline int connectionsThatSendAtOnce(quint16 port)
     }
     return count;
 }
+
+/// Leaves the process a number of descriptors, of few that it may have, for as long as it lives.
+class FewDescriptors
+{
+public:
+    explicit FewDescriptors(int left, rlim_t most = 512)
+    {
+        getrlimit(RLIMIT_NOFILE, &m_before);
+        rlimit few = m_before;
+        few.rlim_cur = most;
+        setrlimit(RLIMIT_NOFILE, &few);
+        for (int taken = dup(STDERR_FILENO); taken >= 0; taken = dup(STDERR_FILENO))
+            m_taken.push_back(taken);
+        for (; left > 0; --left) {
+            close(m_taken.back());
+            m_taken.pop_back();
+        }
+    }
+    ~FewDescriptors()
+    {
+        for (const int taken : m_taken)
+            close(taken);
+        setrlimit(RLIMIT_NOFILE, &m_before);
+    }
+    Q_DISABLE_COPY(FewDescriptors)
+
+private:
+    rlimit m_before{};
+    std::vector<int> m_taken;
+};
 
 /// How much the process held when this was made.
 class Snapshot
