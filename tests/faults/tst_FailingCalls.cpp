@@ -1,9 +1,9 @@
-#include "FailingCalls.h"
 #include "support/ConnectorProbe.h"
 #include "support/FakeService.h"
 #include "support/FakeSockJSServer.h"
 #include "support/Gzip.h"
 #include "support/LogRecorder.h"
+#include "support/ProcessResources.h"
 #include "support/Rows.h"
 #include "support/ScriptedHttpServer.h"
 #include "support/TestCertificates.h"
@@ -17,16 +17,168 @@
 
 #include <QtTest>
 
+#include <array>
+#include <atomic>
 #include <cerrno>
-#include <sys/resource.h>
+
+#include <dlfcn.h>
+#include <netinet/in.h>
+#include <pthread.h>
+#include <sys/socket.h>
 #include <unistd.h>
-#include <vector>
+
+/// Makes calls of the system fail. This program replaces the C library's functions, also for
+/// Qt and the library.
+namespace FailingCalls {
+
+enum Call { Socket, Connect, Send, StartThread };
+
+constexpr size_t much = 4096; // bytes
+
+struct State
+{
+    std::atomic<int> error{0};
+    std::atomic<int> hits{0};
+    std::atomic<quint16> port{0};
+};
+
+std::array<State, 4> states;
+thread_local int refusedAt = 0;
+thread_local int requests = 0;
+
+bool fails(Call call)
+{
+    State& state = states.at(call);
+    if (state.error == 0)
+        return false;
+    ++state.hits;
+    errno = state.error;
+    return true;
+}
+
+bool goesToTheFailingPort(int descriptor)
+{
+    sockaddr_in peer{};
+    socklen_t size = sizeof(peer);
+    auto* address = reinterpret_cast<sockaddr*>(&peer);
+    return states.at(Send).error != 0 && getpeername(descriptor, address, &size) == 0 &&
+           ntohs(peer.sin_port) == states.at(Send).port;
+}
+
+bool isRefused(size_t size)
+{
+    return refusedAt != 0 && size >= much && ++requests == refusedAt;
+}
+
+template<typename Function>
+Function* real(const char* name)
+{
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+/// For as long as it lives, each call fails with \p error. Of Send, those to loopback's \p port.
+class Failing
+{
+public:
+    Failing(Call call, int error, quint16 port = 0) : m_call(call)
+    {
+        states.at(call).hits = 0;
+        states.at(call).port = port;
+        states.at(call).error = error;
+    }
+    ~Failing() { states.at(m_call).error = 0; }
+    Q_DISABLE_COPY(Failing)
+
+    /// How many calls have failed.
+    int hits() const { return states.at(m_call).hits; }
+
+private:
+    Call m_call;
+};
+
+/// For as long as it lives, the calling thread's \p number th request for much memory is refused, counted
+/// from 1.
+class NoMemory
+{
+public:
+    explicit NoMemory(int number)
+    {
+        requests = 0;
+        refusedAt = number;
+    }
+    ~NoMemory() { refusedAt = 0; }
+    Q_DISABLE_COPY(NoMemory)
+
+    /// Whether one has been refused.
+    bool hit() const { return requests >= refusedAt; }
+};
+
+} // namespace FailingCalls
+
+using namespace FailingCalls;
+
+extern "C" {
+
+void* __libc_malloc(size_t size);
+void* __libc_calloc(size_t count, size_t size);
+void* __libc_realloc(void* address, size_t size);
+
+void* malloc(size_t size) noexcept
+{
+    return isRefused(size) ? nullptr : __libc_malloc(size);
+}
+
+void* calloc(size_t count, size_t size) noexcept
+{
+    return isRefused(count * size) ? nullptr : __libc_calloc(count, size);
+}
+
+void* realloc(void* address, size_t size) noexcept
+{
+    return isRefused(size) ? nullptr : __libc_realloc(address, size);
+}
+
+int socket(int domain, int type, int protocol) noexcept
+{
+    if (domain != AF_UNIX && fails(FailingCalls::Socket))
+        return -1;
+    return real<int(int, int, int)>("socket")(domain, type, protocol);
+}
+
+int connect(int descriptor, const sockaddr* address, socklen_t size)
+{
+    if (fails(FailingCalls::Connect))
+        return -1;
+    return real<int(int, const sockaddr*, socklen_t)>("connect")(descriptor, address, size);
+}
+
+ssize_t send(int descriptor, const void* bytes, size_t size, int flags)
+{
+    if (goesToTheFailingPort(descriptor) && fails(FailingCalls::Send))
+        return -1;
+    return real<ssize_t(int, const void*, size_t, int)>("send")(descriptor, bytes, size, flags);
+}
+
+ssize_t write(int descriptor, const void* bytes, size_t size)
+{
+    if (goesToTheFailingPort(descriptor) && fails(FailingCalls::Send))
+        return -1;
+    return real<ssize_t(int, const void*, size_t)>("write")(descriptor, bytes, size);
+}
+
+int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*routine)(void*),
+                   void* argument) noexcept
+{
+    if (fails(FailingCalls::StartThread))
+        return states.at(FailingCalls::StartThread).error;
+    return real<int(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*)>("pthread_create")(
+        thread, attributes, routine, argument);
+}
+}
 
 Q_DECLARE_METATYPE(ScriptedHttpServer::Step)
 
 using Answer = FakeService::Answer;
-using FailingCalls::Failing;
-using FailingCalls::NoMemory;
 using Protocols = QList<SockJSConnector::PROTOCOL_TYPE>;
 
 namespace {
@@ -40,36 +192,6 @@ void addTransports(const std::function<void(const char*, Protocols)>& add)
     add("xhr-streaming", {SockJSConnector::XHR_STREAMING});
     add("xhr-polling", {SockJSConnector::XHR_POLLING});
 }
-
-// Leaves the process a number of descriptors, for as long as it lives.
-class Descriptors
-{
-public:
-    explicit Descriptors(int left)
-    {
-        getrlimit(RLIMIT_NOFILE, &m_before);
-        rlimit few = m_before;
-        few.rlim_cur = 512;
-        setrlimit(RLIMIT_NOFILE, &few);
-        for (int taken = dup(STDERR_FILENO); taken >= 0; taken = dup(STDERR_FILENO))
-            m_taken.push_back(taken);
-        for (; left > 0; --left) {
-            close(m_taken.back());
-            m_taken.pop_back();
-        }
-    }
-    ~Descriptors()
-    {
-        for (const int taken : m_taken)
-            close(taken);
-        setrlimit(RLIMIT_NOFILE, &m_before);
-    }
-    Q_DISABLE_COPY(Descriptors)
-
-private:
-    rlimit m_before{};
-    std::vector<int> m_taken;
-};
 
 bool logsIn(PresenterClient* client)
 {
@@ -309,7 +431,7 @@ private Q_SLOTS:
         const LogRecorder log;
         {
             FakeSockJSServer server;
-            const Descriptors few(left);
+            const ProcessResources::FewDescriptors few(left);
             // The server may have none either.
             connector.setOpenLimit(200);
             QVERIFY(probe.open(server.url(), protocols));
@@ -337,7 +459,7 @@ private Q_SLOTS:
         const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
         const LogRecorder log;
         {
-            const Descriptors few(left);
+            const ProcessResources::FewDescriptors few(left);
             service.expect("/tavisto/login/submit", welcome());
             QObject context;
             hurry(&context);
@@ -367,31 +489,24 @@ private Q_SLOTS:
         const QByteArray gzip = Gzip::gzip(utf8);
 
         const auto add = [](const char* name, const Step& step) { QTest::newRow(name) << step; };
-        add("compress64", [text, base64] {
-            QString out = QStringLiteral("before");
-            const bool ok = Lzma::compress64(text, &out);
-            return ok ? out == base64 : out != QLatin1String("before");
-        });
-        add("compress", [text, list] {
-            QString out = QStringLiteral("before");
-            const bool ok = Lzma::compress(text, &out);
-            return ok ? out == list : out != QLatin1String("before");
-        });
-        add("decompress64", [text, base64] {
-            QString out = QStringLiteral("before");
-            const bool ok = Lzma::decompress64(base64, &out);
-            return ok ? out == text : out != QLatin1String("before");
-        });
-        add("decompress, text", [text, list] {
-            QString out = QStringLiteral("before");
-            const bool ok = Lzma::decompress(list, &out);
-            return ok ? out == text : out != QLatin1String("before");
-        });
-        add("decompress, list", [text, bytes] {
-            QString out = QStringLiteral("before");
-            const bool ok = Lzma::decompress(bytes, &out);
-            return ok ? out == text : out != QLatin1String("before");
-        });
+        using Codec = std::function<bool(QString*)>;
+        const auto addCodec = [add](const char* name, const Codec& codec, const QString& result) {
+            add(name, [codec, result] {
+                QString out = QStringLiteral("before");
+                const bool ok = codec(&out);
+                return ok ? out == result : out != QLatin1String("before");
+            });
+        };
+        addCodec(
+            "compress64", [text](QString* out) { return Lzma::compress64(text, out); }, base64);
+        addCodec(
+            "compress", [text](QString* out) { return Lzma::compress(text, out); }, list);
+        addCodec(
+            "decompress64", [base64](QString* out) { return Lzma::decompress64(base64, out); }, text);
+        addCodec(
+            "decompress, text", [list](QString* out) { return Lzma::decompress(list, out); }, text);
+        addCodec(
+            "decompress, list", [bytes](QString* out) { return Lzma::decompress(bytes, out); }, text);
         add("gUncompress", [utf8, gzip] { return gUncompress(gzip) == utf8; });
     }
 

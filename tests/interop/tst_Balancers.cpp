@@ -70,28 +70,6 @@ private Q_SLOTS:
         QCOMPARE(used.size(), 2);
     }
 
-    void otherServerStopsAndStarts_data() { addRows(); }
-
-    void otherServerStopsAndStarts()
-    {
-        QFETCH(QString, transport);
-        Peer classrooms[2];
-        Peer balancer;
-        VERIFY_STARTED(start(&classrooms[0], &classrooms[1], &balancer));
-        ClassroomSession lesson(classrooms[0].url());
-        QVERIFY(lesson.start());
-        Host host(balancer.url(), lesson.token());
-        QVERIFY(host.open(transport));
-        QVERIFY(host.exchange(5));
-        classrooms[1].end();
-        QVERIFY(host.exchange(5));
-        VERIFY_STARTED(classrooms[1].start());
-        QVERIFY(host.exchange(5));
-        QCOMPARE(host.connected(), 1);
-        QCOMPARE(host.closed(), 0);
-        QVERIFY(host.close());
-    }
-
     void carriesTenThousandTexts_data() { addRows(); }
 
     void carriesTenThousandTexts()

@@ -48,23 +48,6 @@ private Q_SLOTS:
         QCOMPARE(m_server->count(QStringLiteral("upgrade ")), 0);
     }
 
-    void carriesTenThousandTexts_data() { Transport::addRows(); }
-
-    void carriesTenThousandTexts()
-    {
-        QFETCH(QString, transport);
-        startDoor(Peers::nodeBus());
-        useProxy();
-        Host host(m_door->url());
-        for (int round = 1; round <= 2; ++round) {
-            QVERIFY(host.open(transport));
-            QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
-            QCOMPARE(host.closed(), round - 1);
-            QVERIFY(host.close());
-        }
-        QCOMPARE(m_server->count(QStringLiteral("open ")), 2);
-    }
-
     void carriesALesson_data() { Transport::addRows(); }
 
     void carriesALesson()

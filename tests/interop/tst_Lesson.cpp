@@ -33,7 +33,7 @@ Question marked()
 
 } // namespace
 
-/// The lesson layer against the local classroom.
+/// The lesson layer against the local classroom. Lost channels are in tst_ComingBack.
 class TestLesson : public QObject
 {
     Q_OBJECT
@@ -104,42 +104,6 @@ private Q_SLOTS:
         QCOMPARE(m_error.kind, LessonError::NoError);
         QCOMPARE(m_lesson->roster()->presentCount(), 0);
         QCOMPARE(poll->answered(), 5);
-    }
-
-    void comesBack_data() { teaches_data(); }
-
-    // The channel is lost again and again, and what is asked meanwhile reaches the class.
-    void comesBack()
-    {
-        QFETCH(QString, transport);
-        m_lesson->setTransports({transport});
-        goLive();
-        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
-        const Learners learners(m_classroom->url(), m_lesson->joinCode(), 5);
-        QVERIFY(waitFor([&] { return m_lesson->roster()->presentCount() == 5; }));
-        for (int round = 0; round < 3; ++round) {
-            m_lesson->onChannel([](PresenterCollab* collab) { collab->connector()->close(); });
-            QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Reconnecting; }));
-            Poll* const poll = m_lesson->ask(marked());
-            QVERIFY(poll);
-            QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live && poll->answered() == 5; }));
-        }
-        QCOMPARE(m_lesson->polls().size(), 3);
-        QCOMPARE(m_lesson->roster()->rowCount(), 5);
-    }
-
-    // A far end that is frozen closes nothing.
-    void noticesAFrozenService()
-    {
-        goLive();
-        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
-        const Learners learners(m_classroom->url(), m_lesson->joinCode(), 1);
-        Poll* const poll = m_lesson->ask(marked());
-        QVERIFY(waitFor([&] { return poll->answered() == 1; }));
-        m_classroom->stop();
-        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Reconnecting; }));
-        m_classroom->goOn();
-        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
     }
 
     // The service has been started anew, and knows nobody.

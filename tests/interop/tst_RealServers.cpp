@@ -108,24 +108,6 @@ private Q_SLOTS:
         QCOMPARE(ids.size(), 3);
     }
 
-    void serverClosesAndHostOpensAgain_data() { Servers::addRows(Transport::all); }
-
-    void serverClosesAndHostOpensAgain()
-    {
-        QFETCH(QString, transport);
-        Peer bus;
-        VERIFY_STARTED(Servers::start(&bus, {QStringLiteral("--count"), QStringLiteral("100")}));
-        Host host(bus.url());
-        for (int round = 1; round <= 3; ++round) {
-            QVERIFY(host.open(transport));
-            QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
-            host.publish(QStringLiteral("leave"));
-            QVERIFY(host.waitForClosed(round));
-            QCOMPARE(host.connected(), round);
-        }
-        QCOMPARE(bus.count(QStringLiteral("open ")), 3);
-    }
-
     void staysOpenThroughHeartbeats_data() { Servers::addRows(Transport::all); }
 
     void staysOpenThroughHeartbeats()

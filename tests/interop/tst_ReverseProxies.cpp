@@ -71,19 +71,6 @@ private Q_SLOTS:
         QCOMPARE(host.closed(), 0);
     }
 
-    void withDefaultsCarriesTenThousandTexts()
-    {
-        ProxiedBus server;
-        VERIFY_STARTED(server.start());
-        Host host(server.nginx.url());
-        for (int round = 0; round < 3; ++round) {
-            QVERIFY(host.open(Transport::polling));
-            QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
-            QCOMPARE(host.closed(), round);
-            QVERIFY(host.close());
-        }
-    }
-
     void setUpForStreaming_data() { Transport::addRows(); }
 
     void setUpForStreaming()

@@ -1,6 +1,7 @@
 #include "support/Rows.h"
 
 #include "interop/support/Host.h"
+#include "interop/support/Learners.h"
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
 
@@ -44,14 +45,8 @@ private Q_SLOTS:
         QByteArray said;
         QTRY_VERIFY_WITH_TIMEOUT((said += host.readAllStandardOutput()).endsWith('\n'), 60000);
         QVERIFY2(said.startsWith("code "), said.constData());
-        QProcess devices;
-        devices.start(QStringLiteral("node"),
-                      {QStringLiteral(INTEROP_SOURCE_DIR "/../../classroom/learners.js"),
-                       QStringLiteral("--quiet"), QStringLiteral("--url"), classroom.url().toString(),
-                       QStringLiteral("--session"), QString::fromUtf8(said.mid(5).trimmed()),
-                       QStringLiteral("--count"), QStringLiteral("2")});
+        const Learners learners(classroom.url(), QString::fromUtf8(said.mid(5).trimmed()), 2);
         QTRY_COMPARE_WITH_TIMEOUT(host.state(), QProcess::NotRunning, 120000);
-        QTRY_COMPARE_WITH_TIMEOUT(devices.state(), QProcess::NotRunning, 60000);
 
         const QList<QByteArray> lines = host.readAllStandardOutput().split('\n');
         QCOMPARE(host.exitCode(), 0);

@@ -3,13 +3,13 @@
 
 #include "support/LogRecorder.h"
 #include "support/Rows.h"
+#include "support/TypeNamed.h"
 
 #include <CalyxClient/CollaborationMessageHandler>
 #include <CalyxClient/Lzma>
 
 #include <QJsonDocument>
 #include <QLoggingCategory>
-#include <QMetaMethod>
 #include <QTest>
 
 #include <memory>
@@ -115,29 +115,15 @@ private Q_SLOTS:
         QCOMPARE(warnings, QStringList());
     }
 
-    void onlyTheSlotOfTheTransportIsCallable()
+    void declaresItsSignalsAndSlotsInOrder()
     {
-        const QMetaObject* meta = m_handler->metaObject();
-        const int index = meta->indexOfSlot("onHandleMessage(QString)");
-        QVERIFY(index >= 0);
-        QCOMPARE(meta->method(index).access(), QMetaMethod::Protected);
-        QCOMPARE(meta->indexOfMethod("actionRegister(QVariantMap)"), -1);
-        QCOMPARE(meta->indexOfMethod("dataJoin(QVariantMap,QVariant)"), -1);
-    }
-
-    void signalsAreInTheirOrder()
-    {
-        const QMetaObject* meta = m_handler->metaObject();
-        QStringList names;
-        for (int i = meta->methodOffset(); i < meta->methodCount(); ++i) {
-            if (meta->method(i).methodType() == QMetaMethod::Signal)
-                names.append(QString::fromLatin1(meta->method(i).methodSignature()));
-        }
-        QCOMPARE(names,
-                 QStringList({"learnerPollResponse(QString,QString,int,QString)", "learnerJoin(Learner)",
-                              "learnerUnregister(QString)", "controllerRegister(bool)",
-                              "remoteControl(RemoteControlMessage)", "unhandledMessage(QVariantMap,QVariant)",
-                              "learnerGetQuestion(QString,int)"}));
+        QCOMPARE(signaturesOf(CollaborationMessageHandler::staticMetaObject),
+                 QStringList({"signal learnerPollResponse(QString,QString,int,QString)",
+                              "signal learnerJoin(Learner)", "signal learnerUnregister(QString)",
+                              "signal controllerRegister(bool)", "signal remoteControl(RemoteControlMessage)",
+                              "signal unhandledMessage(QVariantMap,QVariant)",
+                              "signal learnerGetQuestion(QString,int)",
+                              "protected slot onHandleMessage(QString)"}));
     }
 
     void framesBecomeSignals_data()
@@ -173,6 +159,11 @@ private Q_SLOTS:
             R"({"userName":8,"deviceType":true})");
         row("remote control", R"({"type":"nextCard","from":"c1","data":["DATA"]})",
             R"(remote c1 nextCard {"card":3})", R"({"card":3})");
+        for (const char* type :
+             {"stopSession", "requestLessonInfo", "requestLesson", "presenterActive", "pause", "resume",
+              "lockAll", "unlockAll", "nextCard", "previousCard", "pushCurrentCard", "addImageCard"})
+            row(type, R"({"type":")" + QByteArray(type) + R"(","from":"c1","data":"DATA"})",
+                "remote c1 " + QByteArray(type) + R"( {"id":"l1"})", R"({"id":"l1"})");
         row("remote control without sender", R"({"type":"pause"})", "remote  pause invalid");
         row("data that is an object", R"({"type":"addImageCard","from":"c1","data":{"a":1}})",
             "remote c1 addImageCard invalid");
@@ -253,26 +244,6 @@ private Q_SLOTS:
         QCOMPARE(m_host->heard, QStringList("remote c1 pause invalid"));
     }
 
-    void remoteCommands_data()
-    {
-        columns<QString>();
-        for (const char* type :
-             {"stopSession", "requestLessonInfo", "requestLesson", "presenterActive", "pause", "resume",
-              "lockAll", "unlockAll", "nextCard", "previousCard", "pushCurrentCard", "addImageCard"})
-            QTest::newRow(type) << QString::fromLatin1(type);
-    }
-
-    void remoteCommands()
-    {
-        const auto [type] = row<QString>();
-        const QString data = compressed(R"({"id":"l1"})");
-        emit m_host->frame(
-            QStringLiteral(R"({"body":{"type":"%1","from":"c1","data":"%2"}})").arg(type, data));
-        QCOMPARE(m_host->heard, QStringList({QStringLiteral(R"(remote c1 %1 {"id":"l1"})").arg(type)}));
-        // Only the frame, its type and its data: what a command means is for the host to say.
-        QCOMPARE(m_log->debug().size(), 3);
-    }
-
     void logOfAFrame_data()
     {
         // For each line, how it begins and what it names.
@@ -294,6 +265,7 @@ private Q_SLOTS:
              lines({{action, "unregister"}, {"UNREGISTER CONTROLLER", "c-9"}})},
             {"join", "{\"body\":{\"type\":\"join\",\"from\":\"d-9\"}}",
              lines({{type, "join"}, {"JOIN", "d-9"}})},
+            {"remote control", "{\"body\":{\"type\":\"pause\"}}", lines({{type, "pause"}})},
             {"unknown type", "{\"body\":{\"type\":\"chat\"}}", lines({{type, "chat"}})},
         });
     }

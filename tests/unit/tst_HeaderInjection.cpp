@@ -109,22 +109,6 @@ private Q_SLOTS:
         QVERIFY(areClean(server));
     }
 
-    void hostOfAnXHRTransport_data() { texts(); }
-
-    void hostOfAnXHRTransport()
-    {
-        QFETCH(QString, text);
-        const Server server;
-        for (const bool streaming : {false, true}) {
-            Session session;
-            const LogRecorder log;
-            QVERIFY(!session.transport->start(QStringLiteral("127.0.0.1") + text, server.port(), false,
-                                              Session::path(), streaming));
-            QCOMPARE(log.debug("[SockJSXHRPolling] Can't start").size(), 1);
-        }
-        QCOMPARE(server.connections(), 0);
-    }
-
     void pathOfAnXHRRequest_data() { texts(); }
 
     void pathOfAnXHRRequest()

@@ -3,6 +3,7 @@
 #include "support/ClientProbe.h"
 #include "support/FakeService.h"
 #include "support/Gzip.h"
+#include "support/LzmaBlocks.h"
 
 #include <CalyxClient/CollaborationMessageHandler>
 #include <CalyxClient/Lzma>
@@ -10,6 +11,7 @@
 
 #include <QtTest>
 
+using namespace LzmaBlocks;
 using Answer = FakeService::Answer;
 
 namespace {
@@ -18,25 +20,11 @@ constexpr int MiB = 1024 * 1024;
 constexpr int LARGEST_REPLY = 64 * MiB;
 constexpr int LARGEST_PAYLOAD = 32 * MiB;
 
-QByteArray blockOf(const QString& text)
-{
-    QString base64;
-    return Lzma::compress64(text, &base64) ? QByteArray::fromBase64(base64.toLatin1()) : QByteArray();
-}
-
 // A JSON object of so many characters.
 QString objectOf(int size)
 {
     const QString empty = R"({"a":""})";
     return QString(empty).insert(empty.size() - 2, QString(size - empty.size(), QLatin1Char('x')));
-}
-
-QVariantList numbers(const QByteArray& bytes)
-{
-    QVariantList list;
-    for (const char byte : bytes)
-        list.append(int(byte));
-    return list;
 }
 
 QVariant decoded(const QVariant& data)

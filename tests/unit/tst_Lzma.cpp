@@ -2,15 +2,14 @@
 // for what it is, and never more.
 
 #include "support/LogRecorder.h"
+#include "support/LzmaBlocks.h"
 #include "support/Rows.h"
 
 #include <CalyxClient/Lzma>
 
 #include <QRegularExpression>
 #include <QTest>
-#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
 #include <QTextCodec>
-#endif
 #include <QtEndian>
 
 #include <cstdlib>
@@ -21,38 +20,12 @@
 
 Q_DECLARE_METATYPE(QList<QVariant>)
 
+using namespace LzmaBlocks;
+
 namespace {
 
 // Allocated by the codec, released as it says: with free().
 using Buffer = std::unique_ptr<unsigned char, decltype(&std::free)>;
-
-// "Hello, hello, hello, hello!", with an end marker and without one.
-const char MARKED[] = "5d004000001b000000000000000024194986e7d63b918b7800b3ca99bbfffff9004000";
-const char UNMARKED[] = "5d004000001b000000000000000024194986e7d63b918b7800b3bbb68000";
-const char HELLO[] = "Hello, hello, hello, hello!";
-constexpr int HEADER = 13;
-
-QByteArray marked()
-{
-    return QByteArray::fromHex(MARKED);
-}
-
-QByteArray unmarked()
-{
-    return QByteArray::fromHex(UNMARKED);
-}
-
-QByteArray withSize(QByteArray block, quint64 size)
-{
-    qToLittleEndian(size, block.data() + 5);
-    return block;
-}
-
-QByteArray withDictionary(QByteArray block, quint32 size)
-{
-    qToLittleEndian(size, block.data() + 1);
-    return block;
-}
 
 QByteArray blockOf(const QByteArray& bytes)
 {
@@ -65,26 +38,12 @@ QByteArray blockOf(const QByteArray& bytes)
     return QByteArray(reinterpret_cast<const char*>(dest), static_cast<int>(length));
 }
 
-QByteArray blockOf(const QString& text)
-{
-    QString base64;
-    return Lzma::compress64(text, &base64) ? QByteArray::fromBase64(base64.toLatin1()) : QByteArray();
-}
-
 QString decimalList(const QByteArray& block)
 {
     QStringList numbers;
     for (const char byte : block)
         numbers.append(QString::number(static_cast<unsigned char>(byte)));
     return '[' + numbers.join(',') + ']';
-}
-
-QList<QVariant> numbers(const QByteArray& block)
-{
-    QList<QVariant> list;
-    for (const char byte : block)
-        list.append(int(static_cast<unsigned char>(byte)));
-    return list;
 }
 
 QStringList fourTimes(const QString& text)
@@ -313,6 +272,7 @@ private Q_SLOTS:
         QCOMPARE(block, blockOf(text));
         QCOMPARE(decoded, fourTimes(text));
     }
+
 #endif
 
     void textOfBytes_data()
@@ -560,33 +520,9 @@ private Q_SLOTS:
         QVERIFY2(refused > block.size(), qPrintable(QString::number(refused)));
     }
 
-    void noiseIsReadOrRefused()
-    {
-        quint32 state = 99;
-        for (int round = 0; round < 600; ++round) {
-            QByteArray block(14 + round % 200, '\0');
-            for (char& byte : block) {
-                state = state * 1664525U + 1013904223U;
-                byte = static_cast<char>(state >> 24U);
-            }
-            block[0] = static_cast<char>(static_cast<unsigned char>(block.at(0)) % 225);
-            block[8] = static_cast<char>(block.at(8) & 0x7F);
-            block[HEADER] = 0;
-            QVERIFY2(consistent(block), block.toHex().constData());
-        }
-    }
-
     void bytesBehindTheEndMarkerAreNotRead()
     {
         QCOMPARE(decodeText(marked() + "more"), fourTimes(HELLO));
-    }
-
-    void claimedDictionaryIsOnlyAClaim()
-    {
-        for (const quint32 size : {0U, 1U, 4095U, 1U << 16U, 1U << 30U, 0x80000000U, 0xFFFFFFFFU}) {
-            QCOMPARE(decodeText(withDictionary(marked(), size)), fourTimes(HELLO));
-            QCOMPARE(decodeText(withDictionary(unmarked(), size)), fourTimes(HELLO));
-        }
     }
 
     void everyPropertyByteIsReadOrRefused()

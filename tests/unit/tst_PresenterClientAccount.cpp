@@ -16,7 +16,7 @@ using namespace Logins;
 
 namespace {
 
-using Call = std::function<QVariant(PresenterClient&, const QStringList&)>;
+using Call = std::function<void(PresenterClient&, const QStringList&)>;
 using Login = std::function<bool(PresenterClient&)>;
 using Preparation = std::function<void(PresenterClient&, FakeService&)>;
 
@@ -34,92 +34,52 @@ private Q_SLOTS:
     void sendsItsRequest_data()
     {
         columns<Call, QStringList, QByteArray, QByteArray>();
-        // <n> stands for the nth value
-
-        const auto rows = [](const char* name, const Call& call, const char* path, const char* body) {
-            QTest::addRow("%s", name)
-                << call << QStringList{"u", "p", "d", "n"} << QByteArray(path) << QByteArray(body);
-            // Nothing is escaped, and no value is taken for a placeholder.
-            QTest::addRow("%s, odd values", name)
-                << call << QStringList{"\"%1%2\"", "%0 \\", "Zoë\xf0\x9f\x8e\x93", "a\nb<>&"}
-                << QByteArray(path) << QByteArray(body);
-            QTest::addRow("%s, empty values", name)
-                << call << QStringList{"", "", "", ""} << QByteArray(path) << QByteArray(body);
+        using C = PresenterClient&;
+        using V = const QStringList&;
+        const auto row = [](const char* name, const char* path, const char* body, const Call& call) {
+            QTest::newRow(name) << call << QStringList() << QByteArray(path) << QByteArray(body);
         };
-        rows(
-            "doLogin", [](PresenterClient& c, const QStringList& v) { return c.doLogin(v[0], v[1]); }, SUBMIT,
-            R"({"userId":"<0>","password":"<1>","sourceSystem":"Lumora"})");
-        rows(
-            "doLogin by device",
-            [](PresenterClient& c, const QStringList& v) { return c.doLogin(v[0], v[1], v[2]); }, SUBMIT,
-            R"({"userId":"<0>","deviceId":"<1>","deviceAccessToken":"<2>","sourceSystem":"Lumora"})");
-        rows(
-            "doLoginWithOAuth",
-            [](PresenterClient& c, const QStringList& v) {
-                QString registration;
-                return c.doLoginWithOAuth("google", v[0], registration);
-            },
-            CALLBACK, R"({"code":"<0>","callbackUrl":"<server>","sourceSystem":"Lumora"})");
-        rows(
-            "doGetAccessToken",
-            [](PresenterClient& c, const QStringList& v) {
-                return c.doGetAccessToken(v[0], v[1], v[2], v[3]);
-            },
-            SUBMIT,
-            R"({"userId":"<0>","password":"<1>","deviceId":"<2>","deviceName":"<3>","sourceSystem":"Lumora"})");
-        rows(
-            "doGetOAuthAccessToken",
-            [](PresenterClient& c, const QStringList& v) {
-                QString registration;
-                return c.doGetOAuthAccessToken("google", v[0], v[1], v[2], registration);
-            },
-            CALLBACK,
-            R"({"code":"<0>","callbackUrl":"<server>","deviceId":"<1>","deviceName":"<2>","sourceSystem":"Lumora"})");
-
-        const auto row = [](const char* name, const Call& call, const char* path, const char* body) {
-            QTest::addRow("%s", name) << call << QStringList() << QByteArray(path) << QByteArray(body);
+        // <n> stands for the nth value. Nothing is escaped, and no value is taken for a placeholder.
+        const auto withValues = [](const QByteArray& name, const char* path, const char* body,
+                                   const Call& call) {
+            for (const QStringList& values :
+                 {QStringList{"u", "p", "d", "n"}, QStringList{"", "", "", ""},
+                  QStringList{"\"%1%2\"", "%0 \\", "Zoë\xf0\x9f\x8e\x93", "a\nb<>&"}})
+                QTest::addRow("%s %s", name.constData(), qPrintable(values.first()))
+                    << call << values << QByteArray(path) << QByteArray(body);
         };
-        row(
-            "doGetUserName", [](PresenterClient& c, const QStringList&) { return c.doGetUserName(); }, USER,
-            "{}");
-        row(
-            "doLogout", [](PresenterClient& c, const QStringList&) { return c.doLogout(); }, LOGOUT, "{}");
-        row(
-            "sendKeepAlive",
-            [](PresenterClient& c, const QStringList&) { return c.sendKeepAlive(), QVariant(); }, KEEP_ALIVE,
-            "");
-        row(
-            "onPingTimer",
-            [](PresenterClient& c, const QStringList&) {
-                return QVariant(QMetaObject::invokeMethod(&c, "onPingTimer"));
-            },
-            KEEP_ALIVE, "");
-        row(
-            "checkServer",
-            [](PresenterClient& c, const QStringList&) { return c.checkServer(QString(), QString()); },
-            "/tavisto", "");
-        row(
-            "doGetLearners",
-            [](PresenterClient& c, const QStringList&) {
-                Sessions::openSession(c, "é\\\"%1");
-                return c.doGetLearners();
-            },
-            "/tavisto/session/getusers", "{\"sessionToken\":\"é\"%1\"}");
-        row(
-            "doStopSession",
-            [](PresenterClient& c, const QStringList&) {
-                Sessions::openSession(c, "%1");
-                return c.doStopSession();
-            },
-            Sessions::STOP, R"({"sessionToken":"%1"})");
-        row(
-            "provider with a blank",
-            [](PresenterClient& c, const QStringList&) {
-                QString registration;
-                return c.doLoginWithOAuth("my school", "c", registration);
-            },
-            "/tavisto/login/oauth/my%20school/callback",
-            R"({"code":"c","callbackUrl":"<server>","sourceSystem":"Lumora"})");
+        withValues("doLogin", SUBMIT, R"({"userId":"<0>","password":"<1>","sourceSystem":"Lumora"})",
+                   [](C c, V v) { c.doLogin(v[0], v[1]); });
+        withValues("doLogin by device", SUBMIT,
+                   R"({"userId":"<0>","deviceId":"<1>","deviceAccessToken":"<2>","sourceSystem":"Lumora"})",
+                   [](C c, V v) { c.doLogin(v[0], v[1], v[2]); });
+        withValues("doLoginWithOAuth", CALLBACK,
+                   R"({"code":"<0>","callbackUrl":"<server>","sourceSystem":"Lumora"})",
+                   [](C c, V v, QString out = {}) { c.doLoginWithOAuth("google", v[0], out); });
+        withValues(
+            "doGetAccessToken", SUBMIT,
+            R"({"userId":"<0>","password":"<1>","deviceId":"<2>","deviceName":"<3>","sourceSystem":"Lumora"})",
+            [](C c, V v) { c.doGetAccessToken(v[0], v[1], v[2], v[3]); });
+        withValues(
+            "doGetOAuthAccessToken", CALLBACK,
+            R"({"code":"<0>","callbackUrl":"<server>","deviceId":"<1>","deviceName":"<2>","sourceSystem":"Lumora"})",
+            [](C c, V v, QString out = {}) { c.doGetOAuthAccessToken("google", v[0], v[1], v[2], out); });
+        row("provider with a blank", "/tavisto/login/oauth/my%20school/callback",
+            R"({"code":"c","callbackUrl":"<server>","sourceSystem":"Lumora"})",
+            [](C c, V, QString out = {}) { c.doLoginWithOAuth("my school", "c", out); });
+        row("doGetUserName", USER, "{}", [](C c, V) { c.doGetUserName(); });
+        row("doLogout", LOGOUT, "{}", [](C c, V) { c.doLogout(); });
+        row("sendKeepAlive", KEEP_ALIVE, "", [](C c, V) { c.sendKeepAlive(); });
+        row("onPingTimer", KEEP_ALIVE, "", [](C c, V) { QMetaObject::invokeMethod(&c, "onPingTimer"); });
+        row("checkServer", "/tavisto", "", [](C c, V) { c.checkServer(QString(), QString()); });
+        row("doGetLearners", "/tavisto/session/getusers", "{\"sessionToken\":\"é\"%1\"}", [](C c, V) {
+            Sessions::openSession(c, "é\\\"%1");
+            c.doGetLearners();
+        });
+        row("doStopSession", Sessions::STOP, R"({"sessionToken":"%1"})", [](C c, V) {
+            Sessions::openSession(c, "%1");
+            c.doStopSession();
+        });
     }
 
     void sendsItsRequest()

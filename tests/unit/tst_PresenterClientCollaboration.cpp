@@ -252,67 +252,6 @@ private Q_SLOTS:
         QCOMPARE(lesson.client->sessionToken(), QStringLiteral("T"));
     }
 
-    void startWithoutTokenGoesOn_data()
-    {
-        rows<int, QByteArray>({
-            {"first key without error", 500, R"({"errorMsgKeys":["session.refused","b.error"]})"},
-            {"no key", 500, "{}"},
-            {"no JSON", 500, "error"},
-            {"answered without JSON", 200, "started"},
-            {"key, but no http error", 200, QByteArray(REFUSED)},
-        });
-    }
-
-    void startWithoutTokenGoesOn()
-    {
-        const auto [status, body] = row<int, QByteArray>();
-
-        Lesson lesson;
-        lesson.expectStart(Answer::json(Lesson::WEBSOCKET), Answer::json(body, status));
-
-        QVERIFY(lesson.start());
-        QVERIFY(lesson.client->sessionToken().isEmpty());
-        QVERIFY(lesson.collab->sessionToken().isEmpty());
-        QCOMPARE(lesson.collab->userToken(), QStringLiteral("U"));
-        QVERIFY(lesson.client->lastError().isNull());
-    }
-
-    void failedStartKeepsTheEarlierToken()
-    {
-        Lesson lesson;
-        lesson.client->sessionStartSuccessResponse(R"({"data":{"sessionToken":"old"}})");
-        lesson.expectStart(Answer::json(Lesson::WEBSOCKET), Answer::cut(Lesson::STARTED));
-
-        QVERIFY(lesson.start());
-        QCOMPARE(lesson.collab->sessionToken(), QStringLiteral("old"));
-    }
-
-    void failedJoinKeepsTheUserToken_data()
-    {
-        rows<QString, int, QByteArray>({
-            {"http error", "U0", 500, QByteArray(Lesson::JOINED)},
-            {"no JSON", "U0", 200, "joined"},
-            {"none before", QString(), 500, QByteArray(REFUSED)},
-        });
-    }
-
-    void failedJoinKeepsTheUserToken()
-    {
-        const auto [before, status, body] = row<QString, int, QByteArray>();
-
-        Lesson lesson;
-        if (!before.isNull())
-            lesson.client->sessionJoinResponse(R"({"data":{"userToken":"U0"}})");
-        lesson.expectStart(Answer::json(Lesson::WEBSOCKET), Answer::json(Lesson::STARTED),
-                           Answer::json(body, status));
-
-        QVERIFY(lesson.start());
-        QCOMPARE(lesson.client->userToken(), before);
-        QCOMPARE(lesson.client->userToken().isNull(), before.isNull());
-        QCOMPARE(lesson.collab->userToken(), before);
-        QVERIFY(lesson.client->lastError().isNull());
-    }
-
     void hostMayAskTheClientForTheChannel()
     {
         Lesson lesson;
@@ -394,81 +333,6 @@ private Q_SLOTS:
         QTRY_VERIFY(lesson.collab->isConnected());
     }
 
-    void goodbyeIsSaidToTheWholeSession()
-    {
-        Lesson lesson;
-        QVERIFY(lesson.startWell());
-        for (int i = 0; i < 3; ++i)
-            QVERIFY(!Lesson::registered(lesson.bus.nextMessage()).isNull());
-        QVERIFY(lesson.stop());
-
-        const QJsonObject frame = QJsonDocument::fromJson(lesson.bus.nextMessage().toUtf8()).object();
-        const QJsonObject body = frame.value("body").toObject();
-        QCOMPARE(frame.value("address").toString(), QStringLiteral("T"));
-        QCOMPARE(body.value("from").toString(), QStringLiteral("U"));
-        QCOMPARE(body.value("type").toString(), QStringLiteral("disconnect"));
-        QString data;
-        QVERIFY(Lzma::decompress64(body.value("data").toVariant().toStringList().value(0), &data));
-        QCOMPARE(data, QStringLiteral("\"\""));
-        QTRY_COMPARE(lesson.bus.endedSessions(), 1);
-    }
-
-    void logoutClosesTheChannelAndStops()
-    {
-        Lesson lesson;
-        QVERIFY(lesson.startWell());
-        QTRY_VERIFY(lesson.collab->isConnected());
-        lesson.service.expect(Lesson::STOP, Answer::json("{}"));
-        lesson.service.expect("/tavisto/login/logout", Answer::json("{}"));
-
-        QVERIFY(lesson.client->doLogout());
-        QVERIFY(!lesson.collab->isConnected());
-        QTRY_COMPARE(lesson.bus.endedSessions(), 1);
-    }
-
-    void hostMayDeleteTheChannelAndStartAgain()
-    {
-        Lesson lesson;
-        QVERIFY(lesson.startWell());
-        delete lesson.collab;
-        QVERIFY(!lesson.client->collab());
-        QTRY_COMPARE(lesson.bus.openConnections(), 0);
-
-        QVERIFY(lesson.startWell());
-        QCOMPARE(lesson.client->collab(), lesson.collab);
-        QTRY_VERIFY(lesson.collab->isConnected());
-        delete lesson.collab;
-        QVERIFY(lesson.stop());
-    }
-
-    // The server leaves the WebSocket without an answer; what the host does meanwhile ends the wait.
-    void hostMayDeleteTheChannelWhileItOpens()
-    {
-        Lesson lesson;
-        lesson.bus.setUpgrade(FakeSockJSServer::Silent);
-        lesson.expectStart();
-        connect(&lesson.bus, &FakeSockJSServer::requested, this,
-                [&] { QTimer::singleShot(0, this, [&] { delete lesson.client->collab(); }); });
-        lesson.start();
-
-        QVERIFY(!lesson.client->collab());
-        QVERIFY(!lesson.collab);
-        QVERIFY(lesson.stop());
-    }
-
-    void hostMayDeleteTheClientWhileTheChannelOpens()
-    {
-        Lesson lesson;
-        lesson.bus.setUpgrade(FakeSockJSServer::Silent);
-        lesson.expectStart();
-        lesson.service.expect(Lesson::STOP, Answer::json("{}"));
-        connect(&lesson.bus, &FakeSockJSServer::requested, this,
-                [&] { QTimer::singleShot(0, this, [&] { lesson.client.reset(); }); });
-
-        QVERIFY(!lesson.client->startWebsocket(&lesson.collab));
-        QVERIFY(!lesson.collab);
-    }
-
     // Opening a WebSocket exports the proxy in a form that Qt misreads afterwards.
     void requestsKeepTheirProxyAfterAnOpen()
     {
@@ -495,6 +359,40 @@ private Q_SLOTS:
             proxy.expect(service + Lesson::STOP, Answer::json("{}"));
         }
         qputenv("http_proxy", before);
+    }
+
+    void failedStartAndJoinAreGoneOnFrom_data()
+    {
+        rows<int, QByteArray>({
+            {"first key without error", 500, R"({"errorMsgKeys":["session.refused","b.error"]})"},
+            {"no key", 500, "{}"},
+            {"no JSON", 500, "error"},
+            {"what would be taken", 500, R"({"data":{"sessionToken":"T","userToken":"U"}})"},
+            {"answered without JSON", 200, "started"},
+        });
+    }
+
+    // Both keep what they had before: null is nothing.
+    void failedStartAndJoinAreGoneOnFrom()
+    {
+        const auto [status, body] = row<int, QByteArray>();
+        for (const bool isKnown : {false, true}) {
+            Lesson lesson;
+            if (isKnown) {
+                lesson.client->sessionStartSuccessResponse(R"({"data":{"sessionToken":"T0"}})");
+                lesson.client->sessionJoinResponse(R"({"data":{"userToken":"U0"}})");
+            }
+            lesson.expectStart(Answer::json(Lesson::WEBSOCKET), Answer::json(body, status),
+                               Answer::json(body, status));
+
+            QVERIFY(lesson.start());
+            QCOMPARE(lesson.client->sessionToken(), isKnown ? QStringLiteral("T0") : QString());
+            QCOMPARE(lesson.client->userToken(), isKnown ? QStringLiteral("U0") : QString());
+            QCOMPARE(lesson.client->userToken().isNull(), !isKnown);
+            QCOMPARE(lesson.collab->sessionToken(), lesson.client->sessionToken());
+            QCOMPARE(lesson.collab->userToken(), lesson.client->userToken());
+            QVERIFY(lesson.client->lastError().isNull());
+        }
     }
 };
 

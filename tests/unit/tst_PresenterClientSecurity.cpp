@@ -8,7 +8,6 @@
 #include <CalyxClient/PresenterClient>
 
 #include <QAuthenticator>
-#include <QNetworkProxy>
 #include <QNetworkReply>
 #include <QSignalSpy>
 #include <QSslSocket>
@@ -62,15 +61,6 @@ static Answer challenge()
 static QByteArray basic(const QByteArray& credentials)
 {
     return "Basic " + credentials.toBase64();
-}
-
-// A proxy is asked for the whole URL; the host does not exist, so that no other way leads there.
-static const char BEHIND_PROXY[] = "http://classroom.invalid/tavisto";
-
-static bool isReachedThrough(FakeService& proxy, PresenterClient& client)
-{
-    proxy.expect(BEHIND_PROXY, Answer::json("{}"));
-    return client.checkServer(QString(), QString()) && proxy.last().path == BEHIND_PROXY;
 }
 
 class tst_PresenterClientSecurity : public ClientTest
@@ -241,17 +231,6 @@ private Q_SLOTS:
         QCOMPARE(client.server(), QStringLiteral("https://moved.example:443"));
     }
 
-    void challengeIsAnsweredWithEarlierCredentials()
-    {
-        service().expect("/tavisto", Answer::json("{}"));
-        service().expect("/tavisto/login/user", challenge());
-        service().expect("/tavisto/login/user", Answer::json(R"({"data":{"userLoginId":"u"}})"));
-        QVERIFY(client().checkServer("user", "secret"));
-
-        QCOMPARE(client().doGetUserName(), QStringLiteral("u"));
-        QCOMPARE(service().last().header("authorization"), basic("user:secret"));
-    }
-
     void emptyArgumentsKeepEarlierCredentials_data()
     {
         rows<QString, QString, QByteArray>({
@@ -310,18 +289,6 @@ private Q_SLOTS:
 
         QCOMPARE(authenticator.user(), userGiven);
         QCOMPARE(authenticator.password(), passwordGiven);
-    }
-
-    void requestsUseTheProxyOfTheApplication()
-    {
-        FakeService proxy;
-        QNetworkProxy::setApplicationProxy(
-            QNetworkProxy(QNetworkProxy::HttpProxy, "127.0.0.1", proxy.serverPort()));
-        PresenterClient client(nullptr, "http://classroom.invalid");
-        const bool reached = isReachedThrough(proxy, client);
-        QNetworkProxyFactory::setUseSystemConfiguration(true);
-
-        QVERIFY(reached);
     }
 };
 

@@ -137,15 +137,6 @@ private Q_SLOTS:
             service().expect("/tavisto/session/stop", Answer::json("{}"));
     }
 
-    void nextOperationAfterATimeOutSucceeds()
-    {
-        service().expect("/tavisto", Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
-        service().expect("/tavisto", Answer::json("{}"));
-
-        QVERIFY(!client().checkServer(QString(), QString()));
-        QVERIFY(client().checkServer(QString(), QString()));
-    }
-
     // The wait is not told that the reply has been processed, and the reply is gone when the time is over.
     void hostThatBlocksSignalsGetsItsAnswerAtTheLimit()
     {
@@ -323,37 +314,6 @@ private Q_SLOTS:
         QTRY_COMPARE(client().findChildren<QTimer*>().size(), before);
     }
 
-    void timersOfTheHostRunDuringAWait()
-    {
-        service().expect("/a", Answer::json("1").held());
-        int ticks = 0;
-        QTimer timer;
-        connect(&timer, &QTimer::timeout, this, [&] {
-            if (service().isHolding() && ++ticks == 3)
-                service().release();
-        });
-        timer.start(1);
-        client().request("/a");
-
-        QCOMPARE(client().successes, QStringList{"1"});
-        QCOMPARE(ticks, 3);
-    }
-
-    void operationInsideRequestProcessed()
-    {
-        service().expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL));
-        service().expect("/tavisto", Answer::json("{}"));
-        bool reachable = false;
-        QMetaObject::Connection connection;
-        connection = connect(&client(), &PresenterClient::requestProcessed, this, [&] {
-            disconnect(connection);
-            reachable = client().checkServer(QString(), QString());
-        });
-
-        QVERIFY(client().doLogin("u", "p"));
-        QVERIFY(reachable);
-    }
-
     void keepsAliveEveryMinuteAfterALogin_data()
     {
         rows<Login, QByteArray>({
@@ -450,13 +410,7 @@ private Q_SLOTS:
         QVERIFY(service().isUsedUp());
     }
 
-    void logoutEndsTheKeepAlive_data()
-    {
-        rows<int>({
-            {"logged out", 200},
-            {"logout failed", 500},
-        });
-    }
+    void logoutEndsTheKeepAlive_data() { rows<int>({{"logged out", 200}, {"logout failed", 500}}); }
 
     void logoutEndsTheKeepAlive()
     {

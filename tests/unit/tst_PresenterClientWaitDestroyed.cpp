@@ -1,21 +1,19 @@
-// The host destroys the client while an operation waits.
+// The host destroys the client while an operation waits. The ways to do it inside one another are in
+// tst_RandomWalk.
 
 #include "support/ClientOperations.h"
-#include "support/ClientProbe.h"
 #include "support/FakeService.h"
 #include "support/Rows.h"
 #include "support/TimerClock.h"
 
 #include <CalyxClient/PresenterClient>
 
-#include <QEventLoop>
 #include <QNetworkAccessManager>
 #include <QPointer>
 #include <QTest>
 #include <QTimer>
 
 #include <functional>
-#include <memory>
 
 using namespace ClientOperations;
 using Answer = FakeService::Answer;
@@ -157,65 +155,6 @@ private Q_SLOTS:
     void clientDestroyedOnATimeOut()
     {
         verifyDestroyedOnceProcessed(Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
-    }
-
-    void clientDestroyedInsideTheKeepAliveOfAnotherWait()
-    {
-        FakeService service;
-        const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-        service.expect("/tavisto/login/submit",
-                       unansweredWhile(service, [&] { QMetaObject::invokeMethod(client, "onPingTimer"); }));
-        service.expect("/tavisto/login/keepSessionAlive", unansweredWhile(service, [&] { delete client; }));
-
-        QVERIFY(!client->doLogin("u", "p"));
-        QVERIFY(!client);
-    }
-
-    void clientDestroyedInsideTheReLoginOfDoStartSession()
-    {
-        FakeService service;
-        service.expect("/tavisto/login/submit", Answer::json("{}"));
-        const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-        client->doGetAccessToken("u", "p", QString(), QString());
-        service.expect("/tavisto/login/user", Answer::json("{}", 500));
-        service.expect("/tavisto/login/submit", unansweredWhile(service, [&] { delete client; }));
-
-        QVERIFY(!client->doStartSession(QString()));
-        QVERIFY(!client);
-    }
-
-    // The manager's signal, in whose slot the host is, has to find the manager when it comes back.
-    void clientDestroyedInAnOperationOfASlot()
-    {
-        FakeService service;
-        service.expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL));
-        const QPointer<PresenterClient> client = new PresenterClient(nullptr, service.url());
-        const QPointer<QNetworkAccessManager> manager = client->findChild<QNetworkAccessManager*>();
-        service.expect("/tavisto", unansweredWhile(service, [&] { delete client; }));
-        bool outlivesTheSlot = false;
-        connect(client, &PresenterClient::requestProcessed, &service, [&] {
-            client->checkServer(QString(), QString());
-            QEventLoop loop; // where a deferred deletion would be carried out
-            QTimer::singleShot(0, &loop, &QEventLoop::quit);
-            loop.exec();
-            outlivesTheSlot = !client && manager;
-        });
-
-        QVERIFY(!client->doLogin("u", "p"));
-        QVERIFY(outlivesTheSlot);
-        QTRY_VERIFY(!manager);
-    }
-
-    void clientDestroyedWithARequestUnderWay()
-    {
-        FakeService service;
-        service.expect("/a", Answer::never());
-        auto client = std::make_unique<ClientProbe>(service.url());
-        client->request("/a", false);
-        QTRY_COMPARE(service.requests().size(), 1);
-        client.reset();
-
-        QTRY_COMPARE(service.abandoned(), 1);
     }
 };
 

@@ -276,25 +276,6 @@ private Q_SLOTS:
 
         QCOMPARE(nextPublish("abc.controller", "currentCard").data, data);
     }
-
-    void everythingIsDroppedWhileDisconnected()
-    {
-        collab()->sendHeavy();
-        QCOMPARE(dropped(), 1);
-        collab()->sendCurrentLessonToRemote("l1", "Fractions");
-        QCOMPARE(dropped(), 2);
-        collab()->sendPresenterIsActiveToRemote();
-        QCOMPARE(dropped(), 3);
-        collab()->sendCurrentCardToRemote(1, 2);
-        QCOMPARE(dropped(), 4);
-        collab()->setCardImageRef(QString(524289, 'r'));
-        collab()->showImageCard(true);
-        QCOMPARE(dropped(), 6); // "heavy" and the card, which is forgotten
-        QCOMPARE(collab()->getCardImageRef(false), QString());
-
-        QVERIFY(m_session->open());
-        QVERIFY(m_session->nothingWasSent());
-    }
 };
 
 QTEST_GUILESS_MAIN(TestPresenterCollabCards)

@@ -71,24 +71,6 @@ private Q_SLOTS:
         QCOMPARE(closed.first().first().toBool(), false);
     }
 
-    void closeDuringTheWaitClosesTheChannelOnceItIsUp()
-    {
-        server().setUpgrade(Server::Silent);
-        QSignalSpy connected(collab()->connector(), &SockJSConnector::connected);
-        connect(&server(), &Server::requested, collab(), [this] {
-            collab()->close();
-            QTimer::singleShot(0, &server(), &Server::answerUpgrade);
-        });
-
-        collab()->open({"websocket"});
-
-        // Whether the wait ends or the channel still comes up: it is closed, and nothing was registered.
-        QTRY_COMPARE(server().openConnections(), 0);
-        QVERIFY(server().unreadFrames().isEmpty());
-        QVERIFY(!collab()->isConnected());
-        QVERIFY(!pingTimer()->isActive());
-    }
-
     void openAfterACloseThatCameEarlyRegisters()
     {
         server().setUpgrades({Server::Mute, Server::Open});

@@ -181,13 +181,7 @@ private Q_SLOTS:
                  document("word-seed", "generic", QString(), id, "t%4%7", image));
     }
 
-    void eachPollHasAnIdOfItsOwn_data()
-    {
-        rows<int>({
-            {"question", 2},
-            {"document", 6},
-        });
-    }
+    void eachPollHasAnIdOfItsOwn_data() { rows<int>({{"question", 2}, {"document", 6}}); }
 
     void eachPollHasAnIdOfItsOwn()
     {

@@ -281,13 +281,7 @@ private Q_SLOTS:
         QVERIFY(clock.elapsed() >= little - 1);
     }
 
-    void closedByTheFarEndIsNotClosed_data()
-    {
-        rows<bool>({
-            {"farewell", false},
-            {"reset", true},
-        });
-    }
+    void closedByTheFarEndIsNotClosed_data() { rows<bool>({{"farewell", false}, {"reset", true}}); }
 
     void closedByTheFarEndIsNotClosed()
     {

@@ -53,20 +53,6 @@ private Q_SLOTS:
         QCOMPARE(typeNamed("QStringMap"), qMetaTypeId<QStringMap>());
     }
 
-    void queueRefusesTheFiftySecondRequest()
-    {
-        WorkerRun run(1);
-        LogRecorder log;
-        for (int i = 0; i < 51; ++i)
-            QVERIFY(run.queue(QStringLiteral("/p/other")));
-        QCOMPARE(log.debug(), QStringList());
-        QVERIFY(!run.queue(QStringLiteral("/p/other")));
-        QCOMPARE(
-            log.debug(),
-            QStringList("[SockJSXHRPollingWorker] Async socket tx queue error: Too many items in queue!"));
-        QVERIFY(!run.queue(QStringLiteral("/p/other")));
-    }
-
     void queueRefusesWhenClosing()
     {
         WorkerRun run(1);
@@ -179,15 +165,6 @@ private Q_SLOTS:
         worker.parseMessageResponse("\r\n0\r\n\r\n", true, &out, 0);
         QCOMPARE(log.debug(), QStringList({"[SockJSXHRPollingWorker] Chunk_continued",
                                            "[SockJSXHRPollingWorker] chunk complete size 3"}));
-    }
-
-    void writesTheRequestAsItIs()
-    {
-        QVERIFY(start());
-        const QString text = QStringLiteral("POST /x HTTP/1.1\r\nA: ä€\r\n\r\nbody\r\n\r\n");
-        m_run->requests.push_back(std::make_unique<XHRRequest>(QStringLiteral("/x"), text));
-        QVERIFY(m_run->worker->queueRequest(m_run->requests.back().get()));
-        QTRY_COMPARE(m_server->received(0), text.toUtf8());
     }
 
     void transmitTakesTheFirstRequest()
@@ -323,15 +300,6 @@ private Q_SLOTS:
         QVERIFY(start(1));
         QTRY_COMPARE(m_run->messages, QStringList("new"));
         QCOMPARE(m_run->reports, QStringList({"header 0", "lost 0", "reconnected", "header 1", "message 1"}));
-    }
-
-    void requestInFlightIsLostWithItsConnection()
-    {
-        m_server->answer("/xhr", Server::Script{Server::close()});
-        QVERIFY(start(1));
-        QTRY_COMPARE(m_run->reports, QStringList({"lost 0", "reconnected"}));
-        QVERIFY(!m_run->worker->isReceiving());
-        QCOMPARE(m_server->count(), 1);
     }
 
     void waitingRequestOutlivesTheConnection()
