@@ -6,6 +6,10 @@
 
 export QT_LOGGING_RULES=default.debug=false
 install_moved "$1"
-cmake_host "$here/classroom" -DCMAKE_PREFIX_PATH="$prefix"
+# The host as the guide shows it. With Qt 6 three names are others, and nothing else.
+host="$work/classroom"
+cp -r "$here/classroom" "$host"
+[ "$QT" = 5 ] || sed -i 's/CalyxClient 0/CalyxClientQt6 0/; s/Qt5 5.15/Qt6/; s/Qt5::/Qt6::/' "$host/CMakeLists.txt"
+cmake_host "$host" -DCMAKE_PREFIX_PATH="$prefix"
 rm "$prefix/bin/calyx-classroom"
-cannot_configure "Component missing: classroom-test" "$here/classroom" -DCMAKE_PREFIX_PATH="$prefix"
+cannot_configure "Component missing: classroom-test" "$host" -DCMAKE_PREFIX_PATH="$prefix"
