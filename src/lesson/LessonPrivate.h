@@ -49,8 +49,9 @@ struct LessonPrivate : public LessonListener
     void waitForAttempt();
     void attempt();
     void giveUp();
-    /// The session is over, here at least.
-    void finishSession();
+    /// The session is over, here at least. Whether the operation at work goes on: no slot has deleted the
+    /// lesson or begun another one.
+    bool finishSession();
     /// Forgets what the session before has left.
     void clearSession();
     bool isWanted() const { return !isFinishing && (wantsLive || state == Lesson::Starting || hasSession()); }

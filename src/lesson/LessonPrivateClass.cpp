@@ -190,13 +190,12 @@ void LessonPrivate::onAnswer(const QString& deviceId, const QString& id, int tim
 
 void LessonPrivate::onQuestionWanted(const QString& deviceId, int number)
 {
-    const bool isRunning = content.isAssessed();
     const QPointer<Lesson> self(q);
-    if (isRunning && content.assessment->isForAll())
+    if (content.isAssessed() && content.assessment->isForAll())
         content.assessment->enter(deviceId);
     if (!self)
         return;
-    if (!isRunning || !content.assessment->takesPart(deviceId) || number < 0 ||
+    if (!content.isAssessed() || !content.assessment->takesPart(deviceId) || number < 0 ||
         number > content.assessment->questionCount()) {
         onMessage(QStringLiteral("questionGet"), deviceId, number);
         return;

@@ -70,8 +70,7 @@ void LessonPrivate::onLoggedIn(int ticketOfLogin, const LessonError& error, cons
         return;
     }
     user.clear();
-    finishSession();
-    if (!self || !setState(Lesson::LoggedOut))
+    if (!finishSession() || !setState(Lesson::LoggedOut))
         return;
     if (!registration.isEmpty())
         Q_EMIT q->registrationNeeded(registration);
@@ -135,6 +134,7 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
     if (ticketOfOpening != ticket || (state != Lesson::Starting && state != Lesson::Reconnecting))
         return;
     const QPointer<Lesson> self(q);
+    const auto isOver = [&] { return !self || ticketOfOpening != ticket; }; // by a slot
     joinCode = opening.joinCode;
     joinAddress = opening.joinAddress;
     beginToLive(opening);
@@ -146,7 +146,7 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
             newcomers.append(learner.deviceId);
             Q_EMIT content.roster->joined(learner.deviceId);
         }
-        if (!self)
+        if (isOver())
             return;
     }
     const QStringList present =
@@ -154,11 +154,10 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
     for (const QString& deviceId : present) {
         if (!listed.contains(deviceId))
             onLeave(deviceId, {});
-        if (!self)
+        if (isOver())
             return;
     }
     attempts = 0;
-    state = opening.isReturn ? Lesson::Reconnecting : Lesson::Starting;
     if (!setState(Lesson::Live) || state != Lesson::Live)
         return;
     if (opening.isReturn)
@@ -192,10 +191,8 @@ void LessonPrivate::onNotOpened(int ticketOfOpening, const LessonError& error)
         tryAgain();
         return;
     }
-    const QPointer<Lesson> self(q);
     journal.close(); // the session may be taken up
-    finishSession();
-    if (!self)
+    if (!finishSession())
         return;
     const bool isLoggedOut = error.kind == LessonError::LoggedOutByService;
     if (isLoggedOut)
@@ -258,7 +255,6 @@ void LessonPrivate::attempt()
 
 void LessonPrivate::beginEnd(bool andLogOut)
 {
-    const QPointer<Lesson> self(q);
     wantsLive = false;
     isLoggingOut = andLogOut;
     ticket = ++lastTicket;
@@ -270,8 +266,7 @@ void LessonPrivate::beginEnd(bool andLogOut)
             at->endSession(ticket);
     });
     journal.noteEnd();
-    finishSession();
-    if (self)
+    if (finishSession())
         setState(Lesson::Ending);
 }
 
@@ -309,8 +304,7 @@ void LessonPrivate::giveUp()
     if (state == Lesson::Live) {
         tellBusy();
     } else {
-        finishSession();
-        if (!self)
+        if (!finishSession())
             return;
         if (!hadLogin)
             user.clear();
@@ -321,9 +315,10 @@ void LessonPrivate::giveUp()
         fail(LessonError::make(LessonError::Cancelled));
 }
 
-void LessonPrivate::finishSession()
+bool LessonPrivate::finishSession()
 {
     const QPointer<Lesson> self(q);
+    const int ticketBefore = ticket;
     // A session that was taken up has been over for as long as its journal.
     const LessonJournal::TakenUp before = std::exchange(takenUp, {});
     const QDateTime at = before.session.token.isEmpty() ? QDateTime::currentDateTime() : before.until;
@@ -344,13 +339,14 @@ void LessonPrivate::finishSession()
             Q_EMIT content.roster->left(deviceId);
     }
     if (!self)
-        return;
+        return false;
     journal.flush();
     journal.close();
     const bool wasLocked = std::exchange(content.isLocked, false);
     if (tell([this, wasLocked] { wasLocked ? q->lockedChanged() : void(); },
              [this] { content.roster->flush(); }, [this] { onRemoteGone({}); }))
         isFinishing = false;
+    return self && ticket == ticketBefore;
 }
 
 void LessonPrivate::clearSession()

@@ -510,6 +510,75 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return lesson.state() == Lesson::LoggedOut; }));
     }
 
+    // What was answered in the same turn can be gone once the first of it has been told.
+    void clearsInSlots()
+    {
+        Class class_;
+        QVERIFY(class_.start());
+        Lesson& lesson = *class_.lesson;
+        const QStringList ids = {lesson.ask(marked())->id(), lesson.ask(marked())->id()};
+        lesson.stop();
+        connect(&lesson, &Lesson::answersChanged, this, [&] {
+            lesson.clearPolls();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        });
+        for (const QString& id : ids)
+            class_.answer("D1", id, "A");
+        QVERIFY(waitFor([&] { return lesson.polls().isEmpty(); }));
+        QVERIFY(class_.end());
+    }
+
+    void endsInSlots_data()
+    {
+        rows<Play>({
+            {"while the list of learners comes",
+             [](Class& at) {
+                 connect(at.lesson->roster(), &Roster::joined, [&at] { at.lesson->end(); });
+                 at.begin(at.bus.url());
+                 at.expectUsers();
+             }},
+            {"while a learner is taken into an assessment",
+             [](Class& at) {
+                 QVERIFY(at.start());
+                 const Assessment* const assessment = at.lesson->startAssessment(plan());
+                 connect(assessment, &Assessment::rowsInserted, [&at] {
+                     at.lesson->end();
+                     at.lesson->start(); // forgets the assessment
+                     at.lesson->end();
+                 });
+                 at.hear("D3", "questionGet",
+                         {{"questionNumber", 1}, {"assessmentToken", assessment->token()}});
+             }},
+            {"while it is given up",
+             [](Class& at) {
+                 QVERIFY(at.start());
+                 at.lesson->setReconnects(false);
+                 at.bus.dropConnections();
+                 QVERIFY(waitFor([&] { return at.lesson->state() == Lesson::Reconnecting; }));
+                 connect(at.lesson->roster(), &Roster::left, [&at](const QString& device) {
+                     if (device == "D1")
+                         at.lesson->end();
+                 });
+                 at.lesson->cancel();
+                 QCOMPARE(at.lesson->state(), Lesson::Ending);
+             }},
+        });
+    }
+
+    void endsInSlots()
+    {
+        const auto [play] = row<Play>();
+        Class class_;
+        play(class_);
+        class_.service.expect("/tavisto/session/stop", Answer::json(FINE));
+        QVERIFY(waitFor([&] { return class_.service.isUsedUp(); }));
+        QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::LoggedIn; }));
+        QCOMPARE(class_.lesson->roster()->presentCount(), 0);
+        class_.service.expect(Logins::LOGOUT, Answer::json(FINE));
+        class_.lesson->logOut();
+        QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::LoggedOut; }));
+    }
+
     void uploadsAreCancelled()
     {
         Class class_;
