@@ -1184,7 +1184,7 @@ poll scale agreement 5 picture images/leaf.png</translation>
     </message>
     <message>
         <source>Session %1 is live. Join at %2 with %1.</source>
-        <translation>Sitzung %1 läuft. Dazu geht es über %2 mit %1.</translation>
+        <translation>Sitzung %1 läuft. Beitritt über %2 mit %1.</translation>
     </message>
     <message>
         <source>Starting a session</source>

@@ -36,6 +36,20 @@ check('the code comes with the link, and a telephone says that it is one', async
   assert.equal((await presenter.next('join')).value.deviceType, 'phone');
 });
 
+check('the page speaks the language of the browser', async (t) => {
+  const { url, presenter } = await teach(t);
+  for (const [locale, name, isIn] of [['de-CH', 'Dein Name', 'Du bist dabei'], ['fr-FR', 'Ton nom', 'Tu y es']]) {
+    const page = await openPage(t, await openContext(t, { ...PHONE, locale }));
+    await page.goto(`${url}/?code=${presenter.code}`);
+    assert.equal(await page.evaluate(() => document.documentElement.lang), locale.slice(0, 2));
+    await assertAccessible(page);
+    await field(page, name).fill('Ann');
+    await page.keyboard.press('Enter');
+    await heading(page, isIn);
+    await assertAccessible(page);
+  }
+});
+
 check('a learner joins with the keyboard alone', async (t) => {
   const { url, presenter } = await teach(t);
   const page = await openPage(t, await openContext(t));

@@ -3,6 +3,7 @@
 
 import { optionsOf } from '../model/options.js';
 import { wholeNumber } from '../model/text.js';
+import { t } from '../words/words.js';
 import { formulaControl } from './formula.js';
 import { numberControl } from './number.js';
 import { orderControl } from './order.js';
@@ -22,12 +23,12 @@ const PICKED = {
 const WRITTEN = {
   number: numberControl,
   'math formula': formulaControl,
-  'word-seed': (settings) => writeControl({ ...settings, label: 'Your word or short phrase' }),
-  creative: (settings) => writeControl({ ...settings, label: 'Your note, or what you have drawn', rows: 6 }),
+  'word-seed': (settings) => writeControl({ ...settings, label: t('Your word or short phrase') }),
+  creative: (settings) => writeControl({ ...settings, label: t('Your note, or what you have drawn'), rows: 6 }),
 };
 
 const writeText = (settings) => writeControl({
-  ...settings, label: 'Your answer', rows: 4, maxChars: wholeNumber(settings.document.maxChars, 0, MOST_CHARS, 0),
+  ...settings, label: t('Your answer'), rows: 4, maxChars: wholeNumber(settings.document.maxChars, 0, MOST_CHARS, 0),
 });
 
 const own = (table, type) => (Object.hasOwn(table, type) ? table[type] : undefined);

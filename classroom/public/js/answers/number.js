@@ -1,6 +1,6 @@
 import { button, el, freshId } from '../ui/dom.js';
 import { decimalsOf, readNumber } from '../model/number.js';
-import { countOf } from '../model/text.js';
+import { count, t } from '../words/words.js';
 
 const negated = (text) => (/^\s*[-\u2212]/.test(text) ? text.replace(/[-\u2212]/, '') : `-${text.trimStart()}`);
 
@@ -16,10 +16,10 @@ export function numberControl({ document, start, changed }) {
   const sign = button('±', () => {
     input.value = negated(input.value);
     changed();
-  }, { class: 'secondary square', 'aria-label': 'Change the sign' });
+  }, { class: 'secondary square', 'aria-label': t('Change the sign') });
   return {
-    element: el('div', { class: 'write' }, el('label', { for: id }, 'Your number'), el('div', { class: 'beside' }, input, sign)),
-    hint: decimals === 0 ? 'A whole number.' : `With up to ${countOf(decimals, 'decimal')}.`,
+    element: el('div', { class: 'write' }, el('label', { for: id }, t('Your number')), el('div', { class: 'beside' }, input, sign)),
+    hint: decimals === 0 ? t('A whole number.') : count(decimals, 'With up to %1 decimal.', 'With up to %1 decimals.'),
     draft: () => ({ text: input.value }),
     read: () => {
       const { text, problem } = readNumber(input.value, decimals);

@@ -2,6 +2,7 @@ import { button, el } from '../ui/dom.js';
 import { announce } from '../ui/announcer.js';
 import { richText } from '../ui/formula.js';
 import { nameOf } from '../model/options.js';
+import { t } from '../words/words.js';
 import { dragRows } from './drag-rows.js';
 
 // A button at its end of the list stays where it is, and keeps the focus: it only says that it does nothing now.
@@ -21,8 +22,8 @@ function orderRow(option, i, move) {
     el('span', { class: 'order-text' },
       option.symbol !== '' && el('span', { class: 'option-symbol' }, option.symbol),
       option.text !== '' && el('span', {}, ...richText(option.text, option.math))),
-    button('', () => move(row, -1), { class: 'move up', 'aria-label': `Move ${name} up` }),
-    button('', () => move(row, 1), { class: 'move down', 'aria-label': `Move ${name} down` }),
+    button('', () => move(row, -1), { class: 'move up', 'aria-label': t('Move %1 up', name) }),
+    button('', () => move(row, 1), { class: 'move down', 'aria-label': t('Move %1 down', name) }),
   );
   return row;
 }
@@ -33,7 +34,7 @@ export function orderControl({ options, start, changed }) {
   const settled = (row) => {
     markEnds(list);
     const place = [...list.children].indexOf(row) + 1;
-    announce(`${nameOf(options[row.dataset.option])} is now ${place} of ${options.length}.`);
+    announce(t('%1 is now %2 of %3.', nameOf(options[row.dataset.option]), place, options.length));
     changed();
   };
   const move = (row, by) => {
@@ -52,7 +53,7 @@ export function orderControl({ options, start, changed }) {
   const picked = () => [...list.children].map((row) => Number(row.dataset.option));
   return {
     element: list,
-    hint: 'From the first to the last: use the arrows, or drag.',
+    hint: t('From the first to the last: use the arrows, or drag.'),
     draft: () => ({ picked: picked() }),
     read: () => ({ answer: { picked: picked() } }),
     focus: () => list.querySelector('.down')?.focus(),

@@ -1,6 +1,6 @@
 import { el, freshId } from '../ui/dom.js';
 import { richText } from '../ui/formula.js';
-import { countOf } from '../model/text.js';
+import { count, t } from '../words/words.js';
 
 // Short words stand beside each other, symbols alone make a scale, everything else is a list.
 function layoutOf(options) {
@@ -34,12 +34,12 @@ export function pickControl({ options, several = false, limit = 0, start, change
   };
 }
 
-const severalHint = (limit) => (limit > 1 ? `Pick up to ${limit}.` : 'Pick one or more.');
+const severalHint = (limit) => (limit > 1 ? t('Pick up to %1.', limit) : t('Pick one or more.'));
 
 function readPicked(picked, limit) {
-  if (picked.length === 0) return { problem: 'Pick an option first.' };
+  if (picked.length === 0) return { problem: t('Pick an option first.') };
   if (limit > 1 && picked.length > limit) {
-    return { problem: `Pick up to ${limit}: you have picked ${countOf(picked.length, 'option')}.` };
+    return { problem: t('Pick up to %1: you have picked %2.', limit, count(picked.length, '%1 option', '%1 options')) };
   }
   return { answer: { picked } };
 }

@@ -1,13 +1,13 @@
 import { el, freshId } from '../ui/dom.js';
-import { countOf } from '../model/text.js';
+import { count, t } from '../words/words.js';
 
 const lengthOf = (text) => [...text].length;
 
 function readText(typed, maxChars) {
   const text = typed.trim();
-  if (text === '') return { problem: 'Write something first.' };
+  if (text === '') return { problem: t('Write something first.') };
   const over = lengthOf(text) - maxChars;
-  if (maxChars > 0 && over > 0) return { problem: `That is ${countOf(over, 'character')} too many.` };
+  if (maxChars > 0 && over > 0) return { problem: count(over, 'That is %1 character too many.', 'That is %1 characters too many.') };
   return { answer: { text } };
 }
 
@@ -19,13 +19,13 @@ export function writeControl({ label, rows = 1, maxChars = 0, start, changed }) 
     id, class: 'field', rows: rows > 1 ? rows : undefined, type: rows > 1 ? undefined : 'text', autocomplete: 'off',
     'aria-describedby': maxChars > 0 ? counter.id : undefined,
     oninput: () => {
-      count();
+      show();
       changed();
     },
   });
-  const count = () => { counter.textContent = `${lengthOf(input.value.trim())} of ${countOf(maxChars, 'character')}`; };
+  const show = () => { counter.textContent = count(maxChars, '%2 of %1 character', '%2 of %1 characters', lengthOf(input.value.trim())); };
   input.value = start?.text ?? '';
-  count();
+  show();
   return {
     element: el('div', { class: 'write' }, el('label', { for: id }, label), input, counter),
     hint: '',

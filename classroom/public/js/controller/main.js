@@ -8,6 +8,7 @@ import { joinForm } from '../ui/join-form.js';
 import { showNotices } from '../ui/notices.js';
 import { showScreen } from '../ui/screen.js';
 import { showWho } from '../ui/who.js';
+import { t } from '../words/words.js';
 import { ASKED_AT_ONCE } from './commands.js';
 import { ANSWER_MS } from './outcome.js';
 import { RemotePage } from './remote-page.js';
@@ -18,9 +19,9 @@ const NAME = 'Remote control';
 const ASK_AGAIN_MS = 30000;
 
 const ENDS = {
-  stopped: ['This session has ended', 'There is nothing left to control.'],
-  removed: ['This remote control has been sent away', 'The presenter has taken it out of the session.'],
-  elsewhere: ['The remote control is elsewhere', 'Another window has taken its place.'],
+  stopped: [t('This session has ended'), t('There is nothing left to control.')],
+  removed: [t('This remote control has been sent away'), t('The presenter has taken it out of the session.')],
+  elsewhere: [t('The remote control is elsewhere'), t('Another window has taken its place.')],
 };
 
 const place = new Place('controller');
@@ -30,8 +31,8 @@ function askToJoin({ focus = true } = {}) {
   showWho(null);
   const join = ({ code, userToken }) => control({ code, userName: NAME, userToken });
   showScreen(joinForm({
-    heading: NAME, text: 'The presenter shows the code of its session.', code: givenCode, asksName: false, join,
-  }), NAME, { focus });
+    heading: t(NAME), text: t('The presenter shows the code of its session.'), code: givenCode, asksName: false, join,
+  }), t(NAME), { focus });
 }
 
 function ended(reason) {
@@ -41,7 +42,7 @@ function ended(reason) {
   showWho(null);
   showNotices([]);
   showScreen(el('article', { class: 'sheet' }, title(heading), el('p', {}, text),
-    el('div', { class: 'actions' }, button('Join a session', () => askToJoin(), { class: 'primary' }))), NAME);
+    el('div', { class: 'actions' }, button(t('Join a session'), () => askToJoin(), { class: 'primary' }))), t(NAME));
 }
 
 async function control(wanted) {
@@ -68,7 +69,7 @@ async function control(wanted) {
       ASKED_AT_ONCE.forEach((type) => send({ type }));
     },
     lost: () => {
-      showNotices([{ text: 'The connection is lost. It is being made again …', kind: 'warning' }]);
+      showNotices([{ text: t('The connection is lost. It is being made again …'), kind: 'warning' }]);
       state.linked(false);
     },
     over: (reason) => {
@@ -99,7 +100,7 @@ async function control(wanted) {
     showNotices([]);
     askToJoin();
   });
-  showScreen(page.element, NAME);
+  showScreen(page.element, t(NAME));
 }
 
 async function begin() {

@@ -1,3 +1,5 @@
+import { t } from '../words/words.js';
+
 /** How long the presenter may take to answer before that is said. */
 export const ANSWER_MS = 5000;
 
@@ -20,13 +22,13 @@ export class Outcome {
     this.#command = command;
     this.#before = card;
     this.#told = '';
-    this.#tell(`${command.said}: waiting for the presenter …`);
+    this.#tell(t('%1: waiting for the presenter …', command.said));
     this.#timer = setTimeout(() => this.#late(), ANSWER_MS);
   }
 
   notSent({ said }) {
     this.end();
-    this.#tell(`${said}: not sent, there is no connection`);
+    this.#tell(t('%1: not sent, there is no connection', said));
   }
 
   /** The presenter has sent this; what it says of the same command again, a card further, is told as well. */
@@ -49,6 +51,6 @@ export class Outcome {
   #late() {
     this.#timer = undefined;
     if (this.#told) this.#command = null;
-    else this.#tell(`${this.#command.said}: no answer from the presenter yet`);
+    else this.#tell(t('%1: no answer from the presenter yet', this.#command.said));
   }
 }

@@ -1,15 +1,16 @@
 import { announce } from '../ui/announcer.js';
 import { confirmed } from '../ui/confirm.js';
 import { button, el, freshId, setText } from '../ui/dom.js';
+import { t } from '../words/words.js';
 import { ADD_IMAGE, GROUPS, STOP } from './commands.js';
 import { pictureFrom } from './image.js';
 import { Outcome } from './outcome.js';
 
 const PRESENCE = {
-  unknown: 'not known',
-  asked: 'asking …',
-  active: 'is there',
-  silent: 'does not answer',
+  unknown: t('not known'),
+  asked: t('asking …'),
+  active: t('is there'),
+  silent: t('does not answer'),
 };
 
 /** The page of the remote control: what the presenter is at, and a button for each command. */
@@ -37,11 +38,11 @@ export class RemotePage {
   }
 
   #status() {
-    return el('section', { class: 'sheet status', 'aria-label': 'Presenter' },
-      el('p', { class: 'kind' }, 'Lesson'), this.#lesson,
+    return el('section', { class: 'sheet status', 'aria-label': t('Presenter') },
+      el('p', { class: 'kind' }, t('Lesson')), this.#lesson,
       el('dl', {},
-        el('div', {}, el('dt', {}, 'Card'), this.#card),
-        el('div', {}, el('dt', {}, 'Presenter'), this.#presence)));
+        el('div', {}, el('dt', {}, t('Card')), this.#card),
+        el('div', {}, el('dt', {}, t('Presenter')), this.#presence)));
   }
 
   #group({ name, commands }) {
@@ -68,7 +69,7 @@ export class RemotePage {
 
   #rest() {
     const id = freshId('group');
-    return el('section', { class: 'group', 'aria-labelledby': id }, el('h2', { id }, 'Lesson'),
+    return el('section', { class: 'group', 'aria-labelledby': id }, el('h2', { id }, t('Lesson')),
       el('div', { class: 'commands' },
         this.#made(ADD_IMAGE, () => this.#picker.click(), 'command wide'), this.#picker,
         this.#made(STOP, () => this.#stop(), 'command wide danger')));
@@ -87,7 +88,7 @@ export class RemotePage {
 
   render() {
     const { lesson, card, presence } = this.#state;
-    this.#set(this.#lesson, lesson ? lesson.name || 'A lesson without a name' : 'No lesson yet');
+    this.#set(this.#lesson, lesson ? lesson.name || t('A lesson without a name') : t('No lesson yet'));
     for (const [command, made] of this.#buttons) made.setAttribute('aria-disabled', String(this.#state.obstacle(command) !== ''));
     this.#set(this.#card, cardInWords(card));
     this.#set(this.#presence, PRESENCE[presence]);
@@ -112,25 +113,25 @@ export class RemotePage {
   }
 
   async #stop() {
-    if (await confirmed('End the session for everyone?', STOP.label)) await this.#give(STOP);
+    if (await confirmed(t('End the session for everyone?'), STOP.label)) await this.#give(STOP);
   }
 
   async #addImage() {
     const [file] = this.#picker.files;
     this.#picker.value = '';
     if (!file) return;
-    this.#tell(`${ADD_IMAGE.said}: on its way …`);
+    this.#tell(t('%1: on its way …', ADD_IMAGE.said));
     try {
       await this.#give(ADD_IMAGE, await pictureFrom(file));
     } catch {
-      this.#tell('This file is no picture that can be read.');
+      this.#tell(t('This file is no picture that can be read.'));
     }
   }
 }
 
 function cardInWords(card) {
-  if (!card) return 'not told yet';
-  if (card.total === 0) return 'no cards';
+  if (!card) return t('not told yet');
+  if (card.total === 0) return t('no cards');
   const name = card.name && card.name !== String(card.current) ? `: ${card.name}` : '';
-  return `${card.current} of ${card.total}${name}`;
+  return t('%1 of %2', card.current, card.total) + name;
 }

@@ -1,4 +1,5 @@
 import { isObject, listOf, textOf, wholeNumber } from '../model/text.js';
+import { t } from '../words/words.js';
 
 const MOST_CARDS = 10000;
 
@@ -52,9 +53,9 @@ export class RemoteState {
 
   /** Why a command cannot work, or nothing. */
   obstacle({ asksPresence, needsCards }) {
-    if (!this.isLinked) return 'There is no connection';
-    if (this.presence === 'silent' && !asksPresence) return 'The presenter does not answer';
-    return needsCards && this.card?.total === 0 ? 'There are no cards' : '';
+    if (!this.isLinked) return t('There is no connection');
+    if (this.presence === 'silent' && !asksPresence) return t('The presenter does not answer');
+    return needsCards && this.card?.total === 0 ? t('There are no cards') : '';
   }
 
   // Whatever it says, it is there.

@@ -1,3 +1,5 @@
+import { t } from '../words/words.js';
+
 const ANSWER_MS = 10000;
 
 /** What the service refuses, by the key that it gives. */
@@ -9,15 +11,15 @@ export class Refused extends Error {
 }
 
 const MESSAGES = {
-  'session.error.full': 'This session is full.',
-  'session.error.notStarted': 'This session has not been started yet. Try again in a moment.',
-  'session.error.unknownCode': 'There is no session with this code. Look at the code once more.',
+  'session.error.full': t('This session is full.'),
+  'session.error.notStarted': t('This session has not been started yet. Try again in a moment.'),
+  'session.error.unknownCode': t('There is no session with this code. Look at the code once more.'),
 };
 
 /** A sentence for whoever could not join. */
 export function explain(error) {
-  if (error instanceof Refused) return MESSAGES[error.key] ?? `The classroom does not let you in (${error.key}).`;
-  return 'The classroom cannot be reached. Look whether this device is connected.';
+  if (error instanceof Refused) return MESSAGES[error.key] ?? t('The classroom does not let you in (%1).', error.key);
+  return t('The classroom cannot be reached. Look whether this device is connected.');
 }
 
 /** Joins a session; resolves with {userToken, sessionToken}. With a userToken: as the user that it belongs to. */

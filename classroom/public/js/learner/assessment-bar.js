@@ -1,6 +1,7 @@
 import { el, setText } from '../ui/dom.js';
 import { announce } from '../ui/announcer.js';
 import { textOf } from '../model/text.js';
+import { t } from '../words/words.js';
 
 const LAST_MINUTE = 60;
 
@@ -16,11 +17,11 @@ export class AssessmentBar {
   #assessment = null;
   #place = el('p', { class: 'bar-place' });
   #time = el('p', { class: 'bar-time' });
-  #progress = el('progress', { 'aria-label': 'Questions answered' });
+  #progress = el('progress', { 'aria-label': t('Questions answered') });
   #list = el('ol');
-  #navigation = el('nav', { 'aria-label': 'Questions' }, this.#list);
+  #navigation = el('nav', { 'aria-label': t('Questions') }, this.#list);
   #toldLastMinute = false;
-  element = el('section', { class: 'bar', 'aria-label': 'Assessment', hidden: true });
+  element = el('section', { class: 'bar', 'aria-label': t('Assessment'), hidden: true });
 
   constructor(lesson) {
     this.#lesson = lesson;
@@ -31,7 +32,7 @@ export class AssessmentBar {
     this.element.hidden = !assessment || assessment.over;
     if (this.element.hidden) return;
     if (assessment !== this.#assessment) this.#begin(assessment);
-    this.#place.textContent = `Question ${assessment.current} of ${assessment.count}`;
+    this.#place.textContent = t('Question %1 of %2', assessment.current, assessment.count);
     this.#progress.value = assessment.answered;
     this.#navigation.hidden = !this.#lesson.mayNavigate;
     [...this.#list.children].forEach((item, i) => this.#mark(item.firstChild, i + 1));
@@ -41,10 +42,10 @@ export class AssessmentBar {
   /** Shows the time that is left, once a second. */
   tick() {
     const { remaining } = this.#assessment ?? { remaining: null };
-    setText(this.#time, remaining === null ? '' : `Time left ${clock(Math.ceil(remaining / 1000))}`);
+    setText(this.#time, remaining === null ? '' : t('Time left %1', clock(Math.ceil(remaining / 1000))));
     if (remaining === null || remaining === 0 || remaining > LAST_MINUTE * 1000 || this.#toldLastMinute) return;
     this.#toldLastMinute = true;
-    announce('Less than a minute is left.');
+    announce(t('Less than a minute is left.'));
   }
 
   #begin(assessment) {
@@ -56,7 +57,7 @@ export class AssessmentBar {
     const about = textOf(assessment.options.description).trim();
     this.element.replaceChildren(
       el('p', { class: 'bar-title' }, assessment.title), this.#place, this.#time, this.#progress,
-      ...(about ? [el('details', { class: 'more' }, el('summary', {}, 'About this assessment'), el('p', {}, about))] : []),
+      ...(about ? [el('details', { class: 'more' }, el('summary', {}, t('About this assessment')), el('p', {}, about))] : []),
       this.#navigation);
   }
 
@@ -64,7 +65,7 @@ export class AssessmentBar {
     const isAnswered = Boolean(this.#assessment.at(number)?.answer);
     item.textContent = String(number);
     item.classList.toggle('answered', isAnswered);
-    item.setAttribute('aria-label', `Question ${number}${isAnswered ? ', answered' : ''}`);
+    item.setAttribute('aria-label', isAnswered ? t('Question %1, answered', number) : t('Question %1', number));
     if (number === this.#assessment.current) item.setAttribute('aria-current', 'step');
     else item.removeAttribute('aria-current');
   }

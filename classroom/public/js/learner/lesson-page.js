@@ -2,6 +2,7 @@ import { Dialog } from '../ui/dialog.js';
 import { el } from '../ui/dom.js';
 import { showNotices } from '../ui/notices.js';
 import { showScreen } from '../ui/screen.js';
+import { t } from '../words/words.js';
 import { AssessmentBar } from './assessment-bar.js';
 import { screenOf } from './screens.js';
 
@@ -55,9 +56,9 @@ export class LessonPage {
   #renderAbove() {
     const { paused, expectsPicture, notice } = this.#lesson;
     showNotices([
-      this.#isLost && { text: 'The connection is lost. It is being made again …', kind: 'warning' },
-      paused && { text: 'Your teacher has paused this.', kind: 'pause' },
-      expectsPicture && { text: 'A large picture is on its way.', kind: 'plain' },
+      this.#isLost && { text: t('The connection is lost. It is being made again …'), kind: 'warning' },
+      paused && { text: t('Your teacher has paused this.'), kind: 'pause' },
+      expectsPicture && { text: t('A large picture is on its way.'), kind: 'plain' },
     ]);
     const wasOpen = this.#dialog.isOpen;
     this.#dialog.show(notice);

@@ -6,12 +6,13 @@ import { button, el, title } from '../ui/dom.js';
 import { joinForm } from '../ui/join-form.js';
 import { showScreen } from '../ui/screen.js';
 import { showWho } from '../ui/who.js';
+import { t } from '../words/words.js';
 import { Attendance } from './attendance.js';
 
 const ENDS = {
-  stopped: ['This session has ended', 'Thank you for taking part.'],
-  removed: ['You have been taken out', 'Your teacher has taken this device out of the session.'],
-  elsewhere: ['You have gone on elsewhere', 'Another window has taken your place in this session.'],
+  stopped: [t('This session has ended'), t('Thank you for taking part.')],
+  removed: [t('You have been taken out'), t('Your teacher has taken this device out of the session.')],
+  elsewhere: [t('You have gone on elsewhere'), t('Another window has taken your place in this session.')],
 };
 
 const place = new Place('learner');
@@ -22,13 +23,13 @@ function askToJoin({ focus = true } = {}) {
   const { last } = place;
   const offered = last && (!givenCode || givenCode === last.code) ? last : null;
   showScreen(joinForm({
-    heading: 'Join your class',
-    text: 'Your teacher shows the code.',
+    heading: t('Join your class'),
+    text: t('Your teacher shows the code.'),
     code: givenCode || offered?.code,
     name: last?.userName,
     last: offered,
     join: attend,
-  }), 'Join', { focus });
+  }), t('Join'), { focus });
 }
 
 async function attend(wanted) {
@@ -50,8 +51,8 @@ function ended(reason, lastPlace) {
   showWho(null);
   showScreen(el('article', { class: 'sheet' }, el('div', { class: 'leaf', 'aria-hidden': 'true' }), title(heading), el('p', {}, text),
     el('div', { class: 'actions' },
-      reason === 'elsewhere' && button('Go on here', comeBack, { class: 'primary' }),
-      button('Join a session', () => askToJoin(), { class: 'secondary' }))), heading);
+      reason === 'elsewhere' && button(t('Go on here'), comeBack, { class: 'primary' }),
+      button(t('Join a session'), () => askToJoin(), { class: 'secondary' }))), heading);
 }
 
 async function begin() {

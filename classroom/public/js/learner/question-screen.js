@@ -6,9 +6,10 @@ import { announce } from '../ui/announcer.js';
 import { button, el, freshId, setText, title } from '../ui/dom.js';
 import { richText } from '../ui/formula.js';
 import { picture } from '../ui/picture.js';
+import { t } from '../words/words.js';
 import { Outcome } from './outcome.js';
 
-const NOT_SENT = 'Your answer has not gone out: there is no connection. Send it again in a moment.';
+const NOT_SENT = t('Your answer has not gone out: there is no connection. Send it again in a moment.');
 
 function headOf(activity) {
   const { document } = activity;
@@ -20,8 +21,8 @@ function headOf(activity) {
     asked !== '' && el('p', { class: 'kind' }, nameOfType(document)),
     heading,
     passage !== '' && el('p', { class: 'passage' }, ...richText(passage)),
-    ...cardPictures(document.card).map((one) => picture(one, 'Picture to this question')),
-    hint !== '' && el('details', { class: 'more' }, el('summary', {}, 'Hint'), el('p', {}, ...richText(hint))),
+    ...cardPictures(document.card).map((one) => picture(one, t('Picture to this question'))),
+    hint !== '' && el('details', { class: 'more' }, el('summary', {}, t('Hint')), el('p', {}, ...richText(hint))),
   ];
   return { heading, parts };
 }
@@ -34,7 +35,7 @@ export class QuestionScreen {
   #heading;
   #fieldset;
   #problem = el('p', { id: freshId('problem'), class: 'problem', role: 'alert', hidden: true });
-  #send = el('button', { type: 'submit', class: 'primary' }, 'Send answer');
+  #send = el('button', { type: 'submit', class: 'primary' }, t('Send answer'));
   #closing = el('p', { class: 'closing', role: 'timer', hidden: true });
   #closesAt;
   #goOn;
@@ -96,7 +97,7 @@ export class QuestionScreen {
     this.#setEnabled(mayAnswer);
     this.#send.hidden = isAnswered;
     this.#send.disabled = paused || !(mayAnswer || sending);
-    this.#send.textContent = sending ? 'Sending …' : 'Send answer';
+    this.#send.textContent = sending ? t('Sending …') : t('Send answer');
     if (failed) setText(this.#problem, NOT_SENT);
     this.#outcome.update(isAnswered);
     this.#updateGoOn(isAnswered);
@@ -108,10 +109,10 @@ export class QuestionScreen {
   /** Shows how long the question is open still, once a second; said aloud once. */
   tick() {
     const { closesIn } = this.#lesson;
-    setText(this.#closing, closesIn === null ? '' : closesIn > 0 ? `Closes in ${closesIn} s` : 'Closing …');
+    setText(this.#closing, closesIn === null ? '' : closesIn > 0 ? t('Closes in %1 s', closesIn) : t('Closing …'));
     if (closesIn === null || this.#closesAt === this.#activity.closesAt) return;
     this.#closesAt = this.#activity.closesAt;
-    announce(`This question closes in ${closesIn} seconds.`);
+    announce(t('This question closes in %1 seconds.', closesIn));
   }
 
   #updateGoOn(isAnswered) {
@@ -119,8 +120,8 @@ export class QuestionScreen {
     this.#goOn.hidden = !mayGoOn;
     this.#goOn.className = isAnswered ? 'primary' : 'secondary';
     const last = assessment?.current === assessment?.count;
-    const next = last ? 'Finish' : 'Next question';
-    this.#goOn.textContent = isAnswered || mayNavigate ? next : 'Skip';
+    const next = last ? t('Finish') : t('Next question');
+    this.#goOn.textContent = isAnswered || mayNavigate ? next : t('Skip');
   }
 
   // What is disabled loses the focus: it waits at the heading, and goes back where it was.

@@ -1,3 +1,4 @@
+import { t } from '../words/words.js';
 import { Activity } from './activity.js';
 import { Stopwatch } from './stopwatch.js';
 import { isObject, textOf, wholeNumber } from './text.js';
@@ -26,7 +27,7 @@ export class Assessment {
   }
 
   get title() {
-    return textOf(this.options.title) || 'Assessment';
+    return textOf(this.options.title) || t('Assessment');
   }
 
   get maySkip() {

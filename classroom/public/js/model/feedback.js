@@ -1,5 +1,6 @@
 // What a presenter has to say about an answer, when it sends a question back with it.
 
+import { t } from '../words/words.js';
 import { nameOf, optionsOf } from './options.js';
 import { isObject, listOf, textOf } from './text.js';
 
@@ -31,6 +32,6 @@ export function feedbackOf(activity) {
     lines.push(textOf(right ? feedBack.correctFeedback : feedBack.inCorrectFeedback));
   }
   const correct = feedBack.showCorrectAnswer === true ? correctInWords(activity) : '';
-  if (correct) lines.push(`The correct answer: ${correct}`);
+  if (correct) lines.push(t('The correct answer: %1', correct));
   return lines.filter((line) => line !== '');
 }

@@ -1,5 +1,6 @@
 // How the schemes label the options of a question: a symbol, words, or both.
 
+import { t } from '../words/words.js';
 import { textOf } from './text.js';
 
 const letter = (first) => (i) => (i < 26 ? String.fromCharCode(first.charCodeAt(0) + i) : `${i + 1}`);
@@ -10,31 +11,31 @@ const SYMBOLS = {
 };
 
 const WORDS = {
-  'true-false': ['True', 'False', 'Don’t know'],
-  'yes-no': ['Yes', 'No', 'Don’t know'],
-  'yes-no-maybe': ['Yes', 'No', 'Maybe'],
-  'yes-no-unsure': ['Yes', 'No', 'Unsure'],
-  'yes-no-other': ['Yes', 'No', 'Other'],
+  'true-false': [t('True'), t('False'), t('Don’t know')],
+  'yes-no': [t('Yes'), t('No'), t('Don’t know')],
+  'yes-no-maybe': [t('Yes'), t('No'), t('Maybe')],
+  'yes-no-unsure': [t('Yes'), t('No'), t('Unsure')],
+  'yes-no-other': [t('Yes'), t('No'), t('Other')],
 };
 
 // From the lowest to the highest, by how many there are.
 const SCALES = {
   agreement: {
-    2: ['Disagree', 'Agree'],
-    3: ['Disagree', 'Neither', 'Agree'],
-    4: ['Strongly disagree', 'Disagree', 'Agree', 'Strongly agree'],
-    5: ['Strongly disagree', 'Disagree', 'Neither', 'Agree', 'Strongly agree'],
+    2: [t('Disagree'), t('Agree')],
+    3: [t('Disagree'), t('Neither'), t('Agree')],
+    4: [t('Strongly disagree'), t('Disagree'), t('Agree'), t('Strongly agree')],
+    5: [t('Strongly disagree'), t('Disagree'), t('Neither'), t('Agree'), t('Strongly agree')],
   },
   confidence: {
-    2: ['Not confident', 'Confident'],
-    3: ['Not confident', 'Somewhat confident', 'Very confident'],
-    4: ['Not confident', 'Slightly confident', 'Confident', 'Very confident'],
-    5: ['Not confident', 'Slightly confident', 'Fairly confident', 'Confident', 'Very confident'],
+    2: [t('Not confident'), t('Confident')],
+    3: [t('Not confident'), t('Somewhat confident'), t('Very confident')],
+    4: [t('Not confident'), t('Slightly confident'), t('Confident'), t('Very confident')],
+    5: [t('Not confident'), t('Slightly confident'), t('Fairly confident'), t('Confident'), t('Very confident')],
   },
 };
 
 // The words that presenters send for the fixed options.
-const SENT = { TRUE: 'True', FALSE: 'False', YES: 'Yes', NO: 'No' };
+const SENT = { TRUE: t('True'), FALSE: t('False'), YES: t('Yes'), NO: t('No') };
 
 const FIXED_TYPES = ['true-false', 'yes-no-other'];
 

@@ -10,5 +10,3 @@ export function wholeNumber(value, lowest, highest, otherwise = lowest) {
   const number = Math.trunc(Number(value));
   return Number.isFinite(number) ? Math.min(Math.max(number, lowest), highest) : otherwise;
 }
-
-export const countOf = (number, word) => `${number} ${word}${number === 1 ? '' : 's'}`;

@@ -1,3 +1,4 @@
+import { t } from '../words/words.js';
 import { button, el, freshId } from './dom.js';
 
 /** Asks before something that cannot be undone; resolves with the answer. */
@@ -12,7 +13,7 @@ export function confirmed(question, yes) {
     dialog.append(
       el('p', { id }, question),
       el('div', { class: 'actions' },
-        button('Cancel', answer(false), { class: 'secondary', autofocus: true }),
+        button(t('Cancel'), answer(false), { class: 'secondary', autofocus: true }),
         button(yes, answer(true), { class: 'danger' })),
     );
     dialog.addEventListener('cancel', () => resolve(false));

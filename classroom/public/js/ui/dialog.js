@@ -1,3 +1,4 @@
+import { t } from '../words/words.js';
 import { button, el } from './dom.js';
 
 /**
@@ -25,8 +26,8 @@ export class Dialog {
       return;
     }
     const text = el('p', { id: 'dialog-text', tabindex: '-1', autofocus: true }, notice.text);
-    this.#element.replaceChildren(text, notice.dismissible ? button('OK', () => this.#dismissed(), { class: 'primary' })
-      : el('p', { class: 'hint' }, 'Your teacher will go on from here.'));
+    this.#element.replaceChildren(text, notice.dismissible ? button(t('OK'), () => this.#dismissed(), { class: 'primary' })
+      : el('p', { class: 'hint' }, t('Your teacher will go on from here.')));
     if (!this.#element.isConnected) document.body.append(this.#element);
     if (!this.#element.open) this.#element.showModal();
     text.focus();

@@ -1,4 +1,5 @@
 import { explain } from '../device/service.js';
+import { t } from '../words/words.js';
 import { button, el, grouped, setText, title } from './dom.js';
 
 const digitsOf = (text) => text.replace(/\D/g, '');
@@ -20,13 +21,13 @@ function fieldOf({ id, label, check, ...attributes }) {
 }
 
 const codeField = (code) => fieldOf({
-  id: 'code', label: 'Session code', type: 'text', inputmode: 'numeric', autocomplete: 'off', value: code,
-  check: (value) => (digitsOf(value).length === 6 ? '' : 'The code has six digits.'),
+  id: 'code', label: t('Session code'), type: 'text', inputmode: 'numeric', autocomplete: 'off', value: code,
+  check: (value) => (digitsOf(value).length === 6 ? '' : t('The code has six digits.')),
 });
 
 const nameField = (name) => fieldOf({
-  id: 'name', label: 'Your name', type: 'text', autocomplete: 'nickname', maxlength: 60, value: name,
-  check: (value) => (value.trim() === '' ? 'Your teacher needs a name to call you by.' : ''),
+  id: 'name', label: t('Your name'), type: 'text', autocomplete: 'nickname', maxlength: 60, value: name,
+  check: (value) => (value.trim() === '' ? t('Your teacher needs a name to call you by.') : ''),
 });
 
 /**
@@ -36,8 +37,8 @@ const nameField = (name) => fieldOf({
 export function joinForm({ heading, text, code = '', name = '', asksName = true, last, join }) {
   const fields = [codeField(code), ...(asksName ? [nameField(name)] : [])];
   const problem = el('p', { class: 'problem', role: 'alert', hidden: true });
-  const submit = el('button', { type: 'submit', class: 'primary' }, 'Join');
-  const again = last && button(`Go on as ${last.userName} in ${grouped(last.code)}`, () => attempt(last), { class: 'secondary' });
+  const submit = el('button', { type: 'submit', class: 'primary' }, t('Join'));
+  const again = last && button(t('Go on as %1 in %2', last.userName, grouped(last.code)), () => attempt(last), { class: 'secondary' });
   const attempt = async (place) => {
     for (const one of [submit, again]) one?.setAttribute('aria-disabled', 'true');
     setText(problem, '');

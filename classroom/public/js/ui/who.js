@@ -1,3 +1,4 @@
+import { t } from '../words/words.js';
 import { button, el, grouped } from './dom.js';
 
 const place = document.getElementById('who');
@@ -10,5 +11,5 @@ export function showWho(who, leave) {
   }
   place.replaceChildren(
     el('p', {}, el('span', { class: 'who-name' }, who.userName), el('span', { class: 'who-code' }, grouped(who.code))),
-    button('Leave', leave, { class: 'quiet' }));
+    button(t('Leave'), leave, { class: 'quiet' }));
 }
