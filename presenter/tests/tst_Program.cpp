@@ -251,6 +251,7 @@ private Q_SLOTS:
         TRY(presenter.output().count("The live channel is open again.") == 2);
         TRY_END_OF_INPUT();
         QVERIFY(!presenter.output().contains("The connection is lost."));
+        QVERIFY(presenter.output().contains("the learners' devices say that the session has ended"));
     }
 
     void aKilledLessonIsTakenUp()
