@@ -70,6 +70,7 @@ void LessonPrivate::onLoggedIn(int ticketOfLogin, const LessonError& error, cons
         return;
     }
     user.clear();
+    wantsLive = false;
     if (!finishSession() || !setState(Lesson::LoggedOut))
         return;
     if (!registration.isEmpty())
@@ -341,7 +342,8 @@ bool LessonPrivate::finishSession()
     if (!self)
         return false;
     journal.flush();
-    journal.close();
+    if (!wantsLive) // else a slot has begun the next session's
+        journal.close();
     const bool wasLocked = std::exchange(content.isLocked, false);
     if (tell([this, wasLocked] { wasLocked ? q->lockedChanged() : void(); },
              [this] { content.roster->flush(); }, [this] { onRemoteGone({}); }))

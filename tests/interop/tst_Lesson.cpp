@@ -10,6 +10,7 @@
 #include <QElapsedTimer>
 #include <QMetaMethod>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 
 #include <functional>
 #include <memory>
@@ -104,6 +105,23 @@ private Q_SLOTS:
         QCOMPARE(m_error.kind, LessonError::NoError);
         QCOMPARE(m_lesson->roster()->presentCount(), 0);
         QCOMPARE(poll->answered(), 5);
+    }
+
+    void aSlotStartsTheNextSession()
+    {
+        const QTemporaryDir folder;
+        const QString journal = folder.filePath("journal");
+        m_lesson->setJournal(journal);
+        goLive();
+        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
+        const Learners learners(m_classroom->url(), m_lesson->joinCode(), 1);
+        QVERIFY(waitFor([&] { return m_lesson->roster()->presentCount() == 1; }));
+        const QString before = m_lesson->joinCode();
+        connect(m_lesson->roster(), &Roster::left, this, [&] { m_lesson->start(); });
+        m_lesson->end();
+        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
+        QVERIFY(m_lesson->joinCode() != before);
+        QCOMPARE(Lesson::journalOf(journal).value("code").toString(), m_lesson->joinCode());
     }
 
     // The service has been started anew, and knows nobody.

@@ -72,11 +72,14 @@ private Q_SLOTS:
         connect(&lesson, &Lesson::failed, this, [&](const LessonError& one) { error = one; });
         logIn(lesson);
         QCOMPARE(lesson.state(), Lesson::LoggingIn);
+        if (kind != LessonError::NoError)
+            lesson.start();
         QVERIFY(waitFor([&] { return lesson.state() != Lesson::LoggingIn; }));
         QCOMPARE(int(error.kind), kind);
         QCOMPARE(lesson.state(), kind == LessonError::NoError ? Lesson::LoggedIn : Lesson::LoggedOut);
         QCOMPARE(error.text.isEmpty(), kind == LessonError::NoError);
         QVERIFY(!error.text.contains(error.key) || error.key.isEmpty());
+        QVERIFY(!lesson.ask(Question::usual(PollType::TEXT))); // there is no lesson to come
         service.expect(Logins::LOGOUT, Answer::json(FINE));
         lesson.logOut();
         QVERIFY(waitFor([&] { return lesson.state() == Lesson::LoggedOut; }));
