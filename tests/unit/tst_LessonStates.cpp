@@ -29,8 +29,7 @@ class tst_LessonStates : public QObject
 private Q_SLOTS:
     void failedLogins_data()
     {
-        QTest::addColumn<Script>("script");
-        QTest::addColumn<int>("kind");
+        columns<Script, int>();
         const auto row = [](const char* name, LessonError::Kind kind, const Script& script) {
             QTest::newRow(name) << script << int(kind);
         };
@@ -63,8 +62,7 @@ private Q_SLOTS:
 
     void failedLogins()
     {
-        QFETCH(Script, script);
-        QFETCH(int, kind);
+        const auto [script, kind] = row<Script, int>();
         FakeService service;
         script(service);
         Lesson lesson(QUrl(service.url()));
@@ -123,7 +121,7 @@ private Q_SLOTS:
 
     void whatCannotBeIsRefused_data()
     {
-        QTest::addColumn<Work>("work");
+        columns<Work>();
         const auto row = [](const char* name, const Work& work) { QTest::newRow(name) << work; };
         row("start", [](Lesson& lesson) { lesson.start(); });
         row("take up", [](Lesson& lesson) { lesson.takeUp(QString()); });
@@ -140,7 +138,7 @@ private Q_SLOTS:
 
     void whatCannotBeIsRefused()
     {
-        QFETCH(Work, work);
+        const auto [work] = row<Work>();
         Lesson lesson(QUrl(QStringLiteral("http://127.0.0.1:1")));
         QList<LessonError::Kind> kinds;
         connect(&lesson, &Lesson::failed, this, [&](const LessonError& error) { kinds.append(error.kind); });
@@ -244,7 +242,7 @@ private Q_SLOTS:
 
     void waitsAreCancelled_data()
     {
-        QTest::addColumn<Script>("script");
+        columns<Script>();
         const auto row = [](const char* name, const Script& script) { QTest::newRow(name) << script; };
         row("probe", [](FakeService& service) { service.expect(PROBE, Answer::never()); });
         row("login", [](FakeService& service) {
@@ -255,7 +253,7 @@ private Q_SLOTS:
 
     void waitsAreCancelled()
     {
-        QFETCH(Script, script);
+        const auto [script] = row<Script>();
         FakeService service;
         script(service);
         Lesson lesson(QUrl(service.url()));
@@ -284,8 +282,7 @@ private Q_SLOTS:
 
     void openingsEnd_data()
     {
-        QTest::addColumn<QString>("transport");
-        QTest::addColumn<bool>("isDeleted");
+        columns<QString, bool>();
         for (const char* transport : {"websocket", "xhr-streaming", "xhr-polling"}) {
             for (const bool isDeleted : {false, true})
                 QTest::addRow("%s, %s", transport, isDeleted ? "deleted" : "cancelled")
@@ -296,8 +293,7 @@ private Q_SLOTS:
     // A proxy that does not answer keeps the connection from being made.
     void openingsEnd()
     {
-        QFETCH(QString, transport);
-        QFETCH(bool, isDeleted);
+        const auto [transport, isDeleted] = row<QString, bool>();
         QTcpServer proxy;
         QVERIFY(proxy.listen(QHostAddress::LocalHost));
         qputenv("no_proxy", "127.0.0.1");

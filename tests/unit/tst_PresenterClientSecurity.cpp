@@ -114,8 +114,7 @@ private Q_SLOTS:
 
     void knownRootIsNotCalledMissing_data()
     {
-        QTest::addColumn<QString>("certificate");
-        QTest::addColumn<bool>("isConfigured");
+        columns<QString, bool>();
 
         for (const char* certificate : {"elsewhere", "expired"}) {
             QTest::addRow("%s, known to Qt's configuration", certificate) << certificate << true;
@@ -125,8 +124,7 @@ private Q_SLOTS:
 
     void knownRootIsNotCalledMissing()
     {
-        QFETCH(QString, certificate);
-        QFETCH(bool, isConfigured);
+        const auto [certificate, isConfigured] = row<QString, bool>();
 
         std::unique_ptr<TestCertificates::TrustedRoot> trusted;
         if (isConfigured)

@@ -107,8 +107,7 @@ private Q_SLOTS:
 
     void destructionIsNotRepeated_data()
     {
-        QTest::addColumn<Hosts>("before");
-        QTest::addColumn<Hosts>("meanwhile");
+        columns<Hosts, Hosts>();
         const Hosts nothing = [](PresenterClient*) {};
         const Hosts later = [](PresenterClient* client) { client->deleteLater(); };
         QTest::newRow("deleteLater() before") << later << nothing;
@@ -121,8 +120,7 @@ private Q_SLOTS:
     // While the destructor waits for the end of the session, the host's slots run.
     void destructionIsNotRepeated()
     {
-        QFETCH(Hosts, before);
-        QFETCH(Hosts, meanwhile);
+        const auto [before, meanwhile] = row<Hosts, Hosts>();
 
         FakeService service;
         const QPointer<QObject> owner = new QObject;

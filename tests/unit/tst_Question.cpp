@@ -1,3 +1,4 @@
+#include "support/Rows.h"
 #include <CalyxClient/Question>
 
 #include <QTest>
@@ -47,8 +48,7 @@ private Q_SLOTS:
 
     void faults_data()
     {
-        QTest::addColumn<Question>("question");
-        QTest::addColumn<bool>("isFaulty");
+        columns<Question, bool>();
         for (int type = PollType::TRUE_FALSE; type <= PollType::MATH_FORMULA; ++type)
             QTest::addRow("usual %d", type) << Question::usual(PollType::POLL_TYPE(type)) << false;
         const auto row = [](const char* name, Question question, const QStringList& right, bool isFaulty) {
@@ -72,17 +72,13 @@ private Q_SLOTS:
 
     void faults()
     {
-        QFETCH(Question, question);
-        QFETCH(bool, isFaulty);
+        const auto [question, isFaulty] = row<Question, bool>();
         QCOMPARE(!question.fault().isEmpty(), isFaulty);
     }
 
     void equalAnswersHaveEqualForms_data()
     {
-        QTest::addColumn<Question>("question");
-        QTest::addColumn<QString>("one");
-        QTest::addColumn<QString>("other");
-        QTest::addColumn<bool>("areEqual");
+        columns<Question, QString, QString, bool>();
         const auto row = [](PollType::POLL_TYPE type, const char* one, const char* other, bool areEqual) {
             QTest::addRow("%d %s %s", type, one, other)
                 << Question::usual(type) << QString::fromUtf8(one) << QString::fromUtf8(other) << areEqual;
@@ -103,10 +99,7 @@ private Q_SLOTS:
 
     void equalAnswersHaveEqualForms()
     {
-        QFETCH(Question, question);
-        QFETCH(QString, one);
-        QFETCH(QString, other);
-        QFETCH(bool, areEqual);
+        auto [question, one, other, areEqual] = row<Question, QString, QString, bool>();
         QCOMPARE(question.formOf(one) == question.formOf(other), areEqual);
         question.right = QStringList{one};
         QCOMPARE(question.isRight(other), areEqual);

@@ -1,16 +1,27 @@
 #pragma once
 
+#include "support/ChildProcess.h"
+
 #include <QByteArray>
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QFileInfo>
 #include <QMap>
+#include <QNetworkProxy>
+#include <QStandardPaths>
 #include <QString>
 #include <QStringList>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
+#include <QTest>
+#include <QThread>
 #include <QUrl>
 
+#include <csignal>
+#include <cstdio>
 #include <functional>
 #include <memory>
-
-class QProcess;
 
 /// A program on loopback that the tests talk to. It ends when this object does, and also when the test
 /// program dies; if the test has failed by then, the end of its output is shown.
@@ -31,48 +42,209 @@ public:
         bool saysPort = false;
     };
 
-    Peer();
-    explicit Peer(const Program& program);
-    ~Peer();
+    Peer() = default;
+    explicit Peer(const Program& program) : m_program(program) {}
+    ~Peer()
+    {
+        end();
+        if (QTest::currentTestFailed())
+            std::fprintf(stderr, "---- %s said ----\n%s----\n", qPrintable(m_program.name),
+                         log().right(shownOnFailure).constData());
+    }
     Q_DISABLE_COPY(Peer)
 
     /// What to run. Before start().
     void setProgram(const Program& program) { m_program = program; }
-    /// Starts the program and waits until it is ready. After end() or kill() it gets the same port again.
+    /// Starts the program and waits until it is ready. After its end it gets the same port again.
     /// Returns what went wrong, for the test's message; empty when nothing did.
-    QByteArray start();
+    QByteArray start()
+    {
+        m_error.clear();
+        if (!m_folder.isValid())
+            fail(m_folder.errorString());
+        if (!m_error.isEmpty() || !findProgram())
+            return m_error.toUtf8();
+        const bool keepsPort = m_port != 0;
+        // Another program may have taken the port that was free a moment ago.
+        for (int attempt = 0; attempt < attempts; ++attempt) {
+            if (!keepsPort && !m_program.saysPort)
+                m_port = freePort();
+            if (launch() && waitUntilReady())
+                return QByteArray();
+        }
+        fail(QStringLiteral("does not get ready: ") + QString::fromUtf8(log().right(shownOnFailure)));
+        return m_error.toUtf8();
+    }
     /// Asks the program to end, and waits for that.
-    void end();
+    void end()
+    {
+        if (!m_process || m_process->state() == QProcess::NotRunning)
+            return;
+        m_process->terminate();
+        if (!m_process->waitForFinished(endLimit))
+            kill();
+    }
     /// Ends the program without asking.
-    void kill();
+    void kill()
+    {
+        if (!m_process)
+            return;
+        m_process->kill();
+        m_process->waitForFinished(endLimit);
+    }
     ///@{
     /// Freezes the program, and lets it go on.
-    void stop();
-    void goOn();
+    void stop() { ::kill(static_cast<pid_t>(m_process->processId()), SIGSTOP); }
+    void goOn() { ::kill(static_cast<pid_t>(m_process->processId()), SIGCONT); }
     ///@}
 
     quint16 port() const { return m_port; }
-    QUrl url(const QString& scheme = QStringLiteral("http")) const;
+    QUrl url(const QString& scheme = QStringLiteral("http")) const
+    {
+        return QUrl(QStringLiteral("%1://127.0.0.1:%2").arg(scheme).arg(m_port));
+    }
 
     /// All output so far.
-    QByteArray log() const;
+    QByteArray log() const
+    {
+        QFile file(m_folder.filePath(QStringLiteral("log")));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
     /// The lines of the output that begin with \p prefix, in order.
-    QStringList lines(const QString& prefix) const;
+    QStringList lines(const QString& prefix) const
+    {
+        QStringList found = QString::fromUtf8(log()).split(QLatin1Char('\n'));
+        found.removeLast(); // not ended yet
+        QStringList fitting;
+        for (const QString& line : qAsConst(found)) {
+            if (line.startsWith(prefix))
+                fitting.append(line);
+        }
+        return fitting;
+    }
     int count(const QString& prefix) const { return lines(prefix).size(); }
     /// Waits until as many lines begin with \p prefix. Runs the event loop meanwhile.
-    bool waitFor(const QString& prefix, int count = 1) const;
+    bool waitFor(const QString& prefix, int least = 1) const
+    {
+        return QTest::qWaitFor([&] { return count(prefix) >= least; }, lineLimit);
+    }
     /// Waits for \p condition without the event loop, as a host does that is busy.
-    static bool blockUntil(const std::function<bool()>& condition);
+    static bool blockUntil(const std::function<bool()>& condition)
+    {
+        const QDeadlineTimer limit(lineLimit);
+        while (!condition() && !limit.hasExpired())
+            QThread::msleep(10);
+        return condition();
+    }
 
 private:
-    bool findProgram();
-    bool launch();
-    bool waitUntilReady();
-    bool isReady();
-    bool accepts() const;
-    QString fill(QString text) const;
-    bool writeConfig();
-    bool fail(const QString& reason);
+    static constexpr int startLimit = 20000; // milliseconds, as all below
+    static constexpr int endLimit = 5000;
+    static constexpr int lineLimit = 30000;
+    static constexpr int attempts = 5;
+    static constexpr int shownOnFailure = 6000; // bytes
+
+    static quint16 freePort()
+    {
+        QTcpServer probe;
+        probe.listen(QHostAddress::LocalHost);
+        return probe.serverPort();
+    }
+
+    static QProcessEnvironment environmentWithoutProxy()
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const char* name : {"http_proxy", "https_proxy", "all_proxy", "no_proxy"}) {
+            environment.remove(QLatin1String(name));
+            environment.remove(QString::fromLatin1(name).toUpper());
+        }
+        return environment;
+    }
+
+    bool findProgram()
+    {
+        m_executable = QStandardPaths::findExecutable(m_program.name);
+        // Servers are not on everybody's path.
+        if (m_executable.isEmpty())
+            m_executable = QStandardPaths::findExecutable(
+                m_program.name, {QStringLiteral("/usr/sbin"), QStringLiteral("/usr/local/sbin")});
+        if (m_executable.isEmpty())
+            return fail(QStringLiteral("not found: install the Debian package ") + m_program.package);
+        return true;
+    }
+    bool launch()
+    {
+        if (!writeConfig())
+            return false;
+        QStringList arguments;
+        for (const QString& argument : qAsConst(m_program.arguments))
+            arguments.append(fill(argument));
+        m_begin = QFileInfo(m_folder.filePath(QStringLiteral("log"))).size();
+        m_process = std::make_unique<ChildProcess>();
+        m_process->setProcessEnvironment(environmentWithoutProxy());
+        m_process->setProcessChannelMode(QProcess::MergedChannels);
+        m_process->setStandardOutputFile(m_folder.filePath(QStringLiteral("log")), QIODevice::Append);
+        m_process->setWorkingDirectory(m_folder.path());
+        m_process->start(m_executable, arguments);
+        return m_process->waitForStarted() || fail(m_process->errorString());
+    }
+    bool waitUntilReady()
+    {
+        const QDeadlineTimer limit(startLimit);
+        bool ready = false;
+        while (!ready && !limit.hasExpired()) {
+            ready = isReady();
+            if (!ready && m_process->waitForFinished(10))
+                return false;
+        }
+        if (!ready)
+            kill();
+        return ready;
+    }
+    bool isReady()
+    {
+        if (!m_program.saysPort)
+            return accepts();
+        const QStringList said =
+            QString::fromUtf8(log().mid(static_cast<int>(m_begin))).split(QLatin1Char('\n'));
+        for (const QString& line : said.mid(0, said.size() - 1)) {
+            if (line.startsWith(QLatin1String("listening ")))
+                m_port = static_cast<quint16>(QUrl(line.mid(10)).port());
+        }
+        return m_port != 0 && accepts();
+    }
+    bool accepts() const
+    {
+        QTcpSocket probe;
+        probe.setProxy(QNetworkProxy::NoProxy);
+        probe.connectToHost(QHostAddress(QHostAddress::LocalHost), m_port);
+        return probe.waitForConnected();
+    }
+    QString fill(QString text) const
+    {
+        for (auto value = m_program.values.cbegin(); value != m_program.values.cend(); ++value)
+            text.replace(QLatin1Char('@') + value.key() + QLatin1Char('@'), value.value());
+        text.replace(QLatin1String("@CONFIG@"), m_folder.filePath(QStringLiteral("config")));
+        text.replace(QLatin1String("@FOLDER@"), m_folder.path());
+        text.replace(QLatin1String("@PORT@"), QString::number(m_port));
+        return text;
+    }
+    bool writeConfig()
+    {
+        if (m_program.config.isEmpty())
+            return true;
+        QFile source(QStringLiteral(INTEROP_SOURCE_DIR "/config/") + m_program.config);
+        QFile target(m_folder.filePath(QStringLiteral("config")));
+        if (!source.open(QIODevice::ReadOnly) || !target.open(QIODevice::WriteOnly))
+            return fail(source.errorString() + QStringLiteral(", ") + target.errorString());
+        target.write(fill(QString::fromUtf8(source.readAll())).toUtf8());
+        return true;
+    }
+    bool fail(const QString& reason)
+    {
+        m_error = m_program.name + QStringLiteral(": ") + reason;
+        return false;
+    }
 
     Program m_program;
     QString m_executable;
