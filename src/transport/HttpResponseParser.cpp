@@ -6,23 +6,26 @@ namespace {
 
 const char headBegin[] = "HTTP/";
 
-// Proxies write names in lower case; everyone else, and the code that looks them up, in this one.
-QString usualSpelling(const QByteArray& name)
-{
-    QByteArray spelled = name.trimmed().toLower();
-    bool first = true;
-    for (char& c : spelled) {
-        if (first && c >= 'a' && c <= 'z')
-            c = static_cast<char>(c - 'a' + 'A');
-        first = c == '-';
-    }
-    return QString::fromUtf8(spelled);
-}
-
-// QString::fromUtf8(QByteArray) would stop at a NUL.
+// QString::fromUtf8(QByteArray) would stop at a NUL with Qt 5.
 QString decoded(const QByteArray& bytes)
 {
     return QString::fromUtf8(bytes.constData(), bytes.size());
+}
+
+// Proxies write names in lower case; everyone else, and the code that looks them up, in this one.
+QString usualSpelling(const QByteArray& name)
+{
+    QByteArray spelled = name.trimmed();
+    bool first = true;
+    for (char& c : spelled) {
+        // By hand: toLower() changes other bytes than ASCII's with Qt 5.
+        if (first && c >= 'a' && c <= 'z')
+            c = static_cast<char>(c - 'a' + 'A');
+        else if (!first && c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+        first = c == '-';
+    }
+    return decoded(spelled);
 }
 
 void insertHeader(QMap<QString, QString>* headers, const QByteArray& line)

@@ -468,7 +468,8 @@ int SockJSXHRPollingWorker::parseHttpHeaderResponse(QByteArray data, int* status
             break;
         const auto colon = line.indexOf(':');
         if (colon > 0)
-            headers->insert(QString::fromUtf8(line.left(colon)), QString::fromUtf8(line.mid(colon + 1)));
+            headers->insert(QString::fromUtf8(line.constData(), int(colon)),
+                            QString::fromUtf8(line.constData() + colon + 1, int(line.size() - colon - 1)));
     }
     return position;
 }

@@ -150,6 +150,9 @@ private Q_SLOTS:
             {chunkedHeader, "last o"});
         row("sockjs-go: with a length", head("Content-Length: 2\r\n") + "o\n",
             {header("Content-Length: 2"), "last o"});
+        row("names with a NUL and other letters",
+            head(QByteArray("A\0B-\xc6\x9b: c\r\ncontent-length: 2\r\n", 30)) + "o\n",
+            {QStringLiteral("header A%1b-\u019b: c Content-Length: 2").arg(QChar()), "last o"});
         row("names in lower case", head("content-length: 2\r\nset-cookie: a=1\r\n") + "o\n",
             {header("Content-Length: 2 Set-Cookie: a=1"), "last o"});
         row("names in upper case", head("CONTENT-LENGTH: 2\r\n") + "o\n",
