@@ -1,4 +1,3 @@
-#include "commands/CommandHelp.h"
 #include "commands/CommandTable.h"
 
 #include <QSet>

@@ -1,4 +1,4 @@
-#include "commands/Completer.h"
+#include "commands/CommandTable.h"
 
 #include <QDir>
 #include <QFile>

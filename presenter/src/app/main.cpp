@@ -6,7 +6,6 @@
 #include "commands/ArgumentReader.h"
 #include "commands/CommandContext.h"
 #include "commands/CommandTable.h"
-#include "commands/Completer.h"
 #include "commands/Waiter.h"
 #include "lesson/Notebook.h"
 #include "terminal/PlainLines.h"

@@ -1,5 +1,3 @@
-#include "commands/CommandHelp.h"
-
 #include "commands/CommandTable.h"
 #include "text/Text.h"
 #include "text/Words.h"

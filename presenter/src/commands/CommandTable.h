@@ -1,6 +1,7 @@
 #pragma once
 
 #include "commands/Command.h"
+#include "terminal/LineSource.h"
 
 #include <QStringList>
 #include <QVector>
@@ -55,3 +56,22 @@ QVector<Command> flow();
 QVector<Command> general();
 
 } // namespace CommandTable
+
+/// What "help" prints, in lines of at most \p columns.
+namespace CommandHelp {
+
+/// The topics with their commands.
+QStringList overview(int columns);
+/// A topic's commands, or all about a command and those whose names begin with its; empty when there is
+/// neither.
+QStringList about(const QString& name, int columns);
+
+} // namespace CommandHelp
+
+/// What may be typed next.
+namespace Completer {
+
+/// \p line is what stands before the cursor; file names are relative to \p folder.
+Completion complete(const QString& line, const QStringList& learners, const QString& folder);
+
+} // namespace Completer

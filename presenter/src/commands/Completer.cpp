@@ -1,5 +1,3 @@
-#include "commands/Completer.h"
-
 #include "commands/CommandTable.h"
 #include "lesson/PollKinds.h"
 #include "text/LineSyntax.h"

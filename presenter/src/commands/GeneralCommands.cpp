@@ -1,6 +1,5 @@
 #include "commands/ArgumentReader.h"
 #include "commands/CommandContext.h"
-#include "commands/CommandHelp.h"
 #include "commands/CommandTable.h"
 #include "terminal/Screen.h"
 #include "text/Suggestions.h"

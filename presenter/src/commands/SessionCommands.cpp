@@ -2,7 +2,6 @@
 #include "commands/CommandContext.h"
 #include "commands/CommandTable.h"
 #include "commands/Ending.h"
-#include "commands/JoinAddress.h"
 #include "commands/Waiter.h"
 #include "lesson/Notebook.h"
 #include "terminal/Screen.h"
@@ -15,12 +14,60 @@
 #include <CalyxClient/SockJSConnector>
 
 #include <QDir>
+#include <QHostAddress>
+#include <QNetworkInterface>
+#include <QProcess>
 
 #include <memory>
 
 using Calyx::Lesson;
 
 namespace {
+
+bool isLoopback(const QString& host)
+{
+    return host == QLatin1String("localhost") || QHostAddress(host).isLoopback();
+}
+
+// The address that other machines of the network know this one by; empty when there is none.
+QString ownAddress()
+{
+    const QList<QHostAddress> addresses = QNetworkInterface::allAddresses();
+    for (const QHostAddress& address : addresses) {
+        if (address.protocol() == QAbstractSocket::IPv4Protocol && !address.isLoopback() &&
+            !address.isLinkLocal())
+            return address.toString();
+    }
+    return QString();
+}
+
+// What learners who are not at this machine need when they are to join at this address; empty when they need
+// nothing.
+QString hintFor(const QUrl& address)
+{
+    if (!isLoopback(address.host()))
+        return QString();
+    const QString own = ownAddress();
+    if (own.isEmpty())
+        return Words::tr("Only this machine can reach that address, and it is in no network.");
+    return Words::tr("Only this machine can reach that address. For phones, start the service with "
+                     "--host %1.")
+        .arg(own);
+}
+
+// As text; empty where the program "qrencode" is not installed.
+QStringList qrCode(const QString& text, const Style& style)
+{
+    constexpr int patience = 2000; // ms
+    QProcess program;
+    // With colours of its own where there are any, so that it is dark on light whatever the terminal's are.
+    program.start(QStringLiteral("qrencode"),
+                  {QStringLiteral("--type"), QLatin1String(style.colour ? "ANSIUTF8" : "UTF8"),
+                   QStringLiteral("--margin"), QStringLiteral("2"), text});
+    if (!program.waitForFinished(patience) || program.exitCode() != 0)
+        return {};
+    return QString::fromUtf8(program.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
 
 const char logInAgain[] = QT_TRANSLATE_NOOP("Words", "Use \"login\" again.");
 
@@ -39,10 +86,10 @@ void tellHowToJoin(CommandContext& context)
 {
     const Style& style = context.screen.style();
     const QUrl address = context.lesson.joinAddress();
-    const QString hint = JoinAddress::hint(address);
+    const QString hint = hintFor(address);
     QStringList picture;
     if (context.screen.isLive() && style.unicode && hint.isEmpty())
-        picture = JoinAddress::qrCode(context.lesson.joinLink().toString(QUrl::FullyEncoded), style);
+        picture = qrCode(context.lesson.joinLink().toString(QUrl::FullyEncoded), style);
     if (!picture.isEmpty())
         context.screen.print(picture);
     context.screen.print(Words::tr("Session %1 is live. Join at %2 with %1.")
