@@ -93,8 +93,8 @@ private:
         }
         m_list->setCurrentRow(m_deck->current() - 1);
         setTitle(count == 0 ? tr("Cards") : tr("Cards (%1 of %2)").arg(m_deck->current()).arg(count));
-        allow(m_show, {m_lesson->joinCode().isEmpty() ? tr("Start the lesson first.") : QString(),
-                       count == 0 ? tr("Add a picture first.") : QString()});
+        allow(m_show, {{m_lesson->joinCode().isEmpty(), tr("Start the lesson first.")},
+                       {count == 0, tr("Add a picture first.")}});
     }
 
     Calyx::Lesson* m_lesson;

@@ -7,12 +7,13 @@
 // Qt tells screen readers the text of a button, or the label of a field, as its name. Lists, tables and combo
 // boxes need an accessible name of their own.
 
-/// Disables \p control when there is a reason, and says the first of them where it else says what it does.
-inline void allow(QWidget* control, QStringList whyNot)
+/// Disables \p control when one of \p reasons is there, and says the first where it else says what it does.
+inline void allow(QWidget* control, const QList<QPair<bool, QString>>& reasons = {})
 {
-    whyNot.removeAll(QString());
-    control->setEnabled(whyNot.isEmpty());
-    control->setToolTip(whyNot.value(0, control->whatsThis()));
+    const auto reason = std::find_if(reasons.begin(), reasons.end(), [](auto& one) { return one.first; });
+    const bool isAllowed = reason == reasons.end();
+    control->setEnabled(isAllowed);
+    control->setToolTip(isAllowed ? control->whatsThis() : reason->second);
     control->setAccessibleDescription(control->toolTip());
 }
 
@@ -22,7 +23,7 @@ Control* made(const QString& tip, const QString& name = QString(), Control* cont
 {
     control->setWhatsThis(tip);
     control->setAccessibleName(name);
-    allow(control, {});
+    allow(control);
     return control;
 }
 

@@ -132,8 +132,8 @@ private:
         }
         m_pages->widget(0)->setFocusProxy(missing ? missing : m_password);
         allow(m_logIn,
-              {m_lesson.isBusy() ? tr("The service is being asked.") : QString(),
-               missing ? tr("Fill in the service, your user name and your password first.") : QString()});
+              {{m_lesson.isBusy(), tr("The service is being asked.")},
+               {missing != nullptr, tr("Fill in the service, your user name and your password first.")}});
     }
     void refresh()
     {
@@ -141,11 +141,11 @@ private:
         const QString code = m_lesson.joinCode();
         const bool isOpen = !code.isEmpty();
         const bool isEmpty = m_lesson.polls().isEmpty() && m_lesson.assessments().isEmpty();
-        allow(m_start, {isOpen ? tr("The lesson is open.") : QString(),
-                        m_lesson.isBusy() ? tr("The service is being asked.") : QString()});
-        allow(m_end, {isOpen ? QString() : tr("No lesson is open.")});
+        allow(m_start,
+              {{isOpen, tr("The lesson is open.")}, {m_lesson.isBusy(), tr("The service is being asked.")}});
+        allow(m_end, {{!isOpen, tr("No lesson is open.")}});
         for (QPushButton* button : {m_summary, m_save})
-            allow(button, {isEmpty ? tr("Nothing has been asked yet.") : QString()});
+            allow(button, {{isEmpty, tr("Nothing has been asked yet.")}});
         m_code->setText(code.left(3) + QLatin1Char(' ') + code.mid(3));
         m_address->setText(
             isOpen ? tr("Learners join at %1 with this code.").arg(m_lesson.joinAddress().toDisplayString())

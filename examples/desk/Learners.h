@@ -29,8 +29,8 @@ private:
         const int count = m_lesson->roster()->presentCount();
         setTitle(count == 0 ? tr("Learners") : tr("Learners (%1)").arg(count));
         m_lock->setChecked(m_lesson->isLocked());
-        allow(m_lock, {m_lesson->joinCode().isEmpty() ? tr("Start the lesson first.") : QString()});
-        allow(m_remove, {m_list->currentIndex().isValid() ? QString() : tr("Choose a learner first.")});
+        allow(m_lock, {{m_lesson->joinCode().isEmpty(), tr("Start the lesson first.")}});
+        allow(m_remove, {{!m_list->currentIndex().isValid(), tr("Choose a learner first.")}});
     }
 
     Calyx::Lesson* m_lesson;

@@ -139,22 +139,19 @@ private:
                                ? tr("Fill in a question on the page \u201cPoll\u201d, then add it here.")
                                : tr("Questions: %1").arg(planned));
 
-        const QString closed = m_lesson->joinCode().isEmpty() ? tr("Start the lesson first.") : QString();
-        const QString isOn = isAsked ? tr("A poll is running: stop it first.") : QString();
-        const QString isOff = isAsked ? QString() : tr("No poll is running.");
-        const QString isEmpty = planned == 0 ? tr("Add a question first.") : QString();
         const bool isFixed = m_count->minimum() == m_count->maximum();
-        allow(m_count, {isFixed ? tr("This kind of poll has no number of options to choose.") : QString(),
-                        m_options->text().isEmpty() ? QString() : tr("There are as many as texts.")});
-        allow(m_options, {m_count->maximum() == 0 ? tr("This kind of poll has no options.") : QString()});
-        allow(m_ask, {closed, isOn});
+        const QPair<bool, QString> isClosed(m_lesson->joinCode().isEmpty(), tr("Start the lesson first."));
+        const QPair<bool, QString> isEmpty(planned == 0, tr("Add a question first."));
+        allow(m_count, {{isFixed, tr("This kind of poll has no number of options to choose.")},
+                        {!m_options->text().isEmpty(), tr("There are as many as texts.")}});
+        allow(m_options, {{m_count->maximum() == 0, tr("This kind of poll has no options.")}});
+        allow(m_ask, {isClosed, {isAsked, tr("A poll is running: stop it first.")}});
         for (QPushButton* steering : {m_pause, m_stop, m_soon})
-            allow(steering, {isOff});
-        allow(m_show, {closed, poll ? QString() : tr("Nothing has been asked yet.")});
+            allow(steering, {{!isAsked, tr("No poll is running.")}});
+        allow(m_show, {isClosed, {!poll, tr("Nothing has been asked yet.")}});
         allow(m_clear, {isEmpty});
-        allow(m_begin,
-              {closed, isEmpty, isAssessed ? tr("An assessment is running: stop it first.") : QString()});
-        allow(m_finish, {isAssessed ? QString() : tr("No assessment is running.")});
+        allow(m_begin, {isClosed, isEmpty, {isAssessed, tr("An assessment is running: stop it first.")}});
+        allow(m_finish, {{!isAssessed, tr("No assessment is running.")}});
         tellAnswers();
     }
     // [answers]
