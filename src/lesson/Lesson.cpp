@@ -289,6 +289,12 @@ QList<Poll*> Lesson::polls() const
     return d->content.polls;
 }
 
+// QML knows lists of objects, not those of a class.
+QList<QObject*> Lesson::pollObjects() const
+{
+    return QList<QObject*>(d->content.polls.cbegin(), d->content.polls.cend());
+}
+
 void Lesson::clearPolls()
 {
     d->content.removeStoppedPolls();

@@ -56,6 +56,7 @@ class CALYXCLIENT_EXPORT Lesson : public QObject
     Q_PROPERTY(Calyx::Roster* roster READ roster CONSTANT)
     Q_PROPERTY(Calyx::Deck* deck READ deck CONSTANT)
     Q_PROPERTY(Calyx::Poll* poll READ poll NOTIFY pollChanged)
+    Q_PROPERTY(QList<QObject*> polls READ pollObjects NOTIFY pollChanged)
     Q_PROPERTY(Calyx::Assessment* assessment READ assessment NOTIFY assessmentChanged)
     Q_PROPERTY(bool locked READ isLocked WRITE setLocked NOTIFY lockedChanged)
     Q_PROPERTY(bool remotePresent READ isRemotePresent NOTIFY remotePresentChanged)
@@ -213,7 +214,8 @@ public:
     Q_INVOKABLE void stop(int seconds = 0);
     /// The poll put last, running or not; null before the first.
     Poll* poll() const;
-    /// All polls of the session, in their order.
+    /// All polls of the session, in their order. As a property, for QML, a list of objects that are each a
+    /// Poll: polls.length, polls[0].title, the model of a view.
     QList<Poll*> polls() const;
     /// Deletes the polls that are over.
     Q_INVOKABLE void clearPolls();
@@ -339,6 +341,8 @@ Q_SIGNALS:
     void messageReceived(const QString& type, const QString& from, const QVariant& data);
 
 private:
+    QList<QObject*> pollObjects() const;
+
     friend struct LessonPrivate;
     std::unique_ptr<LessonPrivate> d;
 };

@@ -43,6 +43,11 @@ TestCase {
         }
     }
     Instantiator {
+        id: asked
+        model: lesson.polls
+        QtObject { readonly property string title: modelData.title }
+    }
+    Instantiator {
         id: cards
         property var first
         onObjectAdded: (index, card) => first = card
@@ -72,6 +77,9 @@ TestCase {
         lesson.end()
         tryCompare(lesson, "state", Lesson.LoggedIn)
         compare(lesson.report().polls.length, 2)
+        compare(lesson.polls.map((poll) => poll.number), [1, 2])
+        lesson.clearPolls()
+        compare([lesson.polls.length, asked.count], [0, 0])
     }
 
     function test_aPollIsCountedInItsModel() {
@@ -93,6 +101,7 @@ TestCase {
         verify(poll.paused)
         lesson.stop()
         verify(!poll.running)
+        compare(asked.objectAt(lesson.polls.indexOf(poll)).title, poll.title)
         tell("idle", "ok")
         compare(lesson.ask({kind: "scale", labels: "no such labels", optionCount: -1}), null)
         compare(test.errors[test.errors.length - 1].kind, LessonError.BadInput)
