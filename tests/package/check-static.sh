@@ -16,3 +16,6 @@ rm -r "$build" "$work/cmake build"
 cmake_host "$here/cmake" -DCMAKE_PREFIX_PATH="$prefix"
 PKG_CONFIG_PATH=$(folder_of "$prefix" "$LIBRARY.pc") make_host
 qmake_host pri PRI="$(folder_of "$prefix" "$LIBRARY.pri")/$LIBRARY.pri"
+
+cannot_configure "The QML module needs the shared library" "$1" -DCALYXCLIENT_QT="$QT" -DBUILD_SHARED_LIBS=OFF \
+    -DCALYXCLIENT_BUILD_QML=ON -DCALYXCLIENT_BUILD_PRESENTER=OFF
