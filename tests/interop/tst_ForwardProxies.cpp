@@ -4,8 +4,6 @@
 #include "interop/support/Peers.h"
 #include "support/LogRecorder.h"
 
-#include <CalyxClient/QSystemConfigurationProxyFactory>
-
 #include <QElapsedTimer>
 
 namespace {

@@ -9,7 +9,6 @@
 
 #include <QElapsedTimer>
 #include <QMetaMethod>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 
 #include <functional>

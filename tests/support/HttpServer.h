@@ -40,14 +40,6 @@ struct HttpScript
     static Step close() { return {Step::Close, QByteArray(), 0}; }
     /// Ends the connection with a TCP reset.
     static Step reset() { return {Step::Reset, QByteArray(), 0}; }
-    /// Sends \p bytes in single bytes, each in a segment of its own.
-    static Script bytewise(const QByteArray& bytes)
-    {
-        Script script;
-        for (const char byte : bytes)
-            script << send(QByteArray(1, byte)) << pause(0);
-        return script;
-    }
 };
 
 template<typename Value>

@@ -7,7 +7,6 @@
 #include <CalyxClient/MessageTemplates>
 #include <CalyxClient/QuestionText>
 
-#include <QJsonDocument>
 #include <QObject>
 #include <QTest>
 

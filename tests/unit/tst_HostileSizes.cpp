@@ -6,7 +6,6 @@
 #include "support/LzmaBlocks.h"
 
 #include <CalyxClient/CollaborationMessageHandler>
-#include <CalyxClient/Lzma>
 #include <CalyxClient/gUncompress>
 
 #include <QtTest>

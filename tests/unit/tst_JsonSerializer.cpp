@@ -4,7 +4,6 @@
 #include <CalyxClient/JsonSerializer>
 
 #include <QJsonDocument>
-#include <QMetaProperty>
 #include <QTest>
 
 #include <limits>

@@ -2,8 +2,6 @@
 #include "support/Rows.h"
 
 #include <CalyxClient/ActivityOption>
-#include <CalyxClient/QuestionBaseWithOptions>
-#include <CalyxClient/QuestionMetadata>
 #include <CalyxClient/QuestionMultiChoice>
 #include <CalyxClient/QuestionNumeric>
 #include <CalyxClient/QuestionYesNo>

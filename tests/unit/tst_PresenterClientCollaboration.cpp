@@ -5,13 +5,11 @@
 #include "support/LogRecorder.h"
 #include "support/Rows.h"
 
-#include <CalyxClient/Lzma>
 #include <CalyxClient/SockJSConnector>
 
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTest>
-#include <QTimer>
 
 using Answer = FakeService::Answer;
 

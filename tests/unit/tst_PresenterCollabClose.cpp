@@ -1,4 +1,3 @@
-#include "collab/CollaborationMessageHandler.h"
 #include "support/Rows.h"
 #include "support/SessionTest.h"
 #include "transport/SockJSConnector.h"

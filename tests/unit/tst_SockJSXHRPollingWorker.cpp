@@ -1,5 +1,4 @@
 #include "support/LogRecorder.h"
-#include "support/ProcessResources.h"
 #include "support/Rows.h"
 #include "support/TestCertificates.h"
 #include "support/TypeNamed.h"

@@ -32,7 +32,7 @@ public:
         connect(connector(), &SockJSConnector::connected, this, [this] { ++m_connected; });
         connect(connector(), &SockJSConnector::sockJSMessage, this, &Host::take);
         connect(m_collab, &PresenterCollab::connectionClosed, this,
-                [this](bool forInactivity) { ++(forInactivity ? m_closedForInactivity : m_closed); });
+                [this](bool forInactivity) { m_closed += forInactivity ? 0 : 1; });
     }
     ~Host() override
     {
@@ -120,7 +120,6 @@ public:
     int connected() const { return m_connected; }
     /// How often `connectionClosed(false)` has come.
     int closed() const { return m_closed; }
-    int closedForInactivity() const { return m_closedForInactivity; }
     /// The messages that have come, but for numbered texts.
     QStringList messages() const { return m_messages; }
     NumberedText::Sequence& numbers() { return m_numbers; }
@@ -141,7 +140,6 @@ private:
     bool m_isOwner;
     int m_connected = 0;
     int m_closed = 0;
-    int m_closedForInactivity = 0;
     QStringList m_messages;
     NumberedText::Sequence m_numbers;
 };

@@ -92,11 +92,6 @@ public:
         m_process->kill();
         m_process->waitForFinished(endLimit);
     }
-    ///@{
-    /// Freezes the program, and lets it go on.
-    void stop() { ::kill(static_cast<pid_t>(m_process->processId()), SIGSTOP); }
-    void goOn() { ::kill(static_cast<pid_t>(m_process->processId()), SIGCONT); }
-    ///@}
 
     quint16 port() const { return m_port; }
     QUrl url(const QString& scheme = QStringLiteral("http")) const
