@@ -3,7 +3,7 @@
 #include "support/Rows.h"
 #include "support/ScriptedHttpServer.h"
 #include "support/TestCertificates.h"
-#include "support/TransportSession.h"
+#include "support/TransportTest.h"
 
 #include <CalyxClient/PresenterClient>
 #include <CalyxClient/SockJSConnector>

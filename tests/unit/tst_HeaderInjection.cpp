@@ -2,7 +2,7 @@
 #include "support/LogRecorder.h"
 #include "support/Rows.h"
 #include "support/ScriptedHttpServer.h"
-#include "support/TransportSession.h"
+#include "support/TransportTest.h"
 
 #include <CalyxClient/PresenterClient>
 #include <CalyxClient/SockJSConnector>

@@ -4,7 +4,6 @@
 #include "support/LogRecorder.h"
 #include "support/Logins.h"
 #include "support/Rows.h"
-#include "support/Sessions.h"
 
 #include <CalyxClient/PresenterClient>
 

@@ -4,7 +4,6 @@
 #include "support/ClientTest.h"
 #include "support/Logins.h"
 #include "support/Rows.h"
-#include "support/Sessions.h"
 
 #include <CalyxClient/Learner>
 #include <CalyxClient/PresenterClient>

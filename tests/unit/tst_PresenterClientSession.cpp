@@ -4,7 +4,7 @@
 #include "support/Lesson.h"
 #include "support/LogRecorder.h"
 #include "support/Rows.h"
-#include "support/Sessions.h"
+#include "support/Logins.h"
 #include "support/TimerClock.h"
 
 #include <CalyxClient/Learner>
