@@ -3,7 +3,7 @@
 
 set(CALYXCLIENT_LANGUAGES de fr)
 get_target_property(qmake Qt${CALYXCLIENT_QT}::qmake IMPORTED_LOCATION)
-get_filename_component(bin "${qmake}" DIRECTORY)
+execute_process(COMMAND "${qmake}" -query QT_HOST_BINS OUTPUT_VARIABLE bin OUTPUT_STRIP_TRAILING_WHITESPACE)
 find_program(CALYXCLIENT_LRELEASE lrelease HINTS "${bin}")
 find_program(CALYXCLIENT_LUPDATE lupdate HINTS "${bin}")
 mark_as_advanced(CALYXCLIENT_LRELEASE CALYXCLIENT_LUPDATE)
