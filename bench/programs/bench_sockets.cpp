@@ -25,6 +25,7 @@
 
 #include <ctime>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -201,7 +202,7 @@ void generatorInMemory(benchmark::State& state)
     for (auto _ : state) {
         count = 0;
         const double begun = cpuTime();
-        for (const QString& frame : qAsConst(frames))
+        for (const QString& frame : std::as_const(frames))
             (collab->connector()->*Slots::text())(frame);
         state.SetIterationTime(cpuTime() - begun);
         if (count != Generator::batch)

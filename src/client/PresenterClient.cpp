@@ -20,6 +20,7 @@
 #include <QSslConfiguration>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -310,7 +311,7 @@ void PresenterClient::slotSslErrors(QNetworkReply* reply, QList<QSslError> error
 {
     const QSslConfiguration configuration = reply->sslConfiguration();
     qCDebug(diagnostics) << "+++ SSL Config +++";
-    for (const QSslError& error : qAsConst(errors))
+    for (const QSslError& error : std::as_const(errors))
         qCDebug(diagnostics) << "ssl error " << error.errorString();
 
     qCDebug(diagnostics) << "peer certificate list";

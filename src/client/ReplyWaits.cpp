@@ -6,6 +6,7 @@
 #include <QPointer>
 
 #include <algorithm>
+#include <utility>
 
 void ReplyWaits::run(QObject* owner, const QNetworkReply* reply, Kind kind)
 {
@@ -24,7 +25,7 @@ void ReplyWaits::run(QObject* owner, const QNetworkReply* reply, Kind kind)
 void ReplyWaits::end(const QNetworkReply* reply)
 {
     bool isInside = false;
-    for (const Wait& wait : qAsConst(m_waits)) {
+    for (const Wait& wait : std::as_const(m_waits)) {
         if (wait.reply == reply || (isInside && wait.kind == Yielding))
             wait.loop->quit();
         isInside = isInside || wait.reply == reply;

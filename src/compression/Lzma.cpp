@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -99,7 +100,7 @@ bool Lzma::decompress(QList<QVariant> bytes, QString* out)
 try {
     QByteArray block;
     block.reserve(bytes.size());
-    for (const QVariant& byte : qAsConst(bytes))
+    for (const QVariant& byte : std::as_const(bytes))
         block.append(static_cast<char>(byte.toLongLong()));
     return decompress(bytesOf(block), size_t(block.size()), out);
 } catch (const std::bad_alloc&) {

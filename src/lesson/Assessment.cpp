@@ -10,6 +10,8 @@
 #include <QPointer>
 #include <QUuid>
 
+#include <utility>
+
 namespace Calyx {
 
 namespace {
@@ -233,7 +235,7 @@ int Assessment::questionCount() const
 int Assessment::markedCount() const
 {
     int marked = 0;
-    for (const Question& question : qAsConst(d->plan.questions))
+    for (const Question& question : std::as_const(d->plan.questions))
         marked += question.isMarked() ? 1 : 0;
     return marked;
 }
@@ -266,7 +268,7 @@ qint64 Assessment::elapsed() const
 QStringList Assessment::participants() const
 {
     QStringList devices;
-    for (const Sheet& sheet : qAsConst(d->sheets))
+    for (const Sheet& sheet : std::as_const(d->sheets))
         devices.append(sheet.deviceId);
     return devices;
 }
@@ -302,7 +304,7 @@ bool Assessment::isFinished(const QString& deviceId) const
 int Assessment::answeredBy(int number) const
 {
     int count = 0;
-    for (const Sheet& sheet : qAsConst(d->sheets))
+    for (const Sheet& sheet : std::as_const(d->sheets))
         count += sheet.answers.contains(number) ? 1 : 0;
     return count;
 }
@@ -310,7 +312,7 @@ int Assessment::answeredBy(int number) const
 int Assessment::rightBy(int number) const
 {
     int count = 0;
-    for (const Sheet& sheet : qAsConst(d->sheets))
+    for (const Sheet& sheet : std::as_const(d->sheets))
         count += sheet.answers.value(number).mark == PollAnswer::Right ? 1 : 0;
     return count;
 }
@@ -328,7 +330,7 @@ int Assessment::expected() const
 QStringList Assessment::unfinished() const
 {
     QStringList devices;
-    for (const Sheet& sheet : qAsConst(d->sheets)) {
+    for (const Sheet& sheet : std::as_const(d->sheets)) {
         if (d->roster && d->roster->isPresent(sheet.deviceId) && sheet.answers.size() < questionCount())
             devices.append(sheet.deviceId);
     }
@@ -344,7 +346,7 @@ QString Assessment::toCsv() const
                    QStringLiteral("%1 right").arg(number)};
     }
     QString csv = LessonText::csvLine(titles);
-    for (const Sheet& sheet : qAsConst(d->sheets)) {
+    for (const Sheet& sheet : std::as_const(d->sheets)) {
         QStringList line{sheet.name, sheet.deviceId,
                          markedCount() > 0 ? QString::number(sheet.right) : QString()};
         for (int number = 1; number <= questionCount(); ++number) {
@@ -361,10 +363,10 @@ QString Assessment::toCsv() const
 QJsonObject Assessment::toJson() const
 {
     QJsonArray questions;
-    for (const Question& question : qAsConst(d->plan.questions))
+    for (const Question& question : std::as_const(d->plan.questions))
         questions.append(QJsonObject::fromVariantMap(question.toMap()));
     QJsonArray learners;
-    for (const Sheet& sheet : qAsConst(d->sheets)) {
+    for (const Sheet& sheet : std::as_const(d->sheets)) {
         QJsonArray answers;
         for (int number = 1; number <= questionCount(); ++number) {
             const PollAnswer answer = sheet.answers.value(number);

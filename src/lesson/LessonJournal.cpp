@@ -4,6 +4,8 @@
 #include <QJsonArray>
 #include <QPointer>
 
+#include <utility>
+
 namespace Calyx {
 
 namespace {
@@ -325,7 +327,7 @@ void LessonJournal::replayState(const QJsonObject& event)
     const auto lasted = qint64(event.value("lasted").toDouble());
     if (Poll* const one = m_content->pollsById.value(id))
         one->restoreState(isRunning, isPaused, lasted, time(event, "stopsAt"));
-    for (Assessment* one : qAsConst(m_content->assessments)) {
+    for (Assessment* one : std::as_const(m_content->assessments)) {
         if (one->token() == id)
             one->restoreState(isRunning, isPaused, lasted);
     }
@@ -339,7 +341,7 @@ void LessonJournal::replayAnswer(const QJsonObject& event)
     const int seconds = event.value("time").toInt();
     if (Poll* const one = m_content->pollsById.value(id))
         one->add(device, answer, seconds, time(event));
-    for (Assessment* one : qAsConst(m_content->assessments)) {
+    for (Assessment* one : std::as_const(m_content->assessments)) {
         if (const int number = one->numberOf(id))
             one->add(device, number, answer, seconds, time(event));
     }

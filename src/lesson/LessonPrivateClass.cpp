@@ -2,6 +2,8 @@
 
 #include "collab/PresenterCollab.h"
 
+#include <utility>
+
 namespace Calyx {
 
 void LessonPrivate::send(const std::function<void(PresenterCollab*)>& work)
@@ -175,7 +177,7 @@ void LessonPrivate::onAnswer(const QString& deviceId, const QString& id, int tim
         }
         return;
     }
-    for (Assessment* one : qAsConst(content.assessments)) {
+    for (Assessment* one : std::as_const(content.assessments)) {
         const int number = one->numberOf(id);
         const QPointer<Assessment> guard(one);
         if (number > 0 && one->add(deviceId, number, answer, time)) {

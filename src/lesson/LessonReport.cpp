@@ -7,6 +7,8 @@
 #include <QJsonDocument>
 #include <QSaveFile>
 
+#include <utility>
+
 namespace Calyx {
 
 namespace {
@@ -33,10 +35,10 @@ QStringList csvRow(const QString& where, const QString& question, const PollAnsw
 QJsonObject Lesson::report() const
 {
     QJsonArray polls;
-    for (const Poll* poll : qAsConst(d->content.polls))
+    for (const Poll* poll : std::as_const(d->content.polls))
         polls.append(poll->toJson());
     QJsonArray assessments;
-    for (const Assessment* assessment : qAsConst(d->content.assessments))
+    for (const Assessment* assessment : std::as_const(d->content.assessments))
         assessments.append(assessment->toJson());
     return {{QStringLiteral("lesson"), d->content.lessonName},
             {QStringLiteral("teacher"), d->user},
@@ -53,13 +55,13 @@ QString Lesson::toCsv() const
         {QStringLiteral("Part"), QStringLiteral("Question"), QStringLiteral("Learner"),
          QStringLiteral("Device"), QStringLiteral("Answer"), QStringLiteral("Right"),
          QStringLiteral("Milliseconds"), QStringLiteral("Received"), QStringLiteral("Late")});
-    for (const Poll* poll : qAsConst(d->content.polls)) {
+    for (const Poll* poll : std::as_const(d->content.polls)) {
         const QVector<PollAnswer> answers = poll->answers();
         for (const PollAnswer& answer : answers)
             csv += LessonText::csvLine(
                 csvRow(QStringLiteral("Poll %1").arg(poll->number()), poll->title(), answer));
     }
-    for (const Assessment* assessment : qAsConst(d->content.assessments)) {
+    for (const Assessment* assessment : std::as_const(d->content.assessments)) {
         const QStringList devices = assessment->participants();
         for (const QString& deviceId : devices) {
             for (int number = 1; number <= assessment->questionCount(); ++number) {

@@ -423,7 +423,7 @@ void LessonWorker::reportOpened(int ticket, bool isReturn)
             [=](LessonListener* listener) { listener->onNotOpened(ticket, error(LessonError::NoChannel)); });
         return;
     }
-    for (const ServiceClient::User& user : qAsConst(users)) {
+    for (const ServiceClient::User& user : std::as_const(users)) {
         if (user.mode == QLatin1String("learner"))
             opening.learners.append(user.device);
     }
@@ -685,7 +685,7 @@ bool LessonWorker::isRemote(const QString& from)
     QList<ServiceClient::User> users;
     if (m_client)
         m_client->askUsers(m_sessionToken, &users);
-    for (const ServiceClient::User& user : qAsConst(users)) {
+    for (const ServiceClient::User& user : std::as_const(users)) {
         if (user.mode == QLatin1String("controller"))
             m_remotes.insert(user.device.deviceId);
     }

@@ -10,6 +10,7 @@
 #include <QUuid>
 
 #include <algorithm>
+#include <utility>
 
 namespace Calyx {
 
@@ -268,7 +269,7 @@ QString Poll::toCsv() const
         LessonText::csvLine({QStringLiteral("Question"), QStringLiteral("Learner"), QStringLiteral("Device"),
                              QStringLiteral("Answer"), QStringLiteral("Right"),
                              QStringLiteral("Milliseconds"), QStringLiteral("Late")});
-    for (const PollAnswer& answer : qAsConst(d->answers)) {
+    for (const PollAnswer& answer : std::as_const(d->answers)) {
         const QString right = answer.mark == PollAnswer::Unmarked ? QString()
                               : answer.mark == PollAnswer::Right  ? QStringLiteral("yes")
                                                                   : QStringLiteral("no");
@@ -282,7 +283,7 @@ QString Poll::toCsv() const
 QJsonObject Poll::toJson() const
 {
     QJsonArray answers;
-    for (const PollAnswer& answer : qAsConst(d->answers))
+    for (const PollAnswer& answer : std::as_const(d->answers))
         answers.append(Calyx::toJson(answer));
     QJsonArray counts;
     const QVector<PollResults::Row> rows = d->results->rows();

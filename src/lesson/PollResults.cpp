@@ -5,6 +5,7 @@
 #include <QPointer>
 
 #include <algorithm>
+#include <utility>
 
 namespace Calyx {
 
@@ -66,7 +67,7 @@ void PollResults::count(const QString& answer, int by)
     d->isDirty = true;
     QStringList picks = d->wholeAnswersCount() ? QStringList() : d->question.picksOf(answer);
     picks.removeDuplicates();
-    for (const QString& pick : qAsConst(picks))
+    for (const QString& pick : std::as_const(picks))
         d->options[d->ids.indexOf(pick)].count += by;
     if (!picks.isEmpty())
         return;
@@ -130,7 +131,7 @@ int PollResults::answered() const
 int PollResults::highest() const
 {
     int highest = 1;
-    for (const Row& row : qAsConst(d->rows))
+    for (const Row& row : std::as_const(d->rows))
         highest = qMax(highest, row.count);
     return highest;
 }

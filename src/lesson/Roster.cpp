@@ -9,6 +9,8 @@
 #include <QPointer>
 #include <QVector>
 
+#include <utility>
+
 namespace Calyx {
 
 namespace {
@@ -185,7 +187,7 @@ QString Roster::name(const QString& deviceId) const
 QStringList Roster::present() const
 {
     QStringList devices;
-    for (const Member& member : qAsConst(d->members)) {
+    for (const Member& member : std::as_const(d->members)) {
         if (member.isPresent)
             devices.append(member.deviceId);
     }
@@ -211,7 +213,7 @@ QStringList Roster::find(const QString& text) const
 QJsonArray Roster::toJson() const
 {
     QJsonArray array;
-    for (const Member& member : qAsConst(d->members)) {
+    for (const Member& member : std::as_const(d->members)) {
         QJsonArray stays;
         for (const Stay& stay : member.stays)
             stays.append(Calyx::toJson(stay));

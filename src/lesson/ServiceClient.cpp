@@ -5,6 +5,8 @@
 #include <QNetworkAccessManager>
 #include <QPointer>
 
+#include <utility>
+
 namespace Calyx {
 
 namespace {
@@ -90,7 +92,7 @@ void ServiceClient::abortRequests()
     const QList<QNetworkReply*> children = manager->findChildren<QNetworkReply*>();
     for (QNetworkReply* reply : children)
         replies.append(reply);
-    for (const QPointer<QNetworkReply>& reply : qAsConst(replies)) {
+    for (const QPointer<QNetworkReply>& reply : std::as_const(replies)) {
         if (reply && reply->isRunning())
             reply->abort();
     }

@@ -16,6 +16,8 @@
 #include <QRandomGenerator>
 #include <QTimer>
 
+#include <utility>
+
 namespace {
 
 constexpr int sessionIdLength = 8;
@@ -175,7 +177,7 @@ QList<SockJSConnector::PROTOCOL_TYPE> SockJSConnector::GetProtocolsFromStrings(Q
 {
     const QMap<PROTOCOL_TYPE, QString> table = PROTOCOL_TYPE_STR();
     QList<PROTOCOL_TYPE> protocols;
-    for (const QString& name : qAsConst(names))
+    for (const QString& name : std::as_const(names))
         protocols.append(table.keys(name));
     if (protocols.isEmpty()) {
         qCDebug(diagnostics) << "[SockJSConnector] No protocols specified. Using defaults.";

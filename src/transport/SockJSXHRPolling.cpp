@@ -268,7 +268,7 @@ void SockJSXHRPolling::Private::joinThread()
     ending->disconnect(q);
     delete ending;
     // Without an application object the thread has deleted nothing.
-    for (const QPointer<QObject>& object : qAsConst(onThread))
+    for (const QPointer<QObject>& object : std::as_const(onThread))
         delete object;
 }
 

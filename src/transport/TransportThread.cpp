@@ -7,6 +7,8 @@
 #include <QMutex>
 #include <QPointer>
 
+#include <utility>
+
 namespace {
 
 struct Registry
@@ -27,7 +29,7 @@ Registry& registry()
 void endThreads(const QThread* begunOn)
 {
     const QMutexLocker lock(&registry().mutex);
-    for (TransportThread* thread : qAsConst(registry().threads)) {
+    for (TransportThread* thread : std::as_const(registry().threads)) {
         if (!begunOn || thread->thread() == begunOn)
             thread->end();
     }

@@ -10,6 +10,7 @@
 #include <QNetworkReply>
 
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -120,7 +121,7 @@ QNetworkReply* QNetworkAccessManager::post(const QNetworkRequest& request, const
     script.out->append(textOf(QVariantList{request.url().toEncoded(), data.left(data.indexOf("boundary"))}));
     QList<QByteArray> names = request.rawHeaderList();
     std::sort(names.begin(), names.end());
-    for (const QByteArray& name : qAsConst(names))
+    for (const QByteArray& name : std::as_const(names))
         script.out->append(textOf(name + ':' + request.rawHeader(name)));
     auto* reply = new Reply(this);
     QMetaObject::invokeMethod(

@@ -11,6 +11,7 @@
 #include <QTest>
 
 #include <functional>
+#include <utility>
 
 /// A server that answers requests from a script, in the order of their arrival, and keeps every request as it
 /// came.
@@ -99,7 +100,7 @@ public:
     using HttpServer::HttpServer;
     ~FakeService() override
     {
-        for (const auto& step : qAsConst(m_script))
+        for (const auto& step : std::as_const(m_script))
             m_failures.append(QStringLiteral("no request came for %1").arg(QString::fromUtf8(step.first)));
         if (!m_failures.isEmpty() && !QTest::currentTestFailed())
             QTest::qFail(qPrintable(m_failures.join(QStringLiteral("; "))), __FILE__, __LINE__);

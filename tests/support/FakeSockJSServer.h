@@ -15,6 +15,7 @@
 #include <QWebSocketServer>
 
 #include <algorithm>
+#include <utility>
 
 /// The server's end of SockJS on loopback and a free port, for tests that script what a server does.
 ///
@@ -341,7 +342,7 @@ private:
                 socket->close();
             if (m_current != Open)
                 continue;
-            for (const auto& frame : qAsConst(m_firstFrames))
+            for (const auto& frame : std::as_const(m_firstFrames))
                 socket->sendTextMessage(frame);
         }
     }

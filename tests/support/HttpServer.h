@@ -16,6 +16,8 @@
 #include <netinet/tcp.h>
 #include <sys/socket.h>
 
+#include <utility>
+
 /// What a server does with a connection, step by step.
 struct HttpScript
 {
@@ -219,7 +221,7 @@ private:
         const QList<QByteArray> words = lines.takeFirst().split(' ');
         request->method = words.value(0);
         request->path = words.value(1);
-        for (const QByteArray& line : qAsConst(lines)) {
+        for (const QByteArray& line : std::as_const(lines)) {
             const int colon = line.indexOf(':');
             if (colon > 0)
                 request->headers.insert(line.left(colon).toLower(), line.mid(colon + 1).trimmed());

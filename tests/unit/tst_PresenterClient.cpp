@@ -16,6 +16,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <utility>
+
 namespace {
 
 // One request that gets \p answer, and what the client has made of it.
@@ -221,7 +223,7 @@ private Q_SLOTS:
         client().request("/moved");
 
         QCOMPARE(replies.size(), 3);
-        for (const auto& reply : qAsConst(replies))
+        for (const auto& reply : std::as_const(replies))
             QTRY_VERIFY(reply.isNull());
     }
 

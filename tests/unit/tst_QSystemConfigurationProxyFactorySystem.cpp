@@ -10,6 +10,8 @@
 #include <QTest>
 #include <QUrl>
 
+#include <utility>
+
 namespace {
 
 QList<QNetworkProxy> theSystemsAnswer;
@@ -49,7 +51,7 @@ private Q_SLOTS:
         QSystemConfigurationProxyFactory::getPrimaryProxy();
         QSystemConfigurationProxyFactory::getProxyString();
         QVERIFY(asked.size() >= 2);
-        for (const QNetworkProxyQuery& query : qAsConst(asked)) {
+        for (const QNetworkProxyQuery& query : std::as_const(asked)) {
             QCOMPARE(query.queryType(), QNetworkProxyQuery::UrlRequest);
             QCOMPARE(query.url().scheme(), QStringLiteral("http"));
             QVERIFY(query.url().host().contains(QLatin1Char('.')));

@@ -8,6 +8,7 @@
 #include <QJsonObject>
 
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -72,19 +73,19 @@ struct Sample
 
     void feedAll()
     {
-        for (const QString& frame : qAsConst(frames))
+        for (const QString& frame : std::as_const(frames))
             channel.feed(frame);
     }
 
     void readMessages()
     {
-        for (const QString& message : qAsConst(messages))
+        for (const QString& message : std::as_const(messages))
             read = readMessage(message);
     }
 
     void readFrames()
     {
-        for (const QString& frame : qAsConst(frames))
+        for (const QString& frame : std::as_const(frames))
             read = readFrame(frame);
     }
 };

@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <utility>
+
 namespace {
 
 constexpr int mostFaults = 20;
@@ -100,7 +102,7 @@ ScriptFile::Script ScriptFile::parse(const QString& text, const QString& fileNam
     if (!kind.isEmpty())
         return {{}, {kind}};
     Check check(QFileInfo(fileName).absolutePath());
-    for (const CommandLine& line : qAsConst(script.lines)) {
+    for (const CommandLine& line : std::as_const(script.lines)) {
         const QString fault = check.faultIn(line.text);
         if (!fault.isEmpty())
             script.faults.append(QStringLiteral("%1: %2").arg(line.origin, fault));

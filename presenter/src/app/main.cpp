@@ -33,6 +33,7 @@
 #include <langinfo.h>
 #include <limits>
 #include <unistd.h>
+#include <utility>
 
 using Calyx::Lesson;
 
@@ -253,7 +254,7 @@ int main(int argc, char** argv)
     ScriptFile::Script script;
     if (!options.script.isEmpty())
         script = ScriptFile::read(options.script);
-    for (const QString& fault : qAsConst(script.faults))
+    for (const QString& fault : std::as_const(script.faults))
         printTo(stderr, fault + QLatin1Char('\n'));
     if (!script.faults.isEmpty())
         return ExitCode::Usage;

@@ -7,6 +7,8 @@
 
 #include <QDir>
 
+#include <utility>
+
 namespace {
 
 QStringList files(const QString& piece, const QString& folder)
@@ -107,7 +109,7 @@ Completion Completer::complete(const QString& line, const QStringList& learners,
     }
     Completion completion;
     completion.start = split.lastStart;
-    for (const QString& candidate : qAsConst(all)) {
+    for (const QString& candidate : std::as_const(all)) {
         if (candidate.startsWith(piece, Qt::CaseInsensitive))
             completion.candidates.append(LineSyntax::quoted(candidate));
     }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace {
 
@@ -125,7 +126,7 @@ QStringList Chart::lines(const ChartData& data, const Style& style, int mostLine
         bars.prepend(hidden.takeAt(shown.at(i)));
     const Measures measures = measure(bars, style);
     const int whole = data.whole < 0 ? data.answered : data.whole;
-    for (const Bar& bar : qAsConst(bars))
+    for (const Bar& bar : std::as_const(bars))
         lines.append(barLine(bar, whole, measures, style));
     if (!hidden.isEmpty() && mostLines > 1)
         lines.append(style.paint(Ink::Faint, restLine(hidden, style)));

@@ -13,6 +13,8 @@
 #include <QTimer>
 #include <QUrl>
 
+#include <utility>
+
 /// A host with one live channel, which counts what the channel tells.
 class Host : public QObject
 {
@@ -100,7 +102,7 @@ public:
             m_messages.size() > count)
             return false;
         QStringList received;
-        for (const QString& message : qAsConst(m_messages)) {
+        for (const QString& message : std::as_const(m_messages)) {
             const QVariantMap frame = QJsonDocument::fromJson(message.toUtf8()).toVariant().toMap();
             received.append(
                 frame.value(QStringLiteral("body")).toMap().value(QStringLiteral("type")).toString());

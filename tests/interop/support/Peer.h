@@ -22,6 +22,7 @@
 #include <cstdio>
 #include <functional>
 #include <memory>
+#include <utility>
 
 /// A program on loopback that the tests talk to. It ends when this object does, and also when the test
 /// program dies; if the test has failed by then, the end of its output is shown.
@@ -111,7 +112,7 @@ public:
         QStringList found = QString::fromUtf8(log()).split(QLatin1Char('\n'));
         found.removeLast(); // not ended yet
         QStringList fitting;
-        for (const QString& line : qAsConst(found)) {
+        for (const QString& line : std::as_const(found)) {
             if (line.startsWith(prefix))
                 fitting.append(line);
         }
@@ -172,7 +173,7 @@ private:
         if (!writeConfig())
             return false;
         QStringList arguments;
-        for (const QString& argument : qAsConst(m_program.arguments))
+        for (const QString& argument : std::as_const(m_program.arguments))
             arguments.append(fill(argument));
         m_begin = QFileInfo(m_folder.filePath(QStringLiteral("log"))).size();
         m_process = std::make_unique<ChildProcess>();
