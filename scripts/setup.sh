@@ -43,6 +43,11 @@ use_qt() {
     esac
     qt=$1 build=$project/build/$preset
 }
+# A script that sources this takes "--qt 6" in front of its other arguments.
+if [ "${1:-}" = --qt ]; then
+    qt=${2:-}
+    shift $(($# > 1 ? 2 : 1))
+fi
 use_qt "${qt-5}"
 
 # What building and running needs, as Debian packages. The tests add theirs.

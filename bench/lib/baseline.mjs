@@ -3,13 +3,12 @@ import { mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 
-const [project, build, option] = process.argv.slice(2);
+const [file, build, option] = process.argv.slice(2);
 const MOST_GROWTH = 1.05;
 const MOST_WORK = 20; // of a byte of the worst message, in bytes of a harmless one
 const REPETITIONS = 20;
 const MOST_BYTES = 200000; // of a row in all its repetitions
 
-const file = join(project, 'bench/baseline.json');
 const program = join(build, 'bench/count_instructions');
 const folder = mkdtempSync(join(tmpdir(), 'instructions-'));
 
