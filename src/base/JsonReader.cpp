@@ -12,7 +12,8 @@ constexpr size_t keptInOrder = 16; // so many members of an object does Qt sort 
 
 // Qt 5.15 never frees an object or a list that another member of the same name replaces: whoever may send us
 // JSON could take all memory. Which one replaces which is left to its sorting, where there are many. So all
-// but the last are taken out before Qt sees them.
+// but the last are taken out before Qt sees them. Qt 6 frees them, and keeps the last; but it wants what is
+// replaced to be JSON, too, which here need not be. So they are taken out with either.
 class RepeatedMembers
 {
 public:
