@@ -3,8 +3,8 @@
 #include "support/ClientTest.h"
 #include "support/Lesson.h"
 #include "support/LogRecorder.h"
-#include "support/Rows.h"
 #include "support/Logins.h"
+#include "support/Rows.h"
 #include "support/TimerClock.h"
 
 #include <CalyxClient/Learner>
