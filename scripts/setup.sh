@@ -133,7 +133,7 @@ quietly() {
 build_project() {
     if [ ! -f "$build/build.ninja" ]; then
         step "Configuring"
-        (cd "$project" && quietly cmake --preset "$preset") || fail "cmake could not configure the project"
+        (cd "$project" && quietly cmake --preset "$preset" ${CALYXCLIENT_CONFIGURE:+"$CALYXCLIENT_CONFIGURE"}) || fail "cmake could not configure the project"
     fi
     step "Building"
     local targets=()
