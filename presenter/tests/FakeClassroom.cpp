@@ -163,11 +163,6 @@ void FakeClassroom::readPublish(const QVariantMap& frame)
         inject(body);
 }
 
-bool FakeClassroom::isPresenterHere() const
-{
-    return !m_presenters.isEmpty() && m_presenters.last()->state() == QAbstractSocket::ConnectedState;
-}
-
 QString FakeClassroom::lastQuestion() const
 {
     QString id;

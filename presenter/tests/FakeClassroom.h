@@ -48,7 +48,6 @@ public:
     /// From now on, \p path is answered with this envelope.
     void setReply(const QString& path, const QByteArray& envelope) { m_replies.insert(path, envelope); }
 
-    bool isPresenterHere() const;
     /// What has gone to the class, or to one of it.
     QList<Message> messages() const { return m_messages; }
     /// What has gone to the remote control.

@@ -22,7 +22,11 @@ public:
     QString errors();
     bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
     /// The exit status once it has ended.
-    int status() const { return m_process.exitCode(); }
+    int status() const
+    {
+        constexpr int ofSignals = 128; // as a shell has it
+        return (m_process.exitStatus() == QProcess::CrashExit ? ofSignals : 0) + m_process.exitCode();
+    }
 
     static QProcessEnvironment environment();
 
