@@ -3,4 +3,5 @@
 file(READ "${FILE}" text)
 string(REPLACE "exportMetaObjectRevisions: [0]" "exportMetaObjectRevisions: [256]" text "${text}")
 string(REPLACE "\"string\"" "\"QString\"" text "${text}")
+string(REPLACE "type: \"QList<QObject*>\"" "type: \"QObject\"; isList: true" text "${text}")
 file(WRITE "${FILE}" "${text}")

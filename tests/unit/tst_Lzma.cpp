@@ -9,8 +9,10 @@
 
 #include <QRegularExpression>
 #include <QTest>
-#include <QTextCodec>
 #include <QtEndian>
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+#include <QTextCodec>
+#endif
 
 #include <cstdlib>
 #include <cstring>
