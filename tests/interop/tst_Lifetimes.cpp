@@ -328,7 +328,8 @@ private Q_SLOTS:
         const QPointer<PresenterClient> client(new PresenterClient(nullptr, server));
         World world{transport, client, nullptr};
 
-        const bool reached = occasionOf(occasion)(world, [&] { actions.value(action)(world); });
+        const bool reached =
+            occasionOf(occasion)(world, [&, action = action] { actions.value(action)(world); });
         QVERIFY(reached);
         if (action == QLatin1String("quit"))
             forgetQuit();

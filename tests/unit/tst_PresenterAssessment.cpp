@@ -265,7 +265,7 @@ private Q_SLOTS:
         const auto [action] = row<QString>();
         int calls = 0;
         QObject host;
-        connect(m_assessment.get(), &PresenterAssessment::learnerGetQuestion, &host, [&] {
+        connect(m_assessment.get(), &PresenterAssessment::learnerGetQuestion, &host, [&, action = action] {
             ++calls;
             if (action == QLatin1String("delete the assessment"))
                 m_assessment.reset();

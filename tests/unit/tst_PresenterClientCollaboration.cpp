@@ -39,7 +39,7 @@ private Q_SLOTS:
     void asksTheServiceInFourSteps()
     {
         const auto [value] = row<QString>();
-        const auto envelope = [&](const char* key) {
+        const auto envelope = [&, value = value](const char* key) {
             const QJsonObject object{{"data", QJsonObject{{key, value}}}};
             return QString::fromUtf8(QJsonDocument(object).toJson());
         };

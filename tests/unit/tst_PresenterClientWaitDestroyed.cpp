@@ -90,7 +90,7 @@ private Q_SLOTS:
                        byTimer ? unansweredWhile(service, [&] { destroy(client, service); })
                                : Answer::json(ALL_IS_WELL));
         QMetaObject::Connection connection;
-        connection = connect(client, &PresenterClient::requestProcessed, &service, [&] {
+        connection = connect(client, &PresenterClient::requestProcessed, &service, [&, byTimer = byTimer] {
             if (byTimer || !service.isUsedUp())
                 return;
             disconnect(connection); // the destructor makes requests as well
@@ -129,13 +129,13 @@ private Q_SLOTS:
         client->sessionStartSuccessResponse(QString::fromLatin1(ALL_IS_WELL));
         int ends = 0;
         connect(client, &QObject::destroyed, &service, [&] { ++ends; });
-        service.expect("/tavisto/session/stop", Answer::json("{}").held().then([&] {
+        service.expect("/tavisto/session/stop", Answer::json("{}").held().then([&, meanwhile = meanwhile] {
             QTimer::singleShot(0, &service, [&] {
                 meanwhile(client);
                 QTimer::singleShot(0, &service, [&] { service.release(); });
             });
         }));
-        QTimer::singleShot(0, &service, [&] {
+        QTimer::singleShot(0, &service, [&, before = before] {
             before(client);
             delete client;
         });
