@@ -1,6 +1,8 @@
 // JSON from outside that is broken, odd, or of another type than expected, at every level that is read: it
 // ends in a message dropped or reduced, or in a plain error, and the next valid one is handled.
 
+#include "base/JsonReader.h"
+
 #include <CalyxClient/CollaborationMessageHandler>
 #include <CalyxClient/Lzma>
 #include <CalyxClient/PresenterClient>
@@ -332,7 +334,8 @@ private Q_SLOTS:
              {"[" + text + "]", "[\"{}\"," + text + "]", text + "", "{\"a\":" + text + "}",
               " [ \"x\" , " + text + " ] ", "[" + text + ",\"\",\"x\""}) {
             QStringList expected;
-            const QVariantList list = QJsonDocument::fromJson(array).toVariant().toList();
+            // Not Qt's own reader, which leaks what a repeated member replaces.
+            const QVariantList list = JsonReader::read(QString::fromUtf8(array)).toVariant().toList();
             for (const QVariant& element : list)
                 expected.append(element.toString());
             QVERIFY(isTaken || expected.isEmpty());

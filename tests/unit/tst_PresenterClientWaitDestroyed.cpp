@@ -120,7 +120,9 @@ private Q_SLOTS:
     // While the destructor waits for the end of the session, the host's slots run.
     void destructionIsNotRepeated()
     {
-        const auto [before, meanwhile] = row<Hosts, Hosts>();
+        const std::tuple<Hosts, Hosts> hosts = row<Hosts, Hosts>();
+        const auto& before = std::get<0>(hosts);
+        const auto& meanwhile = std::get<1>(hosts);
 
         FakeService service;
         const QPointer<QObject> owner = new QObject;
@@ -129,13 +131,13 @@ private Q_SLOTS:
         client->sessionStartSuccessResponse(QString::fromLatin1(ALL_IS_WELL));
         int ends = 0;
         connect(client, &QObject::destroyed, &service, [&] { ++ends; });
-        service.expect("/tavisto/session/stop", Answer::json("{}").held().then([&, meanwhile = meanwhile] {
+        service.expect("/tavisto/session/stop", Answer::json("{}").held().then([&] {
             QTimer::singleShot(0, &service, [&] {
                 meanwhile(client);
                 QTimer::singleShot(0, &service, [&] { service.release(); });
             });
         }));
-        QTimer::singleShot(0, &service, [&, before = before] {
+        QTimer::singleShot(0, &service, [&] {
             before(client);
             delete client;
         });
