@@ -312,8 +312,8 @@ bool SockJSConnectorPrivate::openXHRPolling(bool streaming)
 {
     const QPointer<Attempt> mine(attempt.get());
     auto* xhr = new SockJSXHRPolling(q);
-    if (openLimit > 0)
-        xhr->setConnectLimit(qMin(openLimit, SockJSXHRPollingWorker::ConnectLimit));
+    if (openLimit > 0 && openLimit < SockJSXHRPollingWorker::ConnectLimit)
+        xhr->setConnectLimit(openLimit);
     xhr->setStallLimit(stallLimit);
     xhr->setAsynchronousConnect(asynchronousConnect);
     xhr->setEndsWithLostRequest(endsWithLostRequest);

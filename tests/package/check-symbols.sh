@@ -7,7 +7,8 @@
 library=$1 source=$2 build=$3
 kept=$(grep -lx "$(basename "$(realpath "$library")" | cut -d. -f1-3) .*" "$source"/packaging/debian/*.symbols) || fail "no list"
 
-nm -DC --defined-only --format=posix "$library" | sed -E 's/ [A-Za-z] [0-9a-f]+ *[0-9a-f]*$//' | sort -u >"$work/exported"
+# Without optimisation the standard library's templates are not inlined, and are exported, whatever we say.
+nm -D --defined-only --format=posix "$library" | cut -d ' ' -f 1 | grep -vE '^_ZN?K?(St|9__gnu_cxx)' | c++filt | sort -u >"$work/exported"
 [ -s "$work/exported" ] || fail "nm finds no symbol in $library"
 sed -nE 's/^ \(c\+\+\)"(.*)@Base" .*/\1/p' "$kept" | sort -u >"$work/kept"
 diff -U0 --label "$kept" --label "$library" "$work/kept" "$work/exported" \
