@@ -92,7 +92,7 @@ int main(int argc, char** argv)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
     const QByteArray frame = server.message(registrations + heavy).toUtf8();
     const qint64 bare = peakOfBareSocket(server.url(), frame);
-    std::printf("{\"picture\":%d,\"frame\":%d,\"peak\":%lld,\"bare\":%lld}\n", size, frame.size(), peak,
+    std::printf("{\"picture\":%d,\"frame\":%d,\"peak\":%lld,\"bare\":%lld}\n", size, int(frame.size()), peak,
                 bare);
     return 0;
 }
