@@ -1,16 +1,20 @@
-// Which frame becomes which signal, and what it writes to the log. What becomes of the data and of learners'
-// answers: tst_PayloadDecoder, tst_CollaborationMessageHandlerResponses.
+// Which frame becomes which signal with which values, and what it writes to the log. What becomes of the
+// data: tst_PayloadDecoder.
 
 #include "support/LogRecorder.h"
 #include "support/Rows.h"
 #include "support/TypeNamed.h"
 
 #include <CalyxClient/CollaborationMessageHandler>
+#include <CalyxClient/Learner>
 #include <CalyxClient/Lzma>
+#include <CalyxClient/RemoteControlMessage>
 
 #include <QJsonDocument>
 #include <QLoggingCategory>
+#include <QSignalSpy>
 #include <QTest>
+#include <QThread>
 
 #include <memory>
 
@@ -22,6 +26,16 @@ QString compressed(const char* json)
     return Lzma::compress64(QString::fromUtf8(json), &base64) ? base64 : QString();
 }
 
+QVariant json(const QString& text)
+{
+    return QJsonDocument::fromJson(text.toUtf8()).toVariant();
+}
+
+QVariantMap from(const QString& device)
+{
+    return {{"from", device}};
+}
+
 QString describe(const QVariant& value)
 {
     if (!value.isValid())
@@ -29,6 +43,16 @@ QString describe(const QVariant& value)
     if (value.userType() == QMetaType::QVariantMap || value.userType() == QMetaType::QVariantList)
         return QString::fromUtf8(QJsonDocument::fromVariant(value).toJson(QJsonDocument::Compact));
     return QStringLiteral("%1 '%2'").arg(QString::fromLatin1(value.typeName()), value.toString());
+}
+
+QString describe(const Calyx::Learner& learner)
+{
+    return QStringLiteral("join %1/%2/%3").arg(learner.deviceId, learner.userName, learner.deviceType);
+}
+
+QString describe(const Calyx::RemoteControlMessage& message)
+{
+    return QStringLiteral("remote %1 %2 %3").arg(message.from, message.type, describe(message.data));
 }
 
 } // namespace
@@ -62,27 +86,26 @@ public:
 
 Q_SIGNALS:
     void frame(QString text);
+    void tellJoin(Learner learner);
+    void tellJoinQualified(Calyx::Learner learner);
+    void tellCommand(RemoteControlMessage message);
+    void tellCommandQualified(Calyx::RemoteControlMessage message);
 
 public Q_SLOTS:
     void answered(QString device, QString poll, int time, QString answer)
     {
         heard.append(QStringLiteral("answer %1 %2 %3 %4").arg(device, poll).arg(time).arg(answer));
     }
-    void joined(Learner learner)
-    {
-        heard.append(
-            QStringLiteral("join %1/%2/%3").arg(learner.deviceId, learner.userName, learner.deviceType));
-    }
+    void joined(Learner learner) { heard.append(describe(learner)); }
     void left(QString device) { heard.append(QStringLiteral("leave ") + device); }
     void controller(bool isRegister)
     {
         heard.append(isRegister ? QStringLiteral("controller comes") : QStringLiteral("controller goes"));
     }
-    void commanded(RemoteControlMessage message)
-    {
-        heard.append(
-            QStringLiteral("remote %1 %2 %3").arg(message.from, message.type, describe(message.data)));
-    }
+    void commanded(RemoteControlMessage message) { heard.append(describe(message)); }
+    void joinedQualified(Calyx::Learner learner) { joined(learner); }
+    void commandedQualified(Calyx::RemoteControlMessage message) { commanded(message); }
+    void endThread() { thread()->quit(); }
     void unhandled(QVariantMap body, QVariant data)
     {
         heard.append(QStringLiteral("unhandled %1 %2").arg(describe(body), describe(data)));
@@ -246,11 +269,16 @@ private Q_SLOTS:
 
     void logOfAFrame_data()
     {
-        // For each line, how it begins and what it names.
+        // For each line, how it begins and what it names, in order.
         const QStringList any{"[MessageHandler]", "\n"};
         const auto lines = [&any](const QList<QStringList>& more) { return QList<QStringList>{any} + more; };
         const QString action = "[MessageHandler.ACTION]";
         const QString type = "[MessageHandler.TYPE]";
+        const QStringList payload{"[MessageHandler.Decompressed from String] ", "{"};
+        const auto frame = [](const char* name, const char* data) {
+            return QStringLiteral(R"({"body":{"type":"%1","from":"d-9","data":"%2"}})")
+                .arg(name, compressed(data));
+        };
         rows<QString, QList<QStringList>>({
             {"no JSON", "hello-there", QList<QStringList>{{"[MessageHandler]", "hello-there"}}},
             {"nothing in the body", "{\"body\":{}}", lines({})},
@@ -267,6 +295,14 @@ private Q_SLOTS:
              lines({{type, "join"}, {"JOIN", "d-9"}})},
             {"remote control", "{\"body\":{\"type\":\"pause\"}}", lines({{type, "pause"}})},
             {"unknown type", "{\"body\":{\"type\":\"chat\"}}", lines({{type, "chat"}})},
+            {"poll response", frame("pollResponse", R"({"blob":{"pick":["A","C"]}})"),
+             lines({{type, "pollResponse"}, payload, {"POLL_RESPONSE", "d-9", ":", "A,C"}})},
+            {"question response", frame("questionResponse", R"({"answer":"forty"})"),
+             lines({{type, "questionResponse"},
+                    payload,
+                    {"[DEBUG] RECEIVED RESPONSE FROM DEVICE ", "d-9", " of value: ", "forty"}})},
+            {"question request", frame("questionGet", R"({"questionNumber":31})"),
+             lines({{type, "questionGet"}, payload, {"Learner ", "d-9", " requesting question ", "31"}})},
         });
     }
 
@@ -277,9 +313,12 @@ private Q_SLOTS:
         const QStringList logged = m_log->debug();
         QCOMPARE(logged.size(), lines.size());
         for (int i = 0; i < lines.size(); ++i) {
-            const QString& line = logged.at(i);
-            QVERIFY2(line.startsWith(lines.at(i).first()), qPrintable(line));
-            QVERIFY2(line.mid(lines.at(i).first().size()).contains(lines.at(i).last()), qPrintable(line));
+            QVERIFY2(logged.at(i).startsWith(lines.at(i).first()), qPrintable(logged.at(i)));
+            int at = 0;
+            for (const QString& part : lines.at(i)) {
+                at = logged.at(i).indexOf(part, at) + part.size();
+                QVERIFY2(at >= part.size(), qPrintable(logged.at(i)));
+            }
         }
     }
 
@@ -320,6 +359,279 @@ private Q_SLOTS:
         QVERIFY(logged.isEmpty() || logged.first().contains(QLatin1String("t-17")));
         m_handler->actionRegister(QVariantMap());
         QCOMPARE(m_host->heard, heard);
+    }
+
+    void answerOfAPollResponse_data()
+    {
+        rows<QString, QString>({
+            {"list of two", R"({"pick":["A","C"]})", "A,C"},
+            {"list of one", R"({"pick":["A"]})", "A"},
+            {"empty list, for all that an input says", R"({"pick":[],"input":"x"})", ""},
+            {"list in its own order", R"({"pick":["C","A","B","A"]})", "C,A,B,A"},
+            {"list of numbers", R"({"pick":[2,0,1.5]})", "2,0,1.5"},
+            {"list of truth values", R"({"pick":[true,false]})", "true,false"},
+            {"list with empty texts", R"({"pick":["","A",""]})", ",A,"},
+            {"list with what has no text", R"({"pick":["A",null,{"x":1},["y"],"B"]})", "A,,,,B"},
+            {"list of words with commas and blanks", R"({"pick":["a, b"," c "]})", "a, b, c "},
+            {"list outside ASCII", u8R"({"pick":["ä","日本","😀"]})", u8"ä,日本,😀"},
+            {"list with a zero character", R"({"pick":["A\u0000x","B"]})", "A,B"},
+            // As bytes, like an input: a byte-order mark goes, and half a pair is no character.
+            {"list with what bytes cannot keep", R"({"pick":["\ufeffA","\ud800A"]})", "A,?A"},
+            {"input with half a pair", R"({"input":"\ud800A"})", "?A"},
+            {"list goes before an input", R"({"pick":["A"],"input":"x"})", "A"},
+            {"single pick gives way to the input", R"({"pick":"B","input":"x"})", "x"},
+            {"single pick without input", R"({"pick":"B"})", ""},
+            {"number as pick", R"({"pick":1,"input":"x"})", "x"},
+            {"object as pick", R"({"pick":{"a":1},"input":"x"})", "x"},
+            {"null as pick", R"({"pick":null,"input":"x"})", "x"},
+            {"input", R"({"input":"forty-two"})", "forty-two"},
+            {"input of a number", R"({"input":42})", "42"},
+            {"input of a negative fraction", R"({"input":-0.5})", "-0.5"},
+            {"input of a truth value", R"({"input":true})", "true"},
+            {"input of null", R"({"input":null})", ""},
+            {"input of a list", R"({"input":["A"]})", ""},
+            {"input of an object", R"({"input":{"a":1}})", ""},
+            {"input outside ASCII", u8R"({"input":"Größe 😀"})", u8"Größe 😀"},
+            {"input with a zero character", R"({"input":"before\u0000behind"})", "before"},
+            {"input of several lines", R"({"input":" a\nb "})", " a\nb "},
+            {"empty blob", "{}", ""},
+            {"blob is a text", R"("A")", ""},
+            {"blob is a list", R"(["A"])", ""},
+            {"blob is null", "null", ""},
+        });
+    }
+
+    void answerOfAPollResponse()
+    {
+        const auto [blob, answer] = row<QString, QString>();
+        const QVariant data =
+            json(QStringLiteral(R"({"pollId":"p1","responseTime":2500,"blob":)") + blob + QLatin1Char('}'));
+        QVERIFY(data.isValid());
+        m_handler->dataPollResponse(from("d1"), data);
+        QCOMPARE(m_host->heard, QStringList("answer d1 p1 2500 " + answer));
+    }
+
+    void answerOfAQuestionResponse_data()
+    {
+        const QString options = R"("optionAnswers":[{"activityOptionId":"P"},{"activityOptionId":"Q"}])";
+        rows<QString, QString>({
+            {"answer", R"("answer":"x")", "x"},
+            {"answer of a number", R"("answer":4.5)", "4.5"},
+            {"answer of null", R"("answer":null)", ""},
+            {"answer of an object", R"("answer":{"a":1})", ""},
+            {"answer outside ASCII", u8R"("answer":"日本 😀")", u8"日本 😀"},
+            {"options", options, "PQ"},
+            {"empty answer and options", QStringLiteral(R"("answer":"",)") + options, "PQ"},
+            {"answer and options", QStringLiteral(R"("answer":"x",)") + options, "xPQ"},
+            {"one option", R"("optionAnswers":[{"activityOptionId":"P"}])", "P"},
+            {"option ids that are numbers",
+             R"("optionAnswers":[{"activityOptionId":1},{"activityOptionId":10}])", "110"},
+            {"no options in the list", R"("answer":"x","optionAnswers":[])", "x"},
+            {"options without ids", R"("optionAnswers":[{"id":"P"},{},"P",5,null,{"activityOptionId":"Q"}])",
+             "Q"},
+            {"options are a text", R"("answer":"x","optionAnswers":"P")", "x"},
+            {"options are an object", R"("answer":"x","optionAnswers":{"activityOptionId":"P"})", "x"},
+            {"options are null", R"("answer":"x","optionAnswers":null)", "x"},
+            {"neither", R"("other":1)", ""},
+            {"token and mode change nothing",
+             R"("studentAssessmentToken":"token","questionSetMode":"Assessment","answer":"x")", "x"},
+        });
+    }
+
+    void answerOfAQuestionResponse()
+    {
+        const auto [members, answer] = row<QString, QString>();
+        const QVariant data =
+            json(QStringLiteral(R"({"questionId":"q1","responseTime":2500,)") + members + QLatin1Char('}'));
+        QVERIFY(data.isValid());
+        m_handler->dataQuestionResponse(from("d1"), data);
+        QCOMPARE(m_host->heard, QStringList("answer d1 q1 2 " + answer));
+    }
+
+    void responseTime_data()
+    {
+        rows<QString, int, int>({
+            {"2500", "2500", 2500, 2},
+            {"1999", "1999", 1999, 1},
+            {"1000", "1000", 1000, 1},
+            {"999", "999", 999, 0},
+            {"0", "0", 0, 0},
+            {"-999", "-999", -999, 0},
+            {"-1500", "-1500", -1500, -1},
+            {"largest", "2147483647", 2147483647, 2147483},
+            {"text of a number", "\"2500\"", 2500, 2},
+            {"text", "\"soon\"", 0, 0},
+            {"empty text", "\"\"", 0, 0},
+            {"null", "null", 0, 0},
+            {"list", "[2500]", 0, 0},
+            {"object", "{\"ms\":2500}", 0, 0},
+        });
+    }
+
+    void responseTime()
+    {
+        const auto [time, ofPoll, ofQuestion] = row<QString, int, int>();
+        const QVariant data = json(QStringLiteral(R"({"responseTime":%1})").arg(time));
+        QVERIFY(data.isValid());
+        m_handler->dataPollResponse(QVariantMap(), data);
+        m_handler->dataQuestionResponse(QVariantMap(), data);
+        QCOMPARE(m_host->heard, QStringList({QStringLiteral("answer   %1 ").arg(ofPoll),
+                                             QStringLiteral("answer   %1 ").arg(ofQuestion)}));
+    }
+
+    void idsAndSenders_data()
+    {
+        rows<QString, QString, QString>({
+            {"texts", R"({"from":"d1"})", "\"i1\"", "answer d1 i1 0 "},
+            {"no sender", "{}", "\"i1\"", "answer  i1 0 "},
+            {"sender is a number", R"({"from":7})", "\"i1\"", "answer 7 i1 0 "},
+            {"sender is null", R"({"from":null})", "\"i1\"", "answer  i1 0 "},
+            {"id is a number", R"({"from":"d1"})", "12", "answer d1 12 0 "},
+            {"id is an object", R"({"from":"d1"})", "{}", "answer d1  0 "},
+            {"id is null", R"({"from":"d1"})", "null", "answer d1  0 "},
+        });
+    }
+    void idsAndSenders()
+    {
+        const auto [body, id, heard] = row<QString, QString, QString>();
+        const QVariantMap map = json(body).toMap();
+        m_handler->dataPollResponse(map,
+                                    json(QStringLiteral(R"({"pollId":%1,"questionId":"other"})").arg(id)));
+        m_handler->dataQuestionResponse(
+            map, json(QStringLiteral(R"({"questionId":%1,"pollId":"other"})").arg(id)));
+        QCOMPARE(m_host->heard, QStringList({heard, heard}));
+    }
+
+    void dataOfAnotherKindGivesEmptyValues_data()
+    {
+        rows<QVariant>({
+            {"invalid", QVariant()},
+            {"text", QVariant(R"({"pollId":"p1"})")},
+            {"bytes", QVariant(QByteArray(R"({"pollId":"p1"})"))},
+            {"list", QVariant(QVariantList{QVariantMap{{"pollId", "p1"}}})},
+            {"empty map", QVariant(QVariantMap())},
+        });
+    }
+
+    void dataOfAnotherKindGivesEmptyValues()
+    {
+        const auto [data] = row<QVariant>();
+        const QVariantMap body = from("d1");
+        m_handler->dataPollResponse(body, data);
+        m_handler->dataQuestionResponse(body, data);
+        m_handler->dataGetQuestion(body, data);
+        QCOMPARE(m_host->heard, QStringList({"answer d1  0 ", "answer d1  0 ", "ask d1 0"}));
+    }
+
+    void questionRequest_data()
+    {
+        rows<QString, int>({
+            {"number", R"({"questionNumber":3})", 3},
+            {"negative", R"({"questionNumber":-1})", -1},
+            {"text of a number", R"({"questionNumber":"12"})", 12},
+            {"text", R"({"questionNumber":"next"})", 0},
+            {"null", R"({"questionNumber":null})", 0},
+            {"list", R"({"questionNumber":[3]})", 0},
+            {"absent", "{}", 0},
+        });
+    }
+
+    void questionRequest()
+    {
+        const auto [data, number] = row<QString, int>();
+        m_handler->dataGetQuestion(from("d1"), json(data));
+        QCOMPARE(m_host->heard, QStringList(QStringLiteral("ask d1 %1").arg(number)));
+    }
+
+    void hostsMayUseOtherTypes()
+    {
+        const QString pick = "pick";
+        const QVariantList picks = {QStringList{"2", "7"}, QVariant::fromValue(QVector<int>{2, 7})};
+        for (const QVariant& list : picks) {
+            const QMap<QString, QVariantHash> data{{"blob", {{pick, list}}}};
+            m_handler->dataPollResponse(from("d1"), QVariant::fromValue(data));
+            QCOMPARE(m_host->heard.takeLast(), QStringLiteral("answer d1  0 2,7"));
+        }
+    }
+
+    void valuesAreEmptyAtFirst()
+    {
+        QCOMPARE(describe(Calyx::Learner()), QStringLiteral("join //"));
+        QCOMPARE(describe(Calyx::RemoteControlMessage()), QStringLiteral("remote   invalid"));
+    }
+
+    void typesAreRegisteredUnderBothSpellings()
+    {
+        for (int times = 0; times < 3; ++times) {
+            for (const char* name : {"Learner", "Calyx::Learner"})
+                QCOMPARE(typeNamed(name), qMetaTypeId<Calyx::Learner>());
+            for (const char* name : {"RemoteControlMessage", "Calyx::RemoteControlMessage"})
+                QCOMPARE(typeNamed(name), qMetaTypeId<Calyx::RemoteControlMessage>());
+            Calyx::registerLearner();
+            Calyx::registerRemoteControlMessage();
+        }
+    }
+
+    // Hosts connect to them by string in both spellings, queued, and across threads.
+    void valuesAreQueued_data()
+    {
+        rows<QByteArray, QByteArray>({
+            {"Learner", SIGNAL(tellJoin(Learner)), SLOT(joined(Learner))},
+            {"Calyx::Learner", SIGNAL(tellJoinQualified(Calyx::Learner)),
+             SLOT(joinedQualified(Calyx::Learner))},
+            {"RemoteControlMessage", SIGNAL(tellCommand(RemoteControlMessage)),
+             SLOT(commanded(RemoteControlMessage))},
+            {"Calyx::RemoteControlMessage", SIGNAL(tellCommandQualified(Calyx::RemoteControlMessage)),
+             SLOT(commandedQualified(Calyx::RemoteControlMessage))},
+        });
+    }
+    void valuesAreQueued()
+    {
+        const auto [signal, slot] = row<QByteArray, QByteArray>();
+        const Calyx::Learner learner("id", "name", "phone");
+        const Calyx::RemoteControlMessage message("id", "nextCard", 7);
+        QVERIFY(
+            connect(m_host.get(), signal.constData(), m_host.get(), slot.constData(), Qt::QueuedConnection));
+        QSignalSpy spy(m_host.get(), signal.constData());
+        emit m_host->tellJoin(learner);
+        emit m_host->tellJoinQualified(learner);
+        emit m_host->tellCommand(message);
+        emit m_host->tellCommandQualified(message);
+        QCOMPARE(spy.size(), 1);
+        const QVariant value = spy.first().first();
+        const bool isLearner = value.userType() == qMetaTypeId<Calyx::Learner>();
+        QCOMPARE(m_host->heard, QStringList());
+        QTRY_COMPARE(m_host->heard,
+                     QStringList(isLearner ? "join id/name/phone" : "remote id nextCard int '7'"));
+        QCOMPARE(isLearner ? describe(value.value<Calyx::Learner>())
+                           : describe(value.value<Calyx::RemoteControlMessage>()),
+                 m_host->heard.first());
+    }
+
+    void signalsCrossThreads()
+    {
+        using Handler = CollaborationMessageHandler;
+        QThread thread;
+        Host there;
+        QStringList here;
+        connect(
+            m_handler.get(), &Handler::learnerJoin, this,
+            [&](const Calyx::Learner& learner) { here.append(describe(learner)); }, Qt::QueuedConnection);
+        QVERIFY(there.listenTo(m_handler.get()));
+        // Behind the delivery.
+        QVERIFY(
+            connect(m_handler.get(), SIGNAL(remoteControl(RemoteControlMessage)), &there, SLOT(endThread())));
+        there.moveToThread(&thread);
+        thread.start();
+        m_handler->dataJoin(from("dev"), QVariantMap{{"userName", "Ann"}});
+        m_handler->dataRemote({{"from", "dev"}, {"type", "resume"}}, "payload");
+        const bool ended = thread.wait(30000);
+        thread.quit();
+        thread.wait();
+        QVERIFY(ended);
+        QCOMPARE(there.heard, QStringList({"join dev/Ann/", "remote dev resume QString 'payload'"}));
+        QCOMPARE(here, QStringList());
+        QTRY_COMPARE(here, QStringList("join dev/Ann/"));
     }
 
 private:
