@@ -1,4 +1,7 @@
 #include "collab/CalyxCollabMessage.h"
+#include "model/JsonSerializer.h"
+#include "model/QuestionMultiChoice.h"
+#include "model/QuestionText.h"
 #include "model/QuestionYesNo.h"
 #include "support/Rows.h"
 #include "support/SessionTest.h"
@@ -12,6 +15,20 @@ using Calyx::OrdinalType::ORDINAL_TYPE;
 using Calyx::PollType::POLL_TYPE;
 
 namespace {
+
+const auto noReference = QStringLiteral("[PresenterCollab] No image reference has been set!");
+
+// What stands in the brackets "<" and ">" is filled in.
+const char* const cardText =
+    R"({"segment":{"id":"any"},"isTeacherCard":true,"autoSend":true,"notes":null,"tracks":[],"visible":true,)"
+    R"("ordinal":1,"styles":{"backgroundColor":"","backgroundImage":""},"components":[{"ordinal":1397148149039,)"
+    R"("styles":{"anchor":false,"width":770,"left":15,"height":570,"top":15},"blob":{"url":"<url>"},"type":"image"}],)"
+    R"("trackSortSeq":0,"_tId":"DF8A71DA-3EF2-44E3-9B2F-F651C7A8B0F9","hasStudentCards":false})";
+
+QString card(const QString& url)
+{
+    return QString::fromLatin1(cardText).replace(QLatin1String("<url>"), url);
+}
 
 // What stands in the brackets "<" and ">" is filled in.
 const char* const documentText =
@@ -35,34 +52,47 @@ QString document(const QString& type, const QString& ordinal, const QString& opt
 
 } // namespace
 
-/// Polls that go out as questions or documents, the ids that answers come back under, and the steering of a
-/// running poll.
+/// Polls that go out as questions or documents, the ids that answers come back under, the steering of a
+/// running poll; questions of the host, image cards, and what the remote control is told.
 class TestPresenterCollabPolls : public SessionTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void publishesAQuestionStart_data()
+    void init()
     {
-        rows<int, QString, QString, int>({
-            {"true-false", 0, "true-false", "", 0},
-            {"yes-no-other", 1, "yes-no-other", "", 0},
-            {"multiple", 2, "multiple", "numberOfCorrectOptions", 2},
-            {"scale", 3, "scale", "", 0},
-            {"sort", 4, "sort", "", 0},
-            {"text", 5, "text", "maxChars", 0},
-            {"number", 7, "number", "noOfDecimals", 3},
-            {"math formula", 9, "math formula", "", 0},
-        });
+        m_session = std::make_unique<LiveSession>();
+        QVERIFY(m_session->open());
     }
 
+    void publishesAQuestionStart_data()
+    {
+        constexpr int least = std::numeric_limits<int>::min();
+        const QVariantMap none;
+        const auto right = [](int count) { return QVariantMap{{"numberOfCorrectOptions", count}}; };
+        // The scheme and the options, null where the kind has none, and what the kind alone has.
+        rows<int, int, int, int, QString, QString, QString, QVariantMap>({
+            {"true or false", 0, 0, 3, 0, "true-false", "alpha-upper", "A/TRUE/1 B/FALSE/2 ?/DONTKNOW/3",
+             none},
+            {"yes or no", 1, 1, 2, 0, "yes-no-other", "alpha-upper", "A/YES/1 B/NO/2", none},
+            {"choice", 2, 5, 3, 2, "multiple", "alpha-upper", "A//1 B//2 C//3", right(2)},
+            {"choice of small letters", 2, 6, 2, 0, "multiple", "alpha-lower", "a//1 b//2", right(0)},
+            {"choice of numbers", 2, 7, 2, -1, "multiple", "number", "0//1 1//2", right(-1)},
+            {"scale", 3, 8, 2, 1, "scale", "number", "0//1 1//2", none},
+            {"sort", 4, 7, 2, 1, "sort", "number", "0//1 1//2", none},
+            {"no options", 4, 5, 0, 1, "sort", "", "", none},
+            {"fewer than none", 4, 5, -1, 1, "sort", "", "", none},
+            {"the least", 4, 5, least, 1, "sort", "", "", none},
+            {"text", 5, 5, 3, 2, "text", QString(), QString(), QVariantMap{{"maxChars", 0}}},
+            {"number", 7, 7, 2, 5, "number", QString(), QString(), QVariantMap{{"noOfDecimals", 2}}},
+            {"formula", 9, 5, 3, 2, "math formula", QString(), QString(), none},
+        });
+    }
     void publishesAQuestionStart()
     {
-        const auto [type, name, ownKey, ownValue] = row<int, QString, QString, int>();
-        QVERIFY(m_session->open());
-
-        collab()->startPoll(POLL_TYPE(type), Calyx::OrdinalType::ALPHA_UPPER, 3, 2);
-
+        const auto [type, ordinal, count, extra, name, scheme, options, own] =
+            row<int, int, int, int, QString, QString, QString, QVariantMap>();
+        collab()->startPoll(POLL_TYPE(type), ORDINAL_TYPE(ordinal), count, extra);
         const auto publish = m_session->nextPublish();
         QCOMPARE(publish.address, QStringLiteral("abc"));
         QCOMPARE(publish.type, QStringLiteral("questionStart"));
@@ -73,9 +103,17 @@ private Q_SLOTS:
         QCOMPARE(question.value("type").toString(), name);
         QCOMPARE(question.value("questionSetMode").toString(), QStringLiteral("Poll"));
         QCOMPARE(question.value("card"), QVariant(QVariantMap{}));
-        if (!ownKey.isEmpty())
-            QCOMPARE(question.value(ownKey), QVariant(ownValue));
-        QCOMPARE(question.contains("activityOptions"), type <= 4);
+        QCOMPARE(question.value("metadata").toMap().value("ordinalType").toString(), scheme);
+        QCOMPARE(question.contains("activityOptions"), !options.isNull());
+        QStringList sent;
+        for (const QVariant& option : question.value("activityOptions").toList()) {
+            const auto map = option.toMap();
+            sent.append(map.value("id").toString() + '/' + map.value("optionText").toString() + '/' +
+                        map.value("displaySeqNumber").toString());
+        }
+        QCOMPARE(sent.join(' '), options);
+        for (const QString& key : own.keys())
+            QCOMPARE(question.value(key), own.value(key));
         QCOMPARE(log().debug("TRANSMIT: ").size(), 1);
         QVERIFY(m_session->nothingWasSent());
     }
@@ -94,7 +132,6 @@ private Q_SLOTS:
     void aQuestionCarriesTheCardImage()
     {
         const auto [bytes, reference, background] = row<QByteArray, QString, QVariant>();
-        QVERIFY(m_session->open());
         collab()->setCardImage(bytes);
         collab()->setCardImageRef(reference);
 
@@ -116,7 +153,6 @@ private Q_SLOTS:
 
     void theQuestionIsFreed()
     {
-        QVERIFY(m_session->open());
         collab()->setCardImageRef("p.png");
         const auto children = collab()->findChildren<QObject*>().size();
 
@@ -147,7 +183,6 @@ private Q_SLOTS:
     {
         const auto [type, ordinal, count, typeName, ordinalName, options] =
             row<int, int, int, QString, QString, QString>();
-        QVERIFY(m_session->open());
 
         collab()->startPoll(POLL_TYPE(type), ORDINAL_TYPE(ordinal), count, 9);
 
@@ -186,7 +221,6 @@ private Q_SLOTS:
     void eachPollHasAnIdOfItsOwn()
     {
         const auto [type] = row<int>();
-        QVERIFY(m_session->open());
         QStringList ids;
 
         for (int i = 0; i < 5; ++i) {
@@ -204,7 +238,6 @@ private Q_SLOTS:
 
     void theCurrentQuestionIdIsThatOfTheAnswers()
     {
-        QVERIFY(m_session->open());
         QVERIFY(collab()->currentQuestionId().isEmpty());
 
         auto question = startedQuestion(Calyx::PollType::TEXT, Calyx::OrdinalType::GENERIC, 0);
@@ -227,7 +260,6 @@ private Q_SLOTS:
 
     void pauseAndResumeKeepThePollAndStopForgetsIt()
     {
-        QVERIFY(m_session->open());
         collab()->setCardImage("png");
         collab()->setCardImageRef("p.png");
         startedQuestion(Calyx::PollType::TEXT, Calyx::OrdinalType::GENERIC, 0);
@@ -257,8 +289,8 @@ private Q_SLOTS:
 
     void pollsWhileDisconnectedAreDropped()
     {
+        m_session = std::make_unique<LiveSession>();
         collab()->setCardImageRef("p.png");
-
         collab()->startPoll(Calyx::PollType::WORD_SEED, Calyx::OrdinalType::GENERIC, 0, 0);
         QCOMPARE(dropped(), 1);
         QCOMPARE(collab()->currentPollId().size(), 36);
@@ -276,6 +308,232 @@ private Q_SLOTS:
         QCOMPARE(log().debug("TRANSMIT: ").size(), 1);
         QVERIFY(m_session->open());
         QVERIFY(m_session->nothingWasSent());
+    }
+
+    void sendsAQuestionToAnAddress()
+    {
+        Calyx::QuestionMultiChoice question;
+        question.addActivityOption("A", "x [ 1 ]", 1);
+
+        collab()->sendQuestion(".user.d1", &question);
+
+        const auto publish = m_session->nextPublish();
+        QCOMPARE(publish.address, QStringLiteral("abc.user.d1"));
+        QCOMPARE(publish.type, QStringLiteral("questionStart"));
+        QCOMPARE(publish.from, QStringLiteral("teacher-7"));
+        QCOMPARE(publish.data, Calyx::JsonSerializer::serializeToJson(&question));
+        QVERIFY(publish.data.contains(QLatin1String("\"optionText\": \"x [ 1 ]\"")));
+        QCOMPARE(log().debug("TRANSMIT: ").size(), 1);
+    }
+
+    // Of which kind each class is, and the id of each kind, is in tst_QuestionBase.
+    void setsTheActivityType()
+    {
+        Calyx::QuestionYesNo question;
+        question.setTrueFalse(true);
+        question.setactivityType({{"id", "another"}, {"more", 1}});
+
+        collab()->sendQuestion(&question);
+
+        const QVariantMap expected{{"id", "3c476afbcfce45eda0b44df4737c3d27"}, {"name", "true-false"}};
+        QCOMPARE(question.activityType(), expected);
+        QCOMPARE(m_session->nextPublish().map().value("activityType").toMap(), expected);
+    }
+
+    void aTypeThatIsUnknownHasNoActivityId()
+    {
+        Calyx::QuestionBase question;
+        question.setType("riddle");
+
+        collab()->sendQuestion(&question);
+
+        const auto publish = m_session->nextPublish();
+        QCOMPARE(publish.address, QStringLiteral("abc"));
+        QCOMPARE(publish.map().value("id").toString(), question.id());
+        QCOMPARE(publish.map().value("activityType").toMap(), QVariantMap({{"id", ""}, {"name", "riddle"}}));
+    }
+
+    void aQuestionStaysTheCallers()
+    {
+        QObject parent;
+        const QPointer<Calyx::QuestionText> question = new Calyx::QuestionText(&parent);
+
+        collab()->sendQuestion(question);
+        collab()->sendQuestion(question);
+
+        QCOMPARE(m_session->nextPublish().type, QStringLiteral("questionStart"));
+        QCOMPARE(m_session->nextPublish().type, QStringLiteral("questionStart"));
+        m_session->deleteCollab();
+        QVERIFY(question);
+        QCOMPARE(question->parent(), &parent);
+    }
+
+    void cardImageReference_data()
+    {
+        const QByteArray none;
+        const QString null;
+        rows<QByteArray, QString, bool, QString, int>({
+            {"nothing", none, null, false, "", 1},
+            {"nothing, for CSS", none, null, true, "", 1},
+            {"reference", none, "http://h/p.png", false, "http://h/p.png", 0},
+            {"reference, for CSS", none, "http://h/p.png", true, "url('http://h/p.png')", 0},
+            {"empty reference", none, "", false, "", 0},
+            {"empty reference, for CSS", none, "", true, "url('')", 0},
+            {"placeholder", none, "%0%1", true, "url('%0%1')", 0},
+            {"bytes", "png", null, false, "data:image/png;base64,cG5n", 0},
+            {"bytes, for CSS", "png", null, true, "data:image/png;base64,cG5n", 0},
+            {"bytes win", "png", "p.png", true, "data:image/png;base64,cG5n", 0},
+            {"empty bytes", "", "p.png", false, "p.png", 0},
+            {"a zero byte", QByteArray("\0", 1), null, false, "data:image/png;base64,AA==", 0},
+            {"plus and slash", QByteArray("\xfb\xff"), null, false, "data:image/png;base64,+/8=", 0},
+        });
+    }
+
+    void cardImageReference()
+    {
+        const auto [bytes, reference, asCssUrl, expected, logged] =
+            row<QByteArray, QString, bool, QString, int>();
+        collab()->setCardImage(bytes);
+        collab()->setCardImageRef(reference);
+
+        QCOMPARE(collab()->getCardImageRef(asCssUrl), expected);
+
+        QCOMPARE(log().debug(noReference).size(), logged);
+    }
+
+    void clearingTheCardImageForgetsBothForms()
+    {
+        collab()->setCardImage("png");
+        collab()->setCardImageRef(QString());
+        collab()->clearCardImage();
+        QCOMPARE(collab()->getCardImageRef(true), QString());
+        QCOMPARE(log().debug(noReference).size(), 1);
+
+        collab()->setCardImageRef("p.png");
+        collab()->clearCardImage();
+        QCOMPARE(collab()->getCardImageRef(true), QString());
+        QCOMPARE(log().debug(noReference).size(), 2);
+
+        collab()->setCardImageRef("p.png");
+        collab()->setCardImageRef(QString());
+        QCOMPARE(collab()->getCardImageRef(true), QString());
+        QCOMPARE(log().debug(noReference).size(), 3);
+    }
+
+    void showsAnImageCard_data()
+    {
+        rows<QByteArray, QString, QString>({
+            {"reference", QByteArray(), "http://h/p.png", "http://h/p.png"},
+            {"bytes", "png", QString(), "data:image/png;base64,cG5n"},
+            {"none", QByteArray(), QString(), ""},
+            {"placeholders", QByteArray(), "%0%1%2", "%0%1%2"},
+        });
+    }
+
+    void showsAnImageCard()
+    {
+        const auto [bytes, reference, url] = row<QByteArray, QString, QString>();
+
+        for (bool checkHeavy : {false, true}) {
+            collab()->setCardImage(bytes);
+            collab()->setCardImageRef(reference);
+            collab()->showImageCard(checkHeavy);
+            QCOMPARE(nextPublish("abc.learner", "showCard").data, card(url));
+        }
+        QVERIFY(m_session->nothingWasSent());
+    }
+
+    void largeImagesAreAnnounced_data()
+    {
+        const QByteArray none;
+        const auto reference = [](int length) { return QString(length, QLatin1Char('r')); };
+        rows<QByteArray, QString, bool, bool>({
+            {"524288", none, reference(524288), true, false},
+            {"524289", none, reference(524289), true, true},
+            {"a million", none, reference(1000000), true, true},
+            {"524289, unchecked", none, reference(524289), false, false},
+            // 22 characters in front of four for each three bytes.
+            {"bytes of 524286 characters", QByteArray(393198, 'x'), QString(), true, false},
+            {"bytes of 524290 characters", QByteArray(393199, 'x'), QString(), true, true},
+        });
+    }
+
+    void largeImagesAreAnnounced()
+    {
+        const auto [bytes, reference, checkHeavy, announced] = row<QByteArray, QString, bool, bool>();
+        collab()->setCardImage(bytes);
+        collab()->setCardImageRef(reference);
+        const QString url = collab()->getCardImageRef(false);
+
+        collab()->showImageCard(checkHeavy);
+
+        if (announced)
+            QCOMPARE(nextPublish("abc.learner", "heavy").data, QStringLiteral("\"%0\""));
+        QVERIFY(nextPublish("abc.learner", "showCard").data == card(url));
+        QVERIFY(m_session->nothingWasSent());
+    }
+
+    void aShownCardIsForgotten()
+    {
+        collab()->setCardImage("png");
+        collab()->setCardImageRef("p.png");
+        collab()->showImageCard(true);
+        QCOMPARE(nextPublish("abc.learner", "showCard").data, card("data:image/png;base64,cG5n"));
+        QCOMPARE(log().debug(noReference).size(), 0);
+
+        collab()->showImageCard(true);
+
+        QCOMPARE(log().debug(noReference).size(), 1);
+        QCOMPARE(nextPublish("abc.learner", "showCard").data, card(QString()));
+    }
+
+    void currentLesson_data()
+    {
+        rows<QString, QString, QString>({
+            {"plain", "l1", "Fractions", R"({"lessonId":"l1", "name":"Fractions"})"},
+            {"empty", "", "", R"({"lessonId":"", "name":""})"},
+            {"placeholders", "%1", "%0%1", R"({"lessonId":"%1", "name":"%0%1"})"},
+            {"not escaped", "a\"b", "c\\d", "{\"lessonId\":\"a\"b\", \"name\":\"c\\d\"}"},
+            {"outside ASCII", "l2", "Übung", R"({"lessonId":"l2", "name":"Übung"})"},
+        });
+    }
+
+    void currentLesson()
+    {
+        const auto [id, name, data] = row<QString, QString, QString>();
+
+        collab()->sendCurrentLessonToRemote(id, name);
+
+        QCOMPARE(nextPublish("abc.controller", "currentLesson").data, data);
+    }
+
+    void whatHasNoDataGoesOutUnfilled()
+    {
+
+        collab()->sendHeavy();
+        QCOMPARE(nextPublish("abc.learner", "heavy").data, QStringLiteral("\"%0\""));
+        collab()->sendPresenterIsActiveToRemote();
+        QCOMPARE(nextPublish("abc.controller", "presenterIsActive").data, QStringLiteral("\"%0\""));
+    }
+
+    void currentCard_data()
+    {
+        rows<int, int, QString>({
+            {"none", 3, 0, R"({"currentCard":"3", "cards": [], "totalCards":"0"})"},
+            {"one", 1, 1, R"({"currentCard":"1", "cards": [{"name":"1"}], "totalCards":"1"})"},
+            {"three", 2, 3,
+             R"({"currentCard":"2", "cards": [{"name":"1"},{"name":"2"},{"name":"3"}], "totalCards":"3"})"},
+            {"negative", -1, -2, R"({"currentCard":"-1", "cards": [], "totalCards":"-2"})"},
+        });
+    }
+
+    void currentCard()
+    {
+        const auto [current, total, data] = row<int, int, QString>();
+
+        collab()->sendCurrentCardToRemote(current, total);
+
+        QCOMPARE(nextPublish("abc.controller", "currentCard").data, data);
     }
 };
 
