@@ -1,5 +1,7 @@
+#include "base/SafeCookieJar.h"
 #include "support/ConnectorProbe.h"
 #include "support/FakeService.h"
+#include "support/LogRecorder.h"
 #include "support/Rows.h"
 #include "support/ScriptedHttpServer.h"
 #include "support/TestCertificates.h"
@@ -8,6 +10,8 @@
 #include <CalyxClient/PresenterClient>
 #include <CalyxClient/SockJSConnector>
 
+#include <QNetworkCookie>
+#include <QUrl>
 #include <QtTest>
 
 using Answer = FakeService::Answer;
@@ -41,9 +45,23 @@ bool check(PresenterClient* client)
     return client->checkServer(QString(), QString());
 }
 
+QByteArray sent(const SafeCookieJar& jar, const char* url)
+{
+    QByteArray text;
+    const QList<QNetworkCookie> cookies = jar.cookiesForUrl(QUrl(QLatin1String(url)));
+    for (const QNetworkCookie& cookie : cookies)
+        text += cookie.toRawForm(QNetworkCookie::NameAndValueOnly) + ';';
+    return text;
+}
+
+bool set(SafeCookieJar* jar, const QByteArray& header, const char* url)
+{
+    return jar->setCookiesFromUrl(QNetworkCookie::parseCookies(header), QUrl(QLatin1String(url)));
+}
+
 } // namespace
 
-/// Where a redirect leads, and which cookies go there.
+/// Where a redirect leads, which cookies are kept, and who gets them.
 class tst_CookiesAndRedirects : public QObject
 {
     Q_OBJECT
@@ -218,6 +236,81 @@ private Q_SLOTS:
         QTRY_COMPARE(other.texts, QStringList("o"));
         QTRY_COMPARE(server.count("/xhr"), 4);
         QVERIFY(!server.requests("/xhr").last().headers.contains("cookie"));
+    }
+
+    void controlCharactersAreRefused_data()
+    {
+        columns<QByteArray, QByteArray>();
+        const QList<QByteArray> breaking{"\r", "\n", "\r\n", QByteArray(1, '\0')};
+        for (const QByteArray& text : breaking) {
+            const QByteArray hex = text.toHex();
+            QTest::addRow("%s in the value", hex.constData()) << QByteArray("a") << '1' + text + "X: 1";
+            QTest::addRow("%s in the name", hex.constData()) << 'a' + text + 'b' << QByteArray("1");
+        }
+    }
+
+    void controlCharactersAreRefused()
+    {
+        const auto [name, value] = row<QByteArray, QByteArray>();
+        SafeCookieJar jar("[Tag]", nullptr);
+        const LogRecorder log;
+        QVERIFY(!jar.setCookiesFromUrl({QNetworkCookie(name, value)}, QUrl("http://127.0.0.1/")));
+        QCOMPARE(sent(jar, "http://127.0.0.1/"), QByteArray());
+        QCOMPARE(log.debug("[Tag] Refused a cookie").size(), 1);
+    }
+
+    void harmlessOnesAreKept_data()
+    {
+        rows<QByteArray, QByteArray>({
+            {"plain", "a=1", "a=1;"},
+            {"a tab", "a=1\t2", "a=1\t2;"},
+            {"a blank", "a=1 2", "a=1 2;"},
+            {"beyond ASCII", "a=\xc3\xa4", "a=\xc3\xa4;"},
+            {"beside a bad one", "a=1\nb=2\r3\nc=4", "a=1;c=4;"},
+            {"its own address as domain", "a=1; Domain=127.0.0.1", "a=1;"},
+            {"its own address, a point before it", "a=1; Domain=.127.0.0.1", "a=1;"},
+        });
+    }
+
+    void harmlessOnesAreKept()
+    {
+        const auto [header, expected] = row<QByteArray, QByteArray>();
+        SafeCookieJar jar("[Tag]", nullptr);
+        set(&jar, header, "http://127.0.0.1/");
+        QCOMPARE(sent(jar, "http://127.0.0.1/"), expected);
+    }
+
+    void endOfAnAddressIsNoDomain()
+    {
+        for (const char* domain : {".0.0.1", "0.0.1", ".1", "1", "127.0.0.2", ".127.0.0.1", "local"}) {
+            SafeCookieJar jar("[Tag]", nullptr);
+            set(&jar, QByteArray("a=1; Domain=") + domain, "http://127.0.0.1/");
+            for (const char* other : {"http://10.0.0.1/", "http://127.0.0.2/", "http://x.127.0.0.1/"})
+                QVERIFY2(sent(jar, other).isEmpty(), domain);
+        }
+    }
+
+    void hostOfOneNameKeepsItsOwn()
+    {
+        for (const char* domain : {"localhost", ".localhost", "LOCALHOST"}) {
+            SafeCookieJar jar("[Tag]", nullptr);
+            set(&jar, QByteArray("a=1; Domain=") + domain, "http://localhost/");
+            QCOMPARE(sent(jar, "http://localhost/"), QByteArray("a=1;"));
+            for (const char* other : {"http://host/", "http://otherlocalhost/"})
+                QVERIFY2(sent(jar, other).isEmpty(), domain);
+        }
+    }
+
+    void anotherHostGetsNone()
+    {
+        for (const char* attribute : {"", "; Domain=school.example", "; Domain=other.example",
+                                      "; Domain=example", "; Domain=.example", "; Domain=.", "; Domain="}) {
+            SafeCookieJar jar("[Tag]", nullptr);
+            set(&jar, QByteArray("a=1") + attribute, "http://school.example/");
+            for (const char* other : {"http://other.example/", "http://example/", "http://notschool.example/",
+                                      "http://school.example.org/"})
+                QVERIFY2(sent(jar, other).isEmpty(), attribute);
+        }
     }
 };
 

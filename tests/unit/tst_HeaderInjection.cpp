@@ -1,3 +1,4 @@
+#include "base/RequestText.h"
 #include "support/ConnectorProbe.h"
 #include "support/LogRecorder.h"
 #include "support/Rows.h"
@@ -39,7 +40,8 @@ bool areClean(const Server& server)
 
 } // namespace
 
-/// Text from a host, a service or a bus never becomes a line of a request's header.
+/// Text from a host, a service or a bus never becomes a line of a request's header; and which characters may
+/// stand in which line of a raw request.
 class tst_HeaderInjection : public QObject
 {
     Q_OBJECT
@@ -166,19 +168,13 @@ private Q_SLOTS:
     void addressOfTheService_data()
     {
         columns<QString, bool>();
-        // %1: the port
-        // or no request made of it
-        const auto add = [](const char* name, const QString& text) {
-            QTest::addRow("%s in the path", name) << QStringLiteral("http://127.0.0.1:%1/a") + text << true;
-            QTest::addRow("%s in the host", name) << QStringLiteral("http://127.0.0.1") + text << false;
-            QTest::addRow("%s after the port", name) << QStringLiteral("http://127.0.0.1:%1") + text << false;
-        };
-        add("CR", injected("\r"));
-        add("LF", injected("\n"));
-        add("CR LF", injected("\r\n"));
-        add("blank", injected(" "));
-        add("tab", injected("\t"));
-        add("NUL", QChar(0) + injected(""));
+        // With the port for %1, and whether a request is made of it.
+        const QString host = "http://127.0.0.1";
+        for (const auto& [name, text] : breaks()) {
+            QTest::addRow("%s in the path", name) << host + ":%1/a" + text << true;
+            QTest::addRow("%s in the host", name) << host + text << false;
+            QTest::addRow("%s after the port", name) << host + ":%1" + text << false;
+        }
     }
 
     void addressOfTheService()
@@ -258,16 +254,48 @@ private Q_SLOTS:
         QVERIFY(!client.server().contains(QLatin1String("Injected")));
     }
 
+    void everyCharacterOfAFirstLine()
+    {
+        for (int character = 0; character <= 0xffff; ++character) {
+            const bool isSafe = character > ' ' && character != 0x7f;
+            if (RequestText::isSafeInFirstLine(QString(QChar(character))) != isSafe)
+                QFAIL(qPrintable(QString::number(character, 16)));
+        }
+    }
+
+    void everyByteOfALine()
+    {
+        for (int byte = 0; byte <= 0xff; ++byte) {
+            const bool isSafe = byte != '\r' && byte != '\n' && byte != '\0';
+            if (RequestText::isSafeInLine(QByteArray(1, char(byte))) != isSafe)
+                QFAIL(qPrintable(QString::number(byte, 16)));
+        }
+    }
+
+    void oneBadCharacterIsEnough()
+    {
+        const QString text = "/bus/119/abcdefgh";
+        QVERIFY(RequestText::isSafeInFirstLine(text));
+        QVERIFY(RequestText::isSafeInLine(text.toLatin1()));
+        for (int at = 0; at <= text.size(); ++at) {
+            const QString broken = QString(text).insert(at, QLatin1Char('\n'));
+            QVERIFY2(!RequestText::isSafeInFirstLine(broken), qPrintable(QString::number(at)));
+            QVERIFY2(!RequestText::isSafeInLine(broken.toLatin1()), qPrintable(QString::number(at)));
+        }
+    }
+
 private:
+    static QList<QPair<const char*, QString>> breaks()
+    {
+        return {{"CR", injected("\r")},   {"LF", injected("\n")},  {"CR LF", injected("\r\n")},
+                {"blank", injected(" ")}, {"tab", injected("\t")}, {"NUL", QChar(0) + injected("")}};
+    }
+
     static void texts()
     {
         QTest::addColumn<QString>("text");
-        QTest::newRow("CR") << injected("\r");
-        QTest::newRow("LF") << injected("\n");
-        QTest::newRow("CR LF") << injected("\r\n");
-        QTest::newRow("blank") << injected(" ");
-        QTest::newRow("tab") << injected("\t");
-        QTest::newRow("NUL") << QChar(0) + injected("");
+        for (const auto& [name, text] : breaks())
+            QTest::newRow(name) << text;
         QTest::newRow("the end of a request") << injected(" HTTP/1.1\r\n");
         QTest::newRow("a request of its own") << injected(" HTTP/1.1\r\n\r\nPOST /x HTTP/1.1\r\n");
     }

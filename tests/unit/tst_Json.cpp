@@ -1,12 +1,15 @@
-// JSON in and out: the reader, the writer, and the escapes that both use.
+// JSON in and out: the reader, the writer, the escapes that both use; and SockJS frames as texts: what goes
+// out is what Qt's own writer makes of them. What comes in, as Qt's reader reads it, is in tst_HostileJson.
 
 #include "base/JsonEscape.h"
 #include "base/JsonReader.h"
 #include "base/JsonWriter.h"
 #include "support/Rows.h"
+#include "transport/SockJSFrame.h"
 
 #include <QDateTime>
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QJsonObject>
 #include <QTest>
 #include <QUrl>
@@ -40,26 +43,14 @@ class tst_Json : public QObject
 private Q_SLOTS:
     void everyCharacterAsQtWritesIt()
     {
+        int count = 0;
         for (int character = 0; character <= 0xffff; ++character) {
             const ushort letter = jsonEscape(ushort(character));
             const QJsonArray list{QString(QChar(character))};
             const QByteArray json = QJsonDocument(list).toJson(QJsonDocument::Compact); // ["\n"]
             const bool isShort = json.size() == 6 && json.at(2) == '\\';
             QCOMPARE(letter, isShort ? ushort(json.at(3)) : ushort(0));
-        }
-    }
-
-    void everyEscapeIsReadByQt()
-    {
-        int count = 0;
-        for (int character = 0; character <= 0xffff; ++character) {
-            const ushort letter = jsonEscape(ushort(character));
-            if (letter == 0)
-                continue;
-            ++count;
-            const QString json = QStringLiteral("[\"\\%1\"]").arg(QChar(letter));
-            QCOMPARE(QJsonDocument::fromJson(json.toUtf8()).array().first().toString(),
-                     QString(QChar(character)));
+            count += isShort;
         }
         QCOMPARE(count, 7);
     }
@@ -246,6 +237,64 @@ private Q_SLOTS:
         const QString escapes = QStringLiteral("\\u0061").repeated(1000000);
         QVERIFY(!JsonReader::read(QStringLiteral(R"({"%1":[],"b":[]})").arg(escapes)).object().isEmpty());
         QVERIFY(!JsonReader::read(namesOfOneHash()).object().isEmpty());
+    }
+
+    void messagesOfAnyLength()
+    {
+        for (const int length : {0, 1, 1023, 1024, 1025, 2048, 100000, 1000000}) {
+            const QString text(length, QLatin1Char('x'));
+            const QString escapes = QStringLiteral("\\n").repeated(length);
+            QCOMPARE(SockJSFrame::messages(QStringLiteral("a[\"%1\"]").arg(text)), QStringList(text));
+            QCOMPARE(SockJSFrame::messages(QStringLiteral("a[\"%1\",\"%2\"]").arg(text, escapes)),
+                     QStringList({text, QString(length, QLatin1Char('\n'))}));
+            QCOMPARE(SockJSFrame::messages(QStringLiteral("a[\"%1").arg(text)), QStringList());
+        }
+    }
+
+    void manyMessagesInOneFrame()
+    {
+        constexpr int count = 20000; // in time and memory that grow with the text, not with its square
+        QStringList sent;
+        QJsonArray array;
+        for (int i = 0; i < count; ++i) {
+            sent.append(QStringLiteral("{\"number\":%1}").arg(i));
+            array.append(sent.last());
+        }
+        const QString frame =
+            QLatin1Char('a') + QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
+        QCOMPARE(SockJSFrame::messages(frame), sent);
+    }
+
+    void frameIsThatOfQtsWriter_data()
+    {
+        columns<QString>();
+        const QStringList messages = {
+            QString(),
+            QStringLiteral("text"),
+            QStringLiteral(R"({"type":"ping"})"),
+            QStringLiteral("\"\\/\b\f\n\r\t"),
+            QStringLiteral("\u0001\u001f\u007f"),
+            QStringLiteral("\u00e4\u6f22\U0001f600\u2028<>&"),
+            QString(QChar(0xd800)),
+            QString(QChar(0xdc00)),
+            QChar(0xd83d) + QStringLiteral("x"),
+            QLatin1String("a") + QChar(0) + QLatin1String("b"),
+        };
+        for (int i = 0; i < messages.size(); ++i)
+            QTest::addRow("%d", i) << messages.at(i);
+    }
+
+    void frameIsThatOfQtsWriter()
+    {
+        const auto [message] = row<QString>();
+        QCOMPARE(SockJSFrame::encode(message),
+                 QString::fromUtf8(QJsonDocument(QJsonArray{message}).toJson()));
+    }
+
+    void blanksAtBracketsAreDropped()
+    {
+        QCOMPARE(SockJSFrame::encode(QStringLiteral("x[ 1 ]y[  ] [ [ ] ] { }")),
+                 QStringLiteral("[\n    \"x[1]y[] [[]] { }\"\n]\n"));
     }
 };
 

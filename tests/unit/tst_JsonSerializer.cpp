@@ -1,16 +1,22 @@
 #include "support/LogRecorder.h"
+#include "support/Rows.h"
 #include "support/TypeNamed.h"
 
+#include <CalyxClient/CalyxCollabMessage>
 #include <CalyxClient/JsonSerializer>
+#include <CalyxClient/Lzma>
+#include <CalyxClient/MessageTemplates>
+#include <CalyxClient/QuestionText>
 
 #include <QJsonDocument>
+#include <QObject>
 #include <QTest>
 
 #include <limits>
 #include <memory>
 #include <vector>
 
-using Calyx::JsonSerializer;
+using namespace Calyx;
 
 namespace {
 
@@ -35,6 +41,18 @@ int chainLength(const QVariant& value)
 {
     const QVariantMap map = value.toMap();
     return map.isEmpty() ? 0 : 1 + chainLength(map.value("next"));
+}
+
+const QString INVALID = "[CalyxCollabMessage] data object in message is invalid!";
+
+// The text inside of the one element of the data.
+QString decoded(const CalyxCollabMessage& message)
+{
+    const QVariantList list = message.data().toList();
+    QString text;
+    if (list.size() != 1 || list.first().userType() != QMetaType::QString)
+        return QStringLiteral("not a list of one text");
+    return Lzma::decompress64(list.first().toString(), &text) ? text : QStringLiteral("not compressed");
 }
 
 } // namespace
@@ -144,6 +162,7 @@ public:
     QObject* next = nullptr;
 };
 
+/// Objects as JSON, and the message that carries them.
 class tst_JsonSerializer : public QObject
 {
     Q_OBJECT
@@ -153,12 +172,11 @@ private Q_SLOTS:
 
     void cleanup() { m_log.reset(); }
 
-    void ignoresExactlyObjectName()
+    void hasItsConstants()
     {
         QCOMPARE(JsonSerializer::getIgnorePropertiesList(), QStringList("objectName"));
+        QCOMPARE(int(JsonSerializer::MAX_RECURSE_DEPTH), 4);
     }
-
-    void depthAtTheTopIsFour() { QCOMPARE(int(JsonSerializer::MAX_RECURSE_DEPTH), 4); }
 
     void whatHoldsNothingGivesAnEmptyObjectAndNoMessage()
     {
@@ -383,6 +401,86 @@ private Q_SLOTS:
         QCOMPARE(third.size(), 2);
         QCOMPARE(third.first().toMap().value("list").toList(), QVariantList({QVariantMap(), QVariantMap()}));
         QCOMPARE(m_log->debug(MAX_DEPTH).size(), 8);
+    }
+
+    void dataobjectIsASlotAndNoProperty()
+    {
+        CalyxCollabMessage message;
+        QObject object;
+        QVERIFY(QMetaObject::invokeMethod(&message, "setdataobject", Q_ARG(QObject*, &object)));
+        QCOMPARE(message.dataobject(), &object);
+        QVERIFY(!object.parent());
+        QCOMPARE(message.metaObject()->indexOfProperty("dataobject"), -1);
+        message.setdataobject(nullptr);
+        QVERIFY(!message.dataobject());
+    }
+
+    void mapIsSerialisedAndCompressed_data()
+    {
+        rows<QVariant, QString>({
+            {"map", QVariant(QVariantMap{{"text", "Hi"}, {"isDismissible", true}}),
+             "{\n    \"isDismissible\": true,\n    \"text\": \"Hi\"\n}\n"},
+            {"empty map", QVariant(QVariantMap()), "{\n}\n"},
+            {"hash, which converts to a map", QVariant(QVariantHash{{"a", 1}}), "{\n    \"a\": 1\n}\n"},
+            {"map of another type, which converts to a map",
+             QVariant::fromValue(QMap<QString, int>{{"a", 1}}), "{\n    \"a\": 1\n}\n"},
+        });
+    }
+
+    void mapIsSerialisedAndCompressed()
+    {
+        const auto [data, json] = row<QVariant, QString>();
+        CalyxCollabMessage message;
+        message.setdata(data);
+        message.compileData();
+        QCOMPARE(decoded(message), json);
+        QCOMPARE(m_log->debug(), QStringList());
+    }
+
+    void dataThatIsNoMapStaysAndIsReported()
+    {
+        CalyxCollabMessage message;
+        int reports = 0;
+        for (const QVariant& data : {QVariant(), QVariant("{\"a\":1}"), QVariant(5),
+                                     QVariant(QVariantList{QVariantMap()}), QVariant(QByteArray("{}"))}) {
+            message.setdata(data);
+            message.compileData();
+            QCOMPARE(message.data(), data);
+            QCOMPARE(message.data().isValid(), data.isValid());
+            QCOMPARE(m_log->debug().size(), ++reports);
+            QCOMPARE(m_log->debug(INVALID).size(), reports);
+        }
+    }
+
+    void objectGoesBeforeTheMapWhileItLives()
+    {
+        auto question = std::make_unique<QuestionText>();
+        CalyxCollabMessage message;
+        message.setdataobject(question.get());
+        for (const QString hint : {u8"Größe 😀", "changed"}) {
+            question->sethint(hint);
+            message.setdata(QVariantMap{{"text", "Hi"}});
+            message.compileData();
+            QCOMPARE(decoded(message), JsonSerializer::serializeToJson(question.get()));
+        }
+        QCOMPARE(m_log->debug(INVALID), QStringList());
+        // The rest stays as it was.
+        QCOMPARE(message.from() + message.type() + message.version() + message.sourceSystem(),
+                 QStringLiteral("3.0.0Lumora"));
+
+        question.reset();
+        QVERIFY(!message.dataobject());
+        message.compileData(); // a list, which is no map
+        QCOMPARE(m_log->debug(INVALID).size(), 1);
+        message.setdata(QVariantMap());
+        message.compileData();
+        QCOMPARE(decoded(message), QStringLiteral("{\n}\n"));
+    }
+
+    void textsOfFormulas()
+    {
+        QCOMPARE(QString(CALYX_LATEX_START), QStringLiteral("<span class=\"mathquill-embedded-latex\">"));
+        QCOMPARE(QString(CALYX_LATEX_END), QStringLiteral("</span>"));
     }
 
 private:

@@ -68,6 +68,18 @@ class tst_LessonClass : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void init()
+    {
+        m_class = std::make_unique<Class>();
+        QVERIFY(m_class->start());
+    }
+    void cleanup()
+    {
+        if (m_class->lesson && m_class->lesson->state() != Lesson::LoggedOut)
+            QVERIFY(m_class->end());
+        m_class.reset();
+    }
+
     void brings_data()
     {
         rows<Play, QStringList>({
@@ -144,86 +156,75 @@ private Q_SLOTS:
     void brings()
     {
         const auto [play, published] = row<Play, QStringList>();
-        Class class_;
-        QVERIFY(class_.start());
-        class_.published();
-        play(class_);
-        class_.lesson->setName({}, {}); // told to the remote control
-        QStringList types = class_.published();
-        if (class_.lesson->deck()->rowCount() > 0) // that was told as well
-            types += class_.published();
+        m_class->published();
+        play(*m_class);
+        m_class->lesson->setName({}, {}); // told to the remote control
+        QStringList types = m_class->published();
+        if (m_class->lesson->deck()->rowCount() > 0) // that was told as well
+            types += m_class->published();
         QCOMPARE(types, published);
-        QVERIFY(class_.end());
     }
 
     // In the same second: no ids repeat. Texts stand in each.
     void asksAnyKindInWords()
     {
-        Class class_;
-        QVERIFY(class_.start());
-        class_.published();
+        m_class->published();
         QStringList ids;
         for (int type = PollType::TRUE_FALSE; type <= PollType::MATH_FORMULA; ++type) {
             Question question = Question::usual(PollType::POLL_TYPE(type));
             question.text = QStringLiteral("Why \"%1\"?");
             for (const QString& id : question.optionIds())
                 question.options.append(QStringLiteral("option ") + id);
-            ids.append(class_.lesson->ask(question)->id());
+            ids.append(m_class->lesson->ask(question)->id());
         }
-        class_.lesson->setName({}, {});
-        const Class::Published published = class_.publishedWithData();
+        m_class->lesson->setName({}, {});
+        const Class::Published published = m_class->publishedWithData();
         QCOMPARE(published.data.size(), ids.size());
         for (int i = 0; i < ids.size(); ++i) {
             const QJsonObject& data = published.data.at(i);
             QCOMPARE(published.types.at(i), QStringLiteral("questionStart T"));
             QCOMPARE(data.value("id").toString(), ids.at(i));
             QCOMPARE(data.value("instructions").toString(), QStringLiteral("Why \"%1\"?"));
-            const Question question = class_.lesson->polls().at(i)->question();
+            const Question question = m_class->lesson->polls().at(i)->question();
             const QJsonArray options = data.value("activityOptions").toArray();
             QCOMPARE(options.size(), question.options.size());
             for (int k = 0; k < options.size(); ++k)
                 QCOMPARE(options.at(k).toObject().value("optionText").toString(), question.options.at(k));
         }
         QCOMPARE(ids.removeDuplicates(), 0);
-        QVERIFY(class_.end());
     }
 
     void asksInTheWordsOfAScheme()
     {
         using Row = std::pair<OrdinalType::ORDINAL_TYPE, QStringList>;
-        Class class_;
-        QVERIFY(class_.start());
-        class_.published();
+        m_class->published();
         for (const auto& [ordinal, sent] : {Row{OrdinalType::YES_NO_OTHER, {"YES", "NO", "DONTKNOW"}},
                                             Row{OrdinalType::YES_NO_MAYBE, {"Yes", "No", "Maybe"}},
                                             Row{OrdinalType::ALPHA_UPPER, {"", "", ""}}}) {
-            class_.lesson->ask(PollType::YES_NO_OTHER, ordinal, 3);
-            class_.lesson->setName({}, {});
+            m_class->lesson->ask(PollType::YES_NO_OTHER, ordinal, 3);
+            m_class->lesson->setName({}, {});
             QStringList texts;
             const QJsonArray options =
-                class_.publishedWithData().data.value(0).value("activityOptions").toArray();
+                m_class->publishedWithData().data.value(0).value("activityOptions").toArray();
             for (const QJsonValue& option : options)
                 texts.append(option.toObject().value("optionText").toString());
             QCOMPARE(texts, sent);
         }
-        QVERIFY(class_.end());
     }
 
     void tellsHowAPollCameOut()
     {
-        Class class_;
-        QVERIFY(class_.start());
-        class_.published();
-        Poll* const poll = class_.lesson->ask(marked());
+        m_class->published();
+        Poll* const poll = m_class->lesson->ask(marked());
         QVERIFY(poll->results()->mostFrequent().title().isEmpty());
-        class_.answer("D1", poll->id(), "B");
-        class_.answer("D2", poll->id(), "A");
+        m_class->answer("D1", poll->id(), "B");
+        m_class->answer("D2", poll->id(), "A");
         QVERIFY(waitFor([&] { return poll->answered() == 2; }));
-        class_.lesson->showResults();
-        class_.lesson->setName({}, {});
+        m_class->lesson->showResults();
+        m_class->lesson->setName({}, {});
         QCOMPARE(poll->rightAnswers(), 1);
         QCOMPARE(poll->results()->mostFrequent().label, QStringLiteral("A")); // the first of two
-        const QList<QJsonObject> data = class_.publishedWithData().data.mid(1);
+        const QList<QJsonObject> data = m_class->publishedWithData().data.mid(1);
         QCOMPARE(data.size(), 2); // first those who are wrong
         QCOMPARE(data.at(0).value("text").toString(),
                  QStringLiteral("Your answer is not right.\nRight is: B.\nA: 1, B: 1, C: 0, D: 0"));
@@ -233,59 +234,53 @@ private Q_SLOTS:
         QCOMPARE(results.value("text").toString(), QStringLiteral("Your answer is right."));
         const QJsonObject bar{{"title", "B"}, {"count", 1}, {"isCorrect", true}};
         QCOMPARE(results.value("bars").toArray().at(1).toObject(), bar);
-        QVERIFY(class_.end());
     }
 
     void stopsByItself()
     {
-        Class class_;
-        QVERIFY(class_.start());
-        Poll* const poll = class_.lesson->ask(marked());
+        Poll* const poll = m_class->lesson->ask(marked());
         QVERIFY(!poll->stopsAt().isValid());
-        class_.lesson->stop(60);
+        m_class->lesson->stop(60);
         QVERIFY(poll->isRunning() && poll->stopsAt() > poll->startedAt().addSecs(59));
-        class_.lesson->stop(1);
+        m_class->lesson->stop(1);
         QVERIFY(poll->stopsAt() < poll->startedAt().addSecs(59));
         QVERIFY(waitFor([&] { return !poll->isRunning(); }));
         QVERIFY(!poll->stopsAt().isValid() && poll->elapsed() >= 1000);
-        QVERIFY(class_.end());
     }
 
     // At "all addresses" nobody but this machine finds it.
     void learnersGetAnAddressOfTheirs()
     {
-        Class class_;
-        class_.lesson->setServer(QUrl(QStringLiteral("http://0.0.0.0:%1").arg(class_.service.serverPort())));
-        QVERIFY(class_.start());
-        const QUrl address = class_.lesson->joinAddress();
-        QCOMPARE(address.port(), int(class_.service.serverPort()));
+        beginAnew();
+        m_class->lesson->setServer(
+            QUrl(QStringLiteral("http://0.0.0.0:%1").arg(m_class->service.serverPort())));
+        QVERIFY(m_class->start());
+        const QUrl address = m_class->lesson->joinAddress();
+        QCOMPARE(address.port(), int(m_class->service.serverPort()));
         const QHostAddress host(address.host());
         QVERIFY(!host.isNull() && host != QHostAddress(QHostAddress::AnyIPv4));
-        QVERIFY(class_.end());
     }
 
     void listsTheClassByName()
     {
-        Class class_;
-        QVERIFY(class_.start());
-        RosterFilter list(class_.lesson->roster());
+        RosterFilter list(m_class->lesson->roster());
         const auto names = [&] {
             QStringList all;
             for (int row = 0; row < list.rowCount(); ++row)
                 all.append(list.index(row, 0).data().toString());
             return all.join(' ');
         };
-        class_.hear("D0", "join", {{"userName", "aaron"}});
+        m_class->hear("D0", "join", {{"userName", "aaron"}});
         QVERIFY(waitFor([&] { return list.rowCount() == 3; }));
         QCOMPARE(names(), QStringLiteral("aaron Ann Bea"));
         list.setOnlyMissing(true);
-        class_.lesson->ask(marked());
+        m_class->lesson->ask(marked());
         QCOMPARE(names(), QStringLiteral("aaron Ann Bea"));
-        class_.answer("D1", class_.lesson->poll()->id(), "A");
+        m_class->answer("D1", m_class->lesson->poll()->id(), "A");
         QVERIFY(waitFor([&] { return names() == QStringLiteral("aaron Bea"); }));
         list.setOnlyMissing(false);
         QCOMPARE(list.index(1, 0).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
-        QVERIFY(class_.end());
+        QVERIFY(m_class->end());
         QCOMPARE(names(), QString());
     }
 
@@ -329,13 +324,11 @@ private Q_SLOTS:
     void counts()
     {
         const auto [play, answered, present, late] = row<Play, int, int, int>();
-        Class class_;
-        QVERIFY(class_.start());
-        Poll* const poll = class_.lesson->ask(marked());
-        play(class_);
-        QVERIFY(joins(class_, "D9")); // all before it has been heard
+        Poll* const poll = m_class->lesson->ask(marked());
+        play(*m_class);
+        QVERIFY(joins(*m_class, "D9")); // all before it has been heard
         QCOMPARE(poll->answered(), answered);
-        QCOMPARE(class_.lesson->roster()->presentCount(), present + 1);
+        QCOMPARE(m_class->lesson->roster()->presentCount(), present + 1);
         int isLate = 0;
         int rows = 0;
         for (const PollAnswer& answer : poll->answers())
@@ -344,7 +337,6 @@ private Q_SLOTS:
             rows += row.count;
         QCOMPARE(isLate, late);
         QCOMPARE(rows, answered);
-        QVERIFY(class_.end());
     }
 
     void obeysTheRemoteControl_data()
@@ -387,61 +379,52 @@ private Q_SLOTS:
     void obeysTheRemoteControl()
     {
         const auto [type, command, isObeyed, before, after] = row<QString, int, bool, Work, Work>();
-        Class class_;
-        QVERIFY(class_.start());
-        before(*class_.lesson);
+        before(*m_class->lesson);
         int heard = -1;
         bool wasObeyed = false;
-        connect(class_.lesson.get(), &Lesson::remoteCommand, this,
+        connect(m_class->lesson.get(), &Lesson::remoteCommand, this,
                 [&](Lesson::RemoteCommand one, bool obeyed) {
                     heard = one;
                     wasObeyed = obeyed;
                 });
-        class_.expectRemote();
-        class_.hear("R", type, {{"name", "card"}, {"url", "https://school.example/card.png"}});
+        m_class->expectRemote();
+        m_class->hear("R", type, {{"name", "card"}, {"url", "https://school.example/card.png"}});
         QVERIFY(waitFor([&] { return heard >= 0; }));
         QCOMPARE(heard, command);
         QCOMPARE(wasObeyed, isObeyed);
-        QVERIFY(class_.lesson->isRemotePresent());
+        QVERIFY(m_class->lesson->isRemotePresent());
         QVERIFY(!Lesson::commandName(Lesson::RemoteCommand(command)).isEmpty());
-        after(*class_.lesson);
-        QVERIFY(class_.end());
+        after(*m_class->lesson);
     }
 
     void obeysNoOtherDevice()
     {
-        Class class_;
-        QVERIFY(class_.start());
-        class_.expectUsers();
-        class_.hear("D1", "lockAll", {});
-        QVERIFY(waitFor([&] { return class_.service.isUsedUp(); }));
+        m_class->expectUsers();
+        m_class->hear("D1", "lockAll", {});
+        QVERIFY(waitFor([&] { return m_class->service.isUsedUp(); }));
         bool isLookedInto = false;
-        class_.lesson->onClient([&](PresenterClient*) { // in turn with what looks who it was
-            QMetaObject::invokeMethod(class_.lesson.get(), [&] { isLookedInto = true; });
+        m_class->lesson->onClient([&](PresenterClient*) { // in turn with what looks who it was
+            QMetaObject::invokeMethod(m_class->lesson.get(), [&] { isLookedInto = true; });
         });
         QVERIFY(waitFor([&] { return isLookedInto; }));
-        QVERIFY(!class_.lesson->isRemotePresent() && !class_.lesson->isLocked());
-        QVERIFY(class_.end());
+        QVERIFY(!m_class->lesson->isRemotePresent() && !m_class->lesson->isLocked());
     }
 
     // The bus, or the device itself, says who is gone, and no learner says it of another.
     void nobodyIsReportedByALearner()
     {
-        Class class_;
-        QVERIFY(class_.start());
-        const Roster* roster = class_.lesson->roster();
-        class_.expectRemote();
-        class_.hear("R", "lockAll", {});
-        QVERIFY(waitFor([&] { return class_.lesson->isRemotePresent(); }));
-        class_.leave("D1", "user", "D2");
-        class_.leave("R", "controller", "D2");
-        class_.leave("D2", "user", "D2");
+        const Roster* roster = m_class->lesson->roster();
+        m_class->expectRemote();
+        m_class->hear("R", "lockAll", {});
+        QVERIFY(waitFor([&] { return m_class->lesson->isRemotePresent(); }));
+        m_class->leave("D1", "user", "D2");
+        m_class->leave("R", "controller", "D2");
+        m_class->leave("D2", "user", "D2");
         QVERIFY(waitFor([&] { return !roster->isPresent("D2"); }));
-        QVERIFY(roster->isPresent("D1") && class_.lesson->isRemotePresent());
-        class_.leave("R", "controller", {});
-        class_.leave("D1", "user", {});
-        QVERIFY(waitFor([&] { return !roster->isPresent("D1") && !class_.lesson->isRemotePresent(); }));
-        QVERIFY(class_.end());
+        QVERIFY(roster->isPresent("D1") && m_class->lesson->isRemotePresent());
+        m_class->leave("R", "controller", {});
+        m_class->leave("D1", "user", {});
+        QVERIFY(waitFor([&] { return !roster->isPresent("D1") && !m_class->lesson->isRemotePresent(); }));
     }
 
     void diesInEverySlot_data()
@@ -471,24 +454,19 @@ private Q_SLOTS:
     void diesInEverySlot()
     {
         const auto [signal, play] = row<QByteArray, Play>();
-        Class class_;
-        m_class = &class_;
-        QVERIFY(class_.start());
         const QMetaObject& of = Lesson::staticMetaObject;
-        QVERIFY(connect(class_.lesson.get(), of.method(of.indexOfSignal(signal.constData())), this,
+        QVERIFY(connect(m_class->lesson.get(), of.method(of.indexOfSignal(signal.constData())), this,
                         metaObject()->method(metaObject()->indexOfSlot("die()"))));
-        play(class_);
-        QVERIFY(waitFor([&] { return !class_.lesson; }));
-        class_.service.expectNoMore();
+        play(*m_class);
+        QVERIFY(waitFor([&] { return !m_class->lesson; }));
+        m_class->service.expectNoMore();
     }
 
     // Each poll that ends asks for the next, in the middle of the host's own ask().
     void asksInSlots()
     {
-        Class class_;
-        QVERIFY(class_.start());
-        class_.published();
-        Lesson& lesson = *class_.lesson;
+        m_class->published();
+        Lesson& lesson = *m_class->lesson;
         const auto asksNext = [&] {
             if (lesson.polls().size() < 4)
                 lesson.ask(marked());
@@ -503,19 +481,15 @@ private Q_SLOTS:
         lesson.end(); // there, nothing more can be asked
         QCOMPARE(lesson.polls().size(), 3);
         QVERIFY(!lesson.poll()->isRunning());
-        class_.service.expect("/tavisto/session/stop", Answer::json(FINE));
+        m_class->service.expect("/tavisto/session/stop", Answer::json(FINE));
         QVERIFY(waitFor([&] { return lesson.state() == Lesson::LoggedIn; }));
-        class_.service.expect(Logins::LOGOUT, Answer::json(FINE));
-        lesson.logOut();
-        QVERIFY(waitFor([&] { return lesson.state() == Lesson::LoggedOut; }));
+        logOut();
     }
 
     // What was answered in the same turn can be gone once the first of it has been told.
     void clearsInSlots()
     {
-        Class class_;
-        QVERIFY(class_.start());
-        Lesson& lesson = *class_.lesson;
+        Lesson& lesson = *m_class->lesson;
         const QStringList ids = {lesson.ask(marked())->id(), lesson.ask(marked())->id()};
         lesson.stop();
         connect(&lesson, &Lesson::answersChanged, this, [&] {
@@ -523,9 +497,8 @@ private Q_SLOTS:
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         });
         for (const QString& id : ids)
-            class_.answer("D1", id, "A");
+            m_class->answer("D1", id, "A");
         QVERIFY(waitFor([&] { return lesson.polls().isEmpty(); }));
-        QVERIFY(class_.end());
     }
 
     void endsInSlots_data()
@@ -568,36 +541,32 @@ private Q_SLOTS:
     void endsInSlots()
     {
         const auto [play] = row<Play>();
-        Class class_;
-        play(class_);
-        class_.service.expect("/tavisto/session/stop", Answer::json(FINE));
-        QVERIFY(waitFor([&] { return class_.service.isUsedUp(); }));
-        QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::LoggedIn; }));
-        QCOMPARE(class_.lesson->roster()->presentCount(), 0);
-        class_.service.expect(Logins::LOGOUT, Answer::json(FINE));
-        class_.lesson->logOut();
-        QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::LoggedOut; }));
+        beginAnew();
+        play(*m_class);
+        m_class->service.expect("/tavisto/session/stop", Answer::json(FINE));
+        QVERIFY(waitFor([&] { return m_class->service.isUsedUp(); }));
+        QVERIFY(waitFor([&] { return m_class->lesson->state() == Lesson::LoggedIn; }));
+        QCOMPARE(m_class->lesson->roster()->presentCount(), 0);
+        logOut();
     }
 
     void uploadsAreCancelled()
     {
-        Class class_;
-        QVERIFY(class_.start());
-        class_.service.expect(UPLOAD, Answer::never());
+        m_class->service.expect(UPLOAD, Answer::never());
         LessonError error;
-        connect(class_.lesson.get(), &Lesson::failed, this, [&](const LessonError& one) { error = one; });
+        connect(m_class->lesson.get(), &Lesson::failed, this, [&](const LessonError& one) { error = one; });
         bool isShown = false;
-        connect(class_.lesson.get(), &Lesson::cardShown, this, [&] { isShown = true; });
-        class_.lesson->showPicture(large());
-        QVERIFY(waitFor([&] { return class_.service.isUsedUp(); }));
+        connect(m_class->lesson.get(), &Lesson::cardShown, this, [&] { isShown = true; });
+        m_class->lesson->showPicture(large());
+        QVERIFY(waitFor([&] { return m_class->service.isUsedUp(); }));
         QElapsedTimer clock;
         clock.start();
-        class_.lesson->cancel();
-        QVERIFY(!class_.lesson->isBusy() && clock.elapsed() < 100);
+        m_class->lesson->cancel();
+        QVERIFY(!m_class->lesson->isBusy() && clock.elapsed() < 100);
         QCOMPARE(error.kind, LessonError::Cancelled);
-        QVERIFY(waitFor([&] { return class_.service.abandoned() == 1; }));
-        QCOMPARE(class_.lesson->state(), Lesson::Live);
-        QVERIFY(class_.end());
+        QVERIFY(waitFor([&] { return m_class->service.abandoned() == 1; }));
+        QCOMPARE(m_class->lesson->state(), Lesson::Live);
+        QVERIFY(m_class->end());
         QVERIFY(!isShown);
     }
 
@@ -605,7 +574,21 @@ public Q_SLOTS:
     void die() { m_class->lesson.reset(); }
 
 private:
-    Class* m_class = nullptr;
+    // With a class that has not started.
+    void beginAnew()
+    {
+        cleanup();
+        m_class = std::make_unique<Class>();
+    }
+
+    void logOut()
+    {
+        m_class->service.expect(Logins::LOGOUT, Answer::json(FINE));
+        m_class->lesson->logOut();
+        QVERIFY(waitFor([&] { return m_class->lesson->state() == Lesson::LoggedOut; }));
+    }
+
+    std::unique_ptr<Class> m_class;
 };
 
 QTEST_GUILESS_MAIN(tst_LessonClass)

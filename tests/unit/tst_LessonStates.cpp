@@ -1,12 +1,15 @@
-// What a lesson says and does when the service is not as it should be.
+// What a lesson says and does when the service is not as it should be, and in which language.
 
 #include "support/LessonClass.h"
 #include "support/Rows.h"
+
+#include <CalyxClient/Lesson>
 
 #include <QElapsedTimer>
 #include <QMetaEnum>
 #include <QTcpServer>
 #include <QTest>
+#include <QTranslator>
 
 #include <functional>
 
@@ -121,19 +124,19 @@ private Q_SLOTS:
 
     void whatCannotBeIsRefused_data()
     {
-        columns<Work>();
-        const auto row = [](const char* name, const Work& work) { QTest::newRow(name) << work; };
-        row("start", [](Lesson& lesson) { lesson.start(); });
-        row("take up", [](Lesson& lesson) { lesson.takeUp(QString()); });
-        row("end", [](Lesson& lesson) { lesson.end(); });
-        row("ask", [](Lesson& lesson) { QVERIFY(!lesson.ask(Question::usual(PollType::TEXT))); });
-        row("assess", [](Lesson& lesson) { QVERIFY(!lesson.startAssessment(AssessmentPlan())); });
-        row("lock", [](Lesson& lesson) { lesson.setLocked(true); });
-        row("card", [](Lesson& lesson) { lesson.showCard(); });
-        row("picture", [](Lesson& lesson) { lesson.showPicture("png"); });
-        row("address", [](Lesson& lesson) { lesson.showPictureAt(QStringLiteral("/leaf.png")); });
-        row("controls", [](Lesson& lesson) { lesson.logIn(QStringLiteral("a\nb"), QString()); });
-        row("save", [](Lesson& lesson) { QVERIFY(!lesson.save(QStringLiteral("/nowhere/at all"))); });
+        rows<Work>({
+            {"start", [](Lesson& lesson) { lesson.start(); }},
+            {"take up", [](Lesson& lesson) { lesson.takeUp(QString()); }},
+            {"end", [](Lesson& lesson) { lesson.end(); }},
+            {"ask", [](Lesson& lesson) { QVERIFY(!lesson.ask(Question::usual(PollType::TEXT))); }},
+            {"assess", [](Lesson& lesson) { QVERIFY(!lesson.startAssessment(AssessmentPlan())); }},
+            {"lock", [](Lesson& lesson) { lesson.setLocked(true); }},
+            {"card", [](Lesson& lesson) { lesson.showCard(); }},
+            {"picture", [](Lesson& lesson) { lesson.showPicture("png"); }},
+            {"address", [](Lesson& lesson) { lesson.showPictureAt(QStringLiteral("/leaf.png")); }},
+            {"controls", [](Lesson& lesson) { lesson.logIn(QStringLiteral("a\nb"), QString()); }},
+            {"save", [](Lesson& lesson) { QVERIFY(!lesson.save(QStringLiteral("/nowhere/at all"))); }},
+        });
     }
 
     void whatCannotBeIsRefused()
@@ -158,35 +161,30 @@ private Q_SLOTS:
 
     void bringsBackWhatHasChanged_data()
     {
-        QTest::addColumn<Work>("meanwhile");
-        QTest::addColumn<QStringList>("published");
-        const auto row = [](const char* name, const Work& meanwhile, const QStringList& published) {
-            QTest::newRow(name) << meanwhile << published;
-        };
         const QStringList again = {"questionStart T.user.D1", "questionStart T.user.D2"};
-        row(
-            "nothing", [](Lesson&) {}, again);
-        row("stop", [](Lesson& lesson) { lesson.stop(); }, {"pollStop T"});
-        row("pause", [](Lesson& lesson) { lesson.pause(); },
-            {"pause T", "questionStart T.user.D1", "pause T.user.D1", "questionStart T.user.D2",
-             "pause T.user.D2"});
-        row("ask", [](Lesson& lesson) { lesson.ask(Question::usual(PollType::TEXT)); }, {"questionStart T"});
-        row(
-            "lock", [](Lesson& lesson) { lesson.setLocked(true); }, QStringList{"dialogShow T"} + again);
-        row(
-            "card", [](Lesson& lesson) { lesson.showPicture("png"); },
-            QStringList{"showCard T.learner"} + again);
-        row("lock, but nothing is brought",
-            [](Lesson& lesson) {
-                lesson.setBringsBack(false);
-                lesson.setLocked(true);
-            },
-            {});
+        rows<Work, QStringList>({
+            {"nothing", [](Lesson&) {}, again},
+            {"stop", [](Lesson& lesson) { lesson.stop(); }, {"pollStop T"}},
+            {"pause",
+             [](Lesson& lesson) { lesson.pause(); },
+             {"pause T", "questionStart T.user.D1", "pause T.user.D1", "questionStart T.user.D2",
+              "pause T.user.D2"}},
+            {"ask", [](Lesson& lesson) { lesson.ask(Question::usual(PollType::TEXT)); }, {"questionStart T"}},
+            {"lock", [](Lesson& lesson) { lesson.setLocked(true); }, QStringList{"dialogShow T"} + again},
+            {"card", [](Lesson& lesson) { lesson.showPicture("png"); },
+             QStringList{"showCard T.learner"} + again},
+            {"lock, but nothing is brought",
+             [](Lesson& lesson) {
+                 lesson.setBringsBack(false);
+                 lesson.setLocked(true);
+             },
+             QStringList()},
+        });
     }
 
     void bringsBackWhatHasChanged()
     {
-        QFETCH(Work, meanwhile);
+        const auto [meanwhile, published] = row<Work, QStringList>();
         Class class_;
         QVERIFY(class_.start());
         QCOMPARE(class_.lesson->roster()->presentCount(), 2);
@@ -196,16 +194,18 @@ private Q_SLOTS:
         class_.lesson->setName(QStringLiteral("id"), QStringLiteral("name")); // told to the remote control
         QCOMPARE(class_.published(), QStringList());
         QVERIFY(class_.loseAndReturn(meanwhile));
-        QTEST(class_.published(), "published");
+        QCOMPARE(class_.published(), published);
         QVERIFY(class_.end());
     }
 
     void bringsWhatMayBeLost_data()
     {
-        columns<bool, QStringList>();
-        QTest::newRow("question has arrived")
-            << true << QStringList{"dialogShow T", "questionStart T.user.D1", "questionStart T.user.D2"};
-        QTest::newRow("nothing has") << false << QStringList{"questionStart T", "dialogShow T"};
+        rows<bool, QStringList>({
+            {"question has arrived",
+             true,
+             {"dialogShow T", "questionStart T.user.D1", "questionStart T.user.D2"}},
+            {"nothing has", false, {"questionStart T", "dialogShow T"}},
+        });
     }
 
     // What was sent into a line that was dead already is sent again; what the bus has got is not.
@@ -242,12 +242,13 @@ private Q_SLOTS:
 
     void waitsAreCancelled_data()
     {
-        columns<Script>();
-        const auto row = [](const char* name, const Script& script) { QTest::newRow(name) << script; };
-        row("probe", [](FakeService& service) { service.expect(PROBE, Answer::never()); });
-        row("login", [](FakeService& service) {
-            service.expect(PROBE, Answer::json(FINE));
-            service.expect(SUBMIT, Answer::stalled(Logins::SUCCESS));
+        rows<Script>({
+            {"probe", [](FakeService& service) { service.expect(PROBE, Answer::never()); }},
+            {"login",
+             [](FakeService& service) {
+                 service.expect(PROBE, Answer::json(FINE));
+                 service.expect(SUBMIT, Answer::stalled(Logins::SUCCESS));
+             }},
         });
     }
 
@@ -318,6 +319,28 @@ private Q_SLOTS:
         }
         qunsetenv("http_proxy");
         qunsetenv("no_proxy");
+    }
+
+    void textsComeInTheHostsLanguage_data()
+    {
+        rows<QLocale, QString>({
+            {"German", QLocale("de_CH"), "Abgebrochen."},
+            {"French", QLocale("fr_CA"), "Annul\u00e9."},
+            {"English", QLocale("en_GB"), "Cancelled."},
+            {"none", QLocale::c(), "Cancelled."},
+            {"unknown", QLocale("fi_FI"), "Cancelled."},
+        });
+    }
+    void textsComeInTheHostsLanguage()
+    {
+        const auto [locale, text] = row<QLocale, QString>();
+        QTranslator translator;
+        const bool isLoaded = Calyx::Lesson::loadTranslation(&translator, locale);
+        QCOMPARE(Calyx::LessonError::make(Calyx::LessonError::Cancelled).text, QStringLiteral("Cancelled."));
+        QCOMPARE(isLoaded, text != QLatin1String("Cancelled."));
+        if (isLoaded)
+            QCoreApplication::installTranslator(&translator);
+        QCOMPARE(Calyx::LessonError::make(Calyx::LessonError::Cancelled).text, text);
     }
 };
 

@@ -69,27 +69,6 @@ private Q_SLOTS:
         QCOMPARE(PresenterClient(nullptr, given).server(), kept);
     }
 
-    void startsLoggedOutWithNullTexts()
-    {
-        const PresenterClient client(nullptr, "http://127.0.0.1:1");
-
-        QVERIFY(!client.isLoggedIn());
-        QVERIFY(!client.isServerReachable());
-        QVERIFY(client.lastError().isNull());
-        QVERIFY(client.userId().isNull());
-        QVERIFY(client.registration().isNull());
-        QVERIFY(client.sessionCode().isNull());
-        QVERIFY(client.sessionToken().isNull());
-        QVERIFY(client.userToken().isNull());
-        QVERIFY(client.collabServerUrl().isNull());
-        QVERIFY(client.resourceId().isNull());
-        QVERIFY(client.resourcePath().isNull());
-        QVERIFY(client.sockJSProtocols().isEmpty());
-        QVERIFY(client.learners().isEmpty());
-        QVERIFY(!client.collab());
-        QCOMPARE(PresenterClient::MULTIPART_BOUNDARY, QStringLiteral("----boundary"));
-    }
-
     void ownsItsNetworkManagerAndCookieJar()
     {
         QObject parent;

@@ -117,6 +117,12 @@ class tst_PresenterClientAnswers : public ClientTest
     Q_OBJECT
 
 private Q_SLOTS:
+    void newClientKnowsNothing()
+    {
+        QCOMPARE(stateOf(client()), QStringList());
+        QVERIFY(!client().collab());
+    }
+
     void answer_data()
     {
         columns<QByteArray, QByteArray, int, QString>();

@@ -144,27 +144,17 @@ private Q_SLOTS:
         QVERIFY(service.requests().isEmpty());
     }
 
-    void tlsErrorsReachTheFailureHandler()
+    void tlsErrorsReachTheFailureHandlerAndTheLog()
     {
         FakeService service(TestCertificates::server("loopback"));
         PresenterClient client(nullptr, service.url());
         const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
         const LogRecorder log;
-
         QVERIFY(!client.doLogin("u", "p"));
         QCOMPARE(client.lastError(), QStringLiteral("SSLRootCertificateMissing"));
         QCOMPARE(processed.size(), 1);
         QCOMPARE(log.debug("[REST Response] ").size(), 1);
         QVERIFY(!log.debug().filter("ERROR: ").isEmpty());
-    }
-
-    void tlsErrorsAreLogged()
-    {
-        FakeService service(TestCertificates::server("loopback"));
-        PresenterClient client(nullptr, service.url());
-        const LogRecorder log;
-        client.checkServer(QString(), QString());
-
         const QStringList lines = log.debug();
         const auto first = [&](const QString& prefix) {
             for (int i = 0; i < lines.size(); ++i) {

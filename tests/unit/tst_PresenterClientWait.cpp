@@ -1,7 +1,10 @@
-// How operations wait: for how long, for what, and what may happen meanwhile; and the keep-alive of a login.
+// How operations wait: for how long, for what, and what may happen meanwhile; the keep-alive of a login; and
+// the host that destroys the client while an operation waits. The ways to do that inside one another are in
+// tst_RandomWalk.
 
 #include "support/ClientOperations.h"
 #include "support/ClientTest.h"
+#include "support/FakeService.h"
 #include "support/LogRecorder.h"
 #include "support/Logins.h"
 #include "support/Rows.h"
@@ -11,6 +14,8 @@
 #include <CalyxClient/PresenterClient>
 
 #include <QElapsedTimer>
+#include <QNetworkAccessManager>
+#include <QPointer>
 #include <QSignalBlocker>
 #include <QSignalSpy>
 #include <QTest>
@@ -35,11 +40,33 @@ const int PERIOD = NOT_YET + REST_OF_THE_PERIOD;
 
 using Login = std::function<bool(PresenterClient&)>;
 using Preparation = std::function<void(PresenterClient&, FakeService&)>;
+using Hosts = std::function<void(PresenterClient*)>;
+using Answer = FakeService::Answer;
+
+// A client that has a started session says so to the service before it goes.
+void destroy(PresenterClient* client, FakeService& service)
+{
+    if (!client->sessionToken().isNull())
+        service.expect("/tavisto/session/stop", Answer::json("{}"));
+    delete client;
+}
+
+// No answer comes; \p action runs from the event loop, as a host's would, while the client waits for one.
+Answer unansweredWhile(FakeService& service, const std::function<void()>& action)
+{
+    return Answer::never().then([&service, action] { QTimer::singleShot(0, &service, action); });
+}
+
+bool isNoResult(const QVariant& result)
+{
+    return result.toString().isEmpty() || result == QVariant(false);
+}
 
 } // namespace
 
 Q_DECLARE_METATYPE(Login)
 Q_DECLARE_METATYPE(Preparation)
+Q_DECLARE_METATYPE(Hosts)
 
 // The timer's slot waits for its answer: what it would send has been sent when this returns.
 static void advance(int msecs)
@@ -258,16 +285,13 @@ private Q_SLOTS:
 
     void keepAliveDoesNotProlongTheOuterOperation_data()
     {
-        QTest::addColumn<bool>("isAnswered");
-
-        QTest::newRow("own reply processed") << true;
-        QTest::newRow("own limit reached") << false;
+        rows<bool>({{"own reply processed", true}, {"own limit reached", false}});
     }
 
     // The keep-alive gets no answer. It is not aborted before its own 10 seconds are over.
     void keepAliveDoesNotProlongTheOuterOperation()
     {
-        QFETCH(bool, isAnswered);
+        const bool isAnswered = std::get<0>(row<bool>()); // not a binding: lambdas take it
 
         service().expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL).held().then([&] {
             TimerClock::advance(PAST_THE_LIMIT / 2);
@@ -442,6 +466,104 @@ private Q_SLOTS:
         QCOMPARE(client().doGetUserName(), QStringLiteral("u"));
         QVERIFY(client().isServerReachable());
         QCOMPARE(service().abandoned(), 0);
+    }
+
+    void clientDestroyed_data()
+    {
+        columns<Operation, int, bool>();
+        for (const auto& operation : operations() + chainedOperations()) {
+            for (int i = 0; i < operation.second.paths.size(); ++i) {
+                QTest::addRow("%s, request %d, timer", operation.first, i + 1)
+                    << operation.second << i << true;
+                QTest::addRow("%s, request %d, slot", operation.first, i + 1)
+                    << operation.second << i << false;
+            }
+        }
+    }
+
+    // By a timer while the request waits for its answer, or by a slot of requestProcessed() when it has come.
+    void clientDestroyed()
+    {
+        const auto [operation, request, byTimer] = row<Operation, int, bool>();
+        QPointer<PresenterClient> client = new PresenterClient(nullptr, service().url());
+        operation.prepare(client);
+        for (int i = 0; i < request; ++i)
+            service().expect(operation.paths.at(i), Answer::json(ALL_IS_WELL));
+        service().expect(operation.paths.at(request),
+                         byTimer ? unansweredWhile(service(), [&] { destroy(client, service()); })
+                                 : Answer::json(ALL_IS_WELL));
+        QMetaObject::Connection connection;
+        connection = connect(client, &PresenterClient::requestProcessed, &service(), [&, byTimer = byTimer] {
+            if (byTimer || !service().isUsedUp())
+                return;
+            disconnect(connection); // the destructor makes requests as well
+            destroy(client, service());
+        });
+
+        const QPointer<QNetworkAccessManager> manager = client->findChild<QNetworkAccessManager*>();
+        const QVariant result = operation.call(client);
+        QVERIFY(!client);
+        QVERIFY2(isNoResult(result), qPrintable(result.toString()));
+        QTRY_VERIFY(!manager);
+        QTRY_COMPARE(service().abandoned(), byTimer ? 1 : 0);
+    }
+
+    void destructionIsNotRepeated_data()
+    {
+        columns<Hosts, Hosts>();
+        const Hosts nothing = [](PresenterClient*) {};
+        const Hosts later = [](PresenterClient* client) { client->deleteLater(); };
+        QTest::newRow("deleteLater() before") << later << nothing;
+        QTest::newRow("deleteLater() meanwhile") << nothing << later;
+        QTest::newRow("the parent meanwhile")
+            << nothing
+            << Hosts([](PresenterClient* client) { delete client->property("owner").value<QObject*>(); });
+    }
+
+    // While the destructor waits for the end of the session, the host's slots run.
+    void destructionIsNotRepeated()
+    {
+        const std::tuple<Hosts, Hosts> hosts = row<Hosts, Hosts>();
+        const auto& before = std::get<0>(hosts);
+        const auto& meanwhile = std::get<1>(hosts);
+
+        const QPointer<QObject> owner = new QObject;
+        auto* client = new PresenterClient(owner, service().url());
+        client->setProperty("owner", QVariant::fromValue(owner.data()));
+        client->sessionStartSuccessResponse(QString::fromLatin1(ALL_IS_WELL));
+        int ends = 0;
+        connect(client, &QObject::destroyed, &service(), [&] { ++ends; });
+        service().expect("/tavisto/session/stop", Answer::json("{}").held().then([&] {
+            QTimer::singleShot(0, &service(), [&] {
+                meanwhile(client);
+                QTimer::singleShot(0, &service(), [&] { service().release(); });
+            });
+        }));
+        QTimer::singleShot(0, &service(), [&] {
+            before(client);
+            delete client;
+        });
+
+        QTRY_VERIFY(service().isUsedUp() && ends > 0);
+        delete owner;
+        QCOMPARE(ends, 1);
+    }
+
+    void clientDestroyedOnceProcessed_data()
+    {
+        rows<Answer>({
+            {"redirect", Answer::redirect("https://moved.example/")},
+            {"time-out", Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); })},
+        });
+    }
+    void clientDestroyedOnceProcessed()
+    {
+        const auto [answer] = row<Answer>();
+        service().expect("/tavisto/login/submit", answer);
+        const QPointer<PresenterClient> client = new PresenterClient(nullptr, service().url());
+        connect(client, &PresenterClient::requestProcessed, this, [&] { delete client; });
+        QVERIFY(!client->doLogin("u", "p"));
+        QVERIFY(!client);
     }
 };
 

@@ -5,11 +5,44 @@
 #include "support/WallClock.h"
 #include "transport/RANDSTRING.h"
 
+#include <QElapsedTimer>
 #include <QRegularExpression>
+#include <QTcpServer>
 #include <QTest>
 #include <QThread>
+#include <QTimer>
 
-/// What a connection opens: its URL, its request, its session id, its proxy, its open frame.
+#include <ctime>
+#include <functional>
+#include <memory>
+#include <utility>
+
+using Protocol = SockJSConnector::PROTOCOL_TYPE;
+using Protocols = QList<Protocol>;
+using Server = FakeSockJSServer;
+
+Q_DECLARE_METATYPE(Protocols)
+
+namespace {
+
+const auto noMore = QStringLiteral("[SockJSConnector] No more protocols found!");
+const auto fellBack = QStringLiteral("[SockJSConnector] Fallback to XHR_Polling");
+const auto upSocket = QStringLiteral("[SockJSConnector] CONNECTED via Websocket");
+
+const std::pair<const char*, Server::Upgrade> refusals[] = {
+    {"403", Server::Refuse403},
+    {"404", Server::Refuse404},
+    {"200", Server::Answer200},
+    {"garbage", Server::AnswerGarbage},
+    {"connection ended", Server::EndInstead},
+    {"connection reset", Server::ResetInstead},
+};
+
+} // namespace
+
+/// How a connection comes up: its URL, its request, its session id, its proxy, its open frame; the transports
+/// that fail, which is tried next, and what the host hears of it; the wait for a server, what ends it, and
+/// its limit.
 class TestSockJSConnectorOpen : public ConnectorTest
 {
     Q_OBJECT
@@ -231,6 +264,386 @@ private Q_SLOTS:
         QTRY_COMPARE(m_probe->events(),
                      QStringList({"connected", "message one", "message two", "message three"}));
         QVERIFY(m_connector->isConnected());
+    }
+
+    void aFailureGoesToPolling_data()
+    {
+        columns<Server::Upgrade, Protocols, bool>();
+        for (const auto& [name, refusal] : refusals)
+            QTest::newRow(name) << refusal << webSocketThenPolling << false;
+        // Once the upgrade has been made, the list does not count.
+        const Protocols others{SockJSConnector::WEBSOCKET, SockJSConnector::XHR_STREAMING};
+        QTest::newRow("closed as WebSockets are") << Server::CloseAfterUpgrade << webSocket << true;
+        QTest::newRow("closed, another one in the list") << Server::CloseAfterUpgrade << others << true;
+        QTest::newRow("connection ended afterwards") << Server::EndAfterUpgrade << webSocket << true;
+        QTest::newRow("connection reset afterwards") << Server::ResetAfterUpgrade << webSocket << true;
+    }
+
+    void aFailureGoesToPolling()
+    {
+        const auto [failure, protocols, fallsBack] = row<Server::Upgrade, Protocols, bool>();
+        m_server->setFirstFrames({}); // the poll stays without an answer
+        m_server->setUpgrade(failure);
+        QVERIFY(m_probe->open(m_server->url(QStringLiteral("/base")), protocols));
+        QTRY_COMPARE(m_server->count(QStringLiteral("/xhr")), 1);
+        const QString session = QStringLiteral("/base/eventbus/119/") + m_connector->sessionId();
+        QCOMPARE(m_server->paths(), QStringList({session + "/websocket", session + "/xhr"}));
+        QVERIFY(!m_probe->hasClosed());
+        QCOMPARE(m_log->debug(upSocket).isEmpty(), !fallsBack);
+        QTRY_COMPARE(m_log->debug(fellBack).size(), fallsBack ? 1 : 0);
+    }
+
+    void nobodyListeningGoesToTheNextEntry()
+    {
+        const auto url = m_server->url();
+        m_server->stopListening();
+
+        QVERIFY(m_probe->open(url, {SockJSConnector::WEBSOCKET, SockJSConnector::WEBSOCKET}));
+
+        QCOMPARE(m_log->debug(QStringLiteral("[SockJSConnector] Websocket url =")).size(), 2);
+        QVERIFY(m_probe->events().isEmpty());
+    }
+
+    void allTransportsFailingIsSilent_data()
+    {
+        columns<Server::Upgrade>();
+        for (const auto& [name, refusal] : refusals)
+            QTest::newRow(name) << refusal;
+    }
+
+    void allTransportsFailingIsSilent()
+    {
+        const auto [refusal] = row<Server::Upgrade>();
+        m_server->setUpgrade(refusal);
+
+        QVERIFY(m_probe->open(m_server->url(), webSocket));
+
+        QTRY_COMPARE(m_server->openConnections(), 0);
+        QVERIFY(anotherConnectorOpens());
+        QVERIFY(m_probe->events().isEmpty());
+        QVERIFY(!m_connector->isConnected());
+        QVERIFY(m_log->debug(noMore).isEmpty());
+        QVERIFY(m_log->debug(QStringLiteral("[SockJSConnector] Websocket CLOSED")).isEmpty());
+
+        // The next open() is not impaired.
+        QVERIFY(openSession());
+        QVERIFY(syncInbound());
+    }
+
+    void noTransportsIsSilent()
+    {
+        QVERIFY(m_probe->open(m_server->url(), {}));
+
+        QVERIFY(m_log->debug(noMore).isEmpty());
+        QVERIFY(anotherConnectorOpens());
+        QVERIFY(m_probe->events().isEmpty());
+        QCOMPARE(m_server->requests().size(), 1);
+    }
+
+    void entriesAreTriedInOrder()
+    {
+        m_server->setUpgrades({Server::Refuse404, Server::ResetInstead, Server::Open});
+
+        QVERIFY(m_probe->openSession(m_server->url(), webSocket + webSocket + webSocketThenPolling));
+
+        const QString path =
+            QStringLiteral("/eventbus/119/") + m_connector->sessionId() + QStringLiteral("/websocket");
+        QCOMPARE(m_server->paths(), QStringList({path, path, path}));
+        QCOMPARE(m_probe->events(), QStringList({"connected"}));
+    }
+
+    void unknownEntriesAreLoggedAndSkipped_data()
+    {
+        columns<Protocols, int, bool>();
+
+        const auto ws = SockJSConnector::WEBSOCKET;
+        QTest::newRow("none") << Protocols{ws} << 0 << true;
+        QTest::newRow("0 in front") << Protocols{Protocol(0), ws} << 1 << true;
+        QTest::newRow("two bits in front") << Protocols{Protocol(3), Protocol(7), ws} << 2 << true;
+        QTest::newRow("behind what opens") << Protocols{ws, Protocol(5)} << 0 << true;
+        QTest::newRow("nothing else") << Protocols{Protocol(6)} << 1 << false;
+    }
+
+    void unknownEntriesAreLoggedAndSkipped()
+    {
+        const auto [protocols, unknown, opens] = row<Protocols, int, bool>();
+
+        QVERIFY(m_probe->open(m_server->url(), protocols));
+
+        QCOMPARE(m_log->debug(noMore).size(), unknown);
+        if (opens)
+            QTRY_VERIFY(m_connector->isConnected());
+        QCOMPARE(m_server->requests().size(), opens ? 1 : 0);
+    }
+
+    void xhrEntriesAskForTheirPath_data()
+    {
+        rows<int, QString, QString>({
+            {"polling", 4, "/xhr", "[SockJSConnector] CONNECTED via xhr_polling"},
+            {"streaming", 2, "/xhr_streaming", "[SockJSConnector] CONNECTED via xhr_streaming"},
+        });
+    }
+
+    void xhrEntriesAskForTheirPath()
+    {
+        const auto [protocol, path, log] = row<int, QString, QString>();
+
+        QVERIFY(m_probe->open(m_server->url(QStringLiteral("/base/")), {Protocol(protocol)}));
+
+        QTRY_VERIFY(!m_server->requests().isEmpty());
+        QCOMPARE(m_server->requests().first().method, QByteArray("POST"));
+        QCOMPARE(m_server->paths().first(),
+                 QStringLiteral("/base/eventbus/119/") + m_connector->sessionId() + path);
+        QString line = m_log->debug(QStringLiteral("[SockJSConnector] CONNECTED via")).value(0);
+        QCOMPARE(line.remove(QLatin1Char('"')).replace(QStringLiteral("xhr_ "), QStringLiteral("xhr_")), log);
+    }
+
+    void aFailedFallbackIsReportedAsClosed()
+    {
+        m_server->setUpgrade(Server::CloseAfterUpgrade);
+        connect(m_server.get(), &Server::requested, m_server.get(), &Server::stopListening);
+
+        QVERIFY(m_probe->open(m_server->url(), webSocket));
+
+        QTRY_COMPARE(m_probe->events(), QStringList({"closed false"}));
+        QVERIFY(m_log->debug(fellBack).isEmpty());
+        QVERIFY(!m_connector->isConnected());
+        m_connector->close();
+        Server other;
+        QVERIFY(m_probe->openSession(other.url(), webSocket));
+        QCOMPARE(m_probe->events(), QStringList({"closed false", "connected"}));
+    }
+
+    void theWaitHasNoLimitOfItsOwn()
+    {
+        m_server->setUpgrade(Server::Silent);
+        // Another connector with a limit, told to open during the wait, has long given up the same silence.
+        SockJSConnector limited;
+        limited.setOpenLimit(300);
+        bool gaveUp = false;
+        duringTheWait([&] {
+            limited.open(m_server->url(), webSocket);
+            gaveUp = true;
+            m_server->answerUpgrade();
+        });
+
+        QVERIFY(m_probe->openSession(m_server->url(), webSocketThenPolling));
+
+        QVERIFY(gaveUp);
+        QVERIFY(syncInbound());
+        QCOMPARE(m_server->count(QStringLiteral("/websocket")), 2);
+        QCOMPARE(m_server->count(QStringLiteral("/xhr")), 0);
+    }
+
+    void quitBeforeTheApplicationRunsDoesNotEndIt()
+    {
+        QCoreApplication::quit();
+
+        QVERIFY(openSession());
+
+        QTimer::singleShot(0, qApp, &QCoreApplication::quit); // it lasts until the application has run
+        QCoreApplication::exec();
+        QVERIFY(syncInbound());
+    }
+
+    // A wait that spins takes as much processor time as it lasts.
+    void theWaitSleeps()
+    {
+        m_server->setUpgrade(Server::Silent);
+        m_connector->setOpenLimit(1000);
+        const auto before = std::clock();
+
+        QVERIFY(m_probe->open(m_server->url(), webSocket));
+
+        QVERIFY2(std::clock() - before < CLOCKS_PER_SEC / 2, "the wait kept the processor busy");
+    }
+
+    void anXHRTransportMayBeConnectedWithEvents()
+    {
+        m_connector->setAsynchronousConnect(true);
+        bool turned = false;
+        QTimer::singleShot(0, this, [&turned] { turned = true; });
+
+        m_connector->open(m_server->url(), {SockJSConnector::XHR_POLLING});
+
+        QVERIFY(turned);
+        QTRY_VERIFY(m_connector->isConnected());
+    }
+
+    void theLimitGivesUpASilentServer()
+    {
+        m_server->setFirstFrames({}); // the poll stays without an answer
+        m_server->setUpgrade(Server::Silent);
+        m_connector->setOpenLimit(200);
+        QCOMPARE(m_connector->openLimit(), 200);
+
+        QVERIFY(m_probe->open(m_server->url(), webSocketThenPolling));
+
+        QTRY_COMPARE(m_server->count(QStringLiteral("/xhr")), 1);
+        QCOMPARE(m_server->requests().last().sessionId(), m_connector->sessionId());
+        QVERIFY(!m_probe->hasClosed());
+    }
+
+    void theLimitGivesUpAServerWithoutOpenFrame()
+    {
+        m_server->setUpgrades({Server::Mute, Server::Mute, Server::Open});
+        m_connector->setOpenLimit(500);
+
+        QVERIFY(m_probe->open(m_server->url(), webSocket + webSocket + webSocketThenPolling));
+
+        QTRY_VERIFY(m_connector->isConnected());
+        QVERIFY(syncInbound());
+        QTRY_COMPARE(m_server->endedSessions(), 2);
+        QVERIFY(syncInbound());
+        QCOMPARE(m_server->count(QStringLiteral("/websocket")), 3);
+        QCOMPARE(m_server->count(QStringLiteral("/xhr")), 0);
+        QVERIFY(m_server->requests().first().sessionId() != m_server->requests().last().sessionId());
+        QCOMPARE(m_probe->count(QStringLiteral("connected")), 1);
+        QVERIFY(!m_probe->hasClosed());
+    }
+
+    void theLimitOnTheLastEntryIsSilent()
+    {
+        m_server->setUpgrade(Server::Mute);
+        m_connector->setOpenLimit(200);
+
+        QVERIFY(m_probe->open(m_server->url(), webSocket));
+
+        QTRY_COMPARE(m_server->endedSessions(), 1);
+        QVERIFY(anotherConnectorOpens());
+        QVERIFY(m_probe->events().isEmpty());
+        QVERIFY(!m_connector->isConnected());
+        QCOMPARE(m_server->count(QStringLiteral("/xhr")), 0);
+    }
+
+    void theLimitBoundsAPollingHandshake()
+    {
+        constexpr int withoutLimit = 30000; // milliseconds
+        QTcpServer mute;                    // takes the connection, and answers no handshake
+        QVERIFY(mute.listen(QHostAddress::LocalHost));
+        m_connector->setOpenLimit(200);
+        QElapsedTimer clock;
+        clock.start();
+
+        m_connector->open(QUrl(QStringLiteral("https://127.0.0.1:%1").arg(mute.serverPort())),
+                          {SockJSConnector::XHR_STREAMING, SockJSConnector::XHR_POLLING});
+
+        QVERIFY(clock.elapsed() < withoutLimit);
+        QVERIFY(m_probe->events().isEmpty());
+    }
+
+    void theLimitDoesNotTouchAnOpenSession()
+    {
+        m_connector->setOpenLimit(200);
+        QVERIFY(m_probe->openSession(m_server->url(), webSocketThenPolling));
+
+        m_server->setUpgrade(Server::Silent);
+        outlast(300);
+
+        QVERIFY(syncInbound());
+        QVERIFY(m_connector->isConnected());
+        QVERIFY(!m_probe->hasClosed());
+        QCOMPARE(m_server->requests().size(), 2);
+    }
+
+    void closeEndsTheLimit()
+    {
+        m_server->setUpgrades({Server::Mute, Server::Silent});
+        m_connector->setOpenLimit(200);
+        QVERIFY(m_probe->open(m_server->url(), webSocketThenPolling));
+        m_connector->close();
+
+        outlast(300);
+
+        QCOMPARE(m_server->requests().size(), 2);
+        QTRY_COMPARE(m_probe->events(), QStringList({"closed false"}));
+    }
+
+    void theLimitCountsFromTheNextOpen()
+    {
+        m_server->setUpgrades({Server::Mute, Server::Silent});
+        QVERIFY(m_probe->open(m_server->url(), webSocketThenPolling));
+        m_connector->setOpenLimit(100);
+
+        outlast(300);
+        QCOMPARE(m_server->requests().size(), 2);
+        QCOMPARE(m_server->endedSessions(), 0);
+
+        m_server->setUpgrade(Server::Mute);
+        QVERIFY(m_probe->open(m_server->url(), webSocket));
+        QTRY_COMPARE(m_server->endedSessions(), 2);
+    }
+
+    void aFarEndThatIsGoneIsNoticed_data()
+    {
+        constexpr auto ws = SockJSConnector::WEBSOCKET;
+        constexpr auto streaming = SockJSConnector::XHR_STREAMING;
+        constexpr auto polling = SockJSConnector::XHR_POLLING;
+        rows<Protocol, int, int, bool, bool, bool>({
+            {"silence, websocket", ws, 100, 0, false, false, true},
+            {"silence, streaming", streaming, 100, 0, false, false, true},
+            {"silence, polling", polling, 100, 0, false, false, true},
+            {"heartbeats, websocket", ws, 200, 0, true, false, false},
+            {"heartbeats, streaming", streaming, 200, 0, true, false, false},
+            {"heartbeats, polling", polling, 200, 0, true, false, false},
+            {"answers pings no more", ws, 0, 20, false, true, true},
+            {"has never answered pings", ws, 0, 20, false, false, false},
+            {"answers no pings, but sends", ws, 0, 20, true, true, false},
+            {"no limits", ws, 0, 0, false, true, false},
+        });
+    }
+
+    void aFarEndThatIsGoneIsNoticed()
+    {
+        const auto [transport, silenceLimit, pingInterval, heartbeats, pong, gone] =
+            row<Protocol, int, int, bool, bool, bool>();
+        m_server->setUpgrades({Server::OpenInSamePacket, Server::Silent});
+        m_connector->setSilenceLimit(silenceLimit);
+        m_connector->setPingInterval(pingInterval);
+        m_connector->setPongLimit(200);
+        QVERIFY(m_probe->openSession(m_server->url(), {transport}));
+        QTimer beats;
+        connect(&beats, &QTimer::timeout, this, [this] { m_server->inject(QStringLiteral("h")); });
+        if (heartbeats)
+            beats.start(20);
+        if (pong)
+            m_server->injectPong();
+
+        m_server->setUpgrade(Server::Silent);
+        outlast(600);
+
+        QCOMPARE(m_probe->count(QStringLiteral("closed false")), gone ? 1 : 0);
+        QCOMPARE(m_connector->isConnected(), !gone);
+    }
+
+    void pingsAreAnswered()
+    {
+        m_connector->setPingInterval(20);
+        m_connector->setPongLimit(200);
+        QVERIFY(openSession());
+        m_server->setUpgrade(Server::Silent);
+        outlast(600);
+        QVERIFY(syncInbound());
+        QVERIFY(!m_probe->hasClosed());
+    }
+
+private:
+    // Another connector waits in vain, and gives up after this time: limits that have begun before are over.
+    void outlast(int msecs)
+    {
+        SockJSConnector other;
+        other.setOpenLimit(msecs);
+        other.open(m_server->url(), webSocket);
+    }
+
+    // Runs once, when the server has the first upgrade and has not answered it.
+    void duringTheWait(const std::function<void()>& action)
+    {
+        const auto due = std::make_shared<bool>(true);
+        connect(m_server.get(), &Server::requested, m_server.get(), [this, action, due] {
+            if (std::exchange(*due, false))
+                QTimer::singleShot(0, m_server.get(), action);
+        });
     }
 };
 

@@ -47,7 +47,6 @@ private Q_SLOTS:
 
     void registersTheHeaderMapForQueuedSignals()
     {
-        const SockJSXHRPollingWorker worker(nullptr, nullptr, QStringLiteral("h"), 80, false, true);
         QVERIFY(typeNamed("QStringMap") != QMetaType::UnknownType);
         QCOMPARE(typeNamed("QStringMap"), qMetaTypeId<QStringMap>());
     }
@@ -76,43 +75,37 @@ private Q_SLOTS:
 
     void headerParserStatedResults_data()
     {
-        columns<QByteArray, int, int, QStringMap>();
-
         const QByteArray whole = "HTTP/1.1 404 Not Found\r\nA: b\r\nset-cookie:c=d\r\n\r\n";
+        const int size = int(whole.size());
         const QStringMap map{{"A", " b"}, {"set-cookie", "c=d"}};
-        QTest::newRow("nothing") << QByteArray() << -1 << 0 << QStringMap();
-        QTest::newRow("no HTTP/") << QByteArray("garbage\r\n\r\n") << -1 << 0 << QStringMap();
-        QTest::newRow("whole") << whole << 200 << whole.size() << map;
-        QTest::newRow("with a body") << whole + "body" << 200 << whole.size() << map;
-        QTest::newRow("garbage before") << "garbage" + whole << 200 << whole.size() + 7 << map;
-        QTest::newRow("up to the end of the data")
-            << whole.left(whole.size() - 2) << 200 << whole.size() - 2 << map;
-        QTest::newRow("lines without CR")
-            << QByteArray("HTTP/1.1 200\nA: b\n\nx") << 200 << 19 << QStringMap{{"A", " b"}};
-        QTest::newRow("later duplicate")
-            << QByteArray("HTTP/1.1 200\r\nA: 1\r\nA: 2\r\n\r\n") << 200 << 28 << QStringMap{{"A", " 2"}};
-        QTest::newRow("colon first") << QByteArray("HTTP/1.1 200\r\n: 1\r\nnone\r\n\r\n") << 200 << 27
-                                     << QStringMap();
+        rows<QByteArray, int, int, QStringMap>({
+            {"nothing", QByteArray(), -1, 0, QStringMap()},
+            {"no HTTP/", "garbage\r\n\r\n", -1, 0, QStringMap()},
+            {"whole", whole, 200, size, map},
+            {"with a body", whole + "body", 200, size, map},
+            {"garbage before", "garbage" + whole, 200, size + 7, map},
+            {"up to the end of the data", whole.left(size - 2), 200, size - 2, map},
+            {"lines without CR", "HTTP/1.1 200\nA: b\n\nx", 200, 19, QStringMap{{"A", " b"}}},
+            {"later duplicate", "HTTP/1.1 200\r\nA: 1\r\nA: 2\r\n\r\n", 200, 28, QStringMap{{"A", " 2"}}},
+            {"colon first", "HTTP/1.1 200\r\n: 1\r\nnone\r\n\r\n", 200, 27, QStringMap()},
+        });
     }
-
     void headerParserStatedResults()
     {
         const auto [data, expectedStatus, consumed, expectedHeaders] =
             row<QByteArray, int, int, QStringMap>();
-        SockJSXHRPollingWorker worker(nullptr, nullptr, QStringLiteral("h"), 80, false, true);
         int status = 7;
         QStringMap headers;
-        QCOMPARE(worker.parseHttpHeaderResponse(data, &status, &headers), consumed);
+        QCOMPARE(m_parser.parseHttpHeaderResponse(data, &status, &headers), consumed);
         QCOMPARE(status, expectedStatus);
         QCOMPARE(headers, expectedHeaders);
     }
 
     void headerParserKeepsWhatIsThere()
     {
-        SockJSXHRPollingWorker worker(nullptr, nullptr, QStringLiteral("h"), 80, false, true);
         int status = 0;
         QStringMap headers{{"Old", "1"}, {"A", "1"}};
-        worker.parseHttpHeaderResponse("HTTP/1.1 200 OK\r\nA:2\r\n\r\n", &status, &headers);
+        m_parser.parseHttpHeaderResponse("HTTP/1.1 200 OK\r\nA:2\r\n\r\n", &status, &headers);
         QCOMPARE(headers, QStringMap({{"Old", "1"}, {"A", "2"}}));
     }
 
@@ -141,27 +134,24 @@ private Q_SLOTS:
     {
         const auto [data, isChunked, contentLength, consumed, out] =
             row<QByteArray, bool, int, int, QString>();
-        SockJSXHRPollingWorker worker(nullptr, nullptr, QStringLiteral("h"), 80, false, true);
         QString text;
-        QCOMPARE(worker.parseMessageResponse(data, isChunked, &text, contentLength), consumed);
+        QCOMPARE(m_parser.parseMessageResponse(data, isChunked, &text, contentLength), consumed);
         QCOMPARE(text, out);
     }
 
     void messageParserAppends()
     {
-        SockJSXHRPollingWorker worker(nullptr, nullptr, QStringLiteral("h"), 80, false, true);
         QString out = QStringLiteral("x");
-        QCOMPARE(worker.parseMessageResponse("ab", false, &out, 0), 2);
-        QCOMPARE(worker.parseMessageResponse("2\r\ncd\r\n", true, &out, 0), 7);
+        QCOMPARE(m_parser.parseMessageResponse("ab", false, &out, 0), 2);
+        QCOMPARE(m_parser.parseMessageResponse("2\r\ncd\r\n", true, &out, 0), 7);
         QCOMPARE(out, QStringLiteral("xabcd"));
     }
 
     void messageParserLogs()
     {
-        SockJSXHRPollingWorker worker(nullptr, nullptr, QStringLiteral("h"), 80, false, true);
         QString out = QStringLiteral("abc");
         LogRecorder log;
-        worker.parseMessageResponse("\r\n0\r\n\r\n", true, &out, 0);
+        m_parser.parseMessageResponse("\r\n0\r\n\r\n", true, &out, 0);
         QCOMPARE(log.debug(), QStringList({"[SockJSXHRPollingWorker] Chunk_continued",
                                            "[SockJSXHRPollingWorker] chunk complete size 3"}));
     }
@@ -555,6 +545,9 @@ private Q_SLOTS:
         const qint64 gap = m_server->requests().at(1).msecs - m_server->requests().at(0).msecs;
         QVERIFY2(gap < 900, qPrintable(QString::number(gap)));
     }
+
+private:
+    SockJSXHRPollingWorker m_parser{nullptr, nullptr, QStringLiteral("h"), 80, false, true}; // not connected
 };
 
 QTEST_GUILESS_MAIN(tst_SockJSXHRPollingWorker)
