@@ -104,14 +104,6 @@
         <translation>  Nicht ausgeführt: Es kam von %1.</translation>
     </message>
     <message>
-        <source>The connection is lost. Trying again now.</source>
-        <translation>Die Verbindung ist verloren. Neuer Versuch jetzt.</translation>
-    </message>
-    <message>
-        <source>The connection is lost. Trying again in %1 s.</source>
-        <translation>Die Verbindung ist verloren. Neuer Versuch in %1 s.</translation>
-    </message>
-    <message>
         <source>The connection is lost. Trying again in %1 s (r: now).</source>
         <translation>Die Verbindung ist verloren. Neuer Versuch in %1 s (r: sofort).</translation>
     </message>
@@ -1073,14 +1065,6 @@ wait-limit SECONDS: wie lange ein &quot;wait&quot; dauert, wenn es nichts sagt.<
     <message>
         <source>Ctrl-D does so, too.</source>
         <translation>Strg-D tut das auch.</translation>
-    </message>
-    <message>
-        <source>Only this machine can reach that address, and it is in no network.</source>
-        <translation>Nur dieser Rechner erreicht diese Adresse, und er ist in keinem Netzwerk.</translation>
-    </message>
-    <message>
-        <source>Only this machine can reach that address. For phones, start the service with --host %1.</source>
-        <translation>Nur dieser Rechner erreicht diese Adresse. Für Telefone starten Sie den Dienst mit --host %1.</translation>
     </message>
     <message>
         <source>&quot;%1&quot; is not understood here. See &quot;help poll&quot;.</source>

@@ -104,14 +104,6 @@
         <translation>  Pas fait&#xa0;: cela venait de %1.</translation>
     </message>
     <message>
-        <source>The connection is lost. Trying again now.</source>
-        <translation>La liaison est perdue. Nouvel essai en cours.</translation>
-    </message>
-    <message>
-        <source>The connection is lost. Trying again in %1 s.</source>
-        <translation>La liaison est perdue. Nouvel essai dans %1 s.</translation>
-    </message>
-    <message>
         <source>The connection is lost. Trying again in %1 s (r: now).</source>
         <translation>La liaison est perdue. Nouvel essai dans %1 s (r&#xa0;: maintenant).</translation>
     </message>
@@ -1073,14 +1065,6 @@ wait-limit SECONDS&#xa0;: la durée d’un &quot;wait&quot; quand il ne la dit p
     <message>
         <source>Ctrl-D does so, too.</source>
         <translation>Ctrl-D le fait aussi.</translation>
-    </message>
-    <message>
-        <source>Only this machine can reach that address, and it is in no network.</source>
-        <translation>Seule cette machine atteint cette adresse, et elle n’est sur aucun réseau.</translation>
-    </message>
-    <message>
-        <source>Only this machine can reach that address. For phones, start the service with --host %1.</source>
-        <translation>Seule cette machine atteint cette adresse. Pour des téléphones, lancez le service avec --host %1.</translation>
     </message>
     <message>
         <source>&quot;%1&quot; is not understood here. See &quot;help poll&quot;.</source>

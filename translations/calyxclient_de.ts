@@ -150,6 +150,26 @@
         <source>%1 cannot be written: %2</source>
         <translation>%1 kann nicht geschrieben werden: %2</translation>
     </message>
+    <message>
+        <source>Only this machine can reach that address, and it is in no network.</source>
+        <translation>Nur dieser Rechner erreicht diese Adresse, und er ist in keinem Netzwerk.</translation>
+    </message>
+    <message>
+        <source>Only this machine can reach that address. For phones, start the service with --host %1.</source>
+        <translation>Nur dieser Rechner erreicht diese Adresse. Für Telefone starten Sie den Dienst mit --host %1.</translation>
+    </message>
+    <message>
+        <source>The connection is lost. Trying again in %1 s.</source>
+        <translation>Die Verbindung ist verloren. Neuer Versuch in %1 s.</translation>
+    </message>
+    <message>
+        <source>The connection is lost. Trying again now.</source>
+        <translation>Die Verbindung ist verloren. Neuer Versuch jetzt.</translation>
+    </message>
+    <message>
+        <source>The connection is lost.</source>
+        <translation>Die Verbindung ist verloren.</translation>
+    </message>
 </context>
 <context>
     <name>Calyx::LessonError</name>
@@ -244,6 +264,29 @@
     <message>
         <source>End a lesson that is still open, then start this one again.</source>
         <translation>Beenden Sie eine Stunde, die noch läuft, und beginnen Sie diese dann noch einmal.</translation>
+    </message>
+</context>
+<context>
+    <name>Calyx::Poll</name>
+    <message>
+        <source> (over)</source>
+        <translation> (beendet)</translation>
+    </message>
+    <message>
+        <source> (paused)</source>
+        <translation> (Pause)</translation>
+    </message>
+    <message>
+        <source> (until %1)</source>
+        <translation> (bis %1)</translation>
+    </message>
+    <message>
+        <source>hh:mm:ss</source>
+        <translation>HH:mm:ss</translation>
+    </message>
+    <message>
+        <source>%1%2: %3 of %4 answered</source>
+        <translation>%1%2: %3 von %4 haben geantwortet</translation>
     </message>
 </context>
 <context>

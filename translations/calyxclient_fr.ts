@@ -150,6 +150,26 @@
         <source>%1 cannot be written: %2</source>
         <translation>%1 ne peut pas être écrit&#xa0;: %2</translation>
     </message>
+    <message>
+        <source>Only this machine can reach that address, and it is in no network.</source>
+        <translation>Seule cette machine atteint cette adresse, et elle n’est sur aucun réseau.</translation>
+    </message>
+    <message>
+        <source>Only this machine can reach that address. For phones, start the service with --host %1.</source>
+        <translation>Seule cette machine atteint cette adresse. Pour des téléphones, lancez le service avec --host %1.</translation>
+    </message>
+    <message>
+        <source>The connection is lost. Trying again in %1 s.</source>
+        <translation>La liaison est perdue. Nouvel essai dans %1 s.</translation>
+    </message>
+    <message>
+        <source>The connection is lost. Trying again now.</source>
+        <translation>La liaison est perdue. Nouvel essai en cours.</translation>
+    </message>
+    <message>
+        <source>The connection is lost.</source>
+        <translation>La liaison est perdue.</translation>
+    </message>
 </context>
 <context>
     <name>Calyx::LessonError</name>
@@ -244,6 +264,29 @@
     <message>
         <source>End a lesson that is still open, then start this one again.</source>
         <translation>Terminez un cours encore ouvert, puis recommencez celui-ci.</translation>
+    </message>
+</context>
+<context>
+    <name>Calyx::Poll</name>
+    <message>
+        <source> (over)</source>
+        <translation> (terminé)</translation>
+    </message>
+    <message>
+        <source> (paused)</source>
+        <translation> (en pause)</translation>
+    </message>
+    <message>
+        <source> (until %1)</source>
+        <translation> (jusqu’à %1)</translation>
+    </message>
+    <message>
+        <source>hh:mm:ss</source>
+        <translation>HH:mm:ss</translation>
+    </message>
+    <message>
+        <source>%1%2: %3 of %4 answered</source>
+        <translation>%1%2&#xa0;: %3 réponses sur %4</translation>
     </message>
 </context>
 <context>

@@ -126,18 +126,6 @@
         <source>Start a lesson, and learners can join.</source>
         <translation>Beginnen Sie eine Stunde, dann können Lernende dazukommen.</translation>
     </message>
-    <message>
-        <source>Trying again in %1 s.</source>
-        <translation>Neuer Versuch in %1 s.</translation>
-    </message>
-    <message>
-        <source>Trying again…</source>
-        <translation>Neuer Versuch …</translation>
-    </message>
-    <message>
-        <source>The connection is lost. %1 What you do meanwhile is done when it is back.</source>
-        <translation>Die Verbindung ist verloren. %1 Was Sie inzwischen tun, wird nachgeholt, sobald sie wieder da ist.</translation>
-    </message>
     <message numerus="yes">
         <source>A lesson with %n learners is open. It ends for everybody.</source>
         <translation>
@@ -292,6 +280,10 @@
     <message>
         <source>Do not wait any longer</source>
         <translation>Nicht länger warten</translation>
+    </message>
+    <message>
+        <source>What you do meanwhile is done when it is back.</source>
+        <translation>Was Sie inzwischen tun, wird nachgeholt, sobald sie wieder da ist.</translation>
     </message>
 </context>
 <context>
@@ -466,26 +458,6 @@
     <message>
         <source>Start a poll: the answers appear here as they come in.</source>
         <translation>Starten Sie eine Umfrage: Die Antworten erscheinen hier, sobald sie kommen.</translation>
-    </message>
-    <message>
-        <source> (over)</source>
-        <translation> (beendet)</translation>
-    </message>
-    <message>
-        <source> (paused)</source>
-        <translation> (Pause)</translation>
-    </message>
-    <message>
-        <source> (until %1)</source>
-        <translation> (bis %1)</translation>
-    </message>
-    <message>
-        <source>hh:mm:ss</source>
-        <translation>HH:mm:ss</translation>
-    </message>
-    <message>
-        <source>%1%2: %3 of %4 answered</source>
-        <translation>%1%2: %3 von %4 haben geantwortet</translation>
     </message>
     <message>
         <source>What the learners are asked for</source>

@@ -126,18 +126,6 @@
         <source>Start a lesson, and learners can join.</source>
         <translation>Commencez un cours, et les élèves pourront le rejoindre.</translation>
     </message>
-    <message>
-        <source>Trying again in %1 s.</source>
-        <translation>Nouvel essai dans %1 s.</translation>
-    </message>
-    <message>
-        <source>Trying again…</source>
-        <translation>Nouvel essai…</translation>
-    </message>
-    <message>
-        <source>The connection is lost. %1 What you do meanwhile is done when it is back.</source>
-        <translation>La liaison est perdue. %1 Ce que vous faites entre-temps sera fait à son retour.</translation>
-    </message>
     <message numerus="yes">
         <source>A lesson with %n learners is open. It ends for everybody.</source>
         <translation>
@@ -292,6 +280,10 @@
     <message>
         <source>Do not wait any longer</source>
         <translation>Ne plus attendre</translation>
+    </message>
+    <message>
+        <source>What you do meanwhile is done when it is back.</source>
+        <translation>Ce que vous faites entre-temps sera fait à son retour.</translation>
     </message>
 </context>
 <context>
@@ -466,26 +458,6 @@
     <message>
         <source>Start a poll: the answers appear here as they come in.</source>
         <translation>Lancez un sondage&#xa0;: les réponses s’affichent ici à mesure qu’elles arrivent.</translation>
-    </message>
-    <message>
-        <source> (over)</source>
-        <translation> (terminé)</translation>
-    </message>
-    <message>
-        <source> (paused)</source>
-        <translation> (en pause)</translation>
-    </message>
-    <message>
-        <source> (until %1)</source>
-        <translation> (jusqu’à %1)</translation>
-    </message>
-    <message>
-        <source>hh:mm:ss</source>
-        <translation>HH:mm:ss</translation>
-    </message>
-    <message>
-        <source>%1%2: %3 of %4 answered</source>
-        <translation>%1%2&#xa0;: %3 réponses sur %4</translation>
     </message>
     <message>
         <source>What the learners are asked for</source>

@@ -46,14 +46,6 @@
         <translation>Beenden</translation>
     </message>
     <message>
-        <source>The connection is lost. Next attempt: %1</source>
-        <translation>Die Verbindung ist verloren. Nächster Versuch: %1</translation>
-    </message>
-    <message>
-        <source>now</source>
-        <translation>jetzt</translation>
-    </message>
-    <message>
         <source>Try now</source>
         <translation>Jetzt versuchen</translation>
     </message>

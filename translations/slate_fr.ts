@@ -46,14 +46,6 @@
         <translation>Terminer</translation>
     </message>
     <message>
-        <source>The connection is lost. Next attempt: %1</source>
-        <translation>La liaison est perdue. Prochain essai&#xa0;: %1</translation>
-    </message>
-    <message>
-        <source>now</source>
-        <translation>maintenant</translation>
-    </message>
-    <message>
         <source>Try now</source>
         <translation>Essayer maintenant</translation>
     </message>

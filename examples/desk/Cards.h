@@ -27,8 +27,7 @@ public:
                 {m_list, new QLabel(tr("Pictures can be dropped here.")), add, m_show});
         connect(m_list, &QListWidget::currentRowChanged, m_deck,
                 [this](int row) { m_deck->setCurrent(row + 1); });
-        connect(m_deck, &Calyx::Deck::changed, this, &Cards::refresh);
-        connect(lesson, &Calyx::Lesson::stateChanged, this, &Cards::refresh);
+        connect(lesson, &Calyx::Lesson::changed, this, &Cards::refresh);
         refresh();
     }
 
@@ -59,7 +58,7 @@ private:
         QByteArray png;
         QBuffer buffer(&png);
         QFile file(fileName);
-        if (QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly)) // a pipe would never end
+        if (QFileInfo(file).isFile()) // a pipe would never end
             read(&file, longestSide).save(&buffer, "PNG");
         return png;
     }
@@ -81,8 +80,6 @@ private:
     {
         const QSignalBlocker itself(m_list);
         const int count = m_deck->rowCount();
-        if (count < m_list->count())
-            m_list->clear();
         for (int row = m_list->count(); row < count; ++row) {
             QByteArray bytes = m_deck->index(row).data(Calyx::Deck::PictureRole).toByteArray();
             QBuffer buffer(&bytes);

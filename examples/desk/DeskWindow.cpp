@@ -23,15 +23,11 @@ static QPixmap qrCode(const QString& text, int side)
 {
     constexpr int margin = 4; // modules, without which readers do not find it
     QRcode* const code = QRcode_encodeString(text.toUtf8().constData(), 0, QR_ECLEVEL_M, QR_MODE_8, 1);
-    if (!code)
-        return {};
-    const int width = code->width;
+    const int width = code ? code->width : 0;
     QImage image(width + 2 * margin, width + 2 * margin, QImage::Format_RGB32);
     image.fill(Qt::white);
-    for (int i = 0; i < width * width; ++i) {
-        if (code->data[i] & 1)
-            image.setPixelColor(margin + i % width, margin + i / width, Qt::black);
-    }
+    for (int i = 0; i < width * width; ++i)
+        image.setPixel(margin + i % width, margin + i / width, code->data[i] & 1 ? 0 : 0xffffff);
     QRcode_free(code);
     return QPixmap::fromImage(image.scaled(side, side));
 }
@@ -53,14 +49,15 @@ public:
         m_pages->addWidget(makeLogin());
         m_pages->addWidget(makeLesson());
         setContentsMargins(12, 12, 12, 4);
-        setCentralWidget(arrange(new QWidget, QBoxLayout::TopToBottom, {m_lost, m_notice, m_pages}));
+        m_notice->setObjectName(QStringLiteral("notice"));
+        m_noticeText->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+        setCentralWidget(arrange(new QWidget, QBoxLayout::TopToBottom, {m_notice, m_pages}));
         m_progress->setMaximumWidth(160);
         statusBar()->addPermanentWidget(m_progress);
         statusBar()->addPermanentWidget(m_cancel);
-        for (const auto change : {&Lesson::stateChanged, &Lesson::pollChanged, &Lesson::assessmentChanged})
-            connect(&m_lesson, change, this, &DeskWindow::refresh);
-        connect(&m_lesson, &Lesson::busyChanged, this, &DeskWindow::refreshBusy);
-        connect(&m_lesson, &Lesson::secondsToAttemptChanged, this, &DeskWindow::tellAttempt);
+        connect(&m_lesson, &Lesson::changed, this, &DeskWindow::refresh);
+        connect(&m_lesson, &Lesson::stateChanged, this, &DeskWindow::onState);
+        connect(&m_lesson, &Lesson::busyChanged, this, &DeskWindow::moveFocus);
         connect(&m_lesson, &Lesson::remoteCommand, this, [this](Lesson::RemoteCommand command, bool obeyed) {
             const QString text =
                 obeyed ? tr("Its last command: %1") : tr("It wanted what could not be done: %1");
@@ -72,7 +69,9 @@ public:
                 tell(error.text + QLatin1Char('\n') + error.advice);
         });
         // [failed]
-        refreshBusy();
+        onState();
+        refresh();
+        moveFocus();
     }
 
 protected:
@@ -80,14 +79,6 @@ protected:
     void closeEvent(QCloseEvent* event) override { event->setAccepted(mayEnd(tr("Close the desk"))); }
 
 private:
-    static QWidget* notice(QLabel* text, QPushButton* press)
-    {
-        auto* frame = arrange(new QFrame, QBoxLayout::LeftToRight, {text, press});
-        frame->setObjectName(QStringLiteral("notice"));
-        text->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-        frame->hide();
-        return frame;
-    }
     QWidget* makeLogin()
     {
         auto* box = new QGroupBox(tr("Log in to your classroom"));
@@ -100,7 +91,7 @@ private:
         m_server->setPlaceholderText(QStringLiteral("https://classroom.example"));
         m_password->setEchoMode(QLineEdit::Password);
         for (QLineEdit* edit : {m_server, m_user, m_password}) {
-            connect(edit, &QLineEdit::textChanged, this, &DeskWindow::refreshLogin);
+            connect(edit, &QLineEdit::textChanged, this, &DeskWindow::refresh);
             connect(edit, &QLineEdit::returnPressed, m_logIn, &QPushButton::click);
         }
         auto* page = new QWidget;
@@ -123,70 +114,71 @@ private:
         auto* header = across({m_qrCode, m_code, m_address, m_start, m_end, m_summary, m_save, m_logOut});
         return arrange(new QWidget, QBoxLayout::TopToBottom, {header, columns});
     }
-    void refreshLogin()
+    void onState()
     {
+        const QString address = m_lesson.joinAddress().toDisplayString();
+        m_code->setText(Lesson::grouped(m_lesson.joinCode()));
+        m_address->setText(address.isEmpty() ? tr("Start a lesson, and learners can join.")
+                                             : tr("Learners join at %1 with this code.").arg(address) +
+                                                   QLatin1Char('\n') + m_lesson.joinHint());
+        m_qrCode->setPixmap(qrCode(m_lesson.joinLink().toString(), 96));
+        m_qrCode->setHidden(address.isEmpty());
+        if (m_lesson.state() == Lesson::LoggedIn)
+            m_password->clear();
+        if (m_lesson.state() == Lesson::LoggingIn || m_lesson.state() == Lesson::Starting)
+            tell(QString());
+    }
+    void refresh()
+    {
+        const bool isOpen = !m_lesson.joinCode().isEmpty();
+        const bool isEmpty = m_lesson.polls().isEmpty() && m_lesson.assessments().isEmpty();
+        const QPair<bool, QString> isBusy(m_lesson.isBusy(), tr("The service is being asked."));
         QLineEdit* missing = nullptr;
         for (QLineEdit* edit : {m_password, m_user, m_server}) {
             if (edit->text().trimmed().isEmpty())
                 missing = edit;
         }
-        m_pages->widget(0)->setFocusProxy(missing ? missing : m_password);
         allow(m_logIn,
-              {{m_lesson.isBusy(), tr("The service is being asked.")},
+              {isBusy,
                {missing != nullptr, tr("Fill in the service, your user name and your password first.")}});
-    }
-    void refresh()
-    {
-        const Lesson::State state = m_lesson.state();
-        const QString code = m_lesson.joinCode();
-        const bool isOpen = !code.isEmpty();
-        const bool isEmpty = m_lesson.polls().isEmpty() && m_lesson.assessments().isEmpty();
-        allow(m_start,
-              {{isOpen, tr("The lesson is open.")}, {m_lesson.isBusy(), tr("The service is being asked.")}});
+        allow(m_start, {{isOpen, tr("The lesson is open.")}, isBusy});
         allow(m_end, {{!isOpen, tr("No lesson is open.")}});
         for (QPushButton* button : {m_summary, m_save})
             allow(button, {{isEmpty, tr("Nothing has been asked yet.")}});
-        m_code->setText(code.left(3) + QLatin1Char(' ') + code.mid(3));
-        m_address->setText(
-            isOpen ? tr("Learners join at %1 with this code.").arg(m_lesson.joinAddress().toDisplayString())
-                   : tr("Start a lesson, and learners can join."));
-        m_qrCode->setVisible(isOpen);
-        m_qrCode->setPixmap(qrCode(m_lesson.joinLink().toString(), 96));
-        m_pages->widget(1)->setFocusProxy(isOpen ? m_polls : static_cast<QWidget*>(m_start));
-        if (state == Lesson::LoggedIn)
-            m_password->clear();
-        if (state == Lesson::LoggingIn || state == Lesson::Starting)
-            m_notice->hide();
-        refreshLogin();
-        tellAttempt();
-        m_pages->setCurrentIndex(int(state != Lesson::LoggedOut && state != Lesson::LoggingIn));
-    }
-    void refreshBusy()
-    {
-        constexpr int percent = 100;
-        m_progress->setRange(0, m_lesson.progress() < 0 ? 0 : percent);
-        m_progress->setValue(qRound(m_lesson.progress() * percent));
+        m_progress->setRange(0, m_lesson.progress() < 0 ? 0 : 100);
+        m_progress->setValue(qRound(m_lesson.progress() * 100));
         m_progress->setVisible(m_lesson.isBusy());
         m_cancel->setVisible(m_lesson.isBusy());
-        refresh();
-        // By Tab a field's text is selected: one types over a wrong password.
+        m_pages->widget(0)->setFocusProxy(missing ? missing : m_password);
+        m_pages->widget(1)->setFocusProxy(isOpen ? m_polls : static_cast<QWidget*>(m_start));
+        m_pages->setCurrentIndex(
+            int(m_lesson.state() != Lesson::LoggedOut && m_lesson.state() != Lesson::LoggingIn));
+        refreshNotice();
+    }
+    // [attempt]
+    void refreshNotice()
+    {
+        const QString lost = m_lesson.attemptText();
+        QStringList texts(m_trouble);
+        if (!lost.isEmpty())
+            texts.prepend(lost + QLatin1Char(' ') + tr("What you do meanwhile is done when it is back."));
+        m_noticeText->setText(texts.join(QLatin1Char('\n')).trimmed());
+        m_retry->setHidden(lost.isEmpty());
+        m_dismiss->setHidden(m_trouble.isEmpty());
+        m_notice->setHidden(m_noticeText->text().isEmpty());
+    }
+    // [attempt]
+    // By Tab a field's text is selected: one types over a wrong password.
+    void moveFocus()
+    {
         (m_lesson.isBusy() ? m_cancel : m_pages->currentWidget())->setFocus(Qt::TabFocusReason);
     }
-    // [attempt]
-    void tellAttempt()
+    void tell(const QString& trouble)
     {
-        const int seconds = m_lesson.secondsToAttempt();
-        const QString when =
-            seconds > 0 ? tr("Trying again in %1 s.").arg(seconds) : tr("Trying again\u2026");
-        m_lostText->setText(
-            tr("The connection is lost. %1 What you do meanwhile is done when it is back.").arg(when));
-        m_lost->setVisible(m_lesson.state() == Lesson::Reconnecting);
-    }
-    // [attempt]
-    void tell(const QString& text)
-    {
-        m_noticeText->setText(text.trimmed());
-        m_notice->show();
+        m_trouble = trouble.trimmed();
+        refreshNotice();
+        if (trouble.isEmpty())
+            return;
         QAccessibleEvent alert(m_noticeText, QAccessible::Alert);
         QAccessible::updateAccessibility(&alert);
     }
@@ -225,15 +217,6 @@ private:
         dialog.layout()->setContentsMargins(12, 12, 12, 12);
         dialog.exec();
     }
-    // [save]
-    void save()
-    {
-        const QString name = QFileDialog::getSaveFileName(this, tr("Save the results"), tr("results.csv"),
-                                                          tr("Results (*.csv *.json)"));
-        if (!name.isEmpty())
-            m_lesson.save(name);
-    }
-    // [save]
 
     Lesson m_lesson;
     QLineEdit* m_server = made<QLineEdit>(tr("The address of the classroom service"));
@@ -254,20 +237,26 @@ private:
                                 [this] { mayEnd(tr("End the lesson")) ? m_lesson.end() : void(); });
     QPushButton* m_summary =
         button(tr("Summar&y\u2026"), tr("How polls and assessments came out"), [this] { summarize(); });
-    QPushButton* m_save =
-        button(tr("Save &results\u2026"), tr("Write who answered what to a file"), [this] { save(); });
+    // [save]
+    QPushButton* m_save = button(tr("Save &results\u2026"), tr("Write who answered what to a file"), [this] {
+        const QString name = QFileDialog::getSaveFileName(this, tr("Save the results"), tr("results.csv"),
+                                                          tr("Results (*.csv *.json)"));
+        if (!name.isEmpty())
+            m_lesson.save(name);
+    });
+    // [save]
     QPushButton* m_logOut = button(tr("Log &out"), tr("End what is open and log out"),
                                    [this] { mayEnd(tr("Log out")) ? m_lesson.logOut() : void(); });
     Polls* m_polls = new Polls(&m_lesson);
     QLabel* m_remote = plainLabel(tr("It can join with the lesson\u2019s code."));
 
     QStackedWidget* m_pages = new QStackedWidget;
+    QString m_trouble;
     QLabel* m_noticeText = plainLabel();
-    QLabel* m_lostText = plainLabel();
-    QWidget* m_notice =
-        notice(m_noticeText, button(tr("&Dismiss"), tr("Close this message"), [this] { m_notice->hide(); }));
-    QWidget* m_lost = notice(m_lostText, button(tr("Try &now"), tr("Try to open the channel at once"),
-                                                [this] { m_lesson.retryNow(); }));
+    QPushButton* m_retry =
+        button(tr("Try &now"), tr("Try to open the channel at once"), [this] { m_lesson.retryNow(); });
+    QPushButton* m_dismiss = button(tr("&Dismiss"), tr("Close this message"), [this] { tell(QString()); });
+    QWidget* m_notice = arrange(new QFrame, QBoxLayout::LeftToRight, {m_noticeText, m_retry, m_dismiss});
     QProgressBar* m_progress = made<QProgressBar>(tr("How far it is"), tr("Progress"));
     QPushButton* m_cancel =
         button(tr("&Cancel"), tr("Do not wait any longer"), [this] { m_lesson.cancel(); });

@@ -17,9 +17,7 @@ public:
         arrange(this, QBoxLayout::TopToBottom, {m_onlyMissing, m_list, across({m_lock, m_remove})});
         connect(m_onlyMissing, &QCheckBox::toggled, &m_present, &Calyx::RosterFilter::setOnlyMissing);
         connect(m_list->selectionModel(), &QItemSelectionModel::currentChanged, this, &Learners::refresh);
-        connect(lesson->roster(), &Calyx::Roster::changed, this, &Learners::refresh);
-        connect(lesson, &Calyx::Lesson::lockedChanged, this, &Learners::refresh);
-        connect(lesson, &Calyx::Lesson::stateChanged, this, &Learners::refresh);
+        connect(lesson, &Calyx::Lesson::changed, this, &Learners::refresh);
         refresh();
     }
 

@@ -27,21 +27,17 @@ public:
 class Polls : public QTabWidget
 {
     Q_DECLARE_TR_FUNCTIONS(Polls)
-    using Lesson = Calyx::Lesson;
     using Question = Calyx::Question;
 
 public:
-    explicit Polls(Lesson* lesson) : m_lesson(lesson)
+    explicit Polls(Calyx::Lesson* lesson) : m_lesson(lesson)
     {
         made(tr("One question, or several at each learner\u2019s own pace"), tr("What is asked"), this);
         addTab(makePoll(), tr("Poll"));
         addTab(makeAssessment(), tr("Assessment"));
         connect(m_kind, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &Polls::chooseKind);
         connect(m_options, &QLineEdit::textChanged, this, &Polls::refresh);
-        for (const auto change : {&Lesson::stateChanged, &Lesson::pollChanged, &Lesson::assessmentChanged})
-            connect(lesson, change, this, &Polls::refresh);
-        connect(lesson, &Lesson::answersChanged, this, &Polls::tellAnswers);
-        connect(lesson->roster(), &Calyx::Roster::changed, this, &Polls::tellAnswers);
+        connect(lesson, &Calyx::Lesson::changed, this, &Polls::refresh);
         chooseKind();
         setFocusProxy(m_kind);
     }
@@ -49,11 +45,8 @@ public:
 private:
     QWidget* makePoll()
     {
-        using namespace Calyx::PollType;
-        for (const POLL_TYPE kind : {MULTIPLE, TRUE_FALSE, YES_NO_OTHER, SCALE, SORT, TEXT, WORD_SEED, NUMBER,
-                                     CREATIVE, MATH_FORMULA})
-            m_kind->addItem(Question::kindName(kind), kind);
-        m_kind->setMaxVisibleItems(m_kind->count());
+        for (const auto kind : Question::kinds())
+            m_kind->addItem(Question::kindName(kind));
         m_options->setPlaceholderText(tr("Red; green; blue"));
         m_chart->setItemDelegateForColumn(Calyx::PollResults::Count, new Bars(m_chart));
         auto* page = new QWidget;
@@ -72,19 +65,8 @@ private:
     {
         m_plan.title = tr("Assessment");
         m_plan.mayGoBack = m_plan.showsSummary = true;
-        // [assessment]
-        auto* add =
-            button(tr("Add &question"), tr("Take over the question of the page \u201cPoll\u201d"), [this] {
-                m_plan.questions.append(question());
-                refresh();
-            });
-        m_begin = button(tr("Start assess&ment"), tr("Have the learners work through the questions"),
-                         [this] { m_lesson->startAssessment(m_plan); });
-        m_finish =
-            button(tr("Stop assessment"), tr("Take no more answers"), [this] { m_lesson->stopAssessment(); });
-        // [assessment]
         return arrange(new QWidget, QBoxLayout::TopToBottom,
-                       {m_planned, across({add, m_clear, m_begin, m_finish}), quiet(m_sheet)});
+                       {m_planned, across({m_add, m_clear, m_begin, m_finish}), quiet(m_sheet)});
     }
     // Tab goes on to the next control, not through the cells.
     static QTableView* quiet(QTableView* table)
@@ -96,10 +78,7 @@ private:
         table->horizontalHeader()->setStretchLastSection(true);
         return table;
     }
-    Question usual() const
-    {
-        return Question::usual(static_cast<Calyx::PollType::POLL_TYPE>(m_kind->currentData().toInt()));
-    }
+    Question usual() const { return Question::usual(Question::kinds().at(m_kind->currentIndex())); }
     // [question]
     Question question() const
     {
@@ -152,27 +131,13 @@ private:
         allow(m_clear, {isEmpty});
         allow(m_begin, {isClosed, isEmpty, {isAssessed, tr("An assessment is running: stop it first.")}});
         allow(m_finish, {{!isAssessed, tr("No assessment is running.")}});
-        tellAnswers();
+        // [answers]
+        m_answers->setText(poll ? poll->statusText()
+                                : tr("Start a poll: the answers appear here as they come in."));
+        // [answers]
     }
-    // [answers]
-    void tellAnswers()
-    {
-        const Calyx::Poll* poll = m_lesson->poll();
-        if (!poll)
-            return m_answers->setText(tr("Start a poll: the answers appear here as they come in."));
-        const QString state = !poll->isRunning() ? tr(" (over)")
-                              : poll->isPaused() ? tr(" (paused)")
-                              : poll->stopsAt().isValid()
-                                  ? tr(" (until %1)").arg(poll->stopsAt().toString(tr("hh:mm:ss")))
-                                  : QString();
-        m_answers->setText(tr("%1%2: %3 of %4 answered")
-                               .arg(poll->title(), state)
-                               .arg(poll->answered())
-                               .arg(poll->expected()));
-    }
-    // [answers]
 
-    Lesson* m_lesson;
+    Calyx::Lesson* m_lesson;
     Calyx::AssessmentPlan m_plan;
     QComboBox* m_kind = made<QComboBox>(tr("What the learners are asked for"), tr("Kind of poll"));
     QLineEdit* m_text = made<QLineEdit>(tr("What the learners read; empty: you ask in your own words"));
@@ -194,11 +159,20 @@ private:
     QLabel* m_answers = plainLabel();
     QTableView* m_chart = made<QTableView>(tr("How many gave which answer"), tr("Answers"));
     QLabel* m_planned = plainLabel();
+    // [assessment]
+    QPushButton* m_add =
+        button(tr("Add &question"), tr("Take over the question of the page \u201cPoll\u201d"), [this] {
+            m_plan.questions.append(question());
+            refresh();
+        });
     QPushButton* m_clear = button(tr("Clear"), tr("Take all questions out"), [this] {
         m_plan.questions.clear();
         refresh();
     });
-    QPushButton* m_begin = nullptr;
-    QPushButton* m_finish = nullptr;
+    QPushButton* m_begin = button(tr("Start assess&ment"), tr("Have the learners work through the questions"),
+                                  [this] { m_lesson->startAssessment(m_plan); });
+    QPushButton* m_finish =
+        button(tr("Stop assessment"), tr("Take no more answers"), [this] { m_lesson->stopAssessment(); });
+    // [assessment]
     QTableView* m_sheet = made<QTableView>(tr("What each learner answered"), tr("Answers by learner"));
 };

@@ -17,6 +17,6 @@ Row {
     Column {
         anchors.verticalCenter: parent.verticalCenter
         Label { text: join.lesson.joinAddress; textFormat: Text.PlainText; font.pixelSize: join.unit }
-        Label { objectName: "code"; text: join.lesson.joinCode.replace(/^(...)(?=.)/, "$1 "); textFormat: Text.PlainText; font { pixelSize: 3 * join.unit; bold: true } }
+        Label { objectName: "code"; text: join.lesson.grouped(join.lesson.joinCode); textFormat: Text.PlainText; font { pixelSize: 3 * join.unit; bold: true } }
     }
 }

@@ -56,7 +56,7 @@ ApplicationWindow {
             width: parent.width
             Label {
                 id: notice; objectName: "notice"; Layout.fillWidth: true
-                text: window.isLost ? qsTr("The connection is lost. Next attempt: %1").arg(Qt.formatTime(lesson.nextAttempt) || qsTr("now")) : window.trouble
+                text: lesson.attemptText || window.trouble
                 textFormat: Text.PlainText; wrapMode: Text.Wrap
                 Accessible.role: Accessible.AlertMessage
             }

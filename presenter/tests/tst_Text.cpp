@@ -111,13 +111,6 @@ private Q_SLOTS:
         QCOMPARE(Text::wrap("name    what it does", 14, 2, 6),
                  QStringList({"  name    what", "      it does"}));
     }
-
-    void codesAreGrouped()
-    {
-        QCOMPARE(Text::code("559335"), QStringLiteral("559 335"));
-        QCOMPARE(Text::code("5593"), QStringLiteral("559 3"));
-        QCOMPARE(Text::code(""), QString());
-    }
 };
 
 QTEST_GUILESS_MAIN(tst_Text)

@@ -3,6 +3,7 @@
 // Where Qt 5.15 and Qt 6 differ: nothing else in the library asks which of them it is built with.
 
 #include <QAbstractSocket>
+#include <QLibraryInfo>
 #include <QLoggingCategory>
 #include <QtGlobal>
 
@@ -77,4 +78,14 @@ template<typename Socket>
 constexpr auto errorSignal(long /*otherwise*/)
 {
     return QOverload<QAbstractSocket::SocketError>::of(&Socket::error);
+}
+
+/// Where Qt's own texts are in other languages.
+inline QString qtTranslationsFolder()
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    return QLibraryInfo::location(QLibraryInfo::TranslationsPath);
+#else
+    return QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+#endif
 }

@@ -1,9 +1,12 @@
 #include "lesson/Lesson.h"
 
+#include "base/QtVersion.h"
 #include "collab/PresenterCollab.h"
+#include "lesson/JoinAddress.h"
 #include "lesson/LessonPrivate.h"
 #include "lesson/LessonText.h"
 
+#include <QCoreApplication>
 #include <QTranslator>
 
 // A static library's resources come with whoever asks for them. The macro wants no namespace around it.
@@ -86,6 +89,20 @@ QUrl Lesson::joinAddress() const
     return QUrl(d->joinAddress);
 }
 
+QString Lesson::joinHint() const
+{
+    return JoinAddress::hint(joinAddress());
+}
+
+QString Lesson::grouped(const QString& code)
+{
+    constexpr int group = 3;
+    QStringList groups;
+    for (int at = 0; at < code.size(); at += group)
+        groups.append(code.mid(at, group));
+    return groups.join(QLatin1Char(' '));
+}
+
 bool Lesson::isBusy() const
 {
     return d->state == LoggingIn || d->state == Starting || d->state == Ending || !d->uploads.isEmpty();
@@ -114,6 +131,16 @@ int Lesson::secondsToAttempt() const
     constexpr qint64 second = 1000;
     const qint64 left = d->nextAttempt.isValid() ? d->retryAt.remainingTime() : 0;
     return int((left + second - 1) / second);
+}
+
+QString Lesson::attemptText() const
+{
+    const int seconds = secondsToAttempt();
+    if (d->state != Reconnecting)
+        return QString();
+    if (seconds > 0)
+        return tr("The connection is lost. Trying again in %1 s.").arg(seconds);
+    return d->reconnects ? tr("The connection is lost. Trying again now.") : tr("The connection is lost.");
 }
 
 void Lesson::setName(const QString& id, const QString& name)
@@ -154,6 +181,20 @@ bool Lesson::loadTranslation(QTranslator* translator, const QLocale& locale)
     return translator->load(locale, QStringLiteral("calyxclient"), QStringLiteral("_"),
                             QStringLiteral(":/calyxclient")) &&
            !translator->isEmpty(); // as the English one is
+}
+
+void Lesson::installTranslations(const QLocale& locale)
+{
+    const auto install = [](const auto& load) {
+        auto texts = std::make_unique<QTranslator>();
+        if (!load(texts.get()) || !QCoreApplication::installTranslator(texts.get()))
+            return;
+        texts.release()->setParent(QCoreApplication::instance());
+    };
+    install([&](QTranslator* texts) {
+        return texts->load(locale, QStringLiteral("qtbase"), QStringLiteral("_"), qtTranslationsFolder());
+    });
+    install([&](QTranslator* texts) { return loadTranslation(texts, locale); });
 }
 
 // Login and session.

@@ -49,10 +49,12 @@ class CALYXCLIENT_EXPORT Lesson : public QObject
     Q_PROPERTY(QString joinCode READ joinCode NOTIFY stateChanged)
     Q_PROPERTY(QUrl joinAddress READ joinAddress NOTIFY stateChanged)
     Q_PROPERTY(QUrl joinLink READ joinLink NOTIFY stateChanged)
+    Q_PROPERTY(QString joinHint READ joinHint NOTIFY stateChanged)
     Q_PROPERTY(bool busy READ isBusy NOTIFY busyChanged)
     Q_PROPERTY(double progress READ progress NOTIFY busyChanged)
     Q_PROPERTY(QDateTime nextAttempt READ nextAttempt NOTIFY nextAttemptChanged)
     Q_PROPERTY(int secondsToAttempt READ secondsToAttempt NOTIFY secondsToAttemptChanged)
+    Q_PROPERTY(QString attemptText READ attemptText NOTIFY secondsToAttemptChanged)
     Q_PROPERTY(Calyx::Roster* roster READ roster CONSTANT)
     Q_PROPERTY(Calyx::Deck* deck READ deck CONSTANT)
     Q_PROPERTY(Calyx::Poll* poll READ poll NOTIFY pollChanged)
@@ -113,6 +115,12 @@ public:
     /// The same with the code as its query ("?code=123456"), as a link or a QR code has it: at a service that
     /// knows that, learners need not type the code.
     QUrl joinLink() const;
+    /// What learners at other machines need before they can join at joinAddress(), a sentence for people,
+    /// translated: where it is loopback's, how the service has to be started, and with which address of this
+    /// machine. Empty where they need nothing, and without a session.
+    QString joinHint() const;
+    /// A join code as people read it, in groups of three: "559 335".
+    Q_INVOKABLE static QString grouped(const QString& code);
     /// Whether something is going on that takes long, and that cancel() ends: logging in, opening or ending a
     /// session, sending a picture.
     bool isBusy() const;
@@ -122,6 +130,9 @@ public:
     QDateTime nextAttempt() const;
     /// How many seconds that is ahead, for people; 0 where it is now or nextAttempt() is invalid.
     int secondsToAttempt() const;
+    /// What a Reconnecting lesson tells people, translated: "The connection is lost. Trying again in 3 s.";
+    /// empty in every other state.
+    QString attemptText() const;
     /// What the remote control is told as the lesson's id and name; "lesson" and "Lesson" at first.
     Q_INVOKABLE void setName(const QString& id, const QString& name);
     /// The transports to use ("websocket", "xhr-streaming", "xhr-polling") from the next start() or
@@ -158,6 +169,10 @@ public:
     /// host installs that, if it wants; without it all is English. False, and nothing is loaded, where
     /// English comes first, and where the library was built without other languages.
     static bool loadTranslation(QTranslator* translator, const QLocale& locale = QLocale());
+    /// Installs this layer's texts and Qt's own (the buttons of dialogs), as far as there are any in \p
+    /// locale's languages, for as long as the application object lives, which there has to be: after the
+    /// host's own texts or before. loadTranslation() is for a host that changes its language.
+    static void installTranslations(const QLocale& locale = QLocale());
 
     // Login and session.
 
@@ -312,7 +327,8 @@ Q_SIGNALS:
     void busyChanged();
     /// nextAttempt() has changed.
     void nextAttemptChanged();
-    /// secondsToAttempt() has changed: with nextAttempt(), and each second until then.
+    /// secondsToAttempt() and attemptText() have changed: with state(), with nextAttempt(), and each second
+    /// until then.
     void secondsToAttemptChanged();
     /// server() has changed.
     void serverChanged();
@@ -328,6 +344,9 @@ Q_SIGNALS:
     void cardShown(int number);
     /// isRemotePresent() has changed.
     void remotePresentChanged();
+    /// What the lesson, its poll(), roster() and deck() tell of themselves has changed: for a window that
+    /// shows all anew. Comes with each of the signals above but failed() and cardShown(), and with theirs.
+    void changed();
     /// The remote control has asked for something. \p obeyed: the lesson has done it, which a host that has
     /// taken it over by setObeys() does instead; also false when it could not be done. \p data came with it,
     /// from outside.

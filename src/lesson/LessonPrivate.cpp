@@ -26,7 +26,15 @@ LessonPrivate::LessonPrivate(Lesson* lesson)
     QObject::connect(&inbox, &Inbox::turned, q, [this] { afterTurn(); });
     retry.setSingleShot(true);
     QObject::connect(&retry, &QTimer::timeout, q, [this] { waitForAttempt(); });
-    QObject::connect(q, &Lesson::nextAttemptChanged, q, &Lesson::secondsToAttemptChanged);
+    for (const auto change : {&Lesson::stateChanged, &Lesson::nextAttemptChanged})
+        QObject::connect(q, change, q, &Lesson::secondsToAttemptChanged);
+    for (const auto change : {&Lesson::busyChanged, &Lesson::secondsToAttemptChanged, &Lesson::serverChanged,
+                              &Lesson::pollChanged, &Lesson::assessmentChanged, &Lesson::lockedChanged,
+                              &Lesson::remotePresentChanged})
+        QObject::connect(q, change, q, &Lesson::changed);
+    QObject::connect(q, &Lesson::answersChanged, q, &Lesson::changed);
+    QObject::connect(content.roster, &Roster::changed, q, &Lesson::changed);
+    QObject::connect(deck, &Deck::changed, q, &Lesson::changed);
     confirmation.setSingleShot(true);
     QObject::connect(&confirmation, &QTimer::timeout, q, [this] { confirm(); });
     stopTimer.setSingleShot(true);

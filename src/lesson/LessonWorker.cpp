@@ -3,6 +3,7 @@
 #include "base/JsonReader.h"
 #include "collab/CollaborationMessageHandler.h"
 #include "collab/PresenterCollab.h"
+#include "lesson/JoinAddress.h"
 #include "lesson/LessonText.h"
 #include "lesson/ServiceClient.h"
 #include "transport/SockJSConnector.h"
@@ -10,9 +11,7 @@
 
 #include <QDateTime>
 #include <QEventLoop>
-#include <QHostAddress>
 #include <QJsonObject>
-#include <QNetworkInterface>
 #include <QThread>
 
 #include <utility>
@@ -36,22 +35,6 @@ constexpr int hastyEchoLimit = 2000;
 
 // What a presenter publishes to its own address comes back to it.
 const QString pulseType = QStringLiteral("pulse");
-
-// The first address of this machine that others know it by, where the service is asked for at all of them.
-QString addressForOthers(const QString& server)
-{
-    QUrl url(server);
-    const QList<QHostAddress> all{QHostAddress(QHostAddress::AnyIPv4), QHostAddress(QHostAddress::AnyIPv6)};
-    if (!all.contains(QHostAddress(url.host())))
-        return server;
-    url.setHost(QStringLiteral("127.0.0.1"));
-    const QList<QHostAddress> addresses = QNetworkInterface::allAddresses();
-    for (auto own = addresses.crbegin(); own != addresses.crend(); ++own) {
-        if (own->protocol() == QAbstractSocket::IPv4Protocol && !own->isLoopback() && !own->isLinkLocal())
-            url.setHost(own->toString());
-    }
-    return url.toString();
-}
 
 QString senderOf(const QString& message)
 {
@@ -410,7 +393,7 @@ void LessonWorker::reportOpened(int ticket, bool isReturn)
 {
     Opening opening;
     opening.joinCode = m_client->sessionCode();
-    opening.joinAddress = addressForOthers(m_client->server());
+    opening.joinAddress = JoinAddress::of(m_client->server());
     opening.sessionToken = m_sessionToken;
     opening.isReturn = isReturn;
     m_isOpen = true;

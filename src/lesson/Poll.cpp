@@ -184,6 +184,19 @@ QString Poll::title() const
     return d->question.text.isEmpty() ? d->question.kindName() : d->question.text;
 }
 
+QString Poll::statusText() const
+{
+    QString state;
+    if (!d->isRunning)
+        state = tr(" (over)");
+    else if (d->isPaused)
+        state = tr(" (paused)");
+    else if (d->stopsAt.isValid())
+        state = tr(" (until %1)").arg(d->stopsAt.toString(tr("hh:mm:ss")));
+    return tr("%1%2: %3 of %4 answered")
+        .arg(title(), state, QString::number(answered()), QString::number(expected()));
+}
+
 bool Poll::isRunning() const
 {
     return d->isRunning;

@@ -46,6 +46,9 @@ public:
     Question question() const;
     /// The question's text, else the name of its kind.
     QString title() const;
+    /// How it stands, a line for people, translated: "Which gas? (paused): 3 of 5 answered". It changes with
+    /// stateChanged() and answersChanged(), and with those who are here.
+    Q_INVOKABLE QString statusText() const;
     /// Whether it has not been stopped yet.
     bool isRunning() const;
     /// Whether it runs and the devices hold it.

@@ -192,6 +192,12 @@ QVariantMap Question::toMap() const
             {QStringLiteral("pictureUrl"), pictureUrl}};
 }
 
+QVector<P::POLL_TYPE> Question::kinds()
+{
+    return {P::MULTIPLE, P::TRUE_FALSE, P::YES_NO_OTHER, P::SCALE,    P::SORT,
+            P::TEXT,     P::WORD_SEED,  P::NUMBER,       P::CREATIVE, P::MATH_FORMULA};
+}
+
 QString Question::kind() const
 {
     return P::POLL_TYPE_STR().value(type);

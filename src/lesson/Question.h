@@ -10,6 +10,7 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+#include <QVector>
 
 namespace Calyx {
 
@@ -62,6 +63,8 @@ public:
     /// The same map. The picture's bytes are not in it.
     QVariantMap toMap() const;
 
+    /// All kinds, in the order of a menu: what is asked most often comes first.
+    static QVector<PollType::POLL_TYPE> kinds();
     /// The kind's name on the wire, for example "yes-no-other".
     QString kind() const;
     /// The kind's name for people: "Multiple choice", translated.

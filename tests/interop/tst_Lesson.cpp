@@ -135,6 +135,7 @@ private Q_SLOTS:
         connect(m_lesson.get(), &Lesson::secondsToAttemptChanged, this,
                 [&] { seconds.append(m_lesson->secondsToAttempt()); });
         QVERIFY(waitFor([&] { return seconds.mid(seconds.size() - 2) == QList<int>{2, 1}; }));
+        QCOMPARE(m_lesson->attemptText(), QStringLiteral("The connection is lost. Trying again in 1 s."));
         VERIFY_STARTED(m_classroom->start());
         m_lesson->retryNow();
         QVERIFY(waitFor([&] { return m_error.kind == LessonError::SessionGone; }));

@@ -240,25 +240,51 @@ private Q_SLOTS:
     {
         Poll* const poll = m_class->lesson->ask(marked());
         QVERIFY(!poll->stopsAt().isValid());
+        m_class->lesson->pause();
+        QCOMPARE(poll->statusText(), QStringLiteral("Multiple choice (paused): 0 of 2 answered"));
+        m_class->lesson->resume();
+        QCOMPARE(poll->statusText(), QStringLiteral("Multiple choice: 0 of 2 answered"));
         m_class->lesson->stop(60);
         QVERIFY(poll->isRunning() && poll->stopsAt() > poll->startedAt().addSecs(59));
+        QVERIFY(poll->statusText().contains(poll->stopsAt().toString("('until' hh:mm:ss)")));
         m_class->lesson->stop(1);
         QVERIFY(poll->stopsAt() < poll->startedAt().addSecs(59));
         QVERIFY(waitFor([&] { return !poll->isRunning(); }));
         QVERIFY(!poll->stopsAt().isValid() && poll->elapsed() >= 1000);
+        QCOMPARE(poll->statusText(), QStringLiteral("Multiple choice (over): 0 of 2 answered"));
     }
 
-    // At "all addresses" nobody but this machine finds it.
+    void learnersGetAnAddressOfTheirs_data()
+    {
+        columns<QString>();
+        for (const char* host : {"0.0.0.0", "127.0.0.1", "localhost"})
+            QTest::newRow(host) << QString(host);
+    }
+
+    // At "all addresses" nobody but this machine finds it, and loopback's are its own.
     void learnersGetAnAddressOfTheirs()
     {
+        const auto [host] = row<QString>();
         beginAnew();
+        QCOMPARE(m_class->lesson->joinHint(), QString());
         m_class->lesson->setServer(
-            QUrl(QStringLiteral("http://0.0.0.0:%1").arg(m_class->service.serverPort())));
+            QUrl(QStringLiteral("http://%1:%2").arg(host).arg(m_class->service.serverPort())));
         QVERIFY(m_class->start());
         const QUrl address = m_class->lesson->joinAddress();
         QCOMPARE(address.port(), int(m_class->service.serverPort()));
-        const QHostAddress host(address.host());
-        QVERIFY(!host.isNull() && host != QHostAddress(QHostAddress::AnyIPv4));
+        QVERIFY(address.host() == host || host == QLatin1String("0.0.0.0"));
+        const QHostAddress shown(address.host());
+        QVERIFY(shown != QHostAddress(QHostAddress::AnyIPv4));
+        const bool isLoopback = shown.isLoopback() || address.host() == QLatin1String("localhost");
+        QCOMPARE(m_class->lesson->joinHint().startsWith("Only this machine can reach that address"),
+                 isLoopback);
+    }
+
+    void codesAreGrouped()
+    {
+        QCOMPARE(Lesson::grouped("559335"), QStringLiteral("559 335"));
+        QCOMPARE(Lesson::grouped("5593"), QStringLiteral("559 3"));
+        QCOMPARE(Lesson::grouped(""), QString());
     }
 
     void listsTheClassByName()

@@ -236,7 +236,9 @@ private Q_SLOTS:
         class_.bus.dropConnections();
         QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::Reconnecting; }));
         QVERIFY(!class_.lesson->nextAttempt().isValid());
+        QCOMPARE(class_.lesson->attemptText(), QStringLiteral("The connection is lost."));
         QVERIFY(class_.loseAndReturn([](Lesson&) {}));
+        QCOMPARE(class_.lesson->attemptText(), QString());
         QVERIFY(class_.end());
     }
 
@@ -341,6 +343,10 @@ private Q_SLOTS:
         if (isLoaded)
             QCoreApplication::installTranslator(&translator);
         QCOMPARE(Calyx::LessonError::make(Calyx::LessonError::Cancelled).text, text);
+        QCoreApplication::removeTranslator(&translator);
+        Calyx::Lesson::installTranslations(locale);
+        QCOMPARE(Calyx::LessonError::make(Calyx::LessonError::Cancelled).text, text);
+        qDeleteAll(QCoreApplication::instance()->findChildren<QTranslator*>());
     }
 };
 

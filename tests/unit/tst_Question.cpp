@@ -3,6 +3,8 @@
 
 #include <QTest>
 
+#include <algorithm>
+
 using namespace Calyx;
 
 namespace {
@@ -111,6 +113,13 @@ private Q_SLOTS:
         QCOMPARE(question.picksOf("112"), (QStringList{"11", "2"}));
         QCOMPARE(question.picksOf("1,12"), (QStringList{"1", "1", "2"}));
         QCOMPARE(question.picksOf("1x"), QStringList());
+    }
+
+    void menusListEachKindOnce()
+    {
+        QVector<PollType::POLL_TYPE> kinds = Question::kinds();
+        std::sort(kinds.begin(), kinds.end());
+        QCOMPARE(kinds.toList(), PollType::POLL_TYPE_STR().keys());
     }
 
     void isAMap()

@@ -73,9 +73,9 @@ QString LiveView::loss() const
 {
     const int seconds = m_lesson.secondsToAttempt();
     const QString when =
-        seconds == 0  ? Words::tr("The connection is lost. Trying again now.")
-        : m_showsWork ? Words::tr("The connection is lost. Trying again in %1 s.").arg(seconds)
-                      : Words::tr("The connection is lost. Trying again in %1 s (r: now).").arg(seconds);
+        seconds == 0 || m_showsWork
+            ? m_lesson.attemptText()
+            : Words::tr("The connection is lost. Trying again in %1 s (r: now).").arg(seconds);
     const Style& style = m_screen.style();
     return style.paint(Ink::Bad, Text::elide(when, style.columns - 1, style.unicode));
 }

@@ -23,9 +23,10 @@ Outcome loggedIn(CommandContext& context, const QString& user)
     context.screen.note(Words::tr("Logged in as %1.").arg(Text::clean(user)), Ink::Good);
     const QVariantMap left = Lesson::journalOf(context.notes.journal);
     if (left.value(QStringLiteral("teacher")) == user)
-        context.screen.note(Words::tr("Session %1 was not ended: \"session resume\" takes it up.")
-                                .arg(Text::code(Text::clean(left.value(QStringLiteral("code")).toString()))),
-                            Ink::Strong);
+        context.screen.note(
+            Words::tr("Session %1 was not ended: \"session resume\" takes it up.")
+                .arg(Lesson::grouped(Text::clean(left.value(QStringLiteral("code")).toString()))),
+            Ink::Strong);
     return Outcome::done();
 }
 

@@ -14,8 +14,6 @@
 #include <CalyxClient/SockJSConnector>
 
 #include <QDir>
-#include <QHostAddress>
-#include <QNetworkInterface>
 #include <QProcess>
 
 #include <memory>
@@ -23,37 +21,6 @@
 using Calyx::Lesson;
 
 namespace {
-
-bool isLoopback(const QString& host)
-{
-    return host == QLatin1String("localhost") || QHostAddress(host).isLoopback();
-}
-
-// The address that other machines of the network know this one by; empty when there is none.
-QString ownAddress()
-{
-    const QList<QHostAddress> addresses = QNetworkInterface::allAddresses();
-    for (const QHostAddress& address : addresses) {
-        if (address.protocol() == QAbstractSocket::IPv4Protocol && !address.isLoopback() &&
-            !address.isLinkLocal())
-            return address.toString();
-    }
-    return QString();
-}
-
-// What learners who are not at this machine need when they are to join at this address; empty when they need
-// nothing.
-QString hintFor(const QUrl& address)
-{
-    if (!isLoopback(address.host()))
-        return QString();
-    const QString own = ownAddress();
-    if (own.isEmpty())
-        return Words::tr("Only this machine can reach that address, and it is in no network.");
-    return Words::tr("Only this machine can reach that address. For phones, start the service with "
-                     "--host %1.")
-        .arg(own);
-}
 
 // As text; empty where the program "qrencode" is not installed.
 QStringList qrCode(const QString& text, const Style& style)
@@ -74,7 +41,7 @@ const char logInAgain[] = QT_TRANSLATE_NOOP("Words", "Use \"login\" again.");
 QString codeOf(const CommandContext& context)
 {
     const QString code = context.lesson.joinCode();
-    return Text::code(Text::clean(code.isEmpty() ? context.notes.createdCode : code));
+    return Lesson::grouped(Text::clean(code.isEmpty() ? context.notes.createdCode : code));
 }
 
 Outcome alreadyOpen(const CommandContext& context)
@@ -86,7 +53,7 @@ void tellHowToJoin(CommandContext& context)
 {
     const Style& style = context.screen.style();
     const QUrl address = context.lesson.joinAddress();
-    const QString hint = hintFor(address);
+    const QString hint = context.lesson.joinHint();
     QStringList picture;
     if (context.screen.isLive() && style.unicode && hint.isEmpty())
         picture = qrCode(context.lesson.joinLink().toString(QUrl::FullyEncoded), style);

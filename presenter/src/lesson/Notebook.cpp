@@ -18,14 +18,11 @@ Notebook::Notebook(Lesson& lesson)
         ++m_cards;
         Q_EMIT changed();
     });
-    for (const auto change : {&Lesson::pollChanged, &Lesson::nextAttemptChanged, &Lesson::busyChanged})
-        connect(&lesson, change, this, &Notebook::changed);
+    connect(&lesson, &Lesson::changed, this, &Notebook::changed);
     connect(&lesson, &Lesson::failed, this, [this](const Calyx::LessonError& error) {
         isSessionGone |= error.kind == Calyx::LessonError::SessionGone;
         Q_EMIT changed();
     });
-    connect(&lesson, &Lesson::answersChanged, this, &Notebook::changed);
-    connect(lesson.roster(), &Calyx::Roster::changed, this, &Notebook::changed);
     const auto outdate = [this] { isSummaryShown = false; };
     connect(&lesson, &Lesson::pollChanged, this, outdate);
     connect(&lesson, &Lesson::answersChanged, this, outdate);

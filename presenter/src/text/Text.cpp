@@ -140,15 +140,6 @@ QStringList Text::wrap(const QString& text, int columns, int first, int next)
     return lines << line;
 }
 
-QString Text::code(const QString& code)
-{
-    constexpr int group = 3;
-    QString grouped;
-    for (int at = 0; at < code.size(); ++at)
-        grouped += (at > 0 && at % group == 0 ? QStringLiteral(" ") : QString()) + code.at(at);
-    return grouped;
-}
-
 QString Text::seconds(qint64 msecs)
 {
     constexpr double second = 1000;

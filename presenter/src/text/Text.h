@@ -31,9 +31,6 @@ QString list(const QStringList& items, int most);
 /// blanks, the others behind \p next.
 QStringList wrap(const QString& text, int columns, int first, int next);
 
-/// A session's code in groups that are easily read out, "559 335".
-QString code(const QString& code);
-
 /// "1 second", "0.5 seconds".
 QString seconds(qint64 msecs);
 
