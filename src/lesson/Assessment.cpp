@@ -111,6 +111,7 @@ Assessment::Assessment(const AssessmentPlan& plan, bool isForAll, const Roster* 
     for (int i = 0; i < plan.questions.size(); ++i)
         d->ids.append(newId());
     d->clock.start();
+    connect(roster, &Roster::changed, this, [this] { d->isDirty |= d->isRunning; });
 }
 
 Assessment::~Assessment() = default;

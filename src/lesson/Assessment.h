@@ -145,7 +145,7 @@ public:
 Q_SIGNALS:
     /// Paused, resumed or stopped.
     void stateChanged();
-    /// Learners or answers have come: once for all that came together.
+    /// Learners or answers have come, or learners have gone: once for all that came together.
     void changed();
 
 private:

@@ -63,6 +63,8 @@ Poll::Poll(int number, const Question& question, const Roster* roster, QObject* 
     d->roster = roster;
     d->results = new PollResults(question, this);
     d->clock.start();
+    connect(this, &Poll::answersChanged, this, &Poll::expectedChanged);
+    connect(roster, &Roster::changed, this, [this] { d->isRunning ? expectedChanged() : void(); });
 }
 
 Poll::~Poll() = default;

@@ -33,7 +33,7 @@ class CALYXCLIENT_EXPORT Poll : public QObject
     Q_PROPERTY(QDateTime stopsAt READ stopsAt NOTIFY stateChanged)
     Q_PROPERTY(Calyx::PollResults* results READ results CONSTANT)
     Q_PROPERTY(int answered READ answered NOTIFY answersChanged)
-    Q_PROPERTY(int expected READ expected NOTIFY answersChanged)
+    Q_PROPERTY(int expected READ expected NOTIFY expectedChanged)
 
 public:
     ~Poll() override;
@@ -88,6 +88,8 @@ Q_SIGNALS:
     void stateChanged();
     /// Answers have come, once for all that came together; results() tells its own changes before.
     void answersChanged();
+    /// expected() may have changed: answers have come, or learners have come or gone.
+    void expectedChanged();
 
 private:
     friend class Lesson;

@@ -8,6 +8,7 @@
 #include <QElapsedTimer>
 #include <QHostAddress>
 #include <QMetaMethod>
+#include <QMetaProperty>
 #include <QTest>
 
 using namespace Calyx;
@@ -310,6 +311,23 @@ private Q_SLOTS:
         QCOMPARE(names(), QString());
     }
 
+    // Also where nobody answers.
+    void expectsWhoIsHere()
+    {
+        const QList<QObject*> asked = {m_class->lesson->ask(marked()),
+                                       m_class->lesson->startAssessment(plan())};
+        for (QObject* one : asked) {
+            const QMetaObject* of = one->metaObject();
+            QVERIFY(connect(one, of->property(of->indexOfProperty("expected")).notifySignal(), this,
+                            metaObject()->method(metaObject()->indexOfSlot("note()"))));
+        }
+        m_class->join("D3");
+        QVERIFY(waitFor([&] { return m_noted.value(asked.at(0)) == 3 && m_noted.value(asked.at(1)) == 3; }));
+        m_class->leave("D1", "user", {});
+        m_class->leave("D3", "user", {});
+        QVERIFY(waitFor([&] { return m_noted.value(asked.at(0)) == 1 && m_noted.value(asked.at(1)) == 1; }));
+    }
+
     void counts_data()
     {
         rows<Play, int, int, int>({
@@ -598,6 +616,7 @@ private Q_SLOTS:
 
 public Q_SLOTS:
     void die() { m_class->lesson.reset(); }
+    void note() { m_noted[sender()] = sender()->property("expected").toInt(); }
 
 private:
     // With a class that has not started.
@@ -615,6 +634,7 @@ private:
     }
 
     std::unique_ptr<Class> m_class;
+    QHash<QObject*, int> m_noted;
 };
 
 QTEST_GUILESS_MAIN(tst_LessonClass)
