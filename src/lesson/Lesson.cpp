@@ -9,6 +9,8 @@
 #include <QCoreApplication>
 #include <QTranslator>
 
+#include <utility>
+
 // A static library's resources come with whoever asks for them. The macro wants no namespace around it.
 static void initTranslations()
 {
@@ -234,8 +236,7 @@ void Lesson::start()
     if (!self)
         return;
     d->journal.begin();
-    if (d->state == LoggedIn && d->wantsLive)
-        d->beginStart();
+    d->startIfWanted();
 }
 
 void Lesson::setJournal(const QString& fileName)
@@ -254,16 +255,16 @@ void Lesson::takeUp(const QString& fileName)
         d->refuse(QT_TRANSLATE_NOOP("Calyx::Lesson", "Log in first."));
     else if (d->isWanted())
         d->refuse(QT_TRANSLATE_NOOP("Calyx::Lesson", "A lesson is open already."));
-    else if (d->takeUp(fileName) && d->state == LoggedIn && d->wantsLive)
-        d->beginStart();
+    else if (d->takeUp(fileName))
+        d->startIfWanted();
 }
 
 void Lesson::end()
 {
-    if (d->state == Starting || d->hasSession())
+    if (d->isOpen())
         d->beginEnd(false);
-    else if (d->wantsLive)
-        d->wantsLive = false;
+    else if (std::exchange(d->wantsLive, false))
+        d->finishSession(); // what was asked for it, too
     else
         d->refuse(noLesson);
 }

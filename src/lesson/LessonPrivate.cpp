@@ -73,6 +73,7 @@ bool LessonPrivate::setState(Lesson::State next)
         return true;
     state = next;
     progress = -1;
+    wantsLive = wantsLive && next != Lesson::LoggedOut; // as a slot may have asked meanwhile
     if (nextAttempt.isValid()) {
         retry.stop();
         nextAttempt = QDateTime();

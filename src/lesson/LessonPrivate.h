@@ -41,6 +41,7 @@ struct LessonPrivate : public LessonListener
     bool refuse(const char* text);
     void beginLogIn(const Login& login);
     void beginStart();
+    void startIfWanted();
     void beginToLive(const Opening& opening);
     bool takeUp(const QString& fileName);
     bool tellTakenUp();
@@ -54,7 +55,8 @@ struct LessonPrivate : public LessonListener
     bool finishSession();
     /// Forgets what the session before has left.
     void clearSession();
-    bool isWanted() const { return !isFinishing && (wantsLive || state == Lesson::Starting || hasSession()); }
+    bool isWanted() const { return !isFinishing && (wantsLive || isOpen()); }
+    bool isOpen() const { return state == Lesson::Starting || hasSession(); }
     bool hasSession() const { return state == Lesson::Live || state == Lesson::Reconnecting; }
 
     // The class.

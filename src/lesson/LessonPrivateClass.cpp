@@ -129,7 +129,8 @@ void LessonPrivate::bringAssessmentBack(const QStringList& newcomers)
 
 void LessonPrivate::onJoin(const Learner& learner)
 {
-    welcome(learner);
+    if (isOpen()) // else it has been ended meanwhile
+        welcome(learner);
 }
 
 // Whoever joins gets what the class has in front of it, also a device that was here already: it has opened

@@ -42,7 +42,7 @@ void LessonPrivate::tellRemote()
 void LessonPrivate::onRemote(const QString& type, const QVariant& data)
 {
     const auto command = remoteCommands().constFind(type);
-    if (command == remoteCommands().constEnd())
+    if (command == remoteCommands().constEnd() || !isOpen())
         return;
     const QPointer<Lesson> self(q);
     if (!std::exchange(isRemotePresent, true))

@@ -43,8 +43,10 @@ void LessonPrivate::beginLogIn(const Login& login)
         }
     }
     const QPointer<Lesson> self(q);
-    if (hasSession() || state == Lesson::Starting)
+    if (isWanted()) {
+        journal.noteEnd();
         finishSession();
+    }
     if (!self)
         return;
     if (!thread->isRunning())
@@ -65,8 +67,8 @@ void LessonPrivate::onLoggedIn(int ticketOfLogin, const LessonError& error, cons
         return;
     const QPointer<Lesson> self(q);
     if (error.kind == LessonError::NoError) {
-        if (setState(Lesson::LoggedIn) && state == Lesson::LoggedIn && wantsLive)
-            beginStart();
+        if (setState(Lesson::LoggedIn))
+            startIfWanted();
         return;
     }
     user.clear();
@@ -80,6 +82,13 @@ void LessonPrivate::onLoggedIn(int ticketOfLogin, const LessonError& error, cons
 }
 
 // Session.
+
+// Also where a slot that heard of the end of the one before has asked for it.
+void LessonPrivate::startIfWanted()
+{
+    if (state == Lesson::LoggedIn && wantsLive)
+        beginStart();
+}
 
 void LessonPrivate::beginStart()
 {
@@ -198,8 +207,8 @@ void LessonPrivate::onNotOpened(int ticketOfOpening, const LessonError& error)
     const bool isLoggedOut = error.kind == LessonError::LoggedOutByService;
     if (isLoggedOut)
         user.clear();
-    if (setState(isLoggedOut ? Lesson::LoggedOut : Lesson::LoggedIn))
-        fail(error);
+    if (setState(isLoggedOut ? Lesson::LoggedOut : Lesson::LoggedIn) && fail(error))
+        startIfWanted();
 }
 
 void LessonPrivate::onConfirmed(int serial)
@@ -281,8 +290,7 @@ void LessonPrivate::onEnded(int ticketOfEnd, const LessonError& error)
         return;
     if (error.kind != LessonError::NoError && !fail(error))
         return;
-    if (state == Lesson::LoggedIn && wantsLive)
-        beginStart();
+    startIfWanted();
 }
 
 // What cancel() does to whatever is under way.
@@ -312,8 +320,8 @@ void LessonPrivate::giveUp()
         if (!setState(hadLogin ? Lesson::LoggedIn : Lesson::LoggedOut))
             return;
     }
-    if (self)
-        fail(LessonError::make(LessonError::Cancelled));
+    if (self && fail(LessonError::make(LessonError::Cancelled)))
+        startIfWanted();
 }
 
 bool LessonPrivate::finishSession()

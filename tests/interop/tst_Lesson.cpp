@@ -104,10 +104,19 @@ private Q_SLOTS:
         QCOMPARE(m_error.kind, LessonError::NoError);
         QCOMPARE(m_lesson->roster()->presentCount(), 0);
         QCOMPARE(poll->answered(), 5);
+        QCOMPARE(m_lesson->report().value("teacher").toString(), QStringLiteral("teacher")); // still
+    }
+
+    void aSlotStartsTheNextSession_data()
+    {
+        QTest::addColumn<bool>("isLost");
+        QTest::newRow("of one that ends") << false;
+        QTest::newRow("of one that is given up") << true;
     }
 
     void aSlotStartsTheNextSession()
     {
+        QFETCH(bool, isLost);
         const QTemporaryDir folder;
         const QString journal = folder.filePath("journal");
         m_lesson->setJournal(journal);
@@ -117,10 +126,19 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return m_lesson->roster()->presentCount() == 1; }));
         const QString before = m_lesson->joinCode();
         connect(m_lesson->roster(), &Roster::left, this, [&] { m_lesson->start(); });
-        m_lesson->end();
+        if (isLost) {
+            m_lesson->setReconnects(false);
+            m_lesson->onChannel([](PresenterCollab* collab) { collab->connector()->close(); });
+            QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Reconnecting; }));
+            m_lesson->cancel();
+        } else {
+            m_lesson->end();
+        }
         QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
         QVERIFY(m_lesson->joinCode() != before);
         QCOMPARE(Lesson::journalOf(journal).value("code").toString(), m_lesson->joinCode());
+        m_lesson->logIn(QStringLiteral("teacher"), QStringLiteral("chalk"));
+        QVERIFY(Lesson::journalOf(journal).isEmpty()); // that session has ended
     }
 
     // The service has been started anew, and knows nobody.

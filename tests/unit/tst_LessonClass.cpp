@@ -3,6 +3,7 @@
 #include "support/LessonClass.h"
 #include "support/Rows.h"
 
+#include <CalyxClient/PresenterCollab>
 #include <CalyxClient/RosterFilter>
 
 #include <QElapsedTimer>
@@ -565,6 +566,14 @@ private Q_SLOTS:
                  });
                  at.hear("D3", "questionGet",
                          {{"questionNumber", 1}, {"assessmentToken", assessment->token()}});
+             }},
+            {"while somebody joins",
+             [](Class& at) {
+                 QVERIFY(at.start());
+                 at.lesson->onChannel([](PresenterCollab* collab) {
+                     Q_EMIT collab->learnerJoin(Learner("D3", "Cem", QString()));
+                 });
+                 at.lesson->end();
              }},
             {"while it is given up",
              [](Class& at) {

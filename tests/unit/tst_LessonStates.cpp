@@ -159,6 +159,31 @@ private Q_SLOTS:
         QCOMPARE(kinds.size(), 1);
     }
 
+    void whatIsNotWantedAnyMoreIsOver_data()
+    {
+        rows<Work>({{"end", [](Lesson& lesson) { lesson.end(); }},
+                    {"another login", [](Lesson& lesson) { logIn(lesson); }},
+                    {"cancel", [](Lesson& lesson) { lesson.cancel(); }}});
+    }
+
+    // What was asked for a session that is not opened ends with it.
+    void whatIsNotWantedAnyMoreIsOver()
+    {
+        const auto [work] = row<Work>();
+        FakeService service;
+        service.expect(PROBE, Answer::never());
+        Lesson lesson(QUrl(service.url()));
+        logIn(lesson);
+        lesson.start();
+        const Poll* const poll = lesson.ask(Question::usual(PollType::TEXT));
+        lesson.setLocked(true);
+        QVERIFY(waitFor([&] { return service.isUsedUp(); }));
+        service.expect(PROBE, Answer::never());
+        work(lesson);
+        QVERIFY(!poll->isRunning() && !lesson.isLocked());
+        service.expectNoMore();
+    }
+
     void bringsBackWhatHasChanged_data()
     {
         const QStringList again = {"questionStart T.user.D1", "questionStart T.user.D2"};
