@@ -102,12 +102,13 @@ private Q_SLOTS:
                                  : letter == 'B' ? 2
                                                  : 0,
                                  true});
+        options.bars[1].label = QStringLiteral("B 5%1"); // what people write stays as it is
         const QStringList some = Chart::lines(options, style(false, 60), 4);
         QCOMPARE(some.size(), 4);
         QVERIFY(some.at(1).startsWith("  B ") && some.at(2).startsWith("  Z "));
         QCOMPARE(some.last(), QStringLiteral("  and 24 more options"));
         QCOMPARE(Chart::lines(options, style(false, 60), 3).last(),
-                 QStringLiteral("  and B 2, 24 more options"));
+                 QStringLiteral("  and B 5%1 2, 24 more options"));
         Style small = style(false, 60);
         small.rows = 4;
         for (Bar& bar : options.bars)

@@ -183,9 +183,8 @@ void Announcer::tellFinished()
             continue;
         m_told.insert(once);
         tell(Words::tr("  %1 has answered all questions, %2 of %3 have")
-                 .arg(m_lesson.roster()->name(deviceId))
-                 .arg(assessment.finished())
-                 .arg(assessment.expected()),
+                 .arg(m_lesson.roster()->name(deviceId), QString::number(assessment.finished()),
+                      QString::number(assessment.expected())),
              Ink::Faint);
     }
 }

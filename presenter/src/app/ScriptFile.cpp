@@ -55,9 +55,7 @@ QString faultOfKind(const QString& text, const QVector<CommandLine>& lines, cons
     if (strange < fewest || 2 * strange <= lines.size())
         return QString();
     return Words::tr("%1 is no lesson: %2 of its %3 lines begin with no command.")
-        .arg(fileName)
-        .arg(strange)
-        .arg(lines.size());
+        .arg(fileName, QString::number(strange), QString::number(lines.size()));
 }
 
 QVector<CommandLine> linesOf(const QString& text, const QString& fileName)
@@ -68,7 +66,7 @@ QVector<CommandLine> linesOf(const QString& text, const QString& fileName)
     for (const QString& line : all) {
         ++number;
         if (!LineSyntax::isBlank(line))
-            lines.append({line, QStringLiteral("%1:%2").arg(fileName).arg(number)});
+            lines.append({line, QStringLiteral("%1:%2").arg(fileName, QString::number(number))});
     }
     return lines;
 }

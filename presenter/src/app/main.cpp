@@ -179,7 +179,8 @@ QString journalOf(const Options& options)
     const QDir folder(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
     if (!folder.mkpath(QStringLiteral(".")))
         return QString();
-    return folder.filePath(QStringLiteral("%1-%2.journal").arg(server.host()).arg(server.port(0)));
+    return folder.filePath(
+        QStringLiteral("%1-%2.journal").arg(server.host(), QString::number(server.port(0))));
 }
 
 // What learners wrote does not stay behind unasked, unless the session may still be open: neither that of the

@@ -29,8 +29,9 @@ QString mostFrequent(const QVector<Bar>& bars)
         if (bar.count == top)
             labels.append(bar.label);
     }
-    return labels.isEmpty() ? QString()
-                            : QStringLiteral("%1 (%2)").arg(Text::list(labels, mostNames)).arg(top);
+    return labels.isEmpty()
+               ? QString()
+               : QStringLiteral("%1 (%2)").arg(Text::list(labels, mostNames), QString::number(top));
 }
 
 int lateAnswers(const Poll& poll)

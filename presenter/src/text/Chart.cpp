@@ -96,7 +96,7 @@ QString restLine(const QVector<Bar>& hidden, const Style& style)
     int answers = 0;
     for (const Bar& bar : hidden) {
         if (bar.isOption && bar.count > 0)
-            voted.append(QStringLiteral("%1 %2").arg(bar.label).arg(bar.count));
+            voted.append(QStringLiteral("%1 %2").arg(bar.label, QString::number(bar.count)));
         else
             ++(bar.isOption ? options : answers);
     }
