@@ -198,7 +198,7 @@ void LessonPrivate::onNotOpened(int ticketOfOpening, const LessonError& error)
     const bool isOver =
         error.kind == LessonError::SessionGone || error.kind == LessonError::LoggedOutByService;
     if (state == Lesson::Reconnecting && !isOver) {
-        tryAgain();
+        reconnects ? tryAgain() : void(fail(error));
         return;
     }
     journal.close(); // the session may be taken up
@@ -311,7 +311,10 @@ void LessonPrivate::giveUp()
     wantsLive = false;
     const QPointer<Lesson> self(q);
     if (state == Lesson::Live) {
-        tellBusy();
+        if (!content.isPollReady)
+            q->stop(); // a poll whose picture was on its way
+        if (self)
+            tellBusy();
     } else {
         if (!finishSession())
             return;

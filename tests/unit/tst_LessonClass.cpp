@@ -603,14 +603,25 @@ private Q_SLOTS:
         logOut();
     }
 
+    void uploadsAreCancelled_data()
+    {
+        rows<Work>(
+            {{"card", [](Lesson& lesson) { lesson.showPicture(large()); }}, {"question", [](Lesson& lesson) {
+                                                                                 Question question = marked();
+                                                                                 question.picture = large();
+                                                                                 lesson.ask(question);
+                                                                             }}});
+    }
+
     void uploadsAreCancelled()
     {
+        const auto [show] = row<Work>();
         m_class->service.expect(UPLOAD, Answer::never());
         LessonError error;
         connect(m_class->lesson.get(), &Lesson::failed, this, [&](const LessonError& one) { error = one; });
         bool isShown = false;
         connect(m_class->lesson.get(), &Lesson::cardShown, this, [&] { isShown = true; });
-        m_class->lesson->showPicture(large());
+        show(*m_class->lesson);
         QVERIFY(waitFor([&] { return m_class->service.isUsedUp(); }));
         QElapsedTimer clock;
         clock.start();
@@ -619,6 +630,7 @@ private Q_SLOTS:
         QCOMPARE(error.kind, LessonError::Cancelled);
         QVERIFY(waitFor([&] { return m_class->service.abandoned() == 1; }));
         QCOMPARE(m_class->lesson->state(), Lesson::Live);
+        QVERIFY(!m_class->lesson->poll() || !m_class->lesson->poll()->isRunning());
         QVERIFY(m_class->end());
         QVERIFY(!isShown);
     }

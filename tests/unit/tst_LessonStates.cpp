@@ -262,6 +262,11 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::Reconnecting; }));
         QVERIFY(!class_.lesson->nextAttempt().isValid());
         QCOMPARE(class_.lesson->attemptText(), QStringLiteral("The connection is lost."));
+        LessonError error;
+        connect(class_.lesson.get(), &Lesson::failed, this, [&](const LessonError& one) { error = one; });
+        class_.service.expect("/tavisto/session/getusers", Answer::json("<html>", 502));
+        class_.lesson->retryNow();
+        QVERIFY(waitFor([&] { return error.kind == LessonError::NoAnswer; }));
         QVERIFY(class_.loseAndReturn([](Lesson&) {}));
         QCOMPARE(class_.lesson->attemptText(), QString());
         QVERIFY(class_.end());
