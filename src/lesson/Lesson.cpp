@@ -285,14 +285,7 @@ void Lesson::retryNow()
 
 Poll* Lesson::ask(const Question& question)
 {
-    const QString fault = question.fault();
-    if (!fault.isEmpty())
-        d->fail(LessonError::make(LessonError::BadInput, QString(), fault));
-    else if (!d->isWanted())
-        d->refuse(noLesson);
-    else
-        return d->addPoll(question);
-    return nullptr;
+    return d->mayAsk({question}, question.fault()) ? d->addPoll(question) : nullptr;
 }
 
 Poll* Lesson::ask(PollType::POLL_TYPE type, OrdinalType::ORDINAL_TYPE ordinal, int optionCount)
@@ -355,11 +348,8 @@ void Lesson::showResults(Poll* poll)
 
 Assessment* Lesson::startAssessment(const AssessmentPlan& plan, const QStringList& devices)
 {
-    const QString fault = plan.fault();
-    if (!fault.isEmpty() || !d->isWanted()) {
-        d->fail(LessonError::make(LessonError::BadInput, QString(), fault.isEmpty() ? tr(noLesson) : fault));
+    if (!d->mayAsk(plan.questions, plan.fault()))
         return nullptr;
-    }
     const QPointer<Assessment> before = d->content.assessment;
     const QPointer<Assessment> added = new Assessment(plan, devices.isEmpty(), d->content.roster, this);
     if (before && before->isRunning())

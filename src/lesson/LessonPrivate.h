@@ -69,6 +69,8 @@ struct LessonPrivate : public LessonListener
     /// Calls \p then at once or later. The caller tells that the lesson is busy.
     void withPicture(const QByteArray& png,
                      const std::function<void(const QByteArray& png, const QString& url)>& then);
+    bool isTooLarge(const QByteArray& png);
+    bool mayAsk(const QVector<Question>& questions, const QString& fault);
     Poll* addPoll(const Question& question);
     void sendPoll(const Question& question, const QByteArray& png, const QString& url);
     void stopPoll(int seconds);

@@ -11,6 +11,13 @@ constexpr int largestPicture = 16 * 1024 * 1024;
 
 } // namespace
 
+bool LessonPrivate::isTooLarge(const QByteArray& png)
+{
+    if (png.size() > largestPicture)
+        fail(LessonError::make(LessonError::TooLarge));
+    return png.size() > largestPicture;
+}
+
 // Small ones travel in the message; others are stored at the service, from which devices load them. Where
 // that fails, they travel all the same.
 void LessonPrivate::withPicture(const QByteArray& png,
@@ -44,14 +51,8 @@ void LessonPrivate::onUploaded(int ticketOfUpload, const QString& url)
 
 void LessonPrivate::show(const QByteArray& png, const QString& url, int number)
 {
-    if (!isWanted()) {
-        refuse(QT_TRANSLATE_NOOP("Calyx::Lesson", "No lesson is open."));
+    if (!mayAsk({}, QString()) || isTooLarge(png))
         return;
-    }
-    if (png.size() > largestPicture) {
-        fail(LessonError::make(LessonError::TooLarge));
-        return;
-    }
     const QPointer<Lesson> self(q);
     withPicture(
         png, [this, url, number, serial = ++cardSerial](const QByteArray& bytes, const QString& uploadedUrl) {

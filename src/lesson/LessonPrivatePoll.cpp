@@ -2,6 +2,7 @@
 
 #include "collab/PresenterCollab.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Calyx {
@@ -36,6 +37,19 @@ QVariantMap outcomeOf(const Poll& poll, PollAnswer::Mark mark)
 }
 
 } // namespace
+
+// Else it has been told why not.
+bool LessonPrivate::mayAsk(const QVector<Question>& questions, const QString& fault)
+{
+    if (!fault.isEmpty())
+        fail(LessonError::make(LessonError::BadInput, QString(), fault));
+    else if (!isWanted())
+        refuse(QT_TRANSLATE_NOOP("Calyx::Lesson", "No lesson is open."));
+    else
+        return std::none_of(questions.cbegin(), questions.cend(),
+                            [this](const Question& one) { return isTooLarge(one.picture); });
+    return false;
+}
 
 // A slot that hears of it can ask for the next: all is done before the first is called.
 Poll* LessonPrivate::addPoll(const Question& question)

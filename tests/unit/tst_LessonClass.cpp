@@ -635,6 +635,20 @@ private Q_SLOTS:
         QVERIFY(!isShown);
     }
 
+    void whatIsTooLargeIsRefused()
+    {
+        QList<LessonError::Kind> kinds;
+        connect(m_class->lesson.get(), &Lesson::failed, this,
+                [&](const LessonError& error) { kinds.append(error.kind); });
+        AssessmentPlan asked = plan();
+        asked.questions.last().picture = large(17'000'000);
+        QVERIFY(!m_class->lesson->ask(asked.questions.last()));
+        QVERIFY(!m_class->lesson->startAssessment(asked));
+        m_class->lesson->showPicture(asked.questions.last().picture);
+        QCOMPARE(kinds, QList<LessonError::Kind>(
+                            {LessonError::TooLarge, LessonError::TooLarge, LessonError::TooLarge}));
+    }
+
 public Q_SLOTS:
     void die() { m_class->lesson.reset(); }
     void note() { m_noted[sender()] = sender()->property("expected").toInt(); }
