@@ -11,6 +11,7 @@ void LessonContent::add(Poll* added)
     polls.append(added);
     pollsById.insert(added->id(), added);
     poll = added;
+    lastNumber = added->number();
     roster->setPoll(added);
     isPollReady = isLocked = false;
     cardPng.clear();
@@ -50,6 +51,7 @@ bool LessonContent::clear()
 {
     const bool wasSomething = !polls.isEmpty() || !assessments.isEmpty();
     pollsById.clear();
+    lastNumber = 0;
     poll = nullptr;
     assessment = nullptr;
     roster->setPoll(nullptr);

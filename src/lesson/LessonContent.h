@@ -39,10 +39,12 @@ struct LessonContent
 
     QObject* owner; // of the models
     QString lessonName = QStringLiteral("Lesson");
+    QString teacher; // whose lesson it is, whoever logs in later
     QDateTime startedAt;
     Roster* roster;
     QList<Poll*> polls;
     QHash<QString, Poll*> pollsById;
+    int lastNumber = 0;       // of a poll: those that are cleared count, too
     QPointer<Poll> poll;      // the last one
     Question sentQuestion;    // the running poll's, as devices get it
     bool isPollReady = false; // that is known: its picture is uploaded

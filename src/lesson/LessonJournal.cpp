@@ -196,13 +196,13 @@ void LessonJournal::noteEnd()
     record({{"event", "ended"}});
 }
 
-void LessonJournal::noteSession(const OpenSession& session, const QString& server, const QString& teacher)
+void LessonJournal::noteSession(const OpenSession& session, const QString& server)
 {
     record({{"event", "session"},
             {"code", session.code},
             {"token", session.token},
             {"server", server},
-            {"teacher", teacher},
+            {"teacher", m_content->teacher},
             {"lesson", m_content->lessonName},
             {"at", msecs(m_content->startedAt)}});
 }
@@ -235,6 +235,7 @@ LessonJournal::TakenUp LessonJournal::takeUp(const QString& fileName, const Even
     close();
     m_fileName = fileName;
     m_content->lessonName = text(session, "lesson");
+    m_content->teacher = text(session, "teacher");
     m_content->startedAt = time(session);
     for (const QJsonObject& event : events) {
         if (self)

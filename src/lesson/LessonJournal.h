@@ -46,7 +46,7 @@ public:
     void flush();
     void close() { m_journal.close(); }
 
-    void noteSession(const OpenSession& session, const QString& server, const QString& teacher);
+    void noteSession(const OpenSession& session, const QString& server);
     void notePoll(const Poll* added);
     /// The running poll has gone out.
     void noteSent();

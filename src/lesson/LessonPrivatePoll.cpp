@@ -55,7 +55,7 @@ bool LessonPrivate::mayAsk(const QVector<Question>& questions, const QString& fa
 Poll* LessonPrivate::addPoll(const Question& question)
 {
     const QPointer<Poll> before = content.poll;
-    const QPointer<Poll> added = new Poll(int(content.polls.size()) + 1, question, content.roster, q);
+    const QPointer<Poll> added = new Poll(content.lastNumber + 1, question, content.roster, q);
     const bool wasLocked = content.isLocked;
     content.add(added);
     stopTimer.stop();

@@ -96,8 +96,10 @@ void LessonPrivate::beginStart()
     attempts = 0;
     ticket = ++lastTicket;
     const bool isTakenUp = !takenUp.session.token.isEmpty();
-    if (!isTakenUp)
+    if (!isTakenUp) {
+        content.teacher = user;
         content.startedAt = QDateTime::currentDateTime();
+    }
     worker->tell([=, ticket = ticket, session = takenUp.session, settings = channel](LessonWorker* at) {
         at->setChannel(settings);
         isTakenUp ? at->takeUp(ticket, session) : at->open(ticket);
@@ -184,7 +186,7 @@ void LessonPrivate::beginToLive(const Opening& opening)
 {
     if (std::exchange(takenUp, {}).session.token.isEmpty()) {
         if (!opening.isReturn)
-            journal.noteSession({joinCode, opening.sessionToken}, server.toString(), user);
+            journal.noteSession({joinCode, opening.sessionToken}, server.toString());
         return;
     }
     shown = content.wanted();

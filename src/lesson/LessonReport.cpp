@@ -41,7 +41,7 @@ QJsonObject Lesson::report() const
     for (const Assessment* assessment : std::as_const(d->content.assessments))
         assessments.append(assessment->toJson());
     return {{QStringLiteral("lesson"), d->content.lessonName},
-            {QStringLiteral("teacher"), d->user},
+            {QStringLiteral("teacher"), d->content.teacher},
             {QStringLiteral("startedAt"), d->content.startedAt.toString(Qt::ISODateWithMs)},
             {QStringLiteral("savedAt"), QDateTime::currentDateTime().toString(Qt::ISODateWithMs)},
             {QStringLiteral("learners"), d->content.roster->toJson()},

@@ -544,6 +544,7 @@ private Q_SLOTS:
         for (const QString& id : ids)
             m_class->answer("D1", id, "A");
         QVERIFY(waitFor([&] { return lesson.polls().isEmpty(); }));
+        QCOMPARE(lesson.ask(marked())->number(), 3);
     }
 
     void endsInSlots_data()
