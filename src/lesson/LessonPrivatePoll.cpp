@@ -9,6 +9,22 @@ namespace Calyx {
 
 namespace {
 
+// What is right in the words of the devices.
+QString rightOf(const Question& question)
+{
+    const QStringList ids = question.optionIds();
+    const QStringList labels = question.optionLabels();
+    QStringList all;
+    for (const QString& answer : question.right) {
+        QStringList names;
+        const QStringList picks = question.picksOf(answer);
+        for (const QString& pick : picks)
+            names.append(question.options.value(ids.indexOf(pick), labels.at(ids.indexOf(pick))));
+        all.append(names.isEmpty() ? answer : names.join(QStringLiteral(", ")));
+    }
+    return all.join(Lesson::tr(" or "));
+}
+
 // "Your answer is right." "B: 12, A: 3", and the same for devices that draw it.
 QVariantMap outcomeOf(const Poll& poll, PollAnswer::Mark mark)
 {
@@ -18,7 +34,7 @@ QVariantMap outcomeOf(const Poll& poll, PollAnswer::Mark mark)
     if (isRight || mark == PollAnswer::Wrong)
         lines.append(isRight ? Lesson::tr("Your answer is right.") : Lesson::tr("Your answer is not right."));
     if (poll.question().isMarked() && !isRight)
-        lines.append(Lesson::tr("Right is: %1.").arg(poll.question().right.join(Lesson::tr(" or "))));
+        lines.append(Lesson::tr("Right is: %1.").arg(rightOf(poll.question())));
     const QString verdict = lines.join(QLatin1Char('\n'));
     QStringList counts;
     QVariantList bars;

@@ -277,18 +277,23 @@ QStringList Question::picksOf(const QString& answer) const
     const QStringList ids = optionIds();
     if (ids.isEmpty() || answer.isEmpty())
         return {};
-    QStringList picks;
-    const QStringList parts = answer.split(QLatin1Char(','));
-    for (const QString& part : parts) {
-        int index = int(ids.indexOf(part));
+    const auto indexOf = [&](const QString& name) {
+        int index = int(ids.indexOf(name));
         for (int i = 0; index < 0 && i < ids.size(); ++i) {
-            const QString spoken = O::optionText(ordinal, i);
-            if (part == options.value(i) || (!spoken.isEmpty() && part == spoken))
+            if (name == options.value(i) || name == O::optionText(ordinal, i))
                 index = i;
         }
+        return index;
+    };
+    QStringList picks;
+    const QStringList parts =
+        indexOf(answer) >= 0 ? QStringList(answer) : answer.split(QLatin1Char(',')); // texts have commas
+    for (const QString& part : parts) {
+        const QString name = part.trimmed();
+        const int index = name.isEmpty() ? -1 : indexOf(name);
         if (index >= 0)
             picks.append(ids.at(index));
-        else if (!takeApart(part, ids, picks))
+        else if (name.isEmpty() || !takeApart(name, ids, picks))
             return {};
     }
     return picks;

@@ -236,6 +236,12 @@ private Q_SLOTS:
         QCOMPARE(results.value("text").toString(), QStringLiteral("Your answer is right."));
         const QJsonObject bar{{"title", "B"}, {"count", 1}, {"isCorrect", true}};
         QCOMPARE(results.value("bars").toArray().at(1).toObject(), bar);
+        Question inWords = Question::usual(PollType::TRUE_FALSE);
+        inWords.right = QStringList{"A"};
+        m_class->lesson->showResults(m_class->lesson->ask(inWords));
+        m_class->lesson->setName({}, {});
+        QCOMPARE(m_class->publishedWithData().data.value(1).value("text").toString(),
+                 QStringLiteral("Right is: True.\nTrue: 0, False: 0"));
     }
 
     void stopsByItself()

@@ -64,6 +64,8 @@ private Q_SLOTS:
         row("decimals", Question::of(PollType::NUMBER, OrdinalType::NUMBER, 11), {}, true);
         row("right", Question::usual(PollType::MULTIPLE), {"AC", "B"}, false);
         row("right by text", withTexts(PollType::MULTIPLE, {"Oxygen", "Carbon"}), {"Carbon"}, false);
+        row("right by text with a comma", withTexts(PollType::MULTIPLE, {"Oxygen", "Carbon, soot"}),
+            {"Carbon, soot"}, false);
         row("right is no option", Question::usual(PollType::MULTIPLE), {"E"}, true);
         row("right twice", Question::usual(PollType::MULTIPLE), {"AA"}, true);
         row("a whole order", Question::usual(PollType::SORT), {"BACD"}, false);
@@ -93,6 +95,7 @@ private Q_SLOTS:
         row(PollType::NUMBER, "1,50", "1.5", true);
         row(PollType::NUMBER, "1.5", "15", false);
         row(PollType::MULTIPLE, "CA", "A,C", true);
+        row(PollType::MULTIPLE, "A, C", "AC", true);
         row(PollType::SORT, "ABCD", "DCBA", false);
         row(PollType::MATH_FORMULA, "x + y", "x+y", true);
         row(PollType::MATH_FORMULA, "x", "X", false);
@@ -113,6 +116,7 @@ private Q_SLOTS:
         QCOMPARE(question.picksOf("112"), (QStringList{"11", "2"}));
         QCOMPARE(question.picksOf("1,12"), (QStringList{"1", "1", "2"}));
         QCOMPARE(question.picksOf("1x"), QStringList());
+        QCOMPARE(question.picksOf("1,"), QStringList());
     }
 
     void menusListEachKindOnce()
