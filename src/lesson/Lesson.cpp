@@ -23,12 +23,12 @@ namespace {
 
 const char noLesson[] = QT_TRANSLATE_NOOP("Calyx::Lesson", "No lesson is open.");
 
-// People leave the scheme out.
+// People leave the scheme out. Without one, an IP address with a port is no URL: it stands in the path.
 QUrl withScheme(const QUrl& server)
 {
     if (server.isEmpty() || !server.host().isEmpty())
         return server;
-    return QUrl(QStringLiteral("https://") + server.toString());
+    return QUrl(QStringLiteral("https://") + (server.isValid() ? server.toString() : server.path()));
 }
 
 void registerTypes()

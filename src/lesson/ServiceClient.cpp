@@ -103,8 +103,8 @@ LessonError::Kind ServiceClient::kindOf(const Reply& reply) const
     if (!reply.key.isEmpty())
         return kindOf(reply.key);
     switch (reply.error) {
-    case QNetworkReply::SslHandshakeFailedError:
-        return LessonError::UnknownAuthority;
+    case QNetworkReply::SslHandshakeFailedError: // also of somebody who speaks no TLS
+        return lastError().isEmpty() ? LessonError::NotTheService : kindOf(lastError());
     case QNetworkReply::OperationCanceledError: // it took too long
     case QNetworkReply::TimeoutError:
     case QNetworkReply::InternalServerError:

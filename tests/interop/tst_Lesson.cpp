@@ -163,6 +163,16 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
     }
 
+    void whoSpeaksNoTlsIsSomethingElse()
+    {
+        QUrl server = m_classroom->url();
+        server.setScheme(QStringLiteral("https"));
+        m_lesson->setServer(server);
+        goLive();
+        QVERIFY(waitFor([&] { return m_error.kind != LessonError::NoError; }));
+        QCOMPARE(m_error.kind, LessonError::NotTheService);
+    }
+
     void diesInEveryState_data()
     {
         QTest::addColumn<int>("state");

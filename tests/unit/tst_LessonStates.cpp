@@ -87,6 +87,21 @@ private Q_SLOTS:
         service.expectNoMore();
     }
 
+    void anAddressNeedsNoScheme_data()
+    {
+        rows<QString, QString>({{"name", "school.example", "https://school.example"},
+                                {"name and port", "school.example:8090", "https://school.example:8090"},
+                                {"address and port", "192.0.2.1:8090", "https://192.0.2.1:8090"},
+                                {"with one", "http://192.0.2.1:8090", "http://192.0.2.1:8090"},
+                                {"none", "", ""}});
+    }
+
+    void anAddressNeedsNoScheme()
+    {
+        const auto [address, server] = row<QString, QString>();
+        QCOMPARE(Lesson(QUrl(address)).server().toString(), server);
+    }
+
     // What stands before the service wants a password of its own.
     void aLoginKeepsWhatTheAddressWants()
     {
