@@ -330,6 +330,11 @@ QList<QObject*> Lesson::pollObjects() const
     return QList<QObject*>(d->content.polls.cbegin(), d->content.polls.cend());
 }
 
+QList<QObject*> Lesson::assessmentObjects() const
+{
+    return QList<QObject*>(d->content.assessments.cbegin(), d->content.assessments.cend());
+}
+
 void Lesson::clearPolls()
 {
     d->content.removeStoppedPolls();
@@ -376,9 +381,9 @@ Assessment* Lesson::startAssessment(const AssessmentPlan& plan, const QStringLis
     return added;
 }
 
-Assessment* Lesson::startAssessment(const QVariantMap& plan)
+Assessment* Lesson::startAssessment(const QVariantMap& plan, const QStringList& devices)
 {
-    return startAssessment(AssessmentPlan::fromMap(plan));
+    return startAssessment(AssessmentPlan::fromMap(plan), devices);
 }
 
 void Lesson::admit(const QString& deviceId)

@@ -60,6 +60,7 @@ class CALYXCLIENT_EXPORT Lesson : public QObject
     Q_PROPERTY(Calyx::Poll* poll READ poll NOTIFY pollChanged)
     Q_PROPERTY(QList<QObject*> polls READ pollObjects NOTIFY pollChanged)
     Q_PROPERTY(Calyx::Assessment* assessment READ assessment NOTIFY assessmentChanged)
+    Q_PROPERTY(QList<QObject*> assessments READ assessmentObjects NOTIFY assessmentChanged)
     Q_PROPERTY(bool locked READ isLocked WRITE setLocked NOTIFY lockedChanged)
     Q_PROPERTY(bool remotePresent READ isRemotePresent NOTIFY remotePresentChanged)
 
@@ -244,15 +245,15 @@ public:
     /// Starts an assessment for everybody, or for \p devices only, in the place of one that runs. Belongs to
     /// the lesson. Null and failed() as with ask().
     Calyx::Assessment* startAssessment(const Calyx::AssessmentPlan& plan, const QStringList& devices = {});
-    /// The same from what AssessmentPlan::fromMap() takes, for everybody.
-    Q_INVOKABLE Calyx::Assessment* startAssessment(const QVariantMap& plan);
+    /// The same from what AssessmentPlan::fromMap() takes.
+    Q_INVOKABLE Calyx::Assessment* startAssessment(const QVariantMap& plan, const QStringList& devices = {});
     /// Another device begins the assessment that was started for certain ones.
     Q_INVOKABLE void admit(const QString& deviceId);
     /// Stops it. Answers that come later do not count. Nothing where none runs.
     Q_INVOKABLE void stopAssessment();
     /// The assessment started last, running or not; null before the first.
     Assessment* assessment() const;
-    /// All assessments of the session, in their order.
+    /// All assessments of the session, in their order. As a property a list as that of polls().
     QList<Assessment*> assessments() const;
 
     // Cards and texts.
@@ -286,7 +287,7 @@ public:
     /// Sends a learner's device away. It can join again.
     Q_INVOKABLE void remove(const QString& deviceId);
     /// What \p command is called, for people: "Next card", translated.
-    static QString commandName(RemoteCommand command);
+    Q_INVOKABLE static QString commandName(Calyx::Lesson::RemoteCommand command);
     /// Whether a remote control has been heard and has not gone.
     bool isRemotePresent() const;
     /// Whether the lesson obeys \p command by itself; true for all at first. A host that takes one over
@@ -361,6 +362,7 @@ Q_SIGNALS:
 
 private:
     QList<QObject*> pollObjects() const;
+    QList<QObject*> assessmentObjects() const;
 
     friend struct LessonPrivate;
     std::unique_ptr<LessonPrivate> d;

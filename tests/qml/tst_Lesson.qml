@@ -120,8 +120,10 @@ TestCase {
         lesson.stop()
     }
     function test_anAssessmentIsAModelOfLearners() {
-        const assessment = lesson.startAssessment({title: "Trees", questions: [{kind: PollType.YES_NO_OTHER, right: ["A"]}]})
-        compare(assessment, lesson.assessment)
+        const plan = {title: "Trees", questions: [{kind: PollType.YES_NO_OTHER, right: ["A"]}]}
+        compare(lesson.startAssessment(plan, [lesson.roster.present()[0]]).expected, 1)
+        const assessment = lesson.startAssessment(plan)
+        compare([lesson.assessment, lesson.assessments[1]], [assessment, assessment])
         tell("answer A", "ok 3 learners")
         tryCompare(assessment, "finished", 3)
         compare(assessment.rowCount(), 3)
