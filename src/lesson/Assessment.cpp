@@ -193,7 +193,7 @@ void Assessment::stop(const QDateTime& at)
 void Assessment::restore(const QString& token, const QStringList& questionIds, const QDateTime& startedAt)
 {
     d->token = token;
-    d->ids = questionIds;
+    d->ids = questionIds.mid(0, questionCount()); // a file is from outside
     d->startedAt = startedAt;
     d->before = startedAt.msecsTo(QDateTime::currentDateTime());
 }

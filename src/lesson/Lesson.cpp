@@ -493,8 +493,8 @@ Roster* Lesson::roster() const
 
 void Lesson::remove(const QString& deviceId)
 {
-    d->send([deviceId](PresenterCollab* collab) {
-        collab->removeLearner(deviceId);
+    d->send([address = LessonText::escaped(deviceId)](PresenterCollab* collab) {
+        collab->removeLearner(address);
     }); // which is heard as leaving
 }
 
@@ -532,11 +532,14 @@ void Lesson::setObeys(RemoteCommand command, bool obeys)
 
 void Lesson::onChannel(std::function<void(PresenterCollab*)> work)
 {
-    d->worker->tell([work](LessonWorker* at) { at->withChannel(work); });
+    if (work)
+        d->worker->tell([work](LessonWorker* at) { at->withChannel(work); });
 }
 
 void Lesson::onClient(std::function<void(PresenterClient*)> work)
 {
+    if (!work)
+        return;
     if (!d->thread->isRunning())
         d->thread->start();
     d->worker->tell(

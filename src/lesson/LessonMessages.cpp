@@ -112,7 +112,7 @@ void publish(PresenterCollab* collab, const QString& address, const QString& typ
 
 QString LessonMessages::addressOf(const QString& deviceId)
 {
-    return QStringLiteral(".user.") + deviceId;
+    return QStringLiteral(".user.") + LessonText::escaped(deviceId);
 }
 
 // In this order, because each covers what was there before.

@@ -164,6 +164,8 @@ private Q_SLOTS:
         QCOMPARE(kinds, QList<LessonError::Kind>{LessonError::BadInput});
         QCOMPARE(lesson.state(), Lesson::LoggedOut);
         lesson.pause(); // and others that have nothing to do
+        lesson.onChannel({});
+        lesson.onClient({});
         lesson.stop();
         lesson.retryNow();
         lesson.cancel();
