@@ -45,23 +45,47 @@ bool check(PresenterClient* client)
     return client->checkServer(QString(), QString());
 }
 
-QByteArray sent(const SafeCookieJar& jar, const char* url)
+QByteArray sent(const SafeCookieJar& jar, const QByteArray& url)
 {
     QByteArray text;
-    const QList<QNetworkCookie> cookies = jar.cookiesForUrl(QUrl(QLatin1String(url)));
+    const QList<QNetworkCookie> cookies = jar.cookiesForUrl(QUrl(QLatin1String(url.constData())));
     for (const QNetworkCookie& cookie : cookies)
         text += cookie.toRawForm(QNetworkCookie::NameAndValueOnly) + ';';
     return text;
 }
 
-bool set(SafeCookieJar* jar, const QByteArray& header, const char* url)
+bool set(SafeCookieJar* jar, const QByteArray& header, const QByteArray& url)
 {
-    return jar->setCookiesFromUrl(QNetworkCookie::parseCookies(header), QUrl(QLatin1String(url)));
+    return jar->setCookiesFromUrl(QNetworkCookie::parseCookies(header), QUrl(QLatin1String(url.constData())));
+}
+
+const QByteArray inviting = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}";
+// The records in which a handshake goes on, and those in which one is given up.
+const char handshakeRecord = 0x16;
+const char alertRecord = 0x15;
+
+// Whether TLS records have come on every connection, none with data of an application, and nothing else.
+bool gotHandshakesOnly(const Server& server)
+{
+    for (int connection = 0; connection < server.connections(); ++connection) {
+        const QByteArray bytes = server.received(connection);
+        if (bytes.isEmpty())
+            return false;
+        for (int at = 0; at < bytes.size();) {
+            const bool isRecord = bytes.size() - at >= 5 && bytes.at(at + 1) == 3 &&
+                                  (bytes.at(at) == handshakeRecord || bytes.at(at) == alertRecord);
+            if (!isRecord)
+                return false;
+            at += 5 + (quint8(bytes.at(at + 3)) << 8 | quint8(bytes.at(at + 4)));
+        }
+    }
+    return server.connections() > 0;
 }
 
 } // namespace
 
-/// Where a redirect leads, which cookies are kept, and who gets them.
+/// Where a redirect leads, which cookies are kept, and who gets them; and that an address that says https or
+/// wss gets TLS or nothing, also from a server that speaks plain HTTP there.
 class tst_CookiesAndRedirects : public QObject
 {
     Q_OBJECT
@@ -280,37 +304,75 @@ private Q_SLOTS:
         QCOMPARE(sent(jar, "http://127.0.0.1/"), expected);
     }
 
-    void endOfAnAddressIsNoDomain()
+    void cookiesGoToNoOtherHost_data()
     {
-        for (const char* domain : {".0.0.1", "0.0.1", ".1", "1", "127.0.0.2", ".127.0.0.1", "local"}) {
+        using Texts = QList<QByteArray>;
+        rows<QByteArray, Texts, Texts>({
+            {"address", "127.0.0.1", Texts{".0.0.1", "0.0.1", ".1", "1", "127.0.0.2", ".127.0.0.1", "local"},
+             Texts{"10.0.0.1", "127.0.0.2", "x.127.0.0.1"}},
+            {"host of one name, whose own it is", "localhost", Texts{"localhost", ".localhost", "LOCALHOST"},
+             Texts{"host", "otherlocalhost"}},
+            {"name", "school.example",
+             Texts{"school.example", "other.example", "example", ".example", ".", "", "none"},
+             Texts{"other.example", "example", "notschool.example", "school.example.org"}},
+        });
+    }
+    void cookiesGoToNoOtherHost()
+    {
+        const auto [own, domains, others] = row<QByteArray, QList<QByteArray>, QList<QByteArray>>();
+        for (const QByteArray& domain : domains) {
             SafeCookieJar jar("[Tag]", nullptr);
-            set(&jar, QByteArray("a=1; Domain=") + domain, "http://127.0.0.1/");
-            for (const char* other : {"http://10.0.0.1/", "http://127.0.0.2/", "http://x.127.0.0.1/"})
-                QVERIFY2(sent(jar, other).isEmpty(), domain);
+            set(&jar, domain == "none" ? "a=1" : "a=1; Domain=" + domain, "http://" + own + '/');
+            if (own == "localhost")
+                QCOMPARE(sent(jar, "http://localhost/"), QByteArray("a=1;"));
+            for (const QByteArray& other : others)
+                QVERIFY2(sent(jar, "http://" + other + '/').isEmpty(), domain.constData());
         }
     }
 
-    void hostOfOneNameKeepsItsOwn()
+    void busGetsTlsOnly_data()
     {
-        for (const char* domain : {"localhost", ".localhost", "LOCALHOST"}) {
-            SafeCookieJar jar("[Tag]", nullptr);
-            set(&jar, QByteArray("a=1; Domain=") + domain, "http://localhost/");
-            QCOMPARE(sent(jar, "http://localhost/"), QByteArray("a=1;"));
-            for (const char* other : {"http://host/", "http://otherlocalhost/"})
-                QVERIFY2(sent(jar, other).isEmpty(), domain);
+        columns<QString, QList<int>>();
+        for (const char* scheme : {"https", "wss", "HTTPS", "WSS"}) {
+            QTest::addRow("%s, websocket", scheme) << scheme << QList<int>{SockJSConnector::WEBSOCKET};
+            QTest::addRow("%s, xhr-streaming", scheme)
+                << scheme << QList<int>{SockJSConnector::XHR_STREAMING};
+            QTest::addRow("%s, xhr-polling", scheme) << scheme << QList<int>{SockJSConnector::XHR_POLLING};
+            QTest::addRow("%s, all", scheme) << scheme << QList<int>{1, 2, 4};
         }
     }
 
-    void anotherHostGetsNone()
+    void busGetsTlsOnly()
     {
-        for (const char* attribute : {"", "; Domain=school.example", "; Domain=other.example",
-                                      "; Domain=example", "; Domain=.example", "; Domain=.", "; Domain="}) {
-            SafeCookieJar jar("[Tag]", nullptr);
-            set(&jar, QByteArray("a=1") + attribute, "http://school.example/");
-            for (const char* other : {"http://other.example/", "http://example/", "http://notschool.example/",
-                                      "http://school.example.org/"})
-                QVERIFY2(sent(jar, other).isEmpty(), attribute);
-        }
+        const auto [scheme, protocols] = row<QString, QList<int>>();
+        Server server;
+        for (int i = 0; i < protocols.size(); ++i)
+            server.onConnect({Server::hear(), Server::send(inviting)});
+        QList<SockJSConnector::PROTOCOL_TYPE> entries;
+        for (const int protocol : protocols)
+            entries.append(SockJSConnector::PROTOCOL_TYPE(protocol));
+        SockJSConnector connector;
+        ConnectorProbe probe(&connector);
+        const QUrl url(QStringLiteral("%1://127.0.0.1:%2/p").arg(scheme).arg(server.port()));
+        QVERIFY(probe.open(url, entries));
+        connector.sendMessage("secret", false);
+        QCOMPARE(probe.events(), QStringList());
+        QTRY_VERIFY(gotHandshakesOnly(server));
+        QCOMPARE(server.connections(), protocols.size());
+    }
+
+    void serviceGetsTlsOnly()
+    {
+        Server server;
+        for (int i = 0; i < 3; ++i)
+            server.onConnect({Server::hear(), Server::send(inviting)});
+        PresenterClient client(nullptr, QStringLiteral("https://127.0.0.1:%1").arg(server.port()));
+        QVERIFY(!client.checkServer("user", "word"));
+        QVERIFY(!client.doLogin("teacher", "chalk"));
+        QString id;
+        QString path;
+        QVERIFY(!client.doUploadResource("a.png", "bytes", &id, &path));
+        QTRY_VERIFY(gotHandshakesOnly(server));
     }
 };
 

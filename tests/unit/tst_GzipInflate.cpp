@@ -48,24 +48,14 @@ private Q_SLOTS:
         QVERIFY(log.messages().isEmpty());
     }
 
-    void fewerThanFiveBytesWarn_data()
-    {
-        const QByteArray packed = Gzip::gzip("abc");
-        rows<QByteArray>({
-            {"null", QByteArray()},
-        });
-        for (int size = 0; size < 5; ++size)
-            QTest::addRow("%d", size) << packed.left(size);
-    }
-
     void fewerThanFiveBytesWarn()
     {
-        const auto [data] = row<QByteArray>();
-
-        const LogRecorder log;
-        QVERIFY(gUncompress(data).isEmpty());
-        QCOMPARE(log.messages().size(), 1);
-        QCOMPARE(log.warnings(), QStringList{"gUncompress: Input data is truncated"});
+        for (int size = -1; size < 5; ++size) {
+            const LogRecorder log;
+            QVERIFY(gUncompress(size < 0 ? QByteArray() : Gzip::gzip("abc").left(size)).isEmpty());
+            QCOMPARE(log.messages().size(), 1);
+            QCOMPARE(log.warnings(), QStringList{"gUncompress: Input data is truncated"});
+        }
     }
 
     void truncatedDataGivesWhatCameOutUntilThen_data()

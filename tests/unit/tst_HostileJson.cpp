@@ -2,6 +2,7 @@
 // ends in a message dropped or reduced, or in a plain error, and the next valid one is handled.
 
 #include "base/JsonReader.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/CollaborationMessageHandler>
 #include <CalyxClient/Lzma>
@@ -265,8 +266,7 @@ QString base64(const QByteArray& text)
 
 void addCases()
 {
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<bool>("isTaken");
+    columns<QByteArray, bool>();
     const QList<Case> values = otherTypes() + numbers() + texts() + structures();
     for (const Case& value : values)
         QTest::newRow(value.name) << value.text << value.isTaken;
@@ -325,8 +325,7 @@ private Q_SLOTS:
 
     void frames()
     {
-        QFETCH(QByteArray, text);
-        QFETCH(bool, isTaken);
+        const auto [text, isTaken] = row<QByteArray, bool>();
         Channel channel;
         channel.frame(text);
         QCOMPARE(channel.messages, QStringList()); // begins with no "a"
@@ -352,8 +351,7 @@ private Q_SLOTS:
 
     void messages()
     {
-        QFETCH(QByteArray, text);
-        QFETCH(bool, isTaken);
+        const auto [text, isTaken] = row<QByteArray, bool>();
         Channel channel;
         for (const QByteArray& level : messageLevels) {
             const int before = channel.signalsHeard;
@@ -372,7 +370,7 @@ private Q_SLOTS:
 
     void replies()
     {
-        QFETCH(QByteArray, text);
+        const auto [text, isTaken] = row<QByteArray, bool>();
         PresenterClient client(nullptr, "http://127.0.0.1");
         for (const QByteArray& level : replyLevels) {
             const QByteArray body = at(level, text);
@@ -385,7 +383,7 @@ private Q_SLOTS:
 
 void tst_HostileJson::payloads()
 {
-    QFETCH(QByteArray, text);
+    const QByteArray text = std::get<0>(row<QByteArray, bool>());
     Channel channel;
     for (const QByteArray& level : payloadLevels) {
         const QByteArray data = base64(at(level, text)).toLatin1();

@@ -214,11 +214,6 @@ private Q_SLOTS:
         QCOMPARE(primary(), NONE);
         qputenv("http_proxy", "http://p.test:3128");
         QCOMPARE(primaryText(), QStringLiteral("p.test:3128"));
-    }
-
-    void noProxyAfterAnExportIsSeen()
-    {
-        qputenv("http_proxy", "http://p.test:3128");
         openOnce();
         qputenv("no_proxy", ".com,.org,.net,.edu,.int,.info");
         QCOMPARE(primary(), NONE);

@@ -25,27 +25,30 @@ class tst_Question : public QObject
 private Q_SLOTS:
     void optionsAreNamedAndShown_data()
     {
-        QTest::addColumn<Question>("question");
-        QTest::addColumn<QStringList>("ids");
-        QTest::addColumn<QStringList>("labels");
-        const auto row = [](const char* name, PollType::POLL_TYPE type, OrdinalType::ORDINAL_TYPE ordinal,
-                            int count, const QStringList& ids, const QStringList& labels) {
-            QTest::newRow(name) << Question::of(type, ordinal, count) << ids << labels;
-        };
-        row("letters", PollType::MULTIPLE, OrdinalType::ALPHA_LOWER, 3, {"a", "b", "c"}, {"a", "b", "c"});
-        row("maybe", PollType::MULTIPLE, OrdinalType::YES_NO_MAYBE, 3, {"A", "B", "?"},
-            {"Yes", "No", "Maybe"});
-        row("one other", PollType::YES_NO_OTHER, OrdinalType::YES_NO_OTHER, 5, {"A", "B", "?"},
-            {"Yes", "No", "Other"});
-        row("picks", PollType::WORD_SEED, OrdinalType::ALPHA_UPPER, 2, {"0", "1"}, {"A", "B"});
-        row("free", PollType::TEXT, OrdinalType::GENERIC, 3, {}, {});
+        using Texts = QStringList;
+        constexpr auto& of = Question::of;
+        rows<Question, Texts, Texts>({
+            {"letters",
+             of(PollType::MULTIPLE, OrdinalType::ALPHA_LOWER, 3),
+             {"a", "b", "c"},
+             {"a", "b", "c"}},
+            {"maybe",
+             of(PollType::MULTIPLE, OrdinalType::YES_NO_MAYBE, 3),
+             {"A", "B", "?"},
+             {"Yes", "No", "Maybe"}},
+            {"one other",
+             of(PollType::YES_NO_OTHER, OrdinalType::YES_NO_OTHER, 5),
+             {"A", "B", "?"},
+             {"Yes", "No", "Other"}},
+            {"picks", of(PollType::WORD_SEED, OrdinalType::ALPHA_UPPER, 2), {"0", "1"}, {"A", "B"}},
+            {"free", of(PollType::TEXT, OrdinalType::GENERIC, 3), Texts(), Texts()},
+        });
     }
-
     void optionsAreNamedAndShown()
     {
-        QFETCH(Question, question);
-        QTEST(question.optionIds(), "ids");
-        QTEST(question.optionLabels(), "labels");
+        const auto [question, ids, labels] = row<Question, QStringList, QStringList>();
+        QCOMPARE(question.optionIds(), ids);
+        QCOMPARE(question.optionLabels(), labels);
     }
 
     void faults_data()

@@ -139,7 +139,7 @@ private Q_SLOTS:
         }
     }
 
-    void upgradeRequestHasVersion13AndNoOrigin()
+    void upgradeRequestHasVersion13AndNoOriginAndIsLogged()
     {
         QVERIFY(openSession());
 
@@ -149,13 +149,7 @@ private Q_SLOTS:
         QVERIFY(!request.headers.contains("origin"));
         QCOMPARE(request.headers.value("host"),
                  QByteArray("127.0.0.1:") + QByteArray::number(m_server->port()));
-    }
-
-    void logsTheTransportThatIsUp()
-    {
-        QVERIFY(openSession());
-
-        QCOMPARE(m_log->debug(QStringLiteral("[SockJSConnector] CONNECTED via Websocket")).size(), 1);
+        QCOMPARE(m_log->debug(upSocket).size(), 1);
         QCOMPARE(m_log->debug(QStringLiteral("[SockJSConnector]")).size(), 2); // that one and the URL
     }
 
@@ -202,21 +196,15 @@ private Q_SLOTS:
             QCOMPARE(m_server->requests().last().sessionId(), ids.last());
         }
         QCOMPARE(ids.at(1), second);
+        SockJSConnector other; // a second one is told from the first as well
+        other.open(m_server->url(), webSocket);
+        QTRY_VERIFY(other.isConnected());
+        QVERIFY(!ids.contains(other.sessionId()));
 
         WallClock::advance(1);
         const auto next = RANDSTRING::Generate(8);
         QVERIFY(openSession());
         QCOMPARE(m_connector->sessionId(), next);
-    }
-
-    void twoConnectorsOfOneSecondOpenTwoSessions()
-    {
-        WallClock::freeze();
-        QVERIFY(openSession());
-        SockJSConnector other;
-        other.open(m_server->url(), webSocket);
-        QTRY_VERIFY(other.isConnected());
-        QVERIFY(other.sessionId() != m_connector->sessionId());
     }
 
     void withoutAProxyTheEnvironmentStaysAsItIs()
@@ -271,6 +259,7 @@ private Q_SLOTS:
         columns<Server::Upgrade, Protocols, bool>();
         for (const auto& [name, refusal] : refusals)
             QTest::newRow(name) << refusal << webSocketThenPolling << false;
+        QTest::newRow("no answer within the limit") << Server::Silent << webSocketThenPolling << false;
         // Once the upgrade has been made, the list does not count.
         const Protocols others{SockJSConnector::WEBSOCKET, SockJSConnector::XHR_STREAMING};
         QTest::newRow("closed as WebSockets are") << Server::CloseAfterUpgrade << webSocket << true;
@@ -284,10 +273,14 @@ private Q_SLOTS:
         const auto [failure, protocols, fallsBack] = row<Server::Upgrade, Protocols, bool>();
         m_server->setFirstFrames({}); // the poll stays without an answer
         m_server->setUpgrade(failure);
+        m_connector->setOpenLimit(failure == Server::Silent ? 200 : 0);
         QVERIFY(m_probe->open(m_server->url(QStringLiteral("/base")), protocols));
         QTRY_COMPARE(m_server->count(QStringLiteral("/xhr")), 1);
-        const QString session = QStringLiteral("/base/eventbus/119/") + m_connector->sessionId();
-        QCOMPARE(m_server->paths(), QStringList({session + "/websocket", session + "/xhr"}));
+        const QString base = QStringLiteral("/base/eventbus/119/");
+        const QString last = m_connector->sessionId();
+        // One that has had its time is not gone on with.
+        const QString first = failure == Server::Silent ? m_server->requests().first().sessionId() : last;
+        QCOMPARE(m_server->paths(), QStringList({base + first + "/websocket", base + last + "/xhr"}));
         QVERIFY(!m_probe->hasClosed());
         QCOMPARE(m_log->debug(upSocket).isEmpty(), !fallsBack);
         QTRY_COMPARE(m_log->debug(fellBack).size(), fallsBack ? 1 : 0);
@@ -470,20 +463,6 @@ private Q_SLOTS:
         QTRY_VERIFY(m_connector->isConnected());
     }
 
-    void theLimitGivesUpASilentServer()
-    {
-        m_server->setFirstFrames({}); // the poll stays without an answer
-        m_server->setUpgrade(Server::Silent);
-        m_connector->setOpenLimit(200);
-        QCOMPARE(m_connector->openLimit(), 200);
-
-        QVERIFY(m_probe->open(m_server->url(), webSocketThenPolling));
-
-        QTRY_COMPARE(m_server->count(QStringLiteral("/xhr")), 1);
-        QCOMPARE(m_server->requests().last().sessionId(), m_connector->sessionId());
-        QVERIFY(!m_probe->hasClosed());
-    }
-
     void theLimitGivesUpAServerWithoutOpenFrame()
     {
         m_server->setUpgrades({Server::Mute, Server::Mute, Server::Open});
@@ -579,25 +558,27 @@ private Q_SLOTS:
         constexpr auto ws = SockJSConnector::WEBSOCKET;
         constexpr auto streaming = SockJSConnector::XHR_STREAMING;
         constexpr auto polling = SockJSConnector::XHR_POLLING;
-        rows<Protocol, int, int, bool, bool, bool>({
-            {"silence, websocket", ws, 100, 0, false, false, true},
-            {"silence, streaming", streaming, 100, 0, false, false, true},
-            {"silence, polling", polling, 100, 0, false, false, true},
-            {"heartbeats, websocket", ws, 200, 0, true, false, false},
-            {"heartbeats, streaming", streaming, 200, 0, true, false, false},
-            {"heartbeats, polling", polling, 200, 0, true, false, false},
-            {"answers pings no more", ws, 0, 20, false, true, true},
-            {"has never answered pings", ws, 0, 20, false, false, false},
-            {"answers no pings, but sends", ws, 0, 20, true, true, false},
-            {"no limits", ws, 0, 0, false, true, false},
+        constexpr auto byHand = Server::OpenInSamePacket; // which answers no pings
+        rows<Protocol, Server::Upgrade, int, int, bool, bool, bool>({
+            {"silence, websocket", ws, byHand, 100, 0, false, false, true},
+            {"silence, streaming", streaming, byHand, 100, 0, false, false, true},
+            {"silence, polling", polling, byHand, 100, 0, false, false, true},
+            {"heartbeats, websocket", ws, byHand, 200, 0, true, false, false},
+            {"heartbeats, streaming", streaming, byHand, 200, 0, true, false, false},
+            {"heartbeats, polling", polling, byHand, 200, 0, true, false, false},
+            {"answers pings no more", ws, byHand, 0, 20, false, true, true},
+            {"has never answered pings", ws, byHand, 0, 20, false, false, false},
+            {"answers no pings, but sends", ws, byHand, 0, 20, true, true, false},
+            {"answers pings", ws, Server::Open, 0, 20, false, false, false},
+            {"no limits", ws, byHand, 0, 0, false, true, false},
         });
     }
 
     void aFarEndThatIsGoneIsNoticed()
     {
-        const auto [transport, silenceLimit, pingInterval, heartbeats, pong, gone] =
-            row<Protocol, int, int, bool, bool, bool>();
-        m_server->setUpgrades({Server::OpenInSamePacket, Server::Silent});
+        const auto [transport, upgrade, silenceLimit, pingInterval, heartbeats, pong, gone] =
+            row<Protocol, Server::Upgrade, int, int, bool, bool, bool>();
+        m_server->setUpgrades({upgrade, Server::Silent});
         m_connector->setSilenceLimit(silenceLimit);
         m_connector->setPingInterval(pingInterval);
         m_connector->setPongLimit(200);
@@ -614,17 +595,6 @@ private Q_SLOTS:
 
         QCOMPARE(m_probe->count(QStringLiteral("closed false")), gone ? 1 : 0);
         QCOMPARE(m_connector->isConnected(), !gone);
-    }
-
-    void pingsAreAnswered()
-    {
-        m_connector->setPingInterval(20);
-        m_connector->setPongLimit(200);
-        QVERIFY(openSession());
-        m_server->setUpgrade(Server::Silent);
-        outlast(600);
-        QVERIFY(syncInbound());
-        QVERIFY(!m_probe->hasClosed());
     }
 
 private:

@@ -75,19 +75,6 @@ private Q_SLOTS:
         QCOMPARE(next.payload(), QStringLiteral("x"));
     }
 
-    void startFailsWithALogLine()
-    {
-        quint16 port = 0;
-        {
-            const Server gone;
-            port = gone.port();
-        }
-        LogRecorder log;
-        QVERIFY(!m_session->transport->start(QStringLiteral("127.0.0.1"), port, false, sessionPath, false));
-        QCOMPARE(log.debug(), QStringList("[SockJSXHRPolling] Connection refused"));
-        QCOMPARE(m_session->ends, 0);
-    }
-
     void startRefusesASecondTime()
     {
         QVERIFY(start());
@@ -99,7 +86,10 @@ private Q_SLOTS:
     void startAgainAfterAFailure()
     {
         m_server->answer("/xhr", chunked("o\n"));
+        LogRecorder log;
         QVERIFY(!m_session->transport->start(QStringLiteral("127.0.0.1"), 1, false, sessionPath, false));
+        QCOMPARE(log.debug(), QStringList("[SockJSXHRPolling] Connection refused"));
+        QCOMPARE(m_session->ends, 0);
         QVERIFY(start());
         QTRY_COMPARE(m_session->texts, QStringList("o"));
         m_session->transport->close();
@@ -310,11 +300,14 @@ private Q_SLOTS:
 
     void everyPollAnswerIssuesOnePoll()
     {
-        for (const char* frame : {"o\n", "h\n", "a[\"x\"]\n", "a[]\n"})
+        for (const char* frame : {"o\n", "h\n", u8"a[\"ä\"]\n", "a[]\n"})
             m_server->answer("/xhr", chunked(frame));
+        LogRecorder log;
         QVERIFY(start());
         QTRY_COMPARE(m_server->count(), 5);
-        QCOMPARE(m_session->texts, QStringList({"o", "h", "a[\"x\"]", "a[]"}));
+        QCOMPARE(m_session->texts, QStringList({"o", "h", u8"a[\"ä\"]", "a[]"}));
+        QCOMPARE(log.debug("[SockJSXHRPolling] RECEIVED: ").value(2),
+                 "[SockJSXHRPolling] RECEIVED: " + m_session->texts.at(2));
         QCOMPARE(m_server->connections(), 1);
         m_session->transport->close();
         QTRY_COMPARE(m_session->ends, 1);
@@ -365,15 +358,6 @@ private Q_SLOTS:
             QCOMPARE(session.texts, QStringList("o"));
             QCOMPARE(session.ends, 0);
         }
-    }
-
-    void receivedTextIsLogged()
-    {
-        m_server->answer("/xhr", plain("a[\"ä\"]\n"));
-        LogRecorder log;
-        QVERIFY(start());
-        QTRY_COMPARE(log.debug("[SockJSXHRPolling]"),
-                     QStringList(QStringLiteral("[SockJSXHRPolling] RECEIVED: a[\"ä\"]")));
     }
 
     void answersToOneRequestNeverFreeItTwice()

@@ -43,11 +43,7 @@ private Q_SLOTS:
             QVERIFY2(index >= 0, signature);
         }
         QVERIFY(meta->indexOfSlot("process()") >= 0);
-    }
-
-    void registersTheHeaderMapForQueuedSignals()
-    {
-        QVERIFY(typeNamed("QStringMap") != QMetaType::UnknownType);
+        // For queued signals.
         QCOMPARE(typeNamed("QStringMap"), qMetaTypeId<QStringMap>());
     }
 
@@ -92,21 +88,15 @@ private Q_SLOTS:
     }
     void headerParserStatedResults()
     {
-        const auto [data, expectedStatus, consumed, expectedHeaders] =
-            row<QByteArray, int, int, QStringMap>();
+        const auto [data, expectedStatus, consumed, found] = row<QByteArray, int, int, QStringMap>();
         int status = 7;
-        QStringMap headers;
+        QStringMap headers{{"Old", "1"}, {"A", "1"}};
+        QStringMap kept = headers;
+        for (auto header = found.begin(); header != found.end(); ++header)
+            kept.insert(header.key(), header.value());
         QCOMPARE(m_parser.parseHttpHeaderResponse(data, &status, &headers), consumed);
         QCOMPARE(status, expectedStatus);
-        QCOMPARE(headers, expectedHeaders);
-    }
-
-    void headerParserKeepsWhatIsThere()
-    {
-        int status = 0;
-        QStringMap headers{{"Old", "1"}, {"A", "1"}};
-        m_parser.parseHttpHeaderResponse("HTTP/1.1 200 OK\r\nA:2\r\n\r\n", &status, &headers);
-        QCOMPARE(headers, QStringMap({{"Old", "1"}, {"A", "2"}}));
+        QCOMPARE(headers, kept);
     }
 
     void messageParserStatedResults_data()
@@ -139,21 +129,16 @@ private Q_SLOTS:
         QCOMPARE(text, out);
     }
 
-    void messageParserAppends()
+    void messageParserAppendsAndLogs()
     {
         QString out = QStringLiteral("x");
         QCOMPARE(m_parser.parseMessageResponse("ab", false, &out, 0), 2);
         QCOMPARE(m_parser.parseMessageResponse("2\r\ncd\r\n", true, &out, 0), 7);
         QCOMPARE(out, QStringLiteral("xabcd"));
-    }
-
-    void messageParserLogs()
-    {
-        QString out = QStringLiteral("abc");
         LogRecorder log;
         m_parser.parseMessageResponse("\r\n0\r\n\r\n", true, &out, 0);
         QCOMPARE(log.debug(), QStringList({"[SockJSXHRPollingWorker] Chunk_continued",
-                                           "[SockJSXHRPollingWorker] chunk complete size 3"}));
+                                           "[SockJSXHRPollingWorker] chunk complete size 5"}));
     }
 
     void transmitTakesTheFirstRequest()
