@@ -65,8 +65,12 @@ private:
     {
         m_plan.title = tr("Assessment");
         m_plan.mayGoBack = m_plan.showsSummary = true;
-        return arrange(new QWidget, QBoxLayout::TopToBottom,
-                       {m_planned, across({m_add, m_clear, m_begin, m_finish}), quiet(m_sheet)});
+        auto* page = new QWidget;
+        auto* form = new QFormLayout(page);
+        form->addRow(m_planned);
+        form->addRow(across({m_add, m_clear, m_begin, m_finish}));
+        form->addRow(quiet(m_sheet));
+        return page;
     }
     // Tab goes on to the next control, not through the cells.
     static QTableView* quiet(QTableView* table)
