@@ -29,10 +29,9 @@ const QStringList busOptions = {QStringLiteral("--response-limit"), QStringLiter
 
 std::unique_ptr<Peer> started(const Peer::Program& program)
 {
-    auto peer = std::make_unique<Peer>(program);
-    const QByteArray failure = peer->start();
-    if (!failure.isEmpty())
-        giveUp(QString::fromUtf8(failure));
+    auto peer = std::make_unique<Peer>();
+    if (!peer->start(program))
+        giveUp(program.name + QStringLiteral(" does not start: ") + program.missing);
     return peer;
 }
 
@@ -148,11 +147,7 @@ int main(int argc, char** argv)
         return Peers::haproxy({bus->port()}, {{QStringLiteral("DEFAULTS"), QLatin1String(defaults)}});
     };
     record("sockjs", Peers::nodeBus(busOptions));
-    QString error;
-    const Peer::Program go = Peers::goBus(&error, busOptions);
-    if (!error.isEmpty())
-        giveUp(error);
-    record("sockjs-go", go);
+    record("sockjs-go", Peers::goBus(busOptions));
     record("haproxy", haproxy(""));
     record("haproxy-closing", haproxy("option httpclose"));
 

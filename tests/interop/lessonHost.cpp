@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QJsonDocument>
+#include <QLoggingCategory>
 
 #include <cstdio>
 
@@ -52,6 +53,7 @@ int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false")); // in the middle of what it says
     Lesson lesson(QUrl(arguments.at(1)));
     lesson.setJournal(arguments.at(2));
     lesson.setTransports(arguments.mid(3));

@@ -1,7 +1,5 @@
-#include "interop/support/ClassroomSession.h"
-#include "interop/support/Host.h"
+#include "interop/support/BusTest.h"
 #include "interop/support/Main.h"
-#include "interop/support/Peers.h"
 #include "support/ProcessResources.h"
 
 #include <QRegularExpression>
@@ -9,163 +7,103 @@
 
 namespace {
 
-const QStringList xhrTransports = {Transport::streaming, Transport::polling};
-
-const QMap<QString, QString> variants = {
-    {QStringLiteral("lasting connections"), QString()},
-    {QStringLiteral("a connection for each answer"), QStringLiteral("option httpclose")},
-    {QStringLiteral("short time-outs"), QStringLiteral("timeout http-request 300ms")},
-};
-
-// The servers that have answered requests of \p session, with the number of answers.
-QMap<QString, int> serversOf(const Peer& balancer, const QString& session)
+Peer::Program balancer(const QList<quint16>& servers, const QString& options)
 {
-    static const QRegularExpression line(QStringLiteral("^request classrooms/(\\w+) .* (\\S+)$"));
-    QMap<QString, int> servers;
-    for (const QString& request : balancer.lines(QStringLiteral("request "))) {
-        const QRegularExpressionMatch match = line.match(request);
-        if (match.captured(2).contains(session))
-            ++servers[match.captured(1)];
-    }
-    return servers;
+    return Peers::haproxy(servers, {{QStringLiteral("DEFAULTS"), options}});
 }
 
 } // namespace
 
 /// haproxy, which picks a server for each session and marks the session with a cookie.
-class TestBalancers : public QObject
+class TestBalancers : public BusTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void sessionsStayWhereTheyAre_data() { addRows(); }
+    void sessionsStayWhereTheyAre_data()
+    {
+        combinations(
+            {Transport::all, {"option http-keep-alive", "option httpclose", "timeout http-request 300ms"}});
+    }
 
     void sessionsStayWhereTheyAre()
     {
-        constexpr int messages = 5;
-        constexpr int sessions = 2;
-        QFETCH(QString, transport);
-        Peer classrooms[2];
-        Peer balancer;
-        VERIFY_STARTED(start(&classrooms[0], &classrooms[1], &balancer));
-        ClassroomSession lessons[2] = {ClassroomSession(classrooms[0].url()),
-                                       ClassroomSession(classrooms[1].url())};
-        QVERIFY(lessons[0].start() && lessons[1].start());
-
+        const auto [transport, options] = row<QString, QString>();
+        m_bus.emplace(Peers::nodeBus());
+        const Peer second(Peers::nodeBus());
+        m_front.emplace(balancer({m_bus->port(), second.port()}, options));
         QSet<QString> used;
-        QString id;
-        for (int i = 0; i < sessions; ++i) {
-            // The balancer takes its servers in turn, the first one first.
-            Host host(balancer.url(), lessons[i % 2].token());
-            QVERIFY(host.open(transport));
-            QVERIFY(host.exchange(messages));
-            QCOMPARE(host.closed(), 0);
-            QVERIFY(host.close());
-            const int requests = transport == Transport::webSocket ? 1 : messages;
-            id = host.connector()->sessionId();
-            QTRY_COMPARE(serversOf(balancer, id).size(), 1);
-            QTRY_VERIFY(serversOf(balancer, id).first() >= requests);
-            used += serversOf(balancer, id).firstKey();
+        for (int session = 1; session <= 2; ++session) {
+            // The balancer takes its servers in turn.
+            m_host.emplace(m_front->url());
+            QVERIFY(m_host->open(transport));
+            QVERIFY(m_host->receiveNumbers(10000));
+            QVERIFY(m_host->close());
+            const int requests = transport == Transport::webSocket ? 1 : 5;
+            const QString id = m_host->connector()->sessionId();
+            QTRY_COMPARE(serversOf(id).size(), 1);
+            QTRY_VERIFY(serversOf(id).first() >= requests);
+            used += serversOf(id).firstKey();
+            QCOMPARE(m_bus->count(QStringLiteral("open ")) + second.count(QStringLiteral("open ")), session);
         }
         QCOMPARE(used.size(), 2);
     }
 
-    void carriesTenThousandTexts_data() { addRows(); }
-
-    void carriesTenThousandTexts()
-    {
-        QFETCH(QString, transport);
-        QFETCH(QString, options);
-        Peer first(Peers::nodeBus());
-        VERIFY_STARTED(first.start());
-        Peer second(Peers::nodeBus());
-        VERIFY_STARTED(second.start());
-        Peer balancer(Peers::haproxy({first.port(), second.port()}, {{QStringLiteral("DEFAULTS"), options}}));
-        VERIFY_STARTED(balancer.start());
-        Host host(balancer.url());
-        QVERIFY(host.open(transport));
-        QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
-        QCOMPARE(first.count(QStringLiteral("open ")), 1);
-        QCOMPARE(second.count(QStringLiteral("request ")), 0);
-        QCOMPARE(host.closed(), 0);
-        QVERIFY(host.close());
-    }
-
-    void timesOutWhileTheHostIsBusy_data() { Transport::addRows(xhrTransports); }
+    void timesOutWhileTheHostIsBusy_data() { Transport::addRows({Transport::streaming, Transport::polling}); }
 
     // Nobody sends the next request in time, and the balancer says so with a 408 that answers none.
     void timesOutWhileTheHostIsBusy()
     {
         QFETCH(QString, transport);
-        Peer bus(Peers::nodeBus());
-        VERIFY_STARTED(bus.start());
-        Peer balancer(Peers::haproxy(
-            {bus.port()}, {{QStringLiteral("DEFAULTS"),
-                            QStringLiteral("timeout http-request 300ms\nno option dontlognull")}}));
-        VERIFY_STARTED(balancer.start());
-        Host host(balancer.url());
-        QVERIFY(host.open(transport));
+        m_bus.emplace(Peers::nodeBus());
+        m_front.emplace(
+            balancer({m_bus->port()}, QStringLiteral("timeout http-request 300ms\nno option dontlognull")));
+        m_host.emplace(m_front->url());
+        QVERIFY(m_host->open(transport));
         const QString timeOut = QStringLiteral("request main/<NOSRV> 408");
+        int timeOuts = 0;
+        const auto untilOneMore = [&] {
+            const int before = m_front->count(timeOut);
+            timeOuts += Peer::blockUntil([&] { return m_front->count(timeOut) > before; }) ? 1 : 0;
+        };
         for (int round = 1; round <= 3; ++round) {
-            host.numbers().restart();
-            host.publish(QStringLiteral("numbers"));
-            QTRY_VERIFY(host.numbers().count() > 100);
-            const int before = balancer.count(timeOut);
-            QVERIFY(Peer::blockUntil([&] { return balancer.count(timeOut) > before; }));
-            QTRY_VERIFY(host.numbers().count() == 10000 || !host.numbers().fault().isNull());
-            QVERIFY2(host.numbers().fault().isNull(), qPrintable(host.numbers().fault()));
+            QVERIFY(m_host->receiveNumbers(10000, untilOneMore));
+            QCOMPARE(timeOuts, round);
         }
-        QCOMPARE(host.closed(), 0);
-        QCOMPARE(bus.count(QStringLiteral("open ")), 1);
-        QVERIFY(host.close());
+        QCOMPARE(m_bus->count(QStringLiteral("open ")), 1);
+        QVERIFY(m_host->close());
     }
 
-    void closesIdleConnections_data() { Transport::addRows(xhrTransports); }
+    void closesIdleConnections_data() { Transport::addRows({Transport::streaming, Transport::polling}); }
 
     // Between two posts the balancer ends the connection that the first has left behind.
     void closesIdleConnections()
     {
         QFETCH(QString, transport);
-        Peer bus(Peers::nodeBus({QStringLiteral("--count"), QStringLiteral("100")}));
-        VERIFY_STARTED(bus.start());
-        Peer balancer(Peers::haproxy(
-            {bus.port()}, {{QStringLiteral("DEFAULTS"), QStringLiteral("timeout http-request 700ms")}}));
-        VERIFY_STARTED(balancer.start());
-        Host host(balancer.url());
-        QVERIFY(host.open(transport));
+        m_bus.emplace(Peers::nodeBus({QStringLiteral("--count"), QStringLiteral("100")}));
+        m_front.emplace(balancer({m_bus->port()}, QStringLiteral("timeout http-request 700ms")));
+        m_host.emplace(m_front->url());
+        QVERIFY(m_host->open(transport));
         for (int round = 0; round < 3; ++round) {
-            QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
+            QVERIFY(m_host->receiveNumbers(100));
             const int descriptors = ProcessResources::descriptors();
             QTRY_VERIFY(ProcessResources::descriptors() < descriptors);
         }
-        QCOMPARE(host.closed(), 0);
-        QVERIFY(host.close());
+        QVERIFY(m_host->close());
     }
 
 private:
-    void addRows()
+    // The servers that have answered requests of \p session, with the number of answers.
+    QMap<QString, int> serversOf(const QString& session) const
     {
-        QTest::addColumn<QString>("transport");
-        QTest::addColumn<QString>("options");
-        for (const QString& transport : Transport::all) {
-            for (auto variant = variants.cbegin(); variant != variants.cend(); ++variant)
-                QTest::addRow("%s, %s", qPrintable(transport), qPrintable(variant.key()))
-                    << transport << variant.value();
+        static const QRegularExpression line(QStringLiteral("^request classrooms/(\\w+) .* (\\S+)$"));
+        QMap<QString, int> answers;
+        for (const QString& request : m_front->lines(QStringLiteral("request "))) {
+            const QRegularExpressionMatch match = line.match(request);
+            if (match.captured(2).contains(session))
+                ++answers[match.captured(1)];
         }
-    }
-
-    QByteArray start(Peer* first, Peer* second, Peer* balancer)
-    {
-        QFETCH(QString, options);
-        for (Peer* classroom : {first, second}) {
-            classroom->setProgram(Peers::classroom());
-            const QByteArray failure = classroom->start();
-            if (!failure.isEmpty())
-                return failure;
-        }
-        balancer->setProgram(
-            Peers::haproxy({first->port(), second->port()}, {{QStringLiteral("DEFAULTS"), options}}));
-        return balancer->start();
+        return answers;
     }
 };
 

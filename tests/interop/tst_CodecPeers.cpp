@@ -1,7 +1,8 @@
 // The codec against two others, xz's and the npm package's: what one has written the other reads, text for
 // text, and what one refuses the other refuses too, but for what is written down here.
 
-#include "support/Main.h"
+#include "interop/support/Main.h"
+#include "support/LzmaBlocks.h"
 
 #include <CalyxClient/Lzma>
 
@@ -9,7 +10,6 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QtEndian>
 
 #include <algorithm>
 #include <cstdlib>
@@ -17,10 +17,12 @@
 
 namespace {
 
+using LzmaBlocks::HEADER;
+using LzmaBlocks::withSize;
+
 constexpr int TEXTS = 3000;
 constexpr int SIZE_OFFSET = 5;
-constexpr int HEADER = 13;
-constexpr qint64 UNKNOWN_SIZE = -1;
+constexpr quint64 UNKNOWN_SIZE = ~quint64(0);
 const QString NODE = QStringLiteral("node");
 const QString XZ = QStringLiteral("xz");
 
@@ -64,9 +66,7 @@ QByteArray textOf(int number)
 
 QByteArray compressed(const QByteArray& text)
 {
-    QString base64;
-    return Lzma::compress64(QString::fromUtf8(text), &base64) ? QByteArray::fromBase64(base64.toLatin1())
-                                                              : QByteArray();
+    return LzmaBlocks::blockOf(QString::fromUtf8(text));
 }
 
 // Null where it is refused. It ends at the first NUL, if that comes from damage.
@@ -90,12 +90,6 @@ bool isSame(const QByteArray& left, const QByteArray& right)
 QByteArray upToNul(const QByteArray& bytes)
 {
     return bytes.isNull() ? bytes : QByteArray(bytes.constData());
-}
-
-QByteArray withSize(QByteArray block, qint64 size)
-{
-    qToLittleEndian(size, block.data() + SIZE_OFFSET);
-    return block;
 }
 
 // One byte of the stream changed, or the stream cut off, or something behind it.
@@ -211,7 +205,8 @@ private Q_SLOTS:
             const QByteArray block = files.read(i, ".txt.lzma");
             QCOMPARE(block.mid(SIZE_OFFSET, HEADER - SIZE_OFFSET), QByteArray(8, '\xff'));
             QVERIFY(decompressed(block).isNull());
-            for (const QByteArray& theirs : {withSize(block, m_texts.at(i).size()), files.read(i, ".lzma")})
+            for (const QByteArray& theirs :
+                 {withSize(block, quint64(m_texts.at(i).size())), files.read(i, ".lzma")})
                 QVERIFY2(isSame(decompressed(theirs), m_texts.at(i)), qPrintable(QString::number(i)));
         }
     }

@@ -2,7 +2,6 @@
 #include "interop/support/Learners.h"
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
-#include "support/ChildProcess.h"
 #include "support/ProcessResources.h"
 #include "support/Relay.h"
 #include "support/Rows.h"
@@ -93,46 +92,22 @@ struct Class
     std::unique_ptr<Learners> learners;
 };
 
-/// A host in a process of its own, and the lines that it has said.
-class HostProcess
+/// A host in a process of its own.
+Peer::Program hostProcess(const QStringList& arguments)
 {
-public:
-    explicit HostProcess(const QStringList& arguments)
-    {
-        m_process.start(QStringLiteral(LESSON_HOST), arguments);
-    }
-    ~HostProcess() { end(SIGKILL); }
+    Peer::Program program;
+    program.name = QStringLiteral(LESSON_HOST);
+    program.arguments = arguments;
+    program.ready = Peer::Program::AtOnce;
+    return program;
+}
 
-    /// Waits for the \p count-th line that begins with \p prefix: the rest of it; null when none comes.
-    QByteArray waitFor(const QByteArray& prefix, int count = 1)
-    {
-        const auto isThere = [&] {
-            m_said += m_process.readAll();
-            return m_said.count('\n' + prefix) >= count;
-        };
-        if (!QTest::qWaitFor(isThere, 60 * second))
-            return QByteArray();
-        int at = 0;
-        for (int i = 0; i < count; ++i)
-            at = m_said.indexOf('\n' + prefix, at) + 1;
-        return m_said.mid(at, m_said.indexOf('\n', at) - at).mid(prefix.size());
-    }
-
-    void send(int signal)
-    {
-        if (m_process.state() == QProcess::Running)
-            ::kill(pid_t(m_process.processId()), signal);
-    }
-    void end(int signal)
-    {
-        send(signal);
-        m_process.waitForFinished();
-    }
-
-private:
-    ChildProcess m_process;
-    QByteArray m_said = "\n";
-};
+/// What follows \p prefix when \p host first says that; null when it does not.
+QByteArray said(const Peer& host, const char* prefix)
+{
+    const QString begin = QLatin1String(prefix);
+    return host.waitFor(begin) ? host.lines(begin).first().mid(begin.size()).toUtf8() : QByteArray();
+}
 
 /// Without what is of the moment.
 QJsonObject timeless(QJsonObject report)
@@ -171,7 +146,7 @@ class TestComingBack : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { VERIFY_STARTED(m_classroom.start()); }
+    void initTestCase() { QVERIFY(m_classroom.start(Peers::classroom())); }
 
     // All transports at the same time, since the far end is given some seconds.
     void noticesAFrozenLine()
@@ -250,12 +225,12 @@ private Q_SLOTS:
         QVERIFY(!isCounted || shortest > 0 || median(back) <= second);
     }
 
-    void everyAnswerCounts_data() { addTransports(); }
+    void everyAnswerCounts_data() { Transport::addRows(); }
 
     // The lines of the host and of the learners have one mishap after the other, while they are asked.
     void everyAnswerCounts()
     {
-        const auto [transport] = row<QString>();
+        QFETCH(QString, transport);
         const int polls = amount("CALYX_POLLS", 3);
         const int count = amount("CALYX_LEARNERS", 10);
         const int mishaps = amount("CALYX_MISHAPS", 4);
@@ -281,12 +256,12 @@ private Q_SLOTS:
         qInfo("%d answers, each once", polls * count);
     }
 
-    void answersMayPause_data() { addTransports(); }
+    void answersMayPause_data() { Transport::addRows(); }
 
     // For longer than the transports allow where nobody asks them to.
     void answersMayPause()
     {
-        const auto [transport] = row<QString>();
+        QFETCH(QString, transport);
         constexpr int pause = 3 * second;
         Class lesson(m_classroom, transport);
         QVERIFY(lesson.join(5));
@@ -307,18 +282,23 @@ private Q_SLOTS:
         constexpr int sleep = 7 * second;
         constexpr int limit = 5 * second;
         const QTemporaryDir folder;
-        std::vector<std::unique_ptr<HostProcess>> hosts;
+        const auto posts = [this] {
+            return m_classroom.lines(QStringLiteral("POST /eventbus/")).filter("/xhr_send").size();
+        };
+        const int before = posts();
+        std::vector<std::unique_ptr<Peer>> hosts;
         for (const QString& transport : Transport::all)
-            hosts.push_back(std::make_unique<HostProcess>(
-                QStringList{m_classroom.url().toString(), folder.filePath(transport), transport}));
-        std::vector<QByteArray> codes;
-        for (const auto& host : hosts)
-            codes.push_back(host->waitFor("state 4 "));
+            hosts.push_back(std::make_unique<Peer>(
+                hostProcess({m_classroom.url().toString(), folder.filePath(transport), transport})));
         std::vector<std::unique_ptr<Learners>> learners;
-        for (std::size_t i = 0; i < hosts.size(); ++i) {
-            hosts.at(i)->send(SIGSTOP);
-            learners.push_back(
-                std::make_unique<Learners>(m_classroom.url(), QString::fromUtf8(codes.at(i)), 3));
+        for (const auto& host : hosts)
+            QVERIFY(host->waitFor(QStringLiteral("state 4 ")));
+        // The bus knows the addresses of those whose posts are under way.
+        QVERIFY(QTest::qWaitFor([&] { return posts() >= before + 2 * 3; }, patience));
+        for (const auto& host : hosts) {
+            const QByteArray code = said(*host, "state 4 ");
+            host->send(SIGSTOP);
+            learners.push_back(std::make_unique<Learners>(m_classroom.url(), QString::fromUtf8(code), 3));
         }
         QElapsedTimer clock;
         clock.start();
@@ -327,7 +307,7 @@ private Q_SLOTS:
             host->send(SIGCONT);
         clock.start();
         for (const auto& host : hosts) // who has got three answers from everybody
-            QVERIFY(!host->waitFor("report ").isNull());
+            QVERIFY(host->waitFor(QStringLiteral("report ")));
         qInfo("taught after %lld ms", static_cast<long long>(clock.elapsed()));
         QVERIFY(clock.elapsed() < limit);
     }
@@ -337,13 +317,13 @@ private Q_SLOTS:
     {
         const QTemporaryDir folder;
         const QString journal = folder.filePath(QStringLiteral("journal"));
-        HostProcess host({m_classroom.url().toString(), journal});
-        const QByteArray code = host.waitFor("state 4 ");
+        Peer host(hostProcess({m_classroom.url().toString(), journal}));
+        const QByteArray code = said(host, "state 4 ");
         QVERIFY(!code.isNull());
         const Learners learners(m_classroom.url(), QString::fromUtf8(code), 3);
-        const QByteArray report = host.waitFor("report ");
+        const QByteArray report = said(host, "report ");
         QVERIFY(!report.isNull());
-        host.end(SIGKILL);
+        host.kill();
         QFile file(journal);
         QVERIFY(file.open(QIODevice::Append));
         file.write("{\"event\":\"answer\",\"device\":\"a");
@@ -380,12 +360,12 @@ private Q_SLOTS:
         QCOMPARE(timeless(lesson.report()).value(polls), timeless(after).value(polls));
     }
 
-    void nothingGrows_data() { addTransports(); }
+    void nothingGrows_data() { Transport::addRows(); }
 
     // Cut after cut.
     void nothingGrows()
     {
-        const auto [transport] = row<QString>();
+        QFETCH(QString, transport);
         const int cuts = amount("CALYX_CUTS", 20);
         Class lesson(m_classroom, transport);
         QVERIFY(lesson.join(2));
@@ -424,13 +404,6 @@ private:
         return seed;
     }
 
-    static void addTransports()
-    {
-        columns<QString>();
-        for (const QString& transport : Transport::all)
-            QTest::newRow(qPrintable(transport)) << transport;
-    }
-
     static std::vector<Poll*> askAll(const std::vector<std::unique_ptr<Class>>& classes)
     {
         std::vector<Poll*> polls;
@@ -439,7 +412,7 @@ private:
         return polls;
     }
 
-    Peer m_classroom{Peers::classroom()};
+    Peer m_classroom;
 };
 
 INTEROP_MAIN(TestComingBack)

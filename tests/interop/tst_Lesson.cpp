@@ -1,3 +1,4 @@
+#include "interop/support/Host.h"
 #include "interop/support/Learners.h"
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
@@ -19,9 +20,6 @@ using namespace Calyx;
 
 namespace {
 
-const QStringList transports = {QStringLiteral("websocket"), QStringLiteral("xhr-streaming"),
-                                QStringLiteral("xhr-polling")};
-
 Question marked()
 {
     Question question = Question::usual(PollType::MULTIPLE);
@@ -42,7 +40,6 @@ private Q_SLOTS:
     void init()
     {
         m_classroom = std::make_unique<Peer>(Peers::classroom());
-        VERIFY_STARTED(m_classroom->start());
         m_lesson = std::make_unique<Lesson>(m_classroom->url());
         connect(m_lesson.get(), &Lesson::failed, this, [this](const LessonError& error) { m_error = error; });
         m_error = LessonError();
@@ -54,12 +51,7 @@ private Q_SLOTS:
         m_classroom.reset();
     }
 
-    void teaches_data()
-    {
-        QTest::addColumn<QString>("transport");
-        for (const QString& transport : transports)
-            QTest::newRow(qPrintable(transport)) << transport;
-    }
+    void teaches_data() { Transport::addRows(); }
 
     // All is asked for at once, and done in order.
     void teaches()
@@ -71,7 +63,7 @@ private Q_SLOTS:
         goLive();
         Poll* const early = m_lesson->ask(PollType::WORD_SEED, OrdinalType::GENERIC, 0);
         QVERIFY(early);
-        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
+        QVERIFY(waitForState(Lesson::Live));
         QCOMPARE(states,
                  (QList<Lesson::State>{Lesson::LoggingIn, Lesson::LoggedIn, Lesson::Starting, Lesson::Live}));
 
@@ -100,7 +92,7 @@ private Q_SLOTS:
         QCOMPARE(m_lesson->report().value("polls").toArray().size(), 2);
         QCOMPARE(m_lesson->toCsv().count("\r\n"), 1 + 5 + 5 + 15);
         m_lesson->logOut();
-        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::LoggedOut; }));
+        QVERIFY(waitForState(Lesson::LoggedOut));
         QCOMPARE(m_error.kind, LessonError::NoError);
         QCOMPARE(m_lesson->roster()->presentCount(), 0);
         QCOMPARE(poll->answered(), 5);
@@ -121,7 +113,7 @@ private Q_SLOTS:
         const QString journal = folder.filePath("journal");
         m_lesson->setJournal(journal);
         goLive();
-        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
+        QVERIFY(waitForState(Lesson::Live));
         const Learners learners(m_classroom->url(), m_lesson->joinCode(), 1);
         QVERIFY(waitFor([&] { return m_lesson->roster()->presentCount() == 1; }));
         const QString before = m_lesson->joinCode();
@@ -129,12 +121,12 @@ private Q_SLOTS:
         if (isLost) {
             m_lesson->setReconnects(false);
             m_lesson->onChannel([](PresenterCollab* collab) { collab->connector()->close(); });
-            QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Reconnecting; }));
+            QVERIFY(waitForState(Lesson::Reconnecting));
             m_lesson->cancel();
         } else {
             m_lesson->end();
         }
-        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
+        QVERIFY(waitForState(Lesson::Live));
         QVERIFY(m_lesson->joinCode() != before);
         QCOMPARE(Lesson::journalOf(journal).value("code").toString(), m_lesson->joinCode());
         m_lesson->logIn(QStringLiteral("teacher"), QStringLiteral("chalk"));
@@ -145,22 +137,22 @@ private Q_SLOTS:
     void saysThatTheSessionIsGone()
     {
         goLive();
-        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
+        QVERIFY(waitForState(Lesson::Live));
         Poll* const poll = m_lesson->ask(marked());
         m_classroom->kill();
-        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Reconnecting; }));
+        QVERIFY(waitForState(Lesson::Reconnecting));
         QList<int> seconds;
         connect(m_lesson.get(), &Lesson::secondsToAttemptChanged, this,
                 [&] { seconds.append(m_lesson->secondsToAttempt()); });
         QVERIFY(waitFor([&] { return seconds.mid(seconds.size() - 2) == QList<int>{2, 1}; }));
         QCOMPARE(m_lesson->attemptText(), QStringLiteral("The connection is lost. Trying again in 1 s."));
-        VERIFY_STARTED(m_classroom->start());
+        QVERIFY(m_classroom->start());
         m_lesson->retryNow();
         QVERIFY(waitFor([&] { return m_error.kind == LessonError::SessionGone; }));
         QCOMPARE(m_lesson->state(), Lesson::LoggedIn);
         QVERIFY(!poll->isRunning());
         m_lesson->start();
-        QVERIFY(waitFor([&] { return m_lesson->state() == Lesson::Live; }));
+        QVERIFY(waitForState(Lesson::Live));
     }
 
     void whoSpeaksNoTlsIsSomethingElse()
@@ -300,6 +292,11 @@ private:
         const QMetaMethod method =
             sender->metaObject()->method(sender->metaObject()->indexOfSignal(signal.constData()));
         QVERIFY(connect(sender, method, this, metaObject()->method(metaObject()->indexOfSlot("die()"))));
+    }
+
+    bool waitForState(Lesson::State state)
+    {
+        return waitFor([&] { return m_lesson->state() == state; });
     }
 
     void goLive()

@@ -3,6 +3,7 @@
 #include "interop/support/Peers.h"
 #include "support/ProcessResources.h"
 #include "support/Rows.h"
+#include "support/WaitFor.h"
 
 #include <CalyxClient/CollaborationMessageHandler>
 #include <CalyxClient/Learner>
@@ -24,6 +25,7 @@ struct World
 
     bool logIn() { return client->doLogin(QStringLiteral("teacher"), QStringLiteral("chalk")); }
     bool create() { return client && client->doStartSession(QString()); }
+    bool logInAndCreate() { return logIn() && create(); }
     bool start()
     {
         client->setSockJSOverrideProtocols({transport});
@@ -36,7 +38,7 @@ struct World
     bool isConnected() const { return collab && collab->isConnected(); }
     bool teach()
     {
-        return logIn() && create() && start() && QTest::qWaitFor([this] { return isConnected(); }, 20000);
+        return logInAndCreate() && start() && QTest::qWaitFor([this] { return isConnected(); }, 20000);
     }
     bool teachesAndCloses()
     {
@@ -58,48 +60,83 @@ struct World
     }
 };
 
-using Action = std::function<void(World&)>;
 using Act = std::function<void()>;
+using Action = std::function<void(World&)>;
 
 const QMap<QString, Action> actions = {
-    {QStringLiteral("close"),
+    {"close",
      [](World& world) {
          if (world.collab)
              world.collab->close();
      }},
-    {QStringLiteral("open"),
+    {"open",
      [](World& world) {
          if (world.collab)
              world.collab->open({world.transport});
      }},
-    {QStringLiteral("delete collab"), [](World& world) { delete world.collab; }},
-    {QStringLiteral("delete client"), [](World& world) { delete world.client; }},
-    {QStringLiteral("quit"), [](World&) { QCoreApplication::quit(); }},
-    {QStringLiteral("log out"), [](World& world) { world.client->doLogout(); }},
-    {QStringLiteral("stop session"), [](World& world) { world.client->doStopSession(); }},
-    {QStringLiteral("start again"), [](World& world) { world.start(); }},
+    {"delete collab", [](World& world) { delete world.collab; }},
+    {"delete client", [](World& world) { delete world.client; }},
+    {"quit", [](World&) { QCoreApplication::quit(); }},
+    {"log out", [](World& world) { world.client->doLogout(); }},
+    {"stop session", [](World& world) { world.client->doStopSession(); }},
+    {"start again", [](World& world) { world.start(); }},
 };
 
+/// Brings the world to where something is possible. False when that was not reached.
+using Way = std::function<bool(World&)>;
 /// Brings the world to where the action is to happen, and has it happen. False when that was not reached.
 using Occasion = std::function<bool(World&, const Act& act)>;
 
-// From a timer while \p operation waits for its reply.
-bool actDuring(World& world, const Act& act, const Act& operation)
+Occasion once(const Way& isThere)
 {
-    bool isRunning = true;
-    bool acted = false;
-    QTimer::singleShot(0, world.client, [&isRunning, &acted, act] {
-        acted = isRunning;
+    return [isThere](World& world, const Act& act) {
+        const bool ready = isThere(world);
         act();
-    });
-    operation();
-    isRunning = false;
-    return acted;
+        return ready;
+    };
+}
+
+// From a timer while \p operation waits for its reply.
+Occasion during(const Way& isThere, const Action& operation)
+{
+    return [isThere, operation](World& world, const Act& act) {
+        if (!isThere(world))
+            return false;
+        bool isRunning = true;
+        bool acted = false;
+        QTimer::singleShot(0, world.client, [&isRunning, &acted, act] {
+            acted = isRunning;
+            act();
+        });
+        operation(world);
+        isRunning = false;
+        return acted;
+    };
+}
+
+// In a slot of \p signal of the object that \p sender gives, which \p cause brings about.
+template<typename Sender, typename Signal>
+Occasion inSlot(const Way& isThere, Sender sender, Signal signal, const Action& cause)
+{
+    return [=](World& world, const Act& act) {
+        if (!isThere(world))
+            return false;
+        QObject context;
+        bool acted = false;
+        QObject::connect(sender(world), signal, &context, [&acted, act] {
+            if (!std::exchange(acted, true))
+                act();
+        });
+        cause(world);
+        return QTest::qWaitFor([&acted] { return acted; }, 20000);
+    };
 }
 
 // As soon as the client has a channel, which it opens in the same call.
-bool actDuringTheOpening(World& world, const Act& act)
+bool actWhileOpening(World& world, const Act& act)
 {
+    if (!world.logInAndCreate())
+        return false;
     bool acted = false;
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
@@ -115,150 +152,71 @@ bool actDuringTheOpening(World& world, const Act& act)
     return acted;
 }
 
-// In a slot of \p signal, which \p cause brings about.
-template<typename Sender, typename Signal>
-bool actIn(Sender* sender, Signal signal, const Act& act, const Act& cause)
+template<typename Signal>
+Occasion inChannelSlot(Signal signal, const Action& cause)
 {
-    QObject context;
-    bool acted = false;
-    QObject::connect(sender, signal, &context, [&acted, act] {
-        if (std::exchange(acted, true))
-            return;
-        act();
-    });
-    cause();
-    return QTest::qWaitFor([&acted] { return acted; }, 20000);
-}
-
-QString typed(const QString& type, const QString& data)
-{
-    QString block;
-    Lzma::compress64(data, &block);
-    return QStringLiteral("{\"from\":\"device\",\"type\":\"%1\",\"data\":[\"%2\"]}").arg(type, block);
+    return inSlot(
+        &World::teach, [](World& world) { return world.collab.data(); }, signal, cause);
 }
 
 template<typename Signal>
-Occasion inSlotOf(Signal signal, const QString& body)
+Occasion inConnectorSlot(Signal signal, const Action& cause)
 {
-    return [signal, body](World& world, const Act& act) {
-        return world.teach() && actIn(world.collab->messageHandler(), signal, act, [&] { world.send(body); });
-    };
+    return inSlot(
+        &World::teach, [](World& world) { return world.collab->connector(); }, signal, cause);
 }
 
+template<typename Signal>
+Occasion inMessageSlot(Signal signal, const QString& body)
+{
+    return inSlot(
+        &World::teach, [](World& world) { return world.collab->messageHandler(); }, signal,
+        [body](World& world) { world.send(body); });
+}
+
+QString typed(const char* type)
+{
+    QString block;
+    Lzma::compress64(QStringLiteral("{}"), &block);
+    return QStringLiteral(R"({"from":"device","type":"%1","data":["%2"]})").arg(QLatin1String(type), block);
+}
+
+const auto clientOf = [](World& world) { return world.client.data(); };
+const auto nothing = [](World&) { return true; };
+const auto close = actions.value("close");
+
 const QMap<QString, Occasion> withoutChannel = {
-    {QStringLiteral("before the login"),
-     [](World&, const Act& act) {
-         act();
-         return true;
-     }},
-    {QStringLiteral("logged in"),
-     [](World& world, const Act& act) {
-         const bool ready = world.logIn();
-         act();
-         return ready;
-     }},
-    {QStringLiteral("session created"),
-     [](World& world, const Act& act) {
-         const bool ready = world.logIn() && world.create();
-         act();
-         return ready;
-     }},
-    {QStringLiteral("waiting for the login"),
-     [](World& world, const Act& act) { return actDuring(world, act, [&] { world.logIn(); }); }},
-    {QStringLiteral("waiting for the session"),
-     [](World& world, const Act& act) {
-         return world.logIn() && actDuring(world, act, [&] { world.create(); });
-     }},
-    {QStringLiteral("waiting for the start"),
-     [](World& world, const Act& act) {
-         return world.logIn() && world.create() && actDuring(world, act, [&] { world.start(); });
-     }},
-    {QStringLiteral("in requestProcessed"),
-     [](World& world, const Act& act) {
-         return actIn(world.client.data(), &PresenterClient::requestProcessed, act, [&] { world.logIn(); });
-     }},
+    {"before the login", once(nothing)},
+    {"logged in", once(&World::logIn)},
+    {"session created", once(&World::logInAndCreate)},
+    {"waiting for the login", during(nothing, &World::logIn)},
+    {"waiting for the session", during(&World::logIn, &World::create)},
+    {"waiting for the start", during(&World::logInAndCreate, &World::start)},
+    {"in requestProcessed", inSlot(nothing, clientOf, &PresenterClient::requestProcessed, &World::logIn)},
 };
 
 using Handler = CollaborationMessageHandler;
 
 const QMap<QString, Occasion> withChannel = {
-    {QStringLiteral("connected"),
-     [](World& world, const Act& act) {
-         const bool ready = world.teach();
-         act();
-         return ready;
-     }},
-    {QStringLiteral("closed"),
-     [](World& world, const Act& act) {
-         const bool ready = world.teach() && actIn(
-                                                 world.collab.data(), &PresenterCollab::connectionClosed,
-                                                 [] {}, [&] { world.collab->close(); });
-         act();
-         return ready;
-     }},
-    {QStringLiteral("in connectionClosed"),
-     [](World& world, const Act& act) {
-         return world.teach() && actIn(world.collab.data(), &PresenterCollab::connectionClosed, act,
-                                       [&] { world.collab->close(); });
-     }},
-    {QStringLiteral("in connected"),
-     [](World& world, const Act& act) {
-         return world.teach() && actIn(world.collab->connector(), &SockJSConnector::connected, act,
-                                       [&] { world.collab->open({world.transport}); });
-     }},
-    {QStringLiteral("in closed"),
-     [](World& world, const Act& act) {
-         return world.teach() && actIn(world.collab->connector(), &SockJSConnector::closed, act,
-                                       [&] { world.collab->close(); });
-     }},
-    {QStringLiteral("in sockJSMessage"),
-     [](World& world, const Act& act) {
-         return world.teach() && actIn(world.collab->connector(), &SockJSConnector::sockJSMessage, act,
-                                       [&] { world.send(QStringLiteral("{}")); });
-     }},
-    {QStringLiteral("in learnerJoin"),
-     inSlotOf(&Handler::learnerJoin, typed(QStringLiteral("join"), QStringLiteral("{}")))},
-    {QStringLiteral("in learnerPollResponse"),
-     inSlotOf(&Handler::learnerPollResponse, typed(QStringLiteral("pollResponse"), QStringLiteral("{}")))},
-    {QStringLiteral("in learnerUnregister"),
-     inSlotOf(&Handler::learnerUnregister,
-              QStringLiteral("{\"action\":\"unregister\",\"client\":{\"type\":\"user\"}}"))},
-    {QStringLiteral("in controllerRegister"),
-     inSlotOf(&Handler::controllerRegister,
-              QStringLiteral("{\"action\":\"unregister\",\"client\":{\"type\":\"controller\"}}"))},
-    {QStringLiteral("in remoteControl"),
-     inSlotOf(&Handler::remoteControl, typed(QStringLiteral("nextCard"), QStringLiteral("{}")))},
-    {QStringLiteral("in learnerGetQuestion"),
-     inSlotOf(&Handler::learnerGetQuestion, typed(QStringLiteral("questionGet"), QStringLiteral("{}")))},
-    {QStringLiteral("in unhandledMessage"),
-     inSlotOf(&Handler::unhandledMessage, typed(QStringLiteral("other"), QStringLiteral("{}")))},
+    {"connected", once(&World::teach)},
+    {"closed", once(&World::teachesAndCloses)},
+    {"in connectionClosed", inChannelSlot(&PresenterCollab::connectionClosed, close)},
+    {"in connected", inConnectorSlot(&SockJSConnector::connected, actions.value("open"))},
+    {"in closed", inConnectorSlot(&SockJSConnector::closed, close)},
+    {"in sockJSMessage", inConnectorSlot(&SockJSConnector::sockJSMessage,
+                                         [](World& world) { world.send(QStringLiteral("{}")); })},
+    {"in learnerJoin", inMessageSlot(&Handler::learnerJoin, typed("join"))},
+    {"in learnerPollResponse", inMessageSlot(&Handler::learnerPollResponse, typed("pollResponse"))},
+    {"in learnerUnregister",
+     inMessageSlot(&Handler::learnerUnregister, R"({"action":"unregister","client":{"type":"user"}})")},
+    {"in controllerRegister", inMessageSlot(&Handler::controllerRegister,
+                                            R"({"action":"unregister","client":{"type":"controller"}})")},
+    {"in remoteControl", inMessageSlot(&Handler::remoteControl, typed("nextCard"))},
+    {"in learnerGetQuestion", inMessageSlot(&Handler::learnerGetQuestion, typed("questionGet"))},
+    {"in unhandledMessage", inMessageSlot(&Handler::unhandledMessage, typed("other"))},
 };
 
-const QMap<QString, Occasion> whileOpening = {
-    {QStringLiteral("while the channel opens"),
-     [](World& world, const Act& act) {
-         return world.logIn() && world.create() && actDuringTheOpening(world, act);
-     }},
-};
-
-Occasion occasionOf(const QString& name)
-{
-    for (const auto* occasions : {&withoutChannel, &withChannel, &whileOpening}) {
-        if (occasions->contains(name))
-            return occasions->value(name);
-    }
-    return Occasion();
-}
-
-const QStringList needChannel = {QStringLiteral("close"), QStringLiteral("open"),
-                                 QStringLiteral("delete collab")};
-
-// What quit() leaves behind lasts until the application runs again.
-void forgetQuit()
-{
-    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
-    QCoreApplication::exec();
-}
+const QStringList needChannel = {"close", "open", "delete collab"};
 
 } // namespace
 
@@ -272,40 +230,32 @@ class TestLifetimes : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        m_classroom = std::make_unique<Peer>(Peers::classroom({QStringLiteral("--quiet")}));
-        VERIFY_STARTED(m_classroom->start());
-        // What Qt starts once and keeps is there from now on.
-        for (const QString& transport : Transport::all) {
-            PresenterClient client(nullptr, m_classroom->url().toString());
-            QVERIFY(World({transport, &client, nullptr}).teachesAndCloses());
-        }
-        m_threads = ProcessResources::threads();
-        m_descriptors = ProcessResources::descriptors();
+        QVERIFY(m_classroom.start(Peers::classroom({QStringLiteral("--quiet")})));
+        m_before = std::make_unique<ProcessResources::Snapshot>([this] {
+            for (const QString& transport : Transport::all) {
+                PresenterClient client(nullptr, m_classroom.url().toString());
+                QVERIFY(World({transport, &client, nullptr}).teachesAndCloses());
+            }
+        });
     }
 
     void cleanupTestCase()
     {
-        qInfo("%d cells", m_cells);
-        QTRY_VERIFY2_WITH_TIMEOUT(ProcessResources::threads() <= m_threads,
-                                  qPrintable(QString::number(ProcessResources::threads())), 15000);
-        QTRY_VERIFY2_WITH_TIMEOUT(ProcessResources::descriptors() <= m_descriptors,
-                                  qPrintable(QString::number(ProcessResources::descriptors())), 15000);
-        m_classroom.reset();
+        QCOMPARE(m_before->waitForSurplusToGo(), QString());
+        m_classroom.end();
     }
 
     void cell_data()
     {
         columns<QString, QString, QString>();
-        const auto addRows = [this](const QString& transport, const QMap<QString, Occasion>& occasions,
-                                    const QStringList& without = {}) {
-            for (auto occasion = occasions.cbegin(); occasion != occasions.cend(); ++occasion) {
+        const auto addRows = [](const QString& transport, const QMap<QString, Occasion>& occasions,
+                                const QStringList& without = {}) {
+            for (const QString& occasion : occasions.keys()) {
                 for (const QString& action : actions.keys()) {
-                    if (without.contains(action))
-                        continue;
-                    ++m_cells;
-                    QTest::addRow("%s, %s, %s", qPrintable(occasion.key()), qPrintable(action),
-                                  qPrintable(transport))
-                        << transport << action << occasion.key();
+                    if (!without.contains(action))
+                        QTest::addRow("%s, %s, %s", qPrintable(occasion), qPrintable(action),
+                                      qPrintable(transport))
+                            << transport << action << occasion;
                 }
             }
         };
@@ -313,7 +263,7 @@ private Q_SLOTS:
         if (only.isEmpty() || only == Transport::webSocket) {
             addRows(Transport::webSocket, withoutChannel, needChannel);
             // The other transports connect without events.
-            addRows(Transport::webSocket, whileOpening);
+            addRows(Transport::webSocket, {{"while the channel opens", actWhileOpening}});
         }
         for (const QString& transport : Transport::all) {
             if (only.isEmpty() || only == transport)
@@ -324,12 +274,10 @@ private Q_SLOTS:
     void cell()
     {
         const auto [transport, action, occasion] = row<QString, QString, QString>();
-        const QString server = m_classroom->url().toString();
-        const QPointer<PresenterClient> client(new PresenterClient(nullptr, server));
+        const QPointer<PresenterClient> client(new PresenterClient(nullptr, m_classroom.url().toString()));
         World world{transport, client, nullptr};
-
-        const bool reached =
-            occasionOf(occasion)(world, [&, action = action] { actions.value(action)(world); });
+        const Occasion occur = withoutChannel.value(occasion, withChannel.value(occasion, actWhileOpening));
+        const bool reached = occur(world, [&, action = action] { actions.value(action)(world); });
         QVERIFY(reached);
         if (action == QLatin1String("quit"))
             forgetQuit();
@@ -340,10 +288,8 @@ private Q_SLOTS:
     }
 
 private:
-    std::unique_ptr<Peer> m_classroom;
-    int m_cells = 0;
-    int m_threads = 0;
-    int m_descriptors = 0;
+    Peer m_classroom;
+    std::unique_ptr<ProcessResources::Snapshot> m_before;
 };
 
 INTEROP_MAIN(TestLifetimes)

@@ -1,4 +1,3 @@
-#include "interop/support/ClassroomSession.h"
 #include "interop/support/Host.h"
 #include "interop/support/Learners.h"
 #include "interop/support/Main.h"
@@ -7,6 +6,7 @@
 #include <CalyxClient/CollaborationMessageHandler>
 #include <CalyxClient/Learner>
 #include <CalyxClient/Lesson>
+#include <CalyxClient/PresenterClient>
 
 #include <QElapsedTimer>
 #include <QSet>
@@ -56,6 +56,12 @@ private:
     qint64 m_longest = 0;
 };
 
+void tell(int count, qint64 joined, qint64 answered, qint64 turn)
+{
+    qInfo("%d learners joined in %lld ms and answered in %lld ms; longest turn of the event loop %lld ms",
+          count, joined, answered, turn);
+}
+
 } // namespace
 
 /// A full classroom answers one poll. CALYX_LOAD_LEARNERS says how full; 5000 is a whole university's.
@@ -70,13 +76,12 @@ private Q_SLOTS:
     {
         QFETCH(QString, transport);
         const int count = learners();
-        Peer classroom(Peers::classroom({QStringLiteral("--quiet")}));
-        VERIFY_STARTED(classroom.start());
-        ClassroomSession lesson(classroom.url());
-        QVERIFY(lesson.create());
-        lesson.client().setSockJSOverrideProtocols({transport});
+        const Peer classroom(Peers::classroom({QStringLiteral("--quiet")}));
+        PresenterClient client(nullptr, classroom.url().toString());
+        QVERIFY(client.doLogin("teacher", "chalk") && client.doStartSession(QString()));
+        client.setSockJSOverrideProtocols({transport});
         PresenterCollab* collab = nullptr;
-        QVERIFY(lesson.client().startWebsocket(&collab));
+        QVERIFY(client.startWebsocket(&collab));
         QTRY_VERIFY(collab->isConnected());
 
         QSet<QString> here;
@@ -92,18 +97,15 @@ private Q_SLOTS:
         const Turns turns;
         QElapsedTimer clock;
         clock.start();
-        const Learners devices(classroom.url(), lesson.client().sessionCode(), count);
+        const Learners devices(classroom.url(), client.sessionCode(), count);
         QTRY_VERIFY_WITH_TIMEOUT(here.size() == count || !collab->isConnected(), limit);
         QCOMPARE(here.size(), count);
         const qint64 joined = clock.restart();
         collab->startPoll(Calyx::PollType::MULTIPLE, Calyx::OrdinalType::ALPHA_UPPER, 4, 1);
         QTRY_VERIFY_WITH_TIMEOUT(all >= count || !collab->isConnected(), limit);
         QCOMPARE(all, count);
-        qInfo("%d learners joined in %lld ms and answered in %lld ms; longest turn of the event loop %lld ms",
-              count, static_cast<long long>(joined), static_cast<long long>(clock.elapsed()),
-              static_cast<long long>(turns.longest()));
-
-        QVERIFY(lesson.client().doStopSession());
+        tell(count, joined, clock.elapsed(), turns.longest());
+        QVERIFY(client.doStopSession());
         QCOMPARE(all, count);
         QCOMPARE(answers.size(), count);
         QVERIFY(turns.longest() < longestTurn);
@@ -117,8 +119,7 @@ private Q_SLOTS:
         constexpr qint64 longestTurnOfALesson = 5; // ms
         QFETCH(QString, transport);
         const int count = learners();
-        Peer classroom(Peers::classroom({QStringLiteral("--quiet")}));
-        VERIFY_STARTED(classroom.start());
+        const Peer classroom(Peers::classroom({QStringLiteral("--quiet")}));
         Calyx::Lesson lesson(classroom.url());
         lesson.setTransports({transport});
         lesson.logIn(QStringLiteral("teacher"), QStringLiteral("chalk"));
@@ -133,9 +134,7 @@ private Q_SLOTS:
         const Calyx::Poll* const poll =
             lesson.ask(Calyx::PollType::MULTIPLE, Calyx::OrdinalType::ALPHA_UPPER, 4);
         QTRY_COMPARE_WITH_TIMEOUT(poll->answered(), count, limit);
-        qInfo("%d learners joined in %lld ms and answered in %lld ms; longest turn of the event loop %lld ms",
-              count, static_cast<long long>(joined), static_cast<long long>(clock.elapsed()),
-              static_cast<long long>(turns.longest()));
+        tell(count, joined, clock.elapsed(), turns.longest());
         int all = 0;
         for (const Calyx::PollResults::Row& row : poll->results()->rows())
             all += row.count;

@@ -1,107 +1,61 @@
-#include "interop/support/Host.h"
+#include "interop/support/BusTest.h"
 #include "interop/support/Main.h"
-#include "interop/support/Servers.h"
-
-namespace {
-
-const QStringList hundredTexts = {QStringLiteral("--count"), QStringLiteral("100")};
-
-} // namespace
 
 /// Servers that forget a session, and go away: the host is told once, opens again, and everything works.
-class TestLostSessions : public QObject
+class TestLostSessions : public BusTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void connectionsAreCut_data() { Servers::addRows(Transport::all); }
-
-    // Or closed by the server.
-    void connectionsAreCut()
+    void hostOpensAgain_data()
     {
-        QFETCH(QString, transport);
-        Peer bus;
-        VERIFY_STARTED(Servers::start(&bus, hundredTexts));
-        Host host(bus.url());
-        for (int round = 1; round <= 4; ++round) {
-            QVERIFY(host.open(transport));
-            QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
-            host.publish(round % 2 == 0 ? QStringLiteral("leave") : QStringLiteral("cut"));
-            QVERIFY(host.waitForClosed(round));
-        }
-        QVERIFY(host.open(transport));
-        QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
-        QCOMPARE(host.closed(), 4);
-        QVERIFY(host.close());
-        QCOMPARE(host.connected(), 5);
+        combinations({servers, Transport::all, {"cut", "leave", "restart", "absence"}});
     }
 
-    void serverIsRestarted_data() { Servers::addRows(Transport::all); }
-
-    // With a poll, or a streamed answer, pending.
-    void serverIsRestarted()
+    // Where a server is restarted, a poll or a streamed answer is pending.
+    void hostOpensAgain()
     {
-        QFETCH(QString, transport);
-        Peer bus;
-        VERIFY_STARTED(Servers::start(&bus, hundredTexts));
-        Host host(bus.url());
-        for (int round = 1; round <= 2; ++round) {
-            QVERIFY(host.open(transport));
-            QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
+        const auto [name, transport, loss] = row<QString, QString, QString>();
+        const bool isRestarted = loss == QLatin1String("restart");
+        const bool isAway = loss == QLatin1String("absence");
+        QVERIFY(open(server(name, {QStringLiteral("--count"), QStringLiteral("100")}), transport));
+        for (int round = 0; round < 2; ++round) {
+            QVERIFY(m_host->receiveNumbers(100));
+            if (isRestarted || isAway)
+                m_bus->kill();
+            else
+                m_host->publish(loss);
             // The host hears of nothing in between, because its event loop does not run.
-            bus.kill();
-            VERIFY_STARTED(bus.start());
-            QVERIFY(host.waitForClosed(round));
+            QVERIFY(!isRestarted || m_bus->start());
+            QVERIFY(m_host->waitForEnd());
+            if (isAway) {
+                QVERIFY(m_host->tryOpen(Transport::all));
+                QVERIFY(!m_host->collab()->isConnected());
+                QVERIFY(m_bus->start());
+            }
+            QVERIFY(m_host->open(transport));
         }
-        QVERIFY(host.open(transport));
-        QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
-        QVERIFY(host.close());
-        QCOMPARE(host.connected(), 3);
+        QVERIFY(m_host->receiveNumbers(100));
+        QVERIFY(m_host->close());
     }
 
-    void serverIsGone_data() { Servers::addRows(Transport::all); }
-
-    void serverIsGone()
-    {
-        QFETCH(QString, transport);
-        Peer bus;
-        VERIFY_STARTED(Servers::start(&bus, hundredTexts));
-        Host host(bus.url());
-        QVERIFY(host.open(transport));
-        bus.kill();
-        QVERIFY(host.waitForClosed(1));
-        QVERIFY(host.tryOpen(Transport::all));
-        QVERIFY(!host.collab()->isConnected());
-        VERIFY_STARTED(bus.start());
-        QVERIFY(host.open(transport));
-        QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
-        QCOMPARE(host.closed(), 1);
-        QVERIFY(host.close());
-        QCOMPARE(host.connected(), 2);
-    }
-
-    void hostIsBusyForTooLong_data() { Servers::addRows({Transport::streaming, Transport::polling}); }
+    void hostIsBusyForTooLong_data() { combinations({servers, {Transport::streaming, Transport::polling}}); }
 
     // Servers give a session up when nobody has asked for its frames for 5 s.
     void hostIsBusyForTooLong()
     {
-        QFETCH(QString, transport);
-        Peer bus;
-        VERIFY_STARTED(Servers::start(&bus, {QStringLiteral("--response-limit"), QStringLiteral("8192")}));
-        Host host(bus.url());
-        QVERIFY(host.open(transport));
-        host.publish(QStringLiteral("numbers"));
-        QTRY_VERIFY(host.numbers().count() > 0);
-        const QString forgotten = QStringLiteral("close ") + host.connector()->sessionId();
-        QVERIFY(Peer::blockUntil([&] { return bus.count(forgotten) > 0; }));
-        QVERIFY(host.waitForClosed(1));
-        QVERIFY2(host.numbers().fault().isNull(), qPrintable(host.numbers().fault()));
+        const auto [name, transport] = row<QString, QString>();
+        QVERIFY(open(server(name, {QStringLiteral("--response-limit"), QStringLiteral("8192")}), transport));
+        m_host->publish(QStringLiteral("numbers"));
+        QTRY_VERIFY(m_host->numbers().count() > 0);
+        const QString forgotten = QStringLiteral("close ") + m_host->connector()->sessionId();
+        QVERIFY(Peer::blockUntil([&] { return m_bus->count(forgotten) > 0; }));
+        QVERIFY(m_host->waitForEnd());
+        QCOMPARE(m_host->numbers().fault(), QString());
 
-        QVERIFY(host.open(transport));
-        QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
-        QCOMPARE(host.closed(), 1);
-        QVERIFY(host.close());
-        QCOMPARE(host.connected(), 2);
+        QVERIFY(m_host->open(transport));
+        QVERIFY(m_host->receiveNumbers(10000));
+        QVERIFY(m_host->close());
     }
 };
 

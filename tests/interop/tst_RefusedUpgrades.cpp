@@ -1,113 +1,79 @@
-#include "interop/support/Host.h"
+#include "interop/support/BusTest.h"
 #include "interop/support/Main.h"
-#include "interop/support/Peers.h"
 #include "support/ProcessResources.h"
 
 namespace {
 
 const QStringList webSocketThenStreaming = {Transport::webSocket, Transport::streaming};
+const QStringList drops = {"drop", "dropLater", "resetLater"};
+const QStringList limited = {"silence", "mute"};
+
+Peer::Program bus(const QString& upgrade)
+{
+    return Peers::nodeBus({"--count", "100", "--upgrade", upgrade});
+}
 
 } // namespace
 
 /// Servers and filters that do something else with a WebSocket's upgrade than to upgrade. Hosts that act
 /// meanwhile are in tests/faults/tst_HostActions.
-class TestRefusedUpgrades : public QObject
+class TestRefusedUpgrades : public BusTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void anotherTransportComesUp_data()
     {
-        addRows({"403", "200", "reset", "silence", "mute", "drop", "dropLater", "resetLater"});
+        combinations({QStringList{"403", "200", "reset"} + limited + drops});
     }
 
     // The next one; or after an upgrade polling, whatever stands next in the list, and in the same session.
+    // Threads and descriptors are given back.
     void anotherTransportComesUp()
     {
-        QFETCH(QString, upgrade);
-        Peer bus;
-        VERIFY_STARTED(start(&bus));
-        Host host(bus.url());
-        const bool waits = setLimit(&host);
-        QVERIFY(host.open(webSocketThenStreaming));
-        const bool isUpgraded =
-            upgrade.startsWith(QLatin1String("drop")) || upgrade == QLatin1String("resetLater");
-        QVERIFY2(host.receiveNumbers(100), qPrintable(host.numbers().fault()));
-        QCOMPARE(bus.lines(QStringLiteral("open ")),
-                 {QStringLiteral("open %1 %2")
-                      .arg(host.connector()->sessionId(),
-                           isUpgraded ? Transport::polling : Transport::streaming)});
-        QCOMPARE(bus.lines(QStringLiteral("upgrade ")).size(), 1);
-        QVERIFY(waits || bus.count(QStringLiteral("upgrade ") + host.connector()->sessionId()) == 1);
-        QCOMPARE(host.closed(), 0);
-        QVERIFY(host.close());
-        QCOMPARE(host.connected(), 1);
+        const auto [upgrade] = row<QString>();
+        const bool isLimited = limited.contains(upgrade);
+        m_bus.emplace(bus(upgrade));
+        ProcessResources::Snapshot early;
+        for (int round = 1; round <= 10; ++round) {
+            m_host.reset();
+            // What Qt itself makes once and keeps is there after the first rounds.
+            if (round == 3)
+                early = ProcessResources::Snapshot();
+            m_host.emplace(m_bus->url());
+            // Of the wait for what never comes. Elsewhere it could end what is only slow.
+            m_host->connector()->setOpenLimit(isLimited ? 500 : 0);
+            QVERIFY(m_host->open(webSocketThenStreaming));
+            QVERIFY(m_host->receiveNumbers(100));
+            const QString id = m_host->connector()->sessionId();
+            QCOMPARE(m_bus->count(QStringLiteral("open ")), round);
+            QCOMPARE(m_bus->lines(QStringLiteral("open ")).last(),
+                     QStringLiteral("open %1 %2")
+                         .arg(id, drops.contains(upgrade) ? Transport::polling : Transport::streaming));
+            QCOMPARE(m_bus->count(QStringLiteral("upgrade ")), round);
+            QVERIFY(isLimited || m_bus->count(QStringLiteral("upgrade ") + id) == 1);
+            QVERIFY(round % 2 == 0 || m_host->close());
+        }
+        m_host.reset();
+        QCOMPARE(early.waitForSurplusToGo(), QString());
     }
 
-    void leavingBeforeOpenFrame_data() { addRows({"dropLater", "resetLater"}); }
+    void leavingBeforeOpenFrame_data() { combinations({QStringList{"dropLater", "resetLater"}}); }
 
     // The fallback comes up when the host has left already: it is closed at once, and nothing is registered.
     void leavingBeforeOpenFrame()
     {
-        Peer bus;
-        VERIFY_STARTED(start(&bus));
-        Host host(bus.url());
-        QVERIFY(host.tryOpen(webSocketThenStreaming));
-        host.collab()->close();
-        QVERIFY(host.waitForClosed(1));
-        QCOMPARE(bus.count(QStringLiteral("frame ")), 0);
-        QVERIFY(host.open(Transport::streaming));
-        QVERIFY(bus.waitFor(QStringLiteral("frame "), 3));
-        QCOMPARE(host.closed(), 1);
-        QVERIFY(host.close());
-    }
-
-    void givesThreadsAndDescriptorsBack_data()
-    {
-        addRows({"403", "200", "reset", "silence", "drop", "dropLater", "resetLater", "mute"});
-    }
-
-    void givesThreadsAndDescriptorsBack()
-    {
-        Peer bus;
-        VERIFY_STARTED(start(&bus));
-        ProcessResources::Snapshot early;
-        for (int round = 0; round < 10; ++round) {
-            // What Qt itself makes once and keeps is there after the first rounds.
-            if (round == 2)
-                early = ProcessResources::Snapshot();
-            Host host(bus.url());
-            setLimit(&host);
-            QVERIFY(host.open(webSocketThenStreaming));
-            if (round % 2 == 0)
-                QVERIFY(host.close());
-        }
-        QCOMPARE(early.waitForSurplusToGo(), QString());
-    }
-
-private:
-    void addRows(const QStringList& upgrades)
-    {
-        QTest::addColumn<QString>("upgrade");
-        for (const QString& upgrade : upgrades)
-            QTest::newRow(qPrintable(upgrade)) << upgrade;
-    }
-
-    // Of the wait for what never comes. Elsewhere it could end what is only slow.
-    static bool setLimit(Host* host)
-    {
-        QFETCH(QString, upgrade);
-        const bool waits = upgrade == QLatin1String("silence") || upgrade == QLatin1String("mute");
-        host->connector()->setOpenLimit(waits ? 500 : 0);
-        return waits;
-    }
-
-    QByteArray start(Peer* bus)
-    {
-        QFETCH(QString, upgrade);
-        bus->setProgram(Peers::nodeBus(
-            {QStringLiteral("--count"), QStringLiteral("100"), QStringLiteral("--upgrade"), upgrade}));
-        return bus->start();
+        const auto [upgrade] = row<QString>();
+        m_bus.emplace(bus(upgrade));
+        m_host.emplace(m_bus->url());
+        QVERIFY(m_host->tryOpen(webSocketThenStreaming));
+        m_host->collab()->close();
+        QVERIFY(m_host->waitForEnd());
+        QCOMPARE(m_bus->count(QStringLiteral("frame ")), 0);
+        QVERIFY(m_host->tryOpen({Transport::streaming}));
+        QVERIFY(m_bus->waitFor(QStringLiteral("frame "), 3));
+        m_host->collab()->close();
+        QVERIFY(m_host->waitForEnd());
     }
 };
 

@@ -1,10 +1,7 @@
-#include "interop/support/Host.h"
+#include "interop/support/BusTest.h"
 #include "interop/support/Main.h"
-#include "interop/support/Peers.h"
 
 namespace {
-
-constexpr int openLimit = 1500; // milliseconds
 
 const QString forStreaming = QStringLiteral("proxy_http_version 1.1;\n"
                                             "proxy_buffering off;\n"
@@ -13,62 +10,37 @@ const QString forStreaming = QStringLiteral("proxy_http_version 1.1;\n"
                                             "proxy_set_header Upgrade $http_upgrade;\n"
                                             "proxy_set_header Connection $upgrade_or_nothing;\n");
 
-// The server, and nginx in front of it.
-struct ProxiedBus
-{
-    QByteArray start(const QString& options = QString())
-    {
-        const QByteArray failure = bus.start();
-        if (!failure.isEmpty())
-            return failure;
-        nginx.setProgram(Peers::nginx(bus.port(), options));
-        return nginx.start();
-    }
-
-    Peer bus{Peers::nodeBus()};
-    Peer nginx;
-};
-
 } // namespace
 
 /// nginx in front of the server, as it comes and set up for streaming.
-class TestReverseProxies : public QObject
+class TestReverseProxies : public BusTest
 {
-    // It upgrades nothing, and keeps a streamed answer back until it is whole.
     Q_OBJECT
 
 private Q_SLOTS:
+    // As it comes, it upgrades nothing, and keeps a streamed answer back until it is whole.
     void withDefaultsPollingComesUp()
     {
-        ProxiedBus server;
-        VERIFY_STARTED(server.start());
-        Host host(server.nginx.url());
-        host.connector()->setOpenLimit(openLimit);
+        start();
         for (int round = 1; round <= 3; ++round) {
-            QVERIFY(host.open(Transport::all));
-            QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
-            const QStringList opened =
-                server.bus.lines(QStringLiteral("open ") + host.connector()->sessionId());
+            QVERIFY(m_host->open(Transport::all));
+            QVERIFY(m_host->receiveNumbers(10000));
+            const QStringList opened = opens();
             QVERIFY2(opened.last().endsWith(Transport::polling), qPrintable(opened.join(QLatin1Char('\n'))));
-            QCOMPARE(host.connected(), round);
-            QCOMPARE(host.closed(), round - 1);
-            QVERIFY(host.close());
+            QVERIFY(m_host->close());
         }
-        QCOMPARE(server.bus.count(QStringLiteral("upgrade ")), 0);
+        QCOMPARE(m_bus->count(QStringLiteral("upgrade ")), 0);
     }
 
     void withDefaultsStreamingAloneFails()
     {
-        ProxiedBus server;
-        VERIFY_STARTED(server.start());
-        Host host(server.nginx.url());
-        host.connector()->setOpenLimit(openLimit);
-        QVERIFY(host.tryOpen({Transport::webSocket, Transport::streaming}));
+        start();
+        QVERIFY(m_host->tryOpen({Transport::webSocket, Transport::streaming}));
         // The server has opened a session, and has seen it go when the limit was over.
-        QVERIFY(server.bus.waitFor(QStringLiteral("close ") + host.connector()->sessionId()));
-        QVERIFY(!host.collab()->isConnected());
-        QCOMPARE(host.connected(), 0);
-        QCOMPARE(host.closed(), 0);
+        QVERIFY(m_bus->waitFor(QStringLiteral("close ") + m_host->connector()->sessionId()));
+        QVERIFY(!m_host->collab()->isConnected());
+        QCOMPARE(m_host->connected(), 0);
+        QCOMPARE(m_host->closed(), 0);
     }
 
     void setUpForStreaming_data() { Transport::addRows(); }
@@ -76,28 +48,37 @@ private Q_SLOTS:
     void setUpForStreaming()
     {
         QFETCH(QString, transport);
-        ProxiedBus server;
-        VERIFY_STARTED(server.start(forStreaming));
-        Host host(server.nginx.url());
-        host.connector()->setOpenLimit(openLimit);
+        start(forStreaming);
         // The transport comes up by itself, not for want of the ones before it.
         const QStringList list = Transport::all.mid(Transport::all.indexOf(transport));
         for (int round = 1; round <= 2; ++round) {
-            QVERIFY(host.open(list));
+            QVERIFY(m_host->open(list));
             // Told by the server after it has sent the "o".
-            QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
-            QCOMPARE(server.bus.lines(QStringLiteral("open ")).last(),
-                     QStringLiteral("open %1 %2").arg(host.connector()->sessionId(), transport));
-            QCOMPARE(host.closed(), round - 1);
-            QVERIFY(host.close());
+            QVERIFY(m_host->receiveNumbers(10000));
+            QCOMPARE(opens(),
+                     {QStringLiteral("open %1 %2").arg(m_host->connector()->sessionId(), transport)});
+            QVERIFY(m_host->close());
         }
-        QCOMPARE(server.bus.count(QStringLiteral("open ")), 2);
+        QCOMPARE(m_bus->count(QStringLiteral("open ")), 2);
 
-        QVERIFY(host.open(list));
-        host.publish(QStringLiteral("leave"));
-        QVERIFY(host.waitForClosed(3));
-        QCOMPARE(host.connected(), 3);
+        QVERIFY(m_host->open(list));
+        m_host->publish(QStringLiteral("leave"));
+        QVERIFY(m_host->waitForEnd());
+        QCOMPARE(m_host->connected(), 3);
     }
+
+private:
+    void start(const QString& options = QString())
+    {
+        constexpr int openLimit = 1500; // milliseconds
+        m_bus.emplace(Peers::nodeBus());
+        m_front.emplace(Peers::nginx(m_bus->port(), options));
+        m_host.emplace(m_front->url());
+        m_host->connector()->setOpenLimit(openLimit);
+    }
+
+    // Of the present session.
+    QStringList opens() { return m_bus->lines(QStringLiteral("open ") + m_host->connector()->sessionId()); }
 };
 
 INTEROP_MAIN(TestReverseProxies)

@@ -46,8 +46,7 @@ private Q_SLOTS:
     void nothingGrows()
     {
         QFETCH(QString, transport);
-        Peer bus(Peers::nodeBus({QStringLiteral("--answer"), answerBlock()}));
-        VERIFY_STARTED(bus.start());
+        const Peer bus(Peers::nodeBus({QStringLiteral("--answer"), answerBlock()}));
         PresenterCollab collab(nullptr, bus.url().toString(), QStringLiteral("code"),
                                QStringLiteral("session"), QStringLiteral("host"));
         int answers = 0;

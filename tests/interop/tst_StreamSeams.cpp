@@ -1,97 +1,56 @@
-#include "interop/support/Host.h"
+#include "interop/support/BusTest.h"
 #include "interop/support/Main.h"
-#include "interop/support/Servers.h"
-
-namespace {
-
-QString streamRequest(const Host& host)
-{
-    return QStringLiteral("request /eventbus/119/%1/xhr_streaming").arg(host.connector()->sessionId());
-}
-
-} // namespace
 
 /// Streams that are longer than one answer: servers end each after a number of bytes, and the next request
-/// goes on where it has ended.
-class TestStreamSeams : public QObject
+/// goes on where it has ended. What is sent meanwhile is in tst_RealServers.
+class TestStreamSeams : public BusTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void nothingIsLost_data()
-    {
-        QTest::addColumn<QString>("server"); // Servers::start() looks for it
-        QTest::addColumn<int>("limit");
-        for (const char* server : {"sockjs", "sockjs-go"}) {
-            for (const int limit : {4096, 16384, 131072})
-                QTest::addRow("%s, %d bytes", server, limit) << QString::fromLatin1(server) << limit;
-        }
-    }
+    void nothingIsLost_data() { combinations({servers, {"4096", "16384", "131072"}}); }
 
     void nothingIsLost()
     {
         constexpr int seamsOfDefaultLimit = 10;
-        QFETCH(int, limit);
-        Peer bus;
-        VERIFY_STARTED(Servers::start(&bus, {QStringLiteral("--response-limit"), QString::number(limit)}));
-        Host host(bus.url());
-        QVERIFY(host.open(Transport::streaming));
+        const auto [name, limit] = row<QString, QString>();
+        QVERIFY(open(name, limit));
         for (int round = 0; round < 2; ++round)
-            QVERIFY2(host.receiveNumbers(10000), qPrintable(host.numbers().fault()));
-        QVERIFY(bus.count(streamRequest(host)) > seamsOfDefaultLimit);
-        QCOMPARE(host.connected(), 1);
-        QCOMPARE(host.closed(), 0);
-        QVERIFY(host.close());
-        QVERIFY2(host.numbers().fault().isNull(), qPrintable(host.numbers().fault()));
+            QVERIFY(m_host->receiveNumbers(10000));
+        QVERIFY(m_bus->count(told("request")) > seamsOfDefaultLimit);
+        QVERIFY(m_host->close());
     }
 
-    void sendsMeanwhile_data() { Servers::addRows({Transport::streaming}); }
-
-    void sendsMeanwhile()
-    {
-        constexpr int first = 945; // one of 60 kB is among them
-        constexpr int texts = 60;
-        Peer bus;
-        VERIFY_STARTED(Servers::start(&bus, {QStringLiteral("--response-limit"), QStringLiteral("4096")}));
-        Host host(bus.url());
-        QVERIFY(host.open(Transport::streaming));
-        // What is sent comes back over the stream.
-        host.numbers().restart(first);
-        for (int number = first; number < first + texts; ++number)
-            host.connector()->sendMessage(NumberedText::text(number), false);
-        QTRY_VERIFY_WITH_TIMEOUT(host.numbers().count() == texts || !host.numbers().fault().isNull(), 60000);
-        QVERIFY2(host.numbers().fault().isNull(), qPrintable(host.numbers().fault()));
-        QVERIFY(bus.count(streamRequest(host)) > 3);
-        QCOMPARE(host.closed(), 0);
-        QVERIFY(host.close());
-    }
-
-    void survivesABusyHost_data() { Servers::addRows({Transport::streaming}); }
+    void survivesABusyHost_data() { combinations({servers}); }
 
     // For less than the 5 s after which a server gives the session up.
     void survivesABusyHost()
     {
-        Peer bus;
-        VERIFY_STARTED(Servers::start(&bus, {QStringLiteral("--response-limit"), QStringLiteral("4096")}));
-        Host host(bus.url());
-        QVERIFY(host.open(Transport::streaming));
-        const QString id = host.connector()->sessionId();
-        const QString answered = QStringLiteral("answered /eventbus/119/%1/xhr_streaming").arg(id);
+        const auto [name] = row<QString>();
+        QVERIFY(open(name, QStringLiteral("4096")));
         int busyRounds = 0;
-        for (int round = 0; round < 5; ++round) {
-            host.numbers().restart();
-            host.publish(QStringLiteral("numbers"));
-            QTRY_VERIFY(host.numbers().count() > 1000);
-            // Busy until the present answer has ended: nobody asks for the next one. On a slow machine this
-            // may be the last one, which stays open.
-            busyRounds +=
-                bus.blockUntil([&] { return bus.count(answered) == bus.count(streamRequest(host)); }) ? 1 : 0;
-            QTRY_VERIFY(host.numbers().count() == 10000 || !host.numbers().fault().isNull());
-            QVERIFY2(host.numbers().fault().isNull(), qPrintable(host.numbers().fault()));
-        }
+        // Busy until the present answer has ended: nobody asks for the next one. On a slow machine this may
+        // be the last one, which stays open.
+        const auto allAreAnswered = [this] {
+            return m_bus->count(told("answered")) == m_bus->count(told("request"));
+        };
+        for (int round = 0; round < 5; ++round)
+            QVERIFY(m_host->receiveNumbers(10000,
+                                           [&] { busyRounds += Peer::blockUntil(allAreAnswered) ? 1 : 0; }));
         QVERIFY(busyRounds > 0);
-        QCOMPARE(host.closed(), 0);
-        QVERIFY(host.close());
+        QVERIFY(m_host->close());
+    }
+
+private:
+    bool open(const QString& name, const QString& limit)
+    {
+        return BusTest::open(server(name, {QStringLiteral("--response-limit"), limit}), Transport::streaming);
+    }
+
+    QString told(const char* what)
+    {
+        return QStringLiteral("%1 /eventbus/119/%2/xhr_streaming")
+            .arg(QLatin1String(what), m_host->connector()->sessionId());
     }
 };
 

@@ -1,4 +1,5 @@
 #include "interop/support/Host.h"
+#include "interop/support/Learners.h"
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
 #include "support/Rows.h"
@@ -15,17 +16,6 @@ namespace {
 constexpr int learners = 30;
 constexpr int limit = 150000; // ms
 const QString source = QStringLiteral(INTEROP_SOURCE_DIR "/../..");
-
-QStringList simulatedLearners(const QUrl& classroom)
-{
-    return {source + QStringLiteral("/classroom/learners.js"),
-            QStringLiteral("--url"),
-            classroom.toString(),
-            QStringLiteral("--session"),
-            QStringLiteral("auto"),
-            QStringLiteral("--count"),
-            QString::number(learners)};
-}
 
 QStringList demoLesson(const QUrl& door, const QString& transport)
 {
@@ -53,7 +43,7 @@ struct Taught
 
     void begin(const QUrl& server, const QString& way = QString())
     {
-        devices.start(QStringLiteral("node"), simulatedLearners(classroom.url()));
+        devices = std::make_unique<Learners>(classroom.url(), QStringLiteral("auto"), learners);
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("COLUMNS"), QStringLiteral("200"));
         if (!way.isEmpty())
@@ -67,8 +57,8 @@ struct Taught
         QVERIFY(ends(&host));
         const QString told = QString::fromUtf8(host.readAllStandardOutput());
         QVERIFY2(host.exitCode() == 0, qPrintable(told + QString::fromUtf8(host.readAllStandardError())));
-        QVERIFY(ends(&devices));
-        const QString totals = QString::fromUtf8(devices.readAllStandardOutput());
+        QVERIFY(ends(devices->process()));
+        const QString totals = QString::fromUtf8(devices->process()->readAllStandardOutput());
 
         const QString everyone = QStringLiteral("%1 of %1 ").arg(learners);
         QCOMPARE(told.mid(told.indexOf(QStringLiteral("Most frequent"))).count(everyone), 11);
@@ -80,8 +70,8 @@ struct Taught
     QString transport;
     Peer classroom{Peers::classroom()};
     Peer door;
-    Peer proxy{Peers::tinyproxy()};
-    QProcess devices;
+    Peer proxy;
+    std::unique_ptr<Learners> devices;
     QProcess host;
 };
 
@@ -98,7 +88,6 @@ private Q_SLOTS:
     {
         for (const QString& transport : Transport::all) {
             m_lessons.push_back(std::make_unique<Taught>(transport));
-            VERIFY_STARTED(m_lessons.back()->classroom.start());
         }
     }
     void cleanup() { m_lessons.clear(); }
@@ -112,9 +101,8 @@ private Q_SLOTS:
     {
         const auto [options] = row<QString>();
         for (const auto& lesson : m_lessons) {
-            lesson->door.setProgram(
-                Peers::haproxy({lesson->classroom.port()}, {{QStringLiteral("DEFAULTS"), options}}));
-            VERIFY_STARTED(lesson->door.start());
+            QVERIFY(lesson->door.start(
+                Peers::haproxy({lesson->classroom.port()}, {{QStringLiteral("DEFAULTS"), options}})));
             lesson->begin(lesson->door.url());
         }
         for (const auto& lesson : m_lessons) {
@@ -128,15 +116,8 @@ private Q_SLOTS:
     void throughAProxy()
     {
         for (const auto& lesson : m_lessons) {
-            // Only who comes from the proxy is let in.
-            lesson->door.setProgram(
-                Peers::haproxy({lesson->classroom.port()},
-                               {{QStringLiteral("FRONTEND"),
-                                 QStringLiteral("bind %1:@PORT@\n"
-                                                "tcp-request connection reject unless { src %1 }")
-                                     .arg(Peers::forwarded)}}));
-            VERIFY_STARTED(lesson->door.start());
-            VERIFY_STARTED(lesson->proxy.start());
+            QVERIFY(lesson->door.start(Peers::door(lesson->classroom.port())));
+            QVERIFY(lesson->proxy.start(Peers::tinyproxy()));
             // To an address of loopback Qt uses no proxy; this one means the same.
             lesson->begin(QUrl(QStringLiteral("http://0.0.0.0:%1").arg(lesson->door.port())),
                           lesson->proxy.url().toString());

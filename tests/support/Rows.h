@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QStringList>
 #include <QTest>
+#include <QVector>
 
 #include <initializer_list>
 #include <tuple>
@@ -46,6 +48,26 @@ void rows(std::initializer_list<std::tuple<const char*, Types...>> table)
     for (const auto& values : table) {
         std::apply([](const char* name, const Types&... value) { (QTest::newRow(name) << ... << value); },
                    values);
+    }
+}
+
+/// A column for each of the \p lists, and a row for each combination of their texts, which are its name.
+inline void combinations(const QVector<QStringList>& lists)
+{
+    QVector<QStringList> table{QStringList()};
+    for (int column = 0; column < lists.size(); ++column) {
+        QTest::addColumn<QString>(RowsDetail::nameOf(std::size_t(column)));
+        QVector<QStringList> longer;
+        for (const QStringList& begin : std::as_const(table)) {
+            for (const QString& text : lists.at(column))
+                longer.append(begin + QStringList{text});
+        }
+        table = longer;
+    }
+    for (const QStringList& texts : std::as_const(table)) {
+        QTestData& data = QTest::newRow(qPrintable(texts.join(QStringLiteral(", "))));
+        for (const QString& text : texts)
+            data << text;
     }
 }
 

@@ -19,3 +19,10 @@ template<typename Condition>
     }
     return true;
 }
+
+/// What QCoreApplication::quit() leaves behind lasts until the application runs again: it does.
+inline void forgetQuit()
+{
+    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+    QCoreApplication::exec();
+}

@@ -25,6 +25,8 @@ public:
         m_process.waitForFinished();
     }
 
+    QProcess* process() { return &m_process; }
+
 private:
     ChildProcess m_process;
 };

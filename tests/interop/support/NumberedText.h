@@ -57,6 +57,7 @@ public:
         } else if (m_fault.isNull()) {
             m_fault = QStringLiteral("expected number %1, got \"%2\" of %3 characters")
                           .arg(QString::number(expected), text.left(40), QString::number(text.size()));
+            qWarning("%s", qPrintable(m_fault));
         }
     }
 

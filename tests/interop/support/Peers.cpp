@@ -11,26 +11,27 @@ namespace {
 const QString sourceDir = QStringLiteral(INTEROP_SOURCE_DIR);
 const QString classroomDir = QStringLiteral(INTEROP_SOURCE_DIR "/../../classroom");
 
+// The loopback address that the forward proxy connects from; everybody else's is 127.0.0.1.
+const QString forwarded = QStringLiteral("127.0.0.2");
+
 Peer::Program node(const QString& script, const QStringList& options)
 {
     Peer::Program program;
     program.name = QStringLiteral("node");
     program.package = QStringLiteral("nodejs");
     program.arguments = QStringList{script, QStringLiteral("--port"), QStringLiteral("@PORT@")} + options;
-    program.saysPort = true;
+    program.ready = Peer::Program::SaysPort;
     return program;
 }
 
-// Offline, from the packages that Debian has put beside each other.
-bool buildGo(const QString& source, const QString& target, QString* error)
+// Offline, from the packages that Debian has put beside each other. Gives why that failed; empty when it did
+// not.
+QString buildGo(const QString& source, const QString& target)
 {
     const QString packages = QStringLiteral("/usr/share/gocode");
     const QString go = QStandardPaths::findExecutable(QStringLiteral("go"));
-    if (go.isEmpty() || !QFileInfo::exists(packages + QStringLiteral("/src/github.com/igm/sockjs-go/v3"))) {
-        *error = QStringLiteral("sockjs-go: install the Debian packages golang-go and "
-                                "golang-github-igm-sockjs-go-dev");
-        return false;
-    }
+    if (go.isEmpty() || !QFileInfo::exists(packages + QStringLiteral("/src/github.com/igm/sockjs-go/v3")))
+        return QStringLiteral("install the Debian packages golang-go and golang-github-igm-sockjs-go-dev");
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("GOPATH"), packages);
     environment.insert(QStringLiteral("GO111MODULE"), QStringLiteral("off"));
@@ -43,10 +44,9 @@ bool buildGo(const QString& source, const QString& target, QString* error)
     build.start(go, {QStringLiteral("build"), QStringLiteral("-o"), target, source});
     constexpr int limit = 100000; // ms; the first time, Go builds its own library too
     if (build.waitForFinished(limit) && build.exitStatus() == QProcess::NormalExit && build.exitCode() == 0)
-        return true;
-    *error = QStringLiteral("go build: ") + build.errorString() + QLatin1Char('\n') +
-             QString::fromUtf8(build.readAll());
-    return false;
+        return QString();
+    return QStringLiteral("go build: ") + build.errorString() + QLatin1Char('\n') +
+           QString::fromUtf8(build.readAll());
 }
 
 } // namespace
@@ -56,17 +56,15 @@ Peer::Program Peers::nodeBus(const QStringList& options)
     return node(sourceDir + QStringLiteral("/peers/bus.js"), options);
 }
 
-Peer::Program Peers::goBus(QString* error, const QStringList& options)
+Peer::Program Peers::goBus(const QStringList& options)
 {
     static const QTemporaryDir folder;
-    const QString built = folder.filePath(QStringLiteral("bus"));
     Peer::Program program;
-    if (!QFileInfo::exists(built) && !buildGo(sourceDir + QStringLiteral("/peers/bus.go"), built, error))
-        return program;
-    program.name = built;
-    program.package = QStringLiteral("golang-go");
+    program.name = folder.filePath(QStringLiteral("bus"));
+    if (!QFileInfo::exists(program.name))
+        program.missing = buildGo(sourceDir + QStringLiteral("/peers/bus.go"), program.name);
     program.arguments = QStringList{QStringLiteral("--port"), QStringLiteral("@PORT@")} + options;
-    program.saysPort = true;
+    program.ready = Peer::Program::SaysPort;
     return program;
 }
 
@@ -92,6 +90,13 @@ Peer::Program Peers::haproxy(const QList<quint16>& servers, const QMap<QString, 
     }
     program.values.insert(QStringLiteral("SERVERS"), lines.join(QLatin1Char('\n')));
     return program;
+}
+
+Peer::Program Peers::door(quint16 server)
+{
+    const QString onlyForwarded = QStringLiteral("bind %1:@PORT@\n"
+                                                 "tcp-request connection reject unless { src %1 }");
+    return haproxy({server}, {{QStringLiteral("FRONTEND"), onlyForwarded.arg(forwarded)}});
 }
 
 Peer::Program Peers::nginx(quint16 server, const QString& options)
