@@ -1,6 +1,7 @@
 #include "faults/support/WillingService.h"
 #include "support/ClientOperations.h"
 #include "support/FakeSockJSServer.h"
+#include "support/Rows.h"
 #include "support/WaitFor.h"
 
 #include <CalyxClient/Lzma>
@@ -23,24 +24,18 @@ private Q_SLOTS:
 
     void endDuringAnOperation_data()
     {
-        QTest::addColumn<QString>("transport");
-        QTest::addColumn<QString>("slot");
-        QTest::addColumn<QString>("end");
-        for (const char* transport : {"websocket", "xhr-streaming", "xhr-polling"}) {
-            for (const char* slot : {"connected", "sockJSMessage", "learnerJoin", "connectionClosed"}) {
-                for (const char* end : {"closed by the server", "cut", "close", "delete collab",
-                                        "delete client", "open", "quit"})
-                    QTest::addRow("%s, %s, %s", transport, slot, end)
-                        << QString(transport) << QString(slot) << QString(end);
-            }
-        }
+        combinations(
+            {{"websocket", "xhr-streaming", "xhr-polling"},
+             {"connected", "sockJSMessage", "learnerJoin", "connectionClosed"},
+             {"closed by the server", "cut", "close", "delete collab", "delete client", "open", "quit"}});
     }
 
     void endDuringAnOperation()
     {
-        QFETCH(QString, transport);
-        QFETCH(QString, slot);
-        QFETCH(QString, end);
+        QString transport;
+        QString slot;
+        QString end;
+        std::tie(transport, slot, end) = row<QString, QString, QString>();
         QRandomGenerator random(1);
         FakeSockJSServer bus;
         const WillingService service(bus.url(), &random, 0);
@@ -63,13 +58,6 @@ private Q_SLOTS:
     }
 
 private:
-    // What quit() leaves behind lasts until the application runs again.
-    static void forgetQuit()
-    {
-        QTimer::singleShot(0, qApp, &QCoreApplication::quit);
-        QCoreApplication::exec();
-    }
-
     bool openChannel(const QString& service, const QString& transport)
     {
         m_client = new PresenterClient(nullptr, service);

@@ -3,6 +3,7 @@
 #include "support/FakeSockJSServer.h"
 #include "support/Gzip.h"
 #include "support/LogRecorder.h"
+#include "support/LzmaBlocks.h"
 #include "support/ProcessResources.h"
 #include "support/Rows.h"
 #include "support/ScriptedHttpServer.h"
@@ -176,22 +177,89 @@ int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*
 }
 }
 
-Q_DECLARE_METATYPE(ScriptedHttpServer::Step)
-
 using Answer = FakeService::Answer;
-using Protocols = QList<SockJSConnector::PROTOCOL_TYPE>;
+using Script = ScriptedHttpServer::Script;
 
 namespace {
 
 constexpr int pastTheLimit = 10600; // ms, of a request
 constexpr int manyTimes = 1000;
 
-void addTransports(const std::function<void(const char*, Protocols)>& add)
+const QStringList transports = {"websocket", "xhr-streaming", "xhr-polling"};
+const QStringList digits = {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9"};
+
+struct Failure
 {
-    add("websocket", {SockJSConnector::WEBSOCKET});
-    add("xhr-streaming", {SockJSConnector::XHR_STREAMING});
-    add("xhr-polling", {SockJSConnector::XHR_POLLING});
+    Call call = Connect;
+    int error = 0;
+};
+
+const QMap<QString, Failure>& failures()
+{
+    static const QMap<QString, Failure> all = [] {
+        QMap<QString, Failure> named;
+        const auto add = [&named](const char* name, Call call, const QVector<int>& errors) {
+            for (const int error : errors)
+                named.insert(QStringLiteral("%1: %2").arg(name, strerror(error)), {call, error});
+        };
+        add("connect", Connect, {ECONNREFUSED, ENETUNREACH, EHOSTUNREACH, ETIMEDOUT, EACCES, EADDRNOTAVAIL});
+        add("socket", Socket, {EMFILE, ENFILE, ENOBUFS, ENOMEM, EACCES});
+        add("send", Send, {EPIPE, ECONNRESET, ENETDOWN});
+        add("thread", StartThread, {EAGAIN});
+        return named;
+    }();
+    return all;
 }
+
+QStringList failuresOf(const char* call)
+{
+    return QStringList(failures().keys()).filter(call);
+}
+
+const QMap<QString, Script>& brokenHandshakes()
+{
+    using Server = ScriptedHttpServer;
+    const QByteArray unknownRecord("\x63\x03\x03\x00\x02??", 7);
+    const QByteArray alert("\x15\x03\x03\x00\x02\x02\x28", 7);
+    const QByteArray half("\x16\x03\x03\x00\x7a\x02", 6);
+    static const QMap<QString, Script> all = {
+        {"ends at once", {Server::close()}},
+        {"reset at once", {Server::reset()}},
+        {"ends after the hello", {Server::hear(), Server::close()}},
+        {"reset after the hello", {Server::hear(), Server::reset()}},
+        {"garbage", {Server::hear(), Server::send(unknownRecord), Server::close()}},
+        {"refused", {Server::hear(), Server::send(alert), Server::close()}},
+        {"half an answer", {Server::hear(), Server::send(half), Server::close()}}};
+    return all;
+}
+
+/// A host at \a server, over \a transport.
+struct Channel
+{
+    explicit Channel(const QString& name) : transport(name) {}
+
+    bool isXHR() const { return transport != QLatin1String("websocket"); }
+    bool open(const QUrl& url)
+    {
+        return probe.open(url, SockJSConnector::GetProtocolsFromStrings({transport}));
+    }
+    bool openSession()
+    {
+        return probe.openSession(server.url(), SockJSConnector::GetProtocolsFromStrings({transport}));
+    }
+    void send(const char* text) { connector.sendMessage(QLatin1String(text), false); }
+    bool carries()
+    {
+        send("x");
+        return server.nextMessage() == QLatin1String("x");
+    }
+
+    QString transport;
+    FakeSockJSServer server;
+    SockJSConnector connector;
+    ConnectorProbe probe{&connector};
+    LogRecorder log;
+};
 
 bool logsIn(PresenterClient* client)
 {
@@ -224,23 +292,6 @@ static bool speaksOfAProtocol(const LogRecorder& log)
     return !log.debug().filter(QStringLiteral("Protocol \"\"")).isEmpty();
 }
 
-using Script = ScriptedHttpServer::Script;
-
-static QVector<QPair<const char*, Script>> brokenHandshakes()
-{
-    using Server = ScriptedHttpServer;
-    const QByteArray unknownRecord("\x63\x03\x03\x00\x02??", 7);
-    const QByteArray alert("\x15\x03\x03\x00\x02\x02\x28", 7);
-    const QByteArray half("\x16\x03\x03\x00\x7a\x02", 6);
-    return {{"ends at once", {Server::close()}},
-            {"reset at once", {Server::reset()}},
-            {"ends after the hello", {Server::hear(), Server::close()}},
-            {"reset after the hello", {Server::hear(), Server::reset()}},
-            {"garbage", {Server::hear(), Server::send(unknownRecord), Server::close()}},
-            {"refused", {Server::hear(), Server::send(alert), Server::close()}},
-            {"half an answer", {Server::hear(), Server::send(half), Server::close()}}};
-}
-
 using Step = std::function<bool()>;
 Q_DECLARE_METATYPE(Step)
 
@@ -258,123 +309,79 @@ private Q_SLOTS:
 
     void openFails_data()
     {
-        columns<Protocols, int, int>();
-        addTransports([](const char* name, const Protocols& protocols) {
-            for (const int error :
-                 {ECONNREFUSED, ENETUNREACH, EHOSTUNREACH, ETIMEDOUT, EACCES, EADDRNOTAVAIL})
-                QTest::addRow("%s, connect: %s", name, strerror(error))
-                    << protocols << int(FailingCalls::Connect) << error;
-            for (const int error : {EMFILE, ENFILE, ENOBUFS, ENOMEM, EACCES})
-                QTest::addRow("%s, socket: %s", name, strerror(error))
-                    << protocols << int(FailingCalls::Socket) << error;
-            if (!protocols.contains(SockJSConnector::WEBSOCKET))
-                QTest::addRow("%s, thread", name) << protocols << int(FailingCalls::StartThread) << EAGAIN;
-        });
+        combinations({transports, failuresOf("connect") + failuresOf("socket")});
+        for (const char* transport : {"xhr-streaming", "xhr-polling"})
+            QTest::addRow("%s, thread", transport) << QString(transport) << failuresOf("thread").first();
     }
 
     void openFails()
     {
-        const auto [protocols, call, error] = row<Protocols, int, int>();
-        FakeSockJSServer server;
-        SockJSConnector connector;
-        ConnectorProbe probe(&connector);
-        const LogRecorder log;
+        const auto [transport, name] = row<QString, QString>();
+        const Failure failure = failures().value(name);
+        Channel channel(transport);
         {
-            const Failing failing(FailingCalls::Call(call), error);
-            QVERIFY(probe.open(server.url(), protocols));
+            const Failing failing(failure.call, failure.error);
+            QVERIFY(channel.open(channel.server.url()));
             QVERIFY(failing.hits() > 0);
         }
-        QCOMPARE(probe.events(), QStringList());
-        const bool isXHR = !protocols.contains(SockJSConnector::WEBSOCKET);
-        QCOMPARE(log.debug(QStringLiteral("[SockJSXHRPolling] ")).size(), isXHR ? 1 : 0);
-        QCOMPARE(log.debug(QStringLiteral("[SockJSConnector] CONNECTED")).size(), 0);
-        QVERIFY(probe.openSession(server.url(), protocols));
-        connector.sendMessage(QStringLiteral("x"), false);
-        QCOMPARE(server.nextMessage(), QStringLiteral("x"));
+        QCOMPARE(channel.probe.events(), QStringList());
+        QCOMPARE(channel.log.debug(QStringLiteral("[SockJSXHRPolling] ")).size(), channel.isXHR() ? 1 : 0);
+        QCOMPARE(channel.log.debug(QStringLiteral("[SockJSConnector] CONNECTED")).size(), 0);
+        QVERIFY(channel.openSession());
+        QVERIFY(channel.carries());
     }
 
-    void sendFails_data()
-    {
-        columns<Protocols, int>();
-        addTransports([](const char* name, const Protocols& protocols) {
-            for (const int error : {EPIPE, ECONNRESET, ENETDOWN})
-                QTest::addRow("%s, %s", name, strerror(error)) << protocols << error;
-        });
-    }
+    void sendFails_data() { combinations({transports, failuresOf("send")}); }
 
     // A WebSocket ends with it; of an XHR transport the message is lost.
     void sendFails()
     {
-        const auto [protocols, error] = row<Protocols, int>();
-        FakeSockJSServer server;
-        SockJSConnector connector;
-        ConnectorProbe probe(&connector);
-        const LogRecorder log;
-        QVERIFY(probe.openSession(server.url(), protocols));
-        const bool isXHR = !protocols.contains(SockJSConnector::WEBSOCKET);
+        const auto [transport, name] = row<QString, QString>();
+        Channel channel(transport);
+        QVERIFY(channel.openSession());
         {
-            const Failing failing(FailingCalls::Send, error, server.port());
-            connector.sendMessage(QStringLiteral("lost"), false);
-            if (isXHR)
-                QTRY_COMPARE(failedPosts(log), 1);
+            const Failing failing(Send, failures().value(name).error, channel.server.port());
+            channel.send("lost");
+            if (channel.isXHR())
+                QTRY_COMPARE(failedPosts(channel.log), 1);
             else
-                QTRY_VERIFY(probe.hasClosed());
+                QTRY_VERIFY(channel.probe.hasClosed());
             QVERIFY(failing.hits() > 0);
         }
-        if (!isXHR)
-            QVERIFY(probe.openSession(server.url(), protocols));
-        connector.sendMessage(QStringLiteral("x"), false);
-        QCOMPARE(server.nextMessage(), QStringLiteral("x"));
-        QCOMPARE(probe.count(QStringLiteral("closed false")), isXHR ? 0 : 1);
+        QVERIFY(channel.isXHR() || channel.openSession());
+        QVERIFY(channel.carries());
+        QCOMPARE(channel.probe.count(QStringLiteral("closed false")), channel.isXHR() ? 0 : 1);
     }
 
-    void handshakeFails_data()
-    {
-        columns<Protocols, Script>();
-        addTransports([](const char* name, const Protocols& protocols) {
-            for (const auto& broken : brokenHandshakes())
-                QTest::addRow("%s, %s", name, broken.first) << protocols << broken.second;
-        });
-    }
+    void handshakeFails_data() { combinations({transports, QStringList(brokenHandshakes().keys())}); }
 
     void handshakeFails()
     {
-        const auto [protocols, script] = row<Protocols, Script>();
+        const auto [transport, handshake] = row<QString, QString>();
         ScriptedHttpServer broken;
         // Qt makes a connection again that is reset before it has looked at it, as often as it takes.
         for (int i = 0; i < manyTimes; ++i)
-            broken.onConnect(script);
-        FakeSockJSServer server;
-        SockJSConnector connector;
-        ConnectorProbe probe(&connector);
-        QVERIFY(probe.open(QUrl(QStringLiteral("https://127.0.0.1:%1").arg(broken.port())), protocols));
-        QCOMPARE(probe.events(), QStringList());
+            broken.onConnect(brokenHandshakes().value(handshake));
+        Channel channel(transport);
+        QVERIFY(channel.open(QUrl(QStringLiteral("https://127.0.0.1:%1").arg(broken.port()))));
+        QCOMPARE(channel.probe.events(), QStringList());
         QVERIFY(broken.connections() > 0);
-        QVERIFY(probe.openSession(server.url(), protocols));
+        QVERIFY(channel.openSession());
     }
 
-    void requestFails_data()
-    {
-        columns<int, int>();
-        for (const int error : {ECONNREFUSED, ENETUNREACH, EHOSTUNREACH, ETIMEDOUT, EACCES})
-            QTest::addRow("connect: %s", strerror(error)) << int(FailingCalls::Connect) << error;
-        for (const int error : {EMFILE, ENFILE, ENOBUFS, ENOMEM})
-            QTest::addRow("socket: %s", strerror(error)) << int(FailingCalls::Socket) << error;
-        for (const int error : {EPIPE, ECONNRESET, ENETDOWN})
-            QTest::addRow("send: %s", strerror(error)) << int(FailingCalls::Send) << error;
-        QTest::addRow("thread") << int(FailingCalls::StartThread) << EAGAIN;
-    }
+    void requestFails_data() { combinations({QStringList(failures().keys())}); }
 
     void requestFails()
     {
-        const auto [call, error] = row<int, int>();
+        const auto [name] = row<QString>();
+        const Failure failure = failures().value(name);
         FakeService service;
         PresenterClient client(nullptr, service.url());
         const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
         const LogRecorder log;
         {
-            const Failing failing(FailingCalls::Call(call), error, service.serverPort());
-            if (call == FailingCalls::StartThread)
+            const Failing failing(failure.call, failure.error, service.serverPort());
+            if (failure.call == StartThread)
                 hurry(&client);
             QVERIFY(!logsIn(&client));
             QVERIFY(failing.hits() > 0);
@@ -386,21 +393,16 @@ private Q_SLOTS:
         QVERIFY(logsIn(&client));
     }
 
-    void requestOverTlsFails_data()
-    {
-        columns<Script>();
-        for (const auto& broken : brokenHandshakes())
-            QTest::newRow(broken.first) << broken.second;
-    }
+    void requestOverTlsFails_data() { combinations({QStringList(brokenHandshakes().keys())}); }
 
     void requestOverTlsFails()
     {
-        const auto [script] = row<Script>();
+        const auto [handshake] = row<QString>();
         const TestCertificates::TrustedRoot trusted;
         ScriptedHttpServer server;
         // A connection that ends before its request is out is tried again.
         for (int i = 0; i < manyTimes; ++i)
-            server.onConnect(script);
+            server.onConnect(brokenHandshakes().value(handshake));
         PresenterClient client(nullptr, QStringLiteral("https://127.0.0.1:%1").arg(server.port()));
         const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
         const LogRecorder log;
@@ -414,24 +416,18 @@ private Q_SLOTS:
         QVERIFY(logsIn(&other));
     }
 
-    void noDescriptorsForTheBus_data()
-    {
-        columns<Protocols, int>();
-        addTransports([](const char* name, const Protocols& protocols) {
-            for (int left = 0; left < 10; ++left)
-                QTest::addRow("%s, %d left", name, left) << protocols << left;
-        });
-    }
+    void noDescriptorsForTheBus_data() { combinations({transports, digits}); }
 
     void noDescriptorsForTheBus()
     {
-        const auto [protocols, left] = row<Protocols, int>();
+        const auto [transport, left] = row<QString, QString>();
+        const auto protocols = SockJSConnector::GetProtocolsFromStrings({transport});
         SockJSConnector connector;
         ConnectorProbe probe(&connector);
         const LogRecorder log;
         {
             FakeSockJSServer server;
-            const ProcessResources::FewDescriptors few(left);
+            const ProcessResources::FewDescriptors few(left.toInt());
             // The server may have none either.
             connector.setOpenLimit(200);
             QVERIFY(probe.open(server.url(), protocols));
@@ -444,22 +440,17 @@ private Q_SLOTS:
         QVERIFY(probe.openSession(server.url(), protocols));
     }
 
-    void noDescriptorsForTheService_data()
-    {
-        columns<int>();
-        for (int left = 0; left < 10; ++left)
-            QTest::addRow("%d left", left) << left;
-    }
+    void noDescriptorsForTheService_data() { combinations({digits}); }
 
     void noDescriptorsForTheService()
     {
-        const auto [left] = row<int>();
+        const auto [left] = row<QString>();
         FakeService service;
         PresenterClient client(nullptr, service.url());
         const QSignalSpy processed(&client, SIGNAL(requestProcessed()));
         const LogRecorder log;
         {
-            const ProcessResources::FewDescriptors few(left);
+            const ProcessResources::FewDescriptors few(left.toInt());
             service.expect("/tavisto/login/submit", welcome());
             QObject context;
             hurry(&context);
@@ -476,38 +467,34 @@ private Q_SLOTS:
 
     void noMemory_data()
     {
-        columns<Step>();
         const QString text = QStringLiteral("Zoë asks: ").repeated(20000);
         QString base64;
         QString list;
         QVERIFY(Lzma::compress64(text, &base64) && Lzma::compress(text, &list));
         const QByteArray block = QByteArray::fromBase64(base64.toLatin1());
-        QVariantList bytes;
-        for (const char byte : block)
-            bytes.append(int(quint8(byte)));
+        const QVariantList bytes = LzmaBlocks::numbers(block);
         const QByteArray utf8 = text.toUtf8();
         const QByteArray gzip = Gzip::gzip(utf8);
 
-        const auto add = [](const char* name, const Step& step) { QTest::newRow(name) << step; };
         using Codec = std::function<bool(QString*)>;
-        const auto addCodec = [add](const char* name, const Codec& codec, const QString& result) {
-            add(name, [codec, result] {
+        const auto codec = [](const Codec& code, const QString& result) {
+            return Step([code, result] {
                 QString out = QStringLiteral("before");
-                const bool ok = codec(&out);
+                const bool ok = code(&out);
                 return ok ? out == result : out != QLatin1String("before");
             });
         };
-        addCodec(
-            "compress64", [text](QString* out) { return Lzma::compress64(text, out); }, base64);
-        addCodec(
-            "compress", [text](QString* out) { return Lzma::compress(text, out); }, list);
-        addCodec(
-            "decompress64", [base64](QString* out) { return Lzma::decompress64(base64, out); }, text);
-        addCodec(
-            "decompress, text", [list](QString* out) { return Lzma::decompress(list, out); }, text);
-        addCodec(
-            "decompress, list", [bytes](QString* out) { return Lzma::decompress(bytes, out); }, text);
-        add("gUncompress", [utf8, gzip] { return gUncompress(gzip) == utf8; });
+        const auto compress64 = [text](QString* out) { return Lzma::compress64(text, out); };
+        const auto compress = [text](QString* out) { return Lzma::compress(text, out); };
+        const auto decompress64 = [base64](QString* out) { return Lzma::decompress64(base64, out); };
+        const auto decompressText = [list](QString* out) { return Lzma::decompress(list, out); };
+        const auto decompressList = [bytes](QString* out) { return Lzma::decompress(bytes, out); };
+        rows<Step>({{"compress64", codec(compress64, base64)},
+                    {"compress", codec(compress, list)},
+                    {"decompress64", codec(decompress64, text)},
+                    {"decompress, text", codec(decompressText, text)},
+                    {"decompress, list", codec(decompressList, text)},
+                    {"gUncompress", [utf8, gzip] { return gUncompress(gzip) == utf8; }}});
     }
 
     // Refuses the first request for memory, then the second and so on, until all are granted. A step that

@@ -54,7 +54,7 @@ private Q_SLOTS:
             m_server->setUpgrade(Server::CloseAfterUpgrade);
         m_action = action;
         m_acted = false;
-        (this->*moments().at(moment).reach)();
+        moments().at(moment).reach(*this);
         if (QTest::currentTestFailed())
             return;
         QTRY_VERIFY(m_acted);
@@ -79,8 +79,8 @@ private:
     struct Moment
     {
         const char* name;
-        void (TestHostActions::*reach)();
         Closed closed;
+        void (*reach)(TestHostActions& test);
         bool isWithinOpen = false;
     };
 
@@ -88,32 +88,33 @@ private:
     {
         using T = TestHostActions;
         static const QVector<Moment> all = {
-            {"before opening", &T::beforeOpening, Never},
-            {"while opening", &T::whileOpening<Server::Silent>, Never, true},
-            {"while being refused", &T::whileOpening<Server::Refuse403>, Never, true},
-            {"while being reset", &T::whileOpening<Server::ResetInstead>, Never, true},
-            {"in connected within open", &T::inConnectedWithinOpen, Follows, true},
-            {"before the open frame", &T::beforeTheOpenFrame, Follows},
-            {"in connected", &T::inConnected, Follows},
-            {"when open", &T::whenOpen, Follows},
-            {"in a message", &T::inMessage, Follows},
-            {"with half a frame received", &T::withHalfAFrame, Follows},
-            {"right after sending", &T::afterSending, Follows},
-            {"with an unanswered post", &T::withAnUnansweredPost, Follows},
-            {"when the connection is just lost", &T::afterTheConnectionIsLost, Ending},
-            {"when the server has just closed", &T::afterTheServersClose, Ending},
-            {"in closed by the server", &T::inClosedByTheServer, Told},
-            {"right after close", &T::afterClose, Pending},
-            {"in closed by us", &T::inClosed, Told},
-            {"when closed", &T::whenClosed, Told},
+            {"before opening", Never, [](T& t) { t.act(); }},
+            {"while opening", Never, [](T& t) { t.actWhileOpening(Server::Silent); }, true},
+            {"while being refused", Never, [](T& t) { t.actWhileOpening(Server::Refuse403); }, true},
+            {"while being reset", Never, [](T& t) { t.actWhileOpening(Server::ResetInstead); }, true},
+            {"in connected within open", Follows, [](T& t) { t.actInConnectedWithinOpen(); }, true},
+            {"before the open frame", Follows, [](T& t) { t.actBeforeTheOpenFrame(); }},
+            {"in connected", Follows, [](T& t) { t.actInConnected(); }},
+            {"when open", Follows, [](T& t) { t.actAfter([] {}); }},
+            {"in a message", Follows, [](T& t) { t.actInMessage(); }},
+            {"with half a frame received", Follows, [](T& t) { t.actWithHalfAFrame(); }},
+            {"right after sending", Follows,
+             [](T& t) { t.actAfter([&t] { t.send(QString(1024 * 1024, QLatin1Char('x'))); }); }},
+            {"with an unanswered post", Follows, [](T& t) { t.actWithAnUnansweredPost(); }},
+            {"when the connection is just lost", Ending,
+             [](T& t) { t.actAfter([&t] { t.m_server->dropConnections(); }); }},
+            {"when the server has just closed", Ending,
+             [](T& t) { t.actAfter([&t] { t.m_server->closeSession(); }); }},
+            {"in closed by the server", Told,
+             [](T& t) { t.actInClosed([&t] { t.m_server->closeSession(); }); }},
+            {"right after close", Pending, [](T& t) { t.actAfter([&t] { t.m_connector->close(); }); }},
+            {"in closed by us", Told, [](T& t) { t.actInClosed([&t] { t.m_connector->close(); }); }},
+            {"when closed", Told, [](T& t) { t.actWhenClosed(); }},
         };
         return all;
     }
 
-    void beforeOpening() { act(); }
-
-    template<Server::Upgrade upgrade>
-    void whileOpening()
+    void actWhileOpening(Server::Upgrade upgrade)
     {
         m_server->setUpgrades({upgrade, Server::Open});
         // Queued: from the event loop in which open() waits, not from inside the server.
@@ -123,7 +124,7 @@ private:
         disconnect(guard);
     }
 
-    void beforeTheOpenFrame()
+    void actBeforeTheOpenFrame()
     {
         m_server->setFirstFrames({});
         QVERIFY(open(QStringLiteral("/first")));
@@ -133,32 +134,26 @@ private:
         act();
     }
 
-    void inConnected()
+    void actInConnectedWithinOpen()
+    {
+        m_server->setUpgrades({Server::OpenInSamePacket, Server::Open});
+        actInConnected();
+    }
+
+    void actInConnected()
     {
         connect(m_connector, &SockJSConnector::connected, this, &TestHostActions::actOnce);
         QVERIFY(open(QStringLiteral("/first")));
     }
 
-    void inConnectedWithinOpen()
-    {
-        m_server->setUpgrades({Server::OpenInSamePacket, Server::Open});
-        inConnected();
-    }
-
-    void whenOpen()
-    {
-        QVERIFY(openFirst());
-        act();
-    }
-
-    void inMessage()
+    void actInMessage()
     {
         m_server->setFirstFrames({"o", "a[\"one\",\"two\"]", "a[\"three\"]"});
         connect(m_connector, &SockJSConnector::sockJSMessage, this, &TestHostActions::actOnce);
         QVERIFY(open(QStringLiteral("/first")));
     }
 
-    void withHalfAFrame()
+    void actWithHalfAFrame()
     {
         if (m_isWebSocket || m_falls)
             m_server->setUpgrades({Server::OpenInSamePacket, Server::Open});
@@ -168,64 +163,36 @@ private:
         act();
     }
 
-    void afterSending()
-    {
-        QVERIFY(openFirst());
-        m_connector->sendMessage(QString(1024 * 1024, QLatin1Char('x')), false);
-        act();
-    }
-
-    void withAnUnansweredPost()
+    void actWithAnUnansweredPost()
     {
         m_server->holdPosts();
         QVERIFY(openFirst());
-        m_connector->sendMessage(QStringLiteral("one"), false);
-        m_connector->sendMessage(QStringLiteral("two"), false);
+        send(QStringLiteral("one"));
+        send(QStringLiteral("two"));
         QTRY_VERIFY(!m_server->unreadFrames().isEmpty());
         act();
     }
 
-    void afterTheConnectionIsLost()
-    {
-        QVERIFY(openFirst());
-        m_server->dropConnections();
-        act();
-    }
-
-    void afterTheServersClose()
-    {
-        QVERIFY(openFirst());
-        m_server->closeSession();
-        act();
-    }
-
-    void inClosedByTheServer()
-    {
-        QVERIFY(openFirst());
-        connect(m_connector, &SockJSConnector::closed, this, &TestHostActions::actOnce);
-        m_server->closeSession();
-    }
-
-    void afterClose()
-    {
-        QVERIFY(openFirst());
-        m_connector->close();
-        act();
-    }
-
-    void inClosed()
-    {
-        QVERIFY(openFirst());
-        connect(m_connector, &SockJSConnector::closed, this, &TestHostActions::actOnce);
-        m_connector->close();
-    }
-
-    void whenClosed()
+    void actWhenClosed()
     {
         QVERIFY(openFirst());
         m_connector->close();
         QTRY_VERIFY(m_probe->hasClosed());
         act();
+    }
+
+    void actAfter(const std::function<void()>& event)
+    {
+        QVERIFY(openFirst());
+        event();
+        act();
+    }
+
+    void actInClosed(const std::function<void()>& cause)
+    {
+        QVERIFY(openFirst());
+        connect(m_connector, &SockJSConnector::closed, this, &TestHostActions::actOnce);
+        cause();
     }
 
     // By its end everything that was on its way before has happened.
@@ -237,6 +204,7 @@ private:
         return ConnectorProbe(&other).openSession(m_server->url(QStringLiteral("/other")), webSocket);
     }
 
+    void send(const QString& text) { m_connector->sendMessage(text, false); }
     bool open(const QString& path) { return m_probe->open(m_server->url(path), m_protocols); }
 
     bool openFirst()

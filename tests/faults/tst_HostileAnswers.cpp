@@ -1,17 +1,7 @@
-#include "faults/support/Bounds.h"
-#include "faults/support/FaultSession.h"
-#include "support/LogRecorder.h"
-#include "support/ProcessResources.h"
+#include "faults/support/FaultTest.h"
 #include "support/Rows.h"
-#include "support/WaitFor.h"
 
 #include <QFile>
-#include <QNetworkProxy>
-#include <QtTest>
-
-#include <algorithm>
-#include <memory>
-#include <vector>
 
 using HttpText::chunk;
 using HttpText::chunked;
@@ -175,31 +165,15 @@ private:
 
 } // namespace
 
-/// Servers that lie and flood, over whole sessions. All faults of a row happen at the same time, because each
-/// may cost some seconds.
-class TestHostileAnswers : public QObject
+/// Servers that lie and flood, over whole sessions.
+class TestHostileAnswers : public FaultTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
-        m_before = std::make_unique<ProcessResources::Snapshot>([] {
-            FaultSession session({"none", sent(plain(one)), gotOne}, false);
-            QVERIFY(session.open());
-            QVERIFY(waitFor([&] { return session.isThrough(); }));
-        });
-    }
-
-    void init() { m_log = std::make_unique<LogRecorder>(); }
-
-    void cleanup()
-    {
-        QCOMPARE(m_before->waitForSurplusToGo(), QString());
-        QCOMPARE(m_log->warnings(), QStringList());
-        m_log.reset();
-    }
+    void initTestCase() { begin(); }
+    void init() { setUp(); }
+    void cleanup() { tearDown(); }
 
     void sessionGoesOn_data()
     {
@@ -286,25 +260,10 @@ private:
 
     void run(const QVector<Fault>& faults, bool streaming)
     {
-        std::vector<std::unique_ptr<FaultSession>> sessions;
-        for (const Fault& fault : faults) {
-            sessions.push_back(std::make_unique<FaultSession>(fault, streaming));
-            QVERIFY2(sessions.back()->open(), qPrintable(fault.name));
-        }
-        for (const auto& session : sessions) {
-            const bool through = waitFor([&] { return session->isThrough(); }, Bounds::recovery);
-            QVERIFY2(through && session->verdict().isEmpty(), qPrintable(session->verdict()));
-            QVERIFY2(session->duration() <= Bounds::recovery, qPrintable(session->name()));
-        }
-        for (const auto& session : sessions) {
-            session->connector()->close();
-            QVERIFY2(waitFor([&] { return session->probe().hasClosed(); }), qPrintable(session->name()));
-            QCOMPARE(session->probe().count(QStringLiteral("closed false")), 1);
-        }
+        for (const Fault& fault : faults)
+            open(fault, streaming);
+        verifyThrough();
     }
-
-    std::unique_ptr<ProcessResources::Snapshot> m_before;
-    std::unique_ptr<LogRecorder> m_log;
 };
 
 QTEST_GUILESS_MAIN(TestHostileAnswers)

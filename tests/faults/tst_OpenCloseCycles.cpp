@@ -38,12 +38,8 @@ private Q_SLOTS:
 
     void cycles_data()
     {
-        columns<QString, QString>();
-        for (const char* transport : {"websocket", "xhr-streaming", "xhr-polling"}) {
-            for (const char* end : {"close", "closed by the server", "open", "delete"})
-                QTest::addRow("%s, %s", transport, end)
-                    << QString::fromLatin1(transport) << QString::fromLatin1(end);
-        }
+        combinations({{"websocket", "xhr-streaming", "xhr-polling"},
+                      {"close", "closed by the server", "open", "delete"}});
     }
 
     void cycles()

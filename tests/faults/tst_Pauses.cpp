@@ -1,17 +1,6 @@
-#include "faults/support/Bounds.h"
-#include "faults/support/FaultSession.h"
-#include "support/LogRecorder.h"
-#include "support/ProcessResources.h"
+#include "faults/support/FaultTest.h"
 #include "support/Recordings.h"
-#include "support/WaitFor.h"
 
-#include <QNetworkProxy>
-#include <QtTest>
-
-#include <memory>
-#include <vector>
-
-using Fault = FaultSession::Fault;
 using Server = ScriptedHttpServer;
 
 namespace {
@@ -93,73 +82,32 @@ QStringList completeIn(const Sample& sample, int size)
 } // namespace
 
 /// Answers that stop for a while, at every place and at the same time.
-class TestPauses : public QObject
+class TestPauses : public FaultTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
-        m_before = std::make_unique<ProcessResources::Snapshot>([] {
-            FaultSession session({QStringLiteral("none"), {Server::send(FaultSession::good(false, "h"))}},
-                                 false);
-            QVERIFY(session.open());
-            QVERIFY(waitFor([&] { return session.isThrough(); }));
-        });
-    }
-
-    void init() { m_log = std::make_unique<LogRecorder>(); }
-
-    void cleanup()
-    {
-        m_sessions.clear();
-        QCOMPARE(m_before->waitForSurplusToGo(), QString());
-        QCOMPARE(m_log->warnings(), QStringList());
-        m_log.reset();
-    }
+    void initTestCase() { begin(); }
+    void init() { setUp(); }
+    void cleanup() { tearDown(); }
 
     void shortPauseIsWaitedOut()
     {
-        for (const Sample& answer : samples()) {
-            for (const Place& place : placesIn(answer))
-                open(answer.name + place.name, answer.streaming,
-                     {Server::send(answer.bytes.left(place.at)), Server::pause(below),
-                      Server::send(answer.bytes.mid(place.at))},
-                     answer.messages);
-        }
-        verifyThrough();
-        QCOMPARE(m_log->debug(stallLine), QStringList());
+        openAll(Server::pause(below), {true, false});
+        verifyNoStall();
     }
 
     void longPauseBetweenPiecesIsWaitedOut()
     {
-        for (const Sample& answer : samples()) {
-            for (const Place& place : placesIn(answer)) {
-                if (!place.isInPiece)
-                    open(answer.name + place.name, answer.streaming,
-                         {Server::send(answer.bytes.left(place.at)), Server::pause(beyond),
-                          Server::send(answer.bytes.mid(place.at))},
-                         answer.messages);
-            }
-        }
-        verifyThrough();
-        QCOMPARE(m_log->debug(stallLine), QStringList());
+        openAll(Server::pause(beyond), {false});
+        verifyNoStall();
     }
 
     // The rest comes once the worker has given the beginning up. The texts hold an "HTTP/1.1", which must not
     // pass for a new answer.
     void longPauseInAPieceLosesTheAnswer()
     {
-        for (const Sample& answer : samples()) {
-            for (const Place& place : placesIn(answer)) {
-                if (place.isInPiece)
-                    open(answer.name + place.name, answer.streaming,
-                         {Server::send(answer.bytes.left(place.at)), Server::hold(),
-                          Server::send(answer.bytes.mid(place.at))},
-                         completeIn(answer, place.at));
-            }
-        }
+        openAll(Server::hold(), {true});
         QTRY_COMPARE_WITH_TIMEOUT(m_log->debug(stallLine).size(), static_cast<int>(m_sessions.size()),
                                   Bounds::recovery);
         for (const auto& session : m_sessions)
@@ -176,33 +124,34 @@ private Q_SLOTS:
             const int size = answer.bytes.size() / pieces + 1;
             for (int at = 0; at < answer.bytes.size(); at += size)
                 script << Server::send(answer.bytes.mid(at, size)) << Server::pause(below);
-            open(answer.name, answer.streaming, script, answer.messages);
+            open({answer.name, script, answer.messages}, answer.streaming);
         }
-        verifyThrough(pieces * below + Bounds::recovery);
-        QCOMPARE(m_log->debug(stallLine), QStringList());
+        verifyNoStall(pieces * below + Bounds::recovery);
     }
 
 private:
-    using Sessions = std::vector<std::unique_ptr<FaultSession>>;
-
-    void open(const QString& name, bool streaming, const Server::Script& script, const QStringList& messages)
+    // Each sample has \p stop at each place that is in a piece, or between pieces. What is held in a piece is
+    // lost.
+    void openAll(const Server::Step& stop, const QList<bool>& inPiece)
     {
-        m_sessions.push_back(std::make_unique<FaultSession>(Fault{name, script, messages}, streaming));
-        QVERIFY2(m_sessions.back()->open(), qPrintable(name));
-    }
-
-    void verifyThrough(int limit = Bounds::recovery)
-    {
-        for (const auto& session : m_sessions) {
-            const bool through = waitFor([&] { return session->isThrough(); }, limit);
-            QVERIFY2(through && session->verdict().isEmpty(), qPrintable(session->verdict()));
-            QVERIFY2(session->duration() <= limit, qPrintable(session->name()));
+        for (const Sample& answer : samples()) {
+            for (const Place& place : placesIn(answer)) {
+                const Server::Script script{Server::send(answer.bytes.left(place.at)), stop,
+                                            Server::send(answer.bytes.mid(place.at))};
+                const bool isLost = stop.kind == Server::Step::Hold;
+                if (inPiece.contains(place.isInPiece))
+                    open({answer.name + place.name, script,
+                          isLost ? completeIn(answer, place.at) : answer.messages},
+                         answer.streaming);
+            }
         }
     }
 
-    std::unique_ptr<ProcessResources::Snapshot> m_before;
-    std::unique_ptr<LogRecorder> m_log;
-    Sessions m_sessions;
+    void verifyNoStall(int limit = Bounds::recovery)
+    {
+        verifyThrough(limit);
+        QCOMPARE(m_log->debug(stallLine), QStringList());
+    }
 };
 
 QTEST_GUILESS_MAIN(TestPauses)

@@ -21,14 +21,10 @@ class TestProcessExit : public QObject
 private Q_SLOTS:
     void exits_data()
     {
-        columns<QString, QString>();
-        for (const char* transport : {"websocket", "xhr-streaming", "xhr-polling"}) {
-            for (const char* way : {"deleted before the application", "child of the application",
-                                    "deleted after the application", "deleted by exit", "never deleted",
-                                    "exit", "on a thread, deleted at once", "on a thread, deleted later"})
-                QTest::addRow("%s, %s", transport, way)
-                    << QString::fromLatin1(transport) << QString::fromLatin1(way);
-        }
+        combinations({{"websocket", "xhr-streaming", "xhr-polling"},
+                      {"deleted before the application", "child of the application",
+                       "deleted after the application", "deleted by exit", "never deleted", "exit",
+                       "on a thread, deleted at once", "on a thread, deleted later"}});
     }
 
     // A process for each state, all at a time.

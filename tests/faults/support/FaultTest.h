@@ -1,9 +1,18 @@
 #pragma once
 
+#include "faults/support/Bounds.h"
 #include "support/ConnectorProbe.h"
+#include "support/LogRecorder.h"
+#include "support/ProcessResources.h"
 #include "support/ScriptedHttpServer.h"
 
 #include <CalyxClient/SockJSConnector>
+
+#include <QNetworkProxy>
+#include <QTest>
+
+#include <memory>
+#include <vector>
 
 /// A session over an XHR transport to whose second receive request a server does something wrong; the first
 /// one opens the session, and the third one brings the message "after".
@@ -53,9 +62,13 @@ public:
     }
 
     QString name() const { return m_fault.name; }
-    SockJSConnector* connector() { return &m_connector; }
     ScriptedHttpServer* server() { return &m_server; }
-    const ConnectorProbe& probe() const { return m_probe; }
+    /// Whether the end of the channel, which is closed now or has ended already, is told once.
+    bool closesOnce()
+    {
+        m_connector.close();
+        return waitFor([this] { return m_probe.hasClosed(); }) && m_probe.count("closed false") == 1;
+    }
 
     /// A good answer with this frame.
     static QByteArray good(bool streaming, const QByteArray& frame)
@@ -86,4 +99,50 @@ private:
     ScriptedHttpServer m_server;
     SockJSConnector m_connector;
     ConnectorProbe m_probe;
+};
+
+/// Base of the tests in which sessions have a fault each, all at the same time, because each may cost some
+/// seconds.
+class FaultTest : public QObject
+{
+protected:
+    void begin()
+    {
+        QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
+        m_before = std::make_unique<ProcessResources::Snapshot>([] {
+            FaultSession session({"none", {HttpScript::send(FaultSession::good(false, "h"))}}, false);
+            QVERIFY(session.open());
+            QVERIFY(waitFor([&] { return session.isThrough(); }));
+        });
+    }
+    void setUp() { m_log = std::make_unique<LogRecorder>(); }
+    void tearDown()
+    {
+        m_sessions.clear();
+        QCOMPARE(m_before->waitForSurplusToGo(), QString());
+        QCOMPARE(m_log->warnings(), QStringList());
+        m_log.reset();
+    }
+
+    void open(const FaultSession::Fault& fault, bool streaming)
+    {
+        m_sessions.push_back(std::make_unique<FaultSession>(fault, streaming));
+        QVERIFY2(m_sessions.back()->open(), qPrintable(fault.name));
+    }
+    void verifyThrough(int limit = Bounds::recovery)
+    {
+        for (const auto& session : m_sessions) {
+            const bool through = waitFor([&] { return session->isThrough(); }, limit);
+            QVERIFY2(through && session->verdict().isEmpty(), qPrintable(session->verdict()));
+            QVERIFY2(session->duration() <= limit, qPrintable(session->name()));
+        }
+        for (const auto& session : m_sessions)
+            QVERIFY2(session->closesOnce(), qPrintable(session->name()));
+    }
+
+    std::vector<std::unique_ptr<FaultSession>> m_sessions;
+    std::unique_ptr<LogRecorder> m_log;
+
+private:
+    std::unique_ptr<ProcessResources::Snapshot> m_before;
 };
