@@ -210,7 +210,6 @@ private Q_SLOTS:
             row(type, R"({"type":")" + QByteArray(type) + R"("})",
                 R"(unhandled {"type":")" + QByteArray(type) + R"("} invalid)");
     }
-
     void framesBecomeSignals()
     {
         const auto [frame, heard] = row<QString, QString>();
@@ -256,7 +255,6 @@ private Q_SLOTS:
         QTest::newRow("nested too deep") << QString(5000, '[') + QString(5000, ']');
         QTest::newRow("zero behind the frame") << R"({"body":{"type":"pause"}})" + QString(1, QChar(0)) + 'x';
     }
-
     void framesThatSayNothingAreDropped()
     {
         const auto [frame] = row<QString>();
@@ -305,7 +303,6 @@ private Q_SLOTS:
              lines({{type, "questionGet"}, payload, {"Learner ", "d-9", " requesting question ", "31"}})},
         });
     }
-
     void logOfAFrame()
     {
         const auto [frame, lines] = row<QString, QList<QStringList>>();
@@ -346,7 +343,6 @@ private Q_SLOTS:
             {"none", QString(), QStringList()},
         });
     }
-
     void registerActionWhenCalledDirectly()
     {
         const auto [kind, heard] = row<QString, QStringList>();
@@ -400,7 +396,6 @@ private Q_SLOTS:
             {"blob is null", "null", ""},
         });
     }
-
     void answerOfAPollResponse()
     {
         const auto [blob, answer] = row<QString, QString>();
@@ -437,7 +432,6 @@ private Q_SLOTS:
              R"("studentAssessmentToken":"token","questionSetMode":"Assessment","answer":"x")", "x"},
         });
     }
-
     void answerOfAQuestionResponse()
     {
         const auto [members, answer] = row<QString, QString>();
@@ -467,7 +461,6 @@ private Q_SLOTS:
             {"object", "{\"ms\":2500}", 0, 0},
         });
     }
-
     void responseTime()
     {
         const auto [time, ofPoll, ofQuestion] = row<QString, int, int>();
@@ -512,7 +505,6 @@ private Q_SLOTS:
             {"empty map", QVariant(QVariantMap())},
         });
     }
-
     void dataOfAnotherKindGivesEmptyValues()
     {
         const auto [data] = row<QVariant>();
@@ -535,7 +527,6 @@ private Q_SLOTS:
             {"absent", "{}", 0},
         });
     }
-
     void questionRequest()
     {
         const auto [data, number] = row<QString, int>();

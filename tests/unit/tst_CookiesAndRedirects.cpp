@@ -135,7 +135,6 @@ private Q_SLOTS:
         for (const int status : {200, 201, 300, 304, 305, 401, 503})
             QTest::addRow("%d", status) << status << false;
     }
-
     // Neither the password nor the request: both go to where the host has been told that they go.
     void redirectSendsNothingByItself()
     {
@@ -192,7 +191,6 @@ private Q_SLOTS:
         for (auto protocol = protocols.begin(); protocol != protocols.end(); ++protocol)
             QTest::newRow(qPrintable(protocol.value())) << int(protocol.key());
     }
-
     // An answer is an answer to these, whatever its status says.
     void busIsNotFollowedElsewhere()
     {
@@ -238,7 +236,6 @@ private Q_SLOTS:
             {"expired", "; Max-Age=0", false},
         });
     }
-
     void busKeepsItsCookiesToItself()
     {
         const auto [attributes, isSent] = row<QByteArray, bool>();
@@ -272,7 +269,6 @@ private Q_SLOTS:
             QTest::addRow("%s in the name", hex.constData()) << 'a' + text + 'b' << QByteArray("1");
         }
     }
-
     void controlCharactersAreRefused()
     {
         const auto [name, value] = row<QByteArray, QByteArray>();
@@ -295,7 +291,6 @@ private Q_SLOTS:
             {"its own address, a point before it", "a=1; Domain=.127.0.0.1", "a=1;"},
         });
     }
-
     void harmlessOnesAreKept()
     {
         const auto [header, expected] = row<QByteArray, QByteArray>();
@@ -341,7 +336,6 @@ private Q_SLOTS:
             QTest::addRow("%s, all", scheme) << scheme << QList<int>{1, 2, 4};
         }
     }
-
     void busGetsTlsOnly()
     {
         const auto [scheme, protocols] = row<QString, QList<int>>();

@@ -235,7 +235,6 @@ class tst_DataClasses : public QObject
 
 private Q_SLOTS:
     void propertiesInOrder_data() { classes(); }
-
     void propertiesInOrder()
     {
         const auto [make, properties] = row<Make, Properties>();
@@ -262,7 +261,6 @@ private Q_SLOTS:
     }
 
     void defaults_data() { classes(); }
-
     void defaults()
     {
         const auto [make, properties] = row<Make, Properties>();
@@ -287,7 +285,6 @@ private Q_SLOTS:
     }
 
     void settersStoreTheValueUnchanged_data() { classes(); }
-
     void settersStoreTheValueUnchanged()
     {
         const auto [make, properties] = row<Make, Properties>();
@@ -314,7 +311,6 @@ private Q_SLOTS:
     }
 
     void jsonKeysAreThePropertyNames_data() { classes(); }
-
     void jsonKeysAreThePropertyNames()
     {
         const auto [make, properties] = row<Make, Properties>();
@@ -333,7 +329,6 @@ private Q_SLOTS:
     }
 
     void objectsBelongToTheirParent_data() { classes(); }
-
     void objectsBelongToTheirParent()
     {
         const auto [make, properties] = row<Make, Properties>();

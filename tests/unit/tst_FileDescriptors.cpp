@@ -29,7 +29,6 @@ private Q_SLOTS:
             {"more", 5, true},
         });
     }
-
     void fewAreNotEnough()
     {
         const auto [left, expected] = row<int, bool>();

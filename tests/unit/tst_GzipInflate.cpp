@@ -38,7 +38,6 @@ private Q_SLOTS:
             << QByteArray::fromHex("1f8b0800000000000003ab562a2e4d4e4e2d2e56b22a292a4dad0500dff7f66610000000")
             << QByteArray(R"({"success":true})");
     }
-
     void inflates()
     {
         const auto [packed, data] = row<QByteArray, QByteArray>();
@@ -74,7 +73,6 @@ private Q_SLOTS:
             {"a whole page without trailer", packedPage.left(packedPage.size() - 8), page, 1024},
         });
     }
-
     void truncatedDataGivesWhatCameOutUntilThen()
     {
         const auto [packed, data, atLeast] = row<QByteArray, QByteArray, int>();
@@ -108,7 +106,6 @@ private Q_SLOTS:
             QTest::addRow("length of %d", size) << length;
         }
     }
-
     void corruptDataGivesNothing()
     {
         const auto [packed] = row<QByteArray>();

@@ -65,7 +65,6 @@ private Q_SLOTS:
                 << QChar(0) + injected("") << int(protocol.key());
         }
     }
-
     // A blank is escaped, and by a WebSocket's request whatever can be; else the library sends nothing at
     // all.
     void pathOfTheBus()
@@ -90,7 +89,6 @@ private Q_SLOTS:
     }
 
     void hostOfTheBus_data() { texts(); }
-
     void hostOfTheBus()
     {
         QFETCH(QString, text);
@@ -112,7 +110,6 @@ private Q_SLOTS:
     }
 
     void pathOfAnXHRRequest_data() { texts(); }
-
     void pathOfAnXHRRequest()
     {
         QFETCH(QString, text);
@@ -131,7 +128,6 @@ private Q_SLOTS:
     }
 
     void messageOfAnXHRTransport_data() { texts(); }
-
     void messageOfAnXHRTransport()
     {
         QFETCH(QString, text);
@@ -147,7 +143,6 @@ private Q_SLOTS:
     }
 
     void cookieOfTheBus_data() { cookies(); }
-
     void cookieOfTheBus()
     {
         QFETCH(QByteArray, cookie);
@@ -176,7 +171,6 @@ private Q_SLOTS:
             QTest::addRow("%s after the port", name) << host + ":%1" + text << false;
         }
     }
-
     void addressOfTheService()
     {
         auto [address, isSent] = row<QString, bool>();
@@ -190,7 +184,6 @@ private Q_SLOTS:
     }
 
     void textsOfALogin_data() { texts(); }
-
     // All of them are in the body, but for the provider.
     void textsOfALogin()
     {
@@ -212,7 +205,6 @@ private Q_SLOTS:
     }
 
     void cookieOfTheService_data() { cookies(); }
-
     void cookieOfTheService()
     {
         QFETCH(QByteArray, cookie);
@@ -238,7 +230,6 @@ private Q_SLOTS:
                 << QByteArray("http://127.0.0.1:%1/a") + text + "X-Injected: 1";
         }
     }
-
     void targetOfARedirect()
     {
         auto [location] = row<QByteArray>();

@@ -322,7 +322,6 @@ private Q_SLOTS:
     void initTestCase() { QLoggingCategory::setFilterRules("default.debug=false"); }
 
     void frames_data() { addCases(); }
-
     void frames()
     {
         const auto [text, isTaken] = row<QByteArray, bool>();
@@ -348,7 +347,6 @@ private Q_SLOTS:
     }
 
     void messages_data() { addCases(); }
-
     void messages()
     {
         const auto [text, isTaken] = row<QByteArray, bool>();
@@ -363,11 +361,9 @@ private Q_SLOTS:
     }
 
     void payloads_data() { addCases(); }
-
     void payloads();
 
     void replies_data() { addCases(); }
-
     void replies()
     {
         const auto [text, isTaken] = row<QByteArray, bool>();

@@ -122,7 +122,6 @@ private Q_SLOTS:
             {"4 GiB of dictionary, 2 GiB of output", withSize(dictionary, 0x7FFFFFFFU), true},
         });
     }
-
     void claimsTakeNoMemory()
     {
         const auto [block, passes] = row<QByteArray, bool>();
@@ -164,7 +163,6 @@ private Q_SLOTS:
             {"size says 2 GiB", withSize(inflated(ZEROS_256_MIB_AND_ONE), 0x7FFFFFFFU)},
         });
     }
-
     void moreThanTheLimitFails()
     {
         const auto [block] = row<QByteArray>();

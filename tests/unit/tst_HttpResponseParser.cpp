@@ -111,7 +111,6 @@ private Q_SLOTS:
         for (const Recordings::Answer& answer : Recordings::all())
             QTest::newRow(qPrintable(answer.name)) << answer.name;
     }
-
     // Each piece with its last byte, and not before.
     void recordedAnswersHoldWhatWasSent()
     {
@@ -225,7 +224,6 @@ private Q_SLOTS:
         row("a stream with neither", head("A: b\r\n") + "o\nh\na",
             {"header A: b", "frame o", "frame h", "last a"}, true, true);
     }
-
     // Whole, split into two and into three, byte by byte, and with the same answer right behind where its end
     // is known.
     void answersHoweverTheyCome()
@@ -379,7 +377,6 @@ private Q_SLOTS:
         QTest::newRow("length beyond 64 bits") << head("Content-Length: 99999999999999999999999\r\n") + "ab";
         QTest::newRow("length beyond the limit") << head("Content-Length: 268435457\r\n") + "ab";
     }
-
     void overruns()
     {
         const auto [bytes] = row<QByteArray>();

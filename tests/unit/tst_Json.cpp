@@ -101,7 +101,6 @@ private Q_SLOTS:
         for (ushort unit = 0; unit < 0x101; ++unit)
             QTest::addRow("character %d", unit) << QVariant(QStringLiteral("<") + QChar(unit) + QChar('>'));
     }
-
     void writesWhatQtWrites()
     {
         const auto [value] = row<QVariant>();
@@ -128,7 +127,6 @@ private Q_SLOTS:
             {"list of objects is null", QVariant::fromValue(QList<QObject*>{nullptr}), QVariant()},
         });
     }
-
     void convertsMapsAndListsOfOtherTypes()
     {
         const auto [value, plain] = row<QVariant, QVariant>();
@@ -165,7 +163,6 @@ private Q_SLOTS:
              R"({"a":3,"b":2,"c":7,"k":[6]})"},
         });
     }
-
     void lastOfSeveralMembersCounts()
     {
         const auto [text, expected] = row<QString, QByteArray>();
@@ -175,7 +172,6 @@ private Q_SLOTS:
     }
 
     void replacedMembersTakeNoMemory_data() { lastOfSeveralMembersCounts_data(); }
-
     void replacedMembersTakeNoMemory()
     {
         const QString text = std::get<0>(row<QString, QByteArray>());

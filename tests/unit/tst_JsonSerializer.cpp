@@ -426,7 +426,6 @@ private Q_SLOTS:
              QVariant::fromValue(QMap<QString, int>{{"a", 1}}), "{\n    \"a\": 1\n}\n"},
         });
     }
-
     void mapIsSerialisedAndCompressed()
     {
         const auto [data, json] = row<QVariant, QString>();

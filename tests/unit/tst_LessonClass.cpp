@@ -157,7 +157,6 @@ private Q_SLOTS:
              {"questionStart T", "pause T"}},
         });
     }
-
     void brings()
     {
         const auto [play, published] = row<Play, QStringList>();
@@ -271,7 +270,6 @@ private Q_SLOTS:
         for (const char* host : {"0.0.0.0", "127.0.0.1", "localhost"})
             QTest::newRow(host) << QString(host);
     }
-
     // At "all addresses" nobody but this machine finds it, and loopback's are its own.
     void learnersGetAnAddressOfTheirs()
     {
@@ -374,7 +372,6 @@ private Q_SLOTS:
             {"from nobody, to nothing that was asked", [](Class& at) { at.answer("D3", "?", "A"); }, 0, 2, 0},
         });
     }
-
     void counts()
     {
         const auto [play, answered, present, late] = row<Play, int, int, int>();
@@ -429,7 +426,6 @@ private Q_SLOTS:
             {"add", "addImageCard", Lesson::AddCard, true, none, at(1)},
         });
     }
-
     void obeysTheRemoteControl()
     {
         const auto [type, command, isObeyed, before, after] = row<QString, int, bool, Work, Work>();
@@ -504,7 +500,6 @@ private Q_SLOTS:
              }},
         });
     }
-
     void diesInEverySlot()
     {
         const auto [signal, play] = row<QByteArray, Play>();
@@ -600,7 +595,6 @@ private Q_SLOTS:
              }},
         });
     }
-
     void endsInSlots()
     {
         const auto [play] = row<Play>();
@@ -622,7 +616,6 @@ private Q_SLOTS:
                                                                                  lesson.ask(question);
                                                                              }}});
     }
-
     void uploadsAreCancelled()
     {
         const auto [show] = row<Work>();

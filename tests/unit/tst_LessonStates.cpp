@@ -62,7 +62,6 @@ private Q_SLOTS:
         });
         row("logged in", LessonError::NoError, submit(Logins::SUCCESS, 200));
     }
-
     void failedLogins()
     {
         const auto [script, kind] = row<Script, int>();
@@ -95,7 +94,6 @@ private Q_SLOTS:
                                 {"with one", "http://192.0.2.1:8090", "http://192.0.2.1:8090"},
                                 {"none", "", ""}});
     }
-
     void anAddressNeedsNoScheme()
     {
         const auto [address, server] = row<QString, QString>();
@@ -153,7 +151,6 @@ private Q_SLOTS:
             {"save", [](Lesson& lesson) { QVERIFY(!lesson.save(QStringLiteral("/nowhere/at all"))); }},
         });
     }
-
     void whatCannotBeIsRefused()
     {
         const auto [work] = row<Work>();
@@ -182,7 +179,6 @@ private Q_SLOTS:
                     {"another login", [](Lesson& lesson) { logIn(lesson); }},
                     {"cancel", [](Lesson& lesson) { lesson.cancel(); }}});
     }
-
     // What was asked for a session that is not opened ends with it.
     void whatIsNotWantedAnyMoreIsOver()
     {
@@ -223,7 +219,6 @@ private Q_SLOTS:
              QStringList()},
         });
     }
-
     void bringsBackWhatHasChanged()
     {
         const auto [meanwhile, published] = row<Work, QStringList>();
@@ -249,7 +244,6 @@ private Q_SLOTS:
             {"nothing has", false, {"questionStart T", "dialogShow T"}},
         });
     }
-
     // What was sent into a line that was dead already is sent again; what the bus has got is not.
     void bringsWhatMayBeLost()
     {
@@ -300,7 +294,6 @@ private Q_SLOTS:
              }},
         });
     }
-
     void waitsAreCancelled()
     {
         const auto [script] = row<Script>();
@@ -339,7 +332,6 @@ private Q_SLOTS:
                     << QString(transport) << isDeleted;
         }
     }
-
     // A proxy that does not answer keeps the connection from being made.
     void openingsEnd()
     {

@@ -90,23 +90,17 @@ const QString BEFORE = "before";
 // What each of the text operations makes of a block; "before" where it refuses and keeps its hands off.
 QStringList decodeText(QByteArray block)
 {
-    QString fromRaw = BEFORE;
-    QString fromList = BEFORE;
-    QString fromNumbers = BEFORE;
-    QString fromBase64 = BEFORE;
-    QStringList results;
+    QString texts[] = {BEFORE, BEFORE, BEFORE, BEFORE};
     auto* bytes = reinterpret_cast<unsigned char*>(block.data());
-    if (!Lzma::decompress(bytes, static_cast<size_t>(block.size()), &fromRaw))
-        results.append(fromRaw);
-    if (!Lzma::decompress(decimalList(block), &fromList))
-        results.append(fromList);
-    if (!Lzma::decompress(numbers(block), &fromNumbers))
-        results.append(fromNumbers);
-    if (!Lzma::decompress64(QString::fromLatin1(block.toBase64()), &fromBase64))
-        results.append(fromBase64);
-    if (results.isEmpty())
-        return {fromRaw, fromList, fromNumbers, fromBase64};
-    return results;
+    const bool isRead[] = {Lzma::decompress(bytes, static_cast<size_t>(block.size()), &texts[0]),
+                           Lzma::decompress(decimalList(block), &texts[1]),
+                           Lzma::decompress(numbers(block), &texts[2]),
+                           Lzma::decompress64(QString::fromLatin1(block.toBase64()), &texts[3])};
+    QStringList read;
+    QStringList refused;
+    for (int i = 0; i < 4; ++i)
+        (isRead[i] ? read : refused).append(texts[i]);
+    return refused.isEmpty() ? read : refused;
 }
 
 bool refusedByAll(const QByteArray& block)
@@ -254,7 +248,6 @@ private Q_SLOTS:
             {"noise, 1 Mi characters", QString::fromLatin1(pattern("noise", 1 << 20).toBase64())},
         });
     }
-
     void everyCarrierGivesTheTextBack()
     {
         const auto [text] = row<QString>();
@@ -274,7 +267,6 @@ private Q_SLOTS:
                 QTest::addRow("%d of %s", size, kind) << QString(kind) << size;
         }
     }
-
     void rawBytesComeBackWithANulBehindTheLast()
     {
         const auto [kind, size] = row<QString, int>();
@@ -346,7 +338,6 @@ private Q_SLOTS:
             {"mark of the byte order", "\xef\xbb\xbfz", "z"},
         });
     }
-
     void textOfBytes()
     {
         const auto [bytes, text] = row<QByteArray, QString>();
@@ -396,7 +387,6 @@ private Q_SLOTS:
             {"numbers above 255", "[349,256,65600,512,%1]"},
         });
     }
-
     void decimalListIsReadLeniently()
     {
         // %1: the tail of the block of "a", whose fourth byte is a zero.
@@ -421,7 +411,6 @@ private Q_SLOTS:
             {"truth is one or zero", QList<QVariant>{93, false, 64, QVariant()}},
         });
     }
-
     void listOfNumbersIsReadLeniently()
     {
         const auto [start] = row<QList<QVariant>>();
@@ -498,7 +487,6 @@ private Q_SLOTS:
             {"longer text", blockOf(letters)},
         });
     }
-
     void blockCutAnywhereFails()
     {
         const auto [block] = row<QByteArray>();
@@ -533,7 +521,6 @@ private Q_SLOTS:
             {"no marker, 2 GiB - 1", withSize(unmarked(), 0x7FFFFFFFU), false},
         });
     }
-
     void sizeFieldThatLies()
     {
         const auto [block, passes] = row<QByteArray, bool>();
@@ -564,7 +551,6 @@ private Q_SLOTS:
             {"longer text", blockOf(longer)},
         });
     }
-
     void anyFlippedBitIsReadOrRefused()
     {
         const auto [block] = row<QByteArray>();

@@ -105,7 +105,6 @@ private Q_SLOTS:
             {"nothing", "", INVALID},
         });
     }
-
     void singleText()
     {
         const auto [content, expected] = row<QString, QVariant>();
@@ -137,7 +136,6 @@ private Q_SLOTS:
             {"false", QVariant(false), "false"},
         });
     }
-
     void singleTextThatIsNotCompressedIsForwarded()
     {
         const auto [data, text] = row<QVariant, QString>();
@@ -202,7 +200,6 @@ private Q_SLOTS:
             {"texts of numbers behind the first", mixed, map},
         });
     }
-
     void listIsOneText()
     {
         const auto [list, expected] = row<QVariantList, QVariant>();

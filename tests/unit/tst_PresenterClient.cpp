@@ -61,7 +61,6 @@ private Q_SLOTS:
             {"nothing", "", ""},
         });
     }
-
     void baseAddressLosesOneTrailingSlash()
     {
         const auto [given, kept] = row<QString, QString>();
@@ -108,7 +107,6 @@ private Q_SLOTS:
             {"line ends kept", 200, "a\r\nb\n"},
         });
     }
-
     void success()
     {
         const auto [status, body] = row<int, QByteArray>();
@@ -129,7 +127,6 @@ private Q_SLOTS:
             {"answer cut short", Answer::cut(R"({"data":{}})"), "{\"dat", false},
         });
     }
-
     void errorsGoToTheFailureHandler()
     {
         const auto [answer, body, isHttp] = row<Answer, QString, bool>();
@@ -240,7 +237,6 @@ private Q_SLOTS:
         QTest::newRow("no map") << QVariant(QVariantList{"a.error"}) << QString();
         QTest::newRow("nothing") << QVariant() << QString();
     }
-
     void firstErrorKeyCounts()
     {
         const auto [reply, error] = row<QVariant, QString>();
@@ -330,7 +326,6 @@ private Q_SLOTS:
             {"name", u8"https://prüfling.info/", "https://xn--prfling-o2a.info"},
         });
     }
-
     void redirectChangesTheBaseAddress()
     {
         const auto [location, server] = row<QByteArray, QString>();
@@ -363,7 +358,6 @@ private Q_SLOTS:
             {"no scheme", "/elsewhere"},
         });
     }
-
     void otherRedirectsAreAnswersLikeAnyOther()
     {
         const auto [location] = row<QByteArray>();
@@ -420,7 +414,6 @@ private Q_SLOTS:
             {"wrong checksum", corrupt, false},
         });
     }
-
     void badGzipGivesAnEmptyBody()
     {
         const auto [bytes, warned] = row<QByteArray, bool>();
@@ -433,7 +426,6 @@ private Q_SLOTS:
     }
 
     void bodyEndsAtItsFirstNul_data() { rows<bool>({{"plain", false}, {"gzip", true}}); }
-
     void bodyEndsAtItsFirstNul()
     {
         const auto [gzip] = row<bool>();

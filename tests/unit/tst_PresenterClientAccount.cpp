@@ -89,7 +89,6 @@ private Q_SLOTS:
             c.doStopSession();
         });
     }
-
     void sendsItsRequest()
     {
         auto [call, values, path, body] = row<Call, QStringList, QByteArray, QByteArray>();
@@ -118,7 +117,6 @@ private Q_SLOTS:
             {"not ASCII", R"({"name":"Zoë %1"})", R"({"name":"Zoë %1","sourceSystem":"Lumora"})"},
         });
     }
-
     void completesTheRegistrationText()
     {
         auto [registration, body] = row<QString, QByteArray>();
@@ -138,7 +136,6 @@ private Q_SLOTS:
             {"registration", Login(registerWithOAuth), QByteArray(REGISTER)},
         });
     }
-
     // Neither the error nor the login of an earlier call outlives the start of the next.
     void loginStartsAnew()
     {
@@ -332,7 +329,6 @@ private Q_SLOTS:
         row("password, but the user id is gone",
             {password, [](PresenterClient& c, FakeService&) { c.userNameResponse("{}"); }}, "", "");
     }
-
     void reLoginChoosesTheCredentials()
     {
         auto [prepare, path, body] = row<Preparation, QByteArray, QByteArray>();

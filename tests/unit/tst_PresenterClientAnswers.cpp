@@ -137,7 +137,6 @@ private Q_SLOTS:
         uploads();
         checks();
     }
-
     void answer()
     {
         const auto [operation, body, status, outcome] = row<QByteArray, QByteArray, int, QString>();
@@ -162,7 +161,6 @@ private Q_SLOTS:
             {"check", "check", "{}", "false: no more reachable"},
         });
     }
-
     void failure()
     {
         const auto [operation, body, outcome] = row<QByteArray, QByteArray, QString>();

@@ -34,7 +34,6 @@ private Q_SLOTS:
             {"backslash", "a\\"},
         });
     }
-
     // Nothing is escaped: a user id with a quote in it makes the body no JSON at all.
     void asksTheServiceInFourSteps()
     {
@@ -116,7 +115,6 @@ private Q_SLOTS:
             {"service gone", Answer::gone()},
         });
     }
-
     void noAddressEndsTheChain()
     {
         const auto [answer] = row<Answer>();
@@ -160,7 +158,6 @@ private Q_SLOTS:
             {"http error", 500, QByteArray(Lesson::WEBSOCKET), earlier},
         });
     }
-
     void tenantNamesTheTransports()
     {
         const auto [status, body, protocols] = row<int, QByteArray, QStringList>();
@@ -355,7 +352,6 @@ private Q_SLOTS:
             {"answered without JSON", 200, "started"},
         });
     }
-
     // Both keep what they had before: null is nothing.
     void failedStartAndJoinAreGoneOnFrom()
     {

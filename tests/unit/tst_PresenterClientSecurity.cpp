@@ -99,7 +99,6 @@ private Q_SLOTS:
             {"wrong host as well", "elsewhere", true},
         });
     }
-
     void unknownRootIsReported()
     {
         const auto [certificate, withRoot] = row<QString, bool>();
@@ -124,7 +123,6 @@ private Q_SLOTS:
             QTest::addRow("%s, known to the system", certificate) << certificate << false;
         }
     }
-
     void knownRootIsNotCalledMissing()
     {
         const auto [certificate, isConfigured] = row<QString, bool>();
@@ -188,7 +186,6 @@ private Q_SLOTS:
             {"named, nameless", QStringList{"root", "nameless"}, QString()},
         });
     }
-
     void emptyPeerChainMatchesOnlyANamelessRoot()
     {
         const auto [roots, error] = row<QStringList, QString>();
@@ -221,7 +218,6 @@ private Q_SLOTS:
             {"both new", "other", "word", "other:word"},
         });
     }
-
     void emptyArgumentsKeepEarlierCredentials()
     {
         const auto [user, password, credentials] = row<QString, QString, QByteArray>();
@@ -255,7 +251,6 @@ private Q_SLOTS:
             {"both", "u", "p", "u", "p"},
         });
     }
-
     void authenticatorGetsOnlyWhatIsSet()
     {
         const auto [user, password, userGiven, passwordGiven] = row<QString, QString, QString, QString>();

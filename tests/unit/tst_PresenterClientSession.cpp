@@ -261,7 +261,6 @@ private Q_SLOTS:
             {"no name", QString(), "ABC"},
         });
     }
-
     void sendsTheBody()
     {
         const auto [fileName, data] = row<QString, QByteArray>();
@@ -294,7 +293,6 @@ private Q_SLOTS:
             {"quotes", "\"a\"", "\"b\"", false, head + "\"a\"" + type + "\"b\"\r\n------boundary\r\n\r\n"},
         });
     }
-
     void multipartValue()
     {
         const auto [name, value, last, text] = row<QString, QString, bool, QString>();

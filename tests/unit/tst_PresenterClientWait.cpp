@@ -145,7 +145,6 @@ private Q_SLOTS:
         for (const auto& operation : operations())
             QTest::newRow(operation.first) << operation.second;
     }
-
     void timeOutEndsTheOperation()
     {
         const auto [operation] = row<Operation>();
@@ -211,7 +210,6 @@ private Q_SLOTS:
             {"timed out", Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }), QStringList()},
         });
     }
-
     void earlierRequestOutlivesTheWait()
     {
         const auto [answer, own] = row<Answer, QStringList>();
@@ -287,7 +285,6 @@ private Q_SLOTS:
     {
         rows<bool>({{"own reply processed", true}, {"own limit reached", false}});
     }
-
     // The keep-alive gets no answer. It is not aborted before its own 10 seconds are over.
     void keepAliveDoesNotProlongTheOuterOperation()
     {
@@ -347,7 +344,6 @@ private Q_SLOTS:
             {"registration", Login(registerWithOAuth), QByteArray(REGISTER)},
         });
     }
-
     void keepsAliveEveryMinuteAfterALogin()
     {
         const auto [login, path] = row<Login, QByteArray>();
@@ -408,7 +404,6 @@ private Q_SLOTS:
              })},
         });
     }
-
     void keepsNothingAliveWithoutALogin()
     {
         const auto [prepare] = row<Preparation>();
@@ -435,7 +430,6 @@ private Q_SLOTS:
     }
 
     void logoutEndsTheKeepAlive_data() { rows<int>({{"logged out", 200}, {"logout failed", 500}}); }
-
     void logoutEndsTheKeepAlive()
     {
         const auto [status] = row<int>();
@@ -480,7 +474,6 @@ private Q_SLOTS:
             }
         }
     }
-
     // By a timer while the request waits for its answer, or by a slot of requestProcessed() when it has come.
     void clientDestroyed()
     {
@@ -519,7 +512,6 @@ private Q_SLOTS:
             << nothing
             << Hosts([](PresenterClient* client) { delete client->property("owner").value<QObject*>(); });
     }
-
     // While the destructor waits for the end of the session, the host's slots run.
     void destructionIsNotRepeated()
     {

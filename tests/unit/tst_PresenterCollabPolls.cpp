@@ -1,4 +1,6 @@
 #include "collab/CalyxCollabMessage.h"
+#include "collab/PresenterAssessment.h"
+#include "model/AssessmentOptions.h"
 #include "model/JsonSerializer.h"
 #include "model/QuestionMultiChoice.h"
 #include "model/QuestionText.h"
@@ -6,10 +8,13 @@
 #include "support/Rows.h"
 #include "support/SessionTest.h"
 
+#include <QSignalSpy>
 #include <QTest>
 #include <QUuid>
 
 #include <limits>
+#include <memory>
+#include <type_traits>
 
 using Calyx::OrdinalType::ORDINAL_TYPE;
 using Calyx::PollType::POLL_TYPE;
@@ -18,7 +23,7 @@ namespace {
 
 const auto noReference = QStringLiteral("[PresenterCollab] No image reference has been set!");
 
-// What stands in the brackets "<" and ">" is filled in.
+// Here and below, what stands in the brackets "<" and ">" is filled in.
 const char* const cardText =
     R"({"segment":{"id":"any"},"isTeacherCard":true,"autoSend":true,"notes":null,"tracks":[],"visible":true,)"
     R"("ordinal":1,"styles":{"backgroundColor":"","backgroundImage":""},"components":[{"ordinal":1397148149039,)"
@@ -30,7 +35,6 @@ QString card(const QString& url)
     return QString::fromLatin1(cardText).replace(QLatin1String("<url>"), url);
 }
 
-// What stands in the brackets "<" and ">" is filled in.
 const char* const documentText =
     R"({"type":"<type>","expressionQuestionId":1,"metadata":{"ordinalType":"<ordinal>","options":[<options>]},)"
     R"("id":"<id>","sessionToken":"<token>","sessionCode":"123456","lessonId":null,"startTime":1395358151638,)"
@@ -50,10 +54,17 @@ QString document(const QString& type, const QString& ordinal, const QString& opt
         .replace(QLatin1String("<image>"), image);
 }
 
+struct SendMessage
+{
+    template<typename... Arguments>
+    auto operator()(Arguments... arguments)
+        -> decltype(std::declval<PresenterAssessment>().sendMessage(arguments...));
+};
+
 } // namespace
 
 /// Polls that go out as questions or documents, the ids that answers come back under, the steering of a
-/// running poll; questions of the host, image cards, and what the remote control is told.
+/// running poll; questions of the host, image cards, and what the remote control is told; assessments.
 class TestPresenterCollabPolls : public SessionTest
 {
     Q_OBJECT
@@ -63,6 +74,12 @@ private Q_SLOTS:
     {
         m_session = std::make_unique<LiveSession>();
         QVERIFY(m_session->open());
+        m_assessment = std::make_unique<PresenterAssessment>(nullptr, collab());
+    }
+    void cleanup()
+    {
+        m_assessment.reset();
+        m_session.reset();
     }
 
     void publishesAQuestionStart_data()
@@ -126,7 +143,6 @@ private Q_SLOTS:
             {"both", "png", "http://h/p.png", QVariant("data:image/png;base64,cG5n")},
         });
     }
-
     void aQuestionCarriesTheCardImage()
     {
         const auto [bytes, reference, background] = row<QByteArray, QString, QVariant>();
@@ -176,7 +192,6 @@ private Q_SLOTS:
             {"both unknown", 15, 15, 0, "", "", ""},
         });
     }
-
     void publishesAPollDocument()
     {
         const auto [type, ordinal, count, typeName, ordinalName, options] =
@@ -198,7 +213,6 @@ private Q_SLOTS:
             {"placeholders", QByteArray(), "%1%5%6%7", "url('%1%5%6%7')"},
         });
     }
-
     void thePollDocumentCarriesTheCardImage()
     {
         const auto [bytes, reference, image] = row<QByteArray, QString, QString>();
@@ -215,7 +229,6 @@ private Q_SLOTS:
     }
 
     void eachPollHasAnIdOfItsOwn_data() { rows<int>({{"question", 2}, {"document", 6}}); }
-
     void eachPollHasAnIdOfItsOwn()
     {
         const auto [type] = row<int>();
@@ -386,7 +399,6 @@ private Q_SLOTS:
             {"plus and slash", QByteArray("\xfb\xff"), null, false, "data:image/png;base64,+/8=", 0},
         });
     }
-
     void cardImageReference()
     {
         const auto [bytes, reference, asCssUrl, expected, logged] =
@@ -423,7 +435,6 @@ private Q_SLOTS:
             {"placeholders", QByteArray(), "%0%1%2", "%0%1%2"},
         });
     }
-
     void showsAnImageCard()
     {
         const auto [bytes, reference, url] = row<QByteArray, QString, QString>();
@@ -451,7 +462,6 @@ private Q_SLOTS:
             {"bytes of 524290 characters", QByteArray(393199, 'x'), QString(), true, true},
         });
     }
-
     void largeImagesAreAnnounced()
     {
         const auto [bytes, reference, checkHeavy, announced] = row<QByteArray, QString, bool, bool>();
@@ -491,7 +501,6 @@ private Q_SLOTS:
             {"outside ASCII", "l2", "Übung", R"({"lessonId":"l2", "name":"Übung"})"},
         });
     }
-
     void currentLesson()
     {
         const auto [id, name, data] = row<QString, QString, QString>();
@@ -520,7 +529,6 @@ private Q_SLOTS:
             {"negative", -1, -2, R"({"currentCard":"-1", "cards": [], "totalCards":"-2"})"},
         });
     }
-
     void currentCard()
     {
         const auto [current, total, data] = row<int, int, QString>();
@@ -529,6 +537,230 @@ private Q_SLOTS:
 
         QCOMPARE(nextPublish("abc.controller", "currentCard").data, data);
     }
+
+    void tokenIsAUuidWithoutBraces()
+    {
+        const QString token = m_assessment->assessmentToken();
+        QCOMPARE(token, QUuid(token).toString(QUuid::WithoutBraces));
+        QVERIFY(!QUuid(token).isNull());
+        QVERIFY(PresenterAssessment(nullptr, collab()).assessmentToken() != token);
+    }
+
+    void addresses_data()
+    {
+        rows<QString, QString>({
+            {"the whole session", "", "abc"},
+            {"null", QString(), "abc"},
+            {"one learner", "d1", "abc.user.d1"},
+            {"a point in front", ".d1", "abc.user..d1"},
+            {"placeholder", "%1", "abc.user.%1"},
+        });
+    }
+    void addresses()
+    {
+        const auto [id, address] = row<QString, QString>();
+        Calyx::AssessmentOptions options;
+        options.settitle("Fractions %1");
+        options.setassessmentToken("another");
+        Calyx::QuestionMultiChoice question;
+        question.setquestionNumber(4);
+
+        QCOMPARE(m_assessment->start(id, &options), true);
+        auto publish = m_session->nextPublish();
+        QCOMPARE(publish.address, address);
+        QCOMPARE(publish.type, QStringLiteral("assessmentStart"));
+        QCOMPARE(publish.from, QStringLiteral("teacher-7"));
+        QCOMPARE(publish.data, Calyx::JsonSerializer::serializeToJson(&options));
+        QCOMPARE(publish.map().value("assessmentToken").toString(), m_assessment->assessmentToken());
+
+        QCOMPARE(m_assessment->sendQuestion(id, &question), true);
+        publish = m_session->nextPublish();
+        QCOMPARE(publish.address, address);
+        QCOMPARE(publish.type, QStringLiteral("questionStart"));
+        QCOMPARE(publish.data, Calyx::JsonSerializer::serializeToJson(&question));
+        QCOMPARE(publish.map().value("activityType").toMap().value("name").toString(),
+                 QStringLiteral("multiple"));
+        QCOMPARE(publish.map().value("questionSetMode").toString(), QStringLiteral("Assessment"));
+        QCOMPARE(question.questionSetMode(), QStringLiteral("Assessment"));
+        QCOMPARE(collab()->currentQuestionId(), question.id());
+
+        m_assessment->stop();
+        publish = m_session->nextPublish();
+        QCOMPARE(publish.address, QStringLiteral("abc"));
+        QCOMPARE(publish.type, QStringLiteral("assessmentStop"));
+        QCOMPARE(publish.map(), QVariantMap({{"assessmentToken", m_assessment->assessmentToken()}}));
+        QVERIFY(m_session->nothingWasSent());
+    }
+
+    void pauseAndResumeCarryTheCurrentPoll()
+    {
+        startedQuestion(Calyx::PollType::TEXT, Calyx::OrdinalType::GENERIC, 0);
+        const QString quoted = '"' + collab()->currentPollId() + '"';
+
+        m_assessment->pause();
+        QCOMPARE(nextPublish("abc", "pause").data, quoted);
+        m_assessment->resume();
+        QCOMPARE(nextPublish("abc", "resume").data, quoted);
+    }
+
+    void sendQuestionInfersTheScheme_data()
+    {
+        rows<QString, QString, int>({
+            {"A", "A", "alpha-upper", 0},
+            {"B keeps what it had", "B", "agreement", 2},
+            {"no options keep it too", "", "agreement", 2},
+        });
+    }
+    void sendQuestionInfersTheScheme()
+    {
+        const auto [first, scheme, indices] = row<QString, QString, int>();
+        Calyx::QuestionMultiChoice question;
+        question.setMetadata(Calyx::OrdinalType::AGREEMENT, 2);
+        if (!first.isEmpty())
+            question.addActivityOption(first, QString(), 1);
+
+        m_assessment->sendQuestion(QString(), &question);
+
+        const auto metadata = m_session->nextPublish().map().value("metadata").toMap();
+        QCOMPARE(metadata.value("ordinalType").toString(), scheme);
+        QCOMPARE(metadata.value("options").toList().size(), indices);
+    }
+
+    void sendMessage_data()
+    {
+        rows<QString, QString, bool, bool, QString, QString, QVariantMap>({
+            {"dialog to all", "", "Hi", true, false, "abc", "dialogShow",
+             QVariantMap{{"text", "Hi"}, {"isDismissible", true}}},
+            {"dialog that stays", "", "Hi", false, false, "abc", "dialogShow",
+             QVariantMap{{"text", "Hi"}, {"isDismissible", false}}},
+            {"dialog to one", "d2", "", true, false, "abc.user.d2", "dialogShow",
+             QVariantMap{{"text", ""}, {"isDismissible", true}}},
+            {"review to one", "d1", "Review", false, true, "abc.user.d1", "questionSetReview",
+             QVariantMap{{"text", "Review"}, {"showNavigation", true}}},
+            {"review to all", "", "Review", true, true, "abc", "questionSetReview",
+             QVariantMap{{"text", "Review"}, {"showNavigation", true}}},
+            {"text is escaped", "", "say \"hi\"\n%1", true, false, "abc", "dialogShow",
+             QVariantMap{{"text", "say \"hi\"\n%1"}, {"isDismissible", true}}},
+        });
+    }
+    void sendMessage()
+    {
+        const auto [id, text, isDismissible, review, address, type, data] =
+            row<QString, QString, bool, bool, QString, QString, QVariantMap>();
+
+        m_assessment->sendMessage(id, text, isDismissible, review);
+        if (id.isEmpty())
+            m_assessment->sendMessage(text, isDismissible, review);
+
+        for (int i = 0; i < (id.isEmpty() ? 2 : 1); ++i) {
+            const auto publish = m_session->nextPublish();
+            QCOMPARE(publish.address, address);
+            QCOMPARE(publish.type, type);
+            QCOMPARE(publish.data, Calyx::JsonSerializer::serializeToJson(data));
+        }
+    }
+
+    void sendMessageTakesNoLiteralForABool()
+    {
+        const auto canSend = [](auto... arguments) {
+            return std::is_invocable_v<SendMessage, decltype(arguments)...>;
+        };
+        QVERIFY(canSend("Hi", true, false));
+        QVERIFY(canSend("device-1", "Well done", true, false));
+        QVERIFY(!canSend("device-1", "Well done", true));
+        QVERIFY(!canSend("device-1", u8"Well done", true));
+    }
+
+    void relaysRequestsForQuestions()
+    {
+        PresenterAssessment two(nullptr, collab());
+        QSignalSpy requests(m_assessment.get(), SIGNAL(learnerGetQuestion(QString, int)));
+        QSignalSpy others(&two, SIGNAL(learnerGetQuestion(QString, int)));
+
+        m_session->receive("questionGet", "d1", {{"questionNumber", 3}});
+        m_session->receive("questionGet", "d2", {});
+        QVERIFY(m_session->syncInbound());
+
+        QCOMPARE(requests, QList<QVariantList>({{"d1", 3}, {"d2", 0}}));
+        QCOMPARE(others.size(), 2);
+    }
+
+    void operationsWithoutAChannel_data()
+    {
+        rows<bool>({{"disconnected", false}, {"the session has gone", true}});
+    }
+    void operationsWithoutAChannel()
+    {
+        const auto [isGone] = row<bool>();
+        cleanup();
+        m_session = std::make_unique<LiveSession>();
+        m_assessment = std::make_unique<PresenterAssessment>(nullptr, collab());
+        Calyx::AssessmentOptions options;
+        Calyx::QuestionMultiChoice question;
+        if (isGone)
+            m_session->deleteCollab();
+
+        QCOMPARE(m_assessment->start(QString(), &options), true);
+        QCOMPARE(m_assessment->sendQuestion("d1", &question), true);
+        m_assessment->stop();
+        m_assessment->sendMessage("Hi", true, false);
+        QCOMPARE(log().debug("TRANSMIT: ").size(), isGone ? 0 : 4);
+        QCOMPARE(dropped(), 0);
+        m_assessment->pause();
+        m_assessment->resume();
+        QCOMPARE(dropped(), isGone ? 0 : 2);
+        QCOMPARE(options.assessmentToken(), m_assessment->assessmentToken());
+        QVERIFY(isGone || (m_session->open() && m_session->nothingWasSent()));
+        QVERIFY(server().unreadFrames().isEmpty());
+    }
+
+    void hostActsInTheSlot_data()
+    {
+        columns<QString>();
+        for (const char* action : {"delete the assessment", "delete the session", "close the session"})
+            QTest::newRow(action) << action;
+    }
+    void hostActsInTheSlot()
+    {
+        const auto [action] = row<QString>();
+        int calls = 0;
+        QObject host;
+        connect(m_assessment.get(), &PresenterAssessment::learnerGetQuestion, &host, [&, action = action] {
+            ++calls;
+            if (action == QLatin1String("delete the assessment"))
+                m_assessment.reset();
+            else if (action == QLatin1String("delete the session"))
+                m_session->deleteCollab();
+            else
+                collab()->close();
+        });
+
+        m_session->receive("questionGet", "d1", {{"questionNumber", 1}});
+        QTRY_COMPARE(calls, 1);
+
+        if (m_assessment) {
+            QTRY_COMPARE(server().openConnections(), 0);
+        } else {
+            m_session->receive("questionGet", "d1", {{"questionNumber", 2}});
+            QVERIFY(m_session->syncInbound());
+            QCOMPARE(calls, 1);
+        }
+    }
+
+    void messagesAreFreed()
+    {
+        Calyx::AssessmentOptions options;
+
+        m_assessment->start(QString(), &options);
+        m_assessment->stop();
+        m_assessment->sendMessage("Hi", true, false);
+
+        QTRY_VERIFY(m_assessment->children().isEmpty());
+        QVERIFY(collab()->findChildren<Calyx::CalyxCollabMessage*>().isEmpty());
+    }
+
+private:
+    std::unique_ptr<PresenterAssessment> m_assessment;
 };
 
 QTEST_GUILESS_MAIN(TestPresenterCollabPolls)

@@ -156,7 +156,6 @@ private Q_SLOTS:
              "p.test:3128"},
         });
     }
-
     void environmentNamesTheProxy()
     {
         const auto [value, proxy, text] = row<QByteArray, QString, QString>();
@@ -177,7 +176,6 @@ private Q_SLOTS:
         // The ends of the names of public sites.
         QTest::newRow("public hosts") << QByteArray(".com,.org,.net,.edu,.int,.info") << "";
     }
-
     void noProxyNamesTheHostsWithout()
     {
         const auto [hosts, text] = row<QByteArray, QString>();
@@ -231,7 +229,6 @@ private Q_SLOTS:
             {"some hosts without", "http://127.0.0.1:3128", "inside.test,127.0.0.1"},
         });
     }
-
     void factoryAnswersAsTheApplicationWould()
     {
         const auto [value, noProxy] = row<QByteArray, QByteArray>();
@@ -255,7 +252,6 @@ private Q_SLOTS:
             {"one that asks the class", false},
         });
     }
-
     void factoryOfTheApplicationMayAskAgain()
     {
         const auto [isOurs] = row<bool>();
@@ -276,7 +272,6 @@ private Q_SLOTS:
     }
 
     void proxiesOfTheApplicationGoFirst_data() { rows<bool>({{"proxy", false}, {"factory", true}}); }
-
     void proxiesOfTheApplicationGoFirst()
     {
         const auto [isFactory] = row<bool>();

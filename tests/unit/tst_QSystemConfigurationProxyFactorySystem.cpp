@@ -81,7 +81,6 @@ private Q_SLOTS:
         QTest::newRow("host with port 0") << QList<QNetworkProxy>{portless} << "";
         QTest::newRow("host with port 0 before one") << QList<QNetworkProxy>{portless, http} << "";
     }
-
     void onlyTheFirstEntryCounts()
     {
         const auto [answer, text] = row<QList<QNetworkProxy>, QString>();

@@ -76,7 +76,6 @@ private Q_SLOTS:
         row("right is no number", Question::usual(PollType::NUMBER), {"many"}, true);
         row("right is nothing", Question::usual(PollType::TEXT), {" "}, true);
     }
-
     void faults()
     {
         const auto [question, isFaulty] = row<Question, bool>();
@@ -104,7 +103,6 @@ private Q_SLOTS:
         row(PollType::MATH_FORMULA, "x", "X", false);
         row(PollType::TRUE_FALSE, "TRUE", "A", true);
     }
-
     void equalAnswersHaveEqualForms()
     {
         auto [question, one, other, areEqual] = row<Question, QString, QString, bool>();

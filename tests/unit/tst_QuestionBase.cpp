@@ -145,7 +145,6 @@ private Q_SLOTS:
     }
 
     void typeIsTheNameOfThePollTypeAndStays_data() { kinds(); }
-
     void typeIsTheNameOfThePollTypeAndStays()
     {
         const auto [make, type, hasOptions, prior] = row<Make, QString, bool, int>();
@@ -169,7 +168,6 @@ private Q_SLOTS:
     }
 
     void schemeIsInferredWhereTheKindHasOptions_data() { kinds(); }
-
     // The operation of the base finds the scheme of those that have one, and does no harm to the others.
     void schemeIsInferredWhereTheKindHasOptions()
     {
@@ -187,7 +185,6 @@ private Q_SLOTS:
     }
 
     void priorAnswer_data() { kinds(); }
-
     void priorAnswer()
     {
         const auto [make, type, hasOptions, prior] = row<Make, QString, bool, int>();
@@ -332,7 +329,6 @@ private Q_SLOTS:
             {"-3", -3, QVariantList()},
         });
     }
-
     void setMetadataListsTheIndices()
     {
         const auto [count, indices] = row<int, QVariantList>();
@@ -382,7 +378,6 @@ private Q_SLOTS:
         for (const char* other : {"B", "b", "2", "00", "01", "AA", "aa", " A", "A ", "", "?"})
             QTest::addRow("other: '%s'", other) << QStringList{other, "A"} << QString();
     }
-
     void inferOrdinalTypeReadsTheFirstId()
     {
         const auto [ids, scheme] = row<QStringList, QString>();
@@ -409,7 +404,6 @@ private Q_SLOTS:
             {"9", PollType::MATH_FORMULA, 9, "math formula", "9f31dd1a55374c49a3127b8f94a1f1a6"},
         });
     }
-
     void nameAndIdOfEachType()
     {
         const auto [type, value, name, id] = row<int, int, QString, QString>();
@@ -434,7 +428,6 @@ private Q_SLOTS:
             {"10", OrdinalType::GENERIC, 10, "generic", "0 1 2 3", "   "},
         });
     }
-
     void optionsOfEachScheme()
     {
         const auto [scheme, value, name, ids, texts] = row<int, int, QString, QString, QString>();

@@ -75,7 +75,6 @@ private Q_SLOTS:
     }
 
     void carriesBytesBothWaysAndCanBeMadeAgain_data() { ways(); }
-
     void carriesBytesBothWaysAndCanBeMadeAgain()
     {
         const auto [secure, waiting] = row<bool, bool>();
@@ -114,7 +113,6 @@ private Q_SLOTS:
     }
 
     void refusedOneCanBeMadeAgain_data() { ways(); }
-
     void refusedOneCanBeMadeAgain()
     {
         const auto [secure, waiting] = row<bool, bool>();
@@ -139,7 +137,6 @@ private Q_SLOTS:
             QTest::addRow("%s, within the event loop", certificate) << QByteArray(certificate) << true;
         }
     }
-
     void refusesCertificatesOfOthers()
     {
         const auto [certificate, waiting] = row<QByteArray, bool>();
@@ -152,7 +149,6 @@ private Q_SLOTS:
     }
 
     void handshakeHasItsTime_data() { waits(); }
-
     void handshakeHasItsTime()
     {
         const auto [waiting] = row<bool>();
@@ -163,7 +159,6 @@ private Q_SLOTS:
     }
 
     void goesThroughTheProxyOfItsSocket_data() { waits(); }
-
     // The far end of its CONNECT is in no network: only the proxy can know it.
     void goesThroughTheProxyOfItsSocket()
     {
@@ -272,7 +267,6 @@ private Q_SLOTS:
     }
 
     void closedByTheFarEndIsNotClosed_data() { rows<bool>({{"farewell", false}, {"reset", true}}); }
-
     void closedByTheFarEndIsNotClosed()
     {
         const auto [reset] = row<bool>();

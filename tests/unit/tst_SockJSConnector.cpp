@@ -75,7 +75,6 @@ private Q_SLOTS:
             {"part of a name", QStringList{"xhr", "socket"}, all, true},
         });
     }
-
     void protocolsAreFoundByTheirNames()
     {
         const auto [names, expected, defaults] = row<QStringList, Protocols, bool>();
@@ -130,7 +129,6 @@ private Q_SLOTS:
              "[\n    \"{\\n    \\\"list\\\": [\\n        1\\n   ]\\n}\\n\"\n]\n"},
         });
     }
-
     void sendingAMapSendsItsIndentedJson()
     {
         const auto [map, frame] = row<QVariantMap, QString>();
@@ -191,7 +189,6 @@ private Q_SLOTS:
             {"empty frame", "", {}},
         });
     }
-
     void inboundFrames()
     {
         const auto [frame, messages] = row<QString, QStringList>();
@@ -291,7 +288,6 @@ private Q_SLOTS:
     }
 
     void framesSentBeforeTheEndReachTheServer_data() { rows<bool>({{"close", false}, {"deletion", true}}); }
-
     void framesSentBeforeTheEndReachTheServer()
     {
         const auto [deletes] = row<bool>();
@@ -412,7 +408,6 @@ private Q_SLOTS:
             {"3601, polling", SockJSConnector::XHR_POLLING, 3601, true},
         });
     }
-
     void inactivityBound()
     {
         const auto [protocol, seconds, closes] = row<Protocol, int, bool>();

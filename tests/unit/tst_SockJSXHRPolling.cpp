@@ -137,7 +137,6 @@ private Q_SLOTS:
             {"at the end too", "/e/1/", "/e/1//xhr", "/e/1/xhr_send"},
         });
     }
-
     void pathOfEachRequest()
     {
         const auto [path, polled, sent] = row<QString, QByteArray, QByteArray>();
@@ -412,7 +411,6 @@ private Q_SLOTS:
     }
 
     void failedSendIsLoggedAndLost_data() { rows<bool>({{"lost", false}, {"ends the transport", true}}); }
-
     void failedSendIsLoggedAndLost()
     {
         const auto [ends] = row<bool>();
@@ -520,7 +518,6 @@ private Q_SLOTS:
             QTest::addRow("%s, the next poll is held back", end) << plain("") << byDeletion;
         }
     }
-
     void endIsPrompt()
     {
         const auto [answer, byDeletion] = row<QByteArray, bool>();
@@ -564,6 +561,10 @@ private Q_SLOTS:
         QCOMPARE(m_session->texts.size(), heard);
         QCOMPARE(m_session->ends, 0);
         QTRY_COMPARE(m_server->openConnections(), 0);
+
+        const QPointer<Transport> neverStarted(new Transport(nullptr));
+        neverStarted->retire();
+        QTRY_VERIFY(!neverStarted);
     }
 
     // A server refuses what is posted to a session without a receiver.
@@ -607,7 +608,6 @@ private Q_SLOTS:
             {"open, and retired elsewhere afterwards", "open"},
         });
     }
-
     void threadThatEndsTakesItsTransportsAlong()
     {
         const QString left = std::get<0>(row<QString>()); // not a binding: lambdas take it
@@ -652,7 +652,6 @@ private Q_SLOTS:
     {
         rows<QString>({{"close", "close"}, {"retire", "retire"}, {"delete", "delete"}});
     }
-
     void asynchronousStartEndsAtOnce()
     {
         const QString by = std::get<0>(row<QString>());
@@ -684,7 +683,6 @@ private Q_SLOTS:
     }
 
     void asynchronousStartSucceeds_data() { rows<bool>({{"fresh", false}, {"after quit()", true}}); }
-
     void asynchronousStartSucceeds()
     {
         const auto [hasQuit] = row<bool>();
@@ -700,13 +698,6 @@ private Q_SLOTS:
         QVERIFY(started);
         QVERIFY(turned);
         QTRY_COMPARE(m_session->texts, QStringList("o"));
-    }
-
-    void retiredTransportNeverStarted()
-    {
-        const QPointer<Transport> transport(new Transport(nullptr));
-        transport->retire();
-        QTRY_VERIFY(!transport);
     }
 };
 

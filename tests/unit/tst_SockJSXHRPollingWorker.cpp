@@ -119,7 +119,6 @@ private Q_SLOTS:
             {"number beyond an int", "ffffffffffffffff\r\nab\r\n", true, 0, -1, QString()},
         });
     }
-
     void messageParserStatedResults()
     {
         const auto [data, isChunked, contentLength, consumed, out] =
@@ -483,7 +482,6 @@ private Q_SLOTS:
             {"messages, then closed", plain("a[]\n", "Connection: close\r\n"), false},
         });
     }
-
     void badAnswerKeepsTheFullWait()
     {
         const auto [answer, waits] = row<QByteArray, bool>();

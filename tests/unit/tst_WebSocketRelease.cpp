@@ -63,7 +63,6 @@ private Q_SLOTS:
         rows<Stage>(
             {{"new", New}, {"before the upgrade", BeforeTheUpgrade}, {"open", Open}, {"ended", Ended}});
     }
-
     void goesUnheardAtEveryStage()
     {
         const auto [stage] = row<Stage>();
