@@ -170,6 +170,10 @@
         <source>The connection is lost.</source>
         <translation>Die Verbindung ist verloren.</translation>
     </message>
+    <message>
+        <source>%1 cannot be a card: it is no picture, or too large.</source>
+        <translation>%1 kann keine Karte sein: Es ist kein Bild oder zu groß.</translation>
+    </message>
 </context>
 <context>
     <name>Calyx::LessonError</name>

@@ -170,6 +170,10 @@
         <source>The connection is lost.</source>
         <translation>La liaison est perdue.</translation>
     </message>
+    <message>
+        <source>%1 cannot be a card: it is no picture, or too large.</source>
+        <translation>%1 ne peut pas être une carte&#xa0;: ce n’est pas une image, ou elle est trop grande.</translation>
+    </message>
 </context>
 <context>
     <name>Calyx::LessonError</name>

@@ -24,10 +24,6 @@
         <translation>Bilder hierher ziehen.</translation>
     </message>
     <message>
-        <source>%1 cannot be a card: it is no picture, or too large.</source>
-        <translation>%1 kann keine Karte sein: Es ist kein Bild oder zu groß.</translation>
-    </message>
-    <message>
         <source>Cards</source>
         <translation>Karten</translation>
     </message>

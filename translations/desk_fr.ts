@@ -24,10 +24,6 @@
         <translation>Glissez des images ici.</translation>
     </message>
     <message>
-        <source>%1 cannot be a card: it is no picture, or too large.</source>
-        <translation>%1 ne peut pas être une carte&#xa0;: ce n’est pas une image, ou elle est trop grande.</translation>
-    </message>
-    <message>
         <source>Cards</source>
         <translation>Cartes</translation>
     </message>

@@ -10,9 +10,7 @@ class Cards : public QGroupBox
     Q_DECLARE_TR_FUNCTIONS(Cards)
 
 public:
-    /// Calls \p refuse with a sentence about a file that cannot be a card.
-    Cards(Calyx::Lesson* lesson, std::function<void(QString)> refuse)
-        : m_lesson(lesson), m_deck(lesson->deck()), m_refuse(std::move(refuse))
+    explicit Cards(Calyx::Lesson* lesson) : m_lesson(lesson), m_deck(lesson->deck())
     {
         setAcceptDrops(true);
         m_list->setViewMode(QListView::IconMode);
@@ -69,9 +67,7 @@ private:
             auto* reading = new QFutureWatcher<QByteArray>(this);
             connect(reading, &QFutureWatcherBase::finished, this, [=, name = url.fileName()] {
                 reading->deleteLater();
-                if (!m_deck->add(name, reading->result()))
-                    return m_refuse(tr("%1 cannot be a card: it is no picture, or too large.").arg(name));
-                m_deck->setCurrent(m_deck->rowCount());
+                m_lesson->addCard(name, reading->result());
             });
             reading->setFuture(QtConcurrent::run(pngOf, url.toLocalFile()));
         }
@@ -96,7 +92,6 @@ private:
 
     Calyx::Lesson* m_lesson;
     Calyx::Deck* m_deck;
-    std::function<void(QString)> m_refuse;
     QListWidget* m_list = made<QListWidget>(tr("The pictures of the lesson"), tr("Cards"));
     QPushButton* m_show = button(tr("&Show to learners"), tr("Show this card on the learners\u2019 devices"),
                                  [this] { m_lesson->showCard(); });

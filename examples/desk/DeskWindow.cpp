@@ -103,12 +103,11 @@ private:
         m_code->setObjectName(QStringLiteral("code"));
         m_code->setWordWrap(false);
         m_address->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-        auto* cards = new Cards(&m_lesson, [this](const QString& text) { tell(text); });
         auto* remote = arrange(new QGroupBox(tr("Remote control")), QBoxLayout::TopToBottom, {m_remote});
         auto* columns = new QSplitter;
         columns->addWidget(new Learners(&m_lesson));
         columns->addWidget(m_polls);
-        columns->addWidget(arrange(new QWidget, QBoxLayout::TopToBottom, {cards, remote}));
+        columns->addWidget(arrange(new QWidget, QBoxLayout::TopToBottom, {new Cards(&m_lesson), remote}));
         columns->setStretchFactor(1, 1);
         columns->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
         auto* header = across({m_qrCode, m_code, m_address, m_start, m_end, m_summary, m_save, m_logOut});

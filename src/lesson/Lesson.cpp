@@ -428,6 +428,16 @@ Deck* Lesson::deck() const
     return d->deck;
 }
 
+bool Lesson::addCard(const QString& name, const QByteArray& png)
+{
+    const QPointer<Lesson> self(this);
+    if (d->deck->add(name, png))
+        return self && d->deck->setCurrent(d->deck->rowCount());
+    d->fail(LessonError::make(LessonError::BadInput, QString(),
+                              tr("%1 cannot be a card: it is no picture, or too large.").arg(name)));
+    return false;
+}
+
 void Lesson::showCard(int number)
 {
     const QPointer<Lesson> self(this);

@@ -260,6 +260,9 @@ public:
 
     /// The lesson's pictures.
     Deck* deck() const;
+    /// Adds a card with a PNG picture at the end of the deck, and goes to it. False, and failed() with
+    /// BadInput, for what Deck::add() does not take: a host hands on what it has made of a file.
+    bool addCard(const QString& name, const QByteArray& png);
     /// Shows the card with this \p number to the class, which makes it the current one; 0: the current one.
     /// Bytes of more than 64 KiB are uploaded first, once for each card, which takes its time (busy).
     /// Failed() with BadInput for a card that there is not, or without a session.

@@ -249,7 +249,7 @@ private Q_SLOTS:
             {[&] { m_lesson->pause(); }, {}},
             {[&] { m_lesson->stop(); }, {}},
             {[&] { m_lesson->setLocked(true); }, {}},
-            {[&] { m_lesson->deck()->add("card", QByteArray("png")); }, {}},
+            {[&] { m_lesson->addCard("card", QByteArray("png")); }, {}},
             {[&] { m_lesson->showCard(); }, {}},
             {[&] {
                  AssessmentPlan plan;

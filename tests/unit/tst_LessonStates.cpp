@@ -145,6 +145,7 @@ private Q_SLOTS:
             {"assess", [](Lesson& lesson) { QVERIFY(!lesson.startAssessment(AssessmentPlan())); }},
             {"lock", [](Lesson& lesson) { lesson.setLocked(true); }},
             {"card", [](Lesson& lesson) { lesson.showCard(); }},
+            {"no card", [](Lesson& lesson) { QVERIFY(!lesson.addCard(QStringLiteral("leaf"), {})); }},
             {"picture", [](Lesson& lesson) { lesson.showPicture("png"); }},
             {"address", [](Lesson& lesson) { lesson.showPictureAt(QStringLiteral("/leaf.png")); }},
             {"controls", [](Lesson& lesson) { lesson.logIn(QStringLiteral("a\nb"), QString()); }},
