@@ -50,8 +50,7 @@ private Q_SLOTS:
         const int descriptors = ProcessResources::descriptors();
         for (int i = 0; i < ::cycles; ++i) {
             QVERIFY2(cycle(end), qPrintable(QString::number(i)));
-            m_log.reset(); // or the log of all of them is kept
-            m_log = std::make_unique<LogRecorder>();
+            forgetLog(); // or the log of all of them is kept
             QVERIFY2(ProcessResources::threads() <= threads + overlapping * threadsOfASession,
                      qPrintable(QString::number(ProcessResources::threads())));
             QVERIFY2(ProcessResources::descriptors() <= descriptors + overlapping * descriptorsOfASession,

@@ -1,5 +1,7 @@
 #include "support/ClientOperations.h"
 
+#include "support/Logins.h"
+
 #include <QPointer>
 
 using namespace ClientOperations;
@@ -16,28 +18,10 @@ void logIn(PresenterClient* client)
     client->loginSuccessResponse(QString::fromLatin1(ALL_IS_WELL));
 }
 
-void createSession(PresenterClient* client)
-{
-    client->sessionSuccessResponse(QString::fromLatin1(ALL_IS_WELL));
-}
-
 void openSession(PresenterClient* client)
 {
     logIn(client);
-    createSession(client);
-    client->sessionStartSuccessResponse(QString::fromLatin1(ALL_IS_WELL));
-}
-
-QVariant loginWithOAuth(PresenterClient* client, QString registration)
-{
-    return client->doLoginWithOAuth(QStringLiteral("google"), QStringLiteral("code"), registration);
-}
-
-QVariant getOAuthAccessToken(PresenterClient* client)
-{
-    QString registration;
-    return client->doGetOAuthAccessToken(QStringLiteral("google"), QStringLiteral("code"),
-                                         QStringLiteral("d"), QStringLiteral("n"), registration);
+    Sessions::openSession(*client);
 }
 
 QVariant startWebsocket(PresenterClient* client)
@@ -64,14 +48,13 @@ QList<QPair<const char*, Operation>> ClientOperations::operations()
         {"checkServer", {[=](Client c) { return c->checkServer(u, u); }, {"/tavisto"}}},
         {"doLogin", {[=](Client c) { return c->doLogin(u, u); }, {"/tavisto/login/submit"}}},
         {"doLogin by device", {[=](Client c) { return c->doLogin(u, u, u); }, {"/tavisto/login/submit"}}},
-        {"doLoginWithOAuth",
-         {[](Client c) { return loginWithOAuth(c, QString()); }, {"/tavisto/login/oauth/google/callback"}}},
+        {"doLoginWithOAuth", {[](Client c) { return Logins::loginWithOAuth(*c); }, {Logins::CALLBACK}}},
         {"doLoginWithOAuth, registration",
-         {[](Client c) { return loginWithOAuth(c, QStringLiteral(R"({"a":"b"})")); },
-          {"/tavisto/register/oauth/submit"}}},
+         {[](Client c) { return Logins::registerWithOAuth(*c); }, {Logins::REGISTER}}},
         {"doGetAccessToken",
          {[=](Client c) { return c->doGetAccessToken(u, u, u, u); }, {"/tavisto/login/submit"}, ""}},
-        {"doGetOAuthAccessToken", {getOAuthAccessToken, {"/tavisto/login/oauth/google/callback"}, ""}},
+        {"doGetOAuthAccessToken",
+         {[](Client c) { return Logins::getOAuthToken(*c); }, {Logins::CALLBACK}, ""}},
         {"doGetUserName", {[](Client c) { return c->doGetUserName(); }, {"/tavisto/login/user"}, ""}},
         {"sendKeepAlive",
          {[](Client c) { return c->sendKeepAlive(), QVariant(); },
@@ -115,7 +98,7 @@ QList<QPair<const char*, Operation>> ClientOperations::chainedOperations()
           {"/tavisto/session/getcollabserverurl", "/tavisto/config/findTenantFeatureDetails",
            "/tavisto/session/start", "/tavisto/classroom/session/join"},
           false,
-          createSession}},
+          [](Client c) { Sessions::createSession(*c); }}},
         {"onPingTimer",
          {[](Client c) { return QMetaObject::invokeMethod(c, "onPingTimer"), QVariant(); },
           {"/tavisto/login/keepSessionAlive"},

@@ -37,11 +37,7 @@ protected:
         m_server.reset();
         WallClock::release();
     }
-    void forgetLog()
-    {
-        m_log.reset(); // the old one has to go before the new one takes its place
-        m_log = std::make_unique<LogRecorder>();
-    }
+    void forgetLog() { m_log->forget(); }
 
     /// Opens the session at the server's \p path over a WebSocket.
     bool openSession(const QString& path = QString())

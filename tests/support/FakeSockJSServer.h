@@ -74,10 +74,7 @@ public:
     quint16 port() const { return serverPort(); }
     QUrl url(const QString& path = QString(), const QString& scheme = QStringLiteral("http")) const
     {
-        QUrl url;
-        url.setScheme(scheme);
-        url.setHost(QStringLiteral("127.0.0.1"));
-        url.setPort(port());
+        QUrl url(QStringLiteral("%1://127.0.0.1:%2").arg(scheme).arg(port()));
         url.setPath(path);
         return url;
     }

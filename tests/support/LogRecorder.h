@@ -23,10 +23,15 @@ public:
     ~LogRecorder()
     {
         qInstallMessageHandler(m_previous);
+        forget();
+    }
+    Q_DISABLE_COPY(LogRecorder)
+
+    void forget()
+    {
         const std::lock_guard<std::mutex> lock(s_mutex);
         s_recorded.clear();
     }
-    Q_DISABLE_COPY(LogRecorder)
 
     QList<Message> messages() const
     {

@@ -49,11 +49,7 @@ public:
     void deleteCollab() { delete m_collab; }
     FakeSockJSServer& server() { return m_server; }
     LogRecorder& log() { return *m_log; }
-    void forgetLog()
-    {
-        m_log.reset(); // the old one has to go before the new one takes its place
-        m_log = std::make_unique<LogRecorder>();
-    }
+    void forgetLog() { m_log->forget(); }
 
     /// Opens over a WebSocket and reads the three registers.
     bool open()
