@@ -13,7 +13,12 @@ using Server = ScriptedHttpServer;
 
 namespace {
 
-enum Ending { Stays, Closes, Resets };
+const QStringList transports = {"polling", "streaming"};
+
+bool isStreaming(const QString& transport)
+{
+    return transport == QLatin1String("streaming");
+}
 
 const QByteArray one = "a[\"one\"]\n";
 const QStringList gotOne = {QStringLiteral("one")};
@@ -125,15 +130,28 @@ QVector<Fault> otherAnswers()
     };
 }
 
-QVector<Fault> allFaults(bool streaming, Ending ending)
+QVector<Fault> allFaults(const QString& transport, const QString& ending)
 {
+    const bool stays = ending == QLatin1String("stays");
     QVector<Fault> faults = tooManyAnswers() + garbage() + wrongChunks() +
-                            wrongLengths(streaming, ending != Stays) + otherAnswers();
+                            wrongLengths(isStreaming(transport), !stays) + otherAnswers();
     for (Fault& fault : faults) {
-        if (ending != Stays)
-            fault.script += ending == Closes ? Server::close() : Server::reset();
+        if (!stays)
+            fault.script += ending == QLatin1String("closes") ? Server::close() : Server::reset();
     }
     return faults;
+}
+
+QMap<QString, Fault> floods()
+{
+    const QByteArray status = "HTTP/1.1 200 OK\r\n";
+    const QByteArray kilobyte(1024, 'x');
+    const QByteArray line = "A: " + QByteArray(1019, 'x') + "\r\n";
+    const QByteArray breaks = QByteArray("\r\n").repeated(512); // no header's: the answer behind them counts
+    return {{"one line", {"one line", {Server::send(status + "A: "), hundredMegabytes(kilobyte)}}},
+            {"many lines", {"many lines", {Server::send(status), hundredMegabytes(line)}}},
+            {"no header", {"no header", {hundredMegabytes(kilobyte)}}},
+            {"line breaks", {"line breaks", {hundredMegabytes(breaks), Server::send(plain(one))}, gotOne}}};
 }
 
 // A line of the kernel's account of this process, in bytes.
@@ -175,36 +193,29 @@ private Q_SLOTS:
     void init() { setUp(); }
     void cleanup() { tearDown(); }
 
-    void sessionGoesOn_data()
-    {
-        columns<bool, int>();
-        for (const bool streaming : {false, true}) {
-            const char* transport = streaming ? "streaming" : "polling";
-            QTest::addRow("%s, the connection stays", transport) << streaming << int(Stays);
-            QTest::addRow("%s, the server closes it", transport) << streaming << int(Closes);
-            QTest::addRow("%s, the server resets it", transport) << streaming << int(Resets);
-        }
-    }
+    void sessionGoesOn_data() { combinations({transports, {"stays", "closes", "resets"}}); }
 
+    // Whatever becomes of the connection.
     void sessionGoesOn()
     {
-        const auto [streaming, ending] = row<bool, int>();
-        run(allFaults(streaming, Ending(ending)), streaming);
+        const auto [transport, ending] = row<QString, QString>();
+        run(allFaults(transport, ending), transport);
     }
 
-    void unfinishedAnswerIsGivenUp_data() { addTransports(); }
+    void unfinishedAnswerIsGivenUp_data() { combinations({transports}); }
 
     // The server says how much is to come, and falls silent before that.
     void unfinishedAnswerIsGivenUp()
     {
-        QFETCH(bool, streaming);
+        const auto [transport] = row<QString>();
+        const bool streaming = isStreaming(transport);
         const QStringList got = streaming ? gotOne : QStringList();
         run({{"less than the length", sent(head("Content-Length: 100\r\n") + one + "a["), got},
              {"less than a length of 60 MiB", sent(head("Content-Length: 62914560\r\n") + one + "a["), got},
              {"less than the chunk", sent(chunkedHead() + "64\r\n" + one + "a["), got},
              {"less than a chunk of 60 MiB", sent(chunkedHead() + "3c00000\r\n" + one + "a["), got},
              {"half a header", sent("HTTP/1.1 200 OK\r\nContent-Le")}},
-            streaming);
+            transport);
         const QString stall =
             QStringLiteral("[SockJSXHRPollingWorker] Incoming data timeout, clearing buffer");
         const QString buffer = QStringLiteral("[SockJSXHRPollingWorker.BufferData] = ");
@@ -214,54 +225,21 @@ private Q_SLOTS:
         QCOMPARE(m_log->debug(buffer).count(buffer + QStringLiteral("HTTP/1.1 200 OK\r\nContent-Le")), 1);
     }
 
-    void hundredMegabytesOfHeader_data()
-    {
-        columns<bool, QByteArray, QByteArray>();
-        const QByteArray status = "HTTP/1.1 200 OK\r\n";
-        for (const bool streaming : {false, true}) {
-            const char* transport = streaming ? "streaming" : "polling";
-            QTest::addRow("%s, one line", transport) << streaming << status + "A: " << QByteArray(1024, 'x');
-            QTest::addRow("%s, many lines", transport)
-                << streaming << status << "A: " + QByteArray(1019, 'x') + "\r\n";
-            QTest::addRow("%s, no header at all", transport)
-                << streaming << QByteArray() << QByteArray(1024, 'x');
-        }
-    }
+    void hundredMegabytesAreNotKept_data() { combinations({transports, QStringList(floods().keys())}); }
 
-    void hundredMegabytesOfHeader()
+    void hundredMegabytesAreNotKept()
     {
-        const auto [streaming, begin, piece] = row<bool, QByteArray, QByteArray>();
-        const Server::Script flood{Server::send(begin), hundredMegabytes(piece)};
+        const auto [transport, flood] = row<QString, QString>();
         const PeakMemory memory;
-        run({{"a flood", flood}}, streaming);
-        QVERIFY2(memory.growth() <= Bounds::header, qPrintable(QString::number(memory.growth())));
-    }
-
-    void hundredMegabytesOfLineBreaks_data() { addTransports(); }
-
-    // They belong to no header, and the answer behind them counts.
-    void hundredMegabytesOfLineBreaks()
-    {
-        QFETCH(bool, streaming);
-        const Server::Script flood{hundredMegabytes(QByteArray("\r\n").repeated(512)),
-                                   Server::send(plain(one))};
-        const PeakMemory memory;
-        run({{"a flood", flood, gotOne}}, streaming);
+        run({floods().value(flood)}, transport);
         QVERIFY2(memory.growth() <= Bounds::header, qPrintable(QString::number(memory.growth())));
     }
 
 private:
-    static void addTransports()
-    {
-        QTest::addColumn<bool>("streaming");
-        QTest::newRow("polling") << false;
-        QTest::newRow("streaming") << true;
-    }
-
-    void run(const QVector<Fault>& faults, bool streaming)
+    void run(const QVector<Fault>& faults, const QString& transport)
     {
         for (const Fault& fault : faults)
-            open(fault, streaming);
+            open(fault, isStreaming(transport));
         verifyThrough();
     }
 };

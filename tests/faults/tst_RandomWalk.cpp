@@ -131,7 +131,6 @@ private:
     {
         m_client = new PresenterClient(nullptr, m_service);
         listenTo(m_client);
-        ClientOperations::operations().first().second.prepare(m_client);
         m_client->sessionSuccessResponse(QString::fromLatin1(ClientOperations::ALL_IS_WELL));
     }
 

@@ -20,18 +20,13 @@
 #include <vector>
 
 using namespace Calyx;
+using Interop::amount;
 
 namespace {
 
 constexpr int second = 1000;              // ms
 constexpr int patience = 300 * second;    // of a bad network, of a machine that is busy
 constexpr qint64 allowedGrowth = 1 << 20; // bytes
-
-/// How much is done, where the environment does not say.
-int amount(const char* name, int usual)
-{
-    return qEnvironmentVariableIsSet(name) ? qEnvironmentVariableIntValue(name) : usual;
-}
 
 /// A lesson on one transport, and its learners; between either and the classroom stands a relay.
 struct Class

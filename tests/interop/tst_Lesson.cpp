@@ -212,14 +212,14 @@ private Q_SLOTS:
              {&Lesson::staticMetaObject, &Roster::staticMetaObject, &Deck::staticMetaObject,
               &Poll::staticMetaObject, &PollResults::staticMetaObject, &Assessment::staticMetaObject})
             add(*of, of->methodOffset());
-        for (const char* of : {"Calyx::Roster", "Calyx::PollResults", "Calyx::Assessment"})
-            QTest::addRow("%s::dataChanged", of)
-                << QByteArray(of) << QByteArray("dataChanged(QModelIndex,QModelIndex,QVector<int>)");
-        for (const char* of : {"Calyx::Roster", "Calyx::Deck"})
-            QTest::addRow("%s::modelReset", of) << QByteArray(of) << QByteArray("modelReset()");
-        for (const char* of : {"Calyx::Roster", "Calyx::Deck", "Calyx::Assessment"})
-            QTest::addRow("%s::rowsInserted", of)
-                << QByteArray(of) << QByteArray("rowsInserted(QModelIndex,int,int)");
+        const auto addModels = [](const QByteArray& signature, const QByteArrayList& owners) {
+            for (const QByteArray& owner : owners)
+                QTest::addRow("%s::%s", owner.constData(), signature.constData()) << owner << signature;
+        };
+        addModels("dataChanged(QModelIndex,QModelIndex,QVector<int>)",
+                  {"Calyx::Roster", "Calyx::PollResults", "Calyx::Assessment"});
+        addModels("modelReset()", {"Calyx::Roster", "Calyx::Deck"});
+        addModels("rowsInserted(QModelIndex,int,int)", {"Calyx::Roster", "Calyx::Deck", "Calyx::Assessment"});
     }
 
     // A whole lesson, step by step, until a slot deletes it.

@@ -152,28 +152,6 @@ bool actWhileOpening(World& world, const Act& act)
     return acted;
 }
 
-template<typename Signal>
-Occasion inChannelSlot(Signal signal, const Action& cause)
-{
-    return inSlot(
-        &World::teach, [](World& world) { return world.collab.data(); }, signal, cause);
-}
-
-template<typename Signal>
-Occasion inConnectorSlot(Signal signal, const Action& cause)
-{
-    return inSlot(
-        &World::teach, [](World& world) { return world.collab->connector(); }, signal, cause);
-}
-
-template<typename Signal>
-Occasion inMessageSlot(Signal signal, const QString& body)
-{
-    return inSlot(
-        &World::teach, [](World& world) { return world.collab->messageHandler(); }, signal,
-        [body](World& world) { world.send(body); });
-}
-
 QString typed(const char* type)
 {
     QString block;
@@ -181,7 +159,21 @@ QString typed(const char* type)
     return QStringLiteral(R"({"from":"device","type":"%1","data":["%2"]})").arg(QLatin1String(type), block);
 }
 
+QString gone(const char* type)
+{
+    return QStringLiteral(R"({"action":"unregister","client":{"type":"%1"}})").arg(QLatin1String(type));
+}
+
+// What brings this to the session.
+Action sending(const QString& body)
+{
+    return [body](World& world) { world.send(body); };
+}
+
 const auto clientOf = [](World& world) { return world.client.data(); };
+const auto channelOf = [](World& world) { return world.collab.data(); };
+const auto connectorOf = [](World& world) { return world.collab->connector(); };
+const auto handlerOf = [](World& world) { return world.collab->messageHandler(); };
 const auto nothing = [](World&) { return true; };
 const auto close = actions.value("close");
 
@@ -197,23 +189,26 @@ const QMap<QString, Occasion> withoutChannel = {
 
 using Handler = CollaborationMessageHandler;
 
+template<typename Signal>
+Occasion inHandler(Signal signal, const QString& body)
+{
+    return inSlot(&World::teach, handlerOf, signal, sending(body));
+}
+
 const QMap<QString, Occasion> withChannel = {
     {"connected", once(&World::teach)},
     {"closed", once(&World::teachesAndCloses)},
-    {"in connectionClosed", inChannelSlot(&PresenterCollab::connectionClosed, close)},
-    {"in connected", inConnectorSlot(&SockJSConnector::connected, actions.value("open"))},
-    {"in closed", inConnectorSlot(&SockJSConnector::closed, close)},
-    {"in sockJSMessage", inConnectorSlot(&SockJSConnector::sockJSMessage,
-                                         [](World& world) { world.send(QStringLiteral("{}")); })},
-    {"in learnerJoin", inMessageSlot(&Handler::learnerJoin, typed("join"))},
-    {"in learnerPollResponse", inMessageSlot(&Handler::learnerPollResponse, typed("pollResponse"))},
-    {"in learnerUnregister",
-     inMessageSlot(&Handler::learnerUnregister, R"({"action":"unregister","client":{"type":"user"}})")},
-    {"in controllerRegister", inMessageSlot(&Handler::controllerRegister,
-                                            R"({"action":"unregister","client":{"type":"controller"}})")},
-    {"in remoteControl", inMessageSlot(&Handler::remoteControl, typed("nextCard"))},
-    {"in learnerGetQuestion", inMessageSlot(&Handler::learnerGetQuestion, typed("questionGet"))},
-    {"in unhandledMessage", inMessageSlot(&Handler::unhandledMessage, typed("other"))},
+    {"in connectionClosed", inSlot(&World::teach, channelOf, &PresenterCollab::connectionClosed, close)},
+    {"in connected", inSlot(&World::teach, connectorOf, &SockJSConnector::connected, actions.value("open"))},
+    {"in closed", inSlot(&World::teach, connectorOf, &SockJSConnector::closed, close)},
+    {"in sockJSMessage", inSlot(&World::teach, connectorOf, &SockJSConnector::sockJSMessage, sending("{}"))},
+    {"in learnerJoin", inHandler(&Handler::learnerJoin, typed("join"))},
+    {"in learnerPollResponse", inHandler(&Handler::learnerPollResponse, typed("pollResponse"))},
+    {"in learnerUnregister", inHandler(&Handler::learnerUnregister, gone("user"))},
+    {"in controllerRegister", inHandler(&Handler::controllerRegister, gone("controller"))},
+    {"in remoteControl", inHandler(&Handler::remoteControl, typed("nextCard"))},
+    {"in learnerGetQuestion", inHandler(&Handler::learnerGetQuestion, typed("questionGet"))},
+    {"in unhandledMessage", inHandler(&Handler::unhandledMessage, typed("other"))},
 };
 
 const QStringList needChannel = {"close", "open", "delete collab"};

@@ -20,12 +20,6 @@ constexpr int usualLearners = 300;
 constexpr int limit = 240000; // ms
 constexpr qint64 longestTurn = 100;
 
-int learners()
-{
-    const int asked = qEnvironmentVariableIntValue("CALYX_LOAD_LEARNERS");
-    return asked > 0 ? asked : usualLearners;
-}
-
 // How long this thread keeps its event loop from turning. The time that it computes, not the time that it
 // waits for a processor which others are using.
 class Turns : public QObject
@@ -75,7 +69,7 @@ private Q_SLOTS:
     void everyAnswerComesOnce()
     {
         QFETCH(QString, transport);
-        const int count = learners();
+        const int count = Interop::amount("CALYX_LOAD_LEARNERS", usualLearners);
         const Peer classroom(Peers::classroom({QStringLiteral("--quiet")}));
         PresenterClient client(nullptr, classroom.url().toString());
         QVERIFY(client.doLogin("teacher", "chalk") && client.doStartSession(QString()));
@@ -118,7 +112,7 @@ private Q_SLOTS:
     {
         constexpr qint64 longestTurnOfALesson = 5; // ms
         QFETCH(QString, transport);
-        const int count = learners();
+        const int count = Interop::amount("CALYX_LOAD_LEARNERS", usualLearners);
         const Peer classroom(Peers::classroom({QStringLiteral("--quiet")}));
         Calyx::Lesson lesson(classroom.url());
         lesson.setTransports({transport});

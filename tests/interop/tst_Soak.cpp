@@ -2,24 +2,16 @@
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
 #include "support/ProcessResources.h"
+#include "support/WaitFor.h"
+
 #include <CalyxClient/CollaborationMessageHandler>
 #include <CalyxClient/Lzma>
-
-#include <QEventLoop>
-#include <QTimer>
 
 namespace {
 
 constexpr int answersEach = 100;
 constexpr int usualRounds = 300;
-constexpr int roundLimit = 30000;             // ms
 constexpr qint64 allowedGrowth = 1024 * 1024; // bytes
-
-int rounds()
-{
-    const int asked = qEnvironmentVariableIntValue("CALYX_SOAK_ROUNDS");
-    return asked > 0 ? asked : usualRounds;
-}
 
 QString answerBlock()
 {
@@ -51,32 +43,22 @@ private Q_SLOTS:
                                QStringLiteral("session"), QStringLiteral("host"));
         int answers = 0;
         int inOrder = 0;
-        QEventLoop untilAnswered;
         connect(collab.messageHandler(), &CollaborationMessageHandler::learnerPollResponse, this,
                 [&](const QString& device, const QString&, int, const QString&) {
                     ++answers;
                     inOrder += QStringView(device).mid(7).toInt() == answers ? 1 : 0;
-                    if (answers % answersEach == 0)
-                        untilAnswered.quit();
                 });
         int closed = 0;
-        connect(&collab, &PresenterCollab::connectionClosed, &untilAnswered, [&] {
-            ++closed;
-            untilAnswered.quit();
-        });
-        QTimer patience;
-        patience.setSingleShot(true);
-        connect(&patience, &QTimer::timeout, &untilAnswered, &QEventLoop::quit);
+        connect(&collab, &PresenterCollab::connectionClosed, this, [&closed] { ++closed; });
         collab.open({transport});
         QTRY_VERIFY(collab.isConnected());
 
-        const int all = rounds();
+        const int all = Interop::amount("CALYX_SOAK_ROUNDS", usualRounds);
         const int warm = all / 3;
         Use atFirst;
         for (int round = 1; round <= all; ++round) {
             collab.publishMessage(QStringLiteral("answers"), QStringLiteral("\"more\""));
-            patience.start(roundLimit);
-            untilAnswered.exec();
+            QVERIFY(waitFor([&] { return answers >= round * answersEach || closed > 0; }));
             QCOMPARE(answers, round * answersEach);
             QCOMPARE(closed, 0);
             if (round == warm)

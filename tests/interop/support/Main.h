@@ -6,6 +6,12 @@
 
 namespace Interop {
 
+/// How much is done, where the environment does not say.
+inline int amount(const char* name, int usual)
+{
+    return qEnvironmentVariableIsSet(name) ? qEnvironmentVariableIntValue(name) : usual;
+}
+
 /// Runs the tests of \p Test. No proxy of the machine's stands between; a test that hangs is ended with its
 /// stack shown.
 template<typename Test>
