@@ -87,6 +87,7 @@ export class Faults {
   #track(socket) {
     this.#sockets.add(socket);
     socket.on('close', () => this.#sockets.delete(socket));
-    if (this.#stalled) freeze(socket);
+    // The server has only just asked for what comes, which begins with the next turn.
+    if (this.#stalled) process.nextTick(() => this.#stalled && freeze(socket));
   }
 }
