@@ -16,7 +16,7 @@ ApplicationWindow {
     readonly property color paper: isDark ? "#202124" : "#ffffff"
     component Field: TextField { Layout.fillWidth: true; Accessible.name: placeholderText }
     function logIn() {
-        lesson.server = address.text
+        lesson.setServer(address.text)
         lesson.logIn(user.text, password.text)
         lesson.start()
     }

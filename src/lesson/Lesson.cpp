@@ -76,6 +76,11 @@ void Lesson::setServer(const QUrl& server)
     Q_EMIT serverChanged();
 }
 
+void Lesson::setServer(const QString& address)
+{
+    setServer(QUrl(address.trimmed()));
+}
+
 QString Lesson::user() const
 {
     return d->user;

@@ -105,6 +105,9 @@ public:
     QUrl server() const;
     /// Another service. Refused (BadInput) unless the state is LoggedOut.
     void setServer(const QUrl& server);
+    /// The same for what people type. In QML, where the property would take an address without a scheme for
+    /// one beside the document.
+    Q_INVOKABLE void setServer(const QString& address);
     /// Who is logged in, as the host named him; empty when nobody is.
     QString user() const;
     /// The code by which learners join; empty without a session.

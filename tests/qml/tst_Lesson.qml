@@ -58,6 +58,8 @@ TestCase {
     function tell(command, answer) { compare(classroom.tell(command), answer) }
 
     function initTestCase() {
+        lesson.setServer("192.0.2.1:8090 ")
+        compare(lesson.server, "https://192.0.2.1:8090")
         lesson.server = classroom.url
         lesson.setName("trees", "Trees")
         lesson.logIn("teacher", "slate")
