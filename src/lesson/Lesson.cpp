@@ -372,6 +372,7 @@ Assessment* Lesson::startAssessment(const AssessmentPlan& plan, const QStringLis
     const QStringList all = devices.isEmpty() ? d->content.roster->present() : devices;
     for (const QString& deviceId : all)
         added->enter(deviceId);
+    d->journal.flush();
     const auto start = [=](const QString& address) {
         d->send([=, token = added->token()](PresenterCollab* collab) {
             LessonMessages::sendAssessment(collab, address, plan, token);
@@ -399,7 +400,7 @@ void Lesson::admit(const QString& deviceId)
              token = d->content.assessment->token()](PresenterCollab* collab) {
         LessonMessages::sendAssessment(collab, LessonMessages::addressOf(deviceId), plan, token);
     });
-    d->tell([&] { d->content.assessment->enter(deviceId); },
+    d->tell([&] { d->content.assessment->enter(deviceId); }, [&] { d->journal.flush(); },
             [&] { d->content.assessment ? d->content.assessment->flush() : void(); });
 }
 

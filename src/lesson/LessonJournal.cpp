@@ -152,7 +152,8 @@ void LessonJournal::watch(const Assessment* added)
     connect(added, &Assessment::stateChanged, this,
             [this, added] { record(stateOf(*added, added->token())); });
     connect(added, &Assessment::rowsInserted, this, [this, added](const QModelIndex&, int row) {
-        record({{"event", "entered"}, {"id", added->token()}, {"device", added->participants().at(row)}});
+        const QString deviceId = added->index(row, 0).data(Assessment::DeviceIdRole).toString();
+        m_journal.add({{"event", "entered"}, {"id", added->token()}, {"device", deviceId}});
     });
 }
 

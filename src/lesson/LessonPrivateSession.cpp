@@ -152,9 +152,10 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
     beginToLive(opening);
     QStringList newcomers;
     QSet<QString> listed = opening.heard;
+    const QDateTime now = QDateTime::currentDateTime(); // looked up for each, it would take most of the time
     for (const Learner& learner : opening.learners) {
         listed.insert(learner.deviceId);
-        if (content.roster->join(learner)) {
+        if (content.roster->join(learner, now)) {
             newcomers.append(learner.deviceId);
             Q_EMIT content.roster->joined(learner.deviceId);
         }
