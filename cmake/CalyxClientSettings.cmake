@@ -28,6 +28,10 @@ function(calyxclient_settings target)
             $<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wshadow;-Wconversion;-Wnon-virtual-dtor>
             # Qt's own qCDebug(category), as everybody writes it.
             $<$<COMPILE_LANG_AND_ID:CXX,Clang,AppleClang>:-Wno-gnu-zero-variadic-macro-arguments>)
+        # In a unity build every file is a header to the compiler, in which nothing should be of one file alone.
+        if(CMAKE_UNITY_BUILD)
+            target_compile_options(${target} PRIVATE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-subobject-linkage>)
+        endif()
         # Qt 6 counts in 64 bits: the library, which takes what comes from outside, says where it does not.
         if(CALYXCLIENT_QT EQUAL 6 AND NOT target STREQUAL calyxclient)
             target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-Wno-conversion>)

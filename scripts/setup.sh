@@ -133,7 +133,9 @@ quietly() {
 build_project() {
     if [ ! -f "$build/build.ninja" ]; then
         step "Configuring"
-        (cd "$project" && quietly cmake --preset "$preset" ${CALYXCLIENT_CONFIGURE:+"$CALYXCLIENT_CONFIGURE"}) || fail "cmake could not configure the project"
+        local options
+        read -ra options <<<"${CALYXCLIENT_CONFIGURE:-}"
+        (cd "$project" && quietly cmake --preset "$preset" "${options[@]}") || fail "cmake could not configure the project"
     fi
     step "Building"
     local targets=()

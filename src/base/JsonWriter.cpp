@@ -10,7 +10,7 @@
 
 namespace {
 
-bool isPlain(ushort character)
+bool needsNoEscape(ushort character)
 {
     return character >= ' ' && character < 0x80 && character != '"' && character != '\\';
 }
@@ -87,7 +87,7 @@ private:
         *next++ = '"';
         for (const QChar character : text) {
             const ushort unit = character.unicode();
-            if (isPlain(unit)) {
+            if (needsNoEscape(unit)) {
                 *next++ = char(unit);
             } else if (const ushort letter = jsonEscape(unit)) {
                 *next++ = '\\';

@@ -13,7 +13,7 @@ void readText(const QString& body, const char* key, QString& member)
     bool ok = false;
     const QVariantMap envelope = ServiceEnvelope::parse(body, &ok);
     if (ok)
-        member = ServiceEnvelope::data(envelope).value(QLatin1String(key)).toString();
+        member = ServiceEnvelope::text(ServiceEnvelope::data(envelope), key);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "client/PresenterClientPrivate.h"
 
 #include "base/Diagnostics.h"
+#include "base/JsonVariant.h"
 #include "client/ServiceEnvelope.h"
 #include "collab/PresenterCollab.h"
 
@@ -10,20 +11,12 @@
 
 namespace {
 
+using JsonVariant::text;
+using ServiceEnvelope::text;
+
 QString sessionBody(const QString& sessionToken)
 {
     return QStringLiteral(R"({"sessionToken":"%0"})").arg(sessionToken);
-}
-
-QString text(const QVariantMap& map, const char* key)
-{
-    return map.value(QLatin1String(key)).toString();
-}
-
-QString text(const QJsonObject& object, const char* key)
-{
-    const QJsonValue value = object.value(QLatin1String(key));
-    return value.isString() ? value.toString() : value.toVariant().toString();
 }
 
 } // namespace

@@ -16,4 +16,10 @@ QJsonObject object(const QString& body);
 /// The map under "data"; empty when there is none.
 QVariantMap data(const QVariantMap& envelope);
 
+/// The member \p key of \p map as text; a null one when it is absent.
+inline QString text(const QVariantMap& map, const char* key)
+{
+    return map.value(QLatin1String(key)).toString();
+}
+
 } // namespace ServiceEnvelope

@@ -10,14 +10,10 @@
 
 namespace {
 
+using JsonVariant::text;
+
 // Messages are read as they were parsed, without turning them into variants first; the variants that hosts
 // hand over are turned into JSON where they come in.
-
-QString text(const QJsonObject& object, const char* key)
-{
-    const QJsonValue value = object.value(QLatin1String(key));
-    return value.isString() ? value.toString() : value.toVariant().toString();
-}
 
 int number(const QJsonObject& object, const char* key)
 {

@@ -16,8 +16,6 @@ namespace Calyx {
 
 namespace {
 
-constexpr int longestAnswer = 500; // characters
-
 struct Sheet
 {
     QString deviceId;
@@ -147,7 +145,7 @@ bool Assessment::add(const QString& deviceId, int number, const QString& text, i
     const PollAnswer before = answer(deviceId, number);
     const bool isReplacement = before.mark != PollAnswer::NoAnswer;
     PollAnswer after;
-    after.text = LessonText::clean(text, longestAnswer);
+    after.text = LessonText::clean(text, LessonText::longestAnswer);
     if (isReplacement && before.text == after.text)
         return true;
     if (!d->isRunning || !takesPart(deviceId) || (isReplacement && !d->plan.mayResubmit))

@@ -11,9 +11,6 @@ namespace Calyx {
 
 namespace {
 
-constexpr int longestName = 60;
-constexpr int largestPicture = 16 * 1024 * 1024; // bytes
-
 struct Picture
 {
     QString name;
@@ -27,7 +24,7 @@ bool isPicture(const QString& reference)
     static const QRegularExpression dataUri(
         QStringLiteral("^data:image/[a-z0-9.+-]{1,20};base64,[A-Za-z0-9+/=]+$"));
     if (reference.startsWith(QLatin1String("data:")))
-        return reference.size() <= 2 * largestPicture && dataUri.match(reference).hasMatch();
+        return reference.size() <= 2 * Deck::LargestPicture && dataUri.match(reference).hasMatch();
     const QUrl url(reference, QUrl::StrictMode);
     const bool isWeb = url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
     return url.isValid() && isWeb && !url.host().isEmpty();
@@ -47,7 +44,7 @@ Deck::~Deck() = default;
 
 bool Deck::add(const QString& name, const QByteArray& png)
 {
-    return !png.isEmpty() && png.size() <= largestPicture && append(name, png, QString());
+    return !png.isEmpty() && png.size() <= Deck::LargestPicture && append(name, png, QString());
 }
 
 bool Deck::add(const QString& name, const QString& url)
@@ -59,7 +56,7 @@ bool Deck::append(const QString& name, const QByteArray& png, const QString& url
 {
     const int row = int(d->cards.size());
     beginInsertRows({}, row, row);
-    d->cards.append({LessonText::clean(name, longestName), png, url});
+    d->cards.append({LessonText::clean(name, LessonText::longestName), png, url});
     if (d->current == 0)
         d->current = 1;
     const QPointer<Deck> self(this); // a slot may delete the lesson

@@ -30,9 +30,12 @@ public:
     };
     Q_ENUM(Role)
 
+    /// How large a picture may be, in bytes.
+    static constexpr int LargestPicture = 16 * 1024 * 1024;
+
     ~Deck() override;
 
-    /// Adds a card with a PNG picture at the end. False when \p png is empty or larger than 16 MiB.
+    /// Adds a card with a PNG picture at the end. False when \p png is empty or larger than LargestPicture.
     bool add(const QString& name, const QByteArray& png);
     /// Adds a card whose picture devices load from \p url: an address on the web, or a data URI of a picture.
     /// False for anything else.

@@ -6,14 +6,14 @@ namespace Calyx {
 
 namespace {
 
-struct Words
+struct Wording
 {
     LessonError::Kind kind;
     const char* text;
     const char* advice;
 };
 
-const Words wordsOfKinds[] = {
+const Wording wordsOfKinds[] = {
     {LessonError::NoError, "", ""},
     {LessonError::Unreachable,
      QT_TRANSLATE_NOOP("Calyx::LessonError", "The classroom service cannot be reached."),

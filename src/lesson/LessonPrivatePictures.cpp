@@ -7,15 +7,14 @@ namespace Calyx {
 namespace {
 
 constexpr int largestInline = 64 * 1024;
-constexpr int largestPicture = 16 * 1024 * 1024;
 
 } // namespace
 
 bool LessonPrivate::isTooLarge(const QByteArray& png)
 {
-    if (png.size() > largestPicture)
+    if (png.size() > Deck::LargestPicture)
         fail(LessonError::make(LessonError::TooLarge));
-    return png.size() > largestPicture;
+    return png.size() > Deck::LargestPicture;
 }
 
 // Small ones travel in the message; others are stored at the service, from which devices load them. Where

@@ -6,6 +6,10 @@
 /// Texts that cross the lesson's borders: from learners, onto the wire, into files.
 namespace LessonText {
 
+/// How many characters of a name and of an answer are kept; more would only be memory.
+constexpr int longestName = 60;
+constexpr int longestAnswer = 500;
+
 /// \p text without what would move a cursor or turn the direction of writing: such characters become blanks.
 /// At most \p longest characters.
 QString clean(const QString& text, int longest);

@@ -16,8 +16,6 @@ namespace Calyx {
 
 namespace {
 
-constexpr int longestAnswer = 500; // characters; more would only be memory
-
 QJsonObject toJson(const PollAnswer& answer)
 {
     QJsonObject object{
@@ -74,7 +72,7 @@ bool Poll::add(const QString& deviceId, const QString& text, int time, const QDa
 {
     constexpr int second = 1000;
     PollAnswer answer;
-    answer.text = LessonText::clean(text, longestAnswer);
+    answer.text = LessonText::clean(text, LessonText::longestAnswer);
     const auto row = d->rows.constFind(deviceId);
     if (row != d->rows.constEnd()) {
         const QString before = d->answers.at(*row).text;

@@ -15,8 +15,6 @@ namespace Calyx {
 
 namespace {
 
-constexpr int longestName = 60;
-
 struct Stay
 {
     QDateTime from;
@@ -80,8 +78,8 @@ bool Roster::join(const Learner& learner, const QDateTime& at)
     const int row = d->rows.value(learner.deviceId);
     Member& member = d->members[row];
     const bool isNew = !member.isPresent;
-    member.name = LessonText::clean(learner.userName, longestName);
-    member.deviceType = LessonText::clean(learner.deviceType, longestName);
+    member.name = LessonText::clean(learner.userName, LessonText::longestName);
+    member.deviceType = LessonText::clean(learner.deviceType, LessonText::longestName);
     if (isNew) {
         member.isPresent = true;
         member.stays.append({at, QDateTime()});
@@ -181,7 +179,8 @@ bool Roster::contains(const QString& deviceId) const
 QString Roster::name(const QString& deviceId) const
 {
     const Member* const member = d->find(deviceId);
-    return member && !member->name.isEmpty() ? member->name : LessonText::clean(deviceId, longestName);
+    return member && !member->name.isEmpty() ? member->name
+                                             : LessonText::clean(deviceId, LessonText::longestName);
 }
 
 QStringList Roster::present() const

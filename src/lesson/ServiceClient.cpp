@@ -11,10 +11,7 @@ namespace Calyx {
 
 namespace {
 
-QString text(const QVariantMap& map, const char* key)
-{
-    return map.value(QLatin1String(key)).toString();
-}
+using ServiceEnvelope::text;
 
 // Networks that want a login of their own answer every request, with a page or JSON of their own.
 bool isEnvelope(const QVariantMap& map)

@@ -45,7 +45,7 @@ const files = (folder) =>
     .map((name) => join(folder, name));
 
 // Of a row of the console's commands: its name and what follows it, and the words that it knows.
-const SYNTAX = /^ {4}\{"[^"]*", "[^"]*", |\}, "[^"]*", \w+/gm;
+const SYNTAX = /^ {8}\{"[^"]*", "[^"]*", |\}, "[^"]*", [\w:]+/gm;
 
 function checkSource(file) {
   const source = readFileSync(join(project, file), 'utf8').replace(SYNTAX, '{');

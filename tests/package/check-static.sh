@@ -5,7 +5,7 @@
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 build="$work/static build"
-cmake -S "$1" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=None -DCALYXCLIENT_QT="$QT" -DBUILD_SHARED_LIBS=OFF -DCALYXCLIENT_BUILD_TESTS=OFF \
+cmake -S "$1" -B "$build" -G Ninja "${quick[@]}" -DCALYXCLIENT_QT="$QT" -DBUILD_SHARED_LIBS=OFF -DCALYXCLIENT_BUILD_TESTS=OFF \
     -DCALYXCLIENT_BUILD_PRESENTER=OFF >/dev/null
 cmake --build "$build" --parallel 2 >"$work/log" 2>&1 || { cat "$work/log"; fail "the static library does not build"; }
 cmake_host "$here/cmake" -DCalyxClient_DIR="$build"

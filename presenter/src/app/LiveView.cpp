@@ -11,12 +11,6 @@
 
 #include <CalyxClient/Lesson>
 
-namespace {
-
-constexpr int second = 1000; // ms
-
-} // namespace
-
 LiveView::LiveView(Calyx::Lesson& lesson, const Notebook& notes, Screen& screen, const Runner& runner,
                    const Waiter& waiter)
     : m_lesson(lesson), m_notes(notes), m_screen(screen), m_runner(runner), m_waiter(waiter)
@@ -24,7 +18,7 @@ LiveView::LiveView(Calyx::Lesson& lesson, const Notebook& notes, Screen& screen,
     constexpr int together = 80; // ms
     m_soon.setSingleShot(true);
     m_soon.setInterval(together);
-    m_clock.setInterval(second);
+    m_clock.setInterval(Text::msecsPerSecond);
     connect(&m_soon, &QTimer::timeout, this, &LiveView::draw);
     connect(&m_clock, &QTimer::timeout, this, &LiveView::draw);
     const auto drawSoon = [this] {
@@ -87,8 +81,8 @@ QString LiveView::work() const
     const QString waited = m_waiter.description();
     const QString what = waited.isEmpty() ? Words::tr("At work: %1").arg(m_runner.current())
                                           : Words::tr("Waiting: %1").arg(waited);
-    const QString end =
-        Words::tr("  %1  Ctrl-C gives up").arg(Text::duration(static_cast<int>(m_runner.elapsed() / second)));
+    const QString end = Words::tr("  %1  Ctrl-C gives up")
+                            .arg(Text::duration(static_cast<int>(m_runner.elapsed() / Text::msecsPerSecond)));
     const QString start = Text::elide(what, style.columns - 1 - Text::width(end), style.unicode);
     return style.paint(Ink::Strong, start + end);
 }

@@ -267,48 +267,46 @@ Outcome logout(CommandContext& context, const Arguments&)
 namespace F = Fact;
 using P = Place;
 
-// A row tells all about a command; clang-format would put each member on a line of its own.
-// clang-format off
-const Command rows[] = {
-    {"check", "[USER PASSWORD]", QT_TRANSLATE_NOOP("Words", "Ask whether the service answers."),
-     QT_TRANSLATE_NOOP("Words", "USER and PASSWORD are offered when the service asks for HTTP authentication."),
-     F::Nothing, F::Nothing, F::Nothing, 0, 2, {P::Anything, P::Secret}, "", check},
-    {"login", "[USER [PASSWORD]]", QT_TRANSLATE_NOOP("Words", "Log in."),
-     QT_TRANSLATE_NOOP("Words", "Without USER and PASSWORD, those of the command line and of CALYX_PASSWORD are taken."),
-     F::Nothing, F::Login, F::Nothing, 0, 2, {P::Anything, P::Secret}, "", login},
-    {"login token", "USER DEVICE TOKEN", QT_TRANSLATE_NOOP("Words", "Log in with a device token instead of a password."),
-     "",
-     F::Nothing, F::Login, F::Nothing, 3, 3, {P::Anything, P::Anything, P::Secret}, "", loginToken},
-    {"login oauth", "PROVIDER CODE", QT_TRANSLATE_NOOP("Words", "Log in with the code of an OAuth provider."),
-     QT_TRANSLATE_NOOP("Words", "The service may want a new user to register first: \"register\" does that."),
-     F::Nothing, F::Login, F::Nothing, 2, 2, {P::Anything, P::Secret}, "", loginOAuth},
-    {"register", "[NAME=VALUE ...]", QT_TRANSLATE_NOOP("Words", "Complete the registration that an OAuth login has asked for."),
-     QT_TRANSLATE_NOOP("Words", "Adds the values to what the service knows, or changes it, and logs in."),
-     F::Nothing, F::Login, F::Nothing, 0, anyNumber, {}, "", registerUser},
-    {"token", "DEVICE NAME [USER [PASSWORD]]", QT_TRANSLATE_NOOP("Words", "Get a token for later logins of this device."),
-     QT_TRANSLATE_NOOP("Words", "DEVICE is the device's id, NAME what people call it. This logs in, too."),
-     F::Nothing, F::Login, F::Nothing, 2, 4, {P::Anything, P::Anything, P::Anything, P::Secret}, "", token},
-    {"token oauth", "PROVIDER CODE DEVICE NAME", QT_TRANSLATE_NOOP("Words", "Get a device token with a provider's code."),
-     "",
-     F::Nothing, F::Login, F::Nothing, 4, 4, {P::Anything, P::Secret}, "", tokenOAuth},
-    {"whoami", "", QT_TRANSLATE_NOOP("Words", "Ask the service who is logged in."),
-     "",
-     F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", whoAmI},
-    {"relogin", "", QT_TRANSLATE_NOOP("Words", "Log in again as the last time."),
-     "",
-     F::Nothing, F::Login, F::Nothing, 0, 0, {}, "", reLogin},
-    {"keepalive", "", QT_TRANSLATE_NOOP("Words", "Keep the login alive."),
-     QT_TRANSLATE_NOOP("Words", "Every minute this happens by itself."),
-     F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", keepAlive},
-    {"logout", "", QT_TRANSLATE_NOOP("Words", "Stop the session, if one is open, and log out."),
-     "",
-     F::Nothing, F::Nothing, F::Everything, 0, 0, {}, "", logout},
-};
-// clang-format on
-
 } // namespace
 
+// A row tells all about a command; clang-format would put each member on a line of its own.
+// clang-format off
 QVector<Command> CommandTable::account()
 {
-    return QVector<Command>(std::begin(rows), std::end(rows));
+    return {
+        {"check", "[USER PASSWORD]", QT_TRANSLATE_NOOP("Words", "Ask whether the service answers."),
+         QT_TRANSLATE_NOOP("Words", "USER and PASSWORD are offered when the service asks for HTTP authentication."),
+         F::Nothing, F::Nothing, F::Nothing, 0, 2, {P::Anything, P::Secret}, "", ::check},
+        {"login", "[USER [PASSWORD]]", QT_TRANSLATE_NOOP("Words", "Log in."),
+         QT_TRANSLATE_NOOP("Words", "Without USER and PASSWORD, those of the command line and of CALYX_PASSWORD are taken."),
+         F::Nothing, F::Login, F::Nothing, 0, 2, {P::Anything, P::Secret}, "", login},
+        {"login token", "USER DEVICE TOKEN", QT_TRANSLATE_NOOP("Words", "Log in with a device token instead of a password."),
+         "",
+         F::Nothing, F::Login, F::Nothing, 3, 3, {P::Anything, P::Anything, P::Secret}, "", loginToken},
+        {"login oauth", "PROVIDER CODE", QT_TRANSLATE_NOOP("Words", "Log in with the code of an OAuth provider."),
+         QT_TRANSLATE_NOOP("Words", "The service may want a new user to register first: \"register\" does that."),
+         F::Nothing, F::Login, F::Nothing, 2, 2, {P::Anything, P::Secret}, "", loginOAuth},
+        {"register", "[NAME=VALUE ...]", QT_TRANSLATE_NOOP("Words", "Complete the registration that an OAuth login has asked for."),
+         QT_TRANSLATE_NOOP("Words", "Adds the values to what the service knows, or changes it, and logs in."),
+         F::Nothing, F::Login, F::Nothing, 0, anyNumber, {}, "", registerUser},
+        {"token", "DEVICE NAME [USER [PASSWORD]]", QT_TRANSLATE_NOOP("Words", "Get a token for later logins of this device."),
+         QT_TRANSLATE_NOOP("Words", "DEVICE is the device's id, NAME what people call it. This logs in, too."),
+         F::Nothing, F::Login, F::Nothing, 2, 4, {P::Anything, P::Anything, P::Anything, P::Secret}, "", token},
+        {"token oauth", "PROVIDER CODE DEVICE NAME", QT_TRANSLATE_NOOP("Words", "Get a device token with a provider's code."),
+         "",
+         F::Nothing, F::Login, F::Nothing, 4, 4, {P::Anything, P::Secret}, "", tokenOAuth},
+        {"whoami", "", QT_TRANSLATE_NOOP("Words", "Ask the service who is logged in."),
+         "",
+         F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", whoAmI},
+        {"relogin", "", QT_TRANSLATE_NOOP("Words", "Log in again as the last time."),
+         "",
+         F::Nothing, F::Login, F::Nothing, 0, 0, {}, "", reLogin},
+        {"keepalive", "", QT_TRANSLATE_NOOP("Words", "Keep the login alive."),
+         QT_TRANSLATE_NOOP("Words", "Every minute this happens by itself."),
+         F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", keepAlive},
+        {"logout", "", QT_TRANSLATE_NOOP("Words", "Stop the session, if one is open, and log out."),
+         "",
+         F::Nothing, F::Nothing, F::Everything, 0, 0, {}, "", logout},
+    };
 }
+// clang-format on

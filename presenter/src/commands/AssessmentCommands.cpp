@@ -94,7 +94,7 @@ Outcome showText(CommandContext& context, Arguments arguments, bool isReview)
     return Outcome::done();
 }
 
-Outcome setPaused(CommandContext& context, bool paused)
+Outcome pauseAssessment(CommandContext& context, bool paused)
 {
     paused ? context.lesson.pause() : context.lesson.resume();
     context.screen.note(paused ? Words::tr("The assessment is paused; \"assessment resume\" goes on.")
@@ -177,12 +177,12 @@ Outcome assessmentReview(CommandContext& context, const Arguments& arguments)
 
 Outcome assessmentPause(CommandContext& context, const Arguments&)
 {
-    return setPaused(context, true);
+    return pauseAssessment(context, true);
 }
 
 Outcome assessmentResume(CommandContext& context, const Arguments&)
 {
-    return setPaused(context, false);
+    return pauseAssessment(context, false);
 }
 
 Outcome assessmentStop(CommandContext& context, const Arguments&)
@@ -195,50 +195,48 @@ Outcome assessmentStop(CommandContext& context, const Arguments&)
 namespace F = Fact;
 using P = Place;
 
-// A row tells all about a command; clang-format would put each member on a line of its own.
-// clang-format off
-const Command rows[] = {
-    {"assessment question", "TYPE [ORDINAL] [OPTIONS] [EXTRA] [text=TEXT] [choices=A|B] [answer=ANSWER]", QT_TRANSLATE_NOOP("Words", "Write a question of the next assessment."),
-     QT_TRANSLATE_NOOP("Words", "The types are those of \"poll\". Choices are what the options say; their number is that of "
-     "the options. ANSWER is the right one, for the marks: options by their ids, a number, or "
-     "words. Where several are right, \"|\" divides them. Nothing goes out before \"assessment "
-     "start\".\n"
-     "Examples: assessment question number text=\"How many legs has a spider?\" answer=8\n"
-     "assessment question multiple choices=oxygen|water|light answer=BC"),
-     F::Nothing, F::Questions, F::Nothing, 1, anyNumber, {P::PollType, P::Ordinal}, "text= choices= answer=", assessmentQuestion, checkQuestion},
-    {"assessment start", "[to=LEARNER] [title=TEXT] [time=SECONDS] [SETTING=yes|no ...]", QT_TRANSLATE_NOOP("Words", "Begin an assessment of the questions written."),
-     QT_TRANSLATE_NOOP("Words", "For one learner or, without \"to\", for the class and whoever joins it. Each learner gets "
-     "the questions as he asks for them, at his own pace. While one is under way for single "
-     "learners, \"to\" adds another. Without \"time\" it takes as long as it takes. The questions "
-     "stay for another start, until the first of a new set is written. The settings, and what "
-     "they are unless told otherwise: skip=no, questions may be skipped; navigate=no, one may go "
-     "back to questions; resubmit=yes, answers may be changed; summary=no, the device shows a "
-     "summary at the end."),
-     F::Channel | F::Questions, F::Assessment | F::AnyAssessment, F::Poll, 0, anyNumber, {}, "to= title= time= skip= navigate= resubmit= summary=", assessmentStart, checkStart},
-    {"assessment results", "", QT_TRANSLATE_NOOP("Words", "Show the results so far, by learner and by question."),
-     QT_TRANSLATE_NOOP("Words", "A mark stands before each answer that has a right one."),
-     F::AnyAssessment, F::Nothing, F::Nothing, 0, 0, {}, "", assessmentResults},
-    {"assessment dialog", "[to=LEARNER] [dismissible=no] TEXT", QT_TRANSLATE_NOOP("Words", "Show a text on the learners' devices."),
-     QT_TRANSLATE_NOOP("Words", "Also without an assessment."),
-     F::Channel | F::Now, F::Nothing, F::Nothing, 1, anyNumber, {}, "to= dismissible=", assessmentDialog},
-    {"assessment review", "[to=LEARNER] TEXT", QT_TRANSLATE_NOOP("Words", "Let the learners review their questions."),
-     "",
-     F::Channel | F::Now, F::Nothing, F::Nothing, 1, anyNumber, {}, "to=", assessmentReview},
-    {"assessment pause", "", QT_TRANSLATE_NOOP("Words", "Let the learners pause."),
-     "",
-     F::Channel | F::Assessment, F::Nothing, F::Nothing, 0, 0, {}, "", assessmentPause},
-    {"assessment resume", "", QT_TRANSLATE_NOOP("Words", "Let the learners go on."),
-     "",
-     F::Channel | F::Assessment, F::Nothing, F::Nothing, 0, 0, {}, "", assessmentResume},
-    {"assessment stop", "", QT_TRANSLATE_NOOP("Words", "End the assessment and show its results."),
-     "",
-     F::Assessment, F::Nothing, F::Assessment, 0, 0, {}, "", assessmentStop},
-};
-// clang-format on
-
 } // namespace
 
+// A row tells all about a command; clang-format would put each member on a line of its own.
+// clang-format off
 QVector<Command> CommandTable::assessments()
 {
-    return QVector<Command>(std::begin(rows), std::end(rows));
+    return {
+        {"assessment question", "TYPE [ORDINAL] [OPTIONS] [EXTRA] [text=TEXT] [choices=A|B] [answer=ANSWER]", QT_TRANSLATE_NOOP("Words", "Write a question of the next assessment."),
+         QT_TRANSLATE_NOOP("Words", "The types are those of \"poll\". Choices are what the options say; their number is that of "
+         "the options. ANSWER is the right one, for the marks: options by their ids, a number, or "
+         "words. Where several are right, \"|\" divides them. Nothing goes out before \"assessment "
+         "start\".\n"
+         "Examples: assessment question number text=\"How many legs has a spider?\" answer=8\n"
+         "assessment question multiple choices=oxygen|water|light answer=BC"),
+         F::Nothing, F::Questions, F::Nothing, 1, anyNumber, {P::PollType, P::Ordinal}, "text= choices= answer=", assessmentQuestion, checkQuestion},
+        {"assessment start", "[to=LEARNER] [title=TEXT] [time=SECONDS] [SETTING=yes|no ...]", QT_TRANSLATE_NOOP("Words", "Begin an assessment of the questions written."),
+         QT_TRANSLATE_NOOP("Words", "For one learner or, without \"to\", for the class and whoever joins it. Each learner gets "
+         "the questions as he asks for them, at his own pace. While one is under way for single "
+         "learners, \"to\" adds another. Without \"time\" it takes as long as it takes. The questions "
+         "stay for another start, until the first of a new set is written. The settings, and what "
+         "they are unless told otherwise: skip=no, questions may be skipped; navigate=no, one may go "
+         "back to questions; resubmit=yes, answers may be changed; summary=no, the device shows a "
+         "summary at the end."),
+         F::Channel | F::Questions, F::Assessment | F::AnyAssessment, F::Poll, 0, anyNumber, {}, "to= title= time= skip= navigate= resubmit= summary=", assessmentStart, checkStart},
+        {"assessment results", "", QT_TRANSLATE_NOOP("Words", "Show the results so far, by learner and by question."),
+         QT_TRANSLATE_NOOP("Words", "A mark stands before each answer that has a right one."),
+         F::AnyAssessment, F::Nothing, F::Nothing, 0, 0, {}, "", assessmentResults},
+        {"assessment dialog", "[to=LEARNER] [dismissible=no] TEXT", QT_TRANSLATE_NOOP("Words", "Show a text on the learners' devices."),
+         QT_TRANSLATE_NOOP("Words", "Also without an assessment."),
+         F::Channel | F::Now, F::Nothing, F::Nothing, 1, anyNumber, {}, "to= dismissible=", assessmentDialog},
+        {"assessment review", "[to=LEARNER] TEXT", QT_TRANSLATE_NOOP("Words", "Let the learners review their questions."),
+         "",
+         F::Channel | F::Now, F::Nothing, F::Nothing, 1, anyNumber, {}, "to=", assessmentReview},
+        {"assessment pause", "", QT_TRANSLATE_NOOP("Words", "Let the learners pause."),
+         "",
+         F::Channel | F::Assessment, F::Nothing, F::Nothing, 0, 0, {}, "", assessmentPause},
+        {"assessment resume", "", QT_TRANSLATE_NOOP("Words", "Let the learners go on."),
+         "",
+         F::Channel | F::Assessment, F::Nothing, F::Nothing, 0, 0, {}, "", assessmentResume},
+        {"assessment stop", "", QT_TRANSLATE_NOOP("Words", "End the assessment and show its results."),
+         "",
+         F::Assessment, F::Nothing, F::Assessment, 0, 0, {}, "", assessmentStop},
+    };
 }
+// clang-format on

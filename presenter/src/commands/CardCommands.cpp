@@ -165,51 +165,49 @@ Outcome deckShow(CommandContext& context, const Arguments&)
 namespace F = Fact;
 using P = Place;
 
-// A row tells all about a command; clang-format would put each member on a line of its own.
-// clang-format off
-const Command rows[] = {
-    {"card", "FILE", QT_TRANSLATE_NOOP("Words", "Show a PNG picture on the learners' devices."),
-     QT_TRANSLATE_NOOP("Words", "A small picture travels in the message; one of more than 64 KiB is uploaded before."),
-     F::Channel, F::Nothing, F::Nothing, 1, 1, {P::PictureFile}, "", card},
-    {"card ref", "REFERENCE", QT_TRANSLATE_NOOP("Words", "Show a picture that devices load from an address."),
-     "",
-     F::Channel, F::Nothing, F::Nothing, 1, 1, {}, "", cardReference},
-    {"card upload", "FILE", QT_TRANSLATE_NOOP("Words", "Upload a picture and show it by its address."),
-     "",
-     F::Channel, F::Nothing, F::Nothing, 1, 1, {P::File}, "", cardUpload},
-    {"upload", "FILE", QT_TRANSLATE_NOOP("Words", "Store a file at the service and print its address."),
-     "",
-     F::Login, F::Nothing, F::Nothing, 1, 1, {P::File}, "", upload},
-    {"deck", "", QT_TRANSLATE_NOOP("Words", "List the cards of the lesson."),
-     QT_TRANSLATE_NOOP("Words", "They are what the remote control goes through, and pushes to the learners."),
-     F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", deck},
-    {"deck add", "FILE [name=TEXT]", QT_TRANSLATE_NOOP("Words", "Add a PNG picture to the lesson's cards."),
-     "",
-     F::Nothing, F::Cards, F::Nothing, 1, 2, {P::PictureFile}, "name=", deckAdd},
-    {"deck upload", "FILE [name=TEXT]", QT_TRANSLATE_NOOP("Words", "Upload a picture and add it by its address."),
-     "",
-     F::Login, F::Cards, F::Nothing, 1, 2, {P::File}, "name=", deckUpload},
-    {"deck ref", "REFERENCE [name=TEXT]", QT_TRANSLATE_NOOP("Words", "Add a picture that devices load from an address."),
-     "",
-     F::Nothing, F::Cards, F::Nothing, 1, 2, {}, "name=", deckReference},
-    {"deck next", "", QT_TRANSLATE_NOOP("Words", "Go to the next card."),
-     "",
-     F::Cards, F::Nothing, F::Nothing, 0, 0, {}, "", deckNext},
-    {"deck previous", "", QT_TRANSLATE_NOOP("Words", "Go to the card before."),
-     "",
-     F::Cards, F::Nothing, F::Nothing, 0, 0, {}, "", deckPrevious},
-    {"deck go", "NUMBER", QT_TRANSLATE_NOOP("Words", "Go to a card."),
-     "",
-     F::Cards, F::Nothing, F::Nothing, 1, 1, {P::Number}, "", deckGo},
-    {"deck show", "", QT_TRANSLATE_NOOP("Words", "Show the current card on the learners' devices."),
-     "",
-     F::Channel | F::Cards, F::Nothing, F::Nothing, 0, 0, {}, "", deckShow},
-};
-// clang-format on
-
 } // namespace
 
+// A row tells all about a command; clang-format would put each member on a line of its own.
+// clang-format off
 QVector<Command> CommandTable::cards()
 {
-    return QVector<Command>(std::begin(rows), std::end(rows));
+    return {
+        {"card", "FILE", QT_TRANSLATE_NOOP("Words", "Show a PNG picture on the learners' devices."),
+         QT_TRANSLATE_NOOP("Words", "A small picture travels in the message; one of more than 64 KiB is uploaded before."),
+         F::Channel, F::Nothing, F::Nothing, 1, 1, {P::PictureFile}, "", card},
+        {"card ref", "REFERENCE", QT_TRANSLATE_NOOP("Words", "Show a picture that devices load from an address."),
+         "",
+         F::Channel, F::Nothing, F::Nothing, 1, 1, {}, "", cardReference},
+        {"card upload", "FILE", QT_TRANSLATE_NOOP("Words", "Upload a picture and show it by its address."),
+         "",
+         F::Channel, F::Nothing, F::Nothing, 1, 1, {P::File}, "", cardUpload},
+        {"upload", "FILE", QT_TRANSLATE_NOOP("Words", "Store a file at the service and print its address."),
+         "",
+         F::Login, F::Nothing, F::Nothing, 1, 1, {P::File}, "", upload},
+        {"deck", "", QT_TRANSLATE_NOOP("Words", "List the cards of the lesson."),
+         QT_TRANSLATE_NOOP("Words", "They are what the remote control goes through, and pushes to the learners."),
+         F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", deck},
+        {"deck add", "FILE [name=TEXT]", QT_TRANSLATE_NOOP("Words", "Add a PNG picture to the lesson's cards."),
+         "",
+         F::Nothing, F::Cards, F::Nothing, 1, 2, {P::PictureFile}, "name=", deckAdd},
+        {"deck upload", "FILE [name=TEXT]", QT_TRANSLATE_NOOP("Words", "Upload a picture and add it by its address."),
+         "",
+         F::Login, F::Cards, F::Nothing, 1, 2, {P::File}, "name=", deckUpload},
+        {"deck ref", "REFERENCE [name=TEXT]", QT_TRANSLATE_NOOP("Words", "Add a picture that devices load from an address."),
+         "",
+         F::Nothing, F::Cards, F::Nothing, 1, 2, {}, "name=", deckReference},
+        {"deck next", "", QT_TRANSLATE_NOOP("Words", "Go to the next card."),
+         "",
+         F::Cards, F::Nothing, F::Nothing, 0, 0, {}, "", deckNext},
+        {"deck previous", "", QT_TRANSLATE_NOOP("Words", "Go to the card before."),
+         "",
+         F::Cards, F::Nothing, F::Nothing, 0, 0, {}, "", deckPrevious},
+        {"deck go", "NUMBER", QT_TRANSLATE_NOOP("Words", "Go to a card."),
+         "",
+         F::Cards, F::Nothing, F::Nothing, 1, 1, {P::Number}, "", deckGo},
+        {"deck show", "", QT_TRANSLATE_NOOP("Words", "Show the current card on the learners' devices."),
+         "",
+         F::Channel | F::Cards, F::Nothing, F::Nothing, 0, 0, {}, "", deckShow},
+    };
 }
+// clang-format on

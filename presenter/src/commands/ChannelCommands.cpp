@@ -102,43 +102,41 @@ Outcome heavy(CommandContext& context, const Arguments&)
 namespace F = Fact;
 using P = Place;
 
-// A row tells all about a command; clang-format would put each member on a line of its own.
-// clang-format off
-const Command rows[] = {
-    {"remote lesson", "ID NAME", QT_TRANSLATE_NOOP("Words", "Tell the remote control of some lesson."),
-     QT_TRANSLATE_NOOP("Words", "By itself it is told of this one."),
-     F::Channel | F::Now, F::Nothing, F::Nothing, 2, 2, {}, "", remoteLesson},
-    {"remote card", "NUMBER TOTAL", QT_TRANSLATE_NOOP("Words", "Tell the remote control which card is shown."),
-     "",
-     F::Channel | F::Now, F::Nothing, F::Nothing, 2, 2, {P::Number, P::Number}, "", remoteCard, checkRemoteCard},
-    {"remote active", "", QT_TRANSLATE_NOOP("Words", "Tell the remote control that the presenter is here."),
-     "",
-     F::Channel | F::Now, F::Nothing, F::Nothing, 0, 0, {}, "", remoteActive},
-    {"publish", "ADDRESS TYPE JSON", QT_TRANSLATE_NOOP("Words", "Publish a message of your own."),
-     QT_TRANSLATE_NOOP("Words", "An ADDRESS that begins with \".\" is below the session: .learner, .controller, "
-     ".user.DEVICE. Example: publish .learner heavy '\"\"'"),
-     F::Channel | F::Now, F::Nothing, F::Nothing, 3, 3, {}, "", publish},
-    {"ping", "", QT_TRANSLATE_NOOP("Words", "Send a ping on the live channel."),
-     QT_TRANSLATE_NOOP("Words", "Every minute this happens by itself."),
-     F::Channel | F::Now, F::Nothing, F::Nothing, 0, 0, {}, "", ping},
-    {"lesson", "[NAME] [id=ID]", QT_TRANSLATE_NOOP("Words", "Name the lesson, for the remote control."),
-     QT_TRANSLATE_NOOP("Words", "Without a name of its own it is called as its script."),
-     F::Nothing, F::Nothing, F::Nothing, 1, anyNumber, {}, "id=", lesson},
-    {"lock", "", QT_TRANSLATE_NOOP("Words", "Cover the learners' devices with a text."),
-     QT_TRANSLATE_NOOP("Words", "Until \"unlock\", or until the next poll starts."),
-     F::Channel, F::Nothing, F::Nothing, 0, 0, {}, "", lock},
-    {"unlock", "", QT_TRANSLATE_NOOP("Words", "Let the learners go on."),
-     "",
-     F::Channel, F::Nothing, F::Nothing, 0, 0, {}, "", unlock},
-    {"heavy", "", QT_TRANSLATE_NOOP("Words", "Tell the learners' devices that something large is coming."),
-     "",
-     F::Channel | F::Now, F::Nothing, F::Nothing, 0, 0, {}, "", heavy},
-};
-// clang-format on
-
 } // namespace
 
+// A row tells all about a command; clang-format would put each member on a line of its own.
+// clang-format off
 QVector<Command> CommandTable::devices()
 {
-    return QVector<Command>(std::begin(rows), std::end(rows));
+    return {
+        {"remote lesson", "ID NAME", QT_TRANSLATE_NOOP("Words", "Tell the remote control of some lesson."),
+         QT_TRANSLATE_NOOP("Words", "By itself it is told of this one."),
+         F::Channel | F::Now, F::Nothing, F::Nothing, 2, 2, {}, "", remoteLesson},
+        {"remote card", "NUMBER TOTAL", QT_TRANSLATE_NOOP("Words", "Tell the remote control which card is shown."),
+         "",
+         F::Channel | F::Now, F::Nothing, F::Nothing, 2, 2, {P::Number, P::Number}, "", remoteCard, checkRemoteCard},
+        {"remote active", "", QT_TRANSLATE_NOOP("Words", "Tell the remote control that the presenter is here."),
+         "",
+         F::Channel | F::Now, F::Nothing, F::Nothing, 0, 0, {}, "", remoteActive},
+        {"publish", "ADDRESS TYPE JSON", QT_TRANSLATE_NOOP("Words", "Publish a message of your own."),
+         QT_TRANSLATE_NOOP("Words", "An ADDRESS that begins with \".\" is below the session: .learner, .controller, "
+         ".user.DEVICE. Example: publish .learner heavy '\"\"'"),
+         F::Channel | F::Now, F::Nothing, F::Nothing, 3, 3, {}, "", publish},
+        {"ping", "", QT_TRANSLATE_NOOP("Words", "Send a ping on the live channel."),
+         QT_TRANSLATE_NOOP("Words", "Every minute this happens by itself."),
+         F::Channel | F::Now, F::Nothing, F::Nothing, 0, 0, {}, "", ping},
+        {"lesson", "[NAME] [id=ID]", QT_TRANSLATE_NOOP("Words", "Name the lesson, for the remote control."),
+         QT_TRANSLATE_NOOP("Words", "Without a name of its own it is called as its script."),
+         F::Nothing, F::Nothing, F::Nothing, 1, anyNumber, {}, "id=", lesson},
+        {"lock", "", QT_TRANSLATE_NOOP("Words", "Cover the learners' devices with a text."),
+         QT_TRANSLATE_NOOP("Words", "Until \"unlock\", or until the next poll starts."),
+         F::Channel, F::Nothing, F::Nothing, 0, 0, {}, "", lock},
+        {"unlock", "", QT_TRANSLATE_NOOP("Words", "Let the learners go on."),
+         "",
+         F::Channel, F::Nothing, F::Nothing, 0, 0, {}, "", unlock},
+        {"heavy", "", QT_TRANSLATE_NOOP("Words", "Tell the learners' devices that something large is coming."),
+         "",
+         F::Channel | F::Now, F::Nothing, F::Nothing, 0, 0, {}, "", heavy},
+    };
 }
+// clang-format on

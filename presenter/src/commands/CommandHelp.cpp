@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr int indent = 2;
+constexpr int indentation = 2;
 constexpr int deepIndent = 4;
 
 QStringList topicLines(const CommandTable::Topic& topic, int columns)
@@ -14,8 +14,8 @@ QStringList topicLines(const CommandTable::Topic& topic, int columns)
         width = qMax(width, QString(QLatin1String(command.name)).size());
     QStringList lines = {Words::tr(topic.title)};
     for (const Command& command : topic.commands) {
-        const QString name = Text::padRight(QLatin1String(command.name), width + indent);
-        lines += Text::wrap(name + Words::tr(command.summary), columns, indent, width + 2 * indent);
+        const QString name = Text::padRight(QLatin1String(command.name), width + indentation);
+        lines += Text::wrap(name + Words::tr(command.summary), columns, indentation, width + 2 * indentation);
     }
     return lines;
 }

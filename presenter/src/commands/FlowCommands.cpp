@@ -15,7 +15,6 @@ using Calyx::Lesson;
 
 namespace {
 
-constexpr int second = 1000;
 constexpr int mostNames = 5;
 
 // What "wait" waits for, and "expect" expects.
@@ -72,7 +71,7 @@ Goal assessmentGoal(const Lesson& lesson, const QString& amount)
     return {have, want, state};
 }
 
-Outcome told(CommandContext& context, const QString& text)
+Outcome noted(CommandContext& context, const QString& text)
 {
     context.screen.note(text);
     return Outcome::done();
@@ -87,6 +86,7 @@ Outcome checkWait(const QString&, const Arguments& given)
 
 Outcome wait(CommandContext& context, Arguments arguments, const Goal& goal)
 {
+    constexpr int second = 1000;
     qint64 limit = std::llround(context.waitLimit * second);
     ArgumentReader::takeWithin(arguments, limit);
     const auto isReached = [&] { return goal.have() >= goal.want(); };
@@ -94,7 +94,7 @@ Outcome wait(CommandContext& context, Arguments arguments, const Goal& goal)
     const Waiter::Result result =
         context.waiter.until([&] { return isReached() || isLost(); }, limit, goal.state);
     if (isReached())
-        return told(context, goal.state() + QLatin1Char('.'));
+        return noted(context, goal.state() + QLatin1Char('.'));
     if (result == Waiter::Interrupted)
         return Outcome::failed(Words::tr("The wait was given up: %1.").arg(goal.state()));
     if (isLost())
@@ -106,12 +106,12 @@ Outcome expect(CommandContext& context, const Goal& goal)
 {
     if (goal.have() != goal.want())
         return Outcome::failed(Words::tr("Expected otherwise: %1.").arg(goal.state()));
-    return told(context, Words::tr("As expected: %1.").arg(goal.state()));
+    return noted(context, Words::tr("As expected: %1.").arg(goal.state()));
 }
 
 Outcome say(CommandContext& context, const Arguments& arguments)
 {
-    return told(context, arguments.value(0));
+    return noted(context, arguments.value(0));
 }
 
 Outcome heading(CommandContext& context, const Arguments& arguments)
@@ -132,7 +132,7 @@ Outcome pause(CommandContext& context, const Arguments& arguments)
     const QString length = Text::seconds(msecs);
     return context.waiter.pause(static_cast<int>(msecs),
                                 [length] { return Words::tr("A pause of %1").arg(length); })
-               ? told(context, Words::tr("Paused for %1.").arg(length))
+               ? noted(context, Words::tr("Paused for %1.").arg(length))
                : Outcome::failed(Words::tr("The pause was cut short."));
 }
 
@@ -169,42 +169,40 @@ Outcome expectAssessment(CommandContext& context, const Arguments& arguments)
 namespace F = Fact;
 using P = Place;
 
-// A row tells all about a command; clang-format would put each member on a line of its own.
-// clang-format off
-const Command rows[] = {
-    {"wait learners", "N [within SECONDS]", QT_TRANSLATE_NOOP("Words", "Wait until N learners are here."),
-     QT_TRANSLATE_NOOP("Words", "For a minute, unless told otherwise here or by \"set wait-limit\"."),
-     F::Channel, F::Nothing, F::Nothing, 1, 3, {P::Number, P::Keyword, P::Seconds}, "within", waitLearners, checkWait},
-    {"wait answers", "N|all [within SECONDS]", QT_TRANSLATE_NOOP("Words", "Wait until N answers have come, or those of all learners."),
-     QT_TRANSLATE_NOOP("Words", "For a minute, unless told otherwise here or by \"set wait-limit\"."),
-     F::AnyPoll, F::Nothing, F::Nothing, 1, 3, {P::Amount, P::Keyword, P::Seconds}, "within", waitAnswers, checkWait},
-    {"wait assessment", "N|all [within SECONDS]", QT_TRANSLATE_NOOP("Words", "Wait until N learners, or all, have finished the assessment."),
-     QT_TRANSLATE_NOOP("Words", "For a minute, unless told otherwise here or by \"set wait-limit\"."),
-     F::AnyAssessment, F::Nothing, F::Nothing, 1, 3, {P::Amount, P::Keyword, P::Seconds}, "within", waitAssessment, checkWait},
-    {"expect learners", "N", QT_TRANSLATE_NOOP("Words", "Fail unless N learners are here."),
-     "",
-     F::Nothing, F::Nothing, F::Nothing, 1, 1, {P::Number}, "", expectLearners},
-    {"expect answers", "N|all", QT_TRANSLATE_NOOP("Words", "Fail unless the last poll has N answers, or those of all learners."),
-     "",
-     F::AnyPoll, F::Nothing, F::Nothing, 1, 1, {P::Amount}, "", expectAnswers},
-    {"expect assessment", "N|all", QT_TRANSLATE_NOOP("Words", "Fail unless N learners, or all, have finished the assessment."),
-     "",
-     F::AnyAssessment, F::Nothing, F::Nothing, 1, 1, {P::Amount}, "", expectAssessment},
-    {"say", "[TEXT]", QT_TRANSLATE_NOOP("Words", "Print a line."),
-     "",
-     F::Nothing, F::Nothing, F::Nothing, 0, asText, {}, "", say},
-    {"heading", "TEXT", QT_TRANSLATE_NOOP("Words", "Print a heading."),
-     "",
-     F::Nothing, F::Nothing, F::Nothing, 1, asText, {}, "", heading},
-    {"pause", "SECONDS", QT_TRANSLATE_NOOP("Words", "Do nothing for a while."),
-     "",
-     F::Nothing, F::Nothing, F::Nothing, 1, 1, {P::Seconds}, "", pause},
-};
-// clang-format on
-
 } // namespace
 
+// A row tells all about a command; clang-format would put each member on a line of its own.
+// clang-format off
 QVector<Command> CommandTable::flow()
 {
-    return QVector<Command>(std::begin(rows), std::end(rows));
+    return {
+        {"wait learners", "N [within SECONDS]", QT_TRANSLATE_NOOP("Words", "Wait until N learners are here."),
+         QT_TRANSLATE_NOOP("Words", "For a minute, unless told otherwise here or by \"set wait-limit\"."),
+         F::Channel, F::Nothing, F::Nothing, 1, 3, {P::Number, P::Keyword, P::Seconds}, "within", waitLearners, checkWait},
+        {"wait answers", "N|all [within SECONDS]", QT_TRANSLATE_NOOP("Words", "Wait until N answers have come, or those of all learners."),
+         QT_TRANSLATE_NOOP("Words", "For a minute, unless told otherwise here or by \"set wait-limit\"."),
+         F::AnyPoll, F::Nothing, F::Nothing, 1, 3, {P::Amount, P::Keyword, P::Seconds}, "within", waitAnswers, checkWait},
+        {"wait assessment", "N|all [within SECONDS]", QT_TRANSLATE_NOOP("Words", "Wait until N learners, or all, have finished the assessment."),
+         QT_TRANSLATE_NOOP("Words", "For a minute, unless told otherwise here or by \"set wait-limit\"."),
+         F::AnyAssessment, F::Nothing, F::Nothing, 1, 3, {P::Amount, P::Keyword, P::Seconds}, "within", waitAssessment, checkWait},
+        {"expect learners", "N", QT_TRANSLATE_NOOP("Words", "Fail unless N learners are here."),
+         "",
+         F::Nothing, F::Nothing, F::Nothing, 1, 1, {P::Number}, "", expectLearners},
+        {"expect answers", "N|all", QT_TRANSLATE_NOOP("Words", "Fail unless the last poll has N answers, or those of all learners."),
+         "",
+         F::AnyPoll, F::Nothing, F::Nothing, 1, 1, {P::Amount}, "", expectAnswers},
+        {"expect assessment", "N|all", QT_TRANSLATE_NOOP("Words", "Fail unless N learners, or all, have finished the assessment."),
+         "",
+         F::AnyAssessment, F::Nothing, F::Nothing, 1, 1, {P::Amount}, "", expectAssessment},
+        {"say", "[TEXT]", QT_TRANSLATE_NOOP("Words", "Print a line."),
+         "",
+         F::Nothing, F::Nothing, F::Nothing, 0, asText, {}, "", say},
+        {"heading", "TEXT", QT_TRANSLATE_NOOP("Words", "Print a heading."),
+         "",
+         F::Nothing, F::Nothing, F::Nothing, 1, asText, {}, "", heading},
+        {"pause", "SECONDS", QT_TRANSLATE_NOOP("Words", "Do nothing for a while."),
+         "",
+         F::Nothing, F::Nothing, F::Nothing, 1, 1, {P::Seconds}, "", pause},
+    };
 }
+// clang-format on

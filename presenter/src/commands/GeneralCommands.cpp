@@ -75,26 +75,24 @@ Outcome quit(CommandContext& context, const Arguments&)
 namespace F = Fact;
 using P = Place;
 
-// A row tells all about a command; clang-format would put each member on a line of its own.
-// clang-format off
-const Command rows[] = {
-    {"set", "NAME VALUE ...", QT_TRANSLATE_NOOP("Words", "Change a setting."),
-     QT_TRANSLATE_NOOP("Words", "transports NAME ...: those to use for the next session instead of the tenant's.\n"
-     "open-limit SECONDS: how long a transport may take to open; 0 is no limit.\n"
-     "wait-limit SECONDS: how long a \"wait\" lasts when it does not say."),
-     F::Nothing, F::Nothing, F::Nothing, 2, 4, {P::Keyword}, "transports open-limit wait-limit", set, checkSet},
-    {"help", "[TOPIC | COMMAND]", QT_TRANSLATE_NOOP("Words", "List the commands, or explain a topic or one of them."),
-     "",
-     F::Nothing, F::Nothing, F::Nothing, 0, 2, {P::CommandName, P::CommandName}, "", help},
-    {"quit", "", QT_TRANSLATE_NOOP("Words", "End the lesson: stop the session, log out, leave."),
-     QT_TRANSLATE_NOOP("Words", "Ctrl-D does so, too."),
-     F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", quit},
-};
-// clang-format on
-
 } // namespace
 
+// A row tells all about a command; clang-format would put each member on a line of its own.
+// clang-format off
 QVector<Command> CommandTable::general()
 {
-    return QVector<Command>(std::begin(rows), std::end(rows));
+    return {
+        {"set", "NAME VALUE ...", QT_TRANSLATE_NOOP("Words", "Change a setting."),
+         QT_TRANSLATE_NOOP("Words", "transports NAME ...: those to use for the next session instead of the tenant's.\n"
+         "open-limit SECONDS: how long a transport may take to open; 0 is no limit.\n"
+         "wait-limit SECONDS: how long a \"wait\" lasts when it does not say."),
+         F::Nothing, F::Nothing, F::Nothing, 2, 4, {P::Keyword}, "transports open-limit wait-limit", set, checkSet},
+        {"help", "[TOPIC | COMMAND]", QT_TRANSLATE_NOOP("Words", "List the commands, or explain a topic or one of them."),
+         "",
+         F::Nothing, F::Nothing, F::Nothing, 0, 2, {P::CommandName, P::CommandName}, "", help},
+        {"quit", "", QT_TRANSLATE_NOOP("Words", "End the lesson: stop the session, log out, leave."),
+         QT_TRANSLATE_NOOP("Words", "Ctrl-D does so, too."),
+         F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", quit},
+    };
 }
+// clang-format on

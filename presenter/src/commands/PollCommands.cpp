@@ -90,7 +90,7 @@ Outcome pollStop(CommandContext& context, const Arguments& given)
     return context.require(Fact::Channel);
 }
 
-Outcome setPaused(CommandContext& context, bool paused)
+Outcome pausePoll(CommandContext& context, bool paused)
 {
     paused ? context.lesson.pause() : context.lesson.resume();
     context.screen.note(paused ? Words::tr("The poll is paused; \"poll resume\" goes on.")
@@ -100,23 +100,23 @@ Outcome setPaused(CommandContext& context, bool paused)
 
 Outcome pollPause(CommandContext& context, const Arguments&)
 {
-    return setPaused(context, true);
+    return pausePoll(context, true);
 }
 
 Outcome pollResume(CommandContext& context, const Arguments&)
 {
-    return setPaused(context, false);
+    return pausePoll(context, false);
 }
 
 Outcome pollStatus(CommandContext& context, const Arguments&)
 {
-    constexpr int mostNames = 10;
+    constexpr int mostMissing = 10;
     const Calyx::Poll* const poll = context.lesson.poll();
     if (!poll->isRunning() || !context.screen.isLive()) // else it stands there anyway
         context.screen.print(Chart::all(Charts::of(*poll), context.screen.style()));
     const QStringList missing = ArgumentReader::names(*context.lesson.roster(), poll->missing());
     if (!missing.isEmpty())
-        context.screen.print(Words::tr("  No answer yet from %1.").arg(Text::list(missing, mostNames)));
+        context.screen.print(Words::tr("  No answer yet from %1.").arg(Text::list(missing, mostMissing)));
     return Outcome::done();
 }
 
@@ -147,48 +147,46 @@ Outcome save(CommandContext& context, const Arguments& arguments)
 namespace F = Fact;
 using P = Place;
 
-// A row tells all about a command; clang-format would put each member on a line of its own.
-// clang-format off
-const Command rows[] = {
-    {"poll", "TYPE [ORDINAL] [OPTIONS] [EXTRA] [text=TEXT] [choices=A|B] [answer=ANSWER] [picture FILE | upload FILE | ref REFERENCE]", QT_TRANSLATE_NOOP("Words", "Put a poll to the learners."),
-     QT_TRANSLATE_NOOP("Words", "TYPE: true-false, yes-no-other, multiple, scale, sort, text, word-seed, number, creative, "
-     "math-formula. ORDINAL labels the options: true-false, yes-no, yes-no-maybe, yes-no-unsure, "
-     "yes-no-other, alpha-upper, alpha-lower, number, agreement, confidence, generic. OPTIONS is "
-     "their number; of a number poll, its decimals. EXTRA is the number of correct options of a "
-     "multiple choice. TEXT is the question, and the choices are what its options say: devices show "
-     "them. ANSWER is what is right, for the marks; \"help assessment question\" tells more. What is left out is what the type usually has. A picture is a PNG file "
-     "that travels in the message, a file that is uploaded, or an address from which devices can "
-     "load it. A poll that runs is stopped first.\n"
-     "Examples: poll true-false    poll multiple alpha-upper 5 2    poll number 2\n"
-     "poll scale agreement 5 picture images/leaf.png"),
-     F::Channel, F::Poll | F::AnyPoll, F::Nothing, 1, anyNumber, {P::PollType, P::Ordinal}, "text= choices= answer= picture upload ref", poll, checkPoll},
-    {"poll stop", "[within SECONDS]", QT_TRANSLATE_NOOP("Words", "Stop the poll and show its final tally."),
-     QT_TRANSLATE_NOOP("Words", "With SECONDS, when they are over: the learners' devices count them down."),
-     F::Poll, F::Nothing, F::Poll, 0, 2, {P::Keyword, P::Seconds}, "within", pollStop},
-    {"poll pause", "", QT_TRANSLATE_NOOP("Words", "Let the learners pause."),
-     "",
-     F::Channel | F::Poll, F::Nothing, F::Nothing, 0, 0, {}, "", pollPause},
-    {"poll resume", "", QT_TRANSLATE_NOOP("Words", "Let the learners go on."),
-     "",
-     F::Channel | F::Poll, F::Nothing, F::Nothing, 0, 0, {}, "", pollResume},
-    {"poll status", "", QT_TRANSLATE_NOOP("Words", "Show the answers so far and whose are missing."),
-     "",
-     F::AnyPoll, F::Nothing, F::Nothing, 0, 0, {}, "", pollStatus},
-    {"poll results", "", QT_TRANSLATE_NOOP("Words", "Show the learners how the poll came out."),
-     QT_TRANSLATE_NOOP("Words", "Each gets the counts on his device and, where an answer is right, whether his is."),
-     F::AnyPoll | F::Channel | F::Now, F::Nothing, F::Nothing, 0, 0, {}, "", pollResults},
-    {"summary", "", QT_TRANSLATE_NOOP("Words", "Show a table of all polls so far, and what assessments came to."),
-     QT_TRANSLATE_NOOP("Words", "When the session ends, it is shown once more if something has changed."),
-     F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", summary},
-    {"save", "FILE", QT_TRANSLATE_NOOP("Words", "Save who was here, every question, every answer and the marks."),
-     QT_TRANSLATE_NOOP("Words", "As JSON, or as a table where FILE ends in \".csv\"."),
-     F::Nothing, F::Nothing, F::Nothing, 1, 1, {P::NewFile}, "", save},
-};
-// clang-format on
-
 } // namespace
 
+// A row tells all about a command; clang-format would put each member on a line of its own.
+// clang-format off
 QVector<Command> CommandTable::polls()
 {
-    return QVector<Command>(std::begin(rows), std::end(rows));
+    return {
+        {"poll", "TYPE [ORDINAL] [OPTIONS] [EXTRA] [text=TEXT] [choices=A|B] [answer=ANSWER] [picture FILE | upload FILE | ref REFERENCE]", QT_TRANSLATE_NOOP("Words", "Put a poll to the learners."),
+         QT_TRANSLATE_NOOP("Words", "TYPE: true-false, yes-no-other, multiple, scale, sort, text, word-seed, number, creative, "
+         "math-formula. ORDINAL labels the options: true-false, yes-no, yes-no-maybe, yes-no-unsure, "
+         "yes-no-other, alpha-upper, alpha-lower, number, agreement, confidence, generic. OPTIONS is "
+         "their number; of a number poll, its decimals. EXTRA is the number of correct options of a "
+         "multiple choice. TEXT is the question, and the choices are what its options say: devices show "
+         "them. ANSWER is what is right, for the marks; \"help assessment question\" tells more. What is left out is what the type usually has. A picture is a PNG file "
+         "that travels in the message, a file that is uploaded, or an address from which devices can "
+         "load it. A poll that runs is stopped first.\n"
+         "Examples: poll true-false    poll multiple alpha-upper 5 2    poll number 2\n"
+         "poll scale agreement 5 picture images/leaf.png"),
+         F::Channel, F::Poll | F::AnyPoll, F::Nothing, 1, anyNumber, {P::PollType, P::Ordinal}, "text= choices= answer= picture upload ref", poll, checkPoll},
+        {"poll stop", "[within SECONDS]", QT_TRANSLATE_NOOP("Words", "Stop the poll and show its final tally."),
+         QT_TRANSLATE_NOOP("Words", "With SECONDS, when they are over: the learners' devices count them down."),
+         F::Poll, F::Nothing, F::Poll, 0, 2, {P::Keyword, P::Seconds}, "within", pollStop},
+        {"poll pause", "", QT_TRANSLATE_NOOP("Words", "Let the learners pause."),
+         "",
+         F::Channel | F::Poll, F::Nothing, F::Nothing, 0, 0, {}, "", pollPause},
+        {"poll resume", "", QT_TRANSLATE_NOOP("Words", "Let the learners go on."),
+         "",
+         F::Channel | F::Poll, F::Nothing, F::Nothing, 0, 0, {}, "", pollResume},
+        {"poll status", "", QT_TRANSLATE_NOOP("Words", "Show the answers so far and whose are missing."),
+         "",
+         F::AnyPoll, F::Nothing, F::Nothing, 0, 0, {}, "", pollStatus},
+        {"poll results", "", QT_TRANSLATE_NOOP("Words", "Show the learners how the poll came out."),
+         QT_TRANSLATE_NOOP("Words", "Each gets the counts on his device and, where an answer is right, whether his is."),
+         F::AnyPoll | F::Channel | F::Now, F::Nothing, F::Nothing, 0, 0, {}, "", pollResults},
+        {"summary", "", QT_TRANSLATE_NOOP("Words", "Show a table of all polls so far, and what assessments came to."),
+         QT_TRANSLATE_NOOP("Words", "When the session ends, it is shown once more if something has changed."),
+         F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", summary},
+        {"save", "FILE", QT_TRANSLATE_NOOP("Words", "Save who was here, every question, every answer and the marks."),
+         QT_TRANSLATE_NOOP("Words", "As JSON, or as a table where FILE ends in \".csv\"."),
+         F::Nothing, F::Nothing, F::Nothing, 1, 1, {P::NewFile}, "", save},
+    };
 }
+// clang-format on

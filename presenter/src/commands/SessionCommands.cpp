@@ -273,54 +273,52 @@ Outcome removeLearner(CommandContext& context, const Arguments& arguments)
 namespace F = Fact;
 using P = Place;
 
-// A row tells all about a command; clang-format would put each member on a line of its own.
-// clang-format off
-const Command rows[] = {
-    {"session start", "[within SECONDS]", QT_TRANSLATE_NOOP("Words", "Create a session and go live."),
-     QT_TRANSLATE_NOOP("Words", "Waits until the live channel is open: for as long as the transports may take together, or "
-     "for SECONDS. Does \"session create\" and \"session live\" in one."),
-     F::Login, F::Session | F::Opened | F::Channel, F::Nothing, 0, 2, {P::Keyword, P::Seconds}, "within", goLive},
-    {"session resume", "[FILE]", QT_TRANSLATE_NOOP("Words", "Take up a session whose presenter was killed."),
-     QT_TRANSLATE_NOOP("Words", "With the learners who are still in it, and with all that was asked and answered. FILE is the journal, "
-     "where it is not the one that this program writes by itself."),
-     F::Login, F::TheSession | F::AnyPoll | F::AnyAssessment, F::Nothing, 0, 1, {P::File}, "", sessionResume},
-    {"session create", "", QT_TRANSLATE_NOOP("Words", "Create a session, without starting it."),
-     "",
-     F::Login, F::Session, F::Nothing, 0, 0, {}, "", sessionCreate},
-    {"session live", "[within SECONDS]", QT_TRANSLATE_NOOP("Words", "Start the created session and open its live channel."),
-     "",
-     F::Session, F::Opened | F::Channel, F::Nothing, 0, 2, {P::Keyword, P::Seconds}, "within", goLive},
-    {"session reconnect", "[TRANSPORT ...]", QT_TRANSLATE_NOOP("Words", "Open the live channel again."),
-     QT_TRANSLATE_NOOP("Words", "With the transports as before, or with those named."),
-     F::Opened, F::Channel, F::Nothing, 0, 3, {P::Transport, P::Transport, P::Transport}, "", sessionReconnect},
-    {"session disconnect", "", QT_TRANSLATE_NOOP("Words", "Close the live channel, for the learners the end of the session."),
-     "",
-     F::Channel | F::Now, F::Nothing, F::Channel, 0, 0, {}, "", sessionDisconnect},
-    {"session info", "", QT_TRANSLATE_NOOP("Words", "Show the session's code, address, transports and state."),
-     "",
-     F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", sessionInfo},
-    {"session stop", "", QT_TRANSLATE_NOOP("Words", "Stop the session."),
-     QT_TRANSLATE_NOOP("Words", "A poll that runs is stopped first."),
-     F::Session, F::Nothing, F::TheSession, 0, 0, {}, "", sessionStop},
-    {"learners", "", QT_TRANSLATE_NOOP("Words", "List the learners who are here."),
-     "",
-     F::Opened, F::Nothing, F::Nothing, 0, 0, {}, "", learners},
-    {"remove", "LEARNER", QT_TRANSLATE_NOOP("Words", "Send a learner's device away."),
-     QT_TRANSLATE_NOOP("Words", "LEARNER is a name, the beginning of one, or a device id."),
-     F::Channel | F::Now, F::Nothing, F::Nothing, 1, 1, {P::Learner}, "", removeLearner},
-    {"retry", "", QT_TRANSLATE_NOOP("Words", "Try at once to find the way back to a lost session."),
-     QT_TRANSLATE_NOOP("Words", "By itself that is tried in between, for as long as the session may live. What is done meanwhile reaches the "
-     "learners when the connection is back."),
-     F::Opened, F::Nothing, F::Nothing, 0, 0, {}, "", retry},
-    {"r", "", QT_TRANSLATE_NOOP("Words", "The same as \"retry\"."),
-     "",
-     F::Opened, F::Nothing, F::Nothing, 0, 0, {}, "", retry},
-};
-// clang-format on
-
 } // namespace
 
+// A row tells all about a command; clang-format would put each member on a line of its own.
+// clang-format off
 QVector<Command> CommandTable::session()
 {
-    return QVector<Command>(std::begin(rows), std::end(rows));
+    return {
+        {"session start", "[within SECONDS]", QT_TRANSLATE_NOOP("Words", "Create a session and go live."),
+         QT_TRANSLATE_NOOP("Words", "Waits until the live channel is open: for as long as the transports may take together, or "
+         "for SECONDS. Does \"session create\" and \"session live\" in one."),
+         F::Login, F::Session | F::Opened | F::Channel, F::Nothing, 0, 2, {P::Keyword, P::Seconds}, "within", goLive},
+        {"session resume", "[FILE]", QT_TRANSLATE_NOOP("Words", "Take up a session whose presenter was killed."),
+         QT_TRANSLATE_NOOP("Words", "With the learners who are still in it, and with all that was asked and answered. FILE is the journal, "
+         "where it is not the one that this program writes by itself."),
+         F::Login, F::TheSession | F::AnyPoll | F::AnyAssessment, F::Nothing, 0, 1, {P::File}, "", sessionResume},
+        {"session create", "", QT_TRANSLATE_NOOP("Words", "Create a session, without starting it."),
+         "",
+         F::Login, F::Session, F::Nothing, 0, 0, {}, "", sessionCreate},
+        {"session live", "[within SECONDS]", QT_TRANSLATE_NOOP("Words", "Start the created session and open its live channel."),
+         "",
+         F::Session, F::Opened | F::Channel, F::Nothing, 0, 2, {P::Keyword, P::Seconds}, "within", goLive},
+        {"session reconnect", "[TRANSPORT ...]", QT_TRANSLATE_NOOP("Words", "Open the live channel again."),
+         QT_TRANSLATE_NOOP("Words", "With the transports as before, or with those named."),
+         F::Opened, F::Channel, F::Nothing, 0, 3, {P::Transport, P::Transport, P::Transport}, "", sessionReconnect},
+        {"session disconnect", "", QT_TRANSLATE_NOOP("Words", "Close the live channel, for the learners the end of the session."),
+         "",
+         F::Channel | F::Now, F::Nothing, F::Channel, 0, 0, {}, "", sessionDisconnect},
+        {"session info", "", QT_TRANSLATE_NOOP("Words", "Show the session's code, address, transports and state."),
+         "",
+         F::Nothing, F::Nothing, F::Nothing, 0, 0, {}, "", sessionInfo},
+        {"session stop", "", QT_TRANSLATE_NOOP("Words", "Stop the session."),
+         QT_TRANSLATE_NOOP("Words", "A poll that runs is stopped first."),
+         F::Session, F::Nothing, F::TheSession, 0, 0, {}, "", sessionStop},
+        {"learners", "", QT_TRANSLATE_NOOP("Words", "List the learners who are here."),
+         "",
+         F::Opened, F::Nothing, F::Nothing, 0, 0, {}, "", learners},
+        {"remove", "LEARNER", QT_TRANSLATE_NOOP("Words", "Send a learner's device away."),
+         QT_TRANSLATE_NOOP("Words", "LEARNER is a name, the beginning of one, or a device id."),
+         F::Channel | F::Now, F::Nothing, F::Nothing, 1, 1, {P::Learner}, "", removeLearner},
+        {"retry", "", QT_TRANSLATE_NOOP("Words", "Try at once to find the way back to a lost session."),
+         QT_TRANSLATE_NOOP("Words", "By itself that is tried in between, for as long as the session may live. What is done meanwhile reaches the "
+         "learners when the connection is back."),
+         F::Opened, F::Nothing, F::Nothing, 0, 0, {}, "", retry},
+        {"r", "", QT_TRANSLATE_NOOP("Words", "The same as \"retry\"."),
+         "",
+         F::Opened, F::Nothing, F::Nothing, 0, 0, {}, "", retry},
+    };
 }
+// clang-format on

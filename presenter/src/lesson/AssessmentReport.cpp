@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr int hundred = 100;
-
 using namespace Calyx;
 
 QString sign(int mark, bool unicode)
@@ -81,9 +79,8 @@ QStringList AssessmentReport::byQuestion(const Assessment& assessment, const Sty
         const int answers = assessment.answeredBy(number);
         const int right = assessment.rightBy(number);
         const bool isMarked = questions.at(number - 1).isMarked();
-        const int percent = answers > 0 ? (right * hundred + answers / 2) / answers : 0;
         rows.append({QString::number(answers), isMarked ? QString::number(right) : QString(),
-                     isMarked ? QStringLiteral("%1 %").arg(percent) : QString(),
+                     isMarked ? QStringLiteral("%1 %").arg(Text::percent(right, answers)) : QString(),
                      Charts::title(questions.at(number - 1), number)});
     }
     return Table::lines({Words::tr("Answers"), Words::tr("Right"), QString(), Words::tr("Question")}, rows,

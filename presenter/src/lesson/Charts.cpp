@@ -8,8 +8,6 @@ using namespace Calyx;
 
 namespace {
 
-constexpr int second = 1000; // ms
-
 QVector<Bar> barsOf(const Poll& poll)
 {
     const Question question = poll.question();
@@ -37,11 +35,12 @@ ChartData Charts::of(const Poll& poll)
     data.bars = barsOf(poll);
     data.answered = poll.answered();
     data.expected = poll.expected();
-    data.seconds = static_cast<int>(poll.elapsed() / second);
+    data.seconds = static_cast<int>(poll.elapsed() / Text::msecsPerSecond);
     data.isPaused = poll.isPaused();
     if (poll.stopsAt().isValid())
-        data.secondsLeft =
-            static_cast<int>((QDateTime::currentDateTime().msecsTo(poll.stopsAt()) + second - 1) / second);
+        data.secondsLeft = static_cast<int>(
+            (QDateTime::currentDateTime().msecsTo(poll.stopsAt()) + Text::msecsPerSecond - 1) /
+            Text::msecsPerSecond);
     return data;
 }
 
@@ -53,7 +52,7 @@ ChartData Charts::of(const Assessment& assessment)
     data.answered = assessment.finished();
     data.expected = assessment.expected();
     data.whole = assessment.rowCount();
-    data.seconds = static_cast<int>(assessment.elapsed() / second);
+    data.seconds = static_cast<int>(assessment.elapsed() / Text::msecsPerSecond);
     data.isPaused = assessment.isPaused();
     const QVector<Question> questions = assessment.plan().questions;
     for (int number = 1; number <= questions.size(); ++number)

@@ -55,10 +55,8 @@ QString barLine(const Bar& bar, int whole, const Measures& measures, const Style
         Text::padRight(Text::elide(bar.label, measures.label, style.unicode), measures.label);
     const QString drawn = Text::padRight(barOf(bar.count, measures, style.unicode), measures.bar);
     const QString count = Text::padLeft(QString::number(bar.count), measures.count);
-    constexpr int hundred = 100;
-    const int percent = whole > 0 ? (bar.count * hundred + whole / 2) / whole : 0;
     return indent + label + indent + style.paint(Ink::Bar, drawn) + indent + count + indent +
-           Text::padLeft(QString::number(percent), 3) + QStringLiteral(" %");
+           Text::padLeft(QString::number(Text::percent(bar.count, whole)), 3) + QStringLiteral(" %");
 }
 
 QString head(const ChartData& data, const Style& style)

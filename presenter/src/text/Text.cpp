@@ -147,6 +147,12 @@ QString Text::seconds(qint64 msecs)
     return number == QLatin1String("1") ? Words::tr("1 second") : Words::tr("%1 seconds").arg(number);
 }
 
+int Text::percent(int part, int whole)
+{
+    constexpr int hundred = 100;
+    return whole > 0 ? (part * hundred + whole / 2) / whole : 0;
+}
+
 QString Text::duration(int seconds)
 {
     return QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));

@@ -34,6 +34,11 @@ QStringList wrap(const QString& text, int columns, int first, int next);
 /// "1 second", "0.5 seconds".
 QString seconds(qint64 msecs);
 
+constexpr int msecsPerSecond = 1000;
+
+/// \p part of \p whole in percent, to the next whole number; 0 of nothing.
+int percent(int part, int whole);
+
 /// Minutes and seconds, "1:05".
 QString duration(int seconds);
 
