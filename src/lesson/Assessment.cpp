@@ -405,10 +405,12 @@ QVariant Assessment::data(const QModelIndex& index, int role) const
         return QVariant();
     const Sheet& sheet = d->sheets.at(index.row());
     const PollAnswer answer = sheet.answers.value(index.column() - FirstQuestion + 1);
-    const QString score = markedCount() > 0 ? tr("%1 of %2").arg(sheet.right).arg(markedCount()) : QString();
+    const auto score = [&] {
+        return markedCount() > 0 ? tr("%1 of %2").arg(sheet.right).arg(markedCount()) : QString();
+    };
     switch (role) {
     case Qt::DisplayRole:
-        return index.column() == Name ? sheet.name : index.column() == Score ? score : answer.text;
+        return index.column() == Name ? sheet.name : index.column() == Score ? score() : answer.text;
     case DeviceIdRole:
         return sheet.deviceId;
     case AnswerRole:

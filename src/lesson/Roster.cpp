@@ -78,8 +78,12 @@ bool Roster::join(const Learner& learner, const QDateTime& at)
     const int row = d->rows.value(learner.deviceId);
     Member& member = d->members[row];
     const bool isNew = !member.isPresent;
-    member.name = LessonText::clean(learner.userName, LessonText::longestName);
-    member.deviceType = LessonText::clean(learner.deviceType, LessonText::longestName);
+    const QString name =
+        std::exchange(member.name, LessonText::clean(learner.userName, LessonText::longestName));
+    const QString type =
+        std::exchange(member.deviceType, LessonText::clean(learner.deviceType, LessonText::longestName));
+    if (!isNew && name == member.name && type == member.deviceType)
+        return false; // as most are when a lost channel is back
     if (isNew) {
         member.isPresent = true;
         member.stays.append({at, QDateTime()});
