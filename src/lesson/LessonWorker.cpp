@@ -333,6 +333,7 @@ void LessonWorker::adopt(PresenterCollab* collab)
     });
     connect(collab, &PresenterCollab::learnerUnregister, this, [this](const QString& deviceId) {
         m_heard.remove(deviceId);
+        m_left.insert(deviceId);
         onGone([deviceId](LessonListener* listener, const QString& by) { listener->onLeave(deviceId, by); });
     });
     connect(collab, &PresenterCollab::learnerPollResponse, this,
@@ -368,6 +369,8 @@ void LessonWorker::adopt(PresenterCollab* collab)
                 }
                 if (!isOurs)
                     report([=](LessonListener* listener) { listener->onMessage(type, from, data); });
+                else if (type == pulseType && std::exchange(m_isListEarly, false))
+                    enqueue(true, [this] { reportMissed(); });
             });
 }
 
@@ -398,19 +401,17 @@ void LessonWorker::reportOpened(int ticket, bool isReturn)
     opening.isReturn = isReturn;
     m_isOpen = true;
     m_heard.clear();
-    QList<ServiceClient::User> users;
-    opening.hasLearners = m_client->askUsers(m_sessionToken, &users).isFine();
+    opening.hasLearners = askLearners(&opening.learners);
     if (!m_isOpen || m_isCancelled) { // lost again meanwhile
         m_isOpen = false;
         report(
             [=](LessonListener* listener) { listener->onNotOpened(ticket, error(LessonError::NoChannel)); });
         return;
     }
-    for (const ServiceClient::User& user : std::as_const(users)) {
-        if (user.mode == QLatin1String("learner"))
-            opening.learners.append(user.device);
-    }
     opening.heard = m_heard;
+    for (const Learner& learner : std::as_const(opening.learners))
+        m_heard.insert(learner.deviceId);
+    m_isListEarly = true;
     if (m_collab)
         m_lastTransport = SockJSConnector::PROTOCOL_TYPE_STR().value(m_collab->connector()->protocol());
     m_lastLook = QDateTime::currentMSecsSinceEpoch();
@@ -422,6 +423,34 @@ void LessonWorker::reportOpened(int ticket, bool isReturn)
     for (const auto& work : std::exchange(m_waiting, {})) {
         if (m_collab)
             work(m_collab);
+    }
+}
+
+// All but those who have left since the service was asked.
+bool LessonWorker::askLearners(QList<Learner>* learners)
+{
+    QList<ServiceClient::User> users;
+    m_left.clear();
+    const bool isFine = m_client->askUsers(m_sessionToken, &users).isFine();
+    for (const ServiceClient::User& user : std::as_const(users)) {
+        if (user.mode == QLatin1String("learner") && !m_left.contains(user.device.deviceId))
+            learners->append(user.device);
+    }
+    return isFine;
+}
+
+// What registers us on the bus can take longer than the service's list: who joins in between is on neither.
+void LessonWorker::reportMissed()
+{
+    QList<Learner> learners;
+    QSet<QString> known = m_heard;
+    if (m_isOpen)
+        askLearners(&learners);
+    known.unite(m_heard);
+    for (const Learner& learner : std::as_const(learners)) {
+        m_heard.insert(learner.deviceId);
+        if (m_isOpen && !known.contains(learner.deviceId))
+            report([learner](LessonListener* listener) { listener->onJoin(learner); });
     }
 }
 

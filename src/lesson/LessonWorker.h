@@ -159,6 +159,8 @@ private:
     void setLimits();
     LessonError renewLogin();
     void reportOpened(int ticket, bool isReturn);
+    bool askLearners(QList<Learner>* learners);
+    void reportMissed();
     bool waitForChannel();
     void adopt(PresenterCollab* collab);
     QStringList transportsForReturn() const;
@@ -186,10 +188,12 @@ private:
     QString m_sessionToken;
     std::deque<Operation> m_queue;
     std::deque<std::function<void(PresenterCollab*)>> m_waiting; // for the channel
-    QSet<QString> m_heard;
-    std::vector<Gone> m_gone; // as the message says that is being read
-    QSet<QString> m_remotes;  // devices that the service knows as such
-    QSet<QString> m_others;   // devices that have commanded, and are none
+    QSet<QString> m_heard;                                       // learners who are known to be here
+    QSet<QString> m_left;                                        // since the service was asked for them
+    bool m_isListEarly = false;                                  // the bus may not have known us yet
+    std::vector<Gone> m_gone;                                    // as the message says that is being read
+    QSet<QString> m_remotes;                                     // devices that the service knows as such
+    QSet<QString> m_others;                                      // devices that have commanded, and are none
     QTimer m_abort;
     QTimer m_watch;
     QElapsedTimer m_lastPulse; // when the far end was asked for a sign of life

@@ -7,6 +7,7 @@
 
 #include <QElapsedTimer>
 #include <QMetaEnum>
+#include <QSignalSpy>
 #include <QTcpServer>
 #include <QTest>
 #include <QTranslator>
@@ -228,6 +229,7 @@ private Q_SLOTS:
         QCOMPARE(class_.lesson->roster()->presentCount(), 2);
         class_.lesson->ask(Question::usual(PollType::MULTIPLE));
         QVERIFY(!class_.sent("questionStart").isEmpty());
+        class_.expectUsers();
         class_.hear(class_.sent("pulse"));                                    // follows each message
         class_.lesson->setName(QStringLiteral("id"), QStringLiteral("name")); // told to the remote control
         QCOMPARE(class_.published(), QStringList());
@@ -254,13 +256,36 @@ private Q_SLOTS:
         class_.lesson->ask(Question::usual(PollType::MULTIPLE));
         QVERIFY(!class_.sent("questionStart").isEmpty());
         const QJsonObject pulse = class_.sent("pulse"); // follows each message
-        if (hasArrived)
+        if (hasArrived) {
+            class_.expectUsers();
             class_.hear(pulse);
+        }
         class_.lesson->setLocked(true);
         QVERIFY(!class_.sent("dialogShow").isEmpty());
         QVERIFY(class_.loseAndReturn([](Lesson&) {}));
         QCOMPARE(class_.published(), published);
         class_.service.expectNoMore();
+    }
+
+    // The service can list the learners before the bus knows where we are to hear of others.
+    void listsLearnersAgain()
+    {
+        Class class_;
+        QVERIFY(class_.start());
+        class_.lesson->ask(Question::usual(PollType::MULTIPLE));
+        QVERIFY(!class_.sent("questionStart").isEmpty());
+        const QJsonObject pulse = class_.sent("pulse");
+        QSignalSpy joined(class_.lesson->roster(), &Roster::joined);
+        class_.service.expect("/tavisto/session/getusers", Answer::json(R"({"data":{"users":[
+            {"userToken":"D2","mode":"learner"},{"userToken":"D3","mode":"learner"}]}})"));
+        class_.hear(pulse);
+        class_.hear(pulse); // once is enough
+        QVERIFY(waitFor([&] { return class_.lesson->roster()->presentCount() == 3; }));
+        QCOMPARE(joined.takeFirst(), QVariantList{QStringLiteral("D3")});
+        class_.lesson->setName(QStringLiteral("id"), QStringLiteral("name")); // is told last
+        QCOMPARE(class_.published(), QStringList{"questionStart T.user.D3"});
+        QVERIFY(joined.isEmpty());
+        QVERIFY(class_.end());
     }
 
     void leavesLossesToTheHost()
