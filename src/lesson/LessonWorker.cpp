@@ -32,6 +32,7 @@ constexpr int pulsePace = 8500;
 constexpr int echoLimit =
     5000; // the three together less than 15 s, in which a far end that is gone is noticed
 constexpr int hastyEchoLimit = 2000;
+constexpr int joiningTime = 2000; // from the service's list to the device's own word on the bus
 
 // What a presenter publishes to its own address comes back to it.
 const QString pulseType = QStringLiteral("pulse");
@@ -45,7 +46,12 @@ QString senderOf(const QString& message)
 } // namespace
 
 LessonWorker::LessonWorker(std::shared_ptr<Inbox::Slot> inbox, LessonListener* listener)
-    : m_inbox(std::move(inbox)), m_listener(listener), m_abort(this), m_watch(this), m_echoLimit(this)
+    : m_inbox(std::move(inbox))
+    , m_listener(listener)
+    , m_abort(this)
+    , m_watch(this)
+    , m_echoLimit(this)
+    , m_joining(this)
 {
     connect(&m_watch, &QTimer::timeout, this, &LessonWorker::watch);
     m_echoLimit.setSingleShot(true);
@@ -53,6 +59,9 @@ LessonWorker::LessonWorker(std::shared_ptr<Inbox::Slot> inbox, LessonListener* l
         if (m_isOpen && m_collab && m_echoes)
             m_collab->connector()->close();
     });
+    m_joining.setSingleShot(true);
+    m_joining.setInterval(joiningTime);
+    connect(&m_joining, &QTimer::timeout, this, &LessonWorker::reportMissed);
     // An operation of the client makes several requests, and does not know that it is not wanted any more.
     connect(&m_abort, &QTimer::timeout, this, &LessonWorker::abort);
 }
@@ -370,7 +379,7 @@ void LessonWorker::adopt(PresenterCollab* collab)
                 if (!isOurs)
                     report([=](LessonListener* listener) { listener->onMessage(type, from, data); });
                 else if (type == pulseType && std::exchange(m_isListEarly, false))
-                    enqueue(true, [this] { reportMissed(); });
+                    enqueue(true, [this] { listAgain(); });
             });
 }
 
@@ -412,6 +421,7 @@ void LessonWorker::reportOpened(int ticket, bool isReturn)
     for (const Learner& learner : std::as_const(opening.learners))
         m_heard.insert(learner.deviceId);
     m_isListEarly = true;
+    m_joining.stop();
     if (m_collab)
         m_lastTransport = SockJSConnector::PROTOCOL_TYPE_STR().value(m_collab->connector()->protocol());
     m_lastLook = QDateTime::currentMSecsSinceEpoch();
@@ -440,16 +450,20 @@ bool LessonWorker::askLearners(QList<Learner>* learners)
 }
 
 // What registers us on the bus can take longer than the service's list: who joins in between is on neither.
+void LessonWorker::listAgain()
+{
+    m_missed.clear();
+    if (m_isOpen && askLearners(&m_missed))
+        m_joining.start();
+}
+
+// But for those who were only about to join.
 void LessonWorker::reportMissed()
 {
-    QList<Learner> learners;
-    QSet<QString> known = m_heard;
-    if (m_isOpen)
-        askLearners(&learners);
-    known.unite(m_heard);
-    for (const Learner& learner : std::as_const(learners)) {
+    for (const Learner& learner : std::as_const(m_missed)) {
+        const bool isKnown = m_heard.contains(learner.deviceId) || m_left.contains(learner.deviceId);
         m_heard.insert(learner.deviceId);
-        if (m_isOpen && !known.contains(learner.deviceId))
+        if (m_isOpen && !isKnown)
             report([learner](LessonListener* listener) { listener->onJoin(learner); });
     }
 }

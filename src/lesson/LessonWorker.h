@@ -160,6 +160,7 @@ private:
     LessonError renewLogin();
     void reportOpened(int ticket, bool isReturn);
     bool askLearners(QList<Learner>* learners);
+    void listAgain();
     void reportMissed();
     bool waitForChannel();
     void adopt(PresenterCollab* collab);
@@ -189,6 +190,7 @@ private:
     std::deque<Operation> m_queue;
     std::deque<std::function<void(PresenterCollab*)>> m_waiting; // for the channel
     QSet<QString> m_heard;                                       // learners who are known to be here
+    QList<Learner> m_missed;                                     // of the second list
     QSet<QString> m_left;                                        // since the service was asked for them
     bool m_isListEarly = false;                                  // the bus may not have known us yet
     std::vector<Gone> m_gone;                                    // as the message says that is being read
@@ -198,6 +200,7 @@ private:
     QTimer m_watch;
     QElapsedTimer m_lastPulse; // when the far end was asked for a sign of life
     QTimer m_echoLimit;        // until it has to be there
+    QTimer m_joining;          // until those of m_missed have joined by themselves
     qint64 m_lastLook = 0;     // at the time of day, in ms
     bool m_echoes = false;     // the far end has given one
     QElapsedTimer m_clock;     // since the operation has begun

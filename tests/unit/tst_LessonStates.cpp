@@ -276,7 +276,7 @@ private Q_SLOTS:
         QVERIFY(!class_.sent("questionStart").isEmpty());
         const QJsonObject pulse = class_.sent("pulse");
         QSignalSpy joined(class_.lesson->roster(), &Roster::joined);
-        class_.service.expect("/tavisto/session/getusers", Answer::json(R"({"data":{"users":[
+        class_.service.expect("/tavisto/session/getusers", Answer::json(R"({"success":true,"data":{"users":[
             {"userToken":"D2","mode":"learner"},{"userToken":"D3","mode":"learner"}]}})"));
         class_.hear(pulse);
         class_.hear(pulse); // once is enough
