@@ -39,7 +39,7 @@ struct LessonPrivate;
 /// channel is open (again). So a host may ask, pause and stop while the lesson reconnects.
 ///
 /// Deleting it is allowed in any state and from any slot. It takes 2 s at the most, in which the class is
-/// told goodbye where it can be.
+/// told goodbye where it can be. After the application object is gone nobody is told, and its thread is left.
 class CALYXCLIENT_EXPORT Lesson : public QObject
 {
     Q_OBJECT
