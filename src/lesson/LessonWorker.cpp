@@ -32,7 +32,7 @@ constexpr int pulsePace = 8500;
 constexpr int echoLimit =
     5000; // the three together less than 15 s, in which a far end that is gone is noticed
 constexpr int hastyEchoLimit = 2000;
-constexpr int joiningTime = 2000; // from the service's list to the device's own word on the bus
+constexpr int joiningTime = 5000; // from the service's list to the device's own word on the bus
 
 // What a presenter publishes to its own address comes back to it.
 const QString pulseType = QStringLiteral("pulse");

@@ -277,6 +277,10 @@ private Q_SLOTS:
         constexpr int sleep = 7 * second;
         constexpr int limit = 5 * second;
         const QTemporaryDir folder;
+        const auto posts = [this] {
+            return m_classroom.lines(QStringLiteral("POST /eventbus/")).filter("/xhr_send").size();
+        };
+        const int before = posts();
         std::vector<std::unique_ptr<Peer>> hosts;
         for (const QString& transport : Transport::all)
             hosts.push_back(std::make_unique<Peer>(
@@ -284,6 +288,8 @@ private Q_SLOTS:
         std::vector<std::unique_ptr<Learners>> learners;
         for (const auto& host : hosts)
             QVERIFY(host->waitFor(QStringLiteral("state 4 ")));
+        // The bus knows the addresses of those whose posts are under way.
+        QVERIFY(QTest::qWaitFor([&] { return posts() >= before + 2 * 3; }, patience));
         for (const auto& host : hosts) {
             const QByteArray code = said(*host, "state 4 ");
             host->send(SIGSTOP);
