@@ -341,9 +341,13 @@ void LessonWorker::adopt(PresenterCollab* collab)
         report([learner](LessonListener* listener) { listener->onJoin(learner); });
     });
     connect(collab, &PresenterCollab::learnerUnregister, this, [this](const QString& deviceId) {
-        m_heard.remove(deviceId);
-        m_left.insert(deviceId);
-        onGone([deviceId](LessonListener* listener, const QString& by) { listener->onLeave(deviceId, by); });
+        onGone([this, deviceId](const QString& by) {
+            if (by.isEmpty() || by == deviceId) {
+                m_heard.remove(deviceId);
+                m_left.insert(deviceId);
+            }
+            report([=](LessonListener* listener) { listener->onLeave(deviceId, by); });
+        });
     });
     connect(collab, &PresenterCollab::learnerPollResponse, this,
             [this](const QString& deviceId, const QString& id, int time, const QString& answer) {
@@ -355,7 +359,9 @@ void LessonWorker::adopt(PresenterCollab* collab)
             });
     connect(collab, &PresenterCollab::controllerRegister, this, [this](bool isHere) {
         if (!isHere)
-            onGone([](LessonListener* listener, const QString& by) { listener->onRemoteGone(by); });
+            onGone([this](const QString& by) {
+                report([by](LessonListener* listener) { listener->onRemoteGone(by); });
+            });
     });
     // Called after those that the message has called.
     connect(collab->connector(), &SockJSConnector::sockJSMessage, this, [this](const QString& message) {
@@ -681,7 +687,7 @@ void LessonWorker::onGone(const Gone& gone)
 void LessonWorker::reportGone(const QString& by)
 {
     for (const Gone& gone : std::exchange(m_gone, {}))
-        report([=](LessonListener* listener) { gone(listener, by); });
+        gone(by);
 }
 
 // Every device of the session can send what a remote control sends. The service knows which of them is one.

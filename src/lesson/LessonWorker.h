@@ -170,7 +170,7 @@ private:
     void dropChannel();
     void stopSession();
     QString doUpload(const QByteArray& picture);
-    using Gone = std::function<void(LessonListener*, const QString& by)>;
+    using Gone = std::function<void(const QString& by)>;
     void onGone(const Gone& gone);
     void reportGone(const QString& by);
     void onRemoteControl(const QString& from, const QString& type, const QVariant& data);

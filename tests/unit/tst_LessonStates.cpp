@@ -12,6 +12,7 @@
 #include <QTest>
 #include <QTranslator>
 
+#include <atomic>
 #include <functional>
 
 using namespace Calyx;
@@ -277,9 +278,15 @@ private Q_SLOTS:
         const QJsonObject pulse = class_.sent("pulse");
         QSignalSpy joined(class_.lesson->roster(), &Roster::joined);
         class_.service.expect("/tavisto/session/getusers", Answer::json(R"({"success":true,"data":{"users":[
-            {"userToken":"D2","mode":"learner"},{"userToken":"D3","mode":"learner"}]}})"));
+            {"userToken":"D2","mode":"learner"},{"userToken":"D3","mode":"learner"},{"userToken":"D4","mode":"learner"}]}})"));
         class_.hear(pulse);
         class_.hear(pulse); // once is enough
+        QVERIFY(waitFor([&] { return class_.service.isUsedUp(); }));
+        std::atomic_bool isListed = false;
+        class_.lesson->onClient([&](PresenterClient*) { isListed = true; });
+        QVERIFY(waitFor([&] { return bool(isListed); }));
+        class_.leave("D3", "user", "D1"); // which no learner says of another
+        class_.leave("D4", "user", "D4");
         QVERIFY(waitFor([&] { return class_.lesson->roster()->presentCount() == 3; }));
         QCOMPARE(joined.takeFirst(), QVariantList{QStringLiteral("D3")});
         class_.lesson->setName(QStringLiteral("id"), QStringLiteral("name")); // is told last
