@@ -131,6 +131,35 @@ void LessonMessages::bring(PresenterCollab* collab, const QString& address, cons
         sendLock(collab, address, true);
 }
 
+void LessonMessages::bringNews(PresenterCollab* collab, const Wanted& before, const Wanted& now)
+{
+    Wanted news = now;
+    const bool isSamePoll = now.pollId == before.pollId;
+    if (isSamePoll)
+        news.pollId.clear();
+    else if (now.pollId.isEmpty())
+        sendPollStop(collab, before.pollId);
+    const bool isSameAssessment = now.assessmentToken == before.assessmentToken;
+    if (isSameAssessment)
+        news.assessmentToken.clear();
+    else if (!before.assessmentToken.isEmpty())
+        sendAssessmentStop(collab, before.assessmentToken);
+    if (now.cardPng == before.cardPng && now.cardUrl == before.cardUrl) {
+        news.cardPng.clear();
+        news.cardUrl.clear();
+    }
+    news.isLocked = now.isLocked && !before.isLocked;
+    bring(collab, QString(), news);
+    if (isSamePoll && now.isPollPaused != before.isPollPaused)
+        sendPause(collab, QString(), now.pollId, now.isPollPaused);
+    if (isSamePoll && now.pollStopsAt != before.pollStopsAt)
+        sendCountdown(collab, QString(), now.pollId, now.pollStopsAt);
+    if (isSameAssessment && now.isAssessmentPaused != before.isAssessmentPaused)
+        sendPause(collab, QString(), now.assessmentToken, now.isAssessmentPaused);
+    if (before.isLocked && !now.isLocked)
+        sendLock(collab, QString(), false);
+}
+
 void LessonMessages::sendPoll(PresenterCollab* collab, const QString& address, const Wanted& wanted)
 {
     const QString to = whole(collab, address);

@@ -44,6 +44,8 @@ namespace LessonMessages {
 QString addressOf(const QString& deviceId);
 /// Brings \p address to what is wanted.
 void bring(PresenterCollab* collab, const QString& address, const Wanted& wanted);
+/// Brings everybody who has seen \p before to what is wanted \p now.
+void bringNews(PresenterCollab* collab, const Wanted& before, const Wanted& now);
 /// The poll with its pause and its countdown: as a question or, without words, as the poll document of its
 /// kind.
 void sendPoll(PresenterCollab* collab, const QString& address, const Wanted& wanted);

@@ -26,15 +26,7 @@ LessonPrivate::LessonPrivate(Lesson* lesson)
     QObject::connect(&inbox, &Inbox::turned, q, [this] { afterTurn(); });
     retry.setSingleShot(true);
     QObject::connect(&retry, &QTimer::timeout, q, [this] { waitForAttempt(); });
-    for (const auto change : {&Lesson::stateChanged, &Lesson::nextAttemptChanged})
-        QObject::connect(q, change, q, &Lesson::secondsToAttemptChanged);
-    for (const auto change : {&Lesson::busyChanged, &Lesson::secondsToAttemptChanged, &Lesson::serverChanged,
-                              &Lesson::pollChanged, &Lesson::assessmentChanged, &Lesson::lockedChanged,
-                              &Lesson::remotePresentChanged})
-        QObject::connect(q, change, q, &Lesson::changed);
-    QObject::connect(q, &Lesson::answersChanged, q, &Lesson::changed);
-    QObject::connect(content.roster, &Roster::changed, q, &Lesson::changed);
-    QObject::connect(deck, &Deck::changed, q, &Lesson::changed);
+    tellChanges();
     confirmation.setSingleShot(true);
     QObject::connect(&confirmation, &QTimer::timeout, q, [this] { confirm(); });
     stopTimer.setSingleShot(true);
@@ -49,6 +41,20 @@ LessonPrivate::LessonPrivate(Lesson* lesson)
     };
     // Once whoever has something written is through with what he does.
     QObject::connect(&journal, &LessonJournal::failed, q, tellFailed, Qt::QueuedConnection);
+}
+
+// What is bound to one signal hears of everything.
+void LessonPrivate::tellChanges()
+{
+    for (const auto change : {&Lesson::stateChanged, &Lesson::nextAttemptChanged})
+        QObject::connect(q, change, q, &Lesson::secondsToAttemptChanged);
+    for (const auto change : {&Lesson::busyChanged, &Lesson::secondsToAttemptChanged, &Lesson::serverChanged,
+                              &Lesson::pollChanged, &Lesson::assessmentChanged, &Lesson::lockedChanged,
+                              &Lesson::remotePresentChanged})
+        QObject::connect(q, change, q, &Lesson::changed);
+    QObject::connect(q, &Lesson::answersChanged, q, &Lesson::changed);
+    QObject::connect(content.roster, &Roster::changed, q, &Lesson::changed);
+    QObject::connect(deck, &Deck::changed, q, &Lesson::changed);
 }
 
 // The thread comes to its end by itself: it can be in a call that cannot be interrupted.

@@ -27,6 +27,7 @@ struct LessonPrivate : public LessonListener
 
     // The state.
     bool setState(Lesson::State next);
+    void tellChanges();
     void tellBusy();
     bool fail(const LessonError& error);
     /// Calls each of \p emits, which end in slots of the host's, while the lesson is there; whether it still
@@ -42,6 +43,7 @@ struct LessonPrivate : public LessonListener
     void beginLogIn(const Login& login);
     void beginStart();
     void startIfWanted();
+    bool meet(const Opening& opening, QStringList* newcomers);
     void beginToLive(const Opening& opening);
     bool takeUp(const QString& fileName);
     bool tellTakenUp();

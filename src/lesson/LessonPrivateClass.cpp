@@ -62,34 +62,10 @@ void LessonPrivate::takeForShown(const Wanted& now)
 void LessonPrivate::bringBack(const QStringList& newcomers)
 {
     const Wanted now = content.wanted();
-    Wanted news = now;
     takeForShown(now);
     const bool isSamePoll = now.pollId == shown.pollId;
     const bool isSameAssessment = now.assessmentToken == shown.assessmentToken;
-    if (isSamePoll)
-        news.pollId.clear();
-    if (isSameAssessment)
-        news.assessmentToken.clear();
-    if (now.cardPng == shown.cardPng && now.cardUrl == shown.cardUrl) {
-        news.cardPng.clear();
-        news.cardUrl.clear();
-    }
-    news.isLocked = now.isLocked && !shown.isLocked;
-    send([=, before = shown](PresenterCollab* collab) {
-        if (!before.pollId.isEmpty() && now.pollId.isEmpty())
-            LessonMessages::sendPollStop(collab, before.pollId);
-        if (!before.assessmentToken.isEmpty() && !isSameAssessment)
-            LessonMessages::sendAssessmentStop(collab, before.assessmentToken);
-        LessonMessages::bring(collab, QString(), news);
-        if (isSamePoll && now.isPollPaused != before.isPollPaused)
-            LessonMessages::sendPause(collab, QString(), now.pollId, now.isPollPaused);
-        if (isSamePoll && now.pollStopsAt != before.pollStopsAt)
-            LessonMessages::sendCountdown(collab, QString(), now.pollId, now.pollStopsAt);
-        if (isSameAssessment && now.isAssessmentPaused != before.isAssessmentPaused)
-            LessonMessages::sendPause(collab, QString(), now.assessmentToken, now.isAssessmentPaused);
-        if (before.isLocked && !now.isLocked)
-            LessonMessages::sendLock(collab, QString(), false);
-    });
+    send([=, before = shown](PresenterCollab* collab) { LessonMessages::bringNews(collab, before, now); });
     bring(newcomers);
     if (isSameAssessment)
         bringAssessmentBack(newcomers);

@@ -145,31 +145,12 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
 {
     if (ticketOfOpening != ticket || (state != Lesson::Starting && state != Lesson::Reconnecting))
         return;
-    const QPointer<Lesson> self(q);
-    const auto isOver = [&] { return !self || ticketOfOpening != ticket; }; // by a slot
     joinCode = opening.joinCode;
     joinAddress = opening.joinAddress;
     beginToLive(opening);
     QStringList newcomers;
-    QSet<QString> listed = opening.heard;
-    const QDateTime now = QDateTime::currentDateTime(); // looked up for each, it would take most of the time
-    for (const Learner& learner : opening.learners) {
-        listed.insert(learner.deviceId);
-        if (content.roster->join(learner, now)) {
-            newcomers.append(learner.deviceId);
-            Q_EMIT content.roster->joined(learner.deviceId);
-        }
-        if (isOver())
-            return;
-    }
-    const QStringList present =
-        opening.isReturn && opening.hasLearners ? content.roster->present() : QStringList();
-    for (const QString& deviceId : present) {
-        if (!listed.contains(deviceId))
-            onLeave(deviceId, {});
-        if (isOver())
-            return;
-    }
+    if (!meet(opening, &newcomers))
+        return;
     attempts = 0;
     if (!setState(Lesson::Live) || state != Lesson::Live)
         return;
@@ -180,6 +161,34 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
             LessonMessages::bring(collab, QString(), wanted);
         });
     tellRemote();
+}
+
+// False where a slot has put an end to it.
+bool LessonPrivate::meet(const Opening& opening, QStringList* newcomers)
+{
+    const QPointer<Lesson> self(q);
+    const auto isOver = [&, at = ticket] { return !self || ticket != at; };
+    QSet<QString> listed = opening.heard;
+    const QDateTime now = QDateTime::currentDateTime(); // looked up for each, it would take most of the time
+    for (const Learner& learner : opening.learners) {
+        listed.insert(learner.deviceId);
+        if (content.roster->join(learner, now)) {
+            newcomers->append(learner.deviceId);
+            Q_EMIT content.roster->joined(learner.deviceId);
+        }
+        if (isOver())
+            return false;
+    }
+    if (!opening.isReturn || !opening.hasLearners)
+        return true;
+    const QStringList present = content.roster->present();
+    for (const QString& deviceId : present) {
+        if (!listed.contains(deviceId))
+            onLeave(deviceId, {});
+        if (isOver())
+            return false;
+    }
+    return true;
 }
 
 // The journal is written from here on, or goes on where the session has been taken up.

@@ -1,17 +1,10 @@
 #include "lesson/LessonWorker.h"
 
-#include "base/JsonReader.h"
-#include "collab/CollaborationMessageHandler.h"
 #include "collab/PresenterCollab.h"
-#include "lesson/JoinAddress.h"
 #include "lesson/LessonText.h"
 #include "lesson/ServiceClient.h"
 #include "transport/SockJSConnector.h"
-#include "transport/SockJSTransport.h"
 
-#include <QDateTime>
-#include <QEventLoop>
-#include <QJsonObject>
 #include <QThread>
 
 #include <utility>
@@ -20,28 +13,10 @@ namespace Calyx {
 
 namespace {
 
-constexpr int mostTransports = 3;
-constexpr int greetingLimit = 31000; // ms, where a transport has no limit
-constexpr int replyLimit = 10000;    // ms, the client's
+constexpr int replyLimit = 10000; // ms, the client's
 constexpr int stallLimit = 20000;
-constexpr int abortPace = 10;       // ms
+constexpr int abortPace = 10;
 constexpr int silenceLimit = 40000; // longer than a server's heartbeats are apart
-constexpr int watchPace = 1000;
-constexpr int sleepLimit = 5000;
-constexpr int pulsePace = 8500;
-constexpr int echoLimit =
-    5000; // the three together less than 15 s, in which a far end that is gone is noticed
-constexpr int hastyEchoLimit = 2000;
-constexpr int joiningTime = 5000; // from the service's list to the device's own word on the bus
-
-// What a presenter publishes to its own address comes back to it.
-const QString pulseType = QStringLiteral("pulse");
-
-QString senderOf(const QString& message)
-{
-    const QJsonObject body = JsonReader::read(message).object().value(QLatin1String("body")).toObject();
-    return body.value(QLatin1String("from")).toString();
-}
 
 } // namespace
 
@@ -60,7 +35,6 @@ LessonWorker::LessonWorker(std::shared_ptr<Inbox::Slot> inbox, LessonListener* l
             m_collab->connector()->close();
     });
     m_joining.setSingleShot(true);
-    m_joining.setInterval(joiningTime);
     connect(&m_joining, &QTimer::timeout, this, &LessonWorker::reportMissed);
     // An operation of the client makes several requests, and does not know that it is not wanted any more.
     connect(&m_abort, &QTimer::timeout, this, &LessonWorker::abort);
@@ -264,7 +238,7 @@ void LessonWorker::logOut(int ticket)
     });
 }
 
-// Session and channel.
+// Session.
 
 void LessonWorker::open(int ticket)
 {
@@ -325,153 +299,6 @@ LessonError LessonWorker::startSession(PresenterCollab** collab)
         return reasonOfFailure();
     m_sessionToken = m_client->sessionToken();
     return m_sessionToken.isEmpty() ? error(LessonError::Refused) : LessonError();
-}
-
-void LessonWorker::adopt(PresenterCollab* collab)
-{
-    m_collab = collab;
-    connect(collab, &PresenterCollab::connectionClosed, this, [this] {
-        m_watch.stop();
-        m_echoLimit.stop();
-        if (std::exchange(m_isOpen, false))
-            report([](LessonListener* listener) { listener->onLost(); });
-    });
-    connect(collab, &PresenterCollab::learnerJoin, this, [this](const Learner& learner) {
-        m_heard.insert(learner.deviceId);
-        report([learner](LessonListener* listener) { listener->onJoin(learner); });
-    });
-    connect(collab, &PresenterCollab::learnerUnregister, this, [this](const QString& deviceId) {
-        onGone([this, deviceId](const QString& by) {
-            if (by.isEmpty() || by == deviceId) {
-                m_heard.remove(deviceId);
-                m_left.insert(deviceId);
-            }
-            report([=](LessonListener* listener) { listener->onLeave(deviceId, by); });
-        });
-    });
-    connect(collab, &PresenterCollab::learnerPollResponse, this,
-            [this](const QString& deviceId, const QString& id, int time, const QString& answer) {
-                report([=](LessonListener* listener) { listener->onAnswer(deviceId, id, time, answer); });
-            });
-    connect(collab->messageHandler(), &CollaborationMessageHandler::learnerGetQuestion, this,
-            [this](const QString& deviceId, int number) {
-                report([=](LessonListener* listener) { listener->onQuestionWanted(deviceId, number); });
-            });
-    connect(collab, &PresenterCollab::controllerRegister, this, [this](bool isHere) {
-        if (!isHere)
-            onGone([this](const QString& by) {
-                report([by](LessonListener* listener) { listener->onRemoteGone(by); });
-            });
-    });
-    // Called after those that the message has called.
-    connect(collab->connector(), &SockJSConnector::sockJSMessage, this, [this](const QString& message) {
-        if (!m_gone.empty())
-            reportGone(senderOf(message));
-    });
-    connect(collab, &PresenterCollab::remoteControl, this, [this](const RemoteControlMessage& message) {
-        onRemoteControl(message.from, message.type, message.data);
-    });
-    connect(collab, &PresenterCollab::unhandledMessage, this,
-            [this](const QVariantMap& body, const QVariant& data) {
-                const QString from = body.value(QStringLiteral("from")).toString();
-                const QString type = body.value(QStringLiteral("type")).toString();
-                const bool isOurs = m_collab && from == m_collab->userToken(); // the bus brings it back
-                if (isOurs && type == pulseType) {
-                    m_echoes = true;
-                    m_echoLimit.stop();
-                    const int serial = body.value(QStringLiteral("serial")).toInt();
-                    report([serial](LessonListener* listener) { listener->onConfirmed(serial); });
-                }
-                if (!isOurs)
-                    report([=](LessonListener* listener) { listener->onMessage(type, from, data); });
-                else if (type == pulseType && std::exchange(m_isListEarly, false))
-                    enqueue(true, [this] { listAgain(); });
-            });
-}
-
-// That open() has returned does not mean that the channel is open: the server has yet to say so.
-bool LessonWorker::waitForChannel()
-{
-    const bool isComing = m_collab && m_collab->connector()->findChild<SockJSTransport*>();
-    if (isComing && !m_collab->isConnected() && !m_isCancelled) {
-        QEventLoop loop;
-        connect(m_collab->connector(), &SockJSConnector::connected, &loop, &QEventLoop::quit);
-        connect(m_collab, &PresenterCollab::connectionClosed, &loop, &QEventLoop::quit);
-        connect(m_collab, &QObject::destroyed, &loop, &QEventLoop::quit);
-        connect(this, &LessonWorker::interrupted, &loop, &QEventLoop::quit);
-        QTimer limit;
-        connect(&limit, &QTimer::timeout, &loop, &QEventLoop::quit);
-        limit.start(m_settings.openLimit > 0 ? mostTransports * m_settings.openLimit + 1000 : greetingLimit);
-        loop.exec();
-    }
-    return m_collab && m_collab->isConnected() && !m_isCancelled;
-}
-
-void LessonWorker::reportOpened(int ticket, bool isReturn)
-{
-    Opening opening;
-    opening.joinCode = m_client->sessionCode();
-    opening.joinAddress = JoinAddress::of(m_client->server());
-    opening.sessionToken = m_sessionToken;
-    opening.isReturn = isReturn;
-    m_isOpen = true;
-    m_heard.clear();
-    opening.hasLearners = askLearners(&opening.learners);
-    if (!m_isOpen || m_isCancelled) { // lost again meanwhile
-        m_isOpen = false;
-        report(
-            [=](LessonListener* listener) { listener->onNotOpened(ticket, error(LessonError::NoChannel)); });
-        return;
-    }
-    opening.heard = m_heard;
-    for (const Learner& learner : std::as_const(opening.learners))
-        m_heard.insert(learner.deviceId);
-    m_isListEarly = true;
-    m_joining.stop();
-    if (m_collab)
-        m_lastTransport = SockJSConnector::PROTOCOL_TYPE_STR().value(m_collab->connector()->protocol());
-    m_lastLook = QDateTime::currentMSecsSinceEpoch();
-    if (m_settings.noticesLoss) {
-        m_watch.start(watchPace);
-        sendPulse(0, echoLimit);
-    }
-    report([=](LessonListener* listener) { listener->onOpened(ticket, opening); });
-    for (const auto& work : std::exchange(m_waiting, {})) {
-        if (m_collab)
-            work(m_collab);
-    }
-}
-
-// All but those who have left since the service was asked.
-bool LessonWorker::askLearners(QList<Learner>* learners)
-{
-    QList<ServiceClient::User> users;
-    m_left.clear();
-    const bool isFine = m_client->askUsers(m_sessionToken, &users).isFine();
-    for (const ServiceClient::User& user : std::as_const(users)) {
-        if (user.mode == QLatin1String("learner") && !m_left.contains(user.device.deviceId))
-            learners->append(user.device);
-    }
-    return isFine;
-}
-
-// What registers us on the bus can take longer than the service's list: who joins in between is on neither.
-void LessonWorker::listAgain()
-{
-    m_missed.clear();
-    if (m_isOpen && askLearners(&m_missed))
-        m_joining.start();
-}
-
-// But for those who were only about to join.
-void LessonWorker::reportMissed()
-{
-    for (const Learner& learner : std::as_const(m_missed)) {
-        const bool isKnown = m_heard.contains(learner.deviceId) || m_left.contains(learner.deviceId);
-        m_heard.insert(learner.deviceId);
-        if (m_isOpen && !isKnown)
-            report([learner](LessonListener* listener) { listener->onJoin(learner); });
-    }
 }
 
 void LessonWorker::reopen(int ticket)
@@ -551,64 +378,6 @@ LessonError LessonWorker::doTakeUp(const OpenSession& session)
     return waitForChannel() ? LessonError() : error(LessonError::NoChannel);
 }
 
-// The one that worked comes first: one that a filter swallows would take its time again.
-QStringList LessonWorker::transportsForReturn() const
-{
-    QStringList transports =
-        m_settings.transports.isEmpty() ? m_client->sockJSProtocols() : m_settings.transports;
-    if (transports.isEmpty()) {
-        for (const SockJSConnector::PROTOCOL_TYPE type : SockJSConnector::GetDefaultProtocols())
-            transports.append(SockJSConnector::PROTOCOL_TYPE_STR().value(type));
-    }
-    if (transports.removeOne(m_lastTransport))
-        transports.prepend(m_lastTransport);
-    return transports;
-}
-
-// A computer that sleeps stops the timers, but not the time of day.
-void LessonWorker::watch()
-{
-    const qint64 now = QDateTime::currentMSecsSinceEpoch();
-    const bool hasSlept = now - std::exchange(m_lastLook, now) > sleepLimit;
-    if (hasSlept)
-        sendPulse(0, hastyEchoLimit);
-    else if (!m_echoLimit.isActive() && m_lastPulse.hasExpired(pulsePace))
-        sendPulse(0, echoLimit);
-}
-
-void LessonWorker::confirm(int serial)
-{
-    sendPulse(serial, echoLimit);
-}
-
-// A far end that is frozen, or has vanished, closes nothing. That it answers is known once it has.
-void LessonWorker::sendPulse(int serial, int limit)
-{
-    if (!m_isOpen || !m_collab)
-        return;
-    m_lastPulse.start();
-    if (m_settings.noticesLoss)
-        m_echoLimit.start(m_echoLimit.isActive() ? qMin(limit, m_echoLimit.remainingTime()) : limit);
-    const QString frame = QStringLiteral(
-        R"({"type":"publish","address":"%1.presenter.%2","body":{"from":"%2","type":"%3","serial":%4}})");
-    m_collab->connector()->sendMessage(
-        frame.arg(m_sessionToken, m_collab->userToken(), pulseType, QString::number(serial)), true);
-}
-
-void LessonWorker::dropChannel()
-{
-    m_isOpen = m_echoes = false;
-    m_watch.stop();
-    m_echoLimit.stop();
-    m_waiting.clear();
-    if (!m_collab)
-        return;
-    m_collab->disconnect(this);
-    m_collab->close();
-    m_collab->deleteLater(); // the client forgets it, but would keep it
-    m_collab = nullptr;
-}
-
 // Whatever the service answers, the session is over here.
 void LessonWorker::stopSession()
 {
@@ -660,68 +429,6 @@ void LessonWorker::withClient(const QString& server, const std::function<void(Pr
         if (m_client->sessionCode() != before && m_client->sessionToken().isNull())
             m_createdCode = m_client->sessionCode();
     });
-}
-
-void LessonWorker::send(const std::function<void(PresenterCollab*)>& work)
-{
-    if (m_isOpen && m_collab)
-        work(m_collab);
-}
-
-void LessonWorker::withChannel(const std::function<void(PresenterCollab*)>& work)
-{
-    if (m_isOpen && m_collab)
-        work(m_collab);
-    else
-        m_waiting.push_back(work);
-}
-
-// Every device can say that another is gone. Where no message has said it, the host has.
-void LessonWorker::onGone(const Gone& gone)
-{
-    m_gone.push_back(gone);
-    QMetaObject::invokeMethod(
-        this, [this] { reportGone(QString()); }, Qt::QueuedConnection);
-}
-
-void LessonWorker::reportGone(const QString& by)
-{
-    for (const Gone& gone : std::exchange(m_gone, {}))
-        gone(by);
-}
-
-// Every device of the session can send what a remote control sends. The service knows which of them is one.
-void LessonWorker::onRemoteControl(const QString& from, const QString& type, const QVariant& data)
-{
-    if (!m_collab || from == m_collab->userToken()) // our own "pause", for example
-        return;
-    const auto tellRemote = [=] {
-        report([=](LessonListener* listener) { listener->onRemote(type, data); });
-    };
-    if (m_remotes.contains(from)) {
-        tellRemote();
-        return;
-    }
-    const auto tellOther = [=] {
-        m_others.insert(from);
-        report([=](LessonListener* listener) { listener->onMessage(type, from, data); });
-    };
-    if (m_others.contains(from))
-        tellOther();
-    else
-        enqueue(true, [=] { isRemote(from) ? tellRemote() : tellOther(); });
-}
-
-bool LessonWorker::isRemote(const QString& from)
-{
-    QList<ServiceClient::User> users;
-    if (m_client)
-        m_client->askUsers(m_sessionToken, &users);
-    for (const ServiceClient::User& user : std::as_const(users)) {
-        if (user.mode == QLatin1String("controller"))
-            m_remotes.insert(user.device.deviceId);
-    }
-    return m_remotes.contains(from);
 }
 
 } // namespace Calyx

@@ -164,6 +164,10 @@ private:
     void reportMissed();
     bool waitForChannel();
     void adopt(PresenterCollab* collab);
+    void hearLearners(PresenterCollab* collab);
+    void hearOthers(PresenterCollab* collab);
+    void onUnhandled(const QVariantMap& body, const QVariant& data);
+    void onPulse(int serial);
     QStringList transportsForReturn() const;
     void watch();
     void sendPulse(int serial, int limit);

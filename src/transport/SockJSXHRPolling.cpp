@@ -51,6 +51,7 @@ public:
     explicit Private(SockJSXHRPolling* transport);
 
     void setAddress(const QString& server, int port, bool secure, const QString& sessionPath);
+    void begin(bool isStreaming);
     bool connectWorker(SockJSXHRPollingWorker* candidate, QTcpSocket* socket);
     bool startThread(SockJSXHRPollingWorker* candidate, QTcpSocket* socket);
     void joinThread();
@@ -167,13 +168,7 @@ bool SockJSXHRPolling::start(QString host, int port, bool secure, QString path, 
         qCDebug(diagnostics) << "[SockJSXHRPolling] Can't start: blank or control character in host or path";
         return false;
     }
-    d->joinThread();
-    d->closed = false;
-    d->keepAlive = true;
-    d->streaming = streaming;
-    d->sessionOpen = false;
-    d->sessionEnded = false;
-    d->currentRequest = nullptr;
+    d->begin(streaming);
     d->setAddress(host, port, secure, path);
 
     const QNetworkProxy proxy = QSystemConfigurationProxyFactory::getPrimaryProxy();
@@ -195,6 +190,17 @@ bool SockJSXHRPolling::start(QString host, int port, bool secure, QString path, 
     d->up = true;
     doPoll();
     return true;
+}
+
+void SockJSXHRPolling::Private::begin(bool isStreaming)
+{
+    joinThread();
+    closed = false;
+    keepAlive = true;
+    streaming = isStreaming;
+    sessionOpen = false;
+    sessionEnded = false;
+    currentRequest = nullptr;
 }
 
 // False when that fails, and when the transport is closed or deleted meanwhile: it may be gone then.
