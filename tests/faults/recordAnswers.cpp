@@ -1,7 +1,6 @@
-// Records what real servers answer to our receive requests, byte for byte, into the folder that is named.
+// Records what real servers answer to our receive requests, byte for byte, into tests/support/recorded.
 //
-// Not a test: to be run by hand when a server's new version should be tried, from the build folder:
-//   tests/faults/recordAnswers SOURCE/tests/support/recorded
+// Not a test: to be run by hand when a server's new version should be tried.
 
 #include "interop/support/Peers.h"
 #include "support/Recordings.h"
@@ -20,18 +19,11 @@ namespace {
 constexpr int silence = 300; // milliseconds after which an answer is taken to be over
 constexpr int patience = 10000;
 
-const QStringList busOptions = {QStringLiteral("--response-limit"), QStringLiteral("600")};
-
-[[noreturn]] void giveUp(const QString& why)
-{
-    qFatal("%s", qPrintable(why));
-}
-
 std::unique_ptr<Peer> started(const Peer::Program& program)
 {
     auto peer = std::make_unique<Peer>();
     if (!peer->start(program))
-        giveUp(program.name + QStringLiteral(" does not start: ") + program.missing);
+        qFatal("%s does not start: %s", qPrintable(program.name), qPrintable(program.missing));
     return peer;
 }
 
@@ -39,16 +31,13 @@ std::unique_ptr<Peer> started(const Peer::Program& program)
 class Recorder
 {
 public:
-    Recorder(const QString& folder, const QString& server, quint16 port)
-        : m_stem(folder + QLatin1Char('/') + server + QLatin1Char('-')), m_port(port)
-    {}
+    Recorder(const QString& server, quint16 port) : m_server(server), m_port(port) {}
 
     void messages() const
     {
         const QByteArray session = newSession();
         read(connection(session + "/xhr").get());
-        QJsonArray texts = QJsonArray::fromStringList(Recordings::texts());
-        send(session, texts);
+        send(session, QJsonArray::fromStringList(Recordings::texts()));
         answer("messages", session);
     }
 
@@ -88,8 +77,6 @@ private:
         auto socket = std::make_unique<QTcpSocket>();
         socket->setProxy(QNetworkProxy::NoProxy);
         socket->connectToHost(QHostAddress(QHostAddress::LocalHost), m_port);
-        if (!socket->waitForConnected(patience))
-            giveUp(socket->errorString());
         if (!path.isEmpty())
             socket->write("POST " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: keep-alive\r\n" +
                           "Accept-Encoding: identity\r\nContent-Type: application/json\r\nContent-Length: " +
@@ -105,26 +92,25 @@ private:
                socket->waitForReadyRead(end.isNull() && !bytes.isEmpty() ? silence : patience))
             bytes += socket->readAll();
         if (bytes.isEmpty() || !bytes.contains(end))
-            giveUp(QStringLiteral("no answer"));
+            qFatal("no answer");
         return bytes;
     }
 
     void send(const QByteArray& session, const QJsonArray& texts) const
     {
-        const auto sender =
-            connection(session + "/xhr_send", QJsonDocument(texts).toJson(QJsonDocument::Compact));
-        read(sender.get(), "HTTP/1.1 204");
+        const auto body = QJsonDocument(texts).toJson(QJsonDocument::Compact);
+        read(connection(session + "/xhr_send", body).get(), "HTTP/1.1 204");
     }
 
     void save(const char* name, const QByteArray& bytes) const
     {
-        QFile file(m_stem + QLatin1String(name) + QStringLiteral(".http"));
+        const QString path = QStringLiteral(INTEROP_SOURCE_DIR "/../support/recorded/%1-%2.http");
+        QFile file(path.arg(m_server, QLatin1String(name)));
         if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-            giveUp(file.errorString());
-        qInfo("%s: %d bytes", qPrintable(file.fileName()), int(bytes.size()));
+            qFatal("%s", qPrintable(file.errorString()));
     }
 
-    QString m_stem;
+    QString m_server;
     quint16 m_port;
 };
 
@@ -132,36 +118,26 @@ private:
 
 int main(int argc, char** argv)
 {
-    QCoreApplication application(argc, argv);
-    if (argc != 2)
-        giveUp(QStringLiteral("usage: recordAnswers FOLDER"));
-    const QString folder = application.arguments().at(1);
-    const auto record = [folder](const char* name, const Peer::Program& program) {
-        const auto server = started(program);
-        const Recorder recorder(folder, QLatin1String(name), server->port());
-        recorder.messages();
-        recorder.stream();
-    };
+    const QCoreApplication application(argc, argv);
+    const QStringList busOptions = {QStringLiteral("--response-limit"), QStringLiteral("300")};
     const auto bus = started(Peers::nodeBus(busOptions));
     const auto haproxy = [&bus](const char* defaults) {
-        return Peers::haproxy({bus->port()}, {{QStringLiteral("DEFAULTS"), QLatin1String(defaults)}});
+        return started(
+            Peers::haproxy({bus->port()}, {{QStringLiteral("DEFAULTS"), QLatin1String(defaults)}}));
     };
-    record("sockjs", Peers::nodeBus(busOptions));
-    record("sockjs-go", Peers::goBus(busOptions));
-    record("haproxy", haproxy(""));
-    record("haproxy-closing", haproxy("option httpclose"));
-
-    const auto impatient = started(haproxy("timeout http-request 300ms\nno option dontlognull"));
-    const Recorder balancer(folder, QStringLiteral("haproxy"), impatient->port());
-    balancer.unasked("time-out");
-    const auto buffering = started(Peers::nginx(bus->port()));
-    const auto streaming =
-        started(Peers::nginx(bus->port(), QStringLiteral("proxy_http_version 1.1;\nproxy_buffering off;")));
-    const Recorder proxy(folder, QStringLiteral("nginx"), buffering->port());
-    proxy.messages();
-    Recorder(folder, QStringLiteral("nginx-streaming"), streaming->port()).stream();
+    const auto goBus = started(Peers::goBus(busOptions));
+    const auto balancer = haproxy("");
+    const auto impatient = haproxy("timeout http-request 300ms\nno option dontlognull");
+    const auto nginx = started(Peers::nginx(bus->port()));
+    for (const Recorder& recorder : {Recorder("sockjs", bus->port()), Recorder("sockjs-go", goBus->port()),
+                                     Recorder("haproxy", balancer->port())}) {
+        recorder.messages();
+        recorder.stream();
+    }
+    Recorder("haproxy", impatient->port()).unasked("time-out");
+    Recorder("nginx", nginx->port()).messages();
     bus->kill();
-    balancer.answer("no-server");
-    proxy.answer("no-server");
+    Recorder("haproxy", balancer->port()).answer("no-server");
+    Recorder("nginx", nginx->port()).answer("no-server");
     return 0;
 }

@@ -33,7 +33,7 @@ QStringList contents(const QStringList& frames);
 /// What the servers were made to send in one polled answer.
 QStringList texts();
 /// What the servers were made to send in a stream, one by one.
-constexpr int streamedTexts = 6;
+constexpr int streamedTexts = 3;
 QString streamedText(int number);
 
 } // namespace Recordings
