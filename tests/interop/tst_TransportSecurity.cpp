@@ -4,6 +4,8 @@
 
 #include <CalyxClient/PresenterClient>
 
+#include <QTemporaryFile>
+
 /// The servers behind TLS, their certificates signed by an authority of our own or not acceptable.
 class TestTransportSecurity : public BusTest
 {
@@ -63,10 +65,13 @@ private Q_SLOTS:
 private:
     void start(const Peer::Program& server, const QString& certificate)
     {
-        const QString file = TestCertificates::fileName(certificate);
+        QTemporaryFile file;
+        QVERIFY(file.open());
+        file.write(TestCertificates::withKey(certificate));
+        file.close();
         m_bus.emplace(server);
-        m_front.emplace(Peers::haproxy(
-            {m_bus->port()}, {{QStringLiteral("BIND"), QStringLiteral("ssl crt \"%1\"").arg(file)}}));
+        const QString bind = QStringLiteral("ssl crt \"%1\"").arg(file.fileName());
+        m_front.emplace(Peers::haproxy({m_bus->port()}, {{QStringLiteral("BIND"), bind}}));
         m_host.emplace(m_front->url(QStringLiteral("https")));
     }
 

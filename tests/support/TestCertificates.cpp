@@ -5,14 +5,9 @@
 
 namespace {
 
-QString pathOf(const QString& fileName)
-{
-    return QStringLiteral(TEST_SUPPORT_DIR "/certs/") + fileName;
-}
-
 QByteArray read(const QString& fileName)
 {
-    QFile file(pathOf(fileName));
+    QFile file(QStringLiteral(TEST_SUPPORT_DIR "/certs/") + fileName);
     if (!file.open(QIODevice::ReadOnly))
         qFatal("cannot read %s", qPrintable(file.fileName()));
     return file.readAll();
@@ -25,16 +20,16 @@ QSslCertificate TestCertificates::certificate(const QString& name)
     return QSslCertificate(read(name + QStringLiteral(".pem")));
 }
 
-QString TestCertificates::fileName(const QString& certificate)
+QByteArray TestCertificates::withKey(const QString& name)
 {
-    return pathOf(certificate + QStringLiteral(".pem"));
+    return read(name + QStringLiteral(".pem")) + read(QStringLiteral("key"));
 }
 
 QSslConfiguration TestCertificates::server(const QString& name)
 {
     QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
     tls.setLocalCertificateChain({certificate(name), certificate(QStringLiteral("root"))});
-    tls.setPrivateKey(QSslKey(read(name + QStringLiteral(".pem.key")), QSsl::Ec));
+    tls.setPrivateKey(QSslKey(read(QStringLiteral("key")), QSsl::Ec));
     tls.setPeerVerifyMode(QSslSocket::VerifyNone);
     return tls;
 }

@@ -8,12 +8,11 @@
 namespace TestCertificates {
 
 /// "root" (common name "Calyx Test Root"), which signed "loopback" (for 127.0.0.1), "expired" (the same, no
-/// longer valid) and "elsewhere" (for another host); "stranger", another root, which signed "unknown" (for
-/// 127.0.0.1); or "nameless" (a root without a common name).
+/// longer valid) and "elsewhere" (for another host); "unknown" (for 127.0.0.1), which another root signed; or
+/// "nameless" (a root without a common name).
 QSslCertificate certificate(const QString& name);
-/// Where it is kept, in PEM; the private key is beside it, with ".key" after its name, where haproxy looks
-/// for it.
-QString fileName(const QString& certificate);
+/// The same in PEM, with the private key of those who show it.
+QByteArray withKey(const QString& name);
 /// The configuration of a server that shows the certificate \p name and its root.
 QSslConfiguration server(const QString& name);
 
