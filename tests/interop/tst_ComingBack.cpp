@@ -90,11 +90,7 @@ struct Class
 /// A host in a process of its own.
 Peer::Program hostProcess(const QStringList& arguments)
 {
-    Peer::Program program;
-    program.name = QStringLiteral(LESSON_HOST);
-    program.arguments = arguments;
-    program.ready = Peer::Program::AtOnce;
-    return program;
+    return {QStringLiteral(LESSON_HOST), {}, arguments, {}, Peer::Program::AtOnce, {}};
 }
 
 /// What follows \p prefix when \p host first says that; null when it does not.
@@ -152,10 +148,10 @@ private Q_SLOTS:
             classes.push_back(std::make_unique<Class>(m_classroom, transport));
             QVERIFY(classes.back()->join(2));
         }
-        const auto polls = askAll(classes);
-        QVERIFY(waitFor([&] {
-            return std::all_of(polls.begin(), polls.end(), [](Poll* poll) { return poll->answered() == 2; });
-        }));
+        for (const auto& one : classes)
+            one->lesson.ask(Question::usual(PollType::MULTIPLE));
+        for (const auto& one : classes)
+            QVERIFY(waitFor([&] { return one->lesson.poll()->answered() == 2; }));
         QElapsedTimer clock;
         clock.start();
         std::vector<qint64> times;
@@ -397,14 +393,6 @@ private:
         const auto seed = quint32(amount("CALYX_SEED", 1));
         qInfo("CALYX_SEED=%u", seed);
         return seed;
-    }
-
-    static std::vector<Poll*> askAll(const std::vector<std::unique_ptr<Class>>& classes)
-    {
-        std::vector<Poll*> polls;
-        for (const auto& one : classes)
-            polls.push_back(one->lesson.ask(Question::usual(PollType::MULTIPLE)));
-        return polls;
     }
 
     Peer m_classroom;

@@ -7,6 +7,7 @@ import (
 	"fmt"
 	"net"
 	"net/http"
+	"os"
 	"strings"
 	"sync"
 	"time"
@@ -16,11 +17,7 @@ import (
 
 const shown = 300
 
-var count = flag.Int("count", 10000, "how many numbered texts there are")
-
-var alphabet = []string{
-	"a", "Ä", "ж", "€", "漢", "😀", "\"", "\\", "\n", "<", "\u2028", "%1", "\u0301", "]", "\t", "🏫",
-}
+var texts []string
 
 func say(line string) {
 	if len(line) > shown {
@@ -29,39 +26,26 @@ func say(line string) {
 	fmt.Println(line)
 }
 
-func size(number int) int {
-	spread := number * 7919
-	if number%1000 == 999 {
-		return 60000
-	}
-	if number%50 == 49 {
-		return 2000 + spread%4000
-	}
-	return 20 + spread%280
-}
-
-func numbered(number int) string {
-	var text strings.Builder
-	fmt.Fprintf(&text, "%06d:", number)
-	for i := number; ; i++ {
-		character := alphabet[i%len(alphabet)]
-		if text.Len()+len(character) > size(number) {
-			break
-		}
-		text.WriteString(character)
-	}
-	return text.String() + strings.Repeat(".", size(number)-text.Len())
-}
-
 func sendNumbers(session sockjs.Session) {
-	for from := 0; from < *count; {
-		for next := from + 1 + from%37; from < next && from < *count; from++ {
-			if session.Send(numbered(from)) != nil {
+	for from := 0; from < len(texts); {
+		for next := from + 1 + from%37; from < next && from < len(texts); from++ {
+			if session.Send(texts[from]) != nil {
 				return
 			}
 		}
 		time.Sleep(time.Millisecond)
 	}
+}
+
+func readTexts(file string, count int) {
+	content, err := os.ReadFile(file)
+	if err == nil {
+		err = json.Unmarshal(content, &texts)
+	}
+	if err != nil {
+		panic(err)
+	}
+	texts = texts[:count]
 }
 
 // The TCP connections that clients have open.
@@ -110,7 +94,10 @@ func main() {
 	port := flag.Int("port", 0, "0 takes a free one")
 	limit := flag.Uint("response-limit", 131072, "bytes of a streamed answer")
 	heartbeat := flag.Int("heartbeat", 25000, "milliseconds")
+	count := flag.Int("count", 10000, "how many numbered texts there are")
+	file := flag.String("texts", "", "where they are, as JSON")
 	flag.Parse()
+	readTexts(*file, *count)
 
 	open := &connections{open: map[net.Conn]bool{}}
 	options := sockjs.DefaultOptions

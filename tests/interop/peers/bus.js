@@ -2,7 +2,7 @@
 
 // A SockJS server that does what is published to it: the type of the published body says what.
 //
-//   numbers   sends the numbered texts, a few at a time
+//   numbers   sends the numbered texts, a few at a time: --count of those that are in the file --texts
 //   answers   sends a hundred poll answers, numbered on from those before
 //   leave     closes the session
 //   cut       ends every TCP connection
@@ -10,11 +10,11 @@
 // A text that begins with a digit comes back as it is. What happens is told on stdout:
 // "open ID TRANSPORT", "frame TEXT", "close ID", "request PATH COOKIES", "answered PATH", "upgrade ID".
 
+const fs = require('fs');
 const http = require('http');
 const path = require('path');
 const { parseArgs } = require('util');
 const sockjs = require(path.join(__dirname, '../../../classroom/node_modules/sockjs'));
-const numbers = require('./numbers');
 const upgrades = require('./upgrades');
 
 const SHOWN = 300;
@@ -24,6 +24,7 @@ const { values: options } = parseArgs({
   options: {
     port: { type: 'string' },
     count: { type: 'string', default: '10000' },
+    texts: { type: 'string' },
     'response-limit': { type: 'string', default: '131072' },
     heartbeat: { type: 'string', default: '25000' },
     upgrade: { type: 'string' },
@@ -31,6 +32,7 @@ const { values: options } = parseArgs({
   },
 });
 
+const texts = JSON.parse(fs.readFileSync(options.texts)).slice(0, Number(options.count));
 const say = (line) => console.log(line.slice(0, SHOWN));
 const idOf = (url) => url.split('/')[3];
 
@@ -44,9 +46,9 @@ const bus = sockjs.createServer({
 });
 
 function sendNumbers(connection, from = 0) {
-  const next = Math.min(from + 1 + (from % 37), Number(options.count));
-  for (let number = from; number < next; number += 1) connection.write(numbers.text(number));
-  if (next < Number(options.count)) setTimeout(sendNumbers, 1, connection, next);
+  const next = from + 1 + (from % 37);
+  for (const text of texts.slice(from, next)) connection.write(text);
+  if (next < texts.length) setTimeout(sendNumbers, 1, connection, next);
 }
 
 // As devices send them and the bus passes them on, with the payload that --answer names.

@@ -4,8 +4,10 @@
 #include <QStringList>
 
 /// The numbered texts that the peers send: 20 bytes to 60 kB of UTF-8 each, with characters of one to four
-/// bytes, quotes, backslashes and line breaks among them. The peers make the same ones (see peers/).
+/// bytes, quotes, backslashes and line breaks among them.
 namespace NumberedText {
+
+constexpr int COUNT = 10000;
 
 /// What they are made of.
 inline const QStringList& alphabet()

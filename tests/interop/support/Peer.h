@@ -35,9 +35,8 @@ public:
         QString name;    ///< the executable: its path, or its name when it is looked up
         QString package; ///< the Debian package to install where it is missing
         /// "@PORT@" stands for the peer's port, "@FOLDER@" for its temporary folder, "@CONFIG@" for the file
-        /// that is made from the template.
+        /// that is made from the template of its name in tests/interop/config, if there is one.
         QStringList arguments;
-        QString config;                ///< a template in tests/interop/config; empty when there is none
         QMap<QString, QString> values; ///< what "@NAME@" stands for in the template, beside the three above
         enum {
             Accepts,  ///< it gets a free port, and is ready when it accepts connections there
@@ -219,10 +218,9 @@ private:
     }
     void writeConfig() const
     {
-        QFile source(QStringLiteral(INTEROP_SOURCE_DIR "/config/") + m_program.config);
+        QFile source(QStringLiteral(INTEROP_SOURCE_DIR "/config/") + m_program.name);
         QFile target(m_folder.filePath(QStringLiteral("config")));
-        if (!m_program.config.isEmpty() && source.open(QIODevice::ReadOnly) &&
-            target.open(QIODevice::WriteOnly))
+        if (source.open(QIODevice::ReadOnly) && target.open(QIODevice::WriteOnly))
             target.write(fill(QString::fromUtf8(source.readAll())).toUtf8());
     }
     bool fail(const QString& reason) const

@@ -1,27 +1,52 @@
 #include "interop/support/Peers.h"
 
-#include <QDir>
-#include <QFileInfo>
-#include <QProcess>
+#include "interop/support/NumberedText.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QProcessEnvironment>
-#include <QStandardPaths>
+#include <QTemporaryFile>
 
 namespace {
 
 const QString sourceDir = QStringLiteral(INTEROP_SOURCE_DIR);
-const QString classroomDir = QStringLiteral(INTEROP_SOURCE_DIR "/../../classroom");
 
 // The loopback address that the forward proxy connects from; everybody else's is 127.0.0.1.
 const QString forwarded = QStringLiteral("127.0.0.2");
 
+// One that takes a port by itself.
+Peer::Program server(const QString& name, const QString& package, const QStringList& arguments,
+                     const QString& missing = QString())
+{
+    const QStringList port = {QStringLiteral("--port"), QStringLiteral("@PORT@")};
+    return {name, package, arguments + port, {}, Peer::Program::SaysPort, missing};
+}
+
 Peer::Program node(const QString& script, const QStringList& options)
 {
-    Peer::Program program;
-    program.name = QStringLiteral("node");
-    program.package = QStringLiteral("nodejs");
-    program.arguments = QStringList{script, QStringLiteral("--port"), QStringLiteral("@PORT@")} + options;
-    program.ready = Peer::Program::SaysPort;
-    return program;
+    return server(QStringLiteral("node"), QStringLiteral("nodejs"), QStringList{script} + options);
+}
+
+// One that has a template of its configuration.
+Peer::Program configured(const char* name, const char* package, const char* arguments,
+                         const QMap<QString, QString>& values)
+{
+    return {QString(name), QString(package),       QString(arguments).split(QLatin1Char(' ')),
+            values,        Peer::Program::Accepts, {}};
+}
+
+// The numbered texts as JSON, and that the bus is to send them.
+QStringList withTexts(const QStringList& options)
+{
+    static QTemporaryFile file;
+    if (file.fileName().isEmpty() && file.open()) {
+        QJsonArray texts;
+        for (int number = 0; number < NumberedText::COUNT; ++number)
+            texts.append(NumberedText::text(number));
+        file.write(QJsonDocument(texts).toJson());
+        file.close();
+    }
+    return QStringList{QStringLiteral("--texts"), file.fileName()} + options;
 }
 
 // Offline, from the packages that Debian has put beside each other. Gives why that failed; empty when it did
@@ -53,43 +78,33 @@ QString buildGo(const QString& source, const QString& target)
 
 Peer::Program Peers::nodeBus(const QStringList& options)
 {
-    return node(sourceDir + QStringLiteral("/peers/bus.js"), options);
+    return node(sourceDir + QStringLiteral("/peers/bus.js"), withTexts(options));
 }
 
 Peer::Program Peers::goBus(const QStringList& options)
 {
     static const QTemporaryDir folder;
-    Peer::Program program;
-    program.name = folder.filePath(QStringLiteral("bus"));
-    if (!QFileInfo::exists(program.name))
-        program.missing = buildGo(sourceDir + QStringLiteral("/peers/bus.go"), program.name);
-    program.arguments = QStringList{QStringLiteral("--port"), QStringLiteral("@PORT@")} + options;
-    program.ready = Peer::Program::SaysPort;
-    return program;
+    static const QString bus = folder.filePath(QStringLiteral("bus"));
+    static const QString missing = buildGo(sourceDir + QStringLiteral("/peers/bus.go"), bus);
+    return server(bus, QString(), withTexts(options), missing);
 }
 
 Peer::Program Peers::classroom(const QStringList& options)
 {
-    return node(classroomDir + QStringLiteral("/server.js"), options);
+    return node(sourceDir + QStringLiteral("/../../classroom/server.js"), options);
 }
 
 Peer::Program Peers::haproxy(const QList<quint16>& servers, const QMap<QString, QString>& values)
 {
-    Peer::Program program;
-    program.name = QStringLiteral("haproxy");
-    program.package = QStringLiteral("haproxy");
-    program.arguments = QStringList{QStringLiteral("-db"), QStringLiteral("-f"), QStringLiteral("@CONFIG@")};
-    program.config = QStringLiteral("haproxy.cfg");
-    program.values = values;
-    for (const char* name : {"DEFAULTS", "BIND", "FRONTEND"})
-        program.values.insert(QLatin1String(name), values.value(QLatin1String(name)));
     QStringList lines;
     for (const quint16 server : servers) {
         const QString name = QString(QChar('a' + int(lines.size())));
         lines.append(QStringLiteral("    server %1 127.0.0.1:%2 cookie %1").arg(name).arg(server));
     }
-    program.values.insert(QStringLiteral("SERVERS"), lines.join(QLatin1Char('\n')));
-    return program;
+    QMap<QString, QString> all = {{QStringLiteral("SERVERS"), lines.join(QLatin1Char('\n'))}};
+    for (const char* name : {"DEFAULTS", "BIND", "FRONTEND"})
+        all.insert(QLatin1String(name), values.value(QLatin1String(name)));
+    return configured("haproxy", "haproxy", "-db -f @CONFIG@", all);
 }
 
 Peer::Program Peers::door(quint16 server)
@@ -101,25 +116,13 @@ Peer::Program Peers::door(quint16 server)
 
 Peer::Program Peers::nginx(quint16 server, const QString& options)
 {
-    Peer::Program program;
-    program.name = QStringLiteral("nginx");
-    program.package = QStringLiteral("nginx-light");
-    program.arguments =
-        QStringList{QStringLiteral("-p"),       QStringLiteral("@FOLDER@"), QStringLiteral("-c"),
-                    QStringLiteral("@CONFIG@"), QStringLiteral("-e"),       QStringLiteral("stderr")};
-    program.config = QStringLiteral("nginx.conf");
-    program.values = {{QStringLiteral("SERVER"), QString::number(server)},
-                      {QStringLiteral("OPTIONS"), options}};
-    return program;
+    return configured(
+        "nginx", "nginx-light", "-p @FOLDER@ -c @CONFIG@ -e stderr",
+        {{QStringLiteral("SERVER"), QString::number(server)}, {QStringLiteral("OPTIONS"), options}});
 }
 
 Peer::Program Peers::tinyproxy(const QString& options)
 {
-    Peer::Program program;
-    program.name = QStringLiteral("tinyproxy");
-    program.package = QStringLiteral("tinyproxy");
-    program.arguments = QStringList{QStringLiteral("-d"), QStringLiteral("-c"), QStringLiteral("@CONFIG@")};
-    program.config = QStringLiteral("tinyproxy.conf");
-    program.values = {{QStringLiteral("FORWARDED"), forwarded}, {QStringLiteral("OPTIONS"), options}};
-    return program;
+    return configured("tinyproxy", "tinyproxy", "-d -c @CONFIG@",
+                      {{QStringLiteral("FORWARDED"), forwarded}, {QStringLiteral("OPTIONS"), options}});
 }

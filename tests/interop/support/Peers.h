@@ -12,7 +12,7 @@ Peer::Program goBus(const QStringList& options = {});
 /// The local classroom.
 Peer::Program classroom(const QStringList& options = {});
 
-/// haproxy in front of the \p servers. \p values: lines of configuration, see config/haproxy.cfg.
+/// haproxy in front of the \p servers. \p values: lines of configuration, see config/haproxy.
 Peer::Program haproxy(const QList<quint16>& servers, const QMap<QString, QString>& values = {});
 /// haproxy in front of \p server: it lets only those in who come from the forward proxy.
 Peer::Program door(quint16 server);
