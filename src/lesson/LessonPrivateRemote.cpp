@@ -83,12 +83,11 @@ bool LessonPrivate::obey(Lesson::RemoteCommand command, const QVariant& data)
             return true;
         tellRemote();
         return false;
-    case Lesson::ShowCard:
-        if (deck->current() > 0)
-            q->showCard();
-        else
-            tellRemote();
-        return deck->current() > 0;
+    case Lesson::ShowCard: {
+        const bool hasCard = deck->current() > 0;
+        hasCard ? q->showCard() : tellRemote();
+        return hasCard;
+    }
     case Lesson::AddCard:
         return addRemoteCard(data);
     case Lesson::EndLesson:

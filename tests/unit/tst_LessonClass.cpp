@@ -487,6 +487,12 @@ private Q_SLOTS:
             // The other signals are played in a whole lesson, at the local classroom.
             {"remote control comes", "remotePresentChanged()", commands},
             {"it commands", "remoteCommand(Calyx::Lesson::RemoteCommand,bool,QVariant)", commands},
+            {"it shows a card", "cardShown(int)",
+             [](Class& at) {
+                 at.lesson->deck()->add("one", QByteArray("png"));
+                 at.expectRemote();
+                 at.hear("R", "pushCurrentCard", {});
+             }},
             {"a message that nobody knows", "messageReceived(QString,QString,QVariant)",
              [](Class& at) { at.hear("D1", "hello", {}); }},
             {"somebody has to register", "registrationNeeded(QString)",
