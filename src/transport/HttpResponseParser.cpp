@@ -192,7 +192,6 @@ HttpResponseParser::Event HttpResponseParser::readHeader(const QByteArray& head)
 // Sets how the body after a header is bounded. False for an interim header, after which the real one follows.
 bool HttpResponseParser::frameBody(const Event& header, int status)
 {
-    m_silent = false;
     m_lineSkipped = false;
     m_breakOwed = false;
     m_remaining = header.contentLength;

@@ -54,13 +54,16 @@ QByteArray large(int bytes = 70000)
 
 bool showsLarge(Class& class_, const QByteArray& png, const Answer& answer)
 {
+    Lesson* const lesson = class_.lesson.get();
+    const QObject context;
     bool isShown = false;
-    QObject::connect(class_.lesson.get(), &Lesson::cardShown, [&] { isShown = true; });
+    QList<bool> isBusy;
+    QObject::connect(lesson, &Lesson::cardShown, &context, [&] { isShown = true; });
+    QObject::connect(lesson, &Lesson::busyChanged, &context, [&] { isBusy.append(lesson->isBusy()); });
     class_.service.expect(UPLOAD, answer);
-    class_.lesson->deck()->add(QStringLiteral("card"), png);
-    class_.lesson->showCard();
-    const bool isBusy = class_.lesson->isBusy();
-    return waitFor([&] { return isShown; }) && isBusy && !class_.lesson->isBusy();
+    lesson->deck()->add(QStringLiteral("card"), png);
+    lesson->showCard();
+    return waitFor([&] { return isShown && isBusy == QList<bool>{true, false}; });
 }
 
 } // namespace
@@ -388,6 +391,53 @@ private Q_SLOTS:
             rows += row.count;
         QCOMPARE(isLate, late);
         QCOMPARE(rows, answered);
+    }
+
+    void marks_data()
+    {
+        const auto sheets = [](const QByteArray& ann, const QByteArray& bea) {
+            return "Learner,Device,Right,1,1 right,2,2 right\r\nAnn,D1," + ann + "\r\nBea,D2," + bea + "\r\n";
+        };
+        // Device, question and answer; then the table, and how many have finished, have the first, have it
+        // right.
+        rows<bool, QStringList, QByteArray, QList<int>>({
+            {"nothing", true, {}, sheets("0,,,,", "0,,,,"), {0, 0, 0}},
+            {"right, wrong, unmarked",
+             true,
+             {"D1 1 B", "D2 1 A", "D1 2 leaf"},
+             sheets("1,B,yes,leaf,", "0,A,no,,"),
+             {1, 2, 1}},
+            {"another", true, {"D1 1 B", "D1 2 leaf", "D1 1 A"}, sheets("0,A,no,leaf,", "0,,,,"), {1, 1, 0}},
+            {"a better one", true, {"D1 1 A", "D1 1 B"}, sheets("1,B,yes,,", "0,,,,"), {0, 1, 1}},
+            {"only the first counts", false, {"D1 1 B", "D1 1 A"}, sheets("1,B,yes,,", "0,,,,"), {0, 1, 1}},
+            {"from nobody who takes part", true, {"D3 1 B"}, sheets("0,,,,", "0,,,,"), {0, 0, 0}},
+        });
+    }
+    void marks()
+    {
+        const auto [mayResubmit, answers, table, counts] = row<bool, QStringList, QByteArray, QList<int>>();
+        m_class->published();
+        AssessmentPlan asked = plan();
+        asked.mayResubmit = mayResubmit;
+        const Assessment* const assessment = m_class->lesson->startAssessment(asked, {"D1", "D2"});
+        for (const int number : {1, 2})
+            m_class->hear("D1", "questionGet",
+                          {{"questionNumber", number}, {"assessmentToken", assessment->token()}});
+        QVERIFY(joins(*m_class, "D8"));
+        m_class->lesson->setName({}, {});
+        QStringList ids;
+        for (const QJsonObject& data : m_class->publishedWithData().data) {
+            if (data.contains("questionNumber"))
+                ids.append(data.value("id").toString());
+        }
+        for (const QString& given : answers) {
+            const QStringList words = given.split(' ');
+            m_class->answer(words.at(0), ids.value(words.at(1).toInt() - 1), words.at(2));
+        }
+        QVERIFY(joins(*m_class, "D9"));
+        QCOMPARE(assessment->toCsv().toUtf8(), table);
+        QCOMPARE((QList<int>{assessment->finished(), assessment->answeredBy(1), assessment->rightBy(1)}),
+                 counts);
     }
 
     void obeysTheRemoteControl_data()
