@@ -172,7 +172,7 @@ HttpResponseParser::Event HttpResponseParser::readHeader(const QByteArray& head)
 {
     Event event;
     int position = 0;
-    const int status = takeLine(head, &position).mid(sizeof(headBegin) - 1).split(' ').value(1).toInt();
+    const int status = takeLine(head, &position).split(' ').value(1).toInt();
     while (position < head.size())
         insertHeader(&event.headers, takeLine(head, &position));
 

@@ -436,6 +436,15 @@ private Q_SLOTS:
         }
         QVERIFY(joins(*m_class, "D9"));
         QCOMPARE(assessment->toCsv().toUtf8(), table);
+        const auto cell = [&](int column) { return assessment->index(0, column).data().toString(); };
+        const auto title = [&](int column) {
+            return assessment->headerData(column, Qt::Horizontal).toString();
+        };
+        QCOMPARE(title(Assessment::Name) + '=' + cell(Assessment::Name), QStringLiteral("Learner=Ann"));
+        QCOMPARE(title(Assessment::Score) + '=' + cell(Assessment::Score),
+                 QStringLiteral("Right=%1 of 1").arg(assessment->rightAnswers("D1")));
+        QCOMPARE(title(Assessment::FirstQuestion) + '=' + cell(Assessment::FirstQuestion),
+                 QStringLiteral("1=") + assessment->answer("D1", 1).text);
         QCOMPARE((QList<int>{assessment->finished(), assessment->answeredBy(1), assessment->rightBy(1)}),
                  counts);
     }

@@ -23,9 +23,12 @@ namespace {
 
 using Script = std::function<void(FakeService&)>;
 
+constexpr char USERS[] = "/tavisto/session/getusers";
+
 } // namespace
 
 Q_DECLARE_METATYPE(Script)
+Q_DECLARE_METATYPE(QList<Script>)
 
 class tst_LessonStates : public QObject
 {
@@ -277,7 +280,7 @@ private Q_SLOTS:
         QVERIFY(!class_.sent("questionStart").isEmpty());
         const QJsonObject pulse = class_.sent("pulse");
         QSignalSpy joined(class_.lesson->roster(), &Roster::joined);
-        class_.service.expect("/tavisto/session/getusers", Answer::json(R"({"success":true,"data":{"users":[
+        class_.service.expect(USERS, Answer::json(R"({"success":true,"data":{"users":[
             {"userToken":"D2","mode":"learner"},{"userToken":"D3","mode":"learner"},{"userToken":"D4","mode":"learner"}]}})"));
         class_.hear(pulse);
         class_.hear(pulse); // once is enough
@@ -306,14 +309,58 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::Reconnecting; }));
         QVERIFY(!class_.lesson->nextAttempt().isValid());
         QCOMPARE(class_.lesson->attemptText(), QStringLiteral("The connection is lost."));
-        LessonError error;
-        connect(class_.lesson.get(), &Lesson::failed, this, [&](const LessonError& one) { error = one; });
-        class_.service.expect("/tavisto/session/getusers", Answer::json("<html>", 502));
-        class_.lesson->retryNow();
-        QVERIFY(waitFor([&] { return error.kind == LessonError::NoAnswer; }));
         QVERIFY(class_.loseAndReturn([](Lesson&) {}));
         QCOMPARE(class_.lesson->attemptText(), QString());
         QVERIFY(class_.end());
+    }
+
+    void triesToComeBack_data()
+    {
+        const auto refuses = [](const char* path, const QByteArray& text) {
+            return [=](FakeService& service) { service.expect(path, Answer::json(text, 403)); };
+        };
+        const auto agrees = [](const char* path, const QByteArray& text) {
+            return [=](FakeService& service) { service.expect(path, Answer::json(text)); };
+        };
+        const Script nobody = refuses(USERS, Logins::REFUSED);
+        const Script known = agrees(Logins::USER, R"({"data":{"userLoginId":"teacher"}})");
+        const Script unknown = agrees(Logins::USER, "{}");
+        const Script learners = agrees(USERS, R"({"success":true,"data":{"users":[]}})");
+        rows<QList<Script>, int, int>({
+            {"no server", {refuses(USERS, "<html>")}, LessonError::NotTheService, Lesson::Reconnecting},
+            {"no session",
+             {refuses(USERS, R"({"errorMsgKeys":["session.error"]})")},
+             LessonError::SessionGone,
+             Lesson::LoggedIn},
+            {"logged in", {nobody, known, learners, learners}, LessonError::NoError, Lesson::Live},
+            {"logs in",
+             {nobody, unknown, agrees(SUBMIT, Logins::SUCCESS), learners, learners},
+             LessonError::NoError,
+             Lesson::Live},
+            {"logged out",
+             {nobody, unknown, refuses(SUBMIT, Logins::REFUSED)},
+             LessonError::LoggedOutByService,
+             Lesson::LoggedOut},
+        });
+    }
+    void triesToComeBack()
+    {
+        const auto [replies, kind, state] = row<QList<Script>, int, int>();
+        Class class_;
+        class_.lesson->setReconnects(false);
+        QVERIFY(class_.start());
+        class_.bus.dropConnections();
+        QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::Reconnecting; }));
+        LessonError error;
+        connect(class_.lesson.get(), &Lesson::failed, this, [&](const LessonError& one) { error = one; });
+        for (const Script& reply : replies)
+            reply(class_.service);
+        class_.lesson->retryNow();
+        QVERIFY(waitFor(
+            [&] { return error.kind != LessonError::NoError || class_.lesson->state() == Lesson::Live; }));
+        QCOMPARE(int(error.kind), kind);
+        QCOMPARE(int(class_.lesson->state()), state);
+        QVERIFY(class_.service.isUsedUp());
     }
 
     void waitsAreCancelled_data()
