@@ -96,48 +96,33 @@ private Q_SLOTS:
         QVERIFY(request.header("cookie").isNull());
         QCOMPARE(client().successes, QStringList{"{}"});
     }
-
-    void success_data()
+    void oneHandlerGetsTheAnswer_data()
     {
-        rows<int, QByteArray>({
-            {"200", 200, R"({"data":{"name":"Zoë"}})"},
-            {"201", 201, "created"},
-            {"empty", 200, QByteArray()},
-            {"large", 200, QByteArray(300000, 'x')},
-            {"line ends kept", 200, "a\r\nb\n"},
+        const QByteArray large(300000, 'x');
+        const QByteArray error = R"({"errorMsgKeys":["x"]})";
+        const auto none = QNetworkReply::NoError;
+        const int lost = -1; // of one kind or another
+        rows<Answer, QString, int>({
+            {"200", Answer::json(R"({"data":{"name":"Zoë"}})"), R"({"data":{"name":"Zoë"}})", none},
+            {"201", Answer::json("created", 201), "created", none},
+            {"empty", Answer::json(""), "", none},
+            {"large", Answer::json(large), large, none},
+            {"line ends kept", Answer::json("a\r\nb\n"), "a\r\nb\n", none},
+            {"http error", Answer::json(error, 500), error, QNetworkReply::InternalServerError},
+            {"service gone", Answer::gone(), "", lost},
+            {"cut short", Answer::cut(R"({"data":{}})"), "{\"dat", lost},
         });
     }
-    void success()
+    void oneHandlerGetsTheAnswer()
     {
-        const auto [status, body] = row<int, QByteArray>();
-        service().expect("/a", Answer::json(body, status));
-        const QSignalSpy processed(&client(), SIGNAL(requestProcessed()));
-        client().request("/a");
-
-        QCOMPARE(client().successes, QStringList{QString::fromUtf8(body)});
-        QVERIFY(client().failures.isEmpty());
-        QCOMPARE(processed.size(), 1);
-    }
-
-    void errorsGoToTheFailureHandler_data()
-    {
-        rows<Answer, QString, bool>({
-            {"http error", Answer::json(R"({"errorMsgKeys":["x"]})", 500), R"({"errorMsgKeys":["x"]})", true},
-            {"no answer, service gone", Answer::gone(), QString(), false},
-            {"answer cut short", Answer::cut(R"({"data":{}})"), "{\"dat", false},
-        });
-    }
-    void errorsGoToTheFailureHandler()
-    {
-        const auto [answer, body, isHttp] = row<Answer, QString, bool>();
+        const auto [answer, body, error] = row<Answer, QString, int>();
         service().expect("/a", answer);
         const QSignalSpy processed(&client(), SIGNAL(requestProcessed()));
         client().request("/a");
 
-        QVERIFY(client().successes.isEmpty());
-        QCOMPARE(client().failures, QStringList{body});
-        QVERIFY(client().errors.first() != QNetworkReply::NoError);
-        QCOMPARE(client().errors.first() == QNetworkReply::InternalServerError, isHttp);
+        QCOMPARE(client().successes + client().failures, QStringList{body});
+        const int seen = client().errors.value(0, QNetworkReply::NoError);
+        QVERIFY(error == seen || (error < 0 && seen > 0 && seen < QNetworkReply::ContentAccessDenied));
         QCOMPARE(processed.size(), 1);
     }
 
@@ -267,19 +252,6 @@ private Q_SLOTS:
         QCOMPARE(ProcessResources::connectionsThatSendAtOnce(service().serverPort()), 1);
     }
 
-    void checkServerClearsTheLastError()
-    {
-        service().expect("/tavisto", Answer::json("{}"));
-        service().expect("/tavisto", Answer::json(R"({"errorMsgKeys":["b.error"]})", 500));
-        client().loginFailureResponse(nullptr, R"({"errorMsgKeys":["a.error"]})");
-        QCOMPARE(client().lastError(), QStringLiteral("a.error"));
-
-        QVERIFY(client().checkServer(QString(), QString()));
-        QVERIFY(client().lastError().isNull());
-        QVERIFY(!client().checkServer(QString(), QString()));
-        QVERIFY(client().lastError().isNull()); // it has no failure handler
-    }
-
     void logsTheBody()
     {
         const Exchange exchange(Answer::json("[1,2]"));
@@ -370,75 +342,36 @@ private Q_SLOTS:
         QCOMPARE(client().server(), service().url());
     }
 
-    void gzipIsInflated()
+    void bodyIsDecoded_data()
     {
         const QByteArray text = R"({"data":{"name":"Zoë"}})";
-        const QByteArray packed = Gzip::gzip(text);
-        const Exchange exchange(Answer::json(packed).with("Content-Encoding", "gzip"));
-
-        QCOMPARE(exchange.client.successes, QStringList{QString::fromUtf8(text)});
-        const QStringList lines = exchange.log.debug("[REST Responze.gzip] Compressed size: ");
-        QCOMPARE(lines.size(), 1);
-        QVERIFY2(lines.first().trimmed().endsWith(' ' + QString::number(packed.size())),
-                 qPrintable(lines.first()));
-        QCOMPARE(exchange.log.debug("[REST Response] ").size(), 1);
-    }
-
-    void gzipOfAFailureIsInflated()
-    {
-        const Exchange exchange(Answer::json(Gzip::gzip("{\"a\":1}"), 500).with("content-encoding", "gzip"));
-
-        QCOMPARE(exchange.client.failures, QStringList{"{\"a\":1}"});
-    }
-
-    void gzipNameIsCaseSensitive()
-    {
-        service().expect("/tavisto", Answer::json(Gzip::gzip("{}")).with("Content-Encoding", "GZIP"));
-        service().expect("/tavisto", Answer::json("{}").with("Content-Encoding", "GZIP"));
-        const LogRecorder log;
-
-        QVERIFY(!client().checkServer(QString(), QString()));
-        QVERIFY(client().checkServer(QString(), QString()));
-        QVERIFY(log.debug("[REST Responze.gzip]").isEmpty());
-    }
-
-    void badGzipGivesAnEmptyBody_data()
-    {
+        const QByteArray nul("{\"a\":1}\0garbage\0", 16);
         QByteArray corrupt = Gzip::gzip(QByteArray(5000, 'x'));
         corrupt[corrupt.size() - 8] = char(corrupt.at(corrupt.size() - 8) ^ 1);
-        rows<QByteArray, bool>({
-            {"no byte", QByteArray(), true},
-            {"4 bytes", QByteArray("\x1f\x8b\x08\x00", 4), true},
-            {"5 bytes", QByteArray("\x1f\x8b\x08\x00\x00", 5), false},
-            {"plain text", R"({"data":{}})", false},
-            {"wrong checksum", corrupt, false},
+        rows<QByteArray, QByteArray, int, QString>({
+            {"plain, up to its NUL", "identity", nul, 200, "{\"a\":1}"},
+            {"gzip", "gzip", Gzip::gzip(text), 200, text},
+            {"gzip of a failure", "gzip", Gzip::gzip(text), 500, text},
+            {"gzip, up to its NUL", "gzip", Gzip::gzip(nul), 200, "{\"a\":1}"},
+            {"another name, which is no gzip", "GZIP", text, 200, text},
+            {"no byte", "gzip", "", 200, ""},
+            {"4 bytes", "gzip", QByteArray("\x1f\x8b\x08\x00", 4), 200, ""},
+            {"5 bytes", "gzip", QByteArray("\x1f\x8b\x08\x00\x00", 5), 200, ""},
+            {"no gzip", "gzip", text, 200, ""},
+            {"wrong checksum", "gzip", corrupt, 200, ""},
         });
     }
-    void badGzipGivesAnEmptyBody()
+    void bodyIsDecoded()
     {
-        const auto [bytes, warned] = row<QByteArray, bool>();
+        const auto [encoding, bytes, status, body] = row<QByteArray, QByteArray, int, QString>();
+        const Exchange exchange(Answer::json(bytes, status).with("content-encoding", encoding));
 
-        const Exchange exchange(Answer::json(bytes).with("Content-Encoding", "gzip"));
-
-        QCOMPARE(exchange.client.successes, QStringList{QString()});
-        QCOMPARE(exchange.log.warnings(),
-                 warned ? QStringList{"gUncompress: Input data is truncated"} : QStringList());
-    }
-
-    void bodyEndsAtItsFirstNul_data() { rows<bool>({{"plain", false}, {"gzip", true}}); }
-    void bodyEndsAtItsFirstNul()
-    {
-        const auto [gzip] = row<bool>();
-        const QByteArray body("{\"a\":1}\0garbage\0", 16);
-        Answer answer = Answer::json(gzip ? Gzip::gzip(body) : body);
-        if (gzip)
-            answer.with("Content-Encoding", "gzip");
-        service().expect("/a", answer);
-        service().expect("/tavisto", answer);
-        client().request("/a");
-
-        QCOMPARE(client().successes, QStringList{"{\"a\":1}"});
-        QVERIFY(client().checkServer(QString(), QString()));
+        QCOMPARE(exchange.client.successes + exchange.client.failures, QStringList{body});
+        const QStringList lines = exchange.log.debug("[REST Responze.gzip] Compressed size: ");
+        QCOMPARE(lines.size(), encoding == "gzip" ? 1 : 0);
+        QVERIFY(lines.isEmpty() || lines.first().trimmed().endsWith(' ' + QString::number(bytes.size())));
+        const QStringList truncated{"gUncompress: Input data is truncated"};
+        QCOMPARE(exchange.log.warnings(), bytes.size() < 5 ? truncated : QStringList());
     }
 };
 

@@ -1,7 +1,7 @@
-// What the account operations send, what they keep, and which credentials log in again.
+// What the operations send, and which credentials log in again. What they keep is in
+// tst_PresenterClientAnswers.
 
 #include "support/ClientTest.h"
-#include "support/LogRecorder.h"
 #include "support/Logins.h"
 #include "support/Rows.h"
 
@@ -16,13 +16,11 @@ using namespace Logins;
 namespace {
 
 using Call = std::function<void(PresenterClient&, const QStringList&)>;
-using Login = std::function<bool(PresenterClient&)>;
 using Preparation = std::function<void(PresenterClient&, FakeService&)>;
 
 } // namespace
 
 Q_DECLARE_METATYPE(Call)
-Q_DECLARE_METATYPE(Login)
 Q_DECLARE_METATYPE(Preparation)
 
 class tst_PresenterClientAccount : public ClientTest
@@ -76,6 +74,7 @@ private Q_SLOTS:
                 [=](C c, V, QString out = {}) { c.doGetOAuthAccessToken(provider, "c", "d", "n", out); });
         }
         row("doGetUserName", USER, "{}", [](C c, V) { c.doGetUserName(); });
+        row("doStartSession", "/tavisto/session/create", "{}", [](C c, V) { c.doStartSession("not used"); });
         row("doLogout", LOGOUT, "{}", [](C c, V) { c.doLogout(); });
         row("sendKeepAlive", KEEP_ALIVE, "", [](C c, V) { c.sendKeepAlive(); });
         row("onPingTimer", KEEP_ALIVE, "", [](C c, V) { QMetaObject::invokeMethod(&c, "onPingTimer"); });
@@ -92,6 +91,8 @@ private Q_SLOTS:
     void sendsItsRequest()
     {
         auto [call, values, path, body] = row<Call, QStringList, QByteArray, QByteArray>();
+        if (path.endsWith("/create"))
+            service().expect(USER, Answer::json(R"({"data":{"userLoginId":"u"}})"));
         service().expect(path, Answer::json("{}"));
         call(client(), values);
 
@@ -126,151 +127,9 @@ private Q_SLOTS:
         QCOMPARE(service().last().body, body);
         QVERIFY(registration.isNull());
     }
-
-    void loginStartsAnew_data()
-    {
-        rows<Login, QByteArray>({
-            {"password", Login(loginByPassword), QByteArray(SUBMIT)},
-            {"device", Login(loginByDevice), QByteArray(SUBMIT)},
-            {"OAuth", Login(loginWithOAuth), QByteArray(CALLBACK)},
-            {"registration", Login(registerWithOAuth), QByteArray(REGISTER)},
-        });
-    }
-    // Neither the error nor the login of an earlier call outlives the start of the next.
-    void loginStartsAnew()
-    {
-        const auto [login, path] = row<Login, QByteArray>();
-        client().loginSuccessResponse(QString::fromLatin1(SUCCESS));
-        client().loginFailureResponse(nullptr, QString::fromLatin1(REFUSED));
-        QVERIFY(client().isLoggedIn());
-        QVERIFY(!client().lastError().isNull());
-        bool loggedInMeanwhile = true;
-        service().expect(path, Answer::json("{}").then([&] { loggedInMeanwhile = client().isLoggedIn(); }));
-
-        QVERIFY(!login(client()));
-        QVERIFY(!loggedInMeanwhile);
-        QVERIFY(client().lastError().isNull());
-    }
-
-    // What counts is whether the client knows a provider and a code, not which login it was.
-    void passwordLoginAfterOAuthAsksForRegistration()
-    {
-        service().expect(CALLBACK, Answer::json("{}"));
-        service().expect(SUBMIT, Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{"a":1}})"));
-        QVERIFY(!loginWithOAuth(client()));
-
-        QVERIFY(!loginByPassword(client()));
-        QCOMPARE(client().registration(), QStringLiteral(R"({"a":1})"));
-    }
-
-    void registrationIsCompletedInASecondStep()
-    {
-        service().expect(CALLBACK,
-                         Answer::json(R"({"infoMsgKeys":["success.registration"],"data":{"mail":"m"}})"));
-        service().expect(REGISTER, Answer::json(SUCCESS));
-        QString registration;
-
-        QVERIFY(!client().doLoginWithOAuth("google", "c", registration));
-        QCOMPARE(registration, QStringLiteral(R"({"mail":"m"})"));
-        QVERIFY(client().doLoginWithOAuth("google", "c", registration));
-        QVERIFY(registration.isNull());
-        QVERIFY(client().registration().isNull());
-    }
-
-    void logoutOfNobodyCannotFail()
-    {
-        service().expect(LOGOUT, Answer::json("{}", 500));
-
-        QVERIFY(client().doLogout());
-    }
-
-    void accessTokenStaysAsItWasWhenTheRequestFails()
-    {
-        service().expect(SUBMIT, Answer::json(R"({"data":{"deviceAccessToken":"T1"}})"));
-        service().expect(SUBMIT, Answer::json(R"({"data":{"deviceAccessToken":"T2"}})", 500));
-        service().expect(CALLBACK, Answer::gone());
-        const QString u = "u";
-        QCOMPARE(client().doGetAccessToken(u, u, u, u), QStringLiteral("T1"));
-
-        QCOMPARE(client().doGetAccessToken(u, u, u, u), QStringLiteral("T1"));
-        QCOMPARE(getOAuthToken(client()), QStringLiteral("T1"));
-        QVERIFY(client().isLoggedIn());
-    }
-
-    void accessTokenResetsNothingFirst()
-    {
-        service().expect(SUBMIT, Answer::json(REFUSED, 401));
-        service().expect(CALLBACK, Answer::json(REFUSED, 401));
-        client().loginSuccessResponse(QString::fromLatin1(SUCCESS));
-        client().loginFailureResponse(nullptr, R"({"errorMsgKeys":["earlier.error"]})");
-
-        client().doGetAccessToken("u", "p", QString(), QString());
-        QVERIFY(client().isLoggedIn());
-        getOAuthToken(client());
-        QVERIFY(client().isLoggedIn());
-        QCOMPARE(client().lastError(), QStringLiteral("earlier.error"));
-    }
-
-    void oauthAccessTokenGivesTheEarlierRegistrationBack()
-    {
-        service().expect(CALLBACK, Answer::json(R"({"data":{"mail":"m"}})"));
-        service().expect(CALLBACK, Answer::json("{}", 500));
-        getOAuthToken(client());
-        QString registration;
-
-        QCOMPARE(getOAuthToken(client(), &registration), QString());
-        QCOMPARE(registration, QStringLiteral(R"({"mail":"m"})"));
-    }
-
-    void userNameStaysAsItWasWhenTheRequestFails()
-    {
-        service().expect(SUBMIT, Answer::json(SUCCESS));
-        service().expect(USER, Answer::json(R"({"data":{}})", 500));
-        QVERIFY(loginByPassword(client()));
-
-        QCOMPARE(client().doGetUserName(), QStringLiteral("u"));
-        QVERIFY(client().isLoggedIn());
-    }
-
-    void logoutStopsTheSessionFirst()
-    {
-        service().expect("/tavisto/session/stop", Answer::json("{}"));
-        service().expect(LOGOUT, Answer::json("{}"));
-        client().sessionStartSuccessResponse(R"({"data":{"sessionToken":"T"}})");
-
-        QVERIFY(client().doLogout());
-        QVERIFY(client().sessionToken().isNull());
-    }
-
-    void logoutWithACodeAloneStopsNothing()
-    {
-        service().expect(LOGOUT, Answer::json("{}"));
-        client().sessionSuccessResponse(R"({"data":{"sessionCode":"1"}})");
-        const LogRecorder log;
-
-        QVERIFY(client().doLogout());
-        QCOMPARE(log.debug("[PresenterClient] No session to stop!").size(), 1);
-    }
-
-    void logoutKeepsTheCredentials()
-    {
-        service().expect(SUBMIT, Answer::json(SUCCESS));
-        service().expect(LOGOUT, Answer::json("{}"));
-        service().expect(SUBMIT, Answer::json(SUCCESS));
-        QVERIFY(loginByPassword(client()));
-        QVERIFY(client().doLogout());
-        QCOMPARE(client().userId(), QStringLiteral("u"));
-        client().reLogin();
-
-        QVERIFY(client().isLoggedIn());
-        QCOMPARE(service().requests().last().body, service().requests().first().body);
-    }
-
     void reLoginChoosesTheCredentials_data()
     {
-        columns<Preparation, QByteArray, QByteArray>();
-        // empty: no request
-
+        columns<Preparation, QByteArray, QByteArray>(); // empty: no request
         const auto password = [](PresenterClient& c, FakeService& s) {
             s.expect(SUBMIT, Answer::json("{}"));
             loginByPassword(c);
@@ -301,6 +160,10 @@ private Q_SLOTS:
         const auto name = [](PresenterClient& c, FakeService&) {
             c.userNameResponse(R"({"data":{"userLoginId":"u"}})");
         };
+        const auto logout = [](PresenterClient& c, FakeService& s) {
+            s.expect(LOGOUT, Answer::json("{}"));
+            c.doLogout();
+        };
         const auto row = [](const char* title, const QList<Preparation>& steps, const char* path,
                             const char* body) {
             const Preparation prepare = [=](PresenterClient& c, FakeService& s) {
@@ -316,6 +179,7 @@ private Q_SLOTS:
         row("nothing known", {}, "", "");
         row("user id alone", {name}, "", "");
         row("password", {password}, SUBMIT, byPassword);
+        row("password, and logged out", {password, logout}, SUBMIT, byPassword);
         row("password of a token request", {token}, SUBMIT, byPassword);
         row("device", {device}, SUBMIT, byDevice);
         row("password, then device", {password, device}, SUBMIT, byPassword);

@@ -1,5 +1,5 @@
 // What each operation makes of the answers that it may get: what it returns, and what the client knows
-// afterwards.
+// afterwards; and what it makes of those before it.
 
 #include "support/ClientTest.h"
 #include "support/Logins.h"
@@ -87,6 +87,23 @@ QString upload(PresenterClient& c)
     return QVariant(done).toString() + ' ' + id + ' ' + path;
 }
 
+using Request = std::tuple<QByteArray, int, QByteArray>;
+
+/// An operation of those below, the answer to its last request (null where it makes none), and what comes of
+/// it.
+struct Step
+{
+    QByteArray operation;
+    QByteArray body;
+    QString outcome;
+    int status = 200;
+    /// What has changed when the last request comes, where that counts.
+    QString meanwhile = QString();
+    /// Those before it, with the status and the body of their answers.
+    QList<Request> first = {};
+};
+using Steps = QList<Step>;
+
 const QMap<QByteArray, Operation> operations = {
     {"password", {SUBMIT, [](PresenterClient& c) { return loginByPassword(c); }}},
     {"device", {SUBMIT, [](PresenterClient& c) { return loginByDevice(c); }}},
@@ -102,6 +119,10 @@ const QMap<QByteArray, Operation> operations = {
     {"upload", {"/tavisto/resource/uploadResourceFile", upload}},
     {"check", {"/tavisto", [](PresenterClient& c) { return c.checkServer(QString(), QString()); }}},
     {"keep-alive", {KEEP_ALIVE, [](PresenterClient& c) { return c.sendKeepAlive(), QVariant(); }}},
+    // And what the client may have heard before.
+    {"a session", {nullptr, [](PresenterClient& c) { return Sessions::openSession(c), QVariant(); }}},
+    {"an error",
+     {nullptr, [](PresenterClient& c) { return c.sessionFailureResponse(nullptr, REFUSED), QVariant(); }}},
 };
 
 void addRow(const QByteArray& operation, const QByteArray& body, const QString& outcome, int status = 200)
@@ -111,6 +132,8 @@ void addRow(const QByteArray& operation, const QByteArray& body, const QString& 
 }
 
 } // namespace
+
+Q_DECLARE_METATYPE(Steps)
 
 class tst_PresenterClientAnswers : public ClientTest
 {
@@ -170,6 +193,103 @@ private Q_SLOTS:
             if (QTest::currentTestFailed())
                 return;
         }
+    }
+
+    void conversation_data()
+    {
+        const char user[] = R"({"data":{"userLoginId":"u"}})";
+        const QByteArray nothing;
+        const Step known{"password", SUCCESS, "true: logged in; user=u"};
+        const Step unknown{"password", "{}", "false: user=u"};
+        const Step session{"a session", nothing, ": code=123456; token=T"};
+        const Step error{"an error", nothing, ": error=login.error"};
+        const auto creation = [](const QList<Request>& first, const QByteArray& body,
+                                 const QString& outcome) {
+            return Step{"create", body, outcome, 200, {}, first};
+        };
+        const QString over = "no more code=123456; no more token=T";
+        const QString forgotten = "logged in; user=u; no more error=login.error; " + over;
+        rows<Steps>({
+            // What counts is whether the client knows a provider and a code, not which login it was.
+            {"registration is asked of a password after OAuth",
+             {{"OAuth", "{}", "false: "},
+              {"password", R"({"infoMsgKeys":["success.registration"],"data":{"a":1}})",
+               R"(false: user=u; registration={"a":1})"}}},
+            {"registration is completed in a second step",
+             {{"OAuth", R"({"infoMsgKeys":["success.registration"],"data":{"mail":"m"}})",
+               R"(false to be completed: {"mail":"m"}: registration={"mail":"m"})"},
+              {"registration", SUCCESS, R"(true: logged in; no more registration={"mail":"m"})"}}},
+            {"registration outlives a token request that fails",
+             {{"OAuth token", R"({"data":{"mail":"m"}})",
+               R"( to be completed: {"mail":"m"}: registration={"mail":"m"})"},
+              {"OAuth token", "{}", R"( to be completed: {"mail":"m"}: )", 500}}},
+            {"token outlives requests that fail",
+             {{"token", R"({"data":{"deviceAccessToken":"T1"}})", "T1: logged in; user=u"},
+              {"token", R"({"data":{"deviceAccessToken":"T2"}})", "T1: ", 500},
+              {"OAuth token", "", "T1 to be completed: : ", 500}}},
+            {"login and error outlive token requests",
+             {known,
+              error,
+              {"token", REFUSED, ": ", 401},
+              {"OAuth token", REFUSED, " to be completed: : ", 401}}},
+            {"name outlives a request that fails", {known, {"name", R"({"data":{}})", "u: ", 500}}},
+            {"logout of nobody", {{"logout", "{}", "true: ", 500}}},
+            {"logout stops the session first",
+             {session, {"logout", "{}", "true: " + over, 200, over, {{Sessions::STOP, 200, "{}"}}}}},
+            {"logout with a code alone",
+             {creation({{USER, 200, user}}, Sessions::CREATED, "true: logged in; user=u; code=123456"),
+              {"logout", "{}", "true: no more logged in"}}},
+            {"stop of what has been stopped",
+             {session, {"stop", "{}", "true: " + over}, {"stop", nothing, "false: "}}},
+            {"creation forgets what was before",
+             {session, error, {"create", "{}", "false: " + forgotten, 500, forgotten, {{USER, 200, user}}}}},
+            // A service that does not know us any more answers the question for the user with an error.
+            {"creation logs in again",
+             {unknown, creation({{USER, 401, "{}"}, {SUBMIT, 200, SUCCESS}}, Sessions::CREATED,
+                                "true: logged in; code=123456")}},
+            {"creation cannot log in again",
+             {unknown, session,
+              creation({{USER, 401, "{}"}, {SUBMIT, 401, REFUSED}}, nothing, "false: error=login.error")}},
+            // Without a user id there is nobody to log in again.
+            {"creation for nobody",
+             {known, creation({{USER, 200, R"({"data":{}})"}}, nothing,
+                              "false: no more logged in; no more user=u")}},
+            {"upload forgets the one before",
+             {{"upload", R"({"data":{"id":"r","path":"/r"}})",
+               "true r /tavisto/resource/downloadResourceFile?resourceId=r: resource=r; path=/r"},
+              {"upload", "", "false untouched untouched: no more resource=r; no more path=/r", 500,
+               "no more resource=r; no more path=/r"}}},
+            {"check forgets the error",
+             {error,
+              {"check", "{}", "true: reachable; no more error=login.error"},
+              {"check", REFUSED, "false: no more reachable", 500}}},
+        });
+        // Neither the error nor the login of an earlier call outlives the start of the next.
+        const QString anew = "no more logged in; no more error=login.error";
+        for (const char* login : {"password", "device", "OAuth", "registration"})
+            QTest::addRow("%s starts anew", login)
+                << Steps{known, error, {login, "{}", "false: " + anew, 200, anew}};
+    }
+    void conversation()
+    {
+        const auto [steps] = row<Steps>();
+        for (const Step& step : steps) {
+            const QStringList before = stateOf(client());
+            QString meanwhile;
+            for (const auto& [path, status, body] : step.first)
+                service().expect(path, Answer::json(body, status));
+            const Operation operation = operations.value(step.operation);
+            if (!step.body.isNull())
+                service().expect(operation.path, Answer::json(step.body, step.status).then([&] {
+                    meanwhile = change(before, stateOf(client()));
+                }));
+            const QString returned = operation.call(client()).toString();
+            QCOMPARE(returned + ": " + change(before, stateOf(client())), step.outcome);
+            QVERIFY2(service().isUsedUp(), step.operation.constData());
+            QVERIFY2(step.meanwhile.isNull() || meanwhile == step.meanwhile, qPrintable(meanwhile));
+        }
+        if (!client().sessionToken().isNull())
+            service().expect(Sessions::STOP, Answer::json("{}"));
     }
 
     void handlersLeaveThingsAloneWithoutJson()

@@ -14,17 +14,9 @@
 #include <QTest>
 #include <QTimer>
 
-#include <memory>
-
 using namespace Sessions;
 
 namespace {
-
-const char USER[] = "/tavisto/login/user";
-const char SUBMIT[] = "/tavisto/login/submit";
-const char CREATE[] = "/tavisto/session/create";
-
-const char LOGGED_IN[] = R"({"data":{"userLoginId":"u"}})";
 
 const char UPLOAD[] = "/tavisto/resource/uploadResourceFile";
 const char STORED[] = R"({"data":{"id":"r1","path":"/files/r1"}})";
@@ -53,83 +45,16 @@ class tst_PresenterClientSession : public ClientTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void asksWhoIsLoggedInAndCreates()
-    {
-        service().expect(USER, Answer::json(LOGGED_IN));
-        service().expect(CREATE, Answer::json(CREATED));
-
-        QVERIFY(client().doStartSession("not used"));
-        QCOMPARE(client().sessionCode(), QStringLiteral("123456"));
-        QVERIFY(client().sessionToken().isNull());
-        QVERIFY(client().isLoggedIn());
-        for (const FakeService::Request& request : service().requests()) {
-            QCOMPARE(request.method, QByteArray("POST"));
-            QCOMPARE(request.header("content-type"), QByteArray("application/json; charset=UTF-8"));
-            QCOMPARE(request.body, QByteArray("{}"));
-        }
-    }
-
-    void creationForgetsWhatWasBeforeFirst()
-    {
-        openSession(client());
-        client().sessionFailureResponse(nullptr, R"({"errorMsgKeys":["earlier.error"]})");
-        QCOMPARE(client().lastError(), QStringLiteral("earlier.error"));
-        bool forgottenMeanwhile = false;
-        service().expect(USER, Answer::json(LOGGED_IN));
-        service().expect(CREATE, Answer::json("{}", 500).then([&] {
-            forgottenMeanwhile = client().sessionCode().isNull() && client().sessionToken().isNull() &&
-                                 client().lastError().isNull();
-        }));
-
-        QVERIFY(!client().doStartSession(QString()));
-        QVERIFY(forgottenMeanwhile);
-        QVERIFY(client().sessionCode().isNull());
-        QVERIFY(client().sessionToken().isNull());
-    }
-
-    // A service that does not know us any more answers the question for the user with an error.
-    void logsInAgainWhenNeeded()
-    {
-        service().expect(SUBMIT, Answer::json("{}"));
-        service().expect(USER, Answer::json("{}", 401));
-        service().expect(SUBMIT, Answer::json(R"({"infoMsgs":["success"]})"));
-        service().expect(CREATE, Answer::json(CREATED));
-        QVERIFY(!client().doLogin("u", "p"));
-
-        QVERIFY(client().doStartSession(QString()));
-        QCOMPARE(client().sessionCode(), QStringLiteral("123456"));
-    }
-
-    void failedReLoginCreatesNothing()
-    {
-        service().expect(SUBMIT, Answer::json("{}"));
-        service().expect(USER, Answer::json("{}", 401));
-        service().expect(SUBMIT, Answer::json(R"({"errorMsgKeys":["login.error"]})", 401));
-        QVERIFY(!client().doLogin("u", "p"));
-        createSession(client());
-
-        QVERIFY(!client().doStartSession(QString()));
-        QCOMPARE(client().lastError(), QStringLiteral("login.error"));
-        QCOMPARE(client().sessionCode(), QStringLiteral("123456"));
-    }
-
-    // Without a user id there is nobody to log in again.
-    void unknownUserCreatesNothing()
-    {
-        service().expect(SUBMIT, Answer::json(R"({"infoMsgs":["success"]})"));
-        service().expect(USER, Answer::json(R"({"data":{}})"));
-        QVERIFY(client().doLogin("u", "p"));
-
-        QVERIFY(!client().doStartSession(QString()));
-    }
-
-    void noLearnersWithoutASession()
+    void nothingIsAskedWithoutASession()
     {
         createSession(client());
         const LogRecorder log;
 
         QVERIFY(!client().doGetLearners());
-        QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to get users for!"});
+        QVERIFY(!client().doStopSession());
+        QCOMPARE(log.debug(), QStringList({"[PresenterClient] No session to get users for!",
+                                           "[PresenterClient] No session to stop!"}));
+        QCOMPARE(client().sessionCode(), QStringLiteral("123456"));
     }
 
     void stopSetsOnlyTokenAndCodeToNullAndIsLogged()
@@ -151,21 +76,6 @@ private Q_SLOTS:
         QCOMPARE(client().userToken(), QStringLiteral("U"));
         QCOMPARE(before, 0);
         QCOMPARE(log.debug().last(), line);
-    }
-
-    void onlyAStartedSessionIsStopped()
-    {
-        createSession(client());
-        const LogRecorder log;
-        QVERIFY(!client().doStopSession());
-        QCOMPARE(log.debug(), QStringList{"[PresenterClient] No session to stop!"});
-        QCOMPARE(client().sessionCode(), QStringLiteral("123456"));
-
-        service().expect(STOP, Answer::json("{}"));
-        openSession(client());
-        QVERIFY(client().doStopSession());
-        QVERIFY(!client().doStopSession());
-        QCOMPARE(log.debug("[PresenterClient] No session to stop!").size(), 2);
     }
 
     void stopClosesTheChannelFirst()
@@ -297,22 +207,6 @@ private Q_SLOTS:
     {
         const auto [name, value, last, text] = row<QString, QString, bool, QString>();
         QCOMPARE(client().addMultipartValue(name, value, last), text);
-    }
-
-    void uploadForgetsTheEarlierResourceFirst()
-    {
-        bool forgottenMeanwhile = false;
-        service().expect(UPLOAD, Answer::json(STORED));
-        service().expect(UPLOAD, Answer::json("", 500).then([&] {
-            forgottenMeanwhile = client().resourceId().isNull() && client().resourcePath().isNull();
-        }));
-        QVERIFY(client().doUploadResource("f.png", QByteArray("ABC"), nullptr, nullptr));
-        QCOMPARE(client().resourceId(), QStringLiteral("r1"));
-        QVERIFY(!client().doUploadResource("f.png", QByteArray("ABC"), nullptr, nullptr));
-
-        QVERIFY(forgottenMeanwhile);
-        QVERIFY(client().resourceId().isNull());
-        QVERIFY(client().resourcePath().isNull());
     }
 };
 

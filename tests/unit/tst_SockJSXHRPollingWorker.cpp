@@ -5,7 +5,6 @@
 #include "support/WorkerTest.h"
 
 #include <QElapsedTimer>
-#include <QMetaMethod>
 #include <QTcpServer>
 #include <QtTest>
 
