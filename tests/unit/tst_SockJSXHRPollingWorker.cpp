@@ -8,11 +8,7 @@
 #include <QTcpServer>
 #include <QtTest>
 
-using HttpText::chunk;
-using HttpText::chunked;
-using HttpText::chunkedHead;
-using HttpText::endChunk;
-using HttpText::plain;
+using namespace HttpText;
 
 namespace {
 
@@ -240,14 +236,6 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(m_run->messages, QStringList("whatever"), patience);
     }
 
-    void deliversABodyThatEndsWithTheConnection()
-    {
-        m_server->answer("/xhr", Server::Script{Server::send("HTTP/1.0 200 OK\r\n\r\na[]"), Server::close()});
-        QVERIFY(start(1));
-        QTRY_COMPARE(m_run->messages, QStringList("a[]"));
-        QTRY_COMPARE(m_run->reports, QStringList({"header 0", "message 0", "reconnected"}));
-    }
-
     void reconnectsAfterEveryAnswerAtOnce()
     {
         constexpr int answers = 5;
@@ -261,17 +249,6 @@ private Q_SLOTS:
         QVERIFY(requests.at(answers - 1).msecs - requests.first().msecs < 1000);
         QCOMPARE(requests.at(answers - 1).connection, answers - 1);
         QVERIFY(log.debug(lostLine).size() >= answers - 1);
-    }
-
-    void reconnectStartsEmpty()
-    {
-        m_server->answer(
-            "/xhr", Server::Script{Server::send(chunkedHead() + chunk("old") + "5\r\nab"), Server::close()});
-        m_server->answer("/xhr", chunked("new\n"));
-        m_run->queueAgain = true;
-        QVERIFY(start(1));
-        QTRY_COMPARE(m_run->messages, QStringList("new"));
-        QCOMPARE(m_run->reports, QStringList({"header 0", "lost 0", "reconnected", "header 1", "message 1"}));
     }
 
     void waitingRequestOutlivesTheConnection()
@@ -340,28 +317,6 @@ private Q_SLOTS:
         QVERIFY(run.start());
         QVERIFY(run.queue());
         QTRY_COMPARE(run.messages, QStringList({"h", "a[]"}));
-    }
-
-    void streamEndDropsTheConnection()
-    {
-        m_server->answer("/xhr_streaming", chunkedHead() + chunk("o\n") + chunk("h") + endChunk());
-        m_server->answer("/xhr", plain("o\n"));
-        m_run->queueAgain = true;
-        QVERIFY(start(1, QStringLiteral("/p/xhr_streaming")));
-        QTRY_COMPARE(m_run->messages, QStringList({"o", "h", "o"}));
-        QCOMPARE(m_run->reports,
-                 QStringList({"header 0", "message 0", "message 0", "reconnected", "header 1", "message 1"}));
-        QCOMPARE(m_server->requests().last().connection, 1);
-        QVERIFY(m_server->requests().last().msecs - m_server->requests().first().msecs < 900);
-    }
-
-    void preludeAloneKeepsTheFullWait()
-    {
-        m_server->answer("/xhr_streaming", chunkedHead() + chunk(HttpText::prelude()) + endChunk());
-        m_run->queueAgain = true;
-        QVERIFY(start(1, QStringLiteral("/p/xhr_streaming")));
-        QTRY_COMPARE(m_server->count(), 2);
-        QVERIFY(m_server->requests().last().msecs - m_server->requests().first().msecs >= 980);
     }
 
     void stopsInTheMiddleOfAReconnect()
@@ -456,41 +411,56 @@ private Q_SLOTS:
         QTRY_COMPARE(m_run->reports, QStringList({"header 0", "message 0"}));
         QCOMPARE(m_run->messages, QStringList("o"));
     }
-
-    void emptyAnswerIsReported()
+    void answerIsReported_data()
     {
-        m_server->answer("/xhr", plain(""));
-        m_server->answer("/xhr", chunkedHead() + endChunk());
-        QVERIFY(start(2));
-        QTRY_COMPARE(m_run->reports, QStringList({"header 0", "empty 0", "header 1", "empty 1"}));
-        QCOMPARE(m_run->messages, QStringList());
+        columns<QByteArray, bool, bool, bool, QString, QString>();
+        bool streaming = false;
+        bool closed = false; // by the server, behind the answer
+        const auto row = [&](const char* name, const QByteArray& answer, bool waits, const char* reports,
+                             const QByteArray& messages) {
+            QTest::newRow(name) << answer << streaming << closed << waits << reports << QString(messages);
+        };
+        const char message[] = "header 0, message 0";
+        const char last[] = "header 0, message 0, reconnected";
+        row("open", plain("o\n"), false, message, "o");
+        row("heartbeat", plain("h\n"), false, message, "h");
+        row("messages", plain("a[\"x\"]\n"), false, message, "a[\"x\"]");
+        row("page", plain("<html>\n"), true, message, "<html>");
+        row("close frame", plain("c[3000,\"Go away!\"]\n"), true, message, "c[3000,\"Go away!\"]");
+        row("not found", "HTTP/1.1 404 Not Found\r\nContent-Length: 4\r\n\r\nwhat", true, message, "what");
+        row("nothing", plain(""), true, "header 0, empty 0", "");
+        row("no chunk", chunkedHead() + endChunk(), true, "header 0, empty 0", "");
+        row("chunk of 2^64-1", chunkedHead() + "ffffffffffffffff\r\nab", true,
+            "header 0, lost 0, reconnected", "");
+        row("page, then closed", plain("<html>\n", "Connection: close\r\n"), true, last, "<html>");
+        row("messages, then closed", plain("a[]\n", "Connection: close\r\n"), false, last, "a[]");
+        closed = true;
+        row("up to the end of the connection", "HTTP/1.0 200 OK\r\n\r\na[]", false, last, "a[]");
+        row("half an answer", chunkedHead() + chunk("old") + "5\r\nab", true, "header 0, lost 0, reconnected",
+            "");
+        streaming = true;
+        // It has answered: there is nothing to spare the server, and messages would come late.
+        row("stream that is cut", chunkedHead() + chunk("o\n") + chunk("a[1]\n"), false,
+            "header 0, message 0, message 0, lost 0, reconnected", "o a[1]");
+        closed = false;
+        row("stream", chunkedHead() + chunk("o\n") + chunk("h") + endChunk(), false,
+            "header 0, message 0, message 0, reconnected", "o h");
+        row("prelude alone", chunkedHead() + chunk(prelude()) + endChunk(), true, last, prelude().trimmed());
     }
-
-    void badAnswerKeepsTheFullWait_data()
+    // A bad answer, and none, keep the full wait before the next request.
+    void answerIsReported()
     {
-        rows<QByteArray, bool>({
-            {"open", plain("o\n"), false},
-            {"heartbeat", plain("h\n"), false},
-            {"messages", plain("a[\"x\"]\n"), false},
-            {"page", plain("<html>\n"), true},
-            {"close frame", plain("c[3000,\"Go away!\"]\n"), true},
-            {"nothing", plain(""), true},
-            {"not found", "HTTP/1.1 404 Not Found\r\nContent-Length: 4\r\n\r\nwhat", true},
-            {"chunk of 2^64-1", chunkedHead() + "ffffffffffffffff\r\nab", true},
-            {"page, then closed", plain("<html>\n", "Connection: close\r\n"), true},
-            {"messages, then closed", plain("a[]\n", "Connection: close\r\n"), false},
-        });
-    }
-    void badAnswerKeepsTheFullWait()
-    {
-        const auto [answer, waits] = row<QByteArray, bool>();
-        m_server->answer("/xhr", answer);
-        m_server->answer("/xhr", plain("o\n"));
-        QVERIFY(start(2));
-        QTRY_COMPARE(m_server->count(), 2);
+        const auto [answer, streaming, closed, waits, reports, messages] =
+            row<QByteArray, bool, bool, bool, QString, QString>();
+        const QByteArray path = streaming ? "/xhr_streaming" : "/xhr";
+        const Server::Script sent{Server::send(answer)};
+        m_server->answer(path, closed ? sent + Server::Script{Server::close()} : sent);
+        m_server->answer(path, streaming ? chunkedHead() + chunk("next\n") : plain("next\n"));
+        QVERIFY(start(2, QStringLiteral("/p") + path));
+        QTRY_COMPARE(m_run->reports.join(", "), reports + ", header 1, message 1");
+        QCOMPARE(m_run->messages.join(' ').trimmed(), QString(messages + " next").trimmed());
         const QList<Server::Request> requests = m_server->requests();
-        const bool isMadeAnew = answer.contains("Connection: close") || answer.contains("ffff");
-        QCOMPARE(requests.last().connection, isMadeAnew ? 1 : 0);
+        QCOMPARE(requests.last().connection, reports.endsWith("reconnected") ? 1 : 0);
         const qint64 gap = requests.last().msecs - requests.first().msecs;
         QVERIFY2(waits ? gap >= 980 && gap < 2000 : gap < 900, qPrintable(QString::number(gap)));
     }
@@ -509,23 +479,6 @@ private Q_SLOTS:
             QVERIFY2(gap >= 980 && gap < 2000, qPrintable(QString::number(gap)));
         }
         QCOMPARE(m_run->reconnects, 3);
-    }
-
-    // It has answered: there is nothing to spare the server, and messages would come late.
-    void streamThatIsCutAfterAFrameIsAskedAnewAtOnce()
-    {
-        m_server->answer("/xhr_streaming",
-                         Server::Script{Server::send(chunkedHead() + chunk("o\n") + chunk("a[\"x\"]\n")),
-                                        Server::close()});
-        m_server->answer("/xhr_streaming", chunkedHead() + chunk("a[\"y\"]\n"));
-        const QString path = QStringLiteral("/p/xhr_streaming");
-        connect(m_run->worker, &SockJSXHRPollingWorker::reconnected, m_run.get(),
-                [&] { m_run->queue(path); });
-        QVERIFY(start());
-        QVERIFY(m_run->queue(path));
-        QTRY_COMPARE_WITH_TIMEOUT(m_run->messages, QStringList({"o", "a[\"x\"]", "a[\"y\"]"}), patience);
-        const qint64 gap = m_server->requests().at(1).msecs - m_server->requests().at(0).msecs;
-        QVERIFY2(gap < 900, qPrintable(QString::number(gap)));
     }
 
 private:
