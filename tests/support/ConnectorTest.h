@@ -12,6 +12,8 @@
 
 #include <memory>
 
+Q_DECLARE_METATYPE(QList<SockJSConnector::PROTOCOL_TYPE>)
+
 /// Base of the connector's tests: each function gets a new connector, a new server, and an empty log.
 class ConnectorTest : public QObject
 {

@@ -7,11 +7,7 @@
 #include <QtTest>
 
 using Event = HttpResponseParser::Event;
-using HttpText::chunk;
-using HttpText::chunked;
-using HttpText::chunkedHead;
-using HttpText::endChunk;
-using HttpText::plain;
+using namespace HttpText;
 
 namespace {
 

@@ -8,11 +8,6 @@
 
 #include <algorithm>
 
-using Protocol = SockJSConnector::PROTOCOL_TYPE;
-using Protocols = QList<Protocol>;
-
-Q_DECLARE_METATYPE(Protocols)
-
 namespace {
 
 const auto noProtocols = QStringLiteral("[SockJSConnector] No protocols specified. Using defaults.");

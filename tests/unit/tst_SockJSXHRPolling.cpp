@@ -3,6 +3,7 @@
 #include "support/Rows.h"
 #include "support/TestCertificates.h"
 #include "support/TransportTest.h"
+#include "support/WaitFor.h"
 #include "transport/SockJSXHRPollingWorker.h"
 
 #include <CalyxClient/SockJSXHRPolling>
@@ -14,11 +15,7 @@
 
 #include <memory>
 
-using HttpText::chunk;
-using HttpText::chunked;
-using HttpText::chunkedHead;
-using HttpText::endChunk;
-using HttpText::plain;
+using namespace HttpText;
 
 namespace {
 const QString cookiesLine = QStringLiteral("[SockJSXHRPolling] parsed cookies");
@@ -693,8 +690,7 @@ private Q_SLOTS:
         bool turned = false;
         QTimer::singleShot(0, &m_session->context, [&turned] { turned = true; });
         const bool started = start();
-        QTimer::singleShot(0, qApp, &QCoreApplication::quit);
-        QCoreApplication::exec(); // forgets the quit()
+        forgetQuit();
         QVERIFY(started);
         QVERIFY(turned);
         QTRY_COMPARE(m_session->texts, QStringList("o"));
