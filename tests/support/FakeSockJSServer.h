@@ -182,13 +182,6 @@ public:
         else
             inject(QStringLiteral("c[3000,\"Go away!\"]"));
     }
-    /// Ends all connections at once.
-    void dropConnections()
-    {
-        const auto sockets = findChildren<QTcpSocket*>();
-        for (auto* socket : sockets)
-            socket->abort();
-    }
     /// Leaves "/xhr_send" without an answer from now on.
     void holdPosts() { m_holdsPosts = true; }
 
@@ -271,57 +264,45 @@ private:
     }
     void handleUpgrade(HttpConnection* connection, const Request& request)
     {
+        using Script = HttpScript;
         using HttpText::plain;
+        static const QMap<Upgrade, HttpScript::Script> scripts = {
+            {EndAfterUpgrade, {Script::close()}},
+            {ResetAfterUpgrade, {Script::reset()}},
+            {Refuse403, {Script::send(plain("no", {}, "403 Forbidden"))}},
+            {Refuse404, {Script::send(plain("none", {}, "404 Not Found"))}},
+            {Answer200, {Script::send(plain("Welcome to SockJS!\n"))}},
+            {AnswerGarbage, {Script::send("\x16\x03\x01 not HTTP\r\n\r\n")}},
+            {EndInstead, {Script::close()}},
+            {ResetInstead, {Script::reset()}}};
         m_current = takeUpgrade();
-        QTcpSocket* socket = connection->socket();
-        switch (m_current) {
-        case Open:
-        case Mute:
-        case CloseAfterUpgrade:
-            return upgrade(connection, request);
-        case OpenInSamePacket:
-            return upgradeByHand(connection, request, m_firstFrames);
-        case Deaf:
-            upgradeByHand(connection, request, {});
-            return socket->setReadBufferSize(1);
-        case EndAfterUpgrade:
-            upgradeByHand(connection, request, {});
-            return socket->disconnectFromHost();
-        case ResetAfterUpgrade:
-            upgradeByHand(connection, request, {});
-            socket->flush();
-            return connection->reset();
-        case Refuse403:
-            return connection->append({HttpScript::send(plain("no", {}, "403 Forbidden"))});
-        case Refuse404:
-            return connection->append({HttpScript::send(plain("none", {}, "404 Not Found"))});
-        case Answer200:
-            return connection->append({HttpScript::send(plain("Welcome to SockJS!\n"))});
-        case AnswerGarbage:
-            return connection->append({HttpScript::send("\x16\x03\x01 not HTTP\r\n\r\n")});
-        case EndInstead:
-            return socket->disconnectFromHost();
-        case ResetInstead:
-            return connection->reset();
-        case Silent:
+        if (m_current == Silent)
             m_waiting.append({connection, request});
-            return;
-        }
+        else if (m_current == Open || m_current == Mute || m_current == CloseAfterUpgrade)
+            return upgrade(connection, request);
+        else if (m_current <= ResetAfterUpgrade) // which come first
+            upgradeByHand(connection, request);
+        connection->append(scripts.value(m_current));
     }
     Upgrade takeUpgrade() { return m_upgrades.size() > 1 ? m_upgrades.takeFirst() : m_upgrades.first(); }
     void upgrade(HttpConnection* connection, const Request& request)
     {
         m_webSockets.handleConnection(handOver(connection, request));
     }
-    void upgradeByHand(HttpConnection* connection, const Request& request, const QStringList& frames)
+    void upgradeByHand(HttpConnection* connection, const Request& request)
     {
         m_webSocket = nullptr;
         m_raw = connection->socket();
         disconnect(m_raw, &QTcpSocket::readyRead, connection, nullptr); // nobody reads frames
         auto bytes = upgradeAnswer(request.header("sec-websocket-key"));
-        for (const auto& frame : frames)
-            bytes += rawFrame(frame);
+        if (m_current == OpenInSamePacket) {
+            for (const auto& frame : std::as_const(m_firstFrames))
+                bytes += rawFrame(frame);
+        } else if (m_current == Deaf) {
+            m_raw->setReadBufferSize(1);
+        }
         m_raw->write(bytes);
+        m_raw->flush();
     }
     void onWebSocket()
     {

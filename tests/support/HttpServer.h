@@ -50,6 +50,13 @@ void setSocketOption(const QTcpSocket* socket, int level, int option, const Valu
     setsockopt(int(socket->socketDescriptor()), level, option, &value, sizeof(value));
 }
 
+/// Ends the connection with a TCP reset.
+inline void resetConnection(QTcpSocket* socket)
+{
+    setSocketOption(socket, SOL_SOCKET, SO_LINGER, linger{1, 0}); // no farewell
+    socket->abort();
+}
+
 /// One accepted connection, which runs its scripts one after the other.
 class HttpConnection : public QObject, public HttpScript
 {
@@ -76,11 +83,6 @@ public:
     {
         m_holding = false;
         run();
-    }
-    void reset()
-    {
-        setSocketOption(m_socket, SOL_SOCKET, SO_LINGER, linger{1, 0}); // no farewell
-        m_socket->abort();
     }
 
 private:
@@ -123,7 +125,7 @@ private:
             m_socket->disconnectFromHost();
             break;
         case Step::Reset:
-            reset();
+            resetConnection(m_socket);
             break;
         }
     }
@@ -170,12 +172,12 @@ public:
     /// Ends all connections, with or without a reset.
     void dropConnections(bool reset = false)
     {
-        const QList<HttpConnection*> connections = m_connections;
-        for (HttpConnection* connection : connections) {
+        const auto sockets = findChildren<QTcpSocket*>();
+        for (QTcpSocket* socket : sockets) {
             if (reset)
-                connection->reset();
+                resetConnection(socket);
             else
-                connection->m_socket->abort();
+                socket->abort();
         }
     }
 

@@ -1,24 +1,19 @@
 #pragma once
 
+#include "support/HttpServer.h"
+
 #include <QDateTime>
 #include <QNetworkProxy>
-#include <QObject>
 #include <QQueue>
 #include <QRandomGenerator>
-#include <QTcpServer>
-#include <QTcpSocket>
-#include <QTimer>
 #include <QUrl>
 
-#include <sys/socket.h>
 #include <utility>
 
 /// A relay on a free port of loopback in front of a server there, which does to the connections through it
 /// what networks do. It lives on the test's thread: its event loop has to run.
 class Relay : public QObject
 {
-    Q_OBJECT
-
 public:
     enum Mishap {
         Finish, ///< every connection is closed
@@ -29,7 +24,6 @@ public:
         Slow,   ///< everything takes its time
         Stall   ///< in the middle of what a client gets next, everything freezes
     };
-    Q_ENUM(Mishap)
 
     explicit Relay(quint16 server, QObject* parent = nullptr) : QObject(parent), m_server(server)
     {
@@ -126,7 +120,7 @@ private:
                 end->disconnect(this);
                 connect(end, &QTcpSocket::disconnected, this, &Connection::goWhenCut);
                 if (resets)
-                    reset(end);
+                    resetConnection(end);
                 else
                     end->disconnectFromHost(); // once all is out
             }
@@ -140,13 +134,6 @@ private:
         }
 
     private:
-        static void reset(QTcpSocket* socket)
-        {
-            const linger atOnce = {1, 0};
-            setsockopt(int(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce, sizeof(atOnce));
-            socket->abort();
-        }
-
         struct Piece
         {
             qint64 due; // ms

@@ -5,6 +5,7 @@
 #include <QEventLoop>
 
 #include <algorithm>
+#include <atomic>
 #include <functional>
 #include <future>
 #include <mutex>
@@ -129,17 +130,9 @@ public:
         return m_received.value(connection);
     }
     /// Connections accepted so far.
-    int connections() const
-    {
-        const Guard lock(m_mutex);
-        return m_connections;
-    }
+    int connections() const { return m_connections; }
     /// Those of them that are open.
-    int openConnections() const
-    {
-        const Guard lock(m_mutex);
-        return m_open;
-    }
+    int openConnections() const { return m_open; }
 
 private:
     class Listener : public HttpServer
@@ -150,15 +143,9 @@ private:
     protected:
         void onConnected(HttpConnection* connection) override
         {
-            Script greeting;
-            {
-                const Guard lock(m_owner->m_mutex);
-                ++m_owner->m_connections;
-                ++m_owner->m_open;
-                if (!m_owner->m_greetings.isEmpty())
-                    greeting = m_owner->m_greetings.takeFirst();
-            }
-            connection->append(greeting);
+            ++m_owner->m_connections;
+            ++m_owner->m_open;
+            connection->append(m_owner->greeting());
         }
 
         void onBytes(HttpConnection* connection, const QByteArray& bytes) override
@@ -169,20 +156,10 @@ private:
 
         void onRequest(HttpConnection* connection, const Request& request) override
         {
-            Script script;
-            {
-                const Guard lock(m_owner->m_mutex);
-                m_owner->m_requests.append(request);
-                script = m_owner->scriptFor(request.path);
-            }
-            connection->append(script);
+            connection->append(m_owner->scriptFor(request));
         }
 
-        void onEnded(HttpConnection*) override
-        {
-            const Guard lock(m_owner->m_mutex);
-            --m_owner->m_open;
-        }
+        void onEnded(HttpConnection*) override { --m_owner->m_open; }
 
     private:
         ScriptedHttpServer* m_owner;
@@ -200,12 +177,16 @@ private:
         done.get_future().wait();
     }
 
-    // With the mutex held.
-    Script scriptFor(const QByteArray& path)
+    Script greeting()
     {
-        const auto fits = [&path](const QPair<QByteArray, Script>& each) {
-            return path.endsWith(each.first);
-        };
+        const Guard lock(m_mutex);
+        return m_greetings.isEmpty() ? Script() : m_greetings.takeFirst();
+    }
+    Script scriptFor(const Request& request)
+    {
+        const Guard lock(m_mutex);
+        m_requests.append(request);
+        const auto fits = [&request](const auto& each) { return request.path.endsWith(each.first); };
         const auto once = std::find_if(m_answers.begin(), m_answers.end(), fits);
         if (once != m_answers.end())
             return m_answers.takeAt(once - m_answers.begin()).second;
@@ -218,6 +199,8 @@ private:
     Listener* m_listener = nullptr;
     QEventLoop* m_loop = nullptr;
     quint16 m_port = 0;
+    std::atomic<int> m_connections{0};
+    std::atomic<int> m_open{0};
 
     mutable std::mutex m_mutex; // guards all that follows
     QVector<QPair<QByteArray, Script>> m_answers;
@@ -225,6 +208,4 @@ private:
     QVector<Script> m_greetings;
     QList<Request> m_requests;
     QMap<int, QByteArray> m_received;
-    int m_connections = 0;
-    int m_open = 0;
 };
