@@ -1,26 +1,24 @@
 #include "support/Gzip.h"
 
-#include <QtEndian>
-
 #include <random>
+
+#include <zlib.h>
 
 namespace {
 
-quint32 crc32(const QByteArray& data)
+QByteArray compressed(const QByteArray& data, int windowBits)
 {
-    quint32 crc = 0xffffffff;
-    for (const char byte : data) {
-        crc ^= quint8(byte);
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc >> 1) ^ ((crc & 1) ? 0xedb88320 : 0);
-    }
-    return ~crc;
-}
-
-QByteArray littleEndian(quint32 value)
-{
-    QByteArray bytes(4, '\0');
-    qToLittleEndian(value, bytes.data());
+    constexpr int memoryLevel = 8;
+    z_stream stream{};
+    deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, windowBits, memoryLevel, Z_DEFAULT_STRATEGY);
+    QByteArray bytes(int(deflateBound(&stream, uLong(data.size()))), '\0');
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.constData()));
+    stream.avail_in = uInt(data.size());
+    stream.next_out = reinterpret_cast<Bytef*>(bytes.data());
+    stream.avail_out = uInt(bytes.size());
+    deflate(&stream, Z_FINISH);
+    bytes.truncate(int(stream.total_out));
+    deflateEnd(&stream);
     return bytes;
 }
 
@@ -28,18 +26,12 @@ QByteArray littleEndian(quint32 value)
 
 QByteArray Gzip::gzip(const QByteArray& data)
 {
-    static const char header[] = "\x1f\x8b\x08\0\0\0\0\0\0\x03";
-    const QByteArray stream = zlib(data);
-    // Without zlib's own 2 bytes in front and the 4 of its checksum behind.
-    return QByteArray(header, 10) + stream.mid(2, stream.size() - 6) + littleEndian(crc32(data)) +
-           littleEndian(quint32(data.size()));
+    return compressed(data, MAX_WBITS + 16); // so zlib knows that this form is meant
 }
 
 QByteArray Gzip::zlib(const QByteArray& data)
 {
-    if (data.isEmpty())
-        return QByteArray::fromHex("789c030000000001"); // qCompress() gives no stream at all for no data
-    return qCompress(data).mid(4);                      // a length that is Qt's own stands in front
+    return compressed(data, MAX_WBITS);
 }
 
 QByteArray Gzip::noise(int size)
