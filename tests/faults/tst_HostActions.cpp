@@ -1,13 +1,23 @@
 #include "support/ConnectorTest.h"
 #include "support/ProcessResources.h"
 #include "support/Rows.h"
-#include "support/WaitFor.h"
 
 #include <QNetworkProxy>
 #include <QTest>
 
+namespace {
+
+constexpr int manyTimes = 500;
+// What belongs to a session that is being ended goes a little later than its `closed`: threads and
+// descriptors of so many sessions may be there at a time.
+constexpr int overlapping = 20;
+constexpr int threadsOfASession = 2;      // the receiver, and Qt's for the posts
+constexpr int descriptorsOfASession = 16; // sockets of both ends, and those by which threads wake each other
+
+} // namespace
+
 /// Hosts that close, open and delete a connector at every moment of its life and from each of its signals, on
-/// each transport.
+/// each transport, and for a whole day.
 class TestHostActions : public ConnectorTest
 {
     Q_OBJECT
@@ -17,13 +27,12 @@ private Q_SLOTS:
     {
         QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
         m_before = std::make_unique<ProcessResources::Snapshot>([this] {
-            setUp();
-            QVERIFY(anotherSessionOpens());
-            m_protocols = {SockJSConnector::XHR_POLLING};
-            QVERIFY(openFirst());
-            m_connector->sendMessage(QStringLiteral("one"), false);
-            QCOMPARE(m_server->nextMessage(), QStringLiteral("one"));
-            tearDown();
+            for (const Protocol protocol : SockJSConnector::GetDefaultProtocols()) {
+                setUp();
+                m_protocols = {protocol};
+                QVERIFY(opensAndEnds(QStringLiteral("close")));
+                tearDown();
+            }
         });
     }
 
@@ -63,6 +72,30 @@ private Q_SLOTS:
             return;
         QVERIFY(!m_isWebSocket || m_server->count(QStringLiteral("/xhr")) == 0);
         QCOMPARE(m_log->warnings(), QStringList());
+        tearDown();
+        QCOMPARE(m_before->waitForSurplusToGo(), QString());
+    }
+
+    void opensAndEndsManyTimes_data()
+    {
+        combinations({{"websocket", "xhr-streaming", "xhr-polling"},
+                      {"close", "closed by the server", "open", "delete"}});
+    }
+
+    void opensAndEndsManyTimes()
+    {
+        const auto [transport, end] = row<QString, QString>();
+        m_protocols = SockJSConnector::GetProtocolsFromStrings({transport});
+        const int threads = ProcessResources::threads();
+        const int descriptors = ProcessResources::descriptors();
+        for (int i = 0; i < manyTimes; ++i) {
+            QVERIFY2(opensAndEnds(end), qPrintable(QString::number(i)));
+            forgetLog(); // or the log of all of them is kept
+            QVERIFY2(ProcessResources::threads() <= threads + overlapping * threadsOfASession,
+                     qPrintable(QString::number(ProcessResources::threads())));
+            QVERIFY2(ProcessResources::descriptors() <= descriptors + overlapping * descriptorsOfASession,
+                     qPrintable(QString::number(ProcessResources::descriptors())));
+        }
         tearDown();
         QCOMPARE(m_before->waitForSurplusToGo(), QString());
     }
@@ -193,6 +226,29 @@ private:
         QVERIFY(openFirst());
         connect(m_connector, &SockJSConnector::closed, this, &TestHostActions::actOnce);
         cause();
+    }
+
+    bool opensAndEnds(const QString& end)
+    {
+        const int closed = closedCount();
+        if (!m_probe->openSession(m_server->url(), m_protocols))
+            return false;
+        send(QStringLiteral("hello"));
+        if (m_server->nextMessage() != QLatin1String("hello") || !syncInbound())
+            return false;
+        if (end == QLatin1String("open"))
+            return true;
+        if (end == QLatin1String("delete")) {
+            delete m_connector;
+            m_connector = new SockJSConnector;
+            m_probe = std::make_unique<ConnectorProbe>(m_connector);
+            return true;
+        }
+        if (end == QLatin1String("close"))
+            m_connector->close();
+        else
+            m_server->closeSession();
+        return waitFor([&] { return closedCount() == closed + 1; });
     }
 
     // By its end everything that was on its way before has happened.
