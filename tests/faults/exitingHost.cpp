@@ -130,17 +130,11 @@ int run(int argc, char** argv)
     const QString way = arguments.at(4);
     if (way.startsWith(QLatin1String("on a thread")))
         return runOnThread(arguments);
+    const bool isChild = way == QLatin1String("child of the application");
+    auto* connector = new SockJSConnector(isChild ? &application : nullptr);
     std::unique_ptr<SockJSConnector> owned;
-    SockJSConnector* connector = nullptr;
-    if (way == QLatin1String("child of the application")) {
-        connector = new SockJSConnector(&application);
-    } else if (way == QLatin1String("deleted before the application")) {
-        owned = std::make_unique<SockJSConnector>();
-        connector = owned.get();
-    } else {
-        keptConnector() = std::make_unique<SockJSConnector>();
-        connector = keptConnector().get();
-    }
+    if (!isChild)
+        (way == QLatin1String("deleted before the application") ? owned : keptConnector()).reset(connector);
     const Action leave =
         way == QLatin1String("exit") ? Action([] { std::exit(0); }) : &QCoreApplication::quit;
     Host host(connector, arguments, leave);

@@ -1,8 +1,6 @@
 #include "faults/support/WillingService.h"
-#include "support/ClientOperations.h"
 #include "support/FakeSockJSServer.h"
 #include "support/Rows.h"
-#include "support/WaitFor.h"
 
 #include <CalyxClient/Lzma>
 #include <CalyxClient/PresenterCollab>

@@ -9,7 +9,6 @@
 #include "support/ScriptedHttpServer.h"
 #include "support/TestCertificates.h"
 #include "support/TimerClock.h"
-#include "support/WaitFor.h"
 
 #include <CalyxClient/Lzma>
 #include <CalyxClient/PresenterClient>
@@ -471,8 +470,7 @@ private Q_SLOTS:
         QString base64;
         QString list;
         QVERIFY(Lzma::compress64(text, &base64) && Lzma::compress(text, &list));
-        const QByteArray block = QByteArray::fromBase64(base64.toLatin1());
-        const QVariantList bytes = LzmaBlocks::numbers(block);
+        const QVariantList bytes = LzmaBlocks::numbers(QByteArray::fromBase64(base64.toLatin1()));
         const QByteArray utf8 = text.toUtf8();
         const QByteArray gzip = Gzip::gzip(utf8);
 
@@ -484,17 +482,13 @@ private Q_SLOTS:
                 return ok ? out == result : out != QLatin1String("before");
             });
         };
-        const auto compress64 = [text](QString* out) { return Lzma::compress64(text, out); };
-        const auto compress = [text](QString* out) { return Lzma::compress(text, out); };
-        const auto decompress64 = [base64](QString* out) { return Lzma::decompress64(base64, out); };
-        const auto decompressText = [list](QString* out) { return Lzma::decompress(list, out); };
-        const auto decompressList = [bytes](QString* out) { return Lzma::decompress(bytes, out); };
-        rows<Step>({{"compress64", codec(compress64, base64)},
-                    {"compress", codec(compress, list)},
-                    {"decompress64", codec(decompress64, text)},
-                    {"decompress, text", codec(decompressText, text)},
-                    {"decompress, list", codec(decompressList, text)},
-                    {"gUncompress", [utf8, gzip] { return gUncompress(gzip) == utf8; }}});
+        rows<Step>(
+            {{"compress64", codec([=](QString* out) { return Lzma::compress64(text, out); }, base64)},
+             {"compress", codec([=](QString* out) { return Lzma::compress(text, out); }, list)},
+             {"decompress64", codec([=](QString* out) { return Lzma::decompress64(base64, out); }, text)},
+             {"decompress, text", codec([=](QString* out) { return Lzma::decompress(list, out); }, text)},
+             {"decompress, list", codec([=](QString* out) { return Lzma::decompress(bytes, out); }, text)},
+             {"gUncompress", [=] { return gUncompress(gzip) == utf8; }}});
     }
 
     // Refuses the first request for memory, then the second and so on, until all are granted. A step that

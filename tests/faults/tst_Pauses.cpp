@@ -19,25 +19,16 @@ struct Place
     bool isInPiece; ///< so that a part of something has come
 };
 
-// A recorded answer in which a session goes on.
-struct Sample
-{
-    QString name;
-    bool streaming;
-    QByteArray bytes;
-    QStringList messages;
-    int lastText; ///< where the last text begins
-};
+using Sample = Recordings::Answer;
 
+// A recorded answer in which a session goes on: its contents are messages.
 Sample sampleOf(const char* recording)
 {
-    const Recordings::Answer& answer = Recordings::named(QLatin1String(recording));
-    Sample sample{answer.name, answer.isStream(), answer.bytes, answer.contents,
-                  int(answer.bytes.lastIndexOf("\na[")) + 1};
-    if (answer.isStream()) {
+    Sample sample = Recordings::named(QLatin1String(recording));
+    if (sample.isStream()) {
         // Another open frame would end the session.
         sample.bytes.replace("\no\n", "\nh\n");
-        sample.messages = answer.contents.mid(2);
+        sample.contents = sample.contents.mid(2);
     }
     return sample;
 }
@@ -52,18 +43,19 @@ QVector<Place> placesIn(const Sample& sample)
 {
     const QByteArray& bytes = sample.bytes;
     const int headEnd = bytes.indexOf("\r\n\r\n") + 4;
+    const int lastText = bytes.lastIndexOf("\na[") + 1;
     QVector<Place> places{{QStringLiteral(", in the status line"), 4, true},
                           {QStringLiteral(", in the header"), headEnd / 2, true},
                           {QStringLiteral(", in the empty line"), headEnd - 1, true},
                           {QStringLiteral(", after the header"), headEnd, false},
-                          {QStringLiteral(", in the last text"), sample.lastText + 10, true}};
+                          {QStringLiteral(", in the last text"), lastText + 10, true}};
     if (!bytes.left(headEnd).toLower().contains("chunked"))
         return places;
-    const int textEnd = bytes.indexOf("\"]\n", sample.lastText) + 3;
-    const int sizeBegin = bytes.lastIndexOf('\n', sample.lastText - 3) + 1;
+    const int textEnd = bytes.indexOf("\"]\n", lastText) + 3;
+    const int sizeBegin = bytes.lastIndexOf('\n', lastText - 3) + 1;
     places += {{QStringLiteral(", before a chunk's size"), sizeBegin, false},
                {QStringLiteral(", in a chunk's size"), sizeBegin + 1, true},
-               {QStringLiteral(", after a chunk's size"), sample.lastText, false},
+               {QStringLiteral(", after a chunk's size"), lastText, false},
                {QStringLiteral(", after a chunk"), textEnd, false},
                {QStringLiteral(", in the end chunk"), int(bytes.size()) - 4, true},
                {QStringLiteral(", after the end chunk"), int(bytes.size()) - 2, false}};
@@ -76,7 +68,7 @@ QStringList completeIn(const Sample& sample, int size)
     int complete = 0;
     for (int end = sample.bytes.indexOf("\"]\n"); end >= 0; end = sample.bytes.indexOf("\"]\n", end + 1))
         complete += end + 3 <= size ? 1 : 0;
-    return sample.streaming ? sample.messages.mid(0, complete) : QStringList();
+    return sample.isStream() ? sample.contents.mid(0, complete) : QStringList();
 }
 
 } // namespace
@@ -124,7 +116,7 @@ private Q_SLOTS:
             const int size = answer.bytes.size() / pieces + 1;
             for (int at = 0; at < answer.bytes.size(); at += size)
                 script << Server::send(answer.bytes.mid(at, size)) << Server::pause(below);
-            open({answer.name, script, answer.messages}, answer.streaming);
+            open({answer.name, script, answer.contents}, answer.isStream());
         }
         verifyNoStall(pieces * below + Bounds::recovery);
     }
@@ -141,8 +133,8 @@ private:
                 const bool isLost = stop.kind == Server::Step::Hold;
                 if (inPiece.contains(place.isInPiece))
                     open({answer.name + place.name, script,
-                          isLost ? completeIn(answer, place.at) : answer.messages},
-                         answer.streaming);
+                          isLost ? completeIn(answer, place.at) : answer.contents},
+                         answer.isStream());
             }
         }
     }

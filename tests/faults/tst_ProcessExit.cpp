@@ -1,11 +1,9 @@
 #include "faults/support/Bounds.h"
 #include "support/FakeSockJSServer.h"
 #include "support/Rows.h"
-#include "support/WaitFor.h"
 
 #include <QElapsedTimer>
 #include <QProcess>
-#include <QProcessEnvironment>
 #include <QTest>
 
 #include <memory>
@@ -52,9 +50,8 @@ private Q_SLOTS:
                 run->server.setFirstFrames({});
             run->server.holdPosts();
             // What is never deleted is no leak of ours, also where a sanitizer looks for leaks.
-            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-            environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("detect_leaks=0"));
-            run->process.setProcessEnvironment(environment);
+            run->process.setEnvironment(QProcess::systemEnvironment() +
+                                        QStringList{"ASAN_OPTIONS=detect_leaks=0"});
             run->process.start(QStringLiteral(EXITING_HOST),
                                {run->server.url().toString(), transport, run->state, way});
             runs.push_back(std::move(run));

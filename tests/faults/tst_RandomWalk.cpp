@@ -1,5 +1,4 @@
 #include "faults/support/WillingService.h"
-#include "support/ClientOperations.h"
 #include "support/FakeSockJSServer.h"
 #include "support/ProcessResources.h"
 

@@ -49,12 +49,15 @@ private Q_SLOTS:
         QCOMPARE(used.size(), 2);
     }
 
-    void timesOutWhileTheHostIsBusy_data() { Transport::addRows({Transport::streaming, Transport::polling}); }
+    void timesOutWhileTheHostIsBusy_data()
+    {
+        combinations({QStringList{Transport::streaming, Transport::polling}});
+    }
 
     // Nobody sends the next request in time, and the balancer says so with a 408 that answers none.
     void timesOutWhileTheHostIsBusy()
     {
-        QFETCH(QString, transport);
+        const auto [transport] = row<QString>();
         m_bus.emplace(Peers::nodeBus());
         m_front.emplace(
             balancer({m_bus->port()}, QStringLiteral("timeout http-request 300ms\nno option dontlognull")));
@@ -74,12 +77,15 @@ private Q_SLOTS:
         QVERIFY(m_host->close());
     }
 
-    void closesIdleConnections_data() { Transport::addRows({Transport::streaming, Transport::polling}); }
+    void closesIdleConnections_data()
+    {
+        combinations({QStringList{Transport::streaming, Transport::polling}});
+    }
 
     // Between two posts the balancer ends the connection that the first has left behind.
     void closesIdleConnections()
     {
-        QFETCH(QString, transport);
+        const auto [transport] = row<QString>();
         m_bus.emplace(Peers::nodeBus({QStringLiteral("--count"), QStringLiteral("100")}));
         m_front.emplace(balancer({m_bus->port()}, QStringLiteral("timeout http-request 700ms")));
         m_host.emplace(m_front->url());

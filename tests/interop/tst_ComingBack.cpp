@@ -4,8 +4,6 @@
 #include "interop/support/Peers.h"
 #include "support/ProcessResources.h"
 #include "support/Relay.h"
-#include "support/Rows.h"
-#include "support/WaitFor.h"
 
 #include <CalyxClient/Lesson>
 
@@ -72,12 +70,8 @@ struct Class
         const int all = lesson.roster()->rowCount();
         if (devices.size() == all && poll->answered() == all && counted == all)
             return QString();
-        return QStringLiteral("poll %1: %2 devices, %3 answers, %4 counted, of %5")
-            .arg(poll->number())
-            .arg(devices.size())
-            .arg(poll->answered())
-            .arg(counted)
-            .arg(all);
+        return QString::asprintf("poll %d: %d devices, %d answers, %d counted, of %d", poll->number(),
+                                 int(devices.size()), poll->answered(), counted, all);
     }
 
     QString name;
@@ -216,12 +210,12 @@ private Q_SLOTS:
         QVERIFY(!isCounted || shortest > 0 || median(back) <= second);
     }
 
-    void everyAnswerCounts_data() { Transport::addRows(); }
+    void everyAnswerCounts_data() { combinations({Transport::all}); }
 
     // The lines of the host and of the learners have one mishap after the other, while they are asked.
     void everyAnswerCounts()
     {
-        QFETCH(QString, transport);
+        const auto [transport] = row<QString>();
         const int polls = amount("CALYX_POLLS", 3);
         const int count = amount("CALYX_LEARNERS", 10);
         const int mishaps = amount("CALYX_MISHAPS", 4);
@@ -247,12 +241,12 @@ private Q_SLOTS:
         qInfo("%d answers, each once", polls * count);
     }
 
-    void answersMayPause_data() { Transport::addRows(); }
+    void answersMayPause_data() { combinations({Transport::all}); }
 
     // For longer than the transports allow where nobody asks them to.
     void answersMayPause()
     {
-        QFETCH(QString, transport);
+        const auto [transport] = row<QString>();
         constexpr int pause = 3 * second;
         Class lesson(m_classroom, transport);
         QVERIFY(lesson.join(5));
@@ -351,12 +345,12 @@ private Q_SLOTS:
         QCOMPARE(timeless(lesson.report()).value(polls), timeless(after).value(polls));
     }
 
-    void nothingGrows_data() { Transport::addRows(); }
+    void nothingGrows_data() { combinations({Transport::all}); }
 
     // Cut after cut.
     void nothingGrows()
     {
-        QFETCH(QString, transport);
+        const auto [transport] = row<QString>();
         const int cuts = amount("CALYX_CUTS", 20);
         Class lesson(m_classroom, transport);
         QVERIFY(lesson.join(2));

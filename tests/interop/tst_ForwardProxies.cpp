@@ -38,11 +38,11 @@ private Q_SLOTS:
         QCOMPARE(m_bus->count(QStringLiteral("upgrade ")), 0);
     }
 
-    void proxyGoesAndComesBack_data() { Transport::addRows(); }
+    void proxyGoesAndComesBack_data() { combinations({Transport::all}); }
 
     void proxyGoesAndComesBack()
     {
-        QFETCH(QString, transport);
+        const auto [transport] = row<QString>();
         startDoor(hundredTexts());
         useProxy();
         QVERIFY(m_host->open(transport));
@@ -56,12 +56,12 @@ private Q_SLOTS:
         QVERIFY(m_host->close());
     }
 
-    void passwordIsDemanded_data() { Transport::addRows(); }
+    void passwordIsDemanded_data() { combinations({Transport::all}); }
 
     void passwordIsDemanded()
     {
         constexpr int longest = 5000; // ms
-        QFETCH(QString, transport);
+        const auto [transport] = row<QString>();
         startDoor(Peers::nodeBus());
         useProxy(demandsPassword);
         QElapsedTimer clock;
@@ -94,11 +94,11 @@ private Q_SLOTS:
                  qPrintable(errors.first()));
     }
 
-    void passwordIsKnown_data() { Transport::addRows(); }
+    void passwordIsKnown_data() { combinations({Transport::all}); }
 
     void passwordIsKnown()
     {
-        QFETCH(QString, transport);
+        const auto [transport] = row<QString>();
         startDoor(hundredTexts());
         useProxy(demandsPassword, "pupil:secret@");
         QVERIFY(m_host->open(transport));

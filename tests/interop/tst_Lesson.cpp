@@ -2,7 +2,6 @@
 #include "interop/support/Learners.h"
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
-#include "support/WaitFor.h"
 
 #include <CalyxClient/Lesson>
 #include <CalyxClient/PresenterCollab>
@@ -51,12 +50,12 @@ private Q_SLOTS:
         m_classroom.reset();
     }
 
-    void teaches_data() { Transport::addRows(); }
+    void teaches_data() { combinations({Transport::all}); }
 
     // All is asked for at once, and done in order.
     void teaches()
     {
-        QFETCH(QString, transport);
+        const auto [transport] = row<QString>();
         QList<Lesson::State> states;
         connect(m_lesson.get(), &Lesson::stateChanged, this, [&] { states.append(m_lesson->state()); });
         m_lesson->setTransports({transport});
@@ -101,14 +100,12 @@ private Q_SLOTS:
 
     void aSlotStartsTheNextSession_data()
     {
-        QTest::addColumn<bool>("isLost");
-        QTest::newRow("of one that ends") << false;
-        QTest::newRow("of one that is given up") << true;
+        combinations({QStringList{"of one that ends", "of one that is given up"}});
     }
 
     void aSlotStartsTheNextSession()
     {
-        QFETCH(bool, isLost);
+        const bool isLost = std::get<0>(row<QString>()) == QLatin1String("of one that is given up");
         const QTemporaryDir folder;
         const QString journal = folder.filePath("journal");
         m_lesson->setJournal(journal);
@@ -168,7 +165,7 @@ private Q_SLOTS:
 
     void diesInEveryState_data()
     {
-        QTest::addColumn<int>("state");
+        columns<int>();
         for (int state = Lesson::LoggingIn; state <= Lesson::Ending; ++state)
             QTest::newRow(QMetaEnum::fromType<Lesson::State>().valueToKey(state)) << state;
     }
@@ -176,7 +173,7 @@ private Q_SLOTS:
     // Deleted by its own slot.
     void diesInEveryState()
     {
-        QFETCH(int, state);
+        const int state = std::get<0>(row<int>());
         bool isGone = false;
         connect(m_lesson.get(), &Lesson::stateChanged, this, [&] {
             if (m_lesson->state() == state) {
@@ -197,30 +194,26 @@ private Q_SLOTS:
 
     void diesInEverySlot_data()
     {
-        QTest::addColumn<QByteArray>("owner");
-        QTest::addColumn<QByteArray>("signal");
-        const auto add = [](const QMetaObject& of, int first) {
-            for (int i = first; i < of.methodCount(); ++i) {
-                const QByteArray signature = of.method(i).methodSignature();
-                const bool isPlayed =
-                    !signature.startsWith("re") && !signature.startsWith("message"); // see the unit test
-                if (of.method(i).methodType() == QMetaMethod::Signal && isPlayed)
-                    QTest::addRow("%s::%s", of.className(), signature.constData())
-                        << QByteArray(of.className()) << signature;
-            }
-        };
-        for (const QMetaObject* of :
-             {&Lesson::staticMetaObject, &Roster::staticMetaObject, &Deck::staticMetaObject,
-              &Poll::staticMetaObject, &PollResults::staticMetaObject, &Assessment::staticMetaObject})
-            add(*of, of->methodOffset());
-        const auto addModels = [](const QByteArray& signature, const QByteArrayList& owners) {
+        columns<QByteArray, QByteArray>();
+        const auto add = [](const QByteArray& signature, const QByteArrayList& owners) {
             for (const QByteArray& owner : owners)
                 QTest::addRow("%s::%s", owner.constData(), signature.constData()) << owner << signature;
         };
-        addModels("dataChanged(QModelIndex,QModelIndex,QVector<int>)",
-                  {"Calyx::Roster", "Calyx::PollResults", "Calyx::Assessment"});
-        addModels("modelReset()", {"Calyx::Roster", "Calyx::Deck"});
-        addModels("rowsInserted(QModelIndex,int,int)", {"Calyx::Roster", "Calyx::Deck", "Calyx::Assessment"});
+        for (const QMetaObject* of :
+             {&Lesson::staticMetaObject, &Roster::staticMetaObject, &Deck::staticMetaObject,
+              &Poll::staticMetaObject, &PollResults::staticMetaObject, &Assessment::staticMetaObject}) {
+            for (int i = of->methodOffset(); i < of->methodCount(); ++i) {
+                const QByteArray signature = of->method(i).methodSignature();
+                const bool isPlayed =
+                    !signature.startsWith("re") && !signature.startsWith("message"); // see the unit test
+                if (of->method(i).methodType() == QMetaMethod::Signal && isPlayed)
+                    add(signature, {of->className()});
+            }
+        }
+        add("dataChanged(QModelIndex,QModelIndex,QVector<int>)",
+            {"Calyx::Roster", "Calyx::PollResults", "Calyx::Assessment"});
+        add("modelReset()", {"Calyx::Roster", "Calyx::Deck"});
+        add("rowsInserted(QModelIndex,int,int)", {"Calyx::Roster", "Calyx::Deck", "Calyx::Assessment"});
     }
 
     // A whole lesson, step by step, until a slot deletes it.
@@ -258,10 +251,8 @@ private Q_SLOTS:
                  listen(m_lesson->startAssessment(plan));
              },
              [&] { return m_lesson->assessment()->finished() == 2; }},
-            {[&] {
-                 learners = std::make_unique<Learners>(m_classroom->url(), m_lesson->joinCode(),
-                                                       1); // rows in the sheet
-             },
+            // Rows in the sheet.
+            {[&] { learners = std::make_unique<Learners>(m_classroom->url(), m_lesson->joinCode(), 1); },
              [&] { return m_lesson->assessment()->rowCount() == 3; }},
             {[&] { m_lesson->pause(); }, {}},
             {[&] { m_lesson->save("/nowhere/at all"); }, {}},
@@ -286,8 +277,7 @@ private:
     // Connects the row's signal, if it is one of \p sender's.
     void listen(const QObject* sender)
     {
-        QFETCH(QByteArray, owner);
-        QFETCH(QByteArray, signal);
+        const auto [owner, signal] = row<QByteArray, QByteArray>();
         if (!sender || owner != sender->metaObject()->className())
             return;
         const QMetaMethod method =

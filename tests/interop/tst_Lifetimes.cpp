@@ -2,8 +2,6 @@
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
 #include "support/ProcessResources.h"
-#include "support/Rows.h"
-#include "support/WaitFor.h"
 
 #include <CalyxClient/CollaborationMessageHandler>
 #include <CalyxClient/Learner>

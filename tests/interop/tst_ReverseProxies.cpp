@@ -43,11 +43,11 @@ private Q_SLOTS:
         QCOMPARE(m_host->closed(), 0);
     }
 
-    void setUpForStreaming_data() { Transport::addRows(); }
+    void setUpForStreaming_data() { combinations({Transport::all}); }
 
     void setUpForStreaming()
     {
-        QFETCH(QString, transport);
+        const auto [transport] = row<QString>();
         start(forStreaming);
         // The transport comes up by itself, not for want of the ones before it.
         const QStringList list = Transport::all.mid(Transport::all.indexOf(transport));

@@ -1,5 +1,3 @@
-#include "support/Rows.h"
-
 #include "interop/support/Host.h"
 #include "interop/support/Learners.h"
 #include "interop/support/Main.h"
@@ -24,13 +22,12 @@ private Q_SLOTS:
         const auto [transport, diagnostics] = row<QString, QString>();
         const Peer classroom(Peers::classroom({QStringLiteral("--quiet")}));
         const QTemporaryDir folder; // all that a program may take for its own
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        QStringList environment = QProcess::systemEnvironment();
         for (const char* name : {"HOME", "TMPDIR", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME",
                                  "XDG_STATE_HOME", "XDG_RUNTIME_DIR"})
-            environment.insert(QLatin1String(name), folder.path());
-        environment.insert(QStringLiteral("QT_LOGGING_RULES"), diagnostics);
+            environment.append(name + QStringLiteral("=") + folder.path());
         QProcess host;
-        host.setProcessEnvironment(environment);
+        host.setEnvironment(environment + QStringList{"QT_LOGGING_RULES=" + diagnostics});
         host.setWorkingDirectory(folder.path());
         host.start(QStringLiteral(QUIET_HOST), {classroom.url().toString(), transport});
 

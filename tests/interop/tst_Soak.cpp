@@ -33,11 +33,11 @@ class TestSoak : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void nothingGrows_data() { Transport::addRows(); }
+    void nothingGrows_data() { combinations({Transport::all}); }
 
     void nothingGrows()
     {
-        QFETCH(QString, transport);
+        const auto [transport] = row<QString>();
         const Peer bus(Peers::nodeBus({QStringLiteral("--answer"), answerBlock()}));
         PresenterCollab collab(nullptr, bus.url().toString(), QStringLiteral("code"),
                                QStringLiteral("session"), QStringLiteral("host"));

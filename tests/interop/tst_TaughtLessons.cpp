@@ -2,10 +2,8 @@
 #include "interop/support/Learners.h"
 #include "interop/support/Main.h"
 #include "interop/support/Peers.h"
-#include "support/Rows.h"
 
 #include <QProcess>
-#include <QProcessEnvironment>
 #include <QRegularExpression>
 
 #include <memory>
@@ -15,16 +13,7 @@ namespace {
 
 constexpr int learners = 30;
 constexpr int limit = 150000; // ms
-const QString source = QStringLiteral(INTEROP_SOURCE_DIR "/../..");
-
-QStringList demoLesson(const QUrl& door, const QString& transport)
-{
-    return {QStringLiteral("--server"),     door.toString(),
-            QStringLiteral("--user"),       QStringLiteral("teacher"),
-            QStringLiteral("--password"),   QStringLiteral("chalk"),
-            QStringLiteral("--transports"), transport,
-            QStringLiteral("--script"),     source + QStringLiteral("/presenter/lessons/demo.lesson")};
-}
+const QString demoLesson = QStringLiteral(INTEROP_SOURCE_DIR "/../../presenter/lessons/demo.lesson");
 
 bool ends(QProcess* program)
 {
@@ -44,12 +33,9 @@ struct Taught
     void begin(const QUrl& server, const QString& way = QString())
     {
         devices = std::make_unique<Learners>(classroom.url(), QStringLiteral("auto"), learners);
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("COLUMNS"), QStringLiteral("200"));
-        if (!way.isEmpty())
-            environment.insert(QStringLiteral("http_proxy"), way);
-        host.setProcessEnvironment(environment);
-        host.start(QStringLiteral(CALYX_PRESENTER), demoLesson(server, transport));
+        host.setEnvironment(QProcess::systemEnvironment() + QStringList{"COLUMNS=200", "http_proxy=" + way});
+        host.start(CALYX_PRESENTER, {"--server", server.toString(), "--user", "teacher", "--password",
+                                     "chalk", "--transports", transport, "--script", demoLesson});
     }
 
     void beginThroughBalancer(const QString& options)
@@ -100,9 +86,8 @@ class TestTaughtLessons : public QObject
 private Q_SLOTS:
     void init()
     {
-        for (const QString& transport : Transport::all) {
+        for (const QString& transport : Transport::all)
             m_lessons.push_back(std::make_unique<Taught>(transport));
-        }
     }
     void cleanup() { m_lessons.clear(); }
 

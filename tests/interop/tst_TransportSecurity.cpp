@@ -12,11 +12,11 @@ class TestTransportSecurity : public BusTest
     Q_OBJECT
 
 private Q_SLOTS:
-    void trustedAuthorityCarriesTexts_data() { Transport::addRows(); }
+    void trustedAuthorityCarriesTexts_data() { combinations({Transport::all}); }
 
     void trustedAuthorityCarriesTexts()
     {
-        QFETCH(QString, transport);
+        const auto [transport] = row<QString>();
         start(Peers::nodeBus({QStringLiteral("--count"), QStringLiteral("1000")}), "loopback");
         for (int round = 0; round < 2; ++round) {
             QVERIFY(m_host->open(transport));

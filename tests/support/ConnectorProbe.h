@@ -1,18 +1,38 @@
 #pragma once
 
 #include "support/WaitFor.h"
-#include "transport/SockJSConnector.h"
+
+#include <CalyxClient/SockJSConnector>
 
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
 
+#include <functional>
+
+/// Runs \p open, which opens \p connector. False, with a warning, when that has not come back after some
+/// seconds: then the connector is closed, if it is still there.
+inline bool comesBack(const QPointer<SockJSConnector>& connector, const std::function<void()>& open)
+{
+    bool late = false;
+    QTimer guard;
+    guard.setSingleShot(true);
+    QObject::connect(&guard, &QTimer::timeout, &guard, [&] {
+        late = true;
+        if (connector)
+            connector->close();
+    });
+    guard.start(30000);
+    open();
+    if (late)
+        qWarning("open() did not come back.");
+    return !late;
+}
+
 /// Opens a connector without waiting for ever, and writes down what it emits: "connected", "message TEXT",
 /// "closed true", "closed false", "error", in order.
 class ConnectorProbe : public QObject
 {
-    Q_OBJECT
-
 public:
     explicit ConnectorProbe(SockJSConnector* connector) : m_connector(connector)
     {
@@ -29,19 +49,11 @@ public:
     /// has answered true. The connector may be deleted meanwhile.
     bool open(const QUrl& url, const QList<SockJSConnector::PROTOCOL_TYPE>& protocols)
     {
-        bool late = false;
-        QTimer guard;
-        guard.setSingleShot(true);
-        connect(&guard, &QTimer::timeout, this, [this, &late] {
-            late = true;
-            if (m_connector)
-                m_connector->close();
-        });
-        guard.start(30000);
-        const bool answer = m_connector->open(url, protocols);
-        if (late || answer)
-            qWarning("open() %s.", late ? "did not come back" : "answered true");
-        return !late && !answer;
+        bool answer = false;
+        const bool inTime = comesBack(m_connector, [&] { answer = m_connector->open(url, protocols); });
+        if (answer)
+            qWarning("open() answered true.");
+        return inTime && !answer;
     }
 
     /// open(), then waits until the session is open.

@@ -3,7 +3,6 @@
 #include "support/ConnectorProbe.h"
 #include "support/FakeSockJSServer.h"
 #include "support/LogRecorder.h"
-#include "support/WaitFor.h"
 #include "support/WallClock.h"
 #include "transport/SockJSConnector.h"
 

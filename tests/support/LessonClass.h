@@ -3,7 +3,6 @@
 #include "support/FakeService.h"
 #include "support/FakeSockJSServer.h"
 #include "support/Logins.h"
-#include "support/WaitFor.h"
 
 #include <CalyxClient/Lesson>
 #include <CalyxClient/Lzma>
@@ -37,17 +36,14 @@ struct Class
     FakeSockJSServer bus;
     std::unique_ptr<Lesson> lesson = std::make_unique<Lesson>(QUrl(service.url()));
 
-    void expectUsers()
+    void expectUsers(const QByteArray& users = R"({"userToken":"D1","userName":"Ann","mode":"learner"},
+                                                   {"userToken":"D2","userName":"Bea","mode":"learner"})")
     {
-        service.expect("/tavisto/session/getusers", Answer::json(R"({"success":true,"data":{"users":[
-            {"userToken":"D1","userName":"Ann","mode":"learner"},{"userToken":"D2","userName":"Bea","mode":"learner"}]}})"));
+        service.expect("/tavisto/session/getusers",
+                       Answer::json(R"({"success":true,"data":{"users":[)" + users + "]}}"));
     }
 
-    void expectRemote()
-    {
-        service.expect("/tavisto/session/getusers", Answer::json(R"({"success":true,"data":{"users":[
-            {"userToken":"R","userName":"Remote","mode":"controller"}]}})"));
-    }
+    void expectRemote() { expectUsers(R"({"userToken":"R","userName":"Remote","mode":"controller"})"); }
 
     /// Has the lesson log in and open its channel at \p url.
     void begin(const QUrl& url)
@@ -120,11 +116,12 @@ struct Class
         return waitFor([&] { return lesson->state() == Lesson::LoggedOut && service.isUsedUp(); });
     }
 
+    /// The next message that comes to the bus; empty when none does.
+    QJsonObject nextFrame() { return QJsonDocument::fromJson(bus.nextMessage().toUtf8()).object(); }
     /// The body of the next message of this type that is published.
     QJsonObject sent(const char* type)
     {
-        for (QString text = bus.nextMessage(); !text.isNull(); text = bus.nextMessage()) {
-            const QJsonObject frame = QJsonDocument::fromJson(text.toUtf8()).object();
+        for (QJsonObject frame = nextFrame(); !frame.isEmpty(); frame = nextFrame()) {
             const QJsonObject body = frame.value("body").toObject();
             if (body.value("type") == QLatin1String(type))
                 return body;
@@ -142,8 +139,7 @@ struct Class
     Published publishedWithData()
     {
         Published all;
-        for (QString text = bus.nextMessage(); !text.isNull(); text = bus.nextMessage()) {
-            const QJsonObject frame = QJsonDocument::fromJson(text.toUtf8()).object();
+        for (QJsonObject frame = nextFrame(); !frame.isEmpty(); frame = nextFrame()) {
             const QJsonObject body = frame.value("body").toObject();
             const QString type = body.value("type").toString();
             if (type == QLatin1String("currentCard"))

@@ -128,11 +128,8 @@ public:
         if (QTest::qWaitFor([this] { return threads() <= m_threads && descriptors() <= m_descriptors; },
                             limit))
             return QString();
-        return QStringLiteral("threads: %1 of %2, descriptors: %3 of %4")
-            .arg(threads())
-            .arg(m_threads)
-            .arg(descriptors())
-            .arg(m_descriptors);
+        return QString::asprintf("threads: %d of %d, descriptors: %d of %d", threads(), m_threads,
+                                 descriptors(), m_descriptors);
     }
 
 private:

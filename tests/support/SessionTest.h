@@ -4,7 +4,6 @@
 #include "compression/Lzma.h"
 #include "support/FakeSockJSServer.h"
 #include "support/LogRecorder.h"
-#include "support/WaitFor.h"
 #include "transport/SockJSConnector.h"
 
 #include <QJsonDocument>
@@ -17,8 +16,6 @@
 /// A presenter's session and the event bus at its other end, both in the test's hands.
 class LiveSession : public QObject
 {
-    Q_OBJECT
-
 public:
     /// A publish as it reached the event bus.
     struct Publish

@@ -18,8 +18,6 @@
 /// the test's thread, from its event loop.
 class WorkerRun : public QObject
 {
-    Q_OBJECT
-
 public:
     explicit WorkerRun(quint16 port, bool secure = false)
         : socket(secure ? new QSslSocket : new QTcpSocket)

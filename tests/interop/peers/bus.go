@@ -49,30 +49,22 @@ func readTexts(file string, count int) {
 }
 
 // The TCP connections that clients have open.
-type connections struct {
-	mutex sync.Mutex
-	open  map[net.Conn]bool
-}
+var open sync.Map
 
-func (c *connections) changed(conn net.Conn, state http.ConnState) {
-	c.mutex.Lock()
-	defer c.mutex.Unlock()
+func changed(conn net.Conn, state http.ConnState) {
 	if state == http.StateClosed {
-		delete(c.open, conn)
+		open.Delete(conn)
 	} else {
-		c.open[conn] = true
+		open.Store(conn, true)
 	}
 }
 
-func (c *connections) cut() {
-	c.mutex.Lock()
-	defer c.mutex.Unlock()
-	for conn := range c.open {
-		conn.Close()
-	}
+func cut(conn, _ any) bool {
+	conn.(net.Conn).Close()
+	return true
 }
 
-func (c *connections) take(session sockjs.Session, text string) {
+func take(session sockjs.Session, text string) {
 	if text[0] >= '0' && text[0] <= '9' {
 		session.Send(text)
 		return
@@ -86,7 +78,7 @@ func (c *connections) take(session sockjs.Session, text string) {
 	case "leave":
 		session.Close(3000, "over")
 	case "cut":
-		c.cut()
+		open.Range(cut)
 	}
 }
 
@@ -99,7 +91,6 @@ func main() {
 	flag.Parse()
 	readTexts(*file, *count)
 
-	open := &connections{open: map[net.Conn]bool{}}
 	options := sockjs.DefaultOptions
 	options.ResponseLimit = uint32(*limit)
 	options.HeartbeatDelay = time.Duration(*heartbeat) * time.Millisecond
@@ -116,7 +107,7 @@ func main() {
 			if err != nil {
 				break
 			}
-			open.take(session, text)
+			take(session, text)
 		}
 		say("close " + id)
 	})
@@ -130,5 +121,5 @@ func main() {
 		handler.ServeHTTP(response, request)
 		say("answered " + request.URL.Path)
 	})
-	panic((&http.Server{Handler: told, ConnState: open.changed}).Serve(listener))
+	panic((&http.Server{Handler: told, ConnState: changed}).Serve(listener))
 }

@@ -20,23 +20,19 @@ function accept(request, socket) {
     + `Sec-WebSocket-Accept: ${proof}\r\n\r\n`);
 }
 
+const accepted = (then) => (request, socket) => {
+  accept(request, socket);
+  then(socket);
+};
+
 module.exports = {
   403: answer('403 Forbidden'),
   200: answer('200 OK'),
   silence: () => {},
   reset: (request, socket) => socket.resetAndDestroy(),
   // Upgraded, and then no "o": the connection ends at once, ends later, is reset later, or stays.
-  drop: (request, socket) => {
-    accept(request, socket);
-    socket.end();
-  },
-  dropLater: (request, socket) => {
-    accept(request, socket);
-    setTimeout(() => socket.end(), LATER_MS);
-  },
-  resetLater: (request, socket) => {
-    accept(request, socket);
-    setTimeout(() => socket.resetAndDestroy(), LATER_MS);
-  },
+  drop: accepted((socket) => socket.end()),
+  dropLater: accepted((socket) => setTimeout(() => socket.end(), LATER_MS)),
+  resetLater: accepted((socket) => setTimeout(() => socket.resetAndDestroy(), LATER_MS)),
   mute: accept,
 };

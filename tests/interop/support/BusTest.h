@@ -2,7 +2,6 @@
 
 #include "interop/support/Host.h"
 #include "interop/support/Peers.h"
-#include "support/Rows.h"
 
 #include <optional>
 

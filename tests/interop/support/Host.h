@@ -1,23 +1,17 @@
 #pragma once
 
 #include "interop/support/NumberedText.h"
+#include "support/ConnectorProbe.h"
+#include "support/Rows.h"
 
 #include <CalyxClient/PresenterCollab>
-#include <CalyxClient/SockJSConnector>
 
-#include <QObject>
-#include <QStringList>
 #include <QTest>
-#include <QTimer>
 #include <QUrl>
-
-#include <functional>
 
 /// A host with one live channel, which counts what the channel tells.
 class Host : public QObject
 {
-    Q_OBJECT
-
 public:
     /// \p server is where the bus is, \p token the session's.
     explicit Host(const QUrl& server, const QString& token = QStringLiteral("session"))
@@ -46,18 +40,7 @@ public:
     /// PresenterCollab::open(). False when that does not come back within some seconds.
     bool tryOpen(const QStringList& transports)
     {
-        bool late = false;
-        QTimer guard;
-        guard.setSingleShot(true);
-        connect(&guard, &QTimer::timeout, this, [this, &late] {
-            late = true;
-            connector()->close();
-        });
-        guard.start(openLimit);
-        m_collab.open(transports);
-        if (late)
-            qWarning("open() did not come back.");
-        return !late;
+        return comesBack(connector(), [&] { m_collab.open(transports); });
     }
     /// PresenterCollab::close(), then waits for the one `connectionClosed` that follows. False as well when
     /// the channel has told something else before: an end that nobody has waited for, `connected` without
@@ -129,13 +112,5 @@ const QString webSocket = QStringLiteral("websocket");
 const QString streaming = QStringLiteral("xhr-streaming");
 const QString polling = QStringLiteral("xhr-polling");
 const QStringList all = {webSocket, streaming, polling};
-
-/// The column "transport", and a row for each.
-inline void addRows(const QStringList& transports = all)
-{
-    QTest::addColumn<QString>("transport");
-    for (const QString& transport : transports)
-        QTest::newRow(qPrintable(transport)) << transport;
-}
 
 } // namespace Transport

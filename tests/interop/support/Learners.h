@@ -12,12 +12,10 @@ public:
     Learners(const QUrl& classroom, const QString& code, int count, const QStringList& options = {})
     {
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_process.start(QStringLiteral("node"),
-                        QStringList{QStringLiteral(INTEROP_SOURCE_DIR "/../../classroom/learners.js"),
-                                    QStringLiteral("--url"), classroom.toString(),
-                                    QStringLiteral("--session"), code, QStringLiteral("--count"),
-                                    QString::number(count), QStringLiteral("--quiet")} +
-                            options);
+        const QString program = QStringLiteral(INTEROP_SOURCE_DIR "/../../classroom/learners.js");
+        m_process.start("node", QStringList{program, "--url", classroom.toString(), "--session", code,
+                                            "--count", QString::number(count), "--quiet"} +
+                                    options);
     }
     ~Learners()
     {

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QMap>
 #include <QNetworkProxy>
+#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QString>
 #include <QStringList>
@@ -114,12 +115,7 @@ public:
     {
         QStringList found = QString::fromUtf8(log()).split(QLatin1Char('\n'));
         found.removeLast(); // not ended yet
-        QStringList fitting;
-        for (const QString& line : std::as_const(found)) {
-            if (line.startsWith(prefix))
-                fitting.append(line);
-        }
-        return fitting;
+        return found.filter(QRegularExpression(QLatin1Char('^') + QRegularExpression::escape(prefix)));
     }
     int count(const QString& prefix) const { return lines(prefix).size(); }
     /// Waits until as many lines begin with \p prefix. Runs the event loop meanwhile.

@@ -4,7 +4,6 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QProcessEnvironment>
 #include <QTemporaryFile>
 
 namespace {
@@ -57,14 +56,10 @@ QString buildGo(const QString& source, const QString& target)
     const QString go = QStandardPaths::findExecutable(QStringLiteral("go"));
     if (go.isEmpty() || !QFileInfo::exists(packages + QStringLiteral("/src/github.com/igm/sockjs-go/v3")))
         return QStringLiteral("install the Debian packages golang-go and golang-github-igm-sockjs-go-dev");
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("GOPATH"), packages);
-    environment.insert(QStringLiteral("GO111MODULE"), QStringLiteral("off"));
-    environment.insert(QStringLiteral("GOPROXY"), QStringLiteral("off"));
-    environment.insert(QStringLiteral("GOFLAGS"), QString());
-    environment.insert(QStringLiteral("GOCACHE"), QStringLiteral(INTEROP_BINARY_DIR "/go-cache"));
     QProcess build;
-    build.setProcessEnvironment(environment);
+    build.setEnvironment(QProcess::systemEnvironment() +
+                         QStringList{"GOPATH=" + packages, "GO111MODULE=off", "GOPROXY=off",
+                                     "GOFLAGS=", "GOCACHE=" INTEROP_BINARY_DIR "/go-cache"});
     build.setProcessChannelMode(QProcess::MergedChannels);
     build.start(go, {QStringLiteral("build"), QStringLiteral("-o"), target, source});
     constexpr int limit = 100000; // ms; the first time, Go builds its own library too
