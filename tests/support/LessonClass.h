@@ -48,9 +48,16 @@ struct Class
     /// Has the lesson log in and open its channel at \p url.
     void begin(const QUrl& url)
     {
-        const QByteArray address = "{\"data\":{\"url\":\"" + url.toEncoded() + "\"}}";
         service.expect(PROBE, Answer::json(FINE));
         service.expect(Logins::SUBMIT, Answer::json(Logins::SUCCESS));
+        expectSession(url);
+        logIn(*lesson);
+        lesson->start();
+    }
+
+    void expectSession(const QUrl& url)
+    {
+        const QByteArray address = "{\"data\":{\"url\":\"" + url.toEncoded() + "\"}}";
         service.expect(Logins::USER, Answer::json(R"({"data":{"userLoginId":"teacher"}})"));
         service.expect("/tavisto/session/create", Answer::json(R"({"data":{"sessionCode":"123456"}})"));
         service.expect("/tavisto/session/getcollabserverurl", Answer::json(address));
@@ -58,8 +65,6 @@ struct Class
                        Answer::json(R"({"data":{"sockJSProtocols":["websocket"]}})"));
         service.expect("/tavisto/session/start", Answer::json(R"({"data":{"sessionToken":"T"}})"));
         service.expect("/tavisto/classroom/session/join", Answer::json(R"({"data":{"userToken":"U"}})"));
-        logIn(*lesson);
-        lesson->start();
     }
 
     bool start()

@@ -115,6 +115,13 @@ private Q_SLOTS:
              },
              {"questionStart T", "pause T", "showCard T.learner", "dialogShow T", "questionStart T.user.D3",
               "pause T.user.D3", "showCard T.user.D3", "dialogShow T.user.D3"}},
+            {"question in place of a card",
+             [](Class& at) {
+                 at.lesson->showPicture("png");
+                 at.lesson->ask(marked());
+                 QVERIFY(joins(at, "D3"));
+             },
+             {"showCard T.learner", "questionStart T", "questionStart T.user.D3"}},
             {"text for an id that would end the address",
              [](Class& at) { at.lesson->showText("Hello", "D\"1"); },
              {"dialogShow T.user.D\"1"}},
@@ -430,11 +437,14 @@ private Q_SLOTS:
             if (data.contains("questionNumber"))
                 ids.append(data.value("id").toString());
         }
+        int seen = 0; // of those who have answered the first
+        connect(assessment, &Assessment::changed, this, [&] { seen = assessment->answeredBy(1); });
         for (const QString& given : answers) {
             const QStringList words = given.split(' ');
             m_class->answer(words.at(0), ids.value(words.at(1).toInt() - 1), words.at(2));
         }
-        QVERIFY(joins(*m_class, "D9"));
+        QVERIFY(waitFor([&] { return seen == counts.at(1); }));
+        QVERIFY(joins(*m_class, "D9")); // all before it has been heard
         QCOMPARE(assessment->toCsv().toUtf8(), table);
         const auto cell = [&](int column) { return assessment->index(0, column).data().toString(); };
         const auto title = [&](int column) {

@@ -314,6 +314,31 @@ private Q_SLOTS:
         QVERIFY(class_.end());
     }
 
+    void beginsAnewWithNothing()
+    {
+        Class class_;
+        QVERIFY(class_.start());
+        class_.lesson->ask(Question::usual(PollType::TEXT));
+        class_.lesson->showPicture("png");
+        class_.lesson->setLocked(true);
+        QVERIFY(!class_.sent("dialogShow").isEmpty());
+        class_.service.expect("/tavisto/session/stop", Answer::json(FINE));
+        class_.lesson->end();
+        QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::LoggedIn; }));
+        QCOMPARE(class_.lesson->roster()->rowCount(), 2); // to be looked at, until the next one starts
+        class_.expectSession(class_.bus.url());
+        class_.service.expect(USERS, Answer::json(R"({"success":true,"data":{"users":[]}})"));
+        class_.lesson->start();
+        QCOMPARE(class_.lesson->roster()->rowCount(), 0);
+        QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::Live; }));
+        class_.join("D3");
+        QVERIFY(waitFor([&] { return class_.lesson->roster()->isPresent("D3"); }));
+        class_.published(); // what is told first
+        class_.lesson->setName({}, {});
+        QCOMPARE(class_.published(), QStringList());
+        QVERIFY(class_.end());
+    }
+
     void triesToComeBack_data()
     {
         const auto refuses = [](const char* path, const QByteArray& text) {
