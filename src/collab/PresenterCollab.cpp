@@ -3,7 +3,7 @@
 #include "base/Diagnostics.h"
 #include "collab/CalyxCollabMessage.h"
 #include "collab/CollaborationMessageHandler.h"
-#include "collab/MessageTemplates.h"
+#include "collab/MessageParts.h"
 #include "compression/LzmaBlock.h"
 #include "model/Card.h"
 #include "model/JsonSerializer.h"
@@ -24,12 +24,8 @@ using namespace Calyx;
 namespace {
 
 constexpr int pingInterval = 60000;
-constexpr int lightestHeavyImage = 0x80001; // characters of the image's reference
 
 const QString emptyJsonString = QStringLiteral(R"("")");
-
-// What poll documents carry as their time; the devices do not read it.
-const QString pollTime = QStringLiteral("1395358151638");
 
 // The forms of a picture take tens of megabytes each: here and where messages are sent none is kept longer
 // than the next one needs it.
@@ -72,14 +68,6 @@ public:
         return address.startsWith(QLatin1Char('.')) ? sessionToken + address : address;
     }
     QString below(const char* suffix) const { return sessionToken + QLatin1String(suffix); }
-    QString pollDocument(PollType::POLL_TYPE pollType, OrdinalType::ORDINAL_TYPE ordinalType, int optionCount,
-                         const QString& image) const
-    {
-        const QString options = joinNumbers(0, optionCount, [](const QString& number) { return number; });
-        return START_POLL_DATA64.arg(PollType::POLL_TYPE_STR().value(pollType),
-                                     OrdinalType::ORDINAL_TYPE_STR().value(ordinalType), sessionToken,
-                                     sessionCode, pollTime, currentPollId, options, image);
-    }
 
     QTimer pingTimer;
     const QString serverUrl;
@@ -275,8 +263,10 @@ void PresenterCollab::startPoll(PollType::POLL_TYPE pollType, OrdinalType::ORDIN
         createPollQuestion(pollType, ordinalType, optionCount, extra));
     if (!question) {
         d->currentQuestionId.clear();
+        const QString options = joinNumbers(0, optionCount, [](const QString& number) { return number; });
         publishMessage64(d->sessionToken, QStringLiteral("poll"),
-                         d->pollDocument(pollType, ordinalType, optionCount, getCardImageRef(true)));
+                         MessageParts::pollDocument(*this, pollType, ordinalType, d->currentPollId, options,
+                                                    getCardImageRef(true)));
         return;
     }
     const QString image = getCardImageRef(true);
@@ -346,12 +336,12 @@ void PresenterCollab::setCardImageRef(const QString& reference)
 QString PresenterCollab::getCardImageRef(bool asCssUrl)
 {
     if (!d->cardImage.isEmpty())
-        return QString::fromLatin1("data:image/png;base64," + d->cardImage.toBase64());
+        return MessageParts::dataUri(d->cardImage);
     if (d->cardImageRef.isNull()) {
         qCDebug(diagnostics) << "[PresenterCollab] No image reference has been set!";
         return QStringLiteral("");
     }
-    return asCssUrl ? QStringLiteral("url('") + d->cardImageRef + QStringLiteral("')") : d->cardImageRef;
+    return asCssUrl ? MessageParts::cssUrl(d->cardImageRef) : d->cardImageRef;
 }
 
 void PresenterCollab::clearCardImage()
@@ -363,7 +353,7 @@ void PresenterCollab::clearCardImage()
 void PresenterCollab::showImageCard(bool checkHeavy)
 {
     QString reference = getCardImageRef(false);
-    if (checkHeavy && reference.size() >= lightestHeavyImage)
+    if (checkHeavy && reference.size() >= MessageParts::heavyPicture)
         sendHeavy();
     QString card = SHOW_CARD_DATA.arg(QStringLiteral("any"), reference);
     reference.clear();

@@ -138,7 +138,7 @@ void Assessment::enter(const QString& deviceId)
 }
 
 // False for an answer that does not count: too late, from nobody who takes part, or a second one where only
-// the first counts. The same again changes nothing.
+// the first counts. The same answer once more counts, and changes nothing.
 bool Assessment::add(const QString& deviceId, int number, const QString& text, int time, const QDateTime& at)
 {
     constexpr int second = 1000;
@@ -350,9 +350,7 @@ QString Assessment::toCsv() const
                          markedCount() > 0 ? QString::number(sheet.right) : QString()};
         for (int number = 1; number <= questionCount(); ++number) {
             const PollAnswer answer = sheet.answers.value(number);
-            line += {answer.text, answer.mark <= PollAnswer::Unmarked ? QString()
-                                  : answer.mark == PollAnswer::Right  ? QStringLiteral("yes")
-                                                                      : QStringLiteral("no")};
+            line += {answer.text, LessonText::csvMark(answer.mark)};
         }
         csv += LessonText::csvLine(line);
     }

@@ -1,8 +1,7 @@
 #include "lesson/LessonMessages.h"
 
 #include "collab/CalyxCollabMessage.h"
-#include "collab/MessageTemplates.h"
-#include "collab/PresenterCollab.h"
+#include "collab/MessageParts.h"
 #include "lesson/Lesson.h"
 #include "lesson/LessonText.h"
 #include "model/AssessmentOptions.h"
@@ -10,7 +9,6 @@
 #include "model/QuestionBaseWithOptions.h"
 #include "model/QuestionCreative.h"
 #include "model/QuestionFeedback.h"
-#include "model/QuestionMultiChoice.h"
 #include "model/QuestionWordSeed.h"
 
 #include <memory>
@@ -18,8 +16,6 @@
 namespace Calyx {
 
 namespace {
-
-constexpr int heavyCard = 0x80001; // characters: as of this size devices are told before
 
 QString quoted(const QString& id)
 {
@@ -33,13 +29,14 @@ QString whole(PresenterCollab* collab, const QString& address)
 
 QString pictureOf(const QByteArray& png, const QString& url)
 {
-    return png.isEmpty() ? url : QString::fromLatin1("data:image/png;base64," + png.toBase64());
+    return png.isEmpty() ? url : MessageParts::dataUri(png);
 }
 
-bool isDocument(const Question& question)
+// The picture behind a question; empty where it has none.
+QString backgroundOf(const Question& question)
 {
-    const bool isKind = question.type == PollType::WORD_SEED || question.type == PollType::CREATIVE;
-    return isKind && question.text.isEmpty() && question.options.isEmpty();
+    const QString url = LessonText::asReference(question.pictureUrl);
+    return pictureOf(question.picture, url.isEmpty() ? url : MessageParts::cssUrl(url));
 }
 
 // Devices know the words of the kind's own scheme. Under another one they would show those, or letters.
@@ -75,10 +72,10 @@ std::unique_ptr<QuestionBase> makeQuestion(PresenterCollab* collab, const Questi
             withOptions->addActivityOption(ids.at(i), words.at(i), i + 1);
         question->inferOrdinalType();
     }
-    if (!from.picture.isEmpty() || !from.pictureUrl.isEmpty()) {
+    const QString background = backgroundOf(from);
+    if (!background.isEmpty()) {
         auto* card = new Card(question.get());
-        const QString picture = pictureOf(from.picture, LessonText::asReference(from.pictureUrl));
-        card->setBackgroundImage(from.picture.isEmpty() ? QStringLiteral("url('%1')").arg(picture) : picture);
+        card->setBackgroundImage(background);
         card->setid(id);
         question->setcard(card);
     }
@@ -88,16 +85,10 @@ std::unique_ptr<QuestionBase> makeQuestion(PresenterCollab* collab, const Questi
 void sendDocument(PresenterCollab* collab, const QString& address, const Question& question,
                   const QString& id)
 {
-    const QString time = QStringLiteral("1395358151638"); // the devices do not read it
-    const QString url = LessonText::asReference(question.pictureUrl);
-    QString picture = pictureOf(question.picture, url);
-    if (question.picture.isEmpty() && !url.isEmpty())
-        picture = QStringLiteral("url('%1')").arg(url);
+    const QString options = question.optionIds().join(QLatin1Char(','));
     collab->publishMessage64(address, QStringLiteral("poll"),
-                             START_POLL_DATA64.arg(question.kind(),
-                                                   OrdinalType::ORDINAL_TYPE_STR().value(question.ordinal),
-                                                   collab->sessionToken(), collab->sessionCode(), time, id,
-                                                   question.optionIds().join(QLatin1Char(',')), picture));
+                             MessageParts::pollDocument(*collab, question.type, question.ordinal, id, options,
+                                                        backgroundOf(question)));
 }
 
 void publish(PresenterCollab* collab, const QString& address, const QString& type, const QVariantMap& data)
@@ -115,7 +106,13 @@ QString LessonMessages::addressOf(const QString& deviceId)
     return QStringLiteral(".user.") + LessonText::escaped(deviceId);
 }
 
-// In this order, because each covers what was there before.
+bool LessonMessages::isDocument(const Question& question)
+{
+    const bool isKind = question.type == PollType::WORD_SEED || question.type == PollType::CREATIVE;
+    return isKind && question.text.isEmpty() && question.options.isEmpty();
+}
+
+// In this order, because on a device each covers what was there before.
 void LessonMessages::bring(PresenterCollab* collab, const QString& address, const Wanted& wanted)
 {
     if (!wanted.assessmentToken.isEmpty()) {
@@ -200,7 +197,7 @@ void LessonMessages::sendCard(PresenterCollab* collab, const QString& address, c
 {
     const QString to = address.isEmpty() ? QStringLiteral(".learner") : address;
     const QString picture = pictureOf(png, url);
-    if (picture.size() >= heavyCard)
+    if (picture.size() >= MessageParts::heavyPicture)
         collab->publishMessage(to, QStringLiteral("heavy"), PLAIN_DATA);
     collab->publishMessage(to, QStringLiteral("showCard"),
                            SHOW_CARD_DATA.arg(QStringLiteral("any"), picture));

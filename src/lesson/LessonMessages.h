@@ -42,12 +42,15 @@ namespace LessonMessages {
 
 /// The address of a device.
 QString addressOf(const QString& deviceId);
+/// Whether a poll of \p question goes out as the poll document of its kind: a word seed or a creative poll
+/// without words of the teacher's.
+bool isDocument(const Question& question);
+
 /// Brings \p address to what is wanted.
 void bring(PresenterCollab* collab, const QString& address, const Wanted& wanted);
 /// Brings everybody who has seen \p before to what is wanted \p now.
 void bringNews(PresenterCollab* collab, const Wanted& before, const Wanted& now);
-/// The poll with its pause and its countdown: as a question or, without words, as the poll document of its
-/// kind.
+/// The poll with its pause and its countdown, as a question or as a document.
 void sendPoll(PresenterCollab* collab, const QString& address, const Wanted& wanted);
 /// How long the poll runs on. Devices that do not know the message are told by the stop alone.
 void sendCountdown(PresenterCollab* collab, const QString& address, const QString& id,

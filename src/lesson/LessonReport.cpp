@@ -13,18 +13,14 @@ namespace Calyx {
 
 namespace {
 
-// Programs read these tables, too: what is ours in them is the same in every language.
 QStringList csvRow(const QString& where, const QString& question, const PollAnswer& answer)
 {
-    const QString mark = answer.mark <= PollAnswer::Unmarked ? QString()
-                         : answer.mark == PollAnswer::Right  ? QStringLiteral("yes")
-                                                             : QStringLiteral("no");
     return {where,
             question,
             answer.name,
             answer.deviceId,
             answer.text,
-            mark,
+            LessonText::csvMark(answer.mark),
             QString::number(answer.msecs),
             answer.receivedAt.toLocalTime().toString(Qt::ISODate),
             answer.isLate ? QStringLiteral("yes") : QString()};

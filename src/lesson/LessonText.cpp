@@ -80,3 +80,10 @@ QString LessonText::csvLine(const QStringList& fields)
         line.append(csvField(field));
     return line.join(QLatin1Char(',')) + QLatin1String("\r\n");
 }
+
+QString LessonText::csvMark(Calyx::PollAnswer::Mark mark)
+{
+    if (mark <= Calyx::PollAnswer::Unmarked)
+        return QString();
+    return mark == Calyx::PollAnswer::Right ? QStringLiteral("yes") : QStringLiteral("no");
+}

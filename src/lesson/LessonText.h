@@ -1,5 +1,7 @@
 #pragma once
 
+#include <CalyxClient/lesson/PollAnswer.h>
+
 #include <QString>
 #include <QStringList>
 
@@ -20,7 +22,11 @@ QString escaped(const QString& text);
 bool hasControls(const QString& text);
 /// \p reference with everything percent-encoded that ends the quotes of JSON or of CSS's url('...').
 QString asReference(const QString& reference);
-/// A line of CSV, its end included.
+/// A line of CSV, its end included. Programs read these tables, too: what is ours in them is the same in
+/// every language.
 QString csvLine(const QStringList& fields);
+
+/// A mark as a field of such a line: "yes", "no", or empty where nothing is marked.
+QString csvMark(Calyx::PollAnswer::Mark mark);
 
 } // namespace LessonText

@@ -1,5 +1,6 @@
 #include "lesson/Poll.h"
 
+#include "lesson/LessonMessages.h"
 #include "lesson/LessonText.h"
 #include "lesson/Roster.h"
 
@@ -117,7 +118,7 @@ void Poll::setStopsAt(const QDateTime& stopsAt)
     Q_EMIT stateChanged();
 }
 
-// At a time in the past where it is known only later that it was over.
+// \p at is in the past where it becomes known only later that the session was over.
 void Poll::stop(const QDateTime& at)
 {
     if (!d->isRunning)
@@ -157,11 +158,9 @@ void Poll::flush()
         Q_EMIT answersChanged();
 }
 
-// A word seed or creative poll without words of the teacher's.
 bool Poll::isDocument() const
 {
-    const bool isKind = d->question.type == PollType::WORD_SEED || d->question.type == PollType::CREATIVE;
-    return isKind && d->question.text.isEmpty() && d->question.options.isEmpty();
+    return LessonMessages::isDocument(d->question);
 }
 
 QString Poll::id() const
@@ -283,11 +282,8 @@ QString Poll::toCsv() const
                              QStringLiteral("Answer"), QStringLiteral("Right"),
                              QStringLiteral("Milliseconds"), QStringLiteral("Late")});
     for (const PollAnswer& answer : std::as_const(d->answers)) {
-        const QString right = answer.mark == PollAnswer::Unmarked ? QString()
-                              : answer.mark == PollAnswer::Right  ? QStringLiteral("yes")
-                                                                  : QStringLiteral("no");
-        csv += LessonText::csvLine({title(), answer.name, answer.deviceId, answer.text, right,
-                                    QString::number(answer.msecs),
+        csv += LessonText::csvLine({title(), answer.name, answer.deviceId, answer.text,
+                                    LessonText::csvMark(answer.mark), QString::number(answer.msecs),
                                     answer.isLate ? QStringLiteral("yes") : QString()});
     }
     return csv;
