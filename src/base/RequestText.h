@@ -8,7 +8,7 @@
 /// What may stand in the text of a raw request without ending a line of it, or splitting its first one.
 namespace RequestText {
 
-/// For a host name or a path.
+/// For the name of a server or a path.
 inline bool isSafeInFirstLine(const QString& text)
 {
     return std::none_of(text.begin(), text.end(),

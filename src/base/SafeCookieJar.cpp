@@ -15,17 +15,17 @@ QString withoutPoint(const QString& domain)
     return domain.startsWith(QLatin1Char('.')) ? domain.mid(1) : domain;
 }
 
-bool isAddress(const QString& host)
+bool isAddress(const QString& server)
 {
-    return !QHostAddress(host).isNull();
+    return !QHostAddress(server).isNull();
 }
 
-// An address has no domain but itself, and a name without a point is everybody's, but for the host that is
-// called so.
-bool isOwnDomain(const QString& domain, const QString& host)
+// An address has no domain but itself. A name without a point, such as "com", is everybody's, but where the
+// server itself is called so.
+bool isOwnDomain(const QString& domain, const QString& server)
 {
     const QString name = withoutPoint(domain);
-    return name == host || (!isAddress(host) && name.contains(QLatin1Char('.')));
+    return name == server || (!isAddress(server) && name.contains(QLatin1Char('.')));
 }
 
 } // namespace

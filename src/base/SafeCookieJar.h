@@ -2,7 +2,7 @@
 
 #include <QNetworkCookieJar>
 
-/// Keeps cookies that can do no harm in the text of a request, and gives them to the host that set them.
+/// Keeps cookies that can do no harm in the text of a request, and gives them to the server that set them.
 ///
 /// What a plain jar takes, and this one does not: a CR, LF or NUL in a cookie's name or value, which
 /// could begin a header line of its own; and a domain that is the end of an IP address, which other addresses

@@ -4,7 +4,6 @@
 #include "base/SafeCookieJar.h"
 #include "client/GzipInflate.h"
 #include "client/ServiceEnvelope.h"
-#include "collab/CalyxCollabMessage.h"
 #include "collab/PresenterCollab.h"
 #include "compression/Lzma.h"
 #include "transport/PostRequest.h"
@@ -54,10 +53,10 @@ bool isIssuedBySystem(const QSslCertificate& certificate)
 QString baseAddress(const QUrl& target)
 {
     constexpr int httpPort = 80;
-    QString host = target.host(QUrl::FullyEncoded);
-    if (host.contains(QLatin1Char(':')))
-        host = QLatin1Char('[') + host + QLatin1Char(']');
-    QString address = target.scheme() + QStringLiteral("://") + host;
+    QString name = target.host(QUrl::FullyEncoded);
+    if (name.contains(QLatin1Char(':')))
+        name = QLatin1Char('[') + name + QLatin1Char(']');
+    QString address = target.scheme() + QStringLiteral("://") + name;
     if (target.port() != -1 && target.port() != httpPort)
         address += QLatin1Char(':') + QString::number(target.port());
     return address;
@@ -67,7 +66,7 @@ QString baseAddress(const QUrl& target)
 class KeepsFromDeletion : public QObject
 {
 public:
-    // For as long as the object has children.
+    // A child of the object: it filters until the children go.
     static void watch(QObject* object) { object->installEventFilter(new KeepsFromDeletion(object)); }
     bool eventFilter(QObject*, QEvent* event) override { return event->type() == QEvent::DeferredDelete; }
 
@@ -105,7 +104,8 @@ PresenterClient::PresenterClient(QObject* parent, QString server)
     connect(&d->pingTimer, SIGNAL(timeout()), this, SLOT(onPingTimer()));
 }
 
-// What a slot does while the session is being stopped, or while children go, does not delete us once more.
+// A slot that runs while the session is being stopped, or while children go, may call deleteLater(), which
+// must not delete us once more.
 PresenterClient::~PresenterClient()
 {
     setParent(nullptr);
@@ -113,16 +113,15 @@ PresenterClient::~PresenterClient()
     d->pingTimer.stop();
     if (!d->sessionCode.isNull() || !d->sessionToken.isNull())
         doStopSession();
-    // The filter goes before a channel that a slot has opened meanwhile.
+    // Here, too: as the older child the filter goes before a channel that a slot has opened meanwhile.
     QCoreApplication::removePostedEvents(this, QEvent::DeferredDelete);
-    // As our child it would die with us, maybe inside its own signal.
+    // As our child the manager would die with us, maybe inside its own signal.
     d->manager->setParent(nullptr);
 }
 
 PresenterClient::Private::Private(PresenterClient* client, const QString& address)
     : q(client)
     , pingTimer(client) // moves to another thread with it
-    , version(Calyx::CalyxCollabMessage::PROTOCOL_VERSION)
     , server(address)
     , manager(new QNetworkAccessManager(client), [](QObject* object) { object->deleteLater(); })
 {
@@ -224,7 +223,7 @@ bool PresenterClient::Private::post(const QString& path, const QString& body, Su
 
 void PresenterClient::slotRequestFinished(QNetworkReply* reply)
 {
-    // It emits the signal that brings us here, and a host's slot may destroy us before that returns.
+    // The manager emits the signal that brings us here, and a host's slot may destroy us before that returns.
     const std::shared_ptr<QNetworkAccessManager> emitting = d->manager;
     if (!d->followRedirect(reply)) {
         const QString body = readBody(reply);
@@ -234,7 +233,7 @@ void PresenterClient::slotRequestFinished(QNetworkReply* reply)
     d->callbacks.remove(reply);
     d->waits.end(reply);
     Q_EMIT requestProcessed();
-    // Not before: outside of all event loops, one that a slot runs would carry it out.
+    // Not earlier: where no event loop runs, one that a slot starts would carry the deletion out.
     reply->deleteLater();
 }
 

@@ -127,7 +127,7 @@ public:
     ///
     /// True does not prove that it is the service: the sign-in page of a guest network (a captive portal)
     /// redirects, that is followed, and server() names the portal from then on. Compare server() with the
-    /// address that was meant before a password is sent; where it has changed to another host, have the user
+    /// address that was meant before a password is sent; where it names another server, have the user
     /// sign in to the network, and make a new client.
     bool checkServer(const QString& user, const QString& password);
     /// Whether the first of the reply's "errorMsgKeys" contains "error"; \p error receives it, else null.

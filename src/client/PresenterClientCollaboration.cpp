@@ -2,6 +2,7 @@
 
 #include "base/Diagnostics.h"
 #include "client/ServiceEnvelope.h"
+#include "collab/CalyxCollabMessage.h"
 #include "collab/PresenterCollab.h"
 #include "transport/SockJSConnector.h"
 
@@ -100,9 +101,10 @@ bool PresenterClient::startWebsocket(PresenterCollab** collab)
 
     const QString startBody =
         QStringLiteral(R"({"sessionCode": "%0","serverUrl":"%1","sourceSystem":"Lumora","version":"%2"})");
-    if (!d->post("/tavisto/session/start", startBody.arg(d->sessionCode, d->collabServerUrl, d->version),
-                 &PresenterClient::sessionStartSuccessResponse,
-                 &PresenterClient::sessionStartFailureResponse) ||
+    if (!d->post(
+            "/tavisto/session/start",
+            startBody.arg(d->sessionCode, d->collabServerUrl, Calyx::CalyxCollabMessage::PROTOCOL_VERSION),
+            &PresenterClient::sessionStartSuccessResponse, &PresenterClient::sessionStartFailureResponse) ||
         !d->lastError.isNull())
         return false;
 
@@ -120,11 +122,11 @@ bool PresenterClient::Private::openCollab(PresenterCollab** opened)
 {
     const QPointer<PresenterCollab> created =
         new PresenterCollab(q, collabServerUrl, sessionCode, sessionToken, userToken);
-    created->connector()->setStallLimit(stallLimit);
-    created->connector()->setAsynchronousConnect(asynchronousConnect);
-    created->connector()->setEndsWithLostRequest(endsWithLostRequest);
     collab = created;
     SockJSConnector* connector = created->connector();
+    connector->setStallLimit(stallLimit);
+    connector->setAsynchronousConnect(asynchronousConnect);
+    connector->setEndsWithLostRequest(endsWithLostRequest);
     connector->setOpenLimit(openLimit);
     connector->setSilenceLimit(silenceLimit);
     connector->setPingInterval(pingInterval);

@@ -22,7 +22,7 @@ public:
     Private(PresenterClient* client, const QString& address);
 
     /// Posts and keeps the reply's handlers; does not wait.
-    QNetworkReply* send(const QUrl& url, const QByteArray& body, CALLBACKS callbacks, bool multipart);
+    QNetworkReply* send(const QUrl& url, const QByteArray& body, CALLBACKS handlers, bool multipart);
     /// Waits for the reply, which is aborted after 10 seconds. The client may be gone afterwards.
     void wait(QNetworkReply* reply, ReplyWaits::Kind kind);
     ///@{
@@ -48,7 +48,6 @@ public:
     QString sessionCode;
     QString newDeviceAccessToken;
     QString collabServerUrl;
-    QString version;
     QStringList sockJSProtocols;
     QStringList sockJSOverrideProtocols;
     QString sessionToken;

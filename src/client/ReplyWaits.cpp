@@ -32,7 +32,7 @@ void ReplyWaits::end(const QNetworkReply* reply)
     }
 }
 
-// Whether one of the waits has ended that cannot return before those inside it do.
+// Whether one of the waits is over, and only those inside it keep it from returning.
 bool ReplyWaits::hasEnded() const
 {
     return std::any_of(m_waits.begin(), m_waits.end(), [](const Wait& wait) { return wait.loop->hasQuit(); });

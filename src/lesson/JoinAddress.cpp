@@ -35,8 +35,8 @@ QString JoinAddress::of(const QString& server)
 
 QString JoinAddress::hint(const QUrl& address)
 {
-    const QString host = address.host();
-    if (host != QLatin1String("localhost") && !QHostAddress(host).isLoopback())
+    const QString name = address.host();
+    if (name != QLatin1String("localhost") && !QHostAddress(name).isLoopback())
         return QString();
     const QString own = ownAddress();
     if (own.isEmpty())

@@ -23,7 +23,7 @@ public:
     /// What has gone wrong.
     enum Kind {
         NoError,            ///< nothing
-        Unreachable,        ///< nobody is there: no such host, no network, the connection refused or lost
+        Unreachable,        ///< nobody is there: no such server, no network, the connection refused or lost
         NoAnswer,           ///< somebody is there, and did not answer in time
         NotTheService,      ///< somebody answers who is not the classroom service, as networks do that want a
                             ///< login of their own

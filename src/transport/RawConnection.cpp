@@ -6,11 +6,12 @@
 #include <QSslSocket>
 #include <QTimer>
 
-RawConnection::RawConnection(QObject* parent, QTcpSocket* socket, const QString& host, int port, bool secure)
+RawConnection::RawConnection(QObject* parent, QTcpSocket* socket, const QString& server, int port,
+                             bool secure)
     : QObject(parent)
     , m_socket(socket)
     , m_tls(secure ? qobject_cast<QSslSocket*>(socket) : nullptr)
-    , m_host(host)
+    , m_server(server)
     , m_port(static_cast<quint16>(port))
 {
     if (m_socket) {
@@ -26,9 +27,9 @@ RawConnection::RawConnection(QObject* parent, QTcpSocket* socket, const QString&
 void RawConnection::begin()
 {
     if (m_tls)
-        m_tls->connectToHostEncrypted(m_host, m_port);
+        m_tls->connectToHostEncrypted(m_server, m_port);
     else
-        m_socket->connectToHost(m_host, m_port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
+        m_socket->connectToHost(m_server, m_port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
 }
 
 bool RawConnection::connectBlocking(int msecs)

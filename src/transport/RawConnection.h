@@ -18,7 +18,7 @@ class RawConnection : public QObject
 
 public:
     /// \p socket, a QSslSocket when \p secure, stays the caller's and lives on the thread of this object.
-    RawConnection(QObject* parent, QTcpSocket* socket, const QString& host, int port, bool secure);
+    RawConnection(QObject* parent, QTcpSocket* socket, const QString& server, int port, bool secure);
 
     /// Connects without events, within \p msecs, with TLS the handshake included.
     bool connectBlocking(int msecs);
@@ -51,7 +51,7 @@ private:
 
     QTcpSocket* m_socket;
     QSslSocket* m_tls; // the same one, or null
-    QString m_host;
+    QString m_server;
     quint16 m_port;
     bool m_dropped = false; // the socket is closed because this class closed it, or because it failed
     InnerLoop* m_wait = nullptr;

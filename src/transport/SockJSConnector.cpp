@@ -69,7 +69,7 @@ struct Attempt : QObject
     int next = 0;           // of the protocols
     bool hasBegun = false;  // the end of the connection before has been told
     bool isTrying = false;  // a transport is being started
-    bool isFalling = false; // it is the one to fall back to
+    bool isFalling = false; // that transport is what a WebSocket has fallen back to
 };
 
 } // namespace
@@ -119,7 +119,7 @@ public:
 
     bool secure = false;
     int port = 0;
-    QString host;
+    QString server;
     QString path;
     QString sessionId;
     bool sessionOpen = false;
@@ -229,7 +229,7 @@ void SockJSConnectorPrivate::readUrl(const QUrl& url)
     constexpr int httpsPort = 443;
     secure = url.scheme() == QLatin1String("wss") || url.scheme() == QLatin1String("https");
     port = url.port(secure ? httpsPort : httpPort);
-    host = url.host(QUrl::FullyDecoded);
+    server = url.host(QUrl::FullyDecoded);
     path = url.path(QUrl::FullyDecoded);
     if (path.endsWith(QLatin1Char('/')))
         path.chop(1);
@@ -237,8 +237,9 @@ void SockJSConnectorPrivate::readUrl(const QUrl& url)
 
 void SockJSConnectorPrivate::makeSessionId()
 {
-    sessionId = randomIds ? randomSessionId()
-                          : freshSessionId(host + QLatin1Char(':') + QString::number(port) + path, sessionId);
+    sessionId = randomIds
+                    ? randomSessionId()
+                    : freshSessionId(server + QLatin1Char(':') + QString::number(port) + path, sessionId);
 }
 
 QString SockJSConnectorPrivate::basePath() const
@@ -249,7 +250,8 @@ QString SockJSConnectorPrivate::basePath() const
 QUrl SockJSConnectorPrivate::webSocketUrl() const
 {
     const QString scheme = secure ? QStringLiteral("wss://") : QStringLiteral("ws://");
-    const QString name = host.contains(QLatin1Char(':')) ? QLatin1Char('[') + host + QLatin1Char(']') : host;
+    const QString name =
+        server.contains(QLatin1Char(':')) ? QLatin1Char('[') + server + QLatin1Char(']') : server;
     return QUrl(scheme + name + QLatin1Char(':') + QString::number(port) + basePath() +
                 QStringLiteral("/websocket"));
 }
@@ -318,7 +320,7 @@ bool SockJSConnectorPrivate::openXHRPolling(bool streaming)
     xhr->setAsynchronousConnect(asynchronousConnect);
     xhr->setEndsWithLostRequest(endsWithLostRequest);
     use(xhr, streaming ? SockJSConnector::XHR_STREAMING : SockJSConnector::XHR_POLLING);
-    if (xhr->start(host, port, secure, basePath(), streaming)) {
+    if (xhr->start(server, port, secure, basePath(), streaming)) {
         startSilenceLimit();
         qCDebug(diagnostics).noquote() << "[SockJSConnector] CONNECTED via xhr_" +
                                               QString(QLatin1String(streaming ? "streaming" : "polling"));
@@ -350,8 +352,8 @@ void SockJSConnectorPrivate::onOpenLimit()
 {
     if (sessionOpen)
         return;
-    // The server may have opened the session, its "o" held back on the way, and refuses a second receiver of
-    // it.
+    // The server may have opened the session, and its "o" is held back on the way: it would refuse a second
+    // receiver of the same session.
     makeSessionId();
     dropTransport();
     if (!attempt->isTrying) // else open() goes on by itself

@@ -2,13 +2,10 @@
 
 #include <CalyxClient/calyxclient_export.h>
 
-#include <QDateTime>
 #include <QList>
 #include <QMap>
 #include <QObject>
-#include <QPointer>
 #include <QStringList>
-#include <QTimer>
 #include <QUrl>
 #include <QVariant>
 
@@ -77,7 +74,7 @@ public:
     /// How many times open() has begun a connection: tells one from another.
     int openCount() const;
 
-    /// Milliseconds that an answer with a length or with chunks may pause over XHR before it is discarded:
+    /// Milliseconds that a response with a length or with chunks may pause over XHR before it is discarded:
     /// 2,000 unless set. Counts from the next open(); has no effect on a WebSocket.
     void setStallLimit(int msecs);
     /// What setStallLimit() has set, in milliseconds.
@@ -90,10 +87,10 @@ public:
     /// What setAsynchronousConnect() has set.
     bool asynchronousConnect() const;
 
-    /// Has an XHR transport end, as by the server, where a message is lost: one that was sent, whose post has
-    /// failed or was not answered for 30 seconds, after which nothing else goes out; or one that may have
-    /// come, when the connection was lost while the server could answer. Off by default: nothing tells of the
-    /// loss then. Counts from the next open().
+    /// Has an XHR transport end, as by the server, where a message is lost: one that was sent, when its post
+    /// has failed or was not answered for 30 seconds (nothing else goes out then); or one that may have come,
+    /// when the connection was lost while the server could respond. Off by default: nothing tells of the loss
+    /// then. Counts from the next open().
     void setEndsWithLostRequest(bool ends);
     /// What setEndsWithLostRequest() has set.
     bool endsWithLostRequest() const;

@@ -50,7 +50,7 @@ class SockJSXHRPolling::Private
 public:
     explicit Private(SockJSXHRPolling* transport);
 
-    void setAddress(const QString& server, int port, bool secure, const QString& sessionPath);
+    void setAddress(const QString& name, int port, bool secure, const QString& sessionPath);
     void begin(bool isStreaming);
     bool connectWorker(SockJSXHRPollingWorker* candidate, QTcpSocket* socket);
     bool startThread(SockJSXHRPollingWorker* candidate, QTcpSocket* socket);
@@ -72,12 +72,11 @@ public:
     SockJSXHRPolling* q;
     QNetworkAccessManager* manager;
     QNetworkCookieJar* cookieJar;
-    QString host;
+    QString server; // an IPv6 address in brackets, which keep it apart from the port
     QString path;
     QString fullUrl;
     bool closed = false;
     bool up = false;
-    bool keepAlive = true;
     bool streaming = false;
     QPointer<SockJSXHRPollingWorker> worker; // set to null before the thread deletes it
     QPointer<TransportThread> thread;
@@ -93,7 +92,7 @@ public:
     int stallLimit = SockJSXHRPollingWorker::StallLimit;
     bool asynchronous = false;
     bool endsWithLostRequest = false;
-    QElapsedTimer asked; // for frames
+    QElapsedTimer asked; // since frames were asked for
     bool retired = false;
     QTimer closing;    // closes the receiver when no post is answered
     QTimer retirement; // deletes the transport when no post is answered
@@ -159,23 +158,24 @@ void SockJSXHRPolling::setEndsWithLostRequest(bool ends)
     d->endsWithLostRequest = ends;
 }
 
-bool SockJSXHRPolling::start(QString host, int port, bool secure, QString path, bool streaming)
+bool SockJSXHRPolling::start(QString server, int port, bool secure, QString path, bool streaming)
 {
     if (d->worker || !d->manager)
         return false;
     const QString solid = QString(path).remove(QLatin1Char(' '));
-    if (!RequestText::isSafeInFirstLine(host) || !RequestText::isSafeInFirstLine(solid)) {
+    if (!RequestText::isSafeInFirstLine(server) || !RequestText::isSafeInFirstLine(solid)) {
         qCDebug(diagnostics) << "[SockJSXHRPolling] Can't start: blank or control character in host or path";
         return false;
     }
     d->begin(streaming);
-    d->setAddress(host, port, secure, path);
+    d->setAddress(server, port, secure, path);
 
     const QNetworkProxy proxy = QSystemConfigurationProxyFactory::getPrimaryProxy();
     d->manager->setProxy(proxy);
     QTcpSocket* socket = secure ? new QSslSocket : new QTcpSocket;
     socket->setProxy(proxy);
-    auto* worker = new SockJSXHRPollingWorker(nullptr, socket, host, port, secure, d->keepAlive);
+    constexpr bool keepAlive = true;
+    auto* worker = new SockJSXHRPollingWorker(nullptr, socket, server, port, secure, keepAlive);
     worker->setStallLimit(d->stallLimit);
     if (!d->connectWorker(worker, socket)) {
         delete worker;
@@ -196,7 +196,6 @@ void SockJSXHRPolling::Private::begin(bool isStreaming)
 {
     joinThread();
     closed = false;
-    keepAlive = true;
     streaming = isStreaming;
     sessionOpen = false;
     sessionEnded = false;
@@ -219,15 +218,14 @@ bool SockJSXHRPolling::Private::connectWorker(SockJSXHRPollingWorker* candidate,
     return false;
 }
 
-void SockJSXHRPolling::Private::setAddress(const QString& server, int port, bool secure,
+void SockJSXHRPolling::Private::setAddress(const QString& name, int port, bool secure,
                                            const QString& sessionPath)
 {
     const QString scheme = secure ? QStringLiteral("s") : QString();
     const QString relative = sessionPath.startsWith(QLatin1Char('/')) ? sessionPath.mid(1) : sessionPath;
-    // A URL keeps an IPv6 address apart from the port by brackets.
-    host = server.contains(QLatin1Char(':')) ? QStringLiteral("[%0]").arg(server) : server;
+    server = name.contains(QLatin1Char(':')) ? QStringLiteral("[%0]").arg(name) : name;
     path = encodedPath(QLatin1Char('/') + relative);
-    const QString baseUrl = QStringLiteral("http%0://%1:%2").arg(scheme, host, QString::number(port));
+    const QString baseUrl = QStringLiteral("http%0://%1:%2").arg(scheme, server, QString::number(port));
     fullUrl = QStringLiteral("%0/%1").arg(baseUrl, relative);
     if (fullUrl.endsWith(QLatin1Char('/')))
         fullUrl.chop(1);
@@ -330,8 +328,8 @@ void SockJSXHRPolling::doRequestXHR(const QString& path, const QString& payload)
 
 QString SockJSXHRPolling::Private::headerBlock(const QString& payload) const
 {
-    QString block = QStringLiteral("Host: %0\r\n").arg(host);
-    block += keepAlive ? QLatin1String("Connection: keep-alive\r\n") : QLatin1String("Connection: close\r\n");
+    QString block = QStringLiteral("Host: %0\r\n").arg(server);
+    block += QLatin1String("Connection: keep-alive\r\n");
     block += QLatin1String("Accept-Encoding: identity\r\n");
     block += QLatin1String("Content-Type: application/json\r\n");
     block += QStringLiteral("Content-Length: %0\r\n").arg(payload.toUtf8().size());
@@ -378,8 +376,8 @@ void SockJSXHRPolling::Private::releaseRequest(XHRRequest* request)
     request->deleteLater();
 }
 
-// The server may have told something in the answer, and tells it once. That does not count for one that
-// closes its connections without announcing it: the next request meets that at once.
+// The server may have told something in the response that is lost, and tells it once. A server that closes
+// its connections without announcing it has told nothing: the next request meets that at once.
 void SockJSXHRPolling::Private::loseRequest(XHRRequest* request)
 {
     constexpr int atOnce = 1000; // ms
@@ -429,7 +427,7 @@ void SockJSXHRPolling::Private::postNextFrame()
 {
     QNetworkRequest request = PostRequest::make(QUrl(fullUrl + QLatin1String("/xhr_send")),
                                                 QStringLiteral("application/json; charset=UTF-8"));
-    request.setRawHeader("Connection", keepAlive ? "keep-alive" : "close");
+    request.setRawHeader("Connection", "keep-alive");
     request.setTransferTimeout(postLimit);
     posting = true;
     // Nobody reads the response. One without end stops here, and postLimit ends it.

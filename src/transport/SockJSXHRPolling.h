@@ -25,15 +25,15 @@ public:
     /// Ends and joins the worker thread, within a moment; emits nothing. Posts that are not out yet are lost.
     ~SockJSXHRPolling() override;
 
-    /// Connects to \p host and \p port (with TLS when \p secure, the certificate verified) through the
+    /// Connects to \p server and \p port (with TLS when \p secure, the certificate verified) through the
     /// system's proxy, and asks for the first frames of the session at \p path, with "/xhr_streaming" or
     /// "/xhr".
     ///
     /// Blocks for up to the connect limit, without events unless setAsynchronousConnect() was called. False
-    /// when it is started already, when the connection cannot be made, or when \p host holds a blank, or
-    /// either of \p host and \p path a control character; what else a path cannot hold as it is, a blank too,
-    /// is sent percent-encoded. Emits nothing before it returns.
-    bool start(QString host, int port, bool secure, QString path, bool streaming);
+    /// when it is started already, when the connection cannot be made, or when \p server holds a blank, or
+    /// either of \p server and \p path a control character; what else a path cannot hold as it is, a blank
+    /// too, is sent percent-encoded. Emits nothing before it returns.
+    bool start(QString server, int port, bool secure, QString path, bool streaming);
 
     /// Milliseconds that start() may block: 30 seconds unless told otherwise.
     void setConnectLimit(int msecs);
@@ -47,9 +47,9 @@ public:
     /// while the host's name is looked up; it then returns false.
     void setAsynchronousConnect(bool asynchronous);
 
-    /// Whether what is lost ends the transport as the server's end of the session does: a post that fails, or
-    /// is not answered, after which nothing goes out, and an answer on whose connection something had come,
-    /// or could have for a second. Off unless told otherwise.
+    /// Whether what is lost ends the transport as the server's end of the session does: a post that fails or
+    /// is not answered, after which nothing goes out; and a response whose connection is lost when a part of
+    /// it had come, or could have for a second. Off unless told otherwise.
     void setEndsWithLostRequest(bool ends);
 
     /// Asks for the next frames. Does nothing while such a request is waiting or in flight.

@@ -107,10 +107,10 @@ public:
     QDeadlineTimer resync{QDeadlineTimer::Forever}; // when to give up on a response that was cut by a stall
 };
 
-SockJSXHRPollingWorker::SockJSXHRPollingWorker(QObject* parent, QTcpSocket* socket, QString host, int port,
+SockJSXHRPollingWorker::SockJSXHRPollingWorker(QObject* parent, QTcpSocket* socket, QString server, int port,
                                                bool ssl, bool keepAlive)
     : QObject(parent)
-    , d(std::make_unique<Private>(this, new RawConnection(this, socket, host, port, ssl), keepAlive))
+    , d(std::make_unique<Private>(this, new RawConnection(this, socket, server, port, ssl), keepAlive))
 {
     qRegisterMetaType<QStringMap>("QStringMap");
 }
@@ -231,7 +231,7 @@ void SockJSXHRPollingWorker::Private::serve()
         checkTimeLimits();
 }
 
-// What is left over from the last response is not half received; a response to no request is.
+// Bytes left over from the last response do not hold a request back; a response to no request does.
 bool SockJSXHRPollingWorker::Private::mayTransmit() const
 {
     return waiting > 0 && !isInFlight() && hold.hasExpired() && parser.isBetweenResponses();

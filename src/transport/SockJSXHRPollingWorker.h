@@ -24,9 +24,9 @@ class CALYXCLIENT_EXPORT SockJSXHRPollingWorker : public QObject
     Q_OBJECT
 
 public:
-    /// \p socket (a QSslSocket when \p ssl) stays the caller's and must outlive process(). \p host and \p
+    /// \p socket (a QSslSocket when \p ssl) stays the caller's and must outlive process(). \p server and \p
     /// port are where it is connected to, at first and again whenever the connection is lost.
-    SockJSXHRPollingWorker(QObject* parent, QTcpSocket* socket, QString host, int port, bool ssl,
+    SockJSXHRPollingWorker(QObject* parent, QTcpSocket* socket, QString server, int port, bool ssl,
                            bool keepAlive);
     /// Frees no request.
     ~SockJSXHRPollingWorker() override;

@@ -132,6 +132,6 @@ void WebSocketTransport::releaseSocket()
     if (m_socket)
         releaseWebSocket(m_socket);
     m_socket = nullptr;
-    // What the socket has told and nobody has heard.
+    // Drops what the socket has told and nobody has heard yet.
     QCoreApplication::removePostedEvents(this, QEvent::MetaCall);
 }

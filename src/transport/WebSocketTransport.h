@@ -57,7 +57,7 @@ private:
     InnerLoop* m_wait = nullptr; // while start() waits
     bool m_interrupted = false;
     bool m_up = false;
-    bool m_endHeld = false; // until start() has returned
+    bool m_endHeld = false; // the end has come, and is told once start() has returned
     bool m_answersPings = false;
     QTimer m_pings{this};
     QTimer m_silence{this}; // since a ping
