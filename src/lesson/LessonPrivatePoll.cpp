@@ -3,7 +3,6 @@
 #include "collab/PresenterCollab.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace Calyx {
 
@@ -54,7 +53,7 @@ QVariantMap outcomeOf(const Poll& poll, PollAnswer::Mark mark)
 
 } // namespace
 
-// Else it has been told why not.
+// Where it is false, failed() has told why.
 bool LessonPrivate::mayAsk(const QVector<Question>& questions, const QString& fault)
 {
     if (!fault.isEmpty())
@@ -67,7 +66,7 @@ bool LessonPrivate::mayAsk(const QVector<Question>& questions, const QString& fa
     return false;
 }
 
-// A slot that hears of it can ask for the next: all is done before the first is called.
+// A slot that hears of the poll may ask for the next one: all is done before the first slot is called.
 Poll* LessonPrivate::addPoll(const Question& question)
 {
     const QPointer<Poll> before = content.poll;
@@ -118,7 +117,8 @@ void LessonPrivate::stopPoll(int seconds)
         Q_EMIT q->pollChanged();
 }
 
-// Three texts at the most, however large the class is.
+// There are three texts at the most, however large the class is: for those whose answer is right, for those
+// whose answer is not, and for those who have not answered.
 void LessonPrivate::showResults(const Poll& of)
 {
     QMap<PollAnswer::Mark, QStringList> devices;
@@ -140,7 +140,7 @@ void LessonPrivate::showResults(const Poll& of)
 void LessonPrivate::setPaused(bool paused)
 {
     const bool isPoll = content.isAsked();
-    if (!isPoll && (!content.isAssessed()))
+    if (!isPoll && !content.isAssessed())
         return;
     const QString id = isPoll ? content.poll->id() : content.assessment->token();
     if ((isPoll ? content.poll->isPaused() : content.assessment->isPaused()) == paused)

@@ -84,7 +84,7 @@ Announcer::Announcer(Lesson& lesson, const Notebook& notes, Screen& screen)
         else if (!m_lesson.joinCode().isEmpty())
             tell(Words::tr("  The remote control has left"));
     });
-    lesson.setObeys(Lesson::EndLesson, false); // what else waits is not done, then
+    lesson.setObeys(Lesson::EndLesson, false); // by the console, which drops the commands that wait
 }
 
 Announcer::~Announcer()
@@ -144,7 +144,7 @@ void Announcer::tellState()
     m_isLost = isLost;
 }
 
-// Where nothing stands in place, a line of its own.
+// Where the screen has no live block, which tells it otherwise, a line of its own.
 void Announcer::tellAttempt()
 {
     const int seconds = m_lesson.secondsToAttempt();

@@ -23,7 +23,7 @@ bool takeNumber(Arguments& arguments, int& number)
     return true;
 }
 
-// Its places: the name, what is meant instead, and what there is.
+// \p sentence has places for the name, for what may be meant instead, and for all that there is.
 Outcome unknown(const QString& sentence, const QString& name, const QStringList& known)
 {
     return Outcome::failed(
@@ -124,12 +124,11 @@ Outcome ArgumentReader::takeWithin(Arguments& arguments, qint64& msecs)
 
 bool ArgumentReader::readSeconds(const QString& text, qint64& msecs)
 {
-    constexpr double second = 1000;
     bool isNumber = false;
     const double seconds = text.toDouble(&isNumber);
-    if (!isNumber || !(seconds >= 0) || seconds * second > std::numeric_limits<int>::max())
+    if (!isNumber || !(seconds >= 0) || seconds * Text::msecsPerSecond > std::numeric_limits<int>::max())
         return false;
-    msecs = std::llround(seconds * second);
+    msecs = std::llround(seconds * Text::msecsPerSecond);
     return true;
 }
 

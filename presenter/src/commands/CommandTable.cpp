@@ -8,7 +8,6 @@
 #include "text/Text.h"
 #include "text/Words.h"
 
-#include <algorithm>
 #include <iterator>
 
 namespace {

@@ -1,7 +1,6 @@
 #include "commands/CommandTable.h"
 #include "lesson/PollKinds.h"
 #include "text/LineSyntax.h"
-#include "text/Words.h"
 
 #include <CalyxClient/SockJSConnector>
 

@@ -32,7 +32,7 @@ Goal learnersGoal(const Lesson& lesson, const QString& amount)
     return {have, want, [=] { return Words::tr("%1 of %2 learners are here").arg(have()).arg(want()); }};
 }
 
-// Their places: how far it is, and who is missing.
+// \p sentence has places for how far it is, and for who is missing.
 QString withMissing(const QString& state, const QString& sentence, const QStringList& missing)
 {
     return missing.isEmpty() ? state : sentence.arg(state, Text::list(missing, mostNames));
@@ -86,8 +86,7 @@ Outcome checkWait(const QString&, const Arguments& given)
 
 Outcome wait(CommandContext& context, Arguments arguments, const Goal& goal)
 {
-    constexpr int second = 1000;
-    qint64 limit = std::llround(context.waitLimit * second);
+    qint64 limit = std::llround(context.waitLimit * Text::msecsPerSecond);
     ArgumentReader::takeWithin(arguments, limit);
     const auto isReached = [&] { return goal.have() >= goal.want(); };
     const auto isLost = [&] { return !(context.facts() & Fact::Channel); };

@@ -37,7 +37,6 @@ Outcome checkSet(const QString&, const Arguments& arguments)
 
 Outcome set(CommandContext& context, const Arguments& arguments)
 {
-    constexpr double second = 1000;
     const QStringList values = arguments.mid(1);
     qint64 msecs = 0;
     ArgumentReader::readSeconds(values.first(), msecs);
@@ -46,7 +45,7 @@ Outcome set(CommandContext& context, const Arguments& arguments)
     } else if (arguments.first() == QLatin1String("open-limit")) {
         context.lesson.setOpenLimit(static_cast<int>(msecs));
     } else {
-        context.waitLimit = static_cast<double>(msecs) / second;
+        context.waitLimit = static_cast<double>(msecs) / Text::msecsPerSecond;
     }
     context.screen.note(
         Words::tr("\"%1\" is %2 now.").arg(arguments.first(), values.join(QStringLiteral(", "))));

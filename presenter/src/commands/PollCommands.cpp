@@ -74,13 +74,12 @@ Outcome poll(CommandContext& context, const Arguments& given)
 // "within SECONDS": the devices count them down.
 Outcome pollStop(CommandContext& context, const Arguments& given)
 {
-    constexpr int second = 1000;
     Arguments arguments = given;
     qint64 msecs = 0;
     if (const Outcome read = ArgumentReader::takeWithin(arguments, msecs); !read.isDone())
         return read;
     const QPointer<const Calyx::Poll> poll = context.lesson.poll();
-    context.lesson.stop(static_cast<int>((msecs + second - 1) / second));
+    context.lesson.stop(static_cast<int>((msecs + Text::msecsPerSecond - 1) / Text::msecsPerSecond));
     const auto isOver = [poll] { return !poll || !poll->isRunning(); };
     if (context.waiter.until(isOver, CommandContext::unlimited,
                              [] { return Words::tr("the end of the poll"); }) != Waiter::Met)

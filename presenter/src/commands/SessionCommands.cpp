@@ -132,7 +132,6 @@ void dropChannel(CommandContext& context)
 
 Outcome sessionReconnect(CommandContext& context, const Arguments& arguments)
 {
-    constexpr int second = 1000;
     Lesson& lesson = context.lesson;
     if (!arguments.isEmpty())
         lesson.setTransports(arguments);
@@ -143,7 +142,7 @@ Outcome sessionReconnect(CommandContext& context, const Arguments& arguments)
     lesson.setReconnects(true);
     context.notes.isDisconnected = false;
     const Waiter::Result result = context.waiter.until([&] { return lesson.state() != Lesson::Reconnecting; },
-                                                       qRound64(context.waitLimit * second),
+                                                       qRound64(context.waitLimit * Text::msecsPerSecond),
                                                        [] { return Words::tr("the live channel"); });
     if (lesson.state() == Lesson::Live)
         context.screen.note(Words::tr("The live channel is open again."));

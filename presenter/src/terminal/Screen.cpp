@@ -4,7 +4,6 @@
 
 #include <QThread>
 
-#include <clocale>
 #include <cstring>
 #include <langinfo.h>
 #include <sys/ioctl.h>

@@ -36,7 +36,6 @@ public:
     bool isLive() const { return m_live; }
     /// For input that is echoed by the terminal itself: it would be in the way of the live block.
     void disableLive() { m_live = false; }
-    bool isQuiet() const { return m_quiet; }
 
     /// Tells of progress; says nothing with --quiet.
     void note(const QString& text, Ink ink = Ink::Plain);
