@@ -1,6 +1,7 @@
 /* The encoder empties its match finder's hash, half a megabyte, before each stream: for a short text that is nearly all
- * of its time, and 64 bytes are compressed 11 times as fast without it. Here the next stream can start behind all positions of the one before instead, further than the window
- * reaches, so that what is still in the hash counts as empty. The streams are the same.
+ * of its time, and 64 bytes are compressed 11 times as fast without it. Here the next stream can start behind all
+ * positions of the one before instead, further than the window reaches, so that what is still in the hash counts as
+ * empty. The streams are the same.
  *
  * LzFind.c is compiled with MatchFinder_CreateVTable renamed, so that the encoder gets this one. */
 

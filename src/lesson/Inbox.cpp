@@ -30,7 +30,8 @@ Inbox::~Inbox()
     m_slot->m_inbox = nullptr;
 }
 
-// After a turn without tasks the next one has to be told.
+// After a turn that has found no task at all nobody looks any more: the next task has to tell that it is
+// there.
 bool Inbox::takeTask(Task* task, bool isFirst)
 {
     const std::lock_guard<std::mutex> lock(m_slot->m_mutex);
@@ -44,11 +45,12 @@ bool Inbox::takeTask(Task* task, bool isFirst)
 
 void Inbox::turn()
 {
-    constexpr int longestTurn = 2;    // ms
-    constexpr int pace = 4;           // ms; a host that is woken for each of many spends most on waking
+    constexpr int longestTurn = 2; // ms
+    // A host that is woken for each of many tasks spends most of its time on waking up.
+    constexpr int pace = 4;           // ms
     const QPointer<Inbox> self(this); // a task may call slots of the host's
-    // By a timer: what is posted now would belong to this turn of the loop. From now on: a slot may run a
-    // loop of its own.
+    // The next turn is a timer's, as what is posted now would be carried out in this turn of the event loop.
+    // The timer runs before the tasks do, as their slots may run event loops of their own.
     m_next.start(0);
     QElapsedTimer clock;
     clock.start();

@@ -269,7 +269,7 @@ void Lesson::end()
     if (d->isOpen())
         d->beginEnd(false);
     else if (std::exchange(d->wantsLive, false))
-        d->finishSession(); // what was asked for it, too
+        d->finishSession(); // with what was asked for it
     else
         d->refuse(noLesson);
 }
@@ -511,7 +511,7 @@ void Lesson::remove(const QString& deviceId)
 {
     d->send([address = LessonText::escaped(deviceId)](PresenterCollab* collab) {
         collab->removeLearner(address);
-    }); // which is heard as leaving
+    }); // and is heard to leave
 }
 
 QString Lesson::commandName(RemoteCommand command)

@@ -46,7 +46,7 @@ void LessonContent::removeStoppedPolls()
     }
 }
 
-// Views may be in the middle of the models.
+// The models go later: this may run inside one of their signals.
 bool LessonContent::clear()
 {
     const bool wasSomething = !polls.isEmpty() || !assessments.isEmpty();

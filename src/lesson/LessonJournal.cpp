@@ -36,7 +36,7 @@ QDateTime time(const QJsonObject& event, const char* key = "at")
     return value.isDouble() ? QDateTime::fromMSecsSinceEpoch(qint64(value.toDouble())) : QDateTime();
 }
 
-// One that the host has ended is nobody's to take up.
+// The session that the events are about. Empty where the host has ended it: nobody is to take it up.
 QJsonObject sessionOf(const QVector<QJsonObject>& events)
 {
     QJsonObject session;
@@ -230,7 +230,7 @@ QVariantMap LessonJournal::describe(const Events& events)
 
 LessonJournal::TakenUp LessonJournal::takeUp(const QString& fileName, const Events& events)
 {
-    const QPointer<LessonJournal> self(this); // models tell their views
+    const QPointer<LessonJournal> self(this); // the models tell their views, which may end the lesson
     const QJsonObject session = sessionOf(events);
     TakenUp found{{text(session, "code"), text(session, "token")}, {}};
     close();

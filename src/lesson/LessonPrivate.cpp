@@ -39,11 +39,11 @@ LessonPrivate::LessonPrivate(Lesson* lesson)
         fail(LessonError::make(LessonError::BadInput, name,
                                Lesson::tr("The journal %1 cannot be written.").arg(name)));
     };
-    // Once whoever has something written is through with what he does.
+    // Queued, so that nobody who has something written hears of it before he is through with what he does.
     QObject::connect(&journal, &LessonJournal::failed, q, tellFailed, Qt::QueuedConnection);
 }
 
-// What is bound to one signal hears of everything.
+// Lesson::changed() comes with each of the others, for a host that shows all anew.
 void LessonPrivate::tellChanges()
 {
     for (const auto change : {&Lesson::stateChanged, &Lesson::nextAttemptChanged})
@@ -57,7 +57,7 @@ void LessonPrivate::tellChanges()
     QObject::connect(deck, &Deck::changed, q, &Lesson::changed);
 }
 
-// The thread comes to its end by itself: it can be in a call that cannot be interrupted.
+// A thread that is in a call that cannot be interrupted is left: it comes to its end by itself.
 LessonPrivate::~LessonPrivate()
 {
     if (!thread->isRunning()) {
@@ -65,7 +65,7 @@ LessonPrivate::~LessonPrivate()
         delete thread;
         return;
     }
-    journal.noteEnd(); // it is said goodbye to
+    journal.noteEnd(); // the session is told goodbye, and is nobody's to take up
     worker->tell([](LessonWorker* at) { at->shutDown(goodbyeLimit); });
     QObject::connect(thread, &QThread::finished, thread, &QObject::deleteLater);
     if (thread->wait(endLimit))

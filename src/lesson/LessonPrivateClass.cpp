@@ -15,7 +15,8 @@ void LessonPrivate::send(const std::function<void(PresenterCollab*)>& work)
         confirmation.start(0); // once for all that are sent together
 }
 
-// What is sent into a line that is dead already is lost without a word.
+// Keeps what the class should see by now until the bus confirms that it has got it: what is sent on a dead
+// connection is lost without a sign.
 void LessonPrivate::confirm()
 {
     constexpr int most = 100;
@@ -42,7 +43,8 @@ void LessonPrivate::bring(const QStringList& devices)
     }
 }
 
-// What somebody has answered or gone on with was there, whether the bus has confirmed it or not.
+// A poll that somebody has answered has arrived, whether the bus has confirmed it or not, and so has an
+// assessment of which somebody has asked for a question.
 void LessonPrivate::takeForShown(const Wanted& now)
 {
     if (!now.pollId.isEmpty() && now.pollId != shown.pollId && content.poll->answered() > 0) {

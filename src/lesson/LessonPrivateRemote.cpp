@@ -59,7 +59,7 @@ QString Lesson::nameOf(RemoteCommand command)
     return remoteCommands().key(command);
 }
 
-// Its answer to what changes nothing is where the lesson stands.
+// A command that changes nothing is answered with where the lesson stands.
 bool LessonPrivate::obey(Lesson::RemoteCommand command, const QVariant& data)
 {
     const bool isSomething = content.isAsked() || content.isAssessed();

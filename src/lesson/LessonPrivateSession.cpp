@@ -83,7 +83,7 @@ void LessonPrivate::onLoggedIn(int ticketOfLogin, const LessonError& error, cons
 
 // Session.
 
-// Also where a slot that heard of the end of the one before has asked for it.
+// Starts the session that was asked for while nobody was logged in yet, or while the one before was ending.
 void LessonPrivate::startIfWanted()
 {
     if (state == Lesson::LoggedIn && wantsLive)
@@ -130,7 +130,7 @@ bool LessonPrivate::takeUp(const QString& fileName)
     return tellTakenUp();
 }
 
-// What is there again.
+// Tells of all that has come back from the journal.
 bool LessonPrivate::tellTakenUp()
 {
     const QPointer<Lesson> self(q);
@@ -163,7 +163,7 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
     tellRemote();
 }
 
-// False where a slot has put an end to it.
+// Brings the roster to the service's list. False where a slot has ended the lesson, or what it was doing.
 bool LessonPrivate::meet(const Opening& opening, QStringList* newcomers)
 {
     const QPointer<Lesson> self(q);
@@ -251,7 +251,8 @@ void LessonPrivate::tryAgain()
     Q_EMIT q->nextAttemptChanged();
 }
 
-// Timers stand still while a computer sleeps; the time of day does not, but can be set.
+// A timer stands still while a computer sleeps. The time of day does not, but people can set it: whichever
+// comes first counts.
 void LessonPrivate::waitForAttempt()
 {
     const int left = int(retryAt.remainingTime());

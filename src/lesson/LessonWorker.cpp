@@ -36,7 +36,8 @@ LessonWorker::LessonWorker(std::shared_ptr<Inbox::Slot> inbox, LessonListener* l
     });
     m_joining.setSingleShot(true);
     connect(&m_joining, &QTimer::timeout, this, &LessonWorker::reportMissed);
-    // An operation of the client makes several requests, and does not know that it is not wanted any more.
+    // An operation of the client makes several requests, and does not know that it is not wanted any more:
+    // each of them is aborted.
     connect(&m_abort, &QTimer::timeout, this, &LessonWorker::abort);
 }
 
@@ -161,7 +162,8 @@ void LessonWorker::logIn(int ticket, const Login& login)
     });
 }
 
-// One that nobody has logged in with stays: it may know a password that stands before the service.
+// A client with which nobody has logged in yet stays: the host may have told it a password for HTTP
+// authentication.
 void LessonWorker::makeClient(const QString& server)
 {
     if (m_client && m_client->userId().isNull() && m_clientServer == server)
@@ -326,7 +328,8 @@ LessonError LessonWorker::doReopen()
     return waitForChannel() ? LessonError() : error(LessonError::NoChannel);
 }
 
-// The service is asked first: whether it is there, who we are to it, and whether it knows the session.
+// Asks the service for the users of the session, and so whether it is there, who we are to it, and whether it
+// knows the session.
 LessonError LessonWorker::findSession()
 {
     QList<ServiceClient::User> users;
@@ -342,7 +345,7 @@ LessonError LessonWorker::findSession()
     return reply.isFine() ? LessonError() : error(m_client->kindOf(reply), reply.key);
 }
 
-// Where it cannot be, the session goes on without us.
+// A session that cannot be taken up is not stopped: it goes on without us.
 void LessonWorker::takeUp(int ticket, const OpenSession& session)
 {
     enqueue(true, [this, ticket, session] {
@@ -359,7 +362,7 @@ void LessonWorker::takeUp(int ticket, const OpenSession& session)
     });
 }
 
-// A session that was started starts again for its teacher, with the same token.
+// The service starts a session again for its teacher, with the same token.
 LessonError LessonWorker::doTakeUp(const OpenSession& session)
 {
     if (!m_client)

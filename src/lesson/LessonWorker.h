@@ -194,19 +194,19 @@ private:
     std::deque<Operation> m_queue;
     std::deque<std::function<void(PresenterCollab*)>> m_waiting; // for the channel
     QSet<QString> m_heard;                                       // learners who are known to be here
-    QList<Learner> m_missed;                                     // of the second list
+    QList<Learner> m_missed;                                     // on the second list of learners
     QSet<QString> m_left;                                        // since the service was asked for them
     bool m_isListEarly = false;                                  // the bus may not have known us yet
-    std::vector<Gone> m_gone;                                    // as the message says that is being read
-    QSet<QString> m_remotes;                                     // devices that the service knows as such
-    QSet<QString> m_others;                                      // devices that have commanded, and are none
+    std::vector<Gone> m_gone; // who is gone, as the message says that is being read
+    QSet<QString> m_remotes;  // devices that the service knows as such
+    QSet<QString> m_others;   // devices that have sent a command, and are none
     QTimer m_abort;
     QTimer m_watch;
     QElapsedTimer m_lastPulse; // when the far end was asked for a sign of life
-    QTimer m_echoLimit;        // until it has to be there
+    QTimer m_echoLimit;        // until the pulse has to be back
     QTimer m_joining;          // until those of m_missed have joined by themselves
-    qint64 m_lastLook = 0;     // at the time of day, in ms
-    bool m_echoes = false;     // the far end has given one
+    qint64 m_lastLook = 0;     // of watch(), by the time of day, in ms
+    bool m_echoes = false;     // the bus has brought a pulse back
     QElapsedTimer m_clock;     // since the operation has begun
     int m_ticket = 0;
     int m_steps = 0; // requests of the operation

@@ -24,7 +24,7 @@ constexpr int greetingLimit = 31000; // ms, where a transport has no limit
 constexpr int watchPace = 1000;
 constexpr int sleepLimit = 5000;
 constexpr int pulsePace = 8500;
-// The three together less than 15 s, in which a far end that is gone is noticed.
+// With watchPace and pulsePace less than 15 s, in which a far end that is gone is noticed.
 constexpr int echoLimit = 5000;
 constexpr int hastyEchoLimit = 2000;
 constexpr int joiningTime = 5000; // from the service's list to the device's own word on the bus
@@ -86,7 +86,7 @@ void LessonWorker::hearOthers(PresenterCollab* collab)
                 report([by](LessonListener* listener) { listener->onRemoteGone(by); });
             });
     });
-    // Called after those that the message has called.
+    // This slot runs after those that hear what the message says: it alone knows who has sent it.
     connect(collab->connector(), &SockJSConnector::sockJSMessage, this, [this](const QString& message) {
         if (!m_gone.empty())
             reportGone(senderOf(message));
@@ -107,7 +107,7 @@ void LessonWorker::onUnhandled(const QVariantMap& body, const QVariant& data)
         onPulse(body.value(QStringLiteral("serial")).toInt());
 }
 
-// The bus has brought it back.
+// The bus has brought our pulse back, and so has got everything that was sent before it.
 void LessonWorker::onPulse(int serial)
 {
     m_echoes = true;
@@ -170,7 +170,7 @@ void LessonWorker::reportOpened(int ticket, bool isReturn)
     }
 }
 
-// All but those who have left since the service was asked.
+// The service's list, without those who have left since it was asked for.
 bool LessonWorker::askLearners(QList<Learner>* learners)
 {
     QList<ServiceClient::User> users;
@@ -183,7 +183,8 @@ bool LessonWorker::askLearners(QList<Learner>* learners)
     return isFine;
 }
 
-// What registers us on the bus can take longer than the service's list: who joins in between is on neither.
+// The service may have made its list before the bus knew us: a device that joined in between is not on it,
+// and was not heard either. So the list is asked for again once the bus knows us.
 void LessonWorker::listAgain()
 {
     m_missed.clear();
@@ -191,7 +192,7 @@ void LessonWorker::listAgain()
         m_joining.start(joiningTime);
 }
 
-// But for those who were only about to join.
+// Those of the second list who have not joined by themselves meanwhile.
 void LessonWorker::reportMissed()
 {
     for (const Learner& learner : std::as_const(m_missed)) {
@@ -202,7 +203,7 @@ void LessonWorker::reportMissed()
     }
 }
 
-// The one that worked comes first: one that a filter swallows would take its time again.
+// The transport that worked comes first: one that a filter swallows would take its time again.
 QStringList LessonWorker::transportsForReturn() const
 {
     QStringList transports =
@@ -232,7 +233,8 @@ void LessonWorker::confirm(int serial)
     sendPulse(serial, echoLimit);
 }
 
-// A far end that is frozen, or has vanished, closes nothing. That it answers is known once it has.
+// A far end that is frozen or has vanished closes nothing: a message to ourselves has to come back in time.
+// That is asked only of a bus that has brought one back before.
 void LessonWorker::sendPulse(int serial, int limit)
 {
     if (!m_isOpen || !m_collab)
@@ -274,7 +276,8 @@ void LessonWorker::withChannel(const std::function<void(PresenterCollab*)>& work
         m_waiting.push_back(work);
 }
 
-// Every device can say that another is gone. Where no message has said it, the host has.
+// Every device can say that another is gone, so that its message is looked at first. Where no message has
+// said it, the host has.
 void LessonWorker::onGone(const Gone& gone)
 {
     m_gone.push_back(gone);

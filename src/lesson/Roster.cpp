@@ -94,7 +94,7 @@ bool Roster::join(const Learner& learner, const QDateTime& at)
     return self && isNew;
 }
 
-// False when it is here already.
+// Has the device join, unless it is here already: then false.
 bool Roster::see(const QString& deviceId)
 {
     const Member* const member = d->find(deviceId);

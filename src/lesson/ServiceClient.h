@@ -8,7 +8,7 @@
 
 namespace Calyx {
 
-/// The lesson's client: it can say what an answer was, and be interrupted.
+/// The lesson's client: it can say what kind of reply has come, and be interrupted.
 class ServiceClient : public PresenterClient
 {
 public:
@@ -33,7 +33,7 @@ public:
 
     explicit ServiceClient(const QString& server) : PresenterClient(nullptr, server) {}
 
-    /// Asks for \p path, once more where the answer is a redirect.
+    /// Asks for \p path, once more where the reply is a redirect.
     Reply ask(const QString& path, const QString& body);
     /// Whether it is the service that answers: LessonError::NoError, or why not.
     LessonError::Kind probe();

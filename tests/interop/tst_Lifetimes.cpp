@@ -8,6 +8,7 @@
 #include <CalyxClient/Lzma>
 #include <CalyxClient/PresenterClient>
 
+#include <QPointer>
 #include <QTimer>
 
 #include <functional>
