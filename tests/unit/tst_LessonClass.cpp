@@ -411,8 +411,8 @@ private Q_SLOTS:
             {"nothing", true, {}, sheets("0,,,,", "0,,,,"), {0, 0, 0}},
             {"right, wrong, unmarked",
              true,
-             {"D1 1 B", "D2 1 A", "D1 2 leaf"},
-             sheets("1,B,yes,leaf,", "0,A,no,,"),
+             {"D1 1 B", "D2 1 A", "D1 2 =leaf,\"1\""},
+             sheets("1,B,yes,\"'=leaf,\"\"1\"\"\",", "0,A,no,,"),
              {1, 2, 1}},
             {"another", true, {"D1 1 B", "D1 2 leaf", "D1 1 A"}, sheets("0,A,no,leaf,", "0,,,,"), {1, 1, 0}},
             {"a better one", true, {"D1 1 A", "D1 1 B"}, sheets("1,B,yes,,", "0,,,,"), {0, 1, 1}},
@@ -455,6 +455,15 @@ private Q_SLOTS:
                  QStringLiteral("Right=%1 of 1").arg(assessment->rightAnswers("D1")));
         QCOMPARE(title(Assessment::FirstQuestion) + '=' + cell(Assessment::FirstQuestion),
                  QStringLiteral("1=") + assessment->answer("D1", 1).text);
+        QStringList states;
+        connect(assessment, &Assessment::stateChanged, this, [&] {
+            states.append(assessment->isPaused() ? "held" : assessment->isRunning() ? "runs" : "over");
+        });
+        m_class->lesson->pause();
+        m_class->lesson->pause();
+        m_class->lesson->resume();
+        m_class->lesson->stopAssessment();
+        QCOMPARE(states, (QStringList{"held", "runs", "over"}));
         QCOMPARE((QList<int>{assessment->finished(), assessment->answeredBy(1), assessment->rightBy(1)}),
                  counts);
     }
@@ -492,7 +501,12 @@ private Q_SLOTS:
             {"previous at the first", "previousCard", Lesson::PreviousCard, false, hasCards, at(1)},
             {"show", "pushCurrentCard", Lesson::ShowCard, true, hasCards, none},
             {"show without", "pushCurrentCard", Lesson::ShowCard, false, none, none},
-            {"add", "addImageCard", Lesson::AddCard, true, none, at(1)},
+            {"add", "addImageCard", Lesson::AddCard, true, none,
+             [](Lesson& lesson) {
+                 QCOMPARE(lesson.deck()->current(), 1);
+                 QCOMPARE(lesson.deck()->url(1),
+                          QStringLiteral("https://school.example/b%27s.png"));
+             }},
         });
     }
     void obeysTheRemoteControl()
@@ -507,7 +521,7 @@ private Q_SLOTS:
                     wasObeyed = obeyed;
                 });
         m_class->expectRemote();
-        m_class->hear("R", type, {{"name", "card"}, {"url", "https://school.example/card.png"}});
+        m_class->hear("R", type, {{"name", "card"}, {"url", "https://school.example/b's.png"}});
         QVERIFY(waitFor([&] { return heard >= 0; }));
         QCOMPARE(heard, command);
         QCOMPARE(wasObeyed, isObeyed);
@@ -709,6 +723,7 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return m_class->service.abandoned() == 1; }));
         QCOMPARE(m_class->lesson->state(), Lesson::Live);
         QVERIFY(!m_class->lesson->poll() || !m_class->lesson->poll()->isRunning());
+        QVERIFY(joins(*m_class, "D3")); // the lesson goes on
         QVERIFY(m_class->end());
         QVERIFY(!isShown);
     }
