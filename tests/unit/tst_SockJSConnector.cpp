@@ -176,6 +176,7 @@ private Q_SLOTS:
              {}},
             {"upper case", "A[\"x\"]", {}},
             {"blank in front", " a[\"x\"]", {}},
+            {"no quote in front", "a[x\"]", {}},
             {"heartbeat", "h", {}},
             {"close frame", "c[3000,\"Go away!\"]", {}},
             {"open frame again", "o", {}},
