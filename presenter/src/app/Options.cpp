@@ -140,7 +140,7 @@ QString faultIn(const QCommandLineParser& parser, const Options& options, bool i
     }
     if (options.quiet && options.verbose)
         return Words::tr("--quiet and --verbose exclude each other.");
-    return QString();
+    return parser.errorText(); // empty where nothing is wrong
 }
 
 QStringList commaList(const QString& text)
@@ -158,7 +158,7 @@ Options Options::parse(const QStringList& arguments)
 {
     QCommandLineParser parser;
     parser.addOptions(optionTable());
-    const bool parsed = parser.parse(arguments);
+    parser.parse(arguments);
     const auto value = [&](const char* name) { return parser.value(QLatin1String(name)); };
     const auto isSet = [&](const char* name) { return parser.isSet(QLatin1String(name)); };
 
@@ -184,8 +184,6 @@ Options Options::parse(const QStringList& arguments)
         options.request = ShowVersion;
     } else {
         options.fault = faultIn(parser, options, isNumber);
-        if (options.fault.isEmpty() && !parsed)
-            options.fault = parser.errorText();
         if (!options.fault.isEmpty())
             options.request = WrongUsage;
     }

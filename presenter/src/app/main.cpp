@@ -141,6 +141,16 @@ std::unique_ptr<LineSource> makeInput(CommandContext& context, LiveView& view)
     return std::make_unique<PlainLines>();
 }
 
+void feedScript(Runner& runner, CommandContext& context, const QString& fileName,
+                const ScriptFile::Script& script)
+{
+    context.folder = QFileInfo(fileName).absolutePath();
+    context.notes.setName(context.notes.lessonId(), QFileInfo(fileName).completeBaseName());
+    for (const CommandLine& line : script.lines)
+        runner.add(line);
+    runner.finishInput();
+}
+
 // Feeds the runner from standard input. The source is to live as long as the runner.
 void feed(Runner& runner, LineSource& source, CommandContext& context)
 {
@@ -194,22 +204,28 @@ void removeJournals(const Notebook& notes)
         QFile::remove(before);
 }
 
+void setUp(Lesson& lesson, Notebook& notes, const Options& options)
+{
+    lesson.setOpenLimit(options.openLimit);
+    lesson.setTransports(options.transports);
+    notes.journal = journalOf(options);
+    lesson.setJournal(notes.journal);
+}
+
 int run(QCoreApplication& application, const Options& options, const ScriptFile::Script& script)
 {
     Screen screen(options.quiet);
     UnixSignals unixSignals; // until the lesson has said goodbye
     Waiter waiter;
     Lesson lesson(QUrl(options.server));
-    lesson.setOpenLimit(options.openLimit);
-    lesson.setTransports(options.transports);
     Notebook notes(lesson);
-    notes.journal = journalOf(options);
-    lesson.setJournal(notes.journal);
+    setUp(lesson, notes, options);
     CommandContext context{
         lesson, notes, screen, waiter, options.user, options.password, QDir::currentPath()};
-    QObject::connect(&lesson, &Lesson::failed, &waiter,
-                     [&](const Calyx::LessonError& error) { context.take(error); });
-    QObject::connect(&lesson, &Lesson::failed, &waiter, &Waiter::poke);
+    QObject::connect(&lesson, &Lesson::failed, &waiter, [&](const Calyx::LessonError& error) {
+        context.take(error);
+        waiter.poke();
+    });
     QObject::connect(&notes, &Notebook::changed, &waiter, &Waiter::poke);
 
     const bool hasScript = !options.script.isEmpty();
@@ -223,15 +239,10 @@ int run(QCoreApplication& application, const Options& options, const ScriptFile:
                      [&](int signal) { handle(signal, runner, screen, source.get()); });
     QObject::connect(&runner, &Runner::finished, &application, &QCoreApplication::exit, Qt::QueuedConnection);
 
-    if (hasScript) {
-        context.folder = QFileInfo(options.script).absolutePath();
-        notes.setName(notes.lessonId(), QFileInfo(options.script).completeBaseName());
-        for (const CommandLine& line : script.lines)
-            runner.add(line);
-        runner.finishInput();
-    } else {
+    if (hasScript)
+        feedScript(runner, context, options.script, script);
+    else
         feed(runner, *source, context);
-    }
     const int status = application.exec();
     if (options.journal.isEmpty() && !notes.journal.isEmpty())
         removeJournals(notes);

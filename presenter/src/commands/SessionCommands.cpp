@@ -173,15 +173,17 @@ Outcome sessionDisconnect(CommandContext& context, const Arguments&)
     return closed;
 }
 
+// What the service's client knows of a session.
+struct Wire
+{
+    QString user;
+    QString token;
+    QString collabServer;
+    QString transports;
+};
+
 Outcome sessionInfo(CommandContext& context, const Arguments&)
 {
-    struct Wire
-    {
-        QString user;
-        QString token;
-        QString collabServer;
-        QString transports;
-    };
     const auto wire = std::make_shared<Wire>();
     const Outcome asked =
         context.askService(Words::tr("The question"), QString(), [wire](PresenterClient* client) {
