@@ -344,7 +344,7 @@ void Lesson::clearPolls()
 {
     d->content.removeStoppedPolls();
     d->journal.notePollsCleared();
-    d->tell([this] { d->content.roster->tellAnswers(); }, [this] { Q_EMIT pollChanged(); });
+    d->whileThere([this] { d->content.roster->tellAnswers(); }, [this] { Q_EMIT pollChanged(); });
 }
 
 void Lesson::showResults(Poll* poll)
@@ -382,8 +382,8 @@ Assessment* Lesson::startAssessment(const AssessmentPlan& plan, const QStringLis
         start(QString());
     for (const QString& deviceId : devices)
         start(LessonMessages::addressOf(deviceId));
-    d->tell([&] { before ? before->stop() : void(); }, [&] { added ? added->flush() : void(); },
-            [this] { Q_EMIT assessmentChanged(); });
+    d->whileThere([&] { before ? before->stop() : void(); }, [&] { added ? added->flush() : void(); },
+                  [this] { Q_EMIT assessmentChanged(); });
     return added;
 }
 
@@ -400,8 +400,8 @@ void Lesson::admit(const QString& deviceId)
              token = d->content.assessment->token()](PresenterCollab* collab) {
         LessonMessages::sendAssessment(collab, LessonMessages::addressOf(deviceId), plan, token);
     });
-    d->tell([&] { d->content.assessment->enter(deviceId); }, [&] { d->journal.flush(); },
-            [&] { d->content.assessment ? d->content.assessment->flush() : void(); });
+    d->whileThere([&] { d->content.assessment->enter(deviceId); }, [&] { d->journal.flush(); },
+                  [&] { d->content.assessment ? d->content.assessment->flush() : void(); });
 }
 
 void Lesson::stopAssessment()

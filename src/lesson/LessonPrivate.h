@@ -33,7 +33,7 @@ struct LessonPrivate : public LessonListener
     /// Calls each of \p emits, which end in slots of the host's, while the lesson is there; whether it still
     /// is.
     template<typename... Emit>
-    bool tell(const Emit&... emits)
+    bool whileThere(const Emit&... emits)
     {
         const QPointer<Lesson> self(q);
         ((self ? emits() : void()), ...);

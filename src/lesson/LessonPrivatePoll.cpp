@@ -80,9 +80,9 @@ Poll* LessonPrivate::addPoll(const Question& question)
         if (added && added == content.poll && added->isRunning())
             sendPoll(question, png, url);
     });
-    tell([&] { before ? before->stop() : void(); }, [this] { content.roster->tellAnswers(); },
-         [this] { tellBusy(); }, [&] { wasLocked ? q->lockedChanged() : void(); },
-         [this] { Q_EMIT q->pollChanged(); });
+    whileThere([&] { before ? before->stop() : void(); }, [this] { content.roster->tellAnswers(); },
+               [this] { tellBusy(); }, [&] { wasLocked ? q->lockedChanged() : void(); },
+               [this] { Q_EMIT q->pollChanged(); });
     return added;
 }
 

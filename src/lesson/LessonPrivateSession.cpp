@@ -136,9 +136,9 @@ bool LessonPrivate::tellTakenUp()
     const QPointer<Lesson> self(q);
     for (int i = 0; self && i < content.polls.size(); ++i)
         content.polls.at(i)->flush();
-    return self && tell([this] { content.roster->flush(); }, [this] { content.roster->tellAnswers(); },
-                        [this] { Q_EMIT q->pollChanged(); }, [this] { Q_EMIT q->assessmentChanged(); },
-                        [this] { Q_EMIT q->lockedChanged(); });
+    return self && whileThere([this] { content.roster->flush(); }, [this] { content.roster->tellAnswers(); },
+                              [this] { Q_EMIT q->pollChanged(); }, [this] { Q_EMIT q->assessmentChanged(); },
+                              [this] { Q_EMIT q->lockedChanged(); });
 }
 
 void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
@@ -357,8 +357,8 @@ bool LessonPrivate::finishSession()
     sent.clear();
     isFinishing = true;
     const QStringList present = content.roster->present();
-    tell([this, at] { content.poll ? content.poll->stop(at) : void(); },
-         [this, at] { content.assessment ? content.assessment->stop(at) : void(); });
+    whileThere([this, at] { content.poll ? content.poll->stop(at) : void(); },
+               [this, at] { content.assessment ? content.assessment->stop(at) : void(); });
     for (const QString& deviceId : present) {
         if (self && content.roster->leave(deviceId, at))
             Q_EMIT content.roster->left(deviceId);
@@ -369,8 +369,8 @@ bool LessonPrivate::finishSession()
     if (!wantsLive) // else a slot has begun the next session's
         journal.close();
     const bool wasLocked = std::exchange(content.isLocked, false);
-    if (tell([this, wasLocked] { wasLocked ? q->lockedChanged() : void(); },
-             [this] { content.roster->flush(); }, [this] { onRemoteGone({}); }))
+    if (whileThere([this, wasLocked] { wasLocked ? q->lockedChanged() : void(); },
+                   [this] { content.roster->flush(); }, [this] { onRemoteGone({}); }))
         isFinishing = false;
     return self && ticket == ticketBefore;
 }
@@ -380,9 +380,9 @@ void LessonPrivate::clearSession()
     const bool wasSomething = content.clear();
     answeredPolls.clear();
     uploaded.clear();
-    tell([this] { content.roster->clear(); }, [this] { content.roster->flush(); },
-         [=] { wasSomething ? q->pollChanged() : void(); },
-         [=] { wasSomething ? q->assessmentChanged() : void(); });
+    whileThere([this] { content.roster->clear(); }, [this] { content.roster->flush(); },
+               [=] { wasSomething ? q->pollChanged() : void(); },
+               [=] { wasSomething ? q->assessmentChanged() : void(); });
 }
 
 void LessonPrivate::onProgress(int ticketOfOperation, double next)

@@ -594,7 +594,7 @@ void SockJSConnectorPrivate::onClosed()
 {
     qCDebug(diagnostics) << "[SockJSConnector] Websocket CLOSED";
     endPending = false;
-    const bool falls = !sessionOpen && attempt && qobject_cast<WebSocketTransport*>(transport);
+    const bool falls = !sessionOpen && attempt && transport && protocol == SockJSConnector::WEBSOCKET;
     dropTransport();
     if (falls && fallBack())
         return;
