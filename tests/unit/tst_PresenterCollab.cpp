@@ -8,6 +8,7 @@
 #include "support/WallClock.h"
 #include "transport/SockJSConnector.h"
 
+#include <QRegularExpression>
 #include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTest>
@@ -28,11 +29,6 @@ QString unquoted(QString line)
 {
     return line.replace(QLatin1String("\\\""), QLatin1String("\""))
         .replace(QLatin1String("\\n"), QLatin1String("\n"));
-}
-
-QString registerMessage(const QString& address)
-{
-    return QStringLiteral("{\"type\":\"register\",\"address\":\"") + address + QStringLiteral("\"}");
 }
 
 } // namespace
@@ -76,30 +72,15 @@ private Q_SLOTS:
                               "protected slot onClosed(bool)", "protected slot onPingTimer()"}));
     }
 
-    void openLogsTheServer()
-    {
-        server().stopListening();
-
-        collab()->open();
-        const auto byDefault = log().debug("Connecting to collaboration server (default):");
-        QCOMPARE(byDefault.size(), 1);
-        QVERIFY(byDefault.first().contains(collab()->serverUrl()));
-
-        collab()->open({"websocket", "nothing"});
-        const auto named = log().debug("Connecting to collaboration server:");
-        QCOMPARE(named.size(), 1);
-        const auto text = named.first();
-        QVERIFY2(text.indexOf(collab()->serverUrl()) < text.indexOf(QLatin1String(" [")), qPrintable(text));
-        QVERIFY2(text.contains(QLatin1String("websocket, nothing")), qPrintable(text));
-        QVERIFY2(text.contains(QLatin1Char(']')), qPrintable(text));
-    }
-
     void openUsesTheDefaultTransports()
     {
         server().setUpgrade(Server::Refuse403);
 
         collab()->open();
 
+        const auto logged = log().debug("Connecting to collaboration server (default):");
+        QCOMPARE(logged.size(), 1);
+        QVERIFY(logged.first().contains(collab()->serverUrl()));
         // The second comes up, and registers at once.
         QTRY_VERIFY(server().requests().size() >= 5);
         QVERIFY(server().paths().at(0).endsWith(QLatin1String("/websocket")));
@@ -113,17 +94,13 @@ private Q_SLOTS:
 
         collab()->open({"carrier-pigeon", "xhr-polling"});
 
+        const auto logged = log().debug("Connecting to collaboration server:");
+        QCOMPARE(logged.size(), 1);
+        const auto text = logged.first();
+        QVERIFY2(text.indexOf(collab()->serverUrl()) < text.indexOf(QLatin1String(" [")), qPrintable(text));
+        QVERIFY2(text.contains(QRegularExpression("carrier-pigeon, xhr-polling.*]")), qPrintable(text));
         QTRY_VERIFY(!server().requests().isEmpty());
         QVERIFY(server().paths().first().endsWith(QLatin1String("/xhr")));
-    }
-
-    void registersItsThreeAddressesInOrder()
-    {
-        collab()->open({"websocket"});
-
-        for (const char* address : {"abc", "abc.presenter", "abc.presenter.teacher-7"})
-            QCOMPARE(server().nextMessage(), registerMessage(QLatin1String(address)));
-        QVERIFY(m_session->nothingWasSent());
     }
 
     void registersNothingBeforeTheChannelIsUp()
@@ -139,6 +116,7 @@ private Q_SLOTS:
         QVERIFY(m_session->readRegisters());
         QVERIFY(collab()->isConnected());
         QVERIFY(pingTimer()->isActive());
+        QVERIFY(m_session->nothingWasSent());
     }
 
     void pingsEveryMinuteOnceConnected()
@@ -212,6 +190,7 @@ private Q_SLOTS:
         m_session->receive({{"action", "unregister"}, {"client", client("controller")}});
         m_session->receive("nextCard", "d3", {{"card", 4}});
         m_session->receive("somethingNew", "d4", {{"a", 1}});
+        m_session->receive("questionGet", "d5", {{"questionNumber", 3}}); // which is not relayed
         QVERIFY(m_session->syncInbound());
 
         QCOMPARE(answers, QList<QVariantList>({{"d1", "p1", 2500, "x"}}));
@@ -228,20 +207,6 @@ private Q_SLOTS:
         QCOMPARE(others.size(), 1);
         QCOMPARE(others.first().at(0).toMap().value("from").toString(), QStringLiteral("d4"));
         QCOMPARE(others.first().at(1), QVariant(QVariantMap{{"a", 1}}));
-    }
-
-    void doesNotRelayQuestionRequests()
-    {
-        QVERIFY(m_session->open());
-        QSignalSpy others(collab(), &PresenterCollab::unhandledMessage);
-        QSignalSpy requests(collab()->messageHandler(), &CollaborationMessageHandler::learnerGetQuestion);
-
-        m_session->receive("questionGet", "d1", {{"questionNumber", 3}});
-        QTRY_COMPARE(requests.size(), 1);
-
-        QCOMPARE(requests.first(), QVariantList({"d1", 3}));
-        QCOMPARE(others.size(), 0);
-        QCOMPARE(PresenterCollab::staticMetaObject.indexOfSignal("learnerGetQuestion(QString,int)"), -1);
     }
 
     void compressedPublish_data()
@@ -352,22 +317,18 @@ private Q_SLOTS:
 
     void objectPublishWithoutDataIsLoggedAndSent()
     {
-        const auto invalid = QStringLiteral("[CalyxCollabMessage] data object in message is invalid!");
         QVERIFY(m_session->open());
-
-        CalyxCollabMessage empty;
-        collab()->publishMessage(".learner", &empty);
-        QCOMPARE(log().debug(invalid).size(), 1);
-        auto publish = m_session->nextPublish();
-        QVERIFY(publish.body.contains("data"));
-        QVERIFY(publish.body.value("data").isNull());
-
-        CalyxCollabMessage text;
-        text.setdata("as it stood");
-        collab()->publishMessage(".learner", &text);
-        QCOMPARE(log().debug(invalid).size(), 2);
-        publish = m_session->nextPublish();
-        QCOMPARE(publish.body.value("data").toString(), QStringLiteral("as it stood"));
+        CalyxCollabMessage message;
+        for (const QVariant& data : {QVariant(), QVariant("as it stood")}) {
+            message.setdata(data);
+            m_session->forgetLog();
+            collab()->publishMessage(".learner", &message);
+            QCOMPARE(log().debug("[CalyxCollabMessage] data object in message is invalid!").size(), 1);
+            const auto publish = m_session->nextPublish();
+            QVERIFY(publish.body.contains("data"));
+            QCOMPARE(publish.body.value("data").toString(), data.toString());
+            QCOMPARE(publish.body.value("data").isNull(), data.isNull());
+        }
     }
 
     void removeLearnerTellsTheDevice()
@@ -409,19 +370,6 @@ private Q_SLOTS:
         QVERIFY(m_session->open());
         QVERIFY(m_session->syncInbound());
         QCOMPARE(closed.size(), 1);
-    }
-
-    void closeOfASessionThatNeverConnected()
-    {
-        QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
-
-        collab()->close();
-
-        QCOMPARE(dropped(), 1);
-        QVERIFY(!pingTimer()->isActive());
-        QVERIFY(m_session->open());
-        QVERIFY(m_session->syncInbound());
-        QCOMPARE(closed.size(), 0);
     }
 
     void closeBeforeTheChannelIsUpClosesItOnceItIs()

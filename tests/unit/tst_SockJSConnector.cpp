@@ -110,28 +110,13 @@ private Q_SLOTS:
         QCOMPARE(m_server->nextFrame(), frame);
         QCOMPARE(m_server->nextFrame(), frame);
     }
-
-    void sendingAMapSendsItsIndentedJson_data()
-    {
-        rows<QVariantMap, QString>({
-            {"empty", {}, "[\n    \"{\\n}\\n\"\n]\n"},
-            {"keys in alphabetical order",
-             {{"b", "x"}, {"a", 1}, {"c", true}},
-             "[\n    \"{\\n    \\\"a\\\": 1,\\n    \\\"b\\\": \\\"x\\\",\\n    \\\"c\\\": "
-             "true\\n}\\n\"\n]\n"},
-            {"the end of a list loses a blank",
-             {{"list", QVariantList{1}}},
-             "[\n    \"{\\n    \\\"list\\\": [\\n        1\\n   ]\\n}\\n\"\n]\n"},
-        });
-    }
+    // The end of a list loses a blank.
     void sendingAMapSendsItsIndentedJson()
     {
-        const auto [map, frame] = row<QVariantMap, QString>();
         QVERIFY(openSession());
-
-        m_connector->sendMessage(map);
-
-        QCOMPARE(m_server->nextFrame(), frame);
+        m_connector->sendMessage(QVariantMap{{"b", "x"}, {"a", QVariantList{1}}});
+        QCOMPARE(m_server->nextFrame(), QStringLiteral("[\n    \"{\\n    \\\"a\\\": [\\n        1\\n   ],"
+                                                       "\\n    \\\"b\\\": \\\"x\\\"\\n}\\n\"\n]\n"));
     }
 
     void sendingWithoutATransportIsDropped()
