@@ -21,14 +21,44 @@ using Logins::SUBMIT;
 
 namespace {
 
-using Script = std::function<void(FakeService&)>;
+using Reply = QPair<QByteArray, Answer>;
 
 constexpr char USERS[] = "/tavisto/session/getusers";
+
+// A lesson at a service without a class, and the last of its errors.
+struct Visit
+{
+    Visit()
+    {
+        QObject::connect(&lesson, &Lesson::failed, [this](const LessonError& one) { error = one; });
+    }
+    void expectLogin(const Answer& answer = Answer::json(Logins::SUCCESS))
+    {
+        service.expect(PROBE, Answer::json(FINE));
+        service.expect(SUBMIT, answer);
+    }
+    bool reaches(Lesson::State state, int msecs = 20000)
+    {
+        return waitFor([&] { return lesson.state() == state; }, msecs);
+    }
+    bool logOut()
+    {
+        service.expect(Logins::LOGOUT, Answer::json(FINE));
+        lesson.logOut();
+        return reaches(Lesson::LoggedOut);
+    }
+
+    FakeService service;
+    Lesson lesson{QUrl(service.url())};
+    LessonError error;
+};
+
+using Script = std::function<void(Visit&)>;
 
 } // namespace
 
 Q_DECLARE_METATYPE(Script)
-Q_DECLARE_METATYPE(QList<Script>)
+Q_DECLARE_METATYPE(QList<Reply>)
 
 class tst_LessonStates : public QObject
 {
@@ -42,53 +72,42 @@ private Q_SLOTS:
             QTest::newRow(name) << script << int(kind);
         };
         const auto submit = [](const char* body, int status) {
-            return [=](FakeService& service) {
-                service.expect(PROBE, Answer::json(FINE));
-                service.expect(SUBMIT, Answer::json(body, status));
-            };
+            return [=](Visit& at) { at.expectLogin(Answer::json(body, status)); };
+        };
+        const auto probe = [](const Answer& answer) {
+            return [=](Visit& at) { at.service.expect(PROBE, answer); };
         };
         row("wrong password", LessonError::BadCredentials,
             submit(R"({"success":false,"errorMsgKeys":["login.error.badCredentials"]})", 403));
         row("refused", LessonError::Refused,
             submit(R"({"success":false,"errorMsgKeys":["login.error.locked"]})", 403));
-        row("gone", LessonError::Unreachable,
-            [](FakeService& service) { service.expect(PROBE, Answer::gone()); });
-        row("a page", LessonError::NotTheService,
-            [](FakeService& service) { service.expect(PROBE, Answer::json("<html>")); });
-        row("other JSON", LessonError::NotTheService,
-            [](FakeService& service) { service.expect(PROBE, Answer::json(R"({"portal":"login"})")); });
-        row("not found", LessonError::NotTheService,
-            [](FakeService& service) { service.expect(PROBE, Answer::json("<html>", 404)); });
-        row("a balancer without server", LessonError::NoAnswer,
-            [](FakeService& service) { service.expect(PROBE, Answer::json("<html>", 502)); });
-        row("a portal that redirects", LessonError::NotTheService, [](FakeService& service) {
-            service.expect(PROBE, Answer::redirect((service.url() + "/welcome").toLatin1()));
-            service.expect(PROBE, Answer::redirect((service.url() + "/welcome").toLatin1()));
+        row("gone", LessonError::Unreachable, probe(Answer::gone()));
+        row("a page", LessonError::NotTheService, probe(Answer::json("<html>")));
+        row("other JSON", LessonError::NotTheService, probe(Answer::json(R"({"portal":"login"})")));
+        row("not found", LessonError::NotTheService, probe(Answer::json("<html>", 404)));
+        row("a balancer without server", LessonError::NoAnswer, probe(Answer::json("<html>", 502)));
+        row("a portal that redirects", LessonError::NotTheService, [](Visit& at) {
+            for (int i = 0; i < 2; ++i)
+                at.service.expect(PROBE, Answer::redirect((at.service.url() + "/welcome").toLatin1()));
         });
         row("logged in", LessonError::NoError, submit(Logins::SUCCESS, 200));
     }
     void failedLogins()
     {
         const auto [script, kind] = row<Script, int>();
-        FakeService service;
-        script(service);
-        Lesson lesson(QUrl(service.url()));
-        LessonError error;
-        connect(&lesson, &Lesson::failed, this, [&](const LessonError& one) { error = one; });
-        logIn(lesson);
-        QCOMPARE(lesson.state(), Lesson::LoggingIn);
+        Visit at;
+        script(at);
+        logIn(at.lesson);
+        QCOMPARE(at.lesson.state(), Lesson::LoggingIn);
         if (kind != LessonError::NoError)
-            lesson.start();
-        QVERIFY(waitFor([&] { return lesson.state() != Lesson::LoggingIn; }));
-        QCOMPARE(int(error.kind), kind);
-        QCOMPARE(lesson.state(), kind == LessonError::NoError ? Lesson::LoggedIn : Lesson::LoggedOut);
-        QCOMPARE(error.text.isEmpty(), kind == LessonError::NoError);
-        QVERIFY(!error.text.contains(error.key) || error.key.isEmpty());
-        QVERIFY(!lesson.ask(Question::usual(PollType::TEXT))); // there is no lesson to come
-        service.expect(Logins::LOGOUT, Answer::json(FINE));
-        lesson.logOut();
-        QVERIFY(waitFor([&] { return lesson.state() == Lesson::LoggedOut; }));
-        service.expectNoMore();
+            at.lesson.start();
+        QVERIFY(at.reaches(kind == LessonError::NoError ? Lesson::LoggedIn : Lesson::LoggedOut));
+        QCOMPARE(int(at.error.kind), kind);
+        QCOMPARE(at.error.text.isEmpty(), kind == LessonError::NoError);
+        QVERIFY(!at.error.text.contains(at.error.key) || at.error.key.isEmpty());
+        QVERIFY(!at.lesson.ask(Question::usual(PollType::TEXT))); // there is no lesson to come
+        QVERIFY(at.logOut());
+        at.service.expectNoMore();
     }
 
     void anAddressNeedsNoScheme_data()
@@ -108,36 +127,28 @@ private Q_SLOTS:
     // What stands before the service wants a password of its own.
     void aLoginKeepsWhatTheAddressWants()
     {
-        FakeService service;
-        const Answer challenge =
-            Answer::json("<html>", 401).with("WWW-Authenticate", "Basic realm=\"classroom\"");
-        service.expect(PROBE, challenge);
-        service.expect(PROBE, Answer::json(FINE));
-        Lesson lesson(QUrl(service.url()));
-        lesson.onClient([](PresenterClient* client) {
+        Visit at;
+        at.service.expect(PROBE,
+                          Answer::json("<html>", 401).with("WWW-Authenticate", "Basic realm=\"classroom\""));
+        at.service.expect(PROBE, Answer::json(FINE));
+        at.lesson.onClient([](PresenterClient* client) {
             client->checkServer(QStringLiteral("door"), QStringLiteral("key"));
         });
-        service.expect(PROBE, Answer::json(FINE));
-        service.expect(SUBMIT, Answer::json(Logins::SUCCESS));
-        logIn(lesson);
-        QVERIFY(waitFor([&] { return lesson.state() != Lesson::LoggingIn; }));
-        QCOMPARE(lesson.state(), Lesson::LoggedIn);
-        QCOMPARE(service.last().header("authorization"), "Basic " + QByteArray("door:key").toBase64());
-        service.expect(Logins::LOGOUT, Answer::json(FINE));
-        lesson.logOut();
-        QVERIFY(waitFor([&] { return lesson.state() == Lesson::LoggedOut; }));
+        at.expectLogin();
+        logIn(at.lesson);
+        QVERIFY(at.reaches(Lesson::LoggedIn));
+        QCOMPARE(at.service.last().header("authorization"), "Basic " + QByteArray("door:key").toBase64());
+        QVERIFY(at.logOut());
     }
 
     void textsAreEscaped()
     {
-        FakeService service;
-        service.expect(PROBE, Answer::json(FINE));
-        service.expect(SUBMIT, Answer::json(Logins::REFUSED, 403));
-        Lesson lesson(QUrl(service.url()));
-        lesson.logIn(QStringLiteral("te\"ach\\er"), QStringLiteral("ch%1\"alk"));
-        QVERIFY(waitFor([&] { return lesson.state() == Lesson::LoggedOut; }));
+        Visit at;
+        at.expectLogin(Answer::json(Logins::REFUSED, 403));
+        at.lesson.logIn(QStringLiteral("te\"ach\\er"), QStringLiteral("ch%1\"alk"));
+        QVERIFY(at.reaches(Lesson::LoggedOut));
         const QByteArray expected = "\"userId\":\"te\\\"ach\\\\er\",\"password\":\"ch%1\\\"alk\"";
-        QVERIFY2(service.last().body.contains(expected), service.last().body.constData());
+        QVERIFY2(at.service.last().body.contains(expected), at.service.last().body.constData());
     }
 
     void whatCannotBeIsRefused_data()
@@ -189,18 +200,17 @@ private Q_SLOTS:
     void whatIsNotWantedAnyMoreIsOver()
     {
         const auto [work] = row<Work>();
-        FakeService service;
-        service.expect(PROBE, Answer::never());
-        Lesson lesson(QUrl(service.url()));
-        logIn(lesson);
-        lesson.start();
-        const Poll* const poll = lesson.ask(Question::usual(PollType::TEXT));
-        lesson.setLocked(true);
-        QVERIFY(waitFor([&] { return service.isUsedUp(); }));
-        service.expect(PROBE, Answer::never());
-        work(lesson);
-        QVERIFY(!poll->isRunning() && !lesson.isLocked());
-        service.expectNoMore();
+        Visit at;
+        at.service.expect(PROBE, Answer::never());
+        logIn(at.lesson);
+        at.lesson.start();
+        const Poll* const poll = at.lesson.ask(Question::usual(PollType::TEXT));
+        at.lesson.setLocked(true);
+        QVERIFY(waitFor([&] { return at.service.isUsedUp(); }));
+        at.service.expect(PROBE, Answer::never());
+        work(at.lesson);
+        QVERIFY(!poll->isRunning() && !at.lesson.isLocked());
+        at.service.expectNoMore();
     }
 
     void bringsBackWhatHasChanged_data()
@@ -341,36 +351,27 @@ private Q_SLOTS:
 
     void triesToComeBack_data()
     {
-        const auto refuses = [](const char* path, const QByteArray& text) {
-            return [=](FakeService& service) { service.expect(path, Answer::json(text, 403)); };
-        };
-        const auto agrees = [](const char* path, const QByteArray& text) {
-            return [=](FakeService& service) { service.expect(path, Answer::json(text)); };
-        };
-        const Script nobody = refuses(USERS, Logins::REFUSED);
-        const Script known = agrees(Logins::USER, R"({"data":{"userLoginId":"teacher"}})");
-        const Script unknown = agrees(Logins::USER, "{}");
-        const Script learners = agrees(USERS, R"({"success":true,"data":{"users":[]}})");
-        rows<QList<Script>, int, int>({
-            {"no server", {refuses(USERS, "<html>")}, LessonError::NotTheService, Lesson::Reconnecting},
-            {"no session",
-             {refuses(USERS, R"({"errorMsgKeys":["session.error"]})")},
-             LessonError::SessionGone,
-             Lesson::LoggedIn},
-            {"logged in", {nobody, known, learners, learners}, LessonError::NoError, Lesson::Live},
-            {"logs in",
-             {nobody, unknown, agrees(SUBMIT, Logins::SUCCESS), learners, learners},
-             LessonError::NoError,
-             Lesson::Live},
+        const auto refuses = [](const QByteArray& text) { return Answer::json(text, 403); };
+        const Reply nobody{USERS, refuses(Logins::REFUSED)};
+        const Reply known{Logins::USER, Answer::json(R"({"data":{"userLoginId":"teacher"}})")};
+        const Reply unknown{Logins::USER, Answer::json("{}")};
+        const Reply login{SUBMIT, Answer::json(Logins::SUCCESS)};
+        const Reply users{USERS, Answer::json(R"({"success":true,"data":{"users":[]}})")};
+        const Reply lost{USERS, refuses(R"({"errorMsgKeys":["session.error"]})")};
+        rows<QList<Reply>, int, int>({
+            {"no server", {{USERS, refuses("<html>")}}, LessonError::NotTheService, Lesson::Reconnecting},
+            {"no session", {lost}, LessonError::SessionGone, Lesson::LoggedIn},
+            {"logged in", {nobody, known, users, users}, LessonError::NoError, Lesson::Live},
+            {"logs in", {nobody, unknown, login, users, users}, LessonError::NoError, Lesson::Live},
             {"logged out",
-             {nobody, unknown, refuses(SUBMIT, Logins::REFUSED)},
+             {nobody, unknown, {SUBMIT, refuses(Logins::REFUSED)}},
              LessonError::LoggedOutByService,
              Lesson::LoggedOut},
         });
     }
     void triesToComeBack()
     {
-        const auto [replies, kind, state] = row<QList<Script>, int, int>();
+        const auto [replies, kind, state] = row<QList<Reply>, int, int>();
         Class class_;
         class_.lesson->setReconnects(false);
         QVERIFY(class_.start());
@@ -378,8 +379,8 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::Reconnecting; }));
         LessonError error;
         connect(class_.lesson.get(), &Lesson::failed, this, [&](const LessonError& one) { error = one; });
-        for (const Script& reply : replies)
-            reply(class_.service);
+        for (const auto& [path, answer] : replies)
+            class_.service.expect(path, answer);
         class_.lesson->retryNow();
         QVERIFY(waitFor(
             [&] { return error.kind != LessonError::NoError || class_.lesson->state() == Lesson::Live; }));
@@ -391,41 +392,31 @@ private Q_SLOTS:
     void waitsAreCancelled_data()
     {
         rows<Script>({
-            {"probe", [](FakeService& service) { service.expect(PROBE, Answer::never()); }},
-            {"login",
-             [](FakeService& service) {
-                 service.expect(PROBE, Answer::json(FINE));
-                 service.expect(SUBMIT, Answer::stalled(Logins::SUCCESS));
-             }},
+            {"probe", [](Visit& at) { at.service.expect(PROBE, Answer::never()); }},
+            {"login", [](Visit& at) { at.expectLogin(Answer::stalled(Logins::SUCCESS)); }},
         });
     }
     void waitsAreCancelled()
     {
         const auto [script] = row<Script>();
-        FakeService service;
-        script(service);
-        Lesson lesson(QUrl(service.url()));
-        LessonError error;
-        connect(&lesson, &Lesson::failed, this, [&](const LessonError& one) { error = one; });
-        logIn(lesson);
-        lesson.start();
-        QVERIFY(waitFor([&] { return service.isUsedUp(); }));
-        lesson.cancel();
-        QCOMPARE(lesson.state(), Lesson::LoggedOut);
-        QCOMPARE(int(error.kind), int(LessonError::Cancelled));
-        QVERIFY(waitFor([&] { return service.abandoned() == 1; }));
+        Visit at;
+        script(at);
+        logIn(at.lesson);
+        at.lesson.start();
+        QVERIFY(waitFor([&] { return at.service.isUsedUp(); }));
+        at.lesson.cancel();
+        QCOMPARE(at.lesson.state(), Lesson::LoggedOut);
+        QCOMPARE(int(at.error.kind), int(LessonError::Cancelled));
+        QVERIFY(waitFor([&] { return at.service.abandoned() == 1; }));
         // The next login does not wait for the one that was given up.
-        service.expect(PROBE, Answer::json(FINE));
-        service.expect(SUBMIT, Answer::json(Logins::SUCCESS));
-        logIn(lesson);
-        QVERIFY(waitFor([&] { return lesson.state() == Lesson::LoggedIn; }, 5000));
-        service.expect(Logins::LOGOUT, Answer::never());
-        QElapsedTimer clock;
-        clock.start();
-        lesson.logOut();
-        lesson.cancel();
-        QCOMPARE(lesson.state(), Lesson::LoggedOut);
-        service.expectNoMore();
+        at.expectLogin();
+        logIn(at.lesson);
+        QVERIFY(at.reaches(Lesson::LoggedIn, 5000));
+        at.service.expect(Logins::LOGOUT, Answer::never());
+        at.lesson.logOut();
+        at.lesson.cancel();
+        QCOMPARE(at.lesson.state(), Lesson::LoggedOut);
+        at.service.expectNoMore();
     }
 
     void openingsEnd_data()
