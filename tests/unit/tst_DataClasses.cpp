@@ -34,138 +34,62 @@ namespace {
 
 struct Property
 {
-    const char* name;
+    QByteArray name;
     int type;
-    QVariant initial;
-    // Null for one that cannot be set.
-    const char* setter;
+    QVariant initial; // of an object, its class
+    QByteArray setter;
 };
 using Properties = QVector<Property>;
 using Make = QObject* (*)(QObject*);
 
 constexpr int STRING = QMetaType::QString;
-constexpr int INT = QMetaType::Int;
-constexpr int BOOL = QMetaType::Bool;
 constexpr int ANY = QMetaType::QVariant;
-constexpr int LIST = QMetaType::QVariantList;
-constexpr int MAP = QMetaType::QVariantMap;
 constexpr int OBJECT = QMetaType::QObjectStar;
 
-const QVariant EMPTY = QVariant("");
-const QVariant NOTHING;
-// Of an object-valued property, the initial value is the class of the object.
-const QVariant PLAIN = QVariant("QObject");
-
-Properties question(const QString& type, const Properties& own = {})
+// NAME=VALUE or NAME/SETTER=VALUE, where the setter's name is not "set" and the property's. The value is JSON
+// that tells the type as well; "?" is an invalid variant, "#" an id, "@Class" an object, "_" a blank.
+Property property(QByteArray word)
 {
-    const QVariant feedBack = "Calyx::QuestionFeedback";
-    const Properties base{{"id", STRING, NOTHING, "setID"},
-                          {"questionSetMode", STRING, "Poll", "setquestionSetMode"},
-                          {"questionNumber", INT, 0, "setquestionNumber"},
-                          {"type", STRING, type, "setType"},
-                          {"activityType", MAP, QVariantMap(), "setactivityType"},
-                          {"feedBack", OBJECT, feedBack, "setfeedBack"},
-                          {"instructions", STRING, EMPTY, "setinstructions"},
-                          {"passage", STRING, EMPTY, "setpassage"},
-                          {"card", OBJECT, PLAIN, "setcard"},
-                          {"hint", STRING, EMPTY, "sethint"},
-                          {"math", BOOL, false, "setmath"},
-                          {"hasNext", BOOL, false, "sethasNext"},
-                          {"navigable", BOOL, false, "setnavigable"}};
-    return base + own;
+    const QByteArrayList names = word.left(word.indexOf('=')).split('/');
+    const QByteArray value = word.mid(word.indexOf('=') + 1).replace('_', ' ');
+    const QVariant json = QJsonDocument::fromJson('[' + value + ']').toVariant().toList().value(0);
+    const QByteArray setter = "set" + names.last();
+    if (value.startsWith('@'))
+        return {names.first(), OBJECT, value.mid(1), setter};
+    if (value == "#" || value == "?")
+        return {names.first(), value == "#" ? STRING : ANY, QVariant(), setter};
+    if (json.userType() == QMetaType::Double || json.userType() == QMetaType::LongLong)
+        return {names.first(), QMetaType::Int, json.toInt(), setter};
+    return {names.first(), json.userType(), json, setter};
 }
 
-Properties questionWithOptions(const QString& type, const Properties& own = {})
+// In order, divided by blanks.
+Properties properties(const QByteArray& words)
 {
-    const QVariant options = QVariant::fromValue(QList<QObject*>());
-    const Properties more{{"metadata", OBJECT, "Calyx::QuestionMetadata", "setmetadata"},
-                          {"activityOptions", ANY, options, nullptr}};
-    return question(type, more + own);
+    Properties all;
+    for (const QByteArray& word : words.simplified().split(' '))
+        all.append(property(word));
+    return all;
 }
 
-Properties option()
+Properties question(const QByteArray& type, const QByteArray& own = "")
 {
-    return {{"id", STRING, EMPTY, "setID"},
-            {"optionText", STRING, EMPTY, "setoptionText"},
-            {"displaySeqNumber", INT, 0, "setdisplaySeqNumber"},
-            {"math", BOOL, false, "setmath"}};
+    return properties(R"(id/ID=# questionSetMode="Poll" questionNumber=0 type/Type=")" + type +
+                      R"(" activityType={}
+        feedBack=@Calyx::QuestionFeedback instructions="" passage="" card=@QObject hint="" math=false
+        hasNext=false navigable=false )" +
+                      own);
 }
 
-Properties metadata()
+// The list of options is the one that cannot be set.
+Properties questionWithOptions(const QByteArray& type, const QByteArray& own = "")
 {
-    return {{"ordinalType", STRING, EMPTY, "setordinalType"},
-            {"options", LIST, QVariantList(), "setoptions"}};
-}
-
-Properties feedback()
-{
-    return {{"showFeedback", BOOL, false, "setshowFeedback"},
-            {"showCorrectAnswer", BOOL, false, "setshowCorrectAnswer"},
-            {"correctAnswer", ANY, NOTHING, "setcorrectAnswer"},
-            {"activityScoreStatus", ANY, NOTHING, "setactivityScoreStatus"},
-            {"activityResponseStatus", ANY, NOTHING, "setactivityResponseStatus"},
-            {"correctOptions", LIST, QVariantList(), "setcorrectOptions"},
-            {"allowResubmit", BOOL, true, "setallowResubmit"},
-            {"correctFeedback", ANY, NOTHING, "setcorrectFeedback"},
-            {"inCorrectFeedback", ANY, NOTHING, "setinCorrectFeedback"},
-            {"answer", ANY, NOTHING, "setanswer"},
-            {"jsonAnswer", ANY, NOTHING, "setjsonAnswer"},
-            {"optionAnswers", LIST, QVariantList(), "setoptionAnswers"},
-            {"optionFeedbacks", LIST, QVariantList(), "setoptionFeedbacks"},
-            {"numberOfRetries", INT, 0, "setnumberOfRetries"},
-            {"numberOfRetriesRemaining", INT, 0, "setnumberOfRetriesRemaining"},
-            {"remainingTime", ANY, NOTHING, "setremainingTime"}};
-}
-
-Properties card()
-{
-    const QVariantMap styles{
-        {"backgroundColor", EMPTY}, {"backgroundImage", EMPTY}, {"backgroundSize", "100%"}};
-    return {{"active", BOOL, true, "setactive"},
-            {"autoSend", BOOL, true, "setautoSend"},
-            {"components", LIST, QVariantList(), "setcomponents"},
-            {"hasRendered", BOOL, true, "sethasRendered"},
-            {"id", STRING, EMPTY, "setid"},
-            {"isTeacherCard", BOOL, true, "setisTeacherCard"},
-            {"notes", STRING, EMPTY, "setnotes"},
-            {"ordinal", INT, 1, "setordinal"},
-            {"primary", BOOL, true, "setprimary"},
-            {"pristine", BOOL, true, "setpristine"},
-            {"remoteId", STRING, EMPTY, "setremoteId"},
-            {"segment", MAP, QVariantMap(), "setsegment"},
-            {"styles", MAP, styles, "setstyles"},
-            {"tracks", LIST, QVariantList(), "settracks"},
-            {"type", STRING, "TEACHER", "settype"},
-            {"visible", BOOL, true, "setvisible"}};
-}
-
-Properties assessment()
-{
-    return {{"assessmentToken", STRING, EMPTY, "setassessmentToken"},
-            {"allowSkipQuestion", BOOL, false, "setallowSkipQuestion"},
-            {"allowNavigateQuestionSet", BOOL, false, "setallowNavigateQuestionSet"},
-            {"allowResubmitResponse", BOOL, true, "setallowResubmitResponse"},
-            {"showSummaryOnAssessmentCompletion", BOOL, false, "setshowSummaryOnAssessmentCompletion"},
-            {"showAnswerOnIncorrectResponse", BOOL, false, "setshowAnswerOnIncorrectResponse"},
-            {"showFeedback", BOOL, false, "setshowFeedback"},
-            {"questionCount", INT, 1, "setquestionCount"},
-            {"startingQuestionNumber", INT, 0, "setstartingQuestionNumber"},
-            {"allowedTime", INT, 0, "setallowedTime"},
-            {"currentAssessmentSectionId", STRING, EMPTY, "setcurrentAssessmentSectionId"},
-            {"title", STRING, EMPTY, "settitle"},
-            {"description", STRING, EMPTY, "setdescription"},
-            {"scored", BOOL, false, "setscored"},
-            {"assessmentSectionConfigurations", MAP, QVariantMap{{"leveled", false}},
-             "setassessmentSectionConfigurations"}};
-}
-
-Properties message()
-{
-    return {{"from", STRING, EMPTY, "setfrom"},
-            {"type", STRING, EMPTY, "settype"},
-            {"version", STRING, "3.0.0", "setversion"},
-            {"sourceSystem", STRING, "Lumora", "setsourceSystem"},
-            {"data", ANY, NOTHING, "setdata"}};
+    Properties all = question(type, "metadata=@Calyx::QuestionMetadata activityOptions=? " + own);
+    for (Property& one : all) {
+        if (one.name == "activityOptions")
+            one = {one.name, ANY, QVariant::fromValue(QList<QObject*>()), QByteArray()};
+    }
+    return all;
 }
 
 template<class Class>
@@ -186,13 +110,13 @@ QVariant sample(const Property& property)
     switch (property.type) {
     case STRING:
         return QString::fromUtf8(u8"a \"b\" %1 ä😀");
-    case INT:
+    case QMetaType::Int:
         return -77;
-    case BOOL:
+    case QMetaType::Bool:
         return !property.initial.toBool();
-    case LIST:
+    case QMetaType::QVariantList:
         return QVariantList{1, "two"};
-    case MAP:
+    case QMetaType::QVariantMap:
         return QVariantMap{{"key", QVariantList{true}}};
     default:
         return 2.5;
@@ -221,7 +145,7 @@ bool setBySlot(QObject* object, const Property& property, const QVariant& value)
 
 bool isQuestionType(const QObject& object, const Property& property)
 {
-    return qobject_cast<const Calyx::QuestionBase*>(&object) && qstrcmp(property.name, "type") == 0;
+    return qobject_cast<const Calyx::QuestionBase*>(&object) && property.name == "type";
 }
 
 } // namespace
@@ -243,10 +167,10 @@ private Q_SLOTS:
         QCOMPARE(meta->propertyCount(), properties.size() + 1);
         for (int i = 0; i < properties.size(); ++i) {
             const QMetaProperty property = meta->property(i + 1);
-            QCOMPARE(QString(property.name()), QString(properties.at(i).name));
+            QCOMPARE(QByteArray(property.name()), properties.at(i).name);
             QVERIFY2(property.isReadable() && !property.hasNotifySignal(), property.name());
-            QCOMPARE(property.isWritable(), properties.at(i).setter != nullptr);
-            if (!properties.at(i).setter)
+            QCOMPARE(property.isWritable(), !properties.at(i).setter.isEmpty());
+            if (properties.at(i).setter.isEmpty())
                 continue;
             QCOMPARE(property.userType(), properties.at(i).type);
             const QMetaMethod setter = setterOf(*object, properties.at(i));
@@ -266,20 +190,20 @@ private Q_SLOTS:
         const auto [make, properties] = row<Make, Properties>();
         const std::unique_ptr<QObject> object(make(nullptr));
         for (const Property& property : properties) {
-            const QVariant value = object->property(property.name);
+            const QVariant value = object->property(property.name.constData());
             if (property.type == OBJECT) {
                 auto* child = value.value<QObject*>();
-                QVERIFY2(child, property.name);
+                QVERIFY2(child, property.name.constData());
                 QCOMPARE(QString(child->metaObject()->className()), property.initial.toString());
                 QCOMPARE(child->parent(), object.get());
             } else if (property.type == STRING && !property.initial.isValid()) {
-                QVERIFY2(value.toString().size() == 8, property.name);
-            } else if (property.setter) {
+                QVERIFY2(value.toString().size() == 8, property.name.constData());
+            } else if (!property.setter.isEmpty()) {
                 QVERIFY2(value == property.initial && value.isValid() == property.initial.isValid(),
-                         property.name);
+                         property.name.constData());
             } else {
                 QCOMPARE(value.userType(), property.initial.userType());
-                QVERIFY2(value.value<QList<QObject*>>().isEmpty(), property.name);
+                QVERIFY2(value.value<QList<QObject*>>().isEmpty(), property.name.constData());
             }
         }
     }
@@ -296,16 +220,17 @@ private Q_SLOTS:
             if (isQuestionType(*bySlot, property))
                 continue;
             const QVariant value = property.type == OBJECT ? QVariant::fromValue(&other) : sample(property);
-            QCOMPARE(byProperty->setProperty(property.name, value), property.setter != nullptr);
-            QVERIFY2(!property.setter || setBySlot(bySlot.get(), property, value), property.name);
+            QCOMPARE(byProperty->setProperty(property.name.constData(), value), !property.setter.isEmpty());
+            QVERIFY2(property.setter.isEmpty() || setBySlot(bySlot.get(), property, value),
+                     property.name.constData());
         }
         // None has changed what another has set.
         for (const Property& property : properties) {
-            if (!property.setter || isQuestionType(*bySlot, property))
+            if (property.setter.isEmpty() || isQuestionType(*bySlot, property))
                 continue;
             const QVariant value = property.type == OBJECT ? QVariant::fromValue(&other) : sample(property);
-            QVERIFY2(bySlot->property(property.name) == value, property.name);
-            QVERIFY2(byProperty->property(property.name) == value, property.name);
+            QVERIFY2(bySlot->property(property.name.constData()) == value, property.name.constData());
+            QVERIFY2(byProperty->property(property.name.constData()) == value, property.name.constData());
         }
         QVERIFY(!other.parent());
     }
@@ -370,24 +295,36 @@ private:
     {
         columns<Make, Properties>();
 
-        addClass<Calyx::QuestionBase>(question(QString()));
-        addClass<Calyx::QuestionBaseWithOptions>(questionWithOptions(QString()));
+        addClass<Calyx::QuestionBase>(question(""));
+        addClass<Calyx::QuestionBaseWithOptions>(questionWithOptions(""));
         addClass<Calyx::QuestionYesNo>(questionWithOptions("yes-no-other"));
-        addClass<Calyx::QuestionMultiChoice>(questionWithOptions(
-            "multiple", {{"numberOfCorrectOptions", INT, 1, "setnumberOfCorrectOptions"}}));
+        addClass<Calyx::QuestionMultiChoice>(questionWithOptions("multiple", "numberOfCorrectOptions=1"));
         addClass<Calyx::QuestionScale>(questionWithOptions("scale"));
         addClass<Calyx::QuestionSort>(questionWithOptions("sort"));
         addClass<Calyx::QuestionCreative>(questionWithOptions("creative"));
-        addClass<Calyx::QuestionText>(question("text", {{"maxChars", INT, 0, "setmaxChars"}}));
-        addClass<Calyx::QuestionNumeric>(question("number", {{"noOfDecimals", INT, 0, "setnoOfDecimals"}}));
+        addClass<Calyx::QuestionText>(question("text", "maxChars=0"));
+        addClass<Calyx::QuestionNumeric>(question("number", "noOfDecimals=0"));
         addClass<Calyx::QuestionWordSeed>(question("word-seed"));
-        addClass<Calyx::QuestionMathFormula>(question("math formula"));
-        addClass<Calyx::ActivityOption>(option());
-        addClass<Calyx::QuestionMetadata>(metadata());
-        addClass<Calyx::QuestionFeedback>(feedback());
-        addClass<Calyx::Card>(card());
-        addClass<Calyx::AssessmentOptions>(assessment());
-        addClass<Calyx::CalyxCollabMessage>(message());
+        addClass<Calyx::QuestionMathFormula>(question("math_formula"));
+        addClass<Calyx::ActivityOption>(
+            properties(R"(id/ID="" optionText="" displaySeqNumber=0 math=false)"));
+        addClass<Calyx::QuestionMetadata>(properties(R"(ordinalType="" options=[])"));
+        addClass<Calyx::QuestionFeedback>(
+            properties(R"(showFeedback=false showCorrectAnswer=false correctAnswer=?
+            activityScoreStatus=? activityResponseStatus=? correctOptions=[] allowResubmit=true
+            correctFeedback=? inCorrectFeedback=? answer=? jsonAnswer=? optionAnswers=[] optionFeedbacks=[]
+            numberOfRetries=0 numberOfRetriesRemaining=0 remainingTime=?)"));
+        addClass<Calyx::Card>(properties(R"(active=true autoSend=true components=[] hasRendered=true id=""
+            isTeacherCard=true notes="" ordinal=1 primary=true pristine=true remoteId="" segment={}
+            styles={"backgroundColor":"","backgroundImage":"","backgroundSize":"100%"} tracks=[]
+            type="TEACHER" visible=true)"));
+        addClass<Calyx::AssessmentOptions>(properties(R"(assessmentToken="" allowSkipQuestion=false
+            allowNavigateQuestionSet=false allowResubmitResponse=true showSummaryOnAssessmentCompletion=false
+            showAnswerOnIncorrectResponse=false showFeedback=false questionCount=1 startingQuestionNumber=0
+            allowedTime=0 currentAssessmentSectionId="" title="" description="" scored=false
+            assessmentSectionConfigurations={"leveled":false})"));
+        addClass<Calyx::CalyxCollabMessage>(
+            properties(R"(from="" type="" version="3.0.0" sourceSystem="Lumora" data=?)"));
     }
 };
 
