@@ -22,6 +22,21 @@ public:
     static SuccessHandler successHandler() { return static_cast<SuccessHandler>(&ClientProbe::onSuccess); }
     static FailureHandler failureHandler() { return static_cast<FailureHandler>(&ClientProbe::onFailure); }
 
+    /// Gives \p body to every handler of the client's own, as if it were an answer.
+    static void giveToAllHandlers(PresenterClient& client, const QString& body)
+    {
+        using C = PresenterClient;
+        for (const SuccessHandler handler :
+             {&C::serverCheckResponse, &C::loginSuccessResponse, &C::getDeviceAccessTokenResponse,
+              &C::userNameResponse, &C::logoutResponse, &C::sessionSuccessResponse, &C::getLearnersResponse,
+              &C::getCollabUrlResponse, &C::getTenantFeatureDetailsResponse, &C::sessionStartSuccessResponse,
+              &C::sessionJoinResponse, &C::uploadResourceResponse})
+            (client.*handler)(body);
+        for (const auto handler :
+             {&C::loginFailureResponse, &C::sessionFailureResponse, &C::sessionStartFailureResponse})
+            (client.*handler)(nullptr, body);
+    }
+
     QStringList successes;
     QStringList failures;
     QList<QNetworkReply::NetworkError> errors;

@@ -2,6 +2,7 @@
 // ends in a message dropped or reduced, or in a plain error, and the next valid one is handled.
 
 #include "base/JsonReader.h"
+#include "support/ClientProbe.h"
 #include "support/Rows.h"
 
 #include <CalyxClient/CollaborationMessageHandler>
@@ -197,29 +198,6 @@ void addCases()
     }
 }
 
-const QList<PresenterClient::SuccessHandler> successHandlers = {
-    &PresenterClient::serverCheckResponse,
-    &PresenterClient::loginSuccessResponse,
-    &PresenterClient::getDeviceAccessTokenResponse,
-    &PresenterClient::userNameResponse,
-    &PresenterClient::logoutResponse,
-    &PresenterClient::sessionSuccessResponse,
-    &PresenterClient::getLearnersResponse,
-    &PresenterClient::getCollabUrlResponse,
-    &PresenterClient::getTenantFeatureDetailsResponse,
-    &PresenterClient::sessionStartSuccessResponse,
-    &PresenterClient::sessionJoinResponse,
-    &PresenterClient::uploadResourceResponse};
-
-void giveToAllHandlers(PresenterClient* client, const QString& body)
-{
-    for (const PresenterClient::SuccessHandler handler : successHandlers)
-        (client->*handler)(body);
-    client->loginFailureResponse(nullptr, body);
-    client->sessionFailureResponse(nullptr, body);
-    client->sessionStartFailureResponse(nullptr, body);
-}
-
 // Whether valid replies are still understood.
 bool understands(PresenterClient* client)
 {
@@ -295,7 +273,7 @@ private Q_SLOTS:
         PresenterClient client(nullptr, "http://127.0.0.1");
         for (const QByteArray& level : replyLevels) {
             const QByteArray body = at(level, text);
-            giveToAllHandlers(&client, QString::fromUtf8(body.constData(), body.size()));
+            ClientProbe::giveToAllHandlers(client, QString::fromUtf8(body.constData(), body.size()));
             QVERIFY2(understands(&client), level.constData());
         }
         forgetSession(&client);
