@@ -328,12 +328,11 @@ private Q_SLOTS:
     void busGetsTlsOnly_data()
     {
         columns<QString, QList<int>>();
+        const QList<QPair<const char*, QList<int>>> entries = {
+            {"websocket", {1}}, {"xhr-streaming", {2}}, {"xhr-polling", {4}}, {"all", {1, 2, 4}}};
         for (const char* scheme : {"https", "wss", "HTTPS", "WSS"}) {
-            QTest::addRow("%s, websocket", scheme) << scheme << QList<int>{SockJSConnector::WEBSOCKET};
-            QTest::addRow("%s, xhr-streaming", scheme)
-                << scheme << QList<int>{SockJSConnector::XHR_STREAMING};
-            QTest::addRow("%s, xhr-polling", scheme) << scheme << QList<int>{SockJSConnector::XHR_POLLING};
-            QTest::addRow("%s, all", scheme) << scheme << QList<int>{1, 2, 4};
+            for (const auto& [name, protocols] : entries)
+                QTest::addRow("%s, %s", scheme, name) << scheme << protocols;
         }
     }
     void busGetsTlsOnly()
