@@ -214,6 +214,8 @@ private Q_SLOTS:
         row("a stream with chunks cut anew",
             chunkedHead() + chunk("o\na[\"") + chunk("x") + chunk("\"]\nh") + chunk("\n") + endChunk(),
             {inChunks, "frame o", "frame a[\"x\"]", "frame h", "empty"}, true);
+        row("a chunk size that is no number ends a stream", chunkedHead() + chunk("o\n") + "what\r\n",
+            {inChunks, "frame o", "empty"}, true);
         row("a stream whose last frame has no newline", chunkedHead() + chunk("o\nh") + endChunk(),
             {inChunks, "frame o", "last h"}, true);
         row("a stream with a length", plain("o\nh\n"), {length(4), "frame o", "frame h", "empty"}, true);
