@@ -203,7 +203,8 @@ void PresenterCollab::onClosed(bool bClosedForInactivity)
     Q_EMIT connectionClosed(bClosedForInactivity);
 }
 
-// Not all ends are told: the host may have opened the connector anew. Once it is up the pings begin again.
+// The end of a channel is not told where the host has opened the connector anew: then the pings stop here,
+// and begin again in onConnected().
 void PresenterCollab::onPingTimer()
 {
     sendPing();

@@ -53,7 +53,7 @@ QVariantMap outcomeOf(const Poll& poll, PollAnswer::Mark mark)
 
 } // namespace
 
-// Where it is false, failed() has told why.
+// Whether these questions may be put; where they may not, failed() has told why.
 bool LessonPrivate::mayAsk(const QVector<Question>& questions, const QString& fault)
 {
     if (!fault.isEmpty())

@@ -11,7 +11,7 @@
 
 namespace {
 
-// Where the connection of a request to \p url ends: at its server or at a proxy.
+// The ports at which the connection of a request to \p url may end: its server's, or a proxy's.
 QSet<int> farPorts(const QNetworkAccessManager* manager, const QUrl& url)
 {
     constexpr int httpPort = 80;

@@ -25,7 +25,7 @@ Registry& registry()
     return *instance;
 }
 
-// Those that were begun on one thread; all of them without one.
+// Ends those that were begun on \p begunOn; all of them where that is null.
 void endThreads(const QThread* begunOn)
 {
     const QMutexLocker lock(&registry().mutex);

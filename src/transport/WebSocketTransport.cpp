@@ -36,7 +36,7 @@ bool WebSocketTransport::start(const QUrl& url, const QNetworkProxy& proxy)
     return waitForUpgrade();
 }
 
-// From the beginning: the first frame can come in one packet with the upgrade.
+// Called before the socket is opened: the first frame can come in one packet with the upgrade.
 void WebSocketTransport::listen()
 {
     constexpr auto queued = Qt::QueuedConnection;

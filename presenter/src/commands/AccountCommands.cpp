@@ -227,7 +227,7 @@ Outcome whoAmI(CommandContext& context, const Arguments&)
     return asked;
 }
 
-// With a session open the client does it, which keeps the session.
+// While a session is open, the client logs in again by itself: a login of the lesson would end the session.
 Outcome reLogin(CommandContext& context, const Arguments&)
 {
     if (!context.notes.logInAgain)

@@ -44,7 +44,7 @@ int wantedOf(const QString& amount, int all)
     return amount == QLatin1String("all") ? qMax(all, 1) : amount.toInt();
 }
 
-// Of the poll put last.
+// The answers to the poll that was put last.
 Goal answersGoal(const Lesson& lesson, const QString& amount)
 {
     const auto have = [&lesson] { return lesson.poll()->answered(); };
