@@ -193,19 +193,6 @@ private Q_SLOTS:
                  QStringList({"header 0", "message 0", "header 1", "message 1", "header 2", "message 2"}));
     }
 
-    void endChunkDoesNotDelayTheNextRequest()
-    {
-        m_server->answer("/xhr", chunkedHead() + chunk("h\n") + "0\r\n");
-        m_server->answer("/xhr", chunkedHead() + chunk("h\n") + chunk("x") + "0\r\nTrailer: a\r\n\r\n");
-        m_server->answer("/xhr", plain("h\n"));
-        LogRecorder log;
-        QVERIFY(start(3));
-        QTRY_COMPARE(m_run->messages.size(), 3);
-        const QList<Server::Request> requests = m_server->requests();
-        QVERIFY(requests.last().msecs - requests.first().msecs < 1000);
-        QCOMPARE(log.debug(stallLine), QStringList());
-    }
-
     void storesFramingInTheRequest()
     {
         m_server->answer("/xhr", chunked("o\n"));
@@ -249,18 +236,6 @@ private Q_SLOTS:
         QVERIFY(requests.at(answers - 1).msecs - requests.first().msecs < 1000);
         QCOMPARE(requests.at(answers - 1).connection, answers - 1);
         QVERIFY(log.debug(lostLine).size() >= answers - 1);
-    }
-
-    void waitingRequestOutlivesTheConnection()
-    {
-        m_server->answer("/first", Server::Script{Server::hold(), Server::close()});
-        m_server->answer("/xhr", plain("o\n"));
-        QVERIFY(start(1, QStringLiteral("/first")));
-        QTRY_COMPARE(m_server->count(), 1);
-        QVERIFY(m_run->queue());
-        m_server->release();
-        QTRY_COMPARE(m_run->messages, QStringList("o"));
-        QCOMPARE(m_run->reports, QStringList({"lost 0", "reconnected", "header 1", "message 1"}));
     }
 
     // The worker writes before it can read of the reset: then Qt closes the socket.
@@ -428,6 +403,9 @@ private Q_SLOTS:
         row("page", plain("<html>\n"), true, message, "<html>");
         row("close frame", plain("c[3000,\"Go away!\"]\n"), true, message, "c[3000,\"Go away!\"]");
         row("not found", "HTTP/1.1 404 Not Found\r\nContent-Length: 4\r\n\r\nwhat", true, message, "what");
+        row("half of an end chunk", chunkedHead() + chunk("h\n") + "0\r\n", false, message, "h");
+        row("end and trailer", chunkedHead() + chunk("h\n") + chunk("x") + "0\r\nTrailer: a\r\n\r\n", false,
+            message, "h");
         row("nothing", plain(""), true, "header 0, empty 0", "");
         row("no chunk", chunkedHead() + endChunk(), true, "header 0, empty 0", "");
         row("chunk of 2^64-1", chunkedHead() + "ffffffffffffffff\r\nab", true,
@@ -435,6 +413,7 @@ private Q_SLOTS:
         row("page, then closed", plain("<html>\n", "Connection: close\r\n"), true, last, "<html>");
         row("messages, then closed", plain("a[]\n", "Connection: close\r\n"), false, last, "a[]");
         closed = true;
+        row("no answer", "", true, "lost 0, reconnected", "");
         row("up to the end of the connection", "HTTP/1.0 200 OK\r\n\r\na[]", false, last, "a[]");
         row("half an answer", chunkedHead() + chunk("old") + "5\r\nab", true, "header 0, lost 0, reconnected",
             "");
