@@ -49,10 +49,7 @@ private Q_SLOTS:
         QCOMPARE(used.size(), 2);
     }
 
-    void timesOutWhileTheHostIsBusy_data()
-    {
-        combinations({QStringList{Transport::streaming, Transport::polling}});
-    }
+    void timesOutWhileTheHostIsBusy_data() { combinations({Transport::xhr}); }
 
     // Nobody sends the next request in time, and the balancer says so with a 408 that answers none.
     void timesOutWhileTheHostIsBusy()
@@ -77,10 +74,7 @@ private Q_SLOTS:
         QVERIFY(m_host->close());
     }
 
-    void closesIdleConnections_data()
-    {
-        combinations({QStringList{Transport::streaming, Transport::polling}});
-    }
+    void closesIdleConnections_data() { combinations({Transport::xhr}); }
 
     // Between two posts the balancer ends the connection that the first has left behind.
     void closesIdleConnections()

@@ -41,7 +41,7 @@ private Q_SLOTS:
         QVERIFY(m_host->close());
     }
 
-    void hostIsBusyForTooLong_data() { combinations({servers, {Transport::streaming, Transport::polling}}); }
+    void hostIsBusyForTooLong_data() { combinations({servers, Transport::xhr}); }
 
     // Servers give a session up when nobody has asked for its frames for 5 s.
     void hostIsBusyForTooLong()

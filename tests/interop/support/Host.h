@@ -112,5 +112,6 @@ const QString webSocket = QStringLiteral("websocket");
 const QString streaming = QStringLiteral("xhr-streaming");
 const QString polling = QStringLiteral("xhr-polling");
 const QStringList all = {webSocket, streaming, polling};
+const QStringList xhr = {streaming, polling};
 
 } // namespace Transport
