@@ -127,6 +127,7 @@ private Q_SLOTS:
         QVERIFY(m_lesson->joinCode() != before);
         QCOMPARE(m_lesson->roster()->rowCount(), 0);
         QCOMPARE(Lesson::journalOf(journal).value("code").toString(), m_lesson->joinCode());
+        QVERIFY(QFile::exists(journal + '~')); // the one before
         m_lesson->logIn(QStringLiteral("teacher"), QStringLiteral("chalk"));
         QVERIFY(Lesson::journalOf(journal).isEmpty()); // that session has ended
     }
