@@ -400,6 +400,22 @@ private Q_SLOTS:
         QCOMPARE(rows, answered);
     }
 
+    void foldsWhatIsTooMuch()
+    {
+        const Poll* const poll = m_class->lesson->ask(Question::usual(PollType::TEXT));
+        for (const char* device : {"D1", "D2", "D3", "D4"})
+            m_class->answer(device, poll->id(), QStringLiteral("leaf of ") + device);
+        QVERIFY(waitFor([&] { return poll->answered() == 4; }));
+        const auto bars = [&](int most) {
+            QStringList all;
+            for (const PollResults::Row& row : poll->results()->rows(most))
+                all.append(QStringLiteral("%1: %2, %3").arg(row.label).arg(row.count).arg(row.share));
+            return all.join("; ");
+        };
+        QCOMPARE(bars(3), QStringLiteral("leaf of D1: 1, 0.25; leaf of D2: 1, 0.25; Others: 2, 0.5"));
+        QVERIFY(bars(4).endsWith("leaf of D4: 1, 0.25"));
+    }
+
     void marks_data()
     {
         const auto sheets = [](const QByteArray& ann, const QByteArray& bea) {
@@ -504,8 +520,10 @@ private Q_SLOTS:
             {"add", "addImageCard", Lesson::AddCard, true, none,
              [](Lesson& lesson) {
                  QCOMPARE(lesson.deck()->current(), 1);
-                 QCOMPARE(lesson.deck()->url(1),
-                          QStringLiteral("https://school.example/b%27s.png"));
+                 QCOMPARE(lesson.deck()->url(1), QStringLiteral("https://school.example/b%27s.png"));
+                 QVERIFY(lesson.deck()->add("data", QStringLiteral("data:image/png;base64,cG5n")));
+                 QCOMPARE(lesson.deck()->index(1, 0).data(Deck::PictureRole).toByteArray(),
+                          QByteArray("png"));
              }},
         });
     }
