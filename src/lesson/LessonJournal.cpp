@@ -341,11 +341,15 @@ void LessonJournal::replayAnswer(const QJsonObject& event)
     const QString device = text(event, "device");
     const QString answer = text(event, "answer");
     const int seconds = event.value("time").toInt();
-    if (Poll* const one = m_content->pollsById.value(id))
+    if (Poll* const one = m_content->pollsById.value(id)) {
         one->add(device, answer, seconds, time(event));
+        return; // a slot may have deleted the lesson
+    }
     for (Assessment* one : std::as_const(m_content->assessments)) {
-        if (const int number = one->numberOf(id))
+        if (const int number = one->numberOf(id)) {
             one->add(device, number, answer, seconds, time(event));
+            return;
+        }
     }
 }
 
