@@ -145,7 +145,6 @@ private Q_SLOTS:
         PresenterClient client(nullptr, here.url());
         QVERIFY(!client.doLogin("teacher", "chalk"));
         QCOMPARE(client.server(), moves ? QString::fromUtf8(there.address()) : here.url());
-
         FakeService& next = moves ? there : here;
         next.expect("/tavisto", Answer::json("{}"));
         QVERIFY(check(&client));
@@ -249,7 +248,6 @@ private Q_SLOTS:
         QTRY_COMPARE(server.count("/xhr_send"), 1);
         QCOMPARE(server.requests("/xhr").last().headers.contains("cookie"), isSent);
         QCOMPARE(server.requests("/xhr_send").last().headers.contains("cookie"), isSent);
-
         // Another transport begins without.
         server.answer("/xhr", plain("o\n"));
         Session other;

@@ -245,7 +245,6 @@ private Q_SLOTS:
         for (const Property& property : properties)
             expected.append(property.name);
         expected.sort();
-
         const LogRecorder log;
         const QString json = Calyx::JsonSerializer::serializeToJson(object.get());
         QCOMPARE(QJsonDocument::fromJson(json.toUtf8()).toVariant().toMap().keys(), expected);
@@ -267,7 +266,6 @@ private Q_SLOTS:
         QVERIFY(!object);
         for (const QPointer<QObject>& child : children)
             QVERIFY(!child);
-
         const std::unique_ptr<QObject> alone(make(nullptr));
         QVERIFY(!alone->parent());
     }
@@ -294,7 +292,6 @@ private:
     void classes()
     {
         columns<Make, Properties>();
-
         addClass<Calyx::QuestionBase>(question(""));
         addClass<Calyx::QuestionBaseWithOptions>(questionWithOptions(""));
         addClass<Calyx::QuestionYesNo>(questionWithOptions("yes-no-other"));

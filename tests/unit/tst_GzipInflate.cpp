@@ -19,7 +19,6 @@ private Q_SLOTS:
     void inflates_data()
     {
         columns<QByteArray, QByteArray>();
-
         for (const int size : sizes) {
             const QByteArray noise = Gzip::noise(size);
             const QByteArray same(size, 'x');
@@ -41,7 +40,6 @@ private Q_SLOTS:
     void inflates()
     {
         const auto [packed, data] = row<QByteArray, QByteArray>();
-
         const LogRecorder log;
         QVERIFY(gUncompress(packed) == data);
         QVERIFY(log.messages().isEmpty());
@@ -76,7 +74,6 @@ private Q_SLOTS:
     void truncatedDataGivesWhatCameOutUntilThen()
     {
         const auto [packed, data, atLeast] = row<QByteArray, QByteArray, int>();
-
         const LogRecorder log;
         const QByteArray inflated = gUncompress(packed);
         QVERIFY2(inflated.size() >= atLeast, qPrintable(QString::number(inflated.size())));
@@ -109,7 +106,6 @@ private Q_SLOTS:
     void corruptDataGivesNothing()
     {
         const auto [packed] = row<QByteArray>();
-
         const LogRecorder log;
         QVERIFY(gUncompress(packed).isEmpty());
         QVERIFY(log.messages().isEmpty());

@@ -78,7 +78,6 @@ private Q_SLOTS:
         SockJSConnector connector;
         ConnectorProbe probe(&connector);
         const LogRecorder log;
-
         QVERIFY(probe.open(url, {SockJSConnector::PROTOCOL_TYPE(protocol)}));
         QVERIFY(areClean(server));
         QCOMPARE(probe.events(), QStringList());

@@ -192,7 +192,6 @@ private Q_SLOTS:
         QCOMPARE(client.successes, QStringList());
         QCOMPARE(client.failures, QStringList(QString()));
         QCOMPARE(client.errors, {QNetworkReply::OperationCanceledError});
-
         service.expect("/next", Answer::json("{}"));
         client.request("/next");
         QCOMPARE(client.successes, QStringList("{}"));

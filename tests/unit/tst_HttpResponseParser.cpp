@@ -130,14 +130,12 @@ private Q_SLOTS:
         for (const Recordings::Answer& answer : Recordings::all())
             QTest::newRow(qPrintable(answer.name)) << answer.bytes << answer.isStream() << false
                                                    << Parsing(answer.isStream()).add(answer.bytes).events;
-
         const QString inChunks = QStringLiteral("header Transfer-Encoding: chunked");
         const auto length = [](int size) { return QStringLiteral("header Content-Length: %1").arg(size); };
         const auto row = [](const char* name, const QByteArray& bytes, const QStringList& expected,
                             bool streaming = false, bool closed = false) {
             QTest::newRow(name) << bytes << streaming << closed << expected;
         };
-
         row("npm sockjs: one chunk",
             "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\no\n\r\n0\r\n\r\n",
             {inChunks, "last o"});
@@ -208,7 +206,6 @@ private Q_SLOTS:
         row("a length of -1", head("Content-Length: -1\r\n") + "o\n",
             {"header Content-Length: -1", "last o"});
         row("only half an answer", chunkedHead() + "5\r\nab", {inChunks}, false, true);
-
         row("a stream", chunkedHead() + chunk("hhh\n") + chunk("o\n") + chunk("a[\"x\"]\n") + endChunk(),
             {inChunks, "frame hhh", "frame o", "frame a[\"x\"]", "empty"}, true);
         row("a stream with chunks cut anew",
@@ -234,7 +231,6 @@ private Q_SLOTS:
             isBounded = isBounded && !slow.parser.isUnbounded();
         }
         QCOMPARE((closed ? slow.close() : slow).events, expected);
-
         const QList<int> splits = splitsOf(bytes);
         for (int i = 0; i < splits.size(); ++i) {
             const int first = splits.at(i);
@@ -264,7 +260,6 @@ private Q_SLOTS:
         QCOMPARE(event.contentLength, 5);
         QVERIFY(!event.chunked);
         QVERIFY(event.closes);
-
         parser.reset();
         parser.add(chunkedHead("Connection: keep-alive\r\n"));
         event = parser.next();
@@ -282,7 +277,6 @@ private Q_SLOTS:
         QCOMPARE(event.type, Event::Message);
         QCOMPARE(event.endChunkSize, 3);
         QVERIFY(event.ends);
-
         parser.add(plain("o\n"));
         QCOMPARE(parser.next().type, Event::Header);
         QCOMPARE(parser.next().endChunkSize, -1);
@@ -347,7 +341,6 @@ private Q_SLOTS:
         QVERIFY(!parser.isUnbounded());
         parser.endUnbounded();
         QCOMPARE(drain(&parser), QStringList());
-
         parser.reset();
         parser.add(head("") + "abcd");
         drain(&parser);
@@ -384,7 +377,6 @@ private Q_SLOTS:
         QCOMPARE(events.takeLast(), QStringLiteral("broken"));
         QVERIFY(!events.contains(QStringLiteral("broken")));
         QVERIFY(!parser.hasPending());
-
         parser.add(plain("o\n"));
         QCOMPARE(drain(&parser), QStringList());
         QVERIFY(!parser.hasPending());

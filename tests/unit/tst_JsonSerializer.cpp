@@ -466,7 +466,6 @@ private Q_SLOTS:
         // The rest stays as it was.
         QCOMPARE(message.from() + message.type() + message.version() + message.sourceSystem(),
                  QStringLiteral("3.0.0Lumora"));
-
         question.reset();
         QVERIFY(!message.dataobject());
         message.compileData(); // a list, which is no map

@@ -274,7 +274,6 @@ private Q_SLOTS:
         const QByteArray block = blockOf(bytes);
         // What the encoder may use at most, and the header.
         QVERIFY(block.size() <= size + size / 3 + 128 + HEADER);
-
         unsigned char* dest = nullptr;
         QVERIFY(Lzma::decompress(reinterpret_cast<const unsigned char*>(block.constData()),
                                  static_cast<size_t>(block.size()), &dest));
@@ -318,7 +317,6 @@ private Q_SLOTS:
         const QByteArray block = blockOf(QString::fromUtf8(text));
         const QStringList decoded = decodeText(block);
         QTextCodec::setCodecForLocale(before);
-
         QCOMPARE(block, blockOf(text));
         QCOMPARE(decoded, fourTimes(text));
     }

@@ -154,7 +154,6 @@ private Q_SLOTS:
         const QString second = base64(R"(2],"b)");
         const QString third = base64(R"(":"c"})");
         const QString whole = base64(R"({"a":[1,2],"b":"c"})");
-
         const auto bytes = [](const char* text) { return QVariant(QByteArray(text)); };
         const QString text = u8R"({"a":[1,2],"b":"ä😀"})";
         const QVariant map = QJsonDocument::fromJson(text.toUtf8()).toVariant();

@@ -64,7 +64,6 @@ private Q_SLOTS:
     void baseAddressLosesOneTrailingSlash()
     {
         const auto [given, kept] = row<QString, QString>();
-
         QCOMPARE(PresenterClient(nullptr, given).server(), kept);
     }
 
@@ -72,7 +71,6 @@ private Q_SLOTS:
     {
         QObject parent;
         auto* client = new PresenterClient(&parent, "http://127.0.0.1:1");
-
         QCOMPARE(client->parent(), &parent);
         const auto managers = client->findChildren<QNetworkAccessManager*>();
         QCOMPARE(managers.size(), 1);
@@ -86,7 +84,6 @@ private Q_SLOTS:
         service().expect("/tavisto/any?a=b", Answer::json("{}"));
         client().doRequest(true, QUrl(service().url() + "/tavisto/any?a=b"), text,
                            ClientProbe::successHandler());
-
         const FakeService::Request request = service().last();
         QCOMPARE(request.method, QByteArray("POST"));
         QCOMPARE(request.header("accept-encoding"), QByteArray("identity"));
@@ -119,7 +116,6 @@ private Q_SLOTS:
         service().expect("/a", answer);
         const QSignalSpy processed(&client(), SIGNAL(requestProcessed()));
         client().request("/a");
-
         QCOMPARE(client().successes + client().failures, QStringList{body});
         const int seen = client().errors.value(0, QNetworkReply::NoError);
         QVERIFY(error == seen || (error < 0 && seen > 0 && seen < QNetworkReply::ContentAccessDenied));
@@ -140,7 +136,6 @@ private Q_SLOTS:
     {
         service().expect("/a", Answer::json("1"));
         client().request("/a", false);
-
         QVERIFY(service().requests().isEmpty());
         QVERIFY(client().successes.isEmpty());
         QTRY_COMPARE(client().successes, QStringList{"1"});
@@ -160,7 +155,6 @@ private Q_SLOTS:
         QCOMPARE(handledBefore, 1);
         QVERIFY(reply);
         QVERIFY(QMetaObject::invokeMethod(&client(), "slotRequestFinished", Q_ARG(QNetworkReply*, reply)));
-
         QCOMPARE(client().successes, QStringList{"1"});
     }
 
@@ -175,7 +169,6 @@ private Q_SLOTS:
         client().request("/ok");
         client().request("/bad");
         client().request("/moved");
-
         QCOMPARE(replies.size(), 3);
         for (const auto& reply : std::as_const(replies))
             QTRY_VERIFY(reply.isNull());
@@ -189,7 +182,6 @@ private Q_SLOTS:
         const QPointer<QNetworkReply> reply = manager.get(QNetworkRequest(QUrl(service().url() + "/a")));
         QTRY_VERIFY(reply->isFinished());
         QVERIFY(QMetaObject::invokeMethod(&client(), "slotRequestFinished", Q_ARG(QNetworkReply*, reply)));
-
         QCOMPARE(processed.size(), 1);
         QVERIFY(client().successes.isEmpty());
         QTRY_VERIFY(reply.isNull());
@@ -199,7 +191,6 @@ private Q_SLOTS:
     {
         columns<QVariant, QString>();
         // null: none
-
         const auto row = [](const char* name, const QVariant& keys, const QString& error) {
             QTest::newRow(name) << QVariant(QVariantMap{{"errorMsgKeys", keys}}) << error;
         };
@@ -226,7 +217,6 @@ private Q_SLOTS:
     {
         const auto [reply, error] = row<QVariant, QString>();
         QString found = "earlier";
-
         QCOMPARE(client().isErrorInErrorMsgKeys(reply, found), !error.isNull());
         QCOMPARE(found, error);
         QCOMPARE(found.isNull(), error.isNull());
@@ -247,7 +237,6 @@ private Q_SLOTS:
     void connectionOfTheCheckSendsAtOnce()
     {
         service().expect("/tavisto", Answer::json("{}"));
-
         QVERIFY(client().checkServer(QString(), QString()));
         QCOMPARE(ProcessResources::connectionsThatSendAtOnce(service().serverPort()), 1);
     }
@@ -255,7 +244,6 @@ private Q_SLOTS:
     void logsTheBody()
     {
         const Exchange exchange(Answer::json("[1,2]"));
-
         const QStringList lines = exchange.log.debug("[REST Response] ");
         QCOMPARE(lines.size(), 1);
         QVERIFY(lines.first().contains("[1,2]"));
@@ -273,7 +261,6 @@ private Q_SLOTS:
                 [&](QNetworkReply* reply) { errorString = reply->errorString(); });
         const LogRecorder log;
         client().request("/a");
-
         QVERIFY(!errorString.isEmpty());
         QCOMPARE(log.debug("[REST Response] ").size(), 1);
         QString line = log.debug().last();
@@ -302,7 +289,6 @@ private Q_SLOTS:
     {
         const auto [location, server] = row<QByteArray, QString>();
         service().expect("/tavisto", Answer::redirect(location));
-
         QVERIFY(client().checkServer(QString(), QString()));
         QVERIFY(client().isServerReachable());
         QCOMPARE(client().server(), server);
@@ -313,7 +299,6 @@ private Q_SLOTS:
         service().expect("/tavisto/login/submit", Answer::redirect("https://moved.example/"));
         const LogRecorder log;
         const QSignalSpy processed(&client(), SIGNAL(requestProcessed()));
-
         QVERIFY(!client().doLogin("u", "p"));
         QCOMPARE(processed.size(), 1);
         QVERIFY(log.debug("[REST Response]").isEmpty());
@@ -335,7 +320,6 @@ private Q_SLOTS:
         const auto [location] = row<QByteArray>();
         service().expect("/tavisto", Answer::redirect(location));
         service().expect("/a", Answer::redirect(location));
-
         QVERIFY(!client().checkServer(QString(), QString())); // an empty body is no JSON
         client().request("/a");
         QCOMPARE(client().successes.size() + client().failures.size(), 1);
@@ -365,7 +349,6 @@ private Q_SLOTS:
     {
         const auto [encoding, bytes, status, body] = row<QByteArray, QByteArray, int, QString>();
         const Exchange exchange(Answer::json(bytes, status).with("content-encoding", encoding));
-
         QCOMPARE(exchange.client.successes + exchange.client.failures, QStringList{body});
         const QStringList lines = exchange.log.debug("[REST Responze.gzip] Compressed size: ");
         QCOMPARE(lines.size(), encoding == "gzip" ? 1 : 0);

@@ -95,7 +95,6 @@ private Q_SLOTS:
             service().expect(USER, Answer::json(R"({"data":{"userLoginId":"u"}})"));
         service().expect(path, Answer::json("{}"));
         call(client(), values);
-
         body.replace("<server>", service().url().toUtf8());
         for (int i = 0; i < values.size(); ++i)
             body.replace('<' + QByteArray::number(i) + '>', values.at(i).toUtf8());
@@ -123,7 +122,6 @@ private Q_SLOTS:
         auto [registration, body] = row<QString, QByteArray>();
         service().expect(REGISTER, Answer::json("{}"));
         client().doLoginWithOAuth("google", "c", registration);
-
         QCOMPARE(service().last().body, body);
         QVERIFY(registration.isNull());
     }
@@ -202,7 +200,6 @@ private Q_SLOTS:
         if (!path.isEmpty())
             service().expect(path, Answer::json(SUCCESS));
         client().reLogin();
-
         QCOMPARE(service().requests().size() - before, path.isEmpty() ? 0 : 1);
         QCOMPARE(client().isLoggedIn(), wasLoggedIn || !path.isEmpty());
         if (!path.isEmpty())

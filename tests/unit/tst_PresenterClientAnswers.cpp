@@ -305,7 +305,6 @@ private Q_SLOTS:
         // A name and a registration are taken from whatever comes.
         QCOMPARE(change(before, stateOf(client())),
                  QStringLiteral("registration=; no more reachable; no more user=u"));
-
         ClientProbe::giveToAllHandlers(client(), "{}");
         const QStringList after = stateOf(client());
         QCOMPARE(after.filter(QRegularExpression("=.")), QStringList());

@@ -45,7 +45,6 @@ private Q_SLOTS:
         Lesson lesson;
         lesson.client->sessionSuccessResponse(envelope("sessionCode"));
         lesson.client->userNameResponse(envelope("userLoginId"));
-
         QVERIFY(lesson.startWell());
         QCOMPARE(lesson.service.paths(),
                  (QList<QByteArray>{Lesson::ADDRESS, Lesson::FEATURES, Lesson::START, Lesson::JOIN}));
@@ -64,7 +63,6 @@ private Q_SLOTS:
     void opensTheChannelOfTheSession()
     {
         Lesson lesson;
-
         QVERIFY(lesson.startWell());
         PresenterCollab* collab = lesson.collab;
         QVERIFY(collab);
@@ -91,7 +89,6 @@ private Q_SLOTS:
                            Answer::json(R"({"data":{"sessionToken":"tokenToFind"}})"));
         const LogRecorder log;
         QVERIFY(lesson.start());
-
         const QStringList lines = log.debug();
         int connecting = 0;
         while (connecting < lines.size() &&
@@ -134,7 +131,6 @@ private Q_SLOTS:
         PresenterCollab other(nullptr, QString(), QString(), QString(), QString());
         lesson.collab = &other;
         const LogRecorder log;
-
         QVERIFY(!lesson.start());
         QCOMPARE(log.debug("ERROR: Failed to get collab server URL!").size(), steps == 0 ? 1 : 0);
         QCOMPARE(lesson.collab, &other);
@@ -154,7 +150,6 @@ private Q_SLOTS:
         lesson.service.expect(Lesson::FEATURES, Answer::json(Lesson::WEBSOCKET));
         lesson.service.expect(Lesson::START, Answer::json(Lesson::STARTED));
         lesson.service.expect(Lesson::JOIN, Answer::json(Lesson::JOINED));
-
         QVERIFY(lesson.start());
         QCOMPARE(lesson.collab->serverUrl(), lesson.bus.url().toString());
     }
@@ -176,13 +171,11 @@ private Q_SLOTS:
     void tenantNamesTheTransports()
     {
         const auto [status, body, protocols] = row<int, QByteArray, QStringList>();
-
         Lesson lesson;
         lesson.client->getTenantFeatureDetailsResponse(
             R"({"data":{"sockJSProtocols":["websocket","earlier"]}})");
         lesson.expectStart(Answer::json(body, status));
         const LogRecorder log;
-
         QVERIFY(lesson.start());
         QCOMPARE(lesson.client->sockJSProtocols(), protocols);
         const QStringList lines = log.debug("Connecting to collaboration server:");
@@ -223,7 +216,6 @@ private Q_SLOTS:
         Lesson lesson;
         lesson.bus.stopListening();
         lesson.expectStart();
-
         QVERIFY(lesson.client->startWebsocket(nullptr)); // a host may ask the client for the channel
         QVERIFY(lesson.client->collab());
         QVERIFY(!lesson.client->collab()->isConnected());
@@ -237,7 +229,6 @@ private Q_SLOTS:
         const QPointer<PresenterCollab> first = lesson.collab;
         QTRY_VERIFY(first->isConnected());
         QVERIFY(lesson.startWell());
-
         QVERIFY(lesson.collab != first);
         QCOMPARE(lesson.client->collab(), lesson.collab);
         QVERIFY(first);
@@ -263,7 +254,6 @@ private Q_SLOTS:
         lesson.client->setPingInterval(65432);
         lesson.client->setPongLimit(76543);
         lesson.client->setRandomSessionIds(true);
-
         QVERIFY(lesson.startWell());
         const auto* connector = lesson.collab->connector();
         QCOMPARE(connector->openLimit(), 4321);
@@ -285,7 +275,6 @@ private Q_SLOTS:
         lesson.service.expect("/tavisto/login/user", Answer::json(R"({"data":{"userLoginId":"teacher"}})"));
         lesson.service.expect("/tavisto/session/create", Answer::json(R"({"data":{"sessionCode":"2"}})"));
         QVERIFY(lesson.client->doStartSession(QString()));
-
         QVERIFY(lesson.startWell());
         QCOMPARE(lesson.collab->sessionCode(), QStringLiteral("2"));
         QTRY_VERIFY(lesson.collab->isConnected());

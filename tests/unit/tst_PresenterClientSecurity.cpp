@@ -82,7 +82,6 @@ private Q_SLOTS:
         service.expect("/tavisto", Answer::json("{}"));
         PresenterClient client(nullptr, service.url());
         const LogRecorder log;
-
         QVERIFY(client.checkServer(QString(), QString()));
         QVERIFY(client.lastError().isNull());
         QVERIFY(log.debug("+++ SSL Config +++").isEmpty());
@@ -102,13 +101,11 @@ private Q_SLOTS:
     void unknownRootIsReported()
     {
         const auto [certificate, withRoot] = row<QString, bool>();
-
         QSslConfiguration tls = TestCertificates::server(certificate);
         if (!withRoot)
             tls.setLocalCertificateChain({TestCertificates::certificate(certificate)});
         FakeService service(tls);
         PresenterClient client(nullptr, service.url());
-
         QVERIFY(!client.checkServer(QString(), QString()));
         QCOMPARE(client.lastError(), QStringLiteral("SSLRootCertificateMissing"));
         QVERIFY(service.requests().isEmpty());
@@ -117,7 +114,6 @@ private Q_SLOTS:
     void knownRootIsNotCalledMissing_data()
     {
         columns<QString, bool>();
-
         for (const char* certificate : {"elsewhere", "expired"}) {
             QTest::addRow("%s, known to Qt's configuration", certificate) << certificate << true;
             QTest::addRow("%s, known to the system", certificate) << certificate << false;
@@ -126,7 +122,6 @@ private Q_SLOTS:
     void knownRootIsNotCalledMissing()
     {
         const auto [certificate, isConfigured] = row<QString, bool>();
-
         std::unique_ptr<TestCertificates::TrustedRoot> trusted;
         if (isConfigured)
             trusted = std::make_unique<TestCertificates::TrustedRoot>();
@@ -136,7 +131,6 @@ private Q_SLOTS:
         FakeService service(TestCertificates::server(certificate));
         PresenterClient client(nullptr, service.url());
         const LogRecorder log;
-
         const bool reached = client.checkServer(QString(), QString());
         systemAuthorities.clear();
         QVERIFY(!reached);
@@ -189,7 +183,6 @@ private Q_SLOTS:
     void emptyPeerChainMatchesOnlyANamelessRoot()
     {
         const auto [roots, error] = row<QStringList, QString>();
-
         QList<QSslCertificate> certificates;
         for (const QString& root : roots)
             certificates.append(TestCertificates::certificate(root));
@@ -200,7 +193,6 @@ private Q_SLOTS:
                                       QSslError(QSslError::NoSslSupport)};
         QVERIFY(QMetaObject::invokeMethod(&client, "slotSslErrors", Q_ARG(QNetworkReply*, &reply),
                                           Q_ARG(QList<QSslError>, errors)));
-
         QCOMPARE(client.lastError(), error);
         QCOMPARE(client.lastError().isNull(), error.isNull());
         QCOMPARE(log.debug("ssl error ").size(), 2);
@@ -212,7 +204,6 @@ private Q_SLOTS:
         service().expect("/tavisto", challenge());
         QVERIFY(!client().checkServer(QString(), QString()));
         QVERIFY(service().last().header("authorization").isNull());
-
         service().expect("/tavisto", challenge());
         service().expect("/tavisto", challenge());
         QVERIFY(!client().checkServer("user", "wrong"));

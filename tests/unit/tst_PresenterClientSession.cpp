@@ -49,7 +49,6 @@ private Q_SLOTS:
     {
         createSession(client());
         const LogRecorder log;
-
         QVERIFY(!client().doGetLearners());
         QVERIFY(!client().doStopSession());
         QCOMPARE(log.debug(), QStringList({"[PresenterClient] No session to get users for!",
@@ -68,7 +67,6 @@ private Q_SLOTS:
         client().getCollabUrlResponse(R"({"data":{"url":"a"}})");
         client().sessionJoinResponse(R"({"data":{"userToken":"U"}})");
         client().doStopSession();
-
         QVERIFY(client().sessionToken().isNull());
         QVERIFY(client().sessionCode().isNull());
         QCOMPARE(client().learners().size(), 1);
@@ -87,7 +85,6 @@ private Q_SLOTS:
         bool openMeanwhile = true;
         lesson.service.expect(STOP,
                               Answer::json("{}").then([&] { openMeanwhile = lesson.collab->isConnected(); }));
-
         QVERIFY(lesson.client->doStopSession());
         QVERIFY(!openMeanwhile);
         QTRY_COMPARE(closed.size(), 1);
@@ -100,7 +97,6 @@ private Q_SLOTS:
         service().expect(STOP, Answer::json("{}"));
         openSession(client());
         deleteClient();
-
         QCOMPARE(service().last().body, QByteArray(R"({"sessionToken":"T"})"));
     }
 
@@ -120,7 +116,6 @@ private Q_SLOTS:
         service().expect(STOP, Answer::never().then([] { TimerClock::advance(10600); }));
         openSession(client());
         deleteClient();
-
         QTRY_COMPARE(service().abandoned(), 1);
     }
 
@@ -135,7 +130,6 @@ private Q_SLOTS:
             QTimer::singleShot(0, &service(), [&] { service().release(); });
         }));
         deleteClient();
-
         QVERIFY(service().isUsedUp());
     }
 
@@ -148,7 +142,6 @@ private Q_SLOTS:
             lesson.bus.nextMessage(); // the registrations
         lesson.service.expect(STOP, Answer::json("{}"));
         lesson.client.reset();
-
         QVERIFY(!collab);
         QVERIFY(lesson.bus.nextMessage().contains(R"("type":"disconnect")"));
         QTRY_COMPARE(lesson.bus.endedSessions(), 1);
@@ -177,7 +170,6 @@ private Q_SLOTS:
         service().expect(UPLOAD, Answer::json(STORED));
         QString id;
         QString path;
-
         QVERIFY(client().doUploadResource(fileName, data, &id, &path));
         const FakeService::Request request = service().last();
         QCOMPARE(PresenterClient::MULTIPART_BOUNDARY, QStringLiteral("----boundary"));

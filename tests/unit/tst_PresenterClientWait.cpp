@@ -88,7 +88,6 @@ private Q_SLOTS:
         QElapsedTimer elapsed;
         elapsed.start();
         client().request("/a");
-
         QVERIFY2(elapsed.elapsed() >= 9500 && elapsed.elapsed() < 12000,
                  qPrintable(QString::number(elapsed.elapsed())));
         QVERIFY(client().successes.isEmpty());
@@ -104,7 +103,6 @@ private Q_SLOTS:
         service().expect("/a", Answer::json("1"));
         QCoreApplication::quit();
         client().request("/a");
-
         QCOMPARE(client().successes, QStringList{"1"});
         forgetQuit();
     }
@@ -117,7 +115,6 @@ private Q_SLOTS:
             QTimer::singleShot(0, &service(), [&] { service().release(); });
         }));
         client().request("/a");
-
         QCOMPARE(client().successes, QStringList{"1"});
         QCOMPARE(service().abandoned(), 0);
     }
@@ -127,7 +124,6 @@ private Q_SLOTS:
         service().expect("/a",
                          Answer::stalled(R"({"data":{}})").then([] { TimerClock::advance(PAST_THE_LIMIT); }));
         client().request("/a");
-
         QVERIFY(client().successes.isEmpty());
         QCOMPARE(client().errors, QList<QNetworkReply::NetworkError>{QNetworkReply::OperationCanceledError});
         QTRY_COMPARE(service().abandoned(), 1);
@@ -140,7 +136,6 @@ private Q_SLOTS:
         rows<Operation>({
             {"startWebsocket, first request", noAddress},
         });
-
         for (const auto& operation : operations())
             QTest::newRow(operation.first) << operation.second;
     }
@@ -153,7 +148,6 @@ private Q_SLOTS:
                          Answer::never().then([] { TimerClock::advance(PAST_THE_LIMIT); }));
         operation.prepare(&client());
         const QSignalSpy processed(&client(), SIGNAL(requestProcessed()));
-
         QCOMPARE(operation.call(&client()), operation.timedOut);
         QCOMPARE(processed.size(), operation.paths.size());
         QVERIFY(client().lastError().isNull());
@@ -171,7 +165,6 @@ private Q_SLOTS:
             const QSignalBlocker blocker(&client());
             client().request("/own");
         }
-
         QCOMPARE(client().successes, QStringList{"own"});
         QVERIFY(client().failures.isEmpty());
     }
@@ -183,7 +176,6 @@ private Q_SLOTS:
         QTRY_COMPARE(service().requests().size(), 1);
         TimerClock::advance(2 * PAST_THE_LIMIT);
         service().release();
-
         QTRY_COMPARE(client().successes, QStringList{"1"});
     }
 
@@ -198,7 +190,6 @@ private Q_SLOTS:
                 QTimer::singleShot(0, &service(), [&] { service().release(); });
         });
         client().request("/own");
-
         QCOMPARE(client().successes, (QStringList{"early", "own"}));
     }
 
@@ -219,7 +210,6 @@ private Q_SLOTS:
         client().request("/own");
         QCOMPARE(client().successes, own);
         service().release();
-
         QTRY_COMPARE(client().successes, own + QStringList("slow"));
     }
 
@@ -241,7 +231,6 @@ private Q_SLOTS:
                 });
         });
         outerReturned = client().doLogin("u", "p");
-
         QVERIFY(outerReturned);
         QVERIFY(innerReachable);
     }
@@ -257,7 +246,6 @@ private Q_SLOTS:
             });
         }));
         service().expect("/tavisto/login/keepSessionAlive", Answer::json("{}"));
-
         QVERIFY(client().doLogin("u", "p"));
         QVERIFY(keptAlive);
         QCOMPARE(service().abandoned(), 0);
@@ -274,7 +262,6 @@ private Q_SLOTS:
             if (client().isLoggedIn() && service().isHolding())
                 QTimer::singleShot(0, &service(), [&] { service().release(); });
         });
-
         QVERIFY(client().doLogin("u", "p"));
         QTRY_VERIFY(client().isServerReachable());
         QCOMPARE(service().abandoned(), 0);
@@ -288,7 +275,6 @@ private Q_SLOTS:
     void keepAliveDoesNotProlongTheOuterOperation()
     {
         const bool isAnswered = std::get<0>(row<bool>()); // not a binding: lambdas take it
-
         service().expect("/tavisto/login/submit", Answer::json(ALL_IS_WELL).held().then([&] {
             TimerClock::advance(PAST_THE_LIMIT / 2);
             QTimer::singleShot(0, &client(), [&] { QMetaObject::invokeMethod(&client(), "onPingTimer"); });
@@ -299,7 +285,6 @@ private Q_SLOTS:
             else
                 TimerClock::advance(PAST_THE_LIMIT / 2);
         }));
-
         const QSignalSpy processed(&client(), SIGNAL(requestProcessed()));
         QCOMPARE(client().doLogin("u", "p"), isAnswered);
         QCOMPARE(processed.size(), 1);
@@ -316,7 +301,6 @@ private Q_SLOTS:
             if (!client().isServerReachable())
                 client().sendKeepAlive();
         });
-
         QVERIFY(client().doLogin("u", "p"));
         QVERIFY(!client().isServerReachable());
         QTRY_VERIFY(service().isHolding());
@@ -330,7 +314,6 @@ private Q_SLOTS:
         service().expect("/a", Answer::json("1"));
         const int before = client().findChildren<QTimer*>().size();
         client().request("/a");
-
         QTRY_COMPARE(client().findChildren<QTimer*>().size(), before);
     }
 
@@ -371,7 +354,6 @@ private Q_SLOTS:
             thread.quit();
         });
         thread.start();
-
         QVERIFY(waitFor([&] { return ended; }));
         QVERIFY(thread.wait());
         QVERIFY(service().isUsedUp());
@@ -409,7 +391,6 @@ private Q_SLOTS:
         prepare(client(), service());
         const int before = service().requests().size();
         advance(2 * PERIOD);
-
         QCOMPARE(service().requests().size(), before);
     }
 
@@ -424,7 +405,6 @@ private Q_SLOTS:
         QCOMPARE(service().requests().size(), 2);
         service().expect(KEEP_ALIVE, Answer::json("{}"));
         advance(PERIOD - 40000);
-
         QVERIFY(service().isUsedUp());
     }
 
@@ -437,7 +417,6 @@ private Q_SLOTS:
         QVERIFY(loginByPassword(client()));
         client().doLogout();
         advance(2 * PERIOD);
-
         QCOMPARE(service().requests().size(), 2);
     }
 
@@ -455,7 +434,6 @@ private Q_SLOTS:
             if (service().isHolding())
                 QTimer::singleShot(0, &service(), [&] { service().release(); });
         });
-
         QCOMPARE(client().doGetUserName(), QStringLiteral("u"));
         QVERIFY(client().isServerReachable());
         QCOMPARE(service().abandoned(), 0);
@@ -491,7 +469,6 @@ private Q_SLOTS:
             disconnect(connection); // the destructor makes requests as well
             destroy(client, service());
         });
-
         const QPointer<QNetworkAccessManager> manager = client->findChild<QNetworkAccessManager*>();
         const QVariant result = operation.call(client);
         QVERIFY(!client);
@@ -517,7 +494,6 @@ private Q_SLOTS:
         const std::tuple<Hosts, Hosts> hosts = row<Hosts, Hosts>();
         const auto& before = std::get<0>(hosts);
         const auto& meanwhile = std::get<1>(hosts);
-
         const QPointer<QObject> owner = new QObject;
         auto* client = new PresenterClient(owner, service().url());
         client->setProperty("owner", QVariant::fromValue(owner.data()));
@@ -534,7 +510,6 @@ private Q_SLOTS:
             before(client);
             delete client;
         });
-
         QTRY_VERIFY(service().isUsedUp() && ends > 0);
         delete owner;
         QCOMPARE(ends, 1);

@@ -44,7 +44,6 @@ private Q_SLOTS:
     {
         QObject parent;
         auto* session = new PresenterCollab(&parent, "http://h/b", "123456", "token", "user");
-
         QCOMPARE(session->parent(), &parent);
         QCOMPARE(session->serverUrl(), QStringLiteral("http://h/b"));
         QCOMPARE(session->sessionCode(), QStringLiteral("123456"));
@@ -75,9 +74,7 @@ private Q_SLOTS:
     void openUsesTheDefaultTransports()
     {
         server().setUpgrade(Server::Refuse403);
-
         collab()->open();
-
         const auto logged = log().debug("Connecting to collaboration server (default):");
         QCOMPARE(logged.size(), 1);
         QVERIFY(logged.first().contains(collab()->serverUrl()));
@@ -91,9 +88,7 @@ private Q_SLOTS:
     void openUsesTheNamedTransports()
     {
         server().setFirstFrames({});
-
         collab()->open({"carrier-pigeon", "xhr-polling"});
-
         const auto logged = log().debug("Connecting to collaboration server:");
         QCOMPARE(logged.size(), 1);
         const auto text = logged.first();
@@ -110,9 +105,7 @@ private Q_SLOTS:
         QVERIFY(!collab()->isConnected());
         QVERIFY(!pingTimer()->isActive());
         QVERIFY(m_session->nothingWasSent());
-
         server().inject("o");
-
         QVERIFY(m_session->readRegisters());
         QVERIFY(collab()->isConnected());
         QVERIFY(pingTimer()->isActive());
@@ -125,7 +118,6 @@ private Q_SLOTS:
         QVERIFY(pingTimer()->isActive());
         QCOMPARE(pingTimer()->interval(), 60000);
         QVERIFY(!pingTimer()->isSingleShot());
-
         for (int i = 0; i < 3; ++i) {
             TimerClock::advance(60000);
             QCOMPARE(server().nextMessage(), pingMessage);
@@ -139,7 +131,6 @@ private Q_SLOTS:
         collab()->sendPing();
         QVERIFY(QMetaObject::invokeMethod(collab(), "onPingTimer"));
         QVERIFY(log().messages().isEmpty());
-
         server().setUpgrade(Server::Mute);
         collab()->open({"websocket"});
         QVERIFY(!collab()->isConnected());
@@ -153,7 +144,6 @@ private Q_SLOTS:
         const auto release = qScopeGuard(WallClock::release);
         QVERIFY(m_session->open());
         QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
-
         WallClock::advance(3600);
         collab()->publishMessage("type", "1");
         QCOMPARE(m_session->nextPublish().type, QStringLiteral("type"));
@@ -163,7 +153,6 @@ private Q_SLOTS:
         WallClock::advance(3600);
         QVERIFY(QMetaObject::invokeMethod(collab()->connector(), "onTimeout"));
         QVERIFY(collab()->isConnected());
-
         collab()->sendPing();
         WallClock::advance(1);
         QVERIFY(QMetaObject::invokeMethod(collab()->connector(), "onTimeout"));
@@ -182,7 +171,6 @@ private Q_SLOTS:
         QSignalSpy commands(collab(), SIGNAL(remoteControl(RemoteControlMessage)));
         QSignalSpy others(collab(), SIGNAL(unhandledMessage(QVariantMap, QVariant)));
         const auto client = [](const char* type) { return QVariantMap{{"token", "t1"}, {"type", type}}; };
-
         m_session->receive("pollResponse", "d1",
                            {{"pollId", "p1"}, {"responseTime", 2500}, {"blob", QVariantMap{{"input", "x"}}}});
         m_session->receive("join", "d2", {{"userName", "Ann"}, {"deviceType", "tablet"}});
@@ -192,7 +180,6 @@ private Q_SLOTS:
         m_session->receive("somethingNew", "d4", {{"a", 1}});
         m_session->receive("questionGet", "d5", {{"questionNumber", 3}}); // which is not relayed
         QVERIFY(m_session->syncInbound());
-
         QCOMPARE(answers, QList<QVariantList>({{"d1", "p1", 2500, "x"}}));
         QCOMPARE(departures, QList<QVariantList>({{"t1"}}));
         QCOMPARE(controllers, QList<QVariantList>({{false}}));
@@ -230,10 +217,8 @@ private Q_SLOTS:
         const auto [address, resolved, data] = row<QString, QString, QString>();
         QVERIFY(m_session->open());
         m_session->forgetLog();
-
         collab()->publishMessage(address, "someType", data);
         collab()->publishMessage64(address, "someType", data);
-
         for (int i = 0; i < 2; ++i)
             QCOMPARE(nextPublish(qPrintable(resolved), "someType").data, data);
         QVERIFY2(log().messages().isEmpty(), "a compressed publish is not logged");
@@ -243,12 +228,10 @@ private Q_SLOTS:
     {
         m_session = std::make_unique<LiveSession>("t%1", "u%2%3");
         QVERIFY(m_session->open()); // reads the registers
-
         collab()->publishMessage(".%1%3", "%0%3", "%1 %2");
         auto publish = m_session->nextPublish();
         QCOMPARE(publish.text, LiveSession::compressedFrame("t%1.%1%3", "u%2%3", "%0%3", publish.base64));
         QCOMPARE(publish.data, QStringLiteral("%1 %2"));
-
         CalyxCollabMessage message;
         message.settype("%1");
         collab()->publishMessage("%1", &message);
@@ -266,7 +249,6 @@ private Q_SLOTS:
         QTRY_VERIFY(!collab()->isConnected());
         collab()->publishMessage("type", "1");
         QCOMPARE(dropped(), 1);
-
         server().setUpgrade(Server::Mute);
         collab()->open({"websocket"});
         collab()->publishMessage("type", "2");
@@ -293,9 +275,7 @@ private Q_SLOTS:
         message.settype("someType");
         message.setdata(map);
         m_session->forgetLog();
-
         collab()->publishMessage(address, &message);
-
         const auto publish = m_session->nextPublish();
         const auto json =
             QStringLiteral("{\n    \"data\": [\n        \"%1\"\n    ],\n    \"from\": \"teacher-7\",\n"
@@ -309,7 +289,6 @@ private Q_SLOTS:
         QCOMPARE(publish.data, data);
         QCOMPARE(message.from(), QStringLiteral("teacher-7"));
         QCOMPARE(message.data(), QVariant(QVariantList{publish.base64}));
-
         const auto transmitted = log().debug("TRANSMIT: ");
         QCOMPARE(transmitted.size(), 1);
         QVERIFY2(unquoted(transmitted.first()).contains(frame), qPrintable(transmitted.first()));
@@ -337,9 +316,7 @@ private Q_SLOTS:
         collab()->removeLearner("d1");
         QCOMPARE(gone.takeFirst().first().toString(), QStringLiteral("d1"));
         QVERIFY(m_session->open());
-
         collab()->removeLearner("d%1");
-
         QCOMPARE(gone.size(), 1);
         QCOMPARE(gone.first().first().toString(), QStringLiteral("d%1"));
         const auto publish = m_session->nextPublish();
@@ -352,9 +329,7 @@ private Q_SLOTS:
     {
         QVERIFY(m_session->open());
         QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
-
         collab()->close();
-
         QVERIFY(!collab()->isConnected());
         QVERIFY(!pingTimer()->isActive());
         QCOMPARE(closed.size(), 0);
@@ -365,7 +340,6 @@ private Q_SLOTS:
         QTRY_COMPARE(closed.size(), 1);
         QCOMPARE(closed.first().first().toBool(), false);
         QTRY_COMPARE(server().endedSessions(), 1);
-
         collab()->close();
         QVERIFY(m_session->open());
         QVERIFY(m_session->syncInbound());
@@ -379,9 +353,7 @@ private Q_SLOTS:
         collab()->open({"websocket"});
         collab()->close();
         QCOMPARE(dropped(), 1);
-
         server().inject("o");
-
         QTRY_COMPARE(server().endedSessions(), 1);
         QVERIFY2(server().unreadFrames().isEmpty(),
                  qPrintable(server().unreadFrames().join(QLatin1Char('\n'))));
@@ -403,14 +375,12 @@ private Q_SLOTS:
         const auto [ofTheConnector] = row<bool>();
         QVERIFY(m_session->open());
         server().setUpgrade(Server::Refuse403);
-
         if (ofTheConnector) {
             collab()->connector()->open(server().url(), {SockJSConnector::WEBSOCKET});
             QVERIFY(QMetaObject::invokeMethod(collab(), "onPingTimer"));
         } else {
             collab()->open({"websocket"});
         }
-
         QVERIFY(!pingTimer()->isActive());
     }
 
@@ -450,9 +420,7 @@ private Q_SLOTS:
     {
         QVERIFY(m_session->open());
         QSignalSpy closed(collab(), &PresenterCollab::connectionClosed);
-
         server().closeSession();
-
         QTRY_COMPARE(closed.size(), 1);
         QCOMPARE(closed.first().first().toBool(), false);
         QVERIFY(!collab()->isConnected());

@@ -152,7 +152,6 @@ private Q_SLOTS:
         const auto [bytes, reference, background] = row<QByteArray, QString, QVariant>();
         collab()->setCardImage(bytes);
         collab()->setCardImageRef(reference);
-
         for (int type : {1, 5}) {
             const auto question = startedQuestion(POLL_TYPE(type), Calyx::OrdinalType::YES_NO, 2);
             const auto card = question.value("card").toMap();
@@ -173,10 +172,8 @@ private Q_SLOTS:
     {
         collab()->setCardImageRef("p.png");
         const auto children = collab()->findChildren<QObject*>().size();
-
         startedQuestion(Calyx::PollType::MULTIPLE, Calyx::OrdinalType::ALPHA_UPPER, 4);
         startedQuestion(Calyx::PollType::TEXT, Calyx::OrdinalType::ALPHA_UPPER, 4);
-
         QTRY_VERIFY(collab()->findChildren<Calyx::QuestionBase*>().isEmpty());
         QVERIFY(collab()->findChildren<Calyx::CalyxCollabMessage*>().isEmpty());
         QCOMPARE(collab()->findChildren<QObject*>().size(), children);
@@ -200,9 +197,7 @@ private Q_SLOTS:
     {
         const auto [type, ordinal, count, typeName, ordinalName, options] =
             row<int, int, int, QString, QString, QString>();
-
         collab()->startPoll(POLL_TYPE(type), ORDINAL_TYPE(ordinal), count, 9);
-
         QCOMPARE(nextPublish("abc", "poll").data,
                  document(typeName, ordinalName, options, collab()->currentPollId()));
         QVERIFY(m_session->nothingWasSent());
@@ -224,9 +219,7 @@ private Q_SLOTS:
         QVERIFY(m_session->open());
         collab()->setCardImage(bytes);
         collab()->setCardImageRef(reference);
-
         collab()->startPoll(Calyx::PollType::WORD_SEED, Calyx::OrdinalType::GENERIC, 0, 0);
-
         const QString id = collab()->currentPollId();
         QCOMPARE(nextPublish("t%4%7", "poll").data,
                  document("word-seed", "generic", QString(), id, "t%4%7", image));
@@ -237,7 +230,6 @@ private Q_SLOTS:
     {
         const auto [type] = row<int>();
         QStringList ids;
-
         for (int i = 0; i < 5; ++i) {
             collab()->startPoll(POLL_TYPE(type), Calyx::OrdinalType::ALPHA_UPPER, 2, 1);
             const auto id = collab()->currentPollId();
@@ -254,16 +246,13 @@ private Q_SLOTS:
     void theCurrentQuestionIdIsThatOfTheAnswers()
     {
         QVERIFY(collab()->currentQuestionId().isEmpty());
-
         auto question = startedQuestion(Calyx::PollType::TEXT, Calyx::OrdinalType::GENERIC, 0);
         QCOMPARE(collab()->currentQuestionId().size(), 8);
         QCOMPARE(collab()->currentQuestionId(), question.value("id").toString());
         QVERIFY(collab()->currentQuestionId() != collab()->currentPollId());
-
         collab()->startPoll(Calyx::PollType::WORD_SEED, Calyx::OrdinalType::GENERIC, 0, 0);
         QVERIFY(collab()->currentQuestionId().isEmpty());
         QCOMPARE(m_session->nextPublish().type, QStringLiteral("poll"));
-
         Calyx::QuestionYesNo mine;
         mine.setID("mine");
         collab()->sendQuestion(&mine);
@@ -280,7 +269,6 @@ private Q_SLOTS:
         startedQuestion(Calyx::PollType::TEXT, Calyx::OrdinalType::GENERIC, 0);
         const QString id = collab()->currentPollId();
         const QString quoted = '"' + id + '"';
-
         collab()->pausePoll();
         QCOMPARE(nextPublish("abc", "pause").data, quoted);
         collab()->resumePoll();
@@ -289,14 +277,12 @@ private Q_SLOTS:
         collab()->setCardImage(QByteArray());
         QCOMPARE(collab()->getCardImageRef(false), QStringLiteral("p.png"));
         collab()->setCardImage("png");
-
         collab()->stopPoll();
         QCOMPARE(nextPublish("abc", "pollStop").data, quoted);
         QVERIFY(collab()->currentPollId().isEmpty());
         m_session->forgetLog();
         QCOMPARE(collab()->getCardImageRef(true), QString());
         QCOMPARE(log().debug("[PresenterCollab] No image reference has been set!").size(), 1);
-
         collab()->stopPoll();
         QCOMPARE(nextPublish("abc", "pollStop").data, QStringLiteral("\"\""));
         QVERIFY(collab()->currentPollId().isEmpty());
@@ -306,9 +292,7 @@ private Q_SLOTS:
     {
         Calyx::QuestionMultiChoice question;
         question.addActivityOption("A", "x [ 1 ]", 1);
-
         collab()->sendQuestion(".user.d1", &question);
-
         const auto publish = m_session->nextPublish();
         QCOMPARE(publish.address, QStringLiteral("abc.user.d1"));
         QCOMPARE(publish.type, QStringLiteral("questionStart"));
@@ -344,10 +328,8 @@ private Q_SLOTS:
     {
         QObject parent;
         const QPointer<Calyx::QuestionText> question = new Calyx::QuestionText(&parent);
-
         collab()->sendQuestion(question);
         collab()->sendQuestion(question);
-
         QCOMPARE(m_session->nextPublish().type, QStringLiteral("questionStart"));
         QCOMPARE(m_session->nextPublish().type, QStringLiteral("questionStart"));
         m_session->deleteCollab();
@@ -381,9 +363,7 @@ private Q_SLOTS:
             row<QByteArray, QString, bool, QString, int>();
         collab()->setCardImage(bytes);
         collab()->setCardImageRef(reference);
-
         QCOMPARE(collab()->getCardImageRef(asCssUrl), expected);
-
         QCOMPARE(log().debug(noReference).size(), logged);
     }
 
@@ -426,9 +406,7 @@ private Q_SLOTS:
         collab()->setCardImageRef(reference);
         const QString url = collab()->getCardImageRef(false);
         m_session->forgetLog();
-
         collab()->showImageCard(checkHeavy);
-
         QCOMPARE(log().debug(noReference).size(), url.isEmpty() ? 1 : 0);
         if (announced)
             QCOMPARE(nextPublish("abc.learner", "heavy").data, QStringLiteral("\"%0\""));
@@ -546,7 +524,6 @@ private Q_SLOTS:
         Calyx::QuestionMultiChoice question;
         question.setquestionNumber(4);
         question.addActivityOption("A", QString(), 1);
-
         QCOMPARE(m_assessment->start(id, &options), true);
         auto publish = m_session->nextPublish();
         QCOMPARE(publish.address, address);
@@ -554,7 +531,6 @@ private Q_SLOTS:
         QCOMPARE(publish.from, QStringLiteral("teacher-7"));
         QCOMPARE(publish.data, Calyx::JsonSerializer::serializeToJson(&options));
         QCOMPARE(publish.map().value("assessmentToken").toString(), m_assessment->assessmentToken());
-
         QCOMPARE(m_assessment->sendQuestion(id, &question), true);
         publish = m_session->nextPublish();
         QCOMPARE(publish.address, address);
@@ -568,7 +544,6 @@ private Q_SLOTS:
         QCOMPARE(publish.map().value("metadata").toMap().value("ordinalType").toString(),
                  QStringLiteral("alpha-upper"));
         QCOMPARE(collab()->currentQuestionId(), question.id());
-
         m_assessment->stop();
         publish = m_session->nextPublish();
         QCOMPARE(publish.address, QStringLiteral("abc"));
@@ -581,7 +556,6 @@ private Q_SLOTS:
     {
         startedQuestion(Calyx::PollType::TEXT, Calyx::OrdinalType::GENERIC, 0);
         const QString quoted = '"' + collab()->currentPollId() + '"';
-
         m_assessment->pause();
         QCOMPARE(nextPublish("abc", "pause").data, quoted);
         m_assessment->resume();
@@ -611,7 +585,6 @@ private Q_SLOTS:
         m_assessment->sendMessage(id, text, isDismissible, review);
         if (id.isEmpty())
             m_assessment->sendMessage(text, isDismissible, review);
-
         for (int i = 0; i < (id.isEmpty() ? 2 : 1); ++i) {
             const auto publish = m_session->nextPublish();
             QCOMPARE(publish.address, address);
@@ -636,11 +609,9 @@ private Q_SLOTS:
         PresenterAssessment two(nullptr, collab());
         QSignalSpy requests(m_assessment.get(), SIGNAL(learnerGetQuestion(QString, int)));
         QSignalSpy others(&two, SIGNAL(learnerGetQuestion(QString, int)));
-
         m_session->receive("questionGet", "d1", {{"questionNumber", 3}});
         m_session->receive("questionGet", "d2", {});
         QVERIFY(m_session->syncInbound());
-
         QCOMPARE(requests, QList<QVariantList>({{"d1", 3}, {"d2", 0}}));
         QCOMPARE(others.size(), 2);
     }
@@ -659,7 +630,6 @@ private Q_SLOTS:
         Calyx::QuestionMultiChoice question;
         if (isGone)
             m_session->deleteCollab();
-
         QCOMPARE(m_assessment->start(QString(), &options), true);
         QCOMPARE(m_assessment->sendQuestion("d1", &question), true);
         m_assessment->stop();
@@ -694,10 +664,8 @@ private Q_SLOTS:
             else
                 collab()->close();
         });
-
         m_session->receive("questionGet", "d1", {{"questionNumber", 1}});
         QTRY_COMPARE(calls, 1);
-
         if (m_assessment) {
             QTRY_COMPARE(server().openConnections(), 0);
         } else {
@@ -710,11 +678,9 @@ private Q_SLOTS:
     void messagesAreFreed()
     {
         Calyx::AssessmentOptions options;
-
         m_assessment->start(QString(), &options);
         m_assessment->stop();
         m_assessment->sendMessage("Hi", true, false);
-
         QTRY_VERIFY(m_assessment->children().isEmpty());
         QVERIFY(collab()->findChildren<Calyx::CalyxCollabMessage*>().isEmpty());
     }

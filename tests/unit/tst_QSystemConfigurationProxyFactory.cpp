@@ -264,7 +264,6 @@ private Q_SLOTS:
         else
             QNetworkProxyFactory::setApplicationProxyFactory(new AskingFactory);
         openOnce();
-
         // The system may also say what to do without that proxy.
         const QStringList expected = proxies.mid(0, isOurs ? -1 : 1);
         QCOMPARE(describe(QSystemConfigurationProxyFactory().queryProxy(query)), expected);

@@ -63,7 +63,6 @@ private Q_SLOTS:
     void onlyTheFirstEntryCounts_data()
     {
         columns<QList<QNetworkProxy>, QString>();
-
         const QNetworkProxy none(QNetworkProxy::NoProxy);
         const QNetworkProxy http = entry(QNetworkProxy::HttpProxy, "h.test", 3128);
         const QNetworkProxy caching =

@@ -87,13 +87,11 @@ private Q_SLOTS:
         QVERIFY(!line.connection.isClosed());
         QVERIFY(!line.connection.hasBytes());
         QVERIFY(!line.stop);
-
         line.connection.write("question");
         QTRY_COMPARE(server.received(0), QByteArray("question"));
         server.sendNow("answer");
         QCOMPARE(line.read(), QByteArray("answer"));
         QVERIFY(!line.connection.hasBytes());
-
         line.connection.write("lost");
         line.connection.drop();
         QVERIFY(line.connection.isUnconnected());
@@ -123,7 +121,6 @@ private Q_SLOTS:
         QVERIFY(line.connection.isUnconnected());
         QVERIFY(!line.connection.isClosed());
         QVERIFY(!line.stop);
-
         QVERIFY(server.listenAgain());
         QVERIFY(line.connectLine(waiting));
         QVERIFY(line.connection.isConnected());

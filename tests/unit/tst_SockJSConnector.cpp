@@ -36,7 +36,6 @@ private Q_SLOTS:
     void protocolTableNamesTheThreeTransports()
     {
         const auto table = SockJSConnector::PROTOCOL_TYPE_STR();
-
         QCOMPARE(table.size(), 3);
         QCOMPARE(table.value(Protocol(1)), QStringLiteral("websocket"));
         QCOMPARE(table.value(Protocol(2)), QStringLiteral("xhr-streaming"));
@@ -69,7 +68,6 @@ private Q_SLOTS:
     void protocolsAreFoundByTheirNames()
     {
         const auto [names, expected, defaults] = row<QStringList, Protocols, bool>();
-
         QCOMPARE(SockJSConnector::GetProtocolsFromStrings(names), expected);
         QCOMPARE(m_log->debug(noProtocols).size(), defaults ? 1 : 0);
     }
@@ -99,10 +97,8 @@ private Q_SLOTS:
     {
         QVERIFY(openSession());
         const auto frame = utf8("[\n    \"h\xc3\xa9 \\\"%1\\\" [y]\"\n]\n");
-
         m_connector->sendMessage(utf8("h\xc3\xa9 \"%1\" [ y ]"), false);
         m_connector->sendMessage(utf8("h\xc3\xa9 \"%1\" [ y ]"), true);
-
         QCOMPARE(m_server->nextFrame(), frame);
         QCOMPARE(m_server->nextFrame(), frame);
     }
@@ -126,7 +122,6 @@ private Q_SLOTS:
         m_connector->sendMessage(QStringLiteral("between"), false);
         QVERIFY(m_log->messages().isEmpty());
         QVERIFY(openSession());
-
         m_connector->sendMessage(QStringLiteral("after"), false);
         QCOMPARE(m_server->nextMessage(), QStringLiteral("after"));
         QVERIFY(m_server->unreadFrames().isEmpty());
@@ -137,9 +132,7 @@ private Q_SLOTS:
         m_server->setUpgrade(Server::Mute);
         QVERIFY(m_probe->open(m_server->url(), webSocket));
         QVERIFY(!m_connector->isConnected());
-
         m_connector->sendMessage(QStringLiteral("early"), false);
-
         QCOMPARE(m_server->nextMessage(), QStringLiteral("early"));
     }
 
@@ -171,10 +164,8 @@ private Q_SLOTS:
         const auto [frame, messages] = row<QString, QStringList>();
         QVERIFY(openSession());
         forgetLog();
-
         m_server->inject(frame);
         QVERIFY(syncInbound());
-
         QCOMPARE(m_probe->messages().mid(0, m_probe->messages().size() - 1), messages);
         QCOMPARE(m_probe->events().size(), messages.size() + 2); // "connected" and the synchronizing one
         QVERIFY(m_connector->isConnected());
@@ -185,10 +176,8 @@ private Q_SLOTS:
     void binaryMessagesAreNotFrames()
     {
         QVERIFY(openSession());
-
         m_server->injectBinary("a[\"x\"]");
         QVERIFY(syncInbound());
-
         QCOMPARE(m_probe->messages().size(), 1);
     }
 
@@ -196,7 +185,6 @@ private Q_SLOTS:
     {
         m_server->setFirstFrames({"h", "a[\"early\"]", "o", "a[\"late\"]"});
         QVERIFY(openSession());
-
         QTRY_COMPARE(m_probe->events(), QStringList({"message early", "connected", "message late"}));
     }
 
@@ -206,7 +194,6 @@ private Q_SLOTS:
         QVERIFY(m_probe->open(m_server->url(), webSocket));
         QTRY_COMPARE(m_probe->events(), QStringList({"message still closed"}));
         QVERIFY(!m_connector->isConnected());
-
         m_server->inject(QStringLiteral("o"));
         QTRY_VERIFY(m_connector->isConnected());
         QCOMPARE(m_probe->events(), QStringList({"message still closed", "connected"}));
@@ -215,7 +202,6 @@ private Q_SLOTS:
     void onConnectedOpensTheSessionByItself()
     {
         QVERIFY(QMetaObject::invokeMethod(m_connector, "onConnected"));
-
         QCOMPARE(m_probe->events(), QStringList({"connected"}));
         QVERIFY(m_connector->isConnected());
         QCOMPARE(m_log->debug(QStringLiteral("[SockJSConnector] Websocket connected")).size(), 1);
@@ -225,16 +211,13 @@ private Q_SLOTS:
     {
         QVERIFY(openSession());
         forgetLog();
-
         m_connector->close();
-
         QVERIFY(!m_connector->isConnected());
         QCOMPARE(m_probe->events(), QStringList({"connected"})); // close() itself emits nothing
         QTRY_COMPARE(m_probe->events(), QStringList({"connected", "closed false"}));
         QCOMPARE(m_log->debug(QStringLiteral("[SockJSConnector] Websocket CLOSED")).size(), 1);
         QTRY_COMPARE(m_server->openConnections(), 0);
         QTRY_COMPARE(m_server->closeCode(), 1001); // going away
-
         // A whole session later there is still no second one.
         QVERIFY(openSession());
         QVERIFY(syncInbound());
@@ -244,10 +227,8 @@ private Q_SLOTS:
     void nothingIsHeardAfterClose()
     {
         QVERIFY(openSession());
-
         m_server->injectMessages({"too late"});
         m_connector->close();
-
         QTRY_VERIFY(m_probe->hasClosed());
         QTRY_COMPARE(m_server->openConnections(), 0);
         QVERIFY(m_probe->messages().isEmpty());
@@ -259,14 +240,12 @@ private Q_SLOTS:
         const auto [deletes] = row<bool>();
         QVERIFY(openSession());
         const QString large(8 * 1024 * 1024, QLatin1Char('x'));
-
         m_connector->sendMessage(large, false);
         m_connector->sendMessage(QStringLiteral("disconnect"), false);
         if (deletes)
             delete m_connector;
         else
             m_connector->close();
-
         const auto first = m_server->nextMessage();
         QCOMPARE(first.size(), large.size());
         QVERIFY(first == large);
@@ -286,9 +265,7 @@ private Q_SLOTS:
             }
         });
         m_server->setFirstFrames({"o", "a[\"one\",\"two\",\"three\"]"});
-
         QVERIFY(m_probe->open(m_server->url(), webSocket));
-
         QTRY_COMPARE(m_probe->messages(), QStringList({"one", "four"}));
     }
 
@@ -300,9 +277,7 @@ private Q_SLOTS:
             m_connector->close();
         });
         m_server->setFirstFrames({"o", "a[\"one\",\"two\"]"});
-
         QVERIFY(m_probe->open(m_server->url(), webSocket));
-
         QTRY_VERIFY(!m_probe->messages().isEmpty());
         QVERIFY(anotherConnectorOpens());
         QCOMPARE(m_probe->messages(), QStringList{"one"});
@@ -313,10 +288,8 @@ private Q_SLOTS:
     {
         QVERIFY(openSession());
         connect(m_connector, &SockJSConnector::closed, m_connector, &SockJSConnector::close);
-
         m_connector->close();
         QVERIFY(openSession());
-
         QVERIFY(syncInbound());
         QVERIFY(m_connector->isConnected());
         QCOMPARE(m_probe->count(QStringLiteral("closed false")), 1);
@@ -326,9 +299,7 @@ private Q_SLOTS:
     {
         connect(m_connector, &SockJSConnector::sockJSMessage, m_connector, &SockJSConnector::close);
         m_server->setFirstFrames({"o", "a[\"one\",\"two\"]"});
-
         QVERIFY(m_probe->open(m_server->url(), webSocket));
-
         QTRY_VERIFY(m_probe->hasClosed());
         QCOMPARE(m_probe->messages(), QStringList({"one", "two"}));
         QCOMPARE(m_probe->events().last(), QStringLiteral("closed false"));
@@ -337,19 +308,16 @@ private Q_SLOTS:
     void inactivityTimerRunsEveryHalfHour()
     {
         QVERIFY(halfHourTimers().isEmpty()); // it comes with the first open()
-
         QVERIFY(openSession());
         const auto timers = halfHourTimers();
         QCOMPARE(timers.size(), 1);
         QVERIFY(timers.first()->isActive());
         QVERIFY(!timers.first()->isSingleShot());
         QCOMPARE(timers.first()->parent(), m_connector.data());
-
         m_connector->close();
         QTRY_VERIFY(m_probe->hasClosed());
         QVERIFY(openSession());
         QCOMPARE(halfHourTimers(), timers);
-
         // The next open() does not restart it.
         idle(3601);
         QVERIFY(!timers.first()->isActive());
@@ -378,9 +346,7 @@ private Q_SLOTS:
     {
         const auto [protocol, seconds, closes] = row<Protocol, int, bool>();
         QVERIFY(m_probe->openSession(m_server->url(), {protocol}));
-
         idle(seconds);
-
         QCOMPARE(m_connector->isConnected(), !closes);
         if (closes) {
             QTRY_COMPARE(m_probe->events(), QStringList({"connected", "closed true"}));
@@ -396,9 +362,7 @@ private Q_SLOTS:
     {
         m_server->setUpgrade(Server::Mute);
         QVERIFY(m_probe->open(m_server->url(), webSocket));
-
         idle(10000);
-
         m_server->inject(QStringLiteral("o"));
         QTRY_VERIFY(m_connector->isConnected());
         QVERIFY(syncInbound());
@@ -408,29 +372,24 @@ private Q_SLOTS:
     void pingsAreNoActivity()
     {
         QVERIFY(openSession());
-
         WallClock::advance(3000);
         m_connector->sendMessage(QStringLiteral("ping"), true);
         m_server->injectMessages({"inbound is none either"});
         QVERIFY(syncInbound());
         idle(601);
-
         QTRY_COMPARE(m_probe->count(QStringLiteral("closed true")), 1);
     }
 
     void sendsAndOpenAreActivity()
     {
         QVERIFY(openSession());
-
         WallClock::advance(3000);
         m_connector->sendMessage(QStringLiteral("text"), false);
         idle(3600);
         QVERIFY(m_connector->isConnected());
-
         m_connector->sendMessage(QVariantMap{{"a", "map"}});
         idle(3600);
         QVERIFY(m_connector->isConnected());
-
         idle(1);
         QVERIFY(!m_connector->isConnected());
         QVERIFY(openSession());
@@ -445,7 +404,6 @@ private Q_SLOTS:
         m_connector->close();
         QTRY_COMPARE(m_probe->count(QStringLiteral("closed true")), 1);
         m_connector->close();
-
         QVERIFY(openSession());
         QVERIFY(syncInbound());
         QCOMPARE(m_probe->count(QStringLiteral("closed true")), 1);

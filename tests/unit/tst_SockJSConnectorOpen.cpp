@@ -55,7 +55,6 @@ private Q_SLOTS:
     {
         columns<QString, QString>();
         // %1: the session id
-
         // A host of the loopback network where hardly anybody listens.
         const auto add = [](const char* url, const char* expected) { QTest::newRow(url) << url << expected; };
         add("https://127.9.8.7/base/", "wss://127.9.8.7:443/base/eventbus/119/%1/websocket");
@@ -73,9 +72,7 @@ private Q_SLOTS:
     {
         const auto [url, expected] = row<QString, QString>();
         m_connector->setOpenLimit(5000); // in case that somebody does listen there
-
         QVERIFY(m_probe->open(QUrl(url), webSocket));
-
         const auto lines = m_log->debug(QStringLiteral("[SockJSConnector] Websocket url ="));
         QCOMPARE(lines.size(), 1);
         const QRegularExpression wanted(QRegularExpression::escape(expected).replace(
@@ -103,7 +100,6 @@ private Q_SLOTS:
         connector->setOpenLimit(20000);
         connector->moveToThread(&thread);
         thread.start();
-
         QVERIFY(waitFor([&] { return ended; }));
         QVERIFY(thread.wait());
         QCOMPARE(toldOn, &thread);
@@ -125,7 +121,6 @@ private Q_SLOTS:
     void requestPath()
     {
         const auto [path, base] = row<QString, QString>();
-
         for (const char* scheme : {"http", "ws"}) {
             QVERIFY(m_probe->openSession(m_server->url(path, QLatin1String(scheme)), webSocket));
             QCOMPARE(m_server->paths().last(), base + QLatin1String("/eventbus/119/") +
@@ -136,7 +131,6 @@ private Q_SLOTS:
     void upgradeRequestHasVersion13AndNoOriginAndIsLogged()
     {
         QVERIFY(openSession());
-
         const auto request = m_server->requests().first();
         QCOMPARE(request.method, QByteArray("GET"));
         QCOMPARE(request.headers.value("sec-websocket-version"), QByteArray("13"));
@@ -170,7 +164,6 @@ private Q_SLOTS:
         const auto generated = RANDSTRING::Generate(16);
         QVERIFY(QRegularExpression(QStringLiteral("^[A-Za-z0-9]{16}$")).match(generated).hasMatch());
         QStringList ids;
-
         for (int i = 0; i < 5; ++i) {
             QVERIFY(openSession());
             QCOMPARE(m_connector->sessionId().size(), 8);
@@ -183,7 +176,6 @@ private Q_SLOTS:
         other.open(m_server->url(), webSocket);
         QTRY_VERIFY(other.isConnected());
         QVERIFY(!ids.contains(other.sessionId()));
-
         WallClock::advance(1);
         const auto next = RANDSTRING::Generate(8);
         QVERIFY(openSession());
@@ -229,9 +221,7 @@ private Q_SLOTS:
     {
         m_server->setUpgrade(Server::OpenInSamePacket);
         m_server->setFirstFrames({"o", "a[\"one\",\"two\"]", "a[\"three\"]"});
-
         QVERIFY(m_probe->open(m_server->url(), webSocket));
-
         QTRY_COMPARE(m_probe->events(),
                      QStringList({"connected", "message one", "message two", "message three"}));
         QVERIFY(m_connector->isConnected());
@@ -272,9 +262,7 @@ private Q_SLOTS:
     {
         const auto url = m_server->url();
         m_server->stopListening();
-
         QVERIFY(m_probe->open(url, {SockJSConnector::WEBSOCKET, SockJSConnector::WEBSOCKET}));
-
         QCOMPARE(m_log->debug(QStringLiteral("[SockJSConnector] Websocket url =")).size(), 2);
         QVERIFY(m_probe->events().isEmpty());
     }
@@ -291,9 +279,7 @@ private Q_SLOTS:
         const auto [upgrade, protocols] = row<Server::Upgrade, Protocols>();
         m_server->setUpgrade(upgrade);
         m_connector->setOpenLimit(upgrade == Server::Mute ? 200 : 0);
-
         QVERIFY(m_probe->open(m_server->url(), protocols));
-
         QTRY_COMPARE(m_server->endedSessions(), upgrade == Server::Mute ? 1 : 0);
         QTRY_COMPARE(m_server->openConnections(), 0);
         QVERIFY(anotherConnectorOpens());
@@ -302,7 +288,6 @@ private Q_SLOTS:
         QCOMPARE(m_server->requests().size(), protocols.size() + 1); // the other one's
         QVERIFY(m_log->debug(noMore).isEmpty());
         QVERIFY(m_log->debug(QStringLiteral("[SockJSConnector] Websocket CLOSED")).isEmpty());
-
         // The next open() is not impaired.
         QVERIFY(openSession());
         QVERIFY(syncInbound());
@@ -311,9 +296,7 @@ private Q_SLOTS:
     void entriesAreTriedInOrder()
     {
         m_server->setUpgrades({Server::Refuse404, Server::ResetInstead, Server::Open});
-
         QVERIFY(m_probe->openSession(m_server->url(), webSocket + webSocket + webSocketThenPolling));
-
         const QString path =
             QStringLiteral("/eventbus/119/") + m_connector->sessionId() + QStringLiteral("/websocket");
         QCOMPARE(m_server->paths(), QStringList({path, path, path}));
@@ -333,9 +316,7 @@ private Q_SLOTS:
     void unknownEntriesAreLoggedAndSkipped()
     {
         const auto [protocols, unknown, opens] = row<Protocols, int, bool>();
-
         QVERIFY(m_probe->open(m_server->url(), protocols));
-
         QCOMPARE(m_log->debug(noMore).size(), unknown);
         if (opens)
             QTRY_VERIFY(m_connector->isConnected());
@@ -352,9 +333,7 @@ private Q_SLOTS:
     void xhrEntriesAskForTheirPath()
     {
         const auto [protocol, path, log] = row<int, QString, QString>();
-
         QVERIFY(m_probe->open(m_server->url(QStringLiteral("/base/")), {Protocol(protocol)}));
-
         QTRY_VERIFY(!m_server->requests().isEmpty());
         QCOMPARE(m_server->requests().first().method, QByteArray("POST"));
         QCOMPARE(m_server->paths().first(),
@@ -367,9 +346,7 @@ private Q_SLOTS:
     {
         m_server->setUpgrade(Server::CloseAfterUpgrade);
         connect(m_server.get(), &Server::requested, m_server.get(), &Server::stopListening);
-
         QVERIFY(m_probe->open(m_server->url(), webSocket));
-
         QTRY_COMPARE(m_probe->events(), QStringList({"closed false"}));
         QVERIFY(m_log->debug(fellBack).isEmpty());
         QVERIFY(!m_connector->isConnected());
@@ -391,9 +368,7 @@ private Q_SLOTS:
             gaveUp = true;
             m_server->answerUpgrade();
         });
-
         QVERIFY(m_probe->openSession(m_server->url(), webSocketThenPolling));
-
         QVERIFY(gaveUp);
         QVERIFY(syncInbound());
         QCOMPARE(m_server->count(QStringLiteral("/websocket")), 2);
@@ -414,9 +389,7 @@ private Q_SLOTS:
         m_server->setUpgrade(Server::Silent);
         m_connector->setOpenLimit(1000);
         const auto before = std::clock();
-
         QVERIFY(m_probe->open(m_server->url(), webSocket));
-
         QVERIFY2(std::clock() - before < CLOCKS_PER_SEC / 2, "the wait kept the processor busy");
     }
 
@@ -425,9 +398,7 @@ private Q_SLOTS:
         m_connector->setAsynchronousConnect(true);
         bool turned = false;
         QTimer::singleShot(0, this, [&turned] { turned = true; });
-
         m_connector->open(m_server->url(), {SockJSConnector::XHR_POLLING});
-
         QVERIFY(turned);
         QTRY_VERIFY(m_connector->isConnected());
     }
@@ -436,9 +407,7 @@ private Q_SLOTS:
     {
         m_server->setUpgrades({Server::Mute, Server::Mute, Server::Open});
         m_connector->setOpenLimit(500);
-
         QVERIFY(m_probe->open(m_server->url(), webSocket + webSocket + webSocketThenPolling));
-
         QTRY_VERIFY(m_connector->isConnected());
         QVERIFY(syncInbound());
         QTRY_COMPARE(m_server->endedSessions(), 2);
@@ -458,10 +427,8 @@ private Q_SLOTS:
         m_connector->setOpenLimit(200);
         QElapsedTimer clock;
         clock.start();
-
         m_connector->open(QUrl(QStringLiteral("https://127.0.0.1:%1").arg(mute.serverPort())),
                           {SockJSConnector::XHR_STREAMING, SockJSConnector::XHR_POLLING});
-
         QVERIFY(clock.elapsed() < withoutLimit);
         QVERIFY(m_probe->events().isEmpty());
     }
@@ -477,9 +444,7 @@ private Q_SLOTS:
             m_connector->close();
         else
             QTRY_VERIFY(m_connector->isConnected());
-
         outlast(300);
-
         QCOMPARE(m_server->requests().size(), 2);
         QVERIFY(closes || syncInbound());
         QTRY_COMPARE(m_probe->count(QStringLiteral("closed false")), closes ? 1 : 0);
@@ -491,11 +456,9 @@ private Q_SLOTS:
         m_server->setUpgrades({Server::Mute, Server::Silent});
         QVERIFY(m_probe->open(m_server->url(), webSocketThenPolling));
         m_connector->setOpenLimit(100);
-
         outlast(300);
         QCOMPARE(m_server->requests().size(), 2);
         QCOMPARE(m_server->endedSessions(), 0);
-
         m_server->setUpgrade(Server::Mute);
         QVERIFY(m_probe->open(m_server->url(), webSocket));
         QTRY_COMPARE(m_server->endedSessions(), 2);
@@ -536,10 +499,8 @@ private Q_SLOTS:
             beats.start(20);
         if (pong)
             m_server->injectPong();
-
         m_server->setUpgrade(Server::Silent);
         outlast(600);
-
         QCOMPARE(m_probe->count(QStringLiteral("closed false")), gone ? 1 : 0);
         QCOMPARE(m_connector->isConnected(), !gone);
     }

@@ -558,7 +558,6 @@ private Q_SLOTS:
         QCOMPARE(m_session->texts.size(), heard);
         QCOMPARE(m_session->ends, 0);
         QTRY_COMPARE(m_server->openConnections(), 0);
-
         const QPointer<Transport> neverStarted(new Transport(nullptr));
         neverStarted->retire();
         QTRY_VERIFY(!neverStarted);

@@ -265,7 +265,6 @@ private Q_SLOTS:
             proxy.answer(target, refuses);
         proxy.answer(target, lets);
         proxy.answerAlways(target, refuses);
-
         WorkerRun run(1);
         run.socket->setProxy(
             QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.port()));
