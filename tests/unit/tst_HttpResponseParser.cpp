@@ -176,6 +176,7 @@ private Q_SLOTS:
             {inChunks, "last abcde"});
         row("an empty line between chunks", chunkedHead() + chunk("ab") + "\r\n" + chunk("cd\n") + endChunk(),
             {inChunks, "last abcd"});
+        row("two empty lines end the body", chunkedHead() + chunk("ab") + "\r\n\r\n", {inChunks, "last ab"});
         row("newlines inside a polled body stay", chunked("a\nb\n"), {inChunks, "last a\nb"});
         row("text outside ASCII", plain(QStringLiteral("a[\"äß€😀\"]\n").toUtf8()),
             {length(17), QStringLiteral("last a[\"äß€😀\"]")});

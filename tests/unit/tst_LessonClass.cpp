@@ -10,6 +10,7 @@
 #include <QHostAddress>
 #include <QMetaMethod>
 #include <QMetaProperty>
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace Calyx;
@@ -115,6 +116,12 @@ private Q_SLOTS:
              },
              {"questionStart T", "pause T", "showCard T.learner", "dialogShow T", "questionStart T.user.D3",
               "pause T.user.D3", "showCard T.user.D3", "dialogShow T.user.D3"}},
+            {"card at an address to the late",
+             [](Class& at) {
+                 at.lesson->showPictureAt("https://school.example/leaf.png");
+                 QVERIFY(joins(at, "D3"));
+             },
+             {"showCard T.learner", "showCard T.user.D3"}},
             {"question in place of a card",
              [](Class& at) {
                  at.lesson->showPicture("png");
@@ -327,6 +334,24 @@ private Q_SLOTS:
         QCOMPARE(list.index(1, 0).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
         QVERIFY(m_class->end());
         QCOMPARE(names(), QString());
+    }
+
+    void findsWhoIsHere()
+    {
+        const Roster* const roster = m_class->lesson->roster();
+        QSignalSpy left(roster, &Roster::left);
+        m_class->hear("D3", "join", {{"userName", "Annabel"}});
+        m_class->leave("D2", "user", {});
+        QVERIFY(waitFor([&] { return roster->isPresent("D3") && !roster->isPresent("D2"); }));
+        QCOMPARE(left, QList<QVariantList>{{"D2"}});
+        QCOMPARE(roster->find("ann"), QStringList("D1"));
+        QCOMPARE(roster->find("AN"), (QStringList{"D1", "D3"}));
+        QCOMPARE(roster->find("D3"), QStringList("D3"));
+        QCOMPARE(roster->find("Bea"), QStringList());
+        QList<bool> hasLeft;
+        for (const QJsonValue& learner : roster->toJson())
+            hasLeft.append(learner.toObject().value("here").toArray().last().toObject().contains("to"));
+        QCOMPARE(hasLeft, (QList<bool>{false, true, false}));
     }
 
     // Also where nobody answers.
