@@ -2,19 +2,17 @@
 // second says how the reply comes, and the rest is its body.
 #include "agreement/Cases.h"
 #include "agreement/Text.h"
+#include "fuzz/support/FedReply.h"
 
 #include "client/PresenterClient.h"
 
 #include <QCoreApplication>
 #include <QNetworkAccessManager>
-#include <QNetworkReply>
 
-#include <cstring>
+#include <algorithm>
 #include <utility>
 
 namespace {
-
-enum ReplyBits { Failed = 1, GzipEncoded = 2, Redirected = 4 };
 
 struct Script
 {
@@ -23,40 +21,6 @@ struct Script
     QStringList* out = nullptr;
 };
 Script script;
-
-class Reply : public QNetworkReply
-{
-public:
-    explicit Reply(QObject* parent) : QNetworkReply(parent)
-    {
-        if (script.bits & Failed)
-            setError(InternalServerError, QStringLiteral("refused"));
-        if (script.bits & GzipEncoded)
-            setRawHeader("content-encoding", "gzip");
-        if (script.bits & Redirected)
-            setAttribute(QNetworkRequest::RedirectionTargetAttribute, QUrl(QString::fromUtf8(script.body)));
-        open(ReadOnly | Unbuffered);
-        setFinished(true);
-    }
-
-    void abort() override {}
-    qint64 bytesAvailable() const override
-    {
-        return script.body.size() - m_read + QNetworkReply::bytesAvailable();
-    }
-
-protected:
-    qint64 readData(char* data, qint64 maxSize) override
-    {
-        const qint64 count = qMin(maxSize, qint64(script.body.size()) - m_read);
-        std::memcpy(data, script.body.constData() + m_read, size_t(count));
-        m_read += count;
-        return count;
-    }
-
-private:
-    qint64 m_read = 0;
-};
 
 using Client = PresenterClient;
 using Operation = QVariant (*)(Client&);
@@ -123,7 +87,7 @@ QNetworkReply* QNetworkAccessManager::post(const QNetworkRequest& request, const
     std::sort(names.begin(), names.end());
     for (const QByteArray& name : std::as_const(names))
         script.out->append(textOf(name + ':' + request.rawHeader(name)));
-    auto* reply = new Reply(this);
+    auto* reply = new FedReply(script.bits, script.body, this);
     QMetaObject::invokeMethod(
         reply, [this, reply] { Q_EMIT finished(reply); }, Qt::QueuedConnection);
     return reply;

@@ -3,17 +3,15 @@
 // comes (the bits below), the rest is its body. All requests of the operation get this reply.
 
 #include "client/PresenterClient.h"
+#include "support/FedReply.h"
 #include "support/Fuzz.h"
 
 #include <QCoreApplication>
 #include <QNetworkAccessManager>
-#include <QNetworkReply>
-
-#include <cstring>
 
 namespace {
 
-enum ReplyBits { Failed = 1, GzipEncoded = 2, Redirected = 4, AfterOAuth = 8, AfterSession = 16 };
+enum Bits { AfterOAuth = 8, AfterSession = 16 }; // beside those of the reply
 
 struct Script
 {
@@ -22,40 +20,6 @@ struct Script
     int posts = 0;
 };
 Script script;
-
-class Reply : public QNetworkReply
-{
-public:
-    explicit Reply(QObject* parent) : QNetworkReply(parent)
-    {
-        if (script.bits & Failed)
-            setError(InternalServerError, QStringLiteral("refused"));
-        if (script.bits & GzipEncoded)
-            setRawHeader("content-encoding", "gzip");
-        if (script.bits & Redirected)
-            setAttribute(QNetworkRequest::RedirectionTargetAttribute, QUrl(QString::fromUtf8(script.body)));
-        open(ReadOnly | Unbuffered);
-        setFinished(true);
-    }
-
-    void abort() override {}
-    qint64 bytesAvailable() const override
-    {
-        return script.body.size() - m_read + QNetworkReply::bytesAvailable();
-    }
-
-protected:
-    qint64 readData(char* data, qint64 maxSize) override
-    {
-        const qint64 count = qMin(maxSize, qint64(script.body.size()) - m_read);
-        std::memcpy(data, script.body.constData() + m_read, size_t(count));
-        m_read += count;
-        return count;
-    }
-
-private:
-    qint64 m_read = 0;
-};
 
 using Client = PresenterClient;
 using Operation = void (*)(Client&);
@@ -126,7 +90,7 @@ void requireReadable(const Client& client)
 QNetworkReply* QNetworkAccessManager::post(const QNetworkRequest&, const QByteArray&)
 {
     ++script.posts;
-    auto* reply = new Reply(this);
+    auto* reply = new FedReply(script.bits, script.body, this);
     QMetaObject::invokeMethod(
         reply, [this, reply] { Q_EMIT finished(reply); }, Qt::QueuedConnection);
     return reply;
