@@ -425,6 +425,27 @@ private Q_SLOTS:
         QCOMPARE(rows, answered);
     }
 
+    void countsWhatIsPicked_data()
+    {
+        rows<int, QString, QString>({
+            {"options", PollType::MULTIPLE, "C,A", "A 1, B 0, C 1, D 0"},
+            {"an order", PollType::SORT, "C,A", "C,A 1"},
+            {"words", PollType::TEXT, "C,A", "C,A 1"},
+        });
+    }
+    void countsWhatIsPicked()
+    {
+        const auto [type, answer, counted] = row<int, QString, QString>();
+        const Poll* const poll = m_class->lesson->ask(Question::usual(PollType::POLL_TYPE(type)));
+        m_class->answer("D1", poll->id(), answer);
+        QVERIFY(waitFor([&] { return poll->answered() == 1; }));
+        QStringList rows;
+        for (const PollResults::Row& row : poll->results()->rows())
+            rows.append(QStringLiteral("%1 %2").arg(row.label).arg(row.count));
+        QCOMPARE(rows.join(", "), counted);
+        QVERIFY(waitFor([&] { return poll->elapsed() > 0; }));
+    }
+
     void foldsWhatIsTooMuch()
     {
         const Poll* const poll = m_class->lesson->ask(Question::usual(PollType::TEXT));
@@ -496,6 +517,7 @@ private Q_SLOTS:
                  QStringLiteral("Right=%1 of 1").arg(assessment->rightAnswers("D1")));
         QCOMPARE(title(Assessment::FirstQuestion) + '=' + cell(Assessment::FirstQuestion),
                  QStringLiteral("1=") + assessment->answer("D1", 1).text);
+        QVERIFY(waitFor([&] { return assessment->elapsed() > 0; }));
         QStringList states;
         connect(assessment, &Assessment::stateChanged, this, [&] {
             states.append(assessment->isPaused() ? "held" : assessment->isRunning() ? "runs" : "over");
@@ -505,6 +527,7 @@ private Q_SLOTS:
         m_class->lesson->resume();
         m_class->lesson->stopAssessment();
         QCOMPARE(states, (QStringList{"held", "runs", "over"}));
+        QVERIFY(assessment->elapsed() > 0);
         QCOMPARE((QList<int>{assessment->finished(), assessment->answeredBy(1), assessment->rightBy(1)}),
                  counts);
     }
