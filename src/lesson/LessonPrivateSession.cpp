@@ -124,6 +124,7 @@ bool LessonPrivate::takeUp(const QString& fileName)
     if (!self)
         return false;
     takenUp = found;
+    shown = content.wanted();
     const Poll* poll = content.poll;
     if (poll && poll->stopsAt().isValid())
         stopTimer.start(int(qMax(qint64{0}, QDateTime::currentDateTime().msecsTo(poll->stopsAt()))));
@@ -199,7 +200,6 @@ void LessonPrivate::beginToLive(const Opening& opening)
             journal.noteSession({joinCode, opening.sessionToken}, server.toString());
         return;
     }
-    shown = content.wanted();
     journal.goOn();
 }
 

@@ -7,6 +7,7 @@
 #include <CalyxClient/Lesson>
 #include <CalyxClient/Lzma>
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -57,9 +58,14 @@ struct Class
 
     void expectSession(const QUrl& url)
     {
-        const QByteArray address = "{\"data\":{\"url\":\"" + url.toEncoded() + "\"}}";
         service.expect(Logins::USER, Answer::json(R"({"data":{"userLoginId":"teacher"}})"));
         service.expect("/tavisto/session/create", Answer::json(R"({"data":{"sessionCode":"123456"}})"));
+        expectChannel(url);
+    }
+
+    void expectChannel(const QUrl& url)
+    {
+        const QByteArray address = "{\"data\":{\"url\":\"" + url.toEncoded() + "\"}}";
         service.expect("/tavisto/session/getcollabserverurl", Answer::json(address));
         service.expect("/tavisto/config/findTenantFeatureDetails",
                        Answer::json(R"({"data":{"sockJSProtocols":["websocket"]}})"));
@@ -110,6 +116,24 @@ struct Class
         expectUsers(); // is the session still there?
         expectUsers();
         lesson->retryNow();
+        return waitFor([&] { return lesson->state() == Lesson::Live; });
+    }
+
+    /// As a host that has been killed and comes back. The lesson's journal has to be \p journal.
+    bool takeUp(const QString& journal, const Work& meanwhile)
+    {
+        const QString copy = journal + QStringLiteral("-copy");
+        if (!QFile::copy(journal, copy))
+            return false;
+        service.expect("/tavisto/session/stop", Answer::json(FINE));
+        lesson->end();
+        if (!waitFor([&] { return lesson->state() == Lesson::LoggedIn; }) || sent("disconnect").isEmpty())
+            return false;
+        expectUsers(); // is the session still there?
+        expectChannel(bus.url());
+        expectUsers();
+        lesson->takeUp(copy);
+        meanwhile(*lesson);
         return waitFor([&] { return lesson->state() == Lesson::Live; });
     }
 

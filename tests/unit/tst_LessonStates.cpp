@@ -9,6 +9,7 @@
 #include <QMetaEnum>
 #include <QSignalSpy>
 #include <QTcpServer>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTranslator>
 
@@ -248,6 +249,22 @@ private Q_SLOTS:
         class_.lesson->setName(QStringLiteral("id"), QStringLiteral("name")); // told to the remote control
         QCOMPARE(class_.published(), QStringList());
         QVERIFY(class_.loseAndReturn(meanwhile));
+        QCOMPARE(class_.published(), published);
+        QVERIFY(class_.end());
+    }
+
+    // Also before the channel is there again.
+    void bringsWhatHasChangedSinceItWasTakenUp_data() { bringsBackWhatHasChanged_data(); }
+    void bringsWhatHasChangedSinceItWasTakenUp()
+    {
+        const auto [meanwhile, published] = row<Work, QStringList>();
+        const QTemporaryDir folder;
+        Class class_;
+        class_.lesson->setJournal(folder.filePath("journal"));
+        QVERIFY(class_.start());
+        class_.lesson->ask(Question::usual(PollType::MULTIPLE));
+        QVERIFY(!class_.sent("questionStart").isEmpty());
+        QVERIFY(class_.takeUp(folder.filePath("journal"), meanwhile));
         QCOMPARE(class_.published(), published);
         QVERIFY(class_.end());
     }
