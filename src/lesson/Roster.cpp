@@ -72,7 +72,7 @@ bool Roster::join(const Learner& learner, const QDateTime& at)
         d->rows.insert(learner.deviceId, row);
         d->members.append({learner.deviceId, QString(), QString(), false, {}});
         endInsertRows();
-        if (!self)
+        if (!self || !d->rows.contains(learner.deviceId)) // or begin the next
             return false;
     }
     const int row = d->rows.value(learner.deviceId);
@@ -91,7 +91,7 @@ bool Roster::join(const Learner& learner, const QDateTime& at)
         d->isChanged = true;
     }
     Q_EMIT dataChanged(index(row), index(row));
-    return self && isNew;
+    return self && isNew && isPresent(learner.deviceId);
 }
 
 // Has the device join, unless it is here already: then false.

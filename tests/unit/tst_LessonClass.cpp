@@ -727,6 +727,16 @@ private Q_SLOTS:
                  at.hear("D3", "questionGet",
                          {{"questionNumber", 1}, {"assessmentToken", assessment->token()}});
              }},
+            {"while somebody gets a row",
+             [](Class& at) {
+                 QVERIFY(at.start());
+                 connect(at.lesson->roster(), &Roster::rowsInserted, [&at] {
+                     at.lesson->end();
+                     at.lesson->start(); // forgets the class
+                     at.lesson->end();
+                 });
+                 at.join("D3");
+             }},
             {"while somebody joins",
              [](Class& at) {
                  QVERIFY(at.start());
