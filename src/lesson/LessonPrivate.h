@@ -67,7 +67,7 @@ struct LessonPrivate : public LessonListener
     void bringBack(const QStringList& newcomers);
     void send(const std::function<void(PresenterCollab*)>& work);
     void confirm();
-    void bringAssessmentBack(const QStringList& newcomers);
+    void bringAssessmentBack(const QSet<QString>& newcomers);
     /// Calls \p then at once or later. The caller tells that the lesson is busy.
     void withPicture(const QByteArray& png,
                      const std::function<void(const QByteArray& png, const QString& url)>& then);
@@ -82,6 +82,7 @@ struct LessonPrivate : public LessonListener
     void tellRemote();
     bool obey(Lesson::RemoteCommand command, const QVariant& data);
     bool addRemoteCard(const QVariant& data);
+    bool come(const Learner& learner, const QDateTime& at);
     void welcome(const Learner& learner);
     void see(const QString& deviceId);
     void afterTurn();

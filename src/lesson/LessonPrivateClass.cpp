@@ -2,6 +2,8 @@
 
 #include "collab/PresenterCollab.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace Calyx {
@@ -69,13 +71,15 @@ void LessonPrivate::bringBack(const QStringList& newcomers)
     const bool isSameAssessment = now.assessmentToken == shown.assessmentToken;
     send([=, before = shown](PresenterCollab* collab) { LessonMessages::bringNews(collab, before, now); });
     bring(newcomers);
+    const QSet<QString> have(newcomers.cbegin(), newcomers.cend());
     if (isSameAssessment)
-        bringAssessmentBack(newcomers);
+        bringAssessmentBack(have);
     if (!isSamePoll || now.pollId.isEmpty())
         return;
-    QStringList missing = content.poll->missing();
-    for (const QString& deviceId : newcomers)
-        missing.removeOne(deviceId);
+    QStringList missing;
+    const QStringList all = content.poll->missing();
+    std::copy_if(all.cbegin(), all.cend(), std::back_inserter(missing),
+                 [&](const QString& deviceId) { return !have.contains(deviceId); });
     send([now, devices = missing](PresenterCollab* collab) {
         for (const QString& deviceId : devices)
             LessonMessages::sendPoll(collab, LessonMessages::addressOf(deviceId), now);
@@ -84,7 +88,7 @@ void LessonPrivate::bringBack(const QStringList& newcomers)
 
 // An answer, or the request for the next question, may have met nobody: a device that gets the question again
 // sends both again.
-void LessonPrivate::bringAssessmentBack(const QStringList& newcomers)
+void LessonPrivate::bringAssessmentBack(const QSet<QString>& newcomers)
 {
     if (!content.isAssessed())
         return;
@@ -116,14 +120,22 @@ void LessonPrivate::onJoin(const Learner& learner)
 void LessonPrivate::welcome(const Learner& learner)
 {
     const QPointer<Lesson> self(q);
-    if (content.roster->join(learner))
-        Q_EMIT content.roster->joined(learner.deviceId);
-    if (!self)
-        return;
-    if (content.isAssessed() && content.assessment->isForAll())
-        content.assessment->enter(learner.deviceId);
+    come(learner, QDateTime::currentDateTime());
     if (self)
         bring({learner.deviceId});
+}
+
+// Whoever comes takes part in an assessment for all. Whether he was not here before.
+bool LessonPrivate::come(const Learner& learner, const QDateTime& at)
+{
+    bool isNew = false;
+    whileThere([&] { isNew = content.roster->join(learner, at); },
+               [&] { isNew ? content.roster->joined(learner.deviceId) : void(); },
+               [&] {
+                   if (content.isAssessed() && content.assessment->isForAll())
+                       content.assessment->enter(learner.deviceId);
+               });
+    return isNew;
 }
 
 // Whoever answers is here, whether his joining was heard or not: the roster and the counts agree.
@@ -172,7 +184,7 @@ void LessonPrivate::onAnswer(const QString& deviceId, const QString& id, int tim
 void LessonPrivate::onQuestionWanted(const QString& deviceId, int number)
 {
     const QPointer<Lesson> self(q);
-    if (content.isAssessed() && content.assessment->isForAll())
+    if (!deviceId.isEmpty() && content.isAssessed() && content.assessment->isForAll())
         content.assessment->enter(deviceId);
     if (!self)
         return;

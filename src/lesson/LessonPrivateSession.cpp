@@ -173,10 +173,8 @@ bool LessonPrivate::meet(const Opening& opening, QStringList* newcomers)
     const QDateTime now = QDateTime::currentDateTime(); // looked up for each, it would take most of the time
     for (const Learner& learner : opening.learners) {
         listed.insert(learner.deviceId);
-        if (content.roster->join(learner, now)) {
+        if (come(learner, now))
             newcomers->append(learner.deviceId);
-            Q_EMIT content.roster->joined(learner.deviceId);
-        }
         if (isOver())
             return false;
     }

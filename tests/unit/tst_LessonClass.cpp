@@ -371,6 +371,18 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return m_noted.value(asked.at(0)) == 1 && m_noted.value(asked.at(1)) == 1; }));
     }
 
+    // Also who was there before the lesson knew it.
+    void assessesWhoIsThere()
+    {
+        beginAnew();
+        m_class->begin(m_class->bus.url());
+        const Assessment* const assessment = m_class->lesson->startAssessment(plan());
+        m_class->expectUsers();
+        QVERIFY(waitFor([&] { return m_class->lesson->state() == Lesson::Live; }));
+        QCOMPARE(assessment->participants(), (QStringList{"D1", "D2"}));
+        QCOMPARE(assessment->expected(), 2);
+    }
+
     void counts_data()
     {
         rows<Play, int, int, int>({
