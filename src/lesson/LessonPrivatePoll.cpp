@@ -71,7 +71,7 @@ Poll* LessonPrivate::addPoll(const Question& question)
 {
     const QPointer<Poll> before = content.poll;
     const QPointer<Poll> added = new Poll(content.lastNumber + 1, question, content.roster, q);
-    const bool wasLocked = content.isLocked;
+    const Wanted wantedBefore = content.wanted();
     content.add(added);
     stopTimer.stop();
     journal.notePoll(added);
@@ -80,8 +80,12 @@ Poll* LessonPrivate::addPoll(const Question& question)
         if (added && added == content.poll && added->isRunning())
             sendPoll(question, png, url);
     });
+    if (!content.isPollReady) // and may never be, where its picture is given up
+        send([=, now = content.wanted()](PresenterCollab* collab) {
+            LessonMessages::bringNews(collab, wantedBefore, now);
+        });
     whileThere([&] { before ? before->stop() : void(); }, [this] { content.roster->tellAnswers(); },
-               [this] { tellBusy(); }, [&] { wasLocked ? q->lockedChanged() : void(); },
+               [this] { tellBusy(); }, [&] { wantedBefore.isLocked ? q->lockedChanged() : void(); },
                [this] { Q_EMIT q->pollChanged(); });
     return added;
 }

@@ -172,6 +172,26 @@ private Q_SLOTS:
                  QVERIFY(waitFor([&] { return !at.lesson->isBusy(); }));
              },
              {"questionStart T", "pause T"}},
+            {"question with a picture that is not sent",
+             [](Class& at) {
+                 at.service.expect(UPLOAD, Answer::never());
+                 at.lesson->ask(marked());
+                 at.lesson->setLocked(true);
+                 Question question = marked();
+                 question.picture = large();
+                 at.lesson->ask(question);
+                 QVERIFY(waitFor([&] { return at.service.isUsedUp(); }));
+                 at.lesson->cancel();
+             },
+             {"questionStart T", "dialogShow T", "pollStop T", "dialogShow T"}},
+            {"question of an assessment for nobody",
+             [](Class& at) {
+                 at.lesson->startAssessment(plan());
+                 at.hear(QString(), "questionGet", {{"questionNumber", 1}});
+                 QVERIFY(joins(at, "D3"));
+                 QCOMPARE(at.lesson->assessment()->participants(), (QStringList{"D1", "D2", "D3"}));
+             },
+             {"assessmentStart T", "assessmentStart T.user.D3"}},
         });
     }
     void brings()
