@@ -304,7 +304,6 @@ void LessonWorker::onRemoteControl(const QString& from, const QString& type, con
         return;
     }
     const auto tellOther = [=] {
-        m_others.insert(from);
         report([=](LessonListener* listener) { listener->onMessage(type, from, data); });
     };
     if (m_others.contains(from))
@@ -316,12 +315,14 @@ void LessonWorker::onRemoteControl(const QString& from, const QString& type, con
 bool LessonWorker::isRemote(const QString& from)
 {
     QList<ServiceClient::User> users;
-    if (m_client)
-        m_client->askUsers(m_sessionToken, &users);
+    const bool isToldNow = !m_remotes.contains(from) && !m_others.contains(from) && m_client &&
+                           m_client->askUsers(m_sessionToken, &users).isFine();
     for (const ServiceClient::User& user : std::as_const(users)) {
         if (user.mode == QLatin1String("controller"))
             m_remotes.insert(user.device.deviceId);
     }
+    if (isToldNow && !m_remotes.contains(from))
+        m_others.insert(from);
     return m_remotes.contains(from);
 }
 

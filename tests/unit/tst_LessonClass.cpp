@@ -641,6 +641,17 @@ private Q_SLOTS:
         QVERIFY(!m_class->lesson->isRemotePresent() && !m_class->lesson->isLocked());
     }
 
+    void asksAgainWhoARemoteControlIs()
+    {
+        m_class->service.expect("/tavisto/session/getusers", Answer::json("{}", 500));
+        m_class->hear("R", "lockAll", {});
+        QVERIFY(waitFor([&] { return m_class->service.isUsedUp(); }));
+        QVERIFY(joins(*m_class, "D3"));
+        m_class->expectRemote();
+        m_class->hear("R", "lockAll", {});
+        QVERIFY(waitFor([&] { return m_class->lesson->isLocked(); }));
+    }
+
     // The bus, or the device itself, says who is gone, and no learner says it of another.
     void nobodyIsReportedByALearner()
     {
