@@ -174,7 +174,10 @@ void Lesson::setNoticesLoss(bool notices)
 
 void Lesson::setReconnects(bool reconnects)
 {
+    const bool begins = reconnects && !std::exchange(d->reconnects, reconnects);
     d->reconnects = reconnects;
+    if (begins && d->state == Reconnecting && !d->retry.isActive())
+        d->attempt();
 }
 
 void Lesson::setBringsBack(bool brings)

@@ -150,7 +150,8 @@ public:
     /// back. Without it only a channel that is closed is lost.
     Q_INVOKABLE void setNoticesLoss(bool notices);
     /// Whether a channel that is lost is opened again by itself; true at first. Without it a lost lesson
-    /// stays Reconnecting until a retryNow() goes well; failed() tells of one that does not.
+    /// stays Reconnecting until a retryNow() goes well; failed() tells of one that does not. Set to true
+    /// again, a lost lesson tries at once.
     Q_INVOKABLE void setReconnects(bool reconnects);
     /// Whether the class is brought to what is wanted when a lost lesson is Live again; true at first.
     /// Without it nothing is sent then, and what was done meanwhile reaches nobody: the host does what it

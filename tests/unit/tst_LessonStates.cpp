@@ -338,6 +338,12 @@ private Q_SLOTS:
         QCOMPARE(class_.lesson->attemptText(), QStringLiteral("The connection is lost."));
         QVERIFY(class_.loseAndReturn([](Lesson&) {}));
         QCOMPARE(class_.lesson->attemptText(), QString());
+        class_.bus.dropConnections();
+        QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::Reconnecting; }));
+        class_.expectUsers();
+        class_.expectUsers();
+        class_.lesson->setReconnects(true);
+        QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::Live; }));
         QVERIFY(class_.end());
     }
 
