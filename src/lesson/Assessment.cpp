@@ -183,7 +183,7 @@ void Assessment::stop(const QDateTime& at)
 {
     if (!d->isRunning)
         return;
-    d->lasted = at.isValid() ? d->startedAt.msecsTo(at) : elapsed();
+    d->lasted = at.isValid() ? qMax(qint64{0}, d->startedAt.msecsTo(at)) : elapsed();
     d->isRunning = d->isPaused = false;
     Q_EMIT stateChanged();
 }
@@ -193,7 +193,7 @@ void Assessment::restore(const QString& token, const QStringList& questionIds, c
     d->token = token;
     d->ids = questionIds.mid(0, questionCount()); // a file is from outside
     d->startedAt = startedAt;
-    d->before = startedAt.msecsTo(QDateTime::currentDateTime());
+    d->before = qMax(qint64{0}, startedAt.msecsTo(QDateTime::currentDateTime())); // clocks are set
 }
 
 void Assessment::restoreState(bool isRunning, bool isPaused, qint64 lasted)

@@ -1,5 +1,6 @@
 #include "lesson/Journal.h"
 
+#include <QFileInfo>
 #include <QJsonDocument>
 
 #include <utility>
@@ -31,38 +32,52 @@ bool Journal::begin(const QString& fileName)
 {
     close();
     const QString before = fileName + QLatin1Char('~');
-    if (QFile::exists(fileName) && (!QFile::exists(before) || QFile::remove(before)))
-        QFile::rename(fileName, before);
+    const QFileInfo file(fileName);
+    if (file.exists() && !(file.isFile() && (!QFile::exists(before) || QFile::remove(before)) &&
+                           QFile::rename(fileName, before)))
+        return false;
     m_file.setFileName(fileName);
-    return m_file.open(mode) && m_file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) &&
-           m_file.resize(0);
+    return m_file.open(mode) && m_file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+}
+
+void Journal::hold()
+{
+    close();
+    m_isHeld = true;
 }
 
 bool Journal::goOn(const QString& fileName)
 {
+    const QByteArray held = std::exchange(m_lines, {});
     close();
     QFile file(fileName);
     if (!file.open(QIODevice::ReadWrite))
         return false;
     file.resize(file.readAll().lastIndexOf('\n') + 1);
     m_file.setFileName(fileName);
-    return m_file.open(mode);
+    if (!m_file.open(mode))
+        return false;
+    m_lines = held;
+    return true;
 }
 
 void Journal::close()
 {
     m_file.close();
     m_lines.clear();
+    m_isHeld = false;
 }
 
 void Journal::add(const QJsonObject& event)
 {
-    if (m_file.isOpen())
+    if (isOpen())
         m_lines += QJsonDocument(event).toJson(QJsonDocument::Compact) + '\n';
 }
 
 bool Journal::flush()
 {
+    if (m_isHeld)
+        return true;
     const QByteArray lines = std::exchange(m_lines, {});
     if (lines.isEmpty() || m_file.write(lines) == lines.size())
         return true;

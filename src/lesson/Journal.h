@@ -18,13 +18,16 @@ public:
     /// The events of \p fileName in their order; none where it cannot be read.
     static QVector<QJsonObject> read(const QString& fileName);
 
-    /// Begins \p fileName anew. What it held is kept beside it, under its name and "~".
+    /// Begins \p fileName anew. What it held is kept beside it, under its name and "~"; false where it cannot
+    /// be.
     bool begin(const QString& fileName);
+    /// Keeps what is added until goOn() writes it.
+    void hold();
     /// Goes on behind the last whole line of \p fileName.
     bool goOn(const QString& fileName);
     void close();
 
-    bool isOpen() const { return m_file.isOpen(); }
+    bool isOpen() const { return m_file.isOpen() || m_isHeld; }
 
     /// Adds \p event at the next flush(). Nothing while no file is open.
     void add(const QJsonObject& event);
@@ -36,6 +39,7 @@ public:
 private:
     QFile m_file;
     QByteArray m_lines;
+    bool m_isHeld = false;
 };
 
 } // namespace Calyx

@@ -228,11 +228,21 @@ QVariantMap LessonJournal::describe(const Events& events)
     return session;
 }
 
-LessonJournal::TakenUp LessonJournal::takeUp(const QString& fileName, const Events& events)
+LessonJournal::TakenUp LessonJournal::find(const Events& events)
+{
+    const QJsonObject session = sessionOf(events);
+    TakenUp found{{text(session, "code"), text(session, "token")}, {}};
+    for (const QJsonObject& event : events) {
+        if (time(event).isValid())
+            found.until = time(event);
+    }
+    return found;
+}
+
+void LessonJournal::takeUp(const QString& fileName, const Events& events)
 {
     const QPointer<LessonJournal> self(this); // the models tell their views, which may end the lesson
     const QJsonObject session = sessionOf(events);
-    TakenUp found{{text(session, "code"), text(session, "token")}, {}};
     close();
     m_fileName = fileName;
     m_content->lessonName = text(session, "lesson");
@@ -241,10 +251,9 @@ LessonJournal::TakenUp LessonJournal::takeUp(const QString& fileName, const Even
     for (const QJsonObject& event : events) {
         if (self)
             replay(event);
-        if (time(event).isValid())
-            found.until = time(event);
     }
-    return found;
+    if (self)
+        m_journal.hold();
 }
 
 void LessonJournal::replay(const QJsonObject& event)

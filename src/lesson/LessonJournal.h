@@ -20,7 +20,7 @@ class LessonJournal : public QObject
 public:
     using Events = QVector<QJsonObject>;
 
-    /// What takeUp() has found.
+    /// What is there to take up.
     struct TakenUp
     {
         OpenSession session;
@@ -32,6 +32,7 @@ public:
 
     /// The events of the session in \p fileName; none where it holds none that could be taken up.
     static Events read(const QString& fileName);
+    static TakenUp find(const Events& events);
     /// Such a session for people: Lesson::journalOf().
     static QVariantMap describe(const Events& events);
 
@@ -39,9 +40,9 @@ public:
     void setFileName(const QString& fileName) { m_fileName = fileName; }
     /// Begins the file anew.
     void begin();
-    /// Puts \p events, of \p fileName, into the content, which has to be empty; goOn() writes on there. A
-    /// view of a model's can be the end of the lesson.
-    TakenUp takeUp(const QString& fileName, const Events& events);
+    /// Puts \p events, of \p fileName, into the content, which has to be empty; goOn() writes on there, what
+    /// has happened meanwhile first. A view of a model's can be the end of the lesson.
+    void takeUp(const QString& fileName, const Events& events);
     void goOn();
     void flush();
     void close() { m_journal.close(); }

@@ -120,10 +120,16 @@ bool LessonPrivate::takeUp(const QString& fileName)
     clearSession();
     if (!self)
         return false;
-    const LessonJournal::TakenUp found = journal.takeUp(fileName, events);
+    const LessonJournal::TakenUp found = LessonJournal::find(events);
+    takenUp = found;
+    journal.takeUp(fileName, events);
     if (!self)
         return false;
-    takenUp = found;
+    if (!wantsLive) { // a slot has ended it
+        takenUp = found;
+        finishSession();
+        return false;
+    }
     shown = content.wanted();
     const Poll* poll = content.poll;
     if (poll && poll->stopsAt().isValid())

@@ -124,7 +124,7 @@ void Poll::stop(const QDateTime& at)
     if (!d->isRunning)
         return;
     d->missingAtStop = missing();
-    d->lasted = at.isValid() ? d->startedAt.msecsTo(at) : elapsed();
+    d->lasted = at.isValid() ? qMax(qint64{0}, d->startedAt.msecsTo(at)) : elapsed();
     d->isRunning = d->isPaused = false;
     d->stopsAt = QDateTime();
     Q_EMIT stateChanged();
@@ -134,7 +134,7 @@ void Poll::restore(const QString& id, const QDateTime& startedAt)
 {
     d->id = id;
     d->startedAt = startedAt;
-    d->before = startedAt.msecsTo(QDateTime::currentDateTime());
+    d->before = qMax(qint64{0}, startedAt.msecsTo(QDateTime::currentDateTime())); // clocks are set
 }
 
 void Poll::restoreState(bool isRunning, bool isPaused, qint64 lasted, const QDateTime& stopsAt)

@@ -5,6 +5,7 @@
 
 #include <CalyxClient/Lesson>
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QMetaEnum>
 #include <QSignalSpy>
@@ -266,7 +267,97 @@ private Q_SLOTS:
         QVERIFY(!class_.sent("questionStart").isEmpty());
         QVERIFY(class_.takeUp(folder.filePath("journal"), meanwhile));
         QCOMPARE(class_.published(), published);
+        const auto standing = [&] {
+            const Poll* const poll = class_.lesson->poll();
+            return QList<bool>{poll->isRunning(), poll->isPaused(), class_.lesson->isLocked()};
+        };
+        const QList<bool> before = standing();
+        QVERIFY(class_.takeUp(folder.filePath("journal-copy"), [](Lesson&) {}));
+        QCOMPARE(standing(), before);
         QVERIFY(class_.end());
+    }
+
+    void takesUpWhatAFileSays_data()
+    {
+        const auto end = [](Lesson& lesson) { lesson.end(); };
+        const auto whenHere = [end](Lesson& lesson) {
+            connect(lesson.roster(), &Roster::rowsInserted, &lesson, [&lesson, end] { end(lesson); });
+        };
+        const auto none = [](Lesson&) {};
+        rows<int, Work, Work>({
+            // When the poll began, in seconds after the session; before it is taken up; afterwards
+            {"that ends", 10, none, end},
+            {"that ends in a slot", 10, whenHere, none},
+            {"whose clock went ahead", 100000, none, end},
+        });
+    }
+    // Who came 20 s after the session has left with the last event, 30 s after it.
+    void takesUpWhatAFileSays()
+    {
+        const auto [began, before, after] = row<int, Work, Work>();
+        const QTemporaryDir folder;
+        const QDateTime at = QDateTime::currentDateTime().addSecs(-3600);
+        const auto line = [&](const QByteArray& event, int seconds) {
+            return "{\"event\":" + event +
+                   ",\"at\":" + QByteArray::number(at.addSecs(seconds).toMSecsSinceEpoch()) + "}\n";
+        };
+        QFile file(folder.filePath("journal"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(line(R"("session","code":"1","token":"T")", 0) +
+                   line(R"("poll","id":"P","number":1,"question":{"kind":"text"})", began) +
+                   line(R"("joined","device":"D1","name":"Ann")", 20) +
+                   line(R"("answer","id":"P","device":"D1","answer":"leaf")", 30));
+        file.close();
+        Visit visit;
+        visit.service.expect(PROBE, Answer::json(FINE).held());
+        logIn(visit.lesson);
+        QVERIFY(waitFor([&] { return visit.service.isHolding(); }));
+        before(visit.lesson);
+        visit.lesson.takeUp(file.fileName());
+        const Poll* const poll = visit.lesson.poll();
+        QCOMPARE(poll->answered(), 1);
+        QVERIFY(poll->elapsed() >= 0);
+        after(visit.lesson);
+        QVERIFY(!poll->isRunning());
+        QCOMPARE(poll->elapsed(), qMax(0, 30 - began) * 1000);
+        const QJsonArray stays = visit.lesson.report().value("learners").toArray().at(0)["here"].toArray();
+        QCOMPARE(stays.at(0)["to"].toString(), at.addSecs(30).toString(Qt::ISODateWithMs));
+        visit.service.expect(SUBMIT, Answer::json(Logins::SUCCESS));
+        visit.service.release();
+        QVERIFY(visit.reaches(Lesson::LoggedIn));
+        visit.service.expect(Logins::USER, Answer::json(R"({"data":{"userLoginId":"teacher"}})"));
+        visit.service.expect("/tavisto/session/create", Answer::json("{}", 500));
+        visit.service.expect(PROBE, Answer::json(FINE));
+        visit.lesson.start(); // another one
+        QVERIFY(waitFor([&] { return visit.error.kind == LessonError::Refused; }));
+        QVERIFY(visit.logOut());
+    }
+
+    void keepsTheJournalBefore_data()
+    {
+        rows<QString, QString>({
+            {"in no folder", "nowhere/journal", ""},
+            {"that is a folder", "", ""},
+            {"that can be kept nowhere", "journal", "journal~/file"},
+        });
+    }
+    void keepsTheJournalBefore()
+    {
+        const auto [name, inTheWay] = row<QString, QString>();
+        const QTemporaryDir folder;
+        const QString journal = name.isEmpty() ? folder.path() : folder.filePath(name);
+        QFile file(journal);
+        const bool isThere = file.open(QIODevice::WriteOnly) && file.write("lesson") == 6 && file.flush();
+        QVERIFY(inTheWay.isEmpty() || (isThere && QDir(folder.path()).mkpath(inTheWay)));
+        Visit at;
+        at.service.expect(PROBE, Answer::never());
+        logIn(at.lesson);
+        at.lesson.setJournal(journal);
+        at.lesson.start();
+        QVERIFY(waitFor([&] { return at.error.kind == LessonError::BadInput; }));
+        QVERIFY(QFileInfo::exists(folder.path()));
+        QCOMPARE(QFileInfo(journal).isFile() ? QFileInfo(journal).size() : 0, isThere ? 6 : 0);
+        at.service.expectNoMore();
     }
 
     void bringsWhatMayBeLost_data()
