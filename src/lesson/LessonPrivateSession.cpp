@@ -317,10 +317,12 @@ void LessonPrivate::giveUp()
     const bool isTakenUp = !takenUp.session.token.isEmpty(); // and goes on without us
     const bool endsSession = (state == Lesson::Starting && !isTakenUp) || state == Lesson::Reconnecting;
     ticket = ++lastTicket;
-    worker->tell([ticket = ticket, endsSession](LessonWorker* at) {
+    worker->tell([ticket = ticket, endsSession, isTakenUp](LessonWorker* at) {
         at->cancel();
         if (endsSession)
             at->endSession(ticket);
+        else if (isTakenUp)
+            at->forgetSession();
     });
     if (endsSession)
         journal.noteEnd();

@@ -248,10 +248,8 @@ void LessonWorker::open(int ticket)
         m_ticket = ticket;
         m_expectedSteps = 7;
         const LessonError result = doOpen();
-        if (result.kind == LessonError::NoError) {
-            reportOpened(ticket, false);
+        if (result.kind == LessonError::NoError)
             return;
-        }
         m_abort.stop();
         if (!m_isLeaving) // shutDown() does it, and knows how long it may take
             stopSession();
@@ -270,7 +268,7 @@ LessonError LessonWorker::doOpen()
         adopt(collab);
     if (reason.kind != LessonError::NoError || m_isCancelled)
         return error(reason.kind, reason.key);
-    return waitForChannel() ? LessonError() : error(LessonError::NoChannel);
+    return finishOpening(false);
 }
 
 void LessonWorker::setLimits()
@@ -308,9 +306,7 @@ void LessonWorker::reopen(int ticket)
     enqueue(true, [this, ticket] {
         m_ticket = ticket;
         const LessonError result = doReopen();
-        if (result.kind == LessonError::NoError)
-            reportOpened(ticket, true);
-        else
+        if (result.kind != LessonError::NoError)
             report([=](LessonListener* listener) { listener->onNotOpened(ticket, result); });
     });
 }
@@ -325,7 +321,7 @@ LessonError LessonWorker::doReopen()
     m_collab->connector()->setSilenceLimit(m_settings.noticesLoss ? silenceLimit : 0);
     if (!m_isCancelled)
         m_collab->open(transportsForReturn());
-    return waitForChannel() ? LessonError() : error(LessonError::NoChannel);
+    return finishOpening(true);
 }
 
 // Asks the service for the users of the session, and so whether it is there, who we are to it, and whether it
@@ -352,14 +348,20 @@ void LessonWorker::takeUp(int ticket, const OpenSession& session)
         m_ticket = ticket;
         m_expectedSteps = 6;
         const LessonError result = doTakeUp(session);
-        if (result.kind == LessonError::NoError) {
-            reportOpened(ticket, true);
+        if (result.kind == LessonError::NoError)
             return;
-        }
         dropChannel();
         m_sessionToken.clear();
+        if (!m_isCancelled) // else whoever has cancelled it knows
+            forgetSession();
         report([=](LessonListener* listener) { listener->onNotOpened(ticket, result); });
     });
+}
+
+void LessonWorker::forgetSession()
+{
+    if (m_client)
+        m_client->forgetSession();
 }
 
 // The service starts a session again for its teacher, with the same token.
@@ -378,7 +380,7 @@ LessonError LessonWorker::doTakeUp(const OpenSession& session)
     adopt(collab);
     if (m_client->sessionToken() != session.token)
         return error(LessonError::SessionGone);
-    return waitForChannel() ? LessonError() : error(LessonError::NoChannel);
+    return finishOpening(true);
 }
 
 // Whatever the service answers, the session is over here.

@@ -114,6 +114,8 @@ public:
     void takeUp(int ticket, const OpenSession& session);
     /// Opens the channel of the session again, whatever has become of it and of the login.
     void reopen(int ticket);
+    /// Has the session go on without us: it is not stopped when we log out.
+    void forgetSession();
     void endSession(int ticket);
     void logOut(int ticket);
     void upload(int ticket, const QByteArray& picture);
@@ -158,7 +160,7 @@ private:
     LessonError findSession();
     void setLimits();
     LessonError renewLogin();
-    void reportOpened(int ticket, bool isReturn);
+    LessonError finishOpening(bool isReturn);
     bool askLearners(QList<Learner>* learners);
     void listAgain();
     void reportMissed();

@@ -135,8 +135,10 @@ bool LessonWorker::waitForChannel()
     return m_collab && m_collab->isConnected() && !m_isCancelled;
 }
 
-void LessonWorker::reportOpened(int ticket, bool isReturn)
+LessonError LessonWorker::finishOpening(bool isReturn)
 {
+    if (!waitForChannel())
+        return error(LessonError::NoChannel);
     Opening opening;
     opening.joinCode = m_client->sessionCode();
     opening.joinAddress = JoinAddress::of(m_client->server());
@@ -147,9 +149,7 @@ void LessonWorker::reportOpened(int ticket, bool isReturn)
     opening.hasLearners = askLearners(&opening.learners);
     if (!m_isOpen || m_isCancelled) { // lost again meanwhile
         m_isOpen = false;
-        report(
-            [=](LessonListener* listener) { listener->onNotOpened(ticket, error(LessonError::NoChannel)); });
-        return;
+        return error(LessonError::NoChannel);
     }
     opening.heard = m_heard;
     for (const Learner& learner : std::as_const(opening.learners))
@@ -163,11 +163,12 @@ void LessonWorker::reportOpened(int ticket, bool isReturn)
         m_watch.start(watchPace);
         sendPulse(0, echoLimit);
     }
-    report([=](LessonListener* listener) { listener->onOpened(ticket, opening); });
+    report([=, ticket = m_ticket](LessonListener* listener) { listener->onOpened(ticket, opening); });
     for (const auto& work : std::exchange(m_waiting, {})) {
         if (m_collab)
             work(m_collab);
     }
+    return LessonError();
 }
 
 // The service's list, without those who have left since it was asked for.

@@ -80,6 +80,13 @@ bool ServiceClient::startAgain(const QString& code, PresenterCollab** collab)
     return startWebsocket(collab);
 }
 
+// What an answer does not name, the client takes for null.
+void ServiceClient::forgetSession()
+{
+    sessionSuccessResponse(QStringLiteral("{}"));
+    sessionStartSuccessResponse(QStringLiteral("{}"));
+}
+
 void ServiceClient::abortRequests()
 {
     const auto* manager = findChild<QNetworkAccessManager*>();

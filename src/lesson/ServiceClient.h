@@ -41,6 +41,8 @@ public:
     Reply askUsers(const QString& sessionToken, QList<User>* users);
     /// startWebsocket() for the session with this code, which is open already.
     bool startAgain(const QString& code, PresenterCollab** collab);
+    /// The session is none of ours any more: doLogout() does not stop it.
+    void forgetSession();
     /// Ends the request that is under way, and so the operation's wait for it.
     void abortRequests();
 

@@ -4,6 +4,8 @@
 #include "support/Rows.h"
 
 #include <CalyxClient/Lesson>
+#include <CalyxClient/PresenterCollab>
+#include <CalyxClient/SockJSConnector>
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -56,10 +58,12 @@ struct Visit
 };
 
 using Script = std::function<void(Visit&)>;
+using Opens = std::function<void(Class&, const QString& journal)>;
 
 } // namespace
 
 Q_DECLARE_METATYPE(Script)
+Q_DECLARE_METATYPE(Opens)
 Q_DECLARE_METATYPE(QList<Reply>)
 
 class tst_LessonStates : public QObject
@@ -358,6 +362,67 @@ private Q_SLOTS:
         QVERIFY(QFileInfo::exists(folder.path()));
         QCOMPARE(QFileInfo(journal).isFile() ? QFileInfo(journal).size() : 0, isThere ? 6 : 0);
         at.service.expectNoMore();
+    }
+
+    void losesWhatItOpens_data()
+    {
+        const auto starts = [](Class& at, const QString&) { at.begin(at.bus.url()); };
+        const auto returns = [](Class& at, const QString&) {
+            QVERIFY(at.start());
+            at.lesson->setReconnects(false);
+            at.bus.dropConnections();
+            QVERIFY(waitFor([&] { return at.lesson->state() == Lesson::Reconnecting; }));
+            at.expectUsers();
+            at.lesson->retryNow();
+        };
+        const auto takesUp = [](Class& at, const QString& journal) {
+            QFile file(journal);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("{\"event\":\"session\",\"code\":\"123456\",\"token\":\"T\"}\n");
+            at.service.expect(PROBE, Answer::json(FINE));
+            at.service.expect(SUBMIT, Answer::json(Logins::SUCCESS));
+            at.expectUsers();
+            at.expectChannel(at.bus.url());
+            file.close();
+            logIn(*at.lesson);
+            at.lesson->takeUp(journal);
+        };
+        rows<Opens, int, bool, bool>({
+            // afterwards: the state; whether the session is stopped at once, or at the end
+            {"when it starts", starts, Lesson::LoggedIn, true, false},
+            {"when it returns", returns, Lesson::Reconnecting, false, true},
+            {"when it is taken up", takesUp, Lesson::LoggedIn, false, false},
+        });
+    }
+    // The channel goes while the service is asked for the learners.
+    void losesWhatItOpens()
+    {
+        const auto [opens, state, isStopped, isStoppedLater] = row<Opens, int, bool, bool>();
+        const QTemporaryDir folder;
+        Class class_;
+        LessonError error;
+        connect(class_.lesson.get(), &Lesson::failed, this, [&](const LessonError& one) { error = one; });
+        opens(class_, folder.filePath("journal"));
+        class_.service.expect(USERS, Answer::json(FINE).held());
+        QVERIFY(waitFor([&] { return class_.service.isHolding(); }));
+        std::atomic_bool isLost = false;
+        class_.lesson->onChannel([&](PresenterCollab* collab) {
+            connect(collab, &PresenterCollab::connectionClosed, collab, [&] { isLost = true; });
+            collab->connector()->close();
+        });
+        QVERIFY(waitFor([&] { return bool(isLost); }));
+        if (isStopped)
+            class_.service.expect("/tavisto/session/stop", Answer::json(FINE));
+        class_.service.release();
+        QVERIFY(waitFor([&] { return error.kind != LessonError::NoError; }));
+        QCOMPARE(int(error.kind), int(LessonError::NoChannel));
+        QCOMPARE(int(class_.lesson->state()), state);
+        QVERIFY(class_.service.isUsedUp());
+        if (isStoppedLater)
+            class_.service.expect("/tavisto/session/stop", Answer::json(FINE));
+        class_.service.expect(Logins::LOGOUT, Answer::json(FINE));
+        class_.lesson->logOut();
+        QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::LoggedOut; }));
     }
 
     void bringsWhatMayBeLost_data()
