@@ -9,6 +9,9 @@
 
 namespace {
 
+// What a plain jar takes for each request grows with the square of this.
+constexpr int mostCookies = 100;
+
 // Qt puts a point before a domain that is a name, and a server may put one before an address.
 QString withoutPoint(const QString& domain)
 {
@@ -47,5 +50,9 @@ bool SafeCookieJar::insertCookie(const QNetworkCookie& cookie)
     QNetworkCookie kept(cookie);
     if (isAddress(withoutPoint(cookie.domain())))
         kept.setDomain(withoutPoint(cookie.domain()));
-    return QNetworkCookieJar::insertCookie(kept);
+    if (!QNetworkCookieJar::insertCookie(kept))
+        return false;
+    if (allCookies().size() > mostCookies)
+        deleteCookie(QNetworkCookie(allCookies().constFirst()));
+    return true;
 }

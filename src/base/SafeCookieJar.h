@@ -13,7 +13,8 @@ public:
     /// Refusals are logged with \p tag at the beginning of the line.
     SafeCookieJar(const char* tag, QObject* parent);
 
-    /// Keeps \p cookie, that of an address under the address alone. False when it is refused or expired.
+    /// Keeps \p cookie, that of an address under the address alone, and of all those that were set last, a
+    /// hundred. False when it is refused or expired.
     bool insertCookie(const QNetworkCookie& cookie) override;
 
 protected:

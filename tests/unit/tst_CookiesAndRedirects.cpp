@@ -297,6 +297,21 @@ private Q_SLOTS:
         QCOMPARE(sent(jar, "http://127.0.0.1/"), expected);
     }
 
+    // A server could have each request take longer than the one before, and be larger.
+    void theLatestHundredAreKept()
+    {
+        SafeCookieJar jar("[Tag]", nullptr);
+        QByteArray expected;
+        for (int i = 0; i < 200; ++i) {
+            const QByteArray cookie = 'a' + QByteArray::number(i) + "=1";
+            QVERIFY(set(&jar, cookie, "http://127.0.0.1/"));
+            QVERIFY(set(&jar, "balancer=1", "http://127.0.0.1/"));
+            if (i > 100)
+                expected += cookie + ';';
+        }
+        QCOMPARE(sent(jar, "http://127.0.0.1/"), expected + "balancer=1;");
+    }
+
     void cookiesGoToNoOtherHost_data()
     {
         using Texts = QList<QByteArray>;
