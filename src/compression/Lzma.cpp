@@ -86,11 +86,14 @@ try {
 bool Lzma::decompress(QString list, QString* out)
 try {
     list.remove(QLatin1Char('[')).remove(QLatin1Char(']'));
-    const QList<QStringView> parts = QStringView(list).split(QLatin1Char(','));
+    const QStringView text(list);
     QByteArray block;
-    block.reserve(parts.size());
-    for (const QStringView part : parts)
-        block.append(static_cast<char>(part.toLongLong()));
+    // No list of the parts, which would take many times the text's memory.
+    for (qsizetype begin = 0, end = 0; end < text.size(); begin = end + 1) {
+        const qsizetype comma = text.indexOf(QLatin1Char(','), begin);
+        end = comma < 0 ? text.size() : comma;
+        block.append(static_cast<char>(text.mid(begin, end - begin).toLongLong()));
+    }
     return decompress(bytesOf(block), size_t(block.size()), out);
 } catch (const std::bad_alloc&) {
     return false;

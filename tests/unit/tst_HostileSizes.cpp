@@ -134,6 +134,16 @@ private Q_SLOTS:
         QCOMPARE(out, passes ? QString(HELLO) : QStringLiteral("before"));
     }
 
+    void listTakesNoMoreMemoryThanItsText()
+    {
+        const QString list(2 * MiB, QLatin1Char(','));
+        const qint64 before = memory("VmSize:");
+        QString out = "before";
+        QVERIFY(Lzma::decompress(list, &out)); // zeros, which hold no text
+        const qint64 growth = memory("VmPeak:") - before;
+        QVERIFY2(growth < 64 * KIB_PER_MIB, qPrintable(QString::number(growth)));
+    }
+
     void memoryFollowsWhatIsDecoded()
     {
         // Cut off, the bomb gives some 3 MiB before it fails.
