@@ -1,6 +1,7 @@
 #include "transport/WebSocketTransport.h"
 
 #include "base/QtVersion.h"
+#include "transport/HttpResponseParser.h"
 #include "transport/InnerLoop.h"
 #include "transport/WebSocketRelease.h"
 
@@ -31,6 +32,9 @@ bool WebSocketTransport::start(const QUrl& url, const QNetworkProxy& proxy)
 {
     m_socket = new QWebSocket(QString(), QWebSocketProtocol::Version13);
     m_socket->setProxy(proxy);
+    // As over XHR: Qt's own limit is 2 GiB.
+    m_socket->setMaxAllowedIncomingFrameSize(HttpResponseParser::MaxBodySize);
+    m_socket->setMaxAllowedIncomingMessageSize(HttpResponseParser::MaxBodySize);
     listen();
     m_socket->open(url);
     return waitForUpgrade();

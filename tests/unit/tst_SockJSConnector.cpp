@@ -181,6 +181,17 @@ private Q_SLOTS:
         QCOMPARE(m_probe->messages().size(), 1);
     }
 
+    void frameThatIsTooLargeEndsTheConnection()
+    {
+        constexpr int largest = 64 * 1024 * 1024;
+        QVERIFY(openSession());
+        m_server->inject(QString(largest, QLatin1Char('x')));
+        QVERIFY(syncInbound());
+        m_server->inject(QString(largest + 1, QLatin1Char('x')));
+        QTRY_COMPARE(m_probe->count(QStringLiteral("closed false")), 1);
+        QTRY_COMPARE(m_server->closeCode(), 1009); // too much data
+    }
+
     void framesBeforeTheOpenFrameAreHandledAlike()
     {
         m_server->setFirstFrames({"h", "a[\"early\"]", "o", "a[\"late\"]"});
