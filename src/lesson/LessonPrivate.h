@@ -129,6 +129,7 @@ struct LessonPrivate : public LessonListener
     bool bringsBack = true;
     bool wantsLive = false; // a session, as soon as the login is there
     bool isLoggingOut = false;
+    bool isBringing = false;  // the channel is there, and nobody has heard of it
     bool isFinishing = false; // slots that hear of it can ask for nothing more
     bool wasBusy = false;
     double progress = -1;

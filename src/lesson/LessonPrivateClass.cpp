@@ -10,7 +10,7 @@ namespace Calyx {
 
 void LessonPrivate::send(const std::function<void(PresenterCollab*)>& work)
 {
-    if (state != Lesson::Live)
+    if (state != Lesson::Live && !isBringing)
         return;
     worker->tell([work](LessonWorker* at) { at->send(work); });
     if (!confirmation.isActive())

@@ -159,15 +159,17 @@ void LessonPrivate::onOpened(int ticketOfOpening, const Opening& opening)
     if (!meet(opening, &newcomers))
         return;
     attempts = 0;
-    if (!setState(Lesson::Live) || state != Lesson::Live)
-        return;
+    // Before slots hear that it is live: what they ask for is sent at once, and only once.
+    isBringing = true;
     if (opening.isReturn)
         bringsBack ? bringBack(newcomers) : void();
     else if (!content.wanted().isNothing())
         send([wanted = content.wanted()](PresenterCollab* collab) {
             LessonMessages::bring(collab, QString(), wanted);
         });
-    tellRemote();
+    isBringing = false;
+    if (setState(Lesson::Live) && state == Lesson::Live)
+        tellRemote();
 }
 
 // Brings the roster to the service's list. False where a slot has ended the lesson, or what it was doing.

@@ -425,6 +425,21 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return class_.lesson->state() == Lesson::LoggedOut; }));
     }
 
+    // By a slot that hears that the lesson is live, or is again.
+    void asksOnce()
+    {
+        Class class_;
+        connect(class_.lesson.get(), &Lesson::stateChanged, this, [&] {
+            if (class_.lesson->state() == Lesson::Live)
+                class_.lesson->ask(Question::usual(PollType::TEXT));
+        });
+        QVERIFY(class_.start());
+        QCOMPARE(class_.published(), QStringList("questionStart T"));
+        QVERIFY(class_.loseAndReturn([](Lesson& lesson) { lesson.setLocked(true); }));
+        QCOMPARE(class_.published(), (QStringList{"questionStart T", "dialogShow T", "questionStart T"}));
+        QVERIFY(class_.end());
+    }
+
     void bringsWhatMayBeLost_data()
     {
         rows<bool, QStringList>({
