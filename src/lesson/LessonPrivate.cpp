@@ -31,7 +31,7 @@ LessonPrivate::LessonPrivate(Lesson* lesson)
     QObject::connect(&confirmation, &QTimer::timeout, q, [this] { confirm(); });
     stopTimer.setSingleShot(true);
     stopTimer.setTimerType(Qt::PreciseTimer); // never early
-    QObject::connect(&stopTimer, &QTimer::timeout, q, [this] { q->stop(); });
+    QObject::connect(&stopTimer, &QTimer::timeout, q, [this] { waitForStop(); });
     QObject::connect(deck, &Deck::changed, q, [this] { tellRemote(); });
     QObject::connect(q, &Lesson::cardShown, &journal, &LessonJournal::noteCard);
     QObject::connect(q, &Lesson::lockedChanged, &journal, &LessonJournal::noteLock);

@@ -50,6 +50,7 @@ struct LessonPrivate : public LessonListener
     void beginEnd(bool andLogOut);
     void tryAgain();
     void waitForAttempt();
+    void waitForStop();
     void attempt();
     void giveUp();
     /// The session is over, here at least. Whether the operation at work goes on: no slot has deleted the
@@ -145,8 +146,9 @@ struct LessonPrivate : public LessonListener
     Deck* deck;
     QSet<QString> answeredPolls; // their ids, in this turn
     QTimer stopTimer;            // of a poll that counts down
-    Wanted shown;                // what the class has in front of it, as far as the bus has confirmed it
-    QMap<int, Wanted> sent;      // what it will have when confirm() is answered, by serial number
+    QDeadlineTimer stopAt;
+    Wanted shown;           // what the class has in front of it, as far as the bus has confirmed it
+    QMap<int, Wanted> sent; // what it will have when confirm() is answered, by serial number
     QTimer confirmation;
     int lastSerial = 0;
     QHash<QString, int> atQuestion; // of the assessment: what each device has asked for last

@@ -114,7 +114,8 @@ void LessonPrivate::stopPoll(int seconds)
             left > 0 ? LessonMessages::sendCountdown(collab, QString(), id, until)
                      : LessonMessages::sendPollStop(collab, id);
         });
-    left > 0 ? stopTimer.start(left) : stopTimer.stop();
+    stopAt.setRemainingTime(left);
+    left > 0 ? stopTimer.start(second) : stopTimer.stop();
     const QPointer<Lesson> self(q);
     left > 0 ? content.poll->setStopsAt(until) : content.poll->stop();
     if (self)

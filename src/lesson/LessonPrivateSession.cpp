@@ -132,8 +132,10 @@ bool LessonPrivate::takeUp(const QString& fileName)
     }
     shown = content.wanted();
     const Poll* poll = content.poll;
-    if (poll && poll->stopsAt().isValid())
-        stopTimer.start(int(qMax(qint64{0}, QDateTime::currentDateTime().msecsTo(poll->stopsAt()))));
+    if (poll && poll->stopsAt().isValid()) {
+        stopAt.setRemainingTime(qMax(qint64{0}, QDateTime::currentDateTime().msecsTo(poll->stopsAt())));
+        stopTimer.start(0);
+    }
     return tellTakenUp();
 }
 
@@ -268,6 +270,16 @@ void LessonPrivate::waitForAttempt()
     }
     retry.start(qMin(left, longestLook));
     Q_EMIT q->secondsToAttemptChanged();
+}
+
+// For the same reason.
+void LessonPrivate::waitForStop()
+{
+    if (!content.isAsked())
+        return;
+    const qint64 left =
+        qMin(stopAt.remainingTime(), QDateTime::currentDateTime().msecsTo(content.poll->stopsAt()));
+    left > 0 ? stopTimer.start(int(qMin<qint64>(left, longestLook))) : q->stop();
 }
 
 void LessonPrivate::attempt()

@@ -2,6 +2,7 @@
 
 #include "support/LessonClass.h"
 #include "support/Rows.h"
+#include "support/WallClock.h"
 
 #include <CalyxClient/PresenterCollab>
 #include <CalyxClient/RosterFilter>
@@ -299,6 +300,14 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return !poll->isRunning(); }));
         QVERIFY(!poll->stopsAt().isValid() && poll->elapsed() >= 1000);
         QCOMPARE(poll->statusText(), QStringLiteral("Multiple choice (over): 0 of 2 answered"));
+        // A computer that sleeps holds the timers.
+        const Poll* const slept = m_class->lesson->ask(marked());
+        m_class->lesson->stop(60);
+        WallClock::freeze();
+        WallClock::advance(60);
+        const bool isStopped = waitFor([&] { return !slept->isRunning(); });
+        WallClock::release();
+        QVERIFY(isStopped);
     }
 
     void learnersGetAnAddressOfTheirs_data()
