@@ -250,8 +250,6 @@ void LessonPrivate::onLost()
 
 void LessonPrivate::tryAgain()
 {
-    if (!reconnects)
-        return;
     const int pause = pauseBefore(attempts++);
     nextAttempt = QDateTime::currentDateTime().addMSecs(pause);
     retryAt.setRemainingTime(pause);
