@@ -276,8 +276,16 @@ private Q_SLOTS:
             return QList<bool>{poll->isRunning(), poll->isPaused(), class_.lesson->isLocked()};
         };
         const QList<bool> before = standing();
-        QVERIFY(class_.takeUp(folder.filePath("journal-copy"), [](Lesson&) {}));
+        AssessmentPlan plan;
+        plan.questions = {Question::usual(PollType::TEXT)};
+        class_.lesson->startAssessment(plan);
+        QVERIFY(class_.takeUp(folder.filePath("journal-copy"), [](Lesson& lesson) {
+            QVERIFY(lesson.assessment()->isRunning());
+            lesson.stopAssessment();
+        }));
         QCOMPARE(standing(), before);
+        QVERIFY(class_.takeUp(folder.filePath("journal-copy-copy"), [](Lesson&) {}));
+        QVERIFY(!class_.lesson->assessment()->isRunning());
         QVERIFY(class_.end());
     }
 
