@@ -6,6 +6,13 @@
 #include <QSslSocket>
 #include <QTimer>
 
+namespace {
+
+// What nobody reads stays with the far end.
+constexpr qint64 readBufferSize = qint64{1} * 1024 * 1024;
+
+} // namespace
+
 RawConnection::RawConnection(QObject* parent, QTcpSocket* socket, const QString& server, int port,
                              bool secure)
     : QObject(parent)
@@ -15,6 +22,7 @@ RawConnection::RawConnection(QObject* parent, QTcpSocket* socket, const QString&
     , m_port(static_cast<quint16>(port))
 {
     if (m_socket) {
+        m_socket->setReadBufferSize(readBufferSize);
         connect(m_socket, &QTcpSocket::readyRead, this, &RawConnection::wake);
         connect(m_socket, &QTcpSocket::stateChanged, this, &RawConnection::wake);
         // Qt closes a socket whose write fails.

@@ -94,6 +94,7 @@ public:
     bool endsWithLostRequest = false;
     QElapsedTimer asked; // since frames were asked for
     bool retired = false;
+    QTimer resuming;   // has the worker read on, after what else the host's loop has to do
     QTimer closing;    // closes the receiver when no post is answered
     QTimer retirement; // deletes the transport when no post is answered
 };
@@ -105,6 +106,11 @@ SockJSXHRPolling::Private::Private(SockJSXHRPolling* transport)
 {
     manager->setCookieJar(cookieJar);
     cookieJar->setParent(transport); // the manager has made itself the parent
+    resuming.setSingleShot(true);
+    connect(&resuming, &QTimer::timeout, q, [this] {
+        if (worker)
+            worker->resume();
+    });
     closing.setSingleShot(true);
     connect(&closing, &QTimer::timeout, q, &SockJSXHRPolling::close);
     retirement.setSingleShot(true);
@@ -245,6 +251,7 @@ bool SockJSXHRPolling::Private::startThread(SockJSXHRPollingWorker* candidate, Q
     connect(worker, &Worker::receivedEmptyResponse, q, [this](XHRRequest* request) { pollAgain(request); });
     connect(worker, &Worker::requestLost, q, [this](XHRRequest* request) { loseRequest(request); });
     connect(worker, &Worker::reconnected, q, &SockJSXHRPolling::onReconnected);
+    connect(worker, &Worker::paused, q, [this] { resuming.start(); });
     connect(thread, &QThread::finished, thread, &QObject::deleteLater);
     connect(thread, &QThread::finished, socket, &QObject::deleteLater);
     // Before quit(): from then on the thread deletes the worker, and nothing may reach it.

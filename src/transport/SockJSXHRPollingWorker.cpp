@@ -7,6 +7,7 @@
 #include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QList>
+#include <QMetaMethod>
 #include <QMutex>
 
 #include <algorithm>
@@ -20,6 +21,8 @@ constexpr int idleWait = 1000;
 
 constexpr int maxQueueSize = 51;
 constexpr int maxConnectAttempts = 10;
+// Of the receiver, whose event loop Qt would not let go of while texts come as fast as they are heard.
+constexpr int maxAhead = 1000; // texts, or kilobytes
 
 bool isStreaming(const XHRRequest* request)
 {
@@ -63,6 +66,7 @@ public:
     bool runOnce();
     void serve();
     bool mayTransmit() const;
+    bool isPaused() const { return pauses && ahead >= maxAhead; }
     bool isInFlight() const { return response.request || !sentQueue.isEmpty(); }
     qint64 timeToWait() const;
     int pauseLimit() const;
@@ -93,6 +97,8 @@ public:
     int stallLimit = StallLimit;
     int connectAttempts = 0;
     std::atomic<bool> stop{false};
+    bool pauses = false;
+    std::atomic<int> ahead{0};
 
     QMutex mutex; // guards txQueue
     QList<XHRRequest*> txQueue;
@@ -165,6 +171,12 @@ void SockJSXHRPollingWorker::forceClose()
     d->wakeFromAnyThread();
 }
 
+void SockJSXHRPollingWorker::resume()
+{
+    d->ahead = 0;
+    d->wakeFromAnyThread();
+}
+
 bool SockJSXHRPollingWorker::isReceiving() const
 {
     return d->receiving > 0;
@@ -199,6 +211,7 @@ void SockJSXHRPollingWorker::transmitNextRequest()
 void SockJSXHRPollingWorker::process()
 {
     d->connected = d->connection->isConnected();
+    d->pauses = isSignalConnected(QMetaMethod::fromSignal(&SockJSXHRPollingWorker::paused));
     while (!d->stop && d->runOnce()) {
     }
     Q_EMIT finished();
@@ -209,6 +222,10 @@ bool SockJSXHRPollingWorker::Private::runOnce()
     if (connection->isClosed() && keepAlive)
         return false;
     receive();
+    if (isPaused()) {
+        wait(idleWait);
+        return true;
+    }
     if (connection->isUnconnected())
         return restoreConnection();
     if (connection->isConnected())
@@ -263,7 +280,8 @@ int SockJSXHRPollingWorker::Private::pauseLimit() const
 
 void SockJSXHRPollingWorker::Private::receive()
 {
-    if (!connection->hasBytes())
+    readEvents(); // what a pause has left
+    if (isPaused() || !connection->hasBytes())
         return;
     lastReceived.start();
     parser.add(connection->readAll());
@@ -273,7 +291,7 @@ void SockJSXHRPollingWorker::Private::receive()
 void SockJSXHRPollingWorker::Private::readEvents()
 {
     using Event = HttpResponseParser::Event;
-    while (!stop) {
+    while (!stop && !isPaused()) {
         const Event event = parser.next();
         switch (event.type) {
         case Event::Incomplete:
@@ -335,8 +353,12 @@ void SockJSXHRPollingWorker::Private::deliver(const QString& text, bool ends)
     answered = answered || (request && response.isGood);
     if (ends)
         endResponse();
-    if (request)
-        Q_EMIT q->receivedMessageResponse(request, text);
+    if (!request)
+        return;
+    Q_EMIT q->receivedMessageResponse(request, text);
+    ahead += 1 + int(text.size() / 1024);
+    if (isPaused())
+        Q_EMIT q->paused();
 }
 
 void SockJSXHRPollingWorker::Private::deliverEnd()

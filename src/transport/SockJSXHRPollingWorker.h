@@ -17,8 +17,8 @@ class QTcpSocket;
 ///
 /// Writes queued requests one at a time, takes the responses apart, and makes a lost connection anew. It is
 /// made and connected on one thread, then moved to another together with its socket, where process() runs.
-/// queueRequest(), forceClose() and isReceiving() may be called from any thread while the worker lives;
-/// everything else belongs to the thread that it is on.
+/// queueRequest(), forceClose(), resume() and isReceiving() may be called from any thread while the worker
+/// lives; everything else belongs to the thread that it is on.
 class CALYXCLIENT_EXPORT SockJSXHRPollingWorker : public QObject
 {
     Q_OBJECT
@@ -56,6 +56,9 @@ public:
     /// Ends process() within 50 ms. What waits in the queue is never written.
     void forceClose();
 
+    /// Reads on after paused().
+    void resume();
+
     /// Whether a receive request ("/xhr" or "/xhr_streaming") is waiting or in flight.
     bool isReceiving() const;
 
@@ -92,6 +95,9 @@ Q_SIGNALS:
     /// The body of the response to \p request, or one frame of a streamed one, without the newline at its
     /// end.
     void receivedMessageResponse(XHRRequest* request, QString message);
+    /// So much has come since the last resume(), a thousand texts or a million characters, that nothing more
+    /// is read before the next. Without a receiver when process() begins this never happens.
+    void paused();
     /// The response to \p request is complete, and no text was in it.
     void receivedEmptyResponse(XHRRequest* request);
     /// \p request will not be answered, or not any further; the worker has let go of it.

@@ -321,6 +321,42 @@ private Q_SLOTS:
         QCOMPARE(m_server->count(), 1);
     }
 
+    void hostHasItsTurnInAFlood_data() { rows<bool>({{"clear", false}, {"TLS", true}}); }
+    // However fast the frames come, and however long it takes for each.
+    void hostHasItsTurnInAFlood()
+    {
+        const auto [secure] = row<bool>();
+        constexpr int frames = 20000;
+        const TestCertificates::TrustedRoot trusted;
+        Server clear;
+        Server tls(TestCertificates::server("loopback"));
+        Server& server = secure ? tls : clear;
+        const QByteArray flood = QByteArray("a[\"" + QByteArray(200, 'x') + "\"]\n").repeated(frames);
+        server.answer(
+            "/xhr_streaming",
+            Server::Script{Server::send(chunkedHead() + chunk("o\n") + chunk(flood)), Server::close()});
+        Session session;
+        int most = 0; // texts in one turn
+        int before = 0;
+        const LogRecorder log; // of all of them
+        session.onText = [] {
+            QElapsedTimer work;
+            work.start();
+            while (work.nsecsElapsed() < 20000) {
+            }
+        };
+        QTimer turns;
+        connect(&turns, &QTimer::timeout, this, [&] {
+            most = qMax(most, int(session.texts.size()) - before);
+            before = int(session.texts.size());
+        });
+        turns.start(0);
+        QVERIFY(session.start(server, true, secure));
+        QTRY_COMPARE_WITH_TIMEOUT(session.texts.size(), frames + 1, 30000);
+        QVERIFY2(most <= 2000, qPrintable(QString::number(most)));
+        QCOMPARE(session.ends, 0);
+    }
+
     void pollIsNeverDoubled()
     {
         m_server->answer("/xhr", Server::Script{Server::hold(), Server::send(plain("o\n"))});
