@@ -36,8 +36,16 @@ bool Journal::begin(const QString& fileName)
     if (file.exists() && !(file.isFile() && (!QFile::exists(before) || QFile::remove(before)) &&
                            QFile::rename(fileName, before)))
         return false;
+    return open(fileName);
+}
+
+bool Journal::open(const QString& fileName)
+{
     m_file.setFileName(fileName);
-    return m_file.open(mode) && m_file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+    if (m_file.open(mode) && m_file.setPermissions(QFile::ReadOwner | QFile::WriteOwner))
+        return true;
+    m_file.close();
+    return false;
 }
 
 void Journal::hold()
@@ -54,8 +62,7 @@ bool Journal::goOn(const QString& fileName)
     if (!file.open(QIODevice::ReadWrite))
         return false;
     file.resize(file.readAll().lastIndexOf('\n') + 1);
-    m_file.setFileName(fileName);
-    if (!m_file.open(mode))
+    if (!open(fileName))
         return false;
     m_lines = held;
     return true;

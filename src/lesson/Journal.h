@@ -37,6 +37,8 @@ public:
     QString fileName() const { return m_file.fileName(); }
 
 private:
+    bool open(const QString& fileName);
+
     QFile m_file;
     QByteArray m_lines;
     bool m_isHeld = false;

@@ -123,7 +123,8 @@ struct Class
     bool takeUp(const QString& journal, const Work& meanwhile)
     {
         const QString copy = journal + QStringLiteral("-copy");
-        if (!QFile::copy(journal, copy))
+        constexpr auto everybody = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther;
+        if (!QFile::copy(journal, copy) || !QFile::setPermissions(copy, everybody))
             return false;
         service.expect("/tavisto/session/stop", Answer::json(FINE));
         lesson->end();

@@ -286,6 +286,8 @@ private Q_SLOTS:
         QCOMPARE(standing(), before);
         QVERIFY(class_.takeUp(folder.filePath("journal-copy-copy"), [](Lesson&) {}));
         QVERIFY(!class_.lesson->assessment()->isRunning());
+        for (const QFileInfo& one : QDir(folder.path()).entryInfoList(QDir::Files))
+            QVERIFY(!one.permission(QFile::ReadOther));
         QVERIFY(class_.end());
     }
 
