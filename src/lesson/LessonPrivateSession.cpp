@@ -375,8 +375,11 @@ bool LessonPrivate::finishSession()
     sent.clear();
     isFinishing = true;
     const QStringList present = content.roster->present();
-    whileThere([this, at] { content.poll ? content.poll->stop(at) : void(); },
-               [this, at] { content.assessment ? content.assessment->stop(at) : void(); });
+    // Slots may begin the next session, and even have its content from a journal.
+    const QPointer<Poll> poll = content.poll;
+    const QPointer<Assessment> assessment = content.assessment;
+    const bool wasLocked = std::exchange(content.isLocked, false);
+    whileThere([&] { poll ? poll->stop(at) : void(); }, [&] { assessment ? assessment->stop(at) : void(); });
     for (const QString& deviceId : present) {
         if (self && content.roster->leave(deviceId, at))
             Q_EMIT content.roster->left(deviceId);
@@ -386,7 +389,6 @@ bool LessonPrivate::finishSession()
     journal.flush();
     if (!wantsLive) // else a slot has begun the next session's
         journal.close();
-    const bool wasLocked = std::exchange(content.isLocked, false);
     if (whileThere([this, wasLocked] { wasLocked ? q->lockedChanged() : void(); },
                    [this] { content.roster->flush(); }, [this] { onRemoteGone({}); }))
         isFinishing = false;

@@ -297,12 +297,19 @@ private Q_SLOTS:
         const auto whenHere = [end](Lesson& lesson) {
             connect(lesson.roster(), &Roster::rowsInserted, &lesson, [&lesson, end] { end(lesson); });
         };
+        const auto inSlot = [end](Lesson& lesson) {
+            lesson.start();
+            connect(lesson.ask(Question::usual(PollType::TEXT)), &Poll::stateChanged, &lesson,
+                    [&] { lesson.takeUp(lesson.objectName()); });
+            end(lesson);
+        };
         const auto none = [](Lesson&) {};
         rows<int, Work, Work>({
             // When the poll began, in seconds after the session; before it is taken up; afterwards
             {"that ends", 10, none, end},
             {"that ends in a slot", 10, whenHere, none},
             {"whose clock went ahead", 100000, none, end},
+            {"by a slot of one that ends", 10, inSlot, end},
         });
     }
     // Who came 20 s after the session has left with the last event, 30 s after it.
@@ -320,17 +327,20 @@ private Q_SLOTS:
         file.write(line(R"("session","code":"1","token":"T")", 0) +
                    line(R"("poll","id":"P","number":1,"question":{"kind":"text"})", began) +
                    line(R"("joined","device":"D1","name":"Ann")", 20) +
+                   line(R"("locked","locked":true)", 20) +
                    line(R"("answer","id":"P","device":"D1","answer":"leaf")", 30));
         file.close();
         Visit visit;
         visit.service.expect(PROBE, Answer::json(FINE).held());
         logIn(visit.lesson);
         QVERIFY(waitFor([&] { return visit.service.isHolding(); }));
+        visit.lesson.setObjectName(file.fileName());
         before(visit.lesson);
         visit.lesson.takeUp(file.fileName());
         const Poll* const poll = visit.lesson.poll();
         QCOMPARE(poll->answered(), 1);
         QVERIFY(poll->elapsed() >= 0);
+        QCOMPARE(visit.lesson.isLocked(), poll->isRunning());
         after(visit.lesson);
         QVERIFY(!poll->isRunning());
         QCOMPARE(poll->elapsed(), qMax(0, 30 - began) * 1000);
