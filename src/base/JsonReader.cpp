@@ -107,7 +107,7 @@ private:
         std::vector<std::pair<QString, size_t>> names;
         names.reserve(m_members.size() - first);
         for (size_t i = first; i < m_members.size(); ++i)
-            names.emplace_back(textOf(m_members[i]), i);
+            names.emplace_back(withoutHalves(textOf(m_members[i])), i);
         std::sort(names.begin(), names.end());
         for (size_t i = 1; i < names.size(); ++i) {
             if (names[i - 1].first == names[i].first)
@@ -139,6 +139,19 @@ private:
             } else {
                 text += unescaped(written.at(i));
             }
+        }
+        return text;
+    }
+
+    // Where Qt compares a name that was written in escapes with another, half a surrogate pair is the same to
+    // it as U+FFFD.
+    static QString withoutHalves(QString text)
+    {
+        for (int i = 0; i < text.size(); ++i) {
+            if (text.at(i).isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate())
+                ++i;
+            else if (text.at(i).isSurrogate())
+                text[i] = QChar::ReplacementCharacter;
         }
         return text;
     }

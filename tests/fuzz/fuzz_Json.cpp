@@ -16,7 +16,8 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         const __lsan::ScopedDisabler knownLeak;
         plain = QJsonDocument::fromJson(text.toUtf8(), &error);
     }
-    if (error.error == QJsonParseError::NoError)
+    // To Qt two halves of a surrogate pair may be the same name, or not.
+    if (error.error == QJsonParseError::NoError && !plain.toJson().contains("\\ud"))
         Fuzz::require(document.toVariant() == plain.toVariant(), "what is JSON to Qt is the same to us");
     return 0;
 }

@@ -136,6 +136,7 @@ private Q_SLOTS:
             {"name of escapes", R"({"a":[1],"\u0061":[2]})", R"({"a":[2]})"},
             {"name of short escapes", "{\"\\n\\\"\":[1],\"\\u000a\\u0022\":[2]}", "{\"\\n\\\"\":[2]}"},
             {"name of a surrogate pair", u8R"({"\ud83d\ude00":[1],"😀":[2]})", u8R"({"😀":[2]})"},
+            {"name of half a pair", "{\"\ufffd\":[1],\"\\ud800\":[2]}", R"({"\ud800":[2]})"},
             {"braces in a text", "{\"a\":[\"}]\"],\"a\":[\"\\\"}\"]}", "{\"a\":[\"\\\"}\"]}"},
             {"names that look alike", R"({"a":[1],"a ":[2],"A":[3]})", R"({"A":[3],"a":[1],"a ":[2]})"},
             {"values that look like names", R"({"a":[1],"b":"a"})", R"({"a":[1],"b":"a"})"},
