@@ -107,7 +107,7 @@ private:
         std::vector<std::pair<QString, size_t>> names;
         names.reserve(m_members.size() - first);
         for (size_t i = first; i < m_members.size(); ++i)
-            names.emplace_back(withoutHalves(textOf(m_members[i])), i);
+            names.emplace_back(textOf(m_members[i]), i);
         std::sort(names.begin(), names.end());
         for (size_t i = 1; i < names.size(); ++i) {
             if (names[i - 1].first == names[i].first)
@@ -128,6 +128,8 @@ private:
         constexpr int digits = 4;
         const QString written =
             QString::fromUtf8(m_json + member.nameBegin, member.nameEnd - member.nameBegin);
+        if (!written.contains(QLatin1Char('\\')))
+            return written;
         QString text;
         text.reserve(written.size());
         for (int i = 0; i < written.size(); ++i) {
@@ -140,7 +142,7 @@ private:
                 text += unescaped(written.at(i));
             }
         }
-        return text;
+        return withoutHalves(text);
     }
 
     // Where Qt compares a name that was written in escapes with another, half a surrogate pair is the same to
