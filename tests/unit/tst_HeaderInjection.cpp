@@ -11,8 +11,6 @@
 #include <QtTest>
 
 using HttpText::plain;
-using Server = ScriptedHttpServer;
-using Session = TransportSession;
 
 namespace {
 
@@ -24,10 +22,11 @@ QString injected(const char* before)
 }
 
 // The header lines, and the first line, of all requests that have come.
-bool areClean(const Server& server)
+bool areClean(const ScriptedHttpServer& server)
 {
-    const QList<Server::Request> requests = server.requests();
-    return std::all_of(requests.begin(), requests.end(), [](const Server::Request& request) {
+    using Request = ScriptedHttpServer::Request;
+    const QList<Request> requests = server.requests();
+    return std::all_of(requests.begin(), requests.end(), [](const Request& request) {
         const QByteArray head = request.head;
         const QByteArray first = head.left(head.indexOf("\r\n"));
         const bool hasOwnLine = std::any_of(request.headers.keyBegin(), request.headers.keyEnd(),
@@ -42,15 +41,15 @@ bool areClean(const Server& server)
 
 /// Text from a host, a service or a bus never becomes a line of a request's header; and which characters may
 /// stand in which line of a raw request.
-class tst_HeaderInjection : public QObject
+class tst_HeaderInjection : public TransportTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
+    void cleanup()
     {
-        qunsetenv("http_proxy");
-        qRegisterMetaType<QStringMap>("QStringMap");
+        m_session.reset();
+        QVERIFY(areClean(*m_server));
     }
 
     void pathOfTheBus_data()
@@ -70,19 +69,17 @@ private Q_SLOTS:
     void pathOfTheBus()
     {
         const auto [text, protocol] = row<QString, int>();
-        Server server;
-        server.answerAlways("", refused);
-        QUrl url(QStringLiteral("http://127.0.0.1:%1").arg(server.port()));
+        m_server->answerAlways("", refused);
+        QUrl url(address());
         url.setPath(QStringLiteral("/a") + text, QUrl::DecodedMode);
         QVERIFY(url.isValid());
         SockJSConnector connector;
         ConnectorProbe probe(&connector);
         const LogRecorder log;
         QVERIFY(probe.open(url, {SockJSConnector::PROTOCOL_TYPE(protocol)}));
-        QVERIFY(areClean(server));
         QCOMPARE(probe.events(), QStringList());
         if (protocol != SockJSConnector::WEBSOCKET && text != injected(" ")) {
-            QCOMPARE(server.connections(), 0);
+            QCOMPARE(m_server->connections(), 0);
             QCOMPARE(log.debug("[SockJSXHRPolling] Can't start").size(), 1);
         }
     }
@@ -91,11 +88,10 @@ private Q_SLOTS:
     void hostOfTheBus()
     {
         QFETCH(QString, text);
-        Server server;
-        server.answerAlways("", refused);
+        m_server->answerAlways("", refused);
         int usable = 0; // Qt lets a NUL end an address
         for (const auto mode : {QUrl::DecodedMode, QUrl::TolerantMode}) {
-            QUrl url(QStringLiteral("http://127.0.0.1:%1/p").arg(server.port()));
+            QUrl url(QStringLiteral("http://127.0.0.1:%1/p").arg(m_server->port()));
             url.setHost(QStringLiteral("127.0.0.1") + text, mode);
             usable += url.host().isEmpty() ? 0 : 1;
             QVERIFY(url.host().isEmpty() || url.host() == QLatin1String("127.0.0.1"));
@@ -104,59 +100,49 @@ private Q_SLOTS:
             QVERIFY(probe.open(url, SockJSConnector::GetDefaultProtocols()));
             QCOMPARE(probe.events(), QStringList());
         }
-        QVERIFY(usable > 0 || server.connections() == 0);
-        QVERIFY(areClean(server));
+        QVERIFY(usable > 0 || m_server->connections() == 0);
     }
 
     void pathOfAnXHRRequest_data() { texts(); }
     void pathOfAnXHRRequest()
     {
         QFETCH(QString, text);
-        Server server;
-        server.answer("/xhr", plain("o\n"));
-        Session session;
-        QVERIFY(session.start(server));
-        QTRY_COMPARE(server.count("/xhr"), 2);
+        m_server->answer("/xhr", plain("o\n"));
+        QVERIFY(start());
+        QTRY_COMPARE(m_server->count("/xhr"), 2);
         const LogRecorder log;
-        session.transport->doRequestXHR(QStringLiteral("/a") + text, QString());
+        m_session->transport->doRequestXHR(QStringLiteral("/a") + text, QString());
         QCOMPARE(log.debug("[SockJSXHRPolling] Can't make request").size(), 1);
-        session.transport->close();
-        QTRY_COMPARE(session.ends, 1);
-        QCOMPARE(server.count(), 2);
-        QVERIFY(areClean(server));
+        m_session->transport->close();
+        QTRY_COMPARE(m_session->ends, 1);
+        QCOMPARE(m_server->count(), 2);
     }
 
     void messageOfAnXHRTransport_data() { texts(); }
     void messageOfAnXHRTransport()
     {
         QFETCH(QString, text);
-        Server server;
-        server.answerAlways("/xhr_send", plain(""));
-        Session session;
-        QVERIFY(session.start(server));
-        session.transport->sendTextMessage(text);
-        QTRY_COMPARE(server.count("/xhr_send"), 1);
-        QCOMPARE(server.requests("/xhr_send").first().body, text.toUtf8());
-        QTRY_COMPARE(server.count(), 2); // and the poll
-        QVERIFY(areClean(server));
+        m_server->answerAlways("/xhr_send", plain(""));
+        QVERIFY(start());
+        send(text);
+        QTRY_COMPARE(m_server->count("/xhr_send"), 1);
+        QCOMPARE(m_server->requests("/xhr_send").first().body, text.toUtf8());
+        QTRY_COMPARE(m_server->count(), 2); // and the poll
     }
 
     void cookieOfTheBus_data() { cookies(); }
     void cookieOfTheBus()
     {
         QFETCH(QByteArray, cookie);
-        Server server;
-        server.answer("/xhr", plain("o\n", "Set-Cookie: " + cookie + "\r\n"));
-        server.answer("/xhr_send", plain("", "Set-Cookie: " + cookie + "\r\n"));
-        server.answerAlways("/xhr_send", plain(""));
-        Session session;
-        QVERIFY(session.start(server));
-        QTRY_COMPARE(server.count("/xhr"), 2);
-        session.transport->sendTextMessage("[]");
-        session.transport->sendTextMessage("[]");
-        QTRY_COMPARE(server.count("/xhr_send"), 2);
-        QCOMPARE(session.transport->getCookieCount(), 0);
-        QVERIFY(areClean(server));
+        m_server->answer("/xhr", plain("o\n", "Set-Cookie: " + cookie + "\r\n"));
+        m_server->answer("/xhr_send", plain("", "Set-Cookie: " + cookie + "\r\n"));
+        m_server->answerAlways("/xhr_send", plain(""));
+        QVERIFY(start());
+        QTRY_COMPARE(m_server->count("/xhr"), 2);
+        send();
+        send();
+        QTRY_COMPARE(m_server->count("/xhr_send"), 2);
+        QCOMPARE(m_session->transport->getCookieCount(), 0);
     }
 
     void addressOfTheService_data()
@@ -172,14 +158,12 @@ private Q_SLOTS:
     }
     void addressOfTheService()
     {
-        auto [address, isSent] = row<QString, bool>();
-        Server server;
-        server.answerAlways("", plain("{}"));
-        PresenterClient client(nullptr, address.replace(QLatin1String("%1"), QString::number(server.port())));
+        auto [url, isSent] = row<QString, bool>();
+        m_server->answerAlways("", plain("{}"));
+        PresenterClient client(nullptr, url.replace(QLatin1String("%1"), QString::number(m_server->port())));
         const bool reached = client.checkServer(QString(), QString());
-        QVERIFY(areClean(server));
         QVERIFY(isSent || !reached);
-        QVERIFY(isSent || server.count() == 0);
+        QVERIFY(isSent || m_server->count() == 0);
     }
 
     void textsOfALogin_data() { texts(); }
@@ -187,19 +171,16 @@ private Q_SLOTS:
     void textsOfALogin()
     {
         QFETCH(QString, text);
-        Server server;
-        server.answerAlways("", plain("{}"));
-        const QString address = QStringLiteral("http://127.0.0.1:%1").arg(server.port());
-        PresenterClient client(nullptr, address);
+        m_server->answerAlways("", plain("{}"));
+        PresenterClient client(nullptr, address());
         client.doLogin(text, text);
         client.doLogin(text, text, text);
         client.doGetAccessToken(text, text, text, text);
         QString registration;
         client.doLoginWithOAuth(text, text, registration);
         client.doGetOAuthAccessToken(text, text, text, text, registration);
-        QCOMPARE(server.count(), 5);
-        QVERIFY(areClean(server));
-        for (const Server::Request& request : server.requests())
+        QCOMPARE(m_server->count(), 5);
+        for (const Server::Request& request : m_server->requests())
             QCOMPARE(request.headers.value("content-length").toInt(), request.body.size());
     }
 
@@ -207,14 +188,12 @@ private Q_SLOTS:
     void cookieOfTheService()
     {
         QFETCH(QByteArray, cookie);
-        Server server;
-        server.answer("", plain("{}", "Set-Cookie: " + cookie + "\r\nSet-Cookie: good=1\r\n"));
-        server.answerAlways("", plain("{}"));
-        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:%1").arg(server.port()));
+        m_server->answer("", plain("{}", "Set-Cookie: " + cookie + "\r\nSet-Cookie: good=1\r\n"));
+        m_server->answerAlways("", plain("{}"));
+        PresenterClient client(nullptr, address());
         QVERIFY(client.checkServer(QString(), QString()));
         QVERIFY(client.checkServer(QString(), QString()));
-        QCOMPARE(server.requests().last().headers.value("cookie"), QByteArray("good=1"));
-        QVERIFY(areClean(server));
+        QCOMPARE(m_server->requests().last().headers.value("cookie"), QByteArray("good=1"));
     }
 
     void targetOfARedirect_data()
@@ -232,15 +211,13 @@ private Q_SLOTS:
     void targetOfARedirect()
     {
         auto [location] = row<QByteArray>();
-        Server server;
-        location.replace("%1", QByteArray::number(server.port()));
-        server.answer("", "HTTP/1.1 302 Found\r\nLocation: " + location + "\r\nContent-Length: 0\r\n\r\n");
-        server.answerAlways("", plain("{}"));
-        PresenterClient client(nullptr, QStringLiteral("http://127.0.0.1:%1").arg(server.port()));
+        location.replace("%1", QByteArray::number(m_server->port()));
+        m_server->answer("", "HTTP/1.1 302 Found\r\nLocation: " + location + "\r\nContent-Length: 0\r\n\r\n");
+        m_server->answerAlways("", plain("{}"));
+        PresenterClient client(nullptr, address());
         client.checkServer(QString(), QString());
         client.checkServer(QString(), QString());
-        QVERIFY(server.count() >= 1);
-        QVERIFY(areClean(server));
+        QVERIFY(m_server->count() >= 1);
         QVERIFY(!client.server().contains(QLatin1String("Injected")));
     }
 
@@ -275,6 +252,8 @@ private Q_SLOTS:
     }
 
 private:
+    QString address() const { return QStringLiteral("http://127.0.0.1:%1").arg(m_server->port()); }
+
     static QList<QPair<const char*, QString>> breaks()
     {
         return {{"CR", injected("\r")},   {"LF", injected("\n")},  {"CR LF", injected("\r\n")},

@@ -35,12 +35,17 @@ namespace {
 // Allocated by the codec, released as it says: with free().
 using Buffer = std::unique_ptr<unsigned char, decltype(&std::free)>;
 
+const unsigned char* bytesOf(const QByteArray& bytes)
+{
+    return reinterpret_cast<const unsigned char*>(bytes.constData());
+}
+
+// Empty when it fails: no block is.
 QByteArray blockOf(const QByteArray& bytes)
 {
     unsigned char* dest = nullptr;
     size_t length = 0;
-    const auto* source = reinterpret_cast<const unsigned char*>(bytes.constData());
-    if (!Lzma::compress(source, static_cast<size_t>(bytes.size()), &dest, &length))
+    if (!Lzma::compress(bytesOf(bytes), static_cast<size_t>(bytes.size()), &dest, &length))
         return {};
     const Buffer buffer(dest, &std::free);
     return QByteArray(reinterpret_cast<const char*>(dest), static_cast<int>(length));
@@ -155,27 +160,12 @@ QString someAboveThePlane()
     return text;
 }
 
-const unsigned char* bytesOf(const QByteArray& bytes)
-{
-    return reinterpret_cast<const unsigned char*>(bytes.constData());
-}
-
-QByteArray copyOf(const LzmaBlock::Buffer& buffer)
-{
-    return {reinterpret_cast<const char*>(buffer.bytes.get()), int(buffer.size)};
-}
-
-// Empty when it fails: no block is.
-QByteArray encoded(const QByteArray& bytes)
-{
-    LzmaBlock::Buffer block;
-    return LzmaBlock::encode(bytesOf(bytes), size_t(bytes.size()), &block) ? copyOf(block) : QByteArray();
-}
-
 QByteArray decoded(const QByteArray& block)
 {
     LzmaBlock::Buffer text;
-    return LzmaBlock::decode(bytesOf(block), size_t(block.size()), &text) ? copyOf(text) : QByteArray();
+    if (!LzmaBlock::decode(bytesOf(block), size_t(block.size()), &text))
+        return {};
+    return {reinterpret_cast<const char*>(text.bytes.get()), int(text.size)};
 }
 
 ISzAlloc heap = {[](void*, size_t size) { return std::malloc(size); },
@@ -275,8 +265,7 @@ private Q_SLOTS:
         // What the encoder may use at most, and the header.
         QVERIFY(block.size() <= size + size / 3 + 128 + HEADER);
         unsigned char* dest = nullptr;
-        QVERIFY(Lzma::decompress(reinterpret_cast<const unsigned char*>(block.constData()),
-                                 static_cast<size_t>(block.size()), &dest));
+        QVERIFY(Lzma::decompress(bytesOf(block), static_cast<size_t>(block.size()), &dest));
         const Buffer buffer(dest, &std::free);
         QVERIFY(dest);
         QVERIFY(std::memcmp(dest, bytes.constData(), static_cast<size_t>(size)) == 0);
@@ -580,7 +569,7 @@ private Q_SLOTS:
     void thereIsRoomForOneMoreByte()
     {
         constexpr int full = 24; // the allocator has no byte to spare behind so many
-        const QByteArray block = encoded(QByteArray(full, 'x'));
+        const QByteArray block = blockOf(QByteArray(full, 'x'));
         LzmaBlock::Buffer text;
         QVERIFY(LzmaBlock::decode(bytesOf(block), size_t(block.size()), &text));
         QCOMPARE(text.size, size_t(full));
@@ -611,9 +600,9 @@ private Q_SLOTS:
         for (int i = 0; i < 200; ++i) {
             const QByteArray bytes = mixedBytes(random, random.bounded(random.bounded(2) ? 200 : 60000));
             QByteArray afresh; // by a thread that has compressed nothing before
-            std::thread([&] { afresh = encoded(bytes); }).join();
+            std::thread([&] { afresh = blockOf(bytes); }).join();
             QVERIFY(!afresh.isEmpty());
-            QCOMPARE(encoded(bytes), afresh);
+            QCOMPARE(blockOf(bytes), afresh);
         }
     }
 

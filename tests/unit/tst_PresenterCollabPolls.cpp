@@ -47,7 +47,7 @@ const char* const documentText =
     R"("backgroundSize":"100%"},"components":[]},"unrespondedUsers":[]})";
 
 QString document(const QString& type, const QString& ordinal, const QString& options, const QString& id,
-                 const QString& token = "abc", const QString& image = QString())
+                 const QString& token, const QString& image)
 {
     return QString::fromLatin1(documentText)
         .replace(QLatin1String("<type>"), type)
@@ -168,12 +168,17 @@ private Q_SLOTS:
         }
     }
 
-    void theQuestionIsFreed()
+    void questionsAndMessagesAreFreed()
     {
         collab()->setCardImageRef("p.png");
         const auto children = collab()->findChildren<QObject*>().size();
         startedQuestion(Calyx::PollType::MULTIPLE, Calyx::OrdinalType::ALPHA_UPPER, 4);
         startedQuestion(Calyx::PollType::TEXT, Calyx::OrdinalType::ALPHA_UPPER, 4);
+        Calyx::AssessmentOptions options;
+        m_assessment->start(QString(), &options);
+        m_assessment->stop();
+        m_assessment->sendMessage("Hi", true, false);
+        QTRY_VERIFY(m_assessment->children().isEmpty());
         QTRY_VERIFY(collab()->findChildren<Calyx::QuestionBase*>().isEmpty());
         QVERIFY(collab()->findChildren<Calyx::CalyxCollabMessage*>().isEmpty());
         QCOMPARE(collab()->findChildren<QObject*>().size(), children);
@@ -182,47 +187,37 @@ private Q_SLOTS:
     void publishesAPollDocument_data()
     {
         constexpr int least = std::numeric_limits<int>::min();
-        rows<int, int, int, QString, QString, QString>({
-            {"creative", 8, 7, 1, "creative", "number", "0"},
-            {"no options", 6, 5, 0, "word-seed", "alpha-upper", ""},
-            {"fewer than none", 8, 5, -3, "creative", "alpha-upper", ""},
-            {"the least", 6, 5, least, "word-seed", "alpha-upper", ""},
-            {"twelve", 6, 5, 12, "word-seed", "alpha-upper", "0,1,2,3,4,5,6,7,8,9,10,11"},
-            {"unknown type", 12, 5, 2, "", "alpha-upper", "0,1"},
-            {"unknown ordinal", 6, 14, 2, "word-seed", "", "0,1"},
-            {"both unknown", 15, 15, 0, "", "", ""},
+        const QByteArray none;
+        const QString null;
+        // The card's image, as bytes and by its reference, and what the document has of it.
+        rows<int, int, int, QString, QString, QString, QByteArray, QString, QString>({
+            {"creative", 8, 7, 1, "creative", "number", "0", none, null, ""},
+            {"no options", 6, 5, 0, "word-seed", "alpha-upper", "", none, null, ""},
+            {"fewer than none", 8, 5, -3, "creative", "alpha-upper", "", none, null, ""},
+            {"the least", 6, 5, least, "word-seed", "alpha-upper", "", none, null, ""},
+            {"twelve", 6, 5, 12, "word-seed", "alpha-upper", "0,1,2,3,4,5,6,7,8,9,10,11", none, null, ""},
+            {"unknown type", 12, 5, 2, "", "alpha-upper", "0,1", none, null, ""},
+            {"unknown ordinal", 6, 14, 2, "word-seed", "", "0,1", none, null, ""},
+            {"both unknown", 15, 15, 0, "", "", "", none, null, ""},
+            {"reference", 6, 10, 0, "word-seed", "generic", "", none, "h/p.png", "url('h/p.png')"},
+            {"empty reference", 6, 10, 0, "word-seed", "generic", "", none, "", "url('')"},
+            {"bytes", 6, 10, 0, "word-seed", "generic", "", "png", "unused", "data:image/png;base64,cG5n"},
+            {"placeholders", 6, 10, 0, "word-seed", "generic", "", none, "%1%5%6%7", "url('%1%5%6%7')"},
         });
     }
     void publishesAPollDocument()
     {
-        const auto [type, ordinal, count, typeName, ordinalName, options] =
-            row<int, int, int, QString, QString, QString>();
-        collab()->startPoll(POLL_TYPE(type), ORDINAL_TYPE(ordinal), count, 9);
-        QCOMPARE(nextPublish("abc", "poll").data,
-                 document(typeName, ordinalName, options, collab()->currentPollId()));
-        QVERIFY(m_session->nothingWasSent());
-    }
-
-    void thePollDocumentCarriesTheCardImage_data()
-    {
-        rows<QByteArray, QString, QString>({
-            {"reference", QByteArray(), "http://h/p.png", "url('http://h/p.png')"},
-            {"empty reference", QByteArray(), "", "url('')"},
-            {"bytes are not wrapped", "png", "unused", "data:image/png;base64,cG5n"},
-            {"placeholders", QByteArray(), "%1%5%6%7", "url('%1%5%6%7')"},
-        });
-    }
-    void thePollDocumentCarriesTheCardImage()
-    {
-        const auto [bytes, reference, image] = row<QByteArray, QString, QString>();
-        m_session = std::make_unique<LiveSession>("t%4%7");
+        const auto [type, ordinal, count, typeName, ordinalName, options, bytes, reference, image] =
+            row<int, int, int, QString, QString, QString, QByteArray, QString, QString>();
+        const QString token = "t%4%7";
+        m_session = std::make_unique<LiveSession>(token);
         QVERIFY(m_session->open());
         collab()->setCardImage(bytes);
         collab()->setCardImageRef(reference);
-        collab()->startPoll(Calyx::PollType::WORD_SEED, Calyx::OrdinalType::GENERIC, 0, 0);
-        const QString id = collab()->currentPollId();
+        collab()->startPoll(POLL_TYPE(type), ORDINAL_TYPE(ordinal), count, 9);
         QCOMPARE(nextPublish("t%4%7", "poll").data,
-                 document("word-seed", "generic", QString(), id, "t%4%7", image));
+                 document(typeName, ordinalName, options, collab()->currentPollId(), token, image));
+        QVERIFY(m_session->nothingWasSent());
     }
 
     void eachPollHasAnIdOfItsOwn_data() { rows<int>({{"question", 2}, {"document", 6}}); }
@@ -272,6 +267,10 @@ private Q_SLOTS:
         collab()->pausePoll();
         QCOMPARE(nextPublish("abc", "pause").data, quoted);
         collab()->resumePoll();
+        QCOMPARE(nextPublish("abc", "resume").data, quoted);
+        m_assessment->pause();
+        QCOMPARE(nextPublish("abc", "pause").data, quoted);
+        m_assessment->resume();
         QCOMPARE(nextPublish("abc", "resume").data, quoted);
         QCOMPARE(collab()->currentPollId(), id);
         collab()->setCardImage(QByteArray());
@@ -552,15 +551,6 @@ private Q_SLOTS:
         QVERIFY(m_session->nothingWasSent());
     }
 
-    void pauseAndResumeCarryTheCurrentPoll()
-    {
-        startedQuestion(Calyx::PollType::TEXT, Calyx::OrdinalType::GENERIC, 0);
-        const QString quoted = '"' + collab()->currentPollId() + '"';
-        m_assessment->pause();
-        QCOMPARE(nextPublish("abc", "pause").data, quoted);
-        m_assessment->resume();
-        QCOMPARE(nextPublish("abc", "resume").data, quoted);
-    }
     void sendMessage_data()
     {
         const auto dialog = [](const QString& text, bool isDismissible) {
@@ -673,16 +663,6 @@ private Q_SLOTS:
             QVERIFY(m_session->syncInbound());
             QCOMPARE(calls, 1);
         }
-    }
-
-    void messagesAreFreed()
-    {
-        Calyx::AssessmentOptions options;
-        m_assessment->start(QString(), &options);
-        m_assessment->stop();
-        m_assessment->sendMessage("Hi", true, false);
-        QTRY_VERIFY(m_assessment->children().isEmpty());
-        QVERIFY(collab()->findChildren<Calyx::CalyxCollabMessage*>().isEmpty());
     }
 
 private:
