@@ -28,10 +28,11 @@ constexpr char STORED[] = R"({"data":{"resourceId":"r","resourcePath":"/files/r"
 constexpr char UNREGISTERED[] =
     R"({"success":true,"infoMsgKeys":["registration.success"],"data":{"mail":"a@school.example"}})";
 
-Question marked()
+Question marked(const QByteArray& picture = QByteArray())
 {
     Question question = Question::usual(PollType::MULTIPLE);
     question.right = QStringList{QStringLiteral("B")};
+    question.picture = picture;
     return question;
 }
 
@@ -166,9 +167,7 @@ private Q_SLOTS:
             {"question with a picture that is stored",
              [](Class& at) {
                  at.service.expect(UPLOAD, Answer::json(STORED));
-                 Question question = marked();
-                 question.picture = large();
-                 at.lesson->ask(question);
+                 at.lesson->ask(marked(large()));
                  at.lesson->pause();
                  QVERIFY(waitFor([&] { return !at.lesson->isBusy(); }));
              },
@@ -178,9 +177,7 @@ private Q_SLOTS:
                  at.service.expect(UPLOAD, Answer::never());
                  at.lesson->ask(marked());
                  at.lesson->setLocked(true);
-                 Question question = marked();
-                 question.picture = large();
-                 at.lesson->ask(question);
+                 at.lesson->ask(marked(large()));
                  QVERIFY(waitFor([&] { return at.service.isUsedUp(); }));
                  at.lesson->cancel();
              },
@@ -414,21 +411,17 @@ private Q_SLOTS:
 
     void counts_data()
     {
+        const auto answers = [](const char* device, const QStringList& texts) {
+            return Play([=](Class& at) {
+                for (const QString& text : texts)
+                    at.answer(device, at.lesson->poll()->id(), text);
+            });
+        };
         rows<Play, int, int, int>({
             // played before the poll is stopped; then answered, present, late
-            {"an answer", [](Class& at) { at.answer("D1", at.lesson->poll()->id(), "A"); }, 1, 2, 0},
-            {"the same again",
-             [](Class& at) {
-                 at.answer("D1", at.lesson->poll()->id(), "A");
-                 at.answer("D1", at.lesson->poll()->id(), "A");
-             },
-             1, 2, 0},
-            {"another one",
-             [](Class& at) {
-                 at.answer("D1", at.lesson->poll()->id(), "A");
-                 at.answer("D1", at.lesson->poll()->id(), "B");
-             },
-             1, 2, 0},
+            {"an answer", answers("D1", {"A"}), 1, 2, 0},
+            {"the same again", answers("D1", {"A", "A"}), 1, 2, 0},
+            {"another one", answers("D1", {"A", "B"}), 1, 2, 0},
             {"a late one",
              [](Class& at) {
                  at.lesson->stop();
@@ -443,8 +436,7 @@ private Q_SLOTS:
              },
              1, 2, 1},
             // Whoever answers is here: his joining may have been missed.
-            {"from nobody who has joined", [](Class& at) { at.answer("D3", at.lesson->poll()->id(), "A"); },
-             1, 3, 0},
+            {"from nobody who has joined", answers("D3", {"A"}), 1, 3, 0},
             {"from nobody, to nothing that was asked", [](Class& at) { at.answer("D3", "?", "A"); }, 0, 2, 0},
         });
     }
@@ -826,12 +818,8 @@ private Q_SLOTS:
 
     void uploadsAreCancelled_data()
     {
-        rows<Work>(
-            {{"card", [](Lesson& lesson) { lesson.showPicture(large()); }}, {"question", [](Lesson& lesson) {
-                                                                                 Question question = marked();
-                                                                                 question.picture = large();
-                                                                                 lesson.ask(question);
-                                                                             }}});
+        rows<Work>({{"card", [](Lesson& lesson) { lesson.showPicture(large()); }},
+                    {"question", [](Lesson& lesson) { lesson.ask(marked(large())); }}});
     }
     void uploadsAreCancelled()
     {

@@ -5,6 +5,7 @@
 
 #include <CalyxClient/QSystemConfigurationProxyFactory>
 
+#include <QMap>
 #include <QNetworkProxy>
 #include <QObject>
 #include <QTest>
@@ -25,15 +26,11 @@ void setEnvironment(const char* name, const QByteArray& value)
 // Written down as far as it matters.
 QString describe(const QNetworkProxy& proxy)
 {
-    const char* kind = "other";
-    if (proxy.type() == QNetworkProxy::NoProxy)
-        kind = "none";
-    else if (proxy.type() == QNetworkProxy::HttpProxy)
-        kind = "http";
-    else if (proxy.type() == QNetworkProxy::Socks5Proxy)
-        kind = "socks5";
+    const QMap<int, QString> kinds = {{QNetworkProxy::NoProxy, "none"},
+                                      {QNetworkProxy::HttpProxy, "http"},
+                                      {QNetworkProxy::Socks5Proxy, "socks5"}};
     return QStringLiteral("%1 %2:%3@%4:%5")
-        .arg(QString::fromLatin1(kind), proxy.user(), proxy.password(), proxy.hostName())
+        .arg(kinds.value(proxy.type(), "other"), proxy.user(), proxy.password(), proxy.hostName())
         .arg(proxy.port());
 }
 
