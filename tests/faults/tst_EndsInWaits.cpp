@@ -27,7 +27,6 @@ private Q_SLOTS:
              {"connected", "sockJSMessage", "learnerJoin", "connectionClosed"},
              {"closed by the server", "cut", "close", "delete collab", "delete client", "open", "quit"}});
     }
-
     void endDuringAnOperation()
     {
         QString transport;

@@ -312,7 +312,6 @@ private Q_SLOTS:
         for (const char* transport : {"xhr-streaming", "xhr-polling"})
             QTest::addRow("%s, thread", transport) << QString(transport) << failuresOf("thread").first();
     }
-
     void openFails()
     {
         const auto [transport, name] = row<QString, QString>();
@@ -331,7 +330,6 @@ private Q_SLOTS:
     }
 
     void sendFails_data() { combinations({transports, failuresOf("send")}); }
-
     // A WebSocket ends with it; of an XHR transport the message is lost.
     void sendFails()
     {
@@ -353,7 +351,6 @@ private Q_SLOTS:
     }
 
     void handshakeFails_data() { combinations({transports, QStringList(brokenHandshakes().keys())}); }
-
     void handshakeFails()
     {
         const auto [transport, handshake] = row<QString, QString>();
@@ -369,7 +366,6 @@ private Q_SLOTS:
     }
 
     void requestFails_data() { combinations({QStringList(failures().keys())}); }
-
     void requestFails()
     {
         const auto [name] = row<QString>();
@@ -393,7 +389,6 @@ private Q_SLOTS:
     }
 
     void requestOverTlsFails_data() { combinations({QStringList(brokenHandshakes().keys())}); }
-
     void requestOverTlsFails()
     {
         const auto [handshake] = row<QString>();
@@ -408,7 +403,6 @@ private Q_SLOTS:
         QVERIFY(!logsIn(&client));
         QCOMPARE(processed.size(), 1);
         QCOMPARE(log.debug(QStringLiteral("ERROR: ")).size(), 1);
-
         FakeService service(TestCertificates::server(QStringLiteral("loopback")));
         service.expect("/tavisto/login/submit", welcome());
         PresenterClient other(nullptr, service.url());
@@ -416,7 +410,6 @@ private Q_SLOTS:
     }
 
     void noDescriptorsForTheBus_data() { combinations({transports, digits}); }
-
     void noDescriptorsForTheBus()
     {
         const auto [transport, left] = row<QString, QString>();
@@ -440,7 +433,6 @@ private Q_SLOTS:
     }
 
     void noDescriptorsForTheService_data() { combinations({digits}); }
-
     void noDescriptorsForTheService()
     {
         const auto [left] = row<QString>();
@@ -473,7 +465,6 @@ private Q_SLOTS:
         const QVariantList bytes = LzmaBlocks::numbers(QByteArray::fromBase64(base64.toLatin1()));
         const QByteArray utf8 = text.toUtf8();
         const QByteArray gzip = Gzip::gzip(utf8);
-
         using Codec = std::function<bool(QString*)>;
         const auto codec = [](const Codec& code, const QString& result) {
             return Step([code, result] {
@@ -490,7 +481,6 @@ private Q_SLOTS:
              {"decompress, list", codec([=](QString* out) { return Lzma::decompress(bytes, out); }, text)},
              {"gUncompress", [=] { return gUncompress(gzip) == utf8; }}});
     }
-
     // Refuses the first request for memory, then the second and so on, until all are granted. A step that
     // fails leaves its result as it was, and the next one, which lacks nothing, succeeds.
     void noMemory()

@@ -50,7 +50,6 @@ private Q_SLOTS:
             }
         }
     }
-
     void hostActs()
     {
         const auto [transport, moment, action] = row<QString, int, QString>();
@@ -81,7 +80,6 @@ private Q_SLOTS:
         combinations({{"websocket", "xhr-streaming", "xhr-polling"},
                       {"close", "closed by the server", "open", "delete"}});
     }
-
     void opensAndEndsManyTimes()
     {
         const auto [transport, end] = row<QString, QString>();

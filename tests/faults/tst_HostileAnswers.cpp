@@ -194,7 +194,6 @@ private Q_SLOTS:
     void cleanup() { tearDown(); }
 
     void sessionGoesOn_data() { combinations({transports, {"stays", "closes", "resets"}}); }
-
     // Whatever becomes of the connection.
     void sessionGoesOn()
     {
@@ -203,7 +202,6 @@ private Q_SLOTS:
     }
 
     void unfinishedAnswerIsGivenUp_data() { combinations({transports}); }
-
     // The server says how much is to come, and falls silent before that.
     void unfinishedAnswerIsGivenUp()
     {
@@ -226,7 +224,6 @@ private Q_SLOTS:
     }
 
     void hundredMegabytesAreNotKept_data() { combinations({transports, QStringList(floods().keys())}); }
-
     void hundredMegabytesAreNotKept()
     {
         const auto [transport, flood] = row<QString, QString>();

@@ -24,7 +24,6 @@ private Q_SLOTS:
                        "deleted after the application", "deleted by exit", "never deleted", "exit",
                        "on a thread, deleted at once", "on a thread, deleted later"}});
     }
-
     // A process for each state, all at a time.
     void exits()
     {

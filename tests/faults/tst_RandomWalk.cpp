@@ -51,7 +51,6 @@ private Q_SLOTS:
         for (int i = 1; i <= (seconds > 0 ? seconds : 20) * 1000 / roundLength; ++i)
             QTest::addRow("seed %d", first + i) << quint32(first + i);
     }
-
     void anythingInAnySlot()
     {
         QFETCH(quint32, seed);

@@ -25,7 +25,6 @@ private Q_SLOTS:
         combinations(
             {Transport::all, {"option http-keep-alive", "option httpclose", "timeout http-request 300ms"}});
     }
-
     void sessionsStayWhereTheyAre()
     {
         const auto [transport, options] = row<QString, QString>();
@@ -50,7 +49,6 @@ private Q_SLOTS:
     }
 
     void timesOutWhileTheHostIsBusy_data() { combinations({Transport::xhr}); }
-
     // Nobody sends the next request in time, and the balancer says so with a 408 that answers none.
     void timesOutWhileTheHostIsBusy()
     {
@@ -75,7 +73,6 @@ private Q_SLOTS:
     }
 
     void closesIdleConnections_data() { combinations({Transport::xhr}); }
-
     // Between two posts the balancer ends the connection that the first has left behind.
     void closesIdleConnections()
     {

@@ -176,7 +176,6 @@ private Q_SLOTS:
                 QTest::addRow("%s, long", qPrintable(transport)) << transport << 5 * second << 40 * second;
         }
     }
-
     // The network is away for a while.
     void isBackSoon()
     {
@@ -211,7 +210,6 @@ private Q_SLOTS:
     }
 
     void everyAnswerCounts_data() { combinations({Transport::all}); }
-
     // The lines of the host and of the learners have one mishap after the other, while they are asked.
     void everyAnswerCounts()
     {
@@ -242,7 +240,6 @@ private Q_SLOTS:
     }
 
     void answersMayPause_data() { combinations({Transport::all}); }
-
     // For longer than the transports allow where nobody asks them to.
     void answersMayPause()
     {
@@ -314,7 +311,6 @@ private Q_SLOTS:
         file.write("{\"event\":\"answer\",\"device\":\"a");
         file.close();
         QCOMPARE(Lesson::journalOf(journal).value(QStringLiteral("code")).toByteArray(), code);
-
         Lesson lesson(m_classroom.url());
         LessonError error;
         connect(&lesson, &Lesson::failed, this, [&](const LessonError& one) { error = one; });
@@ -335,7 +331,6 @@ private Q_SLOTS:
         QVERIFY(QFile::copy(journal, unended));
         lesson.end();
         QVERIFY(waitFor([&] { return lesson.state() == Lesson::LoggedIn; }));
-
         const QJsonObject after = lesson.report();
         lesson.takeUp(journal);
         QCOMPARE(error.kind, LessonError::BadInput);
@@ -349,7 +344,6 @@ private Q_SLOTS:
     }
 
     void nothingGrows_data() { combinations({Transport::all}); }
-
     // Cut after cut.
     void nothingGrows()
     {
@@ -396,5 +390,4 @@ private:
 };
 
 INTEROP_MAIN(TestComingBack)
-
 #include "tst_ComingBack.moc"

@@ -39,7 +39,6 @@ private Q_SLOTS:
     }
 
     void proxyGoesAndComesBack_data() { combinations({Transport::all}); }
-
     void proxyGoesAndComesBack()
     {
         const auto [transport] = row<QString>();
@@ -57,7 +56,6 @@ private Q_SLOTS:
     }
 
     void passwordIsDemanded_data() { combinations({Transport::all}); }
-
     void passwordIsDemanded()
     {
         constexpr int longest = 5000; // ms
@@ -95,7 +93,6 @@ private Q_SLOTS:
     }
 
     void passwordIsKnown_data() { combinations({Transport::all}); }
-
     void passwordIsKnown()
     {
         const auto [transport] = row<QString>();

@@ -51,7 +51,6 @@ private Q_SLOTS:
     }
 
     void teaches_data() { combinations({Transport::all}); }
-
     // All is asked for at once, and done in order.
     void teaches()
     {
@@ -65,12 +64,10 @@ private Q_SLOTS:
         QVERIFY(waitForState(Lesson::Live));
         QCOMPARE(states,
                  (QList<Lesson::State>{Lesson::LoggingIn, Lesson::LoggedIn, Lesson::Starting, Lesson::Live}));
-
         // Who comes late gets what the class has in front of it.
         const Learners learners(m_classroom->url(), m_lesson->joinCode(), 5);
         QVERIFY(waitFor([&] { return early->answered() == 5; }));
         QCOMPARE(m_lesson->roster()->presentCount(), 5);
-
         Poll* const poll = m_lesson->ask(marked());
         QVERIFY(!early->isRunning());
         QVERIFY(waitFor([&] { return poll->answered() == 5; }));
@@ -80,14 +77,12 @@ private Q_SLOTS:
         QCOMPARE(poll->results()->rows().at(0).count + poll->results()->rows().at(1).count, 5);
         m_lesson->stop();
         QVERIFY(poll->missing().isEmpty());
-
         AssessmentPlan plan;
         plan.title = QStringLiteral("Leaves");
         plan.questions = {marked(), Question::usual(PollType::TEXT), Question::usual(PollType::NUMBER)};
         Assessment* const assessment = m_lesson->startAssessment(plan);
         QVERIFY(waitFor([&] { return assessment->finished() == 5; }));
         m_lesson->stopAssessment();
-
         QCOMPARE(m_lesson->report().value("polls").toArray().size(), 2);
         QCOMPARE(m_lesson->toCsv().count("\r\n"), 1 + 5 + 5 + 15);
         m_lesson->logOut();
@@ -102,7 +97,6 @@ private Q_SLOTS:
     {
         combinations({QStringList{"of one that ends", "of one that is given up"}});
     }
-
     void aSlotStartsTheNextSession()
     {
         const bool isLost = std::get<0>(row<QString>()) == QLatin1String("of one that is given up");
@@ -170,7 +164,6 @@ private Q_SLOTS:
         for (int state = Lesson::LoggingIn; state <= Lesson::Ending; ++state)
             QTest::newRow(QMetaEnum::fromType<Lesson::State>().valueToKey(state)) << state;
     }
-
     // Deleted by its own slot.
     void diesInEveryState()
     {
@@ -216,7 +209,6 @@ private Q_SLOTS:
         add("modelReset()", {"Calyx::Roster", "Calyx::Deck"});
         add("rowsInserted(QModelIndex,int,int)", {"Calyx::Roster", "Calyx::Deck", "Calyx::Assessment"});
     }
-
     // A whole lesson, step by step, until a slot deletes it.
     void diesInEverySlot()
     {
@@ -304,5 +296,4 @@ private:
 };
 
 INTEROP_MAIN(TestLesson)
-
 #include "tst_Lesson.moc"

@@ -264,7 +264,6 @@ private Q_SLOTS:
                 addRows(transport, withChannel);
         }
     }
-
     void cell()
     {
         const auto [transport, action, occasion] = row<QString, QString, QString>();

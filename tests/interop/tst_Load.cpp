@@ -65,7 +65,6 @@ class TestLoad : public QObject
 
 private Q_SLOTS:
     void everyAnswerComesOnce_data() { combinations({Transport::all}); }
-
     void everyAnswerComesOnce()
     {
         const auto [transport] = row<QString>();
@@ -77,7 +76,6 @@ private Q_SLOTS:
         PresenterCollab* collab = nullptr;
         QVERIFY(client.startWebsocket(&collab));
         QTRY_VERIFY(collab->isConnected());
-
         QSet<QString> here;
         QStringList answered;
         const CollaborationMessageHandler* handler = collab->messageHandler();
@@ -103,7 +101,6 @@ private Q_SLOTS:
     }
 
     void everyAnswerComesToTheModels_data() { combinations({Transport::all}); }
-
     // The same in a lesson, whose turns are short whatever the channel's are.
     void everyAnswerComesToTheModels()
     {

@@ -13,7 +13,6 @@ private Q_SLOTS:
     {
         combinations({servers, Transport::all, {"cut", "leave", "restart", "absence"}});
     }
-
     // Where a server is restarted, a poll or a streamed answer is pending.
     void hostOpensAgain()
     {
@@ -42,7 +41,6 @@ private Q_SLOTS:
     }
 
     void hostIsBusyForTooLong_data() { combinations({servers, Transport::xhr}); }
-
     // Servers give a session up when nobody has asked for its frames for 5 s.
     void hostIsBusyForTooLong()
     {
@@ -54,14 +52,12 @@ private Q_SLOTS:
         QVERIFY(Peer::blockUntil([&] { return m_bus->count(forgotten) > 0; }));
         QVERIFY(m_host->waitForEnd());
         QCOMPARE(m_host->numbers().fault(), QString());
-
         QVERIFY(m_host->open(transport));
         QVERIFY(m_host->receiveNumbers(10000));
         QVERIFY(m_host->close());
     }
 
     void nothingIsLostAtSeams_data() { combinations({servers, {"4096", "16384", "131072"}}); }
-
     void nothingIsLostAtSeams()
     {
         constexpr int seamsOfDefaultLimit = 10;
@@ -74,7 +70,6 @@ private Q_SLOTS:
     }
 
     void hostIsBusyAtSeams_data() { combinations({servers}); }
-
     // For less than the 5 s.
     void hostIsBusyAtSeams()
     {

@@ -16,7 +16,6 @@ private Q_SLOTS:
                 QTest::addRow("%s, %s", qPrintable(server), qPrintable(transport)) << server << transport;
         }
     }
-
     void receivesTenThousandTextsInOrder()
     {
         QVERIFY(open());

@@ -26,7 +26,6 @@ private Q_SLOTS:
     {
         combinations({QStringList{"403", "200", "reset"} + limited + drops});
     }
-
     // The next one; or after an upgrade polling, whatever stands next in the list, and in the same session.
     // Threads and descriptors are given back.
     void anotherTransportComesUp()
@@ -59,7 +58,6 @@ private Q_SLOTS:
     }
 
     void leavingBeforeOpenFrame_data() { combinations({QStringList{"dropLater", "resetLater"}}); }
-
     // The fallback comes up when the host has left already: it is closed at once, and nothing is registered.
     void leavingBeforeOpenFrame()
     {

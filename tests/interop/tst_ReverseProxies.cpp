@@ -44,7 +44,6 @@ private Q_SLOTS:
     }
 
     void setUpForStreaming_data() { combinations({Transport::all}); }
-
     void setUpForStreaming()
     {
         const auto [transport] = row<QString>();
@@ -60,7 +59,6 @@ private Q_SLOTS:
             QVERIFY(m_host->close());
         }
         QCOMPARE(m_bus->count(QStringLiteral("open ")), 2);
-
         QVERIFY(m_host->open(list));
         m_host->publish(QStringLiteral("leave"));
         QVERIFY(m_host->waitForEnd());

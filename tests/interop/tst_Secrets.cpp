@@ -16,7 +16,6 @@ private Q_SLOTS:
     {
         combinations({Transport::all, {"default.debug=false", "default.debug=true"}});
     }
-
     void lessonIsWrittenNowhere()
     {
         const auto [transport, diagnostics] = row<QString, QString>();
@@ -30,13 +29,11 @@ private Q_SLOTS:
         host.setEnvironment(environment + QStringList{"QT_LOGGING_RULES=" + diagnostics});
         host.setWorkingDirectory(folder.path());
         host.start(QStringLiteral(QUIET_HOST), {classroom.url().toString(), transport});
-
         QByteArray said;
         QTRY_VERIFY_WITH_TIMEOUT((said += host.readAllStandardOutput()).endsWith('\n'), 60000);
         QVERIFY2(said.startsWith("code "), said.constData());
         const Learners learners(classroom.url(), QString::fromUtf8(said.mid(5).trimmed()), 2);
         QTRY_COMPARE_WITH_TIMEOUT(host.state(), QProcess::NotRunning, 120000);
-
         const QList<QByteArray> lines = host.readAllStandardOutput().split('\n');
         QCOMPARE(host.exitCode(), 0);
         QCOMPARE(host.readAllStandardError(), QByteArray());

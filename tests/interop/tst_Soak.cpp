@@ -34,7 +34,6 @@ class TestSoak : public QObject
 
 private Q_SLOTS:
     void nothingGrows_data() { combinations({Transport::all}); }
-
     void nothingGrows()
     {
         const auto [transport] = row<QString>();
@@ -52,7 +51,6 @@ private Q_SLOTS:
         connect(&collab, &PresenterCollab::connectionClosed, this, [&closed] { ++closed; });
         collab.open({transport});
         QTRY_VERIFY(collab.isConnected());
-
         const int all = Interop::amount("CALYX_SOAK_ROUNDS", usualRounds);
         const int warm = all / 3;
         Use atFirst;

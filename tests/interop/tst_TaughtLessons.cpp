@@ -59,7 +59,6 @@ struct Taught
         QVERIFY2(host.exitCode() == 0, qPrintable(told + QString::fromUtf8(host.readAllStandardError())));
         QVERIFY(ends(devices->process()));
         const QString totals = QString::fromUtf8(devices->process()->readAllStandardOutput());
-
         const QString everyone = QStringLiteral("%1 of %1 ").arg(learners);
         QCOMPARE(told.mid(told.indexOf(QStringLiteral("Most frequent"))).count(everyone), 11);
         QCOMPARE(numberIn(totals, QStringLiteral("answers=(\\d+)")), QString::number(11 * learners));
@@ -95,7 +94,6 @@ private Q_SLOTS:
     {
         combinations({QStringList{"option http-keep-alive", "option httpclose", "through a proxy"}});
     }
-
     void isTaught()
     {
         const auto [way] = row<QString>();

@@ -13,7 +13,6 @@ class TestTransportSecurity : public BusTest
 
 private Q_SLOTS:
     void trustedAuthorityCarriesTexts_data() { combinations({Transport::all}); }
-
     void trustedAuthorityCarriesTexts()
     {
         const auto [transport] = row<QString>();
@@ -43,14 +42,12 @@ private Q_SLOTS:
     {
         combinations({{"unknown", "elsewhere", "expired"}, Transport::all});
     }
-
     void anotherCertificateIsRefused()
     {
         const auto [certificate, transport] = row<QString, QString>();
         start(Peers::nodeBus({QStringLiteral("--count"), QStringLiteral("1")}), certificate);
         QVERIFY(m_host->tryOpen({transport}));
         QVERIFY(!m_host->collab()->isConnected());
-
         // What would have been sent or told after all is there before an answer on another channel is.
         Host plain(m_bus->url());
         QVERIFY(plain.open(Transport::webSocket));

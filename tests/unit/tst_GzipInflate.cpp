@@ -113,5 +113,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(tst_GzipInflate)
-
 #include "tst_GzipInflate.moc"

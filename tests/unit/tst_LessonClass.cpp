@@ -882,5 +882,4 @@ private:
 };
 
 QTEST_GUILESS_MAIN(tst_LessonClass)
-
 #include "tst_LessonClass.moc"

@@ -700,5 +700,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(tst_LessonStates)
-
 #include "tst_LessonStates.moc"

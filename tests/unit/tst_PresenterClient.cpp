@@ -359,5 +359,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(tst_PresenterClient)
-
 #include "tst_PresenterClient.moc"

@@ -208,5 +208,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(tst_PresenterClientAccount)
-
 #include "tst_PresenterClientAccount.moc"

@@ -534,5 +534,4 @@ private:
 };
 
 QTEST_GUILESS_MAIN(tst_PresenterClientAnswers)
-
 #include "tst_PresenterClientAnswers.moc"

@@ -299,7 +299,6 @@ private Q_SLOTS:
             PresenterCollab* collab = nullptr;
             QVERIFY(client.startWebsocket(&collab));
             QCOMPARE(qgetenv("http_proxy"), "127.0.0.1:" + QByteArray::number(proxy.serverPort()));
-
             proxy.expect(service + "/tavisto/session/getusers", Answer::json("{}"));
             QVERIFY(client.doGetLearners());
             QVERIFY(proxy.isUsedUp());
@@ -330,7 +329,6 @@ private Q_SLOTS:
             }
             lesson.expectStart(Answer::json(Lesson::WEBSOCKET), Answer::json(body, status),
                                Answer::json(body, status));
-
             QVERIFY(lesson.start());
             QCOMPARE(lesson.client->sessionToken(), isKnown ? QStringLiteral("T0") : QString());
             QCOMPARE(lesson.client->userToken(), isKnown ? QStringLiteral("U0") : QString());
@@ -343,5 +341,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(tst_PresenterClientCollaboration)
-
 #include "tst_PresenterClientCollaboration.moc"

@@ -242,5 +242,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(tst_PresenterClientSecurity)
-
 #include "tst_PresenterClientSecurity.moc"

@@ -203,5 +203,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(tst_PresenterClientSession)
-
 #include "tst_PresenterClientSession.moc"

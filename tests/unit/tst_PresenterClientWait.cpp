@@ -534,5 +534,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(tst_PresenterClientWait)
-
 #include "tst_PresenterClientWait.moc"

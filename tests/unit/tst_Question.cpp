@@ -142,5 +142,4 @@ private Q_SLOTS:
 };
 
 QTEST_GUILESS_MAIN(tst_Question)
-
 #include "tst_Question.moc"
