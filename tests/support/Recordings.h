@@ -6,7 +6,7 @@
 #include <QStringList>
 #include <QVector>
 
-/// Answers of real servers to receive requests, as recordAnswers has written them down, with what is in them.
+/// Answers of real servers to receive requests, written down byte for byte, with what is in them.
 namespace Recordings {
 
 struct Answer
