@@ -132,6 +132,10 @@
         <translation>&quot;help&quot; nennt die Befehle, Tab ergänzt sie, &quot;quit&quot; beendet.</translation>
     </message>
     <message>
+        <source>&quot;help&quot; lists the commands, &quot;quit&quot; ends.</source>
+        <translation>&quot;help&quot; nennt die Befehle, &quot;quit&quot; beendet.</translation>
+    </message>
+    <message>
         <source>usage: calyx-presenter --server URL [options]
 
 Teaches a live classroom lesson: from a script, or by commands typed at a prompt.</source>

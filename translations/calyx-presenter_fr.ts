@@ -132,6 +132,10 @@
         <translation>&quot;help&quot; donne les commandes, Tab les complète, &quot;quit&quot; termine.</translation>
     </message>
     <message>
+        <source>&quot;help&quot; lists the commands, &quot;quit&quot; ends.</source>
+        <translation>&quot;help&quot; donne les commandes, &quot;quit&quot; termine.</translation>
+    </message>
+    <message>
         <source>usage: calyx-presenter --server URL [options]
 
 Teaches a live classroom lesson: from a script, or by commands typed at a prompt.</source>

@@ -164,7 +164,9 @@ void feed(Runner& runner, LineSource& source, CommandContext& context)
     QObject::connect(&runner, &Runner::givenUp, &source, [&] { runner.drop(source.takeTyped()); });
     QObject::connect(&runner, &Runner::finished, &source, &LineSource::stop);
     if (isTyped())
-        context.screen.note(Words::tr("\"help\" lists the commands, Tab completes them, \"quit\" ends."));
+        context.screen.note(context.askPassword
+                                ? Words::tr("\"help\" lists the commands, Tab completes them, \"quit\" ends.")
+                                : Words::tr("\"help\" lists the commands, \"quit\" ends."));
     source.start();
 }
 
